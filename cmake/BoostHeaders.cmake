@@ -1,0 +1,11 @@
+# Boost is used for its headers only. A link of its own keeps the host's other headers off the path.
+add_library(boost_headers INTERFACE)
+if(MINGW)
+  find_path(KEL_BOOST_ROOT boost/version.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)
+  file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/boost_headers)
+  file(CREATE_LINK ${KEL_BOOST_ROOT}/boost ${CMAKE_BINARY_DIR}/boost_headers/boost SYMBOLIC)
+  target_include_directories(boost_headers SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/boost_headers)
+else()
+  find_package(Boost REQUIRED)
+  target_link_libraries(boost_headers INTERFACE Boost::headers)
+endif()

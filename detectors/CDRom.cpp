@@ -1,0 +1,10 @@
+#include "detectors/CDRom.h"
+
+namespace kel {
+
+bool CDRom::Detect()
+{
+    return Guarded(L"kel::CDRom::Detect", L"Error in CDRom detection.", [] {});
+}
+
+}  // namespace kel

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <boost/core/noncopyable.hpp>
+#include <concepts>
+#include <string>
+
+#include "diag/Log.h"
+#include "diag/LogScope.h"
+#include "run/Session.h"
+#include "values/Value.h"
+
+namespace kel {
+
+/// A detector: examines one kind of hardware or software and stores what it finds.
+class Component : boost::noncopyable {
+public:
+    virtual ~Component() = default;
+
+    /// Reads the machine and stores the detector's values in the current session.
+    /// @return true, also after a failure, which is logged
+    virtual bool Detect() = 0;
+
+    /// One-time preparation.
+    virtual void Initialize() {}
+
+protected:
+    /// Runs the body of a Detect in a trace scope of the given name. When the body throws, what it has stored
+    /// stays, and the error line is logged.
+    /// @param errorLine null for a detector without a line of its own
+    template <std::invocable Body>
+    static bool Guarded(const wchar_t* scopeName, const wchar_t* errorLine, Body body)
+    {
+        const LogScope trace(scopeName, LogScope::Tracing());
+        try {
+            body();
+        } catch (...) {
+            if (errorLine != nullptr)
+                ReportFailure(LogError, errorLine);
+        }
+        return true;
+    }
+
+    /// Stores a copy of a typed value, or a plain text, under an id with index 0.
+    template <typename Stored>
+    static void AddValue(unsigned id, const Stored& value)
+    {
+        Session::Current().Values().AddValue(SystemValueID(GroupID(id)), value);
+    }
+};
+
+}  // namespace kel

@@ -1,0 +1,10 @@
+#include "detectors/DirectX.h"
+
+namespace kel {
+
+bool DirectX::Detect()
+{
+    return Guarded(L"kel::DirectX::Detect", L"Error in DirectX detection.", [] {});
+}
+
+}  // namespace kel

@@ -1,0 +1,15 @@
+#include "detectors/LogicalDrive.h"
+
+namespace kel {
+
+bool LogicalDrive::Detect()
+{
+    return Guarded(L"kel::LogicalDrive::Detect", L"Error in LogicalDrive detection.", [] {});
+}
+
+void LogicalDrive::Initialize()
+{
+    const LogScope trace(L"kel::LogicalDrive::Initialize", LogScope::Tracing());
+}
+
+}  // namespace kel

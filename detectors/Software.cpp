@@ -1,0 +1,10 @@
+#include "detectors/Software.h"
+
+namespace kel {
+
+bool Software::Detect()
+{
+    return Guarded(L"kel::Software::Detect", L"Error in Software detection.", [] {});
+}
+
+}  // namespace kel

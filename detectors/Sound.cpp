@@ -1,0 +1,10 @@
+#include "detectors/Sound.h"
+
+namespace kel {
+
+bool Sound::Detect()
+{
+    return Guarded(L"kel::Sound::Detect", nullptr, [] {});
+}
+
+}  // namespace kel

@@ -1,0 +1,44 @@
+#include "diag/LogBuf.h"
+
+#include <windows.h>
+
+#include <utility>
+
+namespace kel {
+
+LogBuf::~LogBuf()
+{
+    try {
+        LogBuf::sync();
+    } catch (...) {
+        // The last line is lost with the memory that it needed; a destructor has nobody to tell.
+    }
+}
+
+void LogBuf::SetFile(std::unique_ptr<std::ofstream> sink)
+{
+    file = std::move(sink);
+}
+
+void LogBuf::Emit(const wchar_t* line)
+{
+    if (line == nullptr)
+        return;
+    const std::wstring_view characters(line);
+    OutputDebugStringW(line);
+    if (file)
+        file->write(reinterpret_cast<const char*>(characters.data()),
+                    static_cast<std::streamsize>(characters.size() * sizeof(wchar_t)));
+    text += characters;
+    hasContent = hasContent || !characters.empty();
+}
+
+int LogBuf::sync()
+{
+    const std::wstring line = str();
+    str(std::wstring());  // first, so that a line that a sink refuses is not written again with the next
+    Emit(line.c_str());
+    return 0;
+}
+
+}  // namespace kel

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+namespace kel {
+
+/// Traces the extent of a function: "Entering: " and "Exiting: " lines at level 4, and one step of
+/// indentation for what is written between them.
+class LogScope {
+public:
+    /// @param scopeName the qualified name of the function
+    /// @param isActive whether to trace at all; see Tracing()
+    LogScope(const wchar_t* scopeName, bool isActive);
+    LogScope(const LogScope&) = delete;
+    LogScope& operator=(const LogScope&) = delete;
+    ~LogScope();
+
+    /// Whether scopes are traced now.
+    static bool Tracing();
+
+private:
+    bool active;
+    std::wstring name;
+};
+
+}  // namespace kel

@@ -1,0 +1,41 @@
+#include "diag/Timer.h"
+
+#include <windows.h>
+
+namespace kel {
+
+namespace {
+
+std::int64_t ReadCounter()
+{
+    LARGE_INTEGER reading = {};
+    return QueryPerformanceCounter(&reading) ? reading.QuadPart : 0;
+}
+
+}  // namespace
+
+void Timer::Start()
+{
+    start = ReadCounter();
+}
+
+void Timer::Stop()
+{
+    stop = ReadCounter();
+}
+
+std::int64_t Timer::ElapsedMilliseconds() const
+{
+    LARGE_INTEGER frequency = {};
+    QueryPerformanceFrequency(&frequency);
+    return ElapsedMilliseconds(start, stop, frequency.QuadPart);
+}
+
+std::int64_t Timer::ElapsedMilliseconds(std::int64_t start, std::int64_t stop, std::int64_t frequency)
+{
+    if (frequency < 1 || start < 1 || stop <= start)
+        return 0;
+    return (stop - start) * 1000 / frequency;
+}
+
+}  // namespace kel

@@ -1,0 +1,128 @@
+#include "run/System.h"
+
+#include <boost/uuid/random_generator.hpp>
+#include <boost/uuid/uuid_io.hpp>
+#include <ctime>
+#include <memory>
+
+#include "BuildSettings.h"
+#include "diag/Log.h"
+#include "diag/LogScope.h"
+#include "run/ConfigurationTags.h"
+#include "run/XMLReport.h"
+#include "service/GroupListRequest.h"
+#include "service/WebServiceUpload.h"
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr unsigned SessionGroup = 71424;
+constexpr unsigned ReferrerGroup = 71218;
+constexpr unsigned UserGroup = 71206;
+
+}  // namespace
+
+System& System::Instance()
+{
+    static System* const instance = std::make_unique<System>().release();
+    return *instance;
+}
+
+System::System()
+{
+    Initialize();
+    MakeCurrent();
+}
+
+void System::Initialize()
+{
+    const LogScope trace(L"kel::System::Initialize", LogScope::Tracing());
+    sessionID = boost::uuids::to_wstring(boost::uuids::random_generator_mt19937()());
+}
+
+void System::SetConfiguration(const std::wstring& text)
+{
+    const LogScope trace(L"kel::System::SetConfiguration", LogScope::Tracing());
+    WriteLog(LogTrace, L"config= ", text);
+    if (text.empty())
+        return;
+
+    std::wstring value;
+    if (ExtractTag(text, L"<debug>", L"</debug>", value))
+        debug = value;
+    // Assigned directly: a session named by the configuration does not make an upload due.
+    if (ExtractTag(text, L"<session_id>", L"</session_id>", value))
+        sessionID = value;
+    if (ExtractTag(text, L"<user_id>", L"</user_id>", value))
+        userID = value;
+    if (ExtractTag(text, L"<referrer_id>", L"</referrer_id>", value))
+        referrerID = value;
+    if (ExtractTag(text, L"<logging>", L"</logging>", value))
+        Log::Instance().SetLevel(ToInteger(value));
+}
+
+void System::Detect()
+{
+    const LogScope trace(L"kel::System::Detect", LogScope::Tracing());
+    StoreIdentifiers();
+    if (!detectorsInitialised) {
+        FetchWantedGroups();
+        components.DetectAll();
+        detectorsInitialised = true;
+    }
+    UploadReport();
+    Log::Instance().flush();
+}
+
+void System::SetReferrerID(const std::wstring& text)
+{
+    if (!text.empty())
+        referrerID = text;
+}
+
+void System::SetSessionID(const std::wstring& text)
+{
+    if (text.empty())
+        return;
+    sessionID = text;
+    upload.Reset();
+}
+
+std::wstring System::Version()
+{
+    static const std::wstring version = L"" KEL_VERSION_TEXT;
+    return version;
+}
+
+void System::StoreIdentifiers()
+{
+    values.AddValue(SessionGroup, sessionID);
+    values.AddValue(ReferrerGroup, referrerID);
+    values.AddValue(UserGroup, userID);
+}
+
+void System::FetchWantedGroups()
+{
+    if (wanted.IsFetchedFor(referrerID))
+        return;
+    GroupListRequest request;
+    request.Call();
+    wanted.Assign(request.GetResult(), referrerID);
+}
+
+void System::UploadReport()
+{
+    const std::int64_t now = std::time(nullptr);
+    if (!upload.IsDue(now))
+        return;
+    static std::wstring report;
+    report.clear();
+    XMLReport(values).GetReport(XMLReport::StandardOption, report);
+    WebServiceUpload request(report);
+    request.Call();
+    upload.MarkUploaded(now);
+}
+
+}  // namespace kel

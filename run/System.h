@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "detectors/Components.h"
+#include "run/Session.h"
+#include "run/SystemValues.h"
+#include "run/UploadInterval.h"
+#include "run/WantedGroups.h"
+
+namespace kel {
+
+/// The one detection session of the process: the page's identifiers, the wanted groups, the detectors and the
+/// store. Not locked; used from the control's apartment thread only.
+class System : public Session {
+public:
+    /// The session of the process, made on first use and never destroyed.
+    static System& Instance();
+
+    System();
+
+    /// Gives the session a fresh random identifier. Called by the constructor.
+    void Initialize();
+
+    /// Reads the tags debug, session_id, user_id, referrer_id and logging out of a configuration text. What
+    /// the text lacks keeps its value.
+    void SetConfiguration(const std::wstring& text);
+
+    /// Stores the identifiers, examines the machine (once per process), and uploads the report when it is
+    /// due.
+    /// @throws whatever a step throws; the control's members catch it
+    void Detect();
+
+    /// Keeps a non-empty text only.
+    void SetReferrerID(const std::wstring& text);
+    /// Keeps a non-empty text only, and makes the next upload due at once.
+    void SetSessionID(const std::wstring& text);
+    void SetUserID(const std::wstring& text) { userID = text; }
+    void SetDebug(const std::wstring& text) { debug = text; }
+
+    const std::wstring& SessionID() const override { return sessionID; }
+    const std::wstring& ReferrerID() const override { return referrerID; }
+    const std::wstring& UserID() const override { return userID; }
+    bool IsWanted(const GroupID& group) const override { return wanted.Contains(group); }
+    SystemValues& Values() override { return values; }
+
+    /// Whether the debug text is set and is not "0".
+    bool IsDebug() const { return !debug.empty() && debug != L"0"; }
+
+    /// The program's version, "4.5.1.0".
+    static std::wstring Version();
+
+private:
+    void StoreIdentifiers();
+    void FetchWantedGroups();
+    void UploadReport();
+
+    std::wstring sessionID;
+    std::wstring referrerID;
+    std::wstring userID;
+    std::wstring debug;
+    bool detectorsInitialised = false;
+    UploadInterval upload;
+    WantedGroups wanted;
+    Components components;
+    SystemValues values;
+};
+
+}  // namespace kel

@@ -1,0 +1,17 @@
+#include "run/SystemValue.h"
+
+#include <utility>
+
+namespace kel {
+
+SystemValue::SystemValue(SystemValueID valueId, boost::shared_ptr<const Value> systemValue)
+    : id(std::move(valueId)), value(std::move(systemValue))
+{
+}
+
+std::wstring SystemValue::Text() const
+{
+    return value->ToString();
+}
+
+}  // namespace kel

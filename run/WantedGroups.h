@@ -1,0 +1,27 @@
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "run/GroupID.h"
+
+namespace kel {
+
+/// The groups that the analysis service wants for a referrer.
+class WantedGroups {
+public:
+    bool Contains(const GroupID& group) const { return groups.contains(group); }
+
+    /// Whether the groups were fetched for this very referrer.
+    bool IsFetchedFor(const std::wstring& referrer) const { return fetched && fetchedFor == referrer; }
+
+    /// Takes the service's answer: group ids separated by "|" or ",".
+    void Assign(const std::wstring& answer, const std::wstring& referrer);
+
+private:
+    std::set<GroupID> groups;
+    bool fetched = false;
+    std::wstring fetchedFor;
+};
+
+}  // namespace kel

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# Formats all C++ sources in place; with --check, only tells whether they are formatted.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh --lint
+options=(-i)
+[ "${1:-}" = --check ] && options=(--dry-run --Werror)
+if ! git ls-files -z --cached --others --exclude-standard '*.cpp' '*.h' | xargs -0 clang-format "${options[@]}"; then
+  echo "Not formatted. Repair it with: scripts/format.sh" >&2
+  exit 1
+fi

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that building, testing and the demo need. Does nothing when all are there.
+set -euo pipefail
+
+packages=(
+  g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
+  cmake ninja-build python3
+)
+[ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy)
+
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+"${as_root[@]}" apt-get update -q
+DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"

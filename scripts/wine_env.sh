@@ -1,0 +1,12 @@
+# Sourced by the scripts that run Windows programs: one Wine prefix in the build tree, one server for the whole run.
+export WINEPREFIX="${WINEPREFIX:-$PWD/build/wine}"
+export WINEDEBUG="${WINEDEBUG:--all}"
+export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
+
+# Starts the server, making the prefix first when there is none; the server ends with the script.
+start_wine() {
+  mkdir -p "$WINEPREFIX"
+  wineserver -p
+  trap 'wineserver -k || true' EXIT
+  [ -f "$WINEPREFIX/system.reg" ] || wineboot -i >/dev/null 2>&1
+}

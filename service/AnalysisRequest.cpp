@@ -1,0 +1,23 @@
+#include "service/AnalysisRequest.h"
+
+#include "run/Session.h"
+#include "run/XMLReport.h"
+
+namespace kel {
+
+AnalysisRequest::AnalysisRequest()
+    : WebService(
+          L"POST", L"/service/Analysis/" + PathText(Session::Current().ReferrerID()),
+          L"<System><SessionID>^session_id</SessionID><ItemID>^item_id</ItemID><UserID>^user_id</UserID>"
+          L"<Format>^message_format</Format><Schema>^format_version</Schema></System>")
+{
+    Session& session = Session::Current();
+    SetPlaceholder(L"^session_id", session.SessionID());
+    SetPlaceholder(L"^user_id", session.UserID());
+    // Requests of this kind may carry the report; the present template has no place for it.
+    std::wstring report;
+    XMLReport(session.Values()).GetReport(XMLReport::StandardOption, report);
+    SetPlaceholder(L"^sys_info", report);
+}
+
+}  // namespace kel

@@ -1,0 +1,15 @@
+#include "service/GroupListRequest.h"
+
+#include "run/Session.h"
+
+namespace kel {
+
+GroupListRequest::GroupListRequest()
+    : WebService(L"GET",
+                 L"/Data/Service.svc/Group/list?refid=" + PathText(Session::Current().ReferrerID()) +
+                     L"&apikey=" + ServiceApiKey,
+                 L"")
+{
+}
+
+}  // namespace kel

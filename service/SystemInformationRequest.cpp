@@ -1,0 +1,29 @@
+#include "service/SystemInformationRequest.h"
+
+#include "run/Session.h"
+#include "run/XMLReport.h"
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+std::wstring EscapedReport()
+{
+    std::wstring report;
+    XMLReport(Session::Current().Values()).GetReport(XMLReport::StandardOption, report);
+    return EscapeMarkup(report);
+}
+
+}  // namespace
+
+SystemInformationRequest::SystemInformationRequest()
+    : WebService(L"POST",
+                 L"/SystemInformation/?refid=" + PathText(Session::Current().ReferrerID()) + L"&sessid=" +
+                     PathText(Session::Current().SessionID()),
+                 L"<SystemInformation><Data>^sys_info</Data></SystemInformation>")
+{
+    SetPlaceholder(L"^sys_info", EscapedReport());
+}
+
+}  // namespace kel

@@ -1,0 +1,16 @@
+// UTF-8, spoken only on the wire.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kel {
+
+/// @throws std::length_error for a text of more than 2^31 - 1 characters
+std::string ToUtf8(std::wstring_view text);
+
+/// Bytes that are no UTF-8 become replacement characters.
+/// @throws std::length_error for more than 2^31 - 1 bytes
+std::wstring FromUtf8(std::string_view bytes);
+
+}  // namespace kel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+
+#include "diag/Timer.h"
+
+namespace kel {
+
+/// A request to the analysis service: one blocking HTTP exchange through WinINet. Each kind of request fills
+/// in the verb, the path and the body. The host and port 80 are fixed when the control is built.
+class WebService {
+public:
+    WebService(const WebService&) = delete;
+    WebService& operator=(const WebService&) = delete;
+    virtual ~WebService();
+
+    /// Sends the request and reads the answer. Throws nothing: a failure is logged and leaves the result as
+    /// it was.
+    void Call() noexcept;
+
+    /// The text of the answer, whatever its status; empty before a call and after a failed one.
+    const std::wstring& GetResult() const { return result; }
+
+    const std::wstring& Verb() const { return verb; }
+    const std::wstring& Path() const { return path; }
+    const std::wstring& Body() const { return body; }
+
+protected:
+    /// @param requestBody empty for a request that is sent without content headers
+    WebService(const wchar_t* requestVerb, std::wstring requestPath, std::wstring requestBody);
+
+    /// Puts a text in place of a placeholder of the body.
+    void SetPlaceholder(const wchar_t* placeholder, const std::wstring& text);
+
+    /// A text as it may stand in a path: control characters and blanks are percent-encoded, so that a page's
+    /// identifier cannot add a header or a second request. Everything else goes in as it is.
+    static std::wstring PathText(const std::wstring& text);
+
+private:
+    void Exchange();
+    void Send(void* request);
+
+    std::wstring host;
+    std::wstring verb;
+    std::wstring path;
+    std::wstring contentType;
+    std::wstring body;
+    std::wstring result;
+    Timer timer;
+};
+
+/// The key that the service asks of every client.
+inline constexpr const wchar_t* ServiceApiKey = L"5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
+
+}  // namespace kel

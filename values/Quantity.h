@@ -1,0 +1,33 @@
+// Numbers with units, read from texts and written into them; shared by the quantity classes.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace kel {
+
+/// Truncates toward zero. Below zero, and what is not a number, gives 0; too large gives the largest value.
+std::uint64_t TruncateToUnsigned(double number);
+
+/// Reads a floating-point number from the start of a text, leading blanks skipped; 0.0 when there is none.
+double LeadingNumber(const std::wstring& text);
+
+/// A unit word and how many base units it stands for.
+struct Unit {
+    std::wstring_view word;
+    double factor;
+};
+
+/// The factor of the first unit, in the order given, whose word occurs anywhere in the text; 1 when none
+/// does.
+double UnitFactor(std::wstring_view upperCaseText, std::span<const Unit> units);
+
+/// Writes an amount in the largest fitting unit with one decimal, as in "1.5 KB".
+/// @param step the ratio of each unit to the one before it
+/// @param units the names of the units, smallest first
+void FormatQuantity(std::uint64_t amount, double step, std::span<const wchar_t* const> units,
+                    std::wstring& text);
+
+}  // namespace kel

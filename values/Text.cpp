@@ -1,0 +1,80 @@
+#include "values/Text.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <cwctype>
+#include <utility>
+
+namespace kel {
+
+namespace {
+
+std::wstring Transformed(std::wstring text, std::wint_t (*convert)(std::wint_t))
+{
+    std::ranges::transform(text, text.begin(),
+                           [convert](wchar_t c) { return static_cast<wchar_t>(convert(c)); });
+    return text;
+}
+
+bool IsSpace(wchar_t character)
+{
+    return std::iswspace(character) != 0;
+}
+
+}  // namespace
+
+int ToInteger(const std::wstring& text)
+{
+    return static_cast<int>(std::wcstol(text.c_str(), nullptr, 10));
+}
+
+unsigned ToUnsigned(const std::wstring& text)
+{
+    return static_cast<unsigned>(std::wcstoul(text.c_str(), nullptr, 10));
+}
+
+std::wstring ToUpper(std::wstring text)
+{
+    return Transformed(std::move(text), &std::towupper);
+}
+
+std::wstring ToLower(std::wstring text)
+{
+    return Transformed(std::move(text), &std::towlower);
+}
+
+std::wstring Trim(const std::wstring& text)
+{
+    const auto end = std::find_if_not(text.rbegin(), text.rend(), IsSpace).base();
+    const auto start = std::find_if_not(text.begin(), end, IsSpace);
+    return {start, end};
+}
+
+void ReplaceAll(std::wstring& text, std::wstring_view what, std::wstring_view with)
+{
+    std::size_t found = text.find(what);
+    if (found == std::wstring::npos)
+        return;
+    std::wstring replaced;
+    std::size_t copied = 0;
+    for (; found != std::wstring::npos; found = text.find(what, copied)) {
+        replaced.append(text, copied, found - copied).append(with);
+        copied = found + what.size();
+    }
+    text = std::move(replaced.append(text, copied));
+}
+
+std::wstring EscapeMarkup(std::wstring text)
+{
+    ReplaceAll(text, L"&", L"&amp;");
+    ReplaceAll(text, L"<", L"&lt;");
+    ReplaceAll(text, L">", L"&gt;");
+    return text;
+}
+
+void RemoveCharacters(std::wstring& text, std::wstring_view characters)
+{
+    std::erase_if(text, [characters](wchar_t c) { return characters.find(c) != std::wstring_view::npos; });
+}
+
+}  // namespace kel
