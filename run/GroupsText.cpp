@@ -22,11 +22,11 @@ GroupsText::GroupsText(std::wstring_view groupsText)
 {
 }
 
-std::size_t GroupsText::Word::FindFrom(std::wstring_view text, std::size_t start)
+std::size_t GroupsText::Word::FindFrom(std::wstring_view searched, std::size_t start)
 {
-    if (!searched || (next != None && next < start))
-        next = text.find(word, start);
-    searched = true;
+    if (!isLookedUp || (next != None && next < start))
+        next = searched.find(word, start);
+    isLookedUp = true;
     return next;
 }
 

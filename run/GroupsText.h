@@ -33,13 +33,13 @@ private:
     class Word {
     public:
         explicit Word(std::wstring_view searchedWord) : word(searchedWord) {}
-        std::size_t FindFrom(std::wstring_view text, std::size_t start);
+        std::size_t FindFrom(std::wstring_view searched, std::size_t start);
         std::size_t Length() const { return word.size(); }
 
     private:
         std::wstring_view word;
         std::size_t next = 0;
-        bool searched = false;
+        bool isLookedUp = false;
     };
 
     std::wstring Token(std::size_t name, std::size_t nameLength, std::size_t groupEnd) const;

@@ -4,8 +4,8 @@
 
 namespace kel {
 
-SystemValue::SystemValue(SystemValueID valueId, boost::shared_ptr<const Value> systemValue)
-    : id(std::move(valueId)), value(std::move(systemValue))
+SystemValue::SystemValue(const SystemValueID& valueId, boost::shared_ptr<const Value> systemValue)
+    : id(valueId), value(std::move(systemValue))
 {
 }
 

@@ -12,7 +12,7 @@ namespace kel {
 class SystemValue {
 public:
     /// @param systemValue the typed value; not null
-    SystemValue(SystemValueID valueId, boost::shared_ptr<const Value> systemValue);
+    SystemValue(const SystemValueID& valueId, boost::shared_ptr<const Value> systemValue);
     virtual ~SystemValue() = default;
     SystemValue(const SystemValue&) = default;
     SystemValue& operator=(const SystemValue&) = default;

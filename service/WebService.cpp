@@ -1,6 +1,8 @@
 #include "service/WebService.h"
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <stdexcept>
 #include <utility>
 
@@ -8,6 +10,7 @@
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "diag/Owners.h"
+#include "service/RequestHandle.h"
 #include "service/Utf8.h"
 #include "values/Text.h"
 
@@ -23,13 +26,29 @@ constexpr DWORD RequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CON
 static_assert(RequestFlags == 0xA4400000);
 // The line break stands the wrong way round; the service accepts it, and so it stays.
 constexpr const wchar_t* HeaderTemplate = L"Content-Type: ^content_type; charset=utf-8\n\rContent-Length: ";
-constexpr std::size_t PieceSize = 2000;
+constexpr DWORD PieceSize = 2000;
 
-OwnedInternet Opened(HINTERNET handle, const char* failure)
+/// What one exchange may take of the page that waits for it. The longest answer that the service gives is an
+/// analysis page of some hundred kilobytes.
+constexpr std::chrono::seconds TimeLimit{60};
+constexpr std::chrono::seconds WaitLimit{30};
+constexpr std::size_t ResponseLimit = 16 * 1024 * 1024;
+
+HINTERNET Opened(HINTERNET handle, const char* failure)
 {
     if (handle == nullptr)
         throw std::runtime_error(failure);
-    return OwnedInternet(handle);
+    return handle;
+}
+
+/// Bounds each single wait for the server; the whole exchange has its own limit.
+void LimitWaits(HINTERNET request)
+{
+    for (const DWORD option :
+         {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
+        auto milliseconds = static_cast<DWORD>(std::chrono::milliseconds(WaitLimit).count());
+        InternetSetOptionW(request, option, &milliseconds, sizeof(milliseconds));
+    }
 }
 
 std::wstring QueryInfo(HINTERNET request, DWORD what, const wchar_t* failure)
@@ -56,14 +75,20 @@ void LogHeaders(const std::wstring& headers)
     }
 }
 
-std::string ReadResponse(HINTERNET request)
+std::string ReadResponse(const RequestHandle& request)
 {
     std::string bytes;
     for (;;) {
         std::array<char, PieceSize> piece = {};
+        // Waits for the first byte only; a read alone would wait until the piece is full.
         DWORD count = 0;
-        if (!InternetReadFile(request, piece.data(), static_cast<DWORD>(piece.size()), &count) || count == 0)
+        if (!InternetQueryDataAvailable(request.Get(), &count, 0, 0) || request.IsExpired())
             return bytes;
+        if (!InternetReadFile(request.Get(), piece.data(), std::min<DWORD>(count, PieceSize), &count) ||
+            count == 0)
+            return bytes;
+        if (bytes.size() + count > ResponseLimit)
+            throw std::runtime_error("The service's answer is too long.");
         bytes.append(piece.data(), count);
     }
 }
@@ -97,24 +122,29 @@ void WebService::Call() noexcept
 
 void WebService::Exchange()
 {
-    const OwnedInternet session = Opened(
-        InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0), "Can't open Internet.");
-    const OwnedInternet connection = Opened(
+    const OwnedInternet session(Opened(
+        InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0), "Can't open Internet."));
+    const OwnedInternet connection(Opened(
         InternetConnectW(session.get(), host.c_str(), Port, L"", L"", INTERNET_SERVICE_HTTP, ConnectFlags, 0),
-        "Can't open Internet connection.");
+        "Can't open Internet connection."));
     const wchar_t* acceptTypes[] = {L"text/*", nullptr};
-    const OwnedInternet request = Opened(HttpOpenRequestW(connection.get(), verb.c_str(), path.c_str(),
-                                                          L"HTTP/1.1", nullptr, acceptTypes, RequestFlags, 0),
-                                         "Can't open Internet request.");
+    const RequestHandle request(Opened(HttpOpenRequestW(connection.get(), verb.c_str(), path.c_str(),
+                                                        L"HTTP/1.1", nullptr, acceptTypes, RequestFlags, 0),
+                                       "Can't open Internet request."),
+                                TimeLimit);
+    LimitWaits(request.Get());
     timer.Start();
-    Send(request.get());
+    Send(request.Get());
     timer.Stop();
     WriteLog(LogTrace, L"Elapsed milliseconds: ", timer.ElapsedMilliseconds());
-    const std::wstring status = QueryInfo(request.get(), HTTP_QUERY_STATUS_CODE, L"Can't get status.");
-    const std::wstring statusText = QueryInfo(request.get(), HTTP_QUERY_STATUS_TEXT, L"Can't get data.");
+    const std::wstring status = QueryInfo(request.Get(), HTTP_QUERY_STATUS_CODE, L"Can't get status.");
+    const std::wstring statusText = QueryInfo(request.Get(), HTTP_QUERY_STATUS_TEXT, L"Can't get data.");
     WriteLog(ToInteger(status) >= HTTP_STATUS_BAD_REQUEST ? LogWarning : LogTrace, L"Status: ", status, L' ',
              statusText);
-    result = FromUtf8(ReadResponse(request.get()));
+    const std::string response = ReadResponse(request);
+    if (request.IsExpired())
+        throw std::runtime_error("The service took too long to answer.");
+    result = FromUtf8(response);
     WriteLog(LogTrace, L"Result: ", result);
     WriteLog(LogTrace, L"Successfully sent data.");
 }
