@@ -38,7 +38,7 @@ void FormatQuantity(std::uint64_t amount, double step, std::span<const wchar_t* 
     auto number = static_cast<double>(amount);
     auto unit = units.begin();
     while (number >= step && unit + 1 != units.end()) {
-        number *= 1.0 / step;
+        number /= step;
         ++unit;
     }
     std::wostringstream stream;
