@@ -1,0 +1,59 @@
+#pragma once
+
+#include <windows.h>
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "control/RegistrationScript.h"
+#include "diag/Owners.h"
+
+namespace kel {
+
+/// A registration that failed.
+class RegistrationError : public std::runtime_error {
+public:
+    RegistrationError(HRESULT newResult, const char* message) : std::runtime_error(message), result(newResult)
+    {
+    }
+
+    HRESULT Result() const { return result; }
+
+private:
+    HRESULT result;
+};
+
+/// @throws RegistrationError when the result is a failure
+void CheckRegistration(HRESULT result, const char* message);
+
+/// Applies a registration script to the registry and takes it back.
+class Registrar {
+public:
+    /// Texts by the name that stands between percent signs in the script.
+    using Parameters = std::map<std::wstring, std::wstring>;
+
+    /// @param rootKey the key below which the script's keys stand; must outlive this object
+    Registrar(HKEY rootKey, Parameters scriptParameters);
+
+    /// Writes the script's keys and values. When a step fails, the keys that it wrote are taken back.
+    /// @throws RegistrationError
+    void Register(const std::vector<ScriptKey>& keys);
+
+    /// Removes what the script wrote: forced keys whole, others when nothing is left below them.
+    /// @throws RegistrationError
+    void Unregister(const std::vector<ScriptKey>& keys);
+
+private:
+    void Write(HKEY parent, const ScriptKey& key);
+    void WriteValue(HKEY key, const wchar_t* name, const ScriptData& data);
+    void Remove(HKEY parent, const ScriptKey& key);
+    void Check(const std::vector<ScriptKey>& keys) const;
+    std::wstring Expanded(const std::wstring& text) const;
+
+    HKEY root;
+    Parameters parameters;
+};
+
+}  // namespace kel

@@ -1,0 +1,166 @@
+// The scripting members of CSysInfo.
+#include <exception>
+#include <string>
+
+#include "control/Members.h"
+#include "control/SysInfo.h"
+#include "diag/Log.h"
+#include "diag/LogScope.h"
+#include "run/System.h"
+#include "run/XMLReport.h"
+#include "service/AnalysisRequest.h"
+#include "values/Text.h"
+
+namespace kel {
+
+HRESULT CSysInfo::Detect()
+{
+    return Guarded([] {
+        // Every run logs in full, whatever level was set; support cases depend on it.
+        Log::Instance().SetLevel(99);
+        const LogScope trace(L"CSysInfo::Detect", LogScope::Tracing());
+        System::Instance().Detect();
+    });
+}
+
+HRESULT CSysInfo::get_SysInfo(BSTR* report)
+{
+    static std::wstring text;
+    return GuardedResult(report, [] {
+        text.clear();
+        try {
+            const LogScope trace(L"CSysInfo::get_SysInfo", LogScope::Tracing());
+            System::Instance().Detect();
+            XMLReport(System::Instance().Values()).GetReport(XMLReport::StandardOption, text);
+        } catch (...) {
+            ReportFailure(LogError, CaughtException);  // the script gets an empty text, not a missing one
+        }
+        return text;
+    });
+}
+
+HRESULT CSysInfo::put_SysInfo(BSTR /*text*/)
+{
+    return S_OK;
+}
+
+HRESULT CSysInfo::get_System(BSTR /*filter*/, BSTR* report)
+{
+    HRESULT result = S_OK;
+    Guarded([this, report, &result] {
+        const LogScope trace(L"CSysInfo::get_System", LogScope::Tracing());
+        result = static_cast<ISysInfo*>(this)->get_SysInfo(report);
+    });
+    return result;
+}
+
+HRESULT CSysInfo::get_Analysis(BSTR id, BSTR format, BSTR schema, BSTR* result)
+{
+    return GuardedResult(result, [&] {
+        const LogScope trace(L"CSysInfo::get_Analysis", LogScope::Tracing());
+        try {
+            const std::wstring item = TextOf(id);
+            const std::wstring messageFormat = TextOf(format);
+            const std::wstring formatVersion = TextOf(schema);
+            static_cast<ISysInfo*>(this)->Detect();
+            AnalysisRequest request;
+            request.SetItemID(item);
+            request.SetMessageFormat(messageFormat);
+            request.SetFormatVersion(formatVersion);
+            request.Call();
+            return request.GetResult();
+        } catch (const std::exception& error) {
+            ReportFailure(LogError, L"Caught exception: ", error.what());
+            throw AlreadyLogged();
+        }
+    });
+}
+
+HRESULT CSysInfo::get_Value(BSTR id, BSTR* value)
+{
+    static std::wstring text;
+    return GuardedResult(value, [this, id] {
+        text.clear();
+        const SystemValueID valueId{GroupID(TextOf(id))};
+        static_cast<ISysInfo*>(this)->Detect();
+        text = System::Instance().Values().GetValue(valueId).Text();
+        return text;
+    });
+}
+
+HRESULT CSysInfo::Configure(BSTR val)
+{
+    return Guarded([val] {
+        const LogScope trace(L"CSysInfo::Configure", LogScope::Tracing());
+        const std::wstring text = TextOf(val);
+        System::Instance().SetConfiguration(text);
+        System::Instance().Values().AddValues(text);
+    });
+}
+
+HRESULT CSysInfo::get_Logging(BSTR* level)
+{
+    return GuardedResult(level, [] { return std::to_wstring(Log::Instance().GetLevel()); });
+}
+
+HRESULT CSysInfo::put_Logging(BSTR level)
+{
+    return Guarded(
+        [level] {
+            const LogScope trace(L"CSysInfo::put_Logging", LogScope::Tracing());
+            const int number = ToInteger(TextOf(level));
+            WriteLog(LogTrace, L"Setting level to: ", number);
+            Log::Instance().SetLevel(number);
+        },
+        L"Caught exception in put_Logging");
+}
+
+HRESULT CSysInfo::get_ReferrerID(BSTR* text)
+{
+    return GuardedResult(text, [] { return System::Instance().ReferrerID(); });
+}
+
+HRESULT CSysInfo::put_ReferrerID(BSTR text)
+{
+    return Guarded([text] {
+        const LogScope trace(L"CSysInfo::put_ReferrerID", LogScope::Tracing());
+        System::Instance().SetReferrerID(TextOf(text));
+    });
+}
+
+HRESULT CSysInfo::get_SessionID(BSTR* text)
+{
+    return GuardedResult(text, [] { return System::Instance().SessionID(); });
+}
+
+HRESULT CSysInfo::put_SessionID(BSTR text)
+{
+    return Guarded([text] { System::Instance().SetSessionID(TextOf(text)); });
+}
+
+HRESULT CSysInfo::get_UserID(BSTR* text)
+{
+    return GuardedResult(text, [] { return System::Instance().UserID(); });
+}
+
+HRESULT CSysInfo::put_UserID(BSTR text)
+{
+    return Guarded([text] { System::Instance().SetUserID(TextOf(text)); });
+}
+
+HRESULT CSysInfo::get_Debug(BSTR* text)
+{
+    return GuardedResult(text, [] { return std::wstring(System::Instance().IsDebug() ? L"1" : L"0"); });
+}
+
+HRESULT CSysInfo::put_Debug(BSTR text)
+{
+    return Guarded([text] { System::Instance().SetDebug(TextOf(text)); });
+}
+
+HRESULT CSysInfo::get_Version(BSTR* version)
+{
+    return GuardedResult(version, [] { return System::Version(); });
+}
+
+}  // namespace kel

@@ -1,0 +1,22 @@
+#include "control/TypeInfo.h"
+
+#include "Detection.h"
+#include "control/DetectionModule.h"
+#include "diag/Log.h"
+
+namespace kel {
+
+Microsoft::WRL::ComPtr<ITypeInfo> SysInfoTypeInfo() noexcept
+{
+    Microsoft::WRL::ComPtr<ITypeInfo> typeInfo;
+    try {
+        Microsoft::WRL::ComPtr<ITypeLib> library;
+        if (SUCCEEDED(LoadTypeLibEx(CDetectionModule::Path().c_str(), REGKIND_NONE, &library)))
+            library->GetTypeInfoOfGuid(IID_ISysInfo, &typeInfo);
+    } catch (...) {
+        ReportFailure(LogError, L"The type library cannot be loaded.");
+    }
+    return typeInfo;
+}
+
+}  // namespace kel
