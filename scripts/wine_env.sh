@@ -6,7 +6,7 @@ export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 # Starts the server, making the prefix first when there is none; the server ends with the script.
 start_wine() {
   mkdir -p "$WINEPREFIX"
-  wineserver -p
+  wineserver -p 2>/dev/null || true  # it may be running already
   trap 'wineserver -k || true' EXIT
   [ -f "$WINEPREFIX/system.reg" ] || wineboot -i >/dev/null 2>&1
 }

@@ -1,0 +1,104 @@
+"""Compares a report with requirements and renders the verdict."""
+
+import re
+from dataclasses import dataclass
+from html import escape
+
+UNITS = {"": 1, "B": 1, "KB": 2**10, "MB": 2**20, "GB": 2**30, "TB": 2**40,
+         "HZ": 1, "KHZ": 10**3, "MHZ": 10**6, "GHZ": 10**9,
+         "BPS": 1, "KBPS": 2**10, "MBPS": 2**20, "GBPS": 2**30}
+PASS, FAIL, UNKNOWN = "pass", "fail", "unknown"
+
+
+def quantity(text):
+    """The amount in base units; None when the text is none."""
+    match = re.fullmatch(r"\s*(\d+(?:\.\d+)?)\s*([A-Za-z]*)\s*", text)
+    if not match or match[2].upper() not in UNITS:
+        return None
+    return float(match[1]) * UNITS[match[2].upper()]
+
+
+def version(text):
+    """The numbers of a dotted version, without trailing zeros; None when the text is none."""
+    if not re.fullmatch(r"\s*\d+(\.\d+)*\s*", text):
+        return None
+    numbers = [int(number) for number in text.strip().split(".")]
+    while numbers and numbers[-1] == 0:
+        numbers.pop()
+    return numbers
+
+
+def _ordered(read, holds):
+    def compare(found, needed):
+        left, right = read(found), read(needed)
+        return UNKNOWN if left is None or right is None else (PASS if holds(left, right) else FAIL)
+    return compare
+
+
+def _plain(holds):
+    return lambda found, needed: PASS if holds(found.strip().lower(), needed.strip().lower()) else FAIL
+
+
+COMPARE = {
+    "at least version": _ordered(version, lambda found, needed: found >= needed),
+    "at least": _ordered(quantity, lambda found, needed: found >= needed),
+    "at most": _ordered(quantity, lambda found, needed: found <= needed),
+    "equals": _plain(lambda found, needed: found == needed),
+    "contains": _plain(lambda found, needed: needed in found),
+    "yes": _plain(lambda found, _: found == "yes"),
+    "no": _plain(lambda found, _: found == "no"),
+}
+
+
+@dataclass
+class Line:
+    label: str
+    needed: str
+    found: str
+    result: str
+
+
+@dataclass
+class Verdict:
+    title: str
+    item: str
+    schema: str
+    lines: list
+    total: str
+
+
+def compare(comparison, found, needed):
+    """One line's result; a value that the report lacks, or has no text for, is unknown."""
+    if found is None or not found.strip():
+        return UNKNOWN
+    return COMPARE[comparison](found, needed)
+
+
+def judge(requirements, report, request):
+    lines = []
+    for line in requirements.lines:
+        found = report.value(line.group)
+        needed = f"{line.comparison} {line.needed}".strip()
+        lines.append(Line(line.label, needed, found or "", compare(line.comparison, found, line.needed)))
+    results = [line.result for line in lines]
+    total = FAIL if FAIL in results else UNKNOWN if UNKNOWN in results or not results else PASS
+    return Verdict(requirements.title, request.item, request.schema, lines, total)
+
+
+def render(verdict, message_format):
+    """The content type and the text, in the format asked for: html, or xml for anything else."""
+    if message_format.lower() == "html":
+        rows = "".join(f"<tr class=\"{line.result}\"><td>{escape(line.label)}</td><td>{escape(line.needed)}</td>"
+                       f"<td>{escape(line.found)}</td><td>{line.result}</td></tr>\n" for line in verdict.lines)
+        return "text/html; charset=utf-8", (
+            f"<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>{escape(verdict.title)}</title>\n"
+            "<style>body{font-family:sans-serif}td,th{padding:.3em 1em;text-align:left}"
+            ".pass{background:#dfd}.fail{background:#fdd}.unknown{background:#eee}</style></head>\n"
+            f"<body><h1>{escape(verdict.title)}: {verdict.total}</h1>\n<table>\n"
+            f"<tr><th>Requirement</th><th>Needed</th><th>Found</th><th>Result</th></tr>\n{rows}</table></body></html>\n")
+    lines = "".join(f"<requirement result=\"{line.result}\"><label>{escape(line.label)}</label>"
+                    f"<needed>{escape(line.needed)}</needed><found>{escape(line.found)}</found></requirement>"
+                    for line in verdict.lines)
+    return "text/xml; charset=utf-8", (
+        f"<analysis result=\"{verdict.total}\" item=\"{escape(verdict.item)}\" schema=\"{escape(verdict.schema)}\">"
+        f"<title>{escape(verdict.title)}</title>{lines}</analysis>")
