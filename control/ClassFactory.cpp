@@ -13,8 +13,7 @@ HRESULT ClassFactory::Create(REFIID riid, void** result) noexcept
     if (result == nullptr)
         return E_POINTER;
     *result = nullptr;
-    Microsoft::WRL::ComPtr<ClassFactory> factory;
-    factory.Attach(new (std::nothrow) ClassFactory);
+    const Microsoft::WRL::ComPtr<ClassFactory> factory(new (std::nothrow) ClassFactory);
     return factory ? factory->QueryInterface(riid, result) : E_OUTOFMEMORY;
 }
 

@@ -30,7 +30,7 @@ private:
     ~ClassFactory() = default;
 
     ModuleLock moduleLock;
-    std::atomic<ULONG> references = 1;
+    std::atomic<ULONG> references = 0;
 };
 
 }  // namespace kel

@@ -1,5 +1,6 @@
 #include "control/DetectionModule.h"
 
+#include <comutil.h>
 #include <oleauto.h>
 
 #include <wrl/client.h>
@@ -115,10 +116,10 @@ HRESULT CDetectionModule::Unregister(bool forCurrentUser) noexcept
     return Reported([forCurrentUser] {
         const ClassesRoot root(forCurrentUser);
         Registrar(root.Key(), ScriptParameters()).Unregister(RegistrationScript::Parse(ScriptText()));
-        const HRESULT result = UnRegisterTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, SYS_WIN64);
-        if (result != TYPE_E_REGISTRYACCESS &&
-            result != TYPE_E_CANTLOADLIBRARY)  // else it was not registered
-            CheckRegistration(result, "The type library cannot be unregistered.");
+        _bstr_t path;
+        if (SUCCEEDED(QueryPathOfRegTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, path.GetAddress())))
+            CheckRegistration(UnRegisterTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, SYS_WIN64),
+                              "The type library cannot be unregistered.");
     });
 }
 

@@ -21,8 +21,7 @@ HRESULT CSysInfo::Create(IUnknown* outer, REFIID riid, void** result) noexcept
     if (outer != nullptr && riid != IID_IUnknown)
         return CLASS_E_NOAGGREGATION;
     try {
-        Microsoft::WRL::ComPtr<Inner> object;
-        object.Attach(&(new CSysInfo(outer))->inner);  // the object counts its own references from here on
+        const Microsoft::WRL::ComPtr<Inner> object(&(new CSysInfo(outer))->inner);
         return object->QueryInterface(riid, result);
     } catch (...) {
         return E_OUTOFMEMORY;

@@ -92,7 +92,7 @@ private:
     ModuleLock moduleLock;
     Inner inner{*this};
     IUnknown* outer;  // not counted: the aggregating object outlives this one
-    std::atomic<ULONG> references = 1;
+    std::atomic<ULONG> references = 0;
     Microsoft::WRL::ComPtr<IUnknown> site;
     DWORD safetyOptions = 0;
 };

@@ -8,5 +8,6 @@ start_wine() {
   mkdir -p "$WINEPREFIX"
   wineserver -p 2>/dev/null || true  # it may be running already
   trap 'wineserver -k || true' EXIT
-  [ -f "$WINEPREFIX/system.reg" ] || wineboot -i >/dev/null 2>&1
+  # The system's own processes start with the first program and keep its output open; give them none to hold.
+  wineboot </dev/null >/dev/null 2>&1
 }

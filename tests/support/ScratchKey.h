@@ -1,0 +1,42 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+#include "diag/Owners.h"
+
+namespace kel::test {
+
+/// A registry key of the test's own below HKEY_CURRENT_USER, gone with all below it when the object is
+/// destroyed. It can stand in for a predefined key meanwhile.
+class ScratchKey {
+public:
+    ScratchKey();
+    ScratchKey(const ScratchKey&) = delete;
+    ScratchKey& operator=(const ScratchKey&) = delete;
+    ~ScratchKey();
+
+    HKEY Key() const { return key.get(); }
+
+    /// Makes this key stand for a predefined one, such as HKEY_LOCAL_MACHINE, in this process.
+    void StandFor(HKEY predefined);
+
+    /// Writes a value of any type and content into a subkey, which is made when it is missing.
+    void Write(const std::wstring& subkey, const wchar_t* name, DWORD type, const void* data,
+               std::size_t size) const;
+    /// Writes a zero-terminated string.
+    void Write(const std::wstring& subkey, const wchar_t* name, const std::wstring& text) const;
+    /// Makes a subkey.
+    void Make(const std::wstring& subkey) const;
+
+    /// All keys and values below a subkey as one text, for comparisons.
+    std::wstring Dump(const std::wstring& subkey = L"") const;
+
+private:
+    std::wstring name;
+    OwnedKey key;
+    HKEY overridden = nullptr;
+};
+
+}  // namespace kel::test
