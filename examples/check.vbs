@@ -1,7 +1,7 @@
 ' Does this machine meet the requirements of a product? Run with: cscript //nologo check.vbs [referrer]
 Option Explicit
 Dim control, verdict, pattern, line
-Set control = CreateObject("KELDetection_TAMS64.SysInfo")
+Set control = WScript.CreateObject("KELDetection_TAMS64.SysInfo")
 control.ReferrerID = "demo"
 If WScript.Arguments.Count > 0 Then control.ReferrerID = WScript.Arguments(0)
 control.UserID = "visitor"

@@ -1,0 +1,95 @@
+"""The local analysis service: comparisons, verdicts, and requests that are wrong."""
+
+import http.client
+import json
+import tempfile
+import threading
+import unittest
+from pathlib import Path
+
+from harness import API_KEY, AnalysisServer
+from requirements import IDENTIFIERS
+from verdict import compare
+
+REPORT = ('<groups><group index="0" id="71424"><value>{0}</value></group>'
+          '<group index="0" id="1"><value>8.0 GB</value></group></groups>  ')
+
+
+def analysis(session, message_format="xml"):
+    return (f"<System><SessionID>{session}</SessionID><ItemID>i</ItemID><UserID/>"
+            f"<Format>{message_format}</Format><Schema>1</Schema></System>")
+
+
+class Comparisons(unittest.TestCase):
+    def test_values_compare_as_what_they_are(self):
+        for comparison, found, needed, result in (
+                ("at least version", "6.1.7601", "6.1", "pass"), ("at least version", "10.0", "9.9", "pass"),
+                ("at least version", "6.1", "6.1.0.0", "pass"), ("at least version", "6.1", "6.2", "fail"),
+                ("at least version", "9.0C", "9", "unknown"), ("at least", "8.0 GB", "4096 MB", "pass"),
+                ("at least", "1023.0 MB", "1 GB", "fail"), ("at least", "2.4 GHz", "2000 MHz", "pass"),
+                ("at least", "1024.0 Kbps", "1 Mbps", "pass"), ("at least", "4", "2", "pass"),
+                ("at least", "many", "2", "unknown"), ("at most", "3", "2", "fail"), ("equals", "Intel", "intel", "pass"),
+                ("contains", "Microsoft Windows 7", "windows", "pass"), ("contains", "Linux", "windows", "fail"),
+                ("yes", "Yes", "", "pass"), ("yes", "No", "", "fail"), ("no", "No", "", "pass"),
+                ("no", None, "", "unknown"), ("contains", "  ", "", "unknown")):
+            with self.subTest(f"{found} {comparison} {needed}"):
+                self.assertEqual(compare(comparison, found, needed), result)
+
+
+class Requests(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+        line = {"id": 1, "label": "M", "comparison": "at least", "needed": "4 GB"}
+        (self.folder / "r.json").write_text(json.dumps({"title": "T<", "requirements": [line]}))
+        (self.folder / "bad.json").write_text('{"title": "T", "requirements": [{"id": "x"}]}')
+        self.service = AnalysisServer(0, self.folder / "sessions", self.folder)
+        thread = threading.Thread(target=self.service.serve_forever, kwargs={"poll_interval": 0.02})
+        thread.start()
+        for stop in (thread.join, self.service.server_close, self.service.shutdown):
+            self.addCleanup(stop)
+
+    def ask(self, verb, path, body=None):
+        connection = http.client.HTTPConnection(*self.service.server_address, timeout=10)
+        self.addCleanup(connection.close)
+        connection.request(verb, path, body)
+        answer = connection.getresponse()
+        return answer.status, answer.read().decode("utf-8")
+
+    def test_a_report_is_kept_and_judged(self):
+        self.assertEqual(self.ask("GET", f"/Data/Service.svc/Group/list?refid=r&apikey={API_KEY}"),
+                         (200, "|".join(map(str, IDENTIFIERS + [1]))))
+        session = "../..\\x:é"
+        self.assertEqual(self.ask("POST", f"/Data/Service.svc/upload?apikey={API_KEY}",
+                                  REPORT.format(session).encode())[0], 200)
+        self.assertEqual([path.parent for path in self.folder.rglob("*.xml")], [self.folder / "sessions"])
+        status, answer = self.ask("POST", "/service/Analysis/r", analysis(session).encode())
+        self.assertEqual(status, 200)
+        self.assertIn('<analysis result="pass" item="i" schema="1"><title>T&lt;</title><requirement result="pass">', answer)
+        self.assertIn("<td>8.0 GB</td><td>pass</td>", self.ask("POST", "/service/Analysis/r",
+                                                            analysis(session, "html").encode())[1])
+
+    def test_wrong_requests_get_a_clear_error_and_the_service_goes_on(self):
+        upload = f"/Data/Service.svc/upload?apikey={API_KEY}"
+        for verb, path, body, status, text in (
+                ("GET", f"/Data/Service.svc/Group/list?refid=no&apikey={API_KEY}", None, 404, "not known"),
+                ("GET", f"/Data/Service.svc/Group/list?refid=../r&apikey={API_KEY}", None, 404, "not known"),
+                ("GET", f"/Data/Service.svc/Group/list?refid=bad&apikey={API_KEY}", None, 500, "malformed"),
+                ("GET", "/Data/Service.svc/Group/list?refid=r&apikey=x", None, 403, "key"),
+                ("POST", upload, "<groups>", 400, "no XML"), ("POST", upload, b"\xff", 400, "no XML"),
+                ("POST", upload, "<x/>", 400, "no report"), ("POST", upload, "<groups/>", 400, "no session"),
+                ("POST", upload, "<!DOCTYPE x><groups/>", 400, "Declarations"),
+                ("POST", upload, '<groups><group index="x" id="1"/></groups>', 400, "no number"),
+                ("POST", "/service/Analysis/r", analysis("never"), 404, "was uploaded"),
+                ("POST", "/service/Analysis/no", analysis("never"), 404, "not known"),
+                ("POST", "/SystemInformation/?refid=r&sessid=s", "<SystemInformation/>", 400, "no system information"),
+                ("GET", "/", None, 404, "no such request")):
+            with self.subTest(f"{path} {body}"):
+                answer = self.ask(verb, path, body)
+                self.assertEqual(answer[0], status)
+                self.assertIn(text, answer[1])
+
+
+if __name__ == "__main__":
+    unittest.main()

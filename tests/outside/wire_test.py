@@ -1,0 +1,115 @@
+"""What the control puts on the wire, and what it makes of the answers."""
+
+import unittest
+
+from harness import API_KEY, ControlTest
+
+GROUP_LIST = f"GET /Data/Service.svc/Group/list?refid=demo&apikey={API_KEY} HTTP/1.1"
+UPLOAD = f"POST /Data/Service.svc/upload?apikey={API_KEY} HTTP/1.1"
+ANALYSIS = "POST /service/Analysis/demo HTTP/1.1"
+
+
+class Wire(ControlTest):
+    def test_an_analysis_takes_three_exact_requests(self):
+        output = self.run_script('control.ReferrerID = "demo"; control.SessionID = "s1"; control.UserID = "u>1";'
+                                 'WScript.Echo(control.Analysis("item", "xml", "2.0"));')
+        self.assertRegex(output[0], r'^<analysis result="pass" item="item" schema="2.0"><title>Test</title>'
+                                    r'<requirement result="pass"><label>Memory</label><needed>at least 1 MB</needed>')
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, ANALYSIS])
+        group_list, upload, analysis = self.service.requests
+        self.assertEqual(group_list["line"].split()[1].split("/")[2], "analysis.keldane.example:80")
+        headers = dict(group_list["headers"])
+        self.assertEqual(headers["User-Agent"], "KEL")
+        self.assertEqual(headers["Accept"], "text/*")
+        self.assertEqual({"Content-Type", "Content-Length"} & set(headers), set())
+        for request in (upload, analysis):
+            names = [name for name, _ in request["headers"]]
+            self.assertEqual(names.count("Content-Length"), 1)
+            self.assertEqual(names.count("Content-Type"), 1)
+            self.assertEqual(dict(request["headers"])["Content-Type"], "application/xml; charset=utf-8")
+        self.assertRegex(upload["body"], r'^<groups><group index="0" id="71424"><value>s1</value></group>'
+                                         r'<group index="0" id="71218"><value>demo</value></group>'
+                                         r'<group index="0" id="71206"><value>u&gt;1</value></group>.*</groups>  $')
+        self.assertEqual(analysis["body"], "<System><SessionID>s1</SessionID><ItemID>item</ItemID><UserID>u>1</UserID>"
+                                           "<Format>xml</Format><Schema>2.0</Schema></System>")
+
+    def test_uploads_again_only_for_a_session_set_by_its_property(self):
+        self.run_script('control.ReferrerID = "demo"; control.Detect(); control.Detect();'
+                        'control.Configure("<session_id>other</session_id>"); control.Detect();')
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD])
+        self.service.requests.clear()
+        self.run_script('control.ReferrerID = "demo"; control.Detect(); control.SessionID = "new";'
+                        'control.ReferrerID = "demo"; control.Detect(); control.SessionID = ""; control.Detect();')
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, UPLOAD])
+        self.assertIn("<value>new</value>", self.service.requests[2]["body"])
+
+    def test_writes_only_wanted_groups_though_all_are_detected(self):
+        output = self.run_script(
+            'control.ReferrerID = "demo"; control.Configure("<groups><group id=\'5\'><value>v</value></group></groups>");'
+            'WScript.Echo(control.Value("71381") != ""); WScript.Echo(control.Value("5"));'
+            'var report = control.SysInfo; WScript.Echo(report.indexOf("71381") + " " + report.indexOf(\'id="5"\'));'
+            'WScript.Echo(report.indexOf(\'id="71063"\') > 0); WScript.Echo(control.System("x") == report);')
+        self.assertEqual(output, ["-1", "v", "-1 -1", "-1", "-1"])
+
+    def test_no_identifier_adds_a_header_or_a_request(self):
+        self.run_script('control.ReferrerID = "a\\r\\nX-Evil: 1\\r\\n\\r\\nGET /x y\\t\\x7f"; control.Detect();')
+        self.assertEqual(self.lines()[0], "GET /Data/Service.svc/Group/list?refid=a%0D%0AX-Evil:%201%0D%0A%0D%0A"
+                                          f"GET%20/x%20y%09%7F&apikey={API_KEY} HTTP/1.1")
+        for request in self.service.requests:
+            self.assertNotIn("X-Evil", dict(request["headers"]))
+        self.assertEqual(len(self.lines()), 2)
+
+    def test_text_that_is_not_ascii_goes_out_and_comes_back_whole(self):
+        output = self.run_script('control.ReferrerID = "demo"; control.UserID = "\\u00e9\\u20ac";'
+                                 'var answer = control.Analysis("\\u20ac&", "xml", "");'
+                                 'WScript.Echo(control.UserID.charCodeAt(1) + " " + control.UserID.length);'
+                                 'WScript.Echo(answer.indexOf("The body is no XML"));')
+        self.assertEqual(output, ["8364 2", "0"])  # the ampersand makes the request malformed: HTTP 400, its text
+        self.assertIn("\u00e9\u20ac", self.service.requests[1]["body"])
+        self.assertIn("<ItemID>\u20ac&</ItemID>", self.service.requests[2]["body"])
+
+
+    def test_serves_vbscript(self):
+        output = self.run_script('control.ReferrerID = "demo"\nDim answer\nanswer = control.Analysis("i", "xml", "1")\n'
+                                 'WScript.Echo InStr(answer, "result=""pass""") & " " & control.Value("71094")\n'
+                                 'control.Debug = "x"\nWScript.Echo control.Debug & control.Version', "vbs")
+        self.assertEqual(output, ["11 No", "14.5.1.0"])
+
+
+SHOW = ('control.ReferrerID = "demo"; WScript.Echo("[" + control.Analysis("i", "xml", "1") + "]");'
+        'WScript.Echo(control.Value("71063") != ""); WScript.Echo(control.SysInfo.indexOf("<groups>"));'
+        'WScript.Echo(control.Value("71424") == control.SessionID);')
+
+
+class Faults(ControlTest):
+    def check(self, answer, report_has_memory=False):
+        output = self.run_script(SHOW + 'WScript.Echo(control.SysInfo.indexOf("71063") > 0);')
+        self.assertRegex(output[0], answer)
+        self.assertEqual(output[1:], ["-1", "0", "-1", "-1" if report_has_memory else "0"])
+
+    def test_a_service_that_misbehaves_costs_its_answer_only(self):
+        for fault, answer, memory in (("close", r"^\[\]$", False), ("empty", r"^\[\]$", False),
+                                      ("404", r"^\[nothing here\]$", False), ("500", r"^\[broken\]$", False),
+                                      ("cut", r"^\[71063\|\]$", True), ("slow", r"^\[71063\|71094\]$", True),
+                                      ("invalid-utf8", r"^\[71063\|.+\|71094\]$", True)):
+            with self.subTest(fault):
+                self.service.misbehave = fault
+                self.check(answer, memory)
+
+    def test_ten_megabytes_are_read_whole(self):
+        self.service.misbehave = "huge"
+        output = self.run_script('control.ReferrerID = "demo"; WScript.Echo(control.Analysis("i", "xml", "1").length);')
+        self.assertEqual(output, [str(6 + 10 * 1024 * 1024)])
+
+    def test_no_service_at_all(self):
+        port = self.service.server_address[1]
+        self.service.shutdown()
+        self.service.server_close()
+        for proxy in (f"http://127.0.0.1:{port}", None):
+            with self.subTest(proxy):
+                output = self.run_script(SHOW, proxy=proxy)
+                self.assertEqual(output, ["[]", "-1", "0", "-1"])
+
+
+if __name__ == "__main__":
+    unittest.main()
