@@ -4,7 +4,8 @@
 
 namespace kel {
 
-/// The detector of the processor. It stores no values yet.
+/// The detector of the processor: merges what `cpuid`, the registry, WMI and the operating system say.
+/// Measuring the clock takes one second.
 class CPU : public Component {
 public:
     bool Detect() override;

@@ -1,0 +1,89 @@
+#include "detectors/CpuRules.h"
+
+#include <cstdint>
+#include <cwctype>
+
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr std::size_t RatingDigits = 4;
+constexpr int LowestRating = 1000;
+
+std::wstring TidyName(const std::wstring& name)
+{
+    std::wstring tidy = Trim(name);
+    for (std::size_t pair = tidy.find(L"  "); pair != std::wstring::npos; pair = tidy.find(L"  ", pair))
+        tidy.erase(pair, 1);
+    return tidy;
+}
+
+/// The last rating such as 3000 in a name, in megahertz; 0 when there is none.
+std::uint64_t RatingInName(const std::wstring& name)
+{
+    std::uint64_t rating = 0;
+    for (std::size_t position = 1; position < name.size(); ++position) {
+        if (name[position] < L'0' || name[position] > L'9')
+            continue;
+        const int number = ToInteger(name.substr(position, RatingDigits));
+        if (number >= LowestRating)
+            rating = static_cast<std::uint64_t>(number);
+    }
+    return rating;
+}
+
+std::wstring RatedSpeed(const CpuInfo& info)
+{
+    const std::uint64_t speed = info.speed.Hertz();
+    const std::uint64_t rating = info.isAmd ? RatingInName(info.name) : 0;
+    std::uint64_t rated = rating != 0 ? rating * 1000000 : speed;
+    if (info.multiProcessor)
+        rated = static_cast<std::uint64_t>(static_cast<double>(rated) * 1.5);
+    return rated > speed ? std::to_wstring(rated) + L"Hz" : std::wstring();
+}
+
+}  // namespace
+
+void MergeCpuInfo(CpuInfo& target, const CpuInfo& source)
+{
+    constexpr std::wstring CpuInfo::*Texts[] = {
+        &CpuInfo::processorCount,
+        &CpuInfo::vendor,
+        &CpuInfo::name,
+        &CpuInfo::stepping,
+        &CpuInfo::family,
+        &CpuInfo::model,
+        &CpuInfo::type,
+        &CpuInfo::cpuId,
+        &CpuInfo::cpuIdShort,
+        &CpuInfo::platformId,
+        &CpuInfo::reserved1,
+        &CpuInfo::reserved2,
+        &CpuInfo::updateSignature,
+        &CpuInfo::chipsetSoftwareVersion,
+        &CpuInfo::caption,
+    };
+    for (const auto text : Texts) {
+        if ((target.*text).empty())
+            target.*text = source.*text;
+    }
+    if (!target.speed.HasValue())
+        target.speed = source.speed;
+    constexpr bool CpuInfo::*Flags[] = {&CpuInfo::multiProcessor, &CpuInfo::isIntel, &CpuInfo::isAmd,
+                                        &CpuInfo::cacheDescriptor40};
+    for (const auto flag : Flags)
+        target.*flag = target.*flag || source.*flag;
+    target.ratedSpeed = source.ratedSpeed;
+}
+
+void FinishCpuInfo(CpuInfo& info)
+{
+    info.name = TidyName(info.name);
+    const std::wstring rated = RatedSpeed(info);
+    if (!rated.empty())
+        info.ratedSpeed = rated;
+}
+
+}  // namespace kel

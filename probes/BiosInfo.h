@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+namespace kel {
+
+/// What one source says about the BIOS; an empty text is unknown.
+struct BiosInfo {
+    std::wstring name;
+    std::wstring version;
+    std::wstring date;
+    std::wstring manufacturer;
+};
+
+}  // namespace kel

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+namespace kel {
+
+/// What one source says about the motherboard; an empty text is unknown.
+struct BoardInfo {
+    std::wstring manufacturer;
+    std::wstring product;
+    std::wstring version;
+};
+
+}  // namespace kel

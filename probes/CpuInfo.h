@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+#include "values/Speed.h"
+
+namespace kel {
+
+/// What one source says about the processor. A text is empty and a flag false when the source does not know.
+struct CpuInfo {
+    std::wstring processorCount;  ///< logical processors, decimal
+    bool multiProcessor = false;  ///< more than one logical processor
+    Speed speed;
+    std::wstring vendor;
+    bool isIntel = false;
+    bool isAmd = false;
+    std::wstring name;
+    bool cacheDescriptor40 = false;  ///< leaf 2 reports the descriptor byte 0x40
+    std::wstring stepping;           ///< hexadecimal, as the next three
+    std::wstring family;
+    std::wstring model;
+    std::wstring type;
+    std::wstring cpuId;       ///< EDX and EAX of leaf 1, 16 hexadecimal digits
+    std::wstring cpuIdShort;  ///< the last six of them
+    std::wstring platformId;  ///< the registry's bytes, taken as text
+    std::wstring reserved1;   ///< no source fills the reserved fields; the report carries them empty
+    std::wstring reserved2;
+    std::wstring updateSignature;         ///< microcode revision, hexadecimal
+    std::wstring chipsetSoftwareVersion;  ///< version of the chipset's installation software
+    std::wstring caption;
+    std::wstring ratedSpeed;  ///< performance rating, hertz
+};
+
+}  // namespace kel

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <boost/core/noncopyable.hpp>
+#include <string>
+
+namespace kel {
+
+/// Base of the probes: each reads one information service of the system for all detectors, and there is one
+/// of each kind in the process, made on first use.
+class Source : boost::noncopyable {
+public:
+    virtual ~Source() = default;
+
+protected:
+    Source() = default;
+
+private:
+    std::wstring text;  // empty; room for a probe's own note
+};
+
+}  // namespace kel

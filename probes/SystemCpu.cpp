@@ -1,0 +1,41 @@
+#include "probes/SystemCpu.h"
+
+#include <windows.h>
+
+#ifdef _MSC_VER
+#include <intrin.h>
+#else
+#include <x86intrin.h>
+#endif
+
+#include <cstdint>
+#include <string>
+
+namespace kel {
+
+bool GetSystemCpuInfo(CpuInfo& info)
+{
+    SYSTEM_INFO system = {};
+    GetSystemInfo(&system);
+    info.processorCount = std::to_wstring(system.dwNumberOfProcessors);
+    info.multiProcessor = system.dwNumberOfProcessors > 1;
+    info.speed.Initialize((std::to_wstring(static_cast<unsigned>(MeasureMegahertz())) + L" MHz").c_str());
+    return true;
+}
+
+float MeasureMegahertz()
+{
+    LARGE_INTEGER frequency = {};
+    if (!QueryPerformanceFrequency(&frequency))
+        return 0.0F;
+    LARGE_INTEGER now = {};
+    QueryPerformanceCounter(&now);
+    const LONGLONG deadline = now.QuadPart + frequency.QuadPart;
+    const std::uint64_t first = __rdtsc();
+    while (now.QuadPart < deadline)
+        QueryPerformanceCounter(&now);
+    const std::uint64_t last = __rdtsc();
+    return static_cast<float>(last - first) / 1000000.0F;
+}
+
+}  // namespace kel

@@ -1,0 +1,16 @@
+// What the operating system says about the processors.
+#pragma once
+
+#include "probes/CpuInfo.h"
+
+namespace kel {
+
+/// The number of logical processors (`GetSystemInfo`) and the measured clock. Always true. Spins for one
+/// second.
+bool GetSystemCpuInfo(CpuInfo& info);
+
+/// The rate of the time-stamp counter in MHz, measured against `QueryPerformanceCounter` for one second; 0
+/// when that counter does not work.
+float MeasureMegahertz();
+
+}  // namespace kel

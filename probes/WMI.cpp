@@ -1,0 +1,103 @@
+#include "probes/WMI.h"
+
+#include <comutil.h>
+
+#include <memory>
+
+#include "diag/Log.h"
+#include "diag/LogScope.h"
+#include "probes/Variant.h"
+
+namespace kel {
+
+using Microsoft::WRL::ComPtr;
+
+WMI& WMI::Instance()
+{
+    static WMI* const instance = std::make_unique<WMI>().release();
+    return *instance;
+}
+
+WMI::WMI()
+{
+    Init();
+}
+
+void WMI::Init()
+{
+    const LogScope trace(L"kel::WMI::Init", LogScope::Tracing());
+    try {
+        initialised = Connect();
+    } catch (...) {
+        initialised = false;
+    }
+    if (!initialised) {
+        services.Reset();
+        locator.Reset();
+    }
+    WriteLog(LogTrace, initialised ? L"WMI inited ok." : L"WMI init failure.");
+}
+
+bool WMI::Connect()
+{
+    if (FAILED(CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_IWbemLocator,
+                                reinterpret_cast<void**>(locator.GetAddressOf()))))
+        return false;
+    if (FAILED(locator->ConnectServer(_bstr_t(L"ROOT\\CIMV2"), nullptr, nullptr, nullptr, 0, nullptr, nullptr,
+                                      services.GetAddressOf())))
+        return false;
+    return SUCCEEDED(CoSetProxyBlanket(services.Get(), RPC_C_AUTHN_WINNT, RPC_C_AUTHZ_NONE, nullptr,
+                                       RPC_C_AUTHN_LEVEL_CALL, RPC_C_IMP_LEVEL_IMPERSONATE, nullptr,
+                                       EOAC_NONE));
+}
+
+bool WMI::Query(const wchar_t* wql, IEnumWbemClassObject** result)
+{
+    try {
+        return SUCCEEDED(services->ExecQuery(_bstr_t(L"WQL"), _bstr_t(wql),
+                                             WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
+                                             result));
+    } catch (...) {
+        return false;
+    }
+}
+
+bool WMI::GetProperty(IWbemClassObject* object, const wchar_t* name, VARIANT* out)
+{
+    bool found = false;
+    try {
+        VariantClear(out);
+        _variant_t value;
+        CIMTYPE type = CIM_EMPTY;
+        found = SUCCEEDED(object->Get(name, 0, &value, &type, nullptr)) && type != CIM_EMPTY;
+        if (found) {
+            _variant_t copy = value.vt == VT_NULL ? _variant_t(L"") : value;
+            VariantCopy(out, &copy);
+        }
+        if (Log::Instance().IsEnabled(LogTrace))
+            WriteLog(LogTrace, L"WMI value: ", ShownVariant(*out));
+    } catch (...) {
+        ReportFailure(LogWarning, L"A WMI value could not be copied.");
+    }
+    return found;
+}
+
+std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
+{
+    std::vector<ComPtr<IWbemClassObject>> objects;
+    ComPtr<IEnumWbemClassObject> enumerator;
+    if (!Query(wql, enumerator.GetAddressOf()) || !enumerator)
+        return objects;
+    std::vector<IWbemClassObject*> read(count);
+    objects.reserve(count);  // nothing may fail between the reading and the owning
+    ULONG returned = 0;
+    enumerator->Next(static_cast<LONG>(WBEM_INFINITE), count, read.data(), &returned);
+    for (IWbemClassObject* object : read) {
+        if (object == nullptr)
+            continue;
+        *objects.emplace_back().GetAddressOf() = object;
+    }
+    return objects;
+}
+
+}  // namespace kel
