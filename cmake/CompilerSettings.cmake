@@ -4,7 +4,7 @@ target_compile_definitions(kel_settings INTERFACE
   UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
 
 if(MSVC)
-  target_compile_options(kel_settings INTERFACE /W4 /WX /permissive- /utf-8 /guard:cf)
+  target_compile_options(kel_settings INTERFACE /W4 /WX /permissive- /utf-8 /guard:cf /wd4996)
 else()
   target_compile_options(kel_settings INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -ffunction-sections -fdata-sections)

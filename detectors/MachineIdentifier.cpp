@@ -1,0 +1,69 @@
+#include "detectors/MachineIdentifier.h"
+
+#include <objbase.h>
+#include <windows.h>
+
+#include <array>
+
+#include "diag/Owners.h"
+#include "probes/Registry.h"
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const wchar_t* IdentifierKey = L"software\\Keldane";
+constexpr const wchar_t* IdentifierValue = L"Run";
+constexpr std::size_t BracedGuidLength = 38;
+
+/// The stored identifier; empty when there is none.
+std::wstring StoredIdentifier()
+{
+    const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ);
+    DWORD type = REG_NONE;
+    std::wstring text;
+    if (key &&
+        RegQueryValueExW(key.get(), IdentifierValue, nullptr, &type, nullptr, nullptr) == ERROR_SUCCESS &&
+        type == REG_SZ)
+        Registry::ReadText(key.get(), IdentifierValue, text);
+    return text;
+}
+
+/// A new GUID in braces; empty when the system makes none.
+std::wstring FreshIdentifier()
+{
+    GUID guid = {};
+    std::array<wchar_t, BracedGuidLength + 1> text = {};
+    if (FAILED(CoCreateGuid(&guid)) || StringFromGUID2(guid, text.data(), static_cast<int>(text.size())) == 0)
+        return {};
+    return text.data();
+}
+
+void Keep(const std::wstring& identifier)
+{
+    const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ | KEY_WRITE);
+    if (key)
+        RegSetValueExW(key.get(), IdentifierValue, 0, REG_SZ,
+                       reinterpret_cast<const BYTE*>(identifier.c_str()),
+                       static_cast<DWORD>((identifier.size() + 1) * sizeof(wchar_t)));
+}
+
+}  // namespace
+
+const std::wstring& GetMachineIdentifier()
+{
+    static std::wstring identifier;
+    identifier = StoredIdentifier();
+    if (identifier.empty()) {
+        identifier = FreshIdentifier();
+        if (identifier.empty())
+            identifier = L"0";
+        else
+            Keep(identifier);
+    }
+    RemoveCharacters(identifier, L"{}");
+    return identifier;
+}
+
+}  // namespace kel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <windows.h>
+
+#include <boost/function.hpp>
+#include <string>
+
+namespace kel {
+
+/// What the operating system says of itself.
+struct OSInfo {
+    bool hasVersion = false;  ///< the rest of the version is known
+    DWORD platform = 0;       ///< 2 for NT
+    DWORD major = 0;
+    DWORD minor = 0;
+    DWORD build = 0;
+    std::wstring servicePack;  ///< as text, such as "Service Pack 1"
+    WORD servicePackMajor = 0;
+    WORD servicePackMinor = 0;
+    WORD suiteMask = 0;
+    BYTE productType = 0;   ///< 1 workstation, 2 domain controller, 3 server
+    WORD architecture = 0;  ///< as GetNativeSystemInfo gives it
+    DWORD edition = 0;      ///< as GetProductInfo gives it; 0 when unknown
+    bool isServerR2 = false;
+};
+
+/// The functions that are looked up by name, and the one that may fail; a test puts its own in their place.
+struct OSFunctions {
+    boost::function<BOOL(OSVERSIONINFOEXW&)> getVersion;                       ///< GetVersionExW
+    boost::function<void(SYSTEM_INFO&)> getNativeSystemInfo;                   ///< may be missing
+    boost::function<BOOL(DWORD, DWORD, DWORD, DWORD, DWORD*)> getProductInfo;  ///< may be missing
+    boost::function<BOOL(HANDLE, BOOL*)> isWow64Process;                       ///< may be missing
+
+    /// The system's own.
+    static OSFunctions OfSystem();
+};
+
+/// Reads the version record, the architecture and the edition.
+OSInfo ReadOSInfo(const OSFunctions& functions);
+
+/// What IsWow64Process answers.
+enum class Emulation { Unknown, No, Yes };
+
+/// Whether the process runs under emulation on a 64-bit system. Without the function it does not.
+Emulation ReadEmulation(const OSFunctions& functions);
+
+}  // namespace kel
