@@ -18,18 +18,11 @@ constexpr unsigned ReservedId2 = 71175;
 static_assert(sizeof(MEMORYSTATUSEX) == 64);
 static_assert(sizeof(MEMORYSTATUS) == 56, "the control is a 64-bit program");
 
-struct MemoryInfo {
-    Size totalPhysical;
-    Size totalVirtual;
-    Size availablePhysical;
-};
+}  // namespace
 
-MemoryInfo ReadMemory()
+MemoryInfo ReadMemory(decltype(&GlobalMemoryStatusEx) statusEx)
 {
-    const OwnedLibrary kernel(LoadLibraryW(L"kernel32.dll"));
-    if (!kernel)
-        return {};
-    if (const auto statusEx = FindFunction<decltype(GlobalMemoryStatusEx)>(kernel, "GlobalMemoryStatusEx")) {
+    if (statusEx != nullptr) {
         MEMORYSTATUSEX status = {};
         status.dwLength = sizeof(status);
         statusEx(&status);
@@ -41,12 +34,16 @@ MemoryInfo ReadMemory()
     return {Size(status.dwTotalPhys), Size(status.dwTotalVirtual), Size(status.dwAvailPhys)};
 }
 
-}  // namespace
-
 bool Ram::Detect()
 {
     return Guarded(L"kel::Ram::Detect", L"Error in Ram detection.", [] {
-        const MemoryInfo memory = ReadMemory();
+        MemoryInfo memory;
+        {
+            const OwnedLibrary kernel(LoadLibraryW(L"kernel32.dll"));
+            if (kernel)
+                memory =
+                    ReadMemory(FindFunction<decltype(GlobalMemoryStatusEx)>(kernel, "GlobalMemoryStatusEx"));
+        }
         AddValue(TotalPhysicalId, memory.totalPhysical);
         AddValue(TotalVirtualId, memory.totalVirtual);
         AddValue(AvailablePhysicalId, memory.availablePhysical);

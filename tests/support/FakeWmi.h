@@ -1,0 +1,47 @@
+#pragma once
+
+#include <wbemidl.h>
+#include <windows.h>
+
+#include <comutil.h>
+#include <wrl/client.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace kel::test {
+
+/// A property as a fake object answers it. CIM_EMPTY: the object does not have it.
+struct FakeProperty {
+    _variant_t value;
+    CIMTYPE type = CIM_STRING;
+};
+
+using FakeObject = std::map<std::wstring, FakeProperty>;
+
+/// What the fake WMI of a test answers: objects by query, and where it fails.
+struct FakeWmiData {
+    std::map<std::wstring, std::vector<FakeObject>> objects;
+    HRESULT connect = S_OK;
+    HRESULT query = S_OK;
+    bool refusesBlanket = false;
+    std::vector<std::wstring> queries;
+    std::vector<ULONG> counts;  ///< objects asked for at once, by query
+    int living = 0;             ///< COM objects that are not yet released
+};
+
+/// Puts a fake locator in the place of WMI's own, in this process, as long as it lives. The apartment is its
+/// own.
+class FakeWmi {
+public:
+    explicit FakeWmi(FakeWmiData& data);
+    FakeWmi(const FakeWmi&) = delete;
+    FakeWmi& operator=(const FakeWmi&) = delete;
+    ~FakeWmi();
+
+private:
+    DWORD registration = 0;
+};
+
+}  // namespace kel::test
