@@ -16,17 +16,15 @@ namespace {
 constexpr const wchar_t* IdentifierKey = L"software\\Keldane";
 constexpr const wchar_t* IdentifierValue = L"Run";
 constexpr std::size_t BracedGuidLength = 38;
+constexpr std::size_t LongestIdentifier = 64 * 1024;  // bytes; it goes into every report
 
 /// The stored identifier; empty when there is none.
 std::wstring StoredIdentifier()
 {
     const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ);
-    DWORD type = REG_NONE;
     std::wstring text;
-    if (key &&
-        RegQueryValueExW(key.get(), IdentifierValue, nullptr, &type, nullptr, nullptr) == ERROR_SUCCESS &&
-        type == REG_SZ)
-        Registry::ReadText(key.get(), IdentifierValue, text);
+    if (key)
+        Registry::ReadString(key.get(), IdentifierValue, LongestIdentifier, text);
     return text;
 }
 

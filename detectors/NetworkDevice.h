@@ -4,7 +4,8 @@
 
 namespace kel {
 
-/// The detector of network adapters. It stores no values yet.
+/// The detector of the network: the download rate of the connection, measured only when the service wants it,
+/// since it costs the visitor a download. Adapters store no values yet.
 class NetworkDevice : public Component {
 public:
     bool Detect() override;

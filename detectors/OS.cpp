@@ -33,11 +33,7 @@ constexpr std::size_t FrameworkTextSize = 100;  // characters, of a subkey's nam
 bool ReadFrameworkVersion(HKEY parent, const wchar_t* name, std::wstring& version)
 {
     const OwnedKey key = OpenKey(parent, name, KEY_READ);
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-    return key && RegQueryValueExW(key.get(), L"Version", nullptr, &type, nullptr, &size) == ERROR_SUCCESS &&
-           type == REG_SZ && size <= FrameworkTextSize * sizeof(wchar_t) &&
-           Registry::ReadText(key.get(), L"Version", version);
+    return key && Registry::ReadString(key.get(), L"Version", FrameworkTextSize * sizeof(wchar_t), version);
 }
 
 }  // namespace

@@ -74,12 +74,7 @@ bool Registry::ReadText(HKEY key, const wchar_t* name, std::wstring& text)
     if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS)
         return false;
     const std::vector<BYTE> bytes = ReadBytes(key, name, type);
-    // Half a character at the end counts as one.
-    std::wstring characters((bytes.size() + 1) / sizeof(wchar_t), L'\0');
-    std::memcpy(characters.data(), bytes.data(), bytes.size());
-    if (type == REG_BINARY)
-        std::erase(characters, L'\0');
-    text = characters.substr(0, characters.find(L'\0'));
+    text = TextOf(bytes, type);
     return true;
 }
 
@@ -87,6 +82,27 @@ bool Registry::ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std:
 {
     const OwnedKey opened = OpenKey(root, key, KEY_READ | access);
     return opened && ReadText(opened.get(), name, text);
+}
+
+bool Registry::ReadString(HKEY key, const wchar_t* name, std::size_t largest, std::wstring& text)
+{
+    DWORD type = REG_NONE;
+    const std::vector<BYTE> bytes = ReadBytes(key, name, type);
+    if ((type != REG_SZ && type != REG_EXPAND_SZ) || bytes.size() > largest)
+        return false;
+    text = TextOf(bytes, type);
+    return true;
+}
+
+std::wstring Registry::TextOf(const std::vector<BYTE>& bytes, DWORD type)
+{
+    // Half a character at the end counts as one.
+    std::wstring characters((bytes.size() + 1) / sizeof(wchar_t), L'\0');
+    if (!bytes.empty())
+        std::memcpy(characters.data(), bytes.data(), bytes.size());
+    if (type == REG_BINARY)
+        std::erase(characters, L'\0');
+    return characters.substr(0, characters.find(L'\0'));
 }
 
 std::vector<BYTE> Registry::ReadBytes(HKEY key, const wchar_t* name, DWORD& type)

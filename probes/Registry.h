@@ -38,6 +38,13 @@ public:
     static bool ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text,
                          REGSAM access = 0);
 
+    /// Reads a value that is a string (REG_SZ or REG_EXPAND_SZ, not expanded) of at most so many bytes.
+    /// @return false, with the text untouched, for any other value and for a missing one
+    static bool ReadString(HKEY key, const wchar_t* name, std::size_t largest, std::wstring& text);
+
+    /// What ReadText makes of a value's bytes.
+    static std::wstring TextOf(const std::vector<BYTE>& bytes, DWORD type);
+
     /// The bytes of a value, and its type; empty when the value is missing.
     static std::vector<BYTE> ReadBytes(HKEY key, const wchar_t* name, DWORD& type);
 };

@@ -10,7 +10,7 @@
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "diag/Owners.h"
-#include "service/RequestHandle.h"
+#include "service/LimitedInternet.h"
 #include "service/Utf8.h"
 #include "values/Text.h"
 
@@ -75,7 +75,7 @@ void LogHeaders(const std::wstring& headers)
     }
 }
 
-std::string ReadResponse(const RequestHandle& request)
+std::string ReadResponse(const LimitedInternet& request)
 {
     std::string bytes;
     for (;;) {
@@ -128,7 +128,7 @@ void WebService::Exchange()
         InternetConnectW(session.get(), host.c_str(), Port, L"", L"", INTERNET_SERVICE_HTTP, ConnectFlags, 0),
         "Can't open Internet connection."));
     const wchar_t* acceptTypes[] = {L"text/*", nullptr};
-    const RequestHandle request(Opened(HttpOpenRequestW(connection.get(), verb.c_str(), path.c_str(),
+    const LimitedInternet request(Opened(HttpOpenRequestW(connection.get(), verb.c_str(), path.c_str(),
                                                         L"HTTP/1.1", nullptr, acceptTypes, RequestFlags, 0),
                                        "Can't open Internet request."),
                                 TimeLimit);

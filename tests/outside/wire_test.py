@@ -1,8 +1,11 @@
 """What the control puts on the wire, and what it makes of the answers."""
 
+import time
 import unittest
+import urllib.request
 
 from harness import API_KEY, ControlTest
+from verdict import quantity
 
 GROUP_LIST = f"GET /Data/Service.svc/Group/list?refid=demo&apikey={API_KEY} HTTP/1.1"
 UPLOAD = f"POST /Data/Service.svc/upload?apikey={API_KEY} HTTP/1.1"
@@ -74,6 +77,29 @@ class Wire(ControlTest):
                                  'WScript.Echo InStr(answer, "result=""pass""") & " " & control.Value("71094")\n'
                                  'control.Debug = "x"\nWScript.Echo control.Debug & control.Version', "vbs")
         self.assertEqual(output, ["11 No", "14.5.1.0"])
+
+
+class Bandwidth(ControlTest):
+    def setUp(self):
+        super().setUp()
+        (self.folder / "net.json").write_text(
+            '{"title": "Net", "requirements": [{"id": 71069, "label": "B", "comparison": "at least", "needed": "1"}]}')
+
+    SCRIPT = 'control.ReferrerID = "net"; WScript.Echo(control.Value("71069"));'
+
+    def test_measures_what_an_independent_download_measures(self):
+        measured = quantity(self.run_script(self.SCRIPT)[0])
+        address = self.service.server_address
+        start = time.monotonic()
+        with urllib.request.urlopen(f"http://{address[0]}:{address[1]}/global/tests/test_2.bin", timeout=20) as answer:
+            size = len(answer.read())
+        independent = size * 8 / (time.monotonic() - start)
+        self.assertAlmostEqual(measured / independent, 1, delta=0.2)
+        self.assertEqual(self.lines().count("GET /global/tests/test_2.bin HTTP/1.1"), 2)
+
+    def test_a_cut_download_measures_nothing(self):
+        self.service.faults["/global/tests/test_2.bin"] = "close"
+        self.assertEqual(self.run_script(self.SCRIPT), ["0.0 bps"])
 
 
 SHOW = ('control.ReferrerID = "demo"; WScript.Echo("[" + control.Analysis("i", "xml", "1") + "]");'

@@ -13,7 +13,9 @@ from verdict import judge, render
 
 API_KEY = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53"
 TEST_FILE_PATH = "/global/tests/test_2.bin"
-TEST_FILE = bytes(1_000_000)
+TEST_FILE_SIZE = 1_000_000
+TEST_FILE_PIECE = 20_000
+TEST_FILE_PAUSE = 0.01  # seconds between pieces, so that loopback looks like a connection of some Mbps
 LARGEST_BODY = 64 * 1024 * 1024
 
 log = logging.getLogger("analysis_service")
@@ -70,6 +72,7 @@ class AnalysisServer(ThreadingHTTPServer):
         self.reports = ReportStore(data)
         self.requirements = requirements
         self.misbehave = misbehave
+        self.faults = {}  # path -> a misbehaviour for that path alone
         self.requests = []
         self.record_file = record
         self.record_lock = threading.Lock()
@@ -100,11 +103,12 @@ class Handler(BaseHTTPRequestHandler):
             body = self.read_body()
             self.server.record({"line": self.requestline, "headers": self.headers.items(),
                                 "body": body.decode("utf-8", "replace")})
-            if self.server.misbehave:
-                MISBEHAVIOURS[self.server.misbehave](self)
-                return
             # The control comes through a proxy setting, so the target is a whole address.
             target = urlsplit(self.path)
+            fault = self.server.misbehave or self.server.faults.get(target.path)
+            if fault:
+                MISBEHAVIOURS[fault](self)
+                return
             self.route(target.path, parse_qs(target.query, keep_blank_values=True), body)
         except ServiceError as error:
             log.warning("%s %s: %s", self.command, self.path, error)
@@ -121,7 +125,7 @@ class Handler(BaseHTTPRequestHandler):
 
     def route(self, path, query, body):
         if self.command == "GET" and path == TEST_FILE_PATH:
-            self.reply(200, TEST_FILE, "application/octet-stream")
+            self.send_test_file()
         elif self.command == "GET" and path == "/Data/Service.svc/Group/list":
             self.check_key(query)
             requirements = self.load(query.get("refid", [""])[0])
@@ -135,6 +139,15 @@ class Handler(BaseHTTPRequestHandler):
             self.analyse(unquote(path.removeprefix("/service/Analysis/")), parse_analysis(body))
         else:
             raise ServiceError(404, "There is no such request.")
+
+    def send_test_file(self):
+        self.send_response(200)
+        self.send_header("Content-Type", "application/octet-stream")
+        self.send_header("Content-Length", str(TEST_FILE_SIZE))
+        self.end_headers()
+        for _ in range(0, TEST_FILE_SIZE, TEST_FILE_PIECE):
+            self.wfile.write(bytes(TEST_FILE_PIECE))
+            time.sleep(TEST_FILE_PAUSE)
 
     @staticmethod
     def check_key(query):

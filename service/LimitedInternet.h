@@ -13,19 +13,19 @@
 
 namespace kel {
 
-/// Owns a WinINet request for a limited time: at the deadline the request is closed, which ends whatever call
-/// is blocked in it. The platform's own timeouts bound each wait only, and a server that sends a byte now and
+/// Owns a WinINet handle for a limited time: at the deadline it is closed, which ends whatever call is
+/// blocked in it. The platform's own timeouts bound each wait only, and a server that sends a byte now and
 /// then keeps within them for ever.
-class RequestHandle {
+class LimitedInternet {
 public:
-    /// @param request not null
-    /// @throws std::runtime_error when no timer can be had; the request is closed
-    RequestHandle(HINTERNET request, std::chrono::milliseconds limit);
-    RequestHandle(const RequestHandle&) = delete;
-    RequestHandle& operator=(const RequestHandle&) = delete;
-    ~RequestHandle();
+    /// @param opened not null
+    /// @throws std::runtime_error when no timer can be had; the handle is closed
+    LimitedInternet(HINTERNET opened, std::chrono::milliseconds limit);
+    LimitedInternet(const LimitedInternet&) = delete;
+    LimitedInternet& operator=(const LimitedInternet&) = delete;
+    ~LimitedInternet();
 
-    /// The request; calls on it fail after the deadline.
+    /// The handle; calls on it fail after the deadline.
     HINTERNET Get() const { return handle; }
 
     /// Whether the deadline has passed.

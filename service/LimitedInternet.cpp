@@ -1,15 +1,15 @@
-#include "service/RequestHandle.h"
+#include "service/LimitedInternet.h"
 
 #include <stdexcept>
 
 namespace kel {
 
-RequestHandle::RequestHandle(HINTERNET request, std::chrono::milliseconds limit)
-    : handle(request), timer(CreateThreadpoolTimer(&RequestHandle::Expire, this, nullptr))
+LimitedInternet::LimitedInternet(HINTERNET opened, std::chrono::milliseconds limit)
+    : handle(opened), timer(CreateThreadpoolTimer(&LimitedInternet::Expire, this, nullptr))
 {
     if (!timer) {
         Close();
-        throw std::runtime_error("Can't limit the time of the Internet request.");
+        throw std::runtime_error("Can't limit the time of an Internet exchange.");
     }
     // Negative: from now, in units of 100 nanoseconds.
     LARGE_INTEGER due;
@@ -18,19 +18,19 @@ RequestHandle::RequestHandle(HINTERNET request, std::chrono::milliseconds limit)
     SetThreadpoolTimer(timer.get(), &dueTime, 0, 0);
 }
 
-RequestHandle::~RequestHandle()
+LimitedInternet::~LimitedInternet()
 {
     SetThreadpoolTimer(timer.get(), nullptr, 0, 0);
     WaitForThreadpoolTimerCallbacks(timer.get(), TRUE);
     Close();
 }
 
-VOID CALLBACK RequestHandle::Expire(PTP_CALLBACK_INSTANCE /*instance*/, PVOID context, PTP_TIMER /*timer*/)
+VOID CALLBACK LimitedInternet::Expire(PTP_CALLBACK_INSTANCE /*instance*/, PVOID context, PTP_TIMER /*timer*/)
 {
-    static_cast<RequestHandle*>(context)->Close();
+    static_cast<LimitedInternet*>(context)->Close();
 }
 
-void RequestHandle::Close()
+void LimitedInternet::Close()
 {
     if (isOpen.exchange(false))
         InternetCloseHandle(handle);
