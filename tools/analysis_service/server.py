@@ -45,6 +45,19 @@ def _cut_off(handler):
     _close_early(handler)
 
 
+def _cut_test_file(handler):
+    handler.send_test_file(TEST_FILE_SIZE // 2)
+    _close_early(handler)
+
+
+def _endless(handler):
+    """Sends some bytes a second, until the client leaves; for a minute and a half at most."""
+    handler.wfile.write(b"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\n")
+    for _ in range(180):
+        handler.wfile.write(b"71063|")
+        time.sleep(0.5)
+
+
 def _slowly(handler):
     time.sleep(2)
     handler.reply(200, "71063|71094")
@@ -53,6 +66,8 @@ def _slowly(handler):
 MISBEHAVIOURS = {
     "close": _close_early,
     "cut": _cut_off,
+    "cut-file": _cut_test_file,
+    "endless": _endless,
     "slow": _slowly,
     "404": _plain(404, "nothing here"),
     "500": _plain(500, "broken"),
@@ -140,12 +155,12 @@ class Handler(BaseHTTPRequestHandler):
         else:
             raise ServiceError(404, "There is no such request.")
 
-    def send_test_file(self):
+    def send_test_file(self, size=TEST_FILE_SIZE):
         self.send_response(200)
         self.send_header("Content-Type", "application/octet-stream")
         self.send_header("Content-Length", str(TEST_FILE_SIZE))
         self.end_headers()
-        for _ in range(0, TEST_FILE_SIZE, TEST_FILE_PIECE):
+        for _ in range(0, size, TEST_FILE_PIECE):
             self.wfile.write(bytes(TEST_FILE_PIECE))
             time.sleep(TEST_FILE_PAUSE)
 
