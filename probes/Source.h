@@ -15,7 +15,7 @@ protected:
     Source() = default;
 
 private:
-    std::wstring text;  // empty; room for a probe's own note
+    std::wstring note;  // empty; room for a probe of its own
 };
 
 }  // namespace kel

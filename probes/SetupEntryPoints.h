@@ -1,0 +1,35 @@
+#pragma once
+
+#include <windows.h>
+
+#include <setupapi.h>
+
+#include "diag/Owners.h"
+
+namespace kel {
+
+/// The functions of the Setup API that the control uses, looked up by name at run time; what the library
+/// lacks is null. A test fills a table of its own.
+struct SetupEntryPoints {
+    OwnedLibrary library;
+    decltype(&SetupDiGetClassDevsW) getClassDevs = nullptr;
+    decltype(&SetupDiEnumDeviceInfo) enumDeviceInfo = nullptr;
+    decltype(&SetupDiGetDeviceRegistryPropertyW) getDeviceRegistryProperty = nullptr;
+    decltype(&SetupDiGetDeviceInstanceIdW) getDeviceInstanceId = nullptr;
+    decltype(&SetupFindFirstLineW) findFirstLine = nullptr;
+    decltype(&SetupFindNextLine) findNextLine = nullptr;
+    decltype(&SetupGetLineTextW) getLineText = nullptr;
+    decltype(&SetupOpenInfFileW) openInfFile = nullptr;
+    decltype(&SetupCloseInfFile) closeInfFile = nullptr;
+    decltype(&SetupDiOpenDevRegKey) openDevRegKey = nullptr;
+    decltype(&SetupDiDestroyDeviceInfoList) destroyDeviceInfoList = nullptr;
+
+    /// Loads "setupapi.dll" and fills the table from it.
+    /// @return whether the library could be loaded; when not, GetLastError tells why
+    static bool Load(SetupEntryPoints& table);
+
+    /// Whether every function was found.
+    bool IsComplete() const;
+};
+
+}  // namespace kel
