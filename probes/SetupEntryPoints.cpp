@@ -14,20 +14,20 @@ void Look(const OwnedLibrary& library, const char* name, Function*& function)
 
 bool SetupEntryPoints::Load(SetupEntryPoints& table)
 {
-    table.library.reset(LoadLibraryW(L"setupapi.dll"));
-    if (!table.library)
+    table.module.reset(LoadLibraryW(L"setupapi.dll"));
+    if (!table.module)
         return false;
-    Look(table.library, "SetupDiGetClassDevsW", table.getClassDevs);
-    Look(table.library, "SetupDiEnumDeviceInfo", table.enumDeviceInfo);
-    Look(table.library, "SetupDiGetDeviceRegistryPropertyW", table.getDeviceRegistryProperty);
-    Look(table.library, "SetupDiGetDeviceInstanceIdW", table.getDeviceInstanceId);
-    Look(table.library, "SetupFindFirstLineW", table.findFirstLine);
-    Look(table.library, "SetupFindNextLine", table.findNextLine);
-    Look(table.library, "SetupGetLineTextW", table.getLineText);
-    Look(table.library, "SetupOpenInfFileW", table.openInfFile);
-    Look(table.library, "SetupCloseInfFile", table.closeInfFile);
-    Look(table.library, "SetupDiOpenDevRegKey", table.openDevRegKey);
-    Look(table.library, "SetupDiDestroyDeviceInfoList", table.destroyDeviceInfoList);
+    Look(table.module, "SetupDiGetClassDevsW", table.getClassDevs);
+    Look(table.module, "SetupDiEnumDeviceInfo", table.enumDeviceInfo);
+    Look(table.module, "SetupDiGetDeviceRegistryPropertyW", table.getDeviceRegistryProperty);
+    Look(table.module, "SetupDiGetDeviceInstanceIdW", table.getDeviceInstanceId);
+    Look(table.module, "SetupFindFirstLineW", table.findFirstLine);
+    Look(table.module, "SetupFindNextLine", table.findNextLine);
+    Look(table.module, "SetupGetLineTextW", table.getLineText);
+    Look(table.module, "SetupOpenInfFileW", table.openInfFile);
+    Look(table.module, "SetupCloseInfFile", table.closeInfFile);
+    Look(table.module, "SetupDiOpenDevRegKey", table.openDevRegKey);
+    Look(table.module, "SetupDiDestroyDeviceInfoList", table.destroyDeviceInfoList);
     return true;
 }
 

@@ -11,7 +11,7 @@ namespace kel {
 /// The functions of the Setup API that the control uses, looked up by name at run time; what the library
 /// lacks is null. A test fills a table of its own.
 struct SetupEntryPoints {
-    OwnedLibrary library;
+    OwnedLibrary module;
     decltype(&SetupDiGetClassDevsW) getClassDevs = nullptr;
     decltype(&SetupDiEnumDeviceInfo) enumDeviceInfo = nullptr;
     decltype(&SetupDiGetDeviceRegistryPropertyW) getDeviceRegistryProperty = nullptr;
