@@ -38,7 +38,7 @@ int LogBuf::sync()
 {
     std::wstring line = str();
     std::ranges::replace(line, L'\0', L' ');  // would end the line before its end, and join it with the next
-    str(std::wstring());                      // first, so that a line that a sink refuses is not written again with the next
+    str(std::wstring());  // first, so that a line that a sink refuses is not written again with the next
     Emit(line.c_str());
     return 0;
 }

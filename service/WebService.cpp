@@ -129,9 +129,9 @@ void WebService::Exchange()
         "Can't open Internet connection."));
     const wchar_t* acceptTypes[] = {L"text/*", nullptr};
     const LimitedInternet request(Opened(HttpOpenRequestW(connection.get(), verb.c_str(), path.c_str(),
-                                                        L"HTTP/1.1", nullptr, acceptTypes, RequestFlags, 0),
-                                       "Can't open Internet request."),
-                                TimeLimit);
+                                                          L"HTTP/1.1", nullptr, acceptTypes, RequestFlags, 0),
+                                         "Can't open Internet request."),
+                                  TimeLimit);
     LimitWaits(request.Get());
     timer.Start();
     Send(request.Get());
