@@ -9,7 +9,8 @@ AnalysisRequest::AnalysisRequest()
     : WebService(
           L"POST", L"/service/Analysis/" + PathText(Session::Current().ReferrerID()),
           L"<System><SessionID>^session_id</SessionID><ItemID>^item_id</ItemID><UserID>^user_id</UserID>"
-          L"<Format>^message_format</Format><Schema>^format_version</Schema></System>")
+          L"<Format>^message_format</Format><Schema>^format_version</Schema></System>",
+          LongAnswer)
 {
     Session& session = Session::Current();
     SetPlaceholder(L"^session_id", session.SessionID());

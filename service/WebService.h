@@ -1,8 +1,7 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
-
-#include "diag/Timer.h"
 
 namespace kel {
 
@@ -26,8 +25,15 @@ public:
     const std::wstring& Body() const { return body; }
 
 protected:
+    /// The bytes of the longest answer that counts. Answers that the control reads itself are a few
+    /// kilobytes.
+    static constexpr std::size_t ShortAnswer = std::size_t{1} << 20;
+    /// The same of an answer for the page; the service's longest is a page of some hundred kilobytes.
+    static constexpr std::size_t LongAnswer = std::size_t{16} << 20;
+
     /// @param requestBody empty for a request that is sent without content headers
-    WebService(const wchar_t* requestVerb, std::wstring requestPath, std::wstring requestBody);
+    WebService(const wchar_t* requestVerb, std::wstring requestPath, std::wstring requestBody,
+               std::size_t longestAnswer = ShortAnswer);
 
     /// Puts a text in place of a placeholder of the body.
     void SetPlaceholder(const wchar_t* placeholder, const std::wstring& text);
@@ -38,7 +44,6 @@ protected:
 
 private:
     void Exchange();
-    void Send(void* request);
 
     std::wstring host;
     std::wstring verb;
@@ -46,7 +51,7 @@ private:
     std::wstring contentType;
     std::wstring body;
     std::wstring result;
-    Timer timer;
+    std::size_t answerLimit;
 };
 
 /// The key that the service asks of every client.
