@@ -59,6 +59,22 @@ std::optional<std::wstring> QueryInfo(HINTERNET request, DWORD what)
     return {};
 }
 
+/// The host that answered, after all redirects; empty when WinINet does not tell it.
+std::wstring AnsweringHost(HINTERNET request)
+{
+    DWORD size = 0;
+    InternetQueryOptionW(request, INTERNET_OPTION_URL, nullptr, &size);
+    std::wstring address(size / sizeof(wchar_t) + 1, L'\0');
+    size = static_cast<DWORD>(address.size() * sizeof(wchar_t));
+    URL_COMPONENTSW parts = {};
+    parts.dwStructSize = sizeof(parts);
+    parts.dwHostNameLength = 1;  // asks for a pointer into the address
+    if (!InternetQueryOptionW(request, INTERNET_OPTION_URL, address.data(), &size) ||
+        !InternetCrackUrlW(address.c_str(), 0, 0, &parts) || parts.lpszHostName == nullptr)
+        return {};
+    return {parts.lpszHostName, parts.dwHostNameLength};
+}
+
 void ReadBody(HINTERNET request, const InternetHandles& handles, std::size_t limit, HttpAnswer& answer)
 {
     for (;;) {
@@ -94,7 +110,12 @@ void Perform(HttpRequest& request, InternetHandles& handles, HttpAnswer& answer)
         return;
     answer.status = QueryInfo(opened, HTTP_QUERY_STATUS_CODE);
     answer.statusText = QueryInfo(opened, HTTP_QUERY_STATUS_TEXT);
-    ReadBody(opened, handles, request.answerLimit, answer);
+    // WinINet follows redirects, with the user's cookies. A page must not read through the control what its
+    // browser would not let it read, such as a host of the local network.
+    if (_wcsicmp(AnsweringHost(opened).c_str(), request.host.c_str()) != 0)
+        answer.failure = "The answer came from another host than the service's.";
+    else
+        ReadBody(opened, handles, request.answerLimit, answer);
 }
 
 }  // namespace kel
