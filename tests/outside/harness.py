@@ -15,6 +15,8 @@ sys.path.insert(0, str(ROOT / "tools" / "analysis_service"))
 from server import AnalysisServer  # noqa: E402
 
 DLL = Path(os.environ.get("KEL_DLL", ROOT / "build" / "release" / "Detection.dll"))
+# By its path: Wine starts a bare name through a process of its own.
+CSCRIPT = r"C:\windows\system32\cscript.exe"
 API_KEY = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53"
 PROG_ID = "KELDetection_TAMS64.SysInfo"
 
@@ -23,15 +25,33 @@ def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-def wine(arguments, proxy=None, timeout=120):
-    """Runs a Windows program: its exit code, and what it wrote."""
+def peak_memory(pid):
+    """The most memory that the process had in use so far, in MB; 0 when it is gone."""
+    try:
+        match = re.search(r"VmHWM:\s*(\d+) kB", Path(f"/proc/{pid}/status").read_text())
+    except OSError:
+        match = None
+    return int(match[1]) / 1024 if match else 0
+
+
+def wine(arguments, proxy=None, timeout=120, watch=lambda pid: None):
+    """Runs a Windows program: its exit code, and what it wrote. Calls `watch` with its process id now and then."""
     environment = dict(os.environ)
     environment.pop("http_proxy", None)
     if proxy:
         environment["http_proxy"] = proxy
-    done = subprocess.run(["wine", *arguments], env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, timeout=timeout, check=False)
-    return done.returncode, done.stdout.decode("cp437").replace("\r\n", "\n")
+    end = time.monotonic() + timeout
+    with subprocess.Popen(["wine", *arguments], env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL) as process:
+        while True:
+            try:
+                output, _ = process.communicate(timeout=0.05)
+                return process.returncode, output.decode("cp437").replace("\r\n", "\n")
+            except subprocess.TimeoutExpired:
+                watch(process.pid)
+                if time.monotonic() > end:
+                    process.kill()
+                    raise
 
 
 class ControlTest(unittest.TestCase):
@@ -65,10 +85,14 @@ class ControlTest(unittest.TestCase):
         script.write_text(make + text + "\nWScript.Quit(7)", encoding="utf-8")
         address = f"http://127.0.0.1:{self.service.server_address[1]}" if proxy is True else proxy
         start = time.monotonic()
-        code, output = wine(["cscript", "//nologo", windows_path(script)], address or None)
+        self.peak = 0  # MB
+        code, output = wine([CSCRIPT, "//nologo", windows_path(script)], address or None, watch=self.note_memory)
         self.seconds = time.monotonic() - start
         self.assertEqual(code, 7, output)
         return output.splitlines()
+
+    def note_memory(self, pid):
+        self.peak = max(self.peak, peak_memory(pid))
 
     def lines(self):
         """The request lines that the service saw, without the host."""
