@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -78,7 +79,8 @@ void Fetch(InternetHandles& handles, Download& download)
         handles.Keep(InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
     if (session == nullptr)
         return;
-    for (const DWORD option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
+    for (const DWORD option :
+         std::initializer_list<DWORD>{INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
         DWORD milliseconds = WaitLimit;
         InternetSetOptionW(session, option, &milliseconds, sizeof(milliseconds));
     }

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <initializer_list>
 #include <stdexcept>
 
 namespace kel {
@@ -45,7 +46,8 @@ HINTERNET Open(const HttpRequest& request, InternetHandles& handles)
                                              L"HTTP/1.1", nullptr, acceptTypes, RequestFlags, 0)),
                "Can't open Internet request.");
     for (const DWORD option :
-         {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
+         std::initializer_list<DWORD>{INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT,
+                                      INTERNET_OPTION_RECEIVE_TIMEOUT}) {
         auto milliseconds = static_cast<DWORD>(WaitLimit.count());
         InternetSetOptionW(opened, option, &milliseconds, sizeof(milliseconds));
     }
