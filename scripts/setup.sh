@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build lld python3
 )
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy)
+[ "${1:-}" = --bench ] && packages+=(gcab)
 
 missing=()
 for package in "${packages[@]}"; do
