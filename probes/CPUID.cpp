@@ -99,9 +99,10 @@ bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
     if (isExtended ? (leaf & 0xFF) > maxExtendedLeaf : leaf > maxStandardLeaf)
         return false;
     registers = leaves(leaf);
-    WriteLog(LogTrace, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
-             Hexadecimal(registers[Ebx], 8), L' ', Hexadecimal(registers[Ecx], 8), L' ',
-             Hexadecimal(registers[Edx], 8));
+    if (Log::Instance().IsEnabled(LogTrace))
+        WriteLog(LogTrace, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
+                 Hexadecimal(registers[Ebx], 8), L' ', Hexadecimal(registers[Ecx], 8), L' ',
+                 Hexadecimal(registers[Edx], 8));
     return true;
 }
 

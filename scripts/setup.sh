@@ -4,9 +4,10 @@ set -euo pipefail
 
 packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
-  cmake ninja-build python3
+  cmake ninja-build lld python3
 )
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy)
+[ "${1:-}" = --bench ] && packages+=(gcab)
 
 missing=()
 for package in "${packages[@]}"; do
