@@ -28,14 +28,13 @@ TEST(Detectors, FailEachWithItsLineAndTheNextRuns)
                                L"ERR Error in Ram detection."}));
 }
 
-TEST(Detectors, StoreEachFieldOfTheProcessorFromTheFirstSourceThatHasIt)
+TEST(Detectors, StoreEachFieldOfTheProcessorInOrderFromTheFirstSourceThatHasIt)
 {
     test::FakeWmiData data;
     data.objects[L"SELECT * FROM Win32_Processor"] = {
         {{L"Name", {L"wmi"}}, {L"Manufacturer", {L"wmi"}}, {L"MaxClockSpeed", {1234L, CIM_UINT32}}}};
     const test::FakeWmi fake(data);
-    test::ScratchKey machine;
-    machine.StandFor(HKEY_LOCAL_MACHINE);
+    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
     const std::wstring key = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
     machine.Write(key, L"~MHz", L"1800");
     machine.Write(key, L"Platform ID", L"P");
@@ -45,26 +44,22 @@ TEST(Detectors, StoreEachFieldOfTheProcessorFromTheFirstSourceThatHasIt)
     CPU().Detect();
     CpuInfo cpuid;
     CPUID::Instance().GetCpuInfo(cpuid);
-    const auto flag = [](bool isSet) { return isSet ? L"Yes" : L"No"; };
-    const std::pair<unsigned, std::wstring> stored[] = {{71061, L"wmi"},
-                                                        {71062, L"1.8 GHz"},
-                                                        {71296, cpuid.vendor},
-                                                        {71385, cpuid.stepping},
-                                                        {71390, cpuid.family},
-                                                        {71391, cpuid.model},
-                                                        {71389, cpuid.type},
-                                                        {71386, cpuid.cpuId},
-                                                        {71404, cpuid.cpuIdShort},
-                                                        {71355, L"P"},
-                                                        {71392, L"0B"},
-                                                        {71393, L"9"},
-                                                        {71398, L""},
-                                                        {71399, L""},
-                                                        {71252, flag(cpuid.isAmd)},
-                                                        {71256, flag(cpuid.isIntel)},
-                                                        {71253, flag(cpuid.cacheDescriptor40)}};
-    for (const auto& [id, text] : stored)
-        EXPECT_EQ(session.Text(id), text) << id;
+    const auto flag = [](bool isSet) { return std::wstring(isSet ? L"Yes|" : L"No|"); };
+    EXPECT_EQ(session.Texts({71061, 71062, 71355, 71392, 71393, 71398, 71399}), L"wmi|1.8 GHz|P|0B|9|||");
+    EXPECT_EQ(session.Texts({71296, 71385, 71390, 71391, 71389}), cpuid.vendor + L"|" + cpuid.stepping +
+                                                                      L"|" + cpuid.family + L"|" +
+                                                                      cpuid.model + L"|" + cpuid.type + L"|");
+    EXPECT_EQ(session.Texts({71386, 71404}), cpuid.cpuId + L"|" + cpuid.cpuIdShort + L"|");
+    EXPECT_EQ(session.Texts({71252, 71256, 71253}),
+              flag(cpuid.isAmd) + flag(cpuid.isIntel) + flag(cpuid.cacheDescriptor40));
+    EXPECT_EQ(session.Texts({71257}), flag(std::stoi(session.Text(71254)) > 1));
+    std::vector<unsigned> order = {71061, 71254, 71062, 71296, 71385, 71390, 71391, 71389, 71386, 71404,
+                                   71355, 71398, 71392, 71257, 71256, 71252, 71253, 71399, 71393};
+    if (cpuid.isIntel) {  // the flag is then stored before all others, too
+        std::erase(order, 71256U);
+        order.insert(order.begin(), 71256U);
+    }
+    EXPECT_EQ(session.Numbers(), order);
 }
 
 }  // namespace

@@ -178,10 +178,10 @@ struct Rules {
             length = isNone ? 1 : length;
             text += isNone ? L"\xFFFD" : character;
         }
-        std::set<GroupID> wanted;
+        std::set<unsigned> wanted;
         for (const Text& id : All(text, L"([^|,]+)"))
-            wanted.insert(GroupID(id));
-        return Wanted(text, [&wanted](const Text& id) { return wanted.contains(GroupID(id)); });
+            wanted.insert(GroupID(id).Number());
+        return Wanted(text, [&wanted](const Text& id) { return wanted.contains(GroupID(id).Number()); });
     }
     static std::string Bytes(const Text& text) { return {text.begin(), text.end()}; }
     /// The text, with replacement characters in a row as one, and which of the numbers in it are wanted.

@@ -66,7 +66,7 @@ class Unload(ControlTest):
         """An exchange that was left to itself keeps the DLL, and gives it back."""
         self.service.faults[GROUPS] = "slow-headers"
         code, output = wine([str(Path(DLL).parent / "tests" / "unload_probe.exe")],
-                            f"http://127.0.0.1:{self.service.server_address[1]}", timeout=LONGEST + 40)
+                            f"http://{self.address}", timeout=LONGEST + 40)
         self.assertEqual((code, output.split()), (0, ["kept", "gone"]))
 
 

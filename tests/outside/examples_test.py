@@ -14,7 +14,7 @@ class Examples(ControlTest):
 
     def run_example(self, name, *arguments):
         return wine(["cscript", "//nologo", windows_path(EXAMPLES / name), *arguments],
-                    f"http://127.0.0.1:{self.service.server_address[1]}")
+                    f"http://{self.address}")
 
     def test_the_demo_shows_a_row_for_each_requirement_and_leaves_its_files(self):
         _, output = self.run_example("check.js", "demo", windows_path(self.folder))

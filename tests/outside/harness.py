@@ -1,5 +1,6 @@
 """What the outside tests share: the built DLL, the script host, and the local analysis service in this process."""
 
+import json
 import os
 import re
 import subprocess
@@ -36,10 +37,9 @@ def peak_memory(pid):
 
 def wine(arguments, proxy=None, timeout=120, watch=lambda pid: None):
     """Runs a Windows program: its exit code, and what it wrote. Calls `watch` with its process id now and then."""
-    environment = dict(os.environ)
-    environment.pop("http_proxy", None)
-    if proxy:
-        environment["http_proxy"] = proxy
+    environment = os.environ | {"http_proxy": proxy}
+    if not proxy:
+        del environment["http_proxy"]
     end = time.monotonic() + timeout
     with subprocess.Popen(["wine", *arguments], env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.DEVNULL) as process:
@@ -54,8 +54,27 @@ def wine(arguments, proxy=None, timeout=120, watch=lambda pid: None):
                     raise
 
 
-class ControlTest(unittest.TestCase):
-    """Has a folder of its own, a service on loopback, and the control registered."""
+class ServiceTest(unittest.TestCase):
+    """Has a folder of its own, and a service on loopback that takes its requirements from there."""
+
+    def setUp(self):
+        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        self.service = self.enterContext(AnalysisServer(0, self.folder / "sessions", self.folder))
+        self.address = f"127.0.0.1:{self.service.server_address[1]}"
+        thread = threading.Thread(target=self.service.serve_forever, kwargs={"poll_interval": 0.02})
+        thread.start()
+        self.addCleanup(thread.join)
+        self.addCleanup(self.service.shutdown)
+
+    def require(self, referrer, *requirements):
+        """Writes a referrer's requirements, each an id, a label, a comparison, and what it needs."""
+        names = ("id", "label", "comparison", "needed")
+        lines = [dict(zip(names, requirement)) for requirement in requirements]
+        (self.folder / f"{referrer}.json").write_text(json.dumps({"title": "T<", "requirements": lines}))
+
+
+class ControlTest(ServiceTest):
+    """Has the control registered, too, and requirements for the referrer "demo"."""
 
     @classmethod
     def setUpClass(cls):
@@ -63,19 +82,8 @@ class ControlTest(unittest.TestCase):
         assert code == 0, f"regsvr32 ended with {code}"
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
-        (self.folder / "demo.json").write_text(
-            '{"title": "Test", "requirements": ['
-            '{"id": 71063, "label": "Memory", "comparison": "at least", "needed": "1 MB"},'
-            '{"id": 71094, "label": "Battery", "comparison": "no"}]}')
-        self.service = AnalysisServer(0, self.folder / "sessions", self.folder)
-        thread = threading.Thread(target=self.service.serve_forever, kwargs={"poll_interval": 0.02})
-        thread.start()
-        self.addCleanup(thread.join)
-        self.addCleanup(self.service.server_close)
-        self.addCleanup(self.service.shutdown)
+        super().setUp()
+        self.require("demo", (71063, "Memory", "at least", "1 MB"), (71094, "Battery", "no"))
 
     def run_script(self, text, language="js", proxy=True):
         """Runs a script with `control` made: the lines it wrote. A script error fails the test."""
@@ -83,10 +91,10 @@ class ControlTest(unittest.TestCase):
             f'Dim control\nSet control = WScript.CreateObject("{PROG_ID}")\n'
         script = self.folder / f"test.{language}"
         script.write_text(make + text + "\nWScript.Quit(7)", encoding="utf-8")
-        address = f"http://127.0.0.1:{self.service.server_address[1]}" if proxy is True else proxy
         start = time.monotonic()
         self.peak = 0  # MB
-        code, output = wine([CSCRIPT, "//nologo", windows_path(script)], address or None, watch=self.note_memory)
+        code, output = wine([CSCRIPT, "//nologo", windows_path(script)], f"http://{self.address}" if proxy else None,
+                            watch=self.note_memory)
         self.seconds = time.monotonic() - start
         self.assertEqual(code, 7, output)
         return output.splitlines()

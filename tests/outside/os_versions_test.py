@@ -3,7 +3,7 @@
 import shutil
 import unittest
 
-from harness import DLL, ControlTest, windows_path, wine
+from harness import DLL, ServiceTest, windows_path, wine
 
 # Version, build and product type as the system itself reports them for each setting; names by the naming rules.
 # Wine 8.0 gives the product types of win7 and win2008r2 the wrong way round, and tells a program without a manifest
@@ -19,28 +19,19 @@ EXPECTED = {
     "win10": ("Microsoft  (build 9200), 64-bit", "6.2.9200", None),
 }
 RELEASES = ("71262", "71263", "71276", "71251", "71350", "71465", "71466")
-SETTINGS = r"HKCU\Software\Wine\AppDefaults"
 
 
-class OsVersions(ControlTest):
+class OsVersions(ServiceTest):
     def test_names_and_flags_of_every_release(self):
-        probe = DLL.parent / "tests" / "os_probe.exe"
         for setting, (name, version, flag) in EXPECTED.items():
             with self.subTest(setting):
-                program = self.folder / f"probe_{setting}.exe"
-                shutil.copy(probe, program)
-                key = rf"{SETTINGS}\{program.name}"
+                program = shutil.copy(DLL.parent / "tests" / "os_probe.exe", self.folder / f"probe_{setting}.exe")
+                key = rf"HKCU\Software\Wine\AppDefaults\{program.name}"
                 wine(["reg", "add", key, "/v", "Version", "/d", setting, "/f"])
                 self.addCleanup(wine, ["reg", "delete", key, "/f"])
-                code, output = wine([windows_path(program)])
-                values = dict(line.split("=", 1) for line in output.splitlines())
-                self.assertEqual(code, 0)
+                values = dict(line.split("=", 1) for line in wine([windows_path(program)])[1].splitlines())
                 self.assertTrue(values["71060"].startswith(name), values["71060"])
                 self.assertTrue(values["71072"].startswith(version), values["71072"])
                 self.assertEqual([release for release in RELEASES if values[release] == "Yes"], [flag] if flag else [])
                 self.assertEqual((values["71264"], values["71361"]), ("Yes", "Yes"))
                 self.assertEqual(values["71060"].endswith(", 64-bit"), version[0] != "5")
-
-
-if __name__ == "__main__":
-    unittest.main()
