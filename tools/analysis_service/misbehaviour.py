@@ -31,7 +31,7 @@ def _for_ever(head, piece, pause=0):
     def answer(handler):
         handler.close_connection = True
         handler.wfile.write(head)
-        end = time.monotonic() + LONGEST
+        end = time.monotonic() + handler.server.longest
         while time.monotonic() < end:
             handler.wfile.write(piece)
             time.sleep(pause)

@@ -7,7 +7,7 @@ import time
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from urllib.parse import parse_qs, unquote, urlsplit
 
-from misbehaviour import MISBEHAVIOURS
+from misbehaviour import LONGEST, MISBEHAVIOURS
 from reports import ReportError, ReportStore, parse_analysis, parse_report, parse_system_information
 from requirements import RequirementsError, load_requirements
 from verdict import judge, render
@@ -40,6 +40,7 @@ class AnalysisServer(ThreadingHTTPServer):
         self.reports = ReportStore(data)
         self.requirements = requirements
         self.misbehave = misbehave
+        self.longest = LONGEST
         self.faults = {}  # path -> a misbehaviour for that path alone
         self.requests = []
         self.record_file = record
