@@ -1,5 +1,7 @@
 #include "support/PlantedDevice.h"
 
+#include "diag/Owners.h"
+
 namespace kel::test {
 
 PlantedDevice::PlantedDevice(DWORD classNumber)
@@ -25,17 +27,12 @@ PlantedDevice& PlantedDevice::With(DWORD property, const std::wstring& text)
     return *this;
 }
 
-PlantedDevice& PlantedDevice::With(DWORD kind, const wchar_t* subkey, const wchar_t* name,
-                                   const std::wstring& text)
-{
-    return With(kind, subkey, name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t));
-}
-
-PlantedDevice& PlantedDevice::With(DWORD kind, const wchar_t* subkey, const wchar_t* name, DWORD type,
-                                   const void* data, std::size_t size)
+PlantedDevice& PlantedDevice::Write(DWORD kind, const wchar_t* name, const std::wstring& text,
+                                    const wchar_t* subkey)
 {
     const OwnedKey key(SetupDiCreateDevRegKeyW(set, &device, DICS_FLAG_GLOBAL, 0, kind, nullptr, nullptr));
-    RegSetKeyValueW(key.get(), subkey, name, type, data, static_cast<DWORD>(size));
+    RegSetKeyValueW(key.get(), subkey, name, REG_SZ, text.c_str(),
+                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
     return *this;
 }
 

@@ -6,8 +6,6 @@
 
 #include <string>
 
-#include "diag/Owners.h"
-
 namespace kel::test {
 
 /// A device of a setup class, planted through the Setup API and taken away when the object is destroyed.
@@ -22,13 +20,19 @@ public:
     /// Sets a text property (SPDRP_...). A list of texts has its zeros inside.
     PlantedDevice& With(DWORD property, const std::wstring& text);
 
-    /// Makes the device's key (DIREG_DEV) or its driver's (DIREG_DRV), and writes a string or a value of any
-    /// type into it, or into a subkey.
-    PlantedDevice& With(DWORD kind, const wchar_t* subkey, const wchar_t* name, const std::wstring& text);
-    PlantedDevice& With(DWORD kind, const wchar_t* subkey, const wchar_t* name, DWORD type, const void* data,
-                        std::size_t size);
+    /// Makes the device's key, or its driver's, and writes a string into it, or into a subkey.
+    PlantedDevice& Device(const wchar_t* name, const std::wstring& text)
+    {
+        return Write(DIREG_DEV, name, text, nullptr);
+    }
+    PlantedDevice& Driver(const wchar_t* name, const std::wstring& text, const wchar_t* subkey = nullptr)
+    {
+        return Write(DIREG_DRV, name, text, subkey);
+    }
 
 private:
+    PlantedDevice& Write(DWORD kind, const wchar_t* name, const std::wstring& text, const wchar_t* subkey);
+
     HDEVINFO set;
     SP_DEVINFO_DATA device = {};
 };
