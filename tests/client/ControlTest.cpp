@@ -4,6 +4,8 @@
 #include <ocidl.h>
 #include <wininet.h>
 
+#include <array>
+
 #include "client/ControlDll.h"
 #include "client/Outer.h"
 #include "client/PropertyBag.h"
@@ -70,6 +72,21 @@ TEST_F(Control, HasItsMembersInTheSlotsAndUnderTheIdsThatClientsWereBuiltWith)
         members->ReleaseFuncDesc(member);
     }
     EXPECT_NE(members->GetFuncDesc(index, &member), S_OK);
+}
+
+TEST_F(Control, CarriesItsResources)
+{
+    const HMODULE module = dll.Handle();
+    std::array<wchar_t, 20> name = {};
+    EXPECT_GT(LoadStringW(module, 100, name.data(), static_cast<int>(name.size())), 0);
+    EXPECT_STREQ(name.data(), L"Detection");
+    for (const auto& [id, type] : {std::pair(1, L"TYPELIB"), {106, L"REGISTRY"}, {102, MAKEINTRESOURCEW(2)}})
+        EXPECT_NE(FindResourceW(module, MAKEINTRESOURCEW(id), type), nullptr) << id;
+    const HRSRC version = FindResourceW(module, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(16));
+    ASSERT_NE(version, nullptr);
+    // The fixed part follows the block's head and name; the file's version stands after two numbers.
+    const auto* words = static_cast<const WORD*>(LockResource(LoadResource(module, version)));
+    EXPECT_EQ(std::vector<WORD>(words + 24, words + 28), (std::vector<WORD>{5, 4, 0, 1}));
 }
 
 TEST_F(Control, FactoryRefusesWhatItCannotMake)

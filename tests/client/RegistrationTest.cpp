@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <olectl.h>
 #include <shlwapi.h>
 
 #include <regex>
@@ -12,25 +13,34 @@ namespace {
 
 using testing::HasSubstr;
 
-/// The classes of a user, with # for the class id and @ for the path of the DLL.
-std::wstring Classes(const test::ScratchKey& user)
+/// Registered classes, with # for the class id and @ for the path of the DLL.
+std::wstring Classes(const test::ScratchKey& root, const std::wstring& folder)
 {
-    std::wstring text = user.Dump(L"Software\\Classes");
+    std::wstring text = root.Dump(folder);
     ReplaceAll(text, L"{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}", L"#");
     ReplaceAll(text, KEL_DLL_PATH, L"@");
     return text;
 }
 
-TEST(Registration, OfTheCurrentUserIsCompleteAndLeavesNothing)
+struct Way {
+    HKEY root;
+    const wchar_t* folder;
+    HRESULT (*run)(const test::ControlDll& dll, bool install);
+};
+
+class Registration : public testing::TestWithParam<Way> {};
+
+TEST_P(Registration, IsCompleteAndLeavesNothing)
 {
     const test::ControlDll dll;
-    const auto install = dll.Entry<decltype(DllInstall)>("DllInstall");
-    test::ScratchKey user;
-    user.Write(L"Software\\Classes\\CLSID\\{other}", L"", L"stays");
-    user.StandFor(HKEY_CURRENT_USER);
-    const std::wstring before = Classes(user);
-    ASSERT_EQ(install(TRUE, L"USER"), S_OK);
-    const std::wstring after = Classes(user);
+    const auto run = [&dll](bool install) { return GetParam().run(dll, install); };
+    test::ScratchKey root;
+    const std::wstring folder = GetParam().folder;
+    root.Write(folder + L"CLSID\\{other}", L"", L"stays");
+    root.StandFor(GetParam().root);
+    const std::wstring before = Classes(root, folder);
+    ASSERT_EQ(run(true), S_OK);
+    const std::wstring after = Classes(root, folder);
     EXPECT_THAT(after, HasSubstr(L"[CLSID\\#]\n=SysInfo Class\nAppID=#\n"
                                  L"[CLSID\\#\\Control]\n"
                                  L"[CLSID\\#\\InprocServer32]\n=@\nThreadingModel=Apartment\n"
@@ -48,13 +58,34 @@ TEST(Registration, OfTheCurrentUserIsCompleteAndLeavesNothing)
                                  L"[KELDetection_TAMS64.SysInfo\\CurVer]\n=KELDetection_TAMS64.SysInfo.1\n"));
     EXPECT_THAT(after, HasSubstr(L"ib\\{386EBC54-4F11-4853-BB50-316281E41CFF}\\1.0\\409\\win64]\n=@\n"));
 
-    ASSERT_EQ(install(TRUE, L"user"), S_OK);
-    EXPECT_EQ(Classes(user), after);
-    ASSERT_EQ(install(FALSE, L"user"), S_OK);
+    ASSERT_EQ(run(true), S_OK);
+    EXPECT_EQ(Classes(root, folder), after);
+    ASSERT_EQ(run(false), S_OK);
     // The system makes these, and leaves them empty.
-    EXPECT_EQ(std::regex_replace(Classes(user), std::wregex(L"\\[(Interface|Type[Ll]ib)\\]\n"), L""), before);
-    EXPECT_EQ(install(FALSE, L"user"), S_OK);
+    EXPECT_EQ(std::regex_replace(Classes(root, folder), std::wregex(L"\\[(Interface|Type[Ll]ib)\\]\n"), L""),
+              before);
+    EXPECT_EQ(run(false), S_OK);
 }
+
+HRESULT Install(const test::ControlDll& dll, bool install, const wchar_t* commandLine)
+{
+    return dll.Entry<decltype(DllInstall)>("DllInstall")(install, commandLine);
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, Registration,
+                         testing::Values(Way{HKEY_CURRENT_USER, L"Software\\Classes\\",
+                                             [](const test::ControlDll& dll, bool install) {
+                                                 return Install(dll, install, install ? L"USER" : L"user");
+                                             }},
+                                         Way{HKEY_CLASSES_ROOT, L"",
+                                             [](const test::ControlDll& dll, bool install) {
+                                                 return Install(dll, install, nullptr);
+                                             }},
+                                         Way{HKEY_CLASSES_ROOT, L"",
+                                             [](const test::ControlDll& dll, bool install) {
+                                                 return dll.Entry<decltype(DllRegisterServer)>(
+                                                     install ? "DllRegisterServer" : "DllUnregisterServer")();
+                                             }}));
 
 }  // namespace
 }  // namespace kel

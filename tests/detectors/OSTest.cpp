@@ -161,9 +161,10 @@ TEST(OS, TakesTheLastReadableFramework)
     machine.Write(key + L"d", L"Version", std::wstring(100, L'9'));  // too long with its zero
     machine.Write(key + std::wstring(120, L'e'), L"Version", L"9");
     machine.Write(key + L"f", L"Version", REG_DWORD, L"7", sizeof(DWORD));
+    machine.Write(key + L"g", L"Version", L"1.1");
     const test::LogCapture log(3);
     OS().Detect();
-    EXPECT_EQ(session.Text(71193), L"2.0.50727");
+    EXPECT_EQ(session.Text(71193), L"1.1");
     EXPECT_EQ(std::ranges::count(log.Lines(), L"TRACE Using version: 4.0"), 1);
 }
 
@@ -172,14 +173,15 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
     const OSFunctions whole = OSFunctions::OfSystem();
     OSFunctions none = whole;
     none.getVersion = [](OSVERSIONINFOEXW&) { return FALSE; };
-    none.getNativeSystemInfo.clear();
-    none.getProductInfo.clear();
-    none.isWow64Process = [](HANDLE, BOOL*) { return FALSE; };
+    none.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE, FALSE; };
     test::TestSession session;
     EXPECT_TRUE(OS().Detect(none));
     EXPECT_EQ(session.Texts({71060, 71072, 71309, 71363, 71388, 71264}),
               L"(none)|(none)|(none)|(none)|(none)|No|");
     EXPECT_EQ(session.Text(71207).size(), 36U);
+    none.isWow64Process.clear();
+    EXPECT_TRUE(OS().Detect(none));
+    EXPECT_EQ(session.Text(71264), L"No");
 
     OSFunctions vista = whole;
     vista.getVersion = [](OSVERSIONINFOEXW& version) {
@@ -188,17 +190,37 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
         version.dwBuildNumber = 6002;
         version.wProductType = 1;
         version.wServicePackMajor = 2;
+        version.wServicePackMinor = 5;
         version.wSuiteMask = 256;
         return TRUE;
     };
     vista.getProductInfo.clear();
     vista.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE; };
     vista.getNativeSystemInfo = [](SYSTEM_INFO& system) { system.wProcessorArchitecture = 0; };
+    session.values = SystemValues();
     EXPECT_TRUE(OS().Detect(vista));
+    const std::vector<unsigned> order = session.Numbers();
+    EXPECT_EQ(std::vector<unsigned>(order.begin() + 20, order.begin() + 32),
+              (std::vector<unsigned>{71060, 71309, 71072, 71367, 71368, 71366, 71364, 71365, 71363, 71362,
+                                     71388, 71207}));
     EXPECT_EQ(session.Texts({71060, 71072, 71309, 71367, 71368, 71366, 71364, 71365}),
-              L"Microsoft Windows Vista  (build 6002), 32-bit|6.0.6002|6.0.6002|6|0|6002|2|0|");
+              L"Microsoft Windows Vista  (build 6002), 32-bit|6.0.6002|6.0.6002|6|0|6002|2|5|");
     EXPECT_EQ(session.Texts({71363, 71362, 71251, 71264, 71361}), L"256|1|Yes|Yes|No|");
-    EXPECT_TRUE(std::regex_match(session.Text(71388), std::wregex(L"[0-9A-F]{4}")));
+    EXPECT_EQ(std::stoul(session.Text(71388), nullptr, 16), GetUserDefaultLCID());
+    EXPECT_EQ(session.Text(71388).size(), 4U);
+
+    OSFunctions server = whole;
+    server.getNativeSystemInfo.clear();
+    server.getSystemMetrics = [](int metric) { return metric == SM_SERVERR2 ? 1 : 0; };
+    server.getVersion = [](OSVERSIONINFOEXW& version) {
+        version.dwPlatformId = 2;
+        version.dwMajorVersion = 5;
+        version.dwMinorVersion = 2;
+        version.wProductType = 3;
+        return TRUE;
+    };
+    EXPECT_TRUE(OS().Detect(server));
+    EXPECT_EQ(session.Text(71060), L"Microsoft Windows Server 2003 R2, Standard x64 Edition (build 0)");
 }
 
 TEST(OS, StoresItsFlagsFirstAndAnErrorLeavesThem)

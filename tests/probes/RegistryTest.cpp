@@ -55,6 +55,9 @@ TEST(Registry, FillsTheProcessorsRecord)
                                L"TRACE Name = L  Chip  ",
                                L"WARN Registry value is missing: SOFTWARE\\Intel\\Infinst version"}));
     machine.Write(Processor, L"~MHz", L"1800");
+    machine.Write(Processor, L"Update Signature", REG_SZ, signature, sizeof(signature));
+    EXPECT_TRUE(Registry::Instance().GetCpuInfo(none));
+    EXPECT_EQ(none.updateSignature, L"");
     machine.Write(Processor, L"Update Signature", REG_BINARY, signature, 4);
     machine.Write(L"SOFTWARE\\Intel\\Infinst", L"version", L"8");
     Registry::Instance().GetCpuInfo(second);

@@ -67,8 +67,7 @@ TEST(SetupLib, ListsDisks)
     // The system restores the class's own name, so another one comes from a table.
     SetupLib foreign = Spoilt([](Table& table) {
         table.getDeviceRegistryProperty = [](HDEVINFO set, PSP_DEVINFO_DATA device, DWORD property,
-                                             PDWORD type, PBYTE data, DWORD size, PDWORD needed)
-                                              WINAPI -> BOOL {
+                                             PDWORD type, PBYTE data, DWORD size, PDWORD needed) -> BOOL {
             const BOOL result =
                 SetupDiGetDeviceRegistryPropertyW(set, device, property, type, data, size, needed);
             if (result && property == SPDRP_CLASS && data != nullptr)

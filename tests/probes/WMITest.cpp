@@ -58,7 +58,7 @@ TEST(WMI, FillsEachRecordFromItsProperties)
     for (long i = 0; i < 201; ++i)
         data.objects[Drives].push_back(
             {{L"Model", {L"Disk"}}, {L"Name", {L"\\\\.\\DISK"}}, {L"Index", {i, CIM_SINT32}}});
-    data.objects[Bioses] = {{{L"Version", {L"not kept"}},
+    data.objects[Bioses] = {{{L"Version", Unconvertible},
                              {L"name", {L"Bios"}},
                              {L"Manufacturer", {L"Maker"}},
                              {L"SMBIOSBIOSVersion", {L"1.2"}}}};
@@ -84,6 +84,7 @@ TEST(WMI, FillsEachRecordFromItsProperties)
         const auto& [name, deviceId, drive, mediaType] = got.cdroms[0];
         EXPECT_EQ(name + L"|" + deviceId + L"|" + drive + L"|" + mediaType, L"CD|IDE|D:|CD-ROM");
         EXPECT_THAT(data.counts, ElementsAre(1, 200, 1, 1, 200, 1));
+        EXPECT_EQ(data.arguments, L"ROOT\\CIMV2 10 0 3 3 0 WQL48 WQL48 WQL48 WQL48 WQL48 WQL48 ");
     }
     EXPECT_EQ(data.references, 0U);
 }

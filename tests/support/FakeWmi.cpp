@@ -7,8 +7,11 @@ namespace kel::test {
 namespace {
 
 struct Security : Fake<IClientSecurity> {
-    STDMETHODIMP SetBlanket(IUnknown*, DWORD, DWORD, OLECHAR*, DWORD, DWORD, void*, DWORD) override
+    STDMETHODIMP SetBlanket(IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR*, DWORD level,
+                            DWORD impersonation, void*, DWORD capabilities) override
     {
+        for (const DWORD value : {authentication, authorisation, level, impersonation, capabilities})
+            data->arguments += std::to_wstring(value) + L" ";
         return data->refusesBlanket ? E_ACCESSDENIED : S_OK;
     }
     KEL_UNUSED(QueryBlanket, (IUnknown*, DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**, DWORD*))
@@ -23,9 +26,10 @@ struct Services : Fake<IWbemServices> {
         *result = Make<Security>(data);
         return S_OK;
     }
-    STDMETHODIMP ExecQuery(const BSTR, const BSTR query, LONG, IWbemContext*,
+    STDMETHODIMP ExecQuery(const BSTR language, const BSTR query, LONG flags, IWbemContext*,
                            IEnumWbemClassObject** result) override
     {
+        data->arguments += language + std::to_wstring(flags) + L" ";
         data->queries.emplace_back(query);
         if (SUCCEEDED(data->query))
             *result = Make<WmiEnumerator>(data, data->objects[query]);
@@ -54,9 +58,10 @@ struct Services : Fake<IWbemServices> {
 };
 
 struct Locator : Fake<IWbemLocator> {
-    STDMETHODIMP ConnectServer(const BSTR, const BSTR, const BSTR, const BSTR, LONG, const BSTR,
+    STDMETHODIMP ConnectServer(const BSTR resource, const BSTR, const BSTR, const BSTR, LONG, const BSTR,
                                IWbemContext*, IWbemServices** result) override
     {
+        data->arguments += resource + std::wstring(L" ");
         if (SUCCEEDED(data->connect))
             *result = Make<Services>(data);
         return data->connect;

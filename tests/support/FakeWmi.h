@@ -27,6 +27,7 @@ struct FakeWmiData {
     HRESULT query = S_OK;
     bool refusesBlanket = false;
     std::vector<std::wstring> queries;
+    std::wstring arguments;     ///< what else the calls were given
     std::vector<ULONG> counts;  ///< objects asked for at once, by query
     ULONG references = 0;       ///< on the fakes, all together
     std::vector<std::shared_ptr<void>> made;
