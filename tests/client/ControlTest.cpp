@@ -5,6 +5,7 @@
 #include <wininet.h>
 
 #include "client/ControlDll.h"
+#include "client/Outer.h"
 #include "client/PropertyBag.h"
 
 namespace kel {
@@ -116,27 +117,9 @@ TEST_F(Control, CountsObjectsFactoriesAndLocks)
     EXPECT_EQ(canUnload(), S_OK);
 }
 
-/// An aggregating object: hands out its own identity and passes everything else to the control inside.
-class Outer : public IUnknown {
-public:
-    ComPtr<IUnknown> inner;
-    ULONG references = 1;
-
-    STDMETHODIMP QueryInterface(REFIID riid, void** result) override
-    {
-        if (riid != IID_IUnknown)
-            return inner->QueryInterface(riid, result);
-        *result = this;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-    STDMETHODIMP_(ULONG) Release() override { return --references; }
-};
-
 TEST_F(Control, LendsItsInterfacesToAnAggregatingObject)
 {
-    Outer outer;
+    test::Outer outer;
     ASSERT_EQ(dll.Factory()->CreateInstance(&outer, IID_PPV_ARGS(&outer.inner)), S_OK);
     {
         ComPtr<ISysInfo> control;
