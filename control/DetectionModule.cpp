@@ -31,9 +31,9 @@ std::wstring ScriptText()
     const HMODULE module = CDetectionModule::Handle();
     const HRSRC resource = FindResourceW(module, MAKEINTRESOURCEW(KEL_REGISTRATION_SCRIPT), L"REGISTRY");
     const HGLOBAL data = resource != nullptr ? LoadResource(module, resource) : nullptr;
-    if (data == nullptr)
+    const auto* text = data != nullptr ? static_cast<const char*>(LockResource(data)) : nullptr;
+    if (text == nullptr)
         throw std::runtime_error("The registration script is missing.");
-    const auto* text = static_cast<const char*>(LockResource(data));
     return {text, text + SizeofResource(module, resource)};
 }
 
@@ -81,8 +81,11 @@ CDetectionModule& CDetectionModule::Instance()
 HMODULE CDetectionModule::Handle()
 {
     HMODULE module = nullptr;
-    GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                       reinterpret_cast<LPCWSTR>(&CDetectionModule::Handle), &module);
+    // A null handle would stand for the host's program.
+    if (!GetModuleHandleExW(
+            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+            reinterpret_cast<LPCWSTR>(&CDetectionModule::Handle), &module))
+        throw std::runtime_error("The module's handle is unknown.");
     return module;
 }
 
@@ -122,9 +125,13 @@ HRESULT CDetectionModule::Unregister(bool forCurrentUser) noexcept
         const ClassesRoot root(forCurrentUser);
         Registrar(root.Key(), ScriptParameters()).Unregister(RegistrationScript::Parse(ScriptText()));
         _bstr_t path;
-        if (SUCCEEDED(QueryPathOfRegTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, path.GetAddress())))
-            CheckRegistration(UnRegisterTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, SYS_WIN64),
-                              "The type library cannot be unregistered.");
+        const HRESULT found =
+            QueryPathOfRegTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, path.GetAddress());
+        if (found == TYPE_E_LIBNOTREGISTERED)
+            return;
+        CheckRegistration(found, "The type library cannot be found.");
+        CheckRegistration(UnRegisterTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, SYS_WIN64),
+                          "The type library cannot be unregistered.");
     });
 }
 

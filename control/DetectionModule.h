@@ -18,6 +18,7 @@ public:
     bool CanUnload() const { return lockCount == 0; }
 
     /// The handle of the DLL that holds this code.
+    /// @throws std::runtime_error when the system does not tell
     static HMODULE Handle();
 
     /// The full path of that DLL.

@@ -12,10 +12,13 @@ void CheckStatus(LSTATUS status, const char* message)
 }
 
 /// Removing what is not there is no failure.
-void CheckRemoval(LSTATUS status)
+/// @return whether it was there
+bool CheckRemoval(LSTATUS status)
 {
-    if (status != ERROR_FILE_NOT_FOUND)
-        CheckStatus(status, "A registry key cannot be removed.");
+    if (status == ERROR_FILE_NOT_FOUND)
+        return false;
+    CheckStatus(status, "A registry key cannot be removed.");
+    return true;
 }
 
 void RemoveTree(HKEY parent, const std::wstring& name)
@@ -105,12 +108,13 @@ void Registrar::Remove(HKEY parent, const ScriptKey& key)
         return;
     if (key.rule == KeyRule::ForceRemove)
         return RemoveTree(parent, key.name);
-    const OwnedKey opened = OpenKey(parent, key.name.c_str(), KEY_READ | KEY_WRITE);
-    if (!opened)
+    HKEY opened = nullptr;
+    if (!CheckRemoval(RegOpenKeyExW(parent, key.name.c_str(), 0, KEY_READ | KEY_WRITE, &opened)))
         return;
+    const OwnedKey owner(opened);
     for (const ScriptKey& child : key.keys)
-        Remove(opened.get(), child);
-    if (key.rule == KeyRule::Plain && !HasSubkeys(opened.get()))
+        Remove(opened, child);
+    if (key.rule == KeyRule::Plain && !HasSubkeys(opened))
         CheckRemoval(RegDeleteKeyW(parent, key.name.c_str()));
 }
 

@@ -1,5 +1,7 @@
 #include "detectors/Components.h"
 
+#include <memory>
+
 #include "detectors/Applications.h"
 #include "detectors/Bios.h"
 #include "detectors/Browser.h"
@@ -24,35 +26,36 @@
 
 namespace kel {
 
+namespace {
+
+using Detectors = std::vector<std::unique_ptr<Component>>;
+
+template <typename... Kinds>
+Detectors Make()
+{
+    Detectors made;
+    (made.push_back(std::make_unique<Kinds>()), ...);
+    return made;
+}
+
+}  // namespace
+
 void Components::Init()
 {
     static bool isDone = false;
     if (isDone)
         return;
-    isDone = true;
 
     const LogScope trace(L"kel::Components::Init", LogScope::Tracing());
+    Detectors made =
+        Make<CPU, GPU, Bios, CDRom, Chassis, DirectX, DVD, Graphics, HardDrive, LogicalDrive, MotherBoard,
+             NetworkDevice, OS, Ram, Sound, Software, Browser, Monitor, Applications, SCSI>();
     detectors.clear();
-    Add<CPU>();
-    Add<GPU>();
-    Add<Bios>();
-    Add<CDRom>();
-    Add<Chassis>();
-    Add<DirectX>();
-    Add<DVD>();
-    Add<Graphics>();
-    Add<HardDrive>();
-    Add<LogicalDrive>();
-    Add<MotherBoard>();
-    Add<NetworkDevice>();
-    Add<OS>();
-    Add<Ram>();
-    Add<Sound>();
-    Add<Software>();
-    Add<Browser>();
-    Add<Monitor>();
-    Add<Applications>();
-    Add<SCSI>();
+    detectors.reserve(made.size());
+    for (auto& detector : made)
+        detectors.push_back(detector.release());
+    // Not before: when memory is short, the next detection builds the list.
+    isDone = true;
 }
 
 void Components::DetectAll()
@@ -60,9 +63,10 @@ void Components::DetectAll()
     static bool isDone = false;
     if (isDone)
         return;
-    isDone = true;
 
     Init();
+    // Before the work: a page that is let in while a detector waits must not start them again.
+    isDone = true;
     for (Component* detector : detectors)
         detector->Detect();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <boost/core/noncopyable.hpp>
-#include <memory>
 #include <vector>
 
 #include "detectors/Component.h"
@@ -20,12 +19,6 @@ public:
     void DetectAll();
 
 private:
-    template <typename Detector>
-    void Add()
-    {
-        detectors.push_back(std::make_unique<Detector>().release());
-    }
-
     std::vector<Component*> detectors;
 };
 

@@ -18,10 +18,9 @@ constexpr const wchar_t* IdentifierValue = L"Run";
 constexpr std::size_t BracedGuidLength = 38;
 constexpr std::size_t LongestIdentifier = 64 * 1024;  // bytes; it goes into every report
 
-/// The stored identifier; empty when there is none.
-std::wstring StoredIdentifier()
+/// The identifier that stands in the key; empty when there is none.
+std::wstring StoredIdentifier(const OwnedKey& key)
 {
-    const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ);
     std::wstring text;
     if (key)
         Registry::ReadString(key.get(), IdentifierValue, LongestIdentifier, text);
@@ -38,13 +37,19 @@ std::wstring FreshIdentifier()
     return text.data();
 }
 
-void Keep(const std::wstring& identifier)
+/// Keeps a new identifier where the key exists.
+/// @return the one that is kept: an old one that could not be read before is not replaced
+std::wstring Kept(const std::wstring& identifier)
 {
     const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ | KEY_WRITE);
+    const std::wstring stored = StoredIdentifier(key);
+    if (!stored.empty())
+        return stored;
     if (key)
         RegSetValueExW(key.get(), IdentifierValue, 0, REG_SZ,
                        reinterpret_cast<const BYTE*>(identifier.c_str()),
                        static_cast<DWORD>((identifier.size() + 1) * sizeof(wchar_t)));
+    return identifier;
 }
 
 }  // namespace
@@ -52,13 +57,10 @@ void Keep(const std::wstring& identifier)
 const std::wstring& GetMachineIdentifier()
 {
     static std::wstring identifier;
-    identifier = StoredIdentifier();
+    identifier = StoredIdentifier(OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ));
     if (identifier.empty()) {
         identifier = FreshIdentifier();
-        if (identifier.empty())
-            identifier = L"0";
-        else
-            Keep(identifier);
+        identifier = identifier.empty() ? L"0" : Kept(identifier);
     }
     RemoveCharacters(identifier, L"{}");
     return identifier;

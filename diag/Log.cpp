@@ -48,6 +48,12 @@ void Log::SetLevel(int newLevel)
     level = std::min<int>(newLevel, LogMaximum);
 }
 
+void Log::DropLine()
+{
+    buffer->str(std::wstring());
+    clear();
+}
+
 int Log::Enter()
 {
     depth = std::min(depth + 1, MaximumDepth);

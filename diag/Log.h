@@ -63,7 +63,8 @@ public:
     template <typename... Parts>
     void WriteAlways(int lineLevel, const Parts&... parts)
     {
-        clear();  // a line that could not be written must not silence the following ones
+        if (!good())
+            DropLine();
         *this << Prefix(lineLevel);
         (*this << ... << parts);
         *this << L'\n';
@@ -71,6 +72,10 @@ public:
     }
 
 private:
+    /// Forgets a line that could not be written whole; it must not silence the following ones, nor stand
+    /// before the next.
+    void DropLine();
+
     std::unique_ptr<LogBuf> buffer;
     int level = LogOff;
     int depth = 0;

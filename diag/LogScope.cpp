@@ -4,13 +4,18 @@
 
 namespace kel {
 
-LogScope::LogScope(const wchar_t* scopeName, bool isActive)
-    : active(isActive), name(isActive ? scopeName : L"")
+LogScope::LogScope(const wchar_t* scopeName, bool isActive) noexcept
 {
-    if (!active)
+    if (!isActive)
         return;
-    WriteLog(LogMark, L"Entering: ", name);
-    Log::Instance().Enter();
+    try {
+        name = scopeName;
+        WriteLog(LogMark, L"Entering: ", name);
+        Log::Instance().Enter();
+        active = true;
+    } catch (...) {
+        // Memory is exhausted; the function runs without its trace.
+    }
 }
 
 LogScope::~LogScope()

@@ -9,8 +9,9 @@ namespace kel {
 class LogScope {
 public:
     /// @param scopeName the qualified name of the function
+    /// Throws nothing: a scope that cannot be traced is not.
     /// @param isActive whether to trace at all; see Tracing()
-    LogScope(const wchar_t* scopeName, bool isActive);
+    LogScope(const wchar_t* scopeName, bool isActive) noexcept;
     LogScope(const LogScope&) = delete;
     LogScope& operator=(const LogScope&) = delete;
     ~LogScope();
@@ -19,7 +20,7 @@ public:
     static bool Tracing();
 
 private:
-    bool active;
+    bool active = false;
     std::wstring name;
 };
 

@@ -1,5 +1,7 @@
 #include "run/System.h"
 
+#include <boost/random/mersenne_twister.hpp>
+#include <boost/uuid/detail/random_provider.hpp>
 #include <boost/uuid/random_generator.hpp>
 #include <boost/uuid/uuid_io.hpp>
 #include <ctime>
@@ -39,7 +41,11 @@ System::System()
 void System::Initialize()
 {
     const LogScope trace(L"kel::System::Initialize", LogScope::Tracing());
-    sessionID = boost::uuids::to_wstring(boost::uuids::random_generator_mt19937()());
+    // Seeded here: a generator that seeds itself loses its memory when the system has no entropy to give.
+    boost::random::mt19937 twister;
+    boost::uuids::detail::random_provider entropy;
+    twister.seed(entropy);
+    sessionID = boost::uuids::to_wstring(boost::uuids::random_generator_mt19937(twister)());
 }
 
 void System::SetConfiguration(const std::wstring& text)

@@ -16,23 +16,36 @@ int CheckedLength(std::size_t length)
     return static_cast<int>(length);
 }
 
+/// @throws std::runtime_error for the size 0, with which a conversion fails
+int Checked(int size)
+{
+    if (size == 0)
+        throw std::runtime_error("The text cannot be converted.");
+    return size;
+}
+
 }  // namespace
 
 std::string ToUtf8(std::wstring_view text)
 {
     const int length = CheckedLength(text.size());
-    const int size = WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr);
+    if (length == 0)
+        return {};
+    const int size =
+        Checked(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr));
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr);
+    Checked(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr));
     return bytes;
 }
 
 std::wstring FromUtf8(std::string_view bytes)
 {
     const int length = CheckedLength(bytes.size());
-    const int size = MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, nullptr, 0);
+    if (length == 0)
+        return {};
+    const int size = Checked(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, nullptr, 0));
     std::wstring text(static_cast<std::size_t>(size), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, text.data(), size);
+    Checked(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, text.data(), size));
     return text;
 }
 

@@ -27,14 +27,16 @@ public:
     Microsoft::WRL::ComPtr<IClassFactory> Factory() const
     {
         Microsoft::WRL::ComPtr<IClassFactory> factory;
-        Entry<decltype(DllGetClassObject)>("DllGetClassObject")(CLSID_SysInfo, IID_PPV_ARGS(&factory));
+        if (const auto getClassObject = Entry<decltype(DllGetClassObject)>("DllGetClassObject"))
+            getClassObject(CLSID_SysInfo, IID_PPV_ARGS(&factory));
         return factory;
     }
 
     Microsoft::WRL::ComPtr<ISysInfo> Create() const
     {
         Microsoft::WRL::ComPtr<ISysInfo> control;
-        Factory()->CreateInstance(nullptr, IID_PPV_ARGS(&control));
+        if (const auto factory = Factory())
+            factory->CreateInstance(nullptr, IID_PPV_ARGS(&control));
         return control;
     }
 

@@ -1,0 +1,175 @@
+#include "client/EdgeFaults.h"
+
+#include <windows.h>
+
+#include <winternl.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+#include "diag/Owners.h"
+
+namespace kel::test {
+
+namespace {
+
+using Word = std::uintptr_t;  // an argument or a result of any type
+using Any = Word(Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word);
+
+constexpr std::string_view Answer = "71060|71063|71069|71207";  // of the service, to whatever it is asked
+Word now = 0, unread = 0;
+long calls = 0, first = 0, last = 0;
+
+template <typename T>
+T* At(Word address)
+{
+    return reinterpret_cast<T*>(address);
+}
+
+Word CheckLine(const Word* a)
+{
+    const std::wstring_view line = At<wchar_t>(*a);
+    return Word(EdgeFaults::broken += !line.empty() && line.find(L" | ") != line.rfind(L" | "));
+}
+
+Word Send(const Word* a)
+{
+    EdgeFaults::broken += a[3] != 0 && *At<char>(a[3]) != '<';
+    return unread = Answer.size();
+}
+
+Word Read(const Word* a)
+{
+    *At<DWORD>(a[3]) = static_cast<DWORD>(Answer.copy(At<char>(a[1]), std::exchange(unread, 0)));
+    return TRUE;
+}
+
+/// Functions that return the same when they fail, what they open or close, and what answers in their place.
+struct Group {
+    Word failure;
+    long opens;
+    const char* names;
+    Word (*answer)(const Word* arguments) = nullptr;
+};
+
+constexpr Word Never = 1, OutOfMemory = 0x8007000E;
+constexpr Group Groups[] = {
+    {0, 1, "malloc calloc realloc"},
+    {0, 0, "SysAllocString SysAllocStringLen"},
+    {Never, -1, "free"},
+    {0, EdgeFaults::Handle,
+     "LoadLibraryW CreateThread InternetOpenW InternetConnectW HttpOpenRequestW"},
+    {OutOfMemory, EdgeFaults::Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
+    {Never, -EdgeFaults::Handle,
+     "RegCloseKey FreeLibrary CloseHandle InternetCloseHandle BCryptCloseAlgorithmProvider"},
+    {0, 0,
+     "FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW GetModuleHandleExW "
+     "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
+     "GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar WideCharToMultiByte "
+     "StringFromGUID2 InternetSetOptionW"},
+    {OutOfMemory, 0,
+     "RegQueryValueExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW RegOverridePredefKey "
+     "BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid VariantChangeType VariantCopy "
+     "LoadTypeLib LoadTypeLibEx RegisterTypeLib UnRegisterTypeLib QueryPathOfRegTypeLib DispInvoke"},
+    {Never, 0, "OutputDebugStringW", &CheckLine},
+    {0, EdgeFaults::Handle, "InternetOpenUrlW",
+     [](const Word*) { return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0)); }},
+    {0, 0, "HttpSendRequestW", &Send},
+    {0, 0, "InternetReadFile", &Read},
+    {0, 0, "InternetQueryDataAvailable", [](const Word* a) { return Word(*At<DWORD>(a[1]) = 100); }},
+    {0, 0, "HttpQueryInfoW",
+     [](const Word* a) { return Word(a[1] < 100 && wcscpy(At<wchar_t>(a[2]), L"200")); }},
+    {0, 0, "QueryPerformanceCounter", [](const Word* a) { return *At<Word>(*a) = now += 10000000; }},
+};
+
+struct Function {
+    std::string name;
+    const Group* group;
+    Any* original;
+};
+std::vector<Function> functions;
+
+void Lead(void** slot, std::string_view name);
+
+/// Takes the place of a function, with more arguments than any has.
+template <std::size_t Slot>
+Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i, Word j, Word k, Word l)
+{
+    const auto& [name, group, original] = functions[Slot];
+    const bool counts = group->failure != Never && (first == last || group < Groups + 2);
+    if (counts && ++calls >= first && calls <= last) {
+        EdgeFaults::failed = name;
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return group->failure;
+    }
+    const Word arguments[] = {a, b, c, d};
+    Word result = group->answer ? group->answer(arguments) : original(a, b, c, d, e, f, g, h, i, j, k, l);
+    if (group->opens < 0 ? a != 0 : (group->failure == 0) == (result != 0))
+        EdgeFaults::open += group->opens;
+    if (name == "GetProcAddress" && result != 0)
+        Lead(reinterpret_cast<void**>(&result), At<char>(b));
+    return result;
+}
+
+template <std::size_t... Slots>
+constexpr std::array<Any*, sizeof...(Slots)> Stubs(std::index_sequence<Slots...>)
+{
+    return {&Stub<Slots>...};
+}
+
+void Lead(void** slot, std::string_view name)
+{
+    static constexpr auto stubs = Stubs(std::make_index_sequence<80>());
+    const auto function = std::ranges::find(functions, name, &Function::name);
+    if (function == functions.end())
+        return;
+    function->original = reinterpret_cast<Any*>(*slot);
+    DWORD protection = 0;
+    VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
+    *slot = reinterpret_cast<void*>(stubs.at(static_cast<std::size_t>(function - functions.begin())));
+}
+
+/// Called by the loader before a module runs, with flags, path, name and address.
+void CALLBACK LeadImports(ULONG, const Word* loaded, void*)
+{
+    if (std::wstring_view(At<UNICODE_STRING>(loaded[2])->Buffer) != L"Detection.dll")
+        return;
+    const Word module = loaded[3];
+    const auto& headers = *At<IMAGE_NT_HEADERS>(module + At<IMAGE_DOS_HEADER>(module)->e_lfanew);
+    const auto& imports = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    for (auto* library = At<IMAGE_IMPORT_DESCRIPTOR>(module + imports.VirtualAddress); library->Name != 0;
+         ++library) {
+        void** slot = At<void*>(module + library->FirstThunk);
+        for (auto* name = At<Word>(module + library->OriginalFirstThunk); *name != 0; ++name)
+            Lead(slot++, At<IMAGE_IMPORT_BY_NAME>(module + *name)->Name);
+    }
+}
+
+}  // namespace
+
+void EdgeFaults::Install()
+{
+    static void* cookie = nullptr;
+    if (cookie != nullptr)
+        return;
+    for (const Group& group : Groups) {
+        std::istringstream names(group.names);
+        for (std::string name; names >> name;)
+            functions.push_back({name, &group, nullptr});
+    }
+    using Register = NTSTATUS NTAPI(ULONG, decltype(&LeadImports), void*, void**);
+    const OwnedLibrary loader(LoadLibraryW(L"ntdll.dll"));
+    FindFunction<Register>(loader.get(), "LdrRegisterDllNotification")(0, &LeadImports, nullptr, &cookie);
+}
+
+void EdgeFaults::Arm(long newFirst, long newLast)
+{
+    calls = 0;
+    first = newFirst;
+    last = newLast;
+}
+
+}  // namespace kel::test

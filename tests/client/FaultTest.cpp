@@ -1,0 +1,141 @@
+// The control when the system fails it: in each allocation, and in each call of the system's that can fail.
+#include <windows.h>
+
+#include <comutil.h>
+#include <gtest/gtest.h>
+#include <shlwapi.h>
+
+#include <algorithm>
+#include <climits>
+#include <iostream>
+#include <optional>
+
+#include "client/ControlDll.h"
+#include "client/EdgeFaults.h"
+#include "support/ScratchKey.h"
+
+namespace kel {
+namespace {
+
+using Control = Microsoft::WRL::ComPtr<ISysInfo>;
+using test::EdgeFaults;
+
+struct Fault : testing::Test {
+    test::Apartment apartment;
+    test::ScratchKey user;
+
+    Fault()
+    {
+        user.StandFor(HKEY_CURRENT_USER);
+        EdgeFaults::Install();
+    }
+
+    /// Has something done again and again, with a failure of a later call each time, until there is none.
+    /// @param isLasting whether all allocations fail thereafter
+    template <typename Body>
+    static void Sweep(Body body, bool isLasting = false)
+    {
+        const char* given = std::getenv("KEL_FAULT_STRIDE");
+        const long stride = given != nullptr ? std::atol(given) : 13;
+        long whole = 0;
+        for (long nth = 0; nth <= 1 || !EdgeFaults::failed.empty(); nth += nth == 0 ? 1 : stride) {
+            std::cout << nth << ' ' << std::flush;  // the last one tells what ended the process
+            EdgeFaults::failed.clear();
+            EdgeFaults::open = 0;
+            EdgeFaults::Arm(nth, isLasting && nth != 0 ? LONG_MAX : nth);
+            body();
+            whole = nth == 0 ? EdgeFaults::open : whole;
+            EXPECT_TRUE(EdgeFaults::open >= 0 && EdgeFaults::open <= whole)
+                << EdgeFaults::open << " of " << whole;
+            EXPECT_EQ(EdgeFaults::broken, 0);
+            ASSERT_FALSE(HasFailure()) << "after a failure of " << EdgeFaults::failed;
+        }
+        std::cout << '\n';
+    }
+};
+
+/// Calls a member that gives a text. It returns S_OK, or that the text could not be allocated.
+template <typename Member, typename... Texts>
+std::wstring Get(const Control& control, Member member, Texts... texts)
+{
+    _bstr_t result;
+    const HRESULT status = (control.Get()->*member)(_bstr_t(texts)..., result.GetAddress());
+    EXPECT_TRUE(status == S_OK || (status == E_OUTOFMEMORY && EdgeFaults::failed == "SysAllocStringLen"));
+    return result.length() != 0 ? std::wstring(result) : std::wstring();
+}
+
+/// Uses a control, also through IDispatch.
+/// @return what it gave
+std::wstring Use(const Control& control)
+{
+    Get(control, &ISysInfo::get_SysInfo);
+    EXPECT_EQ(control->put_UserID(_bstr_t(L"me")), S_OK);
+    EXPECT_EQ(control->Configure(_bstr_t(L"<groups><group id='71465'><value>mine</value></group></groups>")),
+              S_OK);
+    const std::wstring report = Get(control, &ISysInfo::get_SysInfo);
+    DISPPARAMS none = {};
+    _variant_t version;
+    control->Invoke(7, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &version, nullptr, nullptr);
+    return (version.vt == VT_BSTR ? version.bstrVal : L"") + Get(control, &ISysInfo::get_UserID) +
+           Get(control, &ISysInfo::get_Value, L"no such value") +
+           Get(control, &ISysInfo::get_Analysis, L"item", L"xml", L"1.0") +
+           (report.find(L"id=\"71465\"><value>mine</value>") != std::wstring::npos ? L" reported" : L"");
+}
+
+TEST_F(Fault, LeavesAControlThatWorks)
+{
+    const auto live = [this](const wchar_t* identifier, std::ptrdiff_t lost) {
+        return [=, this] {
+            user.Write(L"Software\\Keldane", L"Run", identifier);
+            std::optional<test::ControlDll> dll(std::in_place);
+            Control control = dll->Create();
+            if (control)
+                Use(control);
+            EdgeFaults::Arm(0, 0);
+            if (dll->Handle() == nullptr)
+                dll.emplace();
+            if (!control)
+                control = dll->Create();
+            EXPECT_EQ(Use(control), L"4.5.1.0me71060|71063|71069|71207 reported");
+            // One value of each detector that no source leaves empty.
+            constexpr const wchar_t* Values[] = {L"71253", L"71094", L"71437", L"71069", L"71207", L"71382"};
+            const auto isLost = [&](auto id) { return Get(control, &ISysInfo::get_Value, id).empty(); };
+            EXPECT_LE(std::ranges::count_if(Values, isLost), EdgeFaults::failed.empty() ? 0 : lost);
+            EXPECT_NE(user.Dump().find(identifier), std::wstring::npos);
+            control.Reset();
+            EXPECT_EQ(dll->Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
+        };
+    };
+    Sweep(live(L"{01234567-89AB-CDEF-0123-456789ABCDEF}", 1));
+    Sweep(live(L"", 1));
+    Sweep(live(L"", 6), true);
+}
+
+TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
+{
+    for (const wchar_t* key : {L"CLSID", L"TypeLib", L"Interface"})
+        user.Make(std::wstring(L"Software\\Classes\\") + key);
+    const std::wstring none = user.Dump(L"Software\\Classes");
+    std::wstring whole;
+    Sweep([&] {
+        std::optional<test::ControlDll> dll(std::in_place);
+        const auto install = [&dll](bool isOn) {
+            return dll->Handle() ? dll->Entry<decltype(DllInstall)>("DllInstall")(isOn, L"user") : E_FAIL;
+        };
+        const HRESULT result = install(true);
+        whole = whole.empty() ? user.Dump(L"Software\\Classes") : whole;
+        EXPECT_EQ(user.Dump(L"Software\\Classes"), SUCCEEDED(result) ? whole : none);
+        EXPECT_TRUE(FAILED(install(false)) || user.Dump(L"Software\\Classes") == none);
+        EdgeFaults::Arm(0, 0);
+        if (dll->Handle() == nullptr)
+            dll.emplace();
+        Get(dll->Create(), &ISysInfo::get_Value, L"no such value");  // throws, as failures do
+        EXPECT_EQ(install(true), S_OK);
+        EXPECT_EQ(user.Dump(L"Software\\Classes"), whole);
+        EXPECT_EQ(install(false), S_OK);
+        EXPECT_EQ(user.Dump(L"Software\\Classes"), none);
+    });
+}
+
+}  // namespace
+}  // namespace kel
