@@ -1,8 +1,10 @@
-#include "client/EdgeFaults.h"
+#include "edge_faults/EdgeFaults.h"
 
 #include <windows.h>
 
 #include <winternl.h>
+
+#include <wininet.h>
 
 #include <algorithm>
 #include <array>
@@ -60,20 +62,21 @@ constexpr Group Groups[] = {
     {0, 1, "malloc calloc realloc"},
     {0, 0, "SysAllocString SysAllocStringLen"},
     {Never, -1, "free"},
-    {0, EdgeFaults::Handle,
-     "LoadLibraryW CreateThread InternetOpenW InternetConnectW HttpOpenRequestW"},
+    {0, EdgeFaults::Handle, "LoadLibraryW InternetOpenW InternetConnectW HttpOpenRequestW"},
     {OutOfMemory, EdgeFaults::Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
     {Never, -EdgeFaults::Handle,
-     "RegCloseKey FreeLibrary CloseHandle InternetCloseHandle BCryptCloseAlgorithmProvider"},
+     "RegCloseKey FreeLibrary FreeLibraryAndExitThread InternetCloseHandle BCryptCloseAlgorithmProvider"},
     {0, 0,
-     "FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW GetModuleHandleExW "
+     "CreateThread FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW "
+     "GetModuleHandleExW "
      "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
      "GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar WideCharToMultiByte "
      "StringFromGUID2 InternetSetOptionW"},
     {OutOfMemory, 0,
      "RegQueryValueExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW RegOverridePredefKey "
      "BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid VariantChangeType VariantCopy "
-     "LoadTypeLib LoadTypeLibEx RegisterTypeLib UnRegisterTypeLib QueryPathOfRegTypeLib DispInvoke"},
+     "ConnectServer ExecQuery Next Get LoadTypeLib LoadTypeLibEx RegisterTypeLib UnRegisterTypeLib "
+     "QueryPathOfRegTypeLib DispInvoke"},
     {Never, 0, "OutputDebugStringW", &CheckLine},
     {0, EdgeFaults::Handle, "InternetOpenUrlW",
      [](const Word*) { return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0)); }},
@@ -92,8 +95,6 @@ struct Function {
 };
 std::vector<Function> functions;
 
-void Lead(void** slot, std::string_view name);
-
 /// Takes the place of a function, with more arguments than any has.
 template <std::size_t Slot>
 Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i, Word j, Word k, Word l)
@@ -105,12 +106,17 @@ Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return group->failure;
     }
+    // Before the call: a thread that gives its module back does not return from it.
+    if (group->opens < 0 && a != 0)
+        EdgeFaults::open += group->opens;
     const Word arguments[] = {a, b, c, d};
     Word result = group->answer ? group->answer(arguments) : original(a, b, c, d, e, f, g, h, i, j, k, l);
-    if (group->opens < 0 ? a != 0 : (group->failure == 0) == (result != 0))
-        EdgeFaults::open += group->opens;
+    const bool holdsModule =
+        name == "GetModuleHandleExW" && (a & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT) == 0;
+    if (group->opens >= 0 && (group->failure == 0) == (result != 0))
+        EdgeFaults::open += holdsModule ? EdgeFaults::Handle : group->opens;
     if (name == "GetProcAddress" && result != 0)
-        Lead(reinterpret_cast<void**>(&result), At<char>(b));
+        EdgeFaults::Lead(reinterpret_cast<void**>(&result), At<char>(b));
     return result;
 }
 
@@ -118,18 +124,6 @@ template <std::size_t... Slots>
 constexpr std::array<Any*, sizeof...(Slots)> Stubs(std::index_sequence<Slots...>)
 {
     return {&Stub<Slots>...};
-}
-
-void Lead(void** slot, std::string_view name)
-{
-    static constexpr auto stubs = Stubs(std::make_index_sequence<80>());
-    const auto function = std::ranges::find(functions, name, &Function::name);
-    if (function == functions.end())
-        return;
-    function->original = reinterpret_cast<Any*>(*slot);
-    DWORD protection = 0;
-    VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
-    *slot = reinterpret_cast<void*>(stubs.at(static_cast<std::size_t>(function - functions.begin())));
 }
 
 /// Called by the loader before a module runs, with flags, path, name and address.
@@ -144,7 +138,7 @@ void CALLBACK LeadImports(ULONG, const Word* loaded, void*)
          ++library) {
         void** slot = At<void*>(module + library->FirstThunk);
         for (auto* name = At<Word>(module + library->OriginalFirstThunk); *name != 0; ++name)
-            Lead(slot++, At<IMAGE_IMPORT_BY_NAME>(module + *name)->Name);
+            EdgeFaults::Lead(slot++, At<IMAGE_IMPORT_BY_NAME>(module + *name)->Name);
     }
 }
 
@@ -163,6 +157,22 @@ void EdgeFaults::Install()
     using Register = NTSTATUS NTAPI(ULONG, decltype(&LeadImports), void*, void**);
     const OwnedLibrary loader(LoadLibraryW(L"ntdll.dll"));
     FindFunction<Register>(loader.get(), "LdrRegisterDllNotification")(0, &LeadImports, nullptr, &cookie);
+}
+
+void EdgeFaults::Lead(void** slot, std::string_view name)
+{
+    static constexpr auto stubs = Stubs(std::make_index_sequence<80>());
+    const auto function = std::ranges::find(functions, name, &Function::name);
+    if (function == functions.end())
+        return;
+    void* const stub =
+        reinterpret_cast<void*>(stubs.at(static_cast<std::size_t>(function - functions.begin())));
+    if (*slot == stub)
+        return;
+    function->original = reinterpret_cast<Any*>(*slot);
+    DWORD protection = 0;
+    VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
+    *slot = stub;
 }
 
 void EdgeFaults::Arm(long newFirst, long newLast)
