@@ -1,5 +1,6 @@
 #include "support/ScratchKey.h"
 
+#include <cstring>
 #include <stdexcept>
 
 namespace kel::test {
@@ -23,9 +24,10 @@ void DumpInto(std::wstring& text, HKEY key, const std::wstring& path)
         if (RegEnumValueW(key, index, name, &nameSize, nullptr, &type, reinterpret_cast<BYTE*>(data),
                           &size) != 0)
             break;
-        const std::wstring number = std::to_wstring(*reinterpret_cast<const DWORD*>(data));
-        text += std::wstring(name) + L"=" + (type == REG_DWORD ? number : std::wstring(data, size / 2 - 1)) +
-                L"\n";
+        DWORD number = 0;
+        std::memcpy(&number, data, sizeof(number));
+        text += std::wstring(name) + L"=" +
+                (type == REG_DWORD ? std::to_wstring(number) : std::wstring(data, size / 2 - 1)) + L"\n";
     }
     for (DWORD index = 0; RegEnumKeyW(key, index, name, 1000) == ERROR_SUCCESS; ++index)
         DumpInto(text, OpenKey(key, name, KEY_READ).get(), path.empty() ? name : path + L"\\" + name);
