@@ -14,8 +14,7 @@ void WantedGroups::Assign(const std::wstring& answer, const std::wstring& referr
         start = answer.find_first_not_of(Separators, end);
     }
     std::ranges::stable_sort(groups, {}, &GroupID::Number);
-    const auto repeated = std::ranges::unique(groups);
-    groups.erase(repeated.begin(), repeated.end());
+    groups.erase(std::unique(groups.begin(), groups.end()), groups.end());
     fetched = true;
     fetchedFor = referrer;
 }

@@ -35,7 +35,7 @@ std::wstring WithoutInstance(const std::wstring& id)
 
 DeviceID::DeviceID(const std::wstring& id) : text(MakeText(WithoutInstance(id).c_str()))
 {
-    ReadParts(ToUpper(ToString()));
+    ReadParts(ToUpper(Buffer(text)));
 }
 
 void DeviceID::ReadParts(const std::wstring& upperCaseId)
