@@ -8,6 +8,7 @@
 
 #include "Detection.h"
 #include "control/ClassesRoot.h"
+#include "control/Members.h"
 #include "control/Registrar.h"
 #include "control/RegistrationScript.h"
 #include "control/Resources.h"
@@ -63,8 +64,10 @@ HRESULT Reported(Body body) noexcept
         return error.Result();
     } catch (const std::exception& error) {
         ReportFailure(LogError, error.what());
-        return E_FAIL;
+    } catch (...) {
+        ReportFailure(LogError, CaughtException);
     }
+    return E_FAIL;
 }
 
 }  // namespace
@@ -104,12 +107,14 @@ std::wstring CDetectionModule::Path()
 
 HRESULT CDetectionModule::Register(bool forCurrentUser) noexcept
 {
-    const HRESULT result = Reported([forCurrentUser] {
+    bool isWritten = false;
+    const HRESULT result = Reported([forCurrentUser, &isWritten] {
         const ClassesRoot root(forCurrentUser);
         Registrar(root.Key(), ScriptParameters()).Register(RegistrationScript::Parse(ScriptText()));
+        isWritten = true;  // a script that fails takes its keys back itself
         RegisterTypeLibrary();
     });
-    if (FAILED(result))
+    if (FAILED(result) && isWritten)
         Unregister(forCurrentUser);
     return result;
 }

@@ -41,7 +41,8 @@ public:
     /// @throws RegistrationError
     void Register(const std::vector<ScriptKey>& keys);
 
-    /// Removes what the script wrote: forced keys whole, others when nothing is left below them.
+    /// Removes the keys that the script wrote: forced ones whole, others when nothing is left below them.
+    /// What it wrote into a key that stays, stays with it.
     /// @throws RegistrationError
     void Unregister(const std::vector<ScriptKey>& keys);
 

@@ -46,6 +46,8 @@ private:
         while (!Accept(L"}")) {
             if (AtEnd())
                 Fail("a closing brace is missing");
+            if (depth == 1 && current.Is(L"val"))
+                Fail("the root key takes no values");
             if (Accept(L"val"))
                 key.values.push_back(ParseValue());
             else
@@ -90,23 +92,19 @@ private:
         return isNumber ? ScriptData(ParseNumber(data)) : ScriptData(data);
     }
 
-    std::uint32_t ParseNumber(const std::wstring& number)
+    std::uint32_t ParseNumber(const std::wstring& number) const
     {
         const bool isHexadecimal = number.starts_with(L"&H") || number.starts_with(L"0x");
-        std::size_t used = 0;
-        unsigned long value = 0;
+        const std::wstring digits = isHexadecimal ? number.substr(2) : number;
+        const wchar_t* allowed = isHexadecimal ? L"0123456789ABCDEFabcdef" : L"0123456789";
         try {
-            const std::wstring digits = isHexadecimal ? number.substr(2) : number;
-            if (digits.find_first_of(L" \t+-") == std::wstring::npos)
-                value = std::stoul(digits, &used, isHexadecimal ? 16 : 10);
-            if (used != digits.size())
-                used = 0;
+            // The conversion alone would skip blanks, and take signs, a second 0x and digits outside ASCII.
+            if (digits.find_first_not_of(allowed) == std::wstring::npos)
+                return std::stoul(digits, nullptr, isHexadecimal ? 16 : 10);
         } catch (const std::logic_error&) {
-            used = 0;  // no number, or one that is too large
+            // no digits, or a number that is too large
         }
-        if (used == 0)
-            Fail("a number is expected");
-        return value;
+        Fail("a number is expected");
     }
 
     std::wstring TakeName()

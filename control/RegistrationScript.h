@@ -57,11 +57,12 @@ public:
 ///     }
 ///
 /// Names and texts may stand in single quotes, in which a quote is doubled. Types are s (string) and d
-/// (number, decimal or &H or 0x hexadecimal).
+/// (number, decimal or &H or 0x hexadecimal). The root takes keys only.
 class RegistrationScript {
 public:
     /// The keys below the root.
-    /// @throws ScriptError when the script is malformed or nested more than 32 keys deep
+    /// @throws ScriptError when the script is malformed or more than 32 braces are open, the root's among
+    /// them
     static std::vector<ScriptKey> Parse(std::wstring_view text);
 };
 

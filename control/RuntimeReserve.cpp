@@ -11,17 +11,13 @@
 #include <cstring>
 #include <new>
 
-// The linker leads the module's calls of the C functions to those that are labelled __wrap here.
+// The system's functions, imported under other names (RuntimeReserve.def): their own are defined below, and so
+// the whole module calls those.
 extern "C" {
-void* SystemMalloc(std::size_t size) __asm__("__real_malloc");
-void* SystemCalloc(std::size_t count, std::size_t size) __asm__("__real_calloc");
-void* SystemRealloc(void* block, std::size_t size) __asm__("__real_realloc");
-void SystemFree(void* block) __asm__("__real_free");
-
-void* RuntimeMalloc(std::size_t size) __asm__("__wrap_malloc");
-void* RuntimeCalloc(std::size_t count, std::size_t size) __asm__("__wrap_calloc");
-void* RuntimeRealloc(void* block, std::size_t size) __asm__("__wrap_realloc");
-void RuntimeFree(void* block) __asm__("__wrap_free");
+__declspec(dllimport) void* SystemMalloc(std::size_t size);
+__declspec(dllimport) void* SystemCalloc(std::size_t count, std::size_t size);
+__declspec(dllimport) void* SystemRealloc(void* block, std::size_t size);
+__declspec(dllimport) void SystemFree(void* block);
 }
 
 namespace {
@@ -52,13 +48,13 @@ bool IsReserved(const void* block)
 
 }  // namespace
 
-void* RuntimeMalloc(std::size_t size)
+extern "C" void* malloc(std::size_t size)
 {
     void* const block = SystemMalloc(size);
     return block != nullptr ? block : Reserved(size);
 }
 
-void* RuntimeCalloc(std::size_t count, std::size_t size)
+extern "C" void* calloc(std::size_t count, std::size_t size)
 {
     void* block = SystemCalloc(count, size);
     if (block == nullptr && count <= BlockSize && (block = Reserved(count * size)) != nullptr)
@@ -66,17 +62,17 @@ void* RuntimeCalloc(std::size_t count, std::size_t size)
     return block;
 }
 
-void* RuntimeRealloc(void* block, std::size_t size)
+extern "C" void* realloc(void* block, std::size_t size)
 {
     void* moved = IsReserved(block) ? nullptr : SystemRealloc(block, size);
-    if (moved == nullptr && (moved = RuntimeMalloc(size)) != nullptr && block != nullptr) {
+    if (moved == nullptr && (moved = malloc(size)) != nullptr && block != nullptr) {
         std::memcpy(moved, block, std::min(size, IsReserved(block) ? BlockSize : _msize(block)));
-        RuntimeFree(block);
+        free(block);
     }
     return moved;
 }
 
-void RuntimeFree(void* block)
+extern "C" void free(void* block)
 {
     if (IsReserved(block))
         used &= ~(1U << (static_cast<Block*>(block) - reserve.data()));

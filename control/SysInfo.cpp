@@ -85,6 +85,13 @@ ULONG CSysInfo::Release()
     return outer->Release();
 }
 
+ITypeInfo* CSysInfo::TypeInfo() noexcept
+{
+    if (!typeInfo)
+        typeInfo = LoadSysInfoTypeInfo();
+    return typeInfo.Get();
+}
+
 HRESULT CSysInfo::GetTypeInfoCount(UINT* count)
 {
     if (count == nullptr)
@@ -100,8 +107,7 @@ HRESULT CSysInfo::GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** result)
     *result = nullptr;
     if (index != 0)
         return DISP_E_BADINDEX;
-    *result = SysInfoTypeInfo().Detach();
-    return *result != nullptr ? S_OK : TYPE_E_CANTLOADLIBRARY;
+    return TypeInfo() != nullptr ? typeInfo.CopyTo(result) : TYPE_E_CANTLOADLIBRARY;
 }
 
 HRESULT CSysInfo::GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* ids)
@@ -110,8 +116,8 @@ HRESULT CSysInfo::GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID /
         return DISP_E_UNKNOWNINTERFACE;
     if (names == nullptr || ids == nullptr)
         return E_POINTER;
-    const auto typeInfo = SysInfoTypeInfo();
-    return typeInfo ? DispGetIDsOfNames(typeInfo.Get(), names, count, ids) : TYPE_E_CANTLOADLIBRARY;
+    return TypeInfo() != nullptr ? DispGetIDsOfNames(typeInfo.Get(), names, count, ids)
+                                 : TYPE_E_CANTLOADLIBRARY;
 }
 
 HRESULT CSysInfo::Invoke(DISPID id, REFIID riid, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
@@ -121,10 +127,10 @@ HRESULT CSysInfo::Invoke(DISPID id, REFIID riid, LCID /*locale*/, WORD flags, DI
         return DISP_E_UNKNOWNINTERFACE;
     if (parameters == nullptr)
         return E_POINTER;
-    const auto typeInfo = SysInfoTypeInfo();
-    return typeInfo ? DispInvoke(static_cast<ISysInfo*>(this), typeInfo.Get(), id, flags, parameters, result,
-                                 exception, argumentError)
-                    : TYPE_E_CANTLOADLIBRARY;
+    if (TypeInfo() == nullptr)
+        return TYPE_E_CANTLOADLIBRARY;
+    return DispInvoke(static_cast<ISysInfo*>(this), typeInfo.Get(), id, flags, parameters, result, exception,
+                      argumentError);
 }
 
 HRESULT CSysInfo::SetSite(IUnknown* newSite)

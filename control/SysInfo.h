@@ -88,12 +88,15 @@ private:
     explicit CSysInfo(IUnknown* newOuter);
     ~CSysInfo() = default;
     HRESULT FindInterface(REFIID riid, void** result);
+    /// What serves IDispatch, loaded on first use; null when it cannot be loaded.
+    ITypeInfo* TypeInfo() noexcept;
 
     ModuleLock moduleLock;
     Inner inner{*this};
     IUnknown* outer;  // not counted: the aggregating object outlives this one
     std::atomic<ULONG> references = 0;
     Microsoft::WRL::ComPtr<IUnknown> site;
+    Microsoft::WRL::ComPtr<ITypeInfo> typeInfo;
     DWORD safetyOptions = 0;
 };
 

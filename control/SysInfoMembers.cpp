@@ -46,6 +46,8 @@ HRESULT CSysInfo::put_SysInfo(BSTR /*text*/)
 
 HRESULT CSysInfo::get_System(BSTR /*filter*/, BSTR* report)
 {
+    if (report != nullptr)
+        *report = nullptr;
     HRESULT result = S_OK;
     Guarded([this, report, &result] {
         const LogScope trace(L"CSysInfo::get_System", LogScope::Tracing());

@@ -6,7 +6,7 @@
 
 namespace kel {
 
-Microsoft::WRL::ComPtr<ITypeInfo> SysInfoTypeInfo() noexcept
+Microsoft::WRL::ComPtr<ITypeInfo> LoadSysInfoTypeInfo() noexcept
 {
     Microsoft::WRL::ComPtr<ITypeInfo> typeInfo;
     try {
@@ -14,8 +14,10 @@ Microsoft::WRL::ComPtr<ITypeInfo> SysInfoTypeInfo() noexcept
         if (SUCCEEDED(LoadTypeLibEx(CDetectionModule::Path().c_str(), REGKIND_NONE, &library)))
             library->GetTypeInfoOfGuid(IID_ISysInfo, &typeInfo);
     } catch (...) {
-        ReportFailure(LogError, L"The type library cannot be loaded.");
+        typeInfo.Reset();
     }
+    if (!typeInfo)
+        ReportFailure(LogError, L"The type library cannot be loaded.");
     return typeInfo;
 }
 

@@ -7,8 +7,8 @@
 
 namespace kel {
 
-/// The description of ISysInfo from the type library inside the DLL, loaded on first use; null when it cannot
-/// be loaded. It serves IDispatch.
-Microsoft::WRL::ComPtr<ITypeInfo> SysInfoTypeInfo() noexcept;
+/// Loads the description of ISysInfo from the type library inside the DLL; null, with an error in the log,
+/// when it cannot be loaded. It serves IDispatch.
+Microsoft::WRL::ComPtr<ITypeInfo> LoadSysInfoTypeInfo() noexcept;
 
 }  // namespace kel

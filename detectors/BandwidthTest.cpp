@@ -4,14 +4,15 @@
 
 #include <algorithm>
 #include <chrono>
-#include <optional>
+#include <exception>
+#include <initializer_list>
+#include <memory>
 #include <vector>
 
 #include "BuildSettings.h"
 #include "diag/Log.h"
-#include "diag/Owners.h"
 #include "diag/Timer.h"
-#include "service/LimitedInternet.h"
+#include "service/LimitedExchange.h"
 
 namespace kel {
 
@@ -48,47 +49,64 @@ bool IsWhole(HINTERNET file, std::uint64_t total)
            total == length;
 }
 
-/// The bytes of the whole file; nothing when it could not be read to its end in time.
-std::optional<std::uint64_t> Download(const LimitedInternet& file)
+struct Download {
+    bool isWhole = false;
+    std::uint64_t bytes = 0;
+    std::int64_t start = 0;
+    std::int64_t stop = 0;
+};
+
+/// Reads the file to its end; whether that worked.
+bool ReadAll(HINTERNET file, const InternetHandles& handles, std::uint64_t& total)
 {
     std::vector<char> buffer(BufferSize);
-    std::uint64_t total = 0;
     DWORD available = 0;
-    while (!file.IsExpired() && InternetQueryDataAvailable(file.Get(), &available, 0, 0)) {
+    while (InternetQueryDataAvailable(file, &available, 0, 0) && !handles.AreClosed()) {
         DWORD count = 0;
-        if (!InternetReadFile(file.Get(), buffer.data(), std::min(available, LongestRead), &count))
-            break;
+        if (!InternetReadFile(file, buffer.data(), std::min(available, LongestRead), &count) ||
+            handles.AreClosed())
+            return false;
         total += count;
         if (count == 0)
-            return IsWhole(file.Get(), total) ? std::optional(total) : std::nullopt;
+            return IsWhole(file, total);
     }
-    if (file.IsExpired())
-        WriteLog(LogWarning, L"The bandwidth test was stopped after ", TimeLimit.count(), L" seconds.");
-    return {};
+    return false;
+}
+
+void Fetch(InternetHandles& handles, Download& download)
+{
+    const HINTERNET session =
+        handles.Keep(InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+    if (session == nullptr)
+        return;
+    for (const DWORD option :
+         std::initializer_list<DWORD>{INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
+        DWORD milliseconds = WaitLimit;
+        InternetSetOptionW(session, option, &milliseconds, sizeof(milliseconds));
+    }
+    const HINTERNET file = handles.Keep(InternetOpenUrlW(session, TestFile, nullptr, 0, OpenFlags, 0));
+    if (file == nullptr)
+        return;
+    download.start = ReadCounter();
+    download.isWhole = ReadAll(file, handles, download.bytes);
+    download.stop = ReadCounter();
 }
 
 /// The rate of one download; empty when it failed.
 std::wstring Measure()
 {
-    const OwnedInternet session(InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
-    if (!session)
+    const auto download = std::make_shared<Download>();
+    if (!RunWithin(TimeLimit, [download](InternetHandles& handles) { Fetch(handles, *download); })) {
+        WriteLog(LogWarning, L"The bandwidth test was stopped after ", TimeLimit.count(), L" seconds.");
         return {};
-    for (const DWORD option : {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
-        DWORD milliseconds = WaitLimit;
-        InternetSetOptionW(session.get(), option, &milliseconds, sizeof(milliseconds));
     }
-    const HINTERNET opened = InternetOpenUrlW(session.get(), TestFile, nullptr, 0, OpenFlags, 0);
-    if (opened == nullptr)
-        return {};
-    const LimitedInternet file(opened, TimeLimit);
-    const std::int64_t start = ReadCounter();
-    const std::optional<std::uint64_t> bytes = Download(file);
-    const std::int64_t stop = ReadCounter();
     LARGE_INTEGER frequency = {};
     QueryPerformanceFrequency(&frequency);
-    if (!bytes || frequency.QuadPart <= 0 || start <= 0 || stop <= start)
+    if (!download->isWhole || frequency.QuadPart <= 0 || download->start <= 0 ||
+        download->stop <= download->start)
         return {};
-    return DownloadRate(*bytes, Timer::ElapsedMilliseconds(start, stop, frequency.QuadPart));
+    return DownloadRate(download->bytes,
+                        Timer::ElapsedMilliseconds(download->start, download->stop, frequency.QuadPart));
 }
 
 }  // namespace
@@ -104,7 +122,11 @@ const std::wstring& RunBandwidthTest()
 {
     static std::wstring result;
     result.clear();
-    result = Measure();
+    try {
+        result = Measure();
+    } catch (const std::exception& error) {
+        WriteLog(LogError, error.what());
+    }
     if (!result.empty())
         WriteLog(LogTrace, L"downloadRate = ", result);
     return result;

@@ -9,8 +9,8 @@ namespace kel {
 /// The rate of a download in bits per second, as "16000000 bps". A time of 0 counts as one millisecond.
 std::wstring DownloadRate(std::uint64_t bytes, std::int64_t milliseconds);
 
-/// Downloads the test file from the content host through WinINet and times the reading. Takes at most about
-/// 30 seconds, after which the test counts as failed.
+/// Downloads the test file from the content host through WinINet and times the reading. Takes at most 31
+/// seconds; a test that is not over in 30 counts as failed.
 /// @return the rate as DownloadRate writes it, or the empty text when the test failed; a text of the process
 /// that the next call overwrites
 const std::wstring& RunBandwidthTest();

@@ -1,5 +1,6 @@
 #include "detectors/Bios.h"
 
+#include "detectors/FillEmpty.h"
 #include "probes/Registry.h"
 #include "probes/WMI.h"
 #include "values/Name.h"
@@ -17,10 +18,8 @@ constexpr unsigned VersionId = 71074;
 
 void MergeBiosInfo(BiosInfo& target, const BiosInfo& source)
 {
-    for (const auto text : {&BiosInfo::name, &BiosInfo::version, &BiosInfo::date, &BiosInfo::manufacturer}) {
-        if ((target.*text).empty())
-            target.*text = source.*text;
-    }
+    FillEmpty(target, source,
+              {&BiosInfo::name, &BiosInfo::version, &BiosInfo::date, &BiosInfo::manufacturer});
 }
 
 bool Bios::Detect()

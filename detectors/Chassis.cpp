@@ -25,7 +25,7 @@ bool Chassis::Detect()
     return Guarded(L"kel::Chassis::Detect", L"Error in Chassis detection.", [] {
         const OwnedLibrary library(LoadLibraryW(L"PowrProf.dll"));
         AddValue(PortableId, Exists(library && HasLongTermBattery(FindFunction<decltype(GetPwrCapabilities)>(
-                                                   library, "GetPwrCapabilities"))));
+                                                   library.get(), "GetPwrCapabilities"))));
     });
 }
 

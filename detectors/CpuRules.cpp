@@ -1,8 +1,9 @@
 #include "detectors/CpuRules.h"
 
 #include <cstdint>
-#include <cwctype>
 
+#include "detectors/FillEmpty.h"
+#include "values/Quantity.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -40,7 +41,7 @@ std::wstring RatedSpeed(const CpuInfo& info)
     const std::uint64_t rating = info.isAmd ? RatingInName(info.name) : 0;
     std::uint64_t rated = rating != 0 ? rating * 1000000 : speed;
     if (info.multiProcessor)
-        rated = static_cast<std::uint64_t>(static_cast<double>(rated) * 1.5);
+        rated = TruncateToUnsigned(static_cast<double>(rated) * 1.5);
     return rated > speed ? std::to_wstring(rated) + L"Hz" : std::wstring();
 }
 
@@ -48,27 +49,11 @@ std::wstring RatedSpeed(const CpuInfo& info)
 
 void MergeCpuInfo(CpuInfo& target, const CpuInfo& source)
 {
-    constexpr std::wstring CpuInfo::*Texts[] = {
-        &CpuInfo::processorCount,
-        &CpuInfo::vendor,
-        &CpuInfo::name,
-        &CpuInfo::stepping,
-        &CpuInfo::family,
-        &CpuInfo::model,
-        &CpuInfo::type,
-        &CpuInfo::cpuId,
-        &CpuInfo::cpuIdShort,
-        &CpuInfo::platformId,
-        &CpuInfo::reserved1,
-        &CpuInfo::reserved2,
-        &CpuInfo::updateSignature,
-        &CpuInfo::chipsetSoftwareVersion,
-        &CpuInfo::caption,
-    };
-    for (const auto text : Texts) {
-        if ((target.*text).empty())
-            target.*text = source.*text;
-    }
+    FillEmpty(target, source,
+              {&CpuInfo::processorCount, &CpuInfo::vendor, &CpuInfo::name, &CpuInfo::stepping,
+               &CpuInfo::family, &CpuInfo::model, &CpuInfo::type, &CpuInfo::cpuId, &CpuInfo::cpuIdShort,
+               &CpuInfo::platformId, &CpuInfo::reserved1, &CpuInfo::reserved2, &CpuInfo::updateSignature,
+               &CpuInfo::chipsetSoftwareVersion, &CpuInfo::caption});
     if (!target.speed.HasValue())
         target.speed = source.speed;
     constexpr bool CpuInfo::*Flags[] = {&CpuInfo::multiProcessor, &CpuInfo::isIntel, &CpuInfo::isAmd,

@@ -1,5 +1,6 @@
 #include "detectors/MotherBoard.h"
 
+#include "detectors/FillEmpty.h"
 #include "probes/Registry.h"
 #include "probes/WMI.h"
 #include "values/Exists.h"
@@ -18,10 +19,7 @@ constexpr unsigned AaVersionId = 71437;
 
 void MergeBoardInfo(BoardInfo& target, const BoardInfo& source)
 {
-    for (const auto text : {&BoardInfo::manufacturer, &BoardInfo::product, &BoardInfo::version}) {
-        if ((target.*text).empty())
-            target.*text = source.*text;
-    }
+    FillEmpty(target, source, {&BoardInfo::manufacturer, &BoardInfo::product, &BoardInfo::version});
 }
 
 bool IsAaVersion(const std::wstring& version)

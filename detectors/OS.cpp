@@ -27,6 +27,7 @@ constexpr unsigned Flags[] = {
 };
 
 constexpr const wchar_t* FrameworkKey = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP";
+constexpr DWORD MostFrameworks = 10000;
 constexpr std::size_t FrameworkTextSize = 100;  // characters, of a subkey's name and of a version
 
 /// Reads the string value "Version" of a framework's key.
@@ -95,14 +96,11 @@ void OS::GetSupportInformation()
     const OwnedKey frameworks = OpenKey(HKEY_LOCAL_MACHINE, FrameworkKey, KEY_READ);
     if (!frameworks)
         return;
-    DWORD count = 0;
-    RegQueryInfoKeyW(frameworks.get(), nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr, nullptr,
-                     nullptr, nullptr, nullptr);
     Version current;
     bool found = false;
     // The last one in the order of the registry wins, not the highest; the service knows it so. A name that
-    // is too long is passed over; the count keeps a key that cannot be enumerated from being asked for ever.
-    for (DWORD index = 0; index < count; ++index) {
+    // is too long is passed over; the bound keeps a key that cannot be enumerated from being asked for ever.
+    for (DWORD index = 0; index < MostFrameworks; ++index) {
         std::array<wchar_t, FrameworkTextSize> name = {};
         auto size = static_cast<DWORD>(name.size());
         const LSTATUS status =

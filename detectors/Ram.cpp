@@ -41,8 +41,8 @@ bool Ram::Detect()
         {
             const OwnedLibrary kernel(LoadLibraryW(L"kernel32.dll"));
             if (kernel)
-                memory =
-                    ReadMemory(FindFunction<decltype(GlobalMemoryStatusEx)>(kernel, "GlobalMemoryStatusEx"));
+                memory = ReadMemory(
+                    FindFunction<decltype(GlobalMemoryStatusEx)>(kernel.get(), "GlobalMemoryStatusEx"));
         }
         AddValue(TotalPhysicalId, memory.totalPhysical);
         AddValue(TotalVirtualId, memory.totalVirtual);

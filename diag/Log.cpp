@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cwchar>
 #include <iomanip>
 #include <memory>
 #include <sstream>

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace kel {
@@ -35,7 +36,8 @@ void LogBuf::Emit(const wchar_t* line)
 
 int LogBuf::sync()
 {
-    const std::wstring line = str();
+    std::wstring line = str();
+    std::ranges::replace(line, L'\0', L' ');  // would end the line before its end, and join it with the next
     str(std::wstring());  // first, so that a line that a sink refuses is not written again with the next
     Emit(line.c_str());
     return 0;

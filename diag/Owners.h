@@ -24,11 +24,14 @@ using OwnedLibrary = std::unique_ptr<std::remove_pointer_t<HMODULE>, Closer<&Fre
 using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, Closer<&RegCloseKey>>;
 using OwnedInternet = std::unique_ptr<void, Closer<&InternetCloseHandle>>;
 
-/// Looks a function up by its name; null when the library does not have it.
+/// Looks a function up by its name; null, with a warning in the log, when the library does not have it.
+FARPROC FindProcedure(HMODULE library, const char* name) noexcept;
+
+/// The same for a function of a known type.
 template <typename Function>
-Function* FindFunction(const OwnedLibrary& library, const char* name) noexcept
+Function* FindFunction(HMODULE library, const char* name) noexcept
 {
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(library.get(), name)));
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(FindProcedure(library, name)));
 }
 
 /// Opens a registry key; empty when it cannot be opened.

@@ -18,20 +18,22 @@ function textOf(element, name) {
     .replace(/&amp;/g, "&");
 }
 
-function column(text, width) {
-  while (text.length < width) text += " ";
-  return text + "  ";
-}
-
-function row(label, needed, found, result) {
-  WScript.Echo(column(label, 18) + column(needed, 26) + column(found, 52) + result);
-}
-
-row("REQUIREMENT", "NEEDED", "FOUND", "RESULT");
+var rows = [["REQUIREMENT", "NEEDED", "FOUND", "RESULT"]];
 var requirement = /<requirement result="(\w+)">(.*?)<\/requirement>/g, match;
 while ((match = requirement.exec(verdict)) !== null) {
-  row(textOf(match[2], "label"), textOf(match[2], "needed"), textOf(match[2], "found") || "-", match[1]);
+  rows.push([textOf(match[2], "label"), textOf(match[2], "needed"), textOf(match[2], "found") || "-", match[1]]);
 }
+if (rows.length == 1) {
+  WScript.Echo("The analysis service answered: " + verdict);
+  WScript.Quit(2);
+}
+
+for (var column = 0; column < 3; ++column) {
+  var width = 0;
+  for (var i = 0; i < rows.length; ++i) width = Math.max(width, rows[i][column].length);
+  for (i = 0; i < rows.length; ++i) while (rows[i][column].length < width + 2) rows[i][column] += " ";
+}
+for (var line = 0; line < rows.length; ++line) WScript.Echo(rows[line].join(""));
 var total = /<analysis result="(\w+)"/.exec(verdict);
 WScript.Echo("");
 WScript.Echo("TOTAL: " + (total ? total[1] : "unknown"));
@@ -42,9 +44,10 @@ if (WScript.Arguments.length > 1) {
   save("analysis.html", control.Analysis("requirements", "html", "1.0"));
 }
 
+// In ASCII, which is UTF-8 too: other characters become character references, in XML and HTML alike.
 function save(name, text) {
-  var file = files.CreateTextFile(WScript.Arguments(1) + "\\" + name, true, true);
-  file.Write(text);
+  var file = files.CreateTextFile(WScript.Arguments(1) + "\\" + name, true, false);
+  file.Write(text.replace(/[\u0080-\uffff]/g, function (c) { return "&#" + c.charCodeAt(0) + ";"; }));
   file.Close();
 }
 

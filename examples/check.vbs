@@ -1,6 +1,6 @@
 ' Does this machine meet the requirements of a product? Run with: cscript //nologo check.vbs [referrer]
 Option Explicit
-Dim control, verdict, pattern, line
+Dim control, verdict, pattern, total, line
 Set control = WScript.CreateObject("KELDetection_TAMS64.SysInfo")
 control.ReferrerID = "demo"
 If WScript.Arguments.Count > 0 Then control.ReferrerID = WScript.Arguments(0)
@@ -13,11 +13,24 @@ If verdict = "" Then
 End If
 
 Set pattern = New RegExp
+pattern.Pattern = "<analysis result=""(\w+)"""
+Set total = pattern.Execute(verdict)
+If total.Count = 0 Then
+  WScript.Echo "The analysis service answered: " & verdict
+  WScript.Quit 2
+End If
+
 pattern.Global = True
 pattern.Pattern = "<requirement result=""(\w+)""><label>([^<]*)</label><needed>([^<]*)</needed><found>([^<]*)</found>"
 For Each line In pattern.Execute(verdict)
-  WScript.Echo line.SubMatches(1) & ": " & line.SubMatches(2) & ", found " & line.SubMatches(3) & ": " & line.SubMatches(0)
+  WScript.Echo Plain(line.SubMatches(1)) & ": " & Plain(line.SubMatches(2)) & ", found " & Plain(line.SubMatches(3)) & _
+    ": " & line.SubMatches(0)
 Next
+WScript.Echo "TOTAL: " & total(0).SubMatches(0)
+If total(0).SubMatches(0) = "pass" Then WScript.Quit 0
+WScript.Quit 1
 
-pattern.Pattern = "<analysis result=""(\w+)"""
-WScript.Echo "TOTAL: " & pattern.Execute(verdict)(0).SubMatches(0)
+Function Plain(text)
+  Plain = Replace(Replace(Replace(text, "&lt;", "<"), "&gt;", ">"), "&quot;", """")
+  Plain = Replace(Replace(Plain, "&#x27;", "'"), "&amp;", "&")
+End Function

@@ -19,6 +19,7 @@ namespace {
 
 enum Register { Eax, Ebx, Ecx, Edx };
 
+constexpr std::uint32_t SignatureLeaf = 1;
 constexpr std::uint32_t ExtendedLeaf = 0x80000000;
 constexpr std::size_t ShortIdLength = 6;
 constexpr const wchar_t* IntelVendor = L"genuineintel";
@@ -36,9 +37,7 @@ CpuRegisters RunInstruction(std::uint32_t leaf)
 {
     CpuRegisters registers = {};
 #ifdef _MSC_VER
-    int values[4] = {};
-    __cpuidex(values, static_cast<int>(leaf), 0);
-    std::copy(values, values + 4, registers.begin());
+    __cpuidex(reinterpret_cast<int*>(registers.data()), static_cast<int>(leaf), 0);
 #else
     __cpuid_count(leaf, 0, registers[Eax], registers[Ebx], registers[Ecx], registers[Edx]);
 #endif
@@ -56,18 +55,6 @@ bool HasByte(std::uint32_t value, int firstByte, std::uint32_t byte)
 
 }  // namespace
 
-CpuSignature DecodeSignature(std::uint32_t eax)
-{
-    const unsigned baseFamily = (eax >> 8) & 0xF;
-    const unsigned baseModel = (eax >> 4) & 0xF;
-    CpuSignature signature;
-    signature.family = baseFamily >= 15 ? ((eax >> 20) & 0xFF) + 15 : baseFamily;
-    signature.model = baseFamily == 6 || baseFamily >= 15 ? ((eax >> 12) & 0xF0) + baseModel : baseModel;
-    signature.stepping = eax & 0xF;
-    signature.type = (eax >> 12) & 0x3;
-    return signature;
-}
-
 CPUID& CPUID::Instance()
 {
     static CPUID* const instance = std::make_unique<CPUID>().release();
@@ -83,25 +70,24 @@ CPUID::CPUID(const Leaves& newLeaves)
 
 bool CPUID::GetCpuInfo(CpuInfo& info)
 {
-    info.vendor = GetVendor();
-    info.isIntel = IsIntel();
-    info.isAmd = IsAmd();
+    const std::wstring vendor = GetVendorString();
+    info.vendor = GetVendor(vendor);
+    info.isIntel = IsIntel(vendor);
+    info.isAmd = IsAmd(vendor);
     info.cacheDescriptor40 = HasCacheDescriptor40();
-    CpuSignature signature;
-    if (GetSignature(signature)) {
-        info.stepping = Hexadecimal(signature.stepping, 1);
-        info.family = Hexadecimal(signature.family, 2);
-        info.model = Hexadecimal(signature.model, 2);
-        info.type = Hexadecimal(signature.type, 2);
-        WriteLog(LogTrace, L"CPU Type: ", signature.type);
-    }
-    std::uint64_t cpuId = 0;
-    if (GetCpuId(cpuId)) {
-        info.cpuId = Hexadecimal(cpuId, 16);
-        WriteLog(LogTrace, L"CPU ID: ", info.cpuId);
-        info.cpuIdShort = info.cpuId.substr(info.cpuId.size() - ShortIdLength);
-        WriteLog(LogTrace, L"CPU ID Short: ", info.cpuIdShort);
-    }
+    CpuRegisters registers;
+    if (!Execute(SignatureLeaf, registers))
+        return true;
+    const CpuSignature signature = GetSignature(registers);
+    info.stepping = Hexadecimal(signature.stepping, 1);
+    info.family = Hexadecimal(signature.family, 2);
+    info.model = Hexadecimal(signature.model, 2);
+    info.type = Hexadecimal(signature.type, 2);
+    WriteLog(LogTrace, L"CPU Type: ", signature.type);
+    info.cpuId = Hexadecimal(GetCpuId(registers), 16);
+    WriteLog(LogTrace, L"CPU ID: ", info.cpuId);
+    info.cpuIdShort = info.cpuId.substr(info.cpuId.size() - ShortIdLength);
+    WriteLog(LogTrace, L"CPU ID Short: ", info.cpuIdShort);
     return true;
 }
 
@@ -109,14 +95,14 @@ bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
 {
     registers = {};
     const bool isExtended = (leaf & ExtendedLeaf) != 0;
-    // The extended comparison never refuses with the values that processors give; the service relies on what
-    // such leaves answer.
+    // By its low byte only, an extended leaf is never above what real processors give; kept as it is.
     if (isExtended ? (leaf & 0xFF) > maxExtendedLeaf : leaf > maxStandardLeaf)
         return false;
     registers = leaves(leaf);
-    WriteLog(LogTrace, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
-             Hexadecimal(registers[Ebx], 8), L' ', Hexadecimal(registers[Ecx], 8), L' ',
-             Hexadecimal(registers[Edx], 8));
+    if (Log::Instance().IsEnabled(LogTrace))
+        WriteLog(LogTrace, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
+                 Hexadecimal(registers[Ebx], 8), L' ', Hexadecimal(registers[Ecx], 8), L' ',
+                 Hexadecimal(registers[Edx], 8));
     return true;
 }
 
@@ -133,46 +119,42 @@ std::wstring CPUID::GetVendorString()
     return vendor;
 }
 
-std::wstring CPUID::GetVendor()
+std::wstring CPUID::GetVendor(const std::wstring& vendorString)
 {
-    for (const auto& [lowerCase, vendor] : Vendors) {
-        if (IsVendor(lowerCase))
+    const std::wstring lowerCase = ToLower(vendorString);
+    for (const auto& [known, vendor] : Vendors) {
+        if (lowerCase == known)
             return vendor;
     }
     return {};
 }
 
-bool CPUID::IsIntel()
+bool CPUID::IsIntel(const std::wstring& vendorString)
 {
-    return IsVendor(IntelVendor);
+    return ToLower(vendorString) == IntelVendor;
 }
 
-bool CPUID::IsAmd()
+bool CPUID::IsAmd(const std::wstring& vendorString)
 {
-    return IsVendor(AmdVendor);
+    return ToLower(vendorString) == AmdVendor;
 }
 
-bool CPUID::IsVendor(const wchar_t* lowerCaseVendor)
+CpuSignature CPUID::GetSignature(const CpuRegisters& leaf1)
 {
-    return ToLower(GetVendorString()) == lowerCaseVendor;
+    const std::uint32_t eax = leaf1[Eax];
+    const unsigned baseFamily = (eax >> 8) & 0xF;
+    const unsigned baseModel = (eax >> 4) & 0xF;
+    CpuSignature signature;
+    signature.family = baseFamily >= 15 ? ((eax >> 20) & 0xFF) + 15 : baseFamily;
+    signature.model = baseFamily == 6 || baseFamily >= 15 ? ((eax >> 12) & 0xF0) + baseModel : baseModel;
+    signature.stepping = eax & 0xF;
+    signature.type = (eax >> 12) & 0x3;
+    return signature;
 }
 
-bool CPUID::GetSignature(CpuSignature& signature)
+std::uint64_t CPUID::GetCpuId(const CpuRegisters& leaf1)
 {
-    CpuRegisters registers;
-    if (!Execute(1, registers))
-        return false;
-    signature = DecodeSignature(registers[Eax]);
-    return true;
-}
-
-bool CPUID::GetCpuId(std::uint64_t& cpuId)
-{
-    CpuRegisters registers;
-    if (!Execute(1, registers))
-        return false;
-    cpuId = static_cast<std::uint64_t>(registers[Edx]) << 32 | registers[Eax];
-    return true;
+    return static_cast<std::uint64_t>(leaf1[Edx]) << 32 | leaf1[Eax];
 }
 
 bool CPUID::HasCacheDescriptor40()

@@ -21,9 +21,6 @@ struct CpuSignature {
     unsigned type = 0;
 };
 
-/// Decodes EAX of leaf 1.
-CpuSignature DecodeSignature(std::uint32_t eax);
-
 /// Reads the processor's own description with the `cpuid` instruction.
 class CPUID : public Source {
 public:
@@ -42,28 +39,25 @@ public:
     bool GetCpuInfo(CpuInfo& info);
 
     /// Reads a leaf.
-    /// @return false, with the registers cleared, for a leaf above the highest standard one. Extended leaves
-    /// are
-    ///         compared by their low byte only, which refuses none of them.
+    /// @return false, with the registers cleared, for a leaf above the highest standard one. Of an extended
+    /// leaf only the low byte is compared with the highest, so that none is refused where there are extended
+    /// leaves.
     bool Execute(std::uint32_t leaf, CpuRegisters& registers);
 
     /// The 12 characters of leaf 0; empty when it cannot be read.
     std::wstring GetVendorString();
-    /// The maker's usual name; empty when it is not known.
-    std::wstring GetVendor();
-    bool IsIntel();
-    bool IsAmd();
-    /// @return whether leaf 1 could be read
-    bool GetSignature(CpuSignature& signature);
+    /// The maker's usual name for a vendor string in any case; empty when it is not known.
+    static std::wstring GetVendor(const std::wstring& vendorString);
+    static bool IsIntel(const std::wstring& vendorString);
+    static bool IsAmd(const std::wstring& vendorString);
+    /// Decodes EAX of leaf 1.
+    static CpuSignature GetSignature(const CpuRegisters& leaf1);
     /// EDX of leaf 1 in the high half, EAX in the low one.
-    /// @return whether leaf 1 could be read
-    bool GetCpuId(std::uint64_t& cpuId);
+    static std::uint64_t GetCpuId(const CpuRegisters& leaf1);
     /// Whether leaf 2 reports the descriptor byte 0x40.
     bool HasCacheDescriptor40();
 
 private:
-    bool IsVendor(const wchar_t* lowerCaseVendor);
-
     Leaves leaves;
     std::uint32_t maxStandardLeaf;
     std::uint32_t maxExtendedLeaf;

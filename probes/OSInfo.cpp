@@ -2,6 +2,8 @@
 
 #include <cwchar>
 
+#include "diag/Owners.h"
+
 namespace kel {
 
 namespace {
@@ -11,10 +13,7 @@ static_assert(sizeof(OSVERSIONINFOEXW) == 284);
 template <typename Function>
 Function* KernelFunction(const char* name)
 {
-    const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
-    return kernel != nullptr
-               ? reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(kernel, name)))
-               : nullptr;
+    return FindFunction<Function>(GetModuleHandleW(L"kernel32.dll"), name);
 }
 
 /// The function as a function object; empty when it is missing.
@@ -36,6 +35,7 @@ OSFunctions OSFunctions::OfSystem()
 {
     OSFunctions functions;
     functions.getVersion = &GetVersion;
+    functions.getSystemMetrics = &GetSystemMetrics;
     if (auto* const getInfo = KernelFunction<void WINAPI(SYSTEM_INFO*)>("GetNativeSystemInfo"))
         functions.getNativeSystemInfo = [getInfo](SYSTEM_INFO& system) { getInfo(&system); };
     functions.getProductInfo = Wrapped<decltype(functions.getProductInfo)>(
@@ -72,7 +72,7 @@ OSInfo ReadOSInfo(const OSFunctions& functions)
     info.architecture = system.wProcessorArchitecture;
     if (info.major == 6 && functions.getProductInfo)
         functions.getProductInfo(info.major, info.minor, 0, 0, &info.edition);
-    info.isServerR2 = GetSystemMetrics(SM_SERVERR2) != 0;
+    info.isServerR2 = functions.getSystemMetrics(SM_SERVERR2) != 0;
     return info;
 }
 

@@ -24,9 +24,10 @@ struct OSInfo {
     bool isServerR2 = false;
 };
 
-/// The functions that are looked up by name, and the one that may fail; a test puts its own in their place.
+/// The functions that tell of the system; a test puts its own in their place.
 struct OSFunctions {
-    boost::function<BOOL(OSVERSIONINFOEXW&)> getVersion;                       ///< GetVersionExW
+    boost::function<BOOL(OSVERSIONINFOEXW&)> getVersion;  ///< GetVersionExW
+    boost::function<int(int)> getSystemMetrics;
     boost::function<void(SYSTEM_INFO&)> getNativeSystemInfo;                   ///< may be missing
     boost::function<BOOL(DWORD, DWORD, DWORD, DWORD, DWORD*)> getProductInfo;  ///< may be missing
     boost::function<BOOL(HANDLE, BOOL*)> isWow64Process;                       ///< may be missing

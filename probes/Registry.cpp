@@ -1,6 +1,5 @@
 #include "probes/Registry.h"
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 
@@ -23,11 +22,11 @@ constexpr int ReadAttempts = 5;
 std::wstring UpdateSignature()
 {
     const OwnedKey key = OpenKey(HKEY_LOCAL_MACHINE, ProcessorKey, KEY_READ);
-    DWORD type = REG_NONE;
-    const std::vector<BYTE> bytes =
-        key ? Registry::ReadBytes(key.get(), L"Update Signature", type) : std::vector<BYTE>();
-    return type == REG_BINARY && bytes.size() > RevisionByte ? Hexadecimal(bytes[RevisionByte], 2)
-                                                             : std::wstring();
+    const std::optional<RegistryValue> value =
+        key ? Registry::Read(key.get(), L"Update Signature") : std::nullopt;
+    return value && value->type == REG_BINARY && value->bytes.size() > RevisionByte
+               ? Hexadecimal(value->bytes[RevisionByte], 2)
+               : std::wstring();
 }
 
 }  // namespace
@@ -67,58 +66,51 @@ void Registry::GetBoardInfo(BoardInfo& info)
     ReadText(HKEY_LOCAL_MACHINE, BoardKey, L"BaseBoardVersion", info.version);
 }
 
-bool Registry::ReadText(HKEY key, const wchar_t* name, std::wstring& text)
-{
-    DWORD type = REG_NONE;
-    DWORD size = 0;
-    if (RegQueryValueExW(key, name, nullptr, &type, nullptr, &size) != ERROR_SUCCESS)
-        return false;
-    const std::vector<BYTE> bytes = ReadBytes(key, name, type);
-    text = TextOf(bytes, type);
-    return true;
-}
-
 bool Registry::ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text, REGSAM access)
 {
     const OwnedKey opened = OpenKey(root, key, KEY_READ | access);
-    return opened && ReadText(opened.get(), name, text);
+    const std::optional<RegistryValue> value = opened ? Read(opened.get(), name) : std::nullopt;
+    if (value)
+        text = value->Text();
+    else
+        WriteLog(LogWarning, L"Registry value is missing: ", key, L' ', name);
+    return value.has_value();
 }
 
 bool Registry::ReadString(HKEY key, const wchar_t* name, std::size_t largest, std::wstring& text)
 {
-    DWORD type = REG_NONE;
-    const std::vector<BYTE> bytes = ReadBytes(key, name, type);
-    if ((type != REG_SZ && type != REG_EXPAND_SZ) || bytes.size() > largest)
+    const std::optional<RegistryValue> value = Read(key, name);
+    if (!value || !value->IsString() || value->bytes.size() > largest)
         return false;
-    text = TextOf(bytes, type);
+    text = value->Text();
     return true;
 }
 
-std::wstring Registry::TextOf(const std::vector<BYTE>& bytes, DWORD type)
+std::optional<RegistryValue> Registry::Read(HKEY key, const wchar_t* name)
 {
-    // Half a character at the end counts as one.
+    RegistryValue value;
+    value.bytes.resize(256);
+    // The value may grow between two calls; it will not do so for ever.
+    for (int attempt = 0; attempt < ReadAttempts; ++attempt) {
+        auto size = static_cast<DWORD>(value.bytes.size());
+        const LSTATUS status = RegQueryValueExW(key, name, nullptr, &value.type, value.bytes.data(), &size);
+        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA)
+            break;
+        value.bytes.resize(size);
+        if (status == ERROR_SUCCESS)
+            return value;
+    }
+    return {};
+}
+
+std::wstring RegistryValue::Text() const
+{
     std::wstring characters((bytes.size() + 1) / sizeof(wchar_t), L'\0');
     if (!bytes.empty())
         std::memcpy(characters.data(), bytes.data(), bytes.size());
     if (type == REG_BINARY)
         std::erase(characters, L'\0');
     return characters.substr(0, characters.find(L'\0'));
-}
-
-std::vector<BYTE> Registry::ReadBytes(HKEY key, const wchar_t* name, DWORD& type)
-{
-    std::vector<BYTE> bytes(256);
-    // The value may grow between two calls; it will not do so for ever.
-    for (int attempt = 0; attempt < ReadAttempts; ++attempt) {
-        auto size = static_cast<DWORD>(bytes.size());
-        const LSTATUS status = RegQueryValueExW(key, name, nullptr, &type, bytes.data(), &size);
-        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA)
-            break;
-        bytes.resize(size);
-        if (status == ERROR_SUCCESS)
-            return bytes;
-    }
-    return {};
 }
 
 }  // namespace kel

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,18 @@
 #include "probes/Source.h"
 
 namespace kel {
+
+/// A value as it stands in the registry.
+struct RegistryValue {
+    DWORD type = REG_NONE;
+    std::vector<BYTE> bytes;
+
+    bool IsString() const { return type == REG_SZ || type == REG_EXPAND_SZ; }
+
+    /// The bytes taken as characters up to the first zero, whatever the type; half a character at the end
+    /// counts as one. In a binary value the zeros before other characters are squeezed out first.
+    std::wstring Text() const;
+};
 
 /// Reads facts from the registry. What is missing leaves its field empty.
 class Registry : public Source {
@@ -27,14 +40,10 @@ public:
     /// The motherboard's version, from HARDWARE\DESCRIPTION.
     void GetBoardInfo(BoardInfo& info);
 
-    /// Reads a value of an open key as text, whatever its type: the bytes are taken as characters up to the
-    /// first zero. In a binary value the zeros before other characters are squeezed out first. A number is
-    /// thus not converted; the analysis service knows such texts.
-    /// @return false, with the text untouched, when the value is missing
-    static bool ReadText(HKEY key, const wchar_t* name, std::wstring& text);
-
-    /// The same for a value of a key that is opened for it.
+    /// Reads a value as text, whatever its type; see RegistryValue::Text. A number is thus not converted; the
+    /// analysis service knows such texts.
     /// @param access rights beyond reading, such as KEY_WOW64_64KEY
+    /// @return false, with the text untouched and a warning in the log, when the key or the value is missing
     static bool ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text,
                          REGSAM access = 0);
 
@@ -42,11 +51,8 @@ public:
     /// @return false, with the text untouched, for any other value and for a missing one
     static bool ReadString(HKEY key, const wchar_t* name, std::size_t largest, std::wstring& text);
 
-    /// What ReadText makes of a value's bytes.
-    static std::wstring TextOf(const std::vector<BYTE>& bytes, DWORD type);
-
-    /// The bytes of a value, and its type; empty when the value is missing.
-    static std::vector<BYTE> ReadBytes(HKEY key, const wchar_t* name, DWORD& type);
+    /// Reads a value as it stands; nothing when it is missing.
+    static std::optional<RegistryValue> Read(HKEY key, const wchar_t* name);
 };
 
 }  // namespace kel

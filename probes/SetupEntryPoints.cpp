@@ -7,7 +7,7 @@ namespace {
 template <typename Function>
 void Look(const OwnedLibrary& library, const char* name, Function*& function)
 {
-    function = FindFunction<Function>(library, name);
+    function = FindFunction<Function>(library.get(), name);
 }
 
 }  // namespace

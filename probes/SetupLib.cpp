@@ -26,27 +26,21 @@ bool IsGiven(const wchar_t* text)
     return text != nullptr && *text != L'\0';
 }
 
-/// A value as it stands in the registry.
-struct RawValue {
-    DWORD type = REG_NONE;
-    std::vector<BYTE> bytes;
+bool IsNumber(const RegistryValue& value, DWORD type, std::size_t size)
+{
+    return value.type == type && value.bytes.size() == size;
+}
 
-    bool IsNumber(DWORD numberType, std::size_t size) const
-    {
-        return type == numberType && bytes.size() == size;
-    }
-    bool IsText() const { return type == REG_SZ || type == REG_EXPAND_SZ; }
-
-    std::uint64_t Number() const
-    {
-        std::uint64_t number = 0;
-        std::memcpy(&number, bytes.data(), bytes.size());  // the lowest byte stands first
-        return number;
-    }
-};
+/// The number in at most 8 bytes, the lowest first.
+std::uint64_t NumberOf(const RegistryValue& value)
+{
+    std::uint64_t number = 0;
+    std::memcpy(&number, value.bytes.data(), value.bytes.size());
+    return number;
+}
 
 /// Reads a value, and has a function convert it.
-/// @param convert takes a RawValue; false when it cannot be converted
+/// @param convert takes a RegistryValue; false when it cannot be converted
 template <typename Convert>
 bool ReadValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert convert)
 {
@@ -59,9 +53,8 @@ bool ReadValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert con
             if (!below)
                 return false;
         }
-        RawValue value;
-        value.bytes = Registry::ReadBytes(below ? below.get() : key, name, value.type);
-        if (value.bytes.size() <= LargestValue && convert(value))
+        const std::optional<RegistryValue> value = Registry::Read(below ? below.get() : key, name);
+        if (value && value->bytes.size() <= LargestValue && convert(*value))
             return true;
         WriteLog(LogWarning, L"Can't handle Registry value for: ", name);
     } catch (...) {
@@ -160,30 +153,33 @@ bool SetupLib::OpenDeviceKeys(HDEVINFO set, SP_DEVINFO_DATA& device, DeviceKeys&
 bool SetupLib::ReadRegistryValue(HKEY key, const wchar_t* subkey, const wchar_t* name, std::wstring& text)
 {
     text.clear();
-    return ReadValue(key, subkey, name, [&text](const RawValue& value) {
-        if (value.IsText() || value.type == REG_MULTI_SZ)
-            text = Registry::TextOf(value.bytes, value.type);
-        else if (value.IsNumber(REG_DWORD, sizeof(DWORD)))
-            text = std::to_wstring(value.Number());
-        else
-            // The format for 64-bit numbers has always lacked its conversion letter and written nothing; the
-            // fallbacks that follow an empty text count on it.
-            return value.IsNumber(REG_QWORD, sizeof(DWORD64));
-        return true;
+    return ReadValue(key, subkey, name, [&text](const RegistryValue& value) {
+        if (value.IsString() || value.type == REG_MULTI_SZ) {
+            text = value.Text();
+            return true;
+        }
+        if (IsNumber(value, REG_DWORD, sizeof(DWORD))) {
+            text = std::to_wstring(NumberOf(value));
+            return true;
+        }
+        // The format for 64-bit numbers has always lacked its conversion letter and written nothing; the
+        // fallbacks that follow an empty text count on it.
+        return IsNumber(value, REG_QWORD, sizeof(DWORD64));
     });
 }
 
 bool SetupLib::ReadRegistrySize(HKEY key, const wchar_t* subkey, const wchar_t* name, Size& size)
 {
     size = Size();
-    return ReadValue(key, subkey, name, [&size](const RawValue& value) {
-        const bool isBinary = value.type == REG_BINARY && !value.bytes.empty() && value.bytes.size() <= 8;
-        if (value.IsText())
-            return size.Initialize(Registry::TextOf(value.bytes, value.type).c_str());
-        if (!isBinary && !value.IsNumber(REG_DWORD, sizeof(DWORD)) &&
-            !value.IsNumber(REG_QWORD, sizeof(DWORD64)))
+    return ReadValue(key, subkey, name, [&size](const RegistryValue& value) {
+        if (value.IsString())
+            return size.Initialize(value.Text().c_str());
+        const bool isBinary =
+            value.type == REG_BINARY && !value.bytes.empty() && value.bytes.size() <= sizeof(DWORD64);
+        if (!isBinary && !IsNumber(value, REG_DWORD, sizeof(DWORD)) &&
+            !IsNumber(value, REG_QWORD, sizeof(DWORD64)))
             return false;
-        size = Size(value.Number());
+        size = Size(NumberOf(value));
         return true;
     });
 }

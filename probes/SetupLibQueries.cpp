@@ -157,9 +157,9 @@ SetupNetworkInfo SetupLib::NetworkDevice(HDEVINFO set, SP_DEVINFO_DATA& device)
         return adapter;
     const OwnedKey connection =
         OpenKey(HKEY_LOCAL_MACHINE, (ConnectionKeys + instance + L"\\Connection").c_str(), KEY_READ);
-    DWORD type = REG_NONE;
-    if (connection && Registry::ReadBytes(connection.get(), L"MediaSubType", type).size() == sizeof(DWORD) &&
-        type == REG_DWORD) {
+    const std::optional<RegistryValue> value =
+        connection ? Registry::Read(connection.get(), L"MediaSubType") : std::nullopt;
+    if (value && value->type == REG_DWORD) {
         const std::wstring subType = FirstText({{connection.get(), nullptr, L"MediaSubType"}});
         adapter.mediaSubType = Name(subType);
         adapter.mediaKind = KindOf(subType);

@@ -15,7 +15,7 @@ protected:
     Source() = default;
 
 private:
-    std::wstring note;  // empty; room for a probe of its own
+    std::wstring note;  // always empty
 };
 
 }  // namespace kel

@@ -35,7 +35,8 @@ float MeasureMegahertz()
     while (now.QuadPart < deadline)
         QueryPerformanceCounter(&now);
     const std::uint64_t last = __rdtsc();
-    return static_cast<float>(last - first) / 1000000.0F;
+    // The counter goes back when the machine wakes up or the thread moves to a processor that is behind.
+    return last > first ? static_cast<float>(last - first) / 1000000.0F : 0.0F;
 }
 
 }  // namespace kel

@@ -53,6 +53,8 @@ bool WMI::Connect()
 
 bool WMI::Query(const wchar_t* wql, IEnumWbemClassObject** result)
 {
+    if (!initialised)
+        return false;
     try {
         return SUCCEEDED(services->ExecQuery(_bstr_t(L"WQL"), _bstr_t(wql),
                                              WBEM_FLAG_FORWARD_ONLY | WBEM_FLAG_RETURN_IMMEDIATELY, nullptr,
@@ -86,8 +88,10 @@ std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
 {
     std::vector<ComPtr<IWbemClassObject>> objects;
     ComPtr<IEnumWbemClassObject> enumerator;
-    if (!Query(wql, enumerator.GetAddressOf()) || !enumerator)
+    if (!Query(wql, enumerator.GetAddressOf()) || !enumerator) {
+        WriteLog(LogWarning, L"WMI refused: ", wql);
         return objects;
+    }
     std::vector<IWbemClassObject*> read(count);
     objects.reserve(count);  // nothing may fail between the reading and the owning
     ULONG returned = 0;
@@ -97,6 +101,8 @@ std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
             continue;
         *objects.emplace_back().GetAddressOf() = object;
     }
+    if (objects.empty())
+        WriteLog(LogWarning, L"WMI has no object: ", wql);
     return objects;
 }
 

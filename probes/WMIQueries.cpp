@@ -74,8 +74,8 @@ bool WMI::GetBiosValues(BiosInfo& info)
     try {
         for (const auto& object : Read(L"SELECT * FROM Win32_BIOS", FirstOnly)) {
             isRead = true;
-            std::wstring version;  // for the log only: support compares it with the one that is stored
-            ReadProperty(object.Get(), L"Version", version);
+            _variant_t version;  // for the log only: support compares it with the one that is stored
+            GetProperty(object.Get(), L"Version", &version);
             ReadProperty(object.Get(), L"name", info.name);  // in lower case, as it has always been asked for
             ReadProperty(object.Get(), L"Manufacturer", info.manufacturer);
             ReadProperty(object.Get(), L"SMBIOSBIOSVersion", info.version);

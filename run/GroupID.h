@@ -18,8 +18,6 @@ public:
     unsigned Number() const { return number; }
 
     bool operator==(const GroupID& other) const { return number == other.number; }
-    /// An order by number, for sets of wanted groups.
-    bool operator<(const GroupID& other) const { return number < other.number; }
 
 private:
     std::wstring text;

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <set>
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "run/GroupID.h"
 
@@ -10,7 +11,10 @@ namespace kel {
 /// The groups that the analysis service wants for a referrer.
 class WantedGroups {
 public:
-    bool Contains(const GroupID& group) const { return groups.contains(group); }
+    bool Contains(const GroupID& group) const
+    {
+        return std::ranges::binary_search(groups, group.Number(), {}, &GroupID::Number);
+    }
 
     /// Whether the groups were fetched for this very referrer.
     bool IsFetchedFor(const std::wstring& referrer) const { return fetched && fetchedFor == referrer; }
@@ -19,7 +23,7 @@ public:
     void Assign(const std::wstring& answer, const std::wstring& referrer);
 
 private:
-    std::set<GroupID> groups;
+    std::vector<GroupID> groups;  // in order, each once; a tree takes twice the memory of a hostile answer
     bool fetched = false;
     std::wstring fetchedFor;
 };

@@ -5,6 +5,7 @@
 
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "run/FixedGroups.h"
 #include "run/Session.h"
 #include "values/Text.h"
 
@@ -12,8 +13,8 @@ namespace kel {
 
 namespace {
 
-/// The machine identifier and the two server releases go into every report.
-constexpr std::array<unsigned, 3> AlwaysWritten = {71207, 71465, 71466};
+constexpr std::array<unsigned, 3> AlwaysWritten = {MachineIdentifierGroup, Server2008Group,
+                                                   Server2008R2Group};
 
 bool IsWritten(const GroupID& group)
 {
@@ -43,7 +44,7 @@ void XMLReport::GetReport(int /*option*/, std::wstring& report) const
         if (IsWritten(value.ID().Group()))
             AppendGroup(text, value);
     }
-    // The log is fetched for the report and not written into it; support tools count on the fetch.
+    // The log's text was once part of the report. It is still fetched here, and not written.
     [[maybe_unused]] const std::wstring log = Log::Instance().GetText();
     text.append(L"</groups>  ");
     report = std::move(text);

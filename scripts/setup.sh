@@ -4,9 +4,10 @@ set -euo pipefail
 
 packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
-  cmake ninja-build python3
+  cmake ninja-build lld python3
 )
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy)
+[ "${1:-}" = --bench ] && packages+=(gcab)
 
 missing=()
 for package in "${packages[@]}"; do
@@ -15,7 +16,7 @@ done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 echo "Installing: ${missing[*]}"
-as_root=()
-[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+as_root=(env DEBIAN_FRONTEND=noninteractive)
+[ "$(id -u)" -eq 0 ] || as_root=(sudo "${as_root[@]}")
 "${as_root[@]}" apt-get update -q
-DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"
+"${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"

@@ -1,5 +1,5 @@
 # Sourced by the scripts that run Windows programs: one Wine prefix in the build tree, one server for the whole run.
-export WINEPREFIX="${WINEPREFIX:-$PWD/build/wine}"
+export WINEPREFIX="$PWD/build/wine"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 

@@ -1,8 +1,7 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
-
-#include "diag/Timer.h"
 
 namespace kel {
 
@@ -38,7 +37,6 @@ protected:
 
 private:
     void Exchange();
-    void Send(void* request);
 
     std::wstring host;
     std::wstring verb;
@@ -46,7 +44,6 @@ private:
     std::wstring contentType;
     std::wstring body;
     std::wstring result;
-    Timer timer;
 };
 
 /// The key that the service asks of every client.

@@ -9,7 +9,8 @@ namespace kel {
 
 /// The identity of a device, read from a hardware id such as
 /// `PCI\VEN_8086&DEV_1916&SUBSYS_07251028&REV_07`. USB, HDAUDIO and ACPI forms are read as well. The parts
-/// are in upper case; a part that the id lacks, or that is malformed, is empty.
+/// are in upper case; a part that the id lacks, or that is malformed, is empty. Of a part that is there twice
+/// the last one counts.
 class DeviceID : public Value {
 public:
     DeviceID() = default;

@@ -23,7 +23,7 @@ bool Size::Initialize(const wchar_t* text)
 {
     bytes = 0;
     if (text == nullptr) {
-        WriteLog(LogWarning, L"NULL parameter.");
+        ReportFailure(LogWarning, L"NULL parameter.");
         return false;
     }
     try {

@@ -36,7 +36,7 @@ const wchar_t* Speed::ToString() const
     try {
         FormatQuantity(hertz, 1000.0, PrintedUnits, text);
     } catch (...) {
-        ReportFailure(LogWarning, L"Error while formatting speed string.");
+        ReportFailure(LogWarning, L"Error while formatting size string.");  // the line that support looks for
     }
     return text.c_str();
 }

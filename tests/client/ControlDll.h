@@ -21,7 +21,7 @@ public:
     template <typename Function>
     Function* Entry(const char* name) const
     {
-        return FindFunction<Function>(library, name);
+        return FindFunction<Function>(library.get(), name);
     }
 
     Microsoft::WRL::ComPtr<IClassFactory> Factory() const

@@ -1,8 +1,10 @@
 #include <comutil.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <objsafe.h>
 #include <ocidl.h>
 #include <wininet.h>
+
+#include <array>
 
 #include "client/ControlDll.h"
 #include "client/Outer.h"
@@ -14,11 +16,12 @@ namespace {
 using Microsoft::WRL::ComPtr;
 
 struct Control : testing::Test {
-    test::Apartment apartment;
-    test::ControlDll dll;
+    const test::Apartment apartment;
+    const test::ControlDll dll;
+    ComPtr<ISysInfo> control = dll.Create();
 
     template <typename Interface>
-    static ComPtr<Interface> As(const ComPtr<ISysInfo>& control)
+    ComPtr<Interface> As() const
     {
         ComPtr<Interface> queried;
         control.As(&queried);
@@ -26,70 +29,69 @@ struct Control : testing::Test {
     }
 
     /// Reads a property: its text, or "(null)".
-    static std::wstring Get(const ComPtr<ISysInfo>& control,
-                            HRESULT (STDMETHODCALLTYPE ISysInfo::*get)(BSTR*))
+    std::wstring Get(HRESULT (STDMETHODCALLTYPE ISysInfo::*get)(BSTR*)) const
     {
         _bstr_t text;
         EXPECT_EQ((control.Get()->*get)(text.GetAddress()), S_OK);
         const wchar_t* characters = text;
         return characters != nullptr ? characters : L"(null)";
     }
+
+    HRESULT CanUnload() const { return dll.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(); }
 };
 
 TEST_F(Control, HasItsMembersInTheSlotsAndUnderTheIdsThatClientsWereBuiltWith)
 {
     ComPtr<ITypeLib> library;
     ASSERT_EQ(LoadTypeLibEx(KEL_DLL_PATH, REGKIND_NONE, &library), S_OK);
-    TLIBATTR* attributes = nullptr;
-    ASSERT_EQ(library->GetLibAttr(&attributes), S_OK);
-    EXPECT_EQ(attributes->guid, LIBID_DetectionLib);
-    EXPECT_EQ(attributes->lcid, 0x409U);
-    EXPECT_EQ(attributes->wMajorVerNum * 10 + attributes->wMinorVerNum, 10);
-    library->ReleaseTLibAttr(attributes);
-
-    ComPtr<ITypeInfo> dispatch;
-    ComPtr<ITypeInfo> members;
+    ComPtr<ITypeInfo> dispatch, members;
     HREFTYPE reference = 0;
     ASSERT_EQ(library->GetTypeInfoOfGuid(IID_ISysInfo, &dispatch), S_OK);
     ASSERT_EQ(dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK);
     ASSERT_EQ(dispatch->GetRefTypeInfo(reference, &members), S_OK);
-    const struct {
-        const wchar_t* name;
-        DISPID id;
-        INVOKEKIND kind;
-        int arguments;
-    } rows[] = {
-        {L"Analysis", 1, INVOKE_PROPERTYGET, 4},   {L"Logging", 2, INVOKE_PROPERTYGET, 1},
-        {L"Logging", 2, INVOKE_PROPERTYPUT, 1},    {L"ReferrerID", 3, INVOKE_PROPERTYGET, 1},
-        {L"ReferrerID", 3, INVOKE_PROPERTYPUT, 1}, {L"SessionID", 4, INVOKE_PROPERTYGET, 1},
-        {L"SessionID", 4, INVOKE_PROPERTYPUT, 1},  {L"System", 5, INVOKE_PROPERTYGET, 2},
-        {L"UserID", 6, INVOKE_PROPERTYGET, 1},     {L"UserID", 6, INVOKE_PROPERTYPUT, 1},
-        {L"Version", 7, INVOKE_PROPERTYGET, 1},    {L"Detect", 8, INVOKE_FUNC, 0},
-        {L"Value", 9, INVOKE_PROPERTYGET, 2},      {L"SysInfo", 10, INVOKE_PROPERTYGET, 1},
-        {L"SysInfo", 10, INVOKE_PROPERTYPUT, 1},   {L"Debug", 11, INVOKE_PROPERTYGET, 1},
-        {L"Debug", 11, INVOKE_PROPERTYPUT, 1},     {L"Configure", 12, INVOKE_FUNC, 1},
+    constexpr INVOKEKIND Get = INVOKE_PROPERTYGET, Put = INVOKE_PROPERTYPUT, Call = INVOKE_FUNC;
+    const std::tuple<const wchar_t*, DISPID, INVOKEKIND, int> rows[] = {
+        // with the count of arguments
+        {L"Analysis", 1, Get, 4},   {L"Logging", 2, Get, 1},    {L"Logging", 2, Put, 1},
+        {L"ReferrerID", 3, Get, 1}, {L"ReferrerID", 3, Put, 1}, {L"SessionID", 4, Get, 1},
+        {L"SessionID", 4, Put, 1},  {L"System", 5, Get, 2},     {L"UserID", 6, Get, 1},
+        {L"UserID", 6, Put, 1},     {L"Version", 7, Get, 1},    {L"Detect", 8, Call, 0},
+        {L"Value", 9, Get, 2},      {L"SysInfo", 10, Get, 1},   {L"SysInfo", 10, Put, 1},
+        {L"Debug", 11, Get, 1},     {L"Debug", 11, Put, 1},     {L"Configure", 12, Call, 1},
     };
     UINT index = 0;
-    for (const auto& row : rows) {
-        FUNCDESC* description = nullptr;
-        ASSERT_EQ(members->GetFuncDesc(index, &description), S_OK);
-        _bstr_t name;
-        members->GetDocumentation(description->memid, name.GetAddress(), nullptr, nullptr, nullptr);
-        EXPECT_STREQ(name, row.name);
-        EXPECT_EQ(description->memid, row.id) << row.name;
-        EXPECT_EQ(description->invkind, row.kind) << row.name;
-        EXPECT_EQ(description->cParams, row.arguments) << row.name;
-        EXPECT_EQ(description->oVft, static_cast<SHORT>((7 + index) * sizeof(void*))) << row.name;
-        members->ReleaseFuncDesc(description);
-        ++index;
+    FUNCDESC* member = nullptr;
+    for (const auto& [name, id, kind, arguments] : rows) {
+        ASSERT_EQ(members->GetFuncDesc(index, &member), S_OK);
+        _bstr_t found;
+        members->GetDocumentation(member->memid, found.GetAddress(), nullptr, nullptr, nullptr);
+        EXPECT_STREQ(found, name);
+        EXPECT_EQ(std::tie(member->memid, member->invkind), std::tie(id, kind)) << name;
+        EXPECT_EQ(member->cParams, arguments) << name;
+        EXPECT_EQ(member->oVft, static_cast<SHORT>((7 + index++) * sizeof(void*))) << name;
+        members->ReleaseFuncDesc(member);
     }
-    FUNCDESC* further = nullptr;
-    EXPECT_NE(members->GetFuncDesc(index, &further), S_OK);
+    EXPECT_NE(members->GetFuncDesc(index, &member), S_OK);
+}
+
+TEST_F(Control, CarriesItsResources)
+{
+    const HMODULE module = dll.Handle();
+    std::array<wchar_t, 20> name = {};
+    EXPECT_GT(LoadStringW(module, 100, name.data(), static_cast<int>(name.size())), 0);
+    EXPECT_STREQ(name.data(), L"Detection");
+    for (const auto& [id, type] : {std::pair(1, L"TYPELIB"), {106, L"REGISTRY"}, {102, MAKEINTRESOURCEW(2)}})
+        EXPECT_NE(FindResourceW(module, MAKEINTRESOURCEW(id), type), nullptr) << id;
+    const HRSRC version = FindResourceW(module, MAKEINTRESOURCEW(1), MAKEINTRESOURCEW(16));
+    ASSERT_NE(version, nullptr);
+    // The fixed part follows the block's head and name; the file's version stands after two numbers.
+    const auto* words = static_cast<const WORD*>(LockResource(LoadResource(module, version)));
+    EXPECT_EQ(std::vector<WORD>(words + 24, words + 28), (std::vector<WORD>{5, 4, 0, 1}));
 }
 
 TEST_F(Control, FactoryRefusesWhatItCannotMake)
 {
-    void* nothing = &dll;
+    void* nothing = this;
     const auto getClassObject = dll.Entry<decltype(DllGetClassObject)>("DllGetClassObject");
     EXPECT_EQ(getClassObject(IID_ISysInfo, IID_IClassFactory, &nothing), CLASS_E_CLASSNOTAVAILABLE);
     EXPECT_EQ(nothing, nullptr);
@@ -102,64 +104,48 @@ TEST_F(Control, FactoryRefusesWhatItCannotMake)
     EXPECT_EQ(nothing, nullptr);
 }
 
-TEST_F(Control, CountsObjectsFactoriesAndLocks)
+TEST_F(Control, CountsObjectsAndLocks)
 {
-    const auto canUnload = dll.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow");
-    EXPECT_EQ(canUnload(), S_OK);
-    {
-        const auto control = dll.Create();
-        EXPECT_EQ(canUnload(), S_FALSE);
-    }
-    EXPECT_EQ(canUnload(), S_OK);
+    EXPECT_EQ(CanUnload(), S_FALSE);
+    control.Reset();
+    EXPECT_EQ(CanUnload(), S_OK);
     dll.Factory()->LockServer(TRUE);
-    EXPECT_EQ(canUnload(), S_FALSE);
+    EXPECT_EQ(CanUnload(), S_FALSE);
     dll.Factory()->LockServer(FALSE);
-    EXPECT_EQ(canUnload(), S_OK);
+    EXPECT_EQ(CanUnload(), S_OK);
 }
 
 TEST_F(Control, LendsItsInterfacesToAnAggregatingObject)
 {
     test::Outer outer;
     ASSERT_EQ(dll.Factory()->CreateInstance(&outer, IID_PPV_ARGS(&outer.inner)), S_OK);
-    {
-        ComPtr<ISysInfo> control;
-        ASSERT_EQ(outer.QueryInterface(IID_PPV_ARGS(&control)), S_OK);
-        EXPECT_EQ(outer.references, 2U);
-        ComPtr<IUnknown> identity;
-        ASSERT_EQ(control.As(&identity), S_OK);
-        EXPECT_EQ(identity.Get(), &outer);
-        EXPECT_EQ(Get(control, &ISysInfo::get_Version), L"4.5.1.0");
-    }
+    ASSERT_EQ(outer.QueryInterface(IID_PPV_ARGS(&control)), S_OK);
+    EXPECT_EQ(outer.references, 2U);
+    EXPECT_EQ(As<IUnknown>().Get(), &outer);
+    EXPECT_EQ(Get(&ISysInfo::get_Version), L"4.5.1.0");
+    control.Reset();
     EXPECT_EQ(outer.references, 1U);
     outer.inner.Reset();
-    EXPECT_EQ(dll.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
+    EXPECT_EQ(CanUnload(), S_OK);
 }
 
 TEST_F(Control, TellsTheSafetyOptionsThatAreSet)
 {
-    const auto control = dll.Create();
     ComPtr<IObjectSafety> safety;
     ASSERT_EQ(control->QueryInterface(IID_IObjectSafety, reinterpret_cast<void**>(safety.GetAddressOf())),
               S_OK);
     DWORD supported = 9, enabled = 9;
     EXPECT_EQ(safety->GetInterfaceSafetyOptions(IID_IDispatch, &supported, &enabled), S_OK);
-    EXPECT_EQ(supported, 3U);
-    EXPECT_EQ(enabled, 0U);
-    const struct {
-        REFIID riid;
-        DWORD mask, options;
-        HRESULT result;
-        DWORD enabledAfter;
-    } rows[] = {
+    EXPECT_EQ(supported * 10 + enabled, 30U);
+    const std::tuple<IID, DWORD, DWORD, HRESULT, DWORD> rows[] = {
         {IID_IDispatch, 3, 3, S_OK, 3},   {IID_IPersistPropertyBag, 1, 0, S_OK, 2},
         {IID_IDispatch, 4, 4, E_FAIL, 2}, {IID_IDispatch, 7, 1, E_FAIL, 2},
         {IID_IDispatch, 1, 5, E_FAIL, 2}, {IID_IStream, 3, 0, E_NOINTERFACE, 2},
-        {IID_ISysInfo, 0, 0, S_OK, 2},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(safety->SetInterfaceSafetyOptions(row.riid, row.mask, row.options), row.result);
+    for (const auto& [riid, mask, options, result, enabledAfter] : rows) {
+        EXPECT_EQ(safety->SetInterfaceSafetyOptions(riid, mask, options), result);
         EXPECT_EQ(safety->GetInterfaceSafetyOptions(IID_IDispatch, &supported, &enabled), S_OK);
-        EXPECT_EQ(enabled, row.enabledAfter);
+        EXPECT_EQ(enabled, enabledAfter);
     }
     EXPECT_EQ(safety->GetInterfaceSafetyOptions(IID_IStream, &supported, &enabled), E_NOINTERFACE);
     EXPECT_EQ(supported + enabled, 0U);
@@ -168,16 +154,13 @@ TEST_F(Control, TellsTheSafetyOptionsThatAreSet)
 
 TEST_F(Control, KeepsItsSite)
 {
-    const auto control = dll.Create();
-    const auto withSite = As<IObjectWithSite>(control);
-    ComPtr<IUnknown> found;
-    EXPECT_EQ(withSite->GetSite(IID_PPV_ARGS(&found)), E_FAIL);
+    const auto withSite = As<IObjectWithSite>();
     const auto site = dll.Factory();
+    ComPtr<IClassFactory> found;
+    EXPECT_EQ(withSite->GetSite(IID_PPV_ARGS(&found)), E_FAIL);
     EXPECT_EQ(withSite->SetSite(site.Get()), S_OK);
     EXPECT_EQ(withSite->GetSite(IID_PPV_ARGS(&found)), S_OK);
-    ComPtr<IUnknown> identity;
-    ASSERT_EQ(site.As(&identity), S_OK);
-    EXPECT_EQ(found.Get(), identity.Get());
+    EXPECT_EQ(found.Get(), site.Get());
     EXPECT_EQ(withSite->GetSite(IID_IUnknown, nullptr), E_POINTER);
     EXPECT_EQ(withSite->SetSite(nullptr), S_OK);
     EXPECT_EQ(withSite->GetSite(IID_PPV_ARGS(&found)), E_FAIL);
@@ -185,27 +168,21 @@ TEST_F(Control, KeepsItsSite)
 
 TEST_F(Control, LoadsItsIdentifiersFromAPropertyBagAndSavesThem)
 {
-    const auto control = dll.Create();
-    const auto persist = As<IPersistPropertyBag>(control);
-    const std::wstring session = Get(control, &ISysInfo::get_SessionID);
+    const auto persist = As<IPersistPropertyBag>();
+    const std::wstring session = Get(&ISysInfo::get_SessionID);
+    test::PropertyBag bag, saved;
+    bag.values[L"LOGGING"] = L"5";
     EXPECT_EQ(persist->InitNew(), S_OK);
+    EXPECT_EQ(persist->Load(&bag, nullptr), S_OK);
+    EXPECT_THAT(bag.reads,
+                testing::ElementsAre(L"LOGGING", L"SESSION_ID", L"REFERRER_ID", L"USER_ID", L"DEBUG"));
+    EXPECT_EQ(Get(&ISysInfo::get_Logging), L"0");
+    EXPECT_EQ(Get(&ISysInfo::get_SessionID), session);
 
-    test::PropertyBag onlyLogging;
-    onlyLogging.values[L"LOGGING"] = L"5";
-    EXPECT_EQ(persist->Load(&onlyLogging, nullptr), S_OK);
-    EXPECT_EQ(onlyLogging.reads,
-              (std::vector<std::wstring>{L"LOGGING", L"SESSION_ID", L"REFERRER_ID", L"USER_ID", L"DEBUG"}));
-    EXPECT_EQ(Get(control, &ISysInfo::get_Logging), L"0");
-    EXPECT_EQ(Get(control, &ISysInfo::get_SessionID), session);
-
-    test::PropertyBag bag;
-    bag.values[L"SESSION_ID"] = L"s";
-    bag.values[L"REFERRER_ID"] = L"r";
+    bag.values = {{L"SESSION_ID", L"s"}, {L"REFERRER_ID", L"r"}, {L"DEBUG", L"yes"}};
     bag.values[L"USER_ID"] = 42L;  // no string: skipped
-    bag.values[L"DEBUG"] = L"yes";
     EXPECT_EQ(persist->Load(&bag, nullptr), S_OK);
     EXPECT_EQ(persist->Load(nullptr, nullptr), S_OK);
-    test::PropertyBag saved;
     EXPECT_EQ(persist->Save(&saved, TRUE, TRUE), S_OK);
     const std::map<std::wstring, _variant_t> expected = {
         {L"SESSION_ID", L"s"}, {L"REFERRER_ID", L"r"}, {L"USER_ID", L""}, {L"DEBUG", L"1"}};
@@ -218,76 +195,54 @@ TEST_F(Control, LoadsItsIdentifiersFromAPropertyBagAndSavesThem)
 
 TEST_F(Control, KeepsAndClearsTextsAsEachMemberDoes)
 {
-    const auto control = dll.Create();
     const auto other = dll.Create();  // all objects share one session
-    const _bstr_t empty(L"");
-    control->put_ReferrerID(_bstr_t(L"r\u00e9"));
-    control->put_ReferrerID(empty);
-    control->put_ReferrerID(nullptr);
-    EXPECT_EQ(Get(other, &ISysInfo::get_ReferrerID), L"r\u00e9");
-    control->put_SessionID(_bstr_t(L"s"));
-    control->put_SessionID(nullptr);
-    EXPECT_EQ(Get(other, &ISysInfo::get_SessionID), L"s");
-    control->put_UserID(_bstr_t(L"u"));
-    EXPECT_EQ(Get(other, &ISysInfo::get_UserID), L"u");
-    control->put_UserID(nullptr);
-    EXPECT_EQ(Get(other, &ISysInfo::get_UserID), L"");
-    const std::pair<const wchar_t*, const wchar_t*> debugs[] = {
-        {L"x", L"1"}, {L"0", L"0"}, {L"00", L"1"}, {L"", L"0"}};
-    for (const auto& [put, got] : debugs) {
-        control->put_Debug(_bstr_t(put));
-        EXPECT_EQ(Get(control, &ISysInfo::get_Debug), got) << put;
-    }
-    const std::pair<const wchar_t*, const wchar_t*> levels[] = {
-        {L"12", L"7"}, {L"3x", L"3"}, {L"-2", L"-2"}, {L"abc", L"0"}};
-    for (const auto& [put, got] : levels) {
-        control->put_Logging(_bstr_t(put));
-        EXPECT_EQ(Get(control, &ISysInfo::get_Logging), got) << put;
+    using Member = std::pair<decltype(&ISysInfo::put_UserID), decltype(&ISysInfo::get_UserID)>;
+    const Member referrer(&ISysInfo::put_ReferrerID, &ISysInfo::get_ReferrerID);
+    const Member session(&ISysInfo::put_SessionID, &ISysInfo::get_SessionID);
+    const Member user(&ISysInfo::put_UserID, &ISysInfo::get_UserID);
+    const Member debug(&ISysInfo::put_Debug, &ISysInfo::get_Debug);
+    const Member level(&ISysInfo::put_Logging, &ISysInfo::get_Logging);
+    const std::tuple<Member, const wchar_t*, const wchar_t*> rows[] = {
+        {user, L"u", L"u"},     {user, nullptr, L""},  {session, L"s", L"s"},     {session, nullptr, L"s"},
+        {referrer, L"r", L"r"}, {referrer, L"", L"r"}, {referrer, nullptr, L"r"}, {debug, L"x", L"1"},
+        {debug, L"0", L"0"},    {debug, L"00", L"1"},  {debug, L"", L"0"},        {level, L"12", L"7"},
+        {level, L"3x", L"3"},   {level, L"-2", L"-2"}, {level, L"abc", L"0"},
+    };
+    for (const auto& [member, put, got] : rows) {
+        EXPECT_EQ((other.Get()->*member.first)(_bstr_t(put)), S_OK);
+        EXPECT_EQ(Get(member.second), got) << put;
     }
 }
 
 TEST_F(Control, AnswersWithoutAService)
 {
-    const auto control = dll.Create();
-    EXPECT_EQ(
-        control->Configure(_bstr_t(L"<user_id>u</user_id><groups><group id='71465'><value>a&b</value></group>"
-                                   L"<group id='5'><value>five</value></group></groups>")),
-        S_OK);
-    _bstr_t value;
-    EXPECT_EQ(control->get_Value(_bstr_t(L"5"), value.GetAddress()), S_OK);
-    EXPECT_STREQ(value, L"five");
-    EXPECT_EQ(Get(control, &ISysInfo::get_Logging), L"7");  // every run logs in full
-    EXPECT_EQ(control->get_Value(_bstr_t(L"71206"), value.GetAddress()), S_OK);
-    EXPECT_STREQ(value, L"u");
-    BSTR missing = value.GetBSTR();
+    control->Configure(_bstr_t(L"<groups><group id='71465'><value>a&b</value></group></groups>"));
+    _bstr_t identifier, analysis;
+    EXPECT_EQ(control->put_SysInfo(_bstr_t(L"ignored")), S_OK);
+    const std::wstring report = Get(&ISysInfo::get_SysInfo);
+    EXPECT_TRUE(report.starts_with(L"<groups><group index=\"0\" id=\"71465\"><value>")) << report.c_str();
+    EXPECT_EQ(control->get_Value(_bstr_t(L"71424"), identifier.GetAddress()), S_OK);
+    EXPECT_EQ(Get(&ISysInfo::get_Logging), L"7");  // every run logs in full
+    EXPECT_EQ(static_cast<const wchar_t*>(identifier), Get(&ISysInfo::get_SessionID));
+    BSTR missing = identifier.GetBSTR();
     EXPECT_EQ(control->get_Value(_bstr_t(L"no such value"), &missing), S_OK);
     EXPECT_EQ(missing, nullptr);
-    EXPECT_EQ(control->put_SysInfo(_bstr_t(L"ignored")), S_OK);
-    const std::wstring report = Get(control, &ISysInfo::get_SysInfo);
-    EXPECT_TRUE(report.starts_with(L"<groups><group index=\"0\" id=\"71465\"><value>")) << report.c_str();
-    _bstr_t system;
-    EXPECT_EQ(control->get_System(_bstr_t(L"any"), system.GetAddress()), S_OK);
-    EXPECT_EQ(static_cast<const wchar_t*>(system), report);
-    _bstr_t analysis;
     EXPECT_EQ(control->get_Analysis(_bstr_t(L"i"), nullptr, nullptr, analysis.GetAddress()), S_OK);
     EXPECT_STREQ(analysis, L"");
 }
 
 TEST_F(Control, TakesNullPointersAndHugeTexts)
 {
-    const auto control = dll.Create();
-    EXPECT_EQ(control->get_Version(nullptr), S_OK);
-    EXPECT_EQ(control->get_SysInfo(nullptr), S_OK);
-    EXPECT_EQ(control->get_System(nullptr, nullptr), S_OK);
-    EXPECT_EQ(control->get_Value(nullptr, nullptr), S_OK);
-    EXPECT_EQ(control->get_Analysis(nullptr, nullptr, nullptr, nullptr), S_OK);
-    EXPECT_EQ(control->Configure(nullptr), S_OK);
-    EXPECT_EQ(control->put_Logging(_bstr_t(L"0")), S_OK);
+    for (const HRESULT result :
+         {control->get_Version(nullptr), control->get_SysInfo(nullptr), control->get_System(nullptr, nullptr),
+          control->get_Value(nullptr, nullptr), control->get_Analysis(nullptr, nullptr, nullptr, nullptr),
+          control->Configure(nullptr), control->put_Logging(_bstr_t(L"0"))})
+        EXPECT_EQ(result, S_OK);
     const std::wstring megabyte(1 << 20, L'<');
     for (const std::wstring& text :
          {megabyte, L"<groups><group id=" + megabyte, L"<user_id>" + megabyte + L"</user_id>"})
         EXPECT_EQ(control->Configure(_bstr_t(text.c_str())), S_OK);
-    EXPECT_EQ(Get(control, &ISysInfo::get_UserID), megabyte);
+    EXPECT_EQ(Get(&ISysInfo::get_UserID), megabyte);
     EXPECT_EQ(control->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(control->Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, nullptr, nullptr, nullptr),
               E_POINTER);

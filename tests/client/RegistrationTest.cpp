@@ -1,82 +1,91 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <olectl.h>
 #include <shlwapi.h>
 
+#include <regex>
+
 #include "client/ControlDll.h"
 #include "support/ScratchKey.h"
+#include "values/Text.h"
 
 namespace kel {
 namespace {
 
-std::wstring Filled(const wchar_t* text, const std::wstring& path)
+using testing::HasSubstr;
+
+/// Registered classes, with # for the class id and @ for the path of the DLL.
+std::wstring Classes(const test::ScratchKey& root, const std::wstring& folder)
 {
-    std::wstring filled = text;
-    for (std::size_t at = filled.find(L'@'); at != std::wstring::npos;
-         at = filled.find(L'@', at + path.size()))
-        filled.replace(at, 1, path);
-    return filled;
+    std::wstring text = root.Dump(folder);
+    ReplaceAll(text, L"{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}", L"#");
+    ReplaceAll(text, KEL_DLL_PATH, L"@");
+    return text;
 }
 
-TEST(Registration, OfTheCurrentUserIsCompleteAndLeavesNothing)
+struct Way {
+    HKEY root;
+    const wchar_t* folder;
+    HRESULT (*run)(const test::ControlDll& dll, bool install);
+};
+
+class Registration : public testing::TestWithParam<Way> {};
+
+TEST_P(Registration, IsCompleteAndLeavesNothing)
 {
     const test::ControlDll dll;
-    const auto install = dll.Entry<decltype(DllInstall)>("DllInstall");
-    test::ScratchKey user;
-    user.Write(L"Software\\Classes\\CLSID\\{other}", L"", L"stays");
-    user.StandFor(HKEY_CURRENT_USER);
-    const std::wstring before = user.Dump(L"Software\\Classes");
-    ASSERT_EQ(install(TRUE, L"USER"), S_OK);
-    const std::wstring after = user.Dump(L"Software\\Classes");
-    const std::wstring expected = Filled(
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}]\n=SysInfo "
-        L"Class\nAppID={3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\Control]\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\InprocServer32]\n=@\nThreadingModel=Apartment\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\MiscStatus]\n=0\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\MiscStatus\\1]\n=132096\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\ProgID]\n=KELDetection_TAMS64.SysInfo.1\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\Programmable]\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\ToolboxBitmap32]\n=@, 102\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\TypeLib]\n={386EBC54-4F11-4853-BB50-316281E41CFF}\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\Version]\n=1.0\n"
-        L"[CLSID\\{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\\VersionIndependentProgID]\n=KELDetection_TAMS64."
-        L"SysInfo\n",
-        KEL_DLL_PATH);
-    EXPECT_NE(after.find(expected), std::wstring::npos) << after.c_str();
-    for (const wchar_t* key :
-         {L"[KELDetection_TAMS64.SysInfo.1]\n=SysInfo Class\n"
-          L"[KELDetection_TAMS64.SysInfo.1\\CLSID]\n={3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\n",
-          L"[KELDetection_TAMS64.SysInfo]\n=SysInfo Class\n"
-          L"[KELDetection_TAMS64.SysInfo\\CLSID]\n={3D7C6027-9644-4282-BC8F-AC0BABB38FDB}\n"
-          L"[KELDetection_TAMS64.SysInfo\\CurVer]\n=KELDetection_TAMS64.SysInfo.1\n",
-          L"ib\\{386EBC54-4F11-4853-BB50-316281E41CFF}\\1.0\\409\\win64]\n"})
-        EXPECT_NE(after.find(key), std::wstring::npos) << key << after.c_str();
+    const auto run = [&dll](bool install) { return GetParam().run(dll, install); };
+    test::ScratchKey root;
+    const std::wstring folder = GetParam().folder;
+    root.Write(folder + L"CLSID\\{other}", L"", L"stays");
+    root.StandFor(GetParam().root);
+    const std::wstring before = Classes(root, folder);
+    ASSERT_EQ(run(true), S_OK);
+    const std::wstring after = Classes(root, folder);
+    EXPECT_THAT(after, HasSubstr(L"[CLSID\\#]\n=SysInfo Class\nAppID=#\n"
+                                 L"[CLSID\\#\\Control]\n"
+                                 L"[CLSID\\#\\InprocServer32]\n=@\nThreadingModel=Apartment\n"
+                                 L"[CLSID\\#\\MiscStatus]\n=0\n[CLSID\\#\\MiscStatus\\1]\n=132096\n"
+                                 L"[CLSID\\#\\ProgID]\n=KELDetection_TAMS64.SysInfo.1\n"
+                                 L"[CLSID\\#\\Programmable]\n"
+                                 L"[CLSID\\#\\ToolboxBitmap32]\n=@, 102\n"
+                                 L"[CLSID\\#\\TypeLib]\n={386EBC54-4F11-4853-BB50-316281E41CFF}\n"
+                                 L"[CLSID\\#\\Version]\n=1.0\n"
+                                 L"[CLSID\\#\\VersionIndependentProgID]\n=KELDetection_TAMS64.SysInfo\n"));
+    EXPECT_THAT(after, HasSubstr(L"[KELDetection_TAMS64.SysInfo.1]\n=SysInfo Class\n"
+                                 L"[KELDetection_TAMS64.SysInfo.1\\CLSID]\n=#\n"));
+    EXPECT_THAT(after, HasSubstr(L"[KELDetection_TAMS64.SysInfo]\n=SysInfo Class\n"
+                                 L"[KELDetection_TAMS64.SysInfo\\CLSID]\n=#\n"
+                                 L"[KELDetection_TAMS64.SysInfo\\CurVer]\n=KELDetection_TAMS64.SysInfo.1\n"));
+    EXPECT_THAT(after, HasSubstr(L"ib\\{386EBC54-4F11-4853-BB50-316281E41CFF}\\1.0\\409\\win64]\n=@\n"));
 
-    ASSERT_EQ(install(TRUE, L"user"), S_OK);
-    EXPECT_EQ(user.Dump(L"Software\\Classes"), after);
-    ASSERT_EQ(install(FALSE, L"user"), S_OK);
-    std::wstring left = user.Dump(L"Software\\Classes");
-    for (const wchar_t* shared :
-         {L"[Interface]\n", L"[TypeLib]\n", L"[Typelib]\n"}) {  // made by the system, empty
-        if (const std::size_t at = left.find(shared); at != std::wstring::npos)
-            left.erase(at, std::wcslen(shared));
-    }
-    EXPECT_EQ(left, before);
-    EXPECT_EQ(install(FALSE, L"user"), S_OK);
+    ASSERT_EQ(run(true), S_OK);
+    EXPECT_EQ(Classes(root, folder), after);
+    ASSERT_EQ(run(false), S_OK);
+    // The system makes these, and leaves them empty.
+    EXPECT_EQ(std::regex_replace(Classes(root, folder), std::wregex(L"\\[(Interface|Type[Ll]ib)\\]\n"), L""),
+              before);
+    EXPECT_EQ(run(false), S_OK);
 }
 
-TEST(Registration, ForAllServesTheComLoader)
+HRESULT Install(const test::ControlDll& dll, bool install, const wchar_t* commandLine)
 {
-    const test::Apartment apartment;
-    const test::ControlDll dll;
-    ASSERT_EQ(dll.Entry<decltype(DllRegisterServer)>("DllRegisterServer")(), S_OK);
-    Microsoft::WRL::ComPtr<ISysInfo> control;
-    CLSID classId = {};
-    ASSERT_EQ(CLSIDFromProgID(L"KELDetection_TAMS64.SysInfo", &classId), S_OK);
-    ASSERT_EQ(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control)), S_OK);
-    Microsoft::WRL::ComPtr<ITypeLib> library;
-    EXPECT_EQ(LoadRegTypeLib(LIBID_DetectionLib, 1, 0, 0x409, &library), S_OK);
+    return dll.Entry<decltype(DllInstall)>("DllInstall")(install, commandLine);
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, Registration,
+                         testing::Values(Way{HKEY_CURRENT_USER, L"Software\\Classes\\",
+                                             [](const test::ControlDll& dll, bool install) {
+                                                 return Install(dll, install, install ? L"USER" : L"user");
+                                             }},
+                                         Way{HKEY_CLASSES_ROOT, L"",
+                                             [](const test::ControlDll& dll, bool install) {
+                                                 return Install(dll, install, nullptr);
+                                             }},
+                                         Way{HKEY_CLASSES_ROOT, L"",
+                                             [](const test::ControlDll& dll, bool install) {
+                                                 return dll.Entry<decltype(DllRegisterServer)>(
+                                                     install ? "DllRegisterServer" : "DllUnregisterServer")();
+                                             }}));
 
 }  // namespace
 }  // namespace kel

@@ -1,9 +1,8 @@
 #include "detectors/OS.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <regex>
-#include <set>
 
 #include "detectors/MachineIdentifier.h"
 #include "detectors/OSName.h"
@@ -14,170 +13,158 @@
 namespace kel {
 namespace {
 
-OSInfo Info(DWORD major, DWORD minor, BYTE productType, WORD architecture, DWORD edition = 0,
-            WORD suiteMask = 0, const wchar_t* servicePack = L"", DWORD build = 1, bool isServerR2 = false)
+enum ProductType : BYTE { Workstation = 1, Controller = 2, Server = 3 };
+enum Architecture : WORD { X86 = 0, Arm = 5, Itanium = 6, X64 = 9 };
+
+OSInfo Info(DWORD major, DWORD minor, ProductType type, Architecture architecture, WORD suite = 0,
+            DWORD edition = 0)
 {
-    return {true, 2,         major,       minor,        build,   servicePack, 0,
-            0,    suiteMask, productType, architecture, edition, isServerR2};
+    return {true, 2, major, minor, 1, L"", 0, 0, suite, type, architecture, edition, false};
 }
 
-TEST(OSName, FollowsReleaseEditionArchitectureAndServicePack)
+/// The name without what all have, the maker and the build, and the flags after it.
+std::wstring Shown(const OSInfo& info)
 {
-    const struct {
-        OSInfo info;
-        std::wstring text;
-        std::vector<unsigned> flags;
-    } rows[] = {
-        {Info(6, 1, 1, 9, 1, 0, L"Service Pack 1", 7601),
-         L"Windows 7 Ultimate Edition Service Pack 1 (build 7601), 64-bit",
-         {71264, 71361, 71350}},
-        {Info(6, 0, 1, 0, 3, 0, L"", 6000),
-         L"Windows Vista Home Premium Edition (build 6000), 32-bit",
-         {71251, 71274}},
-        {Info(6, 0, 1, 9, 1),
-         L"Windows Vista Ultimate Edition (build 1), 64-bit",
-         {71264, 71361, 71251, 71275}},
-        {Info(6, 0, 1, 0, 2), L"Windows Vista Home Basic Edition (build 1), 32-bit", {71251, 71273}},
-        {Info(6, 0, 1, 0, 4), L"Windows Vista Enterprise Edition (build 1), 32-bit", {71251, 71272}},
-        {Info(6, 0, 1, 0, 6), L"Windows Vista Business Edition (build 1), 32-bit", {71251, 71271}},
-        {Info(6, 0, 1, 0, 0xB), L"Windows Vista Starter Edition (build 1), 32-bit", {71251}},
-        {Info(6, 0, 3, 9, 7),
-         L"Windows Server 2008 Standard Edition (build 1), 64-bit",
-         {71264, 71361, 71465}},
-        {Info(6, 0, 2, 0, 8), L"Windows Server 2008 Datacenter Edition (build 1), 32-bit", {71465}},
-        {Info(6, 0, 3, 0, 4), L"Windows Server 2008 Enterprise Edition (build 1), 32-bit", {71465}},
-        {Info(6, 0, 3, 6, 0xF),
-         L"Windows Server 2008 Enterprise Edition for Itanium-based Systems (build 1)",
-         {71264, 71360, 71465}},
-        {Info(6, 0, 3, 0, 9), L"Windows Server 2008 Small Business Server (build 1), 32-bit", {71465}},
-        {Info(6, 0, 3, 0, 0xA), L"Windows Server 2008 Enterprise Edition (build 1), 32-bit", {71465}},
-        {Info(6, 0, 3, 0, 0xC),
-         L"Windows Server 2008 Datacenter Edition (core installation) (build 1), 32-bit",
-         {71465}},
-        {Info(6, 0, 3, 0, 0xD),
-         L"Windows Server 2008 Standard Edition (core installation) (build 1), 32-bit",
-         {71465}},
-        {Info(6, 0, 3, 0, 0xE),
-         L"Windows Server 2008 Enterprise Edition (core installation) (build 1), 32-bit",
-         {71465}},
-        {Info(6, 1, 3, 9, 0x11),
-         L"Windows Server 2008 R2 Web Server Edition (build 1), 64-bit",
-         {71264, 71361, 71466}},
-        {Info(6, 1, 3, 0, 0x12), L"Windows Server 2008 R2 Cluster Server Edition (build 1), 32-bit", {71466}},
-        {Info(6, 1, 3, 0, 0x19),
-         L"Windows Server 2008 R2 Small Business Server Premium Edition (build 1), 32-bit",
-         {71466}},
-        {Info(6, 1, 1, 5, 5), L"Windows 7  (build 1)", {71350}},
-        {Info(6, 2, 1, 9, 0x30), L" (build 1), 64-bit", {71264, 71361}},
-        {Info(6, 2, 1, 9, 4), L"Enterprise Edition (build 1), 64-bit", {71264, 71361}},
-        {Info(10, 0, 1, 9, 1, 0, L"", 19045), L" (build 19045), 64-bit", {71264, 71361}},
-        {Info(5, 2, 3, 0, 0, 0, L"", 1, true),
-         L"Windows Server 2003 R2, Standard Edition (build 1)",
-         {71263}},
-        {Info(5, 2, 3, 0, 0, 0x2000), L"Windows Storage Server 2003Standard Edition (build 1)", {71263}},
-        {Info(5, 2, 3, 0, 0, 0x2002), L"Windows Server 2003, Enterprise Edition (build 1)", {71263}},
-        {Info(5, 2, 1, 0), L"Windows Server 2003,  (build 1)", {71263}},
-        {Info(5, 2, 1, 9, 0, 0, L"Service Pack 2", 3790),
-         L"Windows XP Professional x64 Edition Service Pack 2 (build 3790)",
-         {71264, 71361, 71276}},
-        {Info(5, 2, 3, 6, 0, 0x82),
-         L"Windows Server 2003, Datacenter Edition for Itanium-based Systems (build 1)",
-         {71264, 71360, 71263}},
-        {Info(5, 2, 3, 6, 0, 2),
-         L"Windows Server 2003, Enterprise Edition for Itanium-based Systems (build 1)",
-         {71264, 71360, 71263}},
-        {Info(5, 2, 3, 6), L"Windows Server 2003,  (build 1)", {71264, 71360, 71263}},
-        {Info(5, 2, 3, 9, 0, 0x80),
-         L"Windows Server 2003, Datacenter x64 Edition (build 1)",
-         {71264, 71361, 71263}},
-        {Info(5, 2, 2, 9, 0, 2),
-         L"Windows Server 2003, Enterprise x64 Edition (build 1)",
-         {71264, 71361, 71263}},
-        {Info(5, 2, 3, 9), L"Windows Server 2003, Standard x64 Edition (build 1)", {71264, 71361, 71263}},
-        {Info(5, 2, 3, 0, 0, 0x4080), L"Windows Server 2003, Compute Cluster Edition (build 1)", {71263}},
-        {Info(5, 2, 3, 0, 0, 0x480), L"Windows Server 2003, Datacenter Edition (build 1)", {71263}},
-        {Info(5, 2, 3, 0, 0, 0x402), L"Windows Server 2003, Enterprise Edition (build 1)", {71263}},
-        {Info(5, 2, 3, 0, 0, 0x400), L"Windows Server 2003, Web Edition (build 1)", {71263}},
-        {Info(5, 1, 1, 0, 0, 0x200), L"Windows XP Home Edition (build 1)", {71276}},
-        {Info(5, 1, 1, 0), L"Windows XP Professional (build 1)", {71276}},
-        {Info(5, 0, 1, 0, 0, 0x80), L"Windows 2000 Professional (build 1)", {71262}},
-        {Info(5, 0, 3, 0, 0, 0x82), L"Windows 2000 Datacenter Server (build 1)", {71262}},
-        {Info(5, 0, 3, 0, 0, 2), L"Windows 2000 Advanced Server (build 1)", {71262}},
-        {Info(5, 0, 2, 0), L"Windows 2000 Server (build 1)", {71262}},
-        {Info(5, 3, 1, 0), L" (build 1)", {}},
+    const OSName name = BuildDisplayName(info);
+    std::wstring shown = std::regex_replace(name.text, std::wregex(L"^Microsoft (.*) \\(build 1\\)"), L"$1");
+    for (const unsigned flag : name.flags)
+        shown += L" " + std::to_wstring(flag);
+    return shown;
+}
+
+TEST(OSName, FollowsReleaseAndArchitecture)
+{
+    const std::pair<OSInfo, const wchar_t*> rows[] = {
+        {Info(6, 1, Workstation, X64, 0, 1), L"Windows 7 Ultimate Edition, 64-bit 71264 71361 71350"},
+        {Info(6, 1, Workstation, Arm, 0, 5), L"Windows 7  71350"},
+        {Info(6, 1, Controller, X86, 0, 0x11), L"Windows Server 2008 R2 Web Server Edition, 32-bit 71466"},
+        {Info(6, 0, Server, Itanium), L"Windows Server 2008  71264 71360 71465"},
+        {Info(6, 2, Workstation, X64, 0, 0x30), L", 64-bit 71264 71361"},
+        {Info(6, 2, Workstation, X64, 0, 4), L"Enterprise Edition, 64-bit 71264 71361"},
+        {Info(10, 0, Workstation, X64, 0, 1), L", 64-bit 71264 71361"},
+        {Info(5, 3, Workstation, X86), L""},
+        {Info(5, 2, Workstation, X86), L"Windows Server 2003,  71263"},
+        {Info(5, 2, Workstation, X64), L"Windows XP Professional x64 Edition 71264 71361 71276"},
+        {Info(5, 2, Controller, Itanium), L"Windows Server 2003,  71264 71360 71263"},
+        {Info(5, 2, Server, X86, 0x2000), L"Windows Storage Server 2003Standard Edition 71263"},
+        {Info(5, 1, Workstation, X86, 0x200), L"Windows XP Home Edition 71276"},
+        {Info(5, 1, Workstation, X86), L"Windows XP Professional 71276"},
+        {Info(5, 0, Workstation, X86, 0x80), L"Windows 2000 Professional 71262"},
+        {Info(5, 0, Server, X86, 0x82), L"Windows 2000 Datacenter Server 71262"},
+        {Info(5, 0, Server, X86, 2), L"Windows 2000 Advanced Server 71262"},
+        {Info(5, 0, Controller, X86), L"Windows 2000 Server 71262"},
     };
-    for (const auto& row : rows) {
-        const OSName name = BuildDisplayName(row.info);
-        EXPECT_TRUE(name.isBuilt);
-        EXPECT_EQ(name.text, L"Microsoft " + row.text);
-        EXPECT_EQ(name.flags, row.flags) << row.text.c_str();
+    for (const auto& [info, shown] : rows)
+        EXPECT_EQ(Shown(info), shown);
+}
+
+TEST(OSName, KnowsTheEditionsOfVersion6)
+{
+    const std::tuple<DWORD, std::wstring, const wchar_t*> rows[] = {
+        {0x0B, L"Starter Edition", L""},        {0x02, L"Home Basic Edition", L" 71273"},
+        {0x07, L"Standard Edition", L""},       {0x04, L"Enterprise Edition", L" 71272"},
+        {0x08, L"Datacenter Edition", L""},     {0x03, L"Home Premium Edition", L" 71274"},
+        {0x0A, L"Enterprise Edition", L""},     {0x0D, L"Standard Edition (core installation)", L""},
+        {0x11, L"Web Server Edition", L""},     {0x19, L"Small Business Server Premium Edition", L""},
+        {0x09, L"Small Business Server", L""},  {0x0C, L"Datacenter Edition (core installation)", L""},
+        {0x01, L"Ultimate Edition", L" 71275"}, {0x0E, L"Enterprise Edition (core installation)", L""},
+        {0x06, L"Business Edition", L" 71271"}, {0x0F, L"Enterprise Edition for Itanium-based Systems", L""},
+        {0x12, L"Cluster Server Edition", L""},
+    };
+    for (const auto& [edition, text, vistaFlag] : rows) {
+        EXPECT_EQ(Shown(Info(6, 0, Server, X86, 0, edition)),
+                  L"Windows Server 2008 " + text + L", 32-bit 71465");
+        EXPECT_EQ(Shown(Info(6, 0, Workstation, X86, 0, edition)),
+                  L"Windows Vista " + text + L", 32-bit 71251" + vistaFlag);
     }
 }
 
-TEST(OSName, IsCutAtItsLongestAndMissingForForeignSystems)
+TEST(OSName, KnowsTheEditionsOfServer2003)
 {
-    const std::wstring longPack(300, L'x');
-    const std::wstring text = BuildDisplayName(Info(5, 0, 1, 0, 0, 0, longPack.c_str())).text;
-    EXPECT_EQ(text.size(), 255U);
-    EXPECT_TRUE(text.starts_with(L"Microsoft Windows 2000 Professional xxx"));
-    OSInfo old = Info(4, 0, 1, 0);
+    const std::tuple<Architecture, WORD, std::wstring> rows[] = {
+        {X86, 0x4080, L"Compute Cluster Edition"},
+        {X86, 0x0480, L"Datacenter Edition"},
+        {X86, 0x2402, L"Enterprise Edition"},
+        {X86, 0x0400, L"Web Edition"},
+        {X86, 0x0000, L"Standard Edition"},
+        {Itanium, 0x82, L"Datacenter Edition for Itanium-based Systems"},
+        {Itanium, 0x02, L"Enterprise Edition for Itanium-based Systems"},
+        {X64, 0x82, L"Datacenter x64 Edition"},
+        {X64, 0x02, L"Enterprise x64 Edition"},
+        {X64, 0x00, L"Standard x64 Edition"},
+    };
+    for (const auto& [architecture, suite, text] : rows)
+        EXPECT_EQ(BuildDisplayName(Info(5, 2, Server, architecture, suite)).text,
+                  L"Microsoft Windows Server 2003, " + text + L" (build 1)");
+}
+
+TEST(OSName, CarriesServicePackAndR2AndIsCutAtItsLongest)
+{
+    OSInfo info = Info(5, 2, Server, X86);
+    info.isServerR2 = true;
+    info.servicePack = L"Service Pack 2";
+    EXPECT_EQ(Shown(info), L"Windows Server 2003 R2, Standard Edition Service Pack 2 71263");
+    const std::wstring start = L"Microsoft Windows Server 2003 R2, Standard Edition ";
+    info.servicePack.assign(300, L'x');
+    EXPECT_EQ(BuildDisplayName(info).text, start + std::wstring(255 - start.size(), L'x'));
+}
+
+TEST(OSName, IsMissingForForeignSystems)
+{
+    OSInfo info = Info(4, 0, Workstation, X86);
     testing::internal::CaptureStdout();
-    EXPECT_FALSE(BuildDisplayName(old).isBuilt);
-    old = Info(5, 0, 1, 0);
-    old.platform = 1;
-    EXPECT_FALSE(BuildDisplayName(old).isBuilt);
+    EXPECT_FALSE(BuildDisplayName(info).isBuilt);
+    info.major = 5;
+    info.platform = 1;
+    EXPECT_FALSE(BuildDisplayName(info).isBuilt);
     const std::string line = "This sample does not support this version of Windows.\n";
     EXPECT_EQ(testing::internal::GetCapturedStdout(), line + line);
-    old.hasVersion = false;
-    EXPECT_FALSE(BuildDisplayName(old).isBuilt);
+    info.hasVersion = false;
+    EXPECT_FALSE(BuildDisplayName(info).isBuilt);
 }
 
 TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)
 {
     const std::wregex form(L"[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
-    test::ScratchKey user;
-    user.StandFor(HKEY_CURRENT_USER);
+    const test::ScratchKey user(HKEY_CURRENT_USER);
     const std::wstring first = GetMachineIdentifier();
     EXPECT_TRUE(std::regex_match(first, form)) << first.c_str();
     EXPECT_NE(GetMachineIdentifier(), first);
     EXPECT_EQ(user.Dump(), L"[]\n");
 
-    user.Make(L"software\\Keldane");
+    const std::wstring key = L"software\\Keldane";
+    user.Make(key);
     const std::wstring kept = GetMachineIdentifier();
-    EXPECT_EQ(user.Dump(L"software\\Keldane"), L"[]\nRun={" + kept + L"}\n");
+    EXPECT_EQ(user.Dump(key), L"[]\nRun={" + kept + L"}\n");
     EXPECT_EQ(GetMachineIdentifier(), kept);
 
-    user.Write(L"software\\Keldane", L"Run", L"");
+    user.Write(key, L"Run", L"");
     EXPECT_TRUE(std::regex_match(GetMachineIdentifier(), form));
-    user.Write(L"software\\Keldane", L"Run", L"{a}b}{");
+    user.Write(key, L"Run", L"{a}b}{");
     EXPECT_EQ(GetMachineIdentifier(), L"ab");
-    user.Write(L"software\\Keldane", L"Run", REG_SZ, L"{xyz}", 5 * sizeof(wchar_t));  // no terminating zero
+    user.Write(key, L"Run", REG_SZ, L"{xyz}", 5 * sizeof(wchar_t));  // no terminating zero
     EXPECT_EQ(GetMachineIdentifier(), L"xyz");
-    const DWORD number = 7;
-    user.Write(L"software\\Keldane", L"Run", REG_DWORD, &number, sizeof(number));
+    user.Write(key, L"Run", REG_DWORD, L"7", sizeof(DWORD));
     EXPECT_TRUE(std::regex_match(GetMachineIdentifier(), form));
 }
 
-constexpr const wchar_t* Frameworks = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP\\";
-
 TEST(OS, TakesTheLastReadableFramework)
 {
-    test::ScratchKey machine;
-    machine.StandFor(HKEY_LOCAL_MACHINE);
+    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
     test::TestSession session;
     OS().Detect();
     EXPECT_EQ(session.Text(71193), L"(none)");
-    const std::wstring key = Frameworks;
+    const std::wstring key = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP\\";
     machine.Write(key + L"a", L"Version", L"4.0");
     machine.Write(key + L"b", L"Version", L"2.0.50727");
     machine.Make(key + L"c");
     machine.Write(key + L"d", L"Version", std::wstring(100, L'9'));  // too long with its zero
     machine.Write(key + std::wstring(120, L'e'), L"Version", L"9");
-    const DWORD number = 7;
-    machine.Write(key + L"f", L"Version", REG_DWORD, &number, sizeof(number));
+    machine.Write(key + L"f", L"Version", REG_DWORD, L"7", sizeof(DWORD));
+    machine.Write(key + L"g", L"Version", L"1.1");
     const test::LogCapture log(3);
     OS().Detect();
-    EXPECT_EQ(session.Text(71193), L"2.0.50727");
+    EXPECT_EQ(session.Text(71193), L"1.1");
     EXPECT_EQ(std::ranges::count(log.Lines(), L"TRACE Using version: 4.0"), 1);
 }
 
@@ -186,15 +173,15 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
     const OSFunctions whole = OSFunctions::OfSystem();
     OSFunctions none = whole;
     none.getVersion = [](OSVERSIONINFOEXW&) { return FALSE; };
-    none.getNativeSystemInfo.clear();
-    none.getProductInfo.clear();
-    none.isWow64Process = [](HANDLE, BOOL*) { return FALSE; };
+    none.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE, FALSE; };
     test::TestSession session;
     EXPECT_TRUE(OS().Detect(none));
-    for (const unsigned missing : {71060U, 71072U, 71309U, 71363U, 71388U})
-        EXPECT_EQ(session.Text(missing), L"(none)") << missing;
-    EXPECT_EQ(session.Text(71264), L"No");
+    EXPECT_EQ(session.Texts({71060, 71072, 71309, 71363, 71388, 71264}),
+              L"(none)|(none)|(none)|(none)|(none)|No|");
     EXPECT_EQ(session.Text(71207).size(), 36U);
+    none.isWow64Process.clear();
+    EXPECT_TRUE(OS().Detect(none));
+    EXPECT_EQ(session.Text(71264), L"No");
 
     OSFunctions vista = whole;
     vista.getVersion = [](OSVERSIONINFOEXW& version) {
@@ -203,30 +190,37 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
         version.dwBuildNumber = 6002;
         version.wProductType = 1;
         version.wServicePackMajor = 2;
+        version.wServicePackMinor = 5;
         version.wSuiteMask = 256;
         return TRUE;
     };
     vista.getProductInfo.clear();
     vista.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE; };
     vista.getNativeSystemInfo = [](SYSTEM_INFO& system) { system.wProcessorArchitecture = 0; };
+    session.values = SystemValues();
     EXPECT_TRUE(OS().Detect(vista));
-    const std::pair<unsigned, const wchar_t*> stored[] = {
-        {71060, L"Microsoft Windows Vista  (build 6002), 32-bit"},
-        {71072, L"6.0.6002"},
-        {71309, L"6.0.6002"},
-        {71367, L"6"},
-        {71368, L"0"},
-        {71366, L"6002"},
-        {71364, L"2"},
-        {71365, L"0"},
-        {71363, L"256"},
-        {71362, L"1"},
-        {71251, L"Yes"},
-        {71264, L"Yes"},
-        {71361, L"No"}};
-    for (const auto& [id, text] : stored)
-        EXPECT_EQ(session.Text(id), text) << id;
-    EXPECT_TRUE(std::regex_match(session.Text(71388), std::wregex(L"[0-9A-F]{4}")));
+    const std::vector<unsigned> order = session.Numbers();
+    EXPECT_EQ(std::vector<unsigned>(order.begin() + 20, order.begin() + 32),
+              (std::vector<unsigned>{71060, 71309, 71072, 71367, 71368, 71366, 71364, 71365, 71363, 71362,
+                                     71388, 71207}));
+    EXPECT_EQ(session.Texts({71060, 71072, 71309, 71367, 71368, 71366, 71364, 71365}),
+              L"Microsoft Windows Vista  (build 6002), 32-bit|6.0.6002|6.0.6002|6|0|6002|2|5|");
+    EXPECT_EQ(session.Texts({71363, 71362, 71251, 71264, 71361}), L"256|1|Yes|Yes|No|");
+    EXPECT_EQ(std::stoul(session.Text(71388), nullptr, 16), GetUserDefaultLCID());
+    EXPECT_EQ(session.Text(71388).size(), 4U);
+
+    OSFunctions server = whole;
+    server.getNativeSystemInfo.clear();
+    server.getSystemMetrics = [](int metric) { return metric == SM_SERVERR2 ? 1 : 0; };
+    server.getVersion = [](OSVERSIONINFOEXW& version) {
+        version.dwPlatformId = 2;
+        version.dwMajorVersion = 5;
+        version.dwMinorVersion = 2;
+        version.wProductType = 3;
+        return TRUE;
+    };
+    EXPECT_TRUE(OS().Detect(server));
+    EXPECT_EQ(session.Text(71060), L"Microsoft Windows Server 2003 R2, Standard x64 Edition (build 0)");
 }
 
 TEST(OS, StoresItsFlagsFirstAndAnErrorLeavesThem)
@@ -237,12 +231,9 @@ TEST(OS, StoresItsFlagsFirstAndAnErrorLeavesThem)
     const test::LogCapture log(1);
     EXPECT_TRUE(OS().Detect(throwing));
     EXPECT_EQ(log.Lines(), std::vector<std::wstring>{L"ERR Error in OS detection."});
-    std::vector<unsigned> order;
-    for (const SystemValue& value : session.values)
-        order.push_back(value.ID().Group().Number());
-    EXPECT_EQ(order,
-              (std::vector<unsigned>{71262, 71263, 71264, 71361, 71360, 71265, 71266, 71310, 71267, 71270,
-                                     71251, 71271, 71272, 71273, 71274, 71275, 71276, 71350, 71465, 71466}));
+    EXPECT_THAT(session.Numbers(),
+                testing::ElementsAre(71262, 71263, 71264, 71361, 71360, 71265, 71266, 71310, 71267, 71270,
+                                     71251, 71271, 71272, 71273, 71274, 71275, 71276, 71350, 71465, 71466));
 }
 
 }  // namespace

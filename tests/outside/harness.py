@@ -1,5 +1,6 @@
 """What the outside tests share: the built DLL, the script host, and the local analysis service in this process."""
 
+import json
 import os
 import re
 import subprocess
@@ -15,6 +16,8 @@ sys.path.insert(0, str(ROOT / "tools" / "analysis_service"))
 from server import AnalysisServer  # noqa: E402
 
 DLL = Path(os.environ.get("KEL_DLL", ROOT / "build" / "release" / "Detection.dll"))
+# By its path: Wine starts a bare name through a process of its own.
+CSCRIPT = r"C:\windows\system32\cscript.exe"
 API_KEY = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53"
 PROG_ID = "KELDetection_TAMS64.SysInfo"
 
@@ -23,19 +26,55 @@ def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-def wine(arguments, proxy=None, timeout=120):
-    """Runs a Windows program: its exit code, and what it wrote."""
-    environment = dict(os.environ)
-    environment.pop("http_proxy", None)
-    if proxy:
-        environment["http_proxy"] = proxy
-    done = subprocess.run(["wine", *arguments], env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, timeout=timeout, check=False)
-    return done.returncode, done.stdout.decode("cp437").replace("\r\n", "\n")
+def peak_memory(pid):
+    """The most memory that the process had in use so far, in MB; 0 when it is gone."""
+    try:
+        match = re.search(r"VmHWM:\s*(\d+) kB", Path(f"/proc/{pid}/status").read_text())
+    except OSError:
+        match = None
+    return int(match[1]) / 1024 if match else 0
 
 
-class ControlTest(unittest.TestCase):
-    """Has a folder of its own, a service on loopback, and the control registered."""
+def wine(arguments, proxy=None, timeout=120, watch=lambda pid: None):
+    """Runs a Windows program: its exit code, and what it wrote. Calls `watch` with its process id now and then."""
+    environment = os.environ | {"http_proxy": proxy}
+    if not proxy:
+        del environment["http_proxy"]
+    end = time.monotonic() + timeout
+    with subprocess.Popen(["wine", *arguments], env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                          stderr=subprocess.DEVNULL) as process:
+        while True:
+            try:
+                output, _ = process.communicate(timeout=0.05)
+                return process.returncode, output.decode("cp437").replace("\r\n", "\n")
+            except subprocess.TimeoutExpired:
+                watch(process.pid)
+                if time.monotonic() > end:
+                    process.kill()
+                    raise
+
+
+class ServiceTest(unittest.TestCase):
+    """Has a folder of its own, and a service on loopback that takes its requirements from there."""
+
+    def setUp(self):
+        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        self.service = self.enterContext(AnalysisServer(0, self.folder / "sessions", self.folder))
+        self.address = f"127.0.0.1:{self.service.server_address[1]}"
+        thread = threading.Thread(target=self.service.serve_forever, kwargs={"poll_interval": 0.02})
+        thread.start()
+        self.addCleanup(thread.join)
+        self.addCleanup(self.service.shutdown)
+
+    def require(self, referrer, *requirements):
+        """Writes a referrer's requirements, each an id, a label, a comparison, and what it needs."""
+        names = ("id", "label", "comparison", "needed")
+        lines = [dict(zip(names, requirement)) for requirement in requirements]
+        (self.folder / f"{referrer}.json").write_text(json.dumps({"title": "T<", "requirements": lines}))
+
+
+class ControlTest(ServiceTest):
+    """Has the control registered, too, and requirements for the referrer "demo"."""
 
     @classmethod
     def setUpClass(cls):
@@ -43,19 +82,8 @@ class ControlTest(unittest.TestCase):
         assert code == 0, f"regsvr32 ended with {code}"
 
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
-        (self.folder / "demo.json").write_text(
-            '{"title": "Test", "requirements": ['
-            '{"id": 71063, "label": "Memory", "comparison": "at least", "needed": "1 MB"},'
-            '{"id": 71094, "label": "Battery", "comparison": "no"}]}')
-        self.service = AnalysisServer(0, self.folder / "sessions", self.folder)
-        thread = threading.Thread(target=self.service.serve_forever, kwargs={"poll_interval": 0.02})
-        thread.start()
-        self.addCleanup(thread.join)
-        self.addCleanup(self.service.server_close)
-        self.addCleanup(self.service.shutdown)
+        super().setUp()
+        self.require("demo", (71063, "Memory", "at least", "1 MB"), (71094, "Battery", "no"))
 
     def run_script(self, text, language="js", proxy=True):
         """Runs a script with `control` made: the lines it wrote. A script error fails the test."""
@@ -63,12 +91,16 @@ class ControlTest(unittest.TestCase):
             f'Dim control\nSet control = WScript.CreateObject("{PROG_ID}")\n'
         script = self.folder / f"test.{language}"
         script.write_text(make + text + "\nWScript.Quit(7)", encoding="utf-8")
-        address = f"http://127.0.0.1:{self.service.server_address[1]}" if proxy is True else proxy
         start = time.monotonic()
-        code, output = wine(["cscript", "//nologo", windows_path(script)], address or None)
+        self.peak = 0  # MB
+        code, output = wine([CSCRIPT, "//nologo", windows_path(script)], f"http://{self.address}" if proxy else None,
+                            watch=self.note_memory)
         self.seconds = time.monotonic() - start
         self.assertEqual(code, 7, output)
         return output.splitlines()
+
+    def note_memory(self, pid):
+        self.peak = max(self.peak, peak_memory(pid))
 
     def lines(self):
         """The request lines that the service saw, without the host."""

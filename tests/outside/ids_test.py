@@ -22,7 +22,3 @@ class ValueIds(unittest.TestCase):
             text = path.read_text()
             for name in re.findall(r"^constexpr unsigned (\w+) = \d{5};", text, re.MULTILINE):
                 self.assertRegex(text, rf"AddValue\({name}\b", path.name)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,13 +1,9 @@
 """The local analysis service: comparisons, verdicts, and requests that are wrong."""
 
 import http.client
-import json
-import tempfile
-import threading
 import unittest
-from pathlib import Path
 
-from harness import API_KEY, AnalysisServer
+from harness import API_KEY, ServiceTest
 from requirements import IDENTIFIERS
 from verdict import compare
 
@@ -36,22 +32,14 @@ class Comparisons(unittest.TestCase):
                 self.assertEqual(compare(comparison, found, needed), result)
 
 
-class Requests(unittest.TestCase):
+class Requests(ServiceTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
-        line = {"id": 1, "label": "M", "comparison": "at least", "needed": "4 GB"}
-        (self.folder / "r.json").write_text(json.dumps({"title": "T<", "requirements": [line]}))
+        super().setUp()
+        self.require("r", (1, "M", "at least", "4 GB"))
         (self.folder / "bad.json").write_text('{"title": "T", "requirements": [{"id": "x"}]}')
-        self.service = AnalysisServer(0, self.folder / "sessions", self.folder)
-        thread = threading.Thread(target=self.service.serve_forever, kwargs={"poll_interval": 0.02})
-        thread.start()
-        for stop in (thread.join, self.service.server_close, self.service.shutdown):
-            self.addCleanup(stop)
 
     def ask(self, verb, path, body=None):
-        connection = http.client.HTTPConnection(*self.service.server_address, timeout=10)
+        connection = http.client.HTTPConnection(self.address, timeout=10)
         self.addCleanup(connection.close)
         connection.request(verb, path, body)
         answer = connection.getresponse()
@@ -89,7 +77,3 @@ class Requests(unittest.TestCase):
                 answer = self.ask(verb, path, body)
                 self.assertEqual(answer[0], status)
                 self.assertIn(text, answer[1])
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -16,20 +16,18 @@ class Wire(ControlTest):
     def test_an_analysis_takes_three_exact_requests(self):
         output = self.run_script('control.ReferrerID = "demo"; control.SessionID = "s1"; control.UserID = "u>1";'
                                  'WScript.Echo(control.Analysis("item", "xml", "2.0"));')
-        self.assertRegex(output[0], r'^<analysis result="pass" item="item" schema="2.0"><title>Test</title>'
+        self.assertRegex(output[0], r'^<analysis result="pass" item="item" schema="2.0"><title>T&lt;</title>'
                                     r'<requirement result="pass"><label>Memory</label><needed>at least 1 MB</needed>')
         self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, ANALYSIS])
         group_list, upload, analysis = self.service.requests
         self.assertEqual(group_list["line"].split()[1].split("/")[2], "analysis.keldane.example:80")
         headers = dict(group_list["headers"])
-        self.assertEqual(headers["User-Agent"], "KEL")
-        self.assertEqual(headers["Accept"], "text/*")
+        self.assertEqual((headers["User-Agent"], headers["Accept"]), ("KEL", "text/*"))
         self.assertEqual({"Content-Type", "Content-Length"} & set(headers), set())
         for request in (upload, analysis):
-            names = [name for name, _ in request["headers"]]
-            self.assertEqual(names.count("Content-Length"), 1)
-            self.assertEqual(names.count("Content-Type"), 1)
-            self.assertEqual(dict(request["headers"])["Content-Type"], "application/xml; charset=utf-8")
+            content = sorted(header for header in request["headers"] if header[0].startswith("Content-"))
+            self.assertEqual(content, [("Content-Length", str(len(request["body"]))),
+                                       ("Content-Type", "application/xml; charset=utf-8")])
         self.assertRegex(upload["body"], r'^<groups><group index="0" id="71424"><value>s1</value></group>'
                                          r'<group index="0" id="71218"><value>demo</value></group>'
                                          r'<group index="0" id="71206"><value>u&gt;1</value></group>.*</groups>  $')
@@ -49,8 +47,8 @@ class Wire(ControlTest):
     def test_writes_only_wanted_groups_though_all_are_detected(self):
         output = self.run_script(
             'control.ReferrerID = "demo"; control.Configure("<groups><group id=\'5\'><value>v</value></group></groups>");'
-            'WScript.Echo(control.Value("71381") != ""); WScript.Echo(control.Value("5"));'
-            'var report = control.SysInfo; WScript.Echo(report.indexOf("71381") + " " + report.indexOf(\'id="5"\'));'
+            'WScript.Echo(control.Value("71294") != ""); WScript.Echo(control.Value("5"));'  # the former only WMI knows
+            'var report = control.SysInfo; WScript.Echo(report.indexOf("71294") + " " + report.indexOf(\'id="5"\'));'
             'WScript.Echo(report.indexOf(\'id="71063"\') > 0); WScript.Echo(control.System("x") == report);')
         self.assertEqual(output, ["-1", "v", "-1 -1", "-1", "-1"])
 
@@ -58,8 +56,7 @@ class Wire(ControlTest):
         self.run_script('control.ReferrerID = "a\\r\\nX-Evil: 1\\r\\n\\r\\nGET /x y\\t\\x7f"; control.Detect();')
         self.assertEqual(self.lines()[0], "GET /Data/Service.svc/Group/list?refid=a%0D%0AX-Evil:%201%0D%0A%0D%0A"
                                           f"GET%20/x%20y%09%7F&apikey={API_KEY} HTTP/1.1")
-        for request in self.service.requests:
-            self.assertNotIn("X-Evil", dict(request["headers"]))
+        self.assertNotIn("X-Evil", str([request["headers"] for request in self.service.requests]))
         self.assertEqual(len(self.lines()), 2)
 
     def test_text_that_is_not_ascii_goes_out_and_comes_back_whole(self):
@@ -71,7 +68,6 @@ class Wire(ControlTest):
         self.assertIn("\u00e9\u20ac", self.service.requests[1]["body"])
         self.assertIn("<ItemID>\u20ac&</ItemID>", self.service.requests[2]["body"])
 
-
     def test_serves_vbscript(self):
         output = self.run_script('control.ReferrerID = "demo"\nDim answer\nanswer = control.Analysis("i", "xml", "1")\n'
                                  'WScript.Echo InStr(answer, "result=""pass""") & " " & control.Value("71094")\n'
@@ -82,16 +78,14 @@ class Wire(ControlTest):
 class Bandwidth(ControlTest):
     def setUp(self):
         super().setUp()
-        (self.folder / "net.json").write_text(
-            '{"title": "Net", "requirements": [{"id": 71069, "label": "B", "comparison": "at least", "needed": "1"}]}')
+        self.require("net", (71069, "B", "at least", "1"))
 
     SCRIPT = 'control.ReferrerID = "net"; WScript.Echo(control.Value("71069"));'
 
     def test_measures_what_an_independent_download_measures(self):
         measured = quantity(self.run_script(self.SCRIPT)[0])
-        address = self.service.server_address
         start = time.monotonic()
-        with urllib.request.urlopen(f"http://{address[0]}:{address[1]}/global/tests/test_2.bin", timeout=20) as answer:
+        with urllib.request.urlopen(f"http://{self.address}/global/tests/test_2.bin", timeout=20) as answer:
             size = len(answer.read())
         independent = size * 8 / (time.monotonic() - start)
         self.assertAlmostEqual(measured / independent, 1, delta=0.2)
@@ -106,8 +100,7 @@ class Bandwidth(ControlTest):
     def test_an_endless_download_ends(self):
         self.service.faults["/global/tests/test_2.bin"] = "endless"
         self.assertEqual(self.run_script(self.SCRIPT), ["0.0 bps"])
-        self.assertLess(self.seconds, 45)
-        self.assertGreater(self.seconds, 29)
+        self.assertTrue(29 < self.seconds < 45, self.seconds)
 
 
 SHOW = ('control.ReferrerID = "demo"; WScript.Echo("[" + control.Analysis("i", "xml", "1") + "]");'
@@ -116,19 +109,15 @@ SHOW = ('control.ReferrerID = "demo"; WScript.Echo("[" + control.Analysis("i", "
 
 
 class Faults(ControlTest):
-    def check(self, answer, report_has_memory=False):
-        output = self.run_script(SHOW + 'WScript.Echo(control.SysInfo.indexOf("71063") > 0);')
-        self.assertRegex(output[0], answer)
-        self.assertEqual(output[1:], ["-1", "0", "-1", "-1" if report_has_memory else "0"])
-
     def test_a_service_that_misbehaves_costs_its_answer_only(self):
-        for fault, answer, memory in (("close", r"^\[\]$", False), ("empty", r"^\[\]$", False),
-                                      ("404", r"^\[nothing here\]$", False), ("500", r"^\[broken\]$", False),
-                                      ("cut", r"^\[71063\|\]$", True), ("slow", r"^\[71063\|71094\]$", True),
-                                      ("invalid-utf8", r"^\[71063\|.+\|71094\]$", True)):
+        for fault, answer, reports_memory in (
+                ("close", r"", "0"), ("empty", r"", "0"), ("404", r"nothing here", "0"), ("500", r"broken", "0"),
+                ("cut", r"71063\|", "-1"), ("slow", r"71063\|71094", "-1"), ("invalid-utf8", r"71063\|.+\|71094", "-1")):
             with self.subTest(fault):
                 self.service.misbehave = fault
-                self.check(answer, memory)
+                output = self.run_script(SHOW + 'WScript.Echo(control.SysInfo.indexOf("71063") > 0);')
+                self.assertRegex(output[0], rf"^\[{answer}\]$")
+                self.assertEqual(output[1:], ["-1", "0", "-1", reports_memory])
 
     def test_ten_megabytes_are_read_whole(self):
         self.service.misbehave = "huge"
@@ -136,14 +125,8 @@ class Faults(ControlTest):
         self.assertEqual(output, [str(6 + 10 * 1024 * 1024)])
 
     def test_no_service_at_all(self):
-        port = self.service.server_address[1]
         self.service.shutdown()
         self.service.server_close()
-        for proxy in (f"http://127.0.0.1:{port}", None):
+        for proxy in (True, False):
             with self.subTest(proxy):
-                output = self.run_script(SHOW, proxy=proxy)
-                self.assertEqual(output, ["[]", "-1", "0", "-1"])
-
-
-if __name__ == "__main__":
-    unittest.main()
+                self.assertEqual(self.run_script(SHOW, proxy=proxy), ["[]", "-1", "0", "-1"])

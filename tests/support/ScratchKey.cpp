@@ -1,7 +1,6 @@
 #include "support/ScratchKey.h"
 
 #include <stdexcept>
-#include <vector>
 
 namespace kel::test {
 
@@ -10,8 +9,7 @@ namespace {
 OwnedKey Create(HKEY parent, const std::wstring& name)
 {
     HKEY key = nullptr;
-    if (RegCreateKeyExW(parent, name.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key, nullptr) !=
-        ERROR_SUCCESS)
+    if (RegCreateKeyW(parent, name.c_str(), &key) != ERROR_SUCCESS)
         throw std::runtime_error("A test key cannot be created.");
     return OwnedKey(key);
 }
@@ -19,39 +17,29 @@ OwnedKey Create(HKEY parent, const std::wstring& name)
 void DumpInto(std::wstring& text, HKEY key, const std::wstring& path)
 {
     text += L"[" + path + L"]\n";
-    std::vector<wchar_t> name(1000);
-    std::vector<BYTE> data(5000);
+    wchar_t name[1000] = {}, data[2500] = {};
     for (DWORD index = 0;; ++index) {
-        auto nameSize = static_cast<DWORD>(name.size());
-        auto size = static_cast<DWORD>(data.size() - sizeof(wchar_t));
-        DWORD type = 0;
-        if (RegEnumValueW(key, index, name.data(), &nameSize, nullptr, &type, data.data(), &size) !=
-            ERROR_SUCCESS)
+        DWORD nameSize = 1000, size = sizeof(data), type = 0;
+        if (RegEnumValueW(key, index, name, &nameSize, nullptr, &type, reinterpret_cast<BYTE*>(data),
+                          &size) != 0)
             break;
-        text += std::wstring(name.data()) + L"=";
-        if (type == REG_DWORD)
-            text += std::to_wstring(*reinterpret_cast<const DWORD*>(data.data())) + L"\n";
-        else
-            text += std::wstring(reinterpret_cast<const wchar_t*>(data.data()), size / sizeof(wchar_t) - 1) +
-                    L"\n";
+        const std::wstring number = std::to_wstring(*reinterpret_cast<const DWORD*>(data));
+        text += std::wstring(name) + L"=" + (type == REG_DWORD ? number : std::wstring(data, size / 2 - 1)) +
+                L"\n";
     }
-    for (DWORD index = 0;; ++index) {
-        auto nameSize = static_cast<DWORD>(name.size());
-        if (RegEnumKeyExW(key, index, name.data(), &nameSize, nullptr, nullptr, nullptr, nullptr) !=
-            ERROR_SUCCESS)
-            break;
-        const OwnedKey child = OpenKey(key, name.data(), KEY_READ);
-        DumpInto(text, child.get(), path.empty() ? name.data() : path + L"\\" + name.data());
-    }
+    for (DWORD index = 0; RegEnumKeyW(key, index, name, 1000) == ERROR_SUCCESS; ++index)
+        DumpInto(text, OpenKey(key, name, KEY_READ).get(), path.empty() ? name : path + L"\\" + name);
 }
 
 }  // namespace
 
-ScratchKey::ScratchKey()
+ScratchKey::ScratchKey(HKEY predefined)
     : name(L"Software\\KelTests\\" + std::to_wstring(GetCurrentProcessId()) + L"-" +
            std::to_wstring(GetTickCount64())),
       key(Create(HKEY_CURRENT_USER, name))
 {
+    if (predefined != nullptr)
+        StandFor(predefined);
 }
 
 ScratchKey::~ScratchKey()
@@ -72,8 +60,7 @@ void ScratchKey::StandFor(HKEY predefined)
 void ScratchKey::Write(const std::wstring& subkey, const wchar_t* valueName, DWORD type, const void* data,
                        std::size_t size) const
 {
-    RegSetValueExW(Create(key.get(), subkey).get(), valueName, 0, type, static_cast<const BYTE*>(data),
-                   static_cast<DWORD>(size));
+    RegSetKeyValueW(key.get(), subkey.c_str(), valueName, type, data, static_cast<DWORD>(size));
 }
 
 void ScratchKey::Write(const std::wstring& subkey, const wchar_t* valueName, const std::wstring& text) const
@@ -89,8 +76,7 @@ void ScratchKey::Make(const std::wstring& subkey) const
 std::wstring ScratchKey::Dump(const std::wstring& subkey) const
 {
     std::wstring text;
-    const OwnedKey opened = OpenKey(key.get(), subkey.c_str(), KEY_READ);
-    if (opened)
+    if (const OwnedKey opened = OpenKey(key.get(), subkey.c_str(), KEY_READ))
         DumpInto(text, opened.get(), L"");
     return text;
 }

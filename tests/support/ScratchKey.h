@@ -12,7 +12,8 @@ namespace kel::test {
 /// destroyed. It can stand in for a predefined key meanwhile.
 class ScratchKey {
 public:
-    ScratchKey();
+    /// @param predefined the key to stand for, if any
+    explicit ScratchKey(HKEY predefined = nullptr);
     ScratchKey(const ScratchKey&) = delete;
     ScratchKey& operator=(const ScratchKey&) = delete;
     ~ScratchKey();
@@ -22,12 +23,11 @@ public:
     /// Makes this key stand for a predefined one, such as HKEY_LOCAL_MACHINE, in this process.
     void StandFor(HKEY predefined);
 
-    /// Writes a value of any type and content into a subkey, which is made when it is missing.
+    /// Writes a value into a subkey, which is made when it is missing: any content, or a zero-terminated
+    /// string.
     void Write(const std::wstring& subkey, const wchar_t* name, DWORD type, const void* data,
                std::size_t size) const;
-    /// Writes a zero-terminated string.
     void Write(const std::wstring& subkey, const wchar_t* name, const std::wstring& text) const;
-    /// Makes a subkey.
     void Make(const std::wstring& subkey) const;
 
     /// All keys and values below a subkey as one text, for comparisons.

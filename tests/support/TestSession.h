@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "run/Session.h"
 #include "run/SystemValues.h"
@@ -19,9 +20,7 @@ public:
     bool IsWanted(const GroupID& group) const override { return wanted.Contains(group); }
     SystemValues& Values() override { return values; }
 
-    std::wstring sessionID = L"session";
-    std::wstring referrerID = L"referrer";
-    std::wstring userID = L"user";
+    std::wstring sessionID = L"session", referrerID = L"referrer", userID = L"user";
     WantedGroups wanted;
     SystemValues values;
 
@@ -30,6 +29,24 @@ public:
     {
         const SystemValue* value = values.TryGetValue(SystemValueID(GroupID(number)));
         return value != nullptr ? value->Text() : L"(none)";
+    }
+
+    /// The same of several numbers, each with a bar after it.
+    std::wstring Texts(std::initializer_list<unsigned> numbers) const
+    {
+        std::wstring texts;
+        for (const unsigned number : numbers)
+            texts += Text(number) + L"|";
+        return texts;
+    }
+
+    /// The group numbers of all values, in the store's order.
+    std::vector<unsigned> Numbers() const
+    {
+        std::vector<unsigned> numbers;
+        for (const SystemValue& value : values)
+            numbers.push_back(value.ID().Group().Number());
+        return numbers;
     }
 };
 

@@ -6,7 +6,8 @@ import signal
 import sys
 from pathlib import Path
 
-from server import MISBEHAVIOURS, AnalysisServer
+from misbehaviour import MISBEHAVIOURS
+from server import AnalysisServer
 
 
 def main():

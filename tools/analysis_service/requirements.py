@@ -6,7 +6,7 @@ from dataclasses import dataclass
 
 # Every report must name its session, referrer and user.
 IDENTIFIERS = [71424, 71218, 71206]
-COMPARISONS = ("at least version", "at least", "at most", "equals", "contains", "yes", "no")
+COMPARISONS = ("at least version", "at least", "at most", "equals", "one of", "contains", "any", "yes", "no")
 
 
 class RequirementsError(Exception):

@@ -7,6 +7,7 @@ import time
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from urllib.parse import parse_qs, unquote, urlsplit
 
+from misbehaviour import LONGEST, MISBEHAVIOURS
 from reports import ReportError, ReportStore, parse_analysis, parse_report, parse_system_information
 from requirements import RequirementsError, load_requirements
 from verdict import judge, render
@@ -29,54 +30,6 @@ class ServiceError(Exception):
         self.status = status
 
 
-def _plain(status, body):
-    def answer(handler):
-        handler.reply(status, body)
-    return answer
-
-
-def _close_early(handler):
-    handler.close_connection = True
-    handler.connection.close()
-
-
-def _cut_off(handler):
-    handler.wfile.write(b"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nContent-Length: 1000\r\n\r\n71063|")
-    _close_early(handler)
-
-
-def _cut_test_file(handler):
-    handler.send_test_file(TEST_FILE_SIZE // 2)
-    _close_early(handler)
-
-
-def _endless(handler):
-    """Sends some bytes a second, until the client leaves; for a minute and a half at most."""
-    handler.wfile.write(b"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n\r\n")
-    for _ in range(180):
-        handler.wfile.write(b"71063|")
-        time.sleep(0.5)
-
-
-def _slowly(handler):
-    time.sleep(2)
-    handler.reply(200, "71063|71094")
-
-
-MISBEHAVIOURS = {
-    "close": _close_early,
-    "cut": _cut_off,
-    "cut-file": _cut_test_file,
-    "endless": _endless,
-    "slow": _slowly,
-    "404": _plain(404, "nothing here"),
-    "500": _plain(500, "broken"),
-    "empty": _plain(200, ""),
-    "invalid-utf8": _plain(200, b"71063|\xff\xfe|71094"),
-    "huge": _plain(200, b"71063|" + b"x" * (10 * 1024 * 1024)),
-}
-
-
 class AnalysisServer(ThreadingHTTPServer):
     """Listens on loopback only. Can be told to misbehave, also while it runs."""
 
@@ -87,6 +40,7 @@ class AnalysisServer(ThreadingHTTPServer):
         self.reports = ReportStore(data)
         self.requirements = requirements
         self.misbehave = misbehave
+        self.longest = LONGEST
         self.faults = {}  # path -> a misbehaviour for that path alone
         self.requests = []
         self.record_file = record
@@ -155,12 +109,13 @@ class Handler(BaseHTTPRequestHandler):
         else:
             raise ServiceError(404, "There is no such request.")
 
-    def send_test_file(self, size=TEST_FILE_SIZE):
+    def send_test_file(self, until=1.0):
+        """Sends this share of the test file at a steady rate."""
         self.send_response(200)
         self.send_header("Content-Type", "application/octet-stream")
         self.send_header("Content-Length", str(TEST_FILE_SIZE))
         self.end_headers()
-        for _ in range(0, size, TEST_FILE_PIECE):
+        for _ in range(0, int(TEST_FILE_SIZE * until), TEST_FILE_PIECE):
             self.wfile.write(bytes(TEST_FILE_PIECE))
             time.sleep(TEST_FILE_PAUSE)
 

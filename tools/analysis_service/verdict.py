@@ -44,7 +44,9 @@ COMPARE = {
     "at least": _ordered(quantity, lambda found, needed: found >= needed),
     "at most": _ordered(quantity, lambda found, needed: found <= needed),
     "equals": _plain(lambda found, needed: found == needed),
+    "one of": _plain(lambda found, needed: found in [choice.strip() for choice in needed.split(",")]),
     "contains": _plain(lambda found, needed: needed in found),
+    "any": _plain(lambda found, _: True),  # a value without a text is unknown before it comes here
     "yes": _plain(lambda found, _: found == "yes"),
     "no": _plain(lambda found, _: found == "no"),
 }

@@ -63,10 +63,10 @@ constexpr Group Groups[] = {
     {0, 0, "SysAllocString SysAllocStringLen"},
     {Never, -1, "free"},
     {0, EdgeFaults::Handle,
-     "LoadLibraryW CreateThreadpoolTimer InternetOpenW InternetConnectW HttpOpenRequestW"},
+     "LoadLibraryW CreateThread InternetOpenW InternetConnectW HttpOpenRequestW"},
     {OutOfMemory, EdgeFaults::Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
     {Never, -EdgeFaults::Handle,
-     "RegCloseKey FreeLibrary CloseThreadpoolTimer InternetCloseHandle BCryptCloseAlgorithmProvider"},
+     "RegCloseKey FreeLibrary CloseHandle InternetCloseHandle BCryptCloseAlgorithmProvider"},
     {0, 0,
      "FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW GetModuleHandleExW "
      "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
@@ -151,7 +151,7 @@ void EdgeFaults::Install()
     }
     using Register = NTSTATUS NTAPI(ULONG, decltype(&LeadImports), void*, void**);
     const OwnedLibrary loader(LoadLibraryW(L"ntdll.dll"));
-    FindFunction<Register>(loader, "LdrRegisterDllNotification")(0, &LeadImports, nullptr, &cookie);
+    FindFunction<Register>(loader.get(), "LdrRegisterDllNotification")(0, &LeadImports, nullptr, &cookie);
 }
 
 void EdgeFaults::Lead(void** slot, std::string_view name)

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# The tests that take minutes, in the checked preset. Goes on after a step that fails, and fails at the end.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/build.sh checked
+source scripts/wine_env.sh
+start_wine
+failed=0
+
+# Names a step and runs it.
+step() {
+  echo "=== $1"
+  shift
+  "$@" || failed=1
+}
+
+step "Hostile input" env KEL_FUZZ_COUNT="${KEL_FUZZ_COUNT:-200000}" wine build/checked/tests/fuzz_tests.exe
+
+exit "$failed"

@@ -1,0 +1,37 @@
+// The part of an exchange that runs on a thread of its own.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "diag/Timer.h"
+#include "service/InternetHandles.h"
+
+namespace kel {
+
+struct HttpRequest {
+    std::wstring host;
+    std::wstring verb;
+    std::wstring path;
+    std::wstring headers;  ///< empty for none
+    std::string body;      ///< empty for none
+};
+
+struct HttpAnswer {
+    Timer timer;  ///< of the sending, up to the answer's headers
+    DWORD sendError = ERROR_SUCCESS;
+    std::optional<std::wstring> status;      ///< nothing when WinINet does not tell it
+    std::optional<std::wstring> statusText;  ///< the same
+    std::string body;
+    const char* failure = nullptr;  ///< why the body does not count
+};
+
+/// Sends a request and reads its answer, through WinINet.
+/// @param request not changed; WinINet takes the body as if it might be
+/// @param handles where the handles are kept; when they are closed meanwhile, the answer is incomplete
+/// @throws std::runtime_error when the request cannot be made
+void Perform(HttpRequest& request, InternetHandles& handles, HttpAnswer& answer);
+
+}  // namespace kel

@@ -1,0 +1,39 @@
+"""The examples as a reader runs them, against the demo's requirements."""
+
+import unittest
+
+from harness import ROOT, ControlTest, windows_path, wine
+
+EXAMPLES = ROOT / "examples"
+
+
+class Examples(ControlTest):
+    def setUp(self):
+        super().setUp()
+        self.service.requirements = EXAMPLES / "requirements"
+
+    def run_example(self, name, *arguments):
+        return wine(["cscript", "//nologo", windows_path(EXAMPLES / name), *arguments],
+                    f"http://{self.address}")
+
+    def test_the_demo_shows_a_row_for_each_requirement_and_leaves_its_files(self):
+        _, output = self.run_example("check.js", "demo", windows_path(self.folder))
+        rows = [line for line in output.splitlines() if line.endswith(("pass", "fail", "unknown"))]
+        self.assertEqual(len(rows), 13)  # twelve requirements and the total
+        self.assertRegex(output, r"\nMemory +at least 2 GB +\d+\.\d [GT]B +pass\n")
+        self.assertRegex(output, r"\nNot on battery +no +(No +pass|Yes +fail)\n")
+        self.assertEqual(len({line.rindex("  ") for line in rows[:-1]}), 1, output)
+        self.assertIn('id="71063"', (self.folder / "report.xml").read_text(encoding="ascii"))
+        self.assertIn("<td>Memory</td>", (self.folder / "analysis.html").read_text(encoding="ascii"))
+
+    def test_vbscript_tells_the_same_and_the_exit_code_tells_the_total(self):
+        code, output = self.run_example("check.vbs")
+        self.assertRegex(output, r"\nMemory: at least 2 GB, found [\d.]+ [GT]B: pass\n")
+        self.assertEqual(code, 0 if output.endswith("TOTAL: pass\n") else 1)
+        for example in ("check.vbs", "check.js"):
+            code, output = self.run_example(example, "unknown")
+            self.assertEqual((code, output), (2, "The analysis service answered: Referrer 'unknown' is not known.\n"))
+
+
+if __name__ == "__main__":
+    unittest.main()

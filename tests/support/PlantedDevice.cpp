@@ -1,0 +1,39 @@
+#include "support/PlantedDevice.h"
+
+#include "diag/Owners.h"
+
+namespace kel::test {
+
+PlantedDevice::PlantedDevice(DWORD classNumber)
+{
+    const GUID guid = {classNumber, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
+    set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
+    device.cbSize = sizeof(device);
+    SetupDiCreateDeviceInfoW(set, L"KELTEST", &guid, nullptr, nullptr, DICD_GENERATE_ID, &device);
+    SetupDiRegisterDeviceInfo(set, &device, 0, nullptr, nullptr, nullptr);
+}
+
+PlantedDevice::~PlantedDevice()
+{
+    SetupDiDeleteDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_BOTH);
+    SetupDiRemoveDevice(set, &device);
+    SetupDiDestroyDeviceInfoList(set);
+}
+
+PlantedDevice& PlantedDevice::With(DWORD property, const std::wstring& text)
+{
+    SetupDiSetDeviceRegistryPropertyW(set, &device, property, reinterpret_cast<const BYTE*>(text.c_str()),
+                                      static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    return *this;
+}
+
+PlantedDevice& PlantedDevice::Write(DWORD kind, const wchar_t* name, const std::wstring& text,
+                                    const wchar_t* subkey)
+{
+    const OwnedKey key(SetupDiCreateDevRegKeyW(set, &device, DICS_FLAG_GLOBAL, 0, kind, nullptr, nullptr));
+    RegSetKeyValueW(key.get(), subkey, name, REG_SZ, text.c_str(),
+                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    return *this;
+}
+
+}  // namespace kel::test

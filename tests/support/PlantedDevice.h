@@ -1,0 +1,40 @@
+#pragma once
+
+#include <windows.h>
+
+#include <setupapi.h>
+
+#include <string>
+
+namespace kel::test {
+
+/// A device of a setup class, planted through the Setup API and taken away when the object is destroyed.
+class PlantedDevice {
+public:
+    /// @param classNumber the first number of the class's GUID
+    explicit PlantedDevice(DWORD classNumber);
+    PlantedDevice(const PlantedDevice&) = delete;
+    PlantedDevice& operator=(const PlantedDevice&) = delete;
+    ~PlantedDevice();
+
+    /// Sets a text property (SPDRP_...). A list of texts has its zeros inside.
+    PlantedDevice& With(DWORD property, const std::wstring& text);
+
+    /// Makes the device's key, or its driver's, and writes a string into it, or into a subkey.
+    PlantedDevice& Device(const wchar_t* name, const std::wstring& text)
+    {
+        return Write(DIREG_DEV, name, text, nullptr);
+    }
+    PlantedDevice& Driver(const wchar_t* name, const std::wstring& text, const wchar_t* subkey = nullptr)
+    {
+        return Write(DIREG_DRV, name, text, subkey);
+    }
+
+private:
+    PlantedDevice& Write(DWORD kind, const wchar_t* name, const std::wstring& text, const wchar_t* subkey);
+
+    HDEVINFO set;
+    SP_DEVINFO_DATA device = {};
+};
+
+}  // namespace kel::test

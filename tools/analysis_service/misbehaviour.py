@@ -1,0 +1,111 @@
+"""What a service may do wrong, by name. Each is one answer; it ends by itself, and when the client leaves."""
+
+import gzip
+import select
+import time
+
+OK = b"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n"
+TEXT = b"71063|71094"
+LONGEST = 75  # seconds that an answer without an end goes on
+PIECE = b"71063|71094|" * 4096
+REDIRECTED_PATH = "/elsewhere"
+
+
+def close(handler):
+    handler.close_connection = True
+    handler.connection.close()
+
+
+def _raw(*pieces, stay=0):
+    """Sends these bytes as they are and closes the connection, after some seconds or when the client leaves."""
+    def answer(handler):
+        for piece in pieces:
+            handler.wfile.write(piece)
+        select.select([handler.connection], [], [], stay)
+        close(handler)
+    return answer
+
+
+def _for_ever(head, piece, pause=0):
+    """Repeats the piece after the head, with a pause of some seconds."""
+    def answer(handler):
+        handler.close_connection = True
+        handler.wfile.write(head)
+        end = time.monotonic() + handler.server.longest
+        while time.monotonic() < end:
+            handler.wfile.write(piece)
+            time.sleep(pause)
+    return answer
+
+
+def _plain(status, body):
+    return lambda handler: handler.reply(status, body)
+
+
+def _cut_test_file(handler):
+    handler.send_test_file(until=0.5)
+    close(handler)
+
+
+def _slow(handler):
+    time.sleep(2)
+    handler.reply(200, TEXT)
+
+
+def _redirect(status, location=None):
+    """Sends the client elsewhere; without a location, back to where it came from."""
+    def answer(handler):
+        handler.send_response(status)
+        handler.send_header("Location", location or handler.path)
+        handler.send_header("Content-Length", "0")
+        handler.end_headers()
+    return answer
+
+
+def _length(text, stay=0):
+    return _raw(OK + b"Content-Length: " + text + b"\r\n\r\n" + TEXT, stay=stay)
+
+
+def _chunked(*chunks):
+    return _raw(OK + b"Transfer-Encoding: chunked\r\n\r\n", *chunks)
+
+
+MISBEHAVIOURS = {
+    "close": close,
+    "cut": _raw(OK + b"Content-Length: 1000\r\n\r\n71063|"),
+    "cut-file": _cut_test_file,
+    "slow": _slow,
+    "404": _plain(404, "nothing here"),
+    "500": _plain(500, "broken"),
+    "empty": _plain(200, ""),
+    "invalid-utf8": _plain(200, b"71063|\xff\xfe|71094"),
+    "huge": _plain(200, b"71063|" + b"x" * (10 * 1024 * 1024)),
+    "endless": _for_ever(OK + b"\r\n", b"71063|", 0.5),
+    "slow-body": _for_ever(OK + b"Content-Length: 1000\r\n\r\n", b"7", 0.2),
+    "slow-headers": _for_ever(OK + b"X: ", b"x", 0.2),
+    "flood": _for_ever(OK + b"\r\n", PIECE),
+    "flood-headers": _for_ever(OK, b"X: 71063|71094|71063|71094|71063|71094\r\n" * 100),
+    "flood-header": _for_ever(OK + b"X: ", PIECE),
+    "many-ids": _plain(200, "|".join(map(str, [71424, 71218, 71206, 71063, *range(80000, 2200000)]))[:16 * 1024 * 1024]),
+    "longest": _plain(200, b"71063|" + b"x" * (16 * 1024 * 1024 - 6)),
+    "100-mb": _raw(OK + b"Content-Length: 104857600\r\n\r\n", *[bytes(1024 * 1024)] * 100),
+    "length-small": _length(b"5"),
+    "length-large": _length(b"1000", stay=LONGEST),
+    "length-negative": _length(b"-5"),
+    "length-overflow": _length(b"99999999999999999999"),
+    "length-text": _length(b"many"),
+    "length-absent": _raw(OK + b"\r\n" + TEXT),
+    "redirect-self": _redirect(302),
+    "redirect-path": _redirect(302, REDIRECTED_PATH),
+    "redirect-host": _redirect(302, "http://other.example" + REDIRECTED_PATH),
+    "redirect-keep": _redirect(307, REDIRECTED_PATH),
+    "redirect-host-keep": _redirect(307, "http://other.example" + REDIRECTED_PATH),
+    "redirect-file": _redirect(302, "file:///C:/windows/win.ini"),
+    "redirect-ftp": _redirect(302, "ftp://127.0.0.1" + REDIRECTED_PATH),
+    "gzip": _raw(OK + b"Content-Encoding: gzip\r\n\r\n" + gzip.compress(TEXT)),
+    "chunked": _chunked(b"6\r\n71063|\r\n5\r\n71094\r\n0\r\n\r\n"),
+    "chunked-text": _chunked(b"6\r\n71063|\r\nmany\r\n71094\r\n0\r\n\r\n"),
+    "chunked-negative": _chunked(b"6\r\n71063|\r\n-5\r\n71094\r\n0\r\n\r\n"),
+    "chunked-overflow": _chunked(b"6\r\n71063|\r\nFFFFFFFFFFFFFFFF\r\n71094\r\n0\r\n\r\n"),
+    "chunked-endless": _for_ever(OK + b"Transfer-Encoding: chunked\r\n\r\n6\r\n71063|\r\n", b"0" * 4096),
+}

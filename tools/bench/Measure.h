@@ -1,0 +1,47 @@
+// What the measuring programs share: the clock, and the lines that they print their figures in.
+#pragma once
+
+#include <windows.h>
+
+#include <cstdio>
+#include <string>
+
+namespace kel::bench {
+
+/// The performance counter in milliseconds.
+inline double Milliseconds()
+{
+    LARGE_INTEGER frequency = {};
+    LARGE_INTEGER now = {};
+    QueryPerformanceFrequency(&frequency);
+    QueryPerformanceCounter(&now);
+    return 1000.0 * static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
+}
+
+/// How long a body takes, in milliseconds.
+template <typename Body>
+double Timed(Body body)
+{
+    const double start = Milliseconds();
+    body();
+    return Milliseconds() - start;
+}
+
+/// How long one of many repetitions of a body takes on average, in milliseconds.
+template <typename Body>
+double TimedEach(int repetitions, Body body)
+{
+    return Timed([&] {
+               for (int i = 0; i < repetitions; ++i)
+                   body();
+           }) /
+           repetitions;
+}
+
+/// Prints a figure as "name value"; the driver reads it.
+inline void Print(const std::string& name, double value)
+{
+    std::printf("%s %.6f\n", name.c_str(), value);
+}
+
+}  // namespace kel::bench

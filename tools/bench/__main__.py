@@ -1,0 +1,64 @@
+"""Measures what the control costs, beside plain programs that ask WMI for the same."""
+
+import argparse
+import tempfile
+from pathlib import Path
+
+from figures import CLOCK, GROUPS, first_run
+from programs import DLL, ROOT, Programs, cabinet_size, machine
+from table import Aims, Rows, save, write_page
+
+REQUIREMENTS = """{"title": "Bench", "requirements": [
+  {"id": 71063, "label": "Memory", "comparison": "at least", "needed": "1 MB"},
+  {"id": 71060, "label": "System", "comparison": "contains", "needed": "Windows"}]}"""
+
+
+def measure(programs, rows):
+    """One round: everything once, side by side."""
+    figures, lines = programs.run("control_bench", "first")
+    service = programs.service_milliseconds()
+    figures.update(programs.run("control_bench", "output")[0])
+    rows.add_all("", first_run(figures, lines, service))
+    rows.add_all("wmi.", programs.run("wmi_bench")[0])
+    rows.add_all("", programs.run("control_bench", "quiet")[0])
+    rows.add("report.rest", rows.last("report") - CLOCK - programs.service_milliseconds())
+    rows.add_all("", programs.run("control_bench", "again")[0])
+    for level, name in (("0", "quiet"), ("7", "loud")):
+        for groups in GROUPS:
+            rows.add_all(f"configure.{name}.{groups}.", programs.run("control_bench", "configure", str(groups), level)[0])
+        for less, more in zip(GROUPS, GROUPS[1:]):
+            rows.add(f"growth.{name}.{more}", rows.last(f"configure.{name}.{more}.first") /
+                     rows.last(f"configure.{name}.{less}.first"))
+    rows.add_all("", programs.run("library_bench")[0])
+    for script in ("empty", "facts", "control"):
+        rows.add(f"script.{script}", programs.script_milliseconds(script))
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="bench", description=__doc__)
+    parser.add_argument("--runs", type=int, default=9, help="how often everything is run; at least 7")
+    parser.add_argument("--page", action="store_true", help="put the tables into docs/performance.md")
+    arguments = parser.parse_args()
+    output = ROOT / "build" / "bench"
+    output.mkdir(parents=True, exist_ok=True)
+
+    about = machine()
+    rows = Rows()
+    rows.add("size.dll", DLL.stat().st_size / 1024)
+    rows.add("size.cabinet", cabinet_size(output) / 1024)
+    with tempfile.TemporaryDirectory() as folder:
+        (Path(folder) / "bench.json").write_text(REQUIREMENTS)
+        with Programs(Path(folder)) as programs:
+            programs.run("wmi_bench")  # what happens once per Wine server shall not fall to the first round
+            for turn in range(max(arguments.runs, 7)):
+                measure(programs, rows)
+                print(f"round {turn + 1} done", flush=True)
+
+    aims = Aims(rows)
+    print("\n".join(["", about, "", *rows.markdown(), "", *aims.markdown()]))
+    save(output / "bench.json", about, rows, aims)
+    if arguments.page:
+        write_page(ROOT / "docs" / "performance.md", about, rows, aims)
+
+
+main()

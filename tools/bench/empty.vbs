@@ -1,0 +1,1 @@
+' What a script host takes by itself.
