@@ -10,10 +10,8 @@ else()
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -ffunction-sections -fdata-sections)
   # Static, so that the DLL needs nothing but the system's own libraries.
   target_link_options(kel_settings INTERFACE -static -Wl,--gc-sections)
-  # GNU ld keeps every function that has unwind data, which is all of them; lld drops what nothing reaches. The
-  # compiler's driver has the path of GNU ld built in, and takes the stand-in from this folder instead.
-  find_program(KEL_LLD ld.lld REQUIRED)
-  target_link_options(kel_settings INTERFACE -B${CMAKE_SOURCE_DIR}/cmake/linker)
+  # GNU ld, though lld would leave half of the library's code out: lld 14 also leaves out the unwind data of library
+  # functions that stay, and an exception through one of them ends the host.
   target_link_options(kel_settings INTERFACE
     $<$<CONFIG:MinSizeRel>:-s> -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
 endif()

@@ -53,10 +53,10 @@ void Registrar::Register(const std::vector<ScriptKey>& keys)
     try {
         for (const ScriptKey& key : keys)
             Write(root, key);
-    } catch (const RegistrationError&) {
+    } catch (...) {
         try {
             Unregister(keys);
-        } catch (const RegistrationError&) {
+        } catch (...) {
             // The first failure is the one to tell; what cannot be removed now stays.
         }
         throw;

@@ -11,8 +11,8 @@
 #include <cstring>
 #include <new>
 
-// The system's functions, imported under other names (RuntimeReserve.def): their own are defined below, and so
-// the whole module calls those.
+// The system's functions, imported under other names (RuntimeReserve.def): their own are defined below, and
+// so the whole module calls those.
 extern "C" {
 __declspec(dllimport) void* SystemMalloc(std::size_t size);
 __declspec(dllimport) void* SystemCalloc(std::size_t count, std::size_t size);

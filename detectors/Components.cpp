@@ -38,37 +38,48 @@ Detectors Make()
     return made;
 }
 
+/// The flag is set before the work, so that a page that is let in while a detector waits does not start them
+/// again; and taken back when the work cannot be done, as when memory is short, so that the next call does
+/// it.
+template <typename Work>
+void RunOnce(bool& isDone, Work work)
+{
+    if (isDone)
+        return;
+    isDone = true;
+    try {
+        work();
+    } catch (...) {
+        isDone = false;
+        throw;
+    }
+}
+
 }  // namespace
 
 void Components::Init()
 {
     static bool isDone = false;
-    if (isDone)
-        return;
-
-    const LogScope trace(L"kel::Components::Init", LogScope::Tracing());
-    Detectors made =
-        Make<CPU, GPU, Bios, CDRom, Chassis, DirectX, DVD, Graphics, HardDrive, LogicalDrive, MotherBoard,
-             NetworkDevice, OS, Ram, Sound, Software, Browser, Monitor, Applications, SCSI>();
-    detectors.clear();
-    detectors.reserve(made.size());
-    for (auto& detector : made)
-        detectors.push_back(detector.release());
-    // Not before: when memory is short, the next detection builds the list.
-    isDone = true;
+    RunOnce(isDone, [this] {
+        const LogScope trace(L"kel::Components::Init", LogScope::Tracing());
+        Detectors made =
+            Make<CPU, GPU, Bios, CDRom, Chassis, DirectX, DVD, Graphics, HardDrive, LogicalDrive, MotherBoard,
+                 NetworkDevice, OS, Ram, Sound, Software, Browser, Monitor, Applications, SCSI>();
+        detectors.clear();
+        detectors.reserve(made.size());
+        for (auto& detector : made)
+            detectors.push_back(detector.release());
+    });
 }
 
 void Components::DetectAll()
 {
     static bool isDone = false;
-    if (isDone)
-        return;
-
-    Init();
-    // Before the work: a page that is let in while a detector waits must not start them again.
-    isDone = true;
-    for (Component* detector : detectors)
-        detector->Detect();
+    RunOnce(isDone, [this] {
+        Init();
+        for (Component* detector : detectors)
+            detector->Detect();
+    });
 }
 
 }  // namespace kel

@@ -4,7 +4,7 @@ set -euo pipefail
 
 packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
-  cmake ninja-build lld python3
+  cmake ninja-build python3
 )
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy)
 [ "${1:-}" = --bench ] && packages+=(gcab)

@@ -62,13 +62,13 @@ constexpr Group Groups[] = {
     {0, 1, "malloc calloc realloc"},
     {0, 0, "SysAllocString SysAllocStringLen"},
     {Never, -1, "free"},
-    {0, EdgeFaults::Handle,
-     "LoadLibraryW CreateThread InternetOpenW InternetConnectW HttpOpenRequestW"},
+    {0, EdgeFaults::Handle, "LoadLibraryW InternetOpenW InternetConnectW HttpOpenRequestW"},
     {OutOfMemory, EdgeFaults::Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
     {Never, -EdgeFaults::Handle,
-     "RegCloseKey FreeLibrary CloseHandle InternetCloseHandle BCryptCloseAlgorithmProvider"},
+     "RegCloseKey FreeLibrary FreeLibraryAndExitThread InternetCloseHandle BCryptCloseAlgorithmProvider"},
     {0, 0,
-     "FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW GetModuleHandleExW "
+     "CreateThread FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW "
+     "GetModuleHandleExW "
      "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
      "GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar WideCharToMultiByte "
      "StringFromGUID2 InternetSetOptionW"},
@@ -106,10 +106,15 @@ Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return group->failure;
     }
+    // Before the call: a thread that gives its module back does not return from it.
+    if (group->opens < 0 && a != 0)
+        EdgeFaults::open += group->opens;
     const Word arguments[] = {a, b, c, d};
     Word result = group->answer ? group->answer(arguments) : original(a, b, c, d, e, f, g, h, i, j, k, l);
-    if (group->opens < 0 ? a != 0 : (group->failure == 0) == (result != 0))
-        EdgeFaults::open += group->opens;
+    const bool holdsModule =
+        name == "GetModuleHandleExW" && (a & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT) == 0;
+    if (group->opens >= 0 && (group->failure == 0) == (result != 0))
+        EdgeFaults::open += holdsModule ? EdgeFaults::Handle : group->opens;
     if (name == "GetProcAddress" && result != 0)
         EdgeFaults::Lead(reinterpret_cast<void**>(&result), At<char>(b));
     return result;
