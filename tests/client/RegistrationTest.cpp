@@ -2,6 +2,7 @@
 #include <olectl.h>
 #include <shlwapi.h>
 
+#include <functional>
 #include <regex>
 
 #include "client/ControlDll.h"
@@ -13,34 +14,27 @@ namespace {
 
 using testing::HasSubstr;
 
-/// Registered classes, with # for the class id and @ for the path of the DLL.
-std::wstring Classes(const test::ScratchKey& root, const std::wstring& folder)
+/// All below a key, with # for the class id and @ for the path of the DLL.
+std::wstring Dump(const test::ScratchKey& root)
 {
-    std::wstring text = root.Dump(folder);
+    std::wstring text = root.Dump();
     ReplaceAll(text, L"{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}", L"#");
     ReplaceAll(text, KEL_DLL_PATH, L"@");
+    ReplaceAll(text, L"[Software\\Classes\\", L"[");
     return text;
 }
 
-struct Way {
-    HKEY root;
-    const wchar_t* folder;
-    HRESULT (*run)(const test::ControlDll& dll, bool install);
-};
+using Call = std::function<HRESULT()>;
 
-class Registration : public testing::TestWithParam<Way> {};
-
-TEST_P(Registration, IsCompleteAndLeavesNothing)
+/// Registers under a key that stands for a predefined one, twice, and takes it back, twice.
+/// @param classes where the classes stand below the key
+void CheckRegistration(HKEY predefined, const std::wstring& classes, const Call& add, const Call& remove)
 {
-    const test::ControlDll dll;
-    const auto run = [&dll](bool install) { return GetParam().run(dll, install); };
-    test::ScratchKey root;
-    const std::wstring folder = GetParam().folder;
-    root.Write(folder + L"CLSID\\{other}", L"", L"stays");
-    root.StandFor(GetParam().root);
-    const std::wstring before = Classes(root, folder);
-    ASSERT_EQ(run(true), S_OK);
-    const std::wstring after = Classes(root, folder);
+    const test::ScratchKey root(predefined);
+    root.Write(classes + L"CLSID\\{other}", L"", L"stays");
+    const std::wstring before = Dump(root);
+    ASSERT_EQ(add(), S_OK);
+    const std::wstring after = Dump(root);
     EXPECT_THAT(after, HasSubstr(L"[CLSID\\#]\n=SysInfo Class\nAppID=#\n"
                                  L"[CLSID\\#\\Control]\n"
                                  L"[CLSID\\#\\InprocServer32]\n=@\nThreadingModel=Apartment\n"
@@ -58,34 +52,27 @@ TEST_P(Registration, IsCompleteAndLeavesNothing)
                                  L"[KELDetection_TAMS64.SysInfo\\CurVer]\n=KELDetection_TAMS64.SysInfo.1\n"));
     EXPECT_THAT(after, HasSubstr(L"ib\\{386EBC54-4F11-4853-BB50-316281E41CFF}\\1.0\\409\\win64]\n=@\n"));
 
-    ASSERT_EQ(run(true), S_OK);
-    EXPECT_EQ(Classes(root, folder), after);
-    ASSERT_EQ(run(false), S_OK);
+    ASSERT_EQ(add(), S_OK);
+    EXPECT_EQ(Dump(root), after);
+    ASSERT_EQ(remove(), S_OK);
     // The system makes these, and leaves them empty.
-    EXPECT_EQ(std::regex_replace(Classes(root, folder), std::wregex(L"\\[(Interface|Type[Ll]ib)\\]\n"), L""),
-              before);
-    EXPECT_EQ(run(false), S_OK);
+    EXPECT_EQ(std::regex_replace(Dump(root), std::wregex(L"\\[(Interface|Type[Ll]ib)\\]\n"), L""), before);
+    EXPECT_EQ(remove(), S_OK);
 }
 
-HRESULT Install(const test::ControlDll& dll, bool install, const wchar_t* commandLine)
+TEST(Registration, IsCompleteAndLeavesNothing)
 {
-    return dll.Entry<decltype(DllInstall)>("DllInstall")(install, commandLine);
+    const test::ControlDll dll;
+    const auto install = dll.Entry<decltype(DllInstall)>("DllInstall");
+    CheckRegistration(
+        HKEY_CURRENT_USER, L"Software\\Classes\\", [&] { return install(TRUE, L"USER"); },
+        [&] { return install(FALSE, L"user"); });
+    CheckRegistration(
+        HKEY_CLASSES_ROOT, L"", [&] { return install(TRUE, nullptr); },
+        [&] { return install(FALSE, nullptr); });
+    CheckRegistration(HKEY_CLASSES_ROOT, L"", dll.Entry<decltype(DllRegisterServer)>("DllRegisterServer"),
+                      dll.Entry<decltype(DllUnregisterServer)>("DllUnregisterServer"));
 }
-
-INSTANTIATE_TEST_SUITE_P(Of, Registration,
-                         testing::Values(Way{HKEY_CURRENT_USER, L"Software\\Classes\\",
-                                             [](const test::ControlDll& dll, bool install) {
-                                                 return Install(dll, install, install ? L"USER" : L"user");
-                                             }},
-                                         Way{HKEY_CLASSES_ROOT, L"",
-                                             [](const test::ControlDll& dll, bool install) {
-                                                 return Install(dll, install, nullptr);
-                                             }},
-                                         Way{HKEY_CLASSES_ROOT, L"",
-                                             [](const test::ControlDll& dll, bool install) {
-                                                 return dll.Entry<decltype(DllRegisterServer)>(
-                                                     install ? "DllRegisterServer" : "DllUnregisterServer")();
-                                             }}));
 
 }  // namespace
 }  // namespace kel

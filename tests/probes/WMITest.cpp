@@ -8,6 +8,7 @@
 namespace kel {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 
 constexpr const wchar_t* Processors = L"SELECT * FROM Win32_Processor";
@@ -29,6 +30,7 @@ test::FakeProperty Null()
 
 /// What all six queries answer, and what they return, "1" for true.
 struct Answers {
+    WMI wmi;
     CpuInfo cpu;
     std::vector<WmiHardDriveInfo> drives;
     BiosInfo bios;
@@ -39,7 +41,6 @@ struct Answers {
 
     Answers()
     {
-        WMI wmi;
         for (const bool result :
              {wmi.GetCpuInfo(cpu), wmi.GetHardDriveValues(drives), wmi.GetBiosValues(bios),
               wmi.GetSoundValues(sound), wmi.GetMotherboardValues(board), wmi.GetCDRomValues(cdroms)})
@@ -70,6 +71,7 @@ TEST(WMI, FillsEachRecordFromItsProperties)
         {{L"Name", {L"CD"}}, {L"PNPDeviceID", {L"IDE"}}, {L"Drive", {L"D:"}}, {L"MediaType", {L"CD-ROM"}}}};
     {
         const test::FakeWmi fake(data);
+        const test::LogCapture log(3);
         const Answers got;
         EXPECT_EQ(got.results, "111111");
         EXPECT_EQ(got.cpu.name + L"|" + got.cpu.vendor + L"|" + got.cpu.caption, L"Chip|Maker|Model 5");
@@ -85,6 +87,7 @@ TEST(WMI, FillsEachRecordFromItsProperties)
         EXPECT_EQ(name + L"|" + deviceId + L"|" + drive + L"|" + mediaType, L"CD|IDE|D:|CD-ROM");
         EXPECT_THAT(data.counts, ElementsAre(1, 200, 1, 1, 200, 1));
         EXPECT_EQ(data.arguments, L"ROOT\\CIMV2 10 0 3 3 0 WQL48 WQL48 WQL48 WQL48 WQL48 WQL48 ");
+        EXPECT_THAT(log.Lines(), Contains(L"TRACE WMI value: ").Times(3));
     }
     EXPECT_EQ(data.references, 0U);
 }
@@ -95,14 +98,14 @@ TEST(WMI, AnswersFalseWhenItCannotConnect)
     refusing.connect = E_ACCESSDENIED;
     blanketless.refusesBlanket = true;
     for (test::FakeWmiData* data : {&refusing, &blanketless}) {
-        {
-            const test::FakeWmi fake(*data);
-            const test::LogCapture log(3);
-            EXPECT_EQ(Answers().results, "000000");
-            EXPECT_THAT(log.Lines(), ElementsAre(L"TRACE WMI init failure."));
-            EXPECT_TRUE(data->queries.empty());
-        }
-        EXPECT_EQ(data->references, 0U);
+        const test::FakeWmi fake(*data);
+        const ULONG without = data->references;
+        const test::LogCapture log(3);
+        const Answers got;
+        EXPECT_EQ(got.results, "000000");
+        EXPECT_THAT(log.Lines(), ElementsAre(L"TRACE WMI init failure."));
+        EXPECT_TRUE(data->queries.empty());
+        EXPECT_EQ(data->references, without);
     }
     EXPECT_EQ(Answers().results, "000000");  // no apartment
 }

@@ -53,8 +53,9 @@ TEST(System, ReadsItsConfiguration)
     EXPECT_EQ(system.ReferrerID() + L"|" + system.SessionID() + L"|" + system.UserID(), L"r|s|kept");
     EXPECT_TRUE(system.IsDebug());
     EXPECT_EQ(Log::Instance().GetLevel(), 7);
-    system.SetConfiguration(L"<user_id>a</user_id><logging>x</logging>");
+    system.SetConfiguration(L"<user_id>a</user_id><debug>0</debug><logging>x</logging>");
     EXPECT_EQ(system.UserID(), L"a");
+    EXPECT_FALSE(system.IsDebug());
     EXPECT_EQ(Log::Instance().GetLevel(), 0);
     const test::LogCapture log(3);
     system.SetConfiguration(L"");

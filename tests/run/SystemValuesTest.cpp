@@ -79,7 +79,7 @@ TEST(SystemValues, ReadsGroupsTexts)
         {L"<groups><group id=\"1\"><value>a</group>", L"1[0]=;"},
         {L"<groups><group id=\"1\"><value>a</value>", L""},
         // Without an id of its own, a group looks at the text before it, and after it only up to its end.
-        {L"<groups>id=7<group index=\"1\"></group>", L"7[1]=;"},
+        {L"<groups>id=7 index=1<value>v</value><group ></group>", L"7[1]=v;"},
         {L"<groups><group x=\"1\"></group><group id=\"2\"></group>", L"2[0]=;"},
         {L"<groups><group id=\"1\" index=\"x\"></group>", L"1[0]=;"},
         {L"<groups><group id=\"1\"></group><group id=\"1\"><value>b</value></group>", L"1[0]=b;"},

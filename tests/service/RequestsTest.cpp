@@ -12,6 +12,7 @@ namespace {
 TEST(Requests, FillInTheirTemplates)
 {
     test::TestSession session;
+    session.sessionID = L"s s";
     session.wanted.Assign(L"1", L"");
     session.values.AddValue(1, L"a&b<c");
 
@@ -20,12 +21,12 @@ TEST(Requests, FillInTheirTemplates)
     analysis.SetMessageFormat(L"xml");
     analysis.SetFormatVersion(L"1.0");
     EXPECT_EQ(analysis.Body(),
-              L"<System><SessionID>session</SessionID><ItemID>itemxml</ItemID><UserID>user</UserID>"
+              L"<System><SessionID>s s</SessionID><ItemID>itemxml</ItemID><UserID>user</UserID>"
               L"<Format>xml</Format><Schema>1.0</Schema></System>");
 
     const SystemInformationRequest information;
     EXPECT_EQ(information.Verb() + L" " + information.Path(),
-              L"POST /SystemInformation/?refid=referrer&sessid=session");
+              L"POST /SystemInformation/?refid=referrer&sessid=s%20s");
     EXPECT_EQ(
         information.Body(),
         L"<SystemInformation><Data>&lt;groups&gt;&lt;group index=\"0\" id=\"1\"&gt;&lt;value&gt;a&amp;amp;b"
@@ -36,10 +37,9 @@ TEST(Requests, EncodeControlCharactersAndBlanksOfIdsOnly)
 {
     test::TestSession session;
     session.referrerID = std::wstring(L"a\r\nX: 1\t\x1f \x7f\0!%?#&/\u00e9", 19);
-    session.sessionID = L"s s";
     EXPECT_EQ(AnalysisRequest().Path(), L"/service/Analysis/a%0D%0AX:%201%09%1F%20%7F%00!%?#&/\u00e9");
     EXPECT_TRUE(GroupListRequest().Path().starts_with(L"/Data/Service.svc/Group/list?refid=a%0D%0AX:%201"));
-    EXPECT_TRUE(SystemInformationRequest().Path().ends_with(L"&sessid=s%20s"));
+    EXPECT_TRUE(SystemInformationRequest().Path().starts_with(L"/SystemInformation/?refid=a%0D%0AX:%201"));
 }
 
 TEST(Utf8, ConvertsBothWaysAndReplacesWhatIsMalformed)

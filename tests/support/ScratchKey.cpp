@@ -23,7 +23,8 @@ void DumpInto(std::wstring& text, HKEY key, const std::wstring& path)
         if (RegEnumValueW(key, index, name, &nameSize, nullptr, &type, reinterpret_cast<BYTE*>(data),
                           &size) != 0)
             break;
-        const std::wstring number = std::to_wstring(*reinterpret_cast<const DWORD*>(data));
+        const std::wstring number =
+            std::to_wstring(static_cast<DWORD>(data[0]) | static_cast<DWORD>(data[1]) << 16);
         text += std::wstring(name) + L"=" + (type == REG_DWORD ? number : std::wstring(data, size / 2 - 1)) +
                 L"\n";
     }
