@@ -16,7 +16,7 @@ namespace {
 constexpr const wchar_t* IdentifierKey = L"software\\Keldane";
 constexpr const wchar_t* IdentifierValue = L"Run";
 constexpr std::size_t BracedGuidLength = 38;
-constexpr std::size_t LongestIdentifier = 64 * 1024;  // bytes; it goes into every report
+constexpr std::size_t LongestIdentifier = 65536;  // bytes; it goes into every report
 
 /// The identifier that stands in the key; empty when there is none.
 std::wstring StoredIdentifier(const OwnedKey& key)
@@ -42,7 +42,7 @@ std::wstring FreshIdentifier()
 std::wstring Kept(const std::wstring& identifier)
 {
     const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ | KEY_WRITE);
-    const std::wstring stored = StoredIdentifier(key);
+    std::wstring stored = StoredIdentifier(key);
     if (!stored.empty())
         return stored;
     if (key)

@@ -44,6 +44,7 @@ LABELS = {
         "wmi.bios": ("C++ program: BIOS query", "ms"),
         "wmi.board": ("C++ program: board query", "ms"),
         "wmi.all": ("**C++ program: all**", "ms"),
+        "http": ("C++ program: two plain HTTP exchanges, around the service's time", "ms"),
         "script.empty": ("an empty VBScript", "ms"),
         "script.facts": ("a VBScript that asks WMI for the facts", "ms"),
         "script.control": ("a VBScript that asks the control (with its second)", "ms"),
@@ -127,8 +128,8 @@ class Aims:
         self.aims = [(aim, measured, unit, limit, measured * UNITS[unit] <= limit) for aim, measured, unit, limit in (
             ("first `Detect`, less clock, service and debugger output: the C++ program's time and 20 percent",
              rows.median("rest"), "ms", 1.2 * rows.median("wmi.all")),
-            ("the same without the HTTP client, which the C++ program has no need of",
-             rows.median("rest.alone"), "ms", 1.2 * rows.median("wmi.all")),
+            ("the same, where the C++ program also makes the two HTTP exchanges",
+             rows.median("rest"), "ms", 1.2 * (rows.median("wmi.all") + rows.median("http"))),
             ("a read after the first, log off", rows.median("sysinfo.quiet"), "ms", 1),
             ("the same where the read turns the log on (`Value`)", rows.median("value"), "ms", 1),
             ("the same where the read turns the log on (`Detect`)", rows.median("detect.again"), "ms", 1),

@@ -1,0 +1,51 @@
+// The other yardstick: two plain exchanges with the analysis service, such as a first Detect has, and nothing
+// else.
+#include <array>
+#include <cstdlib>
+#include <string>
+
+#include "BuildSettings.h"
+#include "Measure.h"
+#include "diag/Owners.h"
+
+namespace kel::bench {
+namespace {
+
+constexpr const wchar_t* GroupList =
+    L"/Data/Service.svc/Group/list?refid=bench&apikey=5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
+constexpr const wchar_t* Upload = L"/Data/Service.svc/upload?apikey=5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
+constexpr DWORD Flags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_KEEP_CONNECTION;
+
+/// Sends a request and reads the answer.
+/// @return whether there was one
+bool Exchange(const wchar_t* verb, const wchar_t* path, std::string body)
+{
+    const OwnedInternet session(InternetOpenW(L"KEL", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+    const OwnedInternet connection(InternetConnectW(
+        session.get(), KEL_SERVICE_HOST, INTERNET_DEFAULT_HTTP_PORT, L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
+    const OwnedInternet request(
+        HttpOpenRequestW(connection.get(), verb, path, L"HTTP/1.1", nullptr, nullptr, Flags, 0));
+    if (!request ||
+        !HttpSendRequestW(request.get(), nullptr, 0, body.data(), static_cast<DWORD>(body.size())))
+        return false;
+    std::array<char, 2000> piece = {};
+    DWORD size = 0;
+    bool isRead = false;
+    while (InternetReadFile(request.get(), piece.data(), static_cast<DWORD>(piece.size()), &size) && size > 0)
+        isRead = true;
+    return isRead;
+}
+
+}  // namespace
+}  // namespace kel::bench
+
+int main()
+{
+    using namespace kel::bench;
+    bool isAnswered = false;
+    const std::string report =
+        R"(<groups><group index="0" id="71424"><value>bench</value></group></groups>  )";
+    Print("exchanges",
+          Timed([&] { isAnswered = Exchange(L"GET", GroupList, "") && Exchange(L"POST", Upload, report); }));
+    return isAnswered ? EXIT_SUCCESS : EXIT_FAILURE;
+}
