@@ -71,7 +71,7 @@ constexpr Group Groups[] = {
      "GetModuleHandleExW "
      "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
      "GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar WideCharToMultiByte "
-     "StringFromGUID2 InternetSetOptionW"},
+     "StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW"},
     {OutOfMemory, 0,
      "RegQueryValueExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW RegOverridePredefKey "
      "BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid VariantChangeType VariantCopy "
@@ -132,7 +132,8 @@ void CALLBACK LeadImports(ULONG, const Word* loaded, void*)
     if (std::wstring_view(At<UNICODE_STRING>(loaded[2])->Buffer) != L"Detection.dll")
         return;
     const Word module = loaded[3];
-    const auto& headers = *At<IMAGE_NT_HEADERS>(module + At<IMAGE_DOS_HEADER>(module)->e_lfanew);
+    const auto offset = static_cast<Word>(At<IMAGE_DOS_HEADER>(module)->e_lfanew);
+    const auto& headers = *At<IMAGE_NT_HEADERS>(module + offset);
     const auto& imports = headers.OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
     for (auto* library = At<IMAGE_IMPORT_DESCRIPTOR>(module + imports.VirtualAddress); library->Name != 0;
          ++library) {
