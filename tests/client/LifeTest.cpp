@@ -112,5 +112,18 @@ TEST(Life, GoesOnInASecondApartmentAndAfterTheModuleIsLoadedAgain)
     before->ExpectStill(2 * Loads + 6, 64 * 1024 * Loads);
 }
 
+TEST(Life, DoesNotBeginWhereItWouldEndTheHost)
+{
+    // The system's own libraries need some indices as well.
+    const OwnedLibrary internet(LoadLibraryW(L"wininet.dll")), random(LoadLibraryW(L"bcrypt.dll"));
+    std::vector<DWORD> all;
+    for (DWORD index = TlsAlloc(); index != TLS_OUT_OF_INDEXES; index = TlsAlloc())
+        all.push_back(index);
+    const OwnedLibrary refused(LoadLibraryW(KEL_DLL_PATH));
+    std::ranges::for_each(all, &TlsFree);
+    EXPECT_EQ(refused, nullptr);
+    EXPECT_NE(test::ControlDll().Handle(), nullptr);
+}
+
 }  // namespace
 }  // namespace kel

@@ -71,7 +71,7 @@ constexpr Group Groups[] = {
      "GetModuleHandleExW "
      "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
      "GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar WideCharToMultiByte "
-     "StringFromGUID2 InternetSetOptionW"},
+     "StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW"},
     {OutOfMemory, 0,
      "RegQueryValueExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW RegOverridePredefKey "
      "BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid VariantChangeType VariantCopy "
