@@ -1,6 +1,7 @@
 """The local analysis service: comparisons, verdicts, and requests that are wrong."""
 
 import http.client
+import socket
 import unittest
 
 from harness import API_KEY, ServiceTest
@@ -21,7 +22,7 @@ class Comparisons(unittest.TestCase):
         for comparison, found, needed, result in (
                 ("at least version", "6.1.7601", "6.1", "pass"), ("at least version", "10.0", "9.9", "pass"),
                 ("at least version", "6.1", "6.1.0.0", "pass"), ("at least version", "6.1", "6.2", "fail"),
-                ("at least version", "9.0C", "9", "unknown"), ("at least", "8.0 GB", "4096 MB", "pass"),
+                ("at least version", "9.0C", "9", "unknown"), ("at least version", "9" * 5000, "9", "unknown"), ("at least", "8.0 GB", "4096 MB", "pass"),
                 ("at least", "1023.0 MB", "1 GB", "fail"), ("at least", "2.4 GHz", "2000 MHz", "pass"),
                 ("at least", "1024.0 Kbps", "1 Mbps", "pass"), ("at least", "4", "2", "pass"),
                 ("at least", "many", "2", "unknown"), ("at most", "3", "2", "fail"), ("equals", "Intel", "intel", "pass"),
@@ -38,10 +39,10 @@ class Requests(ServiceTest):
         self.require("r", (1, "M", "at least", "4 GB"))
         (self.folder / "bad.json").write_text('{"title": "T", "requirements": [{"id": "x"}]}')
 
-    def ask(self, verb, path, body=None):
+    def ask(self, verb, path, body=None, headers={}):
         connection = http.client.HTTPConnection(self.address, timeout=10)
         self.addCleanup(connection.close)
-        connection.request(verb, path, body)
+        connection.request(verb, path, body, headers)
         answer = connection.getresponse()
         return answer.status, answer.read().decode("utf-8")
 
@@ -52,6 +53,9 @@ class Requests(ServiceTest):
         self.assertEqual(self.ask("POST", f"/Data/Service.svc/upload?apikey={API_KEY}",
                                   REPORT.format(session).encode())[0], 200)
         self.assertEqual([path.parent for path in self.folder.rglob("*.xml")], [self.folder / "sessions"])
+        escaped = REPORT.format("other").replace("<", "&lt;").encode()
+        self.assertEqual(self.ask("POST", "/SystemInformation/?refid=r&sessid=s",
+                                  b"<SystemInformation><Data>" + escaped + b"</Data></SystemInformation>")[0], 200)
         status, answer = self.ask("POST", "/service/Analysis/r", analysis(session).encode())
         self.assertEqual(status, 200)
         self.assertIn('<analysis result="pass" item="i" schema="1"><title>T&lt;</title><requirement result="pass">', answer)
@@ -77,3 +81,12 @@ class Requests(ServiceTest):
                 answer = self.ask(verb, path, body)
                 self.assertEqual(answer[0], status)
                 self.assertIn(text, answer[1])
+
+    def test_its_own_failures_are_told_and_a_refused_body_is_no_request(self):
+        self.service.requirements = None
+        with self.assertLogs("analysis_service", "ERROR"):
+            self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 500)
+        with socket.create_connection(self.service.server_address, 10) as connection:
+            connection.sendall(b"POST / HTTP/1.1\r\nContent-Length: x\r\n\r\nGET / HTTP/1.1\r\n\r\n")
+            answers = b"".join(iter(lambda: connection.recv(4096), b""))
+        self.assertEqual((answers[:12], answers.count(b"HTTP/1.1 ")), (b"HTTP/1.1 400", 1))

@@ -4,13 +4,9 @@ import hashlib
 from dataclasses import dataclass, field
 from xml.etree import ElementTree
 
+from errors import ServiceError
+
 SESSION_GROUP = "71424"
-
-
-class ReportError(Exception):
-    def __init__(self, status, text):
-        super().__init__(text)
-        self.status = status
 
 
 @dataclass
@@ -34,7 +30,7 @@ class AnalysisRequest:
 def _parse_xml(body):
     text = body.decode("utf-8", "strict") if isinstance(body, bytes) else body
     if "<!" in text:
-        raise ReportError(400, "Declarations are not accepted.")
+        raise ServiceError(400, "Declarations are not accepted.")
     return ElementTree.fromstring(text)
 
 
@@ -42,23 +38,23 @@ def _checked_xml(body):
     try:
         return _parse_xml(body)
     except (ElementTree.ParseError, UnicodeDecodeError) as error:
-        raise ReportError(400, f"The body is no XML: {error}") from error
+        raise ServiceError(400, f"The body is no XML: {error}") from error
 
 
 def parse_report(body):
     root = _checked_xml(body)
     if root.tag != "groups":
-        raise ReportError(400, "The body is no report.")
+        raise ServiceError(400, "The body is no report.")
     report = Report(body)
     for group in root.iter("group"):
         index = group.get("index", "0")
         try:
             key = (group.get("id", ""), int(index))
         except ValueError as error:
-            raise ReportError(400, f"An index is no number: {index!r}") from error
+            raise ServiceError(400, f"An index is no number: {index!r}") from error
         report.values[key] = group.findtext("value") or ""
     if not report.value(SESSION_GROUP):
-        raise ReportError(400, "The report names no session.")
+        raise ServiceError(400, "The report names no session.")
     return report
 
 
@@ -66,14 +62,14 @@ def parse_system_information(body):
     root = _checked_xml(body)
     data = root.findtext("Data") if root.tag == "SystemInformation" else None
     if data is None:
-        raise ReportError(400, "The body is no system information.")
+        raise ServiceError(400, "The body is no system information.")
     return parse_report(data.encode("utf-8"))
 
 
 def parse_analysis(body):
     root = _checked_xml(body)
     if root.tag != "System":
-        raise ReportError(400, "The body is no analysis request.")
+        raise ServiceError(400, "The body is no analysis request.")
     return AnalysisRequest(*(root.findtext(name) or ""
                              for name in ("SessionID", "ItemID", "UserID", "Format", "Schema")))
 
@@ -96,5 +92,5 @@ class ReportStore:
     def find(self, session):
         path = self.path(session)
         if not path.exists():
-            raise ReportError(404, f"No report of session {session!r} was uploaded.")
+            raise ServiceError(404, f"No report of session {session!r} was uploaded.")
         return parse_report(path.read_bytes())

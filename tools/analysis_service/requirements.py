@@ -4,15 +4,11 @@ import json
 import re
 from dataclasses import dataclass
 
+from errors import ServiceError
+
 # Every report must name its session, referrer and user.
 IDENTIFIERS = [71424, 71218, 71206]
 COMPARISONS = ("at least version", "at least", "at most", "equals", "one of", "contains", "any", "yes", "no")
-
-
-class RequirementsError(Exception):
-    def __init__(self, status, text):
-        super().__init__(text)
-        self.status = status
 
 
 @dataclass
@@ -42,9 +38,9 @@ def _requirement(entry):
 def load_requirements(folder, referrer):
     path = folder / f"{referrer}.json"
     if not re.fullmatch(r"[A-Za-z0-9_-]{1,64}", referrer) or not path.is_file():
-        raise RequirementsError(404, f"Referrer {referrer!r} is not known.")
+        raise ServiceError(404, f"Referrer {referrer!r} is not known.")
     try:
         content = json.loads(path.read_text(encoding="utf-8"))
         return Requirements(str(content["title"]), [_requirement(entry) for entry in content["requirements"]])
     except (ValueError, KeyError, TypeError) as error:
-        raise RequirementsError(500, f"The requirements of {referrer!r} are malformed: {error}") from error
+        raise ServiceError(500, f"The requirements of {referrer!r} are malformed: {error}") from error

@@ -7,9 +7,10 @@ import time
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from urllib.parse import parse_qs, unquote, urlsplit
 
+from errors import ServiceError
 from misbehaviour import LONGEST, MISBEHAVIOURS
-from reports import ReportError, ReportStore, parse_analysis, parse_report, parse_system_information
-from requirements import RequirementsError, load_requirements
+from reports import ReportStore, parse_analysis, parse_report, parse_system_information
+from requirements import load_requirements
 from verdict import judge, render
 
 API_KEY = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53"
@@ -20,14 +21,6 @@ TEST_FILE_PAUSE = 0.01  # seconds between pieces, so that loopback looks like a 
 LARGEST_BODY = 64 * 1024 * 1024
 
 log = logging.getLogger("analysis_service")
-
-
-class ServiceError(Exception):
-    """A request that cannot be served; becomes an HTTP error with this text."""
-
-    def __init__(self, status, text):
-        super().__init__(text)
-        self.status = status
 
 
 class AnalysisServer(ThreadingHTTPServer):
@@ -82,14 +75,17 @@ class Handler(BaseHTTPRequestHandler):
         except ServiceError as error:
             log.warning("%s %s: %s", self.command, self.path, error)
             self.reply(error.status, str(error))
-        except (ReportError, RequirementsError) as error:
-            log.warning("%s %s: %s", self.command, self.path, error)
-            self.reply(error.status, str(error))
+        except OSError:
+            raise  # the client went away
+        except Exception:
+            log.exception("%s %s: the service failed", self.command, self.path)
+            self.reply(500, "The service failed.")
 
     def read_body(self):
         length = self.headers.get("Content-Length", "0")
         if not length.isascii() or not length.isdigit() or int(length) > LARGEST_BODY:
-            raise ServiceError(400, "The content length is missing or out of range.")
+            self.close_connection = True  # the body stays unread, and is not the next request
+            raise ServiceError(400, "The content length is no number or out of range.")
         return self.rfile.read(int(length))
 
     def route(self, path, query, body):
@@ -148,5 +144,8 @@ class Handler(BaseHTTPRequestHandler):
         self.end_headers()
         self.wfile.write(data)
 
-    def log_message(self, *_):
+    def log_request(self, *_):
         pass  # the service writes its own lines
+
+    def log_message(self, text, *arguments):
+        log.warning(text, *arguments)

@@ -20,7 +20,7 @@ def quantity(text):
 
 def version(text):
     """The numbers of a dotted version, without trailing zeros; None when the text is none."""
-    if not re.fullmatch(r"\s*\d+(\.\d+)*\s*", text):
+    if not re.fullmatch(r"\s*\d{1,18}(\.\d{1,18})*\s*", text):
         return None
     numbers = [int(number) for number in text.strip().split(".")]
     while numbers and numbers[-1] == 0:
