@@ -33,12 +33,6 @@ constexpr DWORD LongestRead = 5000;
 constexpr std::chrono::seconds TimeLimit{30};
 constexpr DWORD WaitLimit = 10000;  // milliseconds, of each single wait
 
-std::int64_t ReadCounter()
-{
-    LARGE_INTEGER reading = {};
-    return QueryPerformanceCounter(&reading) ? reading.QuadPart : 0;
-}
-
 /// A download that was cut short looks like one that ended, but for its announced length.
 bool IsWhole(HINTERNET file, std::uint64_t total)
 {
@@ -57,9 +51,8 @@ struct Download {
 };
 
 /// Reads the file to its end; whether that worked.
-bool ReadAll(HINTERNET file, const InternetHandles& handles, std::uint64_t& total)
+bool ReadAll(HINTERNET file, const InternetHandles& handles, std::vector<char>& buffer, std::uint64_t& total)
 {
-    std::vector<char> buffer(BufferSize);
     DWORD available = 0;
     while (InternetQueryDataAvailable(file, &available, 0, 0) && !handles.AreClosed()) {
         DWORD count = 0;
@@ -87,9 +80,10 @@ void Fetch(InternetHandles& handles, Download& download)
     const HINTERNET file = handles.Keep(InternetOpenUrlW(session, TestFile, nullptr, 0, OpenFlags, 0));
     if (file == nullptr)
         return;
-    download.start = ReadCounter();
-    download.isWhole = ReadAll(file, handles, download.bytes);
-    download.stop = ReadCounter();
+    std::vector<char> buffer(BufferSize);
+    download.start = Timer::ReadCounter();
+    download.isWhole = ReadAll(file, handles, buffer, download.bytes);
+    download.stop = Timer::ReadCounter();
 }
 
 /// The rate of one download; empty when it failed.

@@ -8,8 +8,8 @@ namespace kel {
 /// indentation for what is written between them.
 class LogScope {
 public:
+    /// A scope whose line cannot be written is not traced.
     /// @param scopeName the qualified name of the function
-    /// Throws nothing: a scope that cannot be traced is not.
     /// @param isActive whether to trace at all; see Tracing()
     LogScope(const wchar_t* scopeName, bool isActive) noexcept;
     LogScope(const LogScope&) = delete;

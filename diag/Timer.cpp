@@ -4,15 +4,11 @@
 
 namespace kel {
 
-namespace {
-
-std::int64_t ReadCounter()
+std::int64_t Timer::ReadCounter()
 {
     LARGE_INTEGER reading = {};
     return QueryPerformanceCounter(&reading) ? reading.QuadPart : 0;
 }
-
-}  // namespace
 
 void Timer::Start()
 {

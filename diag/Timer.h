@@ -12,6 +12,9 @@ public:
     void Start();
     void Stop();
 
+    /// The performance counter; 0 when it does not work.
+    static std::int64_t ReadCounter();
+
     /// Whole milliseconds between Start and Stop; 0 when either is missing or the counter does not work.
     std::int64_t ElapsedMilliseconds() const;
 

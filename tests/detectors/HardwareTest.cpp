@@ -83,6 +83,8 @@ TEST(Firmware, TakesVersionAndDateFromTheRegistryAndTheRestFromWmi)
     machine.Write(bios, L"BIOSVersion", L"1");
     machine.Write(bios, L"BaseBoardVersion", L"x aa");
     EXPECT_EQ(detect(), L"N||M|V 1||P|x aa|No|");
+    EXPECT_THAT(session.Numbers(),
+                testing::ElementsAre(71073, 71383, 71294, 71074, 71171, 71170, 71356, 71437));
 }
 
 TEST(Memory, ComesFromTheNewerFunctionOrTheOlder)
@@ -99,10 +101,13 @@ TEST(Memory, ComesFromTheNewerFunctionOrTheOlder)
     EXPECT_EQ(newer.availablePhysical.Bytes(), 3U);
     const MemoryInfo older = ReadMemory(nullptr);
     EXPECT_EQ(older.totalPhysical.Bytes(), ReadMemory(&GlobalMemoryStatusEx).totalPhysical.Bytes());
+    EXPECT_GT(older.totalVirtual.Bytes(), older.totalPhysical.Bytes());
+    EXPECT_LT(older.availablePhysical.Bytes(), older.totalPhysical.Bytes());
     test::TestSession session;
     EXPECT_TRUE(Ram().Detect());
     EXPECT_EQ(session.Text(71063), older.totalPhysical.ToString());
-    EXPECT_EQ(session.Texts({71174, 71175}), L"||");
+    EXPECT_EQ(session.Texts({71381, 71174, 71175}), older.totalVirtual.ToString() + std::wstring(L"|||"));
+    EXPECT_THAT(session.Numbers(), testing::ElementsAre(71063, 71381, 71382, 71174, 71175));
 }
 
 template <bool Succeeds, bool Present, bool ShortTerm>
