@@ -1,4 +1,4 @@
-#include "edge_faults/EdgeFaults.h"
+#include "client/EdgeFaults.h"
 
 #include <windows.h>
 

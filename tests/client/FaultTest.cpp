@@ -12,7 +12,7 @@
 #include <optional>
 
 #include "client/ControlDll.h"
-#include "edge_faults/EdgeFaults.h"
+#include "client/EdgeFaults.h"
 #include "support/ScratchKey.h"
 
 namespace kel {

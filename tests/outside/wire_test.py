@@ -1,10 +1,11 @@
 """What the control puts on the wire, and what it makes of the answers."""
 
+import subprocess
 import time
 import unittest
 import urllib.request
 
-from harness import API_KEY, ControlTest
+from harness import API_KEY, NO_NETWORK, ControlTest
 from verdict import quantity
 
 GROUP_LIST = f"GET /Data/Service.svc/Group/list?refid=demo&apikey={API_KEY} HTTP/1.1"
@@ -61,18 +62,12 @@ class Wire(ControlTest):
 
     def test_text_that_is_not_ascii_goes_out_and_comes_back_whole(self):
         output = self.run_script('control.ReferrerID = "demo"; control.UserID = "\\u00e9\\u20ac";'
-                                 'var answer = control.Analysis("\\u20ac&", "xml", "");'
+                                 'var answer = control.Analysis("\\u20ac\\ud83d\\ude00", "xml", "");'
                                  'WScript.Echo(control.UserID.charCodeAt(1) + " " + control.UserID.length);'
-                                 'WScript.Echo(answer.indexOf("The body is no XML"));')
-        self.assertEqual(output, ["8364 2", "0"])  # the ampersand makes the request malformed: HTTP 400, its text
+                                 'WScript.Echo(answer.indexOf("item=\\"\\u20ac\\ud83d\\ude00\\"") > 0);')
+        self.assertEqual(output, ["8364 2", "-1"])
         self.assertIn("\u00e9\u20ac", self.service.requests[1]["body"])
-        self.assertIn("<ItemID>\u20ac&</ItemID>", self.service.requests[2]["body"])
-
-    def test_serves_vbscript(self):
-        output = self.run_script('control.ReferrerID = "demo"\nDim answer\nanswer = control.Analysis("i", "xml", "1")\n'
-                                 'WScript.Echo InStr(answer, "result=""pass""") & " " & control.Value("71094")\n'
-                                 'control.Debug = "x"\nWScript.Echo control.Debug & control.Version', "vbs")
-        self.assertEqual(output, ["11 No", "14.5.1.0"])
+        self.assertIn("<ItemID>\u20ac\U0001f600</ItemID>", self.service.requests[2]["body"])
 
 
 class Bandwidth(ControlTest):
@@ -112,7 +107,7 @@ class Faults(ControlTest):
     def test_a_service_that_misbehaves_costs_its_answer_only(self):
         for fault, answer, reports_memory in (
                 ("close", r"", "0"), ("empty", r"", "0"), ("404", r"nothing here", "0"), ("500", r"broken", "0"),
-                ("cut", r"71063\|", "-1"), ("slow", r"71063\|71094", "-1"), ("invalid-utf8", r"71063\|.+\|71094", "-1")):
+                ("cut", r"71063\|", "-1"), ("slow", r"71063\|71094", "-1"), ("invalid-utf8", r"71063\|\?+\|71094", "-1")):
             with self.subTest(fault):
                 self.service.misbehave = fault
                 output = self.run_script(SHOW + 'WScript.Echo(control.SysInfo.indexOf("71063") > 0);')
@@ -129,4 +124,6 @@ class Faults(ControlTest):
         self.service.server_close()
         for proxy in (True, False):
             with self.subTest(proxy):
+                if not proxy and subprocess.run([*NO_NETWORK, "true"], stderr=subprocess.DEVNULL, check=False).returncode:
+                    self.skipTest("This machine gives no empty network.")
                 self.assertEqual(self.run_script(SHOW, proxy=proxy), ["[]", "-1", "0", "-1"])
