@@ -18,7 +18,6 @@ namespace kel {
 
 namespace {
 
-constexpr const wchar_t* Agent = L"KEL";
 constexpr const wchar_t* TestFile = L"http://" KEL_CONTENT_HOST L"/global/tests/test_2.bin";
 /// Kept in reserve, should the first host be given up.
 [[maybe_unused]] constexpr const wchar_t* SecondTestFile =
@@ -68,8 +67,7 @@ bool ReadAll(HINTERNET file, const InternetHandles& handles, std::vector<char>& 
 
 void Fetch(InternetHandles& handles, Download& download)
 {
-    const HINTERNET session =
-        handles.Keep(InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+    const HINTERNET session = handles.OpenSession();
     if (session == nullptr)
         return;
     for (const DWORD option :
@@ -77,7 +75,8 @@ void Fetch(InternetHandles& handles, Download& download)
         DWORD milliseconds = WaitLimit;
         InternetSetOptionW(session, option, &milliseconds, sizeof(milliseconds));
     }
-    const HINTERNET file = handles.Keep(InternetOpenUrlW(session, TestFile, nullptr, 0, OpenFlags, 0));
+    const HINTERNET file =
+        handles.Keep(InternetOpenUrlW(session, TestFile, nullptr, 0, OpenFlags, handles.Context()));
     if (file == nullptr)
         return;
     std::vector<char> buffer(BufferSize);

@@ -12,7 +12,6 @@ namespace kel {
 
 namespace {
 
-constexpr const wchar_t* Agent = L"KEL";
 constexpr INTERNET_PORT Port = 80;
 constexpr DWORD ConnectFlags = 0x40000;
 constexpr DWORD RequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT |
@@ -33,18 +32,16 @@ HINTERNET Opened(HINTERNET handle, const char* failure)
 
 HINTERNET Open(const HttpRequest& request, InternetHandles& handles)
 {
-    const HINTERNET session =
-        Opened(handles.Keep(InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0)),
-               "Can't open Internet.");
+    const HINTERNET session = Opened(handles.OpenSession(), "Can't open Internet.");
     const HINTERNET connection =
         Opened(handles.Keep(InternetConnectW(session, request.host.c_str(), Port, L"", L"",
                                              INTERNET_SERVICE_HTTP, ConnectFlags, 0)),
                "Can't open Internet connection.");
     const wchar_t* acceptTypes[] = {L"text/*", nullptr};
-    const HINTERNET opened =
-        Opened(handles.Keep(HttpOpenRequestW(connection, request.verb.c_str(), request.path.c_str(),
-                                             L"HTTP/1.1", nullptr, acceptTypes, RequestFlags, 0)),
-               "Can't open Internet request.");
+    const HINTERNET opened = Opened(
+        handles.Keep(HttpOpenRequestW(connection, request.verb.c_str(), request.path.c_str(), L"HTTP/1.1",
+                                      nullptr, acceptTypes, RequestFlags, handles.Context())),
+        "Can't open Internet request.");
     for (const DWORD option :
          std::initializer_list<DWORD>{INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT,
                                       INTERNET_OPTION_RECEIVE_TIMEOUT}) {

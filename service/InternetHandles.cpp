@@ -1,8 +1,35 @@
 #include "service/InternetHandles.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace kel {
+
+namespace {
+
+constexpr const wchar_t* Agent = L"KEL";
+constexpr int QuickRedirects = 10;
+constexpr DWORD FirstPause = 100;       // milliseconds
+constexpr DWORD LongestPause = 60'000;  // milliseconds
+
+}  // namespace
+
+HINTERNET InternetHandles::OpenSession()
+{
+    const HINTERNET session = Keep(InternetOpenW(Agent, INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
+    if (session != nullptr)
+        InternetSetStatusCallbackW(session, &SlowDownRedirects);
+    return session;
+}
+
+void CALLBACK InternetHandles::SlowDownRedirects(HINTERNET, DWORD_PTR context, DWORD status, LPVOID, DWORD)
+{
+    if (status != INTERNET_STATUS_REDIRECT)
+        return;
+    const int late = ++reinterpret_cast<InternetHandles*>(context)->redirects - QuickRedirects;
+    if (late > 0)
+        Sleep(std::min(FirstPause << std::min(late - 1, 10), LongestPause));
+}
 
 HINTERNET InternetHandles::Keep(HINTERNET opened)
 {

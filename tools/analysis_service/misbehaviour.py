@@ -21,7 +21,9 @@ def _raw(*pieces, stay=0):
     def answer(handler):
         for piece in pieces:
             handler.wfile.write(piece)
-        select.select([handler.connection], [], [], stay)
+        leaving = select.poll()  # select() cannot watch a descriptor past 1023
+        leaving.register(handler.connection, select.POLLIN)
+        leaving.poll(stay * 1000)
         close(handler)
     return answer
 
