@@ -24,6 +24,18 @@ constexpr unsigned SessionGroup = 71424;
 constexpr unsigned ReferrerGroup = 71218;
 constexpr unsigned UserGroup = 71206;
 
+/// Raises a flag for as long as it lives.
+class Raised {
+public:
+    explicit Raised(bool& newFlag) : flag(newFlag) { flag = true; }
+    Raised(const Raised&) = delete;
+    Raised& operator=(const Raised&) = delete;
+    ~Raised() { flag = false; }
+
+private:
+    bool& flag;
+};
+
 }  // namespace
 
 System& System::Instance()
@@ -73,6 +85,9 @@ void System::Detect()
 {
     const LogScope trace(L"kel::System::Detect", LogScope::Tracing());
     StoreIdentifiers();
+    if (isDetecting)
+        return;
+    const Raised detecting(isDetecting);
     if (!detectorsInitialised) {
         FetchWantedGroups();
         components.DetectAll();
