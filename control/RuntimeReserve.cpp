@@ -57,13 +57,17 @@ extern "C" void* malloc(std::size_t size)
 extern "C" void* calloc(std::size_t count, std::size_t size)
 {
     void* block = SystemCalloc(count, size);
-    if (block == nullptr && count <= BlockSize && (block = Reserved(count * size)) != nullptr)
+    if (block == nullptr && count <= BlockSize && size <= BlockSize && (block = Reserved(count * size)) != nullptr)
         std::memset(block, 0, BlockSize);
     return block;
 }
 
 extern "C" void* realloc(void* block, std::size_t size)
 {
+    if (size == 0 && block != nullptr) {
+        free(block);
+        return nullptr;
+    }
     void* moved = IsReserved(block) ? nullptr : SystemRealloc(block, size);
     if (moved == nullptr && (moved = malloc(size)) != nullptr && block != nullptr) {
         std::memcpy(moved, block, std::min(size, IsReserved(block) ? BlockSize : _msize(block)));
