@@ -71,7 +71,7 @@ HRESULT CSysInfo::Save(IPropertyBag* bag, BOOL /*clearDirty*/, BOOL /*saveAll*/)
 {
     if (bag == nullptr)
         return E_POINTER;
-    HRESULT result = S_OK;
+    HRESULT result = E_OUTOFMEMORY;  // unless all is written
     Guarded([bag, &result] {
         const System& system = System::Instance();
         const std::pair<const wchar_t*, std::wstring> texts[] = {
@@ -80,11 +80,13 @@ HRESULT CSysInfo::Save(IPropertyBag* bag, BOOL /*clearDirty*/, BOOL /*saveAll*/)
             {UserKey, system.UserID()},
             {DebugKey, system.IsDebug() ? L"1" : L"0"},
         };
+        HRESULT worst = S_OK;
         for (const auto& [key, text] : texts) {
             const HRESULT written = WriteText(*bag, key, text);
             if (FAILED(written))
-                result = written;
+                worst = written;
         }
+        result = worst;
     });
     return result;
 }
