@@ -1,6 +1,7 @@
 #include "probes/InfFile.h"
 
 #include <algorithm>
+#include <set>
 
 #include "values/Text.h"
 
@@ -32,9 +33,8 @@ std::vector<std::wstring> ModelSections(const std::vector<std::wstring>& manufac
 {
     std::vector<std::wstring> sections = {manufacturer.front()};
     const auto add = [&sections](const std::wstring& platform) {
-        const std::wstring section = sections.front() + L"." + platform;
-        if (!platform.empty() && std::ranges::find(sections, section) == sections.end())
-            sections.push_back(section);
+        if (!platform.empty())
+            sections.push_back(sections.front() + L"." + platform);
     };
     for (std::size_t field = 1; field < manufacturer.size(); ++field)
         add(manufacturer[field]);
@@ -67,9 +67,10 @@ std::wstring InfFile::FindModel(std::wstring_view lowerCaseText) const
             found = *id;
         return !found.empty();
     };
+    std::set<std::wstring> searched;  // a file may name a long section ten thousand times
     Walk(L"Manufacturer", [&](const std::vector<std::wstring>& manufacturer) {
         for (const std::wstring& section : ModelSections(manufacturer)) {
-            if (found.empty())
+            if (found.empty() && searched.insert(section).second)
                 Walk(section, findId);
         }
         return !found.empty();

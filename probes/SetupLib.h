@@ -29,7 +29,7 @@ struct DeviceKeys {
 
 /// Lists the present devices of one setup class at a time, through the Setup API ("setupapi.dll", loaded at
 /// run time) and the registry keys of each device. A property or value that cannot be read leaves its field
-/// empty. Without the library every listing answers false. Nothing is thrown.
+/// empty. Without the library every listing answers false. The public operations throw nothing.
 class SetupLib : public Source {
 public:
     /// Fills the table of entry points; false when the library cannot be loaded.
@@ -54,19 +54,9 @@ public:
     bool GetNetworkDeviceInfo(std::vector<SetupNetworkInfo>& adapters);
     bool GetSoundInfo(std::vector<SetupSoundInfo>& devices);
 
-    /// Opens the set of the present devices of a class.
-    bool GetDeviceSet(const GUID& deviceClass, OwnedDeviceSet& set);
-
-    /// Reads a text property (SPDRP_...), of a list the first text.
-    /// @param text untouched when the property cannot be read
-    bool GetDeviceProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property, std::wstring& text);
-
-    /// Opens both keys of a device for reading; false, with a warning in the log, unless both are open.
-    bool OpenDeviceKeys(HDEVINFO set, SP_DEVINFO_DATA& device, DeviceKeys& keys);
-
     /// Reads a value of at most 1000 bytes as text: a string, the first string of a list, or a 32-bit number
     /// in decimal. A 64-bit number gives an empty text.
-    /// @param key null gives false
+    /// @param key null gives false without a warning, as does a subkey that cannot be opened
     /// @param subkey below the key; null or empty for the key itself
     /// @return false, with an empty text and a warning in the log, for every other value and for a missing
     /// one
@@ -83,6 +73,16 @@ private:
     /// @param operation the name of the listing, for the log
     /// @param setFailure the error line when the set cannot be opened; null for none
     bool Enumerate(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure, const Fill& fill);
+
+    /// Opens the set of the present devices of a class.
+    bool GetDeviceSet(const GUID& deviceClass, OwnedDeviceSet& set);
+
+    /// Reads a text property (SPDRP_...), of a list the first text.
+    /// @param text untouched when the property cannot be read
+    bool GetDeviceProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property, std::wstring& text);
+
+    /// Opens both keys of a device for reading; false, with a warning in the log, unless both are open.
+    bool OpenDeviceKeys(HDEVINFO set, SP_DEVINFO_DATA& device, DeviceKeys& keys);
 
     Name TextProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property);
     Name DeviceName(HDEVINFO set, SP_DEVINFO_DATA& device);

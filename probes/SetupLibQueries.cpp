@@ -205,6 +205,8 @@ DeviceID SetupLib::RefinedID(const DeviceID& id, HKEY software) const
 {
     const std::wstring path = FirstText({{software, nullptr, L"InfPath"}});
     WriteLog(LogTrace, L"Inf Path: ", path);
+    if (id.Device().empty())
+        return id;  // any id of the maker's would match
     const InfFile inf(entryPoints, path);
     const std::wstring found =
         inf.FindModel(L"ven_" + ToLower(id.Vendor()) + L"&dev_" + ToLower(id.Device()));
