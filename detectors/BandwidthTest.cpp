@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <chrono>
 #include <exception>
-#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -30,7 +29,7 @@ constexpr DWORD LongestRead = 5000;
 
 /// What a test may take of the page that waits for it; the file takes less on any connection worth measuring.
 constexpr std::chrono::seconds TimeLimit{30};
-constexpr DWORD WaitLimit = 10000;  // milliseconds, of each single wait
+constexpr std::chrono::seconds WaitLimit{10};  // of each single wait
 
 /// A download that was cut short looks like one that ended, but for its announced length.
 bool IsWhole(HINTERNET file, std::uint64_t total)
@@ -49,7 +48,7 @@ struct Download {
     std::int64_t stop = 0;
 };
 
-/// Reads the file to its end; whether that worked.
+/// Reads until there is nothing left; whether that worked.
 bool ReadAll(HINTERNET file, const InternetHandles& handles, std::vector<char>& buffer, std::uint64_t& total)
 {
     DWORD available = 0;
@@ -60,7 +59,7 @@ bool ReadAll(HINTERNET file, const InternetHandles& handles, std::vector<char>& 
             return false;
         total += count;
         if (count == 0)
-            return IsWhole(file, total);
+            return true;
     }
     return false;
 }
@@ -70,19 +69,16 @@ void Fetch(InternetHandles& handles, Download& download)
     const HINTERNET session = handles.OpenSession();
     if (session == nullptr)
         return;
-    for (const DWORD option :
-         std::initializer_list<DWORD>{INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT}) {
-        DWORD milliseconds = WaitLimit;
-        InternetSetOptionW(session, option, &milliseconds, sizeof(milliseconds));
-    }
+    InternetHandles::LimitWaits(session, WaitLimit);
     const HINTERNET file =
         handles.Keep(InternetOpenUrlW(session, TestFile, nullptr, 0, OpenFlags, handles.Context()));
     if (file == nullptr)
         return;
     std::vector<char> buffer(BufferSize);
     download.start = Timer::ReadCounter();
-    download.isWhole = ReadAll(file, handles, buffer, download.bytes);
+    const bool isRead = ReadAll(file, handles, buffer, download.bytes);
     download.stop = Timer::ReadCounter();
+    download.isWhole = isRead && IsWhole(file, download.bytes);
 }
 
 /// The rate of one download; empty when it failed.
@@ -95,17 +91,18 @@ std::wstring Measure()
     }
     LARGE_INTEGER frequency = {};
     QueryPerformanceFrequency(&frequency);
-    if (!download->isWhole || frequency.QuadPart <= 0 || download->start <= 0 ||
-        download->stop <= download->start)
+    if (!download->isWhole)
         return {};
-    return DownloadRate(download->bytes,
-                        Timer::ElapsedMilliseconds(download->start, download->stop, frequency.QuadPart));
+    return DownloadRate(download->bytes, download->start, download->stop, frequency.QuadPart);
 }
 
 }  // namespace
 
-std::wstring DownloadRate(std::uint64_t bytes, std::int64_t milliseconds)
+std::wstring DownloadRate(std::uint64_t bytes, std::int64_t start, std::int64_t stop, std::int64_t frequency)
 {
+    if (frequency <= 0 || start <= 0 || stop <= start)
+        return {};
+    const std::int64_t milliseconds = Timer::ElapsedMilliseconds(start, stop, frequency);
     return std::to_wstring(bytes * 8000 /
                            static_cast<std::uint64_t>(std::max<std::int64_t>(milliseconds, 1))) +
            L" bps";
@@ -118,7 +115,7 @@ const std::wstring& RunBandwidthTest()
     try {
         result = Measure();
     } catch (const std::exception& error) {
-        WriteLog(LogError, error.what());
+        ReportFailure(LogError, error.what());
     }
     if (!result.empty())
         WriteLog(LogTrace, L"downloadRate = ", result);

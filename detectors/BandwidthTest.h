@@ -6,8 +6,11 @@
 
 namespace kel {
 
-/// The rate of a download in bits per second, as "16000000 bps". A time of 0 counts as one millisecond.
-std::wstring DownloadRate(std::uint64_t bytes, std::int64_t milliseconds);
+/// The rate of a download in bits per second, as "16000000 bps". Less than a millisecond counts as one.
+/// @param start reading of the performance counter, as `stop`
+/// @param frequency of the counter, a second
+/// @return the empty text when the counter did not work: a number below 1, or a stop that is not later
+std::wstring DownloadRate(std::uint64_t bytes, std::int64_t start, std::int64_t stop, std::int64_t frequency);
 
 /// Downloads the test file from the content host through WinINet and times the reading. Takes at most 31
 /// seconds; a test that is not over in 30 counts as failed.

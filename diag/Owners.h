@@ -22,6 +22,7 @@ struct Closer {
 
 using OwnedLibrary = std::unique_ptr<std::remove_pointer_t<HMODULE>, Closer<&FreeLibrary>>;
 using OwnedKey = std::unique_ptr<std::remove_pointer_t<HKEY>, Closer<&RegCloseKey>>;
+using OwnedThread = std::unique_ptr<std::remove_pointer_t<HANDLE>, Closer<&CloseHandle>>;
 using OwnedInternet = std::unique_ptr<void, Closer<&InternetCloseHandle>>;
 
 /// Looks a function up by its name; null, with a warning in the log, when the library does not have it.

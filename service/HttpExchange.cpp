@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <initializer_list>
+#include <cwchar>
 #include <stdexcept>
 
 namespace kel {
@@ -13,7 +13,7 @@ namespace kel {
 namespace {
 
 constexpr INTERNET_PORT Port = 80;
-constexpr DWORD ConnectFlags = 0x40000;
+constexpr DWORD ConnectFlags = INTERNET_FLAG_NO_AUTH;
 constexpr DWORD RequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT |
                                INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_KEEP_CONNECTION;
 static_assert(RequestFlags == 0xA4400000);
@@ -21,7 +21,7 @@ constexpr DWORD PieceSize = 2000;
 /// Bytes. The longest answer that the service gives is a page of some hundred kilobytes.
 constexpr std::size_t LongestAnswer = std::size_t{16} << 20;
 /// Of each single wait for the server; the whole exchange has its own limit.
-constexpr std::chrono::milliseconds WaitLimit = std::chrono::seconds(30);
+constexpr std::chrono::seconds WaitLimit{30};
 
 HINTERNET Opened(HINTERNET handle, const char* failure)
 {
@@ -42,12 +42,7 @@ HINTERNET Open(const HttpRequest& request, InternetHandles& handles)
         handles.Keep(HttpOpenRequestW(connection, request.verb.c_str(), request.path.c_str(), L"HTTP/1.1",
                                       nullptr, acceptTypes, RequestFlags, handles.Context())),
         "Can't open Internet request.");
-    for (const DWORD option :
-         std::initializer_list<DWORD>{INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT,
-                                      INTERNET_OPTION_RECEIVE_TIMEOUT}) {
-        auto milliseconds = static_cast<DWORD>(WaitLimit.count());
-        InternetSetOptionW(opened, option, &milliseconds, sizeof(milliseconds));
-    }
+    InternetHandles::LimitWaits(opened, WaitLimit);
     return opened;
 }
 

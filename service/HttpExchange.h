@@ -11,21 +11,23 @@
 
 namespace kel {
 
+/// What is asked, on port 80.
 struct HttpRequest {
     std::wstring host;
     std::wstring verb;
     std::wstring path;
     std::wstring headers;  ///< empty for none
-    std::string body;      ///< empty for none
+    std::string body;      ///< UTF-8; empty for none
 };
 
+/// What came back, as far as the exchange went.
 struct HttpAnswer {
     Timer timer;  ///< of the sending, up to the answer's headers
     DWORD sendError = ERROR_SUCCESS;
     std::optional<std::wstring> status;      ///< nothing when WinINet does not tell it
     std::optional<std::wstring> statusText;  ///< the same
-    std::string body;
-    const char* failure = nullptr;  ///< why the body does not count
+    std::string body;                        ///< as it came; the service's are UTF-8
+    const char* failure = nullptr;           ///< why the body does not count
 };
 
 /// Sends a request and reads its answer, through WinINet.

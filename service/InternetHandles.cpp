@@ -22,6 +22,14 @@ HINTERNET InternetHandles::OpenSession()
     return session;
 }
 
+void InternetHandles::LimitWaits(HINTERNET handle, std::chrono::milliseconds limit)
+{
+    auto milliseconds = static_cast<DWORD>(limit.count());
+    for (const DWORD option :
+         {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT})
+        InternetSetOptionW(handle, option, &milliseconds, sizeof(milliseconds));
+}
+
 void CALLBACK InternetHandles::SlowDownRedirects(HINTERNET, DWORD_PTR context, DWORD status, LPVOID, DWORD)
 {
     if (status != INTERNET_STATUS_REDIRECT)

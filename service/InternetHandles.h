@@ -4,6 +4,7 @@
 
 #include <wininet.h>
 
+#include <chrono>
 #include <mutex>
 #include <vector>
 
@@ -15,7 +16,7 @@ namespace kel {
 /// one of them.
 ///
 /// WinINet follows redirects by itself. Where it knows no end, as under Wine, a server that redirects for
-/// ever would cost the host a socket each time, some hundred a second. Redirects of requests that are opened
+/// ever would cost the host a socket each time, hundreds a second. Redirects of requests that are opened
 /// with `Context` are therefore slowed down after the tenth: each waits twice as long as the one before, up
 /// to a minute.
 class InternetHandles {
@@ -27,6 +28,9 @@ public:
 
     /// Opens WinINet for the control, with the system's proxy settings; null when that fails. Calls block.
     HINTERNET OpenSession();
+
+    /// Bounds each single wait of a session or a request: for a connection, to send, to receive.
+    static void LimitWaits(HINTERNET handle, std::chrono::milliseconds limit);
 
     /// What a request of the session has to be opened with.
     DWORD_PTR Context() { return reinterpret_cast<DWORD_PTR>(this); }

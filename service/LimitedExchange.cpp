@@ -6,7 +6,6 @@
 #include <exception>
 #include <memory>
 #include <stdexcept>
-#include <type_traits>
 #include <utility>
 
 #include "diag/Owners.h"
@@ -20,15 +19,13 @@ constexpr DWORD GraceMilliseconds = 1000;
 /// Bounds what exchanges that were left to themselves can add up to.
 constexpr int MostExchanges = 4;
 
-using OwnedThread = std::unique_ptr<std::remove_pointer_t<HANDLE>, Closer<&CloseHandle>>;
-
 /// What the waiting thread and the exchange's thread share.
-class Run {
+class SharedExchange {
 public:
-    explicit Run(std::function<void(InternetHandles&)> job) : exchange(std::move(job)) { ++count; }
-    Run(const Run&) = delete;
-    Run& operator=(const Run&) = delete;
-    ~Run() { --count; }
+    explicit SharedExchange(std::function<void(InternetHandles&)> job) : exchange(std::move(job)) { ++count; }
+    SharedExchange(const SharedExchange&) = delete;
+    SharedExchange& operator=(const SharedExchange&) = delete;
+    ~SharedExchange() { --count; }
 
     static bool AreTooMany() { return count >= MostExchanges; }
 
@@ -45,14 +42,15 @@ DWORD WINAPI Work(LPVOID context)
 {
     HMODULE module = nullptr;
     {
-        const std::unique_ptr<std::shared_ptr<Run>> owner(static_cast<std::shared_ptr<Run>*>(context));
-        Run& run = **owner;
+        const std::unique_ptr<std::shared_ptr<SharedExchange>> owner(
+            static_cast<std::shared_ptr<SharedExchange>*>(context));
+        SharedExchange& shared = **owner;
         try {
-            run.exchange(run.handles);
+            shared.exchange(shared.handles);
         } catch (...) {
-            run.failure = std::current_exception();
+            shared.failure = std::current_exception();
         }
-        module = run.module.release();
+        module = shared.module.release();
     }
     // The code of this very function may be gone when a plain FreeLibrary returns.
     FreeLibraryAndExitThread(module, 0);
@@ -66,11 +64,11 @@ OwnedLibrary ThisModule()
     return OwnedLibrary(module);
 }
 
-OwnedThread Start(const std::shared_ptr<Run>& run)
+OwnedThread Start(const std::shared_ptr<SharedExchange>& shared)
 {
-    run->module = ThisModule();
-    auto context = std::make_unique<std::shared_ptr<Run>>(run);
-    OwnedThread thread(run->module ? CreateThread(nullptr, 0, &Work, context.get(), 0, nullptr) : nullptr);
+    shared->module = ThisModule();
+    auto context = std::make_unique<std::shared_ptr<SharedExchange>>(shared);
+    OwnedThread thread(shared->module ? CreateThread(nullptr, 0, &Work, context.get(), 0, nullptr) : nullptr);
     if (!thread)
         throw std::runtime_error("Can't start an Internet exchange.");
     static_cast<void>(context.release());  // the thread's own from here on
@@ -81,17 +79,17 @@ OwnedThread Start(const std::shared_ptr<Run>& run)
 
 bool RunWithin(std::chrono::milliseconds limit, std::function<void(InternetHandles&)> exchange)
 {
-    if (Run::AreTooMany())
+    if (SharedExchange::AreTooMany())
         throw std::runtime_error("Too many Internet exchanges have not ended yet.");
-    const auto run = std::make_shared<Run>(std::move(exchange));
-    const OwnedThread thread = Start(run);
+    const auto shared = std::make_shared<SharedExchange>(std::move(exchange));
+    const OwnedThread thread = Start(shared);
     if (WaitForSingleObject(thread.get(), static_cast<DWORD>(limit.count())) != WAIT_OBJECT_0) {
-        run->handles.CloseAll();
+        shared->handles.CloseAll();
         WaitForSingleObject(thread.get(), GraceMilliseconds);
         return false;
     }
-    if (run->failure)
-        std::rethrow_exception(run->failure);
+    if (shared->failure)
+        std::rethrow_exception(shared->failure);
     return true;
 }
 

@@ -129,10 +129,22 @@ TEST(Chassis, IsPortableOnALongTermBatteryOnly)
 
 TEST(BandwidthTest, ComputesBitsPerSecond)
 {
-    EXPECT_EQ(DownloadRate(1000000, 500), L"16000000 bps");
-    EXPECT_EQ(DownloadRate(1, 3), L"2666 bps");
-    EXPECT_EQ(DownloadRate(5000, 0), L"40000000 bps");
-    EXPECT_EQ(DownloadRate(0, 10), L"0 bps");
+    const struct {
+        std::uint64_t bytes;
+        std::int64_t start, stop, frequency;
+        const wchar_t* rate;
+    } rows[] = {
+        {1000000, 1, 501, 1000, L"16000000 bps"},
+        {1, 1, 4, 1000, L"2666 bps"},
+        {5000, 1, 2, 10000, L"40000000 bps"},  // less than a millisecond
+        {0, 1, 11, 1000, L"0 bps"},
+        {1000000, 0, 501, 1000, L""},
+        {1000000, 501, 501, 1000, L""},
+        {1000000, 501, 0, 1000, L""},
+        {1000000, 1, 501, 0, L""},
+    };
+    for (const auto& [bytes, start, stop, frequency, rate] : rows)
+        EXPECT_EQ(DownloadRate(bytes, start, stop, frequency), rate) << start << ' ' << stop;
 }
 
 TEST(NetworkDevice, MeasuresOnlyWhatIsWanted)
