@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <string>
 
+#include "diag/Timer.h"
+
 namespace kel {
 
 bool GetSystemCpuInfo(CpuInfo& info)
@@ -28,15 +30,14 @@ float MeasureMegahertz()
     LARGE_INTEGER frequency = {};
     if (!QueryPerformanceFrequency(&frequency))
         return 0.0F;
-    LARGE_INTEGER now = {};
-    QueryPerformanceCounter(&now);
-    const LONGLONG deadline = now.QuadPart + frequency.QuadPart;
+    const std::int64_t start = Timer::ReadCounter();
+    std::int64_t now = start;
     const std::uint64_t first = __rdtsc();
-    while (now.QuadPart < deadline)
-        QueryPerformanceCounter(&now);
+    while (now > 0 && now - start < frequency.QuadPart)
+        now = Timer::ReadCounter();
     const std::uint64_t last = __rdtsc();
     // The counter goes back when the machine wakes up or the thread moves to a processor that is behind.
-    return last > first ? static_cast<float>(last - first) / 1000000.0F : 0.0F;
+    return now > 0 && last > first ? static_cast<float>(last - first) / 1000000.0F : 0.0F;
 }
 
 }  // namespace kel
