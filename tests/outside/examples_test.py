@@ -1,10 +1,19 @@
 """The examples as a reader runs them, against the demo's requirements."""
 
+import re
 import unittest
 
 from harness import ROOT, ControlTest, windows_path, wine
 
 EXAMPLES = ROOT / "examples"
+# What the page's script needs of a browser; each text node is a line of output.
+BROWSER = """var window = {}, place = { appendChild: function (node) { return node; }, removeChild: function () {} };
+var document = {
+  getElementById: function (id) { return id == "control" ? control : place; },
+  createElement: function () { return place; },
+  createTextNode: function (text) { WScript.Echo(text); }
+};
+control.ReferrerID = "demo";"""
 
 
 class Examples(ControlTest):
@@ -21,7 +30,7 @@ class Examples(ControlTest):
         rows = [line for line in output.splitlines() if line.endswith(("pass", "fail", "unknown"))]
         self.assertEqual(len(rows), 13)  # twelve requirements and the total
         self.assertRegex(output, r"\nMemory +at least 2 GB +\d+\.\d [GT]B +pass\n")
-        self.assertRegex(output, r"\nNot on battery +no +(No +pass|Yes +fail)\n")
+        self.assertRegex(output, r"\nNot portable +no +(No +pass|Yes +fail)\n")
         self.assertEqual(len({line.rindex("  ") for line in rows[:-1]}), 1, output)
         self.assertIn('id="71063"', (self.folder / "report.xml").read_text(encoding="ascii"))
         self.assertIn("<td>Memory</td>", (self.folder / "analysis.html").read_text(encoding="ascii"))
@@ -33,6 +42,14 @@ class Examples(ControlTest):
         for example in ("check.vbs", "check.js"):
             code, output = self.run_example(example, "unknown")
             self.assertEqual((code, output), (2, "The analysis service answered: Referrer 'unknown' is not known.\n"))
+
+    def test_the_page_shows_the_verdict_as_text(self):
+        script = re.search("<script>(.*)</script>", (EXAMPLES / "check.html").read_text("utf-8"), re.DOTALL)[1]
+        *rows, total, without = self.run_script(BROWSER + script + "window.onload(); control = null; window.onload();")
+        self.assertEqual(len(rows), 12)
+        self.assertRegex("\n".join(rows), r"\nMemory: at least 2 GB, found [\d.]+ [GT]B: pass\n")
+        self.assertRegex(total, "^Total: (pass|fail)$")
+        self.assertRegex(without, "^The control is not installed")
 
 
 if __name__ == "__main__":
