@@ -14,6 +14,7 @@ namespace kel {
 class ClassFactory final : public IClassFactory {
 public:
     /// Makes a factory and queries it.
+    /// @return E_OUTOFMEMORY or E_NOINTERFACE when that fails
     static HRESULT Create(REFIID riid, void** result) noexcept;
 
     ClassFactory(const ClassFactory&) = delete;

@@ -26,7 +26,7 @@ public:
     static std::wstring Path();
 
     /// Registers the class and the type library, for all users or for the current one only. A failed
-    /// registration takes back what it wrote.
+    /// registration takes back what it wrote, and an earlier one with it.
     HRESULT Register(bool forCurrentUser) noexcept;
 
     /// Takes the registration back.

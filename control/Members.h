@@ -14,7 +14,7 @@ namespace kel {
 /// The line that a member logs when something failed in it.
 inline constexpr const wchar_t* CaughtException = L"Caught exception.";
 
-/// Thrown on by a member that has logged its failure.
+/// Thrown by a member that has logged its failure already.
 struct AlreadyLogged {};
 
 /// The whole text of a string from outside, also its zeros; null is the empty text.

@@ -37,7 +37,8 @@ public:
     /// @param rootKey the key below which the script's keys stand; must outlive this object
     Registrar(HKEY rootKey, Parameters scriptParameters);
 
-    /// Writes the script's keys and values. When a step fails, the keys that it wrote are taken back.
+    /// Writes the script's keys and values. When a step fails, the keys that it wrote are taken back,
+    /// and with them what an earlier registration had left there.
     /// @throws RegistrationError
     void Register(const std::vector<ScriptKey>& keys);
 

@@ -12,7 +12,7 @@ namespace kel {
 /// @param getCapabilities `GetPwrCapabilities` as found; null gives false, and so does a call that fails
 bool HasLongTermBattery(decltype(&GetPwrCapabilities) getCapabilities);
 
-/// The detector of the chassis: whether the machine runs on a long-term battery, that is, is portable.
+/// The detector of the chassis: whether the machine has a long-term battery, that is, is portable.
 /// Read through `GetPwrCapabilities`.
 class Chassis : public Component {
 public:

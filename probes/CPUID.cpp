@@ -95,7 +95,7 @@ bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
 {
     registers = {};
     const bool isExtended = (leaf & ExtendedLeaf) != 0;
-    // By its low byte only, an extended leaf is never above what real processors give; kept as it is.
+    // Kept as it is: of an extended leaf the low byte alone is compared, and so none is refused.
     if (isExtended ? (leaf & 0xFF) > maxExtendedLeaf : leaf > maxStandardLeaf)
         return false;
     registers = leaves(leaf);

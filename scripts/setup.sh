@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and the demo need. Does nothing when all are there.
+# Installs the Debian packages that building, testing and the demo need; with --lint or --bench, also those of
+# that script. Does nothing when all are there.
 set -euo pipefail
 
 packages=(

@@ -15,7 +15,7 @@ namespace {
 constexpr std::array<Unit, 4> ParsedUnits = {
     {{L"KB", 1024.0}, {L"MB", 1048576.0}, {L"GB", 1073741824.0}, {L"TB", 1099511627776.0}}};
 constexpr std::array<const wchar_t*, 5> PrintedUnits = {L"B", L"KB", L"MB", L"GB", L"TB"};
-constexpr const wchar_t* NumberCharacters = L"01234567890.+-";
+constexpr const wchar_t* NumberCharacters = L"0123456789.+-";
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-"""The HTTP side: four requests of the control, the bandwidth test file, and faults on demand."""
+"""The HTTP side: the requests of the control, the bandwidth test file, and faults on demand."""
 
 import json
 import logging
