@@ -57,7 +57,8 @@ extern "C" void* malloc(std::size_t size)
 extern "C" void* calloc(std::size_t count, std::size_t size)
 {
     void* block = SystemCalloc(count, size);
-    if (block == nullptr && count <= BlockSize && size <= BlockSize && (block = Reserved(count * size)) != nullptr)
+    if (block == nullptr && count <= BlockSize && size <= BlockSize &&
+        (block = Reserved(count * size)) != nullptr)
         std::memset(block, 0, BlockSize);
     return block;
 }

@@ -27,8 +27,8 @@ struct CpuInfo {
     std::wstring reserved2;
     std::wstring updateSignature;         ///< microcode revision, hexadecimal
     std::wstring chipsetSoftwareVersion;  ///< version of the chipset's installation software
-    std::wstring caption;     ///< as WMI gives it; no value carries it
-    std::wstring ratedSpeed;  ///< performance rating, hertz; no value carries it
+    std::wstring caption;                 ///< as WMI gives it; no value carries it
+    std::wstring ratedSpeed;              ///< performance rating, hertz; no value carries it
 };
 
 }  // namespace kel
