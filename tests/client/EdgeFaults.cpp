@@ -71,9 +71,11 @@ constexpr Group Groups[] = {
      "GetModuleHandleExW "
      "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
      "GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar WideCharToMultiByte "
-     "StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW"},
+     "StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW "
+     "InternetSetStatusCallbackW"},
     {OutOfMemory, 0,
-     "RegQueryValueExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW RegOverridePredefKey "
+     "RegQueryValueExW RegEnumKeyExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW "
+     "RegOverridePredefKey "
      "BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid VariantChangeType VariantCopy "
      "ConnectServer ExecQuery Next Get LoadTypeLib LoadTypeLibEx RegisterTypeLib UnRegisterTypeLib "
      "QueryPathOfRegTypeLib DispInvoke"},
