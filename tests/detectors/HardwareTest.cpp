@@ -3,7 +3,6 @@
 #include "detectors/BandwidthTest.h"
 #include "detectors/Bios.h"
 #include "detectors/Chassis.h"
-#include "detectors/Components.h"
 #include "detectors/CpuRules.h"
 #include "detectors/MotherBoard.h"
 #include "detectors/NetworkDevice.h"
@@ -80,9 +79,10 @@ TEST(Firmware, TakesVersionAndDateFromTheRegistryAndTheRestFromWmi)
     const std::wstring bios = L"HARDWARE\\DESCRIPTION\\System\\BIOS";
     machine.Write(bios, L"BIOSVendor", L"V");
     EXPECT_EQ(detect(), L"N||M|wmi||P|aA wmi|Yes|");
+    machine.Write(L"HARDWARE\\DESCRIPTION\\System", L"SystemBiosDate", L"01/02/03");
     machine.Write(bios, L"BIOSVersion", L"1");
     machine.Write(bios, L"BaseBoardVersion", L"x aa");
-    EXPECT_EQ(detect(), L"N||M|V 1||P|x aa|No|");
+    EXPECT_EQ(detect(), L"N|01/02/03|M|V 1||P|x aa|No|");
     EXPECT_THAT(session.Numbers(),
                 testing::ElementsAre(71073, 71383, 71294, 71074, 71171, 71170, 71356, 71437));
 }
@@ -158,22 +158,6 @@ TEST(NetworkDevice, MeasuresOnlyWhatIsWanted)
     EXPECT_EQ(session.Text(71069), L"0.0 bps");
     EXPECT_THAT(log.Lines(), testing::ElementsAre(L"TRACE Network speed is:  bps",
                                                   L"TRACE Adding value: 0.0 bps to 71069"));
-}
-
-TEST(Components, RunOnceInTheirOrder)
-{
-    test::TestSession session;
-    const test::LogCapture log(LogMark);
-    Components().DetectAll();
-    Components().DetectAll();
-    std::wstring order;
-    for (const std::wstring& line : log.Lines()) {
-        if (line.starts_with(L"MARK Entering: kel::") && line.ends_with(L"::Detect"))
-            order += line.substr(20, line.size() - 28) + L" ";
-    }
-    EXPECT_EQ(order,
-              L"CPU GPU Bios CDRom Chassis DirectX DVD Graphics HardDrive LogicalDrive MotherBoard "
-              L"NetworkDevice OS Ram Sound Software Browser Monitor Applications SCSI ");
 }
 
 }  // namespace
