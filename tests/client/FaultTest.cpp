@@ -24,7 +24,7 @@ using test::EdgeFaults;
 
 struct Fault : testing::Test {
     test::Apartment apartment;
-    test::ScratchKey user;
+    test::ScratchKey user{HKEY_CURRENT_USER};
     ComPtr<IWbemLocator> locator;
     ComPtr<IWbemServices> services;
     ComPtr<IEnumWbemClassObject> objects;
@@ -32,7 +32,6 @@ struct Fault : testing::Test {
 
     Fault()
     {
-        user.StandFor(HKEY_CURRENT_USER);
         EdgeFaults::Install();
         LeadWmi();
     }

@@ -37,10 +37,11 @@ void DumpInto(std::wstring& text, HKEY key, const std::wstring& path)
 ScratchKey::ScratchKey(HKEY predefined)
     : name(L"Software\\KelTests\\" + std::to_wstring(GetCurrentProcessId()) + L"-" +
            std::to_wstring(GetTickCount64())),
-      key(Create(HKEY_CURRENT_USER, name))
+      key(Create(HKEY_CURRENT_USER, name)),
+      overridden(predefined)
 {
-    if (predefined != nullptr)
-        StandFor(predefined);
+    if (predefined != nullptr && RegOverridePredefKey(predefined, key.get()) != ERROR_SUCCESS)
+        throw std::runtime_error("The test key cannot stand for a predefined key.");
 }
 
 ScratchKey::~ScratchKey()
@@ -49,13 +50,6 @@ ScratchKey::~ScratchKey()
         RegOverridePredefKey(overridden, nullptr);
     key.reset();
     RegDeleteTreeW(HKEY_CURRENT_USER, name.c_str());
-}
-
-void ScratchKey::StandFor(HKEY predefined)
-{
-    if (RegOverridePredefKey(predefined, key.get()) != ERROR_SUCCESS)
-        throw std::runtime_error("The test key cannot stand for a predefined key.");
-    overridden = predefined;
 }
 
 void ScratchKey::Write(const std::wstring& subkey, const wchar_t* valueName, DWORD type, const void* data,

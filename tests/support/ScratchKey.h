@@ -12,16 +12,13 @@ namespace kel::test {
 /// destroyed. It can stand in for a predefined key meanwhile.
 class ScratchKey {
 public:
-    /// @param predefined the key to stand for, if any
+    /// @param predefined the key to stand for in this process, such as HKEY_LOCAL_MACHINE, if any
     explicit ScratchKey(HKEY predefined = nullptr);
     ScratchKey(const ScratchKey&) = delete;
     ScratchKey& operator=(const ScratchKey&) = delete;
     ~ScratchKey();
 
     HKEY Key() const { return key.get(); }
-
-    /// Makes this key stand for a predefined one, such as HKEY_LOCAL_MACHINE, in this process.
-    void StandFor(HKEY predefined);
 
     /// Writes a value into a subkey, which is made when it is missing: any content, or a zero-terminated
     /// string.
@@ -36,7 +33,7 @@ public:
 private:
     std::wstring name;
     OwnedKey key;
-    HKEY overridden = nullptr;
+    HKEY overridden;
 };
 
 }  // namespace kel::test
