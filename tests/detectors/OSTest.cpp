@@ -32,7 +32,7 @@ std::wstring Shown(const OSInfo& info)
     return shown;
 }
 
-TEST(OSName, FollowsReleaseAndArchitecture)
+TEST(OSName, FollowsReleaseArchitectureAndSuite)
 {
     const std::pair<OSInfo, const wchar_t*> rows[] = {
         {Info(6, 1, Workstation, X64, 0, 1), L"Windows 7 Ultimate Edition, 64-bit 71264 71361 71350"},
@@ -47,6 +47,18 @@ TEST(OSName, FollowsReleaseAndArchitecture)
         {Info(5, 2, Workstation, X64), L"Windows XP Professional x64 Edition 71264 71361 71276"},
         {Info(5, 2, Controller, Itanium), L"Windows Server 2003,  71264 71360 71263"},
         {Info(5, 2, Server, X86, 0x2000), L"Windows Storage Server 2003Standard Edition 71263"},
+        {Info(5, 2, Server, X86, 0x4080), L"Windows Server 2003, Compute Cluster Edition 71263"},
+        {Info(5, 2, Server, X86, 0x0480), L"Windows Server 2003, Datacenter Edition 71263"},
+        {Info(5, 2, Server, X86, 0x2402), L"Windows Server 2003, Enterprise Edition 71263"},
+        {Info(5, 2, Server, X86, 0x0400), L"Windows Server 2003, Web Edition 71263"},
+        {Info(5, 2, Server, X86), L"Windows Server 2003, Standard Edition 71263"},
+        {Info(5, 2, Server, Itanium, 0x82),
+         L"Windows Server 2003, Datacenter Edition for Itanium-based Systems 71264 71360 71263"},
+        {Info(5, 2, Server, Itanium, 2),
+         L"Windows Server 2003, Enterprise Edition for Itanium-based Systems 71264 71360 71263"},
+        {Info(5, 2, Server, X64, 0x82), L"Windows Server 2003, Datacenter x64 Edition 71264 71361 71263"},
+        {Info(5, 2, Server, X64, 2), L"Windows Server 2003, Enterprise x64 Edition 71264 71361 71263"},
+        {Info(5, 2, Server, X64), L"Windows Server 2003, Standard x64 Edition 71264 71361 71263"},
         {Info(5, 1, Workstation, X86, 0x200), L"Windows XP Home Edition 71276"},
         {Info(5, 1, Workstation, X86), L"Windows XP Professional 71276"},
         {Info(5, 0, Workstation, X86, 0x80), L"Windows 2000 Professional 71262"},
@@ -77,25 +89,6 @@ TEST(OSName, KnowsTheEditionsOfVersion6)
         EXPECT_EQ(Shown(Info(6, 0, Workstation, X86, 0, edition)),
                   L"Windows Vista " + text + L", 32-bit 71251" + vistaFlag);
     }
-}
-
-TEST(OSName, KnowsTheEditionsOfServer2003)
-{
-    const std::tuple<Architecture, WORD, std::wstring> rows[] = {
-        {X86, 0x4080, L"Compute Cluster Edition"},
-        {X86, 0x0480, L"Datacenter Edition"},
-        {X86, 0x2402, L"Enterprise Edition"},
-        {X86, 0x0400, L"Web Edition"},
-        {X86, 0x0000, L"Standard Edition"},
-        {Itanium, 0x82, L"Datacenter Edition for Itanium-based Systems"},
-        {Itanium, 0x02, L"Enterprise Edition for Itanium-based Systems"},
-        {X64, 0x82, L"Datacenter x64 Edition"},
-        {X64, 0x02, L"Enterprise x64 Edition"},
-        {X64, 0x00, L"Standard x64 Edition"},
-    };
-    for (const auto& [architecture, suite, text] : rows)
-        EXPECT_EQ(BuildDisplayName(Info(5, 2, Server, architecture, suite)).text,
-                  L"Microsoft Windows Server 2003, " + text + L" (build 1)");
 }
 
 TEST(OSName, CarriesServicePackAndR2AndIsCutAtItsLongest)
