@@ -29,7 +29,7 @@ ROWS = [
       for name in ("slow-body", "slow-headers", "flood-header", "redirect-self", "chunked-endless")),
     ("flood-headers", ANALYSIS, NOTHING, EXCHANGE, 1000),
     ("redirect-host", GROUPS, "^73 No report", QUICK, 60),
-    *((name, FILE, VERDICT, DOWNLOAD, 60) for name in ("slow-headers", "redirect-self", "flood")),
+    *((name, FILE, VERDICT, DOWNLOAD, 60) for name in ("close", "empty", "cut-file", "slow-headers", "redirect-self", "flood")),
 ]
 SCRIPT = """control.ReferrerID = "demo"; var answer = control.Analysis("i", "xml", "1");
 WScript.Echo(answer.length + " " + answer.substr(0, 60));
