@@ -26,6 +26,11 @@ RELEASES = ("71262", "71263", "71276", "71251", "71350", "71465", "71466")
 PROBE = DLL.parent / "tests" / "os_probe.exe"
 
 
+def probe(program=PROBE):
+    """What the detector stores in a fresh process, by id."""
+    return dict(line.split("=", 1) for line in wine([windows_path(program)])[1].splitlines())
+
+
 class OsVersions(unittest.TestCase):
     def test_names_and_flags_of_every_release(self):
         folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
@@ -35,7 +40,16 @@ class OsVersions(unittest.TestCase):
                 key = rf"HKCU\Software\Wine\AppDefaults\{program.name}"
                 wine(["reg", "add", key, "/v", "Version", "/d", setting, "/f"])
                 self.addCleanup(wine, ["reg", "delete", key, "/f"])
-                values = dict(line.split("=", 1) for line in wine([windows_path(program)])[1].splitlines())
+                values = probe(program)
                 self.assertEqual((values["71060"], values["71072"]), (name, version))
                 self.assertEqual([release for release in RELEASES if values[release] == "Yes"], [flag] if flag else [])
                 self.assertEqual((values["71264"], values["71361"]), ("Yes", "Yes"))
+
+    def test_the_machine_keeps_its_identifier_where_there_is_a_key(self):
+        key = r"HKCU\software\Keldane"
+        self.assertNotEqual(probe()["71207"], probe()["71207"])
+        wine(["reg", "add", key, "/f"])
+        self.addCleanup(wine, ["reg", "delete", key, "/f"])
+        kept = probe()["71207"]
+        self.assertRegex(kept, "^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$")
+        self.assertEqual(probe()["71207"], kept)
