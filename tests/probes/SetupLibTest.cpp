@@ -60,6 +60,24 @@ SetupLib Spoilt(void (*spoil)(Table&))
     });
 }
 
+/// What all six listings return, "1" for true, and the lines that they write at levels 1 and 2.
+std::pair<std::string, Lines> AskAll(SetupLib& library)
+{
+    const test::LogCapture log(2);
+    std::string results;
+    const auto ask = [&]<typename Info>(bool (SetupLib::*list)(std::vector<Info>&)) {
+        std::vector<Info> infos;
+        results += (library.*list)(infos) ? '1' : '0';
+    };
+    ask(&SetupLib::GetHardDriveInfo);
+    ask(&SetupLib::GetGpuInfo);
+    ask(&SetupLib::GetScsiInfo);
+    ask(&SetupLib::GetCDRomInfo);
+    ask(&SetupLib::GetNetworkDeviceInfo);
+    ask(&SetupLib::GetSoundInfo);
+    return {results, log.Lines()};
+}
+
 TEST(SetupLib, ListsDisks)
 {
     const auto list = [] {
@@ -106,7 +124,8 @@ TEST(SetupLib, ListsControllersDrivesAndSound)
                    &SetupSoundInfo::driverVersion),
               (Lines{L"Sound||6.0", L"No driver|HDAUDIO\\F|"}));
     ASSERT_EQ(log.Lines().size(), 1U);
-    EXPECT_TRUE(log.Lines()[0].starts_with(L"WARN Error in call to SetupDiOpenDevRegKey for software key: "));
+    const std::wstring failure = L"WARN Error in call to SetupDiOpenDevRegKey for software key: ";
+    EXPECT_TRUE(log.Lines()[0].starts_with(failure) && std::stoul(log.Lines()[0].substr(failure.size())) > 0);
 }
 
 TEST(SetupLib, ListsNetworkAdapters)
@@ -117,7 +136,7 @@ TEST(SetupLib, ListsNetworkAdapters)
         RegSetKeyValueW(HKEY_LOCAL_MACHINE, (connections + instance + L"\\Connection").c_str(),
                         L"MediaSubType", type, data, sizeof(DWORD));
     };
-    PlantedDevice onBoard(Networks), card(Networks), wireless(Networks), bare(Networks);
+    PlantedDevice onBoard(Networks), card(Networks), wireless(Networks), other(Networks), bare(Networks);
     onBoard.With(SPDRP_FRIENDLYNAME, L"Onboard").With(SPDRP_LOCATION_INFORMATION, L"PCI Bus 0, device 25");
     onBoard.Driver(L"DriverVersion", L"12.1").Driver(L"NetCFGInstanceID", L"{KT1}");
     card.With(SPDRP_DEVICEDESC, L"Card").With(SPDRP_LOCATION_INFORMATION, L"PCI bus 3");
@@ -126,23 +145,28 @@ TEST(SetupLib, ListsNetworkAdapters)
     connect(L"{KT1}", REG_DWORD, L"\1");
     connect(L"{KT2}", REG_SZ, L"2");
     connect(L"{KT3}", REG_DWORD, L"\2");
+    other.Driver(L"NetCFGInstanceID", L"{KT4}");
+    connect(L"{KT4}", REG_DWORD, L"\3");
     using I = SetupNetworkInfo;
     EXPECT_EQ(List(&SetupLib::GetNetworkDeviceInfo, &I::isOnBus, &I::name, &I::hardwareId, &I::driverVersion,
                    &I::instanceId, &I::mediaSubType, &I::mediaKind),
               (Lines{L"Yes|Onboard||12.1|{KT1}|1|1", L"No|Card|||{KT2}||0", L"No||USB\\VID_1||{KT3}|2|256",
-                     L"No||||||0"}));
-    for (const wchar_t* instance : {L"{KT1}", L"{KT2}", L"{KT3}"})
+                     L"No||||{KT4}|3|0", L"No||||||0"}));
+    for (const wchar_t* instance : {L"{KT1}", L"{KT2}", L"{KT3}", L"{KT4}"})
         RegDeleteTreeW(HKEY_LOCAL_MACHINE, (connections + instance).c_str());
 }
 
 TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
 {
     const auto own = static_cast<std::ptrdiff_t>(ListGpus().size());  // the system's own come first
-    PlantedDevice full(Displays), poor(Displays), keyless(Displays);
+    PlantedDevice full(Displays), unnamed(Displays), poor(Displays), keyless(Displays);
     full.With(SPDRP_DEVICEDESC, L"Full").Device(L"MatchingDeviceID", L"PCI\\VEN_10DE&DEV_1C03\\5&x");
     full.Driver(L"Ver", L"4.1").Driver(L"DriverVersion", L"not asked").Driver(L"DriverDesc", L"Driver");
     full.Driver(L"ChipType", L"Chip", L"info").Driver(L"DACType", L"Dac", L"info");
     full.Driver(L"VideoMemory", L"6 GB", L"info").Driver(L"HardwareInformation.DacType", L"not asked");
+    full.Driver(L"HardwareInformation.ChipType", L"not asked").Driver(L"MatchingDeviceID", L"not asked");
+    unnamed.With(SPDRP_DEVICEDESC, L"").Device(L"DeviceDesc", L"of the device");
+    unnamed.Driver(L"DeviceDesc", L"not asked").Driver(L"VideoMemory", 5ULL << 30, L"info");
     poor.Device(L"DeviceDesc", L"").Driver(L"DeviceDesc", L"of the driver").Driver(L"DriverVersion", L"1.0");
     poor.Driver(L"HardwareInformation.ChipType", L"C").Driver(L"HardwareInformation.DacType", L"D");
     poor.Driver(L"MatchingDeviceID", L"pci\\ven_1002&dev_67df");
@@ -150,7 +174,7 @@ TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
     const test::LogCapture log(3);
     const Lines shown = ListGpus();
     EXPECT_EQ(Lines(shown.begin() + own, shown.end()),
-              (Lines{L"Full|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03",
+              (Lines{L"Full|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03", L"of the device|||||5.0 GB|",
                      L"of the driver|1.0|C|D||0.0 B|pci\\ven_1002&dev_67df", L"Keyless|||||0.0 B|"}));
     for (const wchar_t* line : {L"TRACE DriverDesc: Driver", L"TRACE Got device ID: pci\\ven_1002&dev_67df"})
         EXPECT_EQ(std::ranges::count(log.Lines(), line), 1) << line;
@@ -160,6 +184,8 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
 {
     const std::string head = "[Version]\nSignature=\"$Windows NT$\"\n";
     const std::string model = "%d%=Install, PCI\\VEN_8086&DEV_1912, PCI\\VEN_8086&DEV_1916&SUBSYS_07251028\n";
+    const std::string other =
+        "%d%=Install, PCI\\VEN_8086&DEV_1916&SUBSYS_FFFFFFFF, PCI\\VEN_10DE&DEV_1916&REV_02\n";
     const std::string plain = head + "[Manufacturer]\n%m%=Models\n[Strings]\nm=Maker\nd=Adapter\n";
     std::string many = plain + "[Models]\n";
     while (many.size() < 1 << 20)
@@ -169,13 +195,14 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
         std::string inf;
         bool isFound;
     } rows[] = {
-        {"plain section", plain + "[Models]\n" + model, true},
+        {"plain section", plain + "[Models.NTamd64]\n" + other + "[Models]\n" + model + other, true},
         {"decorated as the line says",
-         head +
-             "[Manufacturer]\n%m%=A\n%m%=B,NTx86,NTamd64.6.1\n[A]\n%d%=I,PCI\\VEN_8086\n[B.NTamd64.6.1]\n" +
-             model,
+         head + "[Manufacturer]\n%m%=A\n%m%=B,NTx86,NTamd64.6.1\n[A]\n%d%=I,PCI\\VEN_8086\n[B.NTamd64]\n" +
+             other + "[B.NTamd64.6.1]\n" + model,
          true},
-        {"decorated without the line saying so", plain + "[Models.NTamd64]\n" + model, true},
+        {"decorated without the line saying so",
+         plain + "[Models.NT]\n" + other + "[Models.NTamd64]\n" + model, true},
+        {"decorated as old files are", plain + "[Models.NT]\n" + model, true},
         {"another decoration", plain + "[Models.NTia64]\n" + model, false},
         {"id as an installation's name",
          plain + "[Models]\n%d%=PCI\\VEN_8086&DEV_1916, PCI\\VEN_8086&DEV_1917\n", false},
@@ -204,6 +231,25 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
         for (const wchar_t* line : {L"TRACE Is Intel.", L"TRACE Inf Path: keltest.inf"})
             EXPECT_EQ(std::ranges::count(lines, line), 1) << row.what;
     }
+    std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << plain + "[Models]\n" + other;
+    // One without a device, of which any id would do, and one of another maker.
+    for (const wchar_t* id : {L"PCI\\VEN_8086&CC_0300", L"PCI\\VEN_10DE&DEV_1916", matching}) {
+        adapter.Device(L"MatchingDeviceID", id);
+        EXPECT_EQ(ListGpus().back().ends_with(id), id != matching) << id;
+    }
+    static int setsClosed, filesClosed;
+    SetupLib counting = Spoilt([](Table& table) {
+        table.destroyDeviceInfoList = [](HDEVINFO set) {
+            return ++setsClosed, SetupDiDestroyDeviceInfoList(set);
+        };
+        table.closeInfFile = [](HINF file) {
+            ++filesClosed;
+            SetupCloseInfFile(file);
+        };
+    });
+    AskAll(counting);
+    EXPECT_EQ(setsClosed, 6);
+    EXPECT_EQ(filesClosed, 1);
     DeleteFileW(L"C:\\windows\\inf\\keltest.inf");
 }
 
@@ -256,24 +302,32 @@ TEST(SetupLib, ReadsRegistryValuesOfEachType)
     EXPECT_FALSE(SetupLib::ReadRegistryValue(key.Key(), L"missing", L"string", text));
     EXPECT_FALSE(SetupLib::ReadRegistryValue(key.Key(), L"", L"string", text));  // stands in the subkey
     EXPECT_EQ(text, L"");
+    const test::LogCapture log(2);
+    Log::Instance().exceptions(std::ios::badbit);  // raised by the name that is none
+    EXPECT_FALSE(SetupLib::ReadRegistryValue(key.Key(), nullptr, nullptr, text));
+    Log::Instance().exceptions(std::ios::goodbit);
+    EXPECT_EQ(log.Lines().back(), L"WARN Error with CRegKey");
 }
 
-/// What all six listings return, "1" for true, and the lines that they write at levels 1 and 2.
-std::pair<std::string, Lines> AskAll(SetupLib& library)
+template <typename... Functions>
+void ExpectEachNeeded(Functions* Table::*... functions)
 {
-    const test::LogCapture log(2);
-    std::string results;
-    const auto ask = [&]<typename Info>(bool (SetupLib::*list)(std::vector<Info>&)) {
-        std::vector<Info> infos;
-        results += (library.*list)(infos) ? '1' : '0';
+    const auto isComplete = [](auto... missing) {
+        Table table;
+        Table::Load(table);
+        ((table.*missing = nullptr), ...);
+        return table.IsComplete();
     };
-    ask(&SetupLib::GetHardDriveInfo);
-    ask(&SetupLib::GetGpuInfo);
-    ask(&SetupLib::GetScsiInfo);
-    ask(&SetupLib::GetCDRomInfo);
-    ask(&SetupLib::GetNetworkDeviceInfo);
-    ask(&SetupLib::GetSoundInfo);
-    return {results, log.Lines()};
+    EXPECT_TRUE(isComplete());
+    EXPECT_EQ((int{isComplete(functions)} + ...), 0);
+}
+
+TEST(SetupLib, NeedsEachOfItsFunctions)
+{
+    ExpectEachNeeded(&Table::getClassDevs, &Table::enumDeviceInfo, &Table::getDeviceRegistryProperty,
+                     &Table::getDeviceInstanceId, &Table::findFirstLine, &Table::findNextLine,
+                     &Table::getLineText, &Table::openInfFile, &Table::closeInfFile, &Table::openDevRegKey,
+                     &Table::destroyDeviceInfoList);
 }
 
 TEST(SetupLib, AnswersFalseWithoutItsLibraryOrAFunction)

@@ -2,10 +2,12 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <regex>
 
 #include "diag/Log.h"
 #include "run/ConfigurationTags.h"
+#include "support/FakeWmi.h"
 #include "support/LogCapture.h"
 
 namespace kel {
@@ -60,6 +62,25 @@ TEST(System, ReadsItsConfiguration)
     const test::LogCapture log(3);
     system.SetConfiguration(L"");
     EXPECT_THAT(log.Lines(), testing::ElementsAre(L"TRACE config= "));
+}
+
+TEST(System, UploadsOnceThoughAPageIsLetInWhileADetectorWaits)
+{
+    System system;
+    test::FakeWmiData data;
+    data.whileAsked = [&system] {
+        system.SetUserID(L"let in");
+        system.Detect();
+    };
+    const test::FakeWmi fake(data);
+    const test::LogCapture log(LogMark);
+    system.Detect();
+    system.Detect();
+    EXPECT_EQ(system.Values().GetValue(SystemValueID(GroupID(71206))).Text(), L"let in");
+    const auto lines = log.Lines();
+    EXPECT_EQ(std::ranges::count(lines, L"MARK Entering: kel::XMLReport::GetReport"), 1);
+    EXPECT_GT(std::ranges::find(lines, L"MARK Entering: kel::XMLReport::GetReport"),
+              std::ranges::find(lines, L"MARK Entering: kel::SCSI::Detect"));
 }
 
 TEST(UploadInterval, LetsTenMinutesPassUnlessReset)

@@ -62,6 +62,7 @@ struct Locator : Fake<IWbemLocator> {
                                IWbemContext*, IWbemServices** result) override
     {
         data->arguments += resource + std::wstring(L" ");
+        data->whileAsked();
         if (SUCCEEDED(data->connect))
             *result = Make<Services>(data);
         return data->connect;

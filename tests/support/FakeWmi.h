@@ -5,6 +5,7 @@
 
 #include <comutil.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -26,6 +27,7 @@ struct FakeWmiData {
     HRESULT connect = S_OK;
     HRESULT query = S_OK;
     bool refusesBlanket = false;
+    std::function<void()> whileAsked = [] {};  ///< what a page does that is let in meanwhile
     std::vector<std::wstring> queries;
     std::wstring arguments;     ///< what else the calls were given
     std::vector<ULONG> counts;  ///< objects asked for at once, by query

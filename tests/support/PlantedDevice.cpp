@@ -27,12 +27,22 @@ PlantedDevice& PlantedDevice::With(DWORD property, const std::wstring& text)
     return *this;
 }
 
+PlantedDevice& PlantedDevice::Driver(const wchar_t* name, ULONGLONG number, const wchar_t* subkey)
+{
+    return Write(DIREG_DRV, name, REG_BINARY, &number, sizeof(number), subkey);
+}
+
 PlantedDevice& PlantedDevice::Write(DWORD kind, const wchar_t* name, const std::wstring& text,
                                     const wchar_t* subkey)
 {
+    return Write(kind, name, REG_SZ, text.c_str(), (text.size() + 1) * sizeof(wchar_t), subkey);
+}
+
+PlantedDevice& PlantedDevice::Write(DWORD kind, const wchar_t* name, DWORD type, const void* data,
+                                    std::size_t size, const wchar_t* subkey)
+{
     const OwnedKey key(SetupDiCreateDevRegKeyW(set, &device, DICS_FLAG_GLOBAL, 0, kind, nullptr, nullptr));
-    RegSetKeyValueW(key.get(), subkey, name, REG_SZ, text.c_str(),
-                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+    RegSetKeyValueW(key.get(), subkey, name, type, data, static_cast<DWORD>(size));
     return *this;
 }
 

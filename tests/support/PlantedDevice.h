@@ -29,9 +29,13 @@ public:
     {
         return Write(DIREG_DRV, name, text, subkey);
     }
+    /// The same with a 64-bit number, as 8 binary bytes.
+    PlantedDevice& Driver(const wchar_t* name, ULONGLONG number, const wchar_t* subkey);
 
 private:
     PlantedDevice& Write(DWORD kind, const wchar_t* name, const std::wstring& text, const wchar_t* subkey);
+    PlantedDevice& Write(DWORD kind, const wchar_t* name, DWORD type, const void* data, std::size_t size,
+                         const wchar_t* subkey);
 
     HDEVINFO set;
     SP_DEVINFO_DATA device = {};
