@@ -29,7 +29,8 @@ ROWS = [
       for name in ("slow-body", "slow-headers", "flood-header", "redirect-self", "chunked-endless")),
     ("flood-headers", ANALYSIS, NOTHING, EXCHANGE, 1000),
     ("redirect-host", GROUPS, "^73 No report", QUICK, 60),
-    *((name, FILE, VERDICT, DOWNLOAD, 60) for name in ("close", "empty", "cut-file", "slow-headers", "redirect-self", "flood")),
+    *((name, FILE, VERDICT, QUICK, 60) for name in ("close", "empty", "cut-file", "reset-file")),
+    *((name, FILE, VERDICT, DOWNLOAD, 60) for name in ("slow-headers", "redirect-self", "flood")),
 ]
 SCRIPT = """control.ReferrerID = "demo"; var answer = control.Analysis("i", "xml", "1");
 WScript.Echo(answer.length + " " + answer.substr(0, 60));
@@ -52,6 +53,7 @@ class Enemy(ControlTest):
             '{"id": 71069, "label": "B", "comparison": "at least", "needed": "1"}]}')
         self.service.faults[path] = name
         self.service.longest = EXCHANGE + 15
+        self.logs = path == FILE
         output = self.run_script(SCRIPT)
         if "KEL_SHOW" in os.environ:
             print(f"{name:20}{path:30}{output[0][:40]!r:44}{self.seconds:6.1f} s {self.peak:5.0f} MB", file=sys.stderr)
@@ -59,6 +61,7 @@ class Enemy(ControlTest):
         self.assertRegex(output[-2], r"^0\.0 bps$" if path == FILE else r"^$" if path == GROUPS else r"bps$")
         self.assertEqual(output[-1], "-1")
         self.assertLess(self.seconds, seconds)
+        self.assertEqual("The bandwidth test was stopped after 30 seconds." in self.log, seconds == DOWNLOAD)
         self.assertTrue(10 < self.peak < memory, self.peak)
         self.assertLess(len(self.service.requests), 30)  # each may cost the host a socket
 

@@ -37,15 +37,18 @@ def peak_memory(pid):
     return int(match[1]) / 1024 if match else 0
 
 
-def wine(arguments, proxy=None, timeout=120, watch=lambda pid: None, network=True):
-    """Runs a Windows program: its exit code, and what it wrote. Calls `watch` with its process id now and then."""
-    environment = os.environ | {"http_proxy": proxy}
+def wine(arguments, proxy=None, timeout=120, watch=lambda pid: None, network=True, log=None):
+    """Runs a Windows program: its exit code, and what it wrote. Calls `watch` with its process id now and then.
+
+    Debugger output goes to the file `log`.
+    """
+    environment = os.environ | {"http_proxy": proxy} | ({"WINEDEBUG": "warn+seh"} if log else {})
     if not proxy:
         del environment["http_proxy"]
     command = [*(() if network else NO_NETWORK), "wine", *arguments]
     end = time.monotonic() + timeout
     with subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL) as process:
+                          stderr=log or subprocess.DEVNULL) as process:
         while True:
             try:
                 output, _ = process.communicate(timeout=0.05)
@@ -79,6 +82,8 @@ class ServiceTest(unittest.TestCase):
 class ControlTest(ServiceTest):
     """Has the control registered, too, and requirements for the referrer "demo"."""
 
+    logs = False  # whether `log` holds the control's log after a script has run
+
     @classmethod
     def setUpClass(cls):
         code, _ = wine(["regsvr32", "/s", windows_path(DLL)])
@@ -96,8 +101,10 @@ class ControlTest(ServiceTest):
         script.write_text(make + text + "\nWScript.Quit(7)", encoding="utf-8")
         start = time.monotonic()
         self.peak = 0  # MB
-        code, output = wine([CSCRIPT, "//nologo", windows_path(script)], f"http://{self.address}" if proxy else None,
-                            watch=self.note_memory, network=proxy)
+        with open(self.folder / "log.txt", "wb") as log:
+            code, output = wine([CSCRIPT, "//nologo", windows_path(script)], f"http://{self.address}" if proxy else None,
+                                watch=self.note_memory, network=proxy, log=log if self.logs else None)
+        self.log = Path(log.name).read_text("cp437")
         self.seconds = time.monotonic() - start
         self.assertEqual(code, 7, output)
         return output.splitlines()

@@ -78,13 +78,21 @@ class Bandwidth(ControlTest):
     SCRIPT = 'control.ReferrerID = "net"; WScript.Echo(control.Value("71069"));'
 
     def test_measures_what_an_independent_download_measures(self):
-        measured = quantity(self.run_script(self.SCRIPT)[0])
         start = time.monotonic()
         with urllib.request.urlopen(f"http://{self.address}/global/tests/test_2.bin", timeout=20) as answer:
             size = len(answer.read())
         independent = size * 8 / (time.monotonic() - start)
-        self.assertAlmostEqual(measured / independent, 1, delta=0.2)
-        self.assertEqual(self.lines().count("GET /global/tests/test_2.bin HTTP/1.1"), 2)
+        self.logs = True
+        for fault in (None, "late-file"):  # the time before the first byte does not count
+            with self.subTest(fault):
+                self.service.requests.clear()
+                self.service.faults["/global/tests/test_2.bin"] = fault
+                measured = quantity(self.run_script(self.SCRIPT)[0])
+                self.assertAlmostEqual(measured / independent, 1, delta=0.2)
+                self.assertRegex(self.log, r"downloadRate = (\d+ bps)\D(.|\n)*Network speed is: \1 bps\D")
+                self.assertEqual(self.lines().count("GET /global/tests/test_2.bin HTTP/1.1"), 1)
+                headers = dict(self.service.requests[1]["headers"])
+                self.assertEqual((headers["User-Agent"], headers["Pragma"]), ("KEL", "no-cache"))
 
     def test_an_endless_download_ends(self):
         self.service.faults["/global/tests/test_2.bin"] = "endless"

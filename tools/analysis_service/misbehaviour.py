@@ -2,6 +2,8 @@
 
 import gzip
 import select
+import socket
+import struct
 import time
 
 OK = b"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n"
@@ -49,9 +51,22 @@ def _cut_test_file(handler):
     close(handler)
 
 
+def _reset_test_file(handler):
+    """Does not tell the length, and resets the connection halfway."""
+    handler.wfile.write(OK + b"\r\n" + bytes(100_000))
+    time.sleep(0.5)
+    handler.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+    close(handler)
+
+
 def _slow(handler):
     time.sleep(2)
     handler.reply(200, TEXT)
+
+
+def _late_test_file(handler):
+    time.sleep(2)
+    handler.send_test_file()
 
 
 def _redirect(status, location=None):
@@ -76,6 +91,8 @@ MISBEHAVIOURS = {
     "close": close,
     "cut": _raw(OK + b"Content-Length: 1000\r\n\r\n71063|"),
     "cut-file": _cut_test_file,
+    "reset-file": _reset_test_file,
+    "late-file": _late_test_file,
     "slow": _slow,
     "404": _plain(404, "nothing here"),
     "500": _plain(500, "broken"),
