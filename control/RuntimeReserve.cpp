@@ -65,12 +65,14 @@ extern "C" void* calloc(std::size_t count, std::size_t size)
 
 extern "C" void* realloc(void* block, std::size_t size)
 {
-    if (size == 0 && block != nullptr) {
+    if (block == nullptr)
+        return malloc(size);
+    if (size == 0) {
         free(block);
         return nullptr;
     }
     void* moved = IsReserved(block) ? nullptr : SystemRealloc(block, size);
-    if (moved == nullptr && (moved = malloc(size)) != nullptr && block != nullptr) {
+    if (moved == nullptr && (moved = malloc(size)) != nullptr) {
         std::memcpy(moved, block, std::min(size, IsReserved(block) ? BlockSize : _msize(block)));
         free(block);
     }

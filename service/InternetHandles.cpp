@@ -1,6 +1,7 @@
 #include "service/InternetHandles.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <utility>
 
 namespace kel {
@@ -25,8 +26,8 @@ HINTERNET InternetHandles::OpenSession()
 void InternetHandles::LimitWaits(HINTERNET handle, std::chrono::milliseconds limit)
 {
     auto milliseconds = static_cast<DWORD>(limit.count());
-    for (const DWORD option :
-         {INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT})
+    for (const DWORD option : std::initializer_list<DWORD>{
+             INTERNET_OPTION_CONNECT_TIMEOUT, INTERNET_OPTION_SEND_TIMEOUT, INTERNET_OPTION_RECEIVE_TIMEOUT})
         InternetSetOptionW(handle, option, &milliseconds, sizeof(milliseconds));
 }
 
