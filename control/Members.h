@@ -37,8 +37,8 @@ HRESULT Guarded(Body body, const wchar_t* errorLine = CaughtException) noexcept
     return S_OK;
 }
 
-/// The same for a member whose body returns a text. The result is null first, and stays so when the body
-/// throws.
+/// The same for a member whose body returns a text, or a reference to one that stays. The result is null
+/// first, and stays so when the body throws.
 /// @return S_OK, or E_OUTOFMEMORY when the text cannot be allocated
 template <typename Body>
 HRESULT GuardedResult(BSTR* result, Body body) noexcept
@@ -47,7 +47,7 @@ HRESULT GuardedResult(BSTR* result, Body body) noexcept
         *result = nullptr;
     HRESULT status = S_OK;
     Guarded([&] {
-        const std::wstring text = body();
+        const std::wstring& text = body();
         if (result == nullptr)
             return;
         *result = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));

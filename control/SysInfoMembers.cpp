@@ -26,7 +26,7 @@ HRESULT CSysInfo::Detect()
 HRESULT CSysInfo::get_SysInfo(BSTR* report)
 {
     static std::wstring text;
-    return GuardedResult(report, [] {
+    return GuardedResult(report, []() -> const std::wstring& {
         text.clear();
         try {
             const LogScope trace(L"CSysInfo::get_SysInfo", LogScope::Tracing());

@@ -94,7 +94,9 @@ std::wstring Get(const Control& control, Member member, Texts... texts)
 std::wstring Use(const Control& control)
 {
     EXPECT_EQ(control->put_Logging(_bstr_t(L"7")), S_OK);
-    Get(control, &ISysInfo::get_SysInfo);
+    _bstr_t first;  // empty after a failure, and missing only where it could not be allocated
+    const HRESULT status = control->get_SysInfo(first.GetAddress());
+    EXPECT_EQ(first.GetBSTR() != nullptr, status == S_OK);
     EXPECT_EQ(control->put_UserID(_bstr_t(L"me")), S_OK);
     EXPECT_EQ(control->Configure(_bstr_t(L"<groups><group id='71465'><value>mine</value></group></groups>")),
               S_OK);
