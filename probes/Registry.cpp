@@ -24,9 +24,10 @@ std::wstring UpdateSignature()
     const OwnedKey key = OpenKey(HKEY_LOCAL_MACHINE, ProcessorKey, KEY_READ);
     const std::optional<RegistryValue> value =
         key ? Registry::Read(key.get(), L"Update Signature") : std::nullopt;
-    return value && value->type == REG_BINARY && value->bytes.size() > RevisionByte
-               ? Hexadecimal(value->bytes[RevisionByte], 2)
-               : std::wstring();
+    if (value && value->type == REG_BINARY && value->bytes.size() > RevisionByte)
+        return Hexadecimal(value->bytes[RevisionByte], 2);
+    WriteLog(LogWarning, L"Registry value is missing or of no use: ", ProcessorKey, L" Update Signature");
+    return {};
 }
 
 }  // namespace

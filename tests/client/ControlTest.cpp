@@ -42,6 +42,9 @@ struct Control : testing::Test {
 
 TEST_F(Control, HasItsMembersInTheSlotsAndUnderTheIdsThatClientsWereBuiltWith)
 {
+    IID built = {};
+    IIDFromString(L"{6F1D2B84-3A5C-4E97-B0D8-52C7A9E4F613}", &built);
+    EXPECT_EQ(built, IID_ISysInfo);
     ComPtr<ITypeLib> library;
     ASSERT_EQ(LoadTypeLibEx(KEL_DLL_PATH, REGKIND_NONE, &library), S_OK);
     ComPtr<ITypeInfo> dispatch, members;

@@ -56,10 +56,10 @@ struct Fault : testing::Test {
     /// Has something done again and again, with a failure of a later call each time, until there is none.
     /// @param isLasting whether all allocations fail thereafter
     template <typename Body>
-    static void Sweep(Body body, bool isLasting = false)
+    static void Sweep(Body body, bool isLasting = false, long stride = 13)
     {
-        const char* given = std::getenv("KEL_FAULT_STRIDE");
-        const long stride = given != nullptr ? std::atol(given) : 13;
+        if (const char* given = std::getenv("KEL_FAULT_STRIDE"))
+            stride = std::atol(given);
         long whole = 0;
         for (long nth = 0; nth <= 1 || !EdgeFaults::failed.empty(); nth += nth == 0 ? 1 : stride) {
             std::cout << nth << ' ' << std::flush;  // the last one tells what ended the process
@@ -72,6 +72,7 @@ struct Fault : testing::Test {
             // one.
             EXPECT_TRUE(EdgeFaults::open >= 0 && EdgeFaults::open <= whole + 1)
                 << EdgeFaults::open << " of " << whole;
+            EXPECT_LT(whole, EdgeFaults::Handle);  // blocks of memory stay, and nothing else
             EXPECT_EQ(EdgeFaults::broken, 0);
             ASSERT_FALSE(HasFailure()) << "after a failure of " << EdgeFaults::failed;
         }
@@ -145,24 +146,26 @@ TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
         user.Make(std::wstring(L"Software\\Classes\\") + key);
     const std::wstring none = user.Dump(L"Software\\Classes");
     std::wstring whole;
-    Sweep([&] {
-        std::optional<test::ControlDll> dll(std::in_place);
-        const auto install = [&dll](bool isOn) {
-            return dll->Handle() ? dll->Entry<decltype(DllInstall)>("DllInstall")(isOn, L"user") : E_FAIL;
-        };
-        const HRESULT result = install(true);
-        whole = whole.empty() ? user.Dump(L"Software\\Classes") : whole;
-        EXPECT_EQ(user.Dump(L"Software\\Classes"), SUCCEEDED(result) ? whole : none);
-        EXPECT_TRUE(FAILED(install(false)) || user.Dump(L"Software\\Classes") == none);
-        EdgeFaults::Arm(0, 0);
-        if (dll->Handle() == nullptr)
-            dll.emplace();
-        Get(dll->Create(), &ISysInfo::get_Value, L"no such value");  // throws, as failures do
-        EXPECT_EQ(install(true), S_OK);
-        EXPECT_EQ(user.Dump(L"Software\\Classes"), whole);
-        EXPECT_EQ(install(false), S_OK);
-        EXPECT_EQ(user.Dump(L"Software\\Classes"), none);
-    });
+    Sweep(
+        [&] {
+            std::optional<test::ControlDll> dll(std::in_place);
+            const auto install = [&dll](bool isOn) {
+                return dll->Handle() ? dll->Entry<decltype(DllInstall)>("DllInstall")(isOn, L"user") : E_FAIL;
+            };
+            const HRESULT result = install(true);
+            whole = whole.empty() ? user.Dump(L"Software\\Classes") : whole;
+            EXPECT_EQ(user.Dump(L"Software\\Classes"), SUCCEEDED(result) ? whole : none);
+            EXPECT_TRUE(FAILED(install(false)) || user.Dump(L"Software\\Classes") == none);
+            EdgeFaults::Arm(0, 0);
+            if (dll->Handle() == nullptr)
+                dll.emplace();
+            Get(dll->Create(), &ISysInfo::get_Value, L"no such value");  // throws, as failures do
+            EXPECT_EQ(install(true), S_OK);
+            EXPECT_EQ(user.Dump(L"Software\\Classes"), whole);
+            EXPECT_EQ(install(false), S_OK);
+            EXPECT_EQ(user.Dump(L"Software\\Classes"), none);
+        },
+        false, 1);
 }
 
 }  // namespace

@@ -2,9 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "control/SysInfo.h"
+#include "run/System.h"
 #include "support/LogCapture.h"
+#include "support/TestSession.h"
 
 namespace kel {
 namespace {
@@ -58,7 +61,8 @@ TEST_F(Members, LogTheLevelAndWhatFailsInThem)
     const test::LogCapture log(3);
     control->put_Logging(_bstr_t(L"3"));
     control->put_ReferrerID(_bstr_t(L"r"));
-    BSTR value = text.GetBSTR();
+    const _bstr_t old(L"old");
+    BSTR value = old;
     EXPECT_EQ(control->get_Value(_bstr_t(L"1"), &value), S_OK);
     EXPECT_EQ(value, nullptr);
     const Lines lines = log.Lines();
@@ -67,6 +71,26 @@ TEST_F(Members, LogTheLevelAndWhatFailsInThem)
     control->put_Logging(_bstr_t(L"1"));
     control->put_Logging(_bstr_t(L"7"));  // the level in force does not show the line
     EXPECT_EQ(std::ranges::count(log.Lines(), L"TRACE Setting level to: 7"), 0);
+}
+
+struct BrokenSession : test::TestSession {
+    bool IsWanted(const GroupID&) const override { throw std::runtime_error("broken"); }
+};
+
+TEST_F(Members, GiveAnEmptyReportAndNoVerdictWhenTheRunThrows)
+{
+    static_cast<void>(System::Instance());
+    BrokenSession session;
+    session.values.AddValue(1, L"x");
+    const test::LogCapture log(1);
+    EXPECT_EQ(control->get_SysInfo(text.GetAddress()), S_OK);
+    ASSERT_NE(text.GetBSTR(), nullptr);
+    EXPECT_EQ(text.length(), 0U);
+    const _bstr_t old(L"old");
+    BSTR verdict = old;
+    EXPECT_EQ(control->get_Analysis(nullptr, nullptr, nullptr, &verdict), S_OK);
+    EXPECT_EQ(verdict, nullptr);
+    EXPECT_EQ(std::ranges::count(log.Lines(), L"ERR Caught exception: broken"), 1);
 }
 
 }  // namespace

@@ -33,10 +33,15 @@ TEST(Detectors, StoreEachFieldOfTheProcessorInOrderFromTheFirstSourceThatHasIt)
 {
     test::FakeWmiData data;
     data.objects[L"SELECT * FROM Win32_Processor"] = {
-        {{L"Name", {L"wmi"}}, {L"Manufacturer", {L"wmi"}}, {L"MaxClockSpeed", {1234L, CIM_UINT32}}}};
+        {{L"Name", {L" w  mi "}}, {L"Manufacturer", {L"wmi"}}, {L"MaxClockSpeed", {1234L, CIM_UINT32}}}};
     const test::FakeWmi fake(data);
     const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
     const std::wstring key = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
+    {
+        const test::TestSession without;
+        CPU().Detect();
+        EXPECT_EQ(without.Text(71062), L"1.2 GHz");  // WMI's, and not the measured one
+    }
     machine.Write(key, L"~MHz", L"1800");
     machine.Write(key, L"Platform ID", L"P");
     machine.Write(key, L"Update Signature", REG_BINARY, "\0\0\0\0\x0B", 5);
@@ -47,7 +52,7 @@ TEST(Detectors, StoreEachFieldOfTheProcessorInOrderFromTheFirstSourceThatHasIt)
     CpuInfo cpuid;
     CPUID::Instance().GetCpuInfo(cpuid);
     const auto flag = [](bool isSet) { return std::wstring(isSet ? L"Yes|" : L"No|"); };
-    EXPECT_EQ(session.Texts({71061, 71062, 71355, 71392, 71393, 71398, 71399}), L"wmi|1.8 GHz|P|0B|9|||");
+    EXPECT_EQ(session.Texts({71061, 71062, 71355, 71392, 71393, 71398, 71399}), L"w mi|1.8 GHz|P|0B|9|||");
     EXPECT_EQ(session.Texts({71296, 71385, 71390, 71391, 71389}), cpuid.vendor + L"|" + cpuid.stepping +
                                                                       L"|" + cpuid.family + L"|" +
                                                                       cpuid.model + L"|" + cpuid.type + L"|");

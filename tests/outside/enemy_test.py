@@ -32,6 +32,9 @@ ROWS = [
     *((name, FILE, VERDICT, QUICK, 60) for name in ("close", "empty", "cut-file", "reset-file")),
     *((name, FILE, VERDICT, DOWNLOAD, 60) for name in ("slow-headers", "redirect-self", "flood")),
 ]
+# Where the answer does not count, the log says why.
+LINES = {"redirect-host": "The answer came from another host than the service's.",
+         "flood": "The service's answer is too long.", "slow-headers": "The service took too long to answer."}
 SCRIPT = """control.ReferrerID = "demo"; var answer = control.Analysis("i", "xml", "1");
 WScript.Echo(answer.length + " " + answer.substr(0, 60));
 WScript.Echo(control.Value("71069"));
@@ -53,7 +56,7 @@ class Enemy(ControlTest):
             '{"id": 71069, "label": "B", "comparison": "at least", "needed": "1"}]}')
         self.service.faults[path] = name
         self.service.longest = EXCHANGE + 15
-        self.logs = path == FILE
+        self.logs = path == FILE or name in LINES
         output = self.run_script(SCRIPT)
         if "KEL_SHOW" in os.environ:
             print(f"{name:20}{path:30}{output[0][:40]!r:44}{self.seconds:6.1f} s {self.peak:5.0f} MB", file=sys.stderr)
@@ -61,6 +64,8 @@ class Enemy(ControlTest):
         self.assertRegex(output[-2], r"^0\.0 bps$" if path == FILE else r"^$" if path == GROUPS else r"bps$")
         self.assertEqual(output[-1], "-1")
         self.assertLess(self.seconds, seconds)
+        if path != FILE:
+            self.assertIn(LINES.get(name, ""), self.log)
         self.assertEqual("The bandwidth test was stopped after 30 seconds." in self.log,
                          path == FILE and seconds == DOWNLOAD)
         self.assertTrue(10 < self.peak < memory, self.peak)

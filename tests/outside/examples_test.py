@@ -44,7 +44,10 @@ class Examples(ControlTest):
             self.assertEqual((code, output), (2, "The analysis service answered: Referrer 'unknown' is not known.\n"))
 
     def test_the_page_shows_the_verdict_as_text(self):
-        script = re.search("<script>(.*)</script>", (EXAMPLES / "check.html").read_text("utf-8"), re.DOTALL)[1]
+        page = (EXAMPLES / "check.html").read_text("utf-8")
+        self.assertIn('classid="clsid:3D7C6027-9644-4282-BC8F-AC0BABB38FDB"', page)
+        self.assertEqual(re.findall('param name="(.*?)"', page), ["REFERRER_ID", "USER_ID", "DEBUG"])
+        script = re.search("<script>(.*)</script>", page, re.DOTALL)[1]
         *rows, total, without = self.run_script(BROWSER + script + "window.onload(); control = null; window.onload();")
         self.assertEqual(len(rows), 12)
         self.assertRegex("\n".join(rows), r"\nMemory: at least 2 GB, found [\d.]+ [GT]B: pass\n")

@@ -104,7 +104,7 @@ class ControlTest(ServiceTest):
         with open(self.folder / "log.txt", "wb") as log:
             code, output = wine([CSCRIPT, "//nologo", windows_path(script)], f"http://{self.address}" if proxy else None,
                                 watch=self.note_memory, network=proxy, log=log if self.logs else None)
-        self.log = Path(log.name).read_text("cp437")
+        self.log = "\n".join(re.findall(r'OutputDebugStringA "(.*)\\n"', Path(log.name).read_text("cp437")))
         self.seconds = time.monotonic() - start
         self.assertEqual(code, 7, output)
         return output.splitlines()

@@ -22,7 +22,8 @@ class Comparisons(unittest.TestCase):
         for comparison, found, needed, result in (
                 ("at least version", "6.1.7601", "6.1", "pass"), ("at least version", "10.0", "9.9", "pass"),
                 ("at least version", "6.1", "6.1.0.0", "pass"), ("at least version", "6.1", "6.2", "fail"),
-                ("at least version", "9.0C", "9", "unknown"), ("at least version", "9" * 5000, "9", "unknown"), ("at least", "8.0 GB", "4096 MB", "pass"),
+                ("at least version", "9.0C", "9", "unknown"), ("at least version", "9" * 5000, "9", "unknown"),
+                ("at least", "8.0 GB", "4096 MB", "pass"),
                 ("at least", "1023.0 MB", "1 GB", "fail"), ("at least", "2.4 GHz", "2000 MHz", "pass"),
                 ("at least", "1024.0 Kbps", "1 Mbps", "pass"), ("at least", "4", "2", "pass"),
                 ("at least", "many", "2", "unknown"), ("at most", "3", "2", "fail"), ("equals", "Intel", "intel", "pass"),
@@ -56,8 +57,17 @@ class Requests(ServiceTest):
         escaped = REPORT.format("other").replace("<", "&lt;").encode()
         self.assertEqual(self.ask("POST", "/SystemInformation/?refid=r&sessid=s",
                                   b"<SystemInformation><Data>" + escaped + b"</Data></SystemInformation>")[0], 200)
+        self.assertEqual(len([*self.folder.rglob("*.xml")]), 2)
         self.assertIn("<td>8.0 GB</td><td>pass</td>", self.ask("POST", "/service/Analysis/r",
                                                             analysis(session, "html").encode())[1])
+        passes, fails, lacks = (1, "", "any"), (1, "", "at most", "4 GB"), (2, "", "any")
+        for total, *lines in (("pass", passes), ("fail", passes, fails, lacks), ("unknown", lacks, passes), ("unknown",)):
+            self.require("total", *lines)
+            answer = self.ask("POST", "/service/Analysis/total", analysis(session).encode())[1]
+            self.assertIn(f'<analysis result="{total}"', answer, lines)
+
+    def test_it_listens_on_loopback_only(self):
+        self.assertEqual(self.service.server_address[0], "127.0.0.1")
 
     def test_wrong_requests_get_a_clear_error_and_the_service_goes_on(self):
         upload = f"/Data/Service.svc/upload?apikey={API_KEY}"
@@ -75,7 +85,8 @@ class Requests(ServiceTest):
                 ("POST", "/SystemInformation/?refid=r&sessid=s", "<SystemInformation/>", 400, "no system information"),
                 ("GET", "/", None, 404, "no such request")):
             with self.subTest(f"{path} {body}"):
-                answer = self.ask(verb, path, body)
+                with self.assertLogs("analysis_service", "WARNING"):
+                    answer = self.ask(verb, path, body)
                 self.assertEqual(answer[0], status)
                 self.assertIn(text, answer[1])
 

@@ -91,6 +91,7 @@ class Bandwidth(ControlTest):
                 self.assertAlmostEqual(measured / independent, 1, delta=0.2)
                 self.assertRegex(self.log, r"downloadRate = (\d+ bps)\D(.|\n)*Network speed is: \1 bps\D")
                 self.assertEqual(self.lines().count("GET /global/tests/test_2.bin HTTP/1.1"), 1)
+                self.assertRegex(self.service.requests[1]["line"], "^GET http://content.keldane.example[:/]")
                 headers = dict(self.service.requests[1]["headers"])
                 self.assertEqual((headers["User-Agent"], headers["Pragma"]), ("KEL", "no-cache"))
 
@@ -107,14 +108,18 @@ SHOW = ('control.ReferrerID = "demo"; WScript.Echo("[" + control.Analysis("i", "
 
 class Faults(ControlTest):
     def test_a_service_that_misbehaves_costs_its_answer_only(self):
-        for fault, answer, reports_memory in (
-                ("close", r"", "0"), ("empty", r"", "0"), ("404", r"nothing here", "0"), ("500", r"broken", "0"),
-                ("cut", r"71063\|", "-1"), ("slow", r"71063\|71094", "-1"), ("invalid-utf8", r"71063\|\?+\|71094", "-1")):
+        self.logs = True
+        for fault, answer, reports_memory, line in (
+                ("close", r"", "0", "Can't get data."), ("empty", r"", "0", "Status: 200"),
+                ("404", r"nothing here", "0", "Status: 404"), ("500", r"broken", "0", "Status: 500"),
+                ("cut", r"71063\|", "-1", "Result: 71063|"), ("slow", r"71063\|71094", "-1", "Result: 71063|71094"),
+                ("invalid-utf8", r"71063\|\?+\|71094", "-1", "Result: 71063|")):
             with self.subTest(fault):
                 self.service.misbehave = fault
                 output = self.run_script(SHOW + 'WScript.Echo(control.SysInfo.indexOf("71063") > 0);')
                 self.assertRegex(output[0], rf"^\[{answer}\]$")
                 self.assertEqual(output[1:], ["-1", "0", "-1", reports_memory])
+                self.assertIn(line, self.log)
 
     def test_ten_megabytes_are_read_whole(self):
         self.service.misbehave = "huge"

@@ -52,6 +52,8 @@ TEST(CPUID, DecodesProcessorsOfManyMakersAndAges)
         {"Transmeta Crusoe", "GenuineTMx86", 0x00000543, L"Transmeta", L"05 04 3 00"},
         {"Geode GX1", "Geode by NSC", 0x00000540, L"National Semiconductor", L"05 04 0 00"},
         {"Rise mP6", "RiseRiseRise", 0x00000504, L"Rise", L"05 00 4 00"},
+        {"NexGen Nx586", "NexGenDriven", 0x00000500, L"NexGen", L"05 00 0 00"},
+        {"UMC U5S", "UMC UMC UMC ", 0x00000423, L"UMC", L"04 02 3 00"},
         {"SiS 55x", "SiS SiS SiS ", 0x00000505, L"Sis", L"05 00 5 00"},
     };
     for (const auto& [chip, vendorString, eax, vendor, familyModelSteppingType] : rows) {

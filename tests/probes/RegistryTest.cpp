@@ -52,6 +52,8 @@ TEST(Registry, FillsTheProcessorsRecord)
     EXPECT_EQ(info.updateSignature, L"");
     EXPECT_EQ(log.Lines(), (std::vector<std::wstring>{
                                L"TRACE Name = L  Chip  ",
+                               L"WARN Registry value is missing or of no use: " + std::wstring(Processor) +
+                                   L" Update Signature",
                                L"WARN Registry value is missing: SOFTWARE\\Intel\\Infinst version"}));
     machine.Write(Processor, L"Update Signature", REG_BINARY, "1234", 4);
     Registry::Instance().GetCpuInfo(info);
