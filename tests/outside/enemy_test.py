@@ -30,7 +30,7 @@ ROWS = [
     ("flood-headers", ANALYSIS, NOTHING, EXCHANGE, 1000),
     ("redirect-host", GROUPS, "^73 No report", QUICK, 60),
     *((name, FILE, VERDICT, QUICK, 60) for name in ("close", "empty", "cut-file", "reset-file")),
-    *((name, FILE, VERDICT, DOWNLOAD, 60) for name in ("slow-headers", "redirect-self", "flood")),
+    *((name, FILE, VERDICT, DOWNLOAD, 60) for name in ("slow-headers", "redirect-self", "flood", "endless")),
 ]
 # Where the answer does not count, the log says why.
 LINES = {"redirect-host": "The answer came from another host than the service's.",
