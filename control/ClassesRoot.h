@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "diag/Owners.h"
+#include "platform/RegistryValue.h"
 
 namespace kel {
 

@@ -13,6 +13,7 @@
 #include "control/RegistrationScript.h"
 #include "control/Resources.h"
 #include "diag/Log.h"
+#include "platform/Library.h"
 
 namespace kel {
 
@@ -28,7 +29,7 @@ constexpr const wchar_t* ApplicationId = L"{3D7C6027-9644-4282-BC8F-AC0BABB38FDB
 
 std::wstring ScriptText()
 {
-    const HMODULE module = CDetectionModule::Handle();
+    const HMODULE module = ThisModule();
     const HRSRC resource = FindResourceW(module, MAKEINTRESOURCEW(KEL_REGISTRATION_SCRIPT), L"REGISTRY");
     const HGLOBAL data = resource != nullptr ? LoadResource(module, resource) : nullptr;
     const auto* text = data != nullptr ? static_cast<const char*>(LockResource(data)) : nullptr;
@@ -78,23 +79,12 @@ CDetectionModule& CDetectionModule::Instance()
     return instance;
 }
 
-HMODULE CDetectionModule::Handle()
-{
-    HMODULE module = nullptr;
-    // A null handle would stand for the host's program.
-    if (!GetModuleHandleExW(
-            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-            reinterpret_cast<LPCWSTR>(&CDetectionModule::Handle), &module))
-        throw std::runtime_error("The module's handle is unknown.");
-    return module;
-}
-
 std::wstring CDetectionModule::Path()
 {
     constexpr std::size_t LongestPath = 32768;
     std::wstring path(MAX_PATH, L'\0');
     for (; path.size() <= LongestPath; path.resize(path.size() * 2)) {
-        const DWORD length = GetModuleFileNameW(Handle(), path.data(), static_cast<DWORD>(path.size()));
+        const DWORD length = GetModuleFileNameW(ThisModule(), path.data(), static_cast<DWORD>(path.size()));
         if (length == 0)
             break;
         if (length < path.size()) {

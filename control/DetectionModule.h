@@ -17,11 +17,7 @@ public:
     void Unlock() { --lockCount; }
     bool CanUnload() const { return lockCount == 0; }
 
-    /// The handle of the DLL that holds this code.
-    /// @throws std::runtime_error when the system does not tell
-    static HMODULE Handle();
-
-    /// The full path of that DLL.
+    /// The full path of the DLL that holds this code.
     /// @throws std::runtime_error when the system does not tell
     static std::wstring Path();
 

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/RegistryValue.h"
+
 namespace kel {
 
 namespace {

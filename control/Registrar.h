@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "control/RegistrationScript.h"
-#include "diag/Owners.h"
 
 namespace kel {
 

@@ -7,7 +7,7 @@
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "run/System.h"
-#include "run/XMLReport.h"
+#include "run/store/XMLReport.h"
 #include "service/AnalysisRequest.h"
 #include "values/Text.h"
 
@@ -18,7 +18,7 @@ HRESULT CSysInfo::Detect()
     return Guarded([] {
         // Every run logs in full, whatever level was set; support cases depend on it.
         Log::Instance().SetLevel(99);
-        const LogScope trace(L"CSysInfo::Detect", LogScope::Tracing());
+        const LogScope trace(L"CSysInfo::Detect");
         System::Instance().Detect();
     });
 }
@@ -29,7 +29,7 @@ HRESULT CSysInfo::get_SysInfo(BSTR* report)
     return GuardedResult(report, []() -> const std::wstring& {
         text.clear();
         try {
-            const LogScope trace(L"CSysInfo::get_SysInfo", LogScope::Tracing());
+            const LogScope trace(L"CSysInfo::get_SysInfo");
             System::Instance().Detect();
             XMLReport(System::Instance().Values()).GetReport(XMLReport::StandardOption, text);
         } catch (...) {
@@ -50,7 +50,7 @@ HRESULT CSysInfo::get_System(BSTR /*filter*/, BSTR* report)
         *report = nullptr;
     HRESULT result = S_OK;
     Guarded([this, report, &result] {
-        const LogScope trace(L"CSysInfo::get_System", LogScope::Tracing());
+        const LogScope trace(L"CSysInfo::get_System");
         result = static_cast<ISysInfo*>(this)->get_SysInfo(report);
     });
     return result;
@@ -59,7 +59,7 @@ HRESULT CSysInfo::get_System(BSTR /*filter*/, BSTR* report)
 HRESULT CSysInfo::get_Analysis(BSTR id, BSTR format, BSTR schema, BSTR* result)
 {
     return GuardedResult(result, [&] {
-        const LogScope trace(L"CSysInfo::get_Analysis", LogScope::Tracing());
+        const LogScope trace(L"CSysInfo::get_Analysis");
         try {
             const std::wstring item = TextOf(id);
             const std::wstring messageFormat = TextOf(format);
@@ -93,7 +93,7 @@ HRESULT CSysInfo::get_Value(BSTR id, BSTR* value)
 HRESULT CSysInfo::Configure(BSTR val)
 {
     return Guarded([val] {
-        const LogScope trace(L"CSysInfo::Configure", LogScope::Tracing());
+        const LogScope trace(L"CSysInfo::Configure");
         const std::wstring text = TextOf(val);
         System::Instance().SetConfiguration(text);
         System::Instance().Values().AddValues(text);
@@ -109,7 +109,7 @@ HRESULT CSysInfo::put_Logging(BSTR level)
 {
     return Guarded(
         [level] {
-            const LogScope trace(L"CSysInfo::put_Logging", LogScope::Tracing());
+            const LogScope trace(L"CSysInfo::put_Logging");
             const int number = ToInteger(TextOf(level));
             WriteLog(LogTrace, L"Setting level to: ", number);
             Log::Instance().SetLevel(number);
@@ -125,7 +125,7 @@ HRESULT CSysInfo::get_ReferrerID(BSTR* text)
 HRESULT CSysInfo::put_ReferrerID(BSTR text)
 {
     return Guarded([text] {
-        const LogScope trace(L"CSysInfo::put_ReferrerID", LogScope::Tracing());
+        const LogScope trace(L"CSysInfo::put_ReferrerID");
         System::Instance().SetReferrerID(TextOf(text));
     });
 }

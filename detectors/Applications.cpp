@@ -1,4 +1,4 @@
-#include "detectors/Applications.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 
@@ -9,7 +9,7 @@ bool Applications::Detect()
 
 void Applications::Initialize()
 {
-    const LogScope trace(L"kel::Applications::Initialize", LogScope::Tracing());
+    const LogScope trace(L"kel::Applications::Initialize");
 }
 
 }  // namespace kel

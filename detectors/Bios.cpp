@@ -1,26 +1,16 @@
-#include "detectors/Bios.h"
-
-#include "detectors/FillEmpty.h"
+#include "detectors/Detectors.h"
+#include "detectors/Facts.h"
 #include "probes/Registry.h"
 #include "probes/WMI.h"
-#include "values/Name.h"
 
 namespace kel {
 
 namespace {
 
-constexpr unsigned NameId = 71073;
-constexpr unsigned DateId = 71383;
-constexpr unsigned ManufacturerId = 71294;
-constexpr unsigned VersionId = 71074;
+constexpr FactTable Facts(Fact{71073, &BiosInfo::name}, Fact{71383, &BiosInfo::date},
+                          Fact{71294, &BiosInfo::manufacturer}, Fact{71074, &BiosInfo::version, L"version"});
 
 }  // namespace
-
-void MergeBiosInfo(BiosInfo& target, const BiosInfo& source)
-{
-    FillEmpty(target, source,
-              {&BiosInfo::name, &BiosInfo::version, &BiosInfo::date, &BiosInfo::manufacturer});
-}
 
 bool Bios::Detect()
 {
@@ -29,13 +19,10 @@ bool Bios::Detect()
         BiosInfo wmi;
         Registry::Instance().GetBiosInfo(registry);
         WMI::Instance().GetBiosValues(wmi);
-        BiosInfo merged;
-        MergeBiosInfo(merged, registry);
-        MergeBiosInfo(merged, wmi);
-        AddValue(NameId, Name(merged.name));
-        AddValue(DateId, Name(merged.date));
-        AddValue(ManufacturerId, Name(merged.manufacturer));
-        AddValue(VersionId, Name(merged.version));
+        decltype(Facts)::Device merged;
+        Facts.Merge(merged, registry, L"the registry");
+        Facts.Merge(merged, wmi, L"WMI");
+        Facts.Store(merged, L"Bios");
     });
 }
 

@@ -1,4 +1,4 @@
-#include "detectors/Browser.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 
@@ -9,7 +9,7 @@ bool Browser::Detect()
 
 void Browser::Initialize()
 {
-    const LogScope trace(L"kel::Browser::Initialize", LogScope::Tracing());
+    const LogScope trace(L"kel::Browser::Initialize");
 }
 
 }  // namespace kel

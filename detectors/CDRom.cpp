@@ -1,4 +1,4 @@
-#include "detectors/CDRom.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

@@ -1,32 +1,23 @@
-#include "detectors/Chassis.h"
-
-#include "diag/Owners.h"
-#include "values/Exists.h"
+#include "detectors/Detectors.h"
+#include "detectors/Facts.h"
+#include "probes/Battery.h"
 
 namespace kel {
 
 namespace {
 
-constexpr unsigned PortableId = 71094;
+struct ChassisInfo {
+    bool isPortable = false;
+};
 
-static_assert(sizeof(SYSTEM_POWER_CAPABILITIES) == 76);
+constexpr FactTable Facts(Fact{71094, &ChassisInfo::isPortable});
 
 }  // namespace
 
-bool HasLongTermBattery(decltype(&GetPwrCapabilities) getCapabilities)
-{
-    SYSTEM_POWER_CAPABILITIES capabilities = {};
-    return getCapabilities != nullptr && getCapabilities(&capabilities) &&
-           capabilities.SystemBatteriesPresent && !capabilities.BatteriesAreShortTerm;
-}
-
 bool Chassis::Detect()
 {
-    return Guarded(L"kel::Chassis::Detect", L"Error in Chassis detection.", [] {
-        const OwnedLibrary library(LoadLibraryW(L"PowrProf.dll"));
-        AddValue(PortableId, Exists(library && HasLongTermBattery(FindFunction<decltype(GetPwrCapabilities)>(
-                                                   library.get(), "GetPwrCapabilities"))));
-    });
+    return Guarded(L"kel::Chassis::Detect", L"Error in Chassis detection.",
+                   [] { Facts.Store(ChassisInfo{HasLongTermBattery()}); });
 }
 
 }  // namespace kel

@@ -6,7 +6,7 @@
 
 #include "diag/Log.h"
 #include "diag/LogScope.h"
-#include "run/Session.h"
+#include "run/store/Session.h"
 #include "values/Value.h"
 
 namespace kel {
@@ -23,6 +23,14 @@ public:
     /// One-time preparation.
     virtual void Initialize() {}
 
+    /// Stores a copy of a typed value, or a plain text, under an id.
+    /// @param index 0 for the device that matters most, and for facts of the machine as a whole
+    template <typename Stored>
+    static void AddValue(unsigned id, const Stored& value, int index = 0)
+    {
+        Session::Current().Values().AddValue(SystemValueID(GroupID(id), index), value);
+    }
+
 protected:
     /// Runs the body of a Detect in a trace scope of the given name. When the body throws, what it has stored
     /// stays, and the error line is logged.
@@ -30,7 +38,7 @@ protected:
     template <std::invocable Body>
     static bool Guarded(const wchar_t* scopeName, const wchar_t* errorLine, Body body)
     {
-        const LogScope trace(scopeName, LogScope::Tracing());
+        const LogScope trace(scopeName);
         try {
             body();
         } catch (...) {
@@ -38,13 +46,6 @@ protected:
                 ReportFailure(LogError, errorLine);
         }
         return true;
-    }
-
-    /// Stores a copy of a typed value, or a plain text, under an id with index 0.
-    template <typename Stored>
-    static void AddValue(unsigned id, const Stored& value)
-    {
-        Session::Current().Values().AddValue(SystemValueID(GroupID(id)), value);
     }
 };
 

@@ -2,26 +2,7 @@
 
 #include <memory>
 
-#include "detectors/Applications.h"
-#include "detectors/Bios.h"
-#include "detectors/Browser.h"
-#include "detectors/CDRom.h"
-#include "detectors/CPU.h"
-#include "detectors/Chassis.h"
-#include "detectors/DVD.h"
-#include "detectors/DirectX.h"
-#include "detectors/GPU.h"
-#include "detectors/Graphics.h"
-#include "detectors/HardDrive.h"
-#include "detectors/LogicalDrive.h"
-#include "detectors/Monitor.h"
-#include "detectors/MotherBoard.h"
-#include "detectors/NetworkDevice.h"
-#include "detectors/OS.h"
-#include "detectors/Ram.h"
-#include "detectors/SCSI.h"
-#include "detectors/Software.h"
-#include "detectors/Sound.h"
+#include "detectors/Detectors.h"
 #include "diag/LogScope.h"
 
 namespace kel {
@@ -61,7 +42,7 @@ void Components::Init()
 {
     static bool isDone = false;
     RunOnce(isDone, [this] {
-        const LogScope trace(L"kel::Components::Init", LogScope::Tracing());
+        const LogScope trace(L"kel::Components::Init");
         Detectors made =
             Make<CPU, GPU, Bios, CDRom, Chassis, DirectX, DVD, Graphics, HardDrive, LogicalDrive, MotherBoard,
                  NetworkDevice, OS, Ram, Sound, Software, Browser, Monitor, Applications, SCSI>();

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "detectors/FillEmpty.h"
 #include "values/Quantity.h"
 #include "values/Text.h"
 
@@ -46,22 +45,6 @@ std::wstring RatedSpeed(const CpuInfo& info)
 }
 
 }  // namespace
-
-void MergeCpuInfo(CpuInfo& target, const CpuInfo& source)
-{
-    FillEmpty(target, source,
-              {&CpuInfo::processorCount, &CpuInfo::vendor, &CpuInfo::name, &CpuInfo::stepping,
-               &CpuInfo::family, &CpuInfo::model, &CpuInfo::type, &CpuInfo::cpuId, &CpuInfo::cpuIdShort,
-               &CpuInfo::platformId, &CpuInfo::reserved1, &CpuInfo::reserved2, &CpuInfo::updateSignature,
-               &CpuInfo::chipsetSoftwareVersion, &CpuInfo::caption});
-    if (!target.speed.HasValue())
-        target.speed = source.speed;
-    constexpr bool CpuInfo::*Flags[] = {&CpuInfo::multiProcessor, &CpuInfo::isIntel, &CpuInfo::isAmd,
-                                        &CpuInfo::cacheDescriptor40};
-    for (const auto flag : Flags)
-        target.*flag = target.*flag || source.*flag;
-    target.ratedSpeed = source.ratedSpeed;
-}
 
 void FinishCpuInfo(CpuInfo& info)
 {

@@ -1,4 +1,4 @@
-#include "detectors/DVD.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

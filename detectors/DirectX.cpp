@@ -1,4 +1,4 @@
-#include "detectors/DirectX.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

@@ -1,4 +1,4 @@
-#include "detectors/GPU.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

@@ -1,4 +1,4 @@
-#include "detectors/Graphics.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

@@ -1,4 +1,4 @@
-#include "detectors/HardDrive.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 
@@ -9,7 +9,7 @@ bool HardDrive::Detect()
 
 void HardDrive::Initialize()
 {
-    const LogScope trace(L"kel::HardDrive::Initialize", LogScope::Tracing());
+    const LogScope trace(L"kel::HardDrive::Initialize");
 }
 
 }  // namespace kel

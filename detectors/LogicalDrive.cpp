@@ -1,4 +1,4 @@
-#include "detectors/LogicalDrive.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 
@@ -9,7 +9,7 @@ bool LogicalDrive::Detect()
 
 void LogicalDrive::Initialize()
 {
-    const LogScope trace(L"kel::LogicalDrive::Initialize", LogScope::Tracing());
+    const LogScope trace(L"kel::LogicalDrive::Initialize");
 }
 
 }  // namespace kel

@@ -5,8 +5,7 @@
 
 #include <array>
 
-#include "diag/Owners.h"
-#include "probes/Registry.h"
+#include "platform/RegistryValue.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -23,7 +22,7 @@ std::wstring StoredIdentifier(const OwnedKey& key)
 {
     std::wstring text;
     if (key)
-        Registry::ReadString(key.get(), IdentifierValue, LongestIdentifier, text);
+        ReadStringValue(key.get(), IdentifierValue, LongestIdentifier, text);
     return text;
 }
 

@@ -1,4 +1,4 @@
-#include "detectors/Monitor.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

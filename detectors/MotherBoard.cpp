@@ -1,31 +1,18 @@
-#include "detectors/MotherBoard.h"
-
-#include "detectors/FillEmpty.h"
+#include "detectors/Detectors.h"
+#include "detectors/Facts.h"
 #include "probes/Registry.h"
 #include "probes/WMI.h"
-#include "values/Exists.h"
 #include "values/Text.h"
 
 namespace kel {
 
 namespace {
 
-constexpr unsigned ManufacturerId = 71171;
-constexpr unsigned ProductId = 71170;
-constexpr unsigned VersionId = 71356;
-constexpr unsigned AaVersionId = 71437;
+constexpr FactTable Facts(Fact{71171, &BoardInfo::manufacturer}, Fact{71170, &BoardInfo::product},
+                          Fact{71356, &BoardInfo::version, L"version"},
+                          Fact{71437, &BoardInfo::hasAaVersion});
 
 }  // namespace
-
-void MergeBoardInfo(BoardInfo& target, const BoardInfo& source)
-{
-    FillEmpty(target, source, {&BoardInfo::manufacturer, &BoardInfo::product, &BoardInfo::version});
-}
-
-bool IsAaVersion(const std::wstring& version)
-{
-    return ToLower(version).starts_with(L"aa");
-}
 
 bool MotherBoard::Detect()
 {
@@ -34,13 +21,11 @@ bool MotherBoard::Detect()
         BoardInfo wmi;
         Registry::Instance().GetBoardInfo(registry);
         WMI::Instance().GetMotherboardValues(wmi);
-        BoardInfo merged;
-        MergeBoardInfo(merged, registry);
-        MergeBoardInfo(merged, wmi);
-        AddValue(ManufacturerId, merged.manufacturer);
-        AddValue(ProductId, merged.product);
-        AddValue(VersionId, merged.version);
-        AddValue(AaVersionId, Exists(IsAaVersion(merged.version)));
+        decltype(Facts)::Device merged;
+        Facts.Merge(merged, registry, L"the registry");
+        Facts.Merge(merged, wmi, L"WMI");
+        merged.record.hasAaVersion = ToLower(merged.record.version).starts_with(L"aa");
+        Facts.Store(merged, L"MotherBoard");
     });
 }
 

@@ -1,6 +1,6 @@
-#include "detectors/NetworkDevice.h"
+#include "detectors/Detectors.h"
 
-#include "detectors/BandwidthTest.h"
+#include "service/BandwidthTest.h"
 #include "values/Bandwidth.h"
 
 namespace kel {

@@ -1,14 +1,11 @@
-#include "detectors/OS.h"
-
-#include <array>
-#include <cwchar>
+#include "detectors/Detectors.h"
+#include "detectors/Facts.h"
 
 #include "detectors/MachineIdentifier.h"
 #include "detectors/OSIds.h"
 #include "detectors/OSName.h"
-#include "diag/Owners.h"
-#include "probes/Registry.h"
-#include "values/Exists.h"
+#include "probes/DotNet.h"
+#include "probes/OSInfo.h"
 #include "values/Hexadecimal.h"
 #include "values/Name.h"
 #include "values/Version.h"
@@ -26,22 +23,46 @@ constexpr unsigned Flags[] = {
     Server2008Id,      Server2008R2Id,
 };
 
-constexpr const wchar_t* FrameworkKey = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP";
-constexpr DWORD MostFrameworks = 10000;
-constexpr std::size_t FrameworkTextSize = 100;  // characters, of a subkey's name and of a version
+/// The numbers of the version record, in the form in which they are stored.
+struct VersionRecord {
+    Version version;
+    Version major;
+    Version minor;
+    Version build;
+    Version servicePackMajor;
+    Version servicePackMinor;
+    Name suiteMask;
+    Name productType;
+    Name locale;
+};
 
-/// Reads the string value "Version" of a framework's key.
-bool ReadFrameworkVersion(HKEY parent, const wchar_t* name, std::wstring& version)
+using V = VersionRecord;
+constexpr FactTable VersionFacts(Fact{71309, &V::version}, Fact{71072, &V::version}, Fact{71367, &V::major},
+                                 Fact{71368, &V::minor}, Fact{71366, &V::build},
+                                 Fact{71364, &V::servicePackMajor}, Fact{71365, &V::servicePackMinor},
+                                 Fact{71363, &V::suiteMask}, Fact{71362, &V::productType},
+                                 Fact{71388, &V::locale});
+
+VersionRecord RecordOf(const OSInfo& info)
 {
-    const OwnedKey key = OpenKey(parent, name, KEY_READ);
-    return key && Registry::ReadString(key.get(), L"Version", FrameworkTextSize * sizeof(wchar_t), version);
+    const auto version = [](DWORD number) { return Version(std::to_wstring(number)); };
+    return {Version(std::to_wstring(info.major) + L"." + std::to_wstring(info.minor) + L"." +
+                    std::to_wstring(info.build)),
+            version(info.major),
+            version(info.minor),
+            version(info.build),
+            version(info.servicePackMajor),
+            version(info.servicePackMinor),
+            Name(std::to_wstring(info.suiteMask)),
+            Name(std::to_wstring(info.productType)),
+            Name(Hexadecimal(GetUserDefaultLCID(), 4))};
 }
 
 }  // namespace
 
 void OS::Initialize()
 {
-    const LogScope trace(L"kel::OS::Initialize", LogScope::Tracing());
+    const LogScope trace(L"kel::OS::Initialize");
 }
 
 bool OS::Detect()
@@ -62,60 +83,20 @@ bool OS::Detect(const OSFunctions& functions)
         if (name.isBuilt)
             AddValue(DisplayNameId, Name(name.text));
 
-        StoreVersionRecord(info);
+        if (info.hasVersion)
+            VersionFacts.Store(RecordOf(info));
+        AddValue(MachineId, Name(GetMachineIdentifier()));
         if (ReadEmulation(functions) == Emulation::Yes)
             AddValue(Is64BitId, Exists(true));
         GetSupportInformation();
     });
 }
 
-void OS::StoreVersionRecord(const OSInfo& info)
-{
-    if (info.hasVersion) {
-        const std::wstring major = std::to_wstring(info.major);
-        const std::wstring minor = std::to_wstring(info.minor);
-        const std::wstring build = std::to_wstring(info.build);
-        const Version version(major + L"." + minor + L"." + build);
-        AddValue(VersionCopyId, version);
-        AddValue(VersionId, version);
-        AddValue(MajorVersionId, Version(major));
-        AddValue(MinorVersionId, Version(minor));
-        AddValue(BuildId, Version(build));
-        AddValue(ServicePackMajorId, Version(std::to_wstring(info.servicePackMajor)));
-        AddValue(ServicePackMinorId, Version(std::to_wstring(info.servicePackMinor)));
-        AddValue(SuiteMaskId, Name(std::to_wstring(info.suiteMask)));
-        AddValue(ProductTypeId, Name(std::to_wstring(info.productType)));
-        AddValue(LocaleId, Name(Hexadecimal(GetUserDefaultLCID(), 4)));
-    }
-    AddValue(MachineId, Name(GetMachineIdentifier()));
-}
-
 void OS::GetSupportInformation()
 {
-    const LogScope trace(L"kel::OS::GetSupportInformation", LogScope::Tracing());
-    const OwnedKey frameworks = OpenKey(HKEY_LOCAL_MACHINE, FrameworkKey, KEY_READ);
-    if (!frameworks)
-        return;
-    Version current;
-    bool found = false;
-    // The last one in the order of the registry wins, not the highest; the service knows it so. A name that
-    // is too long is passed over; the bound keeps a key that cannot be enumerated from being asked for ever.
-    for (DWORD index = 0; index < MostFrameworks; ++index) {
-        std::array<wchar_t, FrameworkTextSize> name = {};
-        auto size = static_cast<DWORD>(name.size());
-        const LSTATUS status =
-            RegEnumKeyExW(frameworks.get(), index, name.data(), &size, nullptr, nullptr, nullptr, nullptr);
-        if (status == ERROR_NO_MORE_ITEMS)
-            break;
-        std::wstring version;
-        if (status != ERROR_SUCCESS || !ReadFrameworkVersion(frameworks.get(), name.data(), version))
-            continue;
-        current = Version(version);
-        found = true;
-        WriteLog(LogTrace, L"Using version: ", version);
-    }
-    if (found)
-        AddValue(DotNetId, current);
+    const LogScope trace(L"kel::OS::GetSupportInformation");
+    if (const std::optional<std::wstring> framework = ReadFrameworkVersion())
+        AddValue(DotNetId, Version(*framework));
 }
 
 }  // namespace kel

@@ -1,21 +1,11 @@
-// The value ids of the operating system.
+// The value ids of the operating system that are stored one by one; the version's numbers have a table.
 #pragma once
 
-#include "run/FixedGroups.h"
+#include "run/store/FixedGroups.h"
 
 namespace kel::OSIds {
 
 constexpr unsigned DisplayNameId = 71060;
-constexpr unsigned VersionId = 71072;
-constexpr unsigned VersionCopyId = 71309;
-constexpr unsigned MajorVersionId = 71367;
-constexpr unsigned MinorVersionId = 71368;
-constexpr unsigned BuildId = 71366;
-constexpr unsigned ServicePackMajorId = 71364;
-constexpr unsigned ServicePackMinorId = 71365;
-constexpr unsigned SuiteMaskId = 71363;
-constexpr unsigned ProductTypeId = 71362;
-constexpr unsigned LocaleId = 71388;
 constexpr unsigned MachineId = MachineIdentifierGroup;
 constexpr unsigned DotNetId = 71193;
 

@@ -1,4 +1,4 @@
-#include "detectors/SCSI.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

@@ -1,4 +1,4 @@
-#include "detectors/Software.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

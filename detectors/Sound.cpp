@@ -1,4 +1,4 @@
-#include "detectors/Sound.h"
+#include "detectors/Detectors.h"
 
 namespace kel {
 

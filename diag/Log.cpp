@@ -8,6 +8,8 @@
 #include <memory>
 #include <sstream>
 
+#include "diag/ProcessInstance.h"
+
 namespace kel {
 
 namespace {
@@ -32,8 +34,7 @@ std::wstring SecondsText(std::uint32_t milliseconds)
 
 Log& Log::Instance()
 {
-    static Log* const instance = std::make_unique<Log>().release();
-    return *instance;
+    return ProcessInstance<Log>();
 }
 
 Log::Log() : std::basic_ostream<wchar_t>(nullptr), buffer(std::make_unique<LogBuf>())

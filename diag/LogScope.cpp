@@ -1,7 +1,5 @@
 #include "diag/LogScope.h"
 
-#include "diag/Log.h"
-
 namespace kel {
 
 LogScope::LogScope(const wchar_t* scopeName, bool isActive) noexcept
@@ -30,11 +28,6 @@ LogScope::~LogScope()
     } catch (...) {
         // Nothing can be reported from here, least of all to the log.
     }
-}
-
-bool LogScope::Tracing()
-{
-    return Log::Instance().IsEnabled(LogMark);
 }
 
 }  // namespace kel

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "diag/Log.h"
+
 namespace kel {
 
 /// Traces the extent of a function: "Entering: " and "Exiting: " lines at level 4, and one step of
@@ -10,14 +12,11 @@ class LogScope {
 public:
     /// A scope whose line cannot be written is not traced.
     /// @param scopeName the qualified name of the function
-    /// @param isActive whether to trace at all; see Tracing()
-    LogScope(const wchar_t* scopeName, bool isActive) noexcept;
+    /// @param isActive whether to trace at all: when level 4 is written
+    explicit LogScope(const wchar_t* scopeName, bool isActive = Log::Instance().IsEnabled(LogMark)) noexcept;
     LogScope(const LogScope&) = delete;
     LogScope& operator=(const LogScope&) = delete;
     ~LogScope();
-
-    /// Whether scopes are traced now.
-    static bool Tracing();
 
 private:
     bool active = false;

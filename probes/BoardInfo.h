@@ -9,6 +9,7 @@ struct BoardInfo {
     std::wstring manufacturer;
     std::wstring product;
     std::wstring version;
+    bool hasAaVersion = false;  ///< the version begins with "aa", in either case; of the merged record
 };
 
 }  // namespace kel

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "diag/Log.h"
+#include "diag/ProcessInstance.h"
 #include "values/Hexadecimal.h"
 #include "values/Text.h"
 
@@ -57,8 +58,7 @@ bool HasByte(std::uint32_t value, int firstByte, std::uint32_t byte)
 
 CPUID& CPUID::Instance()
 {
-    static CPUID* const instance = std::make_unique<CPUID>().release();
-    return *instance;
+    return ProcessInstance<CPUID>();
 }
 
 CPUID::CPUID() : CPUID(Leaves(&RunInstruction)) {}

@@ -2,7 +2,7 @@
 
 #include <cwchar>
 
-#include "diag/Owners.h"
+#include "platform/Library.h"
 
 namespace kel {
 

@@ -1,10 +1,8 @@
 #include "probes/Registry.h"
 
-#include <cstring>
-#include <memory>
-
 #include "diag/Log.h"
-#include "diag/Owners.h"
+#include "diag/ProcessInstance.h"
+#include "platform/RegistryValue.h"
 #include "values/Hexadecimal.h"
 
 namespace kel {
@@ -17,13 +15,11 @@ constexpr const wchar_t* BiosKey = L"HARDWARE\\DESCRIPTION\\System\\bios";
 constexpr const wchar_t* SystemKey = L"HARDWARE\\DESCRIPTION\\System\\";
 constexpr const wchar_t* BoardKey = L"HARDWARE\\DESCRIPTION\\System\\BIOS";
 constexpr std::size_t RevisionByte = 4;
-constexpr int ReadAttempts = 5;
 
 std::wstring UpdateSignature()
 {
     const OwnedKey key = OpenKey(HKEY_LOCAL_MACHINE, ProcessorKey, KEY_READ);
-    const std::optional<RegistryValue> value =
-        key ? Registry::Read(key.get(), L"Update Signature") : std::nullopt;
+    const std::optional<RegistryValue> value = key ? ReadValue(key.get(), L"Update Signature") : std::nullopt;
     if (value && value->type == REG_BINARY && value->bytes.size() > RevisionByte)
         return Hexadecimal(value->bytes[RevisionByte], 2);
     WriteLog(LogWarning, L"Registry value is missing or of no use: ", ProcessorKey, L" Update Signature");
@@ -34,8 +30,7 @@ std::wstring UpdateSignature()
 
 Registry& Registry::Instance()
 {
-    static Registry* const instance = std::make_unique<Registry>().release();
-    return *instance;
+    return ProcessInstance<Registry>();
 }
 
 bool Registry::GetCpuInfo(CpuInfo& info)
@@ -70,48 +65,12 @@ void Registry::GetBoardInfo(BoardInfo& info)
 bool Registry::ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text, REGSAM access)
 {
     const OwnedKey opened = OpenKey(root, key, KEY_READ | access);
-    const std::optional<RegistryValue> value = opened ? Read(opened.get(), name) : std::nullopt;
+    const std::optional<RegistryValue> value = opened ? ReadValue(opened.get(), name) : std::nullopt;
     if (value)
         text = value->Text();
     else
         WriteLog(LogWarning, L"Registry value is missing: ", key, L' ', name);
     return value.has_value();
-}
-
-bool Registry::ReadString(HKEY key, const wchar_t* name, std::size_t largest, std::wstring& text)
-{
-    const std::optional<RegistryValue> value = Read(key, name);
-    if (!value || !value->IsString() || value->bytes.size() > largest)
-        return false;
-    text = value->Text();
-    return true;
-}
-
-std::optional<RegistryValue> Registry::Read(HKEY key, const wchar_t* name)
-{
-    RegistryValue value;
-    value.bytes.resize(256);
-    // The value may grow between two calls; it will not do so for ever.
-    for (int attempt = 0; attempt < ReadAttempts; ++attempt) {
-        auto size = static_cast<DWORD>(value.bytes.size());
-        const LSTATUS status = RegQueryValueExW(key, name, nullptr, &value.type, value.bytes.data(), &size);
-        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA)
-            break;
-        value.bytes.resize(size);
-        if (status == ERROR_SUCCESS)
-            return value;
-    }
-    return {};
-}
-
-std::wstring RegistryValue::Text() const
-{
-    std::wstring characters((bytes.size() + 1) / sizeof(wchar_t), L'\0');
-    if (!bytes.empty())
-        std::memcpy(characters.data(), bytes.data(), bytes.size());
-    if (type == REG_BINARY)
-        std::erase(characters, L'\0');
-    return characters.substr(0, characters.find(L'\0'));
 }
 
 }  // namespace kel

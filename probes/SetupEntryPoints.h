@@ -4,7 +4,7 @@
 
 #include <setupapi.h>
 
-#include "diag/Owners.h"
+#include "platform/Library.h"
 
 namespace kel {
 

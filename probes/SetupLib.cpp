@@ -5,7 +5,8 @@
 
 #include "diag/Log.h"
 #include "diag/LogScope.h"
-#include "probes/Registry.h"
+#include "diag/ProcessInstance.h"
+#include "platform/RegistryValue.h"
 
 namespace kel {
 
@@ -42,7 +43,7 @@ std::uint64_t NumberOf(const RegistryValue& value)
 /// Reads a value, and has a function convert it.
 /// @param convert takes a RegistryValue; false when it cannot be converted
 template <typename Convert>
-bool ReadValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert convert)
+bool ConvertValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert convert)
 {
     if (key == nullptr)
         return false;
@@ -53,7 +54,7 @@ bool ReadValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert con
             if (!below)
                 return false;
         }
-        const std::optional<RegistryValue> value = Registry::Read(below ? below.get() : key, name);
+        const std::optional<RegistryValue> value = ReadValue(below ? below.get() : key, name);
         if (value && value->bytes.size() <= LargestValue && convert(*value))
             return true;
         WriteLog(LogWarning, L"Can't handle Registry value for: ", name);
@@ -67,8 +68,7 @@ bool ReadValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert con
 
 SetupLib& SetupLib::Instance()
 {
-    static SetupLib* const instance = std::make_unique<SetupLib>().release();
-    return *instance;
+    return ProcessInstance<SetupLib>();
 }
 
 SetupLib::SetupLib() : SetupLib(Loader(&SetupEntryPoints::Load)) {}
@@ -82,7 +82,7 @@ SetupLib::SetupLib(Loader newLoader) : loader(std::move(newLoader))
 bool SetupLib::Initialize()
 {
     try {
-        const LogScope trace(L"kel::SetupLib::Initialize", LogScope::Tracing());
+        const LogScope trace(L"kel::SetupLib::Initialize");
         if (initialized)
             return true;
         if (!loader(entryPoints)) {
@@ -153,7 +153,7 @@ bool SetupLib::OpenDeviceKeys(HDEVINFO set, SP_DEVINFO_DATA& device, DeviceKeys&
 bool SetupLib::ReadRegistryValue(HKEY key, const wchar_t* subkey, const wchar_t* name, std::wstring& text)
 {
     text.clear();
-    return ReadValue(key, subkey, name, [&text](const RegistryValue& value) {
+    return ConvertValue(key, subkey, name, [&text](const RegistryValue& value) {
         if (value.IsString() || value.type == REG_MULTI_SZ) {
             text = value.Text();
             return true;
@@ -171,7 +171,7 @@ bool SetupLib::ReadRegistryValue(HKEY key, const wchar_t* subkey, const wchar_t*
 bool SetupLib::ReadRegistrySize(HKEY key, const wchar_t* subkey, const wchar_t* name, Size& size)
 {
     size = Size();
-    return ReadValue(key, subkey, name, [&size](const RegistryValue& value) {
+    return ConvertValue(key, subkey, name, [&size](const RegistryValue& value) {
         if (value.IsString())
             return size.Initialize(value.Text().c_str());
         const bool isBinary =
@@ -190,7 +190,7 @@ bool SetupLib::Enumerate(const wchar_t* operation, DWORD deviceClass, const wcha
     if (!initialized)
         return false;
     try {
-        const LogScope trace((std::wstring(L"kel::SetupLib::") + operation).c_str(), LogScope::Tracing());
+        const LogScope trace((std::wstring(L"kel::SetupLib::") + operation).c_str());
         OwnedDeviceSet set;
         if (!GetDeviceSet(ClassGuid(deviceClass), set)) {
             if (setFailure != nullptr)

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "diag/Owners.h"
+#include "platform/RegistryValue.h"
 #include "probes/SetupDeviceInfos.h"
 #include "probes/SetupEntryPoints.h"
 #include "probes/Source.h"

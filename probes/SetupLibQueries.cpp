@@ -1,7 +1,6 @@
 // The six listings of the Setup API probe: which property and which value fills which field.
 #include "diag/Log.h"
 #include "probes/InfFile.h"
-#include "probes/Registry.h"
 #include "probes/SetupLib.h"
 #include "values/Text.h"
 
@@ -158,7 +157,7 @@ SetupNetworkInfo SetupLib::NetworkDevice(HDEVINFO set, SP_DEVINFO_DATA& device)
     const OwnedKey connection =
         OpenKey(HKEY_LOCAL_MACHINE, (ConnectionKeys + instance + L"\\Connection").c_str(), KEY_READ);
     const std::optional<RegistryValue> value =
-        connection ? Registry::Read(connection.get(), L"MediaSubType") : std::nullopt;
+        connection ? ReadValue(connection.get(), L"MediaSubType") : std::nullopt;
     if (value && value->type == REG_DWORD) {
         const std::wstring subType = FirstText({{connection.get(), nullptr, L"MediaSubType"}});
         adapter.mediaSubType = Name(subType);

@@ -6,6 +6,7 @@
 
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "diag/ProcessInstance.h"
 #include "probes/Variant.h"
 
 namespace kel {
@@ -14,8 +15,7 @@ using Microsoft::WRL::ComPtr;
 
 WMI& WMI::Instance()
 {
-    static WMI* const instance = std::make_unique<WMI>().release();
-    return *instance;
+    return ProcessInstance<WMI>();
 }
 
 WMI::WMI()
@@ -25,7 +25,7 @@ WMI::WMI()
 
 void WMI::Init()
 {
-    const LogScope trace(L"kel::WMI::Init", LogScope::Tracing());
+    const LogScope trace(L"kel::WMI::Init");
     try {
         initialised = Connect();
     } catch (...) {

@@ -26,7 +26,7 @@ bool ReadProperty(IWbemClassObject* object, const wchar_t* name, std::wstring& t
 
 bool WMI::GetCpuInfo(CpuInfo& info)
 {
-    const LogScope trace(L"kel::WMI::GetCpuInfo", LogScope::Tracing());
+    const LogScope trace(L"kel::WMI::GetCpuInfo");
     if (!initialised)
         return false;
     try {
@@ -67,7 +67,7 @@ bool WMI::GetHardDriveValues(std::vector<WmiHardDriveInfo>& drives)
 
 bool WMI::GetBiosValues(BiosInfo& info)
 {
-    const LogScope trace(L"kel::WMI::GetBiosValues", LogScope::Tracing());
+    const LogScope trace(L"kel::WMI::GetBiosValues");
     if (!initialised)
         return false;
     bool isRead = false;

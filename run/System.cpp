@@ -10,8 +10,9 @@
 #include "BuildSettings.h"
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "diag/ProcessInstance.h"
 #include "run/ConfigurationTags.h"
-#include "run/XMLReport.h"
+#include "run/store/XMLReport.h"
 #include "service/GroupListRequest.h"
 #include "service/WebServiceUpload.h"
 #include "values/Text.h"
@@ -40,8 +41,7 @@ private:
 
 System& System::Instance()
 {
-    static System* const instance = std::make_unique<System>().release();
-    return *instance;
+    return ProcessInstance<System>();
 }
 
 System::System()
@@ -52,7 +52,7 @@ System::System()
 
 void System::Initialize()
 {
-    const LogScope trace(L"kel::System::Initialize", LogScope::Tracing());
+    const LogScope trace(L"kel::System::Initialize");
     // Seeded here: a generator that seeds itself loses its memory when the system has no entropy to give.
     boost::random::mt19937 twister;
     boost::uuids::detail::random_provider entropy;
@@ -62,7 +62,7 @@ void System::Initialize()
 
 void System::SetConfiguration(const std::wstring& text)
 {
-    const LogScope trace(L"kel::System::SetConfiguration", LogScope::Tracing());
+    const LogScope trace(L"kel::System::SetConfiguration");
     WriteLog(LogTrace, L"config= ", text);
     if (text.empty())
         return;
@@ -83,7 +83,7 @@ void System::SetConfiguration(const std::wstring& text)
 
 void System::Detect()
 {
-    const LogScope trace(L"kel::System::Detect", LogScope::Tracing());
+    const LogScope trace(L"kel::System::Detect");
     StoreIdentifiers();
     if (isDetecting)
         return;

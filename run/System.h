@@ -4,10 +4,10 @@
 #include <string>
 
 #include "detectors/Components.h"
-#include "run/Session.h"
-#include "run/SystemValues.h"
 #include "run/UploadInterval.h"
 #include "run/WantedGroups.h"
+#include "run/store/Session.h"
+#include "run/store/SystemValues.h"
 
 namespace kel {
 

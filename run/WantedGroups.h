@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run/GroupID.h"
+#include "run/store/GroupID.h"
 
 namespace kel {
 

@@ -1,6 +1,6 @@
 #include "service/GroupListRequest.h"
 
-#include "run/Session.h"
+#include "run/store/Session.h"
 
 namespace kel {
 

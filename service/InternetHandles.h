@@ -8,9 +8,11 @@
 #include <mutex>
 #include <vector>
 
-#include "diag/Owners.h"
+#include "platform/Handles.h"
 
 namespace kel {
+
+using OwnedInternet = std::unique_ptr<void, Closer<&InternetCloseHandle>>;
 
 /// The WinINet handles of one exchange. Another thread may close them, which ends a call that is blocked in
 /// one of them.

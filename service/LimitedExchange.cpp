@@ -8,7 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "diag/Owners.h"
+#include "platform/Handles.h"
+#include "platform/Library.h"
 
 namespace kel {
 
@@ -56,7 +57,7 @@ DWORD WINAPI Work(LPVOID context)
     FreeLibraryAndExitThread(module, 0);
 }
 
-OwnedLibrary ThisModule()
+OwnedLibrary HeldModule()
 {
     HMODULE module = nullptr;
     GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
@@ -64,11 +65,11 @@ OwnedLibrary ThisModule()
     return OwnedLibrary(module);
 }
 
-OwnedThread Start(const std::shared_ptr<SharedExchange>& shared)
+OwnedHandle Start(const std::shared_ptr<SharedExchange>& shared)
 {
-    shared->module = ThisModule();
+    shared->module = HeldModule();
     auto context = std::make_unique<std::shared_ptr<SharedExchange>>(shared);
-    OwnedThread thread(shared->module ? CreateThread(nullptr, 0, &Work, context.get(), 0, nullptr) : nullptr);
+    OwnedHandle thread(shared->module ? CreateThread(nullptr, 0, &Work, context.get(), 0, nullptr) : nullptr);
     if (!thread)
         throw std::runtime_error("Can't start an Internet exchange.");
     static_cast<void>(context.release());  // the thread's own from here on
@@ -82,7 +83,7 @@ bool RunWithin(std::chrono::milliseconds limit, std::function<void(InternetHandl
     if (SharedExchange::AreTooMany())
         throw std::runtime_error("Too many Internet exchanges have not ended yet.");
     const auto shared = std::make_shared<SharedExchange>(std::move(exchange));
-    const OwnedThread thread = Start(shared);
+    const OwnedHandle thread = Start(shared);
     if (WaitForSingleObject(thread.get(), static_cast<DWORD>(limit.count())) != WAIT_OBJECT_0) {
         shared->handles.CloseAll();
         WaitForSingleObject(thread.get(), GraceMilliseconds);

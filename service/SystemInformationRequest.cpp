@@ -1,7 +1,7 @@
 #include "service/SystemInformationRequest.h"
 
-#include "run/Session.h"
-#include "run/XMLReport.h"
+#include "run/store/Session.h"
+#include "run/store/XMLReport.h"
 #include "values/Text.h"
 
 namespace kel {

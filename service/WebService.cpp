@@ -88,7 +88,7 @@ WebService::~WebService() = default;
 void WebService::Call() noexcept
 {
     try {
-        const LogScope trace(L"kel::WebService::Call", LogScope::Tracing());
+        const LogScope trace(L"kel::WebService::Call");
         try {
             Exchange();
         } catch (const std::exception& error) {

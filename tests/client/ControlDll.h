@@ -7,7 +7,7 @@
 #include <string>
 
 #include "Detection.h"
-#include "diag/Owners.h"
+#include "platform/Library.h"
 
 namespace kel::test {
 

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "diag/Owners.h"
+#include "platform/Library.h"
 
 namespace kel::test {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "detectors/CPU.h"
 #include "detectors/Components.h"
+#include "detectors/Detectors.h"
 #include "probes/CPUID.h"
 #include "support/FakeWmi.h"
 #include "support/LogCapture.h"

@@ -1,12 +1,10 @@
 #include <gmock/gmock.h>
 
-#include "detectors/BandwidthTest.h"
-#include "detectors/Bios.h"
-#include "detectors/Chassis.h"
 #include "detectors/CpuRules.h"
-#include "detectors/MotherBoard.h"
-#include "detectors/NetworkDevice.h"
-#include "detectors/Ram.h"
+#include "detectors/Detectors.h"
+#include "probes/Battery.h"
+#include "probes/Memory.h"
+#include "service/BandwidthTest.h"
 #include "support/FakeWmi.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
@@ -41,25 +39,6 @@ TEST(CpuRules, TidyTheNameAndRateTheSpeed)
     info.name = L"\t AMD   Athlon(tm)    3000+ ";
     FinishCpuInfo(info);
     EXPECT_EQ(info.name, L"AMD Athlon(tm) 3000+");
-}
-
-TEST(CpuRules, MergeKeepsTheFirstValueButTheLastRating)
-{
-    CpuInfo first, second, merged;
-    first.vendor = L"first";
-    first.ratedSpeed = L"last";
-    second.vendor = second.name = second.family = second.caption = L"second";
-    second.speed.Initialize(L"2 GHz");
-    second.isIntel = second.cacheDescriptor40 = true;
-    MergeCpuInfo(merged, first);
-    MergeCpuInfo(merged, second);
-    EXPECT_EQ(merged.ratedSpeed, L"");
-    first.speed.Initialize(L"1 GHz");
-    MergeCpuInfo(merged, first);
-    EXPECT_EQ(merged.vendor + merged.name + merged.family + merged.caption, L"firstsecondsecondsecond");
-    EXPECT_EQ(merged.speed.Hertz(), 2000000000U);
-    EXPECT_TRUE(merged.isIntel && merged.cacheDescriptor40 && !merged.isAmd);
-    EXPECT_EQ(merged.ratedSpeed, L"last");
 }
 
 TEST(Firmware, TakesVersionAndDateFromTheRegistryAndTheRestFromWmi)

@@ -1,4 +1,4 @@
-#include "detectors/OS.h"
+#include "detectors/Detectors.h"
 
 #include <gmock/gmock.h>
 

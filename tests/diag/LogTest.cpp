@@ -82,7 +82,7 @@ TEST(LogScope, IndentsByAtMostTenAndReturnsToZero)
     {
         std::vector<std::unique_ptr<LogScope>> scopes(11);
         for (auto& scope : scopes)
-            scope = std::make_unique<LogScope>(L"scope", LogScope::Tracing());
+            scope = std::make_unique<LogScope>(L"scope");
         EXPECT_THAT(Log::Instance().Prefix(LogError), EndsWith(L" | . . . . . . . . . . "));
     }
     EXPECT_THAT(Log::Instance().Prefix(LogError), EndsWith(L"ERR   | "));
@@ -93,9 +93,9 @@ TEST(LogScope, WritesItsExitLineThoughTracingWasTurnedOff)
 {
     const test::LogCapture log(LogMark);
     {
-        const LogScope traced(L"kept", LogScope::Tracing());
+        const LogScope traced(L"kept");
         Log::Instance().SetLevel(LogOff);
-        const LogScope silent(L"silent", LogScope::Tracing());
+        const LogScope silent(L"silent");
     }
     EXPECT_THAT(log.Lines(), ElementsAre(L"MARK Entering: kept", L"MARK Exiting: kept"));
 }

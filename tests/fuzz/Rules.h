@@ -8,7 +8,7 @@
 #include <set>
 
 #include "fuzz/Generator.h"
-#include "run/GroupID.h"
+#include "run/store/GroupID.h"
 
 namespace kel::test {
 

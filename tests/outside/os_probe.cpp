@@ -1,7 +1,7 @@
 // Prints what the operating-system detector stores, one "id=text" line a value.
 #include <cstdio>
 
-#include "detectors/OS.h"
+#include "detectors/Detectors.h"
 #include "support/TestSession.h"
 
 int main()

@@ -1,6 +1,6 @@
 #include "support/PlantedDevice.h"
 
-#include "diag/Owners.h"
+#include "platform/RegistryValue.h"
 
 namespace kel::test {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "diag/Owners.h"
+#include "platform/RegistryValue.h"
 
 namespace kel::test {
 

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "run/Session.h"
-#include "run/SystemValues.h"
 #include "run/WantedGroups.h"
+#include "run/store/Session.h"
+#include "run/store/SystemValues.h"
 
 namespace kel::test {
 

@@ -6,7 +6,7 @@
 
 #include "BuildSettings.h"
 #include "Measure.h"
-#include "diag/Owners.h"
+#include "service/InternetHandles.h"
 
 namespace kel::bench {
 namespace {

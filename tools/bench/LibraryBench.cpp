@@ -3,7 +3,7 @@
 
 #include "Measure.h"
 #include "diag/Log.h"
-#include "run/XMLReport.h"
+#include "run/store/XMLReport.h"
 #include "support/TestSession.h"
 
 namespace kel::bench {

@@ -1,0 +1,155 @@
+// The twenty detectors, in the order in which they run. Each reads its sources in `Detect`; a further
+// overload takes what a test puts in the place of the machine's own.
+#pragma once
+
+#include "detectors/Component.h"
+
+namespace kel {
+
+class CPUID;
+struct OSFunctions;
+
+/// The processor: merges what `cpuid`, the registry, WMI and the operating system say. Measuring the clock
+/// takes one second.
+class CPU : public Component {
+public:
+    bool Detect() override;
+    bool Detect(CPUID& chip);
+};
+
+/// The graphics adapters, merged from all graphics interfaces. It stores no values yet.
+class GPU : public Component {
+public:
+    bool Detect() override;
+};
+
+/// The BIOS: version and date from the registry, name and manufacturer from WMI.
+class Bios : public Component {
+public:
+    bool Detect() override;
+};
+
+/// CD-ROM drives. It stores no values yet.
+class CDRom : public Component {
+public:
+    bool Detect() override;
+};
+
+/// The chassis: whether the machine has a long-term battery, that is, is portable.
+class Chassis : public Component {
+public:
+    bool Detect() override;
+};
+
+/// The DirectX level. It stores no values yet.
+class DirectX : public Component {
+public:
+    bool Detect() override;
+};
+
+/// DVD drives. It stores no values yet.
+class DVD : public Component {
+public:
+    bool Detect() override;
+};
+
+/// The displays. It stores no values yet.
+class Graphics : public Component {
+public:
+    bool Detect() override;
+};
+
+/// Hard drives. It stores no values yet.
+class HardDrive : public Component {
+public:
+    HardDrive() { HardDrive::Initialize(); }
+
+    bool Detect() override;
+    void Initialize() override;
+};
+
+/// Logical drives. It stores no values yet.
+class LogicalDrive : public Component {
+public:
+    LogicalDrive() { LogicalDrive::Initialize(); }
+
+    bool Detect() override;
+    void Initialize() override;
+};
+
+/// The motherboard: version from the registry, the rest from WMI.
+class MotherBoard : public Component {
+public:
+    bool Detect() override;
+};
+
+/// The network: the download rate of the connection, measured only when the service wants it, since it costs
+/// the visitor a download. Adapters store no values yet.
+class NetworkDevice : public Component {
+public:
+    bool Detect() override;
+};
+
+/// The operating system: display name, release and edition flags, version numbers, locale, machine identifier
+/// and .NET Framework. It reads only, but for the machine identifier.
+class OS : public Component {
+public:
+    OS() { OS::Initialize(); }
+
+    bool Detect() override;
+    bool Detect(const OSFunctions& functions);
+    void Initialize() override;
+
+private:
+    static void GetSupportInformation();
+};
+
+/// Memory: installed and available physical memory and the process's address space.
+class Ram : public Component {
+public:
+    bool Detect() override;
+};
+
+/// Sound devices. It stores no values yet.
+class Sound : public Component {
+public:
+    bool Detect() override;
+};
+
+/// Driver software and runtimes. It stores no values yet.
+class Software : public Component {
+public:
+    bool Detect() override;
+};
+
+/// Browsers. It stores no values yet.
+class Browser : public Component {
+public:
+    Browser() { Browser::Initialize(); }
+
+    bool Detect() override;
+    void Initialize() override;
+};
+
+/// Monitors. It stores no values yet.
+class Monitor : public Component {
+public:
+    bool Detect() override;
+};
+
+/// Selected applications. It stores no values yet.
+class Applications : public Component {
+public:
+    Applications() { Applications::Initialize(); }
+
+    bool Detect() override;
+    void Initialize() override;
+};
+
+/// SCSI and RAID controllers. It stores no values yet.
+class SCSI : public Component {
+public:
+    bool Detect() override;
+};
+
+}  // namespace kel

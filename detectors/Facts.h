@@ -1,0 +1,144 @@
+// The facts of a detector as one table, which merges what its sources found and stores it.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "detectors/Component.h"
+#include "values/Exists.h"
+
+namespace kel {
+
+/// The id of a fact that is merged for other rules to use, and not stored.
+inline constexpr unsigned NotStored = 0;
+
+/// A row of a table: the id under which a member of the detector's record is stored, and what the log calls
+/// it.
+template <typename Record, typename Member>
+struct Fact {
+    unsigned id;
+    Member Record::*member;
+    const wchar_t* name = L"";
+};
+
+template <typename Record, typename Member>
+Fact(unsigned, Member Record::*) -> Fact<Record, Member>;
+template <typename Record, typename Member>
+Fact(unsigned, Member Record::*, const wchar_t*) -> Fact<Record, Member>;
+
+/// Whether a source knows a member: texts, values and options that are not empty, flags that are set.
+inline bool IsKnown(bool flag)
+{
+    return flag;
+}
+template <typename T>
+bool IsKnown(const T& member)
+{
+    if constexpr (requires { member.has_value(); })
+        return member.has_value();
+    else if constexpr (requires { member.HasValue(); })
+        return member.HasValue();
+    else
+        return !member.empty();
+}
+
+/// A record that is merged from several sources, and for each fact the source that told it.
+template <typename Record, std::size_t Count>
+struct Merged {
+    Record record;
+    std::array<const wchar_t*, Count> sources{};  // null where none knows
+};
+
+/// All facts of a detector, in the order in which they are stored.
+template <typename Record, typename... Members>
+class FactTable {
+public:
+    using Device = Merged<Record, sizeof...(Members)>;
+
+    explicit constexpr FactTable(Fact<Record, Members>... facts) : rows(facts...) {}
+
+    /// Takes what the target lacks from a source; of flags, what is set.
+    void Merge(Device& target, const Record& source, const wchar_t* sourceName) const
+    {
+        ForEach([&](const auto& fact, std::size_t row) {
+            if (IsKnown(target.record.*fact.member) || !IsKnown(source.*fact.member))
+                return;
+            target.record.*fact.member = source.*fact.member;
+            target.sources[row] = sourceName;
+        });
+    }
+
+    /// Merges what one more source lists into the devices: a record into the device that it is the same as,
+    /// and none else from this source; a device of its own otherwise.
+    /// @param isSame whether two records, both of them of some source, are of one device; what cannot tell
+    /// is not the same
+    template <typename Predicate>
+    void Join(std::vector<Device>& devices, const std::vector<Record>& listed, const wchar_t* sourceName,
+              Predicate isSame) const
+    {
+        std::vector<bool> isTaken(devices.size());
+        for (const Record& record : listed) {
+            std::size_t place = 0;
+            while (place < isTaken.size() && (isTaken[place] || !isSame(devices[place].record, record)))
+                ++place;
+            if (place < isTaken.size())
+                isTaken[place] = true;
+            else
+                devices.emplace_back();
+            Merge(place < isTaken.size() ? devices[place] : devices.back(), record, sourceName);
+        }
+    }
+
+    /// Stores a record under an index. What is not known is an empty text, and a flag that is not set "No".
+    void Store(const Record& record, int index = 0) const
+    {
+        ForEach([&](const auto& fact, std::size_t) {
+            if (fact.id != NotStored)
+                StoreMember(fact.id, index, record.*fact.member);
+        });
+    }
+
+    /// The same for a merged record; the log tells which source each fact with a name is from.
+    void Store(const Device& device, const wchar_t* detector, int index = 0) const
+    {
+        ForEach([&](const auto& fact, std::size_t row) {
+            if (*fact.name != L'\0' && device.sources[row] != nullptr)
+                WriteLog(LogTrace, detector, L'[', index, L"] ", fact.name, L" from ", device.sources[row]);
+        });
+        Store(device.record, index);
+    }
+
+private:
+    template <typename Visit>
+    void ForEach(Visit visit) const
+    {
+        std::apply(
+            [&visit, row = std::size_t{0}](const auto&... facts) mutable { (visit(facts, row++), ...); },
+            rows);
+    }
+
+    static void StoreMember(unsigned id, int index, bool flag)
+    {
+        Component::AddValue(id, Exists(flag), index);
+    }
+    template <typename T>
+    static void StoreMember(unsigned id, int index, const std::optional<T>& member)
+    {
+        if (member)
+            StoreMember(id, index, *member);
+        else
+            Component::AddValue(id, std::wstring(), index);
+    }
+    template <typename T>
+    static void StoreMember(unsigned id, int index, const T& member)
+    {
+        Component::AddValue(id, member, index);
+    }
+
+    std::tuple<Fact<Record, Members>...> rows;
+};
+
+}  // namespace kel

@@ -1,0 +1,30 @@
+// Libraries and their functions, found by name.
+#pragma once
+
+#include <windows.h>
+
+#include "platform/Handles.h"
+
+namespace kel {
+
+using OwnedLibrary = std::unique_ptr<std::remove_pointer_t<HMODULE>, Closer<&FreeLibrary>>;
+
+/// Loads a library from the system's folder and from nowhere else; empty, with the reason in GetLastError,
+/// when it is not there.
+OwnedLibrary LoadSystemLibrary(const wchar_t* name) noexcept;
+
+/// Looks a function up by its name; null, with a warning in the log, when the library does not have it.
+FARPROC FindProcedure(HMODULE library, const char* name) noexcept;
+
+/// The same for a function of a known type.
+template <typename Function>
+Function* FindFunction(HMODULE library, const char* name) noexcept
+{
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(FindProcedure(library, name)));
+}
+
+/// The module that holds this code: the control's DLL.
+/// @throws std::runtime_error when the system does not tell; a null handle would stand for the host's program
+HMODULE ThisModule();
+
+}  // namespace kel

@@ -1,0 +1,53 @@
+#include "run/store/XMLReport.h"
+
+#include <algorithm>
+#include <array>
+
+#include "diag/Log.h"
+#include "diag/LogScope.h"
+#include "run/store/FixedGroups.h"
+#include "run/store/Session.h"
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr std::array<unsigned, 3> AlwaysWritten = {MachineIdentifierGroup, Server2008Group,
+                                                   Server2008R2Group};
+
+bool IsWritten(const GroupID& group)
+{
+    return Session::Current().IsWanted(group) || std::ranges::count(AlwaysWritten, group.Number()) != 0;
+}
+
+void AppendGroup(std::wstring& report, const SystemValue& value)
+{
+    const SystemValueID& id = value.ID();
+    report.append(L"<group index=\"").append(std::to_wstring(id.Index()));
+    report.append(L"\" id=\"").append(id.Group().Text()).append(L"\">");
+    try {
+        report.append(L"<value>" + EscapeMarkup(value.Text()) + L"</value>");
+    } catch (...) {
+        // A value without a text form leaves its group empty; the others still go out.
+    }
+    report.append(L"</group>");
+}
+
+}  // namespace
+
+void XMLReport::GetReport(int /*option*/, std::wstring& report) const
+{
+    const LogScope trace(L"kel::XMLReport::GetReport");
+    std::wstring text = L"<groups>";
+    for (const SystemValue& value : values) {
+        if (IsWritten(value.ID().Group()))
+            AppendGroup(text, value);
+    }
+    // The log's text was once part of the report. It is still fetched here, and not written.
+    [[maybe_unused]] const std::wstring log = Log::Instance().GetText();
+    text.append(L"</groups>  ");
+    report = std::move(text);
+}
+
+}  // namespace kel
