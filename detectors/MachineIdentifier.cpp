@@ -26,6 +26,14 @@ std::wstring StoredIdentifier(const OwnedKey& key)
     return text;
 }
 
+/// Whether something stands there that is too long to be read. It is somebody's, and stays.
+bool IsTooLong(const OwnedKey& key)
+{
+    DWORD size = 0;
+    return RegQueryValueExW(key.get(), IdentifierValue, nullptr, nullptr, nullptr, &size) == ERROR_SUCCESS &&
+           size > LongestIdentifier;
+}
+
 /// A new GUID in braces; empty when the system makes none.
 std::wstring FreshIdentifier()
 {
@@ -44,7 +52,7 @@ std::wstring Kept(const std::wstring& identifier)
     std::wstring stored = StoredIdentifier(key);
     if (!stored.empty())
         return stored;
-    if (key)
+    if (key && !IsTooLong(key))
         RegSetValueExW(key.get(), IdentifierValue, 0, REG_SZ,
                        reinterpret_cast<const BYTE*>(identifier.c_str()),
                        static_cast<DWORD>((identifier.size() + 1) * sizeof(wchar_t)));

@@ -11,6 +11,7 @@
 
 #include "diag/Log.h"
 #include "diag/ProcessInstance.h"
+#include "probes/Attempt.h"
 #include "values/Hexadecimal.h"
 #include "values/Text.h"
 
@@ -70,6 +71,12 @@ CPUID::CPUID(const Leaves& newLeaves)
 
 bool CPUID::GetCpuInfo(CpuInfo& info)
 {
+    Attempt(L"Error in cpuid detection.", [this, &info] { ReadCpuInfo(info); });
+    return true;
+}
+
+void CPUID::ReadCpuInfo(CpuInfo& info)
+{
     const std::wstring vendor = GetVendorString();
     info.vendor = GetVendor(vendor);
     info.isIntel = IsIntel(vendor);
@@ -77,7 +84,7 @@ bool CPUID::GetCpuInfo(CpuInfo& info)
     info.cacheDescriptor40 = HasCacheDescriptor40();
     CpuRegisters registers;
     if (!Execute(SignatureLeaf, registers))
-        return true;
+        return;
     const CpuSignature signature = GetSignature(registers);
     info.stepping = Hexadecimal(signature.stepping, 1);
     info.family = Hexadecimal(signature.family, 2);
@@ -88,7 +95,6 @@ bool CPUID::GetCpuInfo(CpuInfo& info)
     WriteLog(LogTrace, L"CPU ID: ", info.cpuId);
     info.cpuIdShort = info.cpuId.substr(info.cpuId.size() - ShortIdLength);
     WriteLog(LogTrace, L"CPU ID Short: ", info.cpuIdShort);
-    return true;
 }
 
 bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
@@ -99,8 +105,8 @@ bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
     if (isExtended ? (leaf & 0xFF) > maxExtendedLeaf : leaf > maxStandardLeaf)
         return false;
     registers = leaves(leaf);
-    if (Log::Instance().IsEnabled(LogTrace))
-        WriteLog(LogTrace, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
+    if (Log::Instance().IsEnabled(LogDump))
+        WriteLog(LogDump, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
                  Hexadecimal(registers[Ebx], 8), L' ', Hexadecimal(registers[Ecx], 8), L' ',
                  Hexadecimal(registers[Edx], 8));
     return true;

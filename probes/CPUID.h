@@ -58,6 +58,8 @@ public:
     bool HasCacheDescriptor40();
 
 private:
+    void ReadCpuInfo(CpuInfo& info);
+
     Leaves leaves;
     std::uint32_t maxStandardLeaf;
     std::uint32_t maxExtendedLeaf;

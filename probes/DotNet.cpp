@@ -4,6 +4,7 @@
 
 #include "diag/Log.h"
 #include "platform/RegistryValue.h"
+#include "probes/Attempt.h"
 
 namespace kel {
 
@@ -20,14 +21,11 @@ bool ReadVersion(HKEY parent, const wchar_t* name, std::wstring& version)
     return key && ReadStringValue(key.get(), L"Version", TextSize * sizeof(wchar_t), version);
 }
 
-}  // namespace
-
-std::optional<std::wstring> ReadFrameworkVersion()
+void Walk(std::optional<std::wstring>& current)
 {
-    std::optional<std::wstring> current;
     const OwnedKey frameworks = OpenKey(HKEY_LOCAL_MACHINE, FrameworkKey, KEY_READ);
     if (!frameworks)
-        return current;
+        return;
     // A name that is too long is passed over; the bound keeps a key that cannot be enumerated from being
     // asked for ever.
     for (DWORD index = 0; index < MostFrameworks; ++index) {
@@ -43,6 +41,14 @@ std::optional<std::wstring> ReadFrameworkVersion()
         current = version;
         WriteLog(LogTrace, L"Using version: ", version);
     }
+}
+
+}  // namespace
+
+std::optional<std::wstring> ReadFrameworkVersion()
+{
+    std::optional<std::wstring> current;
+    Attempt(L"Error in .NET Framework detection.", [&current] { Walk(current); });
     return current;
 }
 

@@ -55,13 +55,19 @@ InfFile::InfFile(const SetupEntryPoints& newEntryPoints, const std::wstring& fil
         file = {opened, {entryPoints.closeInfFile}};
 }
 
-std::wstring InfFile::FindModel(std::wstring_view lowerCaseText) const
+std::wstring InfFile::FindModel(std::wstring_view lowerCaseText,
+                                const std::vector<std::wstring>& hardwareIds) const
 {
+    std::set<std::wstring> wanted;
+    for (const std::wstring& id : hardwareIds) {
+        if (ToLower(id).find(lowerCaseText) != std::wstring::npos)
+            wanted.insert(ToLower(id));
+    }
     std::wstring found;
     // Of a model's line, the first field names its installation; the ids follow.
     const auto findId = [&](const std::vector<std::wstring>& model) {
         const auto id = std::find_if(model.begin() + 1, model.end(), [&](const std::wstring& field) {
-            return ToLower(field).find(lowerCaseText) != std::wstring::npos;
+            return wanted.contains(ToLower(field));
         });
         if (id != model.end())
             found = *id;

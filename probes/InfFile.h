@@ -22,10 +22,12 @@ public:
     /// @param newEntryPoints must outlive this object
     InfFile(const SetupEntryPoints& newEntryPoints, const std::wstring& fileName);
 
-    /// Searches the models of all manufacturers for a hardware id that contains a text.
+    /// Searches the models of all manufacturers for a hardware id of a device that contains a text.
     /// @param lowerCaseText such as "ven_8086&dev_1916"
+    /// @param hardwareIds all that the device has, in any case
     /// @return the first such id, as it stands in the file; empty when there is none
-    std::wstring FindModel(std::wstring_view lowerCaseText) const;
+    std::wstring FindModel(std::wstring_view lowerCaseText,
+                           const std::vector<std::wstring>& hardwareIds) const;
 
 private:
     /// Calls a function with the fields of each line of a section, until it answers true.

@@ -3,6 +3,7 @@
 #include "diag/Log.h"
 #include "diag/ProcessInstance.h"
 #include "platform/RegistryValue.h"
+#include "probes/Attempt.h"
 #include "values/Hexadecimal.h"
 
 namespace kel {
@@ -35,6 +36,12 @@ Registry& Registry::Instance()
 
 bool Registry::GetCpuInfo(CpuInfo& info)
 {
+    Attempt(L"Error in Registry CPU detection.", [&info] { ReadCpuInfo(info); });
+    return true;
+}
+
+void Registry::ReadCpuInfo(CpuInfo& info)
+{
     ReadText(HKEY_LOCAL_MACHINE, ProcessorKey, L"ProcessorNameString", info.name);
     WriteLog(LogTrace, L"Name = L", info.name);
     std::wstring megahertz;
@@ -44,22 +51,24 @@ bool Registry::GetCpuInfo(CpuInfo& info)
     info.updateSignature = UpdateSignature();
     if (!ReadText(HKEY_LOCAL_MACHINE, ChipsetKey, L"version", info.chipsetSoftwareVersion, KEY_WOW64_64KEY))
         ReadText(HKEY_LOCAL_MACHINE, ChipsetKey, L"infver", info.chipsetSoftwareVersion, KEY_WOW64_64KEY);
-    return true;
 }
 
 void Registry::GetBiosInfo(BiosInfo& info)
 {
-    std::wstring vendor;
-    std::wstring version;
-    if (ReadText(HKEY_LOCAL_MACHINE, BiosKey, L"BIOSVendor", vendor) &&
-        ReadText(HKEY_LOCAL_MACHINE, BiosKey, L"BIOSVersion", version))
-        info.version = vendor + L" " + version;
-    ReadText(HKEY_LOCAL_MACHINE, SystemKey, L"SystemBiosDate", info.date);
+    Attempt(L"Error in Registry BIOS detection.", [&info] {
+        std::wstring vendor;
+        std::wstring version;
+        if (ReadText(HKEY_LOCAL_MACHINE, BiosKey, L"BIOSVendor", vendor) &&
+            ReadText(HKEY_LOCAL_MACHINE, BiosKey, L"BIOSVersion", version))
+            info.version = vendor + L" " + version;
+        ReadText(HKEY_LOCAL_MACHINE, SystemKey, L"SystemBiosDate", info.date);
+    });
 }
 
 void Registry::GetBoardInfo(BoardInfo& info)
 {
-    ReadText(HKEY_LOCAL_MACHINE, BoardKey, L"BaseBoardVersion", info.version);
+    Attempt(L"Error in Registry board detection.",
+            [&info] { ReadText(HKEY_LOCAL_MACHINE, BoardKey, L"BaseBoardVersion", info.version); });
 }
 
 bool Registry::ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text, REGSAM access)

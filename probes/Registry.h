@@ -32,6 +32,9 @@ public:
     /// @return false, with the text untouched and a warning in the log, when the key or the value is missing
     static bool ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text,
                          REGSAM access = 0);
+
+private:
+    static void ReadCpuInfo(CpuInfo& info);
 };
 
 }  // namespace kel

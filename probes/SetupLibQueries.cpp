@@ -38,7 +38,7 @@ std::wstring FirstText(std::initializer_list<Place> places)
 {
     std::wstring text;
     for (const Place& place : places) {
-        if (SetupLib::ReadRegistryValue(place.key, place.subkey, place.name, text) && !text.empty())
+        if (ReadRegistryValue(place.key, place.subkey, place.name, text) && !text.empty())
             break;
     }
     return text;
@@ -53,100 +53,79 @@ MediaKind KindOf(const std::wstring& mediaSubType)
 
 }  // namespace
 
-bool SetupLib::GetHardDriveInfo(std::vector<SetupHardDriveInfo>& drives)
+bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
 {
-    return Enumerate(L"GetHardDriveInfo", DiskDrives, nullptr, [&](HDEVINFO set, SP_DEVINFO_DATA& device) {
+    return Enumerate(L"GetHardDriveInfo", DiskDrives, nullptr, [&](const SetupDevice& device) {
         std::wstring className;
-        if (!GetDeviceProperty(set, device, SPDRP_CLASS, className) || className != L"DiskDrive")
+        if (!device.GetDeviceProperty(SPDRP_CLASS, className) || className != L"DiskDrive")
             return;
-        SetupHardDriveInfo drive;
-        drive.friendlyName = TextProperty(set, device, SPDRP_FRIENDLYNAME);
+        DiskInfo drive;
+        drive.friendlyName = device.Text(SPDRP_FRIENDLYNAME);
         std::wstring id;
-        if (GetDeviceProperty(set, device, SPDRP_HARDWAREID, id) && id.size() >= BusPrefixLength)
+        if (device.GetDeviceProperty(SPDRP_HARDWAREID, id) && id.size() >= BusPrefixLength)
             drive.model = Name(id.substr(BusPrefixLength));
         drives.push_back(drive);
     });
 }
 
-bool SetupLib::GetScsiInfo(std::vector<SetupScsiInfo>& controllers)
+bool SetupLib::GetScsiInfo(std::vector<ScsiInfo>& controllers)
 {
-    return Enumerate(L"GetScsiInfo", ScsiControllers, nullptr, [&](HDEVINFO set, SP_DEVINFO_DATA& device) {
-        SetupScsiInfo controller;
-        controller.hardwareId = TextProperty(set, device, SPDRP_HARDWAREID);
-        controller.driverVersion = DriverVersion(set, device);
+    return Enumerate(L"GetScsiInfo", ScsiControllers, nullptr, [&](const SetupDevice& device) {
+        ScsiInfo controller;
+        controller.hardwareId = device.Text(SPDRP_HARDWAREID);
+        controller.driverVersion = device.DriverVersion();
         controllers.push_back(controller);
     });
 }
 
-bool SetupLib::GetCDRomInfo(std::vector<SetupCDRomInfo>& drives)
+bool SetupLib::GetCDRomInfo(std::vector<OpticalInfo>& drives)
 {
     return Enumerate(L"GetCDRomInfo", CDRomDrives, L"Failed call to GetDeviceSet for GetCDRomInfo",
-                     [&](HDEVINFO set, SP_DEVINFO_DATA& device) {
-                         SetupCDRomInfo drive;
-                         drive.name = DeviceName(set, device);
-                         drive.hardwareId = TextProperty(set, device, SPDRP_HARDWAREID);
+                     [&](const SetupDevice& device) {
+                         OpticalInfo drive;
+                         drive.name = device.DeviceName();
+                         drive.deviceId = device.Text(SPDRP_HARDWAREID);
                          drives.push_back(drive);
                      });
 }
 
-bool SetupLib::GetSoundInfo(std::vector<SetupSoundInfo>& devices)
+bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
 {
     return Enumerate(L"GetSoundInfo", SoundDevices, L"Failed call to GetDeviceSet for GetSoundInfo",
-                     [&](HDEVINFO set, SP_DEVINFO_DATA& device) {
-                         SetupSoundInfo sound;
-                         sound.name = DeviceName(set, device);
-                         sound.hardwareId = TextProperty(set, device, SPDRP_HARDWAREID);
-                         sound.driverVersion = DriverVersion(set, device);
+                     [&](const SetupDevice& device) {
+                         SoundInfo sound;
+                         sound.name = device.DeviceName();
+                         sound.deviceId = device.Text(SPDRP_HARDWAREID);
+                         sound.driverVersion = device.DriverVersion();
                          devices.push_back(sound);
                      });
 }
 
-bool SetupLib::GetNetworkDeviceInfo(std::vector<SetupNetworkInfo>& adapters)
+bool SetupLib::GetNetworkDeviceInfo(std::vector<NetworkInfo>& adapters)
 {
     // The line names the sound listing; support tools look for it as it is.
-    return Enumerate(
-        L"GetNetworkDeviceInfo", NetworkAdapters, L"Failed call to GetDeviceSet for GetSoundInfo",
-        [&](HDEVINFO set, SP_DEVINFO_DATA& device) { adapters.push_back(NetworkDevice(set, device)); });
+    return Enumerate(L"GetNetworkDeviceInfo", NetworkAdapters,
+                     L"Failed call to GetDeviceSet for GetSoundInfo",
+                     [&](const SetupDevice& device) { adapters.push_back(NetworkDevice(device)); });
 }
 
-bool SetupLib::GetGpuInfo(std::vector<SetupGpuInfo>& adapters)
+bool SetupLib::GetGpuInfo(std::vector<GpuInfo>& adapters)
 {
     return Enumerate(L"GetGpuInfo", DisplayAdapters, L"Failed call to GetDeviceSet for GetGpuInfo",
-                     [&](HDEVINFO set, SP_DEVINFO_DATA& device) { adapters.push_back(Gpu(set, device)); });
+                     [&](const SetupDevice& device) { adapters.push_back(Gpu(device)); });
 }
 
-Name SetupLib::TextProperty(HDEVINFO set, SP_DEVINFO_DATA& device, DWORD property)
+NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
 {
-    std::wstring text;
-    GetDeviceProperty(set, device, property, text);
-    return Name(text);
-}
-
-Name SetupLib::DeviceName(HDEVINFO set, SP_DEVINFO_DATA& device)
-{
-    const Name friendly = TextProperty(set, device, SPDRP_FRIENDLYNAME);
-    return friendly.HasValue() ? friendly : TextProperty(set, device, SPDRP_DEVICEDESC);
-}
-
-Name SetupLib::DriverVersion(HDEVINFO set, SP_DEVINFO_DATA& device)
-{
-    DeviceKeys keys;
-    return OpenDeviceKeys(set, device, keys)
-               ? Name(FirstText({{keys.software.get(), nullptr, DriverVersionValue}}))
-               : Name();
-}
-
-SetupNetworkInfo SetupLib::NetworkDevice(HDEVINFO set, SP_DEVINFO_DATA& device)
-{
-    SetupNetworkInfo adapter;
-    adapter.name = DeviceName(set, device);
-    adapter.hardwareId = TextProperty(set, device, SPDRP_HARDWAREID);
+    NetworkInfo adapter;
+    adapter.name = device.DeviceName();
+    adapter.hardwareId = device.Text(SPDRP_HARDWAREID);
     std::wstring location;
-    GetDeviceProperty(set, device, SPDRP_LOCATION_INFORMATION, location);
+    device.GetDeviceProperty(SPDRP_LOCATION_INFORMATION, location);
     adapter.isOnBus = ToLower(location).find(L"pci bus 0") != std::wstring::npos;
 
     std::wstring driverKey;
-    if (!GetDeviceProperty(set, device, SPDRP_DRIVER, driverKey))
+    if (!device.GetDeviceProperty(SPDRP_DRIVER, driverKey))
         return adapter;
     const OwnedKey driver = OpenKey(HKEY_LOCAL_MACHINE, (DriverKeys + driverKey).c_str(), KEY_READ);
     adapter.driverVersion = Name(FirstText({{driver.get(), nullptr, DriverVersionValue}}));
@@ -166,12 +145,12 @@ SetupNetworkInfo SetupLib::NetworkDevice(HDEVINFO set, SP_DEVINFO_DATA& device)
     return adapter;
 }
 
-SetupGpuInfo SetupLib::Gpu(HDEVINFO set, SP_DEVINFO_DATA& device)
+GpuInfo SetupLib::Gpu(const SetupDevice& device) const
 {
-    SetupGpuInfo adapter;
-    adapter.description = TextProperty(set, device, SPDRP_DEVICEDESC);
+    GpuInfo adapter;
+    adapter.description = device.Text(SPDRP_DEVICEDESC);
     DeviceKeys keys;
-    if (!OpenDeviceKeys(set, device, keys))
+    if (!device.OpenDeviceKeys(keys))
         return adapter;
     const HKEY hardware = keys.hardware.get();
     const HKEY software = keys.software.get();
@@ -194,21 +173,22 @@ SetupGpuInfo SetupLib::Gpu(HDEVINFO set, SP_DEVINFO_DATA& device)
     WriteLog(LogTrace, L"Got device ID: ", id);
     if (adapter.deviceId.Vendor() == IntelVendor) {
         WriteLog(LogTrace, L"Is Intel.");
-        adapter.deviceId = RefinedID(adapter.deviceId, software);
+        adapter.deviceId = RefinedID(adapter.deviceId, device, software);
     }
     return adapter;
 }
 
-/// Looks the device up in the INF file of its driver, which may tell it better than the registry does.
-DeviceID SetupLib::RefinedID(const DeviceID& id, HKEY software) const
+/// Looks the device up in the INF file of its driver, which may tell it better than the registry does. Only
+/// an id that is the device's own counts: the file lists its relatives as well.
+DeviceID SetupLib::RefinedID(const DeviceID& id, const SetupDevice& device, HKEY software) const
 {
     const std::wstring path = FirstText({{software, nullptr, L"InfPath"}});
     WriteLog(LogTrace, L"Inf Path: ", path);
     if (id.Device().empty())
         return id;  // any id of the maker's would match
     const InfFile inf(entryPoints, path);
-    const std::wstring found =
-        inf.FindModel(L"ven_" + ToLower(id.Vendor()) + L"&dev_" + ToLower(id.Device()));
+    const std::wstring found = inf.FindModel(L"ven_" + ToLower(id.Vendor()) + L"&dev_" + ToLower(id.Device()),
+                                             device.Texts(SPDRP_HARDWAREID));
     if (found.empty())
         return id;
     WriteLog(LogTrace, L"Got 2ID: ", found);

@@ -12,16 +12,19 @@
 #include <string>
 
 #include "diag/Timer.h"
+#include "probes/Attempt.h"
 
 namespace kel {
 
 bool GetSystemCpuInfo(CpuInfo& info)
 {
-    SYSTEM_INFO system = {};
-    GetSystemInfo(&system);
-    info.processorCount = std::to_wstring(system.dwNumberOfProcessors);
-    info.multiProcessor = system.dwNumberOfProcessors > 1;
-    info.speed.Initialize((std::to_wstring(static_cast<unsigned>(MeasureMegahertz())) + L" MHz").c_str());
+    Attempt(L"Error in system CPU detection.", [&info] {
+        SYSTEM_INFO system = {};
+        GetSystemInfo(&system);
+        info.processorCount = std::to_wstring(system.dwNumberOfProcessors);
+        info.multiProcessor = system.dwNumberOfProcessors > 1;
+        info.speed.Initialize((std::to_wstring(static_cast<unsigned>(MeasureMegahertz())) + L" MHz").c_str());
+    });
     return true;
 }
 

@@ -10,7 +10,9 @@
 #include "probes/BiosInfo.h"
 #include "probes/BoardInfo.h"
 #include "probes/CpuInfo.h"
-#include "probes/DeviceInfos.h"
+#include "probes/DiskInfo.h"
+#include "probes/OpticalInfo.h"
+#include "probes/SoundInfo.h"
 #include "probes/Source.h"
 
 namespace kel {
@@ -28,17 +30,17 @@ public:
     /// Win32_Processor, the first one: name, vendor, speed and caption. False only without a connection.
     bool GetCpuInfo(CpuInfo& info);
     /// Win32_DiskDrive, up to 200. False only without a connection.
-    bool GetHardDriveValues(std::vector<WmiHardDriveInfo>& drives);
+    bool GetHardDriveValues(std::vector<DiskInfo>& drives);
     /// Win32_BIOS, the first one: name, manufacturer and version. True when one was read.
     bool GetBiosValues(BiosInfo& info);
     /// Win32_SoundDevice, the first one. True when one was read.
-    bool GetSoundValues(WmiSoundInfo& info);
+    bool GetSoundValues(SoundInfo& info);
     /// Win32_BaseBoard, up to 200, each overwriting the fields it has. True when one was read.
     bool GetMotherboardValues(BoardInfo& info);
     /// Win32_CDROMDrive, the first one, appended. True when one was read.
-    bool GetCDRomValues(std::vector<WmiCDRomInfo>& drives);
+    bool GetCDRomValues(std::vector<OpticalInfo>& drives);
 
-    /// Runs a query.
+    /// Runs a query. A refusal leaves a warning with its result in the log.
     /// @return whether the service took it
     bool Query(const wchar_t* wql, IEnumWbemClassObject** result);
 
@@ -49,7 +51,11 @@ public:
 
 private:
     void Init();
-    bool Connect();
+    /// @return the first result that is a failure, or S_OK
+    HRESULT Connect();
+
+    template <typename TakeObject>
+    bool ForEach(const wchar_t* wql, ULONG count, const wchar_t* errorLine, TakeObject take);
 
     /// Reads up to so many objects of a query in one call.
     std::vector<Microsoft::WRL::ComPtr<IWbemClassObject>> Read(const wchar_t* wql, ULONG count);

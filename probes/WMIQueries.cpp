@@ -1,5 +1,7 @@
-// The six queries of the WMI probe: which property fills which field.
+// The six queries of the WMI probe: which property fills which member of which record.
 #include <comutil.h>
+
+#include <variant>
 
 #include "diag/Log.h"
 #include "diag/LogScope.h"
@@ -13,133 +15,140 @@ namespace {
 constexpr ULONG FirstOnly = 1;
 constexpr ULONG AtMost = 200;
 
-bool ReadProperty(IWbemClassObject* object, const wchar_t* name, std::wstring& text)
+/// A property that is read for the log only.
+using Ignored = std::monostate;
+
+/// A property, and the member that takes it: a text, a signed number, or a clock speed in MHz.
+template <typename Record>
+struct Row {
+    const wchar_t* property;
+    std::variant<std::wstring Record::*, Name Record::*, std::optional<std::int32_t> Record::*,
+                 Speed Record::*, Ignored>
+        member;
+    const wchar_t* logged = nullptr;  ///< what the log puts before the text that was read
+};
+
+constexpr Row<CpuInfo> ProcessorRows[] = {{L"Name", &CpuInfo::name, L"WMI CPU: "},
+                                          {L"Manufacturer", &CpuInfo::vendor},
+                                          {L"MaxClockSpeed", &CpuInfo::speed},
+                                          {L"Caption", &CpuInfo::caption}};
+constexpr Row<DiskInfo> DiskRows[] = {
+    {L"Model", &DiskInfo::model}, {L"Name", &DiskInfo::deviceName}, {L"Index", &DiskInfo::number}};
+// "Version" is what support compares with the one that is stored; "name" has always been asked for like this.
+constexpr Row<BiosInfo> BiosRows[] = {{L"Version", Ignored()},
+                                      {L"name", &BiosInfo::name},
+                                      {L"Manufacturer", &BiosInfo::manufacturer},
+                                      {L"SMBIOSBIOSVersion", &BiosInfo::version}};
+constexpr Row<SoundInfo> SoundRows[] = {{L"Name", &SoundInfo::name}, {L"DeviceID", &SoundInfo::deviceId}};
+constexpr Row<BoardInfo> BoardRows[] = {{L"Manufacturer", &BoardInfo::manufacturer},
+                                        {L"Product", &BoardInfo::product},
+                                        {L"Version", &BoardInfo::version}};
+constexpr Row<OpticalInfo> OpticalRows[] = {{L"Name", &OpticalInfo::name},
+                                            {L"PNPDeviceID", &OpticalInfo::deviceId},
+                                            {L"Drive", &OpticalInfo::drive},
+                                            {L"MediaType", &OpticalInfo::mediaType}};
+
+void Take(const VARIANT& value, std::wstring& text)
 {
-    _variant_t value;
-    const bool found = WMI::GetProperty(object, name, &value);
-    if (found)
-        text = VariantText(value);
-    return found;
+    text = VariantText(value);
+}
+
+void Take(const VARIANT& value, Name& text)
+{
+    text = Name(VariantText(value));
+}
+
+void Take(const VARIANT& value, std::optional<std::int32_t>& number)
+{
+    number = VariantSigned(value);
+}
+
+void Take(const VARIANT& value, Speed& speed)
+{
+    speed.Initialize((std::to_wstring(VariantUnsigned(value)) + L" MHz").c_str());
+}
+
+/// Fills a record from the properties that an object has.
+/// @throws _com_error for a property that cannot be converted; what was filled before stays filled
+template <typename Record, std::size_t Count>
+void Fill(IWbemClassObject* object, const Row<Record> (&rows)[Count], Record& record)
+{
+    for (const Row<Record>& row : rows) {
+        _variant_t value;
+        if (!WMI::GetProperty(object, row.property, &value))
+            continue;
+        std::visit(
+            [&]<typename Member>(Member member) {
+                if constexpr (!std::is_same_v<Member, Ignored>)
+                    Take(value, record.*member);
+            },
+            row.member);
+        if (row.logged != nullptr)
+            WriteLog(LogTrace, row.logged, VariantText(value));
+    }
 }
 
 }  // namespace
 
+/// Has each object of a query taken. What cannot be converted ends the query.
+/// @param errorLine null for a query without a line: its detector has other sources
+/// @return whether an object was read
+template <typename TakeObject>
+bool WMI::ForEach(const wchar_t* wql, ULONG count, const wchar_t* errorLine, TakeObject take)
+{
+    bool isRead = false;
+    if (!initialised)
+        return isRead;
+    try {
+        for (const auto& object : Read(wql, count)) {
+            isRead = true;
+            take(object.Get());
+        }
+    } catch (...) {
+        if (errorLine != nullptr)
+            ReportFailure(LogError, errorLine);
+    }
+    return isRead;
+}
+
 bool WMI::GetCpuInfo(CpuInfo& info)
 {
     const LogScope trace(L"kel::WMI::GetCpuInfo");
-    if (!initialised)
-        return false;
-    try {
-        for (const auto& object : Read(L"SELECT * FROM Win32_Processor", FirstOnly)) {
-            if (ReadProperty(object.Get(), L"Name", info.name))
-                WriteLog(LogTrace, L"WMI CPU: ", info.name);
-            ReadProperty(object.Get(), L"Manufacturer", info.vendor);
-            _variant_t speed;
-            if (GetProperty(object.Get(), L"MaxClockSpeed", &speed))
-                info.speed.Initialize((std::to_wstring(VariantUnsigned(speed)) + L" MHz").c_str());
-            ReadProperty(object.Get(), L"Caption", info.caption);
-        }
-    } catch (...) {
-        ReportFailure(LogError, L"Error in WMI CPU detection.");
-    }
-    return true;
+    ForEach(L"SELECT * FROM Win32_Processor", FirstOnly, L"Error in WMI CPU detection.",
+            [&](IWbemClassObject* object) { Fill(object, ProcessorRows, info); });
+    return initialised;
 }
 
-bool WMI::GetHardDriveValues(std::vector<WmiHardDriveInfo>& drives)
+bool WMI::GetHardDriveValues(std::vector<DiskInfo>& drives)
 {
-    if (!initialised)
-        return false;
-    try {
-        for (const auto& object : Read(L"SELECT * FROM Win32_DiskDrive", AtMost)) {
-            WmiHardDriveInfo drive;
-            ReadProperty(object.Get(), L"Model", drive.model);
-            ReadProperty(object.Get(), L"Name", drive.deviceName);
-            _variant_t index;
-            if (GetProperty(object.Get(), L"Index", &index))
-                drive.index = VariantSigned(index);
-            drives.push_back(drive);
-        }
-    } catch (...) {
-        return true;  // without a line: the detector has other sources
-    }
-    return true;
+    ForEach(L"SELECT * FROM Win32_DiskDrive", AtMost, nullptr,
+            [&](IWbemClassObject* object) { Fill(object, DiskRows, drives.emplace_back()); });
+    return initialised;
 }
 
 bool WMI::GetBiosValues(BiosInfo& info)
 {
     const LogScope trace(L"kel::WMI::GetBiosValues");
-    if (!initialised)
-        return false;
-    bool isRead = false;
-    try {
-        for (const auto& object : Read(L"SELECT * FROM Win32_BIOS", FirstOnly)) {
-            isRead = true;
-            _variant_t version;  // for the log only: support compares it with the one that is stored
-            GetProperty(object.Get(), L"Version", &version);
-            ReadProperty(object.Get(), L"name", info.name);  // in lower case, as it has always been asked for
-            ReadProperty(object.Get(), L"Manufacturer", info.manufacturer);
-            ReadProperty(object.Get(), L"SMBIOSBIOSVersion", info.version);
-        }
-    } catch (...) {
-        return isRead;  // without a line: the detector has other sources
-    }
-    return isRead;
+    return ForEach(L"SELECT * FROM Win32_BIOS", FirstOnly, nullptr,
+                   [&](IWbemClassObject* object) { Fill(object, BiosRows, info); });
 }
 
-bool WMI::GetSoundValues(WmiSoundInfo& info)
+bool WMI::GetSoundValues(SoundInfo& info)
 {
-    if (!initialised)
-        return false;
-    bool isRead = false;
-    try {
-        for (const auto& object : Read(L"SELECT * FROM Win32_SoundDevice", FirstOnly)) {
-            isRead = true;
-            ReadProperty(object.Get(), L"Name", info.deviceName);
-            ReadProperty(object.Get(), L"DeviceID", info.deviceId);
-        }
-    } catch (...) {
-        return isRead;  // without a line: the detector has other sources
-    }
-    return isRead;
+    return ForEach(L"SELECT * FROM Win32_SoundDevice", FirstOnly, nullptr,
+                   [&](IWbemClassObject* object) { Fill(object, SoundRows, info); });
 }
 
 bool WMI::GetMotherboardValues(BoardInfo& info)
 {
-    if (!initialised)
-        return false;
-    bool isRead = false;
-    try {
-        for (const auto& object : Read(L"SELECT * FROM Win32_BaseBoard", AtMost)) {
-            isRead = true;
-            ReadProperty(object.Get(), L"Manufacturer", info.manufacturer);
-            ReadProperty(object.Get(), L"Product", info.product);
-            ReadProperty(object.Get(), L"Version", info.version);
-        }
-    } catch (...) {
-        ReportFailure(LogError, L"Error in WMI::GetMotherboardValues.");
-    }
-    return isRead;
+    return ForEach(L"SELECT * FROM Win32_BaseBoard", AtMost, L"Error in WMI::GetMotherboardValues.",
+                   [&](IWbemClassObject* object) { Fill(object, BoardRows, info); });
 }
 
-bool WMI::GetCDRomValues(std::vector<WmiCDRomInfo>& drives)
+bool WMI::GetCDRomValues(std::vector<OpticalInfo>& drives)
 {
-    if (!initialised)
-        return false;
-    bool isRead = false;
-    try {
-        for (const auto& object : Read(L"SELECT * FROM Win32_CDROMDrive", FirstOnly)) {
-            isRead = true;
-            WmiCDRomInfo drive;
-            ReadProperty(object.Get(), L"Name", drive.name);
-            ReadProperty(object.Get(), L"PNPDeviceID", drive.deviceId);
-            ReadProperty(object.Get(), L"Drive", drive.drive);
-            ReadProperty(object.Get(), L"MediaType", drive.mediaType);
-            drives.push_back(drive);
-        }
-    } catch (...) {
-        ReportFailure(LogError, L"Error in WMI GetCDRomValues.");
-    }
-    return isRead;
+    return ForEach(L"SELECT * FROM Win32_CDROMDrive", FirstOnly, L"Error in WMI GetCDRomValues.",
+                   [&](IWbemClassObject* object) { Fill(object, OpticalRows, drives.emplace_back()); });
 }
 
 }  // namespace kel

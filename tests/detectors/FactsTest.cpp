@@ -50,11 +50,10 @@ TEST(Facts, TakeTheFirstSourceThatKnowsAndSayWhichItWas)
         Things.Merge(device, *sources[source], names[source]);
     Things.Store(device, L"Thing", 7);
     EXPECT_EQ(log.Lines(),
-              (std::vector<std::wstring>{
-                  L"TRACE Thing[7] name from B", L"TRACE Thing[7] size from C",
-                  L"TRACE Adding value: second to 2", L"TRACE Adding value: Yes to 1",
-                  L"TRACE Adding value: 0.0 B to 3", L"TRACE Adding value: No to 4",
-                  L"TRACE Adding value: PCI\\VEN_8086&DEV_1916 to 5"}));
+              (std::vector<std::wstring>{L"TRACE Thing[7] name from B", L"TRACE Thing[7] size from C",
+                                         L"TRACE Adding value: second to 2", L"TRACE Adding value: Yes to 1",
+                                         L"TRACE Adding value: 0.0 B to 3", L"TRACE Adding value: No to 4",
+                                         L"TRACE Adding value: PCI\\VEN_8086&DEV_1916 to 5"}));
     EXPECT_EQ(session.Text(2), L"(none)");  // only under its index
     Things.Store(Thing());
     EXPECT_EQ(session.Texts({2, 1, 3, 4, 5}), L"|No||||");
@@ -67,8 +66,8 @@ TEST(Facts, AreJoinedByTheirKeyAndEqualKeysOfOneSourceStayTwo)
     };
     std::vector<Device> devices;
     Things.Join(devices, {Named(L"k", L""), Named(L"k", L"2"), Named(L"", L"none")}, L"A", isSame);
-    Things.Join(devices, {Named(L"", L"other"), Named(L"k", L"x"), Named(L"k", L"y"), Named(L"k", L"z")}, L"B",
-                isSame);
+    Things.Join(devices, {Named(L"", L"other"), Named(L"k", L"x"), Named(L"k", L"y"), Named(L"k", L"z")},
+                L"B", isSame);
     std::wstring joined;
     for (const Device& device : devices)
         joined += device.record.key + L"=" + device.record.name.ToString() + L" ";

@@ -45,7 +45,7 @@ Lines List(bool (SetupLib::*list)(std::vector<Info>&), Fields Info::*... fields)
 
 Lines ListGpus()
 {
-    using I = SetupGpuInfo;
+    using I = GpuInfo;
     return List(&SetupLib::GetGpuInfo, &I::description, &I::driverVersion, &I::chipType, &I::dacType,
                 &I::driverDescription, &I::videoMemory, &I::deviceId);
 }
@@ -81,8 +81,7 @@ std::pair<std::string, Lines> AskAll(SetupLib& library)
 TEST(SetupLib, ListsDisks)
 {
     const auto list = [] {
-        return List(&SetupLib::GetHardDriveInfo, &SetupHardDriveInfo::friendlyName,
-                    &SetupHardDriveInfo::model);
+        return List(&SetupLib::GetHardDriveInfo, &DiskInfo::friendlyName, &DiskInfo::model);
     };
     EXPECT_EQ(list(), Lines{});
     PlantedDevice a(Disks), b(Disks), c(Disks), d(Disks);
@@ -102,7 +101,7 @@ TEST(SetupLib, ListsDisks)
             return TRUE;
         };
     });
-    std::vector<SetupHardDriveInfo> none;
+    std::vector<DiskInfo> none;
     EXPECT_TRUE(foreign.GetHardDriveInfo(none));
     EXPECT_TRUE(none.empty());
 }
@@ -115,14 +114,14 @@ TEST(SetupLib, ListsControllersDrivesAndSound)
     plain.With(SPDRP_FRIENDLYNAME, L"").With(SPDRP_DEVICEDESC, L"Described");
     sound.With(SPDRP_DEVICEDESC, L"Sound").Device(L"x", L"").Driver(L"DriverVersion", L"6.0");
     driverless.With(SPDRP_DEVICEDESC, L"No driver").With(SPDRP_HARDWAREID, L"HDAUDIO\\F").Device(L"x", L"");
-    EXPECT_EQ(List(&SetupLib::GetScsiInfo, &SetupScsiInfo::hardwareId, &SetupScsiInfo::driverVersion),
+    EXPECT_EQ(List(&SetupLib::GetScsiInfo, &ScsiInfo::hardwareId, &ScsiInfo::driverVersion),
               Lines{L"PCI\\VEN_1000|1.2.3"});
-    EXPECT_EQ(List(&SetupLib::GetCDRomInfo, &SetupCDRomInfo::name, &SetupCDRomInfo::hardwareId),
+    EXPECT_EQ(List(&SetupLib::GetCDRomInfo, &OpticalInfo::name, &OpticalInfo::deviceId),
               (Lines{L"Friendly|IDE\\CD", L"Described|"}));
     const test::LogCapture log(2);
-    EXPECT_EQ(List(&SetupLib::GetSoundInfo, &SetupSoundInfo::name, &SetupSoundInfo::hardwareId,
-                   &SetupSoundInfo::driverVersion),
-              (Lines{L"Sound||6.0", L"No driver|HDAUDIO\\F|"}));
+    EXPECT_EQ(
+        List(&SetupLib::GetSoundInfo, &SoundInfo::name, &SoundInfo::deviceId, &SoundInfo::driverVersion),
+        (Lines{L"Sound||6.0", L"No driver|HDAUDIO\\F|"}));
     ASSERT_EQ(log.Lines().size(), 1U);
     const std::wstring failure = L"WARN Error in call to SetupDiOpenDevRegKey for software key: ";
     EXPECT_TRUE(log.Lines()[0].starts_with(failure) && std::stoul(log.Lines()[0].substr(failure.size())) > 0);
@@ -147,7 +146,7 @@ TEST(SetupLib, ListsNetworkAdapters)
     connect(L"{KT3}", REG_DWORD, L"\2");
     other.Driver(L"NetCFGInstanceID", L"{KT4}");
     connect(L"{KT4}", REG_DWORD, L"\3");
-    using I = SetupNetworkInfo;
+    using I = NetworkInfo;
     EXPECT_EQ(List(&SetupLib::GetNetworkDeviceInfo, &I::isOnBus, &I::name, &I::hardwareId, &I::driverVersion,
                    &I::instanceId, &I::mediaSubType, &I::mediaKind),
               (Lines{L"Yes|Onboard||12.1|{KT1}|1|1", L"No|Card|||{KT2}||0", L"No||USB\\VID_1||{KT3}|2|256",
@@ -196,6 +195,8 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
         bool isFound;
     } rows[] = {
         {"plain section", plain + "[Models.NTamd64]\n" + other + "[Models]\n" + model + other, true},
+        {"a relative's line before the device's own", plain + "[Models]\n" + other + model, true},
+        {"a relative's line alone", plain + "[Models]\n" + other, false},
         {"decorated as the line says",
          head + "[Manufacturer]\n%m%=A\n%m%=B,NTx86,NTamd64.6.1\n[A]\n%d%=I,PCI\\VEN_8086\n[B.NTamd64]\n" +
              other + "[B.NTamd64.6.1]\n" + model,
@@ -217,6 +218,12 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
     constexpr const wchar_t* matching = L"PCI\\ven_8086&Dev_1916";
     PlantedDevice adapter(Displays);
     adapter.With(SPDRP_DEVICEDESC, L"Intel").Device(L"MatchingDeviceID", matching);
+    adapter.With(
+        SPDRP_HARDWAREID,
+        std::wstring(
+            L"PCI\\VEN_8086&DEV_1916&SUBSYS_07251028&REV_07\0pci\\ven_8086&dev_1916&subsys_07251028\0"
+            L"PCI\\VEN_8086&DEV_1912\0",
+            105));
     for (const wchar_t* path : {L"", L"keltest.inf"}) {  // there is no such file
         adapter.Driver(L"InfPath", path);
         EXPECT_TRUE(ListGpus().back().ends_with(matching));
@@ -289,22 +296,22 @@ TEST(SetupLib, ReadsRegistryValuesOfEachType)
         key.Write(L"sub", row.name, row.type, row.data, row.size);
         const test::LogCapture log(2);
         std::wstring text = L"left over";
-        EXPECT_EQ(SetupLib::ReadRegistryValue(key.Key(), L"sub", row.name, text), row.isText) << row.name;
+        EXPECT_EQ(ReadRegistryValue(key.Key(), L"sub", row.name, text), row.isText) << row.name;
         EXPECT_EQ(text, row.text) << row.name;
         const std::wstring failed = L"WARN Can't handle Registry value for: " + std::wstring(row.name);
         EXPECT_EQ(log.Lines(), row.isText ? Lines{} : Lines{failed}) << row.name;
         Size size(7);
-        EXPECT_EQ(SetupLib::ReadRegistrySize(key.Key(), L"sub", row.name, size), row.isSize) << row.name;
+        EXPECT_EQ(ReadRegistrySize(key.Key(), L"sub", row.name, size), row.isSize) << row.name;
         EXPECT_EQ(size.Bytes(), row.bytes) << row.name;
     }
     std::wstring text = L"left over";
-    EXPECT_FALSE(SetupLib::ReadRegistryValue(nullptr, nullptr, L"string", text));
-    EXPECT_FALSE(SetupLib::ReadRegistryValue(key.Key(), L"missing", L"string", text));
-    EXPECT_FALSE(SetupLib::ReadRegistryValue(key.Key(), L"", L"string", text));  // stands in the subkey
+    EXPECT_FALSE(ReadRegistryValue(nullptr, nullptr, L"string", text));
+    EXPECT_FALSE(ReadRegistryValue(key.Key(), L"missing", L"string", text));
+    EXPECT_FALSE(ReadRegistryValue(key.Key(), L"", L"string", text));  // stands in the subkey
     EXPECT_EQ(text, L"");
     const test::LogCapture log(2);
     Log::Instance().exceptions(std::ios::badbit);  // raised by the name that is none
-    EXPECT_FALSE(SetupLib::ReadRegistryValue(key.Key(), nullptr, nullptr, text));
+    EXPECT_FALSE(ReadRegistryValue(key.Key(), nullptr, nullptr, text));
     Log::Instance().exceptions(std::ios::goodbit);
     EXPECT_EQ(log.Lines().back(), L"WARN Error with CRegKey");
 }

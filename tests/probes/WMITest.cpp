@@ -32,11 +32,11 @@ test::FakeProperty Null()
 struct Answers {
     WMI wmi;
     CpuInfo cpu;
-    std::vector<WmiHardDriveInfo> drives;
+    std::vector<DiskInfo> drives;
     BiosInfo bios;
-    WmiSoundInfo sound;
+    SoundInfo sound;
     BoardInfo board;
-    std::vector<WmiCDRomInfo> cdroms;
+    std::vector<OpticalInfo> cdroms;
     std::string results;
 
     Answers()
@@ -77,14 +77,19 @@ TEST(WMI, FillsEachRecordFromItsProperties)
         EXPECT_EQ(got.cpu.name + L"|" + got.cpu.vendor + L"|" + got.cpu.caption, L"Chip|Maker|Model 5");
         EXPECT_EQ(got.cpu.speed.Hertz(), 2400000000U);
         ASSERT_EQ(got.drives.size(), 200U);
-        EXPECT_EQ(got.drives[199].model + got.drives[199].deviceName, L"Disk\\\\.\\DISK");
-        EXPECT_EQ(got.drives[199].index, 199);
+        EXPECT_STREQ(got.drives[199].model.ToString(), L"Disk");
+        EXPECT_STREQ(got.drives[199].deviceName.ToString(), L"\\\\.\\DISK");
+        EXPECT_EQ(got.drives[199].number, 199);
         EXPECT_EQ(got.bios.name + L"|" + got.bios.manufacturer + L"|" + got.bios.version, L"Bios|Maker|1.2");
-        EXPECT_EQ(got.sound.deviceName + L"|" + got.sound.deviceId, L"Sound|HDAUDIO");
+        EXPECT_EQ(got.sound.name.ToString() + std::wstring(L"|") + got.sound.deviceId.ToString(),
+                  L"Sound|HDAUDIO");
         EXPECT_EQ(got.board.manufacturer + L"|" + got.board.product + L"|" + got.board.version, L"B||V");
         ASSERT_EQ(got.cdroms.size(), 1U);
-        const auto& [name, deviceId, drive, mediaType] = got.cdroms[0];
-        EXPECT_EQ(name + L"|" + deviceId + L"|" + drive + L"|" + mediaType, L"CD|IDE|D:|CD-ROM");
+        std::wstring cdrom;
+        for (const Name& text :
+             {got.cdroms[0].name, got.cdroms[0].deviceId, got.cdroms[0].drive, got.cdroms[0].mediaType})
+            cdrom += text.ToString() + std::wstring(L"|");
+        EXPECT_EQ(cdrom, L"CD|IDE|D:|CD-ROM|");
         EXPECT_THAT(data.counts, ElementsAre(1, 200, 1, 1, 200, 1));
         EXPECT_EQ(data.arguments, L"ROOT\\CIMV2 10 0 3 3 0 WQL48 WQL48 WQL48 WQL48 WQL48 WQL48 ");
         EXPECT_THAT(log.Lines(), Contains(L"TRACE WMI value: ").Times(3));
