@@ -238,7 +238,7 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
         for (const wchar_t* line : {L"TRACE Is Intel.", L"TRACE Inf Path: keltest.inf"})
             EXPECT_EQ(std::ranges::count(lines, line), 1) << row.what;
     }
-    std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << plain + "[Models]\n" + other;
+    std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << plain + "[Models]\n" + model;
     // One without a device, of which any id would do, and one of another maker.
     for (const wchar_t* id : {L"PCI\\VEN_8086&CC_0300", L"PCI\\VEN_10DE&DEV_1916", matching}) {
         adapter.Device(L"MatchingDeviceID", id);

@@ -40,6 +40,19 @@ public:
         return texts;
     }
 
+    /// What is stored under the numbers of a range, in the store's order, as "number[index]=text" lines.
+    std::vector<std::wstring> Lines(unsigned first, unsigned last) const
+    {
+        std::vector<std::wstring> lines;
+        for (const SystemValue& value : values) {
+            const unsigned number = value.ID().Group().Number();
+            if (number >= first && number <= last)
+                lines.push_back(std::to_wstring(number) + L"[" + std::to_wstring(value.ID().Index()) + L"]=" +
+                                value.Text());
+        }
+        return lines;
+    }
+
     /// The group numbers of all values, in the store's order.
     std::vector<unsigned> Numbers() const
     {
