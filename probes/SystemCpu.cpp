@@ -21,11 +21,18 @@ bool GetSystemCpuInfo(CpuInfo& info)
     Attempt(L"Error in system CPU detection.", [&info] {
         SYSTEM_INFO system = {};
         GetSystemInfo(&system);
-        info.processorCount = std::to_wstring(system.dwNumberOfProcessors);
-        info.multiProcessor = system.dwNumberOfProcessors > 1;
-        info.speed.Initialize((std::to_wstring(static_cast<unsigned>(MeasureMegahertz())) + L" MHz").c_str());
+        info = DescribeProcessors(system.dwNumberOfProcessors, MeasureMegahertz());
     });
     return true;
+}
+
+CpuInfo DescribeProcessors(DWORD count, float megahertz)
+{
+    CpuInfo info;
+    info.processorCount = std::to_wstring(count);
+    info.multiProcessor = count > 1;
+    info.speed.Initialize((std::to_wstring(static_cast<unsigned>(megahertz)) + L" MHz").c_str());
+    return info;
 }
 
 float MeasureMegahertz()

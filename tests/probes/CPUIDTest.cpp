@@ -51,6 +51,7 @@ TEST(CPUID, DecodesProcessorsOfManyMakersAndAges)
         {"Cyrix 6x86MX", "CyrixInstead", 0x00000600, L"Cyrix", L"06 00 0 00"},
         {"Transmeta Crusoe", "GenuineTMx86", 0x00000543, L"Transmeta", L"05 04 3 00"},
         {"Geode GX1", "Geode by NSC", 0x00000540, L"National Semiconductor", L"05 04 0 00"},
+        {"a family 5 with bits of the extended model", "GenuineIntel", 0x000F0543, L"Intel", L"05 04 3 00"},
         {"Rise mP6", "RiseRiseRise", 0x00000504, L"Rise", L"05 00 4 00"},
         {"NexGen Nx586", "NexGenDriven", 0x00000500, L"NexGen", L"05 00 0 00"},
         {"UMC U5S", "UMC UMC UMC ", 0x00000423, L"UMC", L"04 02 3 00"},
@@ -71,8 +72,8 @@ TEST(CPUID, DecodesProcessorsOfManyMakersAndAges)
 TEST(CPUID, WritesTheIdInSixteenDigitsAndItsLastSix)
 {
     CpuInfo info, refused;
-    Chip({{0, VendorLeaf("GenuineIntel", 1)}, {1, {0x000506E3, 0, 0, 0xBFEBFBFF}}}).GetCpuInfo(info);
-    EXPECT_EQ(info.cpuId + L" " + info.cpuIdShort, L"BFEBFBFF000506E3 0506E3");
+    Chip({{0, VendorLeaf("GenuineIntel", 1)}, {1, {0x000506E3, 0, 0, 0x00EBFBFF}}}).GetCpuInfo(info);
+    EXPECT_EQ(info.cpuId + L" " + info.cpuIdShort, L"00EBFBFF000506E3 0506E3");
     Chip({{0, VendorLeaf("GenuineIntel", 0)}, {1, {0x506E3, 0, 0, 1}}, {2, {0x40404040, 0, 0, 0}}})
         .GetCpuInfo(refused);
     EXPECT_EQ(refused.vendor, L"Intel");
@@ -83,9 +84,9 @@ TEST(CPUID, WritesTheIdInSixteenDigitsAndItsLastSix)
 TEST(CPUID, LooksForTheCacheDescriptorEverywhereButInTheCount)
 {
     const std::pair<CpuRegisters, bool> rows[] = {
-        {{0x40, 0, 0, 0}, false},      {{0x4001, 0, 0, 0}, true}, {{0x40000001, 0, 0, 0}, true},
-        {{1, 0x40, 0, 0}, true},       {{1, 0, 0x4000, 0}, true}, {{1, 0, 0, 0x400000}, true},
-        {{1, 4, 0x41, 0x0400}, false},
+        {{0x40, 0, 0, 0}, false},  {{0x4001, 0, 0, 0}, true},   {{0x40000001, 0, 0, 0}, true},
+        {{1, 0x40, 0, 0}, true},   {{1, 0, 0x40, 0}, true},     {{1, 0, 0, 0x40}, true},
+        {{1, 0, 0x4000, 0}, true}, {{1, 0, 0, 0x400000}, true}, {{1, 4, 0x41, 0x0400}, false},
     };
     for (const auto& [registers, has] : rows)
         EXPECT_EQ(Chip({{0, {2, 0, 0, 0}}, {2, registers}}).HasCacheDescriptor40(), has) << registers[0];

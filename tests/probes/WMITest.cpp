@@ -90,8 +90,10 @@ TEST(WMI, FillsEachRecordFromItsProperties)
              {got.cdroms[0].name, got.cdroms[0].deviceId, got.cdroms[0].drive, got.cdroms[0].mediaType})
             cdrom += text.ToString() + std::wstring(L"|");
         EXPECT_EQ(cdrom, L"CD|IDE|D:|CD-ROM|");
-        EXPECT_THAT(data.counts, ElementsAre(1, 200, 1, 1, 200, 1));
-        EXPECT_EQ(data.arguments, L"ROOT\\CIMV2 10 0 3 3 0 WQL48 WQL48 WQL48 WQL48 WQL48 WQL48 ");
+        std::wstring arguments = L"ROOT\\CIMV2 0; blanket 10 0 3 3 0; ";
+        for (const wchar_t* count : {L"1", L"200", L"1", L"1", L"200", L"1"})
+            arguments += L"WQL 48; next -1 " + std::wstring(count) + L"; ";
+        EXPECT_EQ(data.arguments, arguments);
         EXPECT_THAT(log.Lines(), Contains(L"TRACE WMI value: ").Times(3));
     }
     EXPECT_EQ(data.references, 0U);
@@ -124,9 +126,10 @@ TEST(WMI, KeepsWhatItHasWhenAQueryFailsOrAValueCannotBeConverted)
         const test::FakeWmi fake(*data);
         const test::LogCapture log(2);
         EXPECT_EQ(Answers().results, "110000");
-        const auto* line = data == &none ? L"WARN WMI has no object: " : L"WARN WMI refused: ";
-        EXPECT_THAT(log.Lines(),
-                    testing::AllOf(testing::SizeIs(6), testing::Each(testing::StartsWith(line))));
+        const auto* start = data == &none ? L"WARN WMI has no object: " : L"WARN WMI refused: ";
+        const auto* end = data == &none ? L": 0x00000001" : L": 0x80070057";
+        EXPECT_THAT(log.Lines(), testing::AllOf(testing::SizeIs(6), testing::Each(testing::StartsWith(start)),
+                                                testing::Each(testing::EndsWith(end))));
         EXPECT_THAT(data->queries, ElementsAre(Processors, Drives, Bioses, Sounds, Boards, CDRoms));
     }
 
@@ -138,6 +141,7 @@ TEST(WMI, KeepsWhatItHasWhenAQueryFailsOrAValueCannotBeConverted)
     odd.objects[Sounds] = {{{L"Name", Unconvertible}}};
     odd.objects[Boards] = {{{L"Product", Unconvertible}}};
     odd.objects[CDRoms] = {{{L"Drive", Unconvertible}}};
+    odd.next = E_FAIL;  // what came before it counts
     {
         const test::FakeWmi fake(odd);
         const test::LogCapture log(1);

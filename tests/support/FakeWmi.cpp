@@ -7,11 +7,13 @@ namespace kel::test {
 namespace {
 
 struct Security : Fake<IClientSecurity> {
-    STDMETHODIMP SetBlanket(IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR*, DWORD level,
-                            DWORD impersonation, void*, DWORD capabilities) override
+    STDMETHODIMP SetBlanket(IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR* principal,
+                            DWORD level, DWORD impersonation, void* identity, DWORD capabilities) override
     {
+        data->arguments += L"blanket";
         for (const DWORD value : {authentication, authorisation, level, impersonation, capabilities})
-            data->arguments += std::to_wstring(value) + L" ";
+            data->arguments += L" " + std::to_wstring(value);
+        data->arguments += principal == nullptr && identity == nullptr ? L"; " : L" of somebody; ";
         return data->refusesBlanket ? E_ACCESSDENIED : S_OK;
     }
     KEL_UNUSED(QueryBlanket, (IUnknown*, DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**, DWORD*))
@@ -26,10 +28,11 @@ struct Services : Fake<IWbemServices> {
         *result = Make<Security>(data);
         return S_OK;
     }
-    STDMETHODIMP ExecQuery(const BSTR language, const BSTR query, LONG flags, IWbemContext*,
+    STDMETHODIMP ExecQuery(const BSTR language, const BSTR query, LONG flags, IWbemContext* context,
                            IEnumWbemClassObject** result) override
     {
-        data->arguments += language + std::to_wstring(flags) + L" ";
+        data->arguments +=
+            language + (L" " + std::to_wstring(flags)) + (context ? L" in a context; " : L"; ");
         data->queries.emplace_back(query);
         if (SUCCEEDED(data->query))
             *result = Make<WmiEnumerator>(data, data->objects[query]);
@@ -58,10 +61,12 @@ struct Services : Fake<IWbemServices> {
 };
 
 struct Locator : Fake<IWbemLocator> {
-    STDMETHODIMP ConnectServer(const BSTR resource, const BSTR, const BSTR, const BSTR, LONG, const BSTR,
-                               IWbemContext*, IWbemServices** result) override
+    STDMETHODIMP ConnectServer(const BSTR resource, const BSTR user, const BSTR password, const BSTR locale,
+                               LONG flags, const BSTR authority, IWbemContext* context,
+                               IWbemServices** result) override
     {
-        data->arguments += resource + std::wstring(L" ");
+        const bool isPlain = !user && !password && !locale && !authority && !context;
+        data->arguments += resource + (L" " + std::to_wstring(flags)) + (isPlain ? L"; " : L" as somebody; ");
         data->whileAsked();
         if (SUCCEEDED(data->connect))
             *result = Make<Services>(data);

@@ -29,9 +29,9 @@ struct FakeWmiData {
     bool refusesBlanket = false;
     std::function<void()> whileAsked = [] {};  ///< what a page does that is let in meanwhile
     std::vector<std::wstring> queries;
-    std::wstring arguments;     ///< what else the calls were given
-    std::vector<ULONG> counts;  ///< objects asked for at once, by query
-    ULONG references = 0;       ///< on the fakes, all together
+    HRESULT next = S_OK;     ///< a failure comes after the objects
+    std::wstring arguments;  ///< what else the calls were given
+    ULONG references = 0;    ///< on the fakes, all together
     std::vector<std::shared_ptr<void>> made;
 };
 

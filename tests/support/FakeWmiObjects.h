@@ -73,11 +73,13 @@ struct WmiObject : Fake<IWbemClassObject, FakeObject> {
 };
 
 struct WmiEnumerator : Fake<IEnumWbemClassObject, std::vector<FakeObject>> {
-    STDMETHODIMP Next(LONG, ULONG count, IWbemClassObject** result, ULONG* returned) override
+    STDMETHODIMP Next(LONG wait, ULONG count, IWbemClassObject** result, ULONG* returned) override
     {
-        data->counts.push_back(count);
+        data->arguments += L"next " + std::to_wstring(wait) + L" " + std::to_wstring(count) + L"; ";
         for (*returned = 0; *returned < count && *returned < content.size(); ++*returned)
             result[*returned] = Make<WmiObject>(data, content[*returned]);
+        if (FAILED(data->next))
+            return data->next;
         return *returned == count ? WBEM_S_NO_ERROR : WBEM_S_FALSE;
     }
     KEL_UNUSED(Reset, ())
