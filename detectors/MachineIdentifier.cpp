@@ -18,7 +18,7 @@ constexpr std::size_t BracedGuidLength = 38;
 constexpr std::size_t LongestIdentifier = 65536;  // bytes; it goes into every report
 
 /// The identifier that stands in the key; empty when there is none.
-std::wstring StoredIdentifier(const OwnedKey& key)
+std::wstring ReadStoredIdentifier(const OwnedKey& key)
 {
     std::wstring text;
     if (key)
@@ -35,7 +35,7 @@ bool IsTooLong(const OwnedKey& key)
 }
 
 /// A new GUID in braces; empty when the system makes none.
-std::wstring FreshIdentifier()
+std::wstring MakeIdentifier()
 {
     GUID guid = {};
     std::array<wchar_t, BracedGuidLength + 1> text = {};
@@ -46,10 +46,10 @@ std::wstring FreshIdentifier()
 
 /// Keeps a new identifier where the key exists.
 /// @return the one that is kept: an old one that could not be read before is not replaced
-std::wstring Kept(const std::wstring& identifier)
+std::wstring Keep(const std::wstring& identifier)
 {
     const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ | KEY_WRITE);
-    std::wstring stored = StoredIdentifier(key);
+    std::wstring stored = ReadStoredIdentifier(key);
     if (!stored.empty())
         return stored;
     if (key && !IsTooLong(key))
@@ -64,10 +64,10 @@ std::wstring Kept(const std::wstring& identifier)
 const std::wstring& GetMachineIdentifier()
 {
     static std::wstring identifier;
-    identifier = StoredIdentifier(OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ));
+    identifier = ReadStoredIdentifier(OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ));
     if (identifier.empty()) {
-        identifier = FreshIdentifier();
-        identifier = identifier.empty() ? L"0" : Kept(identifier);
+        identifier = MakeIdentifier();
+        identifier = identifier.empty() ? L"0" : Keep(identifier);
     }
     RemoveCharacters(identifier, L"{}");
     return identifier;

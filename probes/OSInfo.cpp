@@ -18,7 +18,7 @@ Function* KernelFunction(const char* name)
 
 /// The function as a function object; empty when it is missing.
 template <typename Object, typename Function>
-Object Wrapped(Function* function)
+Object Wrap(Function* function)
 {
     return function != nullptr ? Object(function) : Object();
 }
@@ -38,9 +38,9 @@ OSFunctions OSFunctions::OfSystem()
     functions.getSystemMetrics = &GetSystemMetrics;
     if (auto* const getInfo = KernelFunction<void WINAPI(SYSTEM_INFO*)>("GetNativeSystemInfo"))
         functions.getNativeSystemInfo = [getInfo](SYSTEM_INFO& system) { getInfo(&system); };
-    functions.getProductInfo = Wrapped<decltype(functions.getProductInfo)>(
+    functions.getProductInfo = Wrap<decltype(functions.getProductInfo)>(
         KernelFunction<BOOL WINAPI(DWORD, DWORD, DWORD, DWORD, DWORD*)>("GetProductInfo"));
-    functions.isWow64Process = Wrapped<decltype(functions.isWow64Process)>(
+    functions.isWow64Process = Wrap<decltype(functions.isWow64Process)>(
         KernelFunction<BOOL WINAPI(HANDLE, BOOL*)>("IsWow64Process"));
     return functions;
 }

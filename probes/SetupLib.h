@@ -66,7 +66,7 @@ private:
 
     NetworkInfo NetworkDevice(const SetupDevice& device) const;
     GpuInfo Gpu(const SetupDevice& device) const;
-    DeviceID RefinedID(const DeviceID& id, const SetupDevice& device, HKEY software) const;
+    DeviceID RefineID(const DeviceID& id, const SetupDevice& device, HKEY software) const;
 
     Loader loader;
     SetupEntryPoints entryPoints;

@@ -173,14 +173,14 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
     WriteLog(LogTrace, L"Got device ID: ", id);
     if (adapter.deviceId.Vendor() == IntelVendor) {
         WriteLog(LogTrace, L"Is Intel.");
-        adapter.deviceId = RefinedID(adapter.deviceId, device, software);
+        adapter.deviceId = RefineID(adapter.deviceId, device, software);
     }
     return adapter;
 }
 
 /// Looks the device up in the INF file of its driver, which may tell it better than the registry does. Only
 /// an id that is the device's own counts: the file lists its relatives as well.
-DeviceID SetupLib::RefinedID(const DeviceID& id, const SetupDevice& device, HKEY software) const
+DeviceID SetupLib::RefineID(const DeviceID& id, const SetupDevice& device, HKEY software) const
 {
     const std::wstring path = FirstText({{software, nullptr, L"InfPath"}});
     WriteLog(LogTrace, L"Inf Path: ", path);

@@ -7,7 +7,7 @@ namespace kel {
 
 namespace {
 
-_variant_t Converted(const VARIANT& value, VARTYPE type)
+_variant_t Convert(const VARIANT& value, VARTYPE type)
 {
     _variant_t converted(value);
     _com_util::CheckError(VariantChangeType(&converted, &converted, 0, type));
@@ -18,21 +18,21 @@ _variant_t Converted(const VARIANT& value, VARTYPE type)
 
 std::wstring VariantText(const VARIANT& value)
 {
-    const _variant_t text = Converted(value, VT_BSTR);
+    const _variant_t text = Convert(value, VT_BSTR);
     return text.bstrVal != nullptr ? std::wstring(text.bstrVal, SysStringLen(text.bstrVal)) : std::wstring();
 }
 
 std::uint32_t VariantUnsigned(const VARIANT& value)
 {
-    return Converted(value, VT_UI4).ulVal;
+    return Convert(value, VT_UI4).ulVal;
 }
 
 std::int32_t VariantSigned(const VARIANT& value)
 {
-    return Converted(value, VT_I4).lVal;
+    return Convert(value, VT_I4).lVal;
 }
 
-std::wstring ShownVariant(const VARIANT& value)
+std::wstring ShowVariant(const VARIANT& value)
 {
     try {
         return VariantText(value);

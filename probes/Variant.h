@@ -16,6 +16,6 @@ std::uint32_t VariantUnsigned(const VARIANT& value);
 std::int32_t VariantSigned(const VARIANT& value);
 
 /// The text form for the log; empty when there is none.
-std::wstring ShownVariant(const VARIANT& value);
+std::wstring ShowVariant(const VARIANT& value);
 
 }  // namespace kel

@@ -17,7 +17,7 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
-std::wstring Shown(HRESULT result)
+std::wstring Show(HRESULT result)
 {
     return L"0x" + Hexadecimal(static_cast<DWORD>(result), 8);
 }
@@ -47,7 +47,7 @@ void WMI::Init()
     if (!initialised) {
         services.Reset();
         locator.Reset();
-        WriteLog(LogWarning, L"WMI cannot be reached: ", Shown(result));
+        WriteLog(LogWarning, L"WMI cannot be reached: ", Show(result));
     }
     WriteLog(LogTrace, initialised ? L"WMI inited ok." : L"WMI init failure.");
 }
@@ -78,7 +78,7 @@ bool WMI::Query(const wchar_t* wql, IEnumWbemClassObject** result)
     }
     if (FAILED(status))
         Attempt(L"WMI refused a query.",
-                [&] { WriteLog(LogWarning, L"WMI refused: ", wql, L": ", Shown(status)); });
+                [&] { WriteLog(LogWarning, L"WMI refused: ", wql, L": ", Show(status)); });
     return SUCCEEDED(status);
 }
 
@@ -95,7 +95,7 @@ bool WMI::GetProperty(IWbemClassObject* object, const wchar_t* name, VARIANT* ou
             VariantCopy(out, &copy);
         }
         if (Log::Instance().IsEnabled(LogTrace))
-            WriteLog(LogTrace, L"WMI value: ", ShownVariant(*out));
+            WriteLog(LogTrace, L"WMI value: ", ShowVariant(*out));
     } catch (...) {
         ReportFailure(LogWarning, L"A WMI value could not be copied.");
     }
@@ -118,7 +118,7 @@ std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
         *objects.emplace_back().GetAddressOf() = object;
     }
     if (objects.empty())
-        WriteLog(LogWarning, L"WMI has no object: ", wql, L": ", Shown(result));
+        WriteLog(LogWarning, L"WMI has no object: ", wql, L": ", Show(result));
     return objects;
 }
 

@@ -9,7 +9,7 @@ namespace kel {
 
 namespace {
 
-std::wstring Transformed(std::wstring text, std::wint_t (*convert)(std::wint_t))
+std::wstring Transform(std::wstring text, std::wint_t (*convert)(std::wint_t))
 {
     std::ranges::transform(text, text.begin(),
                            [convert](wchar_t c) { return static_cast<wchar_t>(convert(c)); });
@@ -35,12 +35,12 @@ unsigned ToUnsigned(const std::wstring& text)
 
 std::wstring ToUpper(std::wstring text)
 {
-    return Transformed(std::move(text), &std::towupper);
+    return Transform(std::move(text), &std::towupper);
 }
 
 std::wstring ToLower(std::wstring text)
 {
-    return Transformed(std::move(text), &std::towlower);
+    return Transform(std::move(text), &std::towlower);
 }
 
 std::wstring Trim(const std::wstring& text)
