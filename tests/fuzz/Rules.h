@@ -97,13 +97,13 @@ struct Rules {
 
     static Text DeviceID(const Text& text)
     {
-        const Text id = First(text.c_str(), L"^([^\\\\]*(?:\\\\[^\\\\]*)?)"), upper = Upper(id);
-        const Text isAcpi = First(upper, L"^(ACPI\\\\|\\*[^\\\\]*$)");
+        const Text id = Upper(First(text.c_str(), L"^([^\\\\]*(?:\\\\[^\\\\]*)?)"));
+        const Text isAcpi = First(id, L"^(ACPI\\\\|\\*[^\\\\]*$)");
         const Text maker = L"[A-Z0-9]{3,4}", device = L"[0-9A-F]{4}";
-        const Text vendor = First(upper, L"^(?:ACPI\\\\|\\*)(" + maker + L")" + device + L"$");
+        const Text vendor = First(id, L"^(?:ACPI\\\\|\\*)(" + maker + L")" + device + L"$");
         if (!vendor.empty())
-            return id + L"|" + vendor + L"|" + upper.substr(upper.size() - 4) + L"||";
-        const Text parts = L"&" + First(upper, L"^(?:[^\\\\]*\\\\|\\*?)([^\\\\]*)$") + L"&";
+            return id + L"|" + vendor + L"|" + id.substr(id.size() - 4) + L"||";
+        const Text parts = L"&" + First(id, L"^(?:[^\\\\]*\\\\|\\*?)([^\\\\]*)$") + L"&";
         const auto last = [&parts](const Text& names, const Text& digits) {
             return L"|" + First(parts, L"^[^]*&(?:" + names + L")_(" + digits + L")&");
         };
