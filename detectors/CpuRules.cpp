@@ -12,14 +12,6 @@ namespace {
 constexpr std::size_t RatingDigits = 4;
 constexpr int LowestRating = 1000;
 
-std::wstring TidyName(const std::wstring& name)
-{
-    std::wstring tidy = Trim(name);
-    for (std::size_t pair = tidy.find(L"  "); pair != std::wstring::npos; pair = tidy.find(L"  ", pair))
-        tidy.erase(pair, 1);
-    return tidy;
-}
-
 /// The last rating such as 3000 in a name, in megahertz; 0 when there is none.
 std::uint64_t RatingInName(const std::wstring& name)
 {
@@ -48,7 +40,7 @@ std::wstring RatedSpeed(const CpuInfo& info)
 
 void FinishCpuInfo(CpuInfo& info)
 {
-    info.name = TidyName(info.name);
+    info.name = CollapseBlanks(info.name);
     const std::wstring rated = RatedSpeed(info);
     if (!rated.empty())
         info.ratedSpeed = rated;

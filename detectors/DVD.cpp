@@ -1,10 +1,53 @@
 #include "detectors/Detectors.h"
+#include "detectors/OpticalDrives.h"
 
 namespace kel {
 
+namespace {
+
+/// What any real drive can do. Empty where no drive has the ability and one does not say.
+struct DvdInfo {
+    std::optional<bool> readsDvds;
+    std::optional<bool> writesDvds;
+    std::optional<bool> writesDoubleLayer;
+    std::optional<bool> readsBluRay;
+    std::optional<bool> writesBluRay;
+};
+
+constexpr FactTable Facts(Fact{72300, &DvdInfo::readsDvds}, Fact{72301, &DvdInfo::writesDvds},
+                          Fact{72302, &DvdInfo::writesDoubleLayer}, Fact{72303, &DvdInfo::readsBluRay},
+                          Fact{72304, &DvdInfo::writesBluRay});
+
+DvdInfo AddUp(const std::vector<OpticalDrive>& drives)
+{
+    OpticalAbilities all{AllAbilities, 0};
+    for (const OpticalDrive& drive : drives) {
+        if (!IsRealDrive(drive))
+            continue;
+        all.known &= drive.record.abilities.known;
+        all.has |= drive.record.abilities.has;
+    }
+    all.Raise(all.has);
+    return {all.Has(ReadsDvds), all.Has(WritesDvds), all.Has(WritesDoubleLayer), all.Has(ReadsBluRay),
+            all.Has(WritesBluRay)};
+}
+
+}  // namespace
+
 bool DVD::Detect()
 {
-    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [] {});
+    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [] {
+        Facts.Store(AddUp({}));
+        Facts.Store(AddUp(GetOpticalDrives()));
+    });
+}
+
+bool DVD::Detect(const StorageFunctions& functions)
+{
+    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [&functions] {
+        Facts.Store(AddUp({}));
+        Facts.Store(AddUp(ListOpticalDrives(functions)));
+    });
 }
 
 }  // namespace kel

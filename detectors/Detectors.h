@@ -7,7 +7,10 @@
 namespace kel {
 
 class CPUID;
+class SetupLib;
 struct OSFunctions;
+struct StorageFunctions;
+struct VolumeFunctions;
 
 /// The processor: merges what `cpuid`, the registry, WMI and the operating system say. Measuring the clock
 /// takes one second.
@@ -29,10 +32,12 @@ public:
     bool Detect() override;
 };
 
-/// CD-ROM drives. It stores no values yet.
+/// Optical drives: name, letter, whether one writes CDs or shows an image. Merged from the Setup API, WMI and
+/// what the drives answer; no medium is touched.
 class CDRom : public Component {
 public:
     bool Detect() override;
+    bool Detect(const StorageFunctions& functions);
 };
 
 /// The chassis: whether the machine has a long-term battery, that is, is portable.
@@ -47,10 +52,11 @@ public:
     bool Detect() override;
 };
 
-/// DVD drives. It stores no values yet.
+/// What the optical drives can do with DVDs and Blu-ray discs. The drives are those of CDRom.
 class DVD : public Component {
 public:
     bool Detect() override;
+    bool Detect(const StorageFunctions& functions);
 };
 
 /// The displays. It stores no values yet.
@@ -59,21 +65,25 @@ public:
     bool Detect() override;
 };
 
-/// Hard drives. It stores no values yet.
+/// Disks, with those that hold Windows first: merged from what each answers, WMI and the Setup API by the
+/// disk's number. None is waked, read or asked for its serial number.
 class HardDrive : public Component {
 public:
     HardDrive() { HardDrive::Initialize(); }
 
     bool Detect() override;
+    bool Detect(const StorageFunctions& functions);
     void Initialize() override;
 };
 
-/// Logical drives. It stores no values yet.
+/// Drive letters, with that of Windows first. Only fixed and RAM disks are asked for file system and sizes;
+/// labels and shares are never asked for.
 class LogicalDrive : public Component {
 public:
     LogicalDrive() { LogicalDrive::Initialize(); }
 
     bool Detect() override;
+    bool Detect(const VolumeFunctions& functions);
     void Initialize() override;
 };
 
@@ -146,10 +156,12 @@ public:
     void Initialize() override;
 };
 
-/// SCSI and RAID controllers. It stores no values yet.
+/// Controllers of the class SCSI, with their kinds: real ones first. Nearly every machine has some that are
+/// made by drivers.
 class SCSI : public Component {
 public:
     bool Detect() override;
+    bool Detect(SetupLib& library);
 };
 
 }  // namespace kel

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "detectors/Component.h"
+#include "values/Count.h"
 #include "values/Exists.h"
 
 namespace kel {
@@ -123,6 +125,10 @@ private:
     static void StoreMember(unsigned id, int index, bool flag)
     {
         Component::AddValue(id, Exists(flag), index);
+    }
+    static void StoreMember(unsigned id, int index, std::int32_t number)
+    {
+        Component::AddValue(id, Count(number), index);
     }
     template <typename T>
     static void StoreMember(unsigned id, int index, const std::optional<T>& member)

@@ -1,10 +1,153 @@
+#include <algorithm>
+
 #include "detectors/Detectors.h"
+#include "detectors/Facts.h"
+#include "platform/ErrorMode.h"
+#include "probes/DiskModel.h"
+#include "probes/Disks.h"
+#include "probes/SetupLib.h"
+#include "probes/WMI.h"
 
 namespace kel {
 
+namespace {
+
+using D = DiskInfo;
+using Disks = std::vector<DiskInfo>;
+
+/// What is said of all fixed disks together.
+struct DiskTotals {
+    bool isThere = false;
+    std::int32_t count = 0;
+    std::optional<Size> capacity;
+};
+
+constexpr FactTable Totals(Fact{72500, &DiskTotals::isThere}, Fact{72501, &DiskTotals::count},
+                           Fact{72511, &DiskTotals::capacity});
+constexpr FactTable Facts(Fact{72502, &D::model, L"model"}, Fact{72503, &D::deviceId},
+                          Fact{72504, &D::capacity}, Fact{72505, &D::bus}, Fact{72506, &D::isSolidState},
+                          Fact{72507, &D::isRemovable}, Fact{72508, &D::firmware},
+                          Fact{72509, &D::number, L"number"}, Fact{72510, &D::holdsWindows},
+                          Fact{NotStored, &D::isVirtual});
+using Drive = decltype(Facts)::Device;
+
+bool IsSameDisk(const DiskInfo& one, const DiskInfo& other)
+{
+    return one.number && one.number == other.number;
+}
+
+Disks ListWmiDisks()
+{
+    Disks disks;
+    WMI::Instance().GetHardDriveValues(disks);
+    for (DiskInfo& disk : disks) {
+        disk.model = Name(TidyDiskModel(disk.model.ToString()));
+        if (disk.number.value_or(0) < 0)
+            disk.number.reset();
+    }
+    return disks;
+}
+
+Disks ListSetupDisks(const StorageFunctions& functions)
+{
+    Disks disks;
+    SetupLib::Instance().GetHardDriveInfo(disks);
+    for (DiskInfo& disk : disks) {
+        const std::wstring friendly = TidyDiskModel(disk.friendlyName.ToString());
+        disk.model = Name(friendly.empty() ? ReadIdeModel(disk.deviceId.ToString()) : friendly);
+        disk.number = ReadDiskNumber(functions, disk.instanceId.ToString());
+    }
+    return disks;
+}
+
+/// Takes the models away that another source has in full.
+void DropCutModels(Disks& disks, const Disks& others)
+{
+    for (DiskInfo& disk : disks) {
+        const bool isCut = std::ranges::any_of(others, [&disk](const DiskInfo& other) {
+            return IsSameDisk(disk, other) && IsCutModel(disk.model.ToString(), other.model.ToString());
+        });
+        if (isCut)
+            disk.model = Name();
+    }
+}
+
+/// Merges what a source lists. Disks without a number add none where others have theirs: they are the same
+/// ones, and nothing tells which.
+void Add(std::vector<Drive>& drives, Disks listed, const wchar_t* source)
+{
+    const bool hasNumbers =
+        std::ranges::any_of(drives, [](const Drive& drive) { return drive.record.number.has_value(); });
+    if (hasNumbers)
+        std::erase_if(listed, [](const DiskInfo& disk) { return !disk.number; });
+    Facts.Join(drives, listed, source, &IsSameDisk);
+}
+
+/// A drive without a medium, a floppy, or a disk that is made of a file or of others.
+bool IsLeftOut(const Drive& drive)
+{
+    const DiskInfo& disk = drive.record;
+    return disk.isVirtual.value_or(false) || (disk.capacity && disk.capacity->Bytes() == 0);
+}
+
+/// The disks of Windows first, then fixed ones, then by device id.
+auto GetRank(const Drive& drive)
+{
+    const DiskInfo& disk = drive.record;
+    return std::make_tuple(!disk.holdsWindows.value_or(false), disk.isRemovable.value_or(false),
+                           std::wstring(disk.deviceId.ToString()));
+}
+
+DiskTotals AddUp(const std::vector<Drive>& drives)
+{
+    DiskTotals totals;
+    for (const Drive& drive : drives) {
+        if (drive.record.isRemovable.value_or(false))
+            continue;
+        totals.isThere = true;
+        ++totals.count;
+        if (drive.record.capacity)
+            totals.capacity = totals.capacity.value_or(Size()) += *drive.record.capacity;
+    }
+    return totals;
+}
+
+}  // namespace
+
 bool HardDrive::Detect()
 {
-    return Guarded(L"kel::HardDrive::Detect", L"Error in HardDrive detection.", [] {});
+    return Detect(StorageFunctions::OfSystem());
+}
+
+bool HardDrive::Detect(const StorageFunctions& functions)
+{
+    return Guarded(L"kel::HardDrive::Detect", L"Error in HardDrive detection.", [&functions] {
+        const ErrorMode quiet;
+        Totals.Store(DiskTotals());
+        Facts.Store(DiskInfo());
+        Disks storage = ListDisks(functions);
+        Disks wmi = ListWmiDisks();
+        const Disks setup = ListSetupDisks(functions);
+        DropCutModels(storage, wmi);
+        DropCutModels(storage, setup);
+        DropCutModels(wmi, setup);
+
+        std::vector<Drive> drives;
+        Add(drives, storage, L"the storage functions");
+        Add(drives, wmi, L"WMI");
+        Add(drives, setup, L"the Setup API");
+        std::erase_if(drives, &IsLeftOut);
+        const std::vector<std::int32_t> windows = ReadWindowsDisks(functions);
+        for (Drive& drive : drives) {
+            if (!windows.empty() && drive.record.number)
+                drive.record.holdsWindows = std::ranges::count(windows, *drive.record.number) > 0;
+        }
+        std::ranges::stable_sort(drives, {}, &GetRank);
+
+        Totals.Store(AddUp(drives));
+        for (std::size_t place = 0; place < drives.size(); ++place)
+            Facts.Store(drives[place], L"HardDrive", static_cast<int>(place));
+    });
 }
 
 void HardDrive::Initialize()

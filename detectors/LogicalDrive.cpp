@@ -1,10 +1,82 @@
+#include <algorithm>
+
 #include "detectors/Detectors.h"
+#include "detectors/Facts.h"
+#include "platform/ErrorMode.h"
+#include "probes/Volumes.h"
 
 namespace kel {
 
+namespace {
+
+using V = VolumeInfo;
+
+/// What is said of all letters together, but for those that are other names.
+struct VolumeTotals {
+    bool isThere = false;
+    std::int32_t fixed = 0;
+    std::optional<Size> free;  ///< on the fixed ones
+    std::int32_t removable = 0;
+    std::int32_t optical = 0;
+    std::int32_t remote = 0;
+    std::int32_t ram = 0;
+};
+
+using T = VolumeTotals;
+constexpr FactTable Totals(Fact{72600, &T::isThere}, Fact{72601, &T::fixed}, Fact{72612, &T::free},
+                           Fact{72608, &T::removable}, Fact{72609, &T::optical}, Fact{72610, &T::remote},
+                           Fact{72611, &T::ram});
+constexpr FactTable Facts(Fact{72602, &V::letter}, Fact{72603, &V::kind}, Fact{72604, &V::fileSystem},
+                          Fact{72605, &V::size}, Fact{72606, &V::free}, Fact{72607, &V::holdsWindows});
+
+/// In the order in which they matter.
+constexpr UINT Types[] = {DRIVE_FIXED, DRIVE_RAMDISK, DRIVE_REMOVABLE, DRIVE_CDROM, DRIVE_REMOTE};
+
+/// The volume of Windows first, then by kind; letters are in their order already.
+auto GetRank(const VolumeInfo& volume)
+{
+    return std::make_tuple(!volume.holdsWindows, std::ranges::find(Types, volume.type) - Types);
+}
+
+VolumeTotals AddUp(const std::vector<VolumeInfo>& volumes)
+{
+    const auto count = [&volumes](UINT type) {
+        return static_cast<std::int32_t>(std::ranges::count_if(
+            volumes, [type](const VolumeInfo& volume) { return volume.type == type && !volume.isAlias; }));
+    };
+    VolumeTotals totals;
+    totals.fixed = count(DRIVE_FIXED);
+    totals.isThere = totals.fixed > 0;
+    totals.removable = count(DRIVE_REMOVABLE);
+    totals.optical = count(DRIVE_CDROM);
+    totals.remote = count(DRIVE_REMOTE);
+    totals.ram = count(DRIVE_RAMDISK);
+    for (const VolumeInfo& volume : volumes) {
+        if (volume.type == DRIVE_FIXED && !volume.isAlias && volume.free)
+            totals.free = totals.free.value_or(Size()) += *volume.free;
+    }
+    return totals;
+}
+
+}  // namespace
+
 bool LogicalDrive::Detect()
 {
-    return Guarded(L"kel::LogicalDrive::Detect", L"Error in LogicalDrive detection.", [] {});
+    return Detect(VolumeFunctions::OfSystem());
+}
+
+bool LogicalDrive::Detect(const VolumeFunctions& functions)
+{
+    return Guarded(L"kel::LogicalDrive::Detect", L"Error in LogicalDrive detection.", [&functions] {
+        const ErrorMode quiet;
+        Totals.Store(VolumeTotals());
+        Facts.Store(VolumeInfo());
+        std::vector<VolumeInfo> volumes = ListVolumes(functions);
+        std::ranges::stable_sort(volumes, {}, &GetRank);
+        Totals.Store(AddUp(volumes));
+        for (std::size_t place = 0; place < volumes.size(); ++place)
+            Facts.Store(volumes[place], static_cast<int>(place));
+    });
 }
 
 void LogicalDrive::Initialize()

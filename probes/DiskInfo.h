@@ -3,16 +3,28 @@
 #include <cstdint>
 #include <optional>
 
+#include "values/DeviceID.h"
 #include "values/Name.h"
+#include "values/Size.h"
+#include "values/Version.h"
 
 namespace kel {
 
-/// What one source says about a disk; an empty text is unknown.
+/// What one source says about a disk; what is empty is unknown.
 struct DiskInfo {
-    Name model;                          ///< of WMI, or the hardware id less its bus prefix
-    Name friendlyName;                   ///< as the Setup API has it
-    Name deviceName;                     ///< such as \\.\PHYSICALDRIVE0
+    Name model;         ///< maker and model; of the Setup API the hardware id less its bus prefix
+    Name friendlyName;  ///< as the Setup API has it
+    Name deviceName;    ///< such as \\.\PHYSICALDRIVE0
+    Name instanceId;    ///< of the Setup API; can hold a serial number, so no value carries it
+    DeviceID deviceId;
     std::optional<std::int32_t> number;  ///< Windows' disk number
+    std::optional<Size> capacity;        ///< 0 for a drive without a medium
+    Name bus;                            ///< such as "NVMe"
+    std::optional<bool> isSolidState;
+    std::optional<bool> isRemovable;  ///< the medium, or the disk with its cable
+    std::optional<bool> isVirtual;    ///< made from a file or from other disks
+    std::optional<bool> holdsWindows;
+    std::optional<Version> firmware;
 };
 
 }  // namespace kel

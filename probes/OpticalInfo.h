@@ -1,15 +1,23 @@
 #pragma once
 
+#include <optional>
+
+#include "probes/OpticalAbilities.h"
+#include "values/DeviceID.h"
 #include "values/Name.h"
 
 namespace kel {
 
-/// What one source says about an optical drive; an empty text is unknown.
+/// What one source says about an optical drive; what is empty is unknown.
 struct OpticalInfo {
     Name name;
-    Name deviceId;   ///< hardware id, or the plug-and-play device id of WMI
-    Name drive;      ///< drive letter, such as "D:"
-    Name mediaType;  ///< as WMI describes it
+    DeviceID deviceId;
+    Name instanceId;  ///< the key of the drive; can hold a serial number, so no value carries it
+    Name drive;       ///< drive letter, such as "D:"
+    Name mediaType;   ///< as WMI describes it
+    OpticalAbilities abilities;
+    std::optional<bool> writesCds;  ///< of the abilities
+    std::optional<bool> isVirtual;  ///< shows an image instead of a medium
 };
 
 }  // namespace kel

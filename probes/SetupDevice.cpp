@@ -1,6 +1,7 @@
 #include "probes/SetupDevice.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "diag/Log.h"
@@ -11,6 +12,7 @@ namespace kel {
 namespace {
 
 constexpr std::size_t LargestValue = 1000;  // bytes
+constexpr DWORD LongestInstanceId = 200;  // characters
 
 bool IsGiven(const wchar_t* text)
 {
@@ -102,6 +104,14 @@ std::vector<std::wstring> SetupDevice::Texts(DWORD property) const
         start = end + 1;
     }
     return texts;
+}
+
+Name SetupDevice::InstanceId() const
+{
+    std::array<wchar_t, LongestInstanceId + 1> id = {};
+    const BOOL isRead =
+        entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, nullptr);
+    return isRead ? Name(id.data()) : Name();
 }
 
 Name SetupDevice::DeviceName() const

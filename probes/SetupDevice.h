@@ -36,6 +36,9 @@ public:
     /// All texts of a list property; none when it cannot be read.
     std::vector<std::wstring> Texts(DWORD property) const;
 
+    /// The device instance id, which can hold a serial number; empty when it cannot be read.
+    Name InstanceId() const;
+
     /// The friendly name, or the description where there is none.
     Name DeviceName() const;
 

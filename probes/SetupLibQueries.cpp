@@ -64,6 +64,8 @@ bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
         std::wstring id;
         if (device.GetDeviceProperty(SPDRP_HARDWAREID, id) && id.size() >= BusPrefixLength)
             drive.model = Name(id.substr(BusPrefixLength));
+        drive.deviceId = DeviceID(id);
+        drive.instanceId = device.InstanceId();
         drives.push_back(drive);
     });
 }
@@ -72,8 +74,11 @@ bool SetupLib::GetScsiInfo(std::vector<ScsiInfo>& controllers)
 {
     return Enumerate(L"GetScsiInfo", ScsiControllers, nullptr, [&](const SetupDevice& device) {
         ScsiInfo controller;
-        controller.hardwareId = device.Text(SPDRP_HARDWAREID);
-        controller.driverVersion = device.DriverVersion();
+        controller.name = device.DeviceName();
+        controller.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
+        controller.compatibleIds = device.Texts(SPDRP_COMPATIBLEIDS);
+        if (const Name version = device.DriverVersion(); version.HasValue())
+            controller.driverVersion = Version(version.ToString());
         controllers.push_back(controller);
     });
 }
@@ -84,7 +89,8 @@ bool SetupLib::GetCDRomInfo(std::vector<OpticalInfo>& drives)
                      [&](const SetupDevice& device) {
                          OpticalInfo drive;
                          drive.name = device.DeviceName();
-                         drive.deviceId = device.Text(SPDRP_HARDWAREID);
+                         drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
+                         drive.instanceId = device.InstanceId();
                          drives.push_back(drive);
                      });
 }

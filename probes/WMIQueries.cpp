@@ -44,7 +44,7 @@ constexpr Row<BoardInfo> BoardRows[] = {{L"Manufacturer", &BoardInfo::manufactur
                                         {L"Product", &BoardInfo::product},
                                         {L"Version", &BoardInfo::version}};
 constexpr Row<OpticalInfo> OpticalRows[] = {{L"Name", &OpticalInfo::name},
-                                            {L"PNPDeviceID", &OpticalInfo::deviceId},
+                                            {L"PNPDeviceID", &OpticalInfo::instanceId},
                                             {L"Drive", &OpticalInfo::drive},
                                             {L"MediaType", &OpticalInfo::mediaType}};
 

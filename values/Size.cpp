@@ -1,6 +1,8 @@
 #include "values/Size.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <string>
 
 #include "diag/Log.h"
@@ -35,6 +37,13 @@ bool Size::Initialize(const wchar_t* text)
         ReportFailure(LogWarning, L"Error while initializing Size type with value: ", text);
         return false;
     }
+}
+
+Size& Size::operator+=(const Size& other)
+{
+    const std::uint64_t room = std::numeric_limits<std::uint64_t>::max() - bytes;
+    bytes += std::min(other.bytes, room);
+    return *this;
 }
 
 const wchar_t* Size::ToString() const

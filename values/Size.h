@@ -16,6 +16,9 @@ public:
 
     std::uint64_t Bytes() const { return bytes; }
 
+    /// Adds an amount; what would be too large becomes the largest.
+    Size& operator+=(const Size& other);
+
     /// Reads a text such as "2 GB" or "1.5kb"; without a unit the number counts bytes. The first of KB, MB,
     /// GB, TB that occurs anywhere decides. A text without a readable number is 0 bytes and a success.
     /// @return false, with a warning in the log and 0 bytes, for a null text or when reading fails

@@ -9,6 +9,12 @@ namespace kel {
 
 namespace {
 
+/// In upper case.
+constexpr std::wstring_view Placeholders[] = {
+    L"TO BE FILLED BY O.E.M.", L"DEFAULT STRING",          L"SYSTEM PRODUCT NAME",
+    L"NOT SPECIFIED",          L"(STANDARD DISK DRIVES)", L"GENERIC PNP MONITOR",
+};
+
 std::wstring Transform(std::wstring text, std::wint_t (*convert)(std::wint_t))
 {
     std::ranges::transform(text, text.begin(),
@@ -48,6 +54,21 @@ std::wstring Trim(const std::wstring& text)
     const auto end = std::find_if_not(text.rbegin(), text.rend(), IsSpace).base();
     const auto start = std::find_if_not(text.begin(), end, IsSpace);
     return {start, end};
+}
+
+std::wstring CollapseBlanks(const std::wstring& text)
+{
+    std::wstring tidy = Trim(text);
+    for (std::size_t pair = tidy.find(L"  "); pair != std::wstring::npos; pair = tidy.find(L"  ", pair))
+        tidy.erase(pair, 1);
+    return tidy;
+}
+
+std::wstring TidyName(const std::wstring& name)
+{
+    const auto control = std::ranges::find_if(name, [](wchar_t c) { return c < L' '; });
+    std::wstring tidy = CollapseBlanks({name.begin(), control});
+    return std::ranges::count(Placeholders, ToUpper(tidy)) == 0 ? tidy : std::wstring();
 }
 
 void ReplaceAll(std::wstring& text, std::wstring_view what, std::wstring_view with)

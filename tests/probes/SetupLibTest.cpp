@@ -24,6 +24,11 @@ std::wstring Show(const Value& value)
     return value.ToString();
 }
 
+std::wstring Show(const std::optional<Version>& version)
+{
+    return version ? version->ToString() : L"";
+}
+
 std::wstring Show(MediaKind kind)
 {
     return std::to_wstring(static_cast<DWORD>(kind));
@@ -114,7 +119,7 @@ TEST(SetupLib, ListsControllersDrivesAndSound)
     plain.With(SPDRP_FRIENDLYNAME, L"").With(SPDRP_DEVICEDESC, L"Described");
     sound.With(SPDRP_DEVICEDESC, L"Sound").Device(L"x", L"").Driver(L"DriverVersion", L"6.0");
     driverless.With(SPDRP_DEVICEDESC, L"No driver").With(SPDRP_HARDWAREID, L"HDAUDIO\\F").Device(L"x", L"");
-    EXPECT_EQ(List(&SetupLib::GetScsiInfo, &ScsiInfo::hardwareId, &ScsiInfo::driverVersion),
+    EXPECT_EQ(List(&SetupLib::GetScsiInfo, &ScsiInfo::deviceId, &ScsiInfo::driverVersion),
               Lines{L"PCI\\VEN_1000|1.2.3"});
     EXPECT_EQ(List(&SetupLib::GetCDRomInfo, &OpticalInfo::name, &OpticalInfo::deviceId),
               (Lines{L"Friendly|IDE\\CD", L"Described|"}));

@@ -87,7 +87,7 @@ TEST(WMI, FillsEachRecordFromItsProperties)
         ASSERT_EQ(got.cdroms.size(), 1U);
         std::wstring cdrom;
         for (const Name& text :
-             {got.cdroms[0].name, got.cdroms[0].deviceId, got.cdroms[0].drive, got.cdroms[0].mediaType})
+             {got.cdroms[0].name, got.cdroms[0].instanceId, got.cdroms[0].drive, got.cdroms[0].mediaType})
             cdrom += text.ToString() + std::wstring(L"|");
         EXPECT_EQ(cdrom, L"CD|IDE|D:|CD-ROM|");
         std::wstring arguments = L"ROOT\\CIMV2 0; blanket 10 0 3 3 0; ";

@@ -1,0 +1,115 @@
+#include "detectors/OpticalDrives.h"
+
+#include <algorithm>
+
+#include "platform/ErrorMode.h"
+#include "probes/OpticalDevices.h"
+#include "probes/SetupLib.h"
+#include "probes/WMI.h"
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+using Drives = std::vector<OpticalInfo>;
+
+/// In upper case: parts of the names of drives that programs make to show an image.
+constexpr std::wstring_view VirtualNames[] = {L"VIRTUAL", L"CLONEDRIVE", L"DTSOFT", L"AXV CD", L"IMDISK"};
+
+std::wstring GetKey(const OpticalInfo& drive)
+{
+    return ToUpper(drive.instanceId.ToString());
+}
+
+bool IsSameDrive(const OpticalInfo& one, const OpticalInfo& other)
+{
+    return one.instanceId.HasValue() && GetKey(one) == GetKey(other);
+}
+
+Drives ListSetupDrives()
+{
+    Drives drives;
+    SetupLib::Instance().GetCDRomInfo(drives);
+    for (OpticalInfo& drive : drives)
+        drive.name = Name(TidyName(drive.name.ToString()));
+    return drives;
+}
+
+bool IsLetter(const std::wstring& text)
+{
+    return text.size() == 2 && text[0] >= L'A' && text[0] <= L'Z' && text[1] == L':';
+}
+
+Drives ListWmiDrives()
+{
+    Drives drives;
+    WMI::Instance().GetCDRomValues(drives);
+    for (OpticalInfo& drive : drives) {
+        drive.name = Name(TidyName(drive.name.ToString()));
+        drive.deviceId = DeviceID(drive.instanceId.ToString());
+        if (!IsLetter(drive.drive.ToString()))  // WMI names the volume where there is no letter
+            drive.drive = Name();
+    }
+    return drives;
+}
+
+bool HasVirtualName(const OpticalInfo& drive)
+{
+    const std::wstring name = ToUpper(drive.name.ToString());
+    return std::ranges::any_of(VirtualNames, [&name](std::wstring_view part) {
+        return name.find(part) != std::wstring::npos;
+    });
+}
+
+/// Draws what follows from the merged record. Where the drive itself told its profiles, no text is asked.
+void Finish(OpticalInfo& drive)
+{
+    if (drive.abilities.known != AllAbilities)
+        drive.abilities.Raise(GetAbilitiesOfName(drive.name.ToString()) |
+                              GetAbilitiesOfName(drive.mediaType.ToString()));
+    drive.writesCds = drive.abilities.Has(WritesCds);
+    if (drive.deviceId.IsVirtual() || HasVirtualName(drive))
+        drive.isVirtual = true;
+    else if (!drive.isVirtual && (drive.deviceId.HasValue() || drive.name.HasValue()))
+        drive.isVirtual = false;
+}
+
+/// Real drives first, then by device id.
+auto GetRank(const OpticalDrive& drive)
+{
+    return std::make_tuple(!IsRealDrive(drive), std::wstring(drive.record.deviceId.ToString()));
+}
+
+}  // namespace
+
+std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
+{
+    const ErrorMode quiet;
+    std::vector<OpticalDrive> drives;
+    OpticalFacts.Join(drives, ListSetupDrives(), L"the Setup API", &IsSameDrive);
+    OpticalFacts.Join(drives, ListWmiDrives(), L"WMI", &IsSameDrive);
+    // What the drives answer belongs to the drives that are listed; where none is, it is the list.
+    Drives told;
+    for (const auto& [drive, sources] : drives)
+        told.push_back(
+            ReadOpticalDrive(functions, drive.instanceId.ToString(), drive.drive.ToString()));
+    if (drives.empty())
+        told = ListOpticalDevices(functions);
+    drives.resize(told.size());
+    for (std::size_t place = 0; place < drives.size(); ++place) {
+        OpticalFacts.Merge(drives[place], told[place], L"the storage functions");
+        drives[place].record.abilities = told[place].abilities;
+        Finish(drives[place].record);
+    }
+    std::ranges::stable_sort(drives, {}, &GetRank);
+    return drives;
+}
+
+const std::vector<OpticalDrive>& GetOpticalDrives()
+{
+    static const std::vector<OpticalDrive> drives = ListOpticalDrives(StorageFunctions::OfSystem());
+    return drives;
+}
+
+}  // namespace kel
