@@ -2,7 +2,6 @@
 
 import subprocess
 import time
-import unittest
 import urllib.request
 
 from harness import API_KEY, NO_NETWORK, ControlTest
