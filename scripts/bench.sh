@@ -5,7 +5,9 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh --bench
-scripts/build.sh release
+scripts/build.sh release Detection
+cmake --preset release -DKEL_BENCH=ON >/dev/null
+cmake --build --preset release
 source scripts/wine_env.sh
 # All on one processor, Wine's server too: a call into the server otherwise waits, or does not, for another processor
 # to wake up, and the same line of debugger output takes 7 or 65 microseconds.
