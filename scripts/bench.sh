@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Measures what the control costs, beside plain programs that ask WMI for the same: prints one table and writes it to
-# build/bench/bench.json. --page also puts it into docs/performance.md; --runs N sets how often everything is run.
+# build/bench/bench.json. --page also puts it into docs/generated/performance.md; --runs N sets how often everything is run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
