@@ -8,6 +8,7 @@
 #include <string>
 
 #include "diag/Log.h"
+#include "service/CallBudget.h"
 
 namespace kel {
 
@@ -28,6 +29,7 @@ template <typename Body>
 HRESULT Guarded(Body body, const wchar_t* errorLine = CaughtException) noexcept
 {
     try {
+        const CallBudget budget;  // of all exchanges of this call
         body();
     } catch (const AlreadyLogged&) {
         return S_OK;

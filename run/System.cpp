@@ -143,7 +143,8 @@ void System::UploadReport()
     XMLReport(values).GetReport(XMLReport::StandardOption, report);
     WebServiceUpload request(report);
     request.Call();
-    upload.MarkUploaded(now);
+    if (!request.IsSkipped())
+        upload.MarkUploaded(now);
 }
 
 }  // namespace kel
