@@ -168,7 +168,7 @@ HRESULT CSysInfo::SetInterfaceSafetyOptions(REFIID riid, DWORD mask, DWORD enabl
     const HRESULT found = QueryInterface(riid, reinterpret_cast<void**>(queried.GetAddressOf()));
     if (FAILED(found))
         return found;
-    if (((mask | enabled) & ~SupportedSafety) != 0)
+    if ((mask & ~SupportedSafety) != 0)
         return E_FAIL;
     safetyOptions = (safetyOptions & ~mask) | (enabled & mask);
     return S_OK;
