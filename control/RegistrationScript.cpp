@@ -122,10 +122,12 @@ private:
             expanded += text.substr(0, open);
             if (open == std::wstring_view::npos)
                 return expanded;
-            const std::size_t close = std::min(text.find(L'%', open + 1), text.size());
+            const std::size_t close = text.find(L'%', open + 1);
+            if (close == std::wstring_view::npos)
+                Fail("a closing percent sign is missing");
             const auto parameter = parameters.find(std::wstring(text.substr(open + 1, close - open - 1)));
-            if (close == text.size() || parameter == parameters.end())
-                Fail("a known parameter is expected between percent signs");
+            if (parameter == parameters.end())
+                Fail("a known parameter is expected");
             expanded += parameter->second;
             text.remove_prefix(close + 1);
         }

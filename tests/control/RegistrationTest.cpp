@@ -17,14 +17,14 @@ TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
         {L"HKCR {\n a\n {\n }\n", "line 5: a name or a closing brace"},
         {L"HKCR {\n val a = s 'x' }", "line 2: a name"},
         {L"HKCR { 'a' }", "a name"},
-        {L"HKCR { a= s 'x' }", "a name"},
+        {L"HKCR { a=b }", "a name"},
         {L"HKCR { NoRemove ForceRemove a }", "a name"},
         {L"HKCR { k { val a } }", "equals sign"},
         {L"HKCR { a = d '1' }", "the type"},
         {L"HKCR { a = s x }", "a text"},
         {L"HKCR {\n a = s 'x }", "line 2: a closing quote"},
         {L"HKCR { a = s 'it''s' }", "a name"},
-        {L"HKCR { a = s '%MODULE' }", "known parameter"},
+        {L"HKCR { a = s '%MODULE' }", "percent sign"},
         {L"HKCR {\n b = s 'x %NAME%' }", "line 2: a known parameter"},
     };
     for (const auto& [text, message] : rows)
