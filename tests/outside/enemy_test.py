@@ -4,10 +4,9 @@ import os
 import sys
 import unittest
 from concurrent.futures import ThreadPoolExecutor
-from pathlib import Path
 
-from harness import DLL, ControlTest, wine
-from misbehaviour import LONGEST, MISBEHAVIOURS
+from harness import ControlTest
+from misbehaviour import MISBEHAVIOURS
 
 GROUPS = "/Data/Service.svc/Group/list"
 ANALYSIS = "/service/Analysis/demo"
@@ -72,15 +71,6 @@ class Enemy(ControlTest):
         self.assertLess(len(self.service.requests), 30)  # each may cost the host a socket
 
 
-class Unload(ControlTest):
-    def check(self):
-        """An exchange that was left to itself keeps the DLL, and gives it back."""
-        self.service.faults[GROUPS] = "slow-headers"
-        code, output = wine([str(Path(DLL).parent / "tests" / "unload_probe.exe")],
-                            f"http://{self.address}", timeout=LONGEST + 40)
-        self.assertEqual((code, output.split()), (0, ["kept", "gone"]))
-
-
 class Parallel(unittest.TestSuite):
     """Most cases wait for a limit; together they take as long as the longest."""
 
@@ -93,7 +83,7 @@ class Parallel(unittest.TestSuite):
 
 def load_tests(*_):
     slow_first = sorted(ROWS, key=lambda row: -row[3])
-    return Parallel([Unload("check"), *(Enemy(*row) for row in slow_first)])
+    return Parallel([Enemy(*row) for row in slow_first])
 
 
 if __name__ == "__main__":
