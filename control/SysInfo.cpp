@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "control/Members.h"
 #include "control/TypeInfo.h"
 
 namespace kel {
@@ -88,7 +89,7 @@ ULONG CSysInfo::Release()
 ITypeInfo* CSysInfo::TypeInfo() noexcept
 {
     if (!typeInfo)
-        typeInfo = LoadSysInfoTypeInfo();
+        Guarded([this] { typeInfo = LoadSysInfoTypeInfo(); });
     return typeInfo.Get();
 }
 
