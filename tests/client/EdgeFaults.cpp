@@ -62,7 +62,7 @@ constexpr Group Groups[] = {
     {0, 1, "malloc calloc realloc"},
     {0, 0, "SysAllocString SysAllocStringLen"},
     {Never, -1, "free"},
-    {0, EdgeFaults::Handle, "LoadLibraryW InternetOpenW InternetConnectW HttpOpenRequestW"},
+    {0, EdgeFaults::Handle, "LoadLibraryW LoadLibraryExW InternetOpenW InternetConnectW HttpOpenRequestW"},
     {OutOfMemory, EdgeFaults::Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
     {Never, -EdgeFaults::Handle,
      "RegCloseKey FreeLibrary FreeLibraryAndExitThread InternetCloseHandle BCryptCloseAlgorithmProvider"},
