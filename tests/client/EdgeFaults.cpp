@@ -77,7 +77,7 @@ constexpr Group Groups[] = {
      "RegQueryValueExW RegEnumKeyExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW "
      "RegOverridePredefKey BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid "
      "VariantChangeType VariantCopy ConnectServer ExecQuery Next Get LoadTypeLib LoadTypeLibEx "
-     "RegisterTypeLib UnRegisterTypeLib QueryPathOfRegTypeLib DispInvoke"},
+     "RegisterTypeLibForUser UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
     {Never, 0, "OutputDebugStringW", &CheckLine},
     {0, EdgeFaults::Handle, "InternetOpenUrlW",
      [](const Word*) { return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0)); }},
