@@ -175,12 +175,12 @@ void EdgeFaults::Install()
 
 void EdgeFaults::Hook(void** slot, std::string_view name)
 {
-    static constexpr auto stubs = Stubs(std::make_index_sequence<80>());
+    static constexpr auto AllStubs = Stubs(std::make_index_sequence<80>());
     const auto function = std::ranges::find(functions, name, &Function::name);
     if (function == functions.end())
         return;
     void* const stub =
-        reinterpret_cast<void*>(stubs.at(static_cast<std::size_t>(function - functions.begin())));
+        reinterpret_cast<void*>(AllStubs.at(static_cast<std::size_t>(function - functions.begin())));
     if (*slot == stub)
         return;
     function->original = reinterpret_cast<Any*>(*slot);
