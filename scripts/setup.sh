@@ -7,7 +7,7 @@ packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
   cmake ninja-build python3
 )
-[ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy)
+[ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
 [ "${1:-}" = --bench ] && packages+=(gcab)
 
 missing=()
