@@ -27,8 +27,11 @@ void StoreDrives(const std::vector<OpticalDrive>& drives)
     totals.count = static_cast<std::int32_t>(std::ranges::count_if(drives, &IsRealDrive));
     totals.isThere = totals.count > 0;
     Totals.Store(totals);
-    for (std::size_t place = 0; place < drives.size(); ++place)
+    for (std::size_t place = 0; place < drives.size(); ++place) {
+        if (const wchar_t* source = drives[place].record.abilitySource; *source != L'\0')
+            WriteLog(LogTrace, L"CDRom[", place, L"] abilities from ", source);
         OpticalFacts.Store(drives[place], L"CDRom", static_cast<int>(place));
+    }
 }
 
 }  // namespace

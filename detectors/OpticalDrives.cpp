@@ -62,12 +62,16 @@ bool HasVirtualName(const OpticalInfo& drive)
     });
 }
 
-/// Draws what follows from the merged record. Where the drive itself told its profiles, no text is asked.
+/// Draws what follows from the merged record. Where the drive itself told all its profiles, no text is asked.
 void Finish(OpticalInfo& drive)
 {
-    if (drive.abilities.known != AllAbilities)
+    if (drive.abilities.known != AllAbilities) {
+        const bool isTold = drive.abilities.HasValue();
         drive.abilities.Raise(GetAbilitiesOfName(drive.name.ToString()) |
                               GetAbilitiesOfName(drive.mediaType.ToString()));
+        if (!isTold && drive.abilities.HasValue())
+            drive.abilitySource = L"its name and media type";
+    }
     drive.writesCds = drive.abilities.Has(WritesCds);
     if (drive.deviceId.IsVirtual() || HasVirtualName(drive))
         drive.isVirtual = true;
@@ -100,6 +104,7 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
     for (std::size_t place = 0; place < drives.size(); ++place) {
         OpticalFacts.Merge(drives[place], told[place], L"the storage functions");
         drives[place].record.abilities = told[place].abilities;
+        drives[place].record.abilitySource = told[place].abilitySource;
         Finish(drives[place].record);
     }
     std::ranges::stable_sort(drives, {}, &GetRank);

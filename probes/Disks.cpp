@@ -19,13 +19,15 @@ constexpr const wchar_t* DiskInterface = L"{53f56307-b6bf-11d0-94f2-00a0c91efb8b
 constexpr int DeviceProperty = 0;
 constexpr int SeekPenaltyProperty = 7;
 constexpr int TrimProperty = 8;
-constexpr DWORD NoSuchDevice = 433;  // not in all compilers' headers
+// Not in all compilers' headers.
+constexpr DWORD NoSuchDevice = 433;
+constexpr DWORD DeviceRemoved = 1617;
 
 /// Whether an error says that the device is not there any more.
 bool IsGone(DWORD error)
 {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_DEV_NOT_EXIST ||
-           error == NoSuchDevice || error == ERROR_DEVICE_NOT_CONNECTED;
+           error == NoSuchDevice || error == ERROR_DEVICE_NOT_CONNECTED || error == DeviceRemoved;
 }
 
 bool HasNoMedium(DWORD error)

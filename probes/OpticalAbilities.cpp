@@ -106,16 +106,18 @@ OpticalAbilities ReadProfiles(Bytes answer)
     if (feature != ProfileListFeature || !size)
         return abilities;
     const std::size_t start = ConfigurationHeader + FeatureHeader;
-    for (std::size_t at = start; at - start + ProfileSize <= *size; at += ProfileSize) {
-        const auto profile = ReadBigEndian(bytes, at, 2);
+    const std::size_t count = static_cast<std::size_t>(*size) / ProfileSize;
+    for (std::size_t place = 0; place < count; ++place) {
+        const auto profile = ReadBigEndian(bytes, start + place * ProfileSize, 2);
         if (!profile)
-            break;
-        abilities.known = AllAbilities;
+            return abilities;
         for (const ProfileRange& range : Profiles) {
             if (*profile >= range.first && *profile <= range.last)
-                abilities.has |= range.abilities;
+                abilities.Raise(range.abilities);
         }
     }
+    if (count > 0)
+        abilities.known = AllAbilities;
     return abilities;
 }
 

@@ -38,8 +38,9 @@ struct OpticalAbilities {
 };
 
 /// Reads the answer to IOCTL_CDROM_GET_CONFIGURATION for feature 0, the list of profiles: all abilities are
-/// known then. Profiles that are not known count for nothing.
-/// @return nothing known for an answer that is cut, or holds no profile
+/// known then. Profiles that are not known count for nothing. Of a list that is cut only what it holds is
+/// known.
+/// @return nothing known for an answer without a profile
 OpticalAbilities ReadProfiles(Bytes answer);
 
 /// Reads the answer to IOCTL_STORAGE_GET_MEDIA_TYPES_EX, which tells abilities that a drive has, and never

@@ -51,15 +51,19 @@ std::wstring FindLetter(const StorageFunctions& functions, std::uint32_t number)
 }
 
 /// The profiles of a drive that may be opened for reading; else the kinds of media that it tells anybody.
-OpticalAbilities ReadAbilities(const StorageFunctions& functions, const std::wstring& path,
-                               const StorageDevice& device)
+void ReadAbilities(const StorageFunctions& functions, const std::wstring& path, const StorageDevice& device,
+                   OpticalInfo& drive)
 {
     const ConfigurationQuery query = {0, OneFeature, {}};
     const StorageDevice readable(functions, path, GENERIC_READ);
-    const OpticalAbilities abilities =
-        ReadProfiles(readable.Ask(GetConfiguration, std::as_bytes(std::span(&query, 1))).bytes);
-    return abilities.HasValue() ? abilities
-                                : ReadMediaTypes(device.Ask(IOCTL_STORAGE_GET_MEDIA_TYPES_EX).bytes);
+    drive.abilities = ReadProfiles(readable.Ask(GetConfiguration, std::as_bytes(std::span(&query, 1))).bytes);
+    if (drive.abilities.HasValue()) {
+        drive.abilitySource = L"the profile list";
+        return;
+    }
+    drive.abilities = ReadMediaTypes(device.Ask(IOCTL_STORAGE_GET_MEDIA_TYPES_EX).bytes);
+    if (drive.abilities.HasValue())
+        drive.abilitySource = L"the media types";
 }
 
 /// @return whether the path leads to an optical drive
@@ -74,7 +78,7 @@ bool ReadDevice(const StorageFunctions& functions, const std::wstring& path, Opt
         drive.name = Name(MakeDiskModel(descriptor->vendor, descriptor->product));
         drive.isVirtual = IsVirtualBus(descriptor->bus);
     }
-    drive.abilities = ReadAbilities(functions, path, device);
+    ReadAbilities(functions, path, device, drive);
     return true;
 }
 

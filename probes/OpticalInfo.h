@@ -16,6 +16,7 @@ struct OpticalInfo {
     Name drive;       ///< drive letter, such as "D:"
     Name mediaType;   ///< as WMI describes it
     OpticalAbilities abilities;
+    const wchar_t* abilitySource = L"";  ///< who told them, for the log
     std::optional<bool> writesCds;  ///< of the abilities
     std::optional<bool> isVirtual;  ///< shows an image instead of a medium
 };

@@ -8,6 +8,7 @@
 #include <set>
 #include <utility>
 
+#include "diag/Log.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -22,7 +23,7 @@ constexpr std::size_t LargestNames = 2097152;
 constexpr std::size_t MostDevices = 256;
 constexpr std::size_t NumberDigits = 6;
 
-DWORD QueryDosDevice(const wchar_t* name, std::span<wchar_t> buffer)
+DWORD ListDevices(const wchar_t* name, std::span<wchar_t> buffer)
 {
     return QueryDosDeviceW(name, buffer.data(), static_cast<DWORD>(buffer.size()));
 }
@@ -48,10 +49,13 @@ std::vector<wchar_t> ListNames(const StorageFunctions& functions)
     for (std::size_t room = UsualNames; room <= LargestNames; room *= 4) {
         names.assign(room, L'\0');
         const DWORD length = functions.queryDosDevice(nullptr, names);
-        if (length > 0 || GetLastError() != ERROR_INSUFFICIENT_BUFFER) {
-            names.resize(std::min<std::size_t>(length, room));
-            return names;
-        }
+        const DWORD error = length > 0 ? ERROR_SUCCESS : GetLastError();
+        if (error == ERROR_INSUFFICIENT_BUFFER)
+            continue;
+        if (error != ERROR_SUCCESS)
+            WriteLog(LogWarning, L"The system does not list its devices: ", error);
+        names.resize(std::min<std::size_t>(length, room));
+        return names;
     }
     return {};
 }
@@ -61,7 +65,7 @@ std::vector<wchar_t> ListNames(const StorageFunctions& functions)
 StorageFunctions StorageFunctions::OfSystem()
 {
     StorageFunctions functions;
-    functions.queryDosDevice = &QueryDosDevice;
+    functions.queryDosDevice = &ListDevices;
     functions.openDevice = &OpenDevice;
     functions.ioControl = &Control;
     functions.closeDevice = &CloseHandle;

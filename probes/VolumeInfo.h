@@ -18,7 +18,7 @@ struct VolumeInfo {
     Name fileSystem;
     std::optional<Size> size;
     std::optional<Size> free;  ///< to this user, whom a quota may bound
-    bool holdsWindows = false;
+    std::optional<bool> holdsWindows;
     bool isAlias = false;  ///< another name for a folder or a letter
 };
 

@@ -88,6 +88,8 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
     std::vector<VolumeInfo> volumes;
     Attempt(L"Error in the list of volumes.", [&] {
         const DWORD drives = functions.getLogicalDrives();
+        if (drives == 0)
+            WriteLog(LogWarning, L"The system lists no volumes: ", GetLastError());
         const std::wstring windows = GetWindowsLetter(functions.getSystemWindowsDirectory);
         for (int place = 0; place < LetterCount; ++place) {
             if ((drives >> place & 1) == 0)
@@ -95,7 +97,8 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
             VolumeInfo& volume = volumes.emplace_back();
             const std::wstring letter = {static_cast<wchar_t>(L'A' + place), L':'};
             volume.letter = Name(letter);
-            volume.holdsWindows = letter == windows;
+            if (!windows.empty())
+                volume.holdsWindows = letter == windows;
             DWORD error = ERROR_SUCCESS;
             Attempt(L"Error in a volume's answers.", [&] {
                 const std::wstring root = letter + L"\\";
