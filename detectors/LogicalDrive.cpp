@@ -35,7 +35,8 @@ constexpr UINT Types[] = {DRIVE_FIXED, DRIVE_RAMDISK, DRIVE_REMOVABLE, DRIVE_CDR
 /// The volume of Windows first, then by kind; letters are in their order already.
 auto GetRank(const VolumeInfo& volume)
 {
-    return std::make_tuple(!volume.holdsWindows.value_or(false), std::ranges::find(Types, volume.type) - Types);
+    return std::make_tuple(!volume.holdsWindows.value_or(false),
+                           std::ranges::find(Types, volume.type) - Types);
 }
 
 VolumeTotals AddUp(const std::vector<VolumeInfo>& volumes)

@@ -57,9 +57,8 @@ Drives ListWmiDrives()
 bool HasVirtualName(const OpticalInfo& drive)
 {
     const std::wstring name = ToUpper(drive.name.ToString());
-    return std::ranges::any_of(VirtualNames, [&name](std::wstring_view part) {
-        return name.find(part) != std::wstring::npos;
-    });
+    return std::ranges::any_of(
+        VirtualNames, [&name](std::wstring_view part) { return name.find(part) != std::wstring::npos; });
 }
 
 /// Draws what follows from the merged record. Where the drive itself told all its profiles, no text is asked.
@@ -96,8 +95,7 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
     // What the drives answer belongs to the drives that are listed; where none is, it is the list.
     Drives told;
     for (const auto& [drive, sources] : drives)
-        told.push_back(
-            ReadOpticalDrive(functions, drive.instanceId.ToString(), drive.drive.ToString()));
+        told.push_back(ReadOpticalDrive(functions, drive.instanceId.ToString(), drive.drive.ToString()));
     if (drives.empty())
         told = ListOpticalDevices(functions);
     drives.resize(told.size());

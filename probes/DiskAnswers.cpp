@@ -62,7 +62,8 @@ std::vector<std::uint32_t> ReadExtentDisks(Bytes answer)
     std::vector<std::uint32_t> disks;
     const std::uint64_t count = ReadLittleEndian(answer, 0, sizeof(DWORD)).value_or(0);
     for (std::uint64_t extent = 0; extent < count; ++extent) {
-        const auto disk = ReadLittleEndian(answer, ExtentsOffset + extent * sizeof(DISK_EXTENT), sizeof(DWORD));
+        const auto disk =
+            ReadLittleEndian(answer, ExtentsOffset + extent * sizeof(DISK_EXTENT), sizeof(DWORD));
         if (!disk)
             break;
         disks.push_back(static_cast<std::uint32_t>(*disk));

@@ -13,7 +13,7 @@ namespace {
 constexpr std::wstring_view NoVendors[] = {L"NVME", L"ATA", L"GENERIC", L"GENERIC-"};
 /// What Windows puts behind a disk's name, by its bus, in upper case.
 constexpr std::wstring_view Suffixes[] = {L" SCSI DISK DEVICE", L" ATA DEVICE", L" USB DEVICE",
-                                          L" IEEE 1394 SBP2 DEVICE"};
+                                          L" IEEE 1394 SBP2 DEVICE", L" MULTI-PATH DISK DEVICE"};
 constexpr std::wstring_view IdePrefix = L"IDE\\DISK";
 
 bool IsNoVendor(const std::wstring& word)
@@ -40,7 +40,8 @@ std::wstring TidyDiskModel(const std::wstring& name)
             model.erase(model.size() - suffix.size());
     }
     const std::size_t blank = model.find(L' ');
-    return blank != std::wstring::npos && IsNoVendor(model.substr(0, blank)) ? model.substr(blank + 1) : model;
+    return blank != std::wstring::npos && IsNoVendor(model.substr(0, blank)) ? model.substr(blank + 1)
+                                                                             : model;
 }
 
 std::wstring ReadIdeModel(const std::wstring& hardwareId)

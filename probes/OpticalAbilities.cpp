@@ -62,16 +62,16 @@ struct NameWord {
 };
 
 constexpr NameWord NameWords[] = {
-    {L"BDRE", BdWriter},       {L"BDRW", BdWriter},     {L"BDR", BdWriter},      {L"BDMLT", BdWriter},
-    {L"BDE", BdWriter},        {L"BW", BdWriter},       {L"IHBS", BdWriter},     {L"BDCMB", BdCombo},
-    {L"BDDVDW", BdCombo},      {L"BDDVDRW", BdCombo},   {L"DVDWBD", BdCombo},    {L"BDC", BdCombo},
-    {L"BC", BdCombo},          {L"IHES", BdCombo},      {L"BDROM", BdReader},    {L"BD", BdReader},
-    {L"IHOS", BdReader},       {L"DVDRAM", DvdWriter},  {L"DVDRW", DvdWriter},   {L"DVDRRW", DvdWriter},
-    {L"DVDR", DvdWriter},      {L"DVDW", DvdWriter},    {L"CDDVDW", DvdWriter},  {L"CDDVDRW", DvdWriter},
-    {L"DVDWRITER", DvdWriter}, {L"DVDA", DvdWriter},    {L"DRW", DvdWriter},     {L"DVR", DvdWriter},
-    {L"IHAS", DvdWriter},      {L"COMBO", Combo},       {L"DVDCDRW", Combo},     {L"CDRWDVD", Combo},
-    {L"DVDROM", ReadsDvds},    {L"DVD", ReadsDvds},     {L"IHDS", ReadsDvds},    {L"CDRW", WritesCds},
-    {L"CDR", WritesCds},       {L"CDW", WritesCds},     {L"CDWRITER", WritesCds}, {L"RW", WritesCds},
+    {L"BDRE", BdWriter},       {L"BDRW", BdWriter},    {L"BDR", BdWriter},       {L"BDMLT", BdWriter},
+    {L"BDE", BdWriter},        {L"BW", BdWriter},      {L"IHBS", BdWriter},      {L"BDCMB", BdCombo},
+    {L"BDDVDW", BdCombo},      {L"BDDVDRW", BdCombo},  {L"DVDWBD", BdCombo},     {L"BDC", BdCombo},
+    {L"BC", BdCombo},          {L"IHES", BdCombo},     {L"BDROM", BdReader},     {L"BD", BdReader},
+    {L"IHOS", BdReader},       {L"DVDRAM", DvdWriter}, {L"DVDRW", DvdWriter},    {L"DVDRRW", DvdWriter},
+    {L"DVDR", DvdWriter},      {L"DVDW", DvdWriter},   {L"CDDVDW", DvdWriter},   {L"CDDVDRW", DvdWriter},
+    {L"DVDWRITER", DvdWriter}, {L"DVDA", DvdWriter},   {L"DRW", DvdWriter},      {L"DVR", DvdWriter},
+    {L"IHAS", DvdWriter},      {L"COMBO", Combo},      {L"DVDCDRW", Combo},      {L"CDRWDVD", Combo},
+    {L"DVDROM", ReadsDvds},    {L"DVD", ReadsDvds},    {L"IHDS", ReadsDvds},     {L"CDRW", WritesCds},
+    {L"CDR", WritesCds},       {L"CDW", WritesCds},    {L"CDWRITER", WritesCds}, {L"RW", WritesCds},
 };
 
 /// The words in upper case. Signs within a word are dropped: "DVD+-RW" is "DVDRW".

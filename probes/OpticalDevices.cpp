@@ -93,7 +93,8 @@ OpticalInfo ReadOpticalDrive(const StorageFunctions& functions, const std::wstri
         if (!path.empty() && ReadDevice(functions, path, drive))
             return;
         const std::wstring target = letter.empty() ? L"" : GetTarget(functions, letter);
-        const std::wstring device = target.starts_with(KernelPrefix) ? target.substr(KernelPrefix.size()) : L"";
+        const std::wstring device =
+            target.starts_with(KernelPrefix) ? target.substr(KernelPrefix.size()) : L"";
         if (!device.starts_with(DeviceWord) || !ReadDevice(functions, DevicePrefix + device, drive))
             WriteLog(LogWarning, L"An optical drive does not answer.");
     });

@@ -17,8 +17,8 @@ struct OpticalInfo {
     Name mediaType;   ///< as WMI describes it
     OpticalAbilities abilities;
     const wchar_t* abilitySource = L"";  ///< who told them, for the log
-    std::optional<bool> writesCds;  ///< of the abilities
-    std::optional<bool> isVirtual;  ///< shows an image instead of a medium
+    std::optional<bool> writesCds;       ///< of the abilities
+    std::optional<bool> isVirtual;       ///< shows an image instead of a medium
 };
 
 }  // namespace kel

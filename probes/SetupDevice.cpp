@@ -12,7 +12,7 @@ namespace kel {
 namespace {
 
 constexpr std::size_t LargestValue = 1000;  // bytes
-constexpr DWORD LongestInstanceId = 200;  // characters
+constexpr DWORD LongestInstanceId = 200;    // characters
 
 bool IsGiven(const wchar_t* text)
 {
@@ -109,8 +109,7 @@ std::vector<std::wstring> SetupDevice::Texts(DWORD property) const
 Name SetupDevice::InstanceId() const
 {
     std::array<wchar_t, LongestInstanceId + 1> id = {};
-    const BOOL isRead =
-        entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, nullptr);
+    const BOOL isRead = entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, nullptr);
     return isRead ? Name(id.data()) : Name();
 }
 

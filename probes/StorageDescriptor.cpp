@@ -25,9 +25,26 @@ constexpr std::uint32_t BusUfs = 19;
 
 /// By STORAGE_BUS_TYPE.
 constexpr const wchar_t* BusNames[] = {
-    L"",     L"SCSI", L"ATAPI", L"ATA",  L"FireWire", L"SSA", L"Fibre Channel", L"USB",
-    L"RAID", L"iSCSI", L"SAS",  L"SATA", L"SD",       L"MMC", L"virtual",       L"file-backed virtual",
-    L"Storage Spaces", L"NVMe", L"SCM",  L"UFS",
+    L"",
+    L"SCSI",
+    L"ATAPI",
+    L"ATA",
+    L"FireWire",
+    L"SSA",
+    L"Fibre Channel",
+    L"USB",
+    L"RAID",
+    L"iSCSI",
+    L"SAS",
+    L"SATA",
+    L"SD",
+    L"MMC",
+    L"virtual",
+    L"file-backed virtual",
+    L"Storage Spaces",
+    L"NVMe",
+    L"SCM",
+    L"UFS",
 };
 
 std::uint32_t Number(Bytes bytes, std::size_t offset)

@@ -18,18 +18,18 @@ constexpr std::wstring_view AliasPrefix = L"\\??\\";
 const wchar_t* GetKind(UINT type)
 {
     switch (type) {
-    case DRIVE_FIXED:
-        return L"fixed";
-    case DRIVE_REMOVABLE:
-        return L"removable";
-    case DRIVE_CDROM:
-        return L"optical";
-    case DRIVE_REMOTE:
-        return L"remote";
-    case DRIVE_RAMDISK:
-        return L"RAM";
-    default:
-        return L"";
+        case DRIVE_FIXED:
+            return L"fixed";
+        case DRIVE_REMOVABLE:
+            return L"removable";
+        case DRIVE_CDROM:
+            return L"optical";
+        case DRIVE_REMOTE:
+            return L"remote";
+        case DRIVE_RAMDISK:
+            return L"RAM";
+        default:
+            return L"";
     }
 }
 

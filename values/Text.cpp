@@ -11,7 +11,7 @@ namespace {
 
 /// In upper case.
 constexpr std::wstring_view Placeholders[] = {
-    L"TO BE FILLED BY O.E.M.", L"DEFAULT STRING",          L"SYSTEM PRODUCT NAME",
+    L"TO BE FILLED BY O.E.M.", L"DEFAULT STRING",         L"SYSTEM PRODUCT NAME",
     L"NOT SPECIFIED",          L"(STANDARD DISK DRIVES)", L"GENERIC PNP MONITOR",
 };
 

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <gmock/gmock.h>
+
+#include "support/FakeStorage.h"
+#include "support/FakeWmi.h"
+#include "support/LogCapture.h"
+#include "support/PlantedDevice.h"
+#include "support/StorageAnswers.h"
+#include "support/TestSession.h"
+
+namespace kel::test {
+
+using Lines = std::vector<std::wstring>;
+
+/// A machine whose storage, WMI and session are the test's.
+struct StorageTest : testing::Test {
+    FakeWmiData wmi;
+    const FakeWmi fake{wmi};
+    FakeStorage storage;
+    TestSession session;
+
+    void PlantWmiDisk(int number, const wchar_t* model)
+    {
+        wmi.objects[L"SELECT * FROM Win32_DiskDrive"].push_back(
+            {{L"Model", {model}},
+             {L"Name", {(L"\\\\.\\PHYSICALDRIVE" + std::to_wstring(number)).c_str()}},
+             {L"SerialNumber", {L"SERIAL-4711"}},
+             {L"Index", {static_cast<long>(number), CIM_SINT32}}});
+    }
+
+    /// What is stored at an index under several ids, with a bar between.
+    std::wstring At(int index, std::initializer_list<unsigned> ids) const
+    {
+        std::wstring texts;
+        for (const unsigned id : ids) {
+            const SystemValue* value = session.values.TryGetValue(SystemValueID(GroupID(id), index));
+            texts += (texts.empty() && id == *ids.begin() ? L"" : L"|") +
+                     (value != nullptr ? value->Text() : std::wstring(L"(none)"));
+        }
+        return texts;
+    }
+};
+
+/// The lines of the log at the levels of errors and warnings.
+inline Lines Complaints(const LogCapture& log)
+{
+    Lines lines = log.Lines();
+    std::erase_if(lines, [](const std::wstring& line) {
+        return !line.starts_with(L"ERR ") && !line.starts_with(L"WARN ");
+    });
+    return lines;
+}
+
+}  // namespace kel::test
