@@ -63,7 +63,7 @@ struct NameWord {
 
 constexpr NameWord NameWords[] = {
     {L"BDRE", BdWriter},       {L"BDRW", BdWriter},    {L"BDR", BdWriter},       {L"BDMLT", BdWriter},
-    {L"BDE", BdWriter},        {L"BW", BdWriter},      {L"IHBS", BdWriter},      {L"BDCMB", BdCombo},
+    {L"BDE", BdCombo},         {L"BW", BdWriter},      {L"IHBS", BdWriter},      {L"BDCMB", BdCombo},
     {L"BDDVDW", BdCombo},      {L"BDDVDRW", BdCombo},  {L"DVDWBD", BdCombo},     {L"BDC", BdCombo},
     {L"BC", BdCombo},          {L"IHES", BdCombo},     {L"BDROM", BdReader},     {L"BD", BdReader},
     {L"IHOS", BdReader},       {L"DVDRAM", DvdWriter}, {L"DVDRW", DvdWriter},    {L"DVDRRW", DvdWriter},
