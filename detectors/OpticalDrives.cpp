@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/ErrorMode.h"
+#include "probes/DiskModel.h"
 #include "probes/OpticalDevices.h"
 #include "probes/SetupLib.h"
 #include "probes/WMI.h"
@@ -32,7 +33,7 @@ Drives ListSetupDrives()
     Drives drives;
     SetupLib::Instance().GetCDRomInfo(drives);
     for (OpticalInfo& drive : drives)
-        drive.name = Name(TidyName(drive.name.ToString()));
+        drive.name = Name(TidyDiskModel(drive.name.ToString()));
     return drives;
 }
 
@@ -46,7 +47,7 @@ Drives ListWmiDrives()
     Drives drives;
     WMI::Instance().GetCDRomValues(drives);
     for (OpticalInfo& drive : drives) {
-        drive.name = Name(TidyName(drive.name.ToString()));
+        drive.name = Name(TidyDiskModel(drive.name.ToString()));
         drive.deviceId = DeviceID(drive.instanceId.ToString());
         if (!IsLetter(drive.drive.ToString()))  // WMI names the volume where there is no letter
             drive.drive = Name();

@@ -12,8 +12,9 @@ namespace {
 /// In upper case.
 constexpr std::wstring_view NoVendors[] = {L"NVME", L"ATA", L"GENERIC", L"GENERIC-"};
 /// What Windows puts behind a disk's name, by its bus, in upper case.
-constexpr std::wstring_view Suffixes[] = {L" SCSI DISK DEVICE", L" ATA DEVICE", L" USB DEVICE",
-                                          L" IEEE 1394 SBP2 DEVICE", L" MULTI-PATH DISK DEVICE"};
+constexpr std::wstring_view Suffixes[] = {
+    L" SCSI DISK DEVICE", L" SCSI CDROM DEVICE",     L" ATA DEVICE",
+    L" USB DEVICE",       L" IEEE 1394 SBP2 DEVICE", L" MULTI-PATH DISK DEVICE"};
 constexpr std::wstring_view IdePrefix = L"IDE\\DISK";
 
 bool IsNoVendor(const std::wstring& word)

@@ -9,8 +9,8 @@ namespace kel {
 /// with which the product starts, is dropped.
 std::wstring MakeDiskModel(const std::wstring& vendor, const std::wstring& product);
 
-/// A disk's name as WMI or the Setup API has it, less such a vendor at its start and what the system put
-/// behind it, such as " SCSI Disk Device".
+/// The name of a disk or an optical drive as WMI or the Setup API has it, less such a vendor at its start and
+/// what the system put behind it, such as " SCSI Disk Device".
 std::wstring TidyDiskModel(const std::wstring& name);
 
 /// The model in a hardware id such as `IDE\DISKST31000528AS____________CC38____`; empty for other forms.
