@@ -7,8 +7,8 @@ from collections import Counter
 from harness import ROOT
 
 FOLDERS = ("run", "run/store", "probes", "detectors")
-KEEPERS = {"System": "System", "FixedGroups": "OS", "OSIds": "OS"}  # files that are no detector's own
-TYPES = {"std::wstring": "text", "Name": "text", "bool": "Exists"}
+KEEPERS = {"System": "System", "FixedGroups": "OS", "OSIds": "OS", "OpticalDrives": "CDRom"}  # files that are no detector's own
+TYPES = {"std::wstring": "text", "Name": "text", "bool": "Exists", "std::int32_t": "Count"}
 
 
 def plain(kind):

@@ -70,15 +70,17 @@ using ShowAnswer = std::wstring (*)(Bytes);
 inline constexpr ShowAnswer ShowAnswers[] = {ShowDescriptor, ShowFlag,    ShowGeometry, ShowNumber,
                                              ShowHotplug,    ShowExtents, ShowProfiles, ShowMediaTypes};
 
-/// What a reader takes, when it takes the same whatever lies behind the answer; else a text that nothing
-/// equals.
+/// What no reader shows.
+inline constexpr const wchar_t* Unbounded = L"reads what lies behind the answer";
+
+/// What a reader takes, when it takes the same whatever lies behind the answer.
 inline std::wstring ShowBounded(ShowAnswer show, const std::string& answer)
 {
     const std::string zeros = answer + std::string(64, '\0'), ones = answer + std::string(64, '\xFF');
     const auto shown = [show, &answer](const std::string& bytes) {
         return show(std::as_bytes(std::span(bytes)).first(answer.size()));
     };
-    return shown(zeros) == shown(ones) ? shown(answer) : L"reads what lies behind the answer";
+    return shown(zeros) == shown(ones) ? shown(answer) : Unbounded;
 }
 
 }  // namespace kel::test
