@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "diag/ProcessInstance.h"
+#include "diag/Seconds.h"
 
 namespace kel {
 
@@ -21,13 +22,6 @@ const wchar_t* LevelWord(int lineLevel)
 {
     const auto index = static_cast<std::size_t>(lineLevel);
     return lineLevel > 0 && index < LevelWords.size() ? LevelWords[index] : L"";
-}
-
-std::wstring SecondsText(std::uint32_t milliseconds)
-{
-    std::wostringstream seconds;
-    seconds << milliseconds / 1000.0;
-    return seconds.str();
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <utility>
 
 namespace kel {
 
@@ -16,20 +15,12 @@ LogBuf::~LogBuf()
     }
 }
 
-void LogBuf::SetFile(std::unique_ptr<std::ofstream> sink)
-{
-    file = std::move(sink);
-}
-
 void LogBuf::Emit(const wchar_t* line)
 {
     if (line == nullptr)
         return;
     const std::wstring_view characters(line);
     OutputDebugStringW(line);
-    if (file)
-        file->write(reinterpret_cast<const char*>(characters.data()),
-                    static_cast<std::streamsize>(characters.size() * sizeof(wchar_t)));
     text += characters;
     hasContent = hasContent || !characters.empty();
 }

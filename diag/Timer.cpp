@@ -10,6 +10,12 @@ std::int64_t Timer::ReadCounter()
     return QueryPerformanceCounter(&reading) ? reading.QuadPart : 0;
 }
 
+std::int64_t Timer::Frequency()
+{
+    LARGE_INTEGER frequency = {};
+    return QueryPerformanceFrequency(&frequency) ? frequency.QuadPart : 0;
+}
+
 void Timer::Start()
 {
     start = ReadCounter();
@@ -22,9 +28,7 @@ void Timer::Stop()
 
 std::int64_t Timer::ElapsedMilliseconds() const
 {
-    LARGE_INTEGER frequency = {};
-    QueryPerformanceFrequency(&frequency);
-    return ElapsedMilliseconds(start, stop, frequency.QuadPart);
+    return ElapsedMilliseconds(start, stop, Frequency());
 }
 
 std::int64_t Timer::ElapsedMilliseconds(std::int64_t start, std::int64_t stop, std::int64_t frequency)

@@ -15,6 +15,9 @@ public:
     /// The performance counter; 0 when it does not work.
     static std::int64_t ReadCounter();
 
+    /// How often that counter counts in a second; 0 when it does not work.
+    static std::int64_t Frequency();
+
     /// Whole milliseconds between Start and Stop; 0 when either is missing or the counter does not work.
     std::int64_t ElapsedMilliseconds() const;
 

@@ -37,13 +37,13 @@ CpuInfo DescribeProcessors(DWORD count, float megahertz)
 
 float MeasureMegahertz()
 {
-    LARGE_INTEGER frequency = {};
-    if (!QueryPerformanceFrequency(&frequency))
+    const std::int64_t frequency = Timer::Frequency();
+    if (frequency < 1)
         return 0.0F;
     const std::int64_t start = Timer::ReadCounter();
     std::int64_t now = start;
     const std::uint64_t first = __rdtsc();
-    while (now > 0 && now - start < frequency.QuadPart)
+    while (now > 0 && now - start < frequency)
         now = Timer::ReadCounter();
     const std::uint64_t last = __rdtsc();
     // The counter goes back when the machine wakes up or the thread moves to a processor that is behind.

@@ -10,7 +10,7 @@ packages=(
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
 [ "${1:-}" = --test ] && packages+=("${packaging[@]}" chromium mono-mcs)
-[ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy)
+[ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
 [ "${1:-}" = --bench ] && packages+=(gcab)
 
 missing=()

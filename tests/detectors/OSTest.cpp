@@ -6,6 +6,7 @@
 
 #include "detectors/MachineIdentifier.h"
 #include "detectors/OSName.h"
+#include "platform/RegistryValue.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
 #include "support/TestSession.h"
@@ -39,7 +40,6 @@ TEST(OSName, FollowsReleaseArchitectureAndSuite)
         {Info(6, 1, Workstation, Arm, 0, 5), L"Windows 7  71350"},
         {Info(6, 1, Controller, X86, 0, 0x11), L"Windows Server 2008 R2 Web Server Edition, 32-bit 71466"},
         {Info(6, 0, Server, Itanium), L"Windows Server 2008  71264 71360 71465"},
-        {Info(6, 2, Workstation, X64, 0, 0x30), L", 64-bit 71264 71361"},
         {Info(6, 2, Workstation, X64, 0, 4), L"Enterprise Edition, 64-bit 71264 71361"},
         {Info(10, 0, Workstation, X64, 0, 1), L", 64-bit 71264 71361"},
         {Info(5, 3, Workstation, X86), L""},
@@ -49,7 +49,6 @@ TEST(OSName, FollowsReleaseArchitectureAndSuite)
         {Info(5, 2, Server, X86, 0x2000), L"Windows Storage Server 2003Standard Edition 71263"},
         {Info(5, 2, Server, X86, 0x4080), L"Windows Server 2003, Compute Cluster Edition 71263"},
         {Info(5, 2, Server, X86, 0x0480), L"Windows Server 2003, Datacenter Edition 71263"},
-        {Info(5, 2, Server, X86, 0x2402), L"Windows Server 2003, Enterprise Edition 71263"},
         {Info(5, 2, Server, X86, 0x0400), L"Windows Server 2003, Web Edition 71263"},
         {Info(5, 2, Server, X86), L"Windows Server 2003, Standard Edition 71263"},
         {Info(5, 2, Server, Itanium, 0x82),
@@ -57,7 +56,6 @@ TEST(OSName, FollowsReleaseArchitectureAndSuite)
         {Info(5, 2, Server, Itanium, 2),
          L"Windows Server 2003, Enterprise Edition for Itanium-based Systems 71264 71360 71263"},
         {Info(5, 2, Server, X64, 0x82), L"Windows Server 2003, Datacenter x64 Edition 71264 71361 71263"},
-        {Info(5, 2, Server, X64, 2), L"Windows Server 2003, Enterprise x64 Edition 71264 71361 71263"},
         {Info(5, 2, Server, X64), L"Windows Server 2003, Standard x64 Edition 71264 71361 71263"},
         {Info(5, 1, Workstation, X86, 0x200), L"Windows XP Home Edition 71276"},
         {Info(5, 1, Workstation, X86), L"Windows XP Professional 71276"},
@@ -70,19 +68,16 @@ TEST(OSName, FollowsReleaseArchitectureAndSuite)
         EXPECT_EQ(Shown(info), shown);
 }
 
-TEST(OSName, KnowsTheEditionsOfVersion6)
+TEST(OSName, SetsAnEditionsFlagOnVistaOnly)
 {
     const std::tuple<DWORD, std::wstring, const wchar_t*> rows[] = {
-        {0x0B, L"Starter Edition", L""},        {0x02, L"Home Basic Edition", L" 71273"},
-        {0x07, L"Standard Edition", L""},       {0x04, L"Enterprise Edition", L" 71272"},
-        {0x08, L"Datacenter Edition", L""},     {0x03, L"Home Premium Edition", L" 71274"},
-        {0x0A, L"Enterprise Edition", L""},     {0x0D, L"Standard Edition (core installation)", L""},
-        {0x11, L"Web Server Edition", L""},     {0x19, L"Small Business Server Premium Edition", L""},
-        {0x09, L"Small Business Server", L""},  {0x0C, L"Datacenter Edition (core installation)", L""},
-        {0x01, L"Ultimate Edition", L" 71275"}, {0x0E, L"Enterprise Edition (core installation)", L""},
-        {0x06, L"Business Edition", L" 71271"}, {0x0F, L"Enterprise Edition for Itanium-based Systems", L""},
-        {0x12, L"Cluster Server Edition", L""},
-    };
+        {0x02, L"Home Basic Edition", L" 71273"},
+        {0x03, L"Home Premium Edition", L" 71274"},
+        {0x04, L"Enterprise Edition", L" 71272"},
+        {0x06, L"Business Edition", L" 71271"},
+        {0x01, L"Ultimate Edition", L" 71275"},
+        {0x0A, L"Enterprise Edition", L""},
+        {0x19, L"Small Business Server Premium Edition", L""}};
     for (const auto& [edition, text, vistaFlag] : rows) {
         EXPECT_EQ(Shown(Info(6, 0, Server, X86, 0, edition)),
                   L"Windows Server 2008 " + text + L", 32-bit 71465");
@@ -120,14 +115,14 @@ TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)
 {
     const std::wregex form(L"[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
     const test::ScratchKey user(HKEY_CURRENT_USER);
-    const std::wstring first = GetMachineIdentifier();
+    const std::wstring first = L"" + GetMachineIdentifier();
     EXPECT_TRUE(std::regex_match(first, form)) << first.c_str();
     EXPECT_NE(GetMachineIdentifier(), first);
     EXPECT_EQ(user.Dump(), L"[]\n");
 
     const std::wstring key = L"software\\Keldane";
     user.Make(key);
-    const std::wstring kept = GetMachineIdentifier();
+    const std::wstring kept = L"" + GetMachineIdentifier();
     EXPECT_EQ(user.Dump(key), L"[]\nRun={" + kept + L"}\n");
     EXPECT_EQ(GetMachineIdentifier(), kept);
 
@@ -139,6 +134,12 @@ TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)
     EXPECT_EQ(GetMachineIdentifier(), L"xyz");
     user.Write(key, L"Run", REG_DWORD, L"7", sizeof(DWORD));
     EXPECT_TRUE(std::regex_match(GetMachineIdentifier(), form));
+    for (const std::size_t length : {100U, 40000U}) {  // the second is too long to be read, and somebody's
+        const std::wstring own(length, L'x');
+        user.Write(key, L"Run", own);
+        EXPECT_EQ(GetMachineIdentifier() == own, length == 100U);
+        EXPECT_EQ(ReadValue(OpenKey(user.Key(), key.c_str(), KEY_READ).get(), L"Run")->Text(), own);
+    }
 }
 
 TEST(OS, TakesTheLastReadableFramework)
@@ -150,11 +151,11 @@ TEST(OS, TakesTheLastReadableFramework)
     const std::wstring key = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP\\";
     machine.Write(key + L"a", L"Version", L"4.0");
     machine.Write(key + L"b", L"Version", L"2.0.50727");
-    machine.Make(key + L"c");
-    machine.Write(key + L"d", L"Version", std::wstring(100, L'9'));  // too long with its zero
-    machine.Write(key + std::wstring(120, L'e'), L"Version", L"9");
-    machine.Write(key + L"f", L"Version", REG_DWORD, L"7", sizeof(DWORD));
-    machine.Write(key + L"g", L"Version", L"1.1");
+    machine.Write(key + L"c", L"Version", L"1.1");
+    machine.Make(key + L"d");
+    machine.Write(key + L"e", L"Version", std::wstring(100, L'9'));  // too long with its zero
+    machine.Write(key + std::wstring(120, L'f'), L"Version", L"9");
+    machine.Write(key + L"g", L"Version", REG_DWORD, L"7", sizeof(DWORD));
     const test::LogCapture log(3);
     OS().Detect();
     EXPECT_EQ(session.Text(71193), L"1.1");
@@ -176,10 +177,11 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
     EXPECT_TRUE(OS().Detect(none));
     EXPECT_EQ(session.Text(71264), L"No");
 
-    OSFunctions vista = whole;
-    vista.getVersion = [](OSVERSIONINFOEXW& version) {
+    OSFunctions newer = whole;
+    newer.getVersion = [](OSVERSIONINFOEXW& version) {
         version.dwPlatformId = 2;
         version.dwMajorVersion = 6;
+        version.dwMinorVersion = 1;
         version.dwBuildNumber = 6002;
         version.wProductType = 1;
         version.wServicePackMajor = 2;
@@ -187,23 +189,26 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
         version.wSuiteMask = 256;
         return TRUE;
     };
-    vista.getProductInfo.clear();
-    vista.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE; };
-    vista.getNativeSystemInfo = [](SYSTEM_INFO& system) { system.wProcessorArchitecture = 0; };
+    newer.getProductInfo = [](DWORD major, DWORD minor, DWORD, DWORD, DWORD* type) {
+        return *type = major == 6 && minor == 1 ? 0x01 : 0x06, TRUE;
+    };
+    newer.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE; };
+    newer.getNativeSystemInfo = [](SYSTEM_INFO& system) { system.wProcessorArchitecture = 0; };
     session.values = SystemValues();
-    EXPECT_TRUE(OS().Detect(vista));
+    EXPECT_TRUE(OS().Detect(newer));
     const std::vector<unsigned> order = session.Numbers();
     EXPECT_EQ(std::vector<unsigned>(order.begin() + 20, order.begin() + 32),
               (std::vector<unsigned>{71060, 71309, 71072, 71367, 71368, 71366, 71364, 71365, 71363, 71362,
                                      71388, 71207}));
     EXPECT_EQ(session.Texts({71060, 71072, 71309, 71367, 71368, 71366, 71364, 71365}),
-              L"Microsoft Windows Vista  (build 6002), 32-bit|6.0.6002|6.0.6002|6|0|6002|2|5|");
-    EXPECT_EQ(session.Texts({71363, 71362, 71251, 71264, 71361}), L"256|1|Yes|Yes|No|");
+              L"Microsoft Windows 7 Ultimate Edition (build 6002), 32-bit|6.1.6002|6.1.6002|6|1|6002|2|5|");
+    EXPECT_EQ(session.Texts({71363, 71362, 71350, 71264, 71361}), L"256|1|Yes|Yes|No|");
     EXPECT_EQ(std::stoul(session.Text(71388), nullptr, 16), GetUserDefaultLCID());
     EXPECT_EQ(session.Text(71388).size(), 4U);
 
     OSFunctions server = whole;
     server.getNativeSystemInfo.clear();
+    server.getProductInfo.clear();
     server.getSystemMetrics = [](int metric) { return metric == SM_SERVERR2 ? 1 : 0; };
     server.getVersion = [](OSVERSIONINFOEXW& version) {
         version.dwPlatformId = 2;

@@ -3,12 +3,14 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <atomic>
+#include <clocale>
 #include <regex>
+#include <sstream>
+#include <thread>
 
 #include "diag/LogScope.h"
+#include "diag/Seconds.h"
 #include "support/LogCapture.h"
 
 namespace kel {
@@ -100,24 +102,44 @@ TEST(LogScope, WritesItsExitLineThoughTracingWasTurnedOff)
     EXPECT_THAT(log.Lines(), ElementsAre(L"MARK Entering: kept", L"MARK Exiting: kept"));
 }
 
-TEST(LogBuf, WritesRawUtf16ToItsFileAndTheRestWhenDestroyed)
+TEST(LogBuf, WritesTheRestWhenDestroyedAndNothingForNull)
 {
-    const auto path =
-        std::filesystem::temp_directory_path() / ("kel_log_" + std::to_string(GetCurrentProcessId()));
-    {
-        LogBuf buffer;
-        buffer.SetFile(std::make_unique<std::ofstream>(path, std::ios::binary));
-        buffer.Emit(nullptr);
-        EXPECT_FALSE(buffer.HasContent());
-        std::wostream stream(&buffer);
-        stream << L"a\n" << std::flush << L"\u00e9";
-        EXPECT_EQ(buffer.Text(), L"a\n");
+    LogBuf buffer;
+    buffer.Emit(nullptr);
+    EXPECT_FALSE(buffer.HasContent());
+    std::wostream stream(&buffer);
+    stream << L"a\n" << std::flush << L"rest";
+    EXPECT_EQ(buffer.Text(), L"a\n");
+}
+
+TEST(Log, WritesItsSecondsAsAStreamWouldAndLeavesTheLocaleAlone)
+{
+    std::uint32_t milliseconds = 0;
+    for (std::uint64_t number = 0; number < 1ULL << 32; number += 1 + number / 700 + number % 3) {
+        milliseconds = static_cast<std::uint32_t>(number);
+        std::wostringstream stream;
+        stream << milliseconds / 1000.0;
+        ASSERT_EQ(SecondsText(milliseconds), stream.str()) << milliseconds;
     }
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    file.close();
-    std::filesystem::remove(path);
-    EXPECT_EQ(bytes, std::string("a\0\n\0\xe9\0", 6));
+    EXPECT_EQ(SecondsText(1000005) + L" " + SecondsText(999999500) + L" " + SecondsText(1234565000),
+              L"1000 1e+06 1.23456e+06");
+    // A host with a locale of its own: another thread looks at it while lines are written.
+    ASSERT_NE(std::setlocale(LC_ALL, "German_Germany.1252"), nullptr);
+    const std::string own = std::setlocale(LC_ALL, nullptr);
+    std::atomic<bool> isOver = false;
+    std::atomic<int> lost = 0;
+    std::thread host([&] {
+        while (!isOver)
+            lost += std::setlocale(LC_ALL, nullptr) != own;
+    });
+    Log log;
+    log.SetLevel(LogMaximum);
+    for (int line = 0; line < 3000; ++line)
+        log.Write(LogTrace, L"line ", line);
+    isOver = true;
+    host.join();
+    std::setlocale(LC_ALL, "C");
+    EXPECT_EQ(lost, 0);
 }
 
 }  // namespace
