@@ -1,5 +1,6 @@
-// Through the generated header: Detection.h and Detection_i.c come from the type library's source when the control is built.
-// A 64-bit program; the thread enters a single-threaded apartment, in which the control lives.
+// Through the generated header: Detection.h and Detection_i.c come from the type library's source when the
+// control is built. A 64-bit program; the thread enters a single-threaded apartment, in which the control
+// lives.
 #include <windows.h>
 
 #include <comutil.h>
@@ -28,11 +29,13 @@ int wmain(int count, wchar_t** arguments)
     const std::wstring verdict = answer.length() != 0 ? static_cast<const wchar_t*>(answer) : L"";
     const std::wstring mark = L"<analysis result=\"";
     const std::size_t start = verdict.find(mark);
-    const std::wstring total = start == std::wstring::npos
-                                   ? L"no answer"
-                                   : verdict.substr(start + mark.size(),
-                                                    verdict.find(L'"', start + mark.size()) - start - mark.size());
-    std::printf("Verdict: %ls\nMemory: %ls\n", total.c_str(), memory.length() != 0 ? memory.GetBSTR() : L"unknown");
+    const std::wstring total =
+        start == std::wstring::npos
+            ? L"no answer"
+            : verdict.substr(start + mark.size(),
+                             verdict.find(L'"', start + mark.size()) - start - mark.size());
+    std::printf("Verdict: %ls\nMemory: %ls\n", total.c_str(),
+                memory.length() != 0 ? memory.GetBSTR() : L"unknown");
     control.Reset();
     CoUninitialize();
     return total == L"pass" ? 0 : 1;

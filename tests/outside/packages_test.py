@@ -115,9 +115,8 @@ class ForAllUsers(Prefix):
                  "C:\\Program Files\\Detection\\": "FOLDER"}
 
         def plain(values):
-            """What came, with marks for the places, and without the 32-bit view and the 16-bit marshaller."""
-            added = {key: named for key, named in values.items()
-                     if key not in clean and "wow6432node" not in key and not key.endswith("proxystubclsid")}
+            """What came, with marks for the places."""
+            added = {key: named for key, named in values.items() if key not in clean}
             for path, mark in marks.items():
                 added = {key: {name: text.replace(path.replace("\\", "\\\\"), mark) for name, text in named.items()}
                          for key, named in added.items()}

@@ -12,7 +12,8 @@ int main()
 {
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     Microsoft::WRL::ComPtr<ISysInfo> control;
-    const HRESULT result = CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control));
+    const HRESULT result =
+        CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control));
     _bstr_t version;
     if (FAILED(result) || FAILED(control->get_Version(version.GetAddress()))) {
         std::printf("%08lx\n", static_cast<unsigned long>(result));

@@ -94,6 +94,7 @@ def type_library_rows(source, module, folder):
     rows = [Row(key, None, title), Row(f"{key}\\{locale}\\win64", None, module), Row(f"{key}\\FLAGS", None, "8"),
             Row(f"{key}\\HELPDIR", None, folder)]
     return rows, [Row(f"Interface\\{{{interface}}}", None, name),
+                  Row(f"Interface\\{{{interface}}}\\ProxyStubClsid", None, AUTOMATION_MARSHALLER),
                   Row(f"Interface\\{{{interface}}}\\ProxyStubClsid32", None, AUTOMATION_MARSHALLER),
                   Row(f"Interface\\{{{interface}}}\\TypeLib", None, f"{{{library}}}"),
                   Row(f"Interface\\{{{interface}}}\\TypeLib", "Version", version)]
