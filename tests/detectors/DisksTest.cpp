@@ -31,38 +31,49 @@ struct Disks : StorageTest {
         HardDrive().Detect(storage.Functions());
         EXPECT_EQ(storage.open, 0);
         Lines lines;
-        for (int index = 0; index < 300 && !At(index, {72509}).starts_with(L"("); ++index)
-            lines.push_back(At(index, {72502, 72504, 72509}));
+        for (int index = 0; index < 300 && !session.At(index, {72509}).starts_with(L"("); ++index)
+            lines.push_back(session.At(index, {72502, 72504, 72509}));
         return lines;
     }
 };
 
 TEST_F(Disks, AreDescribedWhateverTheirKind)
 {
-    std::size_t number = 0, listed = 0;
-    for (const RealDisk& row : RealDisks) {
-        FakeDevice& disk = PlantDisk(number, row.bus, row.product, row.bytes);
+    Lines expected;
+    std::wistringstream rows(RealDisks);
+    for (std::wstring row, field; std::getline(rows, row);) {
+        std::wistringstream text(row);
+        std::vector<std::string>
+            fields;  // kind, bus, vendor, product, what it says, bytes, WMI's model, stored
+        while (std::getline(text, field, L';'))
+            fields.emplace_back(field.begin(), field.end());
+        if (fields.size() != 8)
+            continue;
+        const std::string model = fields[6] == "=" ? fields[3] : fields[6].substr(0, fields[6].find('!'));
+        const auto says = [&fields](char what) { return fields[4].find(what) != std::string::npos; };
+        FakeDevice& disk = PlantDisk(expected.size());
         disk.answers[DeviceProperty] =
-            Descriptor(row.bus, row.vendor, row.product, row.revision, row.removal == MediumLeaves);
-        if (row.bytes == 1474560)
-            disk.answers[GeometryRequest] = Geometry(row.bytes, F3_1Pt44_512);
-        if (row.seeks != Silent)
-            disk.answers[SeekPenalty] = Flag(row.seeks == Costly);
-        disk.answers[HotplugRequest] = HotplugInfo(false, row.removal == DiskLeaves);
-        PlantWmiDisk(static_cast<int>(number++), row.wmi);
-        listed += row.expected != nullptr;
+            Descriptor(std::stoi(fields[1]), fields[2].empty() ? nullptr : fields[2].c_str(),
+                       fields[3].c_str(), "1", says('m'));
+        disk.answers[GeometryRequest] =
+            Geometry(std::stoull(fields[5]), says('F') ? F3_1Pt44_512 : FixedMedia);
+        disk.answers[HotplugRequest] = HotplugInfo(false, says('d'));
+        if (says('f') || says('c'))
+            disk.answers[SeekPenalty] = Flag(says('c'));
+        std::string named = fields[6] == "=" ? fields[3] : fields[6];
+        std::erase(named, '!');
+        PlantWmiDisk(static_cast<int>(expected.size()), std::wstring(named.begin(), named.end()).c_str());
+        const std::string stored = fields[7][0] == '=' ? model + fields[7].substr(1) : fields[7];
+        expected.emplace_back(stored.begin(), stored.end());
     }
-    EXPECT_EQ(Detect().size(), listed);
-    std::map<std::wstring, std::wstring> stored;
-    for (int index = 0; index < static_cast<int>(listed); ++index)
-        stored[At(index, {72509})] = At(index, {72502, 72504, 72505, 72506, 72507, 72508});
-    number = 0;
-    for (const RealDisk& row : RealDisks) {
-        const auto found = stored.find(std::to_wstring(number++));
-        EXPECT_EQ(found == stored.end() ? L"(none)" : found->second,
-                  row.expected == nullptr ? L"(none)" : row.expected)
-            << row.kind;
-    }
+    ASSERT_EQ(expected.size(), 50U);
+    const int listed = static_cast<int>(expected.size() - std::ranges::count(expected, L"left out"));
+    EXPECT_EQ(Detect().size(), static_cast<std::size_t>(listed));
+    Lines stored(expected.size(), L"left out");
+    for (int index = 0; index < listed; ++index)
+        stored.at(std::stoul(session.At(index, {72509}))) =
+            session.At(index, {72502, 72504, 72505, 72506, 72507});
+    EXPECT_EQ(stored, expected);
 }
 
 TEST_F(Disks, AreJoinedByTheirNumberAndThoseOfWindowsComeFirst)
@@ -88,7 +99,7 @@ TEST_F(Disks, AreJoinedByTheirNumberAndThoseOfWindowsComeFirst)
     EXPECT_EQ(Detect(), (Lines{L"Last one|1.0 TB|3", L"Named in full|1.0 TB|1", L"Spanned|1.0 TB|0",
                                L"Of WMI alone||4", L"Twin|1.0 TB|2"}));
     EXPECT_EQ(session.Texts({72500, 72501, 72511}), L"Yes|4|3.0 TB|");
-    EXPECT_EQ(At(1, {72503, 72510}) + L" " + At(4, {72503, 72507, 72510}),
+    EXPECT_EQ(session.At(1, {72503, 72510}) + L" " + session.At(4, {72503, 72507, 72510}),
               L"SCSI\\DISKB|Yes SCSI\\DISKA|Yes|No");
     Lines sources = log.Lines();
     std::erase_if(sources,
@@ -106,49 +117,45 @@ TEST_F(Disks, GiveWhatTheyTellWhenOneFails)
 {
     WMI::Instance();
     const std::wstring warning = L"WARN Disk 1 does not tell all: ", other = L"Zero|1.0 TB|0";
+    const Request nothing;
     const struct {
         const char* what;
-        std::function<void(FakeDevice&)> spoil;
+        DWORD openError;
+        Request request;  ///< that is refused, or answered with so many bytes
+        DWORD error;
+        std::size_t size;
         const wchar_t* line;  ///< null when it is left out
-        std::wstring complaint;
+        const wchar_t* complaint;
     } rows[] = {
-        {"all is well", [](FakeDevice&) {}, L"One|1.0 TB|1", L""},
-        {"no permission", [](FakeDevice& disk) { disk.openError = ERROR_ACCESS_DENIED; }, L"||1",
-         warning + L"5"},
-        {"in use", [](FakeDevice& disk) { disk.openError = ERROR_SHARING_VIOLATION; }, L"||1",
-         warning + L"32"},
-        {"gone before it is opened", [](FakeDevice& disk) { disk.openError = ERROR_FILE_NOT_FOUND; }, nullptr,
-         warning + L"2"},
-        {"gone between two calls",
-         [](FakeDevice& disk) { disk.errors[GeometryRequest] = ERROR_DEVICE_NOT_CONNECTED; }, nullptr,
-         warning + L"1167"},
-        {"removed", [](FakeDevice& disk) { disk.errors[DeviceProperty] = 1617; }, nullptr, warning + L"1617"},
-        {"no descriptor", [](FakeDevice& disk) { disk.answers.erase(DeviceProperty); }, L"|1.0 TB|1",
-         warning + L"50"},
-        {"a cut descriptor", [](FakeDevice& disk) { disk.answers[DeviceProperty].resize(31); }, L"|1.0 TB|1",
-         warning + L"13"},
-        {"a long descriptor", [](FakeDevice& disk) { disk.answers[DeviceProperty].resize(5000); },
-         L"One|1.0 TB|1", L""},
-        {"no geometry", [](FakeDevice& disk) { disk.answers.erase(GeometryRequest); }, L"One||1",
-         warning + L"50"},
-        {"a cut geometry", [](FakeDevice& disk) { disk.answers[GeometryRequest].resize(20); }, L"One||1",
-         warning + L"13"},
-        {"asleep", [](FakeDevice& disk) { disk.isAwake = false; }, L"One||1", L""},
-        {"no medium", [](FakeDevice& disk) { disk.errors[GeometryRequest] = ERROR_NOT_READY; }, nullptr, L""},
-        {"not ready for anything", [](FakeDevice& disk) { disk.answers.clear(); }, L"||1", warning + L"50"},
+        {"all is well", 0, nothing, 0, 0, L"One|1.0 TB|1", nullptr},
+        {"no permission", ERROR_ACCESS_DENIED, nothing, 0, 0, L"||1", L"5"},
+        {"in use", ERROR_SHARING_VIOLATION, nothing, 0, 0, L"||1", L"32"},
+        {"gone before it is opened", ERROR_FILE_NOT_FOUND, nothing, 0, 0, nullptr, L"2"},
+        {"gone between two calls", 0, GeometryRequest, ERROR_DEVICE_NOT_CONNECTED, 0, nullptr, L"1167"},
+        {"removed", 0, DeviceProperty, 1617, 0, nullptr, L"1617"},
+        {"no descriptor", 0, DeviceProperty, ERROR_NOT_SUPPORTED, 0, L"|1.0 TB|1", L"50"},
+        {"a cut descriptor", 0, DeviceProperty, 0, 31, L"|1.0 TB|1", L"13"},
+        {"a long descriptor", 0, DeviceProperty, 0, 5000, L"One|1.0 TB|1", nullptr},
+        {"no geometry", 0, GeometryRequest, ERROR_NOT_SUPPORTED, 0, L"One||1", L"50"},
+        {"a cut geometry", 0, GeometryRequest, 0, 20, L"One||1", L"13"},
+        {"no medium", 0, GeometryRequest, ERROR_NOT_READY, 0, nullptr, nullptr},
     };
     for (const auto& row : rows) {
         storage.devices.clear();
         storage.devices[L"\\\\.\\C:"].answers[NumberRequest] = Number(7, 0);
         PlantDisk(0, 11, "Zero");
-        row.spoil(PlantDisk(1, 11, "One"));
+        FakeDevice& disk = PlantDisk(1, 11, "One");
+        disk.openError = row.openError;
+        if (row.error != 0)
+            disk.errors[row.request] = row.error;
+        else if (row.size != 0)
+            disk.answers[row.request].resize(row.size);
         session.values = SystemValues();
         const LogCapture log(2);
         EXPECT_EQ(Detect(), row.line != nullptr ? (Lines{other, row.line}) : Lines{other}) << row.what;
-        Lines complaints = Complaints(log);
-        std::erase_if(complaints,
-                      [](const std::wstring& line) { return line.find(L"WMI") != std::wstring::npos; });
-        EXPECT_EQ(complaints, row.complaint.empty() ? Lines() : Lines{row.complaint}) << row.what;
+        const std::wstring complaint = row.complaint != nullptr ? warning + row.complaint : L"WARN WMI";
+        EXPECT_TRUE(Complaints(log).front().starts_with(complaint)) << row.what;
+        EXPECT_EQ(Complaints(log).size(), row.complaint != nullptr ? 2U : 1U) << row.what;
     }
 }
 
@@ -158,14 +165,14 @@ TEST_F(Disks, AreListedByOneSourceWhenTheOthersHaveNone)
     const LogCapture log(2);
     EXPECT_EQ(Detect(), Lines{L"||"});  // what is stored before anything is known
     EXPECT_EQ(session.Texts({72500, 72501, 72511}) +
-                  At(0, {72502, 72503, 72504, 72505, 72506, 72507, 72508, 72509, 72510}),
+                  session.At(0, {72502, 72503, 72504, 72505, 72506, 72507, 72508, 72509, 72510}),
               L"No|0||||||||||");
     EXPECT_THAT(Complaints(log), testing::Contains(L"WARN The system does not list its devices: 5"));
     EXPECT_THAT(Complaints(log), testing::Contains(L"WARN The volume of Windows does not tell its disks: 2"));
     for (int number = 0; number < 250; ++number)
         PlantWmiDisk(number, L"Of WMI");
     EXPECT_EQ(Detect().size(), 200U);
-    EXPECT_EQ(session.Texts({72500, 72501, 72511}) + At(199, {72502, 72509}), L"Yes|200||Of WMI|199");
+    EXPECT_EQ(session.Texts({72500, 72501, 72511}) + session.At(199, {72502, 72509}), L"Yes|200||Of WMI|199");
     wmi.objects.clear();
     session.values = SystemValues();
     PlantedDevice nameless(DiskClass);

@@ -39,33 +39,28 @@ TEST_F(Volumes, AreListedWithThatOfWindowsFirstAndFixedOnesAloneAreOpened)
          {DRIVE_REMOTE, L"NTFS", Gigabyte, Gigabyte, L"\\Device\\LanmanRedirector\\;X:0\\server\\share"}},
         {L'Y', {DRIVE_REMOTE, L"NTFS", Gigabyte, Gigabyte, L"\\??\\UNC\\server\\share"}},
     };
-    EXPECT_EQ(Detect(),
-              (Lines{L"72600[0]=Yes",       L"72601[0]=2",       L"72612[0]=50.0 GB",   L"72608[0]=2",
-                     L"72609[0]=1",         L"72610[0]=1",       L"72611[0]=1",         L"72602[0]=D:",
-                     L"72603[0]=fixed",     L"72604[0]=ReFS",    L"72605[0]=200.0 GB",  L"72606[0]=30.0 GB",
-                     L"72607[0]=Yes",       L"72602[1]=C:",      L"72603[1]=fixed",     L"72604[1]=NTFS",
-                     L"72605[1]=100.0 GB",  L"72606[1]=20.0 GB", L"72607[1]=No",        L"72602[2]=F:",
-                     L"72603[2]=fixed",     L"72604[2]=NTFS",    L"72605[2]=100.0 GB",  L"72606[2]=20.0 GB",
-                     L"72607[2]=No",        L"72602[3]=R:",      L"72603[3]=RAM",       L"72604[3]=FAT32",
-                     L"72605[3]=1.0 GB",    L"72606[3]=1.0 GB",  L"72607[3]=No",        L"72602[4]=A:",
-                     L"72603[4]=removable", L"72604[4]=",        L"72605[4]=",          L"72606[4]=",
-                     L"72607[4]=No",        L"72602[5]=U:",      L"72603[5]=removable", L"72604[5]=",
-                     L"72605[5]=",          L"72606[5]=",        L"72607[5]=No",        L"72602[6]=E:",
-                     L"72603[6]=optical",   L"72604[6]=",        L"72605[6]=",          L"72606[6]=",
-                     L"72607[6]=No",        L"72602[7]=X:",      L"72603[7]=remote",    L"72604[7]=",
-                     L"72605[7]=",          L"72606[7]=",        L"72607[7]=No",        L"72602[8]=Y:",
-                     L"72603[8]=remote",    L"72604[8]=",        L"72605[8]=",          L"72606[8]=",
-                     L"72607[8]=No",        L"72602[9]=N:",      L"72603[9]=",          L"72604[9]=",
-                     L"72605[9]=",          L"72606[9]=",        L"72607[9]=No"}));
+    Detect();
+    EXPECT_EQ(session.Texts({72600, 72601, 72612, 72608, 72609, 72610, 72611}), L"Yes|2|50.0 GB|2|1|1|1|");
+    const wchar_t* expected[] = {
+        L"D:|fixed|ReFS|200.0 GB|30.0 GB|Yes",
+        L"C:|fixed|NTFS|100.0 GB|20.0 GB|No",
+        L"F:|fixed|NTFS|100.0 GB|20.0 GB|No",
+        L"R:|RAM|FAT32|1.0 GB|1.0 GB|No",
+        L"A:|removable||||No",
+        L"U:|removable||||No",
+        L"E:|optical||||No",
+        L"X:|remote||||No",
+        L"Y:|remote||||No",
+        L"N:|||||No",
+    };
+    for (int index = 0; index < 10; ++index)
+        EXPECT_EQ(session.At(index, {72602, 72603, 72604, 72605, 72606, 72607}), expected[index]);
     EXPECT_EQ(fake.opened, L"CCDDFFRR");
 }
 
 TEST_F(Volumes, GiveWhatTheyTellWhenOneFails)
 {
     const FakeVolume sound = {DRIVE_FIXED, L"NTFS", 2 * Gigabyte, Gigabyte};
-    const Lines none = {L"72600[0]=No", L"72601[0]=0", L"72612[0]=", L"72608[0]=0", L"72609[0]=0",
-                        L"72610[0]=0",  L"72611[0]=0", L"72602[0]=", L"72603[0]=",  L"72604[0]=",
-                        L"72605[0]=",   L"72606[0]=",  L"72607[0]="};
     const struct {
         const char* what;
         FakeVolume volume;
@@ -91,21 +86,16 @@ TEST_F(Volumes, GiveWhatTheyTellWhenOneFails)
         fake.volumes = {{L'C', sound}, {L'D', row.volume}};
         const LogCapture log(2);
         Detect();
-        const auto told = [this](int index) {
-            std::wstring texts;
-            for (const unsigned id : {72604U, 72605U, 72606U})
-                texts += (id > 72604 ? L"|" : L"") +
-                         session.values.GetValue(SystemValueID(GroupID(id), index)).Text();
-            return texts;
-        };
-        EXPECT_EQ(told(0), L"NTFS|2.0 GB|1.0 GB") << row.what;
-        EXPECT_EQ(told(1), row.told) << row.what;
+        EXPECT_EQ(session.At(0, {72604, 72605, 72606}), L"NTFS|2.0 GB|1.0 GB") << row.what;
+        EXPECT_EQ(session.At(1, {72604, 72605, 72606}), row.told) << row.what;
         EXPECT_EQ(Complaints(log), row.complaint != nullptr ? Lines{row.complaint} : Lines()) << row.what;
         EXPECT_EQ(session.Text(72601), row.volume.target.size() > 99 ? L"1" : L"2") << row.what;
     }
     fake.volumes.clear();
     const LogCapture log(2);
-    EXPECT_EQ(Detect(), none);
+    EXPECT_EQ(Detect().size(), 13U);
+    EXPECT_EQ(session.Texts({72600, 72601, 72612, 72608, 72611}) + session.At(0, {72602, 72605, 72607}),
+              L"No|0||0|0|||");
     EXPECT_EQ(Complaints(log), Lines{L"WARN The system lists no volumes: 5"});
     for (wchar_t letter = L'A'; letter <= L'Z'; ++letter)
         fake.volumes[letter] = sound;

@@ -35,24 +35,19 @@ std::string Mutated(std::string answer, std::mt19937_64& engine)
     return answer;
 }
 
-/// What no answer may make a reader say.
+/// Whether what is read is in the answer, is what the readers promise, and does not come from behind it.
 bool IsPossible(const std::string& answer)
 {
     const Bytes bytes = std::as_bytes(std::span(answer));
-    const auto isIn = [&answer](const std::wstring& text) {
-        return answer.find(std::string(text.begin(), text.end())) != std::string::npos &&
-               std::ranges::all_of(text, [](wchar_t c) { return c >= L' ' && c <= L'~'; });
-    };
-    const auto device = ReadStorageDescriptor(bytes);
-    const auto geometry = ReadDiskGeometry(bytes);
-    const auto number = ReadDeviceNumber(bytes);
-    bool isPossible = !device || (isIn(device->vendor) && isIn(device->product) && isIn(device->revision));
-    isPossible &= !geometry || geometry->bytes <= 0x7FFFFFFFFFFFFFFF;
-    isPossible &= !number || number->number <= 0x7FFFFFFF;
-    isPossible &= ReadExtentDisks(bytes).size() <= answer.size() / 24 + 1;
-    for (const OpticalAbilities& abilities : {ReadProfiles(bytes), ReadMediaTypes(bytes)})
-        isPossible &= (abilities.has & ~abilities.known) == 0 && (abilities.known & ~AllAbilities) == 0;
-    return isPossible;
+    const auto device = ReadStorageDescriptor(bytes).value_or(StorageDescriptor());
+    for (const std::wstring& text : {device.vendor, device.product, device.revision}) {
+        if (answer.find(std::string(text.begin(), text.end())) == std::string::npos)
+            return false;
+    }
+    constexpr auto Most = std::numeric_limits<std::int32_t>::max();
+    return ReadDeviceNumber(bytes).value_or(DeviceNumber()).number <= Most &&
+           ReadDiskGeometry(bytes).value_or(DiskGeometry()).bytes >> 63 == 0 &&
+           ReadExtentDisks(bytes).size() <= answer.size() / 24 + 1 && !ShowBounded(answer)[OfDevice].empty();
 }
 
 TEST(StorageFuzz, GivesAnAnswerThatItMayGive)
@@ -74,9 +69,6 @@ TEST(StorageFuzz, GivesAnAnswerThatItMayGive)
         for (std::uint64_t number = 1; number <= count; ++number) {
             const std::string answer = Mutated(sample, engine);
             ASSERT_TRUE(IsPossible(answer)) << number << ": " << testing::PrintToString(answer);
-            for (const ShowAnswer show : ShowAnswers)
-                ASSERT_NE(ShowBounded(show, answer), Unbounded)
-                    << number << ": " << testing::PrintToString(answer);
         }
     }
 }

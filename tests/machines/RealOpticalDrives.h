@@ -2,78 +2,27 @@
 
 namespace kel::test {
 
-/// A drive's name or media type, and what it tells: C writes CDs, d reads and D writes DVDs, b reads and B
-/// writes Blu-ray. What it does not tell is not there.
-struct RealOpticalDrive {
-    const wchar_t* name;
-    const wchar_t* abilities;
-};
-
-inline const RealOpticalDrive RealOpticalDrives[] = {
-    {L"HL-DT-ST DVDRAM GH24NSD1", L"CdD"},
-    {L"HL-DT-ST DVD+-RW GU90N", L"CdD"},
-    {L"HL-DT-ST DVD-ROM GDR8163B", L"d"},
-    {L"HL-DT-ST CD-ROM GCR-8523B", L""},
-    {L"HL-DT-ST CD-RW GCE-8525B", L"C"},
-    {L"HL-DT-ST RW/DVD GCC-4244N", L"Cd"},
-    {L"HL-DT-ST BD-RE WH16NS40", L"CdDbB"},
-    {L"HL-DT-ST BDDVDRW CH12NS40", L"CdDb"},
-    {L"HLDS DVDRW GUD1N", L"CdD"},
-    {L"TSSTcorp CDDVDW SH-224DB", L"CdD"},
-    {L"TSSTcorp CD/DVDW TS-L632D", L"CdD"},
-    {L"TSSTcorp DVD-ROM SH-118AB", L"d"},
-    {L"TSSTcorp BDDVDW SH-B123L", L"CdDb"},
-    {L"PLDS DVD+-RW DU-8A5LH", L"CdD"},
-    {L"MATSHITA DVD-RAM UJ8E2 S", L"CdD"},
-    {L"MATSHITA BD-MLT UJ260AF", L"CdDbB"},
-    {L"MATSHITA BD-CMB UJ160", L"CdDb"},
-    {L"MATSHITA UJDA770 DVD/CDRW", L"Cd"},
-    {L"PIONEER DVD-RW DVR-221L", L"CdD"},
-    {L"PIONEER DVD-ROM DVD-106", L"d"},
-    {L"PIONEER BD-RW BDR-209D", L"CdDbB"},
-    {L"PIONEER BD-ROM BDC-207D", L"CdDb"},
-    {L"ASUS DRW-24D5MT", L"CdD"},
-    {L"ASUS BW-16D1HT", L"CdDbB"},
-    {L"ASUS BC-12D2HT", L"CdDb"},
-    {L"Slimtype DVD A DS8A8SH", L"CdD"},
-    {L"Slimtype BD E DS4E1S", L"CdDb"},
-    {L"Slimtype DVDRW SSM-8515S", L"CdD"},
-    {L"ATAPI iHAS124 B", L"CdD"},
-    {L"ATAPI iHBS112 2", L"CdDbB"},
-    {L"ATAPI iHES208 2", L"CdDb"},
-    {L"ATAPI iHOS104", L"db"},
-    {L"ATAPI iHDS118", L"d"},
-    {L"LITE-ON DVDRW SOHW-1633S", L"CdD"},
-    {L"LITE-ON DVD SOHD-16P9S", L"d"},
-    {L"LITE-ON LTR-52327S", L""},
-    {L"SONY DVD RW DRU-810A", L"CdD"},
-    {L"SONY CD-RW CRX230E", L"C"},
-    {L"_NEC DVD_RW ND-3540A", L"CdD"},
-    {L"Optiarc DVD RW AD-7260S", L"CdD"},
-    {L"TOSHIBA DVD-ROM SD-M1912", L"d"},
-    {L"TOSHIBA CD/DVDW SDR5372V", L"CdD"},
-    {L"TOSHIBA CDRW/DVD SD-R2512", L"Cd"},
-    {L"SAMSUNG CD-R/RW SW-252F", L"C"},
-    {L"SAMSUNG DVD-ROM SD-616T", L"d"},
-    {L"SAMSUNG CD-ROM SC-152L", L""},
-    {L"TEAC CD-W552E", L"C"},
-    {L"PLEXTOR DVDR PX-716A", L"CdD"},
-    {L"PLEXTOR CD-R PX-W4824A", L"C"},
-    {L"PLEXTOR BD-R PX-LB950SA", L"CdDbB"},
-    {L"PHILIPS DVDR1660P1", L"CdD"},
-    {L"BENQ DVD DD DW1640", L"d"},
-    {L"hp DVD A DS8A5LH", L"CdD"},
-    {L"hp BDDVDRW CT10L", L"CdDb"},
-    {L"QSI CD-RW/DVD-ROM SBW-241", L"Cd"},
-    {L"Msft Virtual DVD-ROM", L"d"},
-    {L"VBOX CD-ROM", L""},
-    {L"NECVMWar VMware SATA CD01", L""},
-    {L"DVD Writer", L"CdD"},
-    {L"CD Writer", L"C"},
-    {L"DVD-ROM", L"d"},
-    {L"CD-ROM", L""},
-    {L"Unknown", L""},
-    {L"", L""},
-};
+/// Names of drives, and media types, by what they tell: C writes CDs, d reads and D writes DVDs, b reads and
+/// B writes Blu-ray. What they do not tell is not there.
+inline constexpr const wchar_t* RealOpticalDrives =
+    LR"(
+CdD: HL-DT-ST DVDRAM GH24NSD1; HL-DT-ST DVD+-RW GU90N; HLDS DVDRW GUD1N; TSSTcorp CDDVDW SH-224DB;
+CdD: TSSTcorp CD/DVDW TS-L632D; PLDS DVD+-RW DU-8A5LH; MATSHITA DVD-RAM UJ8E2 S; PIONEER DVD-RW DVR-221L;
+CdD: ASUS DRW-24D5MT; Slimtype DVD A DS8A8SH; Slimtype DVDRW SSM-8515S; ATAPI iHAS124 B; LITE-ON DVDRW SOHW-1633S;
+CdD: SONY DVD RW DRU-810A; _NEC DVD_RW ND-3540A; Optiarc DVD RW AD-7260S; TOSHIBA CD/DVDW SDR5372V;
+CdD: PLEXTOR DVDR PX-716A; PHILIPS DVDR1660P1; hp DVD A DS8A5LH; DVD Writer;
+d: HL-DT-ST DVD-ROM GDR8163B; TSSTcorp DVD-ROM SH-118AB; PIONEER DVD-ROM DVD-106; ATAPI iHDS118;
+d: LITE-ON DVD SOHD-16P9S; TOSHIBA DVD-ROM SD-M1912; SAMSUNG DVD-ROM SD-616T; BENQ DVD DD DW1640;
+d: Msft Virtual DVD-ROM; DVD-ROM;
+: HL-DT-ST CD-ROM GCR-8523B; LITE-ON LTR-52327S; SAMSUNG CD-ROM SC-152L; VBOX CD-ROM; NECVMWar VMware SATA CD01;
+: CD-ROM; Unknown;
+C: HL-DT-ST CD-RW GCE-8525B; SONY CD-RW CRX230E; SAMSUNG CD-R/RW SW-252F; TEAC CD-W552E; PLEXTOR CD-R PX-W4824A;
+C: CD Writer;
+Cd: HL-DT-ST RW/DVD GCC-4244N; MATSHITA UJDA770 DVD/CDRW; TOSHIBA CDRW/DVD SD-R2512; QSI CD-RW/DVD-ROM SBW-241;
+CdDbB: HL-DT-ST BD-RE WH16NS40; MATSHITA BD-MLT UJ260AF; PIONEER BD-RW BDR-209D; ASUS BW-16D1HT; ATAPI iHBS112 2;
+CdDbB: PLEXTOR BD-R PX-LB950SA;
+CdDb: HL-DT-ST BDDVDRW CH12NS40; TSSTcorp BDDVDW SH-B123L; MATSHITA BD-CMB UJ160; PIONEER BD-ROM BDC-207D;
+CdDb: ASUS BC-12D2HT; Slimtype BD E DS4E1S; ATAPI iHES208 2; hp BDDVDRW CT10L;
+db: ATAPI iHOS104;)";
 
 }  // namespace kel::test

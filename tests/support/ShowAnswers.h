@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <string>
 
 #include "probes/DiskAnswers.h"
@@ -8,41 +9,6 @@
 
 namespace kel::test {
 
-/// What each reader of storage answers takes from the same bytes, as one text.
-inline std::wstring ShowDescriptor(Bytes answer)
-{
-    const auto device = ReadStorageDescriptor(answer);
-    return !device ? L"-"
-                   : device->vendor + L"|" + device->product + L"|" + device->revision + L"|" +
-                         std::to_wstring(device->isRemovable) + L"|" + std::to_wstring(device->bus);
-}
-inline std::wstring ShowFlag(Bytes answer)
-{
-    const auto flag = ReadStorageFlag(answer);
-    return !flag ? L"-" : *flag ? L"yes" : L"no";
-}
-inline std::wstring ShowGeometry(Bytes answer)
-{
-    const auto geometry = ReadDiskGeometry(answer);
-    return !geometry ? L"-" : std::to_wstring(geometry->bytes) + (geometry->isFloppy ? L" floppy" : L"");
-}
-inline std::wstring ShowNumber(Bytes answer)
-{
-    const auto number = ReadDeviceNumber(answer);
-    return !number ? L"-" : std::to_wstring(number->type) + L"|" + std::to_wstring(number->number);
-}
-inline std::wstring ShowHotplug(Bytes answer)
-{
-    const auto hotplug = ReadHotplug(answer);
-    return !hotplug ? L"-" : std::to_wstring(hotplug->medium) + L"|" + std::to_wstring(hotplug->device);
-}
-inline std::wstring ShowExtents(Bytes answer)
-{
-    std::wstring disks;
-    for (const std::uint32_t disk : ReadExtentDisks(answer))
-        disks += std::to_wstring(disk) + L" ";
-    return disks;
-}
 /// Letters for abilities: C writes CDs, d reads and D writes DVDs, 2 writes double layer, b and B Blu-ray.
 inline std::wstring ShowAbilities(unsigned abilities)
 {
@@ -53,34 +19,45 @@ inline std::wstring ShowAbilities(unsigned abilities)
     }
     return shown;
 }
-inline std::wstring Show(const OpticalAbilities& abilities)
+
+enum AnswerKind { OfDevice, OfFlag, OfGeometry, OfNumber, OfHotplug, OfExtents, OfProfiles, OfMediaTypes };
+
+/// What each reader of storage answers takes from the same bytes, by AnswerKind; "-" for nothing.
+inline std::array<std::wstring, 8> ShowAnswers(Bytes answer)
 {
-    return ShowAbilities(abilities.has) + L"/" + ShowAbilities(abilities.known);
-}
-inline std::wstring ShowProfiles(Bytes answer)
-{
-    return Show(ReadProfiles(answer));
-}
-inline std::wstring ShowMediaTypes(Bytes answer)
-{
-    return Show(ReadMediaTypes(answer));
+    const auto text = [](auto number) { return std::to_wstring(number); };
+    std::array<std::wstring, 8> shown;
+    shown.fill(L"-");
+    if (const auto device = ReadStorageDescriptor(answer))
+        shown[OfDevice] = device->vendor + L"|" + device->product + L"|" + device->revision + L"|" +
+                          text(device->isRemovable) + L"|" + text(device->bus);
+    if (const auto flag = ReadStorageFlag(answer))
+        shown[OfFlag] = *flag ? L"yes" : L"no";
+    if (const auto geometry = ReadDiskGeometry(answer))
+        shown[OfGeometry] = text(geometry->bytes) + (geometry->isFloppy ? L" floppy" : L"");
+    if (const auto number = ReadDeviceNumber(answer))
+        shown[OfNumber] = text(number->type) + L"|" + text(number->number);
+    if (const auto hotplug = ReadHotplug(answer))
+        shown[OfHotplug] = text(hotplug->medium) + L"|" + text(hotplug->device);
+    for (const std::uint32_t disk : ReadExtentDisks(answer))
+        shown[OfExtents] += text(disk) + L" ";
+    for (const auto& [kind, abilities] :
+         {std::pair(OfProfiles, ReadProfiles(answer)), {OfMediaTypes, ReadMediaTypes(answer)}}) {
+        if (abilities.HasValue())
+            shown[kind] = ShowAbilities(abilities.has) + L"/" + ShowAbilities(abilities.known);
+    }
+    return shown;
 }
 
-using ShowAnswer = std::wstring (*)(Bytes);
-inline constexpr ShowAnswer ShowAnswers[] = {ShowDescriptor, ShowFlag,    ShowGeometry, ShowNumber,
-                                             ShowHotplug,    ShowExtents, ShowProfiles, ShowMediaTypes};
-
-/// What no reader shows.
-inline constexpr const wchar_t* Unbounded = L"reads what lies behind the answer";
-
-/// What a reader takes, when it takes the same whatever lies behind the answer.
-inline std::wstring ShowBounded(ShowAnswer show, const std::string& answer)
+/// The same, when it does not change with what lies behind the answer; else texts that nothing is equal to.
+inline std::array<std::wstring, 8> ShowBounded(const std::string& answer)
 {
-    const std::string zeros = answer + std::string(64, '\0'), ones = answer + std::string(64, '\xFF');
-    const auto shown = [show, &answer](const std::string& bytes) {
-        return show(std::as_bytes(std::span(bytes)).first(answer.size()));
+    const auto shown = [&answer](char behind) {
+        const std::string bytes = answer + std::string(64, behind);
+        return ShowAnswers(std::as_bytes(std::span(bytes)).first(answer.size()));
     };
-    return shown(zeros) == shown(ones) ? shown(answer) : Unbounded;
+    const auto zeros = shown('\0'), ones = shown('\xFF');
+    return zeros == ones ? zeros : std::array<std::wstring, 8>();
 }
 
 }  // namespace kel::test

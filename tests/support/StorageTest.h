@@ -28,18 +28,6 @@ struct StorageTest : testing::Test {
              {L"SerialNumber", {L"SERIAL-4711"}},
              {L"Index", {static_cast<long>(number), CIM_SINT32}}});
     }
-
-    /// What is stored at an index under several ids, with a bar between.
-    std::wstring At(int index, std::initializer_list<unsigned> ids) const
-    {
-        std::wstring texts;
-        for (const unsigned id : ids) {
-            const SystemValue* value = session.values.TryGetValue(SystemValueID(GroupID(id), index));
-            texts += (texts.empty() && id == *ids.begin() ? L"" : L"|") +
-                     (value != nullptr ? value->Text() : std::wstring(L"(none)"));
-        }
-        return texts;
-    }
 };
 
 /// The lines of the log at the levels of errors and warnings.
