@@ -3,11 +3,13 @@
 #include <stdexcept>
 
 #include "diag/Log.h"
+#include "platform/ErrorMode.h"
 
 namespace kel {
 
 OwnedLibrary LoadSystemLibrary(const wchar_t* name) noexcept
 {
+    const ErrorMode quiet;
     return OwnedLibrary(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
 }
 
