@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
 # Measures what the control costs, beside plain programs that ask WMI for the same: prints one table and writes it to
-# build/bench/bench.json. --page also puts it into docs/performance.md; --runs N sets how often everything is run.
+# build/bench/bench.json. --page also puts it into docs/generated/performance.md; --runs N sets how often everything is run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh --bench
-scripts/build.sh release
+scripts/build.sh release Detection
+cmake --preset release -DKEL_BENCH=ON >/dev/null
+cmake --build --preset release
 source scripts/wine_env.sh
 # All on one processor, Wine's server too: a call into the server otherwise waits, or does not, for another processor
 # to wake up, and the same line of debugger output takes 7 or 65 microseconds.

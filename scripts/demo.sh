@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/build.sh release
+scripts/build.sh release Detection
 source scripts/wine_env.sh
 start_wine
 if ! wine regsvr32 /s build/release/Detection.dll 2>/dev/null; then

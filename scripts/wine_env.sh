@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by the scripts that run Windows programs: one Wine prefix in the build tree, one server for the whole run.
 export WINEPREFIX="$PWD/build/wine"
 export WINEDEBUG="${WINEDEBUG:--all}"

@@ -45,7 +45,7 @@ def measure(programs, rows):
 def main():
     parser = argparse.ArgumentParser(prog="bench", description=__doc__)
     parser.add_argument("--runs", type=int, default=9, help="how often everything is run; at least 7")
-    parser.add_argument("--page", action="store_true", help="put the tables into docs/performance.md")
+    parser.add_argument("--page", action="store_true", help="put the tables into docs/generated/performance.md")
     arguments = parser.parse_args()
     output = ROOT / "build" / "bench"
     output.mkdir(parents=True, exist_ok=True)
@@ -66,7 +66,7 @@ def main():
     print("\n".join(["", about, "", *rows.markdown(), "", *aims.markdown()]))
     save(output / "bench.json", about, rows, aims)
     if arguments.page:
-        write_page(ROOT / "docs" / "performance.md", about, rows, aims)
+        write_page(ROOT / "docs" / "generated" / "performance.md", about, rows, aims)
 
 
 main()
