@@ -100,6 +100,8 @@ bool Sound::Detect(const SoundFunctions& functions)
         const SoundEndpoints endpoints = ReadSoundEndpoints();
         const std::vector<Device> devices = ListDevices(endpoints);
         const UINT outputs = endpoints.outputs ? *endpoints.outputs : functions.countOutputs();
+        WriteLog(LogTrace, L"Sound[0] outputs from ",
+                 endpoints.outputs ? L"the endpoints" : L"waveOutGetNumDevs");
         const UINT inputs = endpoints.inputs.value_or(0);
         const bool hasSound = !devices.empty() || outputs > 0 || inputs > 0;
         if (!hasSound)

@@ -61,8 +61,8 @@ std::optional<Bandwidth> SpeedOf(ULONG64 bitsPerSecond)
     if ((bitsPerSecond & (bitsPerSecond + 1)) == 0)
         return std::nullopt;
     std::wstring text;
-    FormatQuantity(bitsPerSecond, 1000.0, SpeedUnits, text);
-    return Bandwidth(text);
+    return Bandwidth(
+        WriteQuantity(bitsPerSecond, 1000.0, SpeedUnits, L"Error while reading a link speed.", text));
 }
 
 std::optional<bool> IsUp(IF_OPER_STATUS status)

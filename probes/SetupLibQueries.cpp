@@ -99,8 +99,9 @@ bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
     return Enumerate(L"GetSoundInfo", SoundDevices, L"Failed call to GetDeviceSet for GetSoundInfo",
                      [&](const SetupDevice& device) {
                          SoundInfo sound;
-                         sound.name = device.DeviceName();
                          sound.instanceId = device.InstanceId();
+                         sound.name =
+                             sound.HasChosenName() ? device.Text(SPDRP_DEVICEDESC) : device.DeviceName();
                          sound.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
                          sound.driverVersion = KnownVersion(device.DriverVersion().ToString());
                          devices.push_back(sound);

@@ -140,6 +140,8 @@ bool WMI::GetSoundValues(SoundInfo& info)
         Fill(object, SoundRows, info);
         info.instanceId = ToUpper(info.instanceId);
         info.deviceId = DeviceID(info.instanceId);
+        if (info.HasChosenName())
+            info.name = Name();
     });
 }
 

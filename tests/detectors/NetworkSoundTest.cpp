@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
 #include "detectors/Detectors.h"
-#include "machines/NetworkSound.h"
 #include "probes/SoundEndpoints.h"
 #include "support/FakeWmi.h"
 #include "support/LogCapture.h"
+#include "support/PlantedNetwork.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
 
@@ -16,82 +16,49 @@ using test::PlantedSound;
 
 constexpr const wchar_t* SoundQuery = L"SELECT * FROM Win32_SoundDevice";
 
-TEST(NetworkAndSound, OfFiveMachinesAreStoredLineForLine)
+TEST(NetworkAndSound, OfRecordedMachinesAreStoredLineForLine)
 {
     test::FakeWmiData wmi;
     const test::FakeWmi fakeWmi(wmi);
-    for (const test::NetworkSound& machine : test::NetworkSounds) {
-        PlantedNetwork network(machine.adapters, machine.defaultRoute);
-        const PlantedSound sound(machine.devices);
-        test::FakeSoundData service;
-        service.endpoints = machine.endpoints;
-        service.defaultOutput = machine.defaultOutput;
+    const std::vector<test::Machine> machines = test::ReadMachines();
+    EXPECT_EQ(machines.size(), 6U);
+    for (test::Machine machine : machines) {
+        PlantedNetwork network(machine[L"adapter"]);
+        const PlantedSound sound(machine[L"sound"]);
         wmi.objects[SoundQuery] = sound.wmi;
-        std::wstring expected = machine.stored;
+        test::FakeSoundData service;
+        for (const std::wstring& output : machine[L"output*"])
+            service.endpoints.push_back({eRender, output});
+        service.defaultOutput = static_cast<int>(service.endpoints.size()) - 1;
+        for (const std::wstring& output : machine[L"output"])
+            service.endpoints.push_back({eRender, output});
+        for (const std::wstring& input : machine[L"input"])
+            service.endpoints.push_back({eCapture, input});
+        std::wstring expected;
+        for (const std::wstring& line : machine[L"="])
+            expected += line + L"\n";
         ReplaceAll(expected, L"; ", L"\n");
         for (int run = 0; run < 2; ++run) {
             const test::FakeSound fakeSound(service);
-            test::TestSession session;
+            const test::TestSession session;
             NetworkDevice().Detect(network.functions);
             Sound().Detect(SoundFunctions());
             std::wstring stored;
             for (const std::wstring& line : session.Lines(72700, 72899))
-                stored += (stored.empty() ? L"" : L"\n") + line;
-            EXPECT_EQ(stored, expected) << machine.machine;
+                stored += line + L"\n";
+            EXPECT_EQ(stored, expected) << machine[L"machine"][0];
             for (const wchar_t* text : test::Personal)
-                EXPECT_EQ(ToUpper(stored).find(text), std::wstring::npos) << machine.machine << text;
+                EXPECT_EQ(ToUpper(stored).find(text), std::wstring::npos) << text;
         }
         EXPECT_FALSE(service.isMisused);
-        EXPECT_EQ(service.references, 0U) << machine.machine;
+        EXPECT_EQ(service.references, 0U);
     }
-}
-
-TEST(NetworkDevice, TellsPhysicalAdaptersFromTheRest)
-{
-    // As people posted them; after each what is stored of it: kind, speed and whether it is connected.
-    // clang-format off
-    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
-        {LR"(PCI\VEN_10EC&DEV_8168&SUBSYS_84321043&REV_06\4&87D54EE&0&00E5|Realtek PCIe GBE Family Controller|6|14|HC|1|100000000)", L"wired|100.0 Mbps|Yes|"},
-        {LR"(PCI\VEN_8086&DEV_095A&SUBSYS_94108086&REV_61\4&295A4BD&1&00E0|Intel(R) Dual Band Wireless-AC 7265|71|9|HC|1|866700000)", L"wireless|866.7 Mbps|Yes|"},
-        {LR"(PCI\VEN_8086&DEV_10ED&SUBSYS_00000000&REV_01\3&267A616A&1&18|Intel(R) 82599 Virtual Function|6|14|HC|2|0)", L"wired||No|"},
-        {LR"(USB\VID_18D1&PID_4EE1&MI_00\021122334455|Remote NDIS based Internet Sharing Device|6|0|HC|1|425984000)", L"wired|426.0 Mbps|Yes|"},
-        {LR"(PCI\VEN_168C&DEV_0036&REV_01\4&1|Qualcomm Atheros AR956x Wireless Network Adapter|6|1|HC|0|4294967295)", L"wireless|||"},
-        {LR"(ROOT\NET\0000|TAP-Windows Adapter V9|6|0|HC|2|1000000000)", nullptr},
-        {LR"(ROOT\NET\0001|Microsoft KM-TEST Loopback Adapter|6|0|HC|1|1215752192)", nullptr},
-        {LR"(ROOT\VMWARE\0001|VMware Virtual Ethernet Adapter for VMnet8|6|14|HC|1|100000000)", nullptr},
-        {LR"(SWD\WINTUN\{6A460D48-FB76-6C3F-A47D-EF97D3DC6B0E}|Wintun Userspace Tunnel|53|0|HC|1|100000000000)", nullptr},
-        {LR"(SWD\MSRRAS\MS_SSTPMINIPORT|WAN Miniport (SSTP)|131|0||2|0)", nullptr},
-        {LR"(|Teredo Tunneling Pseudo-Interface|131|0||1|100000)", nullptr},
-    };
-    // clang-format on
-    std::wstring lines;
-    for (const auto& row : rows)
-        lines += row.first + std::wstring(L"\n");
-    PlantedNetwork network(lines.c_str(), 99);
-    test::TestSession session;
-    NetworkDevice().Detect(network.functions);
-    int count = 0;
-    for (const auto& [line, expected] : rows) {
-        const std::wstring name = test::Split(line, L'|')[1];
-        std::wstring stored;
-        for (const auto& value : session.values) {
-            const int index = value.ID().Index();
-            if (value.ID().Group().Number() == 72702 && value.Text() == name)
-                for (const unsigned number : {72704, 72708, 72707})
-                    stored += session.values.GetValue(SystemValueID(GroupID(number), index)).Text() + L"|";
-        }
-        EXPECT_EQ(stored, expected != nullptr ? expected : L"") << line;
-        count += expected != nullptr;
-    }
-    EXPECT_EQ(session.Text(72701), std::to_wstring(count));
 }
 
 TEST(NetworkDevice, GoesOnWithoutASource)
 {
     const PlantedNetwork network(
-        LR"(PCI\VEN_0001&DEV_0001\1|A|6|0|HC|2|0
-PCI\VEN_0001&DEV_0002\1|B|6|0|HC|1|1000)",
-        1);
+        {LR"(PCI\VEN_0001&DEV_0001\1|A|6|0|HC|2|0)", LR"(PCI\VEN_0001&DEV_0002\1|B|6|0|HCR|1|1000)"});
     static int calls;
     static ULONG needed;
     const auto growing = [](int most) {
@@ -171,7 +138,7 @@ TEST(Sound, PutsTheDeviceThatIsHeardFirst)
     test::FakeWmiData wmi;
     const test::FakeWmi fakeWmi(wmi);
     for (const auto& [devices, endpoints, defaultOutput, expected] : rows) {
-        const PlantedSound sound(devices.c_str());
+        const PlantedSound sound(test::Split(devices, L'\n'));
         wmi.objects[SoundQuery] = sound.wmi;
         test::FakeSoundData service;
         service.endpoints = endpoints;
