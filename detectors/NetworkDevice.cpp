@@ -25,7 +25,7 @@ using Adapter = decltype(AdapterFacts)::Device;
 /// What is stored of all adapters together.
 struct NetworkSummary {
     bool hasAdapter = false;
-    Count count{0};
+    Count count = Count(0);
     bool hasWired = false;
     bool hasWireless = false;
 };

@@ -22,9 +22,9 @@ using Device = decltype(DeviceFacts)::Device;
 /// What is stored of all devices together.
 struct SoundSummary {
     bool hasSound = false;
-    Count count{0};
-    Count outputs{0};
-    Count inputs{0};
+    Count count = Count(0);
+    Count outputs = Count(0);
+    Count inputs = Count(0);
 };
 
 using S = SoundSummary;
