@@ -128,6 +128,7 @@ TEST(Sound, PutsTheDeviceThatIsHeardFirst)
         {c, {out(cable), out(codec)}, 1, L"Yes|2|2|0| codec* cable"},
         {c, {out(cable)}, 0, L"Yes|2|1|0| cable* codec"},
         {sets, {out(set + L"2")}, 0, L"Yes|2|1|0| two* one"},
+        {L"BTHENUM\\X\\1", {}, None, L"Yes|1|0|0| "},
         {L"USB\\VID_0582&PID_0096\\5&1|MIDI", {}, None, L"Yes|1|0|0| MIDI"},
         {L"", {out(codec)}, 0, L"Yes|1|1|0| *"},
         {L"", {}, None, L"No|0|0|0| ?"},

@@ -101,11 +101,12 @@ struct PlantedSound {
     explicit PlantedSound(const Lines& lines)
     {
         for (const std::wstring& line : lines) {
-            const Lines fields = Split(line, L'|');
+            Lines fields = Split(line, L'|');
+            fields.resize(3);
             const std::wstring place = std::to_wstring(devices.size());
             auto& device =
                 *devices.emplace_back(std::make_unique<PlantedDevice>(0x4D36E96C, fields[0].c_str()));
-            device.With(SPDRP_HARDWAREID, fields.size() > 2 ? fields[2] : DeviceID(fields[0]).ToString());
+            device.With(SPDRP_HARDWAREID, !fields[2].empty() ? fields[2] : DeviceID(fields[0]).ToString());
             device.With(SPDRP_DEVICEDESC, fields[1])
                 .Device(L"x", L"")
                 .Driver(L"DriverVersion", L"1.0." + place);
