@@ -7,8 +7,10 @@
 namespace kel {
 
 class CPUID;
-class SetupLib;
+struct NetworkFunctions;
 struct OSFunctions;
+class SetupLib;
+struct SoundFunctions;
 struct StorageFunctions;
 struct VolumeFunctions;
 
@@ -93,11 +95,13 @@ public:
     bool Detect() override;
 };
 
-/// The network: the download rate of the connection, measured only when the service wants it, since it costs
-/// the visitor a download. Adapters store no values yet.
+/// The network: its physical adapters, merged from the Setup API and the system's interfaces, that of the
+/// default route first; then the download rate of the connection, measured only when the service wants it,
+/// since it costs the visitor a download.
 class NetworkDevice : public Component {
 public:
     bool Detect() override;
+    bool Detect(const NetworkFunctions& functions);
 };
 
 /// The operating system: display name, release and edition flags, version numbers, locale, machine identifier
@@ -120,10 +124,12 @@ public:
     bool Detect() override;
 };
 
-/// Sound devices. It stores no values yet.
+/// Sound: its devices, merged from the Setup API, WMI and the system's endpoints, that of the default output
+/// first, and how many outputs and inputs are active.
 class Sound : public Component {
 public:
     bool Detect() override;
+    bool Detect(const SoundFunctions& functions);
 };
 
 /// Driver software and runtimes. It stores no values yet.

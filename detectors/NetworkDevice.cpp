@@ -1,19 +1,109 @@
-#include "detectors/Detectors.h"
+#include <algorithm>
+#include <tuple>
 
+#include "detectors/Detectors.h"
+#include "detectors/Facts.h"
+#include "probes/NetworkInterfaces.h"
+#include "probes/SetupLib.h"
 #include "service/BandwidthTest.h"
-#include "values/Bandwidth.h"
+#include "values/Count.h"
 
 namespace kel {
 
 namespace {
 
+using I = NetworkInfo;
+
+constexpr FactTable AdapterFacts(Fact{72702, &I::name, L"name"}, Fact{72703, &I::deviceId},
+                                 Fact{72704, &I::kind, L"kind"}, Fact{72705, &I::isOnBus},
+                                 Fact{72706, &I::driverVersion}, Fact{72707, &I::isConnected, L"connection"},
+                                 Fact{72708, &I::linkSpeed, L"link speed"}, Fact{NotStored, &I::instanceId},
+                                 Fact{NotStored, &I::enumerator}, Fact{NotStored, &I::isHardware},
+                                 Fact{NotStored, &I::hasConnector}, Fact{NotStored, &I::isDefaultRoute});
+using Adapter = decltype(AdapterFacts)::Device;
+
+/// What is stored of all adapters together.
+struct NetworkSummary {
+    bool hasAdapter = false;
+    Count count = Count(0);
+    bool hasWired = false;
+    bool hasWireless = false;
+};
+
+using S = NetworkSummary;
+constexpr FactTable SummaryFacts(Fact{72700, &S::hasAdapter}, Fact{72701, &S::count},
+                                 Fact{72709, &S::hasWired}, Fact{72710, &S::hasWireless});
+
 constexpr unsigned BandwidthId = 71069;
+
+bool IsSame(const NetworkInfo& one, const NetworkInfo& other)
+{
+    return !one.instanceId.empty() && one.instanceId == other.instanceId;
+}
+
+/// All tests together: drivers of tunnels say that they are hardware, adapters of virtual switches hold the
+/// addresses, and others are listed by a bus of their own. A test that nothing answers excludes nothing, but
+/// one of them has to tell.
+bool IsPhysical(const NetworkInfo& adapter)
+{
+    return (adapter.isHardware || !adapter.enumerator.empty()) && adapter.isHardware.value_or(true) &&
+           adapter.hasConnector.value_or(true) && adapter.enumerator != L"ROOT" &&
+           adapter.enumerator != L"SWD";
+}
+
+/// The adapter that a program would use comes first. Without the default route, which a virtual switch or a
+/// tunnel may have, it is one that is connected.
+bool ComesBefore(const Adapter& one, const Adapter& other)
+{
+    const auto rank = [](const NetworkInfo& adapter) {
+        return std::tuple(!adapter.isDefaultRoute, !adapter.isConnected.value_or(false),
+                          std::wstring(adapter.deviceId.ToString()));
+    };
+    return rank(one.record) < rank(other.record);
+}
+
+std::vector<Adapter> ListAdapters(const NetworkFunctions& functions)
+{
+    std::vector<NetworkInfo> devices;
+    SetupLib::Instance().GetNetworkDeviceInfo(devices);
+    const std::optional<DWORD> defaultRoute = FindDefaultRoute(functions);
+    std::vector<Adapter> adapters;
+    AdapterFacts.Join(adapters, devices, L"the Setup API", &IsSame);
+    AdapterFacts.Join(adapters, ReadInterfaceTable(functions, defaultRoute), L"the interface table", &IsSame);
+    AdapterFacts.Join(adapters, ReadAdapterAddresses(functions, defaultRoute), L"the adapters' addresses",
+                      &IsSame);
+    std::erase_if(adapters, [](const Adapter& adapter) { return !IsPhysical(adapter.record); });
+    std::ranges::stable_sort(adapters, &ComesBefore);
+    return adapters;
+}
+
+void StoreAdapters(const std::vector<Adapter>& adapters)
+{
+    const auto hasKind = [&adapters](const wchar_t* kind) {
+        return std::ranges::any_of(
+            adapters, [kind](const Adapter& adapter) { return adapter.record.kind == Name(kind); });
+    };
+    SummaryFacts.Store({!adapters.empty(), Count(static_cast<std::int64_t>(adapters.size())), hasKind(Wired),
+                        hasKind(Wireless)});
+    int index = 0;
+    for (const Adapter& adapter : adapters)
+        AdapterFacts.Store(adapter, L"NetworkDevice", index++);
+}
 
 }  // namespace
 
 bool NetworkDevice::Detect()
 {
-    return Guarded(L"kel::NetworkDevice::Detect", L"Error in NetworkDevice detection.", [] {
+    return Detect(NetworkFunctions::OfSystem());
+}
+
+bool NetworkDevice::Detect(const NetworkFunctions& functions)
+{
+    return Guarded(L"kel::NetworkDevice::Detect", L"Error in NetworkDevice detection.", [&functions] {
+        SummaryFacts.Store(NetworkSummary());
+        AdapterFacts.Store(NetworkInfo());
+        StoreAdapters(ListAdapters(functions));
+
         if (!Session::Current().IsWanted(GroupID(BandwidthId)))
             return;
         const std::wstring& rate = RunBandwidthTest();

@@ -1,10 +1,117 @@
+#include <algorithm>
+#include <tuple>
+
 #include "detectors/Detectors.h"
+#include "detectors/Facts.h"
+#include "probes/SetupLib.h"
+#include "probes/SoundEndpoints.h"
+#include "probes/WMI.h"
+#include "values/Count.h"
 
 namespace kel {
 
+namespace {
+
+using I = SoundInfo;
+
+constexpr FactTable DeviceFacts(Fact{72802, &I::name, L"name"}, Fact{72803, &I::deviceId, L"device id"},
+                                Fact{72804, &I::driverVersion}, Fact{72805, &I::servesDefault},
+                                Fact{NotStored, &I::instanceId});
+using Device = decltype(DeviceFacts)::Device;
+
+/// What is stored of all devices together.
+struct SoundSummary {
+    bool hasSound = false;
+    Count count = Count(0);
+    Count outputs = Count(0);
+    Count inputs = Count(0);
+};
+
+using S = SoundSummary;
+constexpr FactTable SummaryFacts(Fact{72800, &S::hasSound}, Fact{72801, &S::count}, Fact{72807, &S::outputs},
+                                 Fact{72808, &S::inputs});
+
+/// What lists the devices, the likeliest to be used first. Others come after them, then a graphics card's
+/// outputs, and what a driver alone makes comes last.
+constexpr std::wstring_view Buses[] = {L"HDAUDIO", L"USB", L"INTELAUDIO", L"BTHENUM"};
+constexpr std::wstring_view SoftwareBuses[] = {L"ROOT", L"SWD", L"SW"};
+/// AMD, NVIDIA and Intel: on the buses of codecs they are graphics cards.
+constexpr std::wstring_view GraphicsVendors[] = {L"1002", L"10DE", L"8086"};
+
+bool IsSame(const SoundInfo& one, const SoundInfo& other)
+{
+    if (!one.instanceId.empty() && !other.instanceId.empty())
+        return one.instanceId == other.instanceId;
+    return one.deviceId.Matches(other.deviceId);
+}
+
+int RankOf(const SoundInfo& device)
+{
+    // A driver's own devices can have any hardware id; the instance id tells the bus.
+    const std::wstring bus = DeviceID(device.instanceId).Bus();
+    if (std::ranges::count(SoftwareBuses, bus) > 0)
+        return 6;
+    if (bus.ends_with(L"AUDIO") && std::ranges::count(GraphicsVendors, device.deviceId.Vendor()) > 0)
+        return 5;
+    return static_cast<int>(std::ranges::find(Buses, bus) - std::begin(Buses));
+}
+
+bool ComesBefore(const Device& one, const Device& other)
+{
+    const auto rank = [](const SoundInfo& device) {
+        return std::tuple(!device.servesDefault.value_or(false), RankOf(device),
+                          std::wstring(device.deviceId.ToString()));
+    };
+    return rank(one.record) < rank(other.record);
+}
+
+std::vector<Device> ListDevices(const SoundEndpoints& endpoints)
+{
+    std::vector<SoundInfo> listed;
+    SetupLib::Instance().GetSoundInfo(listed);
+    std::vector<SoundInfo> first(1);
+    if (!WMI::Instance().GetSoundValues(first[0]))
+        first.clear();
+    std::vector<Device> devices;
+    DeviceFacts.Join(devices, listed, L"the Setup API", &IsSame);
+    DeviceFacts.Join(devices, first, L"WMI", &IsSame);
+    DeviceFacts.Join(devices, endpoints.devices, L"the endpoints", &IsSame);
+    for (Device& device : devices) {
+        if (endpoints.isDefaultKnown && !device.record.servesDefault)
+            device.record.servesDefault = false;
+    }
+    std::ranges::stable_sort(devices, &ComesBefore);
+    return devices;
+}
+
+}  // namespace
+
 bool Sound::Detect()
 {
-    return Guarded(L"kel::Sound::Detect", nullptr, [] {});
+    return Detect(SoundFunctions::OfSystem());
+}
+
+bool Sound::Detect(const SoundFunctions& functions)
+{
+    return Guarded(L"kel::Sound::Detect", nullptr, [&functions] {
+        SummaryFacts.Store(SoundSummary());
+        DeviceFacts.Store(SoundInfo());
+
+        const SoundEndpoints endpoints = ReadSoundEndpoints();
+        const std::vector<Device> devices = ListDevices(endpoints);
+        const UINT outputs = endpoints.outputs ? *endpoints.outputs : functions.countOutputs();
+        WriteLog(LogTrace, L"Sound[0] outputs from ",
+                 endpoints.outputs ? L"the endpoints" : L"waveOutGetNumDevs");
+        const UINT inputs = endpoints.inputs.value_or(0);
+        const bool hasSound = !devices.empty() || outputs > 0 || inputs > 0;
+        if (!hasSound)
+            WriteLog(LogTrace, L"There is no sound device.");
+        SummaryFacts.Store(
+            {hasSound, Count(static_cast<std::int64_t>(devices.size())), Count(outputs), Count(inputs)});
+        int index = 0;
+        for (const Device& device : devices)
+            DeviceFacts.Store(device, L"Sound", index++);
+    });
 }
 
 }  // namespace kel

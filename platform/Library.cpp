@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "diag/Log.h"
+#include "platform/ErrorMode.h"
 
 namespace kel {
 
@@ -21,6 +22,7 @@ HMODULE FindThisModule(DWORD flags, const char* error)
 
 OwnedLibrary LoadSystemLibrary(const wchar_t* name) noexcept
 {
+    const ErrorMode quiet;
     return OwnedLibrary(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
 }
 

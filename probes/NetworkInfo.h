@@ -2,23 +2,46 @@
 
 #include <windows.h>
 
-#include "values/Exists.h"
+#include <optional>
+#include <string>
+
+#include "values/Bandwidth.h"
+#include "values/DeviceID.h"
 #include "values/Name.h"
+#include "values/Version.h"
 
 namespace kel {
 
 /// Of what kind a network connection is; the numbers are the analysis service's.
 enum class MediaKind : DWORD { Unknown = 0, Lan = 1, Wireless = 256 };
 
+/// The kinds as they are stored.
+inline constexpr const wchar_t* Wired = L"wired";
+inline constexpr const wchar_t* Wireless = L"wireless";
+
 /// What one source says about a network adapter; an empty text is unknown.
 struct NetworkInfo {
     Name name;
-    Name hardwareId;
-    Exists isOnBus;  ///< on PCI bus 0, that is, on the board
-    Name driverVersion;
-    Name instanceId;    ///< of the network configuration, a GUID in braces
-    Name mediaSubType;  ///< decimal
+    DeviceID deviceId;
+    std::optional<bool> isOnBus;  ///< on PCI bus 0, that is, on the board
+    std::optional<Version> driverVersion;
+    std::wstring instanceId;  ///< of the network configuration, a GUID in braces, in upper case
+    Name mediaSubType;        ///< decimal
     MediaKind mediaKind = MediaKind::Unknown;
+    Name kind;                ///< empty also when it is another one, such as Bluetooth
+    std::wstring enumerator;  ///< what lists the device, such as "PCI"
+    std::optional<bool> isHardware;
+    std::optional<bool> hasConnector;
+    std::optional<bool> isConnected;
+    std::optional<Bandwidth> linkSpeed;
+    bool isDefaultRoute = false;  ///< what goes to the world goes through it
+
+    /// Sets the number and the text of the kind.
+    void SetKind(MediaKind newKind)
+    {
+        mediaKind = newKind;
+        kind = newKind == MediaKind::Lan ? Wired : newKind == MediaKind::Wireless ? Wireless : L"";
+    }
 };
 
 }  // namespace kel

@@ -6,13 +6,14 @@
 
 #include "diag/Log.h"
 #include "values/Size.h"
+#include "values/Text.h"
 
 namespace kel {
 
 namespace {
 
 constexpr std::size_t LargestValue = 1000;  // bytes
-constexpr DWORD LongestInstanceId = 200;    // characters
+constexpr DWORD LongestInstanceId = 200;    // characters, with the zero at the end
 
 bool IsGiven(const wchar_t* text)
 {
@@ -106,17 +107,21 @@ std::vector<std::wstring> SetupDevice::Texts(DWORD property) const
     return texts;
 }
 
-Name SetupDevice::InstanceId() const
-{
-    std::array<wchar_t, LongestInstanceId + 1> id = {};
-    const BOOL isRead = entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, nullptr);
-    return isRead ? Name(id.data()) : Name();
-}
-
 Name SetupDevice::DeviceName() const
 {
     const Name friendly = Text(SPDRP_FRIENDLYNAME);
     return friendly.HasValue() ? friendly : Text(SPDRP_DEVICEDESC);
+}
+
+std::wstring SetupDevice::InstanceId() const
+{
+    std::array<wchar_t, LongestInstanceId> id{};
+    DWORD length = 0;
+    if (!entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, &length)) {
+        WriteLog(LogWarning, L"SetupDiGetDeviceInstanceId failed with error: ", GetLastError());
+        return {};
+    }
+    return ToUpper(id.data());
 }
 
 bool SetupDevice::OpenDeviceKeys(DeviceKeys& keys) const

@@ -36,11 +36,11 @@ public:
     /// All texts of a list property; none when it cannot be read.
     std::vector<std::wstring> Texts(DWORD property) const;
 
-    /// The device instance id, which can hold a serial number; empty when it cannot be read.
-    Name InstanceId() const;
-
     /// The friendly name, or the description where there is none.
     Name DeviceName() const;
+
+    /// What tells the device from all others of the machine, in upper case; empty when it cannot be read.
+    std::wstring InstanceId() const;
 
     /// Opens both keys for reading; false, with a warning in the log, unless both are open.
     bool OpenDeviceKeys(DeviceKeys& keys) const;

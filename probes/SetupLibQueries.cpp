@@ -44,6 +44,11 @@ std::wstring FirstText(std::initializer_list<Place> places)
     return text;
 }
 
+std::optional<Version> KnownVersion(const std::wstring& text)
+{
+    return text.empty() ? std::nullopt : std::optional<Version>(text);
+}
+
 MediaKind KindOf(const std::wstring& mediaSubType)
 {
     if (mediaSubType == L"2")
@@ -100,9 +105,11 @@ bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
     return Enumerate(L"GetSoundInfo", SoundDevices, L"Failed call to GetDeviceSet for GetSoundInfo",
                      [&](const SetupDevice& device) {
                          SoundInfo sound;
-                         sound.name = device.DeviceName();
-                         sound.deviceId = device.Text(SPDRP_HARDWAREID);
-                         sound.driverVersion = device.DriverVersion();
+                         sound.instanceId = device.InstanceId();
+                         sound.name =
+                             sound.HasChosenName() ? device.Text(SPDRP_DEVICEDESC) : device.DeviceName();
+                         sound.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
+                         sound.driverVersion = KnownVersion(device.DriverVersion().ToString());
                          devices.push_back(sound);
                      });
 }
@@ -125,7 +132,8 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
 {
     NetworkInfo adapter;
     adapter.name = device.DeviceName();
-    adapter.hardwareId = device.Text(SPDRP_HARDWAREID);
+    adapter.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
+    adapter.enumerator = DeviceID(device.InstanceId()).Bus();
     std::wstring location;
     device.GetDeviceProperty(SPDRP_LOCATION_INFORMATION, location);
     adapter.isOnBus = ToLower(location).find(L"pci bus 0") != std::wstring::npos;
@@ -134,9 +142,9 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     if (!device.GetDeviceProperty(SPDRP_DRIVER, driverKey))
         return adapter;
     const OwnedKey driver = OpenKey(HKEY_LOCAL_MACHINE, (DriverKeys + driverKey).c_str(), KEY_READ);
-    adapter.driverVersion = Name(FirstText({{driver.get(), nullptr, DriverVersionValue}}));
+    adapter.driverVersion = KnownVersion(FirstText({{driver.get(), nullptr, DriverVersionValue}}));
     const std::wstring instance = FirstText({{driver.get(), nullptr, L"NetCFGInstanceID"}});
-    adapter.instanceId = Name(instance);
+    adapter.instanceId = ToUpper(instance);
     if (instance.empty())
         return adapter;
     const OwnedKey connection =
@@ -146,7 +154,7 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     if (value && value->type == REG_DWORD) {
         const std::wstring subType = FirstText({{connection.get(), nullptr, L"MediaSubType"}});
         adapter.mediaSubType = Name(subType);
-        adapter.mediaKind = KindOf(subType);
+        adapter.SetKind(KindOf(subType));
     }
     return adapter;
 }

@@ -7,6 +7,7 @@
 #include "diag/LogScope.h"
 #include "probes/Variant.h"
 #include "probes/WMI.h"
+#include "values/Text.h"
 
 namespace kel {
 
@@ -39,7 +40,7 @@ constexpr Row<BiosInfo> BiosRows[] = {{L"Version", Ignored()},
                                       {L"name", &BiosInfo::name},
                                       {L"Manufacturer", &BiosInfo::manufacturer},
                                       {L"SMBIOSBIOSVersion", &BiosInfo::version}};
-constexpr Row<SoundInfo> SoundRows[] = {{L"Name", &SoundInfo::name}, {L"DeviceID", &SoundInfo::deviceId}};
+constexpr Row<SoundInfo> SoundRows[] = {{L"Name", &SoundInfo::name}, {L"DeviceID", &SoundInfo::instanceId}};
 constexpr Row<BoardInfo> BoardRows[] = {{L"Manufacturer", &BoardInfo::manufacturer},
                                         {L"Product", &BoardInfo::product},
                                         {L"Version", &BoardInfo::version}};
@@ -135,8 +136,13 @@ bool WMI::GetBiosValues(BiosInfo& info)
 
 bool WMI::GetSoundValues(SoundInfo& info)
 {
-    return ForEach(L"SELECT * FROM Win32_SoundDevice", FirstOnly, nullptr,
-                   [&](IWbemClassObject* object) { Fill(object, SoundRows, info); });
+    return ForEach(L"SELECT * FROM Win32_SoundDevice", FirstOnly, nullptr, [&](IWbemClassObject* object) {
+        Fill(object, SoundRows, info);
+        info.instanceId = ToUpper(info.instanceId);
+        info.deviceId = DeviceID(info.instanceId);
+        if (info.HasChosenName())
+            info.name = Name();
+    });
 }
 
 bool WMI::GetMotherboardValues(BoardInfo& info)

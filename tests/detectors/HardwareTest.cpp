@@ -125,8 +125,10 @@ TEST(NetworkDevice, MeasuresOnlyWhatIsWanted)
     session.wanted.Assign(L"71069", L"");
     EXPECT_TRUE(NetworkDevice().Detect());  // the proxy of the tests refuses
     EXPECT_EQ(session.Text(71069), L"0.0 bps");
-    EXPECT_THAT(log.Lines(), testing::ElementsAre(L"TRACE Network speed is:  bps",
-                                                  L"TRACE Adding value: 0.0 bps to 71069"));
+    const std::vector<std::wstring> lines = log.Lines();
+    ASSERT_GE(lines.size(), 2U);
+    EXPECT_EQ(lines[lines.size() - 2], L"TRACE Network speed is:  bps");  // after the adapters
+    EXPECT_EQ(lines.back(), L"TRACE Adding value: 0.0 bps to 71069");
 }
 
 }  // namespace

@@ -24,6 +24,16 @@ std::wstring Show(const Value& value)
     return value.ToString();
 }
 
+std::wstring Show(const std::wstring& text)
+{
+    return text;
+}
+
+std::wstring Show(std::optional<bool> flag)
+{
+    return *flag ? L"Yes" : L"No";
+}
+
 std::wstring Show(const std::optional<Version>& version)
 {
     return version ? version->ToString() : L"";
@@ -144,7 +154,7 @@ TEST(SetupLib, ListsNetworkAdapters)
     other.Driver(L"NetCFGInstanceID", L"{KT4}");
     connect(L"{KT4}", REG_DWORD, L"\3");
     using I = NetworkInfo;
-    EXPECT_EQ(List(&SetupLib::GetNetworkDeviceInfo, &I::isOnBus, &I::name, &I::hardwareId, &I::driverVersion,
+    EXPECT_EQ(List(&SetupLib::GetNetworkDeviceInfo, &I::isOnBus, &I::name, &I::deviceId, &I::driverVersion,
                    &I::instanceId, &I::mediaSubType, &I::mediaKind),
               (Lines{L"Yes|Onboard||12.1|{KT1}|1|1", L"No|Card|||{KT2}||0", L"No||USB\\VID_1||{KT3}|2|256",
                      L"No||||{KT4}|3|0", L"No||||||0"}));

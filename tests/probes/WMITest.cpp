@@ -65,7 +65,8 @@ TEST(WMI, FillsEachRecordFromItsProperties)
                              {L"name", {L"Bios"}},
                              {L"Manufacturer", {L"Maker"}},
                              {L"SMBIOSBIOSVersion", {L"1.2"}}}};
-    data.objects[Sounds] = {{{L"Name", {L"Sound"}}, {L"DeviceID", {L"HDAUDIO"}}}, {{L"Name", {L"second"}}}};
+    data.objects[Sounds] = {{{L"Name", {L"Sound"}}, {L"DeviceID", {L"hdaudio\\f\\1"}}},
+                            {{L"Name", {L"second"}}}};
     data.objects[Boards] = {
         {{L"Manufacturer", {L"A"}}, {L"Product", {L"P"}}, {L"Version", {L"V"}}},
         {{L"Manufacturer", {L"B"}}, {L"Product", Null()}, {L"Version", {L"lost", CIM_EMPTY}}}};
@@ -83,8 +84,8 @@ TEST(WMI, FillsEachRecordFromItsProperties)
         EXPECT_STREQ(got.drives[199].deviceName.ToString(), L"\\\\.\\DISK");
         EXPECT_EQ(got.drives[199].number, 199);
         EXPECT_EQ(got.bios.name + L"|" + got.bios.manufacturer + L"|" + got.bios.version, L"Bios|Maker|1.2");
-        EXPECT_EQ(got.sound.name.ToString() + std::wstring(L"|") + got.sound.deviceId.ToString(),
-                  L"Sound|HDAUDIO");
+        EXPECT_EQ(got.sound.name.ToString() + (L"|" + got.sound.instanceId) + got.sound.deviceId.ToString(),
+                  L"Sound|HDAUDIO\\F\\1HDAUDIO\\F");
         EXPECT_EQ(got.board.manufacturer + L"|" + got.board.product + L"|" + got.board.version, L"B||V");
         ASSERT_EQ(got.cdroms.size(), 1U);
         std::wstring cdrom;

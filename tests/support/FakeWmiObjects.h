@@ -16,9 +16,9 @@ namespace kel::test {
 struct Nothing {};
 
 /// A COM object of one interface. Its references are counted in the data, which also owns it.
-template <typename Interface, typename Content = Nothing>
+template <typename Interface, typename Content = Nothing, typename Data = FakeWmiData>
 struct Fake : Interface {
-    FakeWmiData* data = nullptr;
+    Data* data = nullptr;
     Content content;
 
     STDMETHODIMP QueryInterface(REFIID riid, void** result) override
@@ -34,7 +34,7 @@ struct Fake : Interface {
 
 /// Makes a fake with one reference.
 template <typename Made>
-Made* Make(FakeWmiData* data, const decltype(Made::content)& content = {})
+Made* Make(decltype(Made::data) data, const decltype(Made::content)& content = {})
 {
     const auto made = std::make_shared<Made>();
     made->data = data;

@@ -9,9 +9,8 @@ PlantedDevice::PlantedDevice(DWORD classNumber, const wchar_t* instanceId)
     const GUID guid = {classNumber, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
     set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     device.cbSize = sizeof(device);
-    const bool isMade = instanceId == nullptr;
-    SetupDiCreateDeviceInfoW(set, isMade ? L"KELTEST" : instanceId, &guid, nullptr, nullptr,
-                             isMade ? DICD_GENERATE_ID : 0, &device);
+    SetupDiCreateDeviceInfoW(set, instanceId != nullptr ? instanceId : L"KELTEST", &guid, nullptr, nullptr,
+                             instanceId != nullptr ? 0 : DICD_GENERATE_ID, &device);
     SetupDiRegisterDeviceInfo(set, &device, 0, nullptr, nullptr, nullptr);
 }
 

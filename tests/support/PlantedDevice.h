@@ -12,7 +12,7 @@ namespace kel::test {
 class PlantedDevice {
 public:
     /// @param classNumber the first number of the class's GUID
-    /// @param instanceId null for one that the system makes
+    /// @param instanceId what tells the device from others; null for one of the test's own
     explicit PlantedDevice(DWORD classNumber, const wchar_t* instanceId = nullptr);
     PlantedDevice(const PlantedDevice&) = delete;
     PlantedDevice& operator=(const PlantedDevice&) = delete;
