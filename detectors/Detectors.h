@@ -6,7 +6,9 @@
 
 namespace kel {
 
+class Adapters;
 class CPUID;
+class DisplayConfig;
 struct OSFunctions;
 
 /// The processor: merges what `cpuid`, the registry, WMI and the operating system say. Measuring the clock
@@ -17,10 +19,12 @@ public:
     bool Detect(CPUID& chip);
 };
 
-/// The graphics adapters, merged from all graphics interfaces. It stores no values yet.
+/// The graphics adapters, merged from the graphics interfaces, the Setup API and the registry; the first is
+/// the one that a program would use. A driver is loaded only for facts that the service wants.
 class GPU : public Component {
 public:
     bool Detect() override;
+    bool Detect(Adapters& adapters);
 };
 
 /// The BIOS: version and date from the registry, name and manufacturer from WMI.
@@ -41,10 +45,12 @@ public:
     bool Detect() override;
 };
 
-/// The DirectX level. It stores no values yet.
+/// DirectX: the runtime that Windows has, which versions of Direct3D are there, and what the first adapter
+/// and its driver can do.
 class DirectX : public Component {
 public:
     bool Detect() override;
+    bool Detect(Adapters& adapters);
 };
 
 /// DVD drives. It stores no values yet.
@@ -53,10 +59,11 @@ public:
     bool Detect() override;
 };
 
-/// The displays. It stores no values yet.
+/// The displays: how many are active, the primary one's picture, and the whole desktop.
 class Graphics : public Component {
 public:
     bool Detect() override;
+    bool Detect(const DisplayConfig& config);
 };
 
 /// Hard drives. It stores no values yet.
@@ -131,10 +138,11 @@ public:
     void Initialize() override;
 };
 
-/// Monitors. It stores no values yet.
+/// The active monitors, the primary one first: what each is, and what it shows. Never their serial numbers.
 class Monitor : public Component {
 public:
     bool Detect() override;
+    bool Detect(const DisplayConfig& config);
 };
 
 /// Selected applications. It stores no values yet.

@@ -1,16 +1,19 @@
 #include "probes/SetupDevice.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "diag/Log.h"
 #include "values/Size.h"
+#include "values/Text.h"
 
 namespace kel {
 
 namespace {
 
 constexpr std::size_t LargestValue = 1000;  // bytes
+constexpr DWORD LongestInstanceId = 200;    // characters, with the zero at the end
 
 bool IsGiven(const wchar_t* text)
 {
@@ -108,6 +111,17 @@ Name SetupDevice::DeviceName() const
 {
     const Name friendly = Text(SPDRP_FRIENDLYNAME);
     return friendly.HasValue() ? friendly : Text(SPDRP_DEVICEDESC);
+}
+
+std::wstring SetupDevice::InstanceId() const
+{
+    std::array<wchar_t, LongestInstanceId> id{};
+    DWORD length = 0;
+    if (!entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, &length)) {
+        WriteLog(LogWarning, L"SetupDiGetDeviceInstanceId failed with error: ", GetLastError());
+        return {};
+    }
+    return ToUpper(id.data());
 }
 
 bool SetupDevice::OpenDeviceKeys(DeviceKeys& keys) const

@@ -39,6 +39,9 @@ public:
     /// The friendly name, or the description where there is none.
     Name DeviceName() const;
 
+    /// What tells the device from all others of the machine, in upper case; empty when it cannot be read.
+    std::wstring InstanceId() const;
+
     /// Opens both keys for reading; false, with a warning in the log, unless both are open.
     bool OpenDeviceKeys(DeviceKeys& keys) const;
 

@@ -4,12 +4,13 @@
 
 namespace kel::test {
 
-PlantedDevice::PlantedDevice(DWORD classNumber)
+PlantedDevice::PlantedDevice(DWORD classNumber, const wchar_t* instanceId)
 {
     const GUID guid = {classNumber, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
     set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     device.cbSize = sizeof(device);
-    SetupDiCreateDeviceInfoW(set, L"KELTEST", &guid, nullptr, nullptr, DICD_GENERATE_ID, &device);
+    SetupDiCreateDeviceInfoW(set, instanceId != nullptr ? instanceId : L"KELTEST", &guid, nullptr, nullptr,
+                             instanceId != nullptr ? 0 : DICD_GENERATE_ID, &device);
     SetupDiRegisterDeviceInfo(set, &device, 0, nullptr, nullptr, nullptr);
 }
 

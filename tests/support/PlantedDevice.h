@@ -12,7 +12,8 @@ namespace kel::test {
 class PlantedDevice {
 public:
     /// @param classNumber the first number of the class's GUID
-    explicit PlantedDevice(DWORD classNumber);
+    /// @param instanceId what tells the device from others; null for one of the test's own
+    explicit PlantedDevice(DWORD classNumber, const wchar_t* instanceId = nullptr);
     PlantedDevice(const PlantedDevice&) = delete;
     PlantedDevice& operator=(const PlantedDevice&) = delete;
     ~PlantedDevice();
