@@ -206,10 +206,10 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
         {"a long comment", plain + "[Models]\n" + std::string(1 << 20, ';') + "\n" + model, true},
         {"a megabyte of lines", many + model, true},
     };
-    constexpr const wchar_t* found = L"PCI\\VEN_8086&DEV_1916&SUBSYS_07251028";
-    constexpr const wchar_t* matching = L"PCI\\ven_8086&Dev_1916";
+    constexpr const wchar_t* Found = L"PCI\\VEN_8086&DEV_1916&SUBSYS_07251028";
+    constexpr const wchar_t* Matching = L"PCI\\ven_8086&Dev_1916";
     PlantedDevice adapter(Displays);
-    adapter.With(SPDRP_DEVICEDESC, L"Intel").Device(L"MatchingDeviceID", matching);
+    adapter.With(SPDRP_DEVICEDESC, L"Intel").Device(L"MatchingDeviceID", Matching);
     adapter.With(
         SPDRP_HARDWAREID,
         std::wstring(
@@ -221,23 +221,23 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
     };
     for (const wchar_t* path : {L"", L"keltest.inf"}) {  // there is no such file
         adapter.Driver(L"InfPath", path);
-        EXPECT_TRUE(isGiven(matching));
+        EXPECT_TRUE(isGiven(Matching));
     }
     for (const auto& row : rows) {
         std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << row.inf;
         const test::LogCapture log(3);
-        EXPECT_TRUE(isGiven(row.isFound ? found : matching)) << row.what;
+        EXPECT_TRUE(isGiven(row.isFound ? Found : Matching)) << row.what;
         const Lines lines = log.Lines();
-        EXPECT_EQ(std::ranges::count(lines, std::wstring(L"TRACE Got 2ID: ") + found), row.isFound)
+        EXPECT_EQ(std::ranges::count(lines, std::wstring(L"TRACE Got 2ID: ") + Found), row.isFound)
             << row.what;
         for (const wchar_t* line : {L"TRACE Is Intel.", L"TRACE Inf Path: keltest.inf"})
             EXPECT_EQ(std::ranges::count(lines, line), 1) << row.what;
     }
     std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << plain + "[Models]\n" + model;
     // One without a device, of which any id would do, and one of another maker.
-    for (const wchar_t* id : {L"PCI\\VEN_8086&CC_0300", L"PCI\\VEN_10DE&DEV_1916", matching}) {
+    for (const wchar_t* id : {L"PCI\\VEN_8086&CC_0300", L"PCI\\VEN_10DE&DEV_1916", Matching}) {
         adapter.Device(L"MatchingDeviceID", id);
-        EXPECT_EQ(isGiven(id), id != matching) << id;
+        EXPECT_EQ(isGiven(id), id != Matching) << id;
     }
     static int setsClosed, filesClosed;
     SetupLib counting = Spoilt([](Table& table) {
