@@ -121,10 +121,12 @@ void Adapters::ListCheaply(Devices& devices)
         }
     };
     GpuFacts.Join(devices, WithoutForeign(byDxgi), L"DXGI", &IsSame);
-    std::vector<GpuInfo> unversioned = notes;
-    for (GpuInfo& note : unversioned)
-        note.driverVersion.reset();  // the Setup API's comes first
-    mergeNotes(unversioned);
+    std::vector<GpuInfo> first = notes;
+    for (GpuInfo& note : first) {  // the Setup API's name and version come before these
+        note.description = Name();
+        note.driverVersion.reset();
+    }
+    mergeNotes(first);
     GpuFacts.Join(devices, WithoutForeign(bySetup), L"the Setup API", &IsSame);
     mergeNotes(notes);
     for (GpuDevice& device : devices) {

@@ -8,23 +8,24 @@ namespace kel {
 
 namespace {
 
-std::wstring RegisteredVersion()
+DirectXInfo ReadRegistry()
 {
     constexpr std::size_t LargestValue = 256;  // bytes
     std::wstring version;
     if (const OwnedKey key = OpenKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\DirectX", KEY_READ))
         ReadStringValue(key.get(), L"Version", LargestValue, version);
-    return version;
+    DirectXInfo info;
+    info.runtime = RuntimeOfRegistry(version);
+    return info;
 }
 
-/// What the system's folder and the registry tell.
 DirectXInfo ReadLibraries(const GraphicsProbes& probes)
 {
     DirectXInfo info;
     OSVERSIONINFOW version = {};
     probes.functions.getVersion(version);
-    info.runtime = RuntimeVersion(probes.functions.hasLibrary, version.dwMajorVersion, version.dwMinorVersion,
-                                  RegisteredVersion());
+    info.runtime =
+        RuntimeOfLibraries(probes.functions.hasLibrary, version.dwMajorVersion, version.dwMinorVersion);
     info.has8 = probes.directX8.IsThere();
     info.has9 = probes.directX9.IsThere();
     info.has10 = probes.directX10.IsThere();
@@ -44,16 +45,18 @@ bool DirectX::Detect(Adapters& adapters)
 {
     return Guarded(L"kel::DirectX::Detect", L"Error in DirectX detection.", [&adapters] {
         DirectXFacts.Store(DirectXInfo());
-        DirectXInfo info = ReadLibraries(adapters.Probes());
+        decltype(DirectXFacts)::Device merged;
+        DirectXFacts.Merge(merged, ReadLibraries(adapters.Probes()), L"the system's folder");
+        DirectXFacts.Merge(merged, ReadRegistry(), L"the registry");
         const std::vector<GpuDevice>& devices = adapters.List();
         if (!devices.empty()) {
             const GpuInfo& first = devices.front().record;
-            info.featureLevel = first.featureLevel;
-            info.shaderModel = first.shaderModel;
-            info.driverModel = first.driverModel;
+            merged.record.featureLevel = first.featureLevel;
+            merged.record.shaderModel = first.shaderModel;
+            merged.record.driverModel = first.driverModel;
         }
-        info.works = adapters.HasDirect3D();
-        DirectXFacts.Store(info);
+        merged.record.works = adapters.HasDirect3D();
+        DirectXFacts.Store(merged, L"DirectX");
     });
 }
 

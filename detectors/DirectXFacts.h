@@ -20,16 +20,14 @@ struct DirectXInfo {
 };
 
 // Facts for which the adapter's driver may have to be loaded: they are asked for when they are wanted.
-inline constexpr unsigned DirectXLevelId = 72203;
-inline constexpr unsigned ShaderModelId = 72204;
+constexpr unsigned DirectXLevelId = 72203;
+constexpr unsigned ShaderModelId = 72204;
 
 /// The facts of DirectX.
-inline constexpr FactTable DirectXFacts(Fact{72200, &DirectXInfo::works}, Fact{72202, &DirectXInfo::runtime},
-                                        Fact{DirectXLevelId, &DirectXInfo::featureLevel},
-                                        Fact{ShaderModelId, &DirectXInfo::shaderModel},
-                                        Fact{72205, &DirectXInfo::driverModel},
-                                        Fact{72208, &DirectXInfo::has8}, Fact{72209, &DirectXInfo::has9},
-                                        Fact{72210, &DirectXInfo::has10}, Fact{72211, &DirectXInfo::has11},
-                                        Fact{72212, &DirectXInfo::has12});
+inline constexpr FactTable DirectXFacts(
+    Fact{72200, &DirectXInfo::works}, Fact{72202, &DirectXInfo::runtime, L"runtime"},
+    Fact{DirectXLevelId, &DirectXInfo::featureLevel}, Fact{ShaderModelId, &DirectXInfo::shaderModel},
+    Fact{72205, &DirectXInfo::driverModel}, Fact{72208, &DirectXInfo::has8}, Fact{72209, &DirectXInfo::has9},
+    Fact{72210, &DirectXInfo::has10}, Fact{72211, &DirectXInfo::has11}, Fact{72212, &DirectXInfo::has12});
 
 }  // namespace kel

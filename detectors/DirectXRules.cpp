@@ -23,8 +23,8 @@ const wchar_t* VersionOf11(DWORD major, DWORD minor)
 
 }  // namespace
 
-std::optional<Version> RuntimeVersion(const boost::function<bool(const wchar_t*)>& hasLibrary, DWORD major,
-                                      DWORD minor, const std::wstring& registered)
+std::optional<Version> RuntimeOfLibraries(const boost::function<bool(const wchar_t*)>& hasLibrary,
+                                          DWORD major, DWORD minor)
 {
     const std::pair<const wchar_t*, const wchar_t*> libraries[] = {
         {L"d3d12.dll", L"12.0"},
@@ -36,6 +36,11 @@ std::optional<Version> RuntimeVersion(const boost::function<bool(const wchar_t*)
         if (hasLibrary(library))
             return Version(version);
     }
+    return {};
+}
+
+std::optional<Version> RuntimeOfRegistry(const std::wstring& registered)
+{
     for (const auto& [start, version] : Releases) {
         if (registered.starts_with(start))
             return Version(version);

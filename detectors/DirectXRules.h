@@ -10,12 +10,14 @@
 
 namespace kel {
 
-/// The version of the DirectX runtime that Windows has, which says nothing of the adapter.
+/// The version of the DirectX runtime that Windows has, which says nothing of the adapter; nothing before the
+/// tenth, whose number the registry has.
 /// @param hasLibrary whether the system's folder has a file of the name
 /// @param major, minor the system's own version, not the one that it tells an old program
-/// @param registered the version in the registry, such as "4.09.00.0904", which counts where there are no
-/// newer libraries
-std::optional<Version> RuntimeVersion(const boost::function<bool(const wchar_t*)>& hasLibrary, DWORD major,
-                                      DWORD minor, const std::wstring& registered);
+std::optional<Version> RuntimeOfLibraries(const boost::function<bool(const wchar_t*)>& hasLibrary,
+                                          DWORD major, DWORD minor);
+
+/// The same from the version in the registry, such as "4.09.00.0904", where there are no newer libraries.
+std::optional<Version> RuntimeOfRegistry(const std::wstring& registered);
 
 }  // namespace kel

@@ -9,7 +9,7 @@ namespace {
 
 struct GpuTotals {
     bool isThere = false;
-    Count count{0};
+    Count count = Count(0);
 };
 
 constexpr FactTable Totals(Fact{72000, &GpuTotals::isThere}, Fact{72001, &GpuTotals::count});

@@ -6,10 +6,10 @@
 namespace kel {
 
 // Facts for which a driver may have to be loaded into this process: they are asked for when they are wanted.
-inline constexpr unsigned GpuMemoryId = 72004;
-inline constexpr unsigned GpuLevelId = 72008;
-inline constexpr unsigned GpuChipId = 72014;
-inline constexpr unsigned GpuDacId = 72015;
+constexpr unsigned GpuMemoryId = 72004;
+constexpr unsigned GpuLevelId = 72008;
+constexpr unsigned GpuChipId = 72014;
+constexpr unsigned GpuDacId = 72015;
 
 /// The facts of each graphics adapter.
 inline constexpr FactTable GpuFacts(

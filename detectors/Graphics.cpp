@@ -8,20 +8,26 @@ namespace kel {
 
 namespace {
 
-struct GraphicsInfo {
+struct GraphicsTotals {
     bool isThere = false;
-    Count count{0};
+    Count count = Count(0);
+    bool isRemote = false;
+};
+
+constexpr FactTable Totals(Fact{72400, &GraphicsTotals::isThere}, Fact{72401, &GraphicsTotals::count},
+                           Fact{72406, &GraphicsTotals::isRemote});
+
+struct GraphicsInfo {
     Resolution resolution;  ///< of the primary display, as the next two
     std::optional<Count> bitsPerPixel;
     std::optional<Count> refreshRate;
     Resolution desktop;
-    bool isRemote = false;
 };
 
-constexpr FactTable Facts(Fact{72400, &GraphicsInfo::isThere}, Fact{72401, &GraphicsInfo::count},
-                          Fact{72402, &GraphicsInfo::resolution}, Fact{72403, &GraphicsInfo::bitsPerPixel},
-                          Fact{72404, &GraphicsInfo::refreshRate}, Fact{72405, &GraphicsInfo::desktop},
-                          Fact{72406, &GraphicsInfo::isRemote});
+constexpr FactTable Facts(Fact{72402, &GraphicsInfo::resolution, L"resolution"},
+                          Fact{72403, &GraphicsInfo::bitsPerPixel, L"bits for a pixel"},
+                          Fact{72404, &GraphicsInfo::refreshRate, L"refresh rate"},
+                          Fact{72405, &GraphicsInfo::desktop, L"desktop"});
 
 /// The box around all displays; unknown when one is.
 Resolution Around(const std::vector<DisplayInfo>& displays)
@@ -50,12 +56,13 @@ bool Graphics::Detect()
 bool Graphics::Detect(const DisplayConfig& config)
 {
     return Guarded(L"kel::Graphics::Detect", L"Error in Graphics detection.", [&config] {
+        Totals.Store(GraphicsTotals());
+        Facts.Store(GraphicsInfo());
+        const DisplayList list = config.List();
+        const std::vector<DisplayInfo>& displays = list.displays;
+        Totals.Store(
+            {!displays.empty(), Count(static_cast<std::int64_t>(displays.size())), config.IsRemote()});
         GraphicsInfo info;
-        Facts.Store(info);
-        info.isRemote = config.IsRemote();
-        const std::vector<DisplayInfo> displays = config.List().displays;
-        info.isThere = !displays.empty();
-        info.count = Count(static_cast<std::int64_t>(displays.size()));
         const auto primary = std::ranges::find_if(displays, &DisplayInfo::isPrimary);
         if (primary != displays.end()) {
             info.resolution = primary->resolution;
@@ -63,7 +70,9 @@ bool Graphics::Detect(const DisplayConfig& config)
             info.refreshRate = primary->refreshRate;
         }
         info.desktop = Around(displays);
-        Facts.Store(info);
+        decltype(Facts)::Device merged;
+        Facts.Merge(merged, info, list.source);
+        Facts.Store(merged, L"Graphics");
     });
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 struct MonitorTotals {
     bool isThere = false;
-    Count count{0};
+    Count count = Count(0);
 };
 
 constexpr FactTable Totals(Fact{73100, &MonitorTotals::isThere}, Fact{73101, &MonitorTotals::count});
@@ -21,11 +21,12 @@ constexpr FactTable Totals(Fact{73100, &MonitorTotals::isThere}, Fact{73101, &Mo
 using M = MonitorInfo;
 
 constexpr FactTable Facts(Fact{73102, &M::name, L"name"}, Fact{73103, &M::deviceId, L"device id"},
-                          Fact{73104, &M::nativeResolution}, Fact{73105, &M::currentResolution},
-                          Fact{73106, &M::refreshRate}, Fact{73107, &M::diagonal}, Fact{73108, &M::width},
-                          Fact{73109, &M::height}, Fact{73110, &M::connector}, Fact{73111, &M::isBuiltIn},
-                          Fact{73112, &M::isHdr}, Fact{73113, &M::year}, Fact{NotStored, &M::instance},
-                          Fact{NotStored, &M::isPrimary});
+                          Fact{73104, &M::nativeResolution},
+                          Fact{73105, &M::currentResolution, L"resolution"},
+                          Fact{73106, &M::refreshRate, L"refresh rate"}, Fact{73107, &M::diagonal},
+                          Fact{73108, &M::width}, Fact{73109, &M::height}, Fact{73110, &M::connector},
+                          Fact{73111, &M::isBuiltIn}, Fact{73112, &M::isHdr}, Fact{73113, &M::year},
+                          Fact{NotStored, &M::instance}, Fact{NotStored, &M::isPrimary});
 
 using Devices = std::vector<decltype(Facts)::Device>;
 
@@ -48,13 +49,16 @@ bool AreNamed(const Devices& devices)
 Devices ListMonitors(const DisplayConfig& config)
 {
     Devices devices;
-    for (const MonitorInfo& monitor : config.List().monitors) {
-        Facts.Merge(devices.emplace_back(), monitor, L"the display configuration");
+    const DisplayList list = config.List();
+    for (const MonitorInfo& monitor : list.monitors) {
+        Facts.Merge(devices.emplace_back(), monitor, list.source);
         if (const std::optional<MonitorInfo> edid = ReadMonitorEdid(monitor.instance))
             Facts.Merge(devices.back(), *edid, L"EDID");
     }
-    if (!AreNamed(devices))
-        MergeSame(devices, config.ListDevices().monitors, L"the display devices");
+    if (!AreNamed(devices)) {
+        const DisplayList further = config.ListDevices();
+        MergeSame(devices, further.monitors, further.source);
+    }
     if (!AreNamed(devices)) {
         std::vector<MonitorInfo> present;
         SetupLib::Instance().GetMonitorInfo(present);

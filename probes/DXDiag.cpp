@@ -65,7 +65,6 @@ GpuInfo Read(IDxDiagContainer& device)
     info.driverModel = KnownVersion(model.substr(std::min(model.find_first_of(L"0123456789"), model.size())));
     info.chipType = Name(Text(device, L"szChipType"));
     info.dacType = Name(Text(device, L"szDACType"));
-    info.hasDirect3D = true;
     return info;
 }
 

@@ -29,7 +29,8 @@ std::uint32_t DirectX_10::GetFeatureLevel(IDXGIAdapter* adapter, const std::wstr
     for (const D3D10_FEATURE_LEVEL1 level : Levels) {
         // Unlike its successors it cannot answer without making the device.
         Microsoft::WRL::ComPtr<ID3D10Device1> device;
-        const HRESULT result = CallDriver(L"D3D10CreateDevice1", name, LogWarning, [&] {
+        const LogLevel failureLevel = level == D3D10_FEATURE_LEVEL_9_1 ? LogWarning : LogTrace;
+        const HRESULT result = CallDriver(L"D3D10CreateDevice1", name, failureLevel, [&] {
             return functions.createDevice10(adapter, D3D10_DRIVER_TYPE_HARDWARE, nullptr, 0, level,
                                             D3D10_1_SDK_VERSION, &device);
         });

@@ -110,7 +110,7 @@ bool DisplayConfig::Query(std::vector<DISPLAYCONFIG_PATH_INFO>& paths,
 
 DisplayList DisplayConfig::ListPaths() const
 {
-    DisplayList list;
+    DisplayList list{L"the display configuration", {}, {}};
     std::vector<DISPLAYCONFIG_PATH_INFO> paths;
     std::vector<DISPLAYCONFIG_MODE_INFO> modes;
     if (!Query(paths, modes))
@@ -151,12 +151,14 @@ MonitorInfo DisplayConfig::ReadTarget(const DISPLAYCONFIG_PATH_TARGET_INFO& targ
 
 DisplayList DisplayConfig::ListDevices() const
 {
-    DisplayList list;
+    DisplayList list{L"the display devices", {}, {}};
     DISPLAY_DEVICEW adapter = {};
     adapter.cb = sizeof(adapter);
     for (DWORD index = 0; index < LargestCount && functions.enumDisplayDevices(nullptr, index, &adapter, 0);
          ++index) {
-        if ((adapter.StateFlags & DISPLAY_DEVICE_ATTACHED_TO_DESKTOP) == 0)
+        // A mirroring driver repeats what another display shows.
+        constexpr DWORD States = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | DISPLAY_DEVICE_MIRRORING_DRIVER;
+        if ((adapter.StateFlags & States) != DISPLAY_DEVICE_ATTACHED_TO_DESKTOP)
             continue;
         const DisplayInfo display = ReadSettings(adapter.DeviceName);
         list.displays.push_back(display);
@@ -198,7 +200,7 @@ DisplayInfo DisplayConfig::ReadSettings(const wchar_t* device) const
 
 DisplayList DisplayConfig::ListMonitors() const
 {
-    DisplayList list;
+    DisplayList list{L"the desktop's monitors", {}, {}};
     for (const MONITORINFO& found : functions.listMonitors()) {
         const RECT& place = found.rcMonitor;
         DisplayInfo display;

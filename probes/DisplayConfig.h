@@ -22,6 +22,7 @@ struct DisplayInfo {
 
 /// What one source lists.
 struct DisplayList {
+    const wchar_t* source = L"";  ///< its name for the log
     std::vector<DisplayInfo> displays;
     std::vector<MonitorInfo> monitors;
 };

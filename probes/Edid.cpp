@@ -83,7 +83,8 @@ std::wstring ReadName(Block block)
     return {};
 }
 
-/// The size in bytes 21 and 22, in centimetres. Where one is 0 the other is a ratio.
+/// The size in bytes 21 and 22, in centimetres. Where one is 0 the other is a ratio, or both are of a
+/// projector.
 Extent ReadRoughSize(Block block)
 {
     return block[21] != 0 && block[22] != 0 ? Extent{block[21] * 10, block[22] * 10} : Extent();
@@ -91,6 +92,8 @@ Extent ReadRoughSize(Block block)
 
 Extent ChooseSize(Extent rough, Extent exact)
 {
+    if (rough == Extent())
+        return {};
     const bool isNear = std::abs(rough.width - exact.width) <= Tolerance &&
                         std::abs(rough.height - exact.height) <= Tolerance;
     const Extent size = isNear && exact.width != 0 && exact.height != 0 ? exact : rough;
