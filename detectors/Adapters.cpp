@@ -36,15 +36,18 @@ bool IsNoteOf(const GpuInfo& adapter, const GpuInfo& note)
     return !note.luid.empty() && adapter.luid == note.luid && adapter.deviceId.Matches(note.deviceId);
 }
 
-std::vector<GpuInfo> WithoutForeign(std::vector<GpuInfo> adapters)
-{
-    std::erase_if(adapters, &IsForeignAdapter);
-    return adapters;
-}
-
 bool HasName(const GpuInfo& adapter)
 {
     return adapter.description.HasValue();
+}
+
+/// The adapters that count. One of which neither name nor id is told is none.
+std::vector<GpuInfo> WithoutForeign(std::vector<GpuInfo> adapters)
+{
+    std::erase_if(adapters, [](const GpuInfo& adapter) {
+        return IsForeignAdapter(adapter) || (!HasName(adapter) && !adapter.deviceId.HasValue());
+    });
+    return adapters;
 }
 
 }  // namespace

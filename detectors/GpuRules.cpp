@@ -14,8 +14,8 @@ constexpr const wchar_t* Intel = L"8086";
 constexpr const wchar_t* NoVendor = L"0000";
 constexpr std::uint64_t SmallMemory = 512ULL << 20;
 constexpr std::size_t VersionFields = 4;
+constexpr std::size_t ThirdFieldDigits = 2;
 constexpr std::size_t LastFieldDigits = 4;
-constexpr std::size_t MakerDigits = 5;
 
 std::vector<std::wstring> Fields(const std::wstring& version)
 {
@@ -55,13 +55,16 @@ std::optional<Version> MakerVersion(const GpuInfo& adapter)
     if (adapter.deviceId.Vendor() != Nvidia || !adapter.driverVersion)
         return {};
     const std::vector<std::wstring> fields = Fields(adapter.driverVersion->ToString());
-    if (fields.size() != VersionFields || fields[3].empty() || fields[3].size() > LastFieldDigits)
+    // The third field of Windows' own driver, which may serve the card, is a longer number.
+    if (fields.size() != VersionFields || fields[2].size() != ThirdFieldDigits || fields[3].empty() ||
+        fields[3].size() > LastFieldDigits)
         return {};
-    std::wstring digits = fields[2] + std::wstring(LastFieldDigits - fields[3].size(), L'0') + fields[3];
-    if (digits.size() < MakerDigits || digits.find_first_not_of(L"0123456789") != std::wstring::npos)
+    std::wstring digits =
+        fields[2].back() + std::wstring(LastFieldDigits - fields[3].size(), L'0') + fields[3];
+    if (digits.find_first_not_of(L"0123456789") != std::wstring::npos)
         return {};
-    digits.erase(0, digits.size() - MakerDigits);
-    return Version(digits.insert(3, L"."));
+    digits.insert(3, L".");
+    return Version(digits.substr(digits.front() == L'0' ? 1 : 0));
 }
 
 std::optional<bool> IsIntegrated(const GpuInfo& adapter)

@@ -43,6 +43,16 @@ std::uint32_t Number(IDxDiagContainer& device, const wchar_t* name)
     return static_cast<std::uint32_t>(std::wcstoul(Text(device, name).c_str(), nullptr, 16));
 }
 
+DeviceID ReadId(IDxDiagContainer& device)
+{
+    const std::wstring id =
+        DeviceID::FromNumbers(Number(device, L"szVendorId"), Number(device, L"szDeviceId"),
+                              Number(device, L"szSubSysId"), Number(device, L"szRevisionId"))
+            .ToString();
+    // A revision of 0 is one; that which is missing is unknown.
+    return DeviceID(Text(device, L"szRevisionId").empty() ? id.substr(0, id.find(L"&REV_")) : id);
+}
+
 /// The amount in a text such as "3962 MB".
 std::optional<Size> Memory(IDxDiagContainer& device, const wchar_t* name)
 {
@@ -55,8 +65,7 @@ GpuInfo Read(IDxDiagContainer& device)
 {
     GpuInfo info;
     info.description = Name(Text(device, L"szDescription"));
-    info.deviceId = DeviceID::FromNumbers(Number(device, L"szVendorId"), Number(device, L"szDeviceId"),
-                                          Number(device, L"szSubSysId"), Number(device, L"szRevisionId"));
+    info.deviceId = ReadId(device);
     info.videoMemory = Memory(device, L"szDedicatedMemoryEnglish");
     if (!info.videoMemory)
         info.videoMemory = Memory(device, L"szDisplayMemoryEnglish");
