@@ -116,7 +116,7 @@ void System::SetSessionID(const std::wstring& text)
 
 std::wstring System::Version()
 {
-    static const std::wstring version = L"" KEL_VERSION_TEXT;
+    static const std::wstring version = L"" KEL_SCRIPT_VERSION;
     return version;
 }
 

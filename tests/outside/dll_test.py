@@ -32,6 +32,10 @@ class Dll(unittest.TestCase):
         else:
             self.assertNotIn("no symbols", symbols)
 
+    def test_a_multithreaded_host_creates_it_and_asks_it_by_name(self):
+        wine(["regsvr32", "/s", windows_path(DLL)])
+        self.assertEqual(wine([DLL.parent / "tests/mta_probe.exe"]), (0, "00000000 visitor\n"))
+
     def test_regsvr32_registers_for_whom_it_is_told(self):
         refused = 5  # what regsvr32 says of a call that failed
         for arguments, result, for_all, for_user in (
