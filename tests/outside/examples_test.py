@@ -1,7 +1,6 @@
 """The examples as a reader runs them, against the demo's requirements."""
 
 import json
-import re
 import unittest
 
 from harness import ROOT, ControlTest, windows_path, wine
