@@ -43,23 +43,26 @@ class PlantedGraphics {
 public:
     explicit PlantedGraphics(const test::GraphicsMachine& machine) : fake(machine.cards)
     {
-        for (const auto& [name, id, version, matching] : machine.devices) {
-            auto& device = *devices.emplace_back(std::make_unique<test::PlantedDevice>(0x4D36E968, id));
-            device.With(SPDRP_DEVICEDESC, name).With(SPDRP_HARDWAREID, DeviceID(id).ToString());
-            device.Device(L"MatchingDeviceId", matching).Driver(L"DriverVersion", version);
+        for (const auto& device : machine.devices) {
+            auto& planted =
+                *devices.emplace_back(std::make_unique<test::PlantedDevice>(0x4D36E968, device[1].c_str()));
+            planted.With(SPDRP_DEVICEDESC, device[0]).With(SPDRP_HARDWAREID, DeviceID(device[1]).ToString());
+            planted.Device(L"MatchingDeviceId", device[3]).Driver(L"DriverVersion", device[2]);
         }
-        for (const auto& [place, vendor, device, level] : machine.notes) {
-            const std::wstring key = L"SOFTWARE\\Microsoft\\DirectX\\{" + std::to_wstring(place) + L"}";
-            const std::uint64_t luid = 7ULL << 32 | place, version = 9ULL << 48 | 8ULL << 32 | 7 << 16 | 6;
-            registry.Write(key, L"AdapterLuid", REG_QWORD, &luid, sizeof(luid));
-            registry.Write(key, L"DriverVersion", REG_QWORD, &version, sizeof(version));
-            registry.Write(key, L"VendorId", REG_DWORD, &vendor, sizeof(vendor));
-            registry.Write(key, L"DeviceId", REG_DWORD, &device, sizeof(device));
-            registry.Write(key, L"MaxD3D11FeatureLevel", REG_DWORD, &level, sizeof(level));
+        for (const auto& note : machine.notes) {
+            const std::wstring key = L"SOFTWARE\\Microsoft\\DirectX\\{" + note[0] + L"}";
+            const auto write = [&](const wchar_t* name, DWORD type, std::uint64_t number) {
+                registry.Write(key, name, type, &number, type == REG_QWORD ? 8 : 4);
+            };
+            write(L"AdapterLuid", REG_QWORD, 7ULL << 32 | std::stoul(note[0]));
+            write(L"DriverVersion", REG_QWORD, 0x9000800070006);
+            write(L"VendorId", REG_DWORD, std::stoul(note[1], nullptr, 16));
+            write(L"DeviceId", REG_DWORD, std::stoul(note[2], nullptr, 16));
+            write(L"MaxD3D11FeatureLevel", REG_DWORD, std::stoul(note[3], nullptr, 16));
         }
         registry.Write(L"SOFTWARE\\Microsoft\\DirectX", L"Version", L"4.09.00.0904");
-        if (machine.change)
-            machine.change(fake);
+        for (const auto& setting : machine.settings)
+            fake.Set(setting[0], setting[1]);
     }
 
 private:
@@ -82,8 +85,10 @@ public:
 
 TEST(Graphics, AdaptersComeOutLineForLineAndNoDriverIsLoadedUnasked)
 {
-    for (const auto& machine : test::GraphicsMachines) {
-        SCOPED_TRACE(machine.what);
+    const auto machines = test::ReadGraphicsMachines();
+    EXPECT_EQ(machines.size(), 11U);
+    for (const auto& machine : machines) {
+        SCOPED_TRACE(testing::PrintToString(machine.what));
         test::TestSession session;
         session.wanted.Assign(machine.wanted, L"");
         PlantedGraphics planted(machine);
@@ -101,9 +106,9 @@ TEST(Graphics, AdaptersComeOutLineForLineAndNoDriverIsLoadedUnasked)
 
 TEST(Graphics, LogTellsWhereAFactIsFromAndNamesTheDriverBeforeItIsCalled)
 {
-    const auto& machine =
-        *std::ranges::find(test::GraphicsMachines, std::string("a driver that fails inside, on Windows 7"),
-                           &test::GraphicsMachine::what);
+    const auto machines = test::ReadGraphicsMachines();
+    const auto& machine = *std::ranges::find(machines, L"a driver that fails inside, on Windows 7",
+                                             &test::GraphicsMachine::what);
     test::TestSession session;
     session.wanted.Assign(machine.wanted, L"");
     PlantedGraphics planted(machine);

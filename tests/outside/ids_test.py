@@ -7,7 +7,8 @@ from collections import Counter
 from harness import ROOT
 
 FOLDERS = ("run", "run/store", "probes", "detectors")
-KEEPERS = {"System": "System", "FixedGroups": "OS", "OSIds": "OS", "GPUFacts": "GPU", "DirectXFacts": "DirectX"}  # files that are no detector's own
+# Files that are no detector's own.
+KEEPERS = {"System": "System", "FixedGroups": "OS", "OSIds": "OS", "GPUFacts": "GPU", "DirectXFacts": "DirectX"}
 TYPES = {"std::wstring": "text", "Name": "text", "bool": "Exists"}
 
 

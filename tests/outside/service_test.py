@@ -28,7 +28,8 @@ class Comparisons(unittest.TestCase):
                 ("at least", "1024.0 Kbps", "1 Mbps", "pass"), ("at least", "4", "2", "pass"),
                 ("at least", "1080x1920", "1280x720", "pass"), ("at least", "1279x9000", "1280x720", "pass"),
                 ("at least", "9000x719", "1280x720", "fail"), ("at least", "4 GB", "1280x720", "unknown"),
-                ("at least", "0x720", "1280x720", "unknown"), ("at least", "many", "2", "unknown"), ("at most", "3", "2", "fail"), ("equals", "Intel", "intel", "pass"),
+                ("at least", "0x720", "1280x720", "unknown"),
+                ("at least", "many", "2", "unknown"), ("at most", "3", "2", "fail"), ("equals", "Intel", "intel", "pass"),
                 ("contains", "Microsoft Windows 7", "windows", "pass"), ("contains", "Linux", "windows", "fail"),
                 ("yes", "Yes", "", "pass"), ("yes", "No", "", "fail"), ("no", "No", "", "pass"),
                 ("no", None, "", "unknown"), ("contains", "  ", "", "unknown")):

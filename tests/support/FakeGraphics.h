@@ -14,14 +14,13 @@ namespace kel::test {
 
 /// An adapter as the interfaces tell it. Memory is in megabytes.
 struct Card {
-    const wchar_t* name;
+    std::wstring name;
     UINT vendor, device, subsystem;
     std::size_t dedicated, shared;
-    UINT flags = 0;
-    UINT level11 = 0, level12 = 0, model = 0;  ///< the highest that its driver has
-    UINT driverModel = 3100;
-    std::uint64_t version = 0;  ///< of the driver, as DXGI tells it
-    bool isBroken = false;      ///< its driver throws
+    UINT flags;
+    UINT level11, level12, model;  ///< the highest that its driver has
+    UINT driverModel;
+    std::uint64_t version;  ///< of the driver, as DXGI tells it
 };
 
 class FakeGraphics {
@@ -46,7 +45,7 @@ public:
                 });
             adapter.Answer(
                 10, +[](Object* self, DXGI_ADAPTER_DESC1* told) -> HRESULT {
-                    wcscpy(told->Description, self->card.name);
+                    wcscpy(told->Description, self->card.name.c_str());
                     told->VendorId = self->card.vendor;
                     told->DeviceId = self->card.device;
                     told->SubSysId = self->card.subsystem;
@@ -89,7 +88,7 @@ public:
                                           ID3D11Device** device, D3D_FEATURE_LEVEL* level, auto) -> HRESULT {
             ++calls[L"11"];
             const Card& card = Find(adapter);
-            if (card.isBroken)
+            if (isBroken)
                 throw 11;
             if (*levels > newestLevel || type != D3D_DRIVER_TYPE_UNKNOWN || device != nullptr)
                 return E_INVALIDARG;
@@ -114,7 +113,7 @@ public:
             return luid.HighPart == 7 ? At(luid.LowPart - 1).card.driverModel : 0;
         };
         functions.hasLibrary = [this](const wchar_t* name) {
-            return libraries.find(std::wstring(name) + L" ") != std::wstring::npos;
+            return libraries.find(std::wstring(name) + L",") != std::wstring::npos;
         };
         functions.getVersion = [this](OSVERSIONINFOW& version) {
             version.dwMajorVersion = system / 10;
@@ -123,12 +122,12 @@ public:
         return functions;
     }
 
-    /// Such as "11:2 12:3 ".
+    /// Such as "11:2 12:3".
     std::wstring Calls() const
     {
         std::wstring shown;
         for (const auto& [name, count] : calls)
-            shown += name + L":" + std::to_wstring(count) + L" ";
+            shown += (shown.empty() ? L"" : L" ") + name + L":" + std::to_wstring(count);
         return shown;
     }
 
@@ -142,11 +141,22 @@ public:
         return held;
     }
 
-    std::wstring libraries = L"d3d9.dll d3d10.dll d3d10_1.dll d3d11.dll d3d12.dll ";
-    bool hasDxgi = true;
-    DWORD system = 100;  ///< Windows' version, ten times
-    UINT newestLevel = D3D_FEATURE_LEVEL_12_1;
-    std::map<std::wstring, std::wstring> diagnosis;  ///< the properties of DxDiag's one display device
+    /// Changes what is told: of the system, or, by its name, a property of DxDiag's one display device.
+    void Set(const std::wstring& key, const std::wstring& value)
+    {
+        if (key == L"libraries")
+            libraries = value;
+        else if (key == L"system")
+            system = std::stoul(value);
+        else if (key == L"newest level")
+            newestLevel = std::stoul(value, nullptr, 16);
+        else if (key == L"no DXGI")
+            hasDxgi = false;
+        else if (key == L"broken")
+            isBroken = true;
+        else
+            diagnosis[key] = value;
+    }
 
 private:
     struct Object : FakeObject {
@@ -173,7 +183,7 @@ private:
         direct3D9.Answer(
             5, +[](Object* self, UINT index, DWORD, D3DADAPTER_IDENTIFIER9* told) -> HRESULT {
                 const Card& card = self->owner->At(index).card;
-                std::copy_n(card.name, wcslen(card.name) + 1, told->Description);
+                std::ranges::copy(std::string(card.name.begin(), card.name.end()), told->Description);
                 told->VendorId = card.vendor;
                 told->DeviceId = card.device;
                 told->SubSysId = card.subsystem;
@@ -226,6 +236,12 @@ private:
             });
     }
 
+    std::wstring libraries = L"d3d9.dll,d3d10.dll,d3d10_1.dll,d3d11.dll,d3d12.dll,";
+    DWORD system = 100;                         // Windows' version, ten times
+    UINT newestLevel = D3D_FEATURE_LEVEL_12_1;  // that the runtime knows
+    bool hasDxgi = true;
+    bool isBroken = false;  // Direct3D 11's driver throws
+    std::map<std::wstring, std::wstring> diagnosis;
     std::list<Object> adapters;
     Object factory, direct3D9, device10, device12, diagnosisClass, provider, container;
     std::map<std::wstring, int> calls;
