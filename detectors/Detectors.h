@@ -6,7 +6,9 @@
 
 namespace kel {
 
+class Adapters;
 class CPUID;
+class DisplayConfig;
 struct NetworkFunctions;
 struct OSFunctions;
 class SetupLib;
@@ -22,10 +24,12 @@ public:
     bool Detect(CPUID& chip);
 };
 
-/// The graphics adapters, merged from all graphics interfaces. It stores no values yet.
+/// The graphics adapters, merged from the graphics interfaces, the Setup API and the registry; the first is
+/// the one that a program would use. A driver is loaded only for facts that the service wants.
 class GPU : public Component {
 public:
     bool Detect() override;
+    bool Detect(Adapters& adapters);
 };
 
 /// The BIOS: version and date from the registry, name and manufacturer from WMI.
@@ -48,10 +52,12 @@ public:
     bool Detect() override;
 };
 
-/// The DirectX level. It stores no values yet.
+/// DirectX: the runtime that Windows has, which versions of Direct3D are there, and what the first adapter
+/// and its driver can do.
 class DirectX : public Component {
 public:
     bool Detect() override;
+    bool Detect(Adapters& adapters);
 };
 
 /// What the optical drives can do with DVDs and Blu-ray discs. The drives are those of CDRom.
@@ -61,10 +67,11 @@ public:
     bool Detect(const StorageFunctions& functions);
 };
 
-/// The displays. It stores no values yet.
+/// The displays: how many are active, the primary one's picture, and the whole desktop.
 class Graphics : public Component {
 public:
     bool Detect() override;
+    bool Detect(const DisplayConfig& config);
 };
 
 /// Disks, with those that hold Windows first: merged from what each answers, WMI and the Setup API by the
@@ -147,10 +154,11 @@ public:
     void Initialize() override;
 };
 
-/// Monitors. It stores no values yet.
+/// The active monitors, the primary one first: what each is, and what it shows. Never their serial numbers.
 class Monitor : public Component {
 public:
     bool Detect() override;
+    bool Detect(const DisplayConfig& config);
 };
 
 /// Selected applications. It stores no values yet.

@@ -1,10 +1,79 @@
+#include <algorithm>
+
 #include "detectors/Detectors.h"
+#include "detectors/Facts.h"
+#include "probes/DisplayConfig.h"
 
 namespace kel {
 
+namespace {
+
+struct GraphicsTotals {
+    bool isThere = false;
+    Count count = Count(0);
+    bool isRemote = false;
+};
+
+constexpr FactTable Totals(Fact{72400, &GraphicsTotals::isThere}, Fact{72401, &GraphicsTotals::count},
+                           Fact{72406, &GraphicsTotals::isRemote});
+
+struct GraphicsInfo {
+    Resolution resolution;  ///< of the primary display, as the next two
+    std::optional<Count> bitsPerPixel;
+    std::optional<Count> refreshRate;
+    Resolution desktop;
+};
+
+constexpr FactTable Facts(Fact{72402, &GraphicsInfo::resolution, L"resolution"},
+                          Fact{72403, &GraphicsInfo::bitsPerPixel, L"bits for a pixel"},
+                          Fact{72404, &GraphicsInfo::refreshRate, L"refresh rate"},
+                          Fact{72405, &GraphicsInfo::desktop, L"desktop"});
+
+/// The box around all displays; unknown when one is.
+Resolution Around(const std::vector<DisplayInfo>& displays)
+{
+    RECT box = {};  // the primary display's corner is in it
+    for (const DisplayInfo& display : displays) {
+        if (!display.resolution.HasValue())
+            return {};
+        const POINT corner = display.position;
+        box.left = std::min(box.left, corner.x);
+        box.top = std::min(box.top, corner.y);
+        box.right = std::max(box.right, corner.x + static_cast<LONG>(display.resolution.Width()));
+        box.bottom = std::max(box.bottom, corner.y + static_cast<LONG>(display.resolution.Height()));
+    }
+    return {static_cast<std::uint32_t>(box.right - box.left),
+            static_cast<std::uint32_t>(box.bottom - box.top)};
+}
+
+}  // namespace
+
 bool Graphics::Detect()
 {
-    return Guarded(L"kel::Graphics::Detect", L"Error in Graphics detection.", [] {});
+    return Detect(DisplayConfig::Instance());
+}
+
+bool Graphics::Detect(const DisplayConfig& config)
+{
+    return Guarded(L"kel::Graphics::Detect", L"Error in Graphics detection.", [&config] {
+        Totals.Store(GraphicsTotals());
+        Facts.Store(GraphicsInfo());
+        const DisplayList list = config.List();
+        const std::vector<DisplayInfo>& displays = list.displays;
+        Totals.Store(
+            {!displays.empty(), Count(static_cast<std::int64_t>(displays.size())), config.IsRemote()});
+        GraphicsInfo info;
+        const auto primary = std::ranges::find_if(displays, &DisplayInfo::isPrimary);
+        if (primary != displays.end()) {
+            info.resolution = primary->resolution;
+            info.bitsPerPixel = primary->bitsPerPixel;
+            info.refreshRate = primary->refreshRate;
+        }
+        info.desktop = Around(displays);
+        decltype(Facts)::Device merged;
+        Facts.Merge(merged, info, list.source);
+        Facts.Store(merged, L"Graphics");
+    });
 }
 
 }  // namespace kel

@@ -1,10 +1,96 @@
+#include <algorithm>
+#include <tuple>
+
 #include "detectors/Detectors.h"
+#include "detectors/Facts.h"
+#include "probes/DisplayConfig.h"
+#include "probes/Edid.h"
+#include "probes/SetupLib.h"
 
 namespace kel {
 
+namespace {
+
+struct MonitorTotals {
+    bool isThere = false;
+    Count count = Count(0);
+};
+
+constexpr FactTable Totals(Fact{73100, &MonitorTotals::isThere}, Fact{73101, &MonitorTotals::count});
+
+using M = MonitorInfo;
+
+constexpr FactTable Facts(Fact{73102, &M::name, L"name"}, Fact{73103, &M::deviceId, L"device id"},
+                          Fact{73104, &M::nativeResolution},
+                          Fact{73105, &M::currentResolution, L"resolution"},
+                          Fact{73106, &M::refreshRate, L"refresh rate"}, Fact{73107, &M::diagonal},
+                          Fact{73108, &M::width}, Fact{73109, &M::height}, Fact{73110, &M::connector},
+                          Fact{73111, &M::isBuiltIn}, Fact{73112, &M::isHdr}, Fact{73113, &M::year},
+                          Fact{NotStored, &M::instance}, Fact{NotStored, &M::isPrimary});
+
+using Devices = std::vector<decltype(Facts)::Device>;
+
+/// Adds what a source says of the monitors that are there; those that are not active, or were, are in it too.
+void MergeSame(Devices& devices, const std::vector<MonitorInfo>& listed, const wchar_t* source)
+{
+    for (auto& device : devices) {
+        for (const MonitorInfo& monitor : listed) {
+            if (!monitor.instance.empty() && monitor.instance == device.record.instance)
+                Facts.Merge(device, monitor, source);
+        }
+    }
+}
+
+bool AreNamed(const Devices& devices)
+{
+    return std::ranges::all_of(devices, [](const auto& device) { return device.record.name.HasValue(); });
+}
+
+Devices ListMonitors(const DisplayConfig& config)
+{
+    Devices devices;
+    const DisplayList list = config.List();
+    for (const MonitorInfo& monitor : list.monitors) {
+        Facts.Merge(devices.emplace_back(), monitor, list.source);
+        if (const std::optional<MonitorInfo> edid = ReadMonitorEdid(monitor.instance))
+            Facts.Merge(devices.back(), *edid, L"EDID");
+    }
+    if (!AreNamed(devices)) {
+        const DisplayList further = config.ListDevices();
+        MergeSame(devices, further.monitors, further.source);
+    }
+    if (!AreNamed(devices)) {
+        std::vector<MonitorInfo> present;
+        SetupLib::Instance().GetMonitorInfo(present);
+        MergeSame(devices, present, L"the Setup API");
+    }
+    std::ranges::stable_sort(devices, [](const auto& one, const auto& other) {
+        const auto rank = [](const MonitorInfo& monitor) {
+            return std::tuple(!monitor.isPrimary, std::wstring(monitor.deviceId.ToString()));
+        };
+        return rank(one.record) < rank(other.record);
+    });
+    return devices;
+}
+
+}  // namespace
+
 bool Monitor::Detect()
 {
-    return Guarded(L"kel::Monitor::Detect", L"Error in Monitor detection.", [] {});
+    return Detect(DisplayConfig::Instance());
+}
+
+bool Monitor::Detect(const DisplayConfig& config)
+{
+    return Guarded(L"kel::Monitor::Detect", L"Error in Monitor detection.", [&config] {
+        Totals.Store(MonitorTotals());
+        Facts.Store(MonitorInfo());
+        const Devices devices = ListMonitors(config);
+        Totals.Store({!devices.empty(), Count(static_cast<std::int64_t>(devices.size()))});
+        int index = 0;
+        for (const auto& device : devices)
+            Facts.Store(device, L"Monitor", index++);
+    });
 }
 
 }  // namespace kel

@@ -1,20 +1,49 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "values/DeviceID.h"
 #include "values/Name.h"
 #include "values/Size.h"
+#include "values/Version.h"
 
 namespace kel {
 
-/// What one source says about a graphics adapter; an empty text is unknown.
+/// What one source says about a graphics adapter; an empty text or option is unknown.
 struct GpuInfo {
+    std::wstring luid;  ///< by which the graphics interfaces know it until the next start, hexadecimal
     Name description;
-    Name driverVersion;
+    DeviceID deviceId;
+    std::optional<Size> videoMemory;  ///< the adapter's own; never 0
+    std::optional<Size> sharedMemory;
+    std::optional<Version> driverVersion;
+    std::optional<Version> makerVersion;  ///< as the maker counts its drivers
+    std::optional<Version> driverModel;   ///< of Windows, such as 3.1
+    std::optional<Version> featureLevel;  ///< of Direct3D, such as 12.1
+    std::optional<Version> shaderModel;
+    std::optional<bool> isIntegrated;
+    std::optional<bool> isNvidia;
+    std::optional<bool> isAmd;
+    std::optional<bool> isIntel;
+    std::optional<bool> isVirtual;
     Name chipType;
     Name dacType;
     Name driverDescription;
-    Size videoMemory;
-    DeviceID deviceId;
+    bool hasDirect3D = false;  ///< a graphics interface lists it
+    bool isSoftware = false;   ///< a graphics interface says that it draws by the processor, or far away
 };
+
+/// An amount of memory as a source gives it; 0 is unknown.
+inline std::optional<Size> KnownSize(std::uint64_t bytes)
+{
+    return bytes != 0 ? std::optional(Size(bytes)) : std::nullopt;
+}
+
+/// A version as a source gives it; an empty text is unknown.
+inline std::optional<Version> KnownVersion(const std::wstring& text)
+{
+    return !text.empty() ? std::optional(Version(text)) : std::nullopt;
+}
 
 }  // namespace kel

@@ -9,6 +9,7 @@
 
 #include "probes/DiskInfo.h"
 #include "probes/GpuInfo.h"
+#include "probes/MonitorInfo.h"
 #include "probes/NetworkInfo.h"
 #include "probes/OpticalInfo.h"
 #include "probes/ScsiInfo.h"
@@ -52,6 +53,8 @@ public:
     bool GetCDRomInfo(std::vector<OpticalInfo>& drives);
     bool GetNetworkDeviceInfo(std::vector<NetworkInfo>& adapters);
     bool GetSoundInfo(std::vector<SoundInfo>& devices);
+    /// Monitors are listed whether they are active or not.
+    bool GetMonitorInfo(std::vector<MonitorInfo>& monitors);
 
 private:
     using Fill = boost::function<void(const SetupDevice&)>;

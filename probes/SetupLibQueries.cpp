@@ -1,7 +1,8 @@
-// The six listings of the Setup API probe: which property and which value fills which field.
+// The listings of the Setup API probe: which property and which value fills which field.
 #include "diag/Log.h"
 #include "probes/InfFile.h"
 #include "probes/SetupLib.h"
+#include "values/Junk.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -13,6 +14,7 @@ enum SetupClass : DWORD {
     DiskDrives = 0x4D36E967,
     DisplayAdapters = 0x4D36E968,
     SoundDevices = 0x4D36E96C,
+    Monitors = 0x4D36E96E,
     NetworkAdapters = 0x4D36E972,
     ScsiControllers = 0x4D36E97B,
 };
@@ -47,6 +49,17 @@ std::wstring FirstText(std::initializer_list<Place> places)
 std::optional<Version> KnownVersion(const std::wstring& text)
 {
     return text.empty() ? std::nullopt : std::optional<Version>(text);
+}
+
+/// The amount of the first place that has one above 0.
+std::optional<Size> FirstSize(std::initializer_list<Place> places)
+{
+    Size size;
+    for (const Place& place : places) {
+        if (ReadRegistrySize(place.key, place.subkey, place.name, size) && size.Bytes() != 0)
+            return size;
+    }
+    return {};
 }
 
 MediaKind KindOf(const std::wstring& mediaSubType)
@@ -128,6 +141,17 @@ bool SetupLib::GetGpuInfo(std::vector<GpuInfo>& adapters)
                      [&](const SetupDevice& device) { adapters.push_back(Gpu(device)); });
 }
 
+bool SetupLib::GetMonitorInfo(std::vector<MonitorInfo>& monitors)
+{
+    return Enumerate(L"GetMonitorInfo", Monitors, nullptr, [&](const SetupDevice& device) {
+        MonitorInfo monitor;
+        monitor.instance = device.InstanceId();
+        monitor.deviceId = DeviceID(monitor.instance);
+        monitor.name = Name(TidyText(device.DeviceName().ToString()));
+        monitors.push_back(monitor);
+    });
+}
+
 NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
 {
     NetworkInfo adapter;
@@ -162,7 +186,8 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
 GpuInfo SetupLib::Gpu(const SetupDevice& device) const
 {
     GpuInfo adapter;
-    adapter.description = device.Text(SPDRP_DEVICEDESC);
+    adapter.description = Name(TidyText(device.Text(SPDRP_DEVICEDESC).ToString()));
+    adapter.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
     DeviceKeys keys;
     if (!device.OpenDeviceKeys(keys))
         return adapter;
@@ -172,19 +197,23 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
         adapter.description =
             Name(FirstText({{hardware, nullptr, L"DeviceDesc"}, {software, nullptr, L"DeviceDesc"}}));
     adapter.driverVersion =
-        Name(FirstText({{software, nullptr, L"Ver"}, {software, nullptr, DriverVersionValue}}));
+        KnownVersion(FirstText({{software, nullptr, L"Ver"}, {software, nullptr, DriverVersionValue}}));
     adapter.chipType = Name(FirstText(
         {{software, InfoSubkey, L"ChipType"}, {software, nullptr, L"HardwareInformation.ChipType"}}));
     adapter.dacType = Name(
         FirstText({{software, InfoSubkey, L"DACType"}, {software, nullptr, L"HardwareInformation.DacType"}}));
     adapter.driverDescription = Name(FirstText({{software, nullptr, L"DriverDesc"}}));
     WriteLog(LogTrace, L"DriverDesc: ", adapter.driverDescription.ToString());
-    ReadRegistrySize(software, InfoSubkey, L"VideoMemory", adapter.videoMemory);
+    adapter.videoMemory = FirstSize({{software, nullptr, L"HardwareInformation.qwMemorySize"},
+                                     {software, nullptr, L"HardwareInformation.MemorySize"},
+                                     {software, InfoSubkey, L"VideoMemory"}});
 
     const std::wstring id =
         FirstText({{hardware, nullptr, L"MatchingDeviceID"}, {software, nullptr, L"MatchingDeviceID"}});
-    adapter.deviceId = DeviceID(id);
     WriteLog(LogTrace, L"Got device ID: ", id);
+    // The basic display driver matches any adapter; the device's own id then tells whose it is.
+    if (const DeviceID matching(id); !matching.Vendor().empty() || !adapter.deviceId.HasValue())
+        adapter.deviceId = matching;
     if (adapter.deviceId.Vendor() == IntelVendor) {
         WriteLog(LogTrace, L"Is Intel.");
         adapter.deviceId = RefineID(adapter.deviceId, device, software);

@@ -1,7 +1,13 @@
 #!/usr/bin/env bash
-# Builds the control, registers it in a Wine prefix, and checks this machine against the demo's requirements.
+# Builds the control, registers it in a Wine prefix, and checks this machine against the demo's requirements; with
+# --display under a virtual display, so that there is a graphics adapter to be told.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+if [ "${1:-}" = --display ]; then
+  scripts/setup.sh --display
+  exec env KEL_DISPLAY=1 xvfb-run -a -s "-screen 0 1920x1080x24" scripts/demo.sh
+fi
 
 scripts/build.sh release Detection
 source scripts/wine_env.sh

@@ -1,15 +1,17 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --package or
-# --test, also those of that script. Does nothing when all are there.
+# --test, also those of that script, and with --display those of a virtual display. Does nothing when all are there.
 set -euo pipefail
 
 packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
   cmake ninja-build python3
 )
+display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
-[ "${1:-}" = --test ] && packages+=("${packaging[@]}" chromium mono-mcs)
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium mono-mcs)
+[ "${1:-}" = --display ] && packages+=("${display[@]}")
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
 [ "${1:-}" = --bench ] && packages+=(gcab)
 

@@ -3,6 +3,8 @@
 export WINEPREFIX="$PWD/build/wine"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
+# Wine's Direct3D 12 ends a program where the display has no Vulkan driver: without KEL_DISPLAY there is no display.
+[ -n "${KEL_DISPLAY:-}" ] || unset DISPLAY
 
 # Starts the server, making the prefix first when there is none; the server ends with the script.
 start_wine() {

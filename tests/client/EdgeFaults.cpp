@@ -79,6 +79,10 @@ constexpr Group Groups[] = {
      "VariantChangeType VariantCopy ConnectServer ExecQuery Next Get LoadTypeLib LoadTypeLibEx "
      "RegisterTypeLibForUser UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
     {Never, 0, "OutputDebugStringW", &CheckLine},
+    // Wine's own look for the display device in the registry, where a scratch key stands, and use what they
+    // did not find.
+    {Never, 0, "CreateDXGIFactory1 Direct3DCreate9Ex DllGetClassObject",
+     [](const Word*) { return OutOfMemory; }},
     {0, EdgeFaults::Handle, "InternetOpenUrlW",
      [](const Word*) { return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0)); }},
     {0, 0, "HttpSendRequestW", &Send},

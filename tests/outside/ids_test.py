@@ -7,7 +7,9 @@ from collections import Counter
 from harness import ROOT
 
 FOLDERS = ("run", "run/store", "probes", "detectors")
-KEEPERS = {"System": "System", "FixedGroups": "OS", "OSIds": "OS", "OpticalDrives": "CDRom"}  # files that are no detector's own
+# Files that are no detector's own.
+KEEPERS = {"System": "System", "FixedGroups": "OS", "OSIds": "OS", "OpticalDrives": "CDRom", "GPUFacts": "GPU",
+           "DirectXFacts": "DirectX"}
 TYPES = {"std::wstring": "text", "Name": "text", "bool": "Exists", "std::int32_t": "Count"}
 
 

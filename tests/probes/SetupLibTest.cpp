@@ -44,6 +44,12 @@ std::wstring Show(MediaKind kind)
     return std::to_wstring(static_cast<DWORD>(kind));
 }
 
+template <typename T>
+std::wstring Show(const std::optional<T>& value)
+{
+    return value ? value->ToString() : L"(none)";
+}
+
 /// What a listing gives: of each record the fields, joined by "|".
 template <typename Info, typename... Fields>
 Lines List(bool (SetupLib::*list)(std::vector<Info>&), Fields Info::*... fields)
@@ -179,9 +185,10 @@ TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
     keyless.With(SPDRP_DEVICEDESC, L"Keyless");
     const test::LogCapture log(3);
     const Lines shown = ListGpus();
-    EXPECT_EQ(Lines(shown.begin() + own, shown.end()),
-              (Lines{L"Full|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03", L"of the device|||||5.0 GB|",
-                     L"of the driver|1.0|C|D||0.0 B|PCI\\VEN_1002&DEV_67DF", L"Keyless|||||0.0 B|"}));
+    EXPECT_EQ(
+        Lines(shown.begin() + own, shown.end()),
+        (Lines{L"Full|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03", L"of the device|(none)||||5.0 GB|",
+               L"of the driver|1.0|C|D||(none)|PCI\\VEN_1002&DEV_67DF", L"Keyless|(none)||||(none)|"}));
     for (const wchar_t* line : {L"TRACE DriverDesc: Driver", L"TRACE Got device ID: pci\\ven_1002&dev_67df"})
         EXPECT_EQ(std::ranges::count(log.Lines(), line), 1) << line;
 }

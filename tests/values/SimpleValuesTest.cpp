@@ -3,7 +3,9 @@
 
 #include "support/LogCapture.h"
 #include "values/Exists.h"
+#include "values/Junk.h"
 #include "values/Name.h"
+#include "values/Resolution.h"
 #include "values/Version.h"
 
 namespace kel {
@@ -51,6 +53,59 @@ TEST(Name, ComparesExactlyAndRefusesANameWithoutBuffer)
     EXPECT_FALSE(Name(L"abc") == Name(L"ABC"));
     EXPECT_FALSE(Name(SharedText()) == Name(L"abc"));
     EXPECT_THROW(static_cast<void>(Name(L"abc") == Name(SharedText())), _com_error);
+}
+
+TEST(Resolution, ReadsTwoEdgesAndNothingElse)
+{
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
+        {L"1920x1080", L"1920x1080"},
+        {L" 1920 x\t1080", L"1920x1080"},
+        {L"1920X1080 @ 60", L"1920x1080"},
+        {L"1920*1080x3", L"1920x1080"},
+        {L"65535x1", L"65535x1"},
+        {L"007x08", L"7x8"},
+        {L"65536x1", L""},
+        {L"1x4294967297", L""},
+        {L"1920x", L""},
+        {L"x1080", L""},
+        {L"0x1080", L""},
+        {L"1920x0", L""},
+        {L"1920-1080", L""},
+        {L"-1x1", L""},
+        {L"1920", L""},
+        {L"", L""},
+        {nullptr, L""},
+    };
+    for (const auto& [text, shown] : rows) {
+        Resolution resolution(1, 1);
+        EXPECT_EQ(resolution.Initialize(text), *shown != L'\0') << shown;
+        EXPECT_STREQ(resolution.ToString(), shown);
+        EXPECT_EQ(resolution.HasValue(), *shown != L'\0');
+    }
+    EXPECT_STREQ(Resolution(65536, 1).ToString(), L"");
+    const std::unique_ptr<Resolution> clone(Resolution(L"7x8").Clone());
+    EXPECT_TRUE(*clone == Resolution(7, 8));
+    EXPECT_FALSE(*clone == Resolution(8, 7));
+}
+
+TEST(Resolution, CoversWhatFitsUprightOrLying)
+{
+    const std::tuple<const wchar_t*, const wchar_t*, bool> rows[] = {
+        {L"1280x720", L"1280x720", true},  {L"1080x1920", L"1280x720", true},
+        {L"1280x719", L"1280x720", false}, {L"1279x9999", L"1280x720", true},
+        {L"700x9999", L"1280x720", false}, {L"", L"1280x720", false},
+        {L"1280x720", L"", false},
+    };
+    for (const auto& [found, required, covers] : rows)
+        EXPECT_EQ(Resolution(found).Covers(Resolution(required)), covers) << found;
+}
+
+TEST(Junk, IsAbsent)
+{
+    for (const wchar_t* filler : {L"To Be Filled By O.E.M.", L" Default string ", L"GENERIC PNP MONITOR",
+                                  L"(Standard disk drives)", L"Not Specified\r\nx", L"\x01real"})
+        EXPECT_EQ(TidyText(filler), L"") << filler;
+    EXPECT_EQ(TidyText(L" Default strings\x7Fx"), L"Default strings");
 }
 
 constexpr std::uint64_t Pack(std::uint64_t a, std::uint64_t b = 0, std::uint64_t c = 0, std::uint64_t d = 0)

@@ -31,11 +31,25 @@ def version(text):
     return numbers
 
 
+def resolution(text):
+    """The longer and the shorter edge of a resolution such as 1280x720; None when the text is none."""
+    match = re.match(r"\s*(\d{1,5})\s*[xX*]\s*(\d{1,5})(?!\d)", text)
+    edges = sorted(map(int, match.groups()), reverse=True) if match else [0]
+    return edges if edges[-1] else None
+
+
 def _ordered(read, holds):
     def compare(found, needed):
         left, right = read(found), read(needed)
         return UNKNOWN if left is None or right is None else (PASS if holds(left, right) else FAIL)
     return compare
+
+
+def _at_least(found, needed):
+    """By amount, or, where a resolution is needed, by whether the one covers the other, upright or lying."""
+    if resolution(needed) is None:
+        return _ordered(quantity, lambda left, right: left >= right)(found, needed)
+    return _ordered(resolution, lambda left, right: left[0] >= right[0] and left[1] >= right[1])(found, needed)
 
 
 def _plain(holds):
@@ -44,7 +58,7 @@ def _plain(holds):
 
 COMPARE = {
     "at least version": _ordered(version, lambda found, needed: found >= needed),
-    "at least": _ordered(quantity, lambda found, needed: found >= needed),
+    "at least": _at_least,
     "at most": _ordered(quantity, lambda found, needed: found <= needed),
     "equals": _plain(lambda found, needed: found == needed),
     "one of": _plain(lambda found, needed: found in [choice.strip() for choice in needed.split(",")]),

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <boost/core/noncopyable.hpp>
+#include <boost/function.hpp>
+#include <string>
+#include <vector>
+
+#include "detectors/GPUFacts.h"
+#include "probes/DXDiag.h"
+#include "probes/DXGI.h"
+#include "probes/DirectX_10.h"
+#include "probes/DirectX_11.h"
+#include "probes/DirectX_12.h"
+#include "probes/DirectX_8.h"
+#include "probes/DirectX_9.h"
+
+namespace kel {
+
+/// What tells of the graphics adapters, the cheap before the costly.
+struct GraphicsProbes {
+    using List = boost::function<void(std::vector<GpuInfo>&)>;
+
+    const DXGI& dxgi;
+    List readCache;    ///< what Windows noted of them
+    List listDevices;  ///< the Setup API's display adapters
+    const DirectX_8& directX8;
+    const DirectX_9& directX9;
+    const DirectX_10& directX10;
+    const DirectX_11& directX11;
+    const DirectX_12& directX12;
+    const DXDiag& dxDiag;
+    GraphicsFunctions functions;  ///< for what no probe tells
+
+    static GraphicsProbes OfSystem();
+};
+
+/// The graphics adapters of the machine, merged from all probes. They are listed once, for all detectors that
+/// tell of them.
+class Adapters : boost::noncopyable {
+public:
+    static Adapters& Instance();
+
+    explicit Adapters(GraphicsProbes newProbes = GraphicsProbes::OfSystem());
+
+    /// The adapters that draw by hardware, or that a virtual machine offers; first the one that a program
+    /// would use. A driver's code runs for it only when the current session wants a fact that needs it, or
+    /// when nothing cheaper names any adapter.
+    const std::vector<GpuDevice>& List();
+
+    /// Whether Direct3D works on one of them, as far as it was asked.
+    bool HasDirect3D();
+
+    const GraphicsProbes& Probes() const { return probes; }
+
+private:
+    using Devices = std::vector<GpuDevice>;
+
+    void ListCheaply(Devices& devices);
+    void ListByDrivers(Devices& devices) const;
+    void AskForLevels(Devices& devices) const;
+    void AskForLevel(GpuDevice& device, const DXGI::Adapter& found) const;
+    void AskForShaderModel(GpuDevice& device) const;
+    void AskDxDiag(Devices& devices) const;
+    const DXGI::Adapter* FindInterface(const GpuDevice& device) const;
+
+    GraphicsProbes probes;
+    std::vector<DXGI::Adapter> interfaces;  // while they are being listed
+    Devices listed;
+    bool isNamed = false;  // by a cheap source, be it an adapter that is left out
+    bool areLevelsAsked = false;
+    bool isDone = false;
+};
+
+}  // namespace kel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <windows.h>
+
+#include <boost/function.hpp>
+#include <optional>
+#include <string>
+
+#include "values/Version.h"
+
+namespace kel {
+
+/// The version of the DirectX runtime that Windows has, which says nothing of the adapter; nothing before the
+/// tenth, whose number the registry has.
+/// @param hasLibrary whether the system's folder has a file of the name
+/// @param major, minor the system's own version, not the one that it tells an old program
+std::optional<Version> RuntimeOfLibraries(const boost::function<bool(const wchar_t*)>& hasLibrary,
+                                          DWORD major, DWORD minor);
+
+/// The same from the version in the registry, such as "4.09.00.0904", where there are no newer libraries.
+std::optional<Version> RuntimeOfRegistry(const std::wstring& registered);
+
+}  // namespace kel

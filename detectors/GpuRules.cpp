@@ -1,0 +1,103 @@
+#include "detectors/GpuRules.h"
+
+#include <algorithm>
+#include <tuple>
+#include <vector>
+
+namespace kel {
+
+namespace {
+
+constexpr const wchar_t* Nvidia = L"10DE";
+constexpr const wchar_t* Amd = L"1002";
+constexpr const wchar_t* Intel = L"8086";
+constexpr const wchar_t* NoVendor = L"0000";
+constexpr std::uint64_t SmallMemory = 512ULL << 20;
+constexpr std::size_t VersionFields = 4;
+constexpr std::size_t ThirdFieldDigits = 2;
+constexpr std::size_t LastFieldDigits = 4;
+
+std::vector<std::wstring> Fields(const std::wstring& version)
+{
+    std::vector<std::wstring> fields;
+    for (std::size_t start = 0; start <= version.size();) {
+        const std::size_t end = std::min(version.find(L'.', start), version.size());
+        fields.push_back(version.substr(start, end - start));
+        start = end + 1;
+    }
+    return fields;
+}
+
+std::uint64_t Quantity(const std::optional<Version>& version)
+{
+    return version ? version->Quantity() : 0;
+}
+
+std::uint64_t Bytes(const std::optional<Size>& size)
+{
+    return size ? size->Bytes() : 0;
+}
+
+}  // namespace
+
+bool IsForeignAdapter(const GpuInfo& adapter)
+{
+    const DeviceID& id = adapter.deviceId;
+    if (adapter.isSoftware || !id.HasValue())
+        return adapter.isSoftware;
+    const std::wstring bus = id.Bus();
+    const bool hasVendor = !id.Vendor().empty() && id.Vendor() != NoVendor;
+    return bus == L"ROOT" || bus == L"SWD" || (!hasVendor && bus != L"VMBUS");
+}
+
+std::optional<Version> MakerVersion(const GpuInfo& adapter)
+{
+    if (adapter.deviceId.Vendor() != Nvidia || !adapter.driverVersion)
+        return {};
+    const std::vector<std::wstring> fields = Fields(adapter.driverVersion->ToString());
+    // The third field of Windows' own driver, which may serve the card, is a longer number.
+    if (fields.size() != VersionFields || fields[2].size() != ThirdFieldDigits || fields[3].empty() ||
+        fields[3].size() > LastFieldDigits)
+        return {};
+    std::wstring digits =
+        fields[2].back() + std::wstring(LastFieldDigits - fields[3].size(), L'0') + fields[3];
+    if (digits.find_first_not_of(L"0123456789") != std::wstring::npos)
+        return {};
+    digits.insert(3, L".");
+    return Version(digits.substr(digits.front() == L'0' ? 1 : 0));
+}
+
+std::optional<bool> IsIntegrated(const GpuInfo& adapter)
+{
+    if (adapter.videoMemory && adapter.videoMemory->Bytes() < SmallMemory && adapter.sharedMemory)
+        return true;
+    const std::wstring name = adapter.description.ToString();
+    if (adapter.deviceId.Vendor() == Intel && name.find(L"Arc") == std::wstring::npos)
+        return true;
+    return adapter.videoMemory ? std::optional(false) : std::nullopt;
+}
+
+void FinishGpuInfo(GpuInfo& adapter)
+{
+    adapter.makerVersion = MakerVersion(adapter);
+    adapter.isIntegrated = IsIntegrated(adapter);
+    if (!adapter.deviceId.HasValue())
+        return;
+    const std::wstring& vendor = adapter.deviceId.Vendor();
+    adapter.isNvidia = vendor == Nvidia;
+    adapter.isAmd = vendor == Amd;
+    adapter.isIntel = vendor == Intel;
+    adapter.isVirtual = adapter.deviceId.IsVirtual();
+}
+
+bool IsBetterAdapter(const GpuInfo& one, const GpuInfo& other)
+{
+    // What is better is smaller: the numbers are turned over.
+    const auto rank = [](const GpuInfo& adapter) {
+        return std::tuple(adapter.isVirtual.value_or(false), ~Bytes(adapter.videoMemory),
+                          ~Quantity(adapter.featureLevel), std::wstring(adapter.deviceId.ToString()));
+    };
+    return rank(one) < rank(other);
+}
+
+}  // namespace kel

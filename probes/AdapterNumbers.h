@@ -1,0 +1,24 @@
+// What the graphics interfaces tell of an adapter in numbers.
+#pragma once
+
+#include <windows.h>
+
+#include <optional>
+#include <string>
+
+#include "values/Version.h"
+
+namespace kel {
+
+/// The key of an adapter among the graphics interfaces, as a text.
+std::wstring LuidText(std::uint64_t luid);
+std::wstring LuidText(LUID luid);
+
+/// Whether the numbers are of Windows' own software adapter, which is listed with and without the flag.
+bool IsBasicRenderDriver(UINT vendor, UINT device);
+
+/// A driver's version from its four numbers of 16 bits, the first one highest; nothing for all zeros or all
+/// ones.
+std::optional<Version> DriverVersion(std::uint64_t numbers);
+
+}  // namespace kel

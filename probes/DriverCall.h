@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "diag/Log.h"
+#include "platform/ErrorMode.h"
+#include "probes/Attempt.h"
+#include "values/Hexadecimal.h"
+
+namespace kel {
+
+/// Makes a call that may run a graphics driver in this process. The line before it stands in the log when the
+/// driver takes the host down; a call that fails or throws has a line after it, and the caller goes on.
+/// @param failureLevel the level of the line after a failure: LogTrace where a failure is an answer
+/// @return the call's result; E_FAIL when it threw
+template <typename Call>
+HRESULT CallDriver(const std::wstring& function, const std::wstring& adapter, LogLevel failureLevel,
+                   Call call)
+{
+    const std::wstring what = adapter.empty() ? function : function + L" for " + adapter;
+    WriteLog(LogTrace, L"Calling ", what);
+    HRESULT result = E_FAIL;
+    const bool isDone = Attempt((L"Error in " + what).c_str(), [&] {
+        const ErrorMode quiet;
+        result = call();
+    });
+    if (isDone && FAILED(result))
+        WriteLog(failureLevel, what, L" failed with error: ",
+                 Hexadecimal(static_cast<std::uint32_t>(result), 8));
+    return result;
+}
+
+}  // namespace kel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "values/Count.h"
+#include "values/DeviceID.h"
+#include "values/Name.h"
+#include "values/Resolution.h"
+
+namespace kel {
+
+/// What one source says about a monitor; an empty text or option is unknown.
+struct MonitorInfo {
+    std::wstring instance;  ///< its device instance id in upper case, which can tell one monitor from another
+    Name name;
+    DeviceID deviceId;
+    Resolution nativeResolution;
+    Resolution currentResolution;
+    std::optional<Count> refreshRate;  ///< a second
+    std::optional<Count> diagonal;     ///< tenths of an inch
+    std::optional<Count> width;        ///< millimetres, as is the height
+    std::optional<Count> height;
+    Name connector;
+    std::optional<bool> isBuiltIn;
+    std::optional<bool> isHdr;  ///< it can show a high dynamic range
+    std::optional<Count> year;  ///< in which it was made
+    bool isPrimary = false;
+};
+
+/// The device instance id of a device interface's path, such as
+/// `\\?\DISPLAY#DEL40A5#5&1&0&UID1#{E6F07B5F-EE97-4A90-B076-33F57BF4EAA7}`, in upper case; empty for a text
+/// of another form.
+std::wstring InstanceOfPath(const std::wstring& path);
+
+}  // namespace kel

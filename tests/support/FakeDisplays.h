@@ -1,0 +1,119 @@
+// Displays that are not here, behind the system's own functions.
+#pragma once
+
+#include <cstring>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "probes/DisplayFunctions.h"
+
+namespace kel::test {
+
+/// A monitor and the picture on it.
+struct Screen {
+    UINT32 source;  ///< screens of one source show the same picture
+    LONG x, y;
+    DWORD width, height;
+    DISPLAYCONFIG_RATIONAL rate;
+    UINT32 technology;
+    const wchar_t* name;
+    const wchar_t* instance;  ///< with "#" in place of "\"
+    int isHdr = -1;           ///< -1: the system does not tell
+};
+
+struct FakeDisplays {
+    std::vector<Screen> screens;
+    bool hasPaths = true, hasDevices = true;
+    int shortAnswers = 0;  ///< how often a monitor is plugged in between two calls
+    bool isRemote = false;
+
+    std::wstring PathOf(const Screen& screen) const
+    {
+        return std::wstring(L"\\\\?\\") + screen.instance + L"#{e6f07b5f-ee97-4a90-b076-33f57bf4eaa7}";
+    }
+
+    /// Functions that answer for the screens, as long as the object lives.
+    DisplayFunctions Functions()
+    {
+        DisplayFunctions functions;
+        functions.getDisplayConfigBufferSizes = [this](UINT32, UINT32* paths, UINT32* modes) -> LONG {
+            *paths = static_cast<UINT32>(screens.size()) - (shortAnswers > 0 ? 1 : 0);
+            *modes = static_cast<UINT32>(screens.size());
+            return hasPaths ? ERROR_SUCCESS : ERROR_NOT_SUPPORTED;
+        };
+        functions.queryDisplayConfig = [this](UINT32, UINT32* pathCount, DISPLAYCONFIG_PATH_INFO* paths,
+                                              UINT32*, DISPLAYCONFIG_MODE_INFO* modes, auto) -> LONG {
+            if (*pathCount < screens.size())
+                return --shortAnswers, ERROR_INSUFFICIENT_BUFFER;
+            for (UINT32 place = 0; place < screens.size(); ++place) {
+                const Screen& screen = screens[place];
+                paths[place] = {};
+                paths[place].sourceInfo.id = screen.source;
+                paths[place].sourceInfo.modeInfoIdx = place;
+                paths[place].targetInfo.id = place;
+                paths[place].targetInfo.refreshRate = screen.rate;
+                paths[place].targetInfo.outputTechnology =
+                    static_cast<DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY>(screen.technology);
+                modes[place] = {};
+                modes[place].infoType = DISPLAYCONFIG_MODE_INFO_TYPE_SOURCE;
+                modes[place].sourceMode = {
+                    screen.width, screen.height, DISPLAYCONFIG_PIXELFORMAT_32BPP, {screen.x, screen.y}};
+            }
+            return ERROR_SUCCESS;
+        };
+        functions.displayConfigGetDeviceInfo = [this](DISPLAYCONFIG_DEVICE_INFO_HEADER* header) -> LONG {
+            const Screen& screen = screens[header->id];
+            if (header->type == DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_NAME) {
+                auto& told = *reinterpret_cast<DISPLAYCONFIG_TARGET_DEVICE_NAME*>(header);
+                wcscpy(told.monitorFriendlyDeviceName, screen.name);
+                wcscpy(told.monitorDevicePath, PathOf(screen).c_str());
+                return ERROR_SUCCESS;
+            }
+            if (screen.isHdr < 0)
+                return ERROR_NOT_SUPPORTED;
+            reinterpret_cast<DISPLAYCONFIG_GET_ADVANCED_COLOR_INFO*>(header)->advancedColorSupported =
+                screen.isHdr != 0;
+            return ERROR_SUCCESS;
+        };
+        functions.enumDisplayDevices = [this](LPCWSTR adapter, DWORD index, DISPLAY_DEVICEW* told, DWORD) {
+            // An adapter for each screen, and one whose driver mirrors the first.
+            if (!hasDevices || index > (adapter == nullptr ? screens.size() : 0))
+                return FALSE;
+            wcscpy(told->DeviceName, std::to_wstring(index).c_str());
+            told->StateFlags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP;
+            if (adapter == nullptr && index == screens.size())
+                told->StateFlags |= DISPLAY_DEVICE_MIRRORING_DRIVER;
+            if (adapter == nullptr)
+                return TRUE;
+            const Screen& screen = screens[std::stoul(adapter)];
+            wcscpy(told->DeviceString, L"Generic PnP Monitor");
+            wcscpy(told->DeviceID, PathOf(screen).c_str());
+            told->StateFlags = DISPLAY_DEVICE_ACTIVE;
+            return TRUE;
+        };
+        functions.enumDisplaySettings = [this](LPCWSTR adapter, DWORD, DEVMODEW* mode, DWORD) {
+            const Screen& screen = screens[std::stoul(adapter)];
+            mode->dmPosition = {screen.x, screen.y};
+            mode->dmPelsWidth = screen.width;
+            mode->dmPelsHeight = screen.height;
+            mode->dmBitsPerPel = 32;
+            mode->dmDisplayFrequency = screen.rate.Denominator == 0 ? 1 : screen.rate.Numerator;
+            return TRUE;
+        };
+        functions.listMonitors = [this] {
+            std::vector<MONITORINFO> monitors;
+            for (const Screen& screen : screens) {
+                const RECT place = {screen.x, screen.y, screen.x + static_cast<LONG>(screen.width),
+                                    screen.y + static_cast<LONG>(screen.height)};
+                monitors.push_back(
+                    {sizeof(MONITORINFO), place, place, screen.x == 0 ? MONITORINFOF_PRIMARY : 0UL});
+            }
+            return monitors;
+        };
+        functions.getSystemMetrics = [this](int index) { return index == SM_REMOTESESSION && isRemote; };
+        return functions;
+    }
+};
+
+}  // namespace kel::test

@@ -1,0 +1,250 @@
+// Graphics adapters that are not here, behind the system's own interfaces.
+#pragma once
+
+#include <algorithm>
+#include <list>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "probes/GraphicsFunctions.h"
+#include "support/FakeObject.h"
+
+namespace kel::test {
+
+/// An adapter as the interfaces tell it. Memory is in megabytes.
+struct Card {
+    std::wstring name;
+    UINT vendor, device, subsystem;
+    std::size_t dedicated, shared;
+    UINT flags;
+    UINT level11, level12, model;  ///< the highest that its driver has
+    UINT driverModel;
+    std::uint64_t version;  ///< of the driver, as DXGI tells it
+};
+
+class FakeGraphics {
+public:
+    explicit FakeGraphics(const std::vector<Card>& cards)
+    {
+        factory.owner = direct3D9.owner = provider.owner = this;
+        factory.Answer(
+            12, +[](Object* self, UINT index, IDXGIAdapter1** out) -> HRESULT {
+                return index < self->owner->adapters.size() ? self->owner->At(index).Give(out)
+                                                            : HRESULT{DXGI_ERROR_NOT_FOUND};
+            });
+        for (const Card& card : cards) {
+            Object& adapter = adapters.emplace_back();
+            adapter.card = card;
+            adapter.owner = this;
+            adapter.luid = {static_cast<DWORD>(adapters.size()), 7};
+            adapter.Answer(
+                9, +[](Object* self, REFIID, LARGE_INTEGER* version) -> HRESULT {
+                    version->QuadPart = static_cast<LONGLONG>(self->card.version);
+                    return self->card.version != 0 ? S_OK : HRESULT{DXGI_ERROR_UNSUPPORTED};
+                });
+            adapter.Answer(
+                10, +[](Object* self, DXGI_ADAPTER_DESC1* told) -> HRESULT {
+                    wcscpy(told->Description, self->card.name.c_str());
+                    told->VendorId = self->card.vendor;
+                    told->DeviceId = self->card.device;
+                    told->SubSysId = self->card.subsystem;
+                    told->Revision = 0xA1;
+                    told->DedicatedVideoMemory = self->card.dedicated << 20;
+                    told->SharedSystemMemory = self->card.shared << 20;
+                    told->AdapterLuid = self->luid;
+                    told->Flags = self->card.flags;
+                    return S_OK;
+                });
+        }
+        SetUpDirect3D9();
+        device12.Answer(
+            13, +[](Object* self, D3D12_FEATURE, D3D_SHADER_MODEL* model, UINT) -> HRESULT {
+                if (*model > 0x66)
+                    return E_INVALIDARG;  // a runtime that does not know later ones
+                *model = static_cast<D3D_SHADER_MODEL>(self->card.model);
+                return S_OK;
+            });
+        SetUpDxDiag();
+    }
+
+    /// Functions that answer for the adapters, and count what would load a driver.
+    GraphicsFunctions Functions()
+    {
+        GraphicsFunctions functions;
+        functions.createDxgiFactory = [this](REFIID, void** out) -> HRESULT {
+            return hasDxgi && !adapters.empty() ? factory.Give(out) : HRESULT{DXGI_ERROR_UNSUPPORTED};
+        };
+        functions.createDirect3D9 = [this](UINT, IDirect3D9Ex** out) {
+            return ++calls[L"9"], direct3D9.Give(out);
+        };
+        functions.createDevice10 = [this](IDXGIAdapter* adapter, auto, auto, auto, UINT level, auto,
+                                          auto out) {
+            ++calls[L"10"];
+            return level <= Find(adapter).level11 ? device10.Give(out) : HRESULT{DXGI_ERROR_UNSUPPORTED};
+        };
+        functions.createDevice11 = [this](IDXGIAdapter* adapter, D3D_DRIVER_TYPE type, auto, auto,
+                                          const D3D_FEATURE_LEVEL* levels, UINT count, auto,
+                                          ID3D11Device** device, D3D_FEATURE_LEVEL* level, auto) -> HRESULT {
+            ++calls[L"11"];
+            const Card& card = Find(adapter);
+            if (isBroken)
+                throw 11;
+            if (*levels > newestLevel || type != D3D_DRIVER_TYPE_UNKNOWN || device != nullptr)
+                return E_INVALIDARG;
+            const auto* const found =
+                std::find_if(levels, levels + count, [&card](UINT asked) { return asked <= card.level11; });
+            if (found == levels + count)
+                return DXGI_ERROR_UNSUPPORTED;
+            *level = *found;
+            return S_FALSE;
+        };
+        functions.createDevice12 = [this](IUnknown* adapter, UINT level, REFIID, void** device) -> HRESULT {
+            ++calls[L"12"];
+            device12.card = Find(adapter);
+            if (level > device12.card.level12)
+                return DXGI_ERROR_UNSUPPORTED;
+            return device != nullptr ? device12.Give(device) : S_FALSE;
+        };
+        functions.getDxDiagClass = [this](REFCLSID, REFIID, void** out) {
+            return ++calls[L"DxDiag"], diagnosisClass.Give(out);
+        };
+        functions.getDriverModel = [this](LUID luid) {
+            return luid.HighPart == 7 ? At(luid.LowPart - 1).card.driverModel : 0;
+        };
+        functions.hasLibrary = [this](const wchar_t* name) {
+            return libraries.find(std::wstring(name) + L",") != std::wstring::npos;
+        };
+        functions.getVersion = [this](OSVERSIONINFOW& version) {
+            version.dwMajorVersion = system / 10;
+            version.dwMinorVersion = system % 10;
+        };
+        return functions;
+    }
+
+    /// Such as "11:2 12:3".
+    std::wstring Calls() const
+    {
+        std::wstring shown;
+        for (const auto& [name, count] : calls)
+            shown += (shown.empty() ? L"" : L" ") + name + L":" + std::to_wstring(count);
+        return shown;
+    }
+
+    /// What is still held of all that was given.
+    int References() const
+    {
+        int held = factory.references + direct3D9.references + device10.references + device12.references +
+                   diagnosisClass.references + provider.references + container.references;
+        for (const Object& adapter : adapters)
+            held += adapter.references;
+        return held;
+    }
+
+    /// Changes what is told: of the system, or, by its name, a property of DxDiag's one display device.
+    void Set(const std::wstring& key, const std::wstring& value)
+    {
+        if (key == L"libraries")
+            libraries = value;
+        else if (key == L"system")
+            system = std::stoul(value);
+        else if (key == L"newest level")
+            newestLevel = std::stoul(value, nullptr, 16);
+        else if (key == L"no DXGI")
+            hasDxgi = false;
+        else if (key == L"broken")
+            isBroken = true;
+        else
+            diagnosis[key] = value;
+    }
+
+private:
+    struct Object : FakeObject {
+        FakeGraphics* owner = nullptr;
+        Card card{};
+        LUID luid{};
+    };
+
+    Object& At(std::size_t index) { return *std::next(adapters.begin(), static_cast<int>(index)); }
+
+    const Card& Find(IUnknown* adapter)
+    {
+        for (const Object& object : adapters) {
+            if (static_cast<const void*>(&object) == adapter)
+                return object.card;
+        }
+        throw std::invalid_argument("Direct3D is asked for an adapter of its own choice");
+    }
+
+    void SetUpDirect3D9()
+    {
+        direct3D9.Answer(
+            4, +[](Object* self) { return static_cast<UINT>(self->owner->adapters.size()); });
+        direct3D9.Answer(
+            5, +[](Object* self, UINT index, DWORD, D3DADAPTER_IDENTIFIER9* told) -> HRESULT {
+                const Card& card = self->owner->At(index).card;
+                std::ranges::copy(std::string(card.name.begin(), card.name.end()), told->Description);
+                told->VendorId = card.vendor;
+                told->DeviceId = card.device;
+                told->SubSysId = card.subsystem;
+                told->Revision = 0xA1;
+                told->DriverVersion.QuadPart = static_cast<LONGLONG>(card.version);
+                return S_OK;
+            });
+        direct3D9.Answer(
+            14, +[](Object*, UINT, D3DDEVTYPE, D3DCAPS9* told) -> HRESULT {
+                told->PixelShaderVersion = 0xFFFF0300;
+                return S_OK;
+            });
+        direct3D9.Answer(
+            21, +[](Object* self, UINT index, LUID* told) -> HRESULT {
+                *told = self->owner->At(index).luid;
+                return S_OK;
+            });
+    }
+
+    /// One object stands for all containers.
+    void SetUpDxDiag()
+    {
+        diagnosisClass.owner = container.owner = this;
+        diagnosisClass.Answer(
+            3, +[](Object* self, IUnknown*, REFIID, void** out) -> HRESULT {
+                return self->owner->provider.Give(out);
+            });
+        provider.Answer(
+            3, +[](Object*, DXDIAG_INIT_PARAMS*) { return S_OK; });
+        provider.Answer(
+            4, +[](Object* self, IDxDiagContainer** out) -> HRESULT {
+                return self->owner->container.Give(out);
+            });
+        container.Answer(
+            4, +[](Object* self, DWORD index, wchar_t* name, DWORD) -> HRESULT {
+                wcscpy(name, L"0");
+                return index == 0 && !self->owner->diagnosis.empty() ? S_OK : E_INVALIDARG;
+            });
+        container.Answer(
+            5,
+            +[](Object* self, const wchar_t*, IDxDiagContainer** out) -> HRESULT { return self->Give(out); });
+        container.Answer(
+            8, +[](Object* self, const wchar_t* name, VARIANT* value) -> HRESULT {
+                const auto found = self->owner->diagnosis.find(name);
+                if (found == self->owner->diagnosis.end())
+                    return E_INVALIDARG;
+                value->vt = VT_BSTR;
+                value->bstrVal = SysAllocString(found->second.c_str());
+                return S_OK;
+            });
+    }
+
+    std::wstring libraries = L"d3d9.dll,d3d10.dll,d3d10_1.dll,d3d11.dll,d3d12.dll,";
+    DWORD system = 100;                         // Windows' version, ten times
+    UINT newestLevel = D3D_FEATURE_LEVEL_12_1;  // that the runtime knows
+    bool hasDxgi = true;
+    bool isBroken = false;  // Direct3D 11's driver throws
+    std::map<std::wstring, std::wstring> diagnosis;
+    std::list<Object> adapters;
+    Object factory, direct3D9, device10, device12, diagnosisClass, provider, container;
+    std::map<std::wstring, int> calls;
+};
+
+}  // namespace kel::test
