@@ -2,12 +2,16 @@
 // overload takes what a test puts in the place of the machine's own.
 #pragma once
 
+#include <span>
+
 #include "detectors/Component.h"
+#include "probes/Product.h"
 
 namespace kel {
 
 class CPUID;
 struct OSFunctions;
+struct SoftwareFunctions;
 
 /// The processor: merges what `cpuid`, the registry, WMI and the operating system say. Measuring the clock
 /// takes one second.
@@ -116,19 +120,26 @@ public:
     bool Detect() override;
 };
 
-/// Driver software and runtimes. It stores no values yet.
+/// The drivers of the devices that matter most, as their detectors found them, and the runtimes that programs
+/// ask for. It runs after the graphics, network and sound detectors.
 class Software : public Component {
 public:
     bool Detect() override;
+    bool Detect(const SoftwareFunctions& functions);
 };
 
-/// Browsers. It stores no values yet.
+/// The browsers of a table, which of them the user chose, and the program that the control runs in.
 class Browser : public Component {
 public:
     Browser() { Browser::Initialize(); }
 
     bool Detect() override;
+    bool Detect(const SoftwareFunctions& functions);
+    /// Builds the table.
     void Initialize() override;
+
+private:
+    std::span<const Product> table;
 };
 
 /// Monitors. It stores no values yet.
@@ -137,13 +148,18 @@ public:
     bool Detect() override;
 };
 
-/// Selected applications. It stores no values yet.
+/// The applications of a table: which are there, and their versions. It looks for no others.
 class Applications : public Component {
 public:
     Applications() { Applications::Initialize(); }
 
     bool Detect() override;
+    bool Detect(const SoftwareFunctions& functions);
+    /// Builds the table.
     void Initialize() override;
+
+private:
+    std::span<const Product> table;
 };
 
 /// SCSI and RAID controllers. It stores no values yet.
