@@ -13,7 +13,7 @@ else()
   # GNU ld, though lld would leave a third of the DLL out: Debian's libstdc++.a is stripped of the symbols that tie
   # unwind data to its function, lld leaves such data out, and an exception through the function ends the host.
   target_link_options(kel_settings INTERFACE
-    $<$<CONFIG:MinSizeRel>:-s> -Wl,--dynamicbase -Wl,--nxcompat -Wl,--high-entropy-va)
+    $<$<CONFIG:MinSizeRel>:-s> -Wl,--dynamicbase -Wl,--no-insert-timestamp -Wl,--nxcompat -Wl,--high-entropy-va)
 endif()
 
 if(KEL_CHECKED)

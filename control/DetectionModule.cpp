@@ -1,17 +1,15 @@
 #include "control/DetectionModule.h"
 
-#include <comutil.h>
-#include <oleauto.h>
+#include <oleidl.h>
 
-#include <wrl/client.h>
 #include <stdexcept>
 
-#include "Detection.h"
 #include "control/ClassesRoot.h"
 #include "control/Members.h"
 #include "control/Registrar.h"
 #include "control/RegistrationScript.h"
 #include "control/Resources.h"
+#include "control/TypeLibraryRegistrar.h"
 #include "diag/Log.h"
 #include "platform/Library.h"
 
@@ -19,10 +17,8 @@ namespace kel {
 
 namespace {
 
-constexpr LCID TypeLibraryLocale = 0x409;
-
-/// Invisible at run time, and the host sets the client site before anything else.
-constexpr unsigned MiscStatus = OLEMISC_INVISIBLEATRUNTIME | OLEMISC_SETCLIENTSITEFIRST;
+/// The class is no OLE object; it only has nothing to show.
+constexpr unsigned MiscStatus = OLEMISC_INVISIBLEATRUNTIME;
 
 /// The control runs in its caller's process only; its application id is its class id.
 constexpr const wchar_t* ApplicationId = L"{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}";
@@ -38,24 +34,16 @@ std::wstring ScriptText()
     return {text, text + SizeofResource(module, resource)};
 }
 
-Registrar::Parameters ScriptParameters()
+std::vector<ScriptKey> ReadScript()
 {
-    return {{L"MODULE", CDetectionModule::Path()},
-            {L"APPID", ApplicationId},
-            {L"OLEMISC", std::to_wstring(MiscStatus)}};
+    return RegistrationScript::Parse(ScriptText(), {{L"MODULE", CDetectionModule::Path()},
+                                                    {L"APPID", ApplicationId},
+                                                    {L"OLEMISC", std::to_wstring(MiscStatus)}});
 }
 
-void RegisterTypeLibrary()
-{
-    Microsoft::WRL::ComPtr<ITypeLib> library;
-    std::wstring path = CDetectionModule::Path();
-    CheckRegistration(LoadTypeLib(path.c_str(), &library), "The type library cannot be loaded.");
-    CheckRegistration(::RegisterTypeLib(library.Get(), path.data(), nullptr),
-                      "The type library cannot be registered.");
-}
-
+/// Runs a registration: what it throws is logged, and is the result.
 template <typename Body>
-HRESULT Reported(Body body) noexcept
+HRESULT CatchFailures(Body body) noexcept
 {
     try {
         body();
@@ -98,11 +86,11 @@ std::wstring CDetectionModule::Path()
 HRESULT CDetectionModule::Register(bool forCurrentUser) noexcept
 {
     bool isWritten = false;
-    const HRESULT result = Reported([forCurrentUser, &isWritten] {
+    const HRESULT result = CatchFailures([forCurrentUser, &isWritten] {
         const ClassesRoot root(forCurrentUser);
-        Registrar(root.Key(), ScriptParameters()).Register(RegistrationScript::Parse(ScriptText()));
+        Registrar(root.Key()).Register(ReadScript());
         isWritten = true;  // a script that fails takes its keys back itself
-        RegisterTypeLibrary();
+        TypeLibraryRegistrar(forCurrentUser).Register(Path());
     });
     if (FAILED(result) && isWritten)
         Unregister(forCurrentUser);
@@ -111,17 +99,10 @@ HRESULT CDetectionModule::Register(bool forCurrentUser) noexcept
 
 HRESULT CDetectionModule::Unregister(bool forCurrentUser) noexcept
 {
-    return Reported([forCurrentUser] {
+    return CatchFailures([forCurrentUser] {
         const ClassesRoot root(forCurrentUser);
-        Registrar(root.Key(), ScriptParameters()).Unregister(RegistrationScript::Parse(ScriptText()));
-        _bstr_t path;
-        const HRESULT found =
-            QueryPathOfRegTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, path.GetAddress());
-        if (found == TYPE_E_LIBNOTREGISTERED)
-            return;
-        CheckRegistration(found, "The type library cannot be found.");
-        CheckRegistration(UnRegisterTypeLib(LIBID_DetectionLib, 1, 0, TypeLibraryLocale, SYS_WIN64),
-                          "The type library cannot be unregistered.");
+        Registrar(root.Key()).Unregister(ReadScript());
+        TypeLibraryRegistrar(forCurrentUser).Unregister();
     });
 }
 

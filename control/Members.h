@@ -1,13 +1,19 @@
-// What every member of the control goes through: texts in, texts out, and no exception beyond.
+// What every member of the control goes through: its turn, its trace, texts in, texts out, and no exception
+// beyond.
 #pragma once
 
 #include <windows.h>
 
 #include <oleauto.h>
 
+#include <concepts>
+#include <optional>
 #include <string>
 
+#include "control/Turn.h"
 #include "diag/Log.h"
+#include "diag/LogScope.h"
+#include "service/CallBudget.h"
 
 namespace kel {
 
@@ -23,30 +29,49 @@ inline std::wstring TextOf(BSTR text)
     return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring();
 }
 
-/// Runs the body of a member. Whatever it throws is logged and ends here.
-template <typename Body>
-HRESULT Guarded(Body body, const wchar_t* errorLine = CaughtException) noexcept
+/// Runs the body of a member when its turn has come. Whatever it throws is logged and ends here. A member
+/// whose turn does not come does nothing.
+/// @param scopeName the trace scope that it runs in and fails in; null for none
+template <std::invocable Body>
+HRESULT Guarded(const wchar_t* scopeName, Body body, const wchar_t* errorLine = CaughtException) noexcept
 {
-    try {
-        body();
-    } catch (const AlreadyLogged&) {
+    const Turn turn;
+    if (!turn)
         return S_OK;
+    try {
+        const CallBudget budget;  // of all exchanges of this call
+        std::optional<LogScope> trace;
+        if (scopeName != nullptr)
+            trace.emplace(scopeName);
+        try {
+            body();
+        } catch (const AlreadyLogged&) {
+            return S_OK;
+        } catch (...) {
+            ReportFailure(LogError, errorLine);
+        }
     } catch (...) {
-        ReportFailure(LogError, errorLine);
+        return S_OK;  // there is no log to write to
     }
     return S_OK;
+}
+
+template <std::invocable Body>
+HRESULT Guarded(Body body) noexcept
+{
+    return Guarded(nullptr, body);
 }
 
 /// The same for a member whose body returns a text, or a reference to one that stays. The result is null
 /// first, and stays so when the body throws.
 /// @return S_OK, or E_OUTOFMEMORY when the text cannot be allocated
-template <typename Body>
-HRESULT GuardedResult(BSTR* result, Body body) noexcept
+template <std::invocable Body>
+HRESULT GuardedResult(const wchar_t* scopeName, BSTR* result, Body body) noexcept
 {
     if (result != nullptr)
         *result = nullptr;
     HRESULT status = S_OK;
-    Guarded([&] {
+    Guarded(scopeName, [&] {
         const std::wstring& text = body();
         if (result == nullptr)
             return;
@@ -54,6 +79,12 @@ HRESULT GuardedResult(BSTR* result, Body body) noexcept
         status = *result != nullptr ? S_OK : E_OUTOFMEMORY;
     });
     return status;
+}
+
+template <std::invocable Body>
+HRESULT GuardedResult(BSTR* result, Body body) noexcept
+{
+    return GuardedResult(nullptr, result, body);
 }
 
 }  // namespace kel

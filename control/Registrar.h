@@ -2,9 +2,7 @@
 
 #include <windows.h>
 
-#include <map>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
 #include "control/RegistrationScript.h"
@@ -30,31 +28,21 @@ void CheckRegistration(HRESULT result, const char* message);
 /// Applies a registration script to the registry and takes it back.
 class Registrar {
 public:
-    /// Texts by the name that stands between percent signs in the script.
-    using Parameters = std::map<std::wstring, std::wstring>;
-
     /// @param rootKey the key below which the script's keys stand; must outlive this object
-    Registrar(HKEY rootKey, Parameters scriptParameters);
+    explicit Registrar(HKEY rootKey) : root(rootKey) {}
 
     /// Writes the script's keys and values. When a step fails, the keys that it wrote are taken back,
     /// and with them what an earlier registration had left there.
     /// @throws RegistrationError
-    void Register(const std::vector<ScriptKey>& keys);
+    void Register(const std::vector<ScriptKey>& keys) const;
 
     /// Removes the keys that the script wrote: forced ones whole, others when nothing is left below them.
     /// What it wrote into a key that stays, stays with it.
     /// @throws RegistrationError
-    void Unregister(const std::vector<ScriptKey>& keys);
+    void Unregister(const std::vector<ScriptKey>& keys) const;
 
 private:
-    void Write(HKEY parent, const ScriptKey& key);
-    void WriteValue(HKEY key, const wchar_t* name, const ScriptData& data);
-    void Remove(HKEY parent, const ScriptKey& key);
-    void Check(const std::vector<ScriptKey>& keys) const;
-    std::wstring Expanded(const std::wstring& text) const;
-
     HKEY root;
-    Parameters parameters;
 };
 
 }  // namespace kel

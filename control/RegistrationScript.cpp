@@ -8,188 +8,150 @@ namespace kel {
 namespace {
 
 constexpr std::wstring_view Blanks = L" \t\r\n";
-constexpr int DeepestKey = 32;
 
-struct Token {
-    std::wstring text;
-    bool isQuoted = false;
-
-    bool Is(std::wstring_view word) const { return !isQuoted && text == word; }
-};
-
-/// Recursive descent over the tokens of a script. The token at hand is in `current`; an empty one that is not
-/// quoted is the end.
+/// Recursive descent over the words and quoted texts of a script. The one at hand is in `current`; an empty
+/// word is the end.
 class Parser {
 public:
-    explicit Parser(std::wstring_view script) : text(script) { Advance(); }
+    Parser(std::wstring_view newScript, const RegistrationScript::Parameters& newParameters)
+        : script(newScript), parameters(newParameters)
+    {
+        Advance();
+    }
 
     std::vector<ScriptKey> ParseRoot()
     {
-        if (!Accept(L"HKCR") && !Accept(L"HKEY_CLASSES_ROOT"))
-            Fail("HKCR is expected");
-        Expect(L"{");
-        ScriptKey root;
-        ParseBody(root, 1);
-        if (!AtEnd())
+        Expect(L"HKCR", "HKCR is expected");
+        Expect(L"{", "an opening brace is expected");
+        std::vector<ScriptKey> keys;
+        while (!Accept(L"}"))
+            keys.push_back(ParseKey());
+        if (isQuoted || !current.empty())
             Fail("nothing may follow the root key");
-        return std::move(root.keys);
+        return keys;
     }
 
 private:
-    bool AtEnd() const { return current.text.empty() && !current.isQuoted; }
-
-    /// The inside of a key, up to and with its closing brace.
-    void ParseBody(ScriptKey& key, int depth)
-    {
-        if (depth > DeepestKey)
-            Fail("the keys are nested too deep");
-        while (!Accept(L"}")) {
-            if (AtEnd())
-                Fail("a closing brace is missing");
-            if (depth == 1 && current.Is(L"val"))
-                Fail("the root key takes no values");
-            if (Accept(L"val"))
-                key.values.push_back(ParseValue());
-            else
-                key.keys.push_back(ParseKey(depth));
-        }
-    }
-
-    ScriptValue ParseValue()
-    {
-        ScriptValue value;
-        value.name = TakeName();
-        Expect(L"=");
-        value.data = ParseData();
-        return value;
-    }
-
-    ScriptKey ParseKey(int depth)
+    ScriptKey ParseKey()
     {
         ScriptKey key;
         if (Accept(L"NoRemove"))
             key.rule = KeyRule::NoRemove;
         else if (Accept(L"ForceRemove"))
             key.rule = KeyRule::ForceRemove;
-        else if (Accept(L"Delete"))
-            key.rule = KeyRule::Delete;
         key.name = TakeName();
-        if (Accept(L"="))
-            key.defaultValue = ParseData();
+        if (current == L"=")
+            key.values.push_back({L"", ParseText()});
         if (Accept(L"{"))
-            ParseBody(key, depth + 1);
+            ParseBody(key);
         return key;
     }
 
-    ScriptData ParseData()
+    /// The inside of a key, up to and with its closing brace.
+    void ParseBody(ScriptKey& key)
     {
-        const bool isNumber = Accept(L"d");
-        if (!isNumber && !Accept(L"s"))
-            Fail("a type, s or d, is expected");
-        if (AtEnd() || IsPunctuation())
-            Fail("a value is expected");
-        const std::wstring data = Take();
-        return isNumber ? ScriptData(ParseNumber(data)) : ScriptData(data);
-    }
-
-    std::uint32_t ParseNumber(const std::wstring& number) const
-    {
-        const bool isHexadecimal = number.starts_with(L"&H") || number.starts_with(L"0x");
-        const std::wstring digits = isHexadecimal ? number.substr(2) : number;
-        const wchar_t* allowed = isHexadecimal ? L"0123456789ABCDEFabcdef" : L"0123456789";
-        try {
-            // The conversion alone would skip blanks, and take signs, a second 0x and digits outside ASCII.
-            if (digits.find_first_not_of(allowed) == std::wstring::npos)
-                return std::stoul(digits, nullptr, isHexadecimal ? 16 : 10);
-        } catch (const std::logic_error&) {
-            // no digits, or a number that is too large
+        while (!Accept(L"}")) {
+            if (Accept(L"val")) {
+                std::wstring name = TakeName();
+                key.values.push_back({std::move(name), ParseText()});
+            } else {
+                key.keys.push_back(ParseKey());
+            }
         }
-        Fail("a number is expected");
     }
 
+    std::wstring ParseText()
+    {
+        Expect(L"=", "an equals sign is expected");
+        Expect(L"s", "the type s is expected");
+        if (!isQuoted)
+            Fail("a text in quotes is expected");
+        std::wstring text = Expand(current);
+        Advance();
+        return text;
+    }
+
+    /// Words of the grammar are no names, so that one in the wrong place is not taken for a key.
     std::wstring TakeName()
     {
-        if (current.text.empty() || IsPunctuation())
-            Fail("a name is expected");
-        return Take();
-    }
-
-    bool IsPunctuation() const { return current.Is(L"{") || current.Is(L"}") || current.Is(L"="); }
-
-    std::wstring Take()
-    {
-        std::wstring taken = std::move(current.text);
+        constexpr std::wstring_view Reserved[] = {L"", L"{", L"}", L"val", L"NoRemove", L"ForceRemove"};
+        if (isQuoted || std::ranges::count(Reserved, current) != 0 ||
+            current.find_first_of(L"='") != std::wstring_view::npos)
+            Fail("a name or a closing brace is expected");
+        std::wstring name(current);
         Advance();
-        return taken;
+        return name;
     }
 
     bool Accept(std::wstring_view word)
     {
-        if (!current.Is(word))
+        if (isQuoted || current != word)
             return false;
         Advance();
         return true;
     }
 
-    void Expect(std::wstring_view word)
+    void Expect(std::wstring_view word, const char* reason)
     {
         if (!Accept(word))
-            Fail(word == L"{" ? "an opening brace is expected" : "an equals sign is expected");
+            Fail(reason);
     }
 
+    /// A word ends at a blank, so that a class id in braces is one.
     void Advance()
     {
-        position = std::min(text.find_first_not_of(Blanks, position), text.size());
-        tokenStart = position;
-        current = Token();
-        if (position == text.size())
-            return;
-        if (text[position] == L'\'')
-            ReadQuoted();
-        else
-            ReadWord();
-    }
-
-    void ReadQuoted()
-    {
-        current.isQuoted = true;
-        for (++position; position < text.size(); ++position) {
-            if (text[position] == L'\'') {
-                ++position;
-                if (position == text.size() || text[position] != L'\'')
-                    return;
-            }
-            current.text += text[position];
+        start = std::min(script.find_first_not_of(Blanks, next), script.size());
+        isQuoted = script.substr(start).starts_with(L'\'');
+        next = isQuoted ? script.find(L'\'', start + 1) : script.find_first_of(Blanks, start);
+        if (isQuoted && next == std::wstring_view::npos)
+            Fail("a closing quote is missing");
+        next = std::min(next, script.size());
+        current = script.substr(start, next - start);
+        if (isQuoted) {
+            current.remove_prefix(1);
+            ++next;
         }
-        Fail("a closing quote is missing");
     }
 
-    /// A word ends at a blank, so that a class id in braces is one; a brace alone is a word of its own.
-    void ReadWord()
+    /// The parameters go into the parsed text, so that what they contain needs no quoting.
+    std::wstring Expand(std::wstring_view text) const
     {
-        const std::size_t end = std::min(text.find_first_of(Blanks, position), text.size());
-        current.text = text.substr(position, end - position);
-        position = end;
+        std::wstring expanded;
+        for (;;) {
+            const std::size_t open = text.find(L'%');
+            expanded += text.substr(0, open);
+            if (open == std::wstring_view::npos)
+                return expanded;
+            const std::size_t close = text.find(L'%', open + 1);
+            if (close == std::wstring_view::npos)
+                Fail("a closing percent sign is missing");
+            const auto parameter = parameters.find(std::wstring(text.substr(open + 1, close - open - 1)));
+            if (parameter == parameters.end())
+                Fail("a known parameter is expected");
+            expanded += parameter->second;
+            text.remove_prefix(close + 1);
+        }
     }
 
     [[noreturn]] void Fail(const char* reason) const
     {
-        const auto line =
-            std::count(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(tokenStart), L'\n') + 1;
+        const auto line = std::ranges::count(script.substr(0, start), L'\n') + 1;
         throw ScriptError("Registration script, line " + std::to_string(line) + ": " + reason + ".");
     }
 
-    std::wstring_view text;
-    std::size_t position = 0;
-    std::size_t tokenStart = 0;
-    Token current;
+    std::wstring_view script;
+    const RegistrationScript::Parameters& parameters;
+    std::size_t start = 0;  ///< of what is at hand
+    std::size_t next = 0;   ///< what follows it
+    std::wstring_view current;
+    bool isQuoted = false;
 };
 
 }  // namespace
 
-std::vector<ScriptKey> RegistrationScript::Parse(std::wstring_view text)
+std::vector<ScriptKey> RegistrationScript::Parse(std::wstring_view script, const Parameters& parameters)
 {
-    return Parser(text).ParseRoot();
+    return Parser(script, parameters).ParseRoot();
 }
 
 }  // namespace kel

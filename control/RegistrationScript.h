@@ -1,22 +1,17 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 namespace kel {
 
-/// A value of a registration script: a text, in which %NAME% stands for a parameter, or a number.
-using ScriptData = std::variant<std::wstring, std::uint32_t>;
-
-/// A named value of a key.
+/// A text of a key; the one without a name is the key's default.
 struct ScriptValue {
     std::wstring name;
-    ScriptData data;
+    std::wstring text;
 };
 
 /// What registration and unregistration do with a key beyond creating it and removing it when it has become
@@ -25,14 +20,12 @@ enum class KeyRule {
     Plain,
     NoRemove,     ///< the key stays on unregistration
     ForceRemove,  ///< the key goes whole on unregistration, and before registration
-    Delete,       ///< the key is removed whole on registration
 };
 
 /// A key of a registration script.
 struct ScriptKey {
     std::wstring name;
     KeyRule rule = KeyRule::Plain;
-    std::optional<ScriptData> defaultValue;
     std::vector<ScriptValue> values;
     std::vector<ScriptKey> keys;
 };
@@ -49,21 +42,23 @@ public:
 ///     {
 ///         NoRemove CLSID
 ///         {
-///             ForceRemove {class id} = s 'text'
+///             ForceRemove {class id} = s 'default text'
 ///             {
-///                 val Name = d '1'
+///                 val Name = s '%PARAMETER%, 102'
 ///             }
 ///         }
 ///     }
 ///
-/// Names and texts may stand in single quotes, in which a quote is doubled. Types are s (string) and d
-/// (number, decimal or &H or 0x hexadecimal). The root takes keys only.
+/// Names are words without quotes, and end at a blank; texts stand in single quotes, and hold none. The root
+/// takes keys only.
 class RegistrationScript {
 public:
-    /// The keys below the root.
-    /// @throws ScriptError when the script is malformed or more than 32 braces are open, the root's among
-    /// them
-    static std::vector<ScriptKey> Parse(std::wstring_view text);
+    /// Texts by the name that stands between percent signs in the script.
+    using Parameters = std::map<std::wstring, std::wstring>;
+
+    /// The keys below the root, with the parameters in their texts.
+    /// @throws ScriptError when the script is malformed or names a parameter that there is not
+    static std::vector<ScriptKey> Parse(std::wstring_view script, const Parameters& parameters);
 };
 
 }  // namespace kel

@@ -3,6 +3,7 @@
 #include <memory>
 #include <new>
 
+#include "control/Members.h"
 #include "control/TypeInfo.h"
 
 namespace kel {
@@ -88,7 +89,7 @@ ULONG CSysInfo::Release()
 ITypeInfo* CSysInfo::TypeInfo() noexcept
 {
     if (!typeInfo)
-        typeInfo = LoadSysInfoTypeInfo();
+        Guarded([this] { typeInfo = LoadSysInfoTypeInfo(); });
     return typeInfo.Get();
 }
 
@@ -168,7 +169,7 @@ HRESULT CSysInfo::SetInterfaceSafetyOptions(REFIID riid, DWORD mask, DWORD enabl
     const HRESULT found = QueryInterface(riid, reinterpret_cast<void**>(queried.GetAddressOf()));
     if (FAILED(found))
         return found;
-    if (((mask | enabled) & ~SupportedSafety) != 0)
+    if ((mask & ~SupportedSafety) != 0)
         return E_FAIL;
     safetyOptions = (safetyOptions & ~mask) | (enabled & mask);
     return S_OK;

@@ -62,7 +62,8 @@ public:
     STDMETHODIMP SetSite(IUnknown* newSite) override;
     STDMETHODIMP GetSite(REFIID riid, void** result) override;
 
-    // IPersistPropertyBag: loads the identifiers from an object tag's parameters, and saves them
+    // IPersistPropertyBag: loads the identifiers from an object tag's parameters; saves them without the
+    // session
     STDMETHODIMP GetClassID(CLSID* classId) override;
     STDMETHODIMP InitNew() override;
     STDMETHODIMP Load(IPropertyBag* bag, IErrorLog* errorLog) override;

@@ -5,7 +5,6 @@
 #include "control/Members.h"
 #include "control/SysInfo.h"
 #include "diag/Log.h"
-#include "diag/LogScope.h"
 #include "run/System.h"
 #include "run/store/XMLReport.h"
 #include "service/AnalysisRequest.h"
@@ -18,18 +17,16 @@ HRESULT CSysInfo::Detect()
     return Guarded([] {
         // Every run logs in full, whatever level was set; support cases depend on it.
         Log::Instance().SetLevel(99);
-        const LogScope trace(L"CSysInfo::Detect");
-        System::Instance().Detect();
+        Guarded(L"CSysInfo::Detect", [] { System::Instance().Detect(); });
     });
 }
 
 HRESULT CSysInfo::get_SysInfo(BSTR* report)
 {
     static std::wstring text;
-    return GuardedResult(report, []() -> const std::wstring& {
+    return GuardedResult(L"CSysInfo::get_SysInfo", report, []() -> const std::wstring& {
         text.clear();
         try {
-            const LogScope trace(L"CSysInfo::get_SysInfo");
             System::Instance().Detect();
             XMLReport(System::Instance().Values()).GetReport(XMLReport::StandardOption, text);
         } catch (...) {
@@ -49,17 +46,14 @@ HRESULT CSysInfo::get_System(BSTR /*filter*/, BSTR* report)
     if (report != nullptr)
         *report = nullptr;
     HRESULT result = S_OK;
-    Guarded([this, report, &result] {
-        const LogScope trace(L"CSysInfo::get_System");
-        result = static_cast<ISysInfo*>(this)->get_SysInfo(report);
-    });
+    Guarded(L"CSysInfo::get_System",
+            [this, report, &result] { result = static_cast<ISysInfo*>(this)->get_SysInfo(report); });
     return result;
 }
 
 HRESULT CSysInfo::get_Analysis(BSTR id, BSTR format, BSTR schema, BSTR* result)
 {
-    return GuardedResult(result, [&] {
-        const LogScope trace(L"CSysInfo::get_Analysis");
+    return GuardedResult(L"CSysInfo::get_Analysis", result, [&] {
         try {
             const std::wstring item = TextOf(id);
             const std::wstring messageFormat = TextOf(format);
@@ -92,8 +86,7 @@ HRESULT CSysInfo::get_Value(BSTR id, BSTR* value)
 
 HRESULT CSysInfo::Configure(BSTR val)
 {
-    return Guarded([val] {
-        const LogScope trace(L"CSysInfo::Configure");
+    return Guarded(L"CSysInfo::Configure", [val] {
         const std::wstring text = TextOf(val);
         System::Instance().SetConfiguration(text);
         System::Instance().Values().AddValues(text);
@@ -108,8 +101,8 @@ HRESULT CSysInfo::get_Logging(BSTR* level)
 HRESULT CSysInfo::put_Logging(BSTR level)
 {
     return Guarded(
+        L"CSysInfo::put_Logging",
         [level] {
-            const LogScope trace(L"CSysInfo::put_Logging");
             const int number = ToInteger(TextOf(level));
             WriteLog(LogTrace, L"Setting level to: ", number);
             Log::Instance().SetLevel(number);
@@ -124,10 +117,7 @@ HRESULT CSysInfo::get_ReferrerID(BSTR* text)
 
 HRESULT CSysInfo::put_ReferrerID(BSTR text)
 {
-    return Guarded([text] {
-        const LogScope trace(L"CSysInfo::put_ReferrerID");
-        System::Instance().SetReferrerID(TextOf(text));
-    });
+    return Guarded(L"CSysInfo::put_ReferrerID", [text] { System::Instance().SetReferrerID(TextOf(text)); });
 }
 
 HRESULT CSysInfo::get_SessionID(BSTR* text)

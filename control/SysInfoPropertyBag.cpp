@@ -17,12 +17,25 @@ constexpr const wchar_t* ReferrerKey = L"REFERRER_ID";
 constexpr const wchar_t* UserKey = L"USER_ID";
 constexpr const wchar_t* DebugKey = L"DEBUG";
 
-/// Reads a key into the variant.
-/// @return whether it holds a string now; nothing is converted
-bool ReadText(IPropertyBag& bag, const wchar_t* key, _variant_t& variant)
+/// Has a variant ask a bag for text. Bags convert to the type that is handed in, and some give nothing where
+/// it is none.
+void AskForText(VARIANT& variant)
 {
-    variant.Clear();
-    return SUCCEEDED(bag.Read(key, &variant, nullptr)) && variant.vt == VT_BSTR;
+    variant.vt = VT_BSTR;
+    variant.bstrVal = nullptr;
+}
+
+/// Reads a key as text.
+/// @param variant asks for text, and does so again afterwards: what the bag put into it is moved out
+/// @return a string, or empty when the bag gave none
+_variant_t ReadText(IPropertyBag& bag, const wchar_t* key, VARIANT& variant)
+{
+    const HRESULT read = bag.Read(key, &variant, nullptr);
+    _variant_t given(variant, false);
+    AskForText(variant);
+    if (FAILED(read) || given.vt != VT_BSTR)
+        given.Clear();
+    return given;
 }
 
 HRESULT WriteText(IPropertyBag& bag, const wchar_t* key, const std::wstring& text)
@@ -59,10 +72,12 @@ HRESULT CSysInfo::Load(IPropertyBag* bag, IErrorLog* /*errorLog*/)
             {DebugKey, &CSysInfo::put_Debug},
         };
         _variant_t variant;
+        AskForText(variant);
         ReadText(*bag, LoggingKey, variant);  // read and ignored: a page's parameter must not turn the log on
         for (const auto& [key, put] : Puts) {
-            if (ReadText(*bag, key, variant))
-                (this->*put)(variant.bstrVal);
+            const _variant_t text = ReadText(*bag, key, variant);
+            if (text.vt == VT_BSTR)
+                (this->*put)(text.bstrVal);
         }
     });
 }
@@ -74,15 +89,15 @@ HRESULT CSysInfo::Save(IPropertyBag* bag, BOOL /*clearDirty*/, BOOL /*saveAll*/)
     HRESULT result = E_OUTOFMEMORY;  // unless all is written
     Guarded([bag, &result] {
         const System& system = System::Instance();
+        // No session: all visitors of a page that a designer saves would share it.
         const std::pair<const wchar_t*, std::wstring> texts[] = {
-            {SessionKey, system.SessionID()},
             {ReferrerKey, system.ReferrerID()},
             {UserKey, system.UserID()},
-            {DebugKey, system.IsDebug() ? L"1" : L"0"},
+            {DebugKey, system.IsDebug() ? L"1" : L""},
         };
         HRESULT worst = S_OK;
         for (const auto& [key, text] : texts) {
-            const HRESULT written = WriteText(*bag, key, text);
+            const HRESULT written = text.empty() ? S_OK : WriteText(*bag, key, text);
             if (FAILED(written))
                 worst = written;
         }

@@ -6,6 +6,19 @@
 
 namespace kel {
 
+namespace {
+
+HMODULE FindThisModule(DWORD flags, const char* error)
+{
+    HMODULE module = nullptr;
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | flags,
+                            reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&ThisModule)), &module))
+        throw std::runtime_error(error);
+    return module;
+}
+
+}  // namespace
+
 OwnedLibrary LoadSystemLibrary(const wchar_t* name) noexcept
 {
     return OwnedLibrary(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
@@ -21,12 +34,12 @@ FARPROC FindProcedure(HMODULE library, const char* name) noexcept
 
 HMODULE ThisModule()
 {
-    HMODULE module = nullptr;
-    if (!GetModuleHandleExW(
-            GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-            reinterpret_cast<LPCWSTR>(reinterpret_cast<void*>(&ThisModule)), &module))
-        throw std::runtime_error("The module's handle is unknown.");
-    return module;
+    return FindThisModule(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, "The module's handle is unknown.");
+}
+
+HMODULE PinThisModule()
+{
+    return FindThisModule(GET_MODULE_HANDLE_EX_FLAG_PIN, "The module cannot be kept.");
 }
 
 }  // namespace kel

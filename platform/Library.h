@@ -27,4 +27,8 @@ Function* FindFunction(HMODULE library, const char* name) noexcept
 /// @throws std::runtime_error when the system does not tell; a null handle would stand for the host's program
 HMODULE ThisModule();
 
+/// The same, and keeps it loaded until the process ends.
+/// @throws std::runtime_error when the system does not
+HMODULE PinThisModule();
+
 }  // namespace kel

@@ -11,6 +11,7 @@
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "diag/ProcessInstance.h"
+#include "platform/Library.h"
 #include "run/ConfigurationTags.h"
 #include "run/store/XMLReport.h"
 #include "service/GroupListRequest.h"
@@ -41,6 +42,8 @@ private:
 
 System& System::Instance()
 {
+    // First, and again until it succeeds: a module that is loaded anew would begin a second session.
+    [[maybe_unused]] static const HMODULE kept = PinThisModule();
     return ProcessInstance<System>();
 }
 
@@ -113,7 +116,7 @@ void System::SetSessionID(const std::wstring& text)
 
 std::wstring System::Version()
 {
-    static const std::wstring version = L"" KEL_VERSION_TEXT;
+    static const std::wstring version = L"" KEL_SCRIPT_VERSION;
     return version;
 }
 
@@ -143,7 +146,8 @@ void System::UploadReport()
     XMLReport(values).GetReport(XMLReport::StandardOption, report);
     WebServiceUpload request(report);
     request.Call();
-    upload.MarkUploaded(now);
+    if (!request.IsSkipped())
+        upload.MarkUploaded(now);
 }
 
 }  // namespace kel

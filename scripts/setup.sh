@@ -1,12 +1,15 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and the demo need; with --lint or --bench, also those of
-# that script. Does nothing when all are there.
+# Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --package or
+# --test, also those of that script. Does nothing when all are there.
 set -euo pipefail
 
 packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
   cmake ninja-build python3
 )
+packaging=(wixl msitools faketime osslsigncode openssl gcab)
+[ "${1:-}" = --package ] && packages+=("${packaging[@]}")
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" chromium mono-mcs)
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
 [ "${1:-}" = --bench ] && packages+=(gcab)
 

@@ -3,6 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+scripts/setup.sh --test
 for preset in release checked; do
   scripts/build.sh "$preset"
 done

@@ -3,7 +3,7 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
+#include <atomic>
 #include <exception>
 #include <memory>
 #include <vector>
@@ -11,7 +11,8 @@
 #include "BuildSettings.h"
 #include "diag/Log.h"
 #include "diag/Timer.h"
-#include "service/LimitedExchange.h"
+#include "service/ExchangeLimits.h"
+#include "service/RunWithin.h"
 
 namespace kel {
 
@@ -20,16 +21,22 @@ namespace {
 constexpr const wchar_t* TestFile = L"http://" KEL_CONTENT_HOST L"/global/tests/test_2.bin";
 /// Kept in reserve, should the first host be given up.
 [[maybe_unused]] constexpr const wchar_t* SecondTestFile =
-    L"http://" KEL_CONTENT_HOST_2 L"/global/tests/test_1.bin";
+    L"http://content2.keldane.example/global/tests/test_1.bin";
 constexpr DWORD OpenFlags =
     INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_PRAGMA_NOCACHE;
 static_assert(OpenFlags == 0x84000100);
 constexpr std::size_t BufferSize = 5001;
 constexpr DWORD LongestRead = 5000;
+constexpr const wchar_t* Success = L"200";
 
-/// What a test may take of the page that waits for it; the file takes less on any connection worth measuring.
-constexpr std::chrono::seconds TimeLimit{30};
-constexpr std::chrono::seconds WaitLimit{10};  // of each single wait
+/// What the exchange's thread fills in. At the time limit the waiting thread takes what is there.
+struct Download {
+    std::wstring status;
+    bool isWhole = false;
+    std::atomic<std::uint64_t> bytes = 0;
+    std::atomic<std::int64_t> start = 0;
+    std::int64_t stop = 0;
+};
 
 /// A download that was cut short looks like one that ended, but for its announced length.
 bool IsWhole(HINTERNET file, std::uint64_t total)
@@ -41,42 +48,38 @@ bool IsWhole(HINTERNET file, std::uint64_t total)
            total == length;
 }
 
-struct Download {
-    bool isWhole = false;
-    std::uint64_t bytes = 0;
-    std::int64_t start = 0;
-    std::int64_t stop = 0;
-};
-
 /// Reads until there is nothing left; whether that worked.
-bool ReadAll(HINTERNET file, const InternetHandles& handles, std::vector<char>& buffer, std::uint64_t& total)
+bool ReadAll(HINTERNET file, const InternetSession& internet, std::vector<char>& buffer, Download& download)
 {
     DWORD available = 0;
-    while (InternetQueryDataAvailable(file, &available, 0, 0) && !handles.AreClosed()) {
+    while (InternetQueryDataAvailable(file, &available, 0, 0) && !internet.IsAbandoned()) {
         DWORD count = 0;
         if (!InternetReadFile(file, buffer.data(), std::min(available, LongestRead), &count) ||
-            handles.AreClosed())
+            internet.IsAbandoned())
             return false;
-        total += count;
+        download.bytes += count;
         if (count == 0)
             return true;
     }
     return false;
 }
 
-void Fetch(InternetHandles& handles, Download& download)
+void Fetch(InternetSession& internet, Download& download)
 {
-    const HINTERNET session = handles.OpenSession();
+    const HINTERNET session = internet.Open();
     if (session == nullptr)
         return;
-    InternetHandles::LimitWaits(session, WaitLimit);
+    internet.LimitWaits(session, ExchangeLimits::DownloadWait);
     const HINTERNET file =
-        handles.Keep(InternetOpenUrlW(session, TestFile, nullptr, 0, OpenFlags, handles.Context()));
+        internet.Keep(InternetOpenUrlW(session, TestFile, nullptr, 0, OpenFlags, internet.Context()));
     if (file == nullptr)
+        return;
+    download.status = InternetSession::QueryInfo(file, HTTP_QUERY_STATUS_CODE).value_or(L"unknown");
+    if (download.status != Success)
         return;
     std::vector<char> buffer(BufferSize);
     download.start = Timer::ReadCounter();
-    const bool isRead = ReadAll(file, handles, buffer, download.bytes);
+    const bool isRead = ReadAll(file, internet, buffer, download);
     download.stop = Timer::ReadCounter();
     download.isWhole = isRead && IsWhole(file, download.bytes);
 }
@@ -85,15 +88,20 @@ void Fetch(InternetHandles& handles, Download& download)
 std::wstring Measure()
 {
     const auto download = std::make_shared<Download>();
-    if (!RunWithin(TimeLimit, [download](InternetHandles& handles) { Fetch(handles, *download); })) {
-        WriteLog(LogWarning, L"The bandwidth test was stopped after ", TimeLimit.count(), L" seconds.");
-        return {};
+    const char* const late = RunWithin(ExchangeLimits::Download,
+                                       [download](InternetSession& internet) { Fetch(internet, *download); });
+    if (late != nullptr) {
+        const std::uint64_t bytes = download->bytes;
+        WriteLog(LogWarning, L"The bandwidth test was stopped after ", ExchangeLimits::Download.count(),
+                 L" seconds. Bytes that came so far and count: ", bytes);
+        return bytes == 0 ? std::wstring()
+                          : DownloadRate(bytes, download->start, Timer::ReadCounter(), Timer::Frequency());
     }
-    LARGE_INTEGER frequency = {};
-    QueryPerformanceFrequency(&frequency);
+    if (!download->status.empty() && download->status != Success)
+        WriteLog(LogWarning, L"The bandwidth test has failed. Status: ", download->status);
     if (!download->isWhole)
         return {};
-    return DownloadRate(download->bytes, download->start, download->stop, frequency.QuadPart);
+    return DownloadRate(download->bytes, download->start, download->stop, Timer::Frequency());
 }
 
 }  // namespace

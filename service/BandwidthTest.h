@@ -12,8 +12,9 @@ namespace kel {
 /// @return the empty text when the counter did not work: a number below 1, or a stop that is not later
 std::wstring DownloadRate(std::uint64_t bytes, std::int64_t start, std::int64_t stop, std::int64_t frequency);
 
-/// Downloads the test file from the content host through WinINet and times the reading. Takes at most 31
-/// seconds; a test that is not over in 30 counts as failed.
+/// Downloads the test file from the content host through WinINet and times the reading. After 30 seconds,
+/// what has come so far counts. An answer with another status than 200, and a file that was cut, is a failed
+/// test.
 /// @return the rate as DownloadRate writes it, or the empty text when the test failed; a text of the process
 /// that the next call overwrites
 const std::wstring& RunBandwidthTest();

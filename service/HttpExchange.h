@@ -7,7 +7,7 @@
 #include <string>
 
 #include "diag/Timer.h"
-#include "service/InternetHandles.h"
+#include "service/InternetSession.h"
 
 namespace kel {
 
@@ -28,12 +28,13 @@ struct HttpAnswer {
     std::optional<std::wstring> statusText;  ///< the same
     std::string body;                        ///< as it came; the service's are UTF-8
     const char* failure = nullptr;           ///< why the body does not count
+    const char* lateIn = nullptr;            ///< the stage in which a single wait ended at its limit
 };
 
 /// Sends a request and reads its answer, through WinINet.
 /// @param request not changed; WinINet takes the body as if it might be
-/// @param handles where the handles are kept; when they are closed meanwhile, the answer is incomplete
+/// @param internet where the handles are kept; when nobody waits any more, the answer is incomplete
 /// @throws std::runtime_error when the request cannot be made
-void Perform(HttpRequest& request, InternetHandles& handles, HttpAnswer& answer);
+void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer);
 
 }  // namespace kel

@@ -9,7 +9,7 @@ namespace kel {
 
 namespace {
 
-int CheckedLength(std::size_t length)
+int ToLength(std::size_t length)
 {
     if (length > static_cast<std::size_t>(std::numeric_limits<int>::max()))
         throw std::length_error("The text is too long to be converted.");
@@ -17,7 +17,7 @@ int CheckedLength(std::size_t length)
 }
 
 /// @throws std::runtime_error for the size 0, with which a conversion fails
-int Checked(int size)
+int RequireSize(int size)
 {
     if (size == 0)
         throw std::runtime_error("The text cannot be converted.");
@@ -28,24 +28,24 @@ int Checked(int size)
 
 std::string ToUtf8(std::wstring_view text)
 {
-    const int length = CheckedLength(text.size());
+    const int length = ToLength(text.size());
     if (length == 0)
         return {};
     const int size =
-        Checked(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr));
+        RequireSize(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, nullptr, 0, nullptr, nullptr));
     std::string bytes(static_cast<std::size_t>(size), '\0');
-    Checked(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr));
+    RequireSize(WideCharToMultiByte(CP_UTF8, 0, text.data(), length, bytes.data(), size, nullptr, nullptr));
     return bytes;
 }
 
 std::wstring FromUtf8(std::string_view bytes)
 {
-    const int length = CheckedLength(bytes.size());
+    const int length = ToLength(bytes.size());
     if (length == 0)
         return {};
-    const int size = Checked(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, nullptr, 0));
+    const int size = RequireSize(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, nullptr, 0));
     std::wstring text(static_cast<std::size_t>(size), L'\0');
-    Checked(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, text.data(), size));
+    RequireSize(MultiByteToWideChar(CP_UTF8, 0, bytes.data(), length, text.data(), size));
     return text;
 }
 

@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <chrono>
 #include <memory>
 #include <stdexcept>
 #include <utility>
@@ -11,8 +10,8 @@
 #include "BuildSettings.h"
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "service/CallBudget.h"
 #include "service/HttpExchange.h"
-#include "service/LimitedExchange.h"
 #include "service/Utf8.h"
 #include "values/Text.h"
 
@@ -22,8 +21,7 @@ namespace {
 
 // The line break stands the wrong way round; the service accepts it, and so it stays.
 constexpr const wchar_t* HeaderTemplate = L"Content-Type: ^content_type; charset=utf-8\n\rContent-Length: ";
-/// What one exchange may take of the page that waits for it.
-constexpr std::chrono::seconds TimeLimit{60};
+constexpr const char* TookTooLong = "The service took too long to answer: ";
 
 void LogHeaders(const std::wstring& headers)
 {
@@ -55,13 +53,18 @@ void LogStatus(const HttpAnswer& answer)
 std::string Ask(HttpRequest request)
 {
     const auto answer = std::make_shared<HttpAnswer>();
-    const bool isInTime =
-        RunWithin(TimeLimit, [request = std::move(request), answer](InternetHandles& handles) mutable {
-            Perform(request, handles, *answer);
+    CallBudget& budget = CallBudget::Current();
+    const char* const late =
+        budget.Run([request = std::move(request), answer](InternetSession& internet) mutable {
+            Perform(request, internet, *answer);
         });
-    if (!isInTime)
-        throw std::runtime_error("The service took too long to answer.");
+    if (late != nullptr)
+        throw std::runtime_error(std::string(TookTooLong) + late);
+    if (answer->lateIn != nullptr)
+        budget.End(answer->lateIn);
     if (answer->sendError != ERROR_SUCCESS) {
+        if (answer->lateIn != nullptr)
+            WriteLog(LogError, TookTooLong, answer->lateIn);
         WriteLog(LogError, L"Can't send Internet request. Error: ", answer->sendError);
         throw std::runtime_error("Can't send Internet request.");
     }
@@ -87,10 +90,16 @@ WebService::~WebService() = default;
 
 void WebService::Call() noexcept
 {
+    const CallBudget budget;
+    isSkipped = CallBudget::Current().EndedIn() != nullptr;
     try {
         const LogScope trace(L"kel::WebService::Call");
         try {
-            Exchange();
+            if (isSkipped)
+                WriteLog(LogWarning, L"Skipped, since an earlier exchange of this call took too long: ",
+                         CallBudget::Current().EndedIn());
+            else
+                Exchange();
         } catch (const std::exception& error) {
             WriteLog(LogError, error.what());
         }

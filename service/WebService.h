@@ -13,9 +13,13 @@ public:
     WebService& operator=(const WebService&) = delete;
     virtual ~WebService();
 
-    /// Sends the request and reads the answer. Throws nothing: a failure is logged and leaves the result as
-    /// it was.
+    /// Sends the request and reads the answer, within the time that the member's call has left for exchanges;
+    /// skips both after an exchange of that call ended at a limit. Throws nothing: a failure is logged and
+    /// leaves the result as it was.
     void Call() noexcept;
+
+    /// Whether the last call was skipped.
+    bool IsSkipped() const { return isSkipped; }
 
     /// The text of the answer, whatever its status; empty before a call and after a failed one.
     const std::wstring& GetResult() const { return result; }
@@ -44,6 +48,7 @@ private:
     std::wstring contentType;
     std::wstring body;
     std::wstring result;
+    bool isSkipped = false;
 };
 
 /// The key that the service asks of every client.

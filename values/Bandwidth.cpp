@@ -3,10 +3,8 @@
 #include <array>
 #include <string>
 
-#include "diag/Log.h"
 #include "values/Clone.h"
 #include "values/Quantity.h"
-#include "values/Text.h"
 
 namespace kel {
 
@@ -25,26 +23,14 @@ Bandwidth::Bandwidth(const std::wstring& text)
 
 bool Bandwidth::Initialize(const wchar_t* text)
 {
-    if (text == nullptr)
-        return false;
-    try {
-        bitsPerSecond = TruncateToUnsigned(LeadingNumber(text) * UnitFactor(ToUpper(text), ParsedUnits));
-        return true;
-    } catch (...) {
-        ReportFailure(LogWarning, L"Error while initializing Bandwidth");
-        return false;
-    }
+    return ReadQuantity(text, ParsedUnits, L"Error while initializing Bandwidth", bitsPerSecond);
 }
 
 const wchar_t* Bandwidth::ToString() const
 {
     static std::wstring text;
-    try {
-        FormatQuantity(bitsPerSecond, 1024.0, PrintedUnits, text);
-    } catch (...) {
-        ReportFailure(LogWarning, L"Error while formatting bandwidth string.");
-    }
-    return text.c_str();
+    return WriteQuantity(bitsPerSecond, 1024.0, PrintedUnits, L"Error while formatting bandwidth string.",
+                         text);
 }
 
 Bandwidth* Bandwidth::Clone() const

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "values/Hexadecimal.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -11,6 +12,11 @@ namespace {
 
 constexpr std::size_t DeviceDigits = 4;
 constexpr std::size_t SubsystemDigits = 8;
+constexpr std::wstring_view Usb = L"USB";
+constexpr std::wstring_view VirtualBuses[] = {L"ROOT", L"SWD", L"VMBUS"};
+/// Microsoft, VMware, VirtualBox, virtio, Parallels, QEMU, Xen.
+constexpr std::wstring_view VirtualVendors[] = {L"1414", L"15AD", L"80EE", L"1AF4",
+                                                L"1AB8", L"1234", L"5853"};
 
 bool IsHexadecimal(std::wstring_view text)
 {
@@ -33,16 +39,27 @@ std::wstring WithoutInstance(const std::wstring& id)
 
 }  // namespace
 
-DeviceID::DeviceID(const std::wstring& id) : text(MakeText(WithoutInstance(id).c_str()))
+DeviceID::DeviceID(const std::wstring& id) : text(MakeText(ToUpper(WithoutInstance(id)).c_str()))
 {
-    ReadParts(ToUpper(Buffer(text)));
+    ReadParts(ToString());
 }
 
-void DeviceID::ReadParts(const std::wstring& upperCaseId)
+DeviceID DeviceID::FromNumbers(std::uint32_t vendor, std::uint32_t device, std::uint32_t subsystem,
+                               std::uint32_t revision)
 {
-    const std::size_t backslash = upperCaseId.find(L'\\');
+    if (vendor == 0 || vendor > 0xFFFF || device > 0xFFFF || revision > 0xFF)
+        return {};
+    std::wstring id = L"PCI\\VEN_" + Hexadecimal(vendor, 4) + L"&DEV_" + Hexadecimal(device, 4);
+    if (subsystem != 0)
+        id += L"&SUBSYS_" + Hexadecimal(subsystem, 8);
+    return DeviceID(id + L"&REV_" + Hexadecimal(revision, 2));
+}
+
+void DeviceID::ReadParts(const std::wstring& fullId)
+{
+    const std::size_t backslash = fullId.find(L'\\');
     const bool hasBus = backslash != std::wstring::npos;
-    const std::wstring_view id(upperCaseId);
+    const std::wstring_view id(fullId);
     const bool isAcpi = hasBus ? id.substr(0, backslash) == L"ACPI" : id.starts_with(L'*');
     std::wstring_view rest =
         id.substr(hasBus ? backslash + 1 : std::min<std::size_t>(id.starts_with(L'*'), 1));
@@ -77,6 +94,31 @@ void DeviceID::ReadParts(const std::wstring& upperCaseId)
 bool DeviceID::HasValue() const
 {
     return *ToString() != L'\0';
+}
+
+std::wstring DeviceID::Bus() const
+{
+    const std::wstring id = ToString();
+    const std::size_t backslash = id.find(L'\\');
+    return backslash != std::wstring::npos ? id.substr(0, backslash) : std::wstring();
+}
+
+bool DeviceID::IsVirtual() const
+{
+    const std::wstring bus = Bus();
+    return std::ranges::count(VirtualBuses, bus) > 0 ||
+           (bus != Usb && std::ranges::count(VirtualVendors, vendor) > 0);
+}
+
+bool DeviceID::Matches(const DeviceID& other) const
+{
+    if (vendor.empty() || device.empty() || other.vendor.empty() || other.device.empty())
+        return HasValue() && std::wstring_view(ToString()) == other.ToString();
+    const auto agree = [](const std::wstring& one, const std::wstring& two) {
+        return one.empty() || two.empty() || one == two;
+    };
+    return Bus() == other.Bus() && vendor == other.vendor && device == other.device &&
+           agree(subsystem, other.subsystem) && agree(revision, other.revision);
 }
 
 const wchar_t* DeviceID::ToString() const

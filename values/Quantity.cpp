@@ -4,6 +4,9 @@
 #include <limits>
 #include <sstream>
 
+#include "diag/Log.h"
+#include "values/Text.h"
+
 namespace kel {
 
 std::uint64_t TruncateToUnsigned(double number)
@@ -31,19 +34,38 @@ double UnitFactor(std::wstring_view upperCaseText, std::span<const Unit> units)
     return 1.0;
 }
 
-void FormatQuantity(std::uint64_t amount, double step, std::span<const wchar_t* const> units,
-                    std::wstring& text)
+bool ReadQuantity(const wchar_t* text, std::span<const Unit> units, const wchar_t* error,
+                  std::uint64_t& amount) noexcept
 {
-    text.clear();
-    auto number = static_cast<double>(amount);
-    auto unit = units.begin();
-    while (number >= step && unit + 1 != units.end()) {
-        number /= step;
-        ++unit;
+    if (text == nullptr)
+        return false;
+    try {
+        amount = TruncateToUnsigned(LeadingNumber(text) * UnitFactor(ToUpper(text), units));
+        return true;
+    } catch (...) {
+        ReportFailure(LogWarning, error);
+        return false;
     }
-    std::wostringstream stream;
-    stream << std::fixed << std::setprecision(1) << number << L' ' << *unit;
-    text = stream.str();
+}
+
+const wchar_t* WriteQuantity(std::uint64_t amount, double step, std::span<const wchar_t* const> units,
+                             const wchar_t* error, std::wstring& text) noexcept
+{
+    try {
+        auto number = static_cast<double>(amount);
+        auto unit = units.begin();
+        while (number >= step && unit + 1 != units.end()) {
+            number /= step;
+            ++unit;
+        }
+        std::wostringstream stream;
+        stream << std::fixed << std::setprecision(1) << number << L' ' << *unit;
+        text = stream.str();
+    } catch (...) {
+        text.clear();
+        ReportFailure(LogWarning, error);
+    }
+    return text.c_str();
 }
 
 }  // namespace kel

@@ -24,10 +24,18 @@ struct Unit {
 /// does.
 double UnitFactor(std::wstring_view upperCaseText, std::span<const Unit> units);
 
+/// Reads an amount in base units: the number at the start of a text, times the factor of its unit.
+/// @param error the line for the log when reading fails
+/// @return false for a null text, and when reading fails
+bool ReadQuantity(const wchar_t* text, std::span<const Unit> units, const wchar_t* error,
+                  std::uint64_t& amount) noexcept;
+
 /// Writes an amount in the largest fitting unit with one decimal, as in "1.5 KB".
 /// @param step the ratio of each unit to the one before it
 /// @param units the names of the units, smallest first
-void FormatQuantity(std::uint64_t amount, double step, std::span<const wchar_t* const> units,
-                    std::wstring& text);
+/// @param error the line for the log when writing fails
+/// @param text holds what is returned
+const wchar_t* WriteQuantity(std::uint64_t amount, double step, std::span<const wchar_t* const> units,
+                             const wchar_t* error, std::wstring& text) noexcept;
 
 }  // namespace kel

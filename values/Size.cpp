@@ -40,12 +40,7 @@ bool Size::Initialize(const wchar_t* text)
 const wchar_t* Size::ToString() const
 {
     static std::wstring text;
-    try {
-        FormatQuantity(bytes, 1024.0, PrintedUnits, text);
-    } catch (...) {
-        ReportFailure(LogWarning, L"Error while formatting size string.");
-    }
-    return text.c_str();
+    return WriteQuantity(bytes, 1024.0, PrintedUnits, L"Error while formatting size string.", text);
 }
 
 Size* Size::Clone() const

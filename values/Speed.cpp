@@ -3,10 +3,8 @@
 #include <array>
 #include <string>
 
-#include "diag/Log.h"
 #include "values/Clone.h"
 #include "values/Quantity.h"
-#include "values/Text.h"
 
 namespace kel {
 
@@ -19,26 +17,14 @@ constexpr std::array<const wchar_t*, 4> PrintedUnits = {L"Hz", L"KHz", L"MHz", L
 
 bool Speed::Initialize(const wchar_t* text)
 {
-    if (text == nullptr)
-        return false;
-    try {
-        hertz = TruncateToUnsigned(LeadingNumber(text) * UnitFactor(ToUpper(text), ParsedUnits));
-        return true;
-    } catch (...) {
-        ReportFailure(LogWarning, L"Error while initializing Speed");
-        return false;
-    }
+    return ReadQuantity(text, ParsedUnits, L"Error while initializing Speed", hertz);
 }
 
 const wchar_t* Speed::ToString() const
 {
     static std::wstring text;
-    try {
-        FormatQuantity(hertz, 1000.0, PrintedUnits, text);
-    } catch (...) {
-        ReportFailure(LogWarning, L"Error while formatting size string.");  // the line that support looks for
-    }
-    return text.c_str();
+    // Its line says "size"; support looks for that text.
+    return WriteQuantity(hertz, 1000.0, PrintedUnits, L"Error while formatting size string.", text);
 }
 
 Speed* Speed::Clone() const

@@ -34,10 +34,14 @@ STDAPI DllUnregisterServer()
     return CDetectionModule::Instance().Unregister(false);
 }
 
-/// @param commandLine "user" registers for the current user only
+/// @param commandLine "user" for the current user only, null or empty for all users
 STDAPI DllInstall(BOOL install, LPCWSTR commandLine)
 {
-    const bool forCurrentUser = commandLine != nullptr && _wcsicmp(commandLine, L"user") == 0;
+    const wchar_t* const text = commandLine != nullptr ? commandLine : L"";
+    const bool forCurrentUser = _wcsicmp(text, L"user") == 0;
+    // Not for all users instead: a mistyped "user" would take their registration away.
+    if (!forCurrentUser && *text != L'\0')
+        return E_INVALIDARG;
     CDetectionModule& module = CDetectionModule::Instance();
     return install ? module.Register(forCurrentUser) : module.Unregister(forCurrentUser);
 }

@@ -5,6 +5,8 @@
 #include <wininet.h>
 
 #include <array>
+#include <fstream>
+#include <regex>
 
 #include "client/ControlDll.h"
 #include "client/Outer.h"
@@ -143,7 +145,7 @@ TEST_F(Control, TellsTheSafetyOptionsThatAreSet)
     const std::tuple<IID, DWORD, DWORD, HRESULT, DWORD> rows[] = {
         {IID_IDispatch, 3, 3, S_OK, 3},   {IID_IPersistPropertyBag, 1, 0, S_OK, 2},
         {IID_IDispatch, 4, 4, E_FAIL, 2}, {IID_IDispatch, 7, 1, E_FAIL, 2},
-        {IID_IDispatch, 1, 5, E_FAIL, 2}, {IID_IStream, 3, 0, E_NOINTERFACE, 2},
+        {IID_IDispatch, 1, 5, S_OK, 3},   {IID_IStream, 3, 0, E_NOINTERFACE, 3},
     };
     for (const auto& [riid, mask, options, result, enabledAfter] : rows) {
         EXPECT_EQ(safety->SetInterfaceSafetyOptions(riid, mask, options), result);
@@ -169,26 +171,39 @@ TEST_F(Control, KeepsItsSite)
     EXPECT_EQ(withSite->GetSite(IID_PPV_ARGS(&found)), E_FAIL);
 }
 
-TEST_F(Control, LoadsItsIdentifiersFromAPropertyBagAndSavesThem)
+TEST_F(Control, LoadsWhatAPageGivesAndSavesNoSession)
 {
     const auto persist = As<IPersistPropertyBag>();
     const std::wstring session = Get(&ISysInfo::get_SessionID);
     test::PropertyBag bag, saved;
-    bag.values[L"LOGGING"] = L"5";
     EXPECT_EQ(persist->InitNew(), S_OK);
+    EXPECT_EQ(persist->Save(&saved, TRUE, TRUE), S_OK);
+    EXPECT_TRUE(saved.values.empty());
+    bag.values[L"LOGGING"] = L"5";
     EXPECT_EQ(persist->Load(&bag, nullptr), S_OK);
     EXPECT_THAT(bag.reads,
                 testing::ElementsAre(L"LOGGING", L"SESSION_ID", L"REFERRER_ID", L"USER_ID", L"DEBUG"));
     EXPECT_EQ(Get(&ISysInfo::get_Logging), L"0");
     EXPECT_EQ(Get(&ISysInfo::get_SessionID), session);
 
-    bag.values = {{L"SESSION_ID", L"s"}, {L"REFERRER_ID", L"r"}, {L"DEBUG", L"yes"}};
-    bag.values[L"USER_ID"] = 42L;  // no string: skipped
+    std::wifstream file(KEL_EXAMPLE_PAGE);
+    const std::wstring page{std::istreambuf_iterator<wchar_t>(file), {}};
+    const std::wregex parameter(L"<param name=\"(.*?)\" value=\"(.*?)\">");
+    for (std::wsregex_iterator found(page.begin(), page.end(), parameter), end; found != end; ++found)
+        bag.values[found->str(1)] = found->str(2).c_str();
+    bag.values[L"SESSION_ID"] = 42L;
+    control->put_Debug(_bstr_t(L"yes"));
     EXPECT_EQ(persist->Load(&bag, nullptr), S_OK);
     EXPECT_EQ(persist->Load(nullptr, nullptr), S_OK);
+    EXPECT_EQ(Get(&ISysInfo::get_SessionID), L"42");
+    std::map<std::wstring, _variant_t> expected = {{L"REFERRER_ID", L"demo"}, {L"USER_ID", L"visitor"}};
     EXPECT_EQ(persist->Save(&saved, TRUE, TRUE), S_OK);
-    const std::map<std::wstring, _variant_t> expected = {
-        {L"SESSION_ID", L"s"}, {L"REFERRER_ID", L"r"}, {L"USER_ID", L""}, {L"DEBUG", L"1"}};
+    EXPECT_EQ(saved.values, expected);
+    expected[L"DEBUG"] = L"1";
+    control->put_Debug(_bstr_t(L"yes"));
+    bag.values[L"DEBUG"] = dll.Factory().Get();  // no text can be made of it: skipped
+    EXPECT_EQ(persist->Load(&bag, nullptr), S_OK);
+    EXPECT_EQ(persist->Save(&saved, TRUE, TRUE), S_OK);
     EXPECT_EQ(saved.values, expected);
     EXPECT_EQ(persist->Save(nullptr, TRUE, TRUE), E_POINTER);
     CLSID classId = {};

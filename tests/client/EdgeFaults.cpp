@@ -23,7 +23,9 @@ using Any = Word(Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Wor
 
 constexpr std::string_view Answer = "71060|71063|71069|71207";  // of the service, to whatever it is asked
 Word now = 0, unread = 0;
-long calls = 0, first = 0, last = 0;
+bool isArmed = false;
+std::string_view chosen;
+long allocations = 0, nth = 0;
 
 template <typename T>
 T* At(Word address)
@@ -59,26 +61,23 @@ struct Group {
 
 constexpr Word Never = 1, OutOfMemory = 0x8007000E;
 constexpr Group Groups[] = {
-    {0, 1, "malloc calloc realloc"},
+    {0, 1, "malloc calloc"},
     {0, 0, "SysAllocString SysAllocStringLen"},
     {Never, -1, "free"},
-    {0, EdgeFaults::Handle, "LoadLibraryW LoadLibraryExW InternetOpenW InternetConnectW HttpOpenRequestW"},
+    {0, EdgeFaults::Handle, "InternetOpenW InternetConnectW HttpOpenRequestW"},
     {OutOfMemory, EdgeFaults::Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
-    {Never, -EdgeFaults::Handle,
-     "RegCloseKey FreeLibrary FreeLibraryAndExitThread InternetCloseHandle BCryptCloseAlgorithmProvider"},
+    {Never, -EdgeFaults::Handle, "RegCloseKey InternetCloseHandle BCryptCloseAlgorithmProvider"},
     {0, 0,
-     "CreateThread FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW "
-     "GetModuleHandleExW "
-     "GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process GlobalMemoryStatusEx "
-     "GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar WideCharToMultiByte "
-     "StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW "
+     "CreateThread FindResourceW LoadLibraryExW LoadResource LockResource SizeofResource GetModuleHandleW "
+     "GetModuleHandleExW GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process "
+     "GlobalMemoryStatusEx GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar "
+     "WideCharToMultiByte StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW "
      "InternetSetStatusCallbackW"},
     {OutOfMemory, 0,
      "RegQueryValueExW RegEnumKeyExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW "
-     "RegOverridePredefKey "
-     "BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid VariantChangeType VariantCopy "
-     "ConnectServer ExecQuery Next Get LoadTypeLib LoadTypeLibEx RegisterTypeLib UnRegisterTypeLib "
-     "QueryPathOfRegTypeLib DispInvoke"},
+     "RegOverridePredefKey BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid "
+     "VariantChangeType VariantCopy ConnectServer ExecQuery Next Get LoadTypeLib LoadTypeLibEx "
+     "RegisterTypeLibForUser UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
     {Never, 0, "OutputDebugStringW", &CheckLine},
     {0, EdgeFaults::Handle, "InternetOpenUrlW",
      [](const Word*) { return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0)); }},
@@ -93,32 +92,44 @@ constexpr Group Groups[] = {
 struct Function {
     std::string name;
     const Group* group;
-    Any* original;
+    Any* original = nullptr;
+    bool isCalled = false;
+    long calls = 0;  ///< that could have failed
 };
 std::vector<Function> functions;
+
+/// Counts a call that can fail.
+/// @return whether it is to fail: the one chosen, or each allocation from the one chosen on
+bool Fails(Function& function)
+{
+    const bool allocates = function.group < Groups + 2;
+    ++function.calls;
+    allocations += allocates;
+    return EdgeFaults::isLasting ? allocates && allocations >= nth
+                                 : function.name == chosen && function.calls == nth;
+}
 
 /// Takes the place of a function, with more arguments than any has.
 template <std::size_t Slot>
 Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i, Word j, Word k, Word l)
 {
-    const auto& [name, group, original] = functions[Slot];
-    const bool counts = group->failure != Never && (first == last || group < Groups + 2);
-    if (counts && ++calls >= first && calls <= last) {
-        EdgeFaults::failed = name;
+    Function& function = functions[Slot];
+    const Group* const group = function.group;
+    function.isCalled = true;
+    if (isArmed && group->failure != Never && Fails(function)) {
+        EdgeFaults::failed = function.name;
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return group->failure;
     }
-    // Before the call: a thread that gives its module back does not return from it.
     if (group->opens < 0 && a != 0)
         EdgeFaults::open += group->opens;
     const Word arguments[] = {a, b, c, d};
-    Word result = group->answer ? group->answer(arguments) : original(a, b, c, d, e, f, g, h, i, j, k, l);
-    const bool holdsModule =
-        name == "GetModuleHandleExW" && (a & GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT) == 0;
+    Word result =
+        group->answer ? group->answer(arguments) : function.original(a, b, c, d, e, f, g, h, i, j, k, l);
     if (group->opens >= 0 && (group->failure == 0) == (result != 0))
-        EdgeFaults::open += holdsModule ? EdgeFaults::Handle : group->opens;
-    if (name == "GetProcAddress" && result != 0)
-        EdgeFaults::Lead(reinterpret_cast<void**>(&result), At<char>(b));
+        EdgeFaults::open += group->opens;
+    if (function.name == "GetProcAddress" && result != 0)
+        EdgeFaults::Hook(reinterpret_cast<void**>(&result), At<char>(b));
     return result;
 }
 
@@ -129,7 +140,7 @@ constexpr std::array<Any*, sizeof...(Slots)> Stubs(std::index_sequence<Slots...>
 }
 
 /// Called by the loader before a module runs, with flags, path, name and address.
-void CALLBACK LeadImports(ULONG, const Word* loaded, void*)
+void CALLBACK HookImports(ULONG, const Word* loaded, void*)
 {
     if (std::wstring_view(At<UNICODE_STRING>(loaded[2])->Buffer) != L"Detection.dll")
         return;
@@ -141,7 +152,7 @@ void CALLBACK LeadImports(ULONG, const Word* loaded, void*)
          ++library) {
         void** slot = At<void*>(module + library->FirstThunk);
         for (auto* name = At<Word>(module + library->OriginalFirstThunk); *name != 0; ++name)
-            EdgeFaults::Lead(slot++, At<IMAGE_IMPORT_BY_NAME>(module + *name)->Name);
+            EdgeFaults::Hook(slot++, At<IMAGE_IMPORT_BY_NAME>(module + *name)->Name);
     }
 }
 
@@ -155,21 +166,21 @@ void EdgeFaults::Install()
     for (const Group& group : Groups) {
         std::istringstream names(group.names);
         for (std::string name; names >> name;)
-            functions.push_back({name, &group, nullptr});
+            functions.push_back({name, &group});
     }
-    using Register = NTSTATUS NTAPI(ULONG, decltype(&LeadImports), void*, void**);
+    using Register = NTSTATUS NTAPI(ULONG, decltype(&HookImports), void*, void**);
     const OwnedLibrary loader(LoadLibraryW(L"ntdll.dll"));
-    FindFunction<Register>(loader.get(), "LdrRegisterDllNotification")(0, &LeadImports, nullptr, &cookie);
+    FindFunction<Register>(loader.get(), "LdrRegisterDllNotification")(0, &HookImports, nullptr, &cookie);
 }
 
-void EdgeFaults::Lead(void** slot, std::string_view name)
+void EdgeFaults::Hook(void** slot, std::string_view name)
 {
-    static constexpr auto stubs = Stubs(std::make_index_sequence<80>());
+    static constexpr auto AllStubs = Stubs(std::make_index_sequence<80>());
     const auto function = std::ranges::find(functions, name, &Function::name);
     if (function == functions.end())
         return;
     void* const stub =
-        reinterpret_cast<void*>(stubs.at(static_cast<std::size_t>(function - functions.begin())));
+        reinterpret_cast<void*>(AllStubs.at(static_cast<std::size_t>(function - functions.begin())));
     if (*slot == stub)
         return;
     function->original = reinterpret_cast<Any*>(*slot);
@@ -178,11 +189,26 @@ void EdgeFaults::Lead(void** slot, std::string_view name)
     *slot = stub;
 }
 
-void EdgeFaults::Arm(long newFirst, long newLast)
+void EdgeFaults::Arm(std::string_view fault)
 {
-    calls = 0;
-    first = newFirst;
-    last = newLast;
+    chosen = fault.substr(0, fault.find_first_of(":+"));
+    isLasting = !chosen.empty() && fault[chosen.size()] == '+';
+    std::istringstream(std::string(fault.substr(std::min(chosen.size() + 1, fault.size())))) >> nth;
+    isArmed = true;
+}
+
+void EdgeFaults::Disarm()
+{
+    isArmed = false;
+}
+
+std::string EdgeFaults::Report()
+{
+    std::ostringstream report;
+    report << "open=" << open << " failed=" << failed << " any=" << allocations;
+    for (const auto& [name, group, original, isCalled, count] : functions)
+        report << (isCalled ? " called " : " uncalled ") << name << '=' << count;
+    return report.str();
 }
 
 }  // namespace kel::test

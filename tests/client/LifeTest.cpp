@@ -80,6 +80,30 @@ void Live(const test::ControlDll& dll, int count)
     controls.clear();
 }
 
+TEST(Life, StaysInTheProcessOnceASessionLives)
+{
+    {
+        const test::ControlDll onlyLoaded;
+        EXPECT_EQ(onlyLoaded.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
+    }
+    EXPECT_EQ(GetModuleHandleW(L"Detection.dll"), nullptr);
+    std::wstring sessions[2];
+    for (std::wstring& session : sessions) {
+        std::thread([&session] {
+            const test::Apartment apartment;
+            const test::ControlDll dll;
+            Live(dll, 10);
+            _bstr_t value;
+            dll.Create()->get_Value(_bstr_t(L"71424"), value.GetAddress());
+            session = value.length() != 0 ? std::wstring(value) : std::wstring();
+            EXPECT_EQ(dll.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
+        }).join();
+        EXPECT_NE(GetModuleHandleW(L"Detection.dll"), nullptr);
+    }
+    EXPECT_NE(sessions[0], L"");
+    EXPECT_EQ(sessions[1], sessions[0]);
+}
+
 TEST(Life, OfTenThousandControlsLeavesNothing)
 {
     const test::Apartment apartment;
@@ -88,41 +112,8 @@ TEST(Life, OfTenThousandControlsLeavesNothing)
     const Holdings before = Holdings::Now();
     Live(dll, 10000);
     // Were each control to leave 16 bytes, it would show; the system's allocator moves by some pages.
-    before.ExpectStill(0, 128 * 1024);
+    before.ExpectStill(0, 128LL * 1024);
     EXPECT_EQ(dll.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
-}
-
-TEST(Life, GoesOnInASecondApartmentAndAfterTheModuleIsLoadedAgain)
-{
-    std::optional<Holdings> before;
-    constexpr int Loads = 4;
-    for (int load = 0; load <= Loads; ++load) {
-        std::optional<test::ControlDll> dll(std::in_place);
-        for (int apartments = 0; apartments < 2; ++apartments)
-            std::thread([&dll] {
-                const test::Apartment apartment;
-                Live(*dll, 100);
-            }).join();
-        dll.reset();
-        EXPECT_EQ(GetModuleHandleW(L"Detection.dll"), nullptr);
-        before = before.value_or(Holdings::Now());
-    }
-    // What lives as long as the process is lost with the module: the session with its values, the probes, and
-    // two handles of a lock in the compiler's runtime library. WinINet's own threads come and go meanwhile.
-    before->ExpectStill(2 * Loads + 6, 64 * 1024 * Loads);
-}
-
-TEST(Life, DoesNotBeginWhereItWouldEndTheHost)
-{
-    // The system's own libraries need some indices as well.
-    const OwnedLibrary internet(LoadLibraryW(L"wininet.dll")), random(LoadLibraryW(L"bcrypt.dll"));
-    std::vector<DWORD> all;
-    for (DWORD index = TlsAlloc(); index != TLS_OUT_OF_INDEXES; index = TlsAlloc())
-        all.push_back(index);
-    const OwnedLibrary refused(LoadLibraryW(KEL_DLL_PATH));
-    std::ranges::for_each(all, &TlsFree);
-    EXPECT_EQ(refused, nullptr);
-    EXPECT_NE(test::ControlDll().Handle(), nullptr);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@ namespace kel::test {
 
 /// An aggregating object: hands out its own identity and passes everything else to the control inside. Lives
 /// on the stack and counts its references.
-class Outer : public IUnknown {
+class Outer final : public IUnknown {
 public:
     Microsoft::WRL::ComPtr<IUnknown> inner;
     ULONG references = 1;

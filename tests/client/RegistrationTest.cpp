@@ -26,9 +26,17 @@ std::wstring Dump(const test::ScratchKey& root)
 
 using Call = std::function<HRESULT()>;
 
-/// Registers under a key that stands for a predefined one, twice, and takes it back, twice.
-/// @param classes where the classes stand below the key
-void CheckRegistration(HKEY predefined, const std::wstring& classes, const Call& add, const Call& remove)
+struct Registration : testing::Test {
+    const test::ControlDll dll;
+    decltype(DllInstall)* const install = dll.Entry<decltype(DllInstall)>("DllInstall");
+
+    /// Registers under a key that stands for a predefined one, twice, and takes it back, twice.
+    /// @param classes where the classes stand below the key
+    void Check(HKEY predefined, const std::wstring& classes, const Call& add, const Call& remove) const;
+};
+
+void Registration::Check(HKEY predefined, const std::wstring& classes, const Call& add,
+                         const Call& remove) const
 {
     const test::ScratchKey root(predefined);
     root.Write(classes + L"CLSID\\{other}", L"", L"stays");
@@ -38,7 +46,7 @@ void CheckRegistration(HKEY predefined, const std::wstring& classes, const Call&
     EXPECT_THAT(after, HasSubstr(L"[CLSID\\#]\n=SysInfo Class\nAppID=#\n"
                                  L"[CLSID\\#\\Control]\n"
                                  L"[CLSID\\#\\InprocServer32]\n=@\nThreadingModel=Apartment\n"
-                                 L"[CLSID\\#\\MiscStatus]\n=0\n[CLSID\\#\\MiscStatus\\1]\n=132096\n"
+                                 L"[CLSID\\#\\MiscStatus]\n=0\n[CLSID\\#\\MiscStatus\\1]\n=1024\n"
                                  L"[CLSID\\#\\ProgID]\n=KELDetection_TAMS64.SysInfo.1\n"
                                  L"[CLSID\\#\\Programmable]\n"
                                  L"[CLSID\\#\\ToolboxBitmap32]\n=@, 102\n"
@@ -52,7 +60,11 @@ void CheckRegistration(HKEY predefined, const std::wstring& classes, const Call&
                                  L"[KELDetection_TAMS64.SysInfo\\CurVer]\n=KELDetection_TAMS64.SysInfo.1\n"));
     EXPECT_THAT(after, HasSubstr(L"ib\\{386EBC54-4F11-4853-BB50-316281E41CFF}\\1.0\\409\\win64]\n=@\n"));
 
+    EXPECT_THAT(after, HasSubstr(L"[Interface\\{6F1D2B84-3A5C-4E97-B0D8-52C7A9E4F613}]\n=ISysInfo\n"));
+
     ASSERT_EQ(add(), S_OK);
+    for (const BOOL isOn : {TRUE, FALSE})
+        EXPECT_EQ(install(isOn, L"usr"), E_INVALIDARG);
     EXPECT_EQ(Dump(root), after);
     ASSERT_EQ(remove(), S_OK);
     // The system makes these, and leaves them empty.
@@ -60,18 +72,18 @@ void CheckRegistration(HKEY predefined, const std::wstring& classes, const Call&
     EXPECT_EQ(remove(), S_OK);
 }
 
-TEST(Registration, IsCompleteAndLeavesNothing)
+TEST_F(Registration, IsCompleteAndLeavesNothing)
 {
-    const test::ControlDll dll;
-    const auto install = dll.Entry<decltype(DllInstall)>("DllInstall");
-    CheckRegistration(
-        HKEY_CURRENT_USER, L"Software\\Classes\\", [&] { return install(TRUE, L"USER"); },
-        [&] { return install(FALSE, L"user"); });
-    CheckRegistration(
-        HKEY_CLASSES_ROOT, L"", [&] { return install(TRUE, nullptr); },
-        [&] { return install(FALSE, nullptr); });
-    CheckRegistration(HKEY_CLASSES_ROOT, L"", dll.Entry<decltype(DllRegisterServer)>("DllRegisterServer"),
-                      dll.Entry<decltype(DllUnregisterServer)>("DllUnregisterServer"));
+    Check(
+        HKEY_CURRENT_USER, L"Software\\Classes\\", [this] { return install(TRUE, L"USER"); },
+        [this] { return install(FALSE, L"user"); });
+    // The classes root is all users' again, and not the user's key of before, which is gone.
+    EXPECT_NE(OpenKey(HKEY_CLASSES_ROOT, L"CLSID", KEY_READ), nullptr);
+    Check(
+        HKEY_CLASSES_ROOT, L"", [this] { return install(TRUE, nullptr); },
+        [this] { return install(FALSE, L""); });
+    Check(HKEY_CLASSES_ROOT, L"", dll.Entry<decltype(DllRegisterServer)>("DllRegisterServer"),
+          dll.Entry<decltype(DllUnregisterServer)>("DllUnregisterServer"));
 }
 
 }  // namespace

@@ -99,8 +99,7 @@ TEST_F(Processor, StoresEachFieldInOrderFromTheFirstSourceThatHasItAndLogsItAll)
                    L"TRACE CPU Type: 0",
                    L"TRACE CPU ID: 0FEBFBFF000506E3",
                    L"TRACE CPU ID Short: 0506E3",
-                   L"WARN Registry value is missing: HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0 "
-                   L"ProcessorNameString",
+                   std::wstring(L"WARN Registry value is missing: ") + key + L" ProcessorNameString",
                    L"TRACE Name = L"};
     for (const auto& [id, text] : stored) {
         lines.push_back(L"TRACE Adding value: " + text + L" to " + std::to_wstring(id));

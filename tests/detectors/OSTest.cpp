@@ -115,14 +115,14 @@ TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)
 {
     const std::wregex form(L"[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
     const test::ScratchKey user(HKEY_CURRENT_USER);
-    const std::wstring first = GetMachineIdentifier();
+    const std::wstring first = L"" + GetMachineIdentifier();
     EXPECT_TRUE(std::regex_match(first, form)) << first.c_str();
     EXPECT_NE(GetMachineIdentifier(), first);
     EXPECT_EQ(user.Dump(), L"[]\n");
 
     const std::wstring key = L"software\\Keldane";
     user.Make(key);
-    const std::wstring kept = GetMachineIdentifier();
+    const std::wstring kept = L"" + GetMachineIdentifier();
     EXPECT_EQ(user.Dump(key), L"[]\nRun={" + kept + L"}\n");
     EXPECT_EQ(GetMachineIdentifier(), kept);
 

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <iostream>
 
-#include "control/RegistrationScript.h"
 #include "diag/Log.h"
 #include "fuzz/Rules.h"
 #include "run/System.h"
@@ -84,16 +83,6 @@ bool KeepsItsParts(const Text& text)
     return parts(id) == parts(again) && id.Device().find_first_not_of(L"0123456789ABCDEF") == Text::npos;
 }
 
-/// A script is refused, or has no more keys than words.
-bool IsReadOrRefused(const Text& text)
-{
-    try {
-        return RegistrationScript::Parse(text).size() <= text.size();
-    } catch (const ScriptError& error) {
-        return Text(error.what(), error.what() + 26).find(L"script, line ") != Text::npos;
-    }
-}
-
 bool FindsEachOfItsIds(const Text& bytes)
 {
     const Text text = FromUtf8(std::string(bytes.begin(), bytes.end()));
@@ -125,10 +114,6 @@ const Target Targets[] = {
      L"PCI\\VEN_8086&DEV_1916&SUBSYS_07251028&REV_07\\3&11583659&0;;usb\\vid_046d&pid_c52b&rev_1201&mi_00;;"
      L"HDAUDIO\\FUNC_01&VEN_10EC&REV_1001;;ACPI\\PNP0C0A\\1;;*PNP0501;;ACPI\\VEN_INTC&DEV_33A0",
      KeepsItsParts},
-    {"RegistrationScript",
-     L"HKCR\n{\n Demo.1 = s 'It''s a class'\n {\n CLSID = s '{3D7C6027}'\n }\n};;"
-     L"HKCR { NoRemove CLSID { ForceRemove {3D7C} = s '' { val Model = s free B { } Key } } }",
-     IsReadOrRefused},
     {"ServiceAnswer",
      L"71060|71063,71424;;71218;;|,7||;; 12x,-1;;<html>502</html>;;\xEF\xBB\xBF,\xC3\xA9;;"
      L"71060|\xF0\x9F\x98\x80|7;;\xED\xA0\x80,\xC0\x80|\xF4\x90\x80\x80,\xE2\x82\xAC",

@@ -33,7 +33,8 @@ struct Rules {
                 break;
             const Text group = rest.substr(0, end), token = L"[<>= '\"]*([^<>= '\"]+)";
             shown += First(group, L"id" + token) + L"[" + First(group, L"index" + token) + L"]=";
-            shown += Inside(rest, L"<value>", L"</value>").c_str() + Text(L";");
+            const Text value = Inside(rest, L"<value>", L"</value>");
+            shown += value.substr(0, value.find(L'\0')) + L";";
         }
         return shown;
     }

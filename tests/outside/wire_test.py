@@ -44,10 +44,20 @@ class Wire(ControlTest):
         self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, UPLOAD])
         self.assertIn("<value>new</value>", self.service.requests[2]["body"])
 
+    def test_a_referrer_set_after_the_first_read_changes_what_the_service_is_told_and_not_what_it_wants(self):
+        self.require("late", (71094, "Battery", "no"))
+        self.run_script('control.ReferrerID = "demo"; control.Detect(); control.ReferrerID = "late"; control.SessionID = "s2";'
+                        'WScript.Echo(control.Analysis("i", "xml", "1"));')
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, UPLOAD, ANALYSIS.replace("demo", "late")])
+        self.assertIn('id="71218"><value>late<', self.service.requests[2]["body"])
+        self.assertIn('id="71063"', self.service.requests[2]["body"])
+
     def test_writes_only_wanted_groups_though_all_are_detected(self):
         output = self.run_script(
-            'control.ReferrerID = "demo"; control.Configure("<groups><group id=\'5\'><value>v</value></group></groups>");'
-            'WScript.Echo(control.Value("71294") != ""); WScript.Echo(control.Value("5"));'  # the former only WMI knows
+            'control.ReferrerID = "demo"; control.Configure("<groups><group id=\'5\' index=\'1\'><value>second</value></group>'
+            '<group id=\'5\'><value>v</value></group><group id=\'6\' index=\'1\'><value>second</value></group></groups>");'
+            'WScript.Echo(control.Value("71294") != "");'  # only WMI knows it
+            'WScript.Echo(control.Value("5") + control.Value("6"));'
             'var report = control.SysInfo; WScript.Echo(report.indexOf("71294") + " " + report.indexOf(\'id="5"\'));'
             'WScript.Echo(report.indexOf(\'id="71063"\') > 0); WScript.Echo(control.System("x") == report);')
         self.assertEqual(output, ["-1", "v", "-1 -1", "-1", "-1"])

@@ -166,7 +166,7 @@ TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
     const Lines shown = ListGpus();
     EXPECT_EQ(Lines(shown.begin() + own, shown.end()),
               (Lines{L"Full|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03", L"of the device|||||5.0 GB|",
-                     L"of the driver|1.0|C|D||0.0 B|pci\\ven_1002&dev_67df", L"Keyless|||||0.0 B|"}));
+                     L"of the driver|1.0|C|D||0.0 B|PCI\\VEN_1002&DEV_67DF", L"Keyless|||||0.0 B|"}));
     for (const wchar_t* line : {L"TRACE DriverDesc: Driver", L"TRACE Got device ID: pci\\ven_1002&dev_67df"})
         EXPECT_EQ(std::ranges::count(log.Lines(), line), 1) << line;
 }
@@ -206,35 +206,38 @@ TEST(SetupLib, RefinesTheIdOfAnIntelAdapterFromItsInf)
         {"a long comment", plain + "[Models]\n" + std::string(1 << 20, ';') + "\n" + model, true},
         {"a megabyte of lines", many + model, true},
     };
-    constexpr const wchar_t* found = L"PCI\\VEN_8086&DEV_1916&SUBSYS_07251028";
-    constexpr const wchar_t* matching = L"PCI\\ven_8086&Dev_1916";
+    constexpr const wchar_t* Found = L"PCI\\VEN_8086&DEV_1916&SUBSYS_07251028";
+    constexpr const wchar_t* Matching = L"PCI\\ven_8086&Dev_1916";
     PlantedDevice adapter(Displays);
-    adapter.With(SPDRP_DEVICEDESC, L"Intel").Device(L"MatchingDeviceID", matching);
+    adapter.With(SPDRP_DEVICEDESC, L"Intel").Device(L"MatchingDeviceID", Matching);
     adapter.With(
         SPDRP_HARDWAREID,
         std::wstring(
             L"PCI\\VEN_8086&DEV_1916&SUBSYS_07251028&REV_07\0pci\\ven_8086&dev_1916&subsys_07251028\0"
             L"PCI\\VEN_8086&DEV_1912\0",
             105));
+    const auto isGiven = [](const wchar_t* id) {  // as the adapter's own
+        return ListGpus().back().ends_with(DeviceID(id).ToString());
+    };
     for (const wchar_t* path : {L"", L"keltest.inf"}) {  // there is no such file
         adapter.Driver(L"InfPath", path);
-        EXPECT_TRUE(ListGpus().back().ends_with(matching));
+        EXPECT_TRUE(isGiven(Matching));
     }
     for (const auto& row : rows) {
         std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << row.inf;
         const test::LogCapture log(3);
-        EXPECT_TRUE(ListGpus().back().ends_with(row.isFound ? found : matching)) << row.what;
+        EXPECT_TRUE(isGiven(row.isFound ? Found : Matching)) << row.what;
         const Lines lines = log.Lines();
-        EXPECT_EQ(std::ranges::count(lines, std::wstring(L"TRACE Got 2ID: ") + found), row.isFound)
+        EXPECT_EQ(std::ranges::count(lines, std::wstring(L"TRACE Got 2ID: ") + Found), row.isFound)
             << row.what;
         for (const wchar_t* line : {L"TRACE Is Intel.", L"TRACE Inf Path: keltest.inf"})
             EXPECT_EQ(std::ranges::count(lines, line), 1) << row.what;
     }
     std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << plain + "[Models]\n" + model;
     // One without a device, of which any id would do, and one of another maker.
-    for (const wchar_t* id : {L"PCI\\VEN_8086&CC_0300", L"PCI\\VEN_10DE&DEV_1916", matching}) {
+    for (const wchar_t* id : {L"PCI\\VEN_8086&CC_0300", L"PCI\\VEN_10DE&DEV_1916", Matching}) {
         adapter.Device(L"MatchingDeviceID", id);
-        EXPECT_EQ(ListGpus().back().ends_with(id), id != matching) << id;
+        EXPECT_EQ(isGiven(id), id != Matching) << id;
     }
     static int setsClosed, filesClosed;
     SetupLib counting = Spoilt([](Table& table) {

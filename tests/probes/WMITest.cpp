@@ -1,7 +1,9 @@
 #include "probes/WMI.h"
 
+#include <comdef.h>
 #include <gmock/gmock.h>
 
+#include "probes/Variant.h"
 #include "support/FakeWmi.h"
 #include "support/LogCapture.h"
 
@@ -153,6 +155,36 @@ TEST(WMI, KeepsWhatItHasWhenAQueryFailsOrAValueCannotBeConverted)
                                              L"ERR Error in WMI GetCDRomValues."));
     }
     EXPECT_EQ(odd.references, 0U);
+}
+
+TEST(WMI, ConvertsWhateverTypeAValueHas)
+{
+    const auto show = [](const VARIANT& value, auto convert) -> std::wstring {
+        try {
+            return std::to_wstring(convert(value));
+        } catch (const _com_error&) {
+            return L"-";
+        }
+    };
+    _variant_t array;
+    array.vt = VT_ARRAY | VT_BSTR;
+    array.parray = SafeArrayCreateVector(VT_BSTR, 0, 2);
+    const std::tuple<_variant_t, const wchar_t*> rows[] = {
+        // text, unsigned, signed
+        {_variant_t(L"18446744073709551615"), L"18446744073709551615 - -"},  // a 64-bit number comes as text
+        {_variant_t(L"4294967295"), L"4294967295 4294967295 -"},
+        {_variant_t(BYTE(200)), L"200 200 200"},
+        {_variant_t(short(-2)), L"-2 - -2"},
+        {_variant_t(-1L), L"-1 4294967295 -1"},  // WMI hands an unsigned number out as a signed one
+        {_variant_t(true), L"-1 4294967295 -1"},
+        {_variant_t(false), L"0 0 0"},
+        {_variant_t(), L" 0 0"},
+        {array, L" - -"},
+    };
+    for (const auto& [value, expected] : rows)
+        EXPECT_EQ(
+            ShowVariant(value) + L" " + show(value, VariantUnsigned) + L" " + show(value, VariantSigned),
+            expected);
 }
 
 }  // namespace

@@ -6,7 +6,7 @@ namespace kel::test {
 
 namespace {
 
-struct Security : Fake<IClientSecurity> {
+struct Security final : Fake<IClientSecurity> {
     STDMETHODIMP SetBlanket(IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR* principal,
                             DWORD level, DWORD impersonation, void* identity, DWORD capabilities) override
     {
@@ -20,7 +20,7 @@ struct Security : Fake<IClientSecurity> {
     KEL_UNUSED(CopyProxy, (IUnknown*, IUnknown**))
 };
 
-struct Services : Fake<IWbemServices> {
+struct Services final : Fake<IWbemServices> {
     STDMETHODIMP QueryInterface(REFIID riid, void** result) override
     {
         if (riid != IID_IClientSecurity)
@@ -60,7 +60,7 @@ struct Services : Fake<IWbemServices> {
     KEL_UNUSED(ExecMethodAsync, (const BSTR, const BSTR, LONG, Context, IWbemClassObject*, Sink))
 };
 
-struct Locator : Fake<IWbemLocator> {
+struct Locator final : Fake<IWbemLocator> {
     STDMETHODIMP ConnectServer(const BSTR resource, const BSTR user, const BSTR password, const BSTR locale,
                                LONG flags, const BSTR authority, IWbemContext* context,
                                IWbemServices** result) override
@@ -74,7 +74,7 @@ struct Locator : Fake<IWbemLocator> {
     }
 };
 
-struct Factory : Fake<IClassFactory> {
+struct Factory final : Fake<IClassFactory> {
     STDMETHODIMP CreateInstance(IUnknown*, REFIID riid, void** result) override
     {
         *result = riid == IID_IWbemLocator ? Make<Locator>(data) : nullptr;

@@ -44,7 +44,7 @@ Made* Make(FakeWmiData* data, const decltype(Made::content)& content = {})
     return made.get();
 }
 
-struct WmiObject : Fake<IWbemClassObject, FakeObject> {
+struct WmiObject final : Fake<IWbemClassObject, FakeObject> {
     STDMETHODIMP Get(LPCWSTR name, LONG, VARIANT* value, CIMTYPE* type, LONG*) override
     {
         const auto found = content.find(name);
@@ -72,7 +72,7 @@ struct WmiObject : Fake<IWbemClassObject, FakeObject> {
     KEL_UNUSED(NextMethod, (LONG, BSTR*, IWbemClassObject**, IWbemClassObject**))
 };
 
-struct WmiEnumerator : Fake<IEnumWbemClassObject, std::vector<FakeObject>> {
+struct WmiEnumerator final : Fake<IEnumWbemClassObject, std::vector<FakeObject>> {
     STDMETHODIMP Next(LONG wait, ULONG count, IWbemClassObject** result, ULONG* returned) override
     {
         data->arguments += L"next " + std::to_wstring(wait) + L" " + std::to_wstring(count) + L"; ";

@@ -79,6 +79,16 @@ def _redirect(status, location=None):
     return answer
 
 
+def _challenge(handler):
+    """Asks for a name and a password."""
+    handler.send_response(401)
+    for scheme in ("Negotiate", "NTLM", 'Basic realm="x"'):
+        handler.send_header("WWW-Authenticate", scheme)
+    handler.send_header("Content-Length", str(len(TEXT)))
+    handler.end_headers()
+    handler.wfile.write(TEXT)
+
+
 def _length(text, stay=0):
     return _raw(OK + b"Content-Length: " + text + b"\r\n\r\n" + TEXT, stay=stay)
 
@@ -114,6 +124,8 @@ MISBEHAVIOURS = {
     "length-overflow": _length(b"99999999999999999999"),
     "length-text": _length(b"many"),
     "length-absent": _raw(OK + b"\r\n" + TEXT),
+    "401": _challenge,
+    "redirect-own": _redirect(302, "http://ANALYSIS.Keldane.Example" + REDIRECTED_PATH),
     "redirect-self": _redirect(302),
     "redirect-path": _redirect(302, REDIRECTED_PATH),
     "redirect-host": _redirect(302, "http://other.example" + REDIRECTED_PATH),

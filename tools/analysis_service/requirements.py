@@ -17,6 +17,7 @@ class Requirement:
     label: str
     comparison: str
     needed: str
+    advice: str = ""  # what a visitor can do about it
 
 
 @dataclass
@@ -29,7 +30,8 @@ class Requirements:
 
 
 def _requirement(entry):
-    line = Requirement(int(entry["id"]), str(entry["label"]), entry["comparison"], str(entry.get("needed", "")))
+    line = Requirement(int(entry["id"]), str(entry["label"]), entry["comparison"], str(entry.get("needed", "")),
+                       str(entry.get("advice", "")))
     if line.comparison not in COMPARISONS:
         raise ValueError(f"{line.comparison!r} is no comparison")
     return line

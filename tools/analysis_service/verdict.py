@@ -3,11 +3,14 @@
 import re
 from dataclasses import dataclass
 from html import escape
+from pathlib import Path
 
 UNITS = {"": 1, "B": 1, "KB": 2**10, "MB": 2**20, "GB": 2**30, "TB": 2**40,
          "HZ": 1, "KHZ": 10**3, "MHZ": 10**6, "GHZ": 10**9,
          "BPS": 1, "KBPS": 2**10, "MBPS": 2**20, "GBPS": 2**30}
 PASS, FAIL, UNKNOWN = "pass", "fail", "unknown"
+MARKS = {PASS: "✓ Meets", FAIL: "✗ Does not meet", UNKNOWN: "? Not known"}
+STYLE = Path(__file__).resolve().parents[2] / "examples" / "check.css"
 
 
 def quantity(text):
@@ -58,6 +61,7 @@ class Line:
     needed: str
     found: str
     result: str
+    advice: str = ""
 
 
 @dataclass
@@ -81,25 +85,37 @@ def judge(requirements, report, request):
     for line in requirements.lines:
         found = report.value(line.group)
         needed = f"{line.comparison} {line.needed}".strip()
-        lines.append(Line(line.label, needed, found or "", compare(line.comparison, found, line.needed)))
+        lines.append(Line(line.label, needed, found or "", compare(line.comparison, found, line.needed), line.advice))
     results = [line.result for line in lines]
     total = FAIL if FAIL in results else UNKNOWN if UNKNOWN in results or not results else PASS
     return Verdict(requirements.title, request.item, request.schema, lines, total)
 
 
+def _page(verdict):
+    """The verdict as a page, in the style of the check's own page."""
+    rows = "".join(
+        f"<tr class=\"{line.result}\"><th scope=\"row\">{escape(line.label)}</th>"
+        f"<td data-label=\"Needed\">{escape(line.needed)}</td><td data-label=\"Found\">{escape(line.found) or '–'}</td>"
+        f"<td><span class=\"mark\">{MARKS[line.result]}</span>"
+        + (f"<span class=\"advice\">{escape(line.advice)}</span>" if line.advice and line.result != PASS else "")
+        + "</td></tr>\n" for line in verdict.lines)
+    return (
+        "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
+        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\">"
+        f"<title>{escape(verdict.title)}</title>\n<style>{STYLE.read_text('utf-8')}</style></head>\n"
+        f"<body><main><h1>{escape(verdict.title)}</h1>\n<p class=\"total {verdict.total}\">Result: {verdict.total}</p>\n"
+        "<table><caption>What is needed, and what this machine has</caption>\n<thead><tr><th scope=\"col\">Requirement</th>"
+        "<th scope=\"col\">Needed</th><th scope=\"col\">Found</th><th scope=\"col\">Result</th></tr></thead>\n"
+        f"<tbody>\n{rows}</tbody></table></main></body></html>\n")
+
+
 def render(verdict, message_format):
     """The content type and the text, in the format asked for: html, or xml for anything else."""
     if message_format.lower() == "html":
-        rows = "".join(f"<tr class=\"{line.result}\"><td>{escape(line.label)}</td><td>{escape(line.needed)}</td>"
-                       f"<td>{escape(line.found)}</td><td>{line.result}</td></tr>\n" for line in verdict.lines)
-        return "text/html; charset=utf-8", (
-            f"<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>{escape(verdict.title)}</title>\n"
-            "<style>body{font-family:sans-serif}td,th{padding:.3em 1em;text-align:left}"
-            ".pass{background:#dfd}.fail{background:#fdd}.unknown{background:#eee}</style></head>\n"
-            f"<body><h1>{escape(verdict.title)}: {verdict.total}</h1>\n<table>\n"
-            f"<tr><th>Requirement</th><th>Needed</th><th>Found</th><th>Result</th></tr>\n{rows}</table></body></html>\n")
+        return "text/html; charset=utf-8", _page(verdict)
     lines = "".join(f"<requirement result=\"{line.result}\"><label>{escape(line.label)}</label>"
-                    f"<needed>{escape(line.needed)}</needed><found>{escape(line.found)}</found></requirement>"
+                    f"<needed>{escape(line.needed)}</needed><found>{escape(line.found)}</found>"
+                    + (f"<advice>{escape(line.advice)}</advice>" if line.advice else "") + "</requirement>"
                     for line in verdict.lines)
     return "text/xml; charset=utf-8", (
         f"<analysis result=\"{verdict.total}\" item=\"{escape(verdict.item)}\" schema=\"{escape(verdict.schema)}\">"

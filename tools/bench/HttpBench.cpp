@@ -6,25 +6,26 @@
 
 #include "BuildSettings.h"
 #include "Measure.h"
-#include "service/InternetHandles.h"
+#include "service/InternetSession.h"
+#include "service/WebService.h"
 
 namespace kel::bench {
 namespace {
 
-constexpr const wchar_t* GroupList =
-    L"/Data/Service.svc/Group/list?refid=bench&apikey=5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
-constexpr const wchar_t* Upload = L"/Data/Service.svc/upload?apikey=5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
+constexpr const wchar_t* GroupList = L"/Data/Service.svc/Group/list?refid=bench&apikey=";
+constexpr const wchar_t* Upload = L"/Data/Service.svc/upload?apikey=";
 constexpr DWORD Flags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_KEEP_CONNECTION;
 
 /// Sends a request and reads the answer.
+/// @param path to which the key is added
 /// @return whether there was one
-bool Exchange(const wchar_t* verb, const wchar_t* path, std::string body)
+bool Exchange(const wchar_t* verb, const std::wstring& path, std::string body)
 {
     const OwnedInternet session(InternetOpenW(L"KEL", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));
     const OwnedInternet connection(InternetConnectW(
         session.get(), KEL_SERVICE_HOST, INTERNET_DEFAULT_HTTP_PORT, L"", L"", INTERNET_SERVICE_HTTP, 0, 0));
-    const OwnedInternet request(
-        HttpOpenRequestW(connection.get(), verb, path, L"HTTP/1.1", nullptr, nullptr, Flags, 0));
+    const OwnedInternet request(HttpOpenRequestW(connection.get(), verb, (path + ServiceApiKey).c_str(),
+                                                 L"HTTP/1.1", nullptr, nullptr, Flags, 0));
     if (!request ||
         !HttpSendRequestW(request.get(), nullptr, 0, body.data(), static_cast<DWORD>(body.size())))
         return false;

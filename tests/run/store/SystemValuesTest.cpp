@@ -113,8 +113,9 @@ TEST(SystemValues, ReadsHugeTextsInReasonableTime)
     std::wstring valued = L"<groups>";
     for (int i = 1; i <= 2000; ++i)
         valued += L"<group id=" + std::to_wstring(i) + L"></group>";
+    valued.append(L"<value>").append(blanks).append(L"</value>");
     for (const std::wstring& text :
-         {many + L"id" + blanks, many + L"index", valued + L"<value>" + blanks + L"</value>"}) {
+         {many + L"index", std::wstring(many).append(L"id").append(blanks), valued}) {
         SystemValues values;
         const ULONGLONG start = GetTickCount64();
         values.AddValues(text);

@@ -1,0 +1,105 @@
+#include "control/Turn.h"
+
+#include <objbase.h>
+
+namespace kel {
+
+namespace {
+
+/// Guards what follows, for some instructions at a time.
+SRWLOCK guard = SRWLOCK_INIT;
+Turn* innermost = nullptr;
+Turn* firstWaiting = nullptr;
+
+class Exclusive {
+public:
+    Exclusive() noexcept { AcquireSRWLockExclusive(&guard); }
+    Exclusive(const Exclusive&) = delete;
+    Exclusive& operator=(const Exclusive&) = delete;
+    ~Exclusive() { ReleaseSRWLockExclusive(&guard); }
+};
+
+/// Takes a turn out of a list.
+void Remove(Turn*& first, Turn* Turn::*next, const Turn* removed) noexcept
+{
+    Turn** place = &first;
+    while (*place != removed)
+        place = &((*place)->*next);
+    *place = removed->*next;
+}
+
+/// @return false when the time is up, or the event cannot be waited for
+bool WaitInApartment(HANDLE event, DWORD milliseconds) noexcept
+{
+    DWORD index = 0;
+    const HRESULT result = CoWaitForMultipleHandles(0, milliseconds, 1, &event, &index);
+    if (FAILED(result) &&
+        result != RPC_S_CALLPENDING)  // a thread that has not begun COM has no calls to serve
+        return WaitForSingleObject(event, milliseconds) == WAIT_OBJECT_0;
+    return SUCCEEDED(result);
+}
+
+}  // namespace
+
+Turn::Turn(std::chrono::milliseconds limit) noexcept
+{
+    CoGetCurrentLogicalThreadId(&logicalThread);
+    if (!Take())
+        Wait(limit);
+}
+
+Turn::~Turn()
+{
+    if (!isHad)
+        return;
+    const Exclusive exclusive;
+    Remove(innermost, &Turn::outer, this);
+    for (const Turn* waiting = firstWaiting; waiting != nullptr; waiting = waiting->nextWaiting)
+        SetEvent(waiting->changed.get());
+}
+
+bool Turn::Take() noexcept
+{
+    const Exclusive exclusive;
+    isHad = MayBegin();
+    if (isHad) {
+        outer = innermost;
+        innermost = this;
+    }
+    return isHad;
+}
+
+bool Turn::MayBegin() const noexcept
+{
+    if (innermost == nullptr || innermost->thread == thread)
+        return true;
+    if (logicalThread == GUID{} || innermost->logicalThread != logicalThread)
+        return false;
+    // Called by the thread whose turn it is. But a thread further out waits for the innermost one, and what
+    // it begins meanwhile would run beside that.
+    for (const Turn* turn = innermost; turn != nullptr; turn = turn->outer) {
+        if (turn->thread == thread)
+            return false;
+    }
+    return true;
+}
+
+/// All who wait look again whenever a turn ends: which of them may begin, each knows best, and one that is
+/// serving a call must not hold up the others.
+void Turn::Wait(std::chrono::milliseconds limit) noexcept
+{
+    changed.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));
+    if (!changed)
+        return;
+    {
+        const Exclusive exclusive;
+        nextWaiting = firstWaiting;
+        firstWaiting = this;
+    }
+    while (!Take() && WaitInApartment(changed.get(), static_cast<DWORD>(limit.count()))) {
+    }
+    const Exclusive exclusive;
+    Remove(firstWaiting, &Turn::nextWaiting, this);
+}
+
+}  // namespace kel

@@ -1,0 +1,23 @@
+' For a module of a 64-bit Office program (32-bit Office cannot load the control). Late-bound: no reference is needed.
+' Returns the verdict and one fact; call it from a button, or in the immediate window: ?CheckMachine("demo")
+Function CheckMachine(Referrer)
+  Dim Control, Verdict, Start
+  On Error Resume Next
+  Set Control = CreateObject("KELDetection_TAMS64.SysInfo")
+  If Err.Number <> 0 Then
+    CheckMachine = "The control is not installed, or this is a 32-bit program."
+    Exit Function
+  End If
+  On Error GoTo 0
+  Control.ReferrerID = Referrer
+  Control.UserID = "visitor"
+  Verdict = Control.Analysis("requirements", "xml", "1.0")
+  Start = InStr(Verdict, "<analysis result=""")
+  If Start = 0 Then
+    CheckMachine = "Verdict: no answer"
+  Else
+    Verdict = Mid(Verdict, Start + Len("<analysis result="""))
+    CheckMachine = "Verdict: " & Left(Verdict, InStr(Verdict, """") - 1)
+  End If
+  CheckMachine = CheckMachine & ", memory: " & Control.Value("71063")
+End Function

@@ -1,0 +1,42 @@
+// Through the generated header: Detection.h and Detection_i.c come from the type library's source when the
+// control is built. A 64-bit program; the thread enters a single-threaded apartment, in which the control
+// lives.
+#include <windows.h>
+
+#include <comutil.h>
+#include <wrl/client.h>
+
+#include <cstdio>
+#include <string>
+
+#include "Detection.h"
+
+int wmain(int count, wchar_t** arguments)
+{
+    if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
+        return 2;
+    Microsoft::WRL::ComPtr<ISysInfo> control;
+    if (FAILED(CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control)))) {
+        std::fputs("The control is not installed.\n", stderr);
+        return 2;
+    }
+    control->put_ReferrerID(_bstr_t(count > 1 ? arguments[1] : L"demo"));
+    control->put_UserID(_bstr_t(L"visitor"));
+    _bstr_t answer;  // empty or missing when there is none
+    _bstr_t memory;
+    control->get_Analysis(_bstr_t(L"requirements"), _bstr_t(L"xml"), _bstr_t(L"1.0"), answer.GetAddress());
+    control->get_Value(_bstr_t(L"71063"), memory.GetAddress());
+    const std::wstring verdict = answer.length() != 0 ? static_cast<const wchar_t*>(answer) : L"";
+    const std::wstring mark = L"<analysis result=\"";
+    const std::size_t start = verdict.find(mark);
+    const std::wstring total =
+        start == std::wstring::npos
+            ? L"no answer"
+            : verdict.substr(start + mark.size(),
+                             verdict.find(L'"', start + mark.size()) - start - mark.size());
+    std::printf("Verdict: %ls\nMemory: %ls\n", total.c_str(),
+                memory.length() != 0 ? memory.GetBSTR() : L"unknown");
+    control.Reset();
+    CoUninitialize();
+    return total == L"pass" ? 0 : 1;
+}

@@ -1,0 +1,107 @@
+// The check's page: the control's verdict, or a rough answer of what the browser itself tells. The verdict came over plain
+// HTTP: its texts go into text nodes, and nothing of it becomes markup.
+(function () {
+  // What the browser can judge by itself when there is no control: a name, what is needed, and what it found.
+  var ROUGH = [
+    ["Processors", "at least 2", function () { return navigator.hardwareConcurrency; }, 2],
+    ["Memory class (GB)", "at least 2", function () { return navigator.deviceMemory; }, 2],
+    ["Graphics", "any", renderer, null],
+    ["System", "any", platform, null]
+  ];
+  var MARKS = { pass: "\u2713 Meets", fail: "\u2717 Does not meet", unknown: "? Not known" };
+  var TOTALS = {
+    pass: "Yes: this machine meets the requirements.",
+    fail: "No: this machine does not meet all requirements.",
+    unknown: "Not sure: not all could be found out."
+  };
+
+  function byId(id) { return document.getElementById(id); }
+
+  function add(parent, kind, text, name) {
+    var element = parent.appendChild(document.createElement(kind));
+    if (name) element.className = name;
+    element.appendChild(document.createTextNode(text));
+    return element;
+  }
+
+  function say(id, text, name) {
+    var place = byId(id);
+    while (place.firstChild) place.removeChild(place.firstChild);
+    place.appendChild(document.createTextNode(text));
+    if (name) place.className = name;
+  }
+
+  function plain(text) {
+    return text.replace(/&lt;/g, "<").replace(/&gt;/g, ">").replace(/&quot;/g, '"').replace(/&#x27;/g, "'")
+      .replace(/&amp;/g, "&");
+  }
+
+  function textOf(element, name) {
+    var match = new RegExp("<" + name + ">([^<]*)</" + name + ">").exec(element);
+    return match ? plain(match[1]) : "";
+  }
+
+  function showRow(label, needed, found, result, advice) {
+    var table = byId("requirements"), body = table.getElementsByTagName("tbody")[0];
+    table.removeAttribute("hidden");
+    var row = body.appendChild(document.createElement("tr"));
+    row.className = MARKS[result] ? result : "unknown";
+    add(row, "th", label).setAttribute("scope", "row");
+    add(row, "td", needed).setAttribute("data-label", "Needed");
+    add(row, "td", found || "\u2013").setAttribute("data-label", "Found");
+    var mark = add(row, "td", "");
+    add(mark, "span", MARKS[row.className], "mark");
+    if (advice && result != "pass") add(mark, "span", advice, "advice");
+  }
+
+  function showVerdict(verdict) {
+    var total = /<analysis result="(\w+)"/.exec(verdict), line = /<requirement result="(\w+)">(.*?)<\/requirement>/g;
+    if (!total) {
+      say("total", verdict || "The analysis service gave no answer.", "total unknown");
+      return;
+    }
+    for (var match; (match = line.exec(verdict)) !== null;) {
+      showRow(textOf(match[2], "label"), textOf(match[2], "needed"), textOf(match[2], "found"), match[1],
+        textOf(match[2], "advice"));
+    }
+    say("total", TOTALS[total[1]] || TOTALS.unknown, "total " + total[1]);
+  }
+
+  function renderer() {
+    var context = document.createElement("canvas").getContext("webgl");
+    var names = context && context.getExtension("WEBGL_debug_renderer_info");
+    return names ? context.getParameter(names.UNMASKED_RENDERER_WEBGL) : "";
+  }
+
+  function platform() {
+    var data = navigator.userAgentData;
+    return data ? data.platform : navigator.platform;
+  }
+
+  function showRough() {
+    var total = "pass";
+    for (var i = 0; i < ROUGH.length; ++i) {
+      var found;
+      try { found = ROUGH[i][2](); } catch (error) { found = ""; }
+      var result = !found ? "unknown" : ROUGH[i][3] && found < ROUGH[i][3] ? "fail" : "pass";
+      showRow(ROUGH[i][0], ROUGH[i][1], found ? String(found) : "", result,
+        found ? "" : "The browser does not tell.");
+      total = result == "fail" || total == "fail" ? "fail" : result == "unknown" ? "unknown" : total;
+    }
+    say("total", total == "fail" ? "Probably not." : total == "pass" ? "Probably yes." : "Perhaps.", "total " + total);
+    say("note", "This is a rough answer: the control is not installed, or not allowed here, and the browser itself tells " +
+      "little of the machine.");
+    byId("offer").removeAttribute("hidden");
+  }
+
+  window.onload = function () {
+    var control = byId("control"), verdict;
+    try {
+      verdict = control.Analysis("requirements", "xml", "1.0");
+    } catch (error) {
+      showRough();
+      return;
+    }
+    showVerdict(verdict);
+  };
+}());

@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Builds the DLL and makes the packages in build/package/: two installers (for all users and for the current one) and
+# an archive; with --cab, a cabinet for a page's codebase, too. Signs them when a certificate is given (sign.sh).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh --package
+scripts/build.sh release Detection
+scripts/sign.sh build/release/Detection.dll
+rm -rf build/package
+python3 tools/packaging "$@"
+shopt -s nullglob
+scripts/sign.sh build/package/*.msi build/package/*.cab

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <windows.h>
+
+#include <wininet.h>
+
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Handles.h"
+
+namespace kel {
+
+using OwnedInternet = std::unique_ptr<void, Closer<&InternetCloseHandle>>;
+
+/// What an exchange is at, as the log names it.
+struct ExchangeStage {
+    static constexpr const char* Opening = "opening";
+    static constexpr const char* Sending = "sending";
+    static constexpr const char* WaitingForHeaders = "waiting for headers";
+    static constexpr const char* Reading = "reading";
+};
+
+/// One exchange through WinINet, as the thread that makes its calls sees it. That thread alone uses the
+/// handles and closes them: closing one under a call of another thread is not safe on every system. Another
+/// thread may ask for the stage, and say that nobody waits any more.
+///
+/// WinINet follows redirects by itself. Where it knows no end, as under Wine, a server that redirects for
+/// ever would cost the host a socket each time, hundreds a second. Redirects of requests that are opened
+/// with `Context` are therefore slowed down after the tenth: each waits twice as long as the one before, up
+/// to a minute.
+class InternetSession {
+public:
+    InternetSession() = default;
+    InternetSession(const InternetSession&) = delete;
+    InternetSession& operator=(const InternetSession&) = delete;
+    ~InternetSession() { Close(); }
+
+    /// Opens WinINet for the control, with the system's proxy settings; null when that fails. Calls block.
+    HINTERNET Open();
+
+    /// Bounds each single wait of the session or of a request: for a connection, to send, to receive.
+    void LimitWaits(HINTERNET handle, std::chrono::milliseconds limit);
+
+    /// Keeps the user's logon from the server that a request goes to, for it would go out in the clear. To be
+    /// called before the request is sent; Wine and systems before Windows 7 refuse it.
+    static void SuppressLogon(HINTERNET request);
+
+    /// What a request of the session has to be opened with.
+    DWORD_PTR Context() { return reinterpret_cast<DWORD_PTR>(this); }
+
+    /// Takes a handle into ownership and gives it back; null for null, and when nobody waits any more.
+    HINTERNET Keep(HINTERNET opened);
+
+    /// Closes all handles, the youngest first.
+    void Close() noexcept;
+
+    /// Notes that a stage, or another wait in it, begins.
+    void Enter(const char* newStage);
+
+    /// Whether a call that has failed just now waited for as long as it may since the stage was entered.
+    /// @param error what the call failed with; under Wine it does not tell
+    bool HasWaitedTooLong(DWORD error) const;
+
+    /// A text that the answer's headers give, by the number of the question; nothing when they do not.
+    static std::optional<std::wstring> QueryInfo(HINTERNET request, DWORD what);
+
+    /// What the exchange is at.
+    const char* Stage() const { return stage; }
+
+    /// Tells the exchange that nobody waits for it any more.
+    void Abandon() { isAbandoned = true; }
+
+    /// Whether nobody waits any more. The exchange asks after each call that can block, and ends.
+    bool IsAbandoned() const { return isAbandoned; }
+
+private:
+    static void CALLBACK Follow(HINTERNET handle, DWORD_PTR context, DWORD status, LPVOID information, DWORD);
+    void SlowDownRedirect();
+
+    std::atomic<bool> isAbandoned = false;
+    std::atomic<const char*> stage = ExchangeStage::Opening;
+    ULONGLONG stageStart = GetTickCount64();
+    std::chrono::milliseconds waitLimit = std::chrono::milliseconds::max();
+    int redirects = 0;
+    std::vector<OwnedInternet> handles;
+};
+
+}  // namespace kel

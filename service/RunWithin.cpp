@@ -1,0 +1,75 @@
+#include "service/RunWithin.h"
+
+#include <windows.h>
+
+#include <atomic>
+#include <exception>
+#include <memory>
+#include <stdexcept>
+#include <utility>
+
+#include "platform/Handles.h"
+#include "service/ExchangeLimits.h"
+
+namespace kel {
+
+namespace {
+
+/// What the waiting thread and the exchange's thread share.
+struct Job {
+    std::function<void(InternetSession&)> exchange;
+    InternetSession session;
+    std::exception_ptr failure;
+    OwnedHandle done{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+};
+
+std::atomic<int> running = 0;
+
+DWORD WINAPI Work(LPVOID context)
+{
+    const std::unique_ptr<std::shared_ptr<Job>> owner(static_cast<std::shared_ptr<Job>*>(context));
+    Job& job = **owner;
+    try {
+        job.exchange(job.session);
+    } catch (...) {
+        job.failure = std::current_exception();
+    }
+    job.session.Close();
+    --running;
+    SetEvent(job.done.get());
+    return 0;
+}
+
+void Start(const std::shared_ptr<Job>& job)
+{
+    auto context = std::make_unique<std::shared_ptr<Job>>(job);
+    ++running;
+    const OwnedHandle thread(job->done ? CreateThread(nullptr, 0, &Work, context.get(), 0, nullptr)
+                                       : nullptr);
+    if (!thread) {
+        --running;
+        throw std::runtime_error("Can't start an Internet exchange.");
+    }
+    static_cast<void>(context.release());  // the thread's own from here on
+}
+
+}  // namespace
+
+const char* RunWithin(std::chrono::milliseconds limit, std::function<void(InternetSession&)> exchange)
+{
+    if (running >= ExchangeLimits::AtOnce)
+        throw std::runtime_error("Too many Internet exchanges have not ended yet.");
+    const auto job = std::make_shared<Job>();
+    job->exchange = std::move(exchange);
+    Start(job);
+    // Not for the thread's end, which has to wait for the loader's lock.
+    if (WaitForSingleObject(job->done.get(), static_cast<DWORD>(limit.count())) != WAIT_OBJECT_0) {
+        job->session.Abandon();
+        return job->session.Stage();
+    }
+    if (job->failure)
+        std::rethrow_exception(job->failure);
+    return nullptr;
+}
+
+}  // namespace kel

@@ -1,0 +1,95 @@
+#include <gmock/gmock.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+#include "service/CallBudget.h"
+#include "service/RunWithin.h"
+#include "service/WebServiceUpload.h"
+#include "support/LogCapture.h"
+
+namespace kel {
+namespace {
+
+using namespace std::chrono_literals;
+
+bool IsOpen(HINTERNET handle)
+{
+    DWORD type = 0, size = sizeof(type);
+    return handle != nullptr && InternetQueryOptionW(handle, INTERNET_OPTION_HANDLE_TYPE, &type, &size);
+}
+
+/// Stays in its stage until it is told to end, like a call that blocks.
+struct Blocked {
+    std::atomic<bool> mayEnd = false;
+    std::atomic<int> running = 0, told = 0;
+    std::atomic<HINTERNET> handle = nullptr;
+
+    const char* Run(const std::shared_ptr<Blocked>& self)
+    {
+        return RunWithin(20ms, [self](InternetSession& internet) {
+            ++self->running;
+            self->handle = internet.Open();
+            internet.Enter(ExchangeStage::Sending);
+            while (!self->mayEnd)
+                std::this_thread::sleep_for(1ms);
+            self->told += internet.IsAbandoned() && internet.Open() == nullptr;
+            --self->running;
+        });
+    }
+};
+
+TEST(Exchange, EndsWithItsHandlesAndItsFailure)
+{
+    HINTERNET handle = nullptr;
+    EXPECT_EQ(RunWithin(5s, [&handle](InternetSession& internet) { handle = internet.Open(); }), nullptr);
+    EXPECT_NE(handle, nullptr);
+    EXPECT_FALSE(IsOpen(handle));
+    EXPECT_THROW(RunWithin(5s, [](InternetSession&) { throw std::length_error("x"); }), std::length_error);
+}
+
+TEST(Exchange, IsLeftToItselfWithItsHandlesAndCountsUntilItEnds)
+{
+    auto blocked = std::make_shared<Blocked>();
+    const std::weak_ptr<Blocked> watched = blocked;
+    for (int count = 0; count < 4; ++count)
+        EXPECT_STREQ(blocked->Run(blocked), ExchangeStage::Sending);
+    EXPECT_TRUE(IsOpen(blocked->handle));  // nobody but the exchange closes it
+    EXPECT_THROW(blocked->Run(blocked), std::runtime_error);
+    blocked->mayEnd = true;
+    while (blocked->running > 0)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_EQ(blocked->told, 4);
+    blocked.reset();
+    for (int milliseconds = 0; milliseconds < 5000 && !watched.expired(); ++milliseconds)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_TRUE(watched.expired());
+    EXPECT_EQ(RunWithin(5s, [](InternetSession&) {}), nullptr);
+}
+
+TEST(Exchange, IsSkippedAfterOneOfTheSameCallEndedAtALimit)
+{
+    WebServiceUpload request(L"x");
+    const auto call = [&request] {
+        const test::LogCapture log(LogWarning);
+        request.Call();
+        return std::pair(request.IsSkipped(), log.Lines());
+    };
+    {
+        const CallBudget outer;
+        {
+            const CallBudget inner;
+            CallBudget::Current().End(ExchangeStage::Reading);
+        }
+        EXPECT_EQ(call(), std::pair(true, std::vector<std::wstring>{
+                                              L"WARN Skipped, since an earlier exchange of this call took "
+                                              L"too long: reading"}));
+    }
+    EXPECT_FALSE(call().first);
+}
+
+}  // namespace
+}  // namespace kel

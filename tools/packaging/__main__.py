@@ -1,0 +1,103 @@
+"""Makes the packages out of a built DLL: two installers, an archive, and on demand a cabinet."""
+
+import argparse
+import datetime
+import hashlib
+import os
+import re
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+from zipfile import ZIP_DEFLATED, ZipFile, ZipInfo
+
+import assembly
+import bill
+import installer
+import registration
+from stamp import EPOCH, faked
+
+ROOT = registration.ROOT
+DOCUMENTS = ("README.md", "CHANGELOG.md", "docs/integration.md", "docs/deployment.md", "docs/scripting.md", "docs/value-ids.md")
+CABINET_INF = """[version]
+signature="$CHICAGO$"
+AdvancedINF=2.0
+
+[Add.Code]
+Detection.dll=Detection.dll
+
+[Detection.dll]
+file-win32-x64=thiscab
+clsid={class_id}
+FileVersion={version},0
+RegisterServer=yes
+"""
+
+
+def built_version():
+    """The version that the DLL is built with, three numbers."""
+    return re.search(r"project\(Detection VERSION (\d+\.\d+\.\d+) ", (ROOT / "CMakeLists.txt").read_text("ascii"))[1]
+
+
+def digest(content):
+    return hashlib.sha256(content).hexdigest()
+
+
+def archive(version, dll, target):
+    """The archive: the DLL, the manifest, the examples, the licences of what is linked in, and what it is made of."""
+    content = dll.read_bytes()
+    files = {"Detection.dll": content, "Detection.manifest": assembly.manifest(version).encode(),
+             "Detection.cdx.json": bill.bill(version, digest(content)).encode(), **bill.licences()}
+    for path in [ROOT / name for name in DOCUMENTS if (ROOT / name).exists()] + sorted((ROOT / "examples").rglob("*")):
+        if path.is_file():
+            files[str(path.relative_to(ROOT))] = path.read_bytes()
+    files["SHA256SUMS"] = "".join(f"{digest(files[name])}  {name}\n" for name in sorted(files)).encode()
+    date = datetime.datetime.fromtimestamp(EPOCH, datetime.timezone.utc).timetuple()[:6]
+    with ZipFile(target, "w", ZIP_DEFLATED) as zipped:
+        for name in sorted(files):
+            entry = ZipInfo(name, date)
+            entry.compress_type = ZIP_DEFLATED
+            entry.external_attr = 0o644 << 16
+            zipped.writestr(entry, files[name])
+
+
+def cabinet(version, dll, work, target):
+    """The cabinet for a page's codebase, which only the old engine's mode reads."""
+    inf = work / "Detection.inf"
+    inf.write_text(CABINET_INF.format(class_id=registration.class_id(), version=version.replace(".", ",")))
+    os.utime(inf, (EPOCH, EPOCH))
+    subprocess.run([*faked(), "gcab", "-c", "-n", "-z", str(target), "Detection.inf", "Detection.dll"], cwd=work, check=True)
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="packaging", description=__doc__)
+    parser.add_argument("--dll", type=Path, default=ROOT / "build" / "release" / "Detection.dll")
+    parser.add_argument("--output", type=lambda text: Path(text).resolve(), default=ROOT / "build" / "package")
+    parser.add_argument("--version", default=built_version(), help="three numbers; the DLL's otherwise")
+    parser.add_argument("--cab", action="store_true", help="make the cabinet, too")
+    arguments = parser.parse_args()
+    version, output = arguments.version, arguments.output
+    if not re.fullmatch(r"\d+\.\d+\.\d+", version):
+        sys.exit(f"{version!r} is no version of three numbers.")
+    work = output / "work"
+    shutil.rmtree(work, ignore_errors=True)
+    work.mkdir(parents=True)
+    dll, icon = work / "Detection.dll", work / "Detection.ico"
+    shutil.copyfile(arguments.dll, dll)
+    shutil.copyfile(ROOT / "packaging" / "Detection.ico", icon)
+    for path in (dll, icon):
+        os.utime(path, (EPOCH, EPOCH))
+    base = output / f"Detection-{version}-x64"
+    made = [Path(f"{base}.msi"), Path(f"{base}-user.msi"), Path(f"{base}.zip")]
+    installer.build("machine", version, work, made[0])
+    installer.build("user", version, work, made[1])
+    archive(version, dll, made[2])
+    if arguments.cab:
+        made.append(Path(f"{base}.cab"))
+        cabinet(version, dll, work, made[-1])
+    (output / "SHA256SUMS").write_text("".join(f"{digest(path.read_bytes())}  {path.name}\n" for path in made))
+    for path in made:
+        print(f"{path.stat().st_size:9,d} bytes  {path}")
+
+
+main()

@@ -1,0 +1,90 @@
+"""The two installer packages, for all users and for the current one, from one source."""
+
+import hashlib
+import os
+import subprocess
+import uuid
+from xml.sax.saxutils import quoteattr
+
+import registration
+from stamp import EPOCH, faked
+
+NAMESPACE = uuid.UUID("6b0d7d0e-6c1b-4f0a-9f57-0a4a1f3c1d52")
+# Fixed for ever: an upgrade finds what it replaces by these.
+UPGRADE_CODES = {"machine": "7E3F2C51-9A64-4F0B-8D17-51C6E2A9B3D4", "user": "C2A8D6F4-1B75-4E39-A0C8-9D3E7F615B28"}
+COMPONENTS = {"machine": "0F5B8E63-D2A7-4C1E-9B46-83E0C7A1F5D2", "user": "94D1C7B0-3E5A-4862-BF19-6A2C8E07D5F3",
+              "machine32": "B86A2E19-5C40-4D7B-A3F2-17E9D4C0685A"}
+FOLDERS = {"machine": ("ProgramFiles64Folder", []), "user": ("LocalAppDataFolder", ["Programs"])}
+MAKER = "Keldane"
+
+
+def product_code(scope, version):
+    return str(uuid.uuid5(NAMESPACE, f"{scope} {version}")).upper()
+
+
+def _registry(rows, root):
+    lines = []
+    for row in rows:
+        key = quoteattr("Software\\Classes\\" + row.key)
+        # An empty key is named by "*", which also takes it away again.
+        name = ' Name="*"' if row.text is None else f" Name={quoteattr(row.name)}" if row.name else ""
+        value = quoteattr(row.text or "")
+        lines.append(f"        <RegistryValue Root=\"{root}\" Key={key}{name} Type=\"string\" Value={value}/>")
+    return "\n".join(lines)
+
+
+def source(scope, version):
+    """The installer's source in the language of the tool that makes it."""
+    wide, narrow = registration.rows("[#DetectionDll]", "[INSTALLFOLDER]")
+    root = "HKLM" if scope == "machine" else "HKCU"
+    folder, between = FOLDERS[scope]
+    opened = "".join(f'<Directory Id="{name}Folder" Name="{name}">' for name in between)
+    closed = "</Directory>" * len(between)
+    user = scope == "user"
+    marker = (f'        <RegistryValue Root="HKCU" Key="Software\\{MAKER}\\Detection" Name="Installed" Type="string"'
+              ' Value="1" KeyPath="yes"/>\n        <RemoveFolder Id="RemoveInstall" On="uninstall"/>\n') if user else ""
+    component32 = "" if user else (
+        f'      <Component Id="Interface32" Guid="{COMPONENTS["machine32"]}" Win64="no">\n'
+        f'{_registry(narrow, root)}\n      </Component>\n')
+    reference32 = "" if user else '<ComponentRef Id="Interface32"/>'
+    return f"""<?xml version="1.0" encoding="utf-8"?>
+<Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
+  <Product Id="{product_code(scope, version)}" Name="Detection" Language="1033" Version="{version}"
+           Manufacturer="{MAKER}" UpgradeCode="{UPGRADE_CODES[scope]}">
+    <Package InstallerVersion="500" Compressed="yes" InstallScope="per{scope.capitalize()}"
+             Description="Machine inventory control"/>
+    <MajorUpgrade DowngradeErrorMessage="A newer version of Detection is installed."/>
+    <Media Id="1" Cabinet="detection.cab" EmbedCab="yes"/>
+    <Icon Id="Detection.ico" SourceFile="Detection.ico"/>
+    <Property Id="ARPPRODUCTICON" Value="Detection.ico"/>
+    <Property Id="ARPNOMODIFY" Value="1"/>
+    <Directory Id="TARGETDIR" Name="SourceDir">
+      <Directory Id="{folder}">{opened}<Directory Id="INSTALLFOLDER" Name="Detection">
+      <Component Id="Control" Guid="{COMPONENTS[scope]}" Win64="yes">
+        <File Id="DetectionDll" Name="Detection.dll" Source="Detection.dll"{'' if user else ' KeyPath="yes"'}/>
+{marker}{_registry(wide, root)}
+      </Component>
+{component32}      </Directory>{closed}</Directory>
+    </Directory>
+    <Feature Id="Main" Level="1"><ComponentRef Id="Control"/>{reference32}</Feature>
+  </Product>
+</Wix>
+"""
+
+
+def build(scope, version, work, target):
+    """Makes one package of the DLL and the icon in a folder; the same inputs give the same bytes."""
+    dll, icon = work / "Detection.dll", work / "Detection.ico"
+    wxs = work / f"{scope}.wxs"
+    wxs.write_text(source(scope, version))
+    for path in (wxs, dll, icon):
+        os.utime(path, (EPOCH, EPOCH))
+    inputs = hashlib.sha256(wxs.read_bytes() + dll.read_bytes() + icon.read_bytes() + version.encode()).hexdigest()
+    target.unlink(missing_ok=True)
+    subprocess.run([*faked(), "wixl", "-a", "x64", "-o", str(target), wxs.name], cwd=work, check=True)
+    # The tool knows no version of the file; a row without one beside a versioned file could keep the old file.
+    for query in (f"UPDATE `File` SET `Version`='{version}.0', `Language`='1033' WHERE `File`='DetectionDll'",
+                  "DELETE FROM `MsiFileHash` WHERE `File_`='DetectionDll'"):
+        subprocess.run([*faked(), "msibuild", str(target), "-q", query], check=True)
+    package_code = "{" + str(uuid.uuid5(NAMESPACE, inputs)).upper() + "}"
+    subprocess.run([*faked(), "msibuild", str(target), "-s", "Detection", MAKER, "x64;1033", package_code], check=True)

@@ -1,0 +1,11 @@
+"""The one time that everything in a package carries, so that two builds of one source give the same bytes."""
+
+import datetime
+
+EPOCH = 1767225600  # 2026-01-01 00:00:00 UTC
+
+
+def faked():
+    """Runs a tool that writes the present time somewhere at that time."""
+    time = datetime.datetime.fromtimestamp(EPOCH, datetime.timezone.utc).strftime("%Y-%m-%d %H:%M:%S")
+    return ["env", "TZ=UTC", "faketime", "-f", time]
