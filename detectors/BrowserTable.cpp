@@ -12,6 +12,7 @@ constexpr Locator InternetExplorer[] = {
      L"svcVersion|Version"},
     {AppPath},
     {StartMenu, L"IEXPLORE.EXE"},
+    {Registered, L"Internet Explorer"},
 };
 
 constexpr Locator Edge[] = {
@@ -41,8 +42,9 @@ constexpr Locator Firefox[] = {
     {Key, L"SOFTWARE\\Mozilla\\Mozilla Firefox\\*\\Main", L"PathToExe"},
 };
 
+// Other programs' launchers have the name that its own has.
 constexpr Locator Opera[] = {
-    {AppPath},
+    {AppPath, L"opera.exe"},
     {StartMenu, L"OperaStable"},
     {Registered, L"Opera Stable"},
     {Key, L"SOFTWARE\\Opera Software", L"Last Stable Install Path"},

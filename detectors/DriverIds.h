@@ -1,12 +1,10 @@
-// The driver versions of the devices at index 0, which their detectors store and the software detector
-// repeats.
+// The driver versions that detectors store and the software detector, which runs after them, repeats.
 #pragma once
 
 namespace kel {
 
-constexpr unsigned GpuDriverId = 72006;
-constexpr unsigned NetworkDriverId = 72706;
-constexpr unsigned SoundDriverId = 72804;
-constexpr unsigned ScsiDriverId = 73304;
+constexpr unsigned GpuDriver = 72006;
+constexpr unsigned NetworkDriver = 72706;
+constexpr unsigned SoundDriver = 72804;
 
 }  // namespace kel

@@ -3,7 +3,8 @@
 #include "detectors/Facts.h"
 #include "detectors/ProductFacts.h"
 #include "detectors/ProductTables.h"
-#include "probes/ScsiList.h"
+#include "detectors/ScsiControllers.h"
+#include "probes/Attempt.h"
 #include "values/Version.h"
 
 namespace kel {
@@ -32,12 +33,10 @@ std::optional<Version> StoredVersion(unsigned id)
     return value != nullptr ? VersionOf(value->Text()) : std::nullopt;
 }
 
-/// The detector of these controllers runs later and takes the same list.
+/// The detector of these controllers runs later, and takes the same list.
 std::optional<Version> ScsiDriver()
 {
-    if (std::optional<Version> stored = StoredVersion(ScsiDriverId))
-        return stored;
-    const std::vector<ScsiInfo>& controllers = ScsiControllers();
+    const std::vector<ScsiInfo>& controllers = GetScsiControllers();
     return controllers.empty() ? std::nullopt : VersionOf(controllers.front().driverVersion.ToString());
 }
 
@@ -51,8 +50,12 @@ bool Software::Detect()
 bool Software::Detect(const SoftwareFunctions& functions)
 {
     return Guarded(L"kel::Software::Detect", L"Error in Software detection.", [&functions] {
-        Facts.Store({StoredVersion(GpuDriverId), StoredVersion(SoundDriverId), StoredVersion(NetworkDriverId),
-                     ScsiDriver()});
+        Drivers drivers;
+        Attempt(L"Error while reading the drivers' versions.", [&drivers] {
+            drivers = {StoredVersion(GpuDriver), StoredVersion(SoundDriver), StoredVersion(NetworkDriver),
+                       ScsiDriver()};
+        });
+        Facts.Store(drivers);
         StoreNewest(L"Software", functions, RuntimeTable());
     });
 }

@@ -51,7 +51,7 @@ std::vector<std::wstring> ProgramsOf(std::wstring_view command)
 
 std::wstring_view FileNameOf(std::wstring_view path)
 {
-    return path.substr(path.rfind(L'\\') + 1);
+    return path.substr(path.find_last_of(L"\\/") + 1);
 }
 
 std::wstring_view FolderOf(std::wstring_view path)

@@ -28,7 +28,7 @@ std::wstring ReadFixedVersion(std::span<const BYTE> record)
     if (record.size() < sizeof(read))
         return {};
     std::memcpy(&read, record.data(), sizeof(read));
-    if (read.length < sizeof(read) || read.fixedLength < sizeof(read.fixed) ||
+    if (read.length < sizeof(read) || read.fixedLength != sizeof(read.fixed) ||
         std::wstring_view(read.key, Key.size()) != Key || read.fixed.dwSignature != Signature ||
         (read.fixed.dwFileVersionMS == 0 && read.fixed.dwFileVersionLS == 0))
         return {};

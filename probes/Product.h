@@ -11,14 +11,15 @@ enum class FindBy {
     UpgradeCode,   ///< the installer's products of an upgrade code
     UninstallKey,  ///< an entry in the list of installed programs, by its key's name
     DisplayName,   ///< such entries by their display name, and publisher
-    AppPath,       ///< the program that the shell starts for a file name; without one, for the product's own
-    StartMenu,     ///< a browser's entry in the list of Internet clients
-    Registered,    ///< a registered application, and what it opens "https" with
-    Key,           ///< a key of the maker's own
-    ValueNames,    ///< a key whose values are named after the versions that are there
-    Release,       ///< the .NET Framework's key, with its release number
-    Folder,        ///< a folder that the product has had since ever
-    Family,        ///< a family of packages
+    AppPath,  ///< the program that the shell starts for a list of file names; without one, for the product's
+              ///< own
+    StartMenu,   ///< a browser's entry in the list of Internet clients
+    Registered,  ///< a registered application, and what it opens "https" with
+    Key,         ///< a key of the maker's own
+    ValueNames,  ///< a key whose values are named after the versions that are there
+    Release,     ///< the .NET Framework's key, with its release number
+    Folder,      ///< a folder that the product has had since ever
+    Family,      ///< a family of packages
 };
 
 /// One place to look at.

@@ -130,8 +130,9 @@ void ProductFinder::FindEntries(const Search& search)
 
 void ProductFinder::FindAppPaths(const Search& search)
 {
+    const wchar_t* const named = search.locator.where;
     std::vector<std::wstring> names;
-    for (const std::wstring_view program : SplitList(search.product.programs)) {
+    for (const std::wstring_view program : SplitList(*named != L'\0' ? named : search.product.programs)) {
         const std::wstring name(FileNameOf(program));
         if (std::ranges::find(names, name) == names.end())
             names.push_back(name);
@@ -167,9 +168,11 @@ void ProductFinder::FindRegistered(const Search& search)
             if (!MatchesPattern(name, search.locator.where))
                 continue;
             const std::wstring abilities = ReadText(applications.get(), name.c_str());
+            if (abilities.empty())
+                continue;
             const OwnedKey addresses = OpenView(functions, view, abilities + AddressesKey);
             const std::wstring id = addresses ? ReadText(addresses.get(), L"https") : std::wstring();
-            if (!abilities.empty() && !id.empty() && id.find(L'\\') == std::wstring::npos)
+            if (!id.empty() && id.find(L'\\') == std::wstring::npos)
                 AddCommand(search, view, ClassesKey + id);
         }
     }

@@ -89,7 +89,7 @@ PlantedSoftware::PlantedSoftware(const SoftwareMachine& machine)
     functions.hostProgram = [host = std::wstring(machine.host)] { return host; };
 }
 
-void PlantedSoftware::Plant(const std::wstring& planted)
+void PlantedSoftware::Plant(const std::wstring& planted, DWORD type)
 {
     for (const std::wstring& line : Split(planted, L'\n')) {
         const std::vector<std::wstring> fields = Split(line, L'|');
@@ -107,7 +107,7 @@ void PlantedSoftware::Plant(const std::wstring& planted)
             if (text.starts_with(L'#'))
                 keysOf.Write(path, name.c_str(), REG_DWORD, &number, sizeof(number));
             else
-                keysOf.Write(path, name.c_str(), text);
+                keysOf.Write(path, name.c_str(), type, text.c_str(), 2 * text.size() + 2);
         }
     }
 }

@@ -11,11 +11,11 @@ namespace kel::test {
 
 /// What is installed on a machine, a line for each thing, its fields with bars between them.
 struct SoftwareMachine {
-    const wchar_t* name;
+    const wchar_t* name = L"";
     /// A registry key: its view (64, 32, CU), a blank, its path below SOFTWARE, and values as "name=text" or
     /// "name=#number". "U:" in front of the path is the list of programs, "A:" App Paths.
-    const wchar_t* keys;
-    const wchar_t* files;  ///< a path and a version; none for a file without a version record
+    const wchar_t* keys = L"";
+    const wchar_t* files = L"";  ///< a path and a version; none for a file without a version record
     const wchar_t* host = L"";
     /// What is stored, "id=text" with bars between, but for "No", "0" and empty texts.
     const wchar_t* stored = L"";
@@ -34,8 +34,8 @@ public:
     PlantedSoftware(const PlantedSoftware&) = delete;
     PlantedSoftware& operator=(const PlantedSoftware&) = delete;
 
-    /// Adds keys in the form of SoftwareMachine::keys.
-    void Plant(const std::wstring& keys);
+    /// Adds keys in the form of SoftwareMachine::keys, or writes their texts with another type.
+    void Plant(const std::wstring& keys, DWORD type = REG_SZ);
 
     SoftwareFunctions functions;
     std::set<std::wstring> keys, files;  ///< that were asked for, keys below SOFTWARE
