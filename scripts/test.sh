@@ -12,6 +12,6 @@ source scripts/wine_env.sh
 start_wine
 failed=0
 for preset in release checked; do
-  ctest --preset "$preset" "$@" || failed=1
+  ctest --preset "$preset" --parallel "$(nproc)" "$@" || failed=1
 done
 exit "$failed"

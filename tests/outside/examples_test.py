@@ -1,6 +1,5 @@
 """The examples as a reader runs them, against the demo's requirements."""
 
-import re
 import unittest
 
 from harness import ROOT, ControlTest, windows_path, wine

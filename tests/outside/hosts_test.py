@@ -7,7 +7,7 @@ import shutil
 import subprocess
 import unittest
 
-from harness import DLL, ROOT, ControlTest, windows_path, wine
+from harness import DLL, ROOT, ControlTest, wine
 
 EXAMPLES = ROOT / "examples"
 BROWSER = ("chromium", "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--hide-scrollbars",

@@ -92,8 +92,10 @@ class ForAllUsers(Prefix):
         [dll] = self.dlls()
         self.assertRegex(str(dll), r"Program Files/Detection/Detection\.dll$")
         uninstall = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall"
-        entries = lambda: [values['"DisplayVersion"'] for values in self.registry(uninstall).values()
-                           if values.get('"DisplayName"') == '"Detection"']
+
+        def entries():
+            return [values['"DisplayVersion"'] for values in self.registry(uninstall).values()
+                    if values.get('"DisplayName"') == '"Detection"']
         self.assertEqual(entries(), ['"4.5.1"'])
         dll.unlink()
         self.assertEqual(self.install(now, "REINSTALL=ALL", "REINSTALLMODE=amus"), 0)
