@@ -1,7 +1,8 @@
 #include "probes/FileVersion.h"
 
+#include <algorithm>
 #include <cstring>
-#include <string_view>
+#include <iterator>
 
 namespace kel {
 
@@ -17,7 +18,7 @@ struct VersionRecord {
 };
 static_assert(offsetof(VersionRecord, fixed) == 40 && sizeof(VersionRecord) == 92);
 
-constexpr std::wstring_view Key(L"VS_VERSION_INFO", 16);  // with its zero
+constexpr wchar_t Key[] = L"VS_VERSION_INFO";
 constexpr DWORD Signature = 0xFEEF04BD;
 
 }  // namespace
@@ -29,7 +30,7 @@ std::wstring ReadFixedVersion(std::span<const BYTE> record)
         return {};
     std::memcpy(&read, record.data(), sizeof(read));
     if (read.length < sizeof(read) || read.fixedLength != sizeof(read.fixed) ||
-        std::wstring_view(read.key, Key.size()) != Key || read.fixed.dwSignature != Signature ||
+        !std::equal(std::begin(Key), std::end(Key), read.key) || read.fixed.dwSignature != Signature ||
         (read.fixed.dwFileVersionMS == 0 && read.fixed.dwFileVersionLS == 0))
         return {};
     std::wstring text;

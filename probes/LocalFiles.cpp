@@ -38,7 +38,7 @@ std::wstring LocalFiles::FindBelow(std::wstring_view folder, std::wstring_view p
 std::wstring LocalFiles::FindNamed(const std::wstring& command, std::wstring_view programs)
 {
     for (const std::wstring& program : ProgramsOf(command)) {
-        const std::wstring path = functions.expand(program);
+        std::wstring path = functions.expand(program);
         if (IsProgram(path, programs) && IsThere(path))
             return path;
     }

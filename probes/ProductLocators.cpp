@@ -35,7 +35,7 @@ std::vector<std::wstring> ListKeys(const SoftwareFunctions& functions, const Reg
     const OwnedKey key = OpenView(functions, view, parent);
     std::vector<std::wstring> keys = key ? ListSubkeys(key.get(), MostNames) : std::vector<std::wstring>();
     for (std::wstring& subkey : keys)
-        subkey = parent + L"\\" + subkey + name.substr(star + 2);
+        subkey.insert(0, parent + L"\\").append(name, star + 2);
     return keys;
 }
 
@@ -61,7 +61,7 @@ std::wstring FolderOfVersion(std::wstring folder, const std::wstring& version)
 std::wstring ReadToldVersion(const Locator& locator, HKEY key)
 {
     for (const std::wstring_view value : SplitList(locator.version)) {
-        const std::wstring version = ReadDottedNumber(ReadText(key, std::wstring(value).c_str()));
+        std::wstring version = ReadDottedNumber(ReadText(key, std::wstring(value).c_str()));
         if (!version.empty())
             return version;
     }
@@ -112,7 +112,7 @@ std::wstring ProductFinder::ReadProperty(const wchar_t* code, const wchar_t* pro
         text.assign(++size, L'\0');
         status = functions.productInfo(code, property, text.data(), &size);
     }
-    return status == ERROR_SUCCESS ? std::wstring(text.c_str()) : std::wstring();
+    return status == ERROR_SUCCESS ? text.substr(0, text.find(L'\0')) : std::wstring();
 }
 
 void ProductFinder::FindEntries(const Search& search)

@@ -91,7 +91,7 @@ std::wstring GetPackageFolder(const wchar_t* fullName)
     std::wstring path(size, L'\0');
     if (getPath == nullptr || getPath(fullName, &size, path.data()) != ERROR_SUCCESS)
         return {};
-    return path.c_str();
+    return path.substr(0, path.find(L'\0'));
 }
 
 std::wstring GetHostProgram()
