@@ -2,7 +2,10 @@
 // overload takes what a test puts in the place of the machine's own.
 #pragma once
 
+#include <span>
+
 #include "detectors/Component.h"
+#include "probes/Product.h"
 
 namespace kel {
 
@@ -12,6 +15,7 @@ class DisplayConfig;
 struct NetworkFunctions;
 struct OSFunctions;
 class SetupLib;
+struct SoftwareFunctions;
 struct SoundFunctions;
 struct StorageFunctions;
 struct VolumeFunctions;
@@ -139,19 +143,26 @@ public:
     bool Detect(const SoundFunctions& functions);
 };
 
-/// Driver software and runtimes. It stores no values yet.
+/// The drivers of the devices that matter most, as their detectors found them, and the runtimes that programs
+/// ask for. It runs after the graphics, network and sound detectors.
 class Software : public Component {
 public:
     bool Detect() override;
+    bool Detect(const SoftwareFunctions& functions);
 };
 
-/// Browsers. It stores no values yet.
+/// The browsers of a table, which of them the user chose, and the program that the control runs in.
 class Browser : public Component {
 public:
     Browser() { Browser::Initialize(); }
 
     bool Detect() override;
+    bool Detect(const SoftwareFunctions& functions);
+    /// Builds the table.
     void Initialize() override;
+
+private:
+    std::span<const Product> table;
 };
 
 /// The active monitors, the primary one first: what each is, and what it shows. Never their serial numbers.
@@ -161,13 +172,18 @@ public:
     bool Detect(const DisplayConfig& config);
 };
 
-/// Selected applications. It stores no values yet.
+/// The applications of a table: which are there, and their versions. It looks for no others.
 class Applications : public Component {
 public:
     Applications() { Applications::Initialize(); }
 
     bool Detect() override;
+    bool Detect(const SoftwareFunctions& functions);
+    /// Builds the table.
     void Initialize() override;
+
+private:
+    std::span<const Product> table;
 };
 
 /// Controllers of the class SCSI, with their kinds: real ones first. Nearly every machine has some that are

@@ -1,10 +1,63 @@
 #include "detectors/Detectors.h"
+#include "detectors/DriverIds.h"
+#include "detectors/Facts.h"
+#include "detectors/ProductFacts.h"
+#include "detectors/ProductTables.h"
+#include "detectors/ScsiControllers.h"
+#include "probes/Attempt.h"
+#include "values/Version.h"
 
 namespace kel {
 
+namespace {
+
+struct Drivers {
+    std::optional<Version> gpu;
+    std::optional<Version> sound;
+    std::optional<Version> network;
+    std::optional<Version> scsi;
+};
+
+constexpr FactTable Facts(Fact{72900, &Drivers::gpu}, Fact{72901, &Drivers::sound},
+                          Fact{72902, &Drivers::network}, Fact{72903, &Drivers::scsi});
+
+std::optional<Version> VersionOf(const std::wstring& text)
+{
+    return text.empty() ? std::nullopt : std::optional(Version(text));
+}
+
+/// What the detector of the device has stored.
+std::optional<Version> StoredVersion(unsigned id)
+{
+    const SystemValue* const value = Session::Current().Values().TryGetValue(SystemValueID(GroupID(id)));
+    return value != nullptr ? VersionOf(value->Text()) : std::nullopt;
+}
+
+/// The detector of these controllers runs later, and takes the same list.
+std::optional<Version> ScsiDriver()
+{
+    const std::vector<ScsiInfo>& controllers = GetScsiControllers();
+    return controllers.empty() ? std::nullopt : VersionOf(controllers.front().driverVersion.ToString());
+}
+
+}  // namespace
+
 bool Software::Detect()
 {
-    return Guarded(L"kel::Software::Detect", L"Error in Software detection.", [] {});
+    return Detect(SoftwareFunctions::OfSystem());
+}
+
+bool Software::Detect(const SoftwareFunctions& functions)
+{
+    return Guarded(L"kel::Software::Detect", L"Error in Software detection.", [&functions] {
+        Drivers drivers;
+        Attempt(L"Error while reading the drivers' versions.", [&drivers] {
+            drivers = {StoredVersion(GpuDriver), StoredVersion(SoundDriver), StoredVersion(NetworkDriver),
+                       ScsiDriver()};
+        });
+        Facts.Store(drivers);
+        StoreNewest(L"Software", functions, RuntimeTable());
+    });
 }
 
 }  // namespace kel

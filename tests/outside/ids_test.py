@@ -9,7 +9,8 @@ from harness import ROOT
 FOLDERS = ("run", "run/store", "probes", "detectors")
 # Files that are no detector's own.
 KEEPERS = {"System": "System", "FixedGroups": "OS", "OSIds": "OS", "OpticalDrives": "CDRom", "GPUFacts": "GPU",
-           "DirectXFacts": "DirectX"}
+           "DirectXFacts": "DirectX", "BrowserTable": "Browser", "ApplicationTable": "Applications",
+           "RuntimeTable": "Software"}
 TYPES = {"std::wstring": "text", "Name": "text", "bool": "Exists", "std::int32_t": "Count"}
 
 
@@ -28,6 +29,7 @@ class ValueIds(unittest.TestCase):
 
     def stored(self):
         """Of each id in the code its keeper, and its type where a table tells it."""
+        shared = dict(re.findall(r"^constexpr unsigned (\w+) = (\d{5});", "\n".join(self.texts.values()), re.MULTILINE))
         for path, text in self.texts.items():
             keeper = KEEPERS.get(path.stem, path.stem)
             named = dict(re.findall(r"^constexpr unsigned (\w+(?:Id\d?|Group)) = (\d{5});", text, re.MULTILINE))
@@ -36,7 +38,11 @@ class ValueIds(unittest.TestCase):
             for number, record, member in re.findall(r"Fact\{(\w+),\s*&(\w+)::(\w+)", text):
                 if number != "NotStored":
                     in_tables.add(number)
-                    yield named.get(number, number), keeper, plain(self.members[aliases.get(record, record), member])
+                    yield shared.get(number, number), keeper, plain(self.members[aliases.get(record, record), member])
+            for row in re.findall(r"^    \{(\w+), (\w+), L\"[^\"]+\",$|^    \{(\w+), (\w+), L\"[^\"]+\", L", text, re.MULTILINE):
+                for number, kind in zip(filter(None, row), ("Exists", "Version")):
+                    if number != "NotStored":
+                        yield number, keeper, kind
             for name, number in named.items():
                 if name not in in_tables:
                     yield number, keeper, None

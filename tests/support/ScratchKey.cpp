@@ -32,13 +32,18 @@ void DumpInto(std::wstring& text, HKEY key, const std::wstring& path)
         DumpInto(text, OpenKey(key, name, KEY_READ).get(), path.empty() ? name : path + L"\\" + name);
 }
 
+/// A name that no other key of this process or another has.
+std::wstring NewName()
+{
+    static unsigned made = 0;
+    return std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount64()) + L"-" +
+           std::to_wstring(++made);
+}
+
 }  // namespace
 
 ScratchKey::ScratchKey(HKEY predefined)
-    : name(L"Software\\KelTests\\" + std::to_wstring(GetCurrentProcessId()) + L"-" +
-           std::to_wstring(GetTickCount64())),
-      key(Create(HKEY_CURRENT_USER, name)),
-      overridden(predefined)
+    : name(L"Software\\KelTests\\" + NewName()), key(Create(HKEY_CURRENT_USER, name)), overridden(predefined)
 {
     if (predefined != nullptr && RegOverridePredefKey(predefined, key.get()) != ERROR_SUCCESS)
         throw std::runtime_error("The test key cannot stand for a predefined key.");

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <span>
+
+#include "detectors/Component.h"
+#include "probes/Product.h"
+#include "probes/SoftwareFunctions.h"
+
+namespace kel {
+
+/// Stores whether a product is there, and its version: an empty text where it is not, or does not tell. The
+/// log says what it was found by.
+/// @param found null when the product is not there
+void StoreProduct(const wchar_t* detector, const Product& product, const Installation* found);
+
+/// Looks for each product of a table and stores the newest installation of it. What fails for one is logged,
+/// and leaves it absent.
+void StoreNewest(const wchar_t* detector, const SoftwareFunctions& functions, std::span<const Product> table);
+
+}  // namespace kel

@@ -1,0 +1,51 @@
+#include "platform/RegistryNames.h"
+
+namespace kel {
+
+namespace {
+
+constexpr DWORD LongestKey = 256;      // characters, with the zero
+constexpr DWORD LongestValue = 16384;  // the same
+
+/// Asks for one name after the other; one that is too long is passed over.
+template <typename Ask>
+std::vector<std::wstring> ListNames(DWORD longest, DWORD most, Ask ask)
+{
+    std::vector<std::wstring> names;
+    std::wstring name(longest, L'\0');
+    for (DWORD index = 0; index < most; ++index) {
+        DWORD size = longest;
+        const LSTATUS status = ask(index, name.data(), &size);
+        if (status == ERROR_NO_MORE_ITEMS)
+            break;
+        if (status == ERROR_SUCCESS && size > 0)
+            names.emplace_back(name, 0, size);
+    }
+    return names;
+}
+
+}  // namespace
+
+std::vector<std::wstring> ListSubkeys(HKEY key, DWORD most)
+{
+    return ListNames(LongestKey, most, [key](DWORD index, wchar_t* name, DWORD* size) {
+        return RegEnumKeyExW(key, index, name, size, nullptr, nullptr, nullptr, nullptr);
+    });
+}
+
+std::vector<std::wstring> ListValues(HKEY key, DWORD most)
+{
+    return ListNames(LongestValue, most, [key](DWORD index, wchar_t* name, DWORD* size) {
+        return RegEnumValueW(key, index, name, size, nullptr, nullptr, nullptr, nullptr);
+    });
+}
+
+DWORD CountValues(HKEY key) noexcept
+{
+    DWORD count = 0;
+    const LSTATUS status = RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count,
+                                            nullptr, nullptr, nullptr, nullptr);
+    return status == ERROR_SUCCESS ? count : 0;
+}
+
+}  // namespace kel

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <windows.h>
+
+#include <boost/function.hpp>
+#include <string>
+#include <vector>
+
+#include "platform/RegistryValue.h"
+
+namespace kel {
+
+/// The functions that tell of installed programs; a test puts its own in their place. None of them installs,
+/// repairs or starts anything.
+struct SoftwareFunctions {
+    boost::function<OwnedKey(HKEY root, const wchar_t* name, REGSAM access)> openKey;
+    boost::function<std::wstring(const std::wstring& text)> expand;  ///< variables of the environment
+    boost::function<UINT(const wchar_t* root)> driveType;            ///< GetDriveTypeW
+    boost::function<DWORD(const wchar_t* path)> fileAttributes;      ///< GetFileAttributesW
+    /// The version record of a file; empty when it has none.
+    boost::function<std::vector<BYTE>(const wchar_t* path)> versionRecord;
+    /// MsiEnumRelatedProductsW: the product code of 38 characters goes into the buffer.
+    boost::function<UINT(const wchar_t* upgradeCode, DWORD index, wchar_t* product)> relatedProduct;
+    /// MsiGetProductInfoW.
+    boost::function<UINT(const wchar_t* product, const wchar_t* property, wchar_t* text, DWORD* size)>
+        productInfo;
+    /// The full names of the packages of a family that this user has.
+    boost::function<std::vector<std::wstring>(const wchar_t* family)> packages;
+    boost::function<std::wstring(const wchar_t* fullName)> packageFolder;
+    boost::function<std::wstring()> hostProgram;  ///< the path of the program that this process runs
+
+    /// The system's own. Libraries are loaded when they are first needed and stay loaded.
+    static SoftwareFunctions OfSystem();
+};
+
+}  // namespace kel

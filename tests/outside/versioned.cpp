@@ -1,0 +1,5 @@
+// Any program: its file has a version.
+int main()
+{
+    return 0;
+}

@@ -1,0 +1,153 @@
+#include "support/PlantedSoftware.h"
+
+#include <algorithm>
+#include <map>
+#include <sstream>
+
+#include "detectors/Detectors.h"
+#include "support/TestSession.h"
+#include "values/Text.h"
+
+namespace kel::test {
+
+std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator)
+{
+    std::vector<std::wstring> parts;
+    std::wistringstream stream(text);
+    for (std::wstring part; std::getline(stream, part, separator);) {
+        if (!part.empty() || separator == L'|')
+            parts.push_back(part);
+    }
+    return parts;
+}
+
+std::vector<BYTE> MakeVersionRecord(const std::wstring& version)
+{
+    std::vector<WORD> words(46);
+    words[0] = 92;
+    words[1] = 52;
+    std::ranges::copy(std::wstring(L"VS_VERSION_INFO"), words.begin() + 3);
+    words[20] = 0x04BD;
+    words[21] = 0xFEEF;
+    const std::vector<std::wstring> fields = Split(version, L'.');
+    for (std::size_t field = 0; field < fields.size(); ++field)
+        words[24 + (field ^ 1)] = static_cast<WORD>(std::stoul(fields[field]));
+    const auto* const bytes = reinterpret_cast<const BYTE*>(words.data());
+    return {bytes, bytes + 92};
+}
+
+PlantedSoftware::PlantedSoftware(const SoftwareMachine& machine)
+    : machineKeys(HKEY_LOCAL_MACHINE), userKeys(HKEY_CURRENT_USER)
+{
+    machineKeys.Make(L"SOFTWARE\\Wow6432Node");  // without it, both views of a machine are one
+    Plant(machine.keys);
+    std::map<std::wstring, std::wstring> present;
+    for (const std::wstring& line : Split(machine.files, L'\n')) {
+        const std::vector<std::wstring> fields = Split(line, L'|');
+        present[ToLower(fields.front())] = fields.size() > 1 ? fields[1] : L"";
+    }
+    functions.openKey = [this](HKEY root, const wchar_t* name, REGSAM access) {
+        keys.insert(ToLower(name));
+        return OpenKey(root, name, access);
+    };
+    functions.expand = [](std::wstring text) {
+        ReplaceAll(text, L"%ProgramFiles%", L"C:\\Program Files");
+        ReplaceAll(text, L"%ProgramFiles(x86)%", L"C:\\Program Files (x86)");
+        ReplaceAll(text, L"%SystemRoot%", L"C:\\Windows");
+        ReplaceAll(text, L"%LOCALAPPDATA%", L"C:\\Users\\Anna\\AppData\\Local");
+        ReplaceAll(text, L"%APPDATA%", L"C:\\Users\\Anna\\AppData\\Roaming");
+        return text;
+    };
+    functions.driveType = [](const wchar_t* root) -> UINT {
+        return *root == L'C' || *root == L'D' ? DRIVE_FIXED : DRIVE_REMOTE;
+    };
+    functions.fileAttributes = [this, present](const wchar_t* path) -> DWORD {
+        files.insert(ToLower(path));
+        return present.contains(ToLower(path)) ? FILE_ATTRIBUTE_NORMAL : INVALID_FILE_ATTRIBUTES;
+    };
+    functions.versionRecord = [this, present](const wchar_t* path) {
+        files.insert(ToLower(path));
+        const auto found = present.find(ToLower(path));
+        return found == present.end() || found->second.empty() ? std::vector<BYTE>()
+                                                               : MakeVersionRecord(found->second);
+    };
+    // The installer's own functions read the planted keys.
+    const SoftwareFunctions system = SoftwareFunctions::OfSystem();
+    functions.relatedProduct = system.relatedProduct;
+    functions.productInfo = system.productInfo;
+    const auto lookUp = [rows = Split(machine.packages, L'\n')](std::wstring_view key, std::size_t column) {
+        std::vector<std::wstring> found;
+        for (const std::wstring& row : rows) {
+            const std::vector<std::wstring> fields = Split(row, L'|');
+            if (fields[column] == key)
+                found.push_back(fields[column + 1]);
+        }
+        return found;
+    };
+    functions.packages = [lookUp](const wchar_t* family) { return lookUp(family, 0); };
+    functions.packageFolder = [lookUp](const wchar_t* fullName) { return lookUp(fullName, 1).front(); };
+    functions.hostProgram = [host = std::wstring(machine.host)] { return host; };
+}
+
+void PlantedSoftware::Plant(const std::wstring& planted, DWORD type)
+{
+    for (const std::wstring& line : Split(planted, L'\n')) {
+        const std::vector<std::wstring> fields = Split(line, L'|');
+        std::wstring path = L"SOFTWARE\\" + fields[0].substr(3);
+        ReplaceAll(path, L"\\U:", L"\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\");
+        ReplaceAll(path, L"\\A:", L"\\Microsoft\\Windows\\CurrentVersion\\App Paths\\");
+        if (line.starts_with(L"32"))
+            path.insert(8, L"\\Wow6432Node");
+        const ScratchKey& keysOf = line.starts_with(L"CU") ? userKeys : machineKeys;
+        for (std::size_t field = 1; field < fields.size(); ++field) {
+            const std::size_t equals = fields[field].find(L'=');
+            const std::wstring name = fields[field].substr(0, equals),
+                               text = fields[field].substr(equals + 1);
+            const DWORD number = text.starts_with(L'#') ? std::stoul(text.substr(1)) : 0;
+            if (text.starts_with(L'#'))
+                keysOf.Write(path, name.c_str(), REG_DWORD, &number, sizeof(number));
+            else
+                keysOf.Write(path, name.c_str(), type, text.c_str(), 2 * text.size() + 2);
+        }
+    }
+}
+
+std::vector<std::wstring> DetectSoftware(const SoftwareFunctions& functions)
+{
+    const TestSession session;
+    Software().Detect(functions);
+    Browser().Detect(functions);
+    Applications().Detect(functions);
+    return session.Lines(72904, 73299);
+}
+
+std::vector<std::wstring> ExpectedSoftware(const SoftwareMachine& machine)
+{
+    std::map<unsigned, std::wstring> told;
+    for (const std::wstring& line : Split(machine.stored, L'\n')) {
+        for (const std::wstring& value : Split(line, L'|'))
+            told[std::stoul(value)] = value.substr(6);
+    }
+    std::vector<std::wstring> lines;
+    const auto add = [&](unsigned id, const wchar_t* otherwise) {
+        const std::wstring text = told.contains(id) ? told[id] : otherwise;
+        lines.push_back(std::to_wstring(id) + L"[0]=" + text);
+        told.erase(id);
+    };
+    for (const unsigned id : {72910, 72911, 72920, 72921, 72922, 72930, 72940, 72950})
+        add(id, L"");
+    add(72960, L"No");
+    add(73000, L"No");
+    add(73001, L"0");
+    for (const unsigned id : {73002, 73003, 73004})
+        add(id, L"");
+    for (unsigned id = 73010; id < 73246; id += id == 73022 ? 188 : 2) {
+        add(id, L"No");
+        add(id + 1, L"");
+    }
+    for (const auto& [id, text] : told)
+        lines.push_back(L"no such id: " + std::to_wstring(id));
+    return lines;
+}
+
+}  // namespace kel::test
