@@ -37,7 +37,7 @@ std::optional<Version> StoredVersion(unsigned id)
 std::optional<Version> ScsiDriver()
 {
     const std::vector<ScsiInfo>& controllers = GetScsiControllers();
-    return controllers.empty() ? std::nullopt : VersionOf(controllers.front().driverVersion.ToString());
+    return controllers.empty() ? std::nullopt : controllers.front().driverVersion;
 }
 
 }  // namespace
