@@ -46,11 +46,6 @@ std::wstring FirstText(std::initializer_list<Place> places)
     return text;
 }
 
-std::optional<Version> KnownVersion(const std::wstring& text)
-{
-    return text.empty() ? std::nullopt : std::optional<Version>(text);
-}
-
 /// The amount of the first place that has one above 0.
 std::optional<Size> FirstSize(std::initializer_list<Place> places)
 {
@@ -83,7 +78,7 @@ bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
         if (device.GetDeviceProperty(SPDRP_HARDWAREID, id) && id.size() >= BusPrefixLength)
             drive.model = Name(id.substr(BusPrefixLength));
         drive.deviceId = DeviceID(id);
-        drive.instanceId = device.InstanceId();
+        drive.instanceId = Name(device.InstanceId());
         drives.push_back(drive);
     });
 }
@@ -108,7 +103,7 @@ bool SetupLib::GetCDRomInfo(std::vector<OpticalInfo>& drives)
                          OpticalInfo drive;
                          drive.name = device.DeviceName();
                          drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
-                         drive.instanceId = device.InstanceId();
+                         drive.instanceId = Name(device.InstanceId());
                          drives.push_back(drive);
                      });
 }
