@@ -80,7 +80,7 @@ TEST(Edid, LeavesOutWhatAMonitorDoesNotSay)
     for (const auto& [name, answer] : names) {
         Bytes bytes = Sample();
         const BYTE kind[] = {0, 0, 0, 0xFC, 0};
-        auto place = std::ranges::search(bytes, kind).begin();
+        auto place = std::search(bytes.begin(), bytes.end(), std::begin(kind), std::end(kind));
         ASSERT_NE(place, bytes.end());
         std::copy_n(name, 13, place + 5);
         EXPECT_STREQ(ReadEdid(test::Summed(bytes))->name.ToString(), answer);

@@ -11,6 +11,7 @@ namespace kel::test {
 struct FakeObject {
     FakeObject()
     {
+        table = slots.data();
         slots.fill(reinterpret_cast<void*>(+[] { return E_NOTIMPL; }));
         Answer(
             1, +[](FakeObject* self) { return static_cast<ULONG>(++self->references); });
@@ -35,7 +36,7 @@ struct FakeObject {
         return S_OK;
     }
 
-    void** table = slots.data();  // first, where callers look for it
+    void** table = nullptr;  // first, where callers look for it
     std::array<void*, 48> slots{};
     int references = 0;
 };
