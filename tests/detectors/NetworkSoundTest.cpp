@@ -71,7 +71,7 @@ TEST(NetworkDevice, GoesOnWithoutASource)
             list->AdapterName = const_cast<char*>("{00000001-0000-0000-0000-000000000000}");
             list->Ipv6IfIndex = 1;
             list->IfType = IF_TYPE_IEEE80211;
-            list->OperStatus = IfOperStatusUp;
+            list->OperStatus = IfOperStatusDown;
             list->TransmitLinkSpeed = 2000000;
             return NO_ERROR;
         };
@@ -83,7 +83,7 @@ TEST(NetworkDevice, GoesOnWithoutASource)
     // What is stored of the first adapter (name, kind, connected, speed), and the lines of levels 1 and 2.
     const std::pair<std::function<void(Functions&)>, const wchar_t*> rows[] = {
         {[&](Functions& f) { f.getAddresses = growing(3); }, L"B|wired|Yes|1.0 Kbps|"},
-        {[&](Functions& f) { f.getTable.clear(), f.getAddresses = growing(3); }, L"B|wireless|Yes|2.0 Mbps|"},
+        {[&](Functions& f) { f.getTable.clear(), f.getAddresses = growing(3); }, L"B|wireless|No|2.0 Mbps|"},
         {[&](Functions& f) { f.getAddresses = growing(99); },
          L"B|wired|Yes|1.0 Kbps|WARN GetAdaptersAddresses failed with error: 111"},
         {[](Functions& f) { f.getTable = [](auto) { return DWORD{8}; }; },
