@@ -84,19 +84,17 @@ TEST(Paths, AreOfFilesOnDriveLettersOnly)
 
 TEST(Versions, AreReadFromTextsAndOrdered)
 {
-    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
-        {L"5.9.7 (3931)", L"5.9.7"},
-        {L"2022.3.1415.932", L"2022.3.1415.932"},
-        {L"7", L"7"},
-        {L"1.", L"1"},
-        {L"1..2", L"1"},
-        {L"v14.38", L""},
-        {L"", L""},
-        {L".5", L""},
-        {L"9.0.0-preview", L"9.0.0"},
-        {L"123456789.1", L"123456789.1"},
-        {L"1.1234567890", L""},
-    };
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {{L"5.9.7 (3931)", L"5.9.7"},
+                                                              {L"2022.3.1415.932", L"2022.3.1415.932"},
+                                                              {L"7", L"7"},
+                                                              {L"1.", L"1"},
+                                                              {L"1..2", L"1"},
+                                                              {L"v14.38", L""},
+                                                              {L"", L""},
+                                                              {L".5", L""},
+                                                              {L"9.0.0-preview", L"9.0.0"},
+                                                              {L"123456789.1", L"123456789.1"},
+                                                              {L"1.1234567890", L""}};
     for (const auto& [text, expected] : rows)
         EXPECT_EQ(ReadDottedNumber(text), expected) << text;
     const wchar_t* ascending[] = {L"", L"0.1", L"8.0.450.14", L"8.0.3910.13", L"9", L"10.0.1", L"24.08.00.1"};

@@ -9,20 +9,24 @@
 
 namespace kel::test {
 
-/// What is installed on a machine, a line for each thing, its fields with bars between them.
+/// What is installed on a machine: lines, whose fields have bars between them.
 struct SoftwareMachine {
-    const wchar_t* name = L"";
+    std::wstring name = {};
     /// A registry key: its view (64, 32, CU), a blank, its path below SOFTWARE, and values as "name=text" or
     /// "name=#number". "U:" in front of the path is the list of programs, "A:" App Paths.
-    const wchar_t* keys = L"";
-    const wchar_t* files = L"";  ///< a path and a version; none for a file without a version record
-    const wchar_t* host = L"";
-    /// What is stored, "id=text" with bars between, but for "No", "0" and empty texts.
-    const wchar_t* stored = L"";
-    const wchar_t* packages = L"";  ///< family, full name, folder
+    std::wstring keys = {};
+    std::wstring files = {};   ///< a path and a version; none for a file without a version record
+    std::wstring stored = {};  ///< "id=text", but for "No", "0" and empty texts
+    std::wstring host = {}, packages = {};  ///< of a package family, full name, folder
 };
 
 std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator);
+
+/// The lines of a file in tests/machines, but for empty ones and comments.
+std::vector<std::wstring> ReadRows(const char* file);
+
+/// The machines of programs.txt.
+std::vector<SoftwareMachine> ReadSoftwareMachines();
 
 /// A version record as a program's resources have it.
 std::vector<BYTE> MakeVersionRecord(const std::wstring& version);
