@@ -48,7 +48,7 @@ TEST(StorageAnswers, AreReadAtEveryLengthAndNeverPastTheirEnd)
         {OfDevice, Descriptor(7, "   ", "", " \t"), L"|||0|7", 32},
         {OfDevice, Spoilt(Spoilt(disk, 12, 9999), 16, 0xFFFFFFFF), L"||CC43|0|11", 0},  // past the end
         {OfDevice, Spoilt(disk, 12, 4), L"|ST1000DM010-2EP102|CC43|0|11", 0},           // inside the numbers
-        {OfDevice, Spoilt(disk, 4, 40 + 9 + 8), L"ATA|ST1000DM||0|11", 0},             // cut by its size
+        {OfDevice, Spoilt(disk, 4, 40 + 9 + 8), L"ATA|ST1000DM||0|11", 0},              // cut by its size
         {OfDevice, Spoilt(disk, 4, 8), L"-", 0},
         {OfDevice, Descriptor(17, "A\x80", "B\nC", "\xFF"), L"A|B||0|17", 0},
     };
