@@ -27,7 +27,7 @@ bool IsNoVendor(const std::wstring& word)
 std::wstring MakeDiskModel(const std::wstring& vendor, const std::wstring& product)
 {
     const std::wstring maker = TidyName(vendor);
-    const std::wstring model = TidyName(product);
+    std::wstring model = TidyName(product);
     if (maker.empty() || IsNoVendor(maker) || ToUpper(model).starts_with(ToUpper(maker)))
         return model;
     return Trim(maker + L" " + model);

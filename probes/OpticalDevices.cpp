@@ -43,7 +43,7 @@ std::wstring FindLetter(const StorageFunctions& functions, std::uint32_t number)
 {
     const std::wstring device = std::wstring(KernelPrefix) + DeviceWord + std::to_wstring(number);
     for (wchar_t character = L'A'; character <= L'Z'; ++character) {
-        const std::wstring letter = {character, L':'};
+        std::wstring letter = {character, L':'};
         if (GetTarget(functions, letter) == device)
             return letter;
     }

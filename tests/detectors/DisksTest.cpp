@@ -67,7 +67,7 @@ TEST_F(Disks, AreDescribedWhateverTheirKind)
         expected.emplace_back(stored.begin(), stored.end());
     }
     ASSERT_EQ(expected.size(), 50U);
-    const int listed = static_cast<int>(expected.size() - std::ranges::count(expected, L"left out"));
+    const int listed = static_cast<int>(std::ssize(expected) - std::ranges::count(expected, L"left out"));
     EXPECT_EQ(Detect().size(), static_cast<std::size_t>(listed));
     Lines stored(expected.size(), L"left out");
     for (int index = 0; index < listed; ++index)

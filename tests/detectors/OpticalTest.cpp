@@ -63,7 +63,7 @@ struct OpticalDrives : StorageTest {
         DVD().Detect(storage.Functions());
         EXPECT_EQ(storage.open, 0);
         for (const std::wstring& path : storage.opened)  // devices, never volumes
-            EXPECT_TRUE(path.find(L"#") != std::wstring::npos || path.find(L"CdRom") != std::wstring::npos)
+            EXPECT_TRUE(path.find(L'#') != std::wstring::npos || path.find(L"CdRom") != std::wstring::npos)
                 << path;
         return session.Texts({72100, 72101}) + L" " + session.Texts({72300, 72301, 72302, 72303, 72304});
     }

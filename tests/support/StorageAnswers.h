@@ -5,6 +5,7 @@
 
 #include <winioctl.h>
 
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -23,8 +24,9 @@ inline const Request ConfigurationRequest{0x24058, -1};
 inline const Request MediaTypesRequest{IOCTL_STORAGE_GET_MEDIA_TYPES_EX, -1};
 
 /// A number of so many bytes, the lowest first.
-inline std::string Little(std::uint64_t number, int size)
+inline std::string Little(std::integral auto value, int size)
 {
+    auto number = static_cast<std::uint64_t>(value);
     std::string bytes;
     for (; size > 0; --size, number >>= 8)
         bytes += static_cast<char>(number);
@@ -32,7 +34,7 @@ inline std::string Little(std::uint64_t number, int size)
 }
 
 /// The same with the highest first.
-inline std::string Big(std::uint64_t number, int size)
+inline std::string Big(std::integral auto number, int size)
 {
     const std::string bytes = Little(number, size);
     return {bytes.rbegin(), bytes.rend()};
