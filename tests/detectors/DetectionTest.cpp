@@ -26,10 +26,12 @@ TEST(Detectors, FailEachWithItsLineAndTheNextRuns)
     const test::LogCapture log(1);
     Components().DetectAll();
     Components().DetectAll();  // once per process, whoever asks
-    EXPECT_EQ(log.Lines(), (Lines{L"ERR Error in CPU detection.", L"ERR Error in Bios detection.",
-                                  L"ERR Error in Chassis detection.", L"ERR Error in Motherboard detection.",
-                                  L"ERR Error in NetworkDevice detection.", L"ERR Error in OS detection.",
-                                  L"ERR Error in Ram detection."}));
+    EXPECT_EQ(log.Lines(),
+              (Lines{L"ERR Error in CPU detection.", L"ERR Error in Bios detection.",
+                     L"ERR Error in Chassis detection.", L"ERR Error in Motherboard detection.",
+                     L"ERR Error in NetworkDevice detection.", L"ERR Error in OS detection.",
+                     L"ERR Error in Ram detection.", L"ERR Error in Software detection.",
+                     L"ERR Error in Browser detection.", L"ERR Error with Applications detection."}));
 }
 
 /// A chip whose leaf 0 names its maker, with a signature, and the descriptor in leaf 2 if it has it.
