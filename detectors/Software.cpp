@@ -4,7 +4,6 @@
 #include "detectors/ProductFacts.h"
 #include "detectors/ProductTables.h"
 #include "detectors/ScsiControllers.h"
-#include "probes/Attempt.h"
 #include "values/Version.h"
 
 namespace kel {
@@ -50,12 +49,8 @@ bool Software::Detect()
 bool Software::Detect(const SoftwareFunctions& functions)
 {
     return Guarded(L"kel::Software::Detect", L"Error in Software detection.", [&functions] {
-        Drivers drivers;
-        Attempt(L"Error while reading the drivers' versions.", [&drivers] {
-            drivers = {StoredVersion(GpuDriver), StoredVersion(SoundDriver), StoredVersion(NetworkDriver),
-                       ScsiDriver()};
-        });
-        Facts.Store(drivers);
+        Facts.Store({StoredVersion(GpuDriver), StoredVersion(SoundDriver), StoredVersion(NetworkDriver),
+                     ScsiDriver()});
         StoreNewest(L"Software", functions, RuntimeTable());
     });
 }

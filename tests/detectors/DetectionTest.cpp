@@ -26,15 +26,17 @@ TEST(Detectors, FailEachWithItsLineAndTheNextRuns)
     const test::LogCapture log(1);
     Components().DetectAll();
     Components().DetectAll();  // once per process, whoever asks
-    EXPECT_EQ(log.Lines(),
-              (Lines{L"ERR Error in CPU detection.", L"ERR Error in GPU::Detect",
-                     L"ERR Error in Bios detection.", L"ERR Error in CDRom detection.",
-                     L"ERR Error in Chassis detection.", L"ERR Error in DirectX detection.",
-                     L"ERR Error in DVD detection.", L"ERR Error in Graphics detection.",
-                     L"ERR Error in HardDrive detection.", L"ERR Error in LogicalDrive detection.",
-                     L"ERR Error in Motherboard detection.", L"ERR Error in NetworkDevice detection.",
-                     L"ERR Error in OS detection.", L"ERR Error in Ram detection.",
-                     L"ERR Error in Monitor detection.", L"ERR Error in SCSI detection."}));
+    EXPECT_EQ(
+        log.Lines(),
+        (Lines{L"ERR Error in CPU detection.", L"ERR Error in GPU::Detect", L"ERR Error in Bios detection.",
+               L"ERR Error in CDRom detection.", L"ERR Error in Chassis detection.",
+               L"ERR Error in DirectX detection.", L"ERR Error in DVD detection.",
+               L"ERR Error in Graphics detection.", L"ERR Error in HardDrive detection.",
+               L"ERR Error in LogicalDrive detection.", L"ERR Error in Motherboard detection.",
+               L"ERR Error in NetworkDevice detection.", L"ERR Error in OS detection.",
+               L"ERR Error in Ram detection.", L"ERR Error in Software detection.",
+               L"ERR Error in Browser detection.", L"ERR Error in Monitor detection.",
+               L"ERR Error with Applications detection.", L"ERR Error in SCSI detection."}));
 }
 
 /// A chip whose leaf 0 names its maker, with a signature, and the descriptor in leaf 2 if it has it.

@@ -84,8 +84,6 @@ CU Microsoft\Windows\Shell\Associations\UrlAssociations\https\UserChoice|ProgId=
     }
 }
 
-constexpr const wchar_t* VlcFile = L"C:\\Vlc\\vlc.exe|3.0.20.0\nC:\\Old\\vlc.exe|3.0.9.1\nD:\\Plain\\vlc.exe";
-
 TEST(Applications, AreEntriesWhoseProgramIsThere)
 {
     const std::pair<const wchar_t*, const wchar_t*> rows[] = {

@@ -166,12 +166,12 @@ std::vector<std::wstring> ExpectedSoftware(const SoftwareMachine& machine)
         lines.push_back(std::to_wstring(id) + L"[0]=" + text);
         told.erase(id);
     };
-    for (const unsigned id : {72910, 72911, 72920, 72921, 72922, 72930, 72940, 72950})
+    for (const unsigned id : {72910U, 72911U, 72920U, 72921U, 72922U, 72930U, 72940U, 72950U})
         add(id, L"");
     add(72960, L"No");
     add(73000, L"No");
     add(73001, L"0");
-    for (const unsigned id : {73002, 73003, 73004})
+    for (const unsigned id : {73002U, 73003U, 73004U})
         add(id, L"");
     for (unsigned id = 73010; id < 73246; id += id == 73022 ? 188 : 2) {
         add(id, L"No");
