@@ -24,7 +24,8 @@ struct Members : testing::Test {
 bool IsOfRun(const std::wstring& line)
 {
     return line.starts_with(L"MARK Entering: ") && !line.ends_with(L"::Initialize") &&
-           !line.ends_with(L"OS::GetSupportInformation") && line.find(L"kel::WMI::") == std::wstring::npos;
+           !line.ends_with(L"OS::GetSupportInformation") && line.find(L"kel::WMI::") == std::wstring::npos &&
+           line.find(L"kel::SetupLib::") == std::wstring::npos;
 }
 
 TEST_F(Members, TraceTheStepsOfARunInTheirOrder)
