@@ -23,7 +23,7 @@ struct FakeSoundData {
     std::vector<std::shared_ptr<void>> made;
 };
 
-struct FakeDevice : Fake<IMMDevice, FakeEndpoint, FakeSoundData> {
+struct FakeDevice final : Fake<IMMDevice, FakeEndpoint, FakeSoundData> {
     STDMETHODIMP Activate(REFIID, DWORD, PROPVARIANT*, void**) override
     {
         return data->isMisused = true, E_NOTIMPL;
@@ -47,7 +47,7 @@ struct FakeDevice : Fake<IMMDevice, FakeEndpoint, FakeSoundData> {
     KEL_UNUSED(GetState, (DWORD*))
 };
 
-struct FakeCollection : Fake<IMMDeviceCollection, std::vector<FakeEndpoint>, FakeSoundData> {
+struct FakeCollection final : Fake<IMMDeviceCollection, std::vector<FakeEndpoint>, FakeSoundData> {
     STDMETHODIMP GetCount(UINT* count) override { return *count = UINT(content.size()), S_OK; }
     STDMETHODIMP Item(UINT place, IMMDevice** result) override
     {
@@ -55,7 +55,7 @@ struct FakeCollection : Fake<IMMDeviceCollection, std::vector<FakeEndpoint>, Fak
     }
 };
 
-struct FakeEnumerator : Fake<IMMDeviceEnumerator, Nothing, FakeSoundData> {
+struct FakeEnumerator final : Fake<IMMDeviceEnumerator, Nothing, FakeSoundData> {
     STDMETHODIMP EnumAudioEndpoints(EDataFlow direction, DWORD states, IMMDeviceCollection** result) override
     {
         data->isMisused |= states != DEVICE_STATE_ACTIVE;
@@ -76,7 +76,7 @@ struct FakeEnumerator : Fake<IMMDeviceEnumerator, Nothing, FakeSoundData> {
 };
 
 /// Takes the place of the system's own, in this process and in an apartment, as long as it lives.
-struct FakeSound : Fake<IClassFactory, Nothing, FakeSoundData> {
+struct FakeSound final : Fake<IClassFactory, Nothing, FakeSoundData> {
     explicit FakeSound(FakeSoundData& newData)
     {
         data = &newData;
