@@ -10,6 +10,7 @@
 #include "probes/NetworkInterfaces.h"
 #include "support/FakeSound.h"
 #include "support/PlantedDevice.h"
+#include "support/Split.h"
 
 namespace kel::test {
 
@@ -20,15 +21,6 @@ using Lines = std::vector<std::wstring>;
 
 /// The lines of each word that one begins with; the machine's own name under "machine".
 using Machine = std::map<std::wstring, Lines>;
-
-inline Lines Split(const std::wstring& text, wchar_t separator)
-{
-    Lines parts;
-    std::wistringstream stream(text);
-    for (std::wstring part; std::getline(stream, part, separator);)
-        parts.push_back(part);
-    return parts;
-}
 
 inline std::vector<Machine> ReadMachines()
 {

@@ -11,17 +11,6 @@
 
 namespace kel::test {
 
-std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator)
-{
-    std::vector<std::wstring> parts;
-    std::wistringstream stream(text);
-    for (std::wstring part; std::getline(stream, part, separator);) {
-        if (!part.empty() || separator == L'|')
-            parts.push_back(part);
-    }
-    return parts;
-}
-
 std::vector<std::wstring> ReadRows(const char* file)
 {
     std::wifstream stream(std::string(KEL_MACHINES "/") + file);

@@ -6,6 +6,7 @@
 
 #include "probes/SoftwareFunctions.h"
 #include "support/ScratchKey.h"
+#include "support/Split.h"
 
 namespace kel::test {
 
@@ -19,8 +20,6 @@ struct SoftwareMachine {
     std::wstring stored = {};  ///< "id=text", but for "No", "0" and empty texts
     std::wstring host = {}, packages = {};  ///< of a package family, full name, folder
 };
-
-std::vector<std::wstring> Split(const std::wstring& text, wchar_t separator);
 
 /// The lines of a file in tests/machines, but for empty ones and comments.
 std::vector<std::wstring> ReadRows(const char* file);
