@@ -17,7 +17,7 @@ std::uint64_t Setting(const char* name, std::uint64_t otherwise)
 }
 
 /// Recorded EDIDs with bytes changed, cut and joined, half of them with a sum that is right.
-TEST(Fuzz, EdidsGiveNothingOrWhatAnEdidCanSay)
+TEST(EdidFuzz, EdidsGiveNothingOrWhatAnEdidCanSay)
 {
     const std::uint64_t seed = Setting("KEL_FUZZ_SEED", 73100), count = Setting("KEL_FUZZ_COUNT", 2000);
     std::cout << count << " EDIDs of seed " << seed << std::endl;

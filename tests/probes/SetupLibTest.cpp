@@ -185,10 +185,9 @@ TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
     keyless.With(SPDRP_DEVICEDESC, L"Keyless");
     const test::LogCapture log(3);
     const Lines shown = ListGpus();
-    EXPECT_EQ(
-        Lines(shown.begin() + own, shown.end()),
-        (Lines{L"Full|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03", L"of the device|(none)||||5.0 GB|",
-               L"of the driver|1.0|C|D||(none)|PCI\\VEN_1002&DEV_67DF", L"Keyless|(none)||||(none)|"}));
+    EXPECT_EQ(Lines(shown.begin() + own, shown.end()),
+              (Lines{L"Full|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03", L"of the device|||||5.0 GB|",
+                     L"of the driver|1.0|C|D||(none)|PCI\\VEN_1002&DEV_67DF", L"Keyless|||||(none)|"}));
     for (const wchar_t* line : {L"TRACE DriverDesc: Driver", L"TRACE Got device ID: pci\\ven_1002&dev_67df"})
         EXPECT_EQ(std::ranges::count(log.Lines(), line), 1) << line;
 }
