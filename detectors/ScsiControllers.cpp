@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "probes/SetupLib.h"
+#include "values/Junk.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -67,7 +68,7 @@ std::vector<ScsiInfo> ListScsiControllers(SetupLib& library)
     std::vector<ScsiInfo> controllers;
     library.GetScsiInfo(controllers);
     for (ScsiInfo& controller : controllers) {
-        controller.name = Name(TidyName(controller.name.ToString()));
+        controller.name = Name(TidyText(controller.name.ToString()));
         controller.kind = Name(GetControllerKind(controller));
     }
     std::ranges::stable_sort(controllers, {}, &GetRank);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "values/Junk.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -26,8 +27,8 @@ bool IsNoVendor(const std::wstring& word)
 
 std::wstring MakeDiskModel(const std::wstring& vendor, const std::wstring& product)
 {
-    const std::wstring maker = TidyName(vendor);
-    std::wstring model = TidyName(product);
+    const std::wstring maker = CollapseBlanks(TidyText(vendor));
+    std::wstring model = CollapseBlanks(TidyText(product));
     if (maker.empty() || IsNoVendor(maker) || ToUpper(model).starts_with(ToUpper(maker)))
         return model;
     return Trim(maker + L" " + model);
@@ -35,7 +36,7 @@ std::wstring MakeDiskModel(const std::wstring& vendor, const std::wstring& produ
 
 std::wstring TidyDiskModel(const std::wstring& name)
 {
-    std::wstring model = TidyName(name);
+    std::wstring model = CollapseBlanks(TidyText(name));
     for (const std::wstring_view suffix : Suffixes) {
         if (ToUpper(model).ends_with(suffix))
             model.erase(model.size() - suffix.size());
@@ -52,7 +53,7 @@ std::wstring ReadIdeModel(const std::wstring& hardwareId)
     std::wstring model = hardwareId.substr(IdePrefix.size());
     model.erase(std::min(model.find(L"__"), model.size()));  // the firmware is behind it
     std::ranges::replace(model, L'_', L' ');
-    return TidyName(model);
+    return CollapseBlanks(TidyText(model));
 }
 
 bool IsCutModel(const std::wstring& model, const std::wstring& longer)

@@ -7,6 +7,7 @@
 #include "probes/DiskAnswers.h"
 #include "probes/DiskModel.h"
 #include "probes/StorageDescriptor.h"
+#include "values/Junk.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -51,7 +52,7 @@ void TakeDescriptor(const StorageDevice& device, const StorageDescriptor& descri
     disk.isRemovable =
         IsRemovableDisk(descriptor.bus, descriptor.isRemovable || hotplug.medium, hotplug.device);
     disk.isVirtual = IsVirtualBus(descriptor.bus);
-    if (const std::wstring firmware = TidyName(descriptor.revision); !firmware.empty())
+    if (const std::wstring firmware = TidyText(descriptor.revision); !firmware.empty())
         disk.firmware = Version(firmware);
     WriteLog(LogTrace, L"Disk ", *disk.number, L": bus ", descriptor.bus, L", seek penalty ",
              GetWord(seekPenalty), L", trim ", GetWord(trim));

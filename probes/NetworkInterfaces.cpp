@@ -11,6 +11,7 @@
 #include "diag/Log.h"
 #include "platform/Library.h"
 #include "probes/Attempt.h"
+#include "values/Junk.h"
 #include "values/Quantity.h"
 #include "values/Text.h"
 
@@ -89,7 +90,7 @@ std::wstring TextOf(const GUID& guid)
 NetworkInfo InfoOf(const MIB_IF_ROW2& row)
 {
     NetworkInfo info;
-    info.name = Name(std::wstring(row.Description, wcsnlen(row.Description, std::size(row.Description))));
+    info.name = Name(TidyText({row.Description, wcsnlen(row.Description, std::size(row.Description))}));
     info.instanceId = TextOf(row.InterfaceGuid);
     info.SetKind(KindOf(row.Type, row.PhysicalMediumType));
     info.isHardware = row.InterfaceAndOperStatusFlags.HardwareInterface != 0;
@@ -104,7 +105,7 @@ NetworkInfo InfoOf(const MIB_IF_ROW2& row)
 NetworkInfo InfoOf(const IP_ADAPTER_ADDRESSES& adapter)
 {
     NetworkInfo info;
-    info.name = Name(adapter.Description);
+    info.name = Name(adapter.Description != nullptr ? TidyText(adapter.Description) : L"");
     const std::string_view instanceId = adapter.AdapterName;
     info.instanceId = ToUpper(std::wstring(instanceId.begin(), instanceId.end()));
     info.SetKind(KindOf(adapter.IfType, NdisPhysicalMediumUnspecified));

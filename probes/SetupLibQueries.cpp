@@ -114,8 +114,9 @@ bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
                      [&](const SetupDevice& device) {
                          SoundInfo sound;
                          sound.instanceId = device.InstanceId();
-                         sound.name =
+                         const Name name =
                              sound.HasChosenName() ? device.Text(SPDRP_DEVICEDESC) : device.DeviceName();
+                         sound.name = Name(TidyText(name.ToString()));
                          sound.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
                          sound.driverVersion = KnownVersion(device.DriverVersion().ToString());
                          devices.push_back(sound);
@@ -150,7 +151,7 @@ bool SetupLib::GetMonitorInfo(std::vector<MonitorInfo>& monitors)
 NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
 {
     NetworkInfo adapter;
-    adapter.name = device.DeviceName();
+    adapter.name = Name(TidyText(device.DeviceName().ToString()));
     adapter.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
     adapter.enumerator = DeviceID(device.InstanceId()).Bus();
     std::wstring location;

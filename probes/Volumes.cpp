@@ -5,6 +5,7 @@
 #include "diag/Log.h"
 #include "probes/Attempt.h"
 #include "probes/StorageFunctions.h"
+#include "values/Junk.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -49,7 +50,7 @@ DWORD ReadVolume(const VolumeFunctions& functions, const std::wstring& root, Vol
     DWORD error = ERROR_SUCCESS;
     std::array<wchar_t, MAX_PATH + 1> fileSystem = {};
     if (functions.getFileSystem(root.c_str(), fileSystem))
-        volume.fileSystem = Name(TidyName({fileSystem.data(), wcsnlen(fileSystem.data(), MAX_PATH)}));
+        volume.fileSystem = Name(TidyText({fileSystem.data(), wcsnlen(fileSystem.data(), MAX_PATH)}));
     else
         error = GetLastError();
     ULARGE_INTEGER free = {};

@@ -9,12 +9,6 @@ namespace kel {
 
 namespace {
 
-/// In upper case.
-constexpr std::wstring_view Placeholders[] = {
-    L"TO BE FILLED BY O.E.M.", L"DEFAULT STRING",         L"SYSTEM PRODUCT NAME",
-    L"NOT SPECIFIED",          L"(STANDARD DISK DRIVES)", L"GENERIC PNP MONITOR",
-};
-
 std::wstring Transform(std::wstring text, std::wint_t (*convert)(std::wint_t))
 {
     std::ranges::transform(text, text.begin(),
@@ -62,13 +56,6 @@ std::wstring CollapseBlanks(const std::wstring& text)
     for (std::size_t pair = tidy.find(L"  "); pair != std::wstring::npos; pair = tidy.find(L"  ", pair))
         tidy.erase(pair, 1);
     return tidy;
-}
-
-std::wstring TidyName(const std::wstring& name)
-{
-    const auto control = std::ranges::find_if(name, [](wchar_t c) { return c < L' '; });
-    std::wstring tidy = CollapseBlanks({name.begin(), control});
-    return std::ranges::count(Placeholders, ToUpper(tidy)) == 0 ? tidy : std::wstring();
 }
 
 void ReplaceAll(std::wstring& text, std::wstring_view what, std::wstring_view with)

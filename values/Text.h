@@ -25,10 +25,6 @@ std::wstring Trim(const std::wstring& text);
 /// A copy without white space around it and with single blanks within.
 std::wstring CollapseBlanks(const std::wstring& text);
 
-/// What a name is worth storing of: up to its first control character, with single blanks; empty for what
-/// makers and systems write when they have no name, such as "To Be Filled By O.E.M.".
-std::wstring TidyName(const std::wstring& name);
-
 /// Replaces every occurrence; the search goes on after the text just inserted.
 void ReplaceAll(std::wstring& text, std::wstring_view what, std::wstring_view with);
 
