@@ -19,7 +19,7 @@ git rev-parse -q --verify "refs/tags/v$version" >/dev/null && fail "The tag v$ve
 [ -z "$(git status --porcelain)" ] || fail "There are changes that are not committed."
 
 scripts/lint.sh
-scripts/test.sh
+scripts/test.sh --checked
 scripts/package.sh
 (cd build/package && cat SHA256SUMS)
 echo "To publish: git tag -a v$version -m 'Detection $version' $(git rev-parse HEAD), and the files of build/package/."
