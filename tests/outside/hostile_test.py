@@ -17,20 +17,20 @@ VERDICT, TEXT, NOTHING, LOST = r"^28\d <analysis ", r"^11 71063\|71094$", r"^0 $
 # misbehaviour, path, what the script gets of the analysis, seconds at most, MB at most
 ROWS = [
     *((name, ANALYSIS, TEXT, QUICK, 100) for name in MISBEHAVIOURS if name.startswith("length-") and "large" not in name),
-    ("length-large", ANALYSIS, TEXT, WAIT, 60),
+    ("length-large", ANALYSIS, TEXT, WAIT, 100),
     *((name, ANALYSIS, NOTHING, QUICK, 100) for name in ("redirect-host", "redirect-host-keep", "redirect-file", "redirect-ftp")),
     *((name, ANALYSIS, LOST, QUICK, 100) for name in ("redirect-path", "redirect-keep")),
     ("chunked", ANALYSIS, TEXT, QUICK, 100), ("gzip", ANALYSIS, "^30 \x1f", QUICK, 100),
     *((f"chunked-{name}", ANALYSIS, r"^\d\d? 71063\|", QUICK, 100) for name in ("text", "negative", "overflow")),
-    ("longest", ANALYSIS, r"^16777216 71063\|x", QUICK, 200), ("many-ids", GROUPS, r"^\d+ <analysis ", QUICK, 320),
-    ("100-mb", ANALYSIS, NOTHING, QUICK, 120), ("flood", ANALYSIS, NOTHING, QUICK, 120),
-    *((name, ANALYSIS, NOTHING, EXCHANGE, 60)
+    ("longest", ANALYSIS, r"^16777216 71063\|x", QUICK, 250), ("many-ids", GROUPS, r"^\d+ <analysis ", QUICK, 320),
+    ("100-mb", ANALYSIS, NOTHING, QUICK, 150), ("flood", ANALYSIS, NOTHING, QUICK, 150),
+    *((name, ANALYSIS, NOTHING, EXCHANGE, 100)
       for name in ("slow-body", "slow-headers", "flood-header", "redirect-self", "chunked-endless")),
     ("flood-headers", ANALYSIS, NOTHING, EXCHANGE, 1000),
     ("redirect-own", ANALYSIS, LOST, QUICK, 100), ("401", ANALYSIS, TEXT, QUICK, 100),
     ("redirect-host", GROUPS, "^73 No report", QUICK, 100),
     # One call's exchanges share a minute: what follows one that took too long is skipped, and the upload comes later.
-    ("slow-headers", GROUPS, NOTHING, EXCHANGE, 60), ("length-large", GROUPS, NOTHING, WAIT, 60),
+    ("slow-headers", GROUPS, NOTHING, EXCHANGE, 100), ("length-large", GROUPS, NOTHING, WAIT, 100),
     *((name, FILE, VERDICT, QUICK, 100) for name in ("close", "empty", "404", "cut-file", "reset-file")),
     *((name, FILE, VERDICT, DOWNLOAD, 100) for name in ("slow-headers", "redirect-self", "flood", "endless")),
 ]
