@@ -20,4 +20,10 @@ bool Chassis::Detect()
                    [] { Facts.Store(ChassisInfo{HasLongTermBattery()}); });
 }
 
+bool Chassis::Detect(BOOLEAN(WINAPI* getCapabilities)(SYSTEM_POWER_CAPABILITIES*))
+{
+    return Guarded(L"kel::Chassis::Detect", L"Error in Chassis detection.",
+                   [getCapabilities] { Facts.Store(ChassisInfo{HasLongTermBattery(getCapabilities)}); });
+}
+
 }  // namespace kel

@@ -6,6 +6,7 @@
 
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "diag/Timer.h"
 #include "run/store/Session.h"
 #include "values/Value.h"
 
@@ -32,6 +33,9 @@ public:
     }
 
 protected:
+    /// A detector that takes longer says so in the log.
+    static constexpr std::int64_t SlowMilliseconds = 2000;
+
     /// Runs the body of a Detect in a trace scope of the given name. When the body throws, what it has stored
     /// stays, and the error line is logged.
     /// @param errorLine null for a detector without a line of its own
@@ -39,12 +43,17 @@ protected:
     static bool Guarded(const wchar_t* scopeName, const wchar_t* errorLine, Body body)
     {
         const LogScope trace(scopeName);
+        Timer timer;
+        timer.Start();
         try {
             body();
         } catch (...) {
             if (errorLine != nullptr)
                 ReportFailure(LogError, errorLine);
         }
+        timer.Stop();
+        if (timer.ElapsedMilliseconds() > SlowMilliseconds)
+            WriteLog(LogWarning, scopeName, L" took ", timer.ElapsedMilliseconds(), L" milliseconds");
         return true;
     }
 };

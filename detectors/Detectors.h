@@ -2,6 +2,8 @@
 // overload takes what a test puts in the place of the machine's own.
 #pragma once
 
+#include <windows.h>
+
 #include <span>
 
 #include "detectors/Component.h"
@@ -54,6 +56,7 @@ public:
 class Chassis : public Component {
 public:
     bool Detect() override;
+    bool Detect(BOOLEAN(WINAPI* getCapabilities)(SYSTEM_POWER_CAPABILITIES*));
 };
 
 /// DirectX: the runtime that Windows has, which versions of Direct3D are there, and what the first adapter
@@ -133,6 +136,7 @@ private:
 class Ram : public Component {
 public:
     bool Detect() override;
+    bool Detect(decltype(&GlobalMemoryStatusEx) statusEx);
 };
 
 /// Sound: its devices, merged from the Setup API, WMI and the system's endpoints, that of the default output

@@ -1,4 +1,4 @@
-// The driver versions that detectors store and the software detector, which runs after them, repeats.
+// The ids of driver versions that the software detector repeats: what other detectors store before it runs.
 #pragma once
 
 namespace kel {

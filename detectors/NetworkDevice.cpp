@@ -2,6 +2,7 @@
 #include <tuple>
 
 #include "detectors/Detectors.h"
+#include "detectors/DriverIds.h"
 #include "detectors/Facts.h"
 #include "probes/NetworkInterfaces.h"
 #include "probes/SetupLib.h"
@@ -16,7 +17,8 @@ using I = NetworkInfo;
 
 constexpr FactTable AdapterFacts(Fact{72702, &I::name, L"name"}, Fact{72703, &I::deviceId},
                                  Fact{72704, &I::kind, L"kind"}, Fact{72705, &I::isOnBus},
-                                 Fact{72706, &I::driverVersion}, Fact{72707, &I::isConnected, L"connection"},
+                                 Fact{NetworkDriver, &I::driverVersion},
+                                 Fact{72707, &I::isConnected, L"connection"},
                                  Fact{72708, &I::linkSpeed, L"link speed"}, Fact{NotStored, &I::instanceId},
                                  Fact{NotStored, &I::enumerator}, Fact{NotStored, &I::isHardware},
                                  Fact{NotStored, &I::hasConnector}, Fact{NotStored, &I::isDefaultRoute});

@@ -17,4 +17,10 @@ bool Ram::Detect()
     return Guarded(L"kel::Ram::Detect", L"Error in Ram detection.", [] { Facts.Store(ReadMemory()); });
 }
 
+bool Ram::Detect(decltype(&GlobalMemoryStatusEx) statusEx)
+{
+    return Guarded(L"kel::Ram::Detect", L"Error in Ram detection.",
+                   [statusEx] { Facts.Store(ReadMemory(statusEx)); });
+}
+
 }  // namespace kel

@@ -2,6 +2,7 @@
 #include <tuple>
 
 #include "detectors/Detectors.h"
+#include "detectors/DriverIds.h"
 #include "detectors/Facts.h"
 #include "probes/SetupLib.h"
 #include "probes/SoundEndpoints.h"
@@ -15,7 +16,7 @@ namespace {
 using I = SoundInfo;
 
 constexpr FactTable DeviceFacts(Fact{72802, &I::name, L"name"}, Fact{72803, &I::deviceId, L"device id"},
-                                Fact{72804, &I::driverVersion}, Fact{72805, &I::servesDefault},
+                                Fact{SoundDriver, &I::driverVersion}, Fact{72805, &I::servesDefault},
                                 Fact{NotStored, &I::instanceId});
 using Device = decltype(DeviceFacts)::Device;
 

@@ -8,8 +8,6 @@ namespace {
 
 using namespace test;
 
-constexpr DWORD DiskClass = 0x4D36E967;
-
 std::wstring Path(std::size_t number)
 {
     return L"\\\\.\\PhysicalDrive" + std::to_wstring(number);

@@ -2,11 +2,10 @@
 
 #include "detectors/Detectors.h"
 #include "probes/SoundEndpoints.h"
-#include "support/FakeWmi.h"
+#include "support/FakeSound.h"
 #include "support/LogCapture.h"
 #include "support/PlantedNetwork.h"
 #include "support/TestSession.h"
-#include "values/Text.h"
 
 namespace kel {
 namespace {
@@ -15,45 +14,6 @@ using test::PlantedNetwork;
 using test::PlantedSound;
 
 constexpr const wchar_t* SoundQuery = L"SELECT * FROM Win32_SoundDevice";
-
-TEST(NetworkAndSound, OfRecordedMachinesAreStoredLineForLine)
-{
-    test::FakeWmiData wmi;
-    const test::FakeWmi fakeWmi(wmi);
-    const std::vector<test::Machine> machines = test::ReadMachines();
-    EXPECT_EQ(machines.size(), 6U);
-    for (test::Machine machine : machines) {
-        PlantedNetwork network(machine[L"adapter"]);
-        const PlantedSound sound(machine[L"sound"]);
-        wmi.objects[SoundQuery] = sound.wmi;
-        test::FakeSoundData service;
-        for (const std::wstring& output : machine[L"output*"])
-            service.endpoints.push_back({eRender, output});
-        service.defaultOutput = static_cast<int>(service.endpoints.size()) - 1;
-        for (const std::wstring& output : machine[L"output"])
-            service.endpoints.push_back({eRender, output});
-        for (const std::wstring& input : machine[L"input"])
-            service.endpoints.push_back({eCapture, input});
-        std::wstring expected;
-        for (const std::wstring& line : machine[L"="])
-            expected += line + L"\n";
-        ReplaceAll(expected, L"; ", L"\n");
-        for (int run = 0; run < 2; ++run) {
-            const test::FakeSound fakeSound(service);
-            const test::TestSession session;
-            NetworkDevice().Detect(network.functions);
-            Sound().Detect(SoundFunctions());
-            std::wstring stored;
-            for (const std::wstring& line : session.Lines(72700, 72899))
-                stored += line + L"\n";
-            EXPECT_EQ(stored, expected) << machine[L"machine"][0];
-            for (const wchar_t* text : test::Personal)
-                EXPECT_EQ(ToUpper(stored).find(text), std::wstring::npos) << text;
-        }
-        EXPECT_FALSE(service.isMisused);
-        EXPECT_EQ(service.references, 0U);
-    }
-}
 
 TEST(NetworkDevice, GoesOnWithoutASource)
 {

@@ -7,6 +7,7 @@
 #include "detectors/ProductTables.h"
 #include "probes/Command.h"
 #include "support/LogCapture.h"
+#include "support/Machines.h"
 #include "support/PlantedDevice.h"
 #include "support/PlantedSoftware.h"
 #include "support/TestSession.h"
@@ -17,26 +18,14 @@
 namespace kel {
 namespace {
 
+using test::Lines;
 using testing::Contains, testing::Not;
-using Lines = std::vector<std::wstring>;
-
-TEST(Software, OfFiveMachinesIsWhatIsThereAndTwiceTheSame)
-{
-    const std::vector<test::SoftwareMachine> machines = test::ReadSoftwareMachines();
-    ASSERT_EQ(machines.size(), 5U);
-    for (const test::SoftwareMachine& machine : machines) {
-        const test::PlantedSoftware planted(machine);
-        const Lines stored = test::DetectSoftware(planted.functions);
-        EXPECT_EQ(stored, test::ExpectedSoftware(machine)) << machine.name;
-        EXPECT_EQ(test::DetectSoftware(planted.functions), stored) << machine.name;
-    }
-}
 
 TEST(Software, RepeatsTheDriversOfTheDevicesThatMatter)
 {
     test::TestSession session;
     const test::PlantedSoftware planted({});
-    test::PlantedDevice scsi(0x4D36E97B);
+    test::PlantedDevice scsi(test::ScsiClass);
     scsi.With(SPDRP_HARDWAREID, L"PCI\\VEN_1000&DEV_0072")
         .Device(L"a", L"b")
         .Driver(L"DriverVersion", L"2.0.3");
@@ -57,7 +46,7 @@ TEST(Browser, IsThereWithItsFileAndNotAsAChannel)
         const Lines fields = test::Split(row, L';');  // id or 0, key, file
         const std::wstring next = std::to_wstring(std::stoul(fields[0]) + 1);
         const test::SoftwareMachine machine = {
-            L"", fields[1], fields[2] + L"|9.8.7.6",
+            fields[1], fields[2] + L"|9.8.7.6",
             fields[0] == L"0" ? L"" : L"73000=Yes|73001=1|" + fields[0] + L"=Yes|" + next + L"=9.8.7.6"};
         const test::PlantedSoftware planted(machine);
         EXPECT_EQ(test::DetectSoftware(planted.functions), test::ExpectedSoftware(machine)) << row;
@@ -75,7 +64,7 @@ TEST(Browser, OfChoiceIsOneThatIsThere)
     };
     for (const auto& [keys, name] : rows) {
         const test::PlantedSoftware planted(
-            {L"", keys + std::wstring(LR"(
+            {keys + std::wstring(LR"(
 64 A:firefox.exe|=C:\Fox\firefox.exe
 CU Microsoft\Windows\Shell\Associations\UrlAssociations\https\UserChoice|ProgId=FirefoxURL-1)"),
              L"C:\\Fox\\firefox.exe|1.2.3.4\nC:\\Firefox Nightly\\firefox.exe"});
@@ -108,7 +97,7 @@ TEST(Applications, AreEntriesWhoseProgramIsThere)
         std::wstring keys(values);
         keys.insert(2, L" U:VLC media player|DisplayVersion=4.4");
         const test::SoftwareMachine machine = {
-            L"", keys, L"C:\\Vlc\\vlc.exe|3.0.20.0\nC:\\Old\\vlc.exe|3.0.9.1\nD:\\Plain\\vlc.exe",
+            keys, L"C:\\Vlc\\vlc.exe|3.0.20.0\nC:\\Old\\vlc.exe|3.0.9.1\nD:\\Plain\\vlc.exe",
             *version == L'\0' ? L"" : std::wstring(L"73228=Yes|73229=") + version};
         EXPECT_EQ(test::DetectSoftware(test::PlantedSoftware(machine).functions),
                   test::ExpectedSoftware(machine))
@@ -180,7 +169,7 @@ constexpr const wchar_t* Faulty =
 64 Microsoft\NET Framework Setup\NDP\v4\Full|Version=4.0.30319|Release=533320
 CU Microsoft\Windows\Shell\Associations\UrlAssociations\https\UserChoice|ProgId=ChromeHTML)";
 const test::SoftwareMachine FaultyMachine = {
-    L"", Faulty,
+    Faulty,
     LR"(
 C:\Vlc\vlc.exe|3.0.20.0
 C:\Steam\steam.exe|8.1.0.0

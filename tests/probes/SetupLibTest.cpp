@@ -16,8 +16,9 @@ using test::PlantedDevice;
 using Lines = std::vector<std::wstring>;
 using Table = SetupEntryPoints;
 
-constexpr DWORD CDRoms = 0x4D36E965, Disks = 0x4D36E967, Displays = 0x4D36E968, Sounds = 0x4D36E96C,
-                Networks = 0x4D36E972, Scsis = 0x4D36E97B;
+constexpr test::DeviceClass CDRoms = test::OpticalClass, Disks = test::DiskClass,
+                            Displays = test::DisplayClass, Sounds = test::SoundClass,
+                            Networks = test::NetworkClass, Scsis = test::ScsiClass;
 
 std::wstring Show(const Value& value)
 {

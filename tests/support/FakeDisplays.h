@@ -17,9 +17,9 @@ struct Screen {
     DWORD width, height;
     DISPLAYCONFIG_RATIONAL rate;
     UINT32 technology;
-    const wchar_t* name;
-    const wchar_t* instance;  ///< with "#" in place of "\"
-    int isHdr = -1;           ///< -1: the system does not tell
+    std::wstring name;
+    std::wstring instance;  ///< with "#" in place of "\"
+    int isHdr = -1;         ///< -1: the system does not tell
 };
 
 struct FakeDisplays {
@@ -30,7 +30,7 @@ struct FakeDisplays {
 
     std::wstring PathOf(const Screen& screen) const
     {
-        return std::wstring(L"\\\\?\\") + screen.instance + L"#{e6f07b5f-ee97-4a90-b076-33f57bf4eaa7}";
+        return L"\\\\?\\" + screen.instance + L"#{e6f07b5f-ee97-4a90-b076-33f57bf4eaa7}";
     }
 
     /// Functions that answer for the screens, as long as the object lives.
@@ -66,7 +66,7 @@ struct FakeDisplays {
             const Screen& screen = screens[header->id];
             if (header->type == DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_NAME) {
                 auto& told = *reinterpret_cast<DISPLAYCONFIG_TARGET_DEVICE_NAME*>(header);
-                wcscpy(told.monitorFriendlyDeviceName, screen.name);
+                wcscpy(told.monitorFriendlyDeviceName, screen.name.c_str());
                 wcscpy(told.monitorDevicePath, PathOf(screen).c_str());
                 return ERROR_SUCCESS;
             }

@@ -27,16 +27,14 @@ class FakeGraphics {
 public:
     explicit FakeGraphics(const std::vector<Card>& cards)
     {
-        factory.owner = direct3D9.owner = provider.owner = this;
         factory.Answer(
             12, +[](Object* self, UINT index, IDXGIAdapter1** out) -> HRESULT {
                 return index < self->owner->adapters.size() ? self->owner->At(index).Give(out)
                                                             : HRESULT{DXGI_ERROR_NOT_FOUND};
             });
         for (const Card& card : cards) {
-            Object& adapter = adapters.emplace_back();
+            Object& adapter = adapters.emplace_back(*this);
             adapter.card = card;
-            adapter.owner = this;
             adapter.luid = {static_cast<DWORD>(adapters.size()), 7};
             adapter.Answer(
                 9, +[](Object* self, REFIID, LARGE_INTEGER* version) -> HRESULT {
@@ -132,14 +130,7 @@ public:
     }
 
     /// What is still held of all that was given.
-    int References() const
-    {
-        int held = factory.references + direct3D9.references + device10.references + device12.references +
-                   diagnosisClass.references + provider.references + container.references;
-        for (const Object& adapter : adapters)
-            held += adapter.references;
-        return held;
-    }
+    ULONG References() const { return held; }
 
     /// Changes what is told: of the system, or, by its name, a property of DxDiag's one display device.
     void Set(const std::wstring& key, const std::wstring& value)
@@ -160,7 +151,9 @@ public:
 
 private:
     struct Object : FakeObject {
-        FakeGraphics* owner = nullptr;
+        explicit Object(FakeGraphics& newOwner) : FakeObject(newOwner.held), owner(&newOwner) {}
+
+        FakeGraphics* owner;
         Card card{};
         LUID luid{};
     };
@@ -206,7 +199,6 @@ private:
     /// One object stands for all containers.
     void SetUpDxDiag()
     {
-        diagnosisClass.owner = container.owner = this;
         diagnosisClass.Answer(
             3, +[](Object* self, IUnknown*, REFIID, void** out) -> HRESULT {
                 return self->owner->provider.Give(out);
@@ -242,8 +234,10 @@ private:
     bool hasDxgi = true;
     bool isBroken = false;  // Direct3D 11's driver throws
     std::map<std::wstring, std::wstring> diagnosis;
+    ULONG held = 0;
     std::list<Object> adapters;
-    Object factory, direct3D9, device10, device12, diagnosisClass, provider, container;
+    Object factory{*this}, direct3D9{*this}, device10{*this}, device12{*this}, diagnosisClass{*this},
+        provider{*this}, container{*this};
     std::map<std::wstring, int> calls;
 };
 

@@ -35,6 +35,14 @@ struct FakeStorage {
     int open = 0;
     DWORD listError = ERROR_SUCCESS;
 
+    /// What answers under the path of an interface that a device has.
+    /// @param number the first number of the interface's GUID
+    FakeDevice& InterfaceOf(std::wstring instanceId, const std::wstring& number)
+    {
+        std::ranges::replace(instanceId, L'\\', L'#');
+        return devices[L"\\\\?\\" + instanceId + L"#{" + number + L"-b6bf-11d0-94f2-00a0c91efb8b}"];
+    }
+
     StorageFunctions Functions()
     {
         StorageFunctions functions;

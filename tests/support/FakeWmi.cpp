@@ -1,103 +1,91 @@
 #include "support/FakeWmi.h"
 
-#include "support/FakeWmiObjects.h"
-
 namespace kel::test {
 
 namespace {
 
-struct Security final : Fake<IClientSecurity> {
-    STDMETHODIMP SetBlanket(IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR* principal,
-                            DWORD level, DWORD impersonation, void* identity, DWORD capabilities) override
-    {
-        data->arguments += L"blanket";
-        for (const DWORD value : {authentication, authorisation, level, impersonation, capabilities})
-            data->arguments += L" " + std::to_wstring(value);
-        data->arguments += principal == nullptr && identity == nullptr ? L"; " : L" of somebody; ";
-        return data->refusesBlanket ? E_ACCESSDENIED : S_OK;
-    }
-    KEL_UNUSED(QueryBlanket, (IUnknown*, DWORD*, DWORD*, OLECHAR**, DWORD*, DWORD*, void**, DWORD*))
-    KEL_UNUSED(CopyProxy, (IUnknown*, IUnknown**))
-};
+using Plain = ServiceObject<FakeWmiData>;
+using Object = ServiceObject<FakeWmiData, WmiProperties>;
+using Enumerator = ServiceObject<FakeWmiData, std::vector<WmiProperties>>;
 
-struct Services final : Fake<IWbemServices> {
-    STDMETHODIMP QueryInterface(REFIID riid, void** result) override
-    {
-        if (riid != IID_IClientSecurity)
-            return Fake::QueryInterface(riid, result);
-        *result = Make<Security>(data);
-        return S_OK;
-    }
-    STDMETHODIMP ExecQuery(const BSTR language, const BSTR query, LONG flags, IWbemContext* context,
-                           IEnumWbemClassObject** result) override
-    {
-        data->arguments +=
-            language + (L" " + std::to_wstring(flags)) + (context ? L" in a context; " : L"; ");
-        data->queries.emplace_back(query);
-        if (SUCCEEDED(data->query))
-            *result = Make<WmiEnumerator>(data, data->objects[query]);
-        return data->query;
-    }
-    using Context = IWbemContext*;
-    using Sink = IWbemObjectSink*;
-    using Result = IWbemCallResult**;
-    using Objects = IEnumWbemClassObject**;
-    KEL_UNUSED(OpenNamespace, (const BSTR, LONG, Context, IWbemServices**, Result))
-    KEL_UNUSED(CancelAsyncCall, (Sink))
-    KEL_UNUSED(QueryObjectSink, (LONG, IWbemObjectSink**))
-    KEL_UNUSED(GetObject, (const BSTR, LONG, Context, IWbemClassObject**, Result))
-    KEL_UNUSED_2(PutClass, PutInstance, (IWbemClassObject*, LONG, Context, Result))
-    KEL_UNUSED_2(PutClassAsync, PutInstanceAsync, (IWbemClassObject*, LONG, Context, Sink))
-    KEL_UNUSED_2(DeleteClass, DeleteInstance, (const BSTR, LONG, Context, Result))
-    KEL_UNUSED_2(DeleteClassAsync, DeleteInstanceAsync, (const BSTR, LONG, Context, Sink))
-    KEL_UNUSED_2(CreateClassEnum, CreateInstanceEnum, (const BSTR, LONG, Context, Objects))
-    KEL_UNUSED_2(CreateClassEnumAsync, CreateInstanceEnumAsync, (const BSTR, LONG, Context, Sink))
-    KEL_UNUSED(GetObjectAsync, (const BSTR, LONG, Context, Sink))
-    KEL_UNUSED_2(ExecQueryAsync, ExecNotificationQueryAsync, (const BSTR, const BSTR, LONG, Context, Sink))
-    KEL_UNUSED(ExecNotificationQuery, (const BSTR, const BSTR, LONG, Context, Objects))
-    KEL_UNUSED(ExecMethod,
-               (const BSTR, const BSTR, LONG, Context, IWbemClassObject*, IWbemClassObject**, Result))
-    KEL_UNUSED(ExecMethodAsync, (const BSTR, const BSTR, LONG, Context, IWbemClassObject*, Sink))
-};
+HRESULT Get(Object* self, const wchar_t* name, LONG, VARIANT* value, CIMTYPE* type, LONG*)
+{
+    const auto found = self->content.find(name);
+    if (found == self->content.end())
+        return E_FAIL;
+    *type = found->second.type;
+    return VariantCopy(value, &found->second.value);
+}
 
-struct Locator final : Fake<IWbemLocator> {
-    STDMETHODIMP ConnectServer(const BSTR resource, const BSTR user, const BSTR password, const BSTR locale,
-                               LONG flags, const BSTR authority, IWbemContext* context,
-                               IWbemServices** result) override
-    {
-        const bool isPlain = !user && !password && !locale && !authority && !context;
-        data->arguments += resource + (L" " + std::to_wstring(flags)) + (isPlain ? L"; " : L" as somebody; ");
-        data->whileAsked();
-        if (SUCCEEDED(data->connect))
-            *result = Make<Services>(data);
-        return data->connect;
+HRESULT Next(Enumerator* self, LONG wait, ULONG count, IWbemClassObject** result, ULONG* returned)
+{
+    FakeWmiData& data = self->data;
+    data.arguments += L"next " + std::to_wstring(wait) + L" " + std::to_wstring(count) + L"; ";
+    for (*returned = 0; *returned < count && *returned < self->content.size(); ++*returned) {
+        Make<Object>(data, __uuidof(IWbemClassObject), self->content[*returned], 4, &Get)
+            .Give(&result[*returned]);
     }
-};
+    if (FAILED(data.next))
+        return data.next;
+    return *returned == count ? WBEM_S_NO_ERROR : WBEM_S_FALSE;
+}
 
-struct Factory final : Fake<IClassFactory> {
-    STDMETHODIMP CreateInstance(IUnknown*, REFIID riid, void** result) override
-    {
-        *result = riid == IID_IWbemLocator ? Make<Locator>(data) : nullptr;
-        return *result != nullptr ? S_OK : E_NOINTERFACE;
-    }
-    KEL_UNUSED(LockServer, (BOOL))
-};
+HRESULT SetBlanket(Plain* self, IUnknown*, DWORD authentication, DWORD authorisation, OLECHAR* principal,
+                   DWORD level, DWORD impersonation, void* identity, DWORD capabilities)
+{
+    std::wstring& arguments = self->data.arguments;
+    arguments += L"blanket";
+    for (const DWORD value : {authentication, authorisation, level, impersonation, capabilities})
+        arguments += L" " + std::to_wstring(value);
+    arguments += principal == nullptr && identity == nullptr ? L"; " : L" of somebody; ";
+    return self->data.refusesBlanket ? E_ACCESSDENIED : S_OK;
+}
+
+HRESULT AskServices(Plain* self, REFIID riid, void** out)
+{
+    if (riid == IID_IClientSecurity)
+        return Make<Plain>(self->data, riid, 0, 4, &SetBlanket).Give(out);
+    return riid == IID_IUnknown ? self->Give(out) : E_NOINTERFACE;
+}
+
+HRESULT ExecQuery(Plain* self, const BSTR language, const BSTR query, LONG flags, IWbemContext* context,
+                  IEnumWbemClassObject** result)
+{
+    FakeWmiData& data = self->data;
+    data.arguments += language + (L" " + std::to_wstring(flags)) + (context ? L" in a context; " : L"; ");
+    data.queries.emplace_back(query);
+    if (SUCCEEDED(data.query))
+        Make<Enumerator>(data, __uuidof(IEnumWbemClassObject), data.objects[query], 4, &Next).Give(result);
+    return data.query;
+}
+
+HRESULT ConnectServer(Plain* self, const BSTR resource, const BSTR user, const BSTR password,
+                      const BSTR locale, LONG flags, const BSTR authority, IWbemContext* context,
+                      IWbemServices** result)
+{
+    FakeWmiData& data = self->data;
+    const bool isPlain = !user && !password && !locale && !authority && !context;
+    data.arguments += resource + (L" " + std::to_wstring(flags)) + (isPlain ? L"; " : L" as somebody; ");
+    data.whileAsked();
+    if (FAILED(data.connect))
+        return data.connect;
+    auto& services = Make<Plain>(data, __uuidof(IWbemServices), 0, 20, &ExecQuery);
+    services.Answer(0, &AskServices);
+    return services.Give(result);
+}
+
+HRESULT CreateInstance(Plain* self, IUnknown*, REFIID riid, void** result)
+{
+    if (riid != IID_IWbemLocator)
+        return E_NOINTERFACE;
+    return Make<Plain>(self->data, riid, 0, 3, &ConnectServer).Give(result);
+}
 
 }  // namespace
 
 FakeWmi::FakeWmi(FakeWmiData& data)
+    : locators(CLSID_WbemLocator, Make<Plain>(data, IID_IClassFactory, 0, 3, &CreateInstance))
 {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    auto* const factory = Make<Factory>(&data);
-    CoRegisterClassObject(CLSID_WbemLocator, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE,
-                          &registration);
-    factory->Release();
-}
-
-FakeWmi::~FakeWmi()
-{
-    CoRevokeClassObject(registration);
-    CoUninitialize();
 }
 
 }  // namespace kel::test

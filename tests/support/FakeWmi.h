@@ -7,9 +7,9 @@
 
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
-#include <vector>
+
+#include "support/FakeObject.h"
 
 namespace kel::test {
 
@@ -19,11 +19,11 @@ struct FakeProperty {
     CIMTYPE type = CIM_STRING;
 };
 
-using FakeObject = std::map<std::wstring, FakeProperty>;
+using WmiProperties = std::map<std::wstring, FakeProperty>;
 
 /// What the fake WMI of a test answers: objects by query, and where it fails.
-struct FakeWmiData {
-    std::map<std::wstring, std::vector<FakeObject>> objects;
+struct FakeWmiData : FakeServiceData {
+    std::map<std::wstring, std::vector<WmiProperties>> objects;
     HRESULT connect = S_OK;
     HRESULT query = S_OK;
     bool refusesBlanket = false;
@@ -31,20 +31,15 @@ struct FakeWmiData {
     std::vector<std::wstring> queries;
     HRESULT next = S_OK;     ///< a failure comes after the objects
     std::wstring arguments;  ///< what else the calls were given
-    ULONG references = 0;    ///< on the fakes, all together
-    std::vector<std::shared_ptr<void>> made;
 };
 
-/// Puts a fake locator in the place of WMI's own, in this process and in an apartment, as long as it lives.
+/// Puts a fake locator in the place of WMI's own, as long as it lives.
 class FakeWmi {
 public:
     explicit FakeWmi(FakeWmiData& data);
-    FakeWmi(const FakeWmi&) = delete;
-    FakeWmi& operator=(const FakeWmi&) = delete;
-    ~FakeWmi();
 
 private:
-    DWORD registration = 0;
+    FakeClass locators;
 };
 
 }  // namespace kel::test

@@ -4,9 +4,9 @@
 
 namespace kel::test {
 
-PlantedDevice::PlantedDevice(DWORD classNumber, const wchar_t* instanceId)
+PlantedDevice::PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId)
 {
-    const GUID guid = {classNumber, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
+    const GUID guid = {deviceClass, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
     set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     device.cbSize = sizeof(device);
     SetupDiCreateDeviceInfoW(set, instanceId != nullptr ? instanceId : L"KELTEST", &guid, nullptr, nullptr,

@@ -8,12 +8,21 @@
 
 namespace kel::test {
 
+/// The first numbers of the GUIDs of setup classes.
+enum DeviceClass : DWORD {
+    OpticalClass = 0x4D36E965,
+    DiskClass = 0x4D36E967,
+    DisplayClass = 0x4D36E968,
+    SoundClass = 0x4D36E96C,
+    NetworkClass = 0x4D36E972,
+    ScsiClass = 0x4D36E97B
+};
+
 /// A device of a setup class, planted through the Setup API and taken away when the object is destroyed.
 class PlantedDevice {
 public:
-    /// @param classNumber the first number of the class's GUID
     /// @param instanceId what tells the device from others; null for one of the test's own
-    explicit PlantedDevice(DWORD classNumber, const wchar_t* instanceId = nullptr);
+    explicit PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId = nullptr);
     PlantedDevice(const PlantedDevice&) = delete;
     PlantedDevice& operator=(const PlantedDevice&) = delete;
     ~PlantedDevice();

@@ -1,42 +1,21 @@
-// The networks and the sound of the machines in tests/machines/networks.txt, planted.
+// A machine's network adapters and sound devices, planted.
 #pragma once
 
 #include <cstddef>
 #include <cstring>
-#include <fstream>
-#include <map>
-#include <sstream>
+#include <memory>
 
 #include "probes/NetworkInterfaces.h"
-#include "support/FakeSound.h"
+#include "support/FakeWmi.h"
 #include "support/PlantedDevice.h"
 #include "support/Split.h"
+#include "values/DeviceID.h"
 
 namespace kel::test {
 
-/// What people choose and what tells a machine: planted beside the adapters and the endpoints.
-constexpr const wchar_t* Personal[] = {L"ANNA", L"0211223344", L"0211-22", L"02-11-22", L"02:11:22"};
-
-using Lines = std::vector<std::wstring>;
-
-/// The lines of each word that one begins with; the machine's own name under "machine".
-using Machine = std::map<std::wstring, Lines>;
-
-inline std::vector<Machine> ReadMachines()
-{
-    std::vector<Machine> machines;
-    std::wifstream file(KEL_NETWORKS);
-    for (std::wstring line; std::getline(file, line);) {
-        const std::size_t blank = line.find(L' ');
-        if (line.starts_with(L"machine "))
-            machines.emplace_back();
-        if (!machines.empty() && blank != std::wstring::npos)
-            machines.back()[line.substr(0, blank)].push_back(line.substr(blank + 1));
-    }
-    return machines;
-}
-
-/// Adapters, for the Setup API and in tables of functions.
+/// Adapters, for the Setup API and in tables of functions. A line: instance id of its device (none for an
+/// interface without one), name, type and medium of the interface, flags (hardware H, connector C, filter F,
+/// on the board B, default route R), state, speed. Drivers are 1.0.0, 1.0.1 and so on.
 struct PlantedNetwork {
     explicit PlantedNetwork(const Lines& lines)
     {
@@ -61,7 +40,7 @@ struct PlantedNetwork {
             if (fields[0].empty())
                 continue;
             auto& device =
-                *devices.emplace_back(std::make_unique<PlantedDevice>(0x4D36E972, fields[0].c_str()));
+                *devices.emplace_back(std::make_unique<PlantedDevice>(NetworkClass, fields[0].c_str()));
             device.With(SPDRP_DEVICEDESC, fields[1]).With(SPDRP_HARDWAREID, DeviceID(fields[0]).ToString());
             device.With(SPDRP_LOCATION_INFORMATION, has(L'B') ? L"PCI bus 0, device 31" : L"Port 1");
             device.Driver(L"DriverVersion", L"1.0." + place);
@@ -87,8 +66,8 @@ struct PlantedNetwork {
     std::vector<std::unique_ptr<PlantedDevice>> devices;
 };
 
-/// Sound devices, for the Setup API; the first one for WMI, too. A line may end in the hardware id where it
-/// is not the instance's. Bluetooth devices have names that people chose.
+/// Sound devices, for the Setup API; the first one for WMI, too. A line: instance id, name, and the hardware
+/// id where it is not the instance's. Bluetooth devices have names that people chose.
 struct PlantedSound {
     explicit PlantedSound(const Lines& lines)
     {
@@ -97,7 +76,7 @@ struct PlantedSound {
             fields.resize(3);
             const std::wstring place = std::to_wstring(devices.size());
             auto& device =
-                *devices.emplace_back(std::make_unique<PlantedDevice>(0x4D36E96C, fields[0].c_str()));
+                *devices.emplace_back(std::make_unique<PlantedDevice>(SoundClass, fields[0].c_str()));
             device.With(SPDRP_HARDWAREID, !fields[2].empty() ? fields[2] : DeviceID(fields[0]).ToString());
             device.With(SPDRP_DEVICEDESC, fields[1])
                 .Device(L"x", L"")
@@ -112,7 +91,7 @@ struct PlantedSound {
     }
 
     std::vector<std::unique_ptr<PlantedDevice>> devices;
-    std::vector<FakeObject> wmi;  ///< what Win32_SoundDevice lists
+    std::vector<WmiProperties> wmi;  ///< what Win32_SoundDevice lists
 };
 
 }  // namespace kel::test

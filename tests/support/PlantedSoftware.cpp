@@ -1,46 +1,13 @@
 #include "support/PlantedSoftware.h"
 
 #include <algorithm>
-#include <fstream>
 #include <map>
-#include <sstream>
 
 #include "detectors/Detectors.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
 
 namespace kel::test {
-
-std::vector<std::wstring> ReadRows(const char* file)
-{
-    std::wifstream stream(std::string(KEL_MACHINES "/") + file);
-    std::vector<std::wstring> rows;
-    for (std::wstring row; std::getline(stream, row);) {
-        if (!row.empty() && !row.starts_with(L'#'))
-            rows.push_back(row);
-    }
-    return rows;
-}
-
-std::vector<SoftwareMachine> ReadSoftwareMachines()
-{
-    std::vector<SoftwareMachine> machines;
-    const std::map<std::wstring, std::wstring SoftwareMachine::*> kinds = {
-        {L"file", &SoftwareMachine::files},
-        {L"host", &SoftwareMachine::host},
-        {L"stored", &SoftwareMachine::stored},
-        {L"package", &SoftwareMachine::packages}};
-    for (const std::wstring& row : ReadRows("programs.txt")) {
-        const auto kind = kinds.find(row.substr(0, row.find(L' ')));
-        if (row.starts_with(L'['))
-            machines.emplace_back().name = row;
-        else if (kind == kinds.end())
-            machines.back().keys += row + L"\n";
-        else
-            machines.back().*kind->second += row.substr(kind->first.size() + 1) + L"\n";
-    }
-    return machines;
-}
 
 std::vector<BYTE> MakeVersionRecord(const std::wstring& version)
 {

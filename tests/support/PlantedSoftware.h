@@ -12,7 +12,6 @@ namespace kel::test {
 
 /// What is installed on a machine: lines, whose fields have bars between them.
 struct SoftwareMachine {
-    std::wstring name = {};
     /// A registry key: its view (64, 32, CU), a blank, its path below SOFTWARE, and values as "name=text" or
     /// "name=#number". "U:" in front of the path is the list of programs, "A:" App Paths.
     std::wstring keys = {};
@@ -20,12 +19,6 @@ struct SoftwareMachine {
     std::wstring stored = {};  ///< "id=text", but for "No", "0" and empty texts
     std::wstring host = {}, packages = {};  ///< of a package family, full name, folder
 };
-
-/// The lines of a file in tests/machines, but for empty ones and comments.
-std::vector<std::wstring> ReadRows(const char* file);
-
-/// The machines of programs.txt.
-std::vector<SoftwareMachine> ReadSoftwareMachines();
 
 /// A version record as a program's resources have it.
 std::vector<BYTE> MakeVersionRecord(const std::wstring& version);

@@ -6,12 +6,11 @@
 #include "support/FakeWmi.h"
 #include "support/LogCapture.h"
 #include "support/PlantedDevice.h"
+#include "support/Split.h"
 #include "support/StorageAnswers.h"
 #include "support/TestSession.h"
 
 namespace kel::test {
-
-using Lines = std::vector<std::wstring>;
 
 /// A machine whose storage, WMI and session are the test's.
 struct StorageTest : testing::Test {

@@ -1,0 +1,35 @@
+// Machines as the files in tests/machines describe them.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "support/Split.h"
+
+namespace kel::test {
+
+/// Of a machine, the lines of each word that one begins with; its name stands under "machine", and what is
+/// stored of it under "=".
+class Machine {
+public:
+    /// The lines of a word, in order; none is no error.
+    const Lines& operator[](const wchar_t* word) const;
+    /// The first line of a word; empty when there is none.
+    std::wstring First(const wchar_t* word) const;
+    /// What is stored, as "id[index]=text" lines.
+    Lines Stored() const;
+
+    void Add(const std::wstring& line);
+
+private:
+    std::map<std::wstring, Lines> lines;
+};
+
+/// The machines of a file. What stands before the first goes for each.
+std::vector<Machine> ReadMachines(const char* file);
+
+/// The lines of a file in tests/machines, but for empty ones and comments.
+Lines ReadRows(const char* file);
+
+}  // namespace kel::test

@@ -1,0 +1,43 @@
+#include "support/PlantedGraphics.h"
+
+#include "probes/AdapterCache.h"
+#include "probes/SetupLib.h"
+
+namespace kel::test {
+
+namespace {
+
+/// Of the cards that are described, those that the machine has, in its order.
+std::vector<Card> CardsOf(const Machine& machine)
+{
+    std::map<std::wstring, Card> known;
+    for (const std::wstring& line : machine[L"card"]) {
+        const Lines fields = Split(line, L'|');
+        const auto number = [&fields](std::size_t place, int base = 16) {
+            return static_cast<UINT>(std::stoul(fields[place], nullptr, base));
+        };
+        known[fields[0]] = {fields[1],  number(2),      number(3),
+                            number(4),  number(5, 10),  number(6, 10),
+                            number(7),  number(8),      number(9),
+                            number(10), number(11, 10), std::stoull(fields[12], nullptr, 16)};
+    }
+    std::vector<Card> cards;
+    for (const std::wstring& key : Split(machine.First(L"has"), L'|'))
+        cards.push_back(known.at(key));
+    return cards;
+}
+
+}  // namespace
+
+PlantedGraphics::PlantedGraphics(const Machine& machine)
+    : fake(CardsOf(machine)),
+      adapters({dxgi, &ReadAdapterCache, [](auto& listed) { SetupLib::Instance().GetGpuInfo(listed); },
+                directX8, directX9, directX10, directX11, directX12, dxDiag, functions})
+{
+    for (const std::wstring& line : machine[L"set"]) {
+        const std::size_t bar = line.find(L'|');
+        fake.Set(line.substr(0, bar), line.substr(bar + 1));
+    }
+}
+
+}  // namespace kel::test

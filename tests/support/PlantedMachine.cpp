@@ -1,0 +1,233 @@
+#include "support/PlantedMachine.h"
+
+#include "detectors/Detectors.h"
+#include "probes/CPUID.h"
+#include "probes/DisplayConfig.h"
+#include "probes/SetupLib.h"
+#include "probes/SoundEndpoints.h"
+#include "run/store/XMLReport.h"
+#include "support/Edids.h"
+#include "support/PlantedGraphics.h"
+#include "support/TestSession.h"
+#include "values/Text.h"
+
+namespace kel::test {
+
+namespace {
+
+SoftwareMachine SoftwareOf(const Machine& machine)
+{
+    SoftwareMachine software;
+    for (const wchar_t* view : {L"64", L"32", L"CU"}) {
+        for (const std::wstring& key : machine[view])
+            software.keys += view + (L" " + key) + L"\n";
+    }
+    for (const std::wstring& file : machine[L"file"])
+        software.files += file + L"\n";
+    for (const std::wstring& package : machine[L"package"])
+        software.packages += package + L"\n";
+    software.host = machine.First(L"host");
+    return software;
+}
+
+/// What the functions without a place for data of the test's answer.
+const Machine* answering = nullptr;
+
+BOOL WINAPI AnswerMemory(MEMORYSTATUSEX* status)
+{
+    const Lines fields = FieldsOf(answering->First(L"memory"), 3);
+    status->ullTotalPhys = NumberOf(fields[0]) << 20;
+    status->ullTotalVirtual = NumberOf(fields[1]) << 20;
+    status->ullAvailPhys = NumberOf(fields[2]) << 20;
+    return TRUE;
+}
+
+BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
+{
+    const std::wstring battery = answering->First(L"battery");
+    capabilities->SystemBatteriesPresent = !battery.empty();
+    capabilities->BatteriesAreShortTerm = battery == L"short";
+    return TRUE;
+}
+
+}  // namespace
+
+PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
+    : machine(newMachine),
+      wmi(newWmi),
+      software(SoftwareOf(machine)),
+      network(machine[L"adapter"]),
+      soundDevices(machine[L"sound"])
+{
+    PlantBasics();
+    PlantGraphics();
+    PlantDisplays();
+    PlantSound();
+    storage.Plant(machine, wmi);
+}
+
+void PlantedMachine::PlantBasics()
+{
+    wmi.objects.clear();
+    software.userKeys.Make(L"software\\Keldane");  // in which the machine's identifier is kept
+    software.machineKeys.Write(
+        L"SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E967-E325-11CE-BFC1-08002BE10318}", L"Class",
+        L"DiskDrive");
+    for (const std::wstring& line : machine[L"value"]) {
+        const Lines fields = FieldsOf(line, 3);
+        software.machineKeys.Write(fields[0], fields[1].c_str(), fields[2]);
+    }
+    for (const std::wstring& line : machine[L"wmi"]) {
+        const Lines fields = Split(line, L'|');
+        WmiProperties& object = wmi.objects[L"SELECT * FROM " + fields[0]].emplace_back();
+        for (std::size_t place = 1; place < fields.size(); ++place) {
+            const std::size_t equals = fields[place].find(L'=');
+            object[fields[place].substr(0, equals)] = {fields[place].substr(equals + 1).c_str()};
+        }
+    }
+    for (const std::wstring& line : machine[L"cpuid"]) {
+        const Lines fields = FieldsOf(line, 5);
+        CpuRegisters& registers = leaves[static_cast<std::uint32_t>(NumberOf(fields[0], 16))];
+        for (std::size_t place = 0; place < registers.size(); ++place)
+            registers[place] = static_cast<std::uint32_t>(NumberOf(fields[place + 1], 16));
+    }
+    const Lines fields = FieldsOf(machine.First(L"system"), 8);
+    if (fields[0].empty())
+        return;
+    system.getVersion = [fields](OSVERSIONINFOEXW& version) {
+        version.dwPlatformId = VER_PLATFORM_WIN32_NT;
+        version.dwMajorVersion = static_cast<DWORD>(NumberOf(fields[0]));
+        version.dwMinorVersion = static_cast<DWORD>(NumberOf(fields[1]));
+        version.dwBuildNumber = static_cast<DWORD>(NumberOf(fields[2]));
+        version.wProductType = static_cast<BYTE>(NumberOf(fields[3]));
+        version.wSuiteMask = static_cast<WORD>(NumberOf(fields[4]));
+        version.wServicePackMajor = static_cast<WORD>(NumberOf(fields[7]));
+        return TRUE;
+    };
+    system.getSystemMetrics = [](int) { return 0; };
+    system.getNativeSystemInfo = [fields](SYSTEM_INFO& info) {
+        info.wProcessorArchitecture = static_cast<WORD>(NumberOf(fields[5]));
+    };
+    system.getProductInfo = [fields](DWORD, DWORD, DWORD, DWORD, DWORD* edition) {
+        return *edition = static_cast<DWORD>(NumberOf(fields[6])), TRUE;
+    };
+}
+
+void PlantedMachine::PlantGraphics()
+{
+    const std::wstring directX = L"SOFTWARE\\Microsoft\\DirectX";
+    software.machineKeys.Write(directX, L"Version", L"4.09.00.0904");
+    for (const std::wstring& line : machine[L"graphics"]) {
+        const Lines fields = FieldsOf(line, 4);
+        devices.push_back(std::make_unique<PlantedDevice>(DisplayClass, fields[1].c_str()));
+        devices.back()
+            ->With(SPDRP_HARDWAREID, DeviceID(fields[1]).ToString())
+            .With(SPDRP_DEVICEDESC, fields[0])
+            .Device(L"MatchingDeviceId", fields[3])
+            .Driver(L"DriverVersion", fields[2]);
+    }
+    for (const std::wstring& line : machine[L"note"]) {
+        const Lines fields = FieldsOf(line, 4);
+        const auto write = [&](const wchar_t* name, DWORD type, std::uint64_t number) {
+            software.machineKeys.Write(directX + L"\\{" + fields[0] + L"}", name, type, &number,
+                                       type == REG_QWORD ? 8 : 4);
+        };
+        write(L"AdapterLuid", REG_QWORD, 7ULL << 32 | NumberOf(fields[0]));
+        write(L"DriverVersion", REG_QWORD, 0x9000800070006);
+        write(L"VendorId", REG_DWORD, NumberOf(fields[1], 16));
+        write(L"DeviceId", REG_DWORD, NumberOf(fields[2], 16));
+        write(L"MaxD3D11FeatureLevel", REG_DWORD, NumberOf(fields[3], 16));
+    }
+}
+
+void PlantedMachine::PlantDisplays()
+{
+    for (const std::wstring& line : machine[L"screen"]) {
+        const Lines fields = FieldsOf(line, 11);
+        const auto number = [&fields](std::size_t place, int base = 10) {
+            return static_cast<UINT32>(NumberOf(fields[place], base));
+        };
+        displays.screens.push_back({number(0),
+                                    std::stol(fields[1]),
+                                    std::stol(fields[2]),
+                                    number(3),
+                                    number(4),
+                                    {number(5), number(6)},
+                                    number(7, 16),
+                                    fields[8],
+                                    fields[9],
+                                    fields[10].empty() ? -1 : std::stoi(fields[10])});
+    }
+    for (const std::wstring& what : machine[L"displays"]) {
+        displays.isRemote |= what == L"remote";
+        displays.hasPaths &= what != L"without paths";
+        displays.hasDevices &= what != L"without devices";
+        displays.shortAnswers += what == L"one more between two calls";
+    }
+    static const std::vector<Edid> edids = ReadEdids();
+    for (const std::wstring& line : machine[L"edid"]) {
+        const Lines fields = FieldsOf(line, 2);
+        const auto& bytes = std::ranges::find(edids, Narrow(fields[1]), &Edid::source)->bytes;
+        software.machineKeys.Write(L"SYSTEM\\CurrentControlSet\\Enum\\" + fields[0] + L"\\Device Parameters",
+                                   L"EDID", REG_BINARY, bytes.data(), bytes.size());
+    }
+}
+
+void PlantedMachine::PlantSound()
+{
+    wmi.objects[L"SELECT * FROM Win32_SoundDevice"] = soundDevices.wmi;
+    for (const std::wstring& output : machine[L"output*"])
+        sound.endpoints.push_back({eRender, output});
+    sound.defaultOutput = static_cast<int>(sound.endpoints.size()) - 1;
+    for (const std::wstring& output : machine[L"output"])
+        sound.endpoints.push_back({eRender, output});
+    for (const std::wstring& input : machine[L"input"])
+        sound.endpoints.push_back({eCapture, input});
+}
+
+Detected PlantedMachine::Detect()
+{
+    answering = &machine;
+    TestSession session;
+    session.wanted.Assign(machine.First(L"wanted"), L"");
+    auto endpoints = std::make_unique<FakeSound>(sound);
+    PlantedGraphics graphics(machine);
+    const DisplayConfig config(displays.Functions());
+    CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; });
+    if (!leaves.empty())  // it takes a second
+        CPU().Detect(chip);
+    GPU().Detect(graphics.adapters);
+    Bios().Detect();
+    CDRom().Detect(storage.devices.Functions());
+    Chassis().Detect(&AnswerPower);
+    DirectX().Detect(graphics.adapters);
+    DVD().Detect(storage.devices.Functions());
+    kel::Graphics().Detect(config);
+    HardDrive().Detect(storage.devices.Functions());
+    LogicalDrive().Detect(storage.volumes.Functions());
+    MotherBoard().Detect();
+    NetworkDevice().Detect(network.functions);
+    OS().Detect(system);
+    Ram().Detect(&AnswerMemory);
+    Sound().Detect(SoundFunctions());
+    Software().Detect(software.functions);
+    Browser().Detect(software.functions);
+    Monitor().Detect(config);
+    Applications().Detect(software.functions);
+    SCSI().Detect(SetupLib::Instance());
+
+    Detected detected;
+    detected.stored = session.Lines(71000, 73999);
+    std::wstring all;
+    for (const unsigned number : session.Numbers())
+        all += std::to_wstring(number) + L",";
+    session.wanted.Assign(all, L"");
+    XMLReport(session.values).GetReport(XMLReport::StandardOption, detected.report);
+    endpoints.reset();
+    detected.calls = graphics.fake.Calls();
+    detected.held = graphics.fake.References() + sound.references;
+    detected.isSoundMisused = sound.isMisused;
+    return detected;
+}
+
+}  // namespace kel::test

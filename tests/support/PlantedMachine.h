@@ -1,0 +1,59 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "probes/CPUID.h"
+#include "probes/OSInfo.h"
+#include "support/FakeDisplays.h"
+#include "support/FakeSound.h"
+#include "support/FakeWmi.h"
+#include "support/Machines.h"
+#include "support/PlantedNetwork.h"
+#include "support/PlantedSoftware.h"
+#include "support/PlantedStorage.h"
+
+namespace kel::test {
+
+/// What the detectors did with a machine.
+struct Detected {
+    Lines stored;         ///< "id[index]=text"
+    std::wstring report;  ///< with all ids wanted
+    std::wstring calls;   ///< that load a graphics driver, such as "11:2 12:3"
+    ULONG held = 0;       ///< references on graphics and sound objects that were not given back
+    bool isSoundMisused = false;
+};
+
+/// A machine with all its parts: devices for the Setup API, the registry, WMI's objects, and functions that
+/// answer for its storage, volumes, network, sound, graphics and displays. The words of its description are
+/// explained in tests/machines/README.md.
+class PlantedMachine {
+public:
+    /// @param newWmi of a fake that lives as long as the process uses WMI
+    PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi);
+    PlantedMachine(const PlantedMachine&) = delete;
+    PlantedMachine& operator=(const PlantedMachine&) = delete;
+
+    /// Runs the twenty detectors in a session of their own.
+    Detected Detect();
+
+private:
+    void PlantBasics();
+    void PlantGraphics();
+    void PlantDisplays();
+    void PlantSound();
+
+    const Machine machine;
+    FakeWmiData& wmi;
+    PlantedSoftware software;  // with the registry, in which the devices stand
+    std::vector<std::unique_ptr<PlantedDevice>> devices;
+    PlantedNetwork network;
+    const PlantedSound soundDevices;
+    FakeSoundData sound;
+    PlantedStorage storage;
+    FakeDisplays displays;
+    OSFunctions system = OSFunctions::OfSystem();
+    std::map<std::uint32_t, CpuRegisters> leaves;
+};
+
+}  // namespace kel::test
