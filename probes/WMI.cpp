@@ -117,8 +117,8 @@ std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
             continue;
         *objects.emplace_back().GetAddressOf() = object;
     }
-    if (objects.empty())
-        WriteLog(LogWarning, L"WMI has no object: ", wql, L": ", Show(result));
+    if (objects.empty())  // which is no failure in itself: many machines have no optical drive
+        WriteLog(SUCCEEDED(result) ? LogTrace : LogWarning, L"WMI has no object: ", wql, L": ", Show(result));
     return objects;
 }
 

@@ -129,7 +129,7 @@ TEST(WMI, KeepsWhatItHasWhenAQueryFailsOrAValueCannotBeConverted)
         const test::FakeWmi fake(*data);
         const test::LogCapture log(2);
         EXPECT_EQ(Answers().results, "110000");
-        const auto* start = data == &none ? L"WARN WMI has no object: " : L"WARN WMI refused: ";
+        const auto* start = data == &none ? L"TRACE WMI has no object: " : L"WARN WMI refused: ";
         const auto* end = data == &none ? L": 0x00000001" : L": 0x80070057";
         EXPECT_THAT(log.Lines(), testing::AllOf(testing::SizeIs(6), testing::Each(testing::StartsWith(start)),
                                                 testing::Each(testing::EndsWith(end))));

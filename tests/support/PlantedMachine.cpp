@@ -1,5 +1,7 @@
 #include "support/PlantedMachine.h"
 
+#include <functional>
+
 #include "detectors/Detectors.h"
 #include "probes/CPUID.h"
 #include "probes/DisplayConfig.h"
@@ -7,6 +9,7 @@
 #include "probes/SoundEndpoints.h"
 #include "run/store/XMLReport.h"
 #include "support/Edids.h"
+#include "support/LogCapture.h"
 #include "support/PlantedGraphics.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
@@ -185,36 +188,53 @@ void PlantedMachine::PlantSound()
         sound.endpoints.push_back({eCapture, input});
 }
 
+void PlantedMachine::Run()
+{
+    PlantedGraphics graphics(machine);
+    const DisplayConfig config(displays.Functions());
+    const StorageFunctions disks = storage.devices.Functions();
+    CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; });
+    const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
+        {L"CPU", [&] { CPU().Detect(chip); }},
+        {L"GPU", [&] { GPU().Detect(graphics.adapters); }},
+        {L"Bios", [] { Bios().Detect(); }},
+        {L"CDRom", [&] { CDRom().Detect(disks); }},
+        {L"Chassis", [] { Chassis().Detect(&AnswerPower); }},
+        {L"DirectX", [&] { DirectX().Detect(graphics.adapters); }},
+        {L"DVD", [&] { DVD().Detect(disks); }},
+        {L"Graphics", [&] { kel::Graphics().Detect(config); }},
+        {L"HardDrive", [&] { HardDrive().Detect(disks); }},
+        {L"LogicalDrive", [this] { LogicalDrive().Detect(storage.volumes.Functions()); }},
+        {L"MotherBoard", [] { MotherBoard().Detect(); }},
+        {L"NetworkDevice", [this] { NetworkDevice().Detect(network.functions); }},
+        {L"OS", [this] { OS().Detect(system); }},
+        {L"Ram", [] { Ram().Detect(&AnswerMemory); }},
+        {L"Sound", [] { Sound().Detect(SoundFunctions()); }},
+        {L"Software", [this] { Software().Detect(software.functions); }},
+        {L"Browser", [this] { Browser().Detect(software.functions); }},
+        {L"Monitor", [&] { Monitor().Detect(config); }},
+        {L"Applications", [this] { Applications().Detect(software.functions); }},
+        {L"SCSI", [] { SCSI().Detect(SetupLib::Instance()); }},
+    };
+    const Lines chosen = Split(machine.First(L"detectors"), L' ');
+    for (const auto& [name, detect] : detectors) {
+        if (chosen.empty() || std::ranges::count(chosen, name) != 0)
+            detect();
+    }
+    calls = graphics.fake.Calls();
+    held = graphics.fake.References();
+}
+
 Detected PlantedMachine::Detect()
 {
     answering = &machine;
     TestSession session;
     session.wanted.Assign(machine.First(L"wanted"), L"");
-    auto endpoints = std::make_unique<FakeSound>(sound);
-    PlantedGraphics graphics(machine);
-    const DisplayConfig config(displays.Functions());
-    CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; });
-    if (!leaves.empty())  // it takes a second
-        CPU().Detect(chip);
-    GPU().Detect(graphics.adapters);
-    Bios().Detect();
-    CDRom().Detect(storage.devices.Functions());
-    Chassis().Detect(&AnswerPower);
-    DirectX().Detect(graphics.adapters);
-    DVD().Detect(storage.devices.Functions());
-    kel::Graphics().Detect(config);
-    HardDrive().Detect(storage.devices.Functions());
-    LogicalDrive().Detect(storage.volumes.Functions());
-    MotherBoard().Detect();
-    NetworkDevice().Detect(network.functions);
-    OS().Detect(system);
-    Ram().Detect(&AnswerMemory);
-    Sound().Detect(SoundFunctions());
-    Software().Detect(software.functions);
-    Browser().Detect(software.functions);
-    Monitor().Detect(config);
-    Applications().Detect(software.functions);
-    SCSI().Detect(SetupLib::Instance());
+    const LogCapture log(LogTrace);
+    {
+        const FakeSound endpoints(sound);
+        Run();
+    }
 
     Detected detected;
     detected.stored = session.Lines(71000, 73999);
@@ -223,9 +243,11 @@ Detected PlantedMachine::Detect()
         all += std::to_wstring(number) + L",";
     session.wanted.Assign(all, L"");
     XMLReport(session.values).GetReport(XMLReport::StandardOption, detected.report);
-    endpoints.reset();
-    detected.calls = graphics.fake.Calls();
-    detected.held = graphics.fake.References() + sound.references;
+    detected.log = log.Lines();
+    detected.opened = storage.devices.opened;
+    detected.letters = storage.volumes.opened;
+    detected.calls = calls;
+    detected.held = held + sound.references + static_cast<ULONG>(storage.devices.open);
     detected.isSoundMisused = sound.isMisused;
     return detected;
 }

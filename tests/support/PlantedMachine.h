@@ -17,10 +17,13 @@ namespace kel::test {
 
 /// What the detectors did with a machine.
 struct Detected {
-    Lines stored;         ///< "id[index]=text"
-    std::wstring report;  ///< with all ids wanted
-    std::wstring calls;   ///< that load a graphics driver, such as "11:2 12:3"
-    ULONG held = 0;       ///< references on graphics and sound objects that were not given back
+    Lines stored;          ///< "id[index]=text"
+    Lines log;             ///< at the levels of errors, warnings and traces
+    Lines opened;          ///< paths of storage devices, with " for reading" where they were
+    std::wstring letters;  ///< of volumes that were opened
+    std::wstring report;   ///< with all ids wanted
+    std::wstring calls;    ///< that load a graphics driver, such as "11:2 12:3"
+    ULONG held = 0;        ///< references on graphics and sound objects, and storage devices, that stay
     bool isSoundMisused = false;
 };
 
@@ -34,7 +37,7 @@ public:
     PlantedMachine(const PlantedMachine&) = delete;
     PlantedMachine& operator=(const PlantedMachine&) = delete;
 
-    /// Runs the twenty detectors in a session of their own.
+    /// Runs the detectors in a session of their own: all, or those that the description names.
     Detected Detect();
 
 private:
@@ -42,6 +45,7 @@ private:
     void PlantGraphics();
     void PlantDisplays();
     void PlantSound();
+    void Run();
 
     const Machine machine;
     FakeWmiData& wmi;
@@ -54,6 +58,8 @@ private:
     FakeDisplays displays;
     OSFunctions system = OSFunctions::OfSystem();
     std::map<std::uint32_t, CpuRegisters> leaves;
+    std::wstring calls;
+    ULONG held = 0;
 };
 
 }  // namespace kel::test

@@ -5,6 +5,34 @@
 
 namespace kel::test {
 
+namespace {
+
+/// An optical drive by its fields: number, bus, product, profiles, media types (device, type,
+/// characteristics), and what is odd about it.
+void Describe(FakeDevice& drive, const Lines& fields)
+{
+    const auto numbers = [](const std::wstring& field) {
+        std::vector<int> found;
+        for (const std::wstring& number : Split(field, L' '))
+            found.push_back(std::stoi(number, nullptr, 16));
+        return found;
+    };
+    drive.answers[NumberRequest] = Number(fields[5] == L"a disk" ? FILE_DEVICE_DISK : FILE_DEVICE_CD_ROM,
+                                          static_cast<std::uint32_t>(NumberOf(fields[0])));
+    drive.answers[DeviceProperty] =
+        Descriptor(std::stoi(fields[1]), nullptr, Narrow(fields[2]).c_str(), "1", true);
+    if (!fields[3].empty())
+        drive.answers[ConfigurationRequest] = Profiles(numbers(fields[3]));
+    if (const std::vector<int> media = numbers(fields[4]); !media.empty())
+        drive.answers[MediaTypesRequest] = MediaTypes(media[0], {{media[1], media[2]}});
+    if (fields[5] == L"cut")
+        drive.answers[ConfigurationRequest].resize(16);
+    drive.isReadable = fields[5] != L"locked";
+    drive.openError = fields[5] == L"gone" ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+}
+
+}  // namespace
+
 PlantedDevice& PlantedStorage::List(DeviceClass deviceClass, const std::wstring& instance,
                                     const std::wstring& hardwareId, const std::wstring& name)
 {
@@ -15,7 +43,9 @@ PlantedDevice& PlantedStorage::List(DeviceClass deviceClass, const std::wstring&
 void PlantedStorage::Plant(const Machine& machine, FakeWmiData& wmi)
 {
     PlantDisks(machine, wmi);
+    PlantFaults(machine);
     PlantOpticalDrives(machine);
+    PlantVolumes(machine);
     for (const std::wstring& line : machine[L"controller"]) {
         const Lines fields = FieldsOf(line, 4);
         PlantedDevice& device = List(ScsiClass, fields[0] + L"\\3&11583659&0&E8", fields[0], fields[1]);
@@ -23,24 +53,14 @@ void PlantedStorage::Plant(const Machine& machine, FakeWmiData& wmi)
         if (!fields[2].empty())
             device.With(SPDRP_COMPATIBLEIDS, std::wstring(L"first\0", 6) + fields[2] + L'\0');
     }
-    for (const std::wstring& line : machine[L"volume"]) {
-        const Lines fields = FieldsOf(line, 6);
-        FakeVolume& volume = volumes.volumes[fields[0][0]];
-        volume.type = static_cast<UINT>(NumberOf(fields[1]));
-        volume.fileSystem = fields[2];
-        volume.size = NumberOf(fields[3]) << 30;
-        volume.free = NumberOf(fields[4]) << 30;
-        if (!fields[5].empty())
-            volume.target = fields[5];
-    }
 }
 
 void PlantedStorage::PlantDisks(const Machine& machine, FakeWmiData& wmi)
 {
-    long number = 0;
+    long number = -1;
     for (const std::wstring& line : machine[L"disk"]) {
         const Lines fields = FieldsOf(line, 8);
-        const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(number);
+        const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(++number);
         const std::string vendor = Narrow(fields[1]), product = Narrow(fields[2]),
                           revision = Narrow(fields[3]);
         const int bus = std::stoi(fields[0]);
@@ -52,38 +72,84 @@ void PlantedStorage::PlantDisks(const Machine& machine, FakeWmiData& wmi)
         disk.answers[HotplugRequest] = HotplugInfo(isRemovable, bus == BusTypeUsb);
         if (!fields[5].empty())
             disk.answers[SeekPenalty] = Flag(fields[5] == L"seeks");
+        if (fields[7].empty())
+            continue;
         wmi.objects[L"SELECT * FROM Win32_DiskDrive"].push_back({{L"Model", {fields[7].c_str()}},
                                                                  {L"Name", {ToUpper(path).c_str()}},
                                                                  {L"SerialNumber", {L"SERIAL-4711"}},
-                                                                 {L"Index", {number++, CIM_SINT32}}});
+                                                                 {L"Index", {number, CIM_SINT32}}});
     }
-    std::vector<std::uint32_t> windowsDisks;
-    for (const std::wstring& field : Split(machine.First(L"windows"), L'|'))
-        windowsDisks.push_back(static_cast<std::uint32_t>(NumberOf(field)));
-    devices.devices[L"\\\\.\\C:"].answers[ExtentsRequest] = Extents(windowsDisks);
+    for (const std::wstring& line : machine[L"windows"]) {
+        std::vector<std::uint32_t> windowsDisks;
+        for (const std::wstring& field : Split(line, L'|'))
+            windowsDisks.push_back(static_cast<std::uint32_t>(NumberOf(field)));
+        devices.devices[L"\\\\.\\C:"].answers[ExtentsRequest] = Extents(windowsDisks);
+    }
     for (const std::wstring& line : machine[L"disk-device"]) {
         const Lines fields = FieldsOf(line, 4);
         List(DiskClass, fields[0], fields[1], fields[2]);
-        devices.InterfaceOf(fields[0], L"53f56307").answers[NumberRequest] =
-            Number(FILE_DEVICE_DISK, static_cast<std::uint32_t>(NumberOf(fields[3])));
+        if (!fields[3].empty())
+            devices.InterfaceOf(fields[0], L"53f56307").answers[NumberRequest] =
+                Number(FILE_DEVICE_DISK, static_cast<std::uint32_t>(NumberOf(fields[3])));
     }
+}
+
+void PlantedStorage::PlantFaults(const Machine& machine)
+{
+    const std::map<std::wstring, Request> requests = {{L"descriptor", DeviceProperty},
+                                                      {L"geometry", GeometryRequest}};
+    for (const std::wstring& line : machine[L"fault"]) {
+        const Lines fields = FieldsOf(line, 4);
+        FakeDevice& disk = devices.devices[L"\\\\.\\PhysicalDrive" + fields[0]];
+        const auto number = static_cast<DWORD>(NumberOf(fields[3]));
+        if (fields[1] == L"asleep")
+            disk.isAwake = false;
+        else if (fields[1] == L"open")
+            disk.openError = number;
+        else if (fields[2] == L"refused")
+            disk.errors[requests.at(fields[1])] = number;
+        else
+            disk.answers[requests.at(fields[1])].resize(number);
+    }
+    devices.listError = static_cast<DWORD>(NumberOf(machine.First(L"no-list")));
 }
 
 void PlantedStorage::PlantOpticalDrives(const Machine& machine)
 {
     for (const std::wstring& line : machine[L"optical"]) {
-        const Lines fields = FieldsOf(line, 6);
+        Lines fields = FieldsOf(line, 9);
         List(OpticalClass, fields[0], fields[1], fields[2]);
         FakeDevice& drive = devices.InterfaceOf(fields[0], L"53f56308");
-        drive.answers[NumberRequest] =
-            Number(FILE_DEVICE_CD_ROM, static_cast<std::uint32_t>(NumberOf(fields[3])));
-        drive.answers[DeviceProperty] =
-            Descriptor(std::stoi(fields[4]), nullptr, "of the descriptor", "1", true);
-        std::vector<int> profiles;
-        for (const std::wstring& profile : Split(fields[5], L' '))
-            profiles.push_back(std::stoi(profile, nullptr, 16));
-        drive.answers[ConfigurationRequest] = Profiles(profiles);
+        fields.erase(fields.begin(), fields.begin() + 3);
+        Describe(drive, fields);
     }
+    for (const std::wstring& line : machine[L"drive"]) {
+        const Lines fields = FieldsOf(line, 6);
+        Describe(devices.devices[L"\\\\.\\CdRom" + fields[0]], fields);
+    }
+    for (const std::wstring& line : machine[L"letter"]) {
+        const Lines fields = FieldsOf(line, 2);
+        devices.letters[fields[0]] = fields[1];
+    }
+}
+
+void PlantedStorage::PlantVolumes(const Machine& machine)
+{
+    for (const std::wstring& line : machine[L"volume"]) {
+        const Lines fields = FieldsOf(line, 7);
+        FakeVolume& volume = volumes.volumes[fields[0][0]];
+        volume.type = static_cast<UINT>(NumberOf(fields[1]));
+        volume.fileSystem = fields[2];
+        volume.size = NumberOf(fields[3]) << 30;
+        volume.free = NumberOf(fields[4]) << 30;
+        if (!fields[5].empty())
+            volume.target = fields[5];
+        volume.throws = fields[6] == L"throws";
+        if (!fields[6].empty() && !volume.throws)
+            volume.error = static_cast<DWORD>(NumberOf(fields[6]));
+    }
+    if (const std::wstring folder = machine.First(L"windows-folder"); !folder.empty())
+        volumes.windows = devices.windows = folder;
 }
 
 }  // namespace kel::test

@@ -23,7 +23,9 @@ private:
     PlantedDevice& List(DeviceClass deviceClass, const std::wstring& instance, const std::wstring& hardwareId,
                         const std::wstring& name);
     void PlantDisks(const Machine& machine, FakeWmiData& wmi);
+    void PlantFaults(const Machine& machine);
     void PlantOpticalDrives(const Machine& machine);
+    void PlantVolumes(const Machine& machine);
 
     std::vector<std::unique_ptr<PlantedDevice>> listed;
 };
