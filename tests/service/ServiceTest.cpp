@@ -64,7 +64,7 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
     EXPECT_TRUE(watched.expired());
     HINTERNET handle = nullptr;
     EXPECT_EQ(RunWithin(5s, [&handle](InternetSession& internet) { handle = internet.Open(); }), nullptr);
-    EXPECT_FALSE(IsOpen(handle));
+    EXPECT_TRUE(handle != nullptr && !IsOpen(handle));
     EXPECT_THROW(RunWithin(5s, [](InternetSession&) { throw std::length_error("x"); }), std::length_error);
 }
 
