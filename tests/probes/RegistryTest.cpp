@@ -16,7 +16,7 @@ TEST(Registry, GivesTextsAndSizesOfEachType)
 {
     const test::ScratchKey key;
     const ULONGLONG refused = ~0ULL;
-    const std::wstring letters(501, L'x'), fitting(500, L'x');
+    const std::wstring letters(502, L'x'), fitting(500, L'x');
     const struct {
         const wchar_t* name;
         DWORD type;
@@ -40,7 +40,7 @@ TEST(Registry, GivesTextsAndSizesOfEachType)
         {L"no bytes", REG_BINARY, L"", 0, L"", nullptr, refused},
         {L"long binary", REG_BINARY, L"\0\0a\0\0b", 14, L"ab", nullptr, refused},
         {L"largest", REG_SZ, letters.c_str(), 1000, fitting, fitting.c_str(), 0},
-        {L"too large", REG_SZ, letters.c_str(), 1002, letters, nullptr, refused},
+        {L"too large", REG_SZ, letters.c_str(), 1002, letters.substr(1), nullptr, refused},
     };
     std::wstring text;
     for (const auto& row : rows) {
