@@ -55,14 +55,13 @@ TEST(CPUID, DecodesProcessorsOfManyMakersAndAges)
 
 TEST(CPUID, LooksForTheCacheDescriptorEverywhereButInTheCount)
 {
-    const CpuRegisters without[] = {{0x40, 0, 0, 0}, {1, 4, 0x41, 0x0400}};
-    const CpuRegisters with[] = {{0x4001, 0, 0, 0},  {0x40000001, 0, 0, 0}, {1, 0x40, 0, 0},
-                                 {1, 0, 0x40, 0},    {1, 0, 0x4000, 0},     {1, 0, 0, 0x40},
-                                 {1, 0, 0, 0x400000}};
-    for (const CpuRegisters& registers : without)
-        EXPECT_FALSE(Chip({{0, {2, 0, 0, 0}}, {2, registers}}).HasCacheDescriptor40()) << registers[0];
-    for (const CpuRegisters& registers : with)
-        EXPECT_TRUE(Chip({{0, {2, 0, 0, 0}}, {2, registers}}).HasCacheDescriptor40()) << registers[0];
+    const auto has = [](const CpuRegisters& registers) {
+        return Chip({{0, {2, 0, 0, 0}}, {2, registers}}).HasCacheDescriptor40();
+    };
+    EXPECT_FALSE(has({0x40, 0, 0, 0}) || has({1, 4, 0x41, 0x0400}));
+    EXPECT_TRUE(has({0x4001, 0, 0, 0}) && has({0x40000001, 0, 0, 0}));
+    EXPECT_TRUE(has({1, 0x40, 0, 0}) && has({1, 0, 0x40, 0}) && has({1, 0, 0, 0x40}));
+    EXPECT_TRUE(has({1, 0, 0x4000, 0}) && has({1, 0, 0, 0x400000}));
 
     // An extended leaf is refused by its low byte, which is never too large when there are any.
     CPUID chip = Chip({{0x80000000, {0x80000001, 0, 0, 0}}, {0x800000FF, {7, 0, 0, 0}}});

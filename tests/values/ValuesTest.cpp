@@ -109,14 +109,12 @@ TEST(Resolution, ReadsTwoEdgesAndCoversWhatFitsUprightOrLying)
         EXPECT_STREQ(resolution.ToString(), L"");
     }
     EXPECT_FALSE(Resolution(8, 7) == Resolution(7, 8));
-    const std::tuple<const wchar_t*, const wchar_t*, bool> pairs[] = {
-        {L"1280x720", L"1280x720", true},  {L"1080x1920", L"1280x720", true},
-        {L"1280x719", L"1280x720", false}, {L"1279x9999", L"1280x720", true},
-        {L"700x9999", L"1280x720", false}, {L"1280x720", L"", false},
-    };
-    for (const auto& [found, required, covers] : pairs)
-        EXPECT_EQ(Resolution(found).Covers(Resolution(required)), covers) << found;
-    EXPECT_FALSE(Resolution().Covers(Resolution()));
+    const Resolution required(1280, 720);
+    for (const wchar_t* enough : {L"1280x720", L"1080x1920", L"1279x9999"})
+        EXPECT_TRUE(Resolution(enough).Covers(required)) << enough;
+    for (const wchar_t* small : {L"1280x719", L"700x9999", L""})
+        EXPECT_FALSE(Resolution(small).Covers(required)) << small;
+    EXPECT_FALSE(required.Covers(Resolution()));
 }
 
 TEST(Junk, IsAbsent)
@@ -194,24 +192,17 @@ TEST(DeviceID, TellsVirtualDevicesAndThoseOfOneKind)
         EXPECT_FALSE(DeviceID(id).IsVirtual()) << id;
     EXPECT_EQ(DeviceID(L"swd\\x").Bus() + DeviceID(L"ROOT").Bus(), L"SWD");
 
-    const wchar_t* full = L"PCI\\VEN_10DE&DEV_1C03&SUBSYS_61623842&REV_A1";
-    const std::tuple<const wchar_t*, const wchar_t*, bool> pairs[] = {
-        {full, L"pci\\ven_10de&dev_1c03", true},
-        {full, L"PCI\\VEN_10DE&DEV_1C03&REV_A1&CC_0300", true},
-        {full, L"PCI\\VEN_10DE&DEV_1C03&SUBSYS_61623843&REV_A1", false},
-        {full, L"PCI\\VEN_10DE&DEV_1C03&REV_A2", false},
-        {full, L"PCI\\VEN_10DE&DEV_1C04&SUBSYS_61623842&REV_A1", false},
-        {full, L"PCI\\VEN_10DF&DEV_1C03&SUBSYS_61623842&REV_A1", false},
-        {full, L"HDAUDIO\\VEN_10DE&DEV_1C03", false},
-        {full, L"PCI\\VEN_10DE&CC_0300", false},
-        {L"PCI\\VEN_10DE&CC_0300", L"PCI\\VEN_10DE&CC_0300\\1", true},
-        {L"IDE\\DISKST31000", L"IDE\\DISKST3100", false},
-        {L"", L"", false},
-    };
-    for (const auto& [one, other, isSame] : pairs) {
-        EXPECT_EQ(DeviceID(one).Matches(DeviceID(other)), isSame) << one << ' ' << other;
-        EXPECT_EQ(DeviceID(other).Matches(DeviceID(one)), isSame) << other << ' ' << one;
-    }
+    const DeviceID full(L"PCI\\VEN_10DE&DEV_1C03&SUBSYS_61623842&REV_A1");
+    for (const wchar_t* same : {L"pci\\ven_10de&dev_1c03", L"PCI\\VEN_10DE&DEV_1C03&REV_A1&CC_0300"})
+        EXPECT_TRUE(full.Matches(DeviceID(same)) && DeviceID(same).Matches(full)) << same;
+    for (const wchar_t* other :
+         {L"PCI\\VEN_10DE&DEV_1C03&SUBSYS_61623843&REV_A1", L"PCI\\VEN_10DE&DEV_1C03&REV_A2",
+          L"PCI\\VEN_10DE&DEV_1C04&SUBSYS_61623842&REV_A1", L"PCI\\VEN_10DF&DEV_1C03&SUBSYS_61623842&REV_A1",
+          L"HDAUDIO\\VEN_10DE&DEV_1C03", L"PCI\\VEN_10DE&CC_0300"})
+        EXPECT_FALSE(full.Matches(DeviceID(other)) || DeviceID(other).Matches(full)) << other;
+    EXPECT_TRUE(DeviceID(L"PCI\\VEN_10DE&CC_0300").Matches(DeviceID(L"PCI\\VEN_10DE&CC_0300\\1")));
+    EXPECT_FALSE(DeviceID(L"IDE\\DISKST31000").Matches(DeviceID(L"IDE\\DISKST3100")));
+    EXPECT_FALSE(DeviceID(L"").Matches(DeviceID(L"")));
 }
 
 }  // namespace
