@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdlib>
+#include <map>
 #include <random>
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -9,6 +12,21 @@ namespace kel::test {
 
 using Text = std::wstring;
 using Texts = std::vector<Text>;
+
+/// What the environment sets, such as KEL_FUZZ_SEED.
+inline std::uint64_t Setting(const char* name, std::uint64_t otherwise)
+{
+    const char* value = std::getenv(name);
+    return value != nullptr ? std::strtoull(value, nullptr, 10) : otherwise;
+}
+
+/// What the group of a pattern holds, each time that it matches.
+inline Texts All(const Text& text, const Text& pattern)
+{
+    static std::map<Text, std::wregex> regexes;
+    const std::wregex& regex = regexes.try_emplace(pattern, pattern).first->second;
+    return {std::wsregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
+}
 
 /// Makes hostile texts of 0 to some thousand characters out of real ones and pieces of their grammar, put
 /// together and mutated at random. The same seed gives the same texts.
@@ -21,16 +39,13 @@ struct Generator {
 
     Text Next()
     {
-        Text text = Below(3) == 0 ? L"" : AnyOf(samples), inserted;
-        const std::size_t length = Below(64) == 0 ? Below(6000) : Below(2) * Below(60);
-        while (inserted.size() < length)
-            inserted += Piece();
-        text.insert(Below(text.size() + 1), inserted);
-        for (std::size_t mutations = Below(5); mutations > 0; --mutations) {
-            const std::size_t start = Below(text.size() + 1);
-            const std::size_t replaced = Below(8) == 0 ? Text::npos : Below(2) * Below(16);
-            text.replace(start, replaced, Below(4) == 0 ? L"" : Piece());
-        }
+        Text text = Below(3) == 0 ? L"" : AnyOf(samples);
+        const bool isLong = Below(64) == 0;
+        for (std::size_t changes = Below(isLong ? 1000 : 8); changes > 0; --changes)
+            text.replace(Below(text.size() + 1), isLong ? 0 : Below(2) * Below(16),
+                         Below(6) == 0 ? L"" : Piece());
+        if (Below(4) == 0)
+            text.resize(Below(text.size() + 1));
         return text;
     }
 
@@ -38,18 +53,13 @@ struct Generator {
     {
         // What parsers get wrong: the edges of 16, 32 and 64 bits, and zeros, blanks of all kinds, letters
         // and digits outside ASCII, lone surrogates.
-        static const Texts edges = {
-            L"65536",      L"-1",         L"2147483648",          L"-2147483649",
-            L"4294967295", L"4294967296", L"9223372036854775808", L"18446744073709551615"};
+        static const Texts edges = {L"65536",       L"-1",         L"2147483648",
+                                    L"-2147483649", L"4294967296", L"18446744073709551615"};
         static const Text nasty(
             L"\0\t\r\n\v\x1A\xA0\x131\x17F\x663\x2003\x212A\x3000\xD800\xDFFF\xFEFF\xFF15", 17);
-        const Text choices[] = {AnyOf(pieces),
-                                AnyOf(edges),
-                                std::to_wstring(engine() >> Below(64)),
-                                AnyOf(samples).substr(0, Below(64)),
-                                Text(1, nasty[Below(nasty.size())]),
-                                Text(Below(2), static_cast<wchar_t>(Below(0x10000)))};
-        return choices[Below(2) * Below(std::size(choices))];
+        const Text others[] = {AnyOf(edges), AnyOf(samples).substr(0, Below(64)),
+                               Text(1, nasty[Below(nasty.size())]), Text(1, static_cast<wchar_t>(engine()))};
+        return Below(2) == 0 ? AnyOf(pieces) : others[Below(std::size(others))];
     }
 };
 

@@ -2,60 +2,94 @@
 
 #include <gtest/gtest.h>
 
+#include "probes/SetupDevice.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
+#include "values/Size.h"
 
 namespace kel {
 namespace {
 
-TEST(Registry, ReadsAnyTypeAsTextUpToItsFirstZero)
+using Lines = std::vector<std::wstring>;
+
+TEST(Registry, GivesTextsAndSizesOfEachType)
 {
     const test::ScratchKey key;
-    const std::wstring longText(5000, L'x');
-    const std::tuple<const wchar_t*, DWORD, const wchar_t*, std::size_t, std::wstring> rows[] = {
-        {L"odd", REG_SZ, L"abc", 5, L"abc"},          {L"empty", REG_SZ, L"", 0, L""},
-        {L"zero first", REG_SZ, L"\0a", 4, L""},      {L"number", REG_DWORD, L"\x0960", 4, L"\x0960"},
-        {L"terminated", REG_SZ, L"abc", 8, L"abc"},   {L"binary", REG_BINARY, L"\0\0a\0\0b", 14, L"ab"},
-        {L"zero inside", REG_SZ, L"a\0b", 6, L"a"},   {L"multi", REG_MULTI_SZ, L"one\0two\0", 18, L"one"},
-        {L"unterminated", REG_SZ, L"abc", 6, L"abc"}, {L"long", REG_SZ, longText.c_str(), 10000, longText},
+    const ULONGLONG refused = ~0ULL;
+    const std::wstring letters(502, L'x'), fitting(500, L'x');
+    const struct {
+        const wchar_t* name;
+        DWORD type;
+        const wchar_t* bytes;
+        std::size_t length;
+        std::wstring text;          ///< of the registry's probe
+        const wchar_t* deviceText;  ///< of a device's key; null for none
+        ULONGLONG size;
+    } rows[] = {
+        {L"string", REG_EXPAND_SZ, L"2 GB", 10, L"2 GB", L"2 GB", 2ULL << 30},
+        {L"unterminated", REG_SZ, L"12345", 6, L"123", L"123", 123},
+        {L"odd", REG_SZ, L"12345", 5, L"123", L"123", 123},
+        {L"empty", REG_SZ, L"", 0, L"", L"", 0},
+        {L"zero first", REG_SZ, L"\0a", 4, L"", L"", 0},
+        {L"zero inside", REG_SZ, L"1\0b", 6, L"1", L"1", 1},
+        {L"list", REG_MULTI_SZ, L"one\0two\0", 18, L"one", L"one", refused},
+        {L"number", REG_DWORD, L"\x2800\xEE6B", 4, L"\x2800\xEE6B", L"4000000000", 4000000000U},
+        {L"short number", REG_DWORD, L"\x2800", 2, L"\x2800", nullptr, refused},
+        {L"large number", REG_QWORD, L"\x2\0\x3", 8, L"\x2", L"", 3ULL << 32 | 2},
+        {L"five bytes", REG_BINARY, L"\x2\0\x3", 5, L"\x2\x3", nullptr, 3ULL << 32 | 2},
+        {L"no bytes", REG_BINARY, L"", 0, L"", nullptr, refused},
+        {L"long binary", REG_BINARY, L"\0\0a\0\0b", 14, L"ab", nullptr, refused},
+        {L"largest", REG_SZ, letters.c_str(), 1000, fitting, fitting.c_str(), 0},
+        {L"too large", REG_SZ, letters.c_str(), 1002, letters.substr(1), nullptr, refused},
     };
     std::wstring text;
-    for (const auto& [name, type, bytes, size, expected] : rows) {
-        key.Write(L"sub", name, type, bytes, size);
-        EXPECT_TRUE(Registry::ReadText(key.Key(), L"sub", name, text)) << name;
-        EXPECT_EQ(text, expected) << name;
+    for (const auto& row : rows) {
+        const bool isText = row.deviceText != nullptr;
+        key.Write(L"sub", row.name, row.type, row.bytes, row.length);
+        EXPECT_TRUE(Registry::ReadText(key.Key(), L"sub", row.name, text)) << row.name;
+        EXPECT_EQ(text, row.text) << row.name;
+        const test::LogCapture log(2);
+        EXPECT_EQ(ReadRegistryValue(key.Key(), L"sub", row.name, text), isText) << row.name;
+        EXPECT_EQ(text, isText ? row.deviceText : L"") << row.name;
+        const Lines failed = {L"WARN Can't handle Registry value for: " + std::wstring(row.name)};
+        EXPECT_EQ(log.Lines(), isText ? Lines{} : failed) << row.name;
+        Size size(7);
+        const bool isSize = ReadRegistrySize(key.Key(), L"sub", row.name, size);
+        EXPECT_EQ(isSize ? size.Bytes() : refused, row.size) << row.name;
     }
     text = L"left over";
     EXPECT_FALSE(Registry::ReadText(key.Key(), L"sub", L"missing", text));
     EXPECT_FALSE(Registry::ReadText(key.Key(), L"missing", L"odd", text));
     EXPECT_EQ(text, L"left over");
+    EXPECT_FALSE(ReadRegistryValue(nullptr, nullptr, L"string", text));
+    EXPECT_FALSE(ReadRegistryValue(key.Key(), L"missing", L"string", text));
+    EXPECT_FALSE(ReadRegistryValue(key.Key(), L"", L"string", text));  // stands in the subkey
+    EXPECT_EQ(text, L"");
+    const test::LogCapture log(2);
+    Log::Instance().exceptions(std::ios::badbit);  // raised by the name that is none
+    EXPECT_FALSE(ReadRegistryValue(key.Key(), nullptr, nullptr, text));
+    Log::Instance().exceptions(std::ios::goodbit);
+    EXPECT_EQ(log.Lines().back(), L"WARN Error with CRegKey");
 }
 
-constexpr const wchar_t* Processor = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
-
-TEST(Registry, FillsTheProcessorsRecord)
+TEST(Registry, WarnsOfWhatTheProcessorsKeyLacks)
 {
     const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
-    CpuInfo none, info;
-    EXPECT_TRUE(Registry::Instance().GetCpuInfo(none));
-    EXPECT_EQ(none.name + none.updateSignature, L"");
+    const std::wstring key = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
+    const std::wstring missing = L"WARN Registry value is missing: ", chipset = L"SOFTWARE\\Intel\\Infinst ";
     const DWORD number = 2400;
-    machine.Write(Processor, L"ProcessorNameString", L"  Chip  ");
-    machine.Write(Processor, L"~MHz", REG_DWORD, &number, sizeof(number));
-    machine.Write(Processor, L"Platform ID", L"P");
-    machine.Write(Processor, L"Update Signature", L"1234");
-    machine.Write(L"SOFTWARE\\Intel\\Infinst", L"infver", L"9.1");
+    machine.Write(key, L"~MHz", REG_DWORD, &number, sizeof(number));
+    machine.Write(key, L"Update Signature", REG_BINARY, "1234", 4);
     const test::LogCapture log(3);
-    Registry::Instance().GetCpuInfo(info);
-    EXPECT_EQ(info.name + L"|" + info.platformId + L"|" + info.chipsetSoftwareVersion, L"  Chip  |P|9.1");
+    CpuInfo info;
+    EXPECT_TRUE(Registry::Instance().GetCpuInfo(info));
     EXPECT_FALSE(info.speed.HasValue());  // a number value is no text that a speed can be read from
-    EXPECT_EQ(info.updateSignature, L"");
-    EXPECT_EQ(log.Lines(), (std::vector<std::wstring>{
-                               L"TRACE Name = L  Chip  ",
-                               L"WARN Registry value is missing or of no use: " + std::wstring(Processor) +
-                                   L" Update Signature",
-                               L"WARN Registry value is missing: SOFTWARE\\Intel\\Infinst version"}));
-    machine.Write(Processor, L"Update Signature", REG_BINARY, "1234", 4);
+    EXPECT_EQ(
+        log.Lines(),
+        (Lines{missing + key + L" ProcessorNameString", L"TRACE Name = L", missing + key + L" Platform ID",
+               L"WARN Registry value is missing or of no use: " + key + L" Update Signature",
+               missing + chipset + L"version", missing + chipset + L"infver"}));
+    machine.Write(key, L"Update Signature", L"12345");
     Registry::Instance().GetCpuInfo(info);
     EXPECT_EQ(info.updateSignature, L"");
 }

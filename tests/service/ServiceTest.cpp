@@ -6,10 +6,14 @@
 #include <stdexcept>
 #include <thread>
 
+#include "service/AnalysisRequest.h"
 #include "service/CallBudget.h"
 #include "service/RunWithin.h"
+#include "service/SystemInformationRequest.h"
+#include "service/Utf8.h"
 #include "service/WebServiceUpload.h"
 #include "support/LogCapture.h"
+#include "support/TestSession.h"
 
 namespace kel {
 namespace {
@@ -42,16 +46,7 @@ struct Blocked {
     }
 };
 
-TEST(Exchange, EndsWithItsHandlesAndItsFailure)
-{
-    HINTERNET handle = nullptr;
-    EXPECT_EQ(RunWithin(5s, [&handle](InternetSession& internet) { handle = internet.Open(); }), nullptr);
-    EXPECT_NE(handle, nullptr);
-    EXPECT_FALSE(IsOpen(handle));
-    EXPECT_THROW(RunWithin(5s, [](InternetSession&) { throw std::length_error("x"); }), std::length_error);
-}
-
-TEST(Exchange, IsLeftToItselfWithItsHandlesAndCountsUntilItEnds)
+TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
 {
     auto blocked = std::make_shared<Blocked>();
     const std::weak_ptr<Blocked> watched = blocked;
@@ -67,28 +62,51 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesAndCountsUntilItEnds)
     for (int milliseconds = 0; milliseconds < 5000 && !watched.expired(); ++milliseconds)
         std::this_thread::sleep_for(1ms);
     EXPECT_TRUE(watched.expired());
-    EXPECT_EQ(RunWithin(5s, [](InternetSession&) {}), nullptr);
+    HINTERNET handle = nullptr;
+    EXPECT_EQ(RunWithin(5s, [&handle](InternetSession& internet) { handle = internet.Open(); }), nullptr);
+    EXPECT_TRUE(handle != nullptr && !IsOpen(handle));
+    EXPECT_THROW(RunWithin(5s, [](InternetSession&) { throw std::length_error("x"); }), std::length_error);
 }
 
 TEST(Exchange, IsSkippedAfterOneOfTheSameCallEndedAtALimit)
 {
     WebServiceUpload request(L"x");
-    const auto call = [&request] {
-        const test::LogCapture log(LogWarning);
-        request.Call();
-        return std::pair(request.IsSkipped(), log.Lines());
-    };
+    const test::LogCapture log(LogWarning);
     {
         const CallBudget outer;
         {
             const CallBudget inner;
             CallBudget::Current().End(ExchangeStage::Reading);
         }
-        EXPECT_EQ(call(), std::pair(true, std::vector<std::wstring>{
-                                              L"WARN Skipped, since an earlier exchange of this call took "
-                                              L"too long: reading"}));
+        request.Call();
+        EXPECT_TRUE(request.IsSkipped());
+        EXPECT_THAT(log.Lines(),
+                    testing::ElementsAre(L"WARN Skipped, since an earlier exchange of this call took "
+                                         L"too long: reading"));
     }
-    EXPECT_FALSE(call().first);
+    request.Call();
+    EXPECT_FALSE(request.IsSkipped());
+}
+
+TEST(Requests, EncodeControlCharactersAndBlanksOfIdsOnlyAndFillInPlaceholdersOfTexts)
+{
+    test::TestSession session;
+    session.sessionID = L"s s";
+    session.referrerID = std::wstring(L"a\r\nX: 1\t\x1f \x7f\0!%?#&/\u00e9", 19);
+    const std::wstring encoded = L"a%0D%0AX:%201%09%1F%20%7F%00!%?#&/\u00e9";
+    EXPECT_EQ(SystemInformationRequest().Path(), L"/SystemInformation/?refid=" + encoded + L"&sessid=s%20s");
+    AnalysisRequest analysis;
+    EXPECT_EQ(analysis.Path(), L"/service/Analysis/" + encoded);
+    analysis.SetItemID(L"item^message_format");
+    analysis.SetMessageFormat(L"xml");
+    EXPECT_TRUE(analysis.Body().starts_with(L"<System><SessionID>s s</SessionID><ItemID>itemxml</ItemID>"));
+}
+
+TEST(Utf8, ReplacesWhatIsMalformedAndKeepsZeros)
+{
+    EXPECT_EQ(ToUtf8(L"\u20ac\xd83d\xde00 \xd83d"), "\xe2\x82\xac\xf0\x9f\x98\x80 \xef\xbf\xbd");
+    EXPECT_EQ(FromUtf8("\xe2\x82\xac\xf0\x9f\x98\x80\xff!"), L"\u20ac\xd83d\xde00\ufffd!");
+    EXPECT_EQ(ToUtf8(L"").size() + FromUtf8("").size() + FromUtf8(std::string_view("a\0b", 3)).size(), 3U);
 }
 
 }  // namespace
