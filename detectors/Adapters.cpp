@@ -41,6 +41,12 @@ bool HasName(const GpuInfo& adapter)
     return adapter.description.HasValue();
 }
 
+/// What old interfaces list without a vendor is a display, but no adapter.
+bool IsWithoutId(const GpuInfo& adapter)
+{
+    return !adapter.deviceId.HasValue();
+}
+
 /// The adapters that count. One of which neither name nor id is told is none.
 std::vector<GpuInfo> WithoutForeign(std::vector<GpuInfo> adapters)
 {
@@ -147,6 +153,7 @@ void Adapters::ListByDrivers(Devices& devices) const
     std::vector<GpuInfo> adapters;
     if (probes.directX9.IsThere())
         probes.directX9.GetGpuInfo(adapters);
+    std::erase_if(adapters, &IsWithoutId);
     GpuFacts.Join(devices, WithoutForeign(adapters), L"Direct3D 9", &IsSame);
 }
 
@@ -217,6 +224,7 @@ void Adapters::AskDxDiag(Devices& devices) const
         return;
     std::vector<GpuInfo> adapters;
     probes.dxDiag.GetGpuInfo(adapters);
+    std::erase_if(adapters, &IsWithoutId);
     for (const GpuInfo& adapter : WithoutForeign(adapters)) {
         // An adapter is listed for each of its monitors, so none of them is a further one.
         bool isKnown = isNamed;

@@ -23,10 +23,11 @@ constexpr Locator LibreOffice[] = {
     {Folder, L"%ProgramFiles(x86)%\\LibreOffice"},
 };
 
+// The Reader of 64 bits is Acrobat's program, without a licence for the rest.
 constexpr Locator AcrobatReader[] = {
     {DisplayName, L"Adobe Acrobat Reader*", L"Adobe*"},
     {DisplayName, L"Adobe Reader*", L"Adobe*"},
-    {AppPath},
+    {AppPath, L"AcroRd32.exe"},
     {Folder, L"%ProgramFiles(x86)%\\Adobe\\Acrobat Reader DC"},
 };
 
@@ -129,7 +130,7 @@ constexpr Product Applications[] = {
      L"root\\Office16\\MSACCESS.EXE|Office16\\MSACCESS.EXE|Office15\\MSACCESS.EXE|Office14\\MSACCESS.EXE",
      Office},
     {73220, 73221, L"LibreOffice", L"program\\soffice.exe", LibreOffice, L"LibreOfficeDev*"},
-    {73222, 73223, L"Acrobat Reader", L"Reader\\AcroRd32.exe", AcrobatReader},
+    {73222, 73223, L"Acrobat Reader", L"Reader\\AcroRd32.exe|Acrobat\\Acrobat.exe", AcrobatReader},
     {73224, 73225, L"Acrobat", L"Acrobat\\Acrobat.exe", Acrobat},
     {73226, 73227, L"7-Zip", L"7zFM.exe", SevenZip},
     {73228, 73229, L"VLC", L"vlc.exe", Vlc},

@@ -56,6 +56,8 @@ bool Browser::Detect()
 bool Browser::Detect(const SoftwareFunctions& functions)
 {
     return Guarded(L"kel::Browser::Detect", L"Error in Browser detection.", [&] {
+        Facts.Store(BrowserInfo());
+        StoreDefaults(table);
         ProductFinder finder(functions, table);
         BrowserInfo info;
         std::wstring choice;

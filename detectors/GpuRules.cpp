@@ -47,7 +47,9 @@ bool IsForeignAdapter(const GpuInfo& adapter)
         return adapter.isSoftware;
     const std::wstring bus = id.Bus();
     const bool hasVendor = !id.Vendor().empty() && id.Vendor() != NoVendor;
-    return bus == L"ROOT" || bus == L"SWD" || (!hasVendor && bus != L"VMBUS");
+    // Windows' own renderer comes with the flag of software and without.
+    const bool isRenderer = id.Vendor() == L"1414" && id.Device() == L"008C";
+    return isRenderer || bus == L"ROOT" || bus == L"SWD" || bus == L"USB" || (!hasVendor && bus != L"VMBUS");
 }
 
 std::optional<Version> MakerVersion(const GpuInfo& adapter)
@@ -69,7 +71,7 @@ std::optional<Version> MakerVersion(const GpuInfo& adapter)
 
 std::optional<bool> IsIntegrated(const GpuInfo& adapter)
 {
-    if (adapter.videoMemory && adapter.videoMemory->Bytes() < SmallMemory && adapter.sharedMemory)
+    if (Bytes(adapter.videoMemory) < SmallMemory && adapter.sharedMemory)
         return true;
     const std::wstring name = adapter.description.ToString();
     if (adapter.deviceId.Vendor() == Intel && name.find(L"Arc") == std::wstring::npos)

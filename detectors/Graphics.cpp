@@ -46,6 +46,20 @@ Resolution Around(const std::vector<DisplayInfo>& displays)
             static_cast<std::uint32_t>(box.bottom - box.top)};
 }
 
+GraphicsInfo Describe(const std::vector<DisplayInfo>& displays)
+{
+    GraphicsInfo info;
+    const auto primary = std::ranges::find_if(displays, &DisplayInfo::isPrimary);
+    if (primary != displays.end()) {
+        info.resolution = primary->resolution;
+        info.bitsPerPixel = primary->bitsPerPixel;
+        info.refreshRate = primary->refreshRate;
+    }
+    if (!displays.empty())
+        info.desktop = Around(displays);
+    return info;
+}
+
 }  // namespace
 
 bool Graphics::Detect()
@@ -62,16 +76,13 @@ bool Graphics::Detect(const DisplayConfig& config)
         const std::vector<DisplayInfo>& displays = list.displays;
         Totals.Store(
             {!displays.empty(), Count(static_cast<std::int64_t>(displays.size())), config.IsRemote()});
-        GraphicsInfo info;
-        const auto primary = std::ranges::find_if(displays, &DisplayInfo::isPrimary);
-        if (primary != displays.end()) {
-            info.resolution = primary->resolution;
-            info.bitsPerPixel = primary->bitsPerPixel;
-            info.refreshRate = primary->refreshRate;
-        }
-        info.desktop = Around(displays);
         decltype(Facts)::Device merged;
-        Facts.Merge(merged, info, list.source);
+        Facts.Merge(merged, Describe(displays), list.source);
+        if (const GraphicsInfo& told = merged.record;
+            !displays.empty() && (!told.resolution.HasValue() || !told.bitsPerPixel || !told.refreshRate)) {
+            const DisplayList further = config.ListDevices();
+            Facts.Merge(merged, Describe(further.displays), further.source);
+        }
         Facts.Store(merged, L"Graphics");
     });
 }

@@ -83,10 +83,12 @@ void Add(std::vector<Drive>& drives, Disks listed, const wchar_t* source)
     Facts.Join(drives, listed, source, &IsSameDisk);
 }
 
-/// A drive without a medium, a floppy, or a disk that is made of a file or of others.
+/// A drive without a medium, a floppy, or a disk that is made of a file; but never one that holds Windows.
 bool IsLeftOut(const Drive& drive)
 {
     const DiskInfo& disk = drive.record;
+    if (disk.holdsWindows.value_or(false))
+        return false;
     return disk.isVirtual.value_or(false) || (disk.capacity && disk.capacity->Bytes() == 0);
 }
 
@@ -136,12 +138,12 @@ bool HardDrive::Detect(const StorageFunctions& functions)
         Add(drives, storage, L"the storage functions");
         Add(drives, wmi, L"WMI");
         Add(drives, setup, L"the Setup API");
-        std::erase_if(drives, &IsLeftOut);
         const std::vector<std::int32_t> windows = ReadWindowsDisks(functions);
         for (Drive& drive : drives) {
             if (!windows.empty() && drive.record.number)
                 drive.record.holdsWindows = std::ranges::count(windows, *drive.record.number) > 0;
         }
+        std::erase_if(drives, &IsLeftOut);
         std::ranges::stable_sort(drives, {}, &GetRank);
 
         Totals.Store(AddUp(drives));

@@ -41,6 +41,15 @@ void MergeSame(Devices& devices, const std::vector<MonitorInfo>& listed, const w
     }
 }
 
+/// Whether all is known that a further source could tell.
+bool AreComplete(const Devices& devices)
+{
+    return std::ranges::all_of(devices, [](const auto& device) {
+        const MonitorInfo& monitor = device.record;
+        return monitor.name.HasValue() && monitor.currentResolution.HasValue() && monitor.refreshRate;
+    });
+}
+
 bool AreNamed(const Devices& devices)
 {
     return std::ranges::all_of(devices, [](const auto& device) { return device.record.name.HasValue(); });
@@ -55,7 +64,7 @@ Devices ListMonitors(const DisplayConfig& config)
         if (const std::optional<MonitorInfo> edid = ReadMonitorEdid(monitor.instance))
             Facts.Merge(devices.back(), *edid, L"EDID");
     }
-    if (!AreNamed(devices)) {
+    if (!AreComplete(devices)) {
         const DisplayList further = config.ListDevices();
         MergeSame(devices, further.monitors, further.source);
     }

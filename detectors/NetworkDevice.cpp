@@ -69,11 +69,17 @@ std::vector<Adapter> ListAdapters(const NetworkFunctions& functions)
     std::vector<NetworkInfo> devices;
     SetupLib::Instance().GetNetworkDeviceInfo(devices);
     const std::optional<DWORD> defaultRoute = FindDefaultRoute(functions);
+    const std::vector<NetworkInfo> table = ReadInterfaceTable(functions, defaultRoute);
+    std::vector<NetworkInfo> addresses = ReadAdapterAddresses(functions, defaultRoute);
+    for (NetworkInfo& adapter : addresses) {
+        // These know no medium, by which the table tells Bluetooth, that says it is an Ethernet, from one.
+        if (std::ranges::any_of(table, [&](const NetworkInfo& row) { return IsSame(row, adapter); }))
+            adapter.SetKind(MediaKind::Unknown);
+    }
     std::vector<Adapter> adapters;
     AdapterFacts.Join(adapters, devices, L"the Setup API", &IsSame);
-    AdapterFacts.Join(adapters, ReadInterfaceTable(functions, defaultRoute), L"the interface table", &IsSame);
-    AdapterFacts.Join(adapters, ReadAdapterAddresses(functions, defaultRoute), L"the adapters' addresses",
-                      &IsSame);
+    AdapterFacts.Join(adapters, table, L"the interface table", &IsSame);
+    AdapterFacts.Join(adapters, addresses, L"the adapters' addresses", &IsSame);
     std::erase_if(adapters, [](const Adapter& adapter) { return !IsPhysical(adapter.record); });
     std::ranges::stable_sort(adapters, &ComesBefore);
     return adapters;

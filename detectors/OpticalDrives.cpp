@@ -79,6 +79,18 @@ void Finish(OpticalInfo& drive)
         drive.isVirtual = false;
 }
 
+/// Adds the drives that no listed one is, which their letters tell; all, where none is listed.
+void AddUnlisted(Drives& drives, const Drives& found)
+{
+    const bool isEmpty = drives.empty();
+    for (const OpticalInfo& drive : found) {
+        const bool isListed = std::ranges::any_of(
+            drives, [&drive](const OpticalInfo& other) { return other.drive == drive.drive; });
+        if (isEmpty || (drive.drive.HasValue() && !isListed))
+            drives.push_back(drive);
+    }
+}
+
 /// Real drives first, then by device id.
 auto GetRank(const OpticalDrive& drive)
 {
@@ -91,14 +103,18 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
 {
     const ErrorMode quiet;
     std::vector<OpticalDrive> drives;
-    OpticalFacts.Join(drives, ListSetupDrives(), L"the Setup API", &IsSameDrive);
+    const Drives devices = ListSetupDrives();
+    OpticalFacts.Join(drives, devices, L"the Setup API", &IsSameDrive);
     OpticalFacts.Join(drives, ListWmiDrives(), L"WMI", &IsSameDrive);
-    // What the drives answer belongs to the drives that are listed; where none is, it is the list.
+    // What the drives answer belongs to the drives that are listed.
     Drives told;
-    for (const auto& [drive, sources] : drives)
+    for (const auto& [drive, sources] : drives) {
         told.push_back(ReadOpticalDrive(functions, drive.instanceId.ToString(), drive.drive.ToString()));
-    if (drives.empty())
-        told = ListOpticalDevices(functions);
+        if (!told.back().drive.HasValue())
+            told.back().drive = drive.drive;
+    }
+    if (devices.empty())  // WMI lists one at most
+        AddUnlisted(told, ListOpticalDevices(functions));
     drives.resize(told.size());
     for (std::size_t place = 0; place < drives.size(); ++place) {
         OpticalFacts.Merge(drives[place], told[place], L"the storage functions");

@@ -9,9 +9,12 @@
 namespace kel {
 
 /// Stores whether a product is there, and its version: an empty text where it is not, or does not tell. The
-/// log says what it was found by.
+/// log says what it was found by, and who told the version.
 /// @param found null when the product is not there
 void StoreProduct(const wchar_t* detector, const Product& product, const Installation* found);
+
+/// Stores every product of a table as absent.
+void StoreDefaults(std::span<const Product> table);
 
 /// Looks for each product of a table and stores the newest installation of it. What fails for one is logged,
 /// and leaves it absent.

@@ -4,6 +4,7 @@
 #include "detectors/ProductFacts.h"
 #include "detectors/ProductTables.h"
 #include "detectors/ScsiControllers.h"
+#include "probes/Attempt.h"
 #include "values/Version.h"
 
 namespace kel {
@@ -49,8 +50,13 @@ bool Software::Detect()
 bool Software::Detect(const SoftwareFunctions& functions)
 {
     return Guarded(L"kel::Software::Detect", L"Error in Software detection.", [&functions] {
-        Facts.Store({StoredVersion(GpuDriver), StoredVersion(SoundDriver), StoredVersion(NetworkDriver),
-                     ScsiDriver()});
+        Drivers drivers;
+        Facts.Store(drivers);
+        drivers.gpu = StoredVersion(GpuDriver);
+        drivers.sound = StoredVersion(SoundDriver);
+        drivers.network = StoredVersion(NetworkDriver);
+        Attempt(L"Error in the list of controllers.", [&drivers] { drivers.scsi = ScsiDriver(); });
+        Facts.Store(drivers);
         StoreNewest(L"Software", functions, RuntimeTable());
     });
 }

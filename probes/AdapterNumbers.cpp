@@ -14,11 +14,6 @@ std::wstring LuidText(LUID luid)
     return LuidText(static_cast<std::uint64_t>(static_cast<DWORD>(luid.HighPart)) << 32 | luid.LowPart);
 }
 
-bool IsBasicRenderDriver(UINT vendor, UINT device)
-{
-    return vendor == 0x1414 && device == 0x8C;
-}
-
 std::optional<Version> DriverVersion(std::uint64_t numbers)
 {
     if (numbers == 0 || numbers == ~std::uint64_t{0})

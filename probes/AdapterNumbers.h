@@ -14,9 +14,6 @@ namespace kel {
 std::wstring LuidText(std::uint64_t luid);
 std::wstring LuidText(LUID luid);
 
-/// Whether the numbers are of Windows' own software adapter, which is listed with and without the flag.
-bool IsBasicRenderDriver(UINT vendor, UINT device);
-
 /// A driver's version from its four numbers of 16 bits, the first one highest; nothing for all zeros or all
 /// ones.
 std::optional<Version> DriverVersion(std::uint64_t numbers);

@@ -30,6 +30,12 @@ Container Child(IDxDiagContainer& parent, const wchar_t* name)
     return child;
 }
 
+bool Has(IDxDiagContainer& device, const wchar_t* name)
+{
+    _variant_t value;
+    return SUCCEEDED(device.GetProp(name, &value)) && value.vt != VT_EMPTY;
+}
+
 /// A property as text; empty when it is missing or a filler.
 std::wstring Text(IDxDiagContainer& device, const wchar_t* name)
 {
@@ -66,9 +72,9 @@ GpuInfo Read(IDxDiagContainer& device)
     GpuInfo info;
     info.description = Name(Text(device, L"szDescription"));
     info.deviceId = ReadId(device);
-    info.videoMemory = Memory(device, L"szDedicatedMemoryEnglish");
-    if (!info.videoMemory)
-        info.videoMemory = Memory(device, L"szDisplayMemoryEnglish");
+    // What old systems tell in place of it has the shared memory in it, where there is some.
+    info.videoMemory = Memory(device, Has(device, L"szDedicatedMemoryEnglish") ? L"szDedicatedMemoryEnglish"
+                                                                               : L"szDisplayMemoryEnglish");
     info.driverVersion = KnownVersion(Text(device, L"szDriverVersion"));
     const std::wstring model = Text(device, L"szDriverModel");
     info.driverModel = KnownVersion(model.substr(std::min(model.find_first_of(L"0123456789"), model.size())));

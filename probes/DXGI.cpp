@@ -63,8 +63,7 @@ GpuInfo DXGI::Read(const DXGI_ADAPTER_DESC1& found) const
     info.sharedMemory = KnownSize(found.SharedSystemMemory);
     info.driverModel = DriverModel(functions.getDriverModel(found.AdapterLuid));
     info.hasDirect3D = true;
-    info.isSoftware = (found.Flags & (RemoteFlag | SoftwareFlag)) != 0 ||
-                      IsBasicRenderDriver(found.VendorId, found.DeviceId);
+    info.isSoftware = (found.Flags & (RemoteFlag | SoftwareFlag)) != 0;
     WriteLog(LogTrace, L"DXGI: ", info.description.ToString(), L" ", info.deviceId.ToString(), L" ",
              found.DedicatedVideoMemory, L" ", found.SharedSystemMemory, L" flags ", found.Flags);
     return info;

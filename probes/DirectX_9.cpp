@@ -32,7 +32,6 @@ GpuInfo Read(IDirect3D9Ex& direct3D, UINT index)
         info.description = Name(TidyText(Widen(found.Description, std::size(found.Description))));
         info.deviceId = DeviceID::FromNumbers(found.VendorId, found.DeviceId, found.SubSysId, found.Revision);
         info.driverVersion = DriverVersion(static_cast<std::uint64_t>(found.DriverVersion.QuadPart));
-        info.isSoftware = IsBasicRenderDriver(found.VendorId, found.DeviceId);
     }
     LUID luid = {};
     if (SUCCEEDED(direct3D.GetAdapterLUID(index, &luid)))

@@ -42,8 +42,12 @@ std::wstring TidyDiskModel(const std::wstring& name)
             model.erase(model.size() - suffix.size());
     }
     const std::size_t blank = model.find(L' ');
-    return blank != std::wstring::npos && IsNoVendor(model.substr(0, blank)) ? model.substr(blank + 1)
-                                                                             : model;
+    if (blank != std::wstring::npos) {
+        const std::wstring first = model.substr(0, blank), rest = model.substr(blank + 1);
+        if (IsNoVendor(first) || ToUpper(rest).starts_with(ToUpper(first)))
+            model = rest;
+    }
+    return TidyText(model);
 }
 
 std::wstring ReadIdeModel(const std::wstring& hardwareId)

@@ -41,21 +41,32 @@ const wchar_t* GetWord(std::optional<bool> flag)
     return !flag ? L"unknown" : *flag ? L"yes" : L"no";
 }
 
-void TakeDescriptor(const StorageDevice& device, const StorageDescriptor& descriptor, DiskInfo& disk)
+/// What a disk tells beside its descriptor.
+struct Further {
+    Hotplug hotplug;
+    std::optional<bool> seekPenalty;
+};
+
+void TakeDescriptor(const StorageDescriptor& descriptor, const Further& further, DiskInfo& disk)
 {
-    const auto hotplug = ReadHotplug(device.Ask(IOCTL_STORAGE_GET_HOTPLUG_INFO).bytes).value_or(Hotplug{});
-    const auto seekPenalty = ReadStorageFlag(device.AskProperty(SeekPenaltyProperty).bytes);
-    const auto trim = ReadStorageFlag(device.AskProperty(TrimProperty).bytes);
     disk.model = Name(MakeDiskModel(descriptor.vendor, descriptor.product));
     disk.bus = Name(GetBusName(descriptor.bus));
-    disk.isSolidState = IsSolidState(descriptor.bus, seekPenalty);
-    disk.isRemovable =
-        IsRemovableDisk(descriptor.bus, descriptor.isRemovable || hotplug.medium, hotplug.device);
+    disk.isSolidState = IsSolidState(descriptor.bus, further.seekPenalty);
+    disk.isRemovable = IsRemovableDisk(descriptor.bus, descriptor.isRemovable || further.hotplug.medium,
+                                       further.hotplug.device);
     disk.isVirtual = IsVirtualBus(descriptor.bus);
     if (const std::wstring firmware = TidyText(descriptor.revision); !firmware.empty())
         disk.firmware = Version(firmware);
-    WriteLog(LogTrace, L"Disk ", *disk.number, L": bus ", descriptor.bus, L", seek penalty ",
-             GetWord(seekPenalty), L", trim ", GetWord(trim));
+}
+
+/// Without a descriptor: a medium that can leave tells enough; a cable that can does not, as the bus is
+/// unknown.
+void TakeFurther(const Further& further, DiskInfo& disk)
+{
+    if (further.seekPenalty)
+        disk.isSolidState = !*further.seekPenalty;
+    if (further.hotplug.medium)
+        disk.isRemovable = true;
 }
 
 /// Reads a disk that is open.
@@ -63,11 +74,20 @@ void TakeDescriptor(const StorageDevice& device, const StorageDescriptor& descri
 DWORD ReadDisk(const StorageDevice& device, DiskInfo& disk)
 {
     const StorageAnswer told = device.AskProperty(DeviceProperty);
+    const Further further = {
+        ReadHotplug(device.Ask(IOCTL_STORAGE_GET_HOTPLUG_INFO).bytes).value_or(Hotplug{}),
+        ReadStorageFlag(device.AskProperty(SeekPenaltyProperty).bytes)};
+    const auto trim = ReadStorageFlag(device.AskProperty(TrimProperty).bytes);
     DWORD error = told.error;
-    if (const auto descriptor = ReadStorageDescriptor(told.bytes))
-        TakeDescriptor(device, *descriptor, disk);
+    const auto descriptor = ReadStorageDescriptor(told.bytes);
+    if (descriptor)
+        TakeDescriptor(*descriptor, further, disk);
     else if (error == ERROR_SUCCESS)
         error = ERROR_INVALID_DATA;
+    if (!descriptor)
+        TakeFurther(further, disk);
+    WriteLog(LogTrace, L"Disk ", *disk.number, L": bus ", disk.bus.ToString(), L", seek penalty ",
+             GetWord(further.seekPenalty), L", trim ", GetWord(trim));
 
     if (device.IsAsleep())
         return error;

@@ -180,7 +180,9 @@ void ProductFinder::FindRegistered(const Search& search)
 
 void ProductFinder::FindKeys(const Search& search)
 {
-    for (const RegistryView& view : UserFirst) {
+    // A key without a folder of its own is of the one that all users share, whatever else a user's may hold.
+    const bool isOfAll = *search.locator.value == L'\0';
+    for (const RegistryView& view : isOfAll ? MachineFirst : UserFirst) {
         for (const std::wstring& name : ListKeys(functions, view, search.locator.where)) {
             const OwnedKey key = OpenView(functions, view, name);
             if (key && !IsMarkedAbsent(key.get()))

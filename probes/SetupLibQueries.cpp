@@ -190,8 +190,8 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
     const HKEY hardware = keys.hardware.get();
     const HKEY software = keys.software.get();
     if (!adapter.description.HasValue())
-        adapter.description =
-            Name(FirstText({{hardware, nullptr, L"DeviceDesc"}, {software, nullptr, L"DeviceDesc"}}));
+        adapter.description = Name(
+            TidyText(FirstText({{hardware, nullptr, L"DeviceDesc"}, {software, nullptr, L"DeviceDesc"}})));
     adapter.driverVersion =
         KnownVersion(FirstText({{software, nullptr, L"Ver"}, {software, nullptr, DriverVersionValue}}));
     adapter.chipType = Name(FirstText(

@@ -19,7 +19,6 @@ static_assert(offsetof(Layout, RemovableMedia) == 10 && offsetof(Layout, VendorI
 // Younger than the headers of some compilers.
 constexpr std::uint32_t BusVirtual = 14;
 constexpr std::uint32_t BusFileBacked = 15;
-constexpr std::uint32_t BusSpaces = 16;
 constexpr std::uint32_t BusNvme = 17;
 constexpr std::uint32_t BusUfs = 19;
 
@@ -80,7 +79,7 @@ std::wstring GetBusName(std::uint32_t bus)
 
 bool IsVirtualBus(std::uint32_t bus)
 {
-    return bus == BusVirtual || bus == BusFileBacked || bus == BusSpaces;
+    return bus == BusVirtual || bus == BusFileBacked;
 }
 
 std::optional<bool> IsSolidState(std::uint32_t bus, std::optional<bool> seekPenalty)

@@ -7,6 +7,7 @@
 #include "diag/LogScope.h"
 #include "probes/Variant.h"
 #include "probes/WMI.h"
+#include "values/Junk.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -140,8 +141,7 @@ bool WMI::GetSoundValues(SoundInfo& info)
         Fill(object, SoundRows, info);
         info.instanceId = ToUpper(info.instanceId);
         info.deviceId = DeviceID(info.instanceId);
-        if (info.HasChosenName())
-            info.name = Name();
+        info.name = info.HasChosenName() ? Name() : Name(TidyText(info.name.ToString()));
     });
 }
 

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t DeviceDigits = 4;
 constexpr std::size_t SubsystemDigits = 8;
+constexpr std::size_t MakerLetters = 4;
+constexpr std::wstring_view HexadecimalDigits = L"0123456789ABCDEF";
 constexpr std::wstring_view Usb = L"USB";
 constexpr std::wstring_view VirtualBuses[] = {L"ROOT", L"SWD", L"VMBUS"};
 /// Microsoft, VMware, VirtualBox, virtio, Parallels, QEMU, Xen.
@@ -20,7 +22,7 @@ constexpr std::wstring_view VirtualVendors[] = {L"1414", L"15AD", L"80EE", L"1AF
 
 bool IsHexadecimal(std::wstring_view text)
 {
-    return text.find_first_not_of(L"0123456789ABCDEF") == std::wstring_view::npos;
+    return text.find_first_not_of(HexadecimalDigits) == std::wstring_view::npos;
 }
 
 /// The letters and digits by which ACPI names makers.
@@ -30,16 +32,41 @@ bool IsMaker(std::wstring_view text)
            text.find_first_not_of(L"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789") == std::wstring_view::npos;
 }
 
-/// The id up to its second backslash, where the instance begins.
-std::wstring WithoutInstance(const std::wstring& id)
+/// What a number spells whose bytes are letters and digits, the lowest first; empty for others.
+std::wstring Spell(std::uint32_t number)
 {
+    std::wstring spelled;
+    for (; number != 0; number >>= 8)
+        spelled += static_cast<wchar_t>(number & 0xFF);
+    return spelled.size() == MakerLetters && IsMaker(spelled) ? spelled : std::wstring();
+}
+
+/// Takes away the addresses of Bluetooth devices: twelve digits behind an underscore.
+std::wstring WithoutAddresses(std::wstring id)
+{
+    constexpr std::size_t Digits = 12;
+    for (std::size_t mark = id.find(L'_'); mark != std::wstring::npos; mark = id.find(L'_', mark)) {
+        const std::size_t end = std::min(id.find_first_not_of(HexadecimalDigits, mark + 1), id.size());
+        if (end == mark + 1 + Digits)
+            id.erase(mark, end - mark);
+        else
+            ++mark;
+    }
+    return id;
+}
+
+/// The id in upper case up to its second backslash, where the instance begins.
+std::wstring WithoutInstance(const std::wstring& fullId)
+{
+    const std::wstring id = ToUpper(fullId);
     const std::size_t first = id.find(L'\\');
-    return first != std::wstring::npos ? id.substr(0, id.find(L'\\', first + 1)) : id;
+    const std::wstring kept = first != std::wstring::npos ? id.substr(0, id.find(L'\\', first + 1)) : id;
+    return kept.starts_with(L"BTH") ? WithoutAddresses(kept) : kept;
 }
 
 }  // namespace
 
-DeviceID::DeviceID(const std::wstring& id) : text(MakeText(ToUpper(WithoutInstance(id)).c_str()))
+DeviceID::DeviceID(const std::wstring& id) : text(MakeText(WithoutInstance(id).c_str()))
 {
     ReadParts(ToString());
 }
@@ -47,6 +74,8 @@ DeviceID::DeviceID(const std::wstring& id) : text(MakeText(ToUpper(WithoutInstan
 DeviceID DeviceID::FromNumbers(std::uint32_t vendor, std::uint32_t device, std::uint32_t subsystem,
                                std::uint32_t revision)
 {
+    if (const std::wstring maker = Spell(vendor), model = Spell(device); !maker.empty() && !model.empty())
+        return DeviceID(L"ACPI\\VEN_" + maker + L"&DEV_" + model);
     if (vendor == 0 || vendor > 0xFFFF || device > 0xFFFF || revision > 0xFF)
         return {};
     std::wstring id = L"PCI\\VEN_" + Hexadecimal(vendor, 4) + L"&DEV_" + Hexadecimal(device, 4);

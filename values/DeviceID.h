@@ -17,13 +17,14 @@ class DeviceID : public Value {
 public:
     DeviceID() = default;
     /// @param id a hardware id, or a device instance id, whose instance part is dropped: it can be a serial
-    /// number
+    /// number; so is the address in an id of a Bluetooth device
     explicit DeviceID(const std::wstring& id);
     DeviceID(const DeviceID&) = default;
     DeviceID& operator=(const DeviceID&) = default;
 
-    /// The id of a PCI device, as the graphics interfaces tell its numbers. A subsystem of 0 is unknown; a
-    /// vendor of 0, or a number that PCI cannot have, gives the empty id.
+    /// The id of a device, as the graphics interfaces tell its numbers: of a PCI device, or of an ACPI device
+    /// whose numbers are four letters each. A subsystem of 0 is unknown; a vendor of 0, or a number that PCI
+    /// cannot have, gives the empty id.
     static DeviceID FromNumbers(std::uint32_t vendor, std::uint32_t device, std::uint32_t subsystem,
                                 std::uint32_t revision);
 

@@ -24,7 +24,7 @@ using testing::Contains, testing::Not;
 TEST(Software, RepeatsTheDriversOfTheDevicesThatMatter)
 {
     test::TestSession session;
-    const test::PlantedSoftware planted({});
+    const test::PlantedSoftware planted{test::Machine()};
     test::PlantedDevice scsi(test::ScsiClass);
     scsi.With(SPDRP_HARDWAREID, L"PCI\\VEN_1000&DEV_0072")
         .Device(L"a", L"b")
@@ -45,63 +45,13 @@ TEST(Browser, IsThereWithItsFileAndNotAsAChannel)
     for (const std::wstring& row : rows) {
         const Lines fields = test::Split(row, L';');  // id or 0, key, file
         const std::wstring next = std::to_wstring(std::stoul(fields[0]) + 1);
-        const test::SoftwareMachine machine = {
-            fields[1], fields[2] + L"|9.8.7.6",
-            fields[0] == L"0" ? L"" : L"73000=Yes|73001=1|" + fields[0] + L"=Yes|" + next + L"=9.8.7.6"};
+        test::Machine machine;
+        machine.Add(fields[1] + L"\nfile " + fields[2] + L"|9.8.7.6");
+        if (fields[0] != L"0")
+            machine.Add(L"+ 73000[0]=Yes; 73001[0]=1; " + fields[0] + L"[0]=Yes; " + next + L"[0]=9.8.7.6");
         const test::PlantedSoftware planted(machine);
-        EXPECT_EQ(test::DetectSoftware(planted.functions), test::ExpectedSoftware(machine)) << row;
+        EXPECT_EQ(test::FindSoftware(planted.functions), machine.Stored(L"+")) << row;
         EXPECT_THAT(planted.files, Not(Contains(testing::StartsWith(L"e:"))));
-    }
-}
-
-TEST(Browser, OfChoiceIsOneThatIsThere)
-{
-    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
-        {L"", L"Firefox"},
-        {LR"(64 Classes\FirefoxURL-1\shell\open\command|="C:\Fox\firefox.exe" -url "%1")", L"Firefox"},
-        {LR"(CU Classes\FirefoxURL-1\shell\open\command|="C:\Firefox Nightly\firefox.exe" -url "%1")", L""},
-        {LR"(64 Classes\FirefoxURL-1\shell\open\command|="C:\Gone\firefox.exe" -url "%1")", L""},
-    };
-    for (const auto& [keys, name] : rows) {
-        const test::PlantedSoftware planted(
-            {keys + std::wstring(LR"(
-64 A:firefox.exe|=C:\Fox\firefox.exe
-CU Microsoft\Windows\Shell\Associations\UrlAssociations\https\UserChoice|ProgId=FirefoxURL-1)"),
-             L"C:\\Fox\\firefox.exe|1.2.3.4\nC:\\Firefox Nightly\\firefox.exe"});
-        EXPECT_THAT(test::DetectSoftware(planted.functions), Contains(std::wstring(L"73002[0]=") + name))
-            << keys;
-    }
-}
-
-TEST(Applications, AreEntriesWhoseProgramIsThere)
-{
-    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
-        // further values of an entry, and the version that is stored; empty when the program is not there
-        {L"64|InstallLocation=C:\\Vlc", L"3.0.20.0"},
-        {L"32|InstallLocation=\"C:\\Vlc\\\"", L"3.0.20.0"},
-        {L"CU|DisplayIcon=C:\\Vlc\\vlc.exe,0", L"3.0.20.0"},
-        {L"64|UninstallString=\"C:\\Vlc\\uninstall.exe\" /S", L"3.0.20.0"},
-        {L"64|InstallLocation=D:\\Plain", L"4.4"},  // no version record
-        {L"64|InstallLocation=C:\\Old\n32 U:VLC media player|a=|InstallLocation=C:\\Vlc", L"3.0.20.0"},
-        {L"64|InstallLocation=D:\\Plain\n64 A:vlc.exe|=C:\\Old\\vlc.exe", L"3.0.9.1"},  // files come first
-        {L"64|InstallLocation=C:\\Gone\n32 U:VLC media player|InstallLocation=C:\\Vlc", L""},
-        {L"64|InstallLocation=E:\\Vlc", L""},
-        {L"64|UninstallString=MsiExec.exe /X{1}", L""},
-        {L"64|InstallLocation=C:\\Vlc|SystemComponent=#1", L""},
-        {L"64|InstallLocation=C:\\Vlc|SystemComponent=#0", L"3.0.20.0"},
-        {L"64|InstallLocation=C:\\Vlc|ParentKeyName=Other", L""},
-        {L"64|InstallLocation=C:\\Vlc|ReleaseType=Security Update", L""},
-        {L"64|InstallLocation=C:\\Vlc|DisplayName=Update for VLC (KB123456)", L""},
-    };
-    for (const auto& [values, version] : rows) {
-        std::wstring keys(values);
-        keys.insert(2, L" U:VLC media player|DisplayVersion=4.4");
-        const test::SoftwareMachine machine = {
-            keys, L"C:\\Vlc\\vlc.exe|3.0.20.0\nC:\\Old\\vlc.exe|3.0.9.1\nD:\\Plain\\vlc.exe",
-            *version == L'\0' ? L"" : std::wstring(L"73228=Yes|73229=") + version};
-        EXPECT_EQ(test::DetectSoftware(test::PlantedSoftware(machine).functions),
-                  test::ExpectedSoftware(machine))
-            << values;
     }
 }
 
@@ -130,10 +80,11 @@ void ExpectOnlyPlacesOfTables(const test::PlantedSoftware& planted)
 
 TEST(Applications, LookForNoOthersAndStoreNothingOfThem)
 {
-    test::SoftwareMachine machine;
-    machine.stored =
-        L"73220=Yes|73221=24.8.0.3|73224=Yes|73225=24.002.20857|73226=Yes|73227=24.08.00.0|73228=Yes\n"
-        L"73229=3.0.20|73234=Yes|73235=5.9.7|73242=Yes|73243=21.0.3.9|73244=Yes|73245=1.65.2";
+    test::Machine machine;
+    machine.Add(
+        L"+ 73220[0]=Yes; 73221[0]=24.8.0.3; 73222[0]=Yes; 73223[0]=24.002.20857; 73224[0]=Yes\n"
+        L"+ 73225[0]=24.002.20857; 73226[0]=Yes; 73227[0]=24.08.00.0; 73228[0]=Yes; 73229[0]=3.0.20\n"
+        L"+ 73234[0]=Yes; 73235[0]=5.9.7; 73242[0]=Yes; 73243[0]=21.0.3.9; 73244[0]=Yes; 73245[0]=1.65.2");
     const Lines rows = test::ReadRows("uninstall.txt");
     ASSERT_GE(rows.size(), 60U);
     Lines secrets = {L"Secret"};
@@ -143,56 +94,39 @@ TEST(Applications, LookForNoOthersAndStoreNothingOfThem)
         const bool isOfTable = fields.size() > 4;
         const std::wstring folder =
             isOfTable ? fields[4].substr(0, fields[4].find(L'\\')) : L"Secret " + fields[0];
-        machine.keys += Views[place % 3] + fields[0] + L"|DisplayName=" + fields[1] + L"|DisplayVersion=" +
-                        fields[2] + L"|Publisher=" + fields[3] + L"|InstallLocation=C:\\" + folder + L"\n";
+        machine.Add(Views[place % 3] + fields[0] + L"|DisplayName=" + fields[1] + L"|DisplayVersion=" +
+                    fields[2] + L"|Publisher=" + fields[3] + L"|InstallLocation=C:\\" + folder);
         if (isOfTable)
-            machine.files += L"C:\\" + fields[4] + L"\n";
+            machine.Add(L"file C:\\" + fields[4]);
         else
             std::ranges::copy_if(fields, std::back_inserter(secrets),
                                  [](const std::wstring& field) { return field.size() > 3; });
     }
     const test::PlantedSoftware planted(machine);
-    const Lines stored = test::DetectSoftware(planted.functions);
-    EXPECT_EQ(stored, test::ExpectedSoftware(machine));
+    const Lines stored = test::FindSoftware(planted.functions);
+    EXPECT_EQ(stored, machine.Stored(L"+"));
     for (const std::wstring& secret : secrets)
         EXPECT_THAT(stored, testing::Each(Not(testing::HasSubstr(secret)))) << secret;
     EXPECT_THAT(planted.files, testing::Each(Not(testing::HasSubstr(L"secret"))));
     ExpectOnlyPlacesOfTables(planted);
 }
 
-constexpr const wchar_t* Faulty =
-    LR"(
-64 U:VLC media player|DisplayName=VLC media player|Publisher=VideoLAN|DisplayVersion=4.4|DisplayIcon=C:\Vlc\vlc.exe
-64 U:Steam|DisplayName=Steam|Publisher=Valve|InstallLocation=C:\Steam
-64 A:chrome.exe|=C:\Chrome\chrome.exe
-64 Microsoft\PowerShell\3\PowerShellEngine|PowerShellVersion=5.1
-64 Microsoft\NET Framework Setup\NDP\v4\Full|Version=4.0.30319|Release=533320
-CU Microsoft\Windows\Shell\Associations\UrlAssociations\https\UserChoice|ProgId=ChromeHTML)";
-const test::SoftwareMachine FaultyMachine = {
-    Faulty,
-    LR"(
-C:\Vlc\vlc.exe|3.0.20.0
-C:\Steam\steam.exe|8.1.0.0
-C:\Chrome\chrome.exe|120.0.0.1
-C:\Windows\Microsoft.NET\Framework64\v4.0.30319\clr.dll
-C:\Windows\System32\WindowsPowerShell\v1.0\powershell.exe)",
-    L"72920=4.0.30319|72950=5.1|73000=Yes|73001=1|73002=Chrome|73014=Yes|73015=120.0.0.1|73228=Yes|"
-    L"73229=3.0.20.0|73240=Yes|73241=8.1.0.0"};
+struct FaultySoftware : testing::Test {
+    const test::Machine machine = test::ReadMachines("faulty_software.txt").front();
+    test::PlantedSoftware planted{machine};
+};
 
-TEST(Software, TakesNoValueOfAWrongType)
+TEST_F(FaultySoftware, GivesNoValueOfAWrongType)
 {
-    test::PlantedSoftware planted(FaultyMachine);
-    EXPECT_EQ(test::DetectSoftware(planted.functions), test::ExpectedSoftware(FaultyMachine));
     for (const DWORD type :
          std::initializer_list<DWORD>{REG_NONE, REG_BINARY, REG_DWORD, REG_MULTI_SZ, REG_QWORD, 0xFFFF0007}) {
-        planted.Plant(Faulty, type);
-        EXPECT_EQ(test::DetectSoftware(planted.functions), test::ExpectedSoftware({})) << type;
+        planted.Plant(machine, type);
+        EXPECT_EQ(test::FindSoftware(planted.functions), Lines()) << type;
     }
 }
 
-TEST(Software, GoesOnWhenASourceFails)
+TEST_F(FaultySoftware, GivesWhatTheOtherSourcesHaveWhenOneFails)
 {
-    test::PlantedSoftware planted(FaultyMachine);
     int refused = 0;
     planted.functions.relatedProduct = [&refused](auto...) -> UINT {
         ++refused;
@@ -204,12 +138,12 @@ TEST(Software, GoesOnWhenASourceFails)
             record.resize(60);
         return path[3] == L'S' ? throw std::bad_alloc() : record;
     };
-    test::SoftwareMachine machine = FaultyMachine;
-    machine.stored =
-        L"72920=4.0.30319|72950=5.1|73000=Yes|73001=1|73002=Chrome|73014=Yes|73015=120.0.0.1|"
-        L"73228=Yes|73229=4.4";
+    Lines expected = machine.Stored(L"+");
+    expected.resize(expected.size() -
+                    3);  // the one of which reading throws, and the version of the one before
+    expected.emplace_back(L"73229[0]=4.4");
     const test::LogCapture log(2);
-    EXPECT_EQ(test::DetectSoftware(planted.functions), test::ExpectedSoftware(machine));
+    EXPECT_EQ(test::FindSoftware(planted.functions), expected);
     EXPECT_EQ(log.Lines(), (Lines{L"WARN The installer does not tell its products: 1601",
                                   L"ERR Error while looking for a product."}));
     EXPECT_EQ(refused, 1);
@@ -217,7 +151,7 @@ TEST(Software, GoesOnWhenASourceFails)
 
 TEST(Applications, AskEachOfTenThousandEntriesForItsNameOnly)
 {
-    test::PlantedSoftware planted({});
+    test::PlantedSoftware planted{test::Machine()};
     const auto open = planted.functions.openKey;
     int opened = 0;
     planted.functions.openKey = [&](HKEY root, const wchar_t* name, REGSAM access) {
@@ -237,7 +171,7 @@ TEST(Applications, AskEachOfTenThousandEntriesForItsNameOnly)
 
 TEST(Software, ReadsRealKeysFilesAndVersions)
 {
-    const test::PlantedSoftware planted({});
+    const test::PlantedSoftware planted{test::Machine()};
     std::filesystem::copy_file(KEL_VERSIONED, "vlc.exe", std::filesystem::copy_options::overwrite_existing);
     SetEnvironmentVariableW(L"KEL_TEST", std::filesystem::current_path().c_str());
     planted.userKeys.Write(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\vlc.exe", nullptr,
@@ -246,7 +180,8 @@ TEST(Software, ReadsRealKeysFilesAndVersions)
     const test::TestSession session;
     Applications().Detect();
     EXPECT_EQ(session.Texts({73226, 73228, 73229}), L"No|Yes|4.3.2.1|");
-    EXPECT_THAT(log.Lines(), Contains(L"TRACE Applications[0] VLC from App Paths"));
+    EXPECT_THAT(log.Lines(),
+                Contains(L"TRACE Applications[0] VLC from App Paths, version from its file or key"));
     std::filesystem::remove("vlc.exe");
     Browser().Detect();
     EXPECT_EQ(session.Text(73003), L"kel_tests.exe");

@@ -62,9 +62,10 @@ HRESULT EnumAudioEndpoints(Plain* self, EDataFlow direction, DWORD states, IMMDe
     return listed.Give(result);
 }
 
-HRESULT GetDefaultAudioEndpoint(Plain* self, EDataFlow, ERole, IMMDevice** result)
+HRESULT GetDefaultAudioEndpoint(Plain* self, EDataFlow direction, ERole role, IMMDevice** result)
 {
     FakeSoundData& data = self->data;
+    data.isMisused |= direction != eRender || role != eConsole;
     if (data.defaultOutput < 0)
         return data.getDefault;
     return GiveEndpoint(data, data.endpoints[static_cast<std::size_t>(data.defaultOutput)], result);

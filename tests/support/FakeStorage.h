@@ -17,6 +17,16 @@ namespace kel::test {
 /// A request: the control code, and of a property its number, else -1.
 using Request = std::pair<DWORD, int>;
 
+/// Whether a drive was reached without the mode in which the system shows no box for it.
+struct ErrorModeCheck {
+    static inline bool isMissed = false;
+
+    static void Look()
+    {
+        isMissed |= GetThreadErrorMode() != (SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
+    }
+};
+
 /// What a fake device answers. A request that it has no answer for is refused.
 struct FakeDevice {
     std::map<Request, std::string> answers;
@@ -50,6 +60,7 @@ struct FakeStorage {
             return Fill(name == nullptr ? Names() : letters[name], name == nullptr ? listError : 0, buffer);
         };
         functions.openDevice = [this](const wchar_t* path, DWORD access) -> HANDLE {
+            ErrorModeCheck::Look();
             opened.push_back(path + std::wstring(access != 0 ? L" for reading" : L""));
             const auto device = devices.find(path);
             DWORD error = device == devices.end() ? ERROR_FILE_NOT_FOUND : device->second.openError;

@@ -63,6 +63,7 @@ struct FakeVolumes {
 private:
     const FakeVolume& Open(const wchar_t* root)
     {
+        ErrorModeCheck::Look();
         opened += *root;
         if (volumes.at(*root).throws)
             throw 1;

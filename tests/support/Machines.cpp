@@ -18,10 +18,10 @@ std::wstring Machine::First(const wchar_t* word) const
     return (*this)[word].empty() ? L"" : (*this)[word].front();
 }
 
-Lines Machine::Stored() const
+Lines Machine::Stored(const wchar_t* word) const
 {
     Lines stored;
-    for (std::wstring line : (*this)[L"="]) {
+    for (std::wstring line : (*this)[word]) {
         ReplaceAll(line, L"; ", L"\n");
         for (const std::wstring& value : Split(line, L'\n'))
             stored.push_back(value);
@@ -29,10 +29,20 @@ Lines Machine::Stored() const
     return stored;
 }
 
-void Machine::Add(const std::wstring& line)
+void Machine::Add(const std::wstring& text)
 {
-    const std::size_t blank = line.find(L' ');
-    lines[line.substr(0, blank)].push_back(blank == std::wstring::npos ? L"" : line.substr(blank + 1));
+    for (const std::wstring& line : Split(text, L'\n')) {
+        const std::size_t blank = line.find(L' ');
+        lines[line.substr(0, blank)].push_back(blank == std::wstring::npos ? L"" : line.substr(blank + 1));
+    }
+}
+
+Lines FoundIn(Lines stored)
+{
+    std::erase_if(stored, [](const std::wstring& line) {
+        return line.ends_with(L"=") || line.ends_with(L"=No") || line.ends_with(L"=0");
+    });
+    return stored;
 }
 
 std::vector<Machine> ReadMachines(const char* file)

@@ -17,14 +17,18 @@ public:
     const Lines& operator[](const wchar_t* word) const;
     /// The first line of a word; empty when there is none.
     std::wstring First(const wchar_t* word) const;
-    /// What is stored, as "id[index]=text" lines.
-    Lines Stored() const;
+    /// What a word says is stored, as "id[index]=text" lines.
+    Lines Stored(const wchar_t* word) const;
 
-    void Add(const std::wstring& line);
+    /// Adds a line, or several.
+    void Add(const std::wstring& text);
 
 private:
     std::map<std::wstring, Lines> lines;
 };
+
+/// Of stored lines, those that say more than "No", "0" or nothing.
+Lines FoundIn(Lines stored);
 
 /// The machines of a file. What stands before the first goes for each.
 std::vector<Machine> ReadMachines(const char* file);

@@ -18,21 +18,6 @@ namespace kel::test {
 
 namespace {
 
-SoftwareMachine SoftwareOf(const Machine& machine)
-{
-    SoftwareMachine software;
-    for (const wchar_t* view : {L"64", L"32", L"CU"}) {
-        for (const std::wstring& key : machine[view])
-            software.keys += view + (L" " + key) + L"\n";
-    }
-    for (const std::wstring& file : machine[L"file"])
-        software.files += file + L"\n";
-    for (const std::wstring& package : machine[L"package"])
-        software.packages += package + L"\n";
-    software.host = machine.First(L"host");
-    return software;
-}
-
 /// What the functions without a place for data of the test's answer.
 const Machine* answering = nullptr;
 
@@ -58,7 +43,7 @@ BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
 PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
     : machine(newMachine),
       wmi(newWmi),
-      software(SoftwareOf(machine)),
+      software(machine),
       network(machine[L"adapter"]),
       soundDevices(machine[L"sound"])
 {
@@ -72,6 +57,7 @@ PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
 void PlantedMachine::PlantBasics()
 {
     wmi.objects.clear();
+    network.Break(machine);
     software.userKeys.Make(L"software\\Keldane");  // in which the machine's identifier is kept
     software.machineKeys.Write(
         L"SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E967-E325-11CE-BFC1-08002BE10318}", L"Class",
@@ -94,7 +80,7 @@ void PlantedMachine::PlantBasics()
         for (std::size_t place = 0; place < registers.size(); ++place)
             registers[place] = static_cast<std::uint32_t>(NumberOf(fields[place + 1], 16));
     }
-    const Lines fields = FieldsOf(machine.First(L"system"), 8);
+    const Lines fields = FieldsOf(machine.First(L"system"), 10);
     if (fields[0].empty())
         return;
     system.getVersion = [fields](OSVERSIONINFOEXW& version) {
@@ -105,9 +91,12 @@ void PlantedMachine::PlantBasics()
         version.wProductType = static_cast<BYTE>(NumberOf(fields[3]));
         version.wSuiteMask = static_cast<WORD>(NumberOf(fields[4]));
         version.wServicePackMajor = static_cast<WORD>(NumberOf(fields[7]));
+        wcscpy(version.szCSDVersion, fields[8].c_str());
         return TRUE;
     };
-    system.getSystemMetrics = [](int) { return 0; };
+    system.getSystemMetrics = [fields](int metric) {
+        return metric == SM_SERVERR2 && fields[9] == L"R2" ? 1 : 0;
+    };
     system.getNativeSystemInfo = [fields](SYSTEM_INFO& info) {
         info.wProcessorArchitecture = static_cast<WORD>(NumberOf(fields[5]));
     };
@@ -186,6 +175,12 @@ void PlantedMachine::PlantSound()
         sound.endpoints.push_back({eRender, output});
     for (const std::wstring& input : machine[L"input"])
         sound.endpoints.push_back({eCapture, input});
+    const auto failure = [this](const wchar_t* word, HRESULT otherwise) {
+        const std::wstring field = machine.First(word);
+        return field.empty() ? otherwise : static_cast<HRESULT>(NumberOf(field, 16));
+    };
+    sound.enumerate = failure(L"no-endpoints", S_OK);
+    sound.getDefault = failure(L"no-default", HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
 void PlantedMachine::Run()
@@ -209,7 +204,7 @@ void PlantedMachine::Run()
         {L"NetworkDevice", [this] { NetworkDevice().Detect(network.functions); }},
         {L"OS", [this] { OS().Detect(system); }},
         {L"Ram", [] { Ram().Detect(&AnswerMemory); }},
-        {L"Sound", [] { Sound().Detect(SoundFunctions()); }},
+        {L"Sound", [] { Sound().Detect({[] { return 7U; }}); }},
         {L"Software", [this] { Software().Detect(software.functions); }},
         {L"Browser", [this] { Browser().Detect(software.functions); }},
         {L"Monitor", [&] { Monitor().Detect(config); }},
@@ -248,7 +243,7 @@ Detected PlantedMachine::Detect()
     detected.letters = storage.volumes.opened;
     detected.calls = calls;
     detected.held = held + sound.references + static_cast<ULONG>(storage.devices.open);
-    detected.isSoundMisused = sound.isMisused;
+    detected.isMisused = sound.isMisused || network.isMisused || ErrorModeCheck::isMissed;
     return detected;
 }
 

@@ -17,14 +17,14 @@ namespace kel::test {
 
 /// What the detectors did with a machine.
 struct Detected {
-    Lines stored;          ///< "id[index]=text"
-    Lines log;             ///< at the levels of errors, warnings and traces
-    Lines opened;          ///< paths of storage devices, with " for reading" where they were
-    std::wstring letters;  ///< of volumes that were opened
-    std::wstring report;   ///< with all ids wanted
-    std::wstring calls;    ///< that load a graphics driver, such as "11:2 12:3"
-    ULONG held = 0;        ///< references on graphics and sound objects, and storage devices, that stay
-    bool isSoundMisused = false;
+    Lines stored;            ///< "id[index]=text"
+    Lines log;               ///< at the levels of errors, warnings and traces
+    Lines opened;            ///< paths of storage devices, with " for reading" where they were
+    std::wstring letters;    ///< of volumes that were opened
+    std::wstring report;     ///< with all ids wanted
+    std::wstring calls;      ///< that load a graphics driver, such as "11:2 12:3"
+    ULONG held = 0;          ///< references on graphics and sound objects, and storage devices, that stay
+    bool isMisused = false;  ///< a function was asked what it must not be, or with the error mode as it was
 };
 
 /// A machine with all its parts: devices for the Setup API, the registry, WMI's objects, and functions that

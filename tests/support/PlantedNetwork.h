@@ -1,14 +1,16 @@
 // A machine's network adapters and sound devices, planted.
 #pragma once
 
+#include <ws2tcpip.h>
+
 #include <cstddef>
 #include <cstring>
 #include <memory>
 
 #include "probes/NetworkInterfaces.h"
 #include "support/FakeWmi.h"
+#include "support/Machines.h"
 #include "support/PlantedDevice.h"
-#include "support/Split.h"
 #include "values/DeviceID.h"
 
 namespace kel::test {
@@ -25,6 +27,8 @@ struct PlantedNetwork {
             const std::wstring place = std::to_wstring(table.size());
             auto& row = table.emplace_back();
             row.InterfaceIndex = row.InterfaceGuid.Data1 = static_cast<DWORD>(table.size() - 1);
+            names.push_back("{" + std::string(8 - place.size(), '0') + Narrow(place) +
+                            "-0000-0000-0000-000000000000}");
             wcscpy(row.Alias, L"Anna's network");
             wcscpy(row.Description, fields[1].c_str());
             memcpy(row.PhysicalAddress, "\x02\x11\x22\x33\x44\x55", row.PhysicalAddressLength = 6);
@@ -44,8 +48,7 @@ struct PlantedNetwork {
             device.With(SPDRP_DEVICEDESC, fields[1]).With(SPDRP_HARDWAREID, DeviceID(fields[0]).ToString());
             device.With(SPDRP_LOCATION_INFORMATION, has(L'B') ? L"PCI bus 0, device 31" : L"Port 1");
             device.Driver(L"DriverVersion", L"1.0." + place);
-            device.Driver(L"NetCfgInstanceId", L"{" + std::wstring(8 - place.size(), L'0') + place +
-                                                   L"-0000-0000-0000-000000000000}");
+            device.Driver(L"NetCfgInstanceId", {names.back().begin(), names.back().end()});
         }
         functions.getTable = [this](MIB_IF_TABLE2** result) {
             const std::size_t size = table.size() * sizeof(MIB_IF_ROW2);
@@ -55,15 +58,85 @@ struct PlantedNetwork {
             return DWORD{NO_ERROR};
         };
         functions.freeTable = &free;
-        functions.getBestInterface = [this](sockaddr*, DWORD* index) {
-            return *index = route, DWORD{NO_ERROR};
+        functions.getAddresses = [this](ULONG family, ULONG flags, void*, IP_ADAPTER_ADDRESSES* list,
+                                        ULONG* size) { return ListAddresses(family, flags, list, size); };
+        functions.getBestInterface = [this](const sockaddr* address, DWORD* index) -> DWORD {
+            // Addresses that are kept for documents lead nowhere.
+            const bool isLong = address->sa_family == AF_INET6;
+            isMisused |= memcmp(address->sa_data + (isLong ? 6 : 2),
+                                isLong ? "\x20\x01\x0D\xB8" : "\xC0\0\2\1", 4) != 0;
+            if (isLong && !longRoute.empty())
+                return *index = static_cast<DWORD>(NumberOf(longRoute)), NO_ERROR;
+            return *index = route, routeError;
         };
     }
 
+    /// Has functions fail: "table" and "route" with an error, or "missing"; "table" also "throws";
+    /// "addresses" grow between so many calls, or are missing.
+    void Break(const Machine& machine)
+    {
+        const std::wstring tableFault = machine.First(L"table"), routeFault = machine.First(L"route"),
+                           addressFault = machine.First(L"addresses");
+        if (tableFault == L"throws")
+            functions.getTable = [](auto) -> DWORD { throw 1; };
+        else if (tableFault == L"missing")
+            functions.getTable.clear();
+        else if (!tableFault.empty())
+            functions.getTable = [error = NumberOf(tableFault)](auto) { return static_cast<DWORD>(error); };
+        if (addressFault == L"missing")
+            functions.getAddresses.clear();
+        else
+            growth = static_cast<int>(NumberOf(addressFault));
+        if (routeFault == L"missing")
+            functions.getBestInterface.clear();
+        else if (!routeFault.empty())
+            routeError = static_cast<DWORD>(NumberOf(routeFault));
+        longRoute = machine.First(L"long-route");
+    }
+
+    bool isMisused = false;  ///< a call would have asked for lists, or sent something
     NetworkFunctions functions;
     DWORD route = 99;  ///< one that is not in the table
     std::vector<MIB_IF_ROW2> table;
     std::vector<std::unique_ptr<PlantedDevice>> devices;
+
+private:
+    /// Of each interface what the table says, but for its medium.
+    ULONG ListAddresses(ULONG family, ULONG flags, IP_ADAPTER_ADDRESSES* list, ULONG* size)
+    {
+        constexpr ULONG WithoutLists = 0x2F;
+        isMisused |= family != AF_UNSPEC || flags != WithoutLists;
+        const ULONG needed = static_cast<ULONG>(table.size() * sizeof(*list));
+        if (growth-- > 0 || *size < needed) {
+            *size += 20000;
+            return ERROR_BUFFER_OVERFLOW;
+        }
+        static IP_ADAPTER_UNICAST_ADDRESS_LH unicast = {};
+        static sockaddr_in address = {AF_INET, 0, {{{192, 0, 2, 77}}}, {}};
+        unicast.Address = {reinterpret_cast<sockaddr*>(&address), sizeof(address)};
+        for (std::size_t place = 0; place < table.size(); ++place) {
+            MIB_IF_ROW2& row = table[place];
+            IP_ADAPTER_ADDRESSES& one = list[place] = {};
+            one.Next = place + 1 < table.size() ? &list[place + 1] : nullptr;
+            one.IfIndex = one.Ipv6IfIndex = row.InterfaceIndex;
+            one.AdapterName = names[place].data();
+            one.Description = row.Description;
+            one.FriendlyName = one.DnsSuffix = row.Alias;
+            one.FirstUnicastAddress = &unicast;
+            memcpy(one.PhysicalAddress, row.PhysicalAddress, one.PhysicalAddressLength = 6);
+            one.IfType = row.Type;
+            one.TransmitLinkSpeed = row.TransmitLinkSpeed;
+            one.OperStatus = row.MediaConnectState == MediaConnectStateConnected      ? IfOperStatusUp
+                             : row.MediaConnectState == MediaConnectStateDisconnected ? IfOperStatusDown
+                                                                                      : IfOperStatusTesting;
+        }
+        return NO_ERROR;
+    }
+
+    int growth = 0;
+    DWORD routeError = NO_ERROR;
+    std::wstring longRoute;  ///< the interface that long addresses are reached by
+    std::vector<std::string> names;
 };
 
 /// Sound devices, for the Setup API; the first one for WMI, too. A line: instance id, name, and the hardware

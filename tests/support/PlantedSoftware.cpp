@@ -4,6 +4,7 @@
 #include <map>
 
 #include "detectors/Detectors.h"
+#include "support/FakeStorage.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
 
@@ -24,15 +25,15 @@ std::vector<BYTE> MakeVersionRecord(const std::wstring& version)
     return {bytes, bytes + 92};
 }
 
-PlantedSoftware::PlantedSoftware(const SoftwareMachine& machine)
+PlantedSoftware::PlantedSoftware(const Machine& machine)
     : machineKeys(HKEY_LOCAL_MACHINE), userKeys(HKEY_CURRENT_USER)
 {
     machineKeys.Make(L"SOFTWARE\\Wow6432Node");  // without it, both views of a machine are one
-    Plant(machine.keys);
+    Plant(machine);
     std::map<std::wstring, std::wstring> present;
-    for (const std::wstring& line : Split(machine.files, L'\n')) {
-        const std::vector<std::wstring> fields = Split(line, L'|');
-        present[ToLower(fields.front())] = fields.size() > 1 ? fields[1] : L"";
+    for (const std::wstring& line : machine[L"file"]) {
+        const Lines fields = FieldsOf(line, 2);
+        present[ToLower(fields[0])] = fields[1];
     }
     functions.openKey = [this](HKEY root, const wchar_t* name, REGSAM access) {
         keys.insert(ToLower(name));
@@ -50,6 +51,7 @@ PlantedSoftware::PlantedSoftware(const SoftwareMachine& machine)
         return *root == L'C' || *root == L'D' ? DRIVE_FIXED : DRIVE_REMOTE;
     };
     functions.fileAttributes = [this, present](const wchar_t* path) -> DWORD {
+        ErrorModeCheck::Look();
         files.insert(ToLower(path));
         return present.contains(ToLower(path)) ? FILE_ATTRIBUTE_NORMAL : INVALID_FILE_ATTRIBUTES;
     };
@@ -63,7 +65,7 @@ PlantedSoftware::PlantedSoftware(const SoftwareMachine& machine)
     const SoftwareFunctions system = SoftwareFunctions::OfSystem();
     functions.relatedProduct = system.relatedProduct;
     functions.productInfo = system.productInfo;
-    const auto lookUp = [rows = Split(machine.packages, L'\n')](std::wstring_view key, std::size_t column) {
+    const auto lookUp = [rows = machine[L"package"]](std::wstring_view key, std::size_t column) {
         std::vector<std::wstring> found;
         for (const std::wstring& row : rows) {
             const std::vector<std::wstring> fields = Split(row, L'|');
@@ -74,68 +76,45 @@ PlantedSoftware::PlantedSoftware(const SoftwareMachine& machine)
     };
     functions.packages = [lookUp](const wchar_t* family) { return lookUp(family, 0); };
     functions.packageFolder = [lookUp](const wchar_t* fullName) { return lookUp(fullName, 1).front(); };
-    functions.hostProgram = [host = machine.host.substr(0, machine.host.find(L'\n'))] { return host; };
+    functions.hostProgram = [host = machine.First(L"host")] { return host; };
 }
 
-void PlantedSoftware::Plant(const std::wstring& planted, DWORD type)
+void PlantedSoftware::Plant(const Machine& machine, DWORD type)
 {
-    for (const std::wstring& line : Split(planted, L'\n')) {
-        const std::vector<std::wstring> fields = Split(line, L'|');
-        std::wstring path = L"SOFTWARE\\" + fields[0].substr(3);
-        ReplaceAll(path, L"\\U:", L"\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\");
-        ReplaceAll(path, L"\\A:", L"\\Microsoft\\Windows\\CurrentVersion\\App Paths\\");
-        if (line.starts_with(L"32"))
-            path.insert(8, L"\\Wow6432Node");
-        const ScratchKey& keysOf = line.starts_with(L"CU") ? userKeys : machineKeys;
-        for (std::size_t field = 1; field < fields.size(); ++field) {
-            const std::size_t equals = fields[field].find(L'=');
-            const std::wstring name = fields[field].substr(0, equals),
-                               text = fields[field].substr(equals + 1);
-            const DWORD number = text.starts_with(L'#') ? std::stoul(text.substr(1)) : 0;
-            if (text.starts_with(L'#'))
-                keysOf.Write(path, name.c_str(), REG_DWORD, &number, sizeof(number));
-            else
-                keysOf.Write(path, name.c_str(), type, text.c_str(), 2 * text.size() + 2);
-        }
+    for (const wchar_t* view : {L"64", L"32", L"CU"}) {
+        for (const std::wstring& line : machine[view])
+            PlantKey(view, line, type);
     }
 }
 
-std::vector<std::wstring> DetectSoftware(const SoftwareFunctions& functions)
+void PlantedSoftware::PlantKey(const std::wstring& view, const std::wstring& line, DWORD type)
+{
+    const Lines fields = Split(line, L'|');
+    std::wstring path = L"SOFTWARE\\" + fields[0];
+    ReplaceAll(path, L"\\U:", L"\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\");
+    ReplaceAll(path, L"\\A:", L"\\Microsoft\\Windows\\CurrentVersion\\App Paths\\");
+    if (view == L"32")
+        path.insert(8, L"\\Wow6432Node");
+    const ScratchKey& keysOf = view == L"CU" ? userKeys : machineKeys;
+    keysOf.Make(path);
+    for (std::size_t field = 1; field < fields.size(); ++field) {
+        const std::size_t equals = fields[field].find(L'=');
+        const std::wstring name = fields[field].substr(0, equals), text = fields[field].substr(equals + 1);
+        const DWORD number = text.starts_with(L'#') ? std::stoul(text.substr(1)) : 0;
+        if (text.starts_with(L'#'))
+            keysOf.Write(path, name.c_str(), REG_DWORD, &number, sizeof(number));
+        else
+            keysOf.Write(path, name.c_str(), type, text.c_str(), 2 * text.size() + 2);
+    }
+}
+
+Lines FindSoftware(const SoftwareFunctions& functions)
 {
     const TestSession session;
     Software().Detect(functions);
     Browser().Detect(functions);
     Applications().Detect(functions);
-    return session.Lines(72904, 73299);
-}
-
-std::vector<std::wstring> ExpectedSoftware(const SoftwareMachine& machine)
-{
-    std::map<unsigned, std::wstring> told;
-    for (const std::wstring& line : Split(machine.stored, L'\n')) {
-        for (const std::wstring& value : Split(line, L'|'))
-            told[std::stoul(value)] = value.substr(6);
-    }
-    std::vector<std::wstring> lines;
-    const auto add = [&](unsigned id, const wchar_t* otherwise) {
-        const std::wstring text = told.contains(id) ? told[id] : otherwise;
-        lines.push_back(std::to_wstring(id) + L"[0]=" + text);
-        told.erase(id);
-    };
-    for (const unsigned id : {72910U, 72911U, 72920U, 72921U, 72922U, 72930U, 72940U, 72950U})
-        add(id, L"");
-    add(72960, L"No");
-    add(73000, L"No");
-    add(73001, L"0");
-    for (const unsigned id : {73002U, 73003U, 73004U})
-        add(id, L"");
-    for (unsigned id = 73010; id < 73246; id += id == 73022 ? 188 : 2) {
-        add(id, L"No");
-        add(id + 1, L"");
-    }
-    for (const auto& [id, text] : told)
-        lines.push_back(L"no such id: " + std::to_wstring(id));
-    return lines;
+    return FoundIn(session.Lines(72904, 73299));
 }
 
 }  // namespace kel::test
