@@ -1,4 +1,4 @@
-"""What the outside tests share: the built DLL, the script host, and the local analysis service in this process."""
+"""What the end-to-end tests share: the built DLL, the script host, and the local analysis service in this process."""
 
 import json
 import os
