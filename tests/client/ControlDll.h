@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <comutil.h>
+#include <gtest/gtest.h>
 #include <wrl/client.h>
 
 #include <string>
@@ -24,6 +26,8 @@ public:
         return FindFunction<Function>(library.get(), name);
     }
 
+    HRESULT CanUnload() const { return Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(); }
+
     Microsoft::WRL::ComPtr<IClassFactory> Factory() const
     {
         Microsoft::WRL::ComPtr<IClassFactory> factory;
@@ -44,12 +48,13 @@ private:
     OwnedLibrary library;
 };
 
-/// A COM apartment as long as it lives.
-struct Apartment {
-    Apartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-    ~Apartment() { CoUninitialize(); }
-};
+/// The text that a member gives, with its zeros; the empty text for none.
+template <typename Member, typename... Texts>
+std::wstring Get(const Microsoft::WRL::ComPtr<ISysInfo>& control, Member member, Texts... texts)
+{
+    _bstr_t result;
+    EXPECT_EQ((control.Get()->*member)(_bstr_t(texts)..., result.GetAddress()), S_OK);
+    return {result.GetBSTR(), result.GetBSTR() + result.length()};
+}
 
 }  // namespace kel::test

@@ -1,4 +1,4 @@
-"""The packages: installed, upgraded, repaired, taken away, each in a Wine prefix of its own."""
+"""Packages in a Wine prefix of their own: ours installed, upgraded, repaired and taken away, and another maker's."""
 
 import os
 import shutil
@@ -9,188 +9,170 @@ import unittest
 import zipfile
 from pathlib import Path
 
-from harness import DLL, PROG_ID, ROOT, windows_path
+from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
 
-sys.path.insert(0, str(ROOT / "tools" / "packaging"))
-CLASSES = r"HKLM\Software\Classes"
-CHECK = f'WScript.Echo(new ActiveXObject("{PROG_ID}").Version);'
+CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
+UNINSTALL = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall"
 OLDER_REFUSED = 1603 & 0xFF  # an exit code is a byte here
+ARCHIVER = "Value(73226) + control.Value(73227)"  # whether it is there, and its version
 
 
-def package(output, *arguments, dll=DLL):
-    subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", dll, "--output", output, *arguments],
+def package(output, *arguments):
+    """Makes the packages: their paths by name."""
+    subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", DLL, "--output", output, *arguments],
                    check=True, capture_output=True)
     return {path.name: path for path in Path(output).iterdir() if path.is_file()}
 
 
-class Prefix(unittest.TestCase):
-    """A fresh prefix; the packages of this version and of the next one."""
+def install(path, *options):
+    return wine("msiexec", "/qn", "/i", windows_path(path), *options).code
+
+
+def remove(path):
+    return wine("msiexec", "/qn", "/x", windows_path(path)).code
+
+
+class Packages(unittest.TestCase):
+    """Has a prefix, and the packages of this version and of the next one."""
 
     @classmethod
     def setUpClass(cls):
-        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
-        cls.environment = os.environ | {"WINEPREFIX": str(cls.folder / "prefix"), "WINEDEBUG": "-all"}
-        cls.addClassCleanup(subprocess.run, ["wineserver", "-k"], env=cls.environment, check=False)
-        subprocess.run(["wineboot", "-i"], env=cls.environment, check=True, stdin=subprocess.DEVNULL,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        (cls.folder / "check.js").write_text(CHECK)
-        # The script host registers itself when it first runs.
-        subprocess.run(["wine", "cscript", "//nologo", windows_path(cls.folder / "check.js")], env=cls.environment, check=False,
-                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        cls.now = package(cls.folder / "now", "--version", "4.5.1")
+        make_prefix(cls)
+        cls.now = package(cls.folder / "now", "--version", "4.5.1", "--cab")
         cls.next = package(cls.folder / "next", "--version", "4.6.0")
 
-    def run_wine(self, *arguments):
-        with open(self.folder / "output.txt", "wb") as output:
-            code = subprocess.run(["wine", *map(str, arguments)], env=self.environment, check=False, timeout=120,
-                                  stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.DEVNULL).returncode
-        return code, (self.folder / "output.txt").read_text("cp437").replace("\r", "").strip()
+    def setUp(self):
+        self.ask("Version")  # the script host registers itself when it first runs
+        self.clean = self.registry(CLASSES)
+        self.clean_user = self.registry(USER_CLASSES)
 
-    def install(self, path, *options):
-        return self.run_wine("msiexec", "/qn", "/i", windows_path(path), *options)[0]
-
-    def remove(self, path):
-        return self.run_wine("msiexec", "/qn", "/x", windows_path(path))[0]
-
-    def create(self):
-        return self.run_wine("cscript", "//nologo", windows_path(self.folder / "check.js"))
+    def ask(self, member):
+        """What a script shows of a member of the control; an error's text without one."""
+        script = self.folder / "ask.js"
+        script.write_text(f'var control = new ActiveXObject("{PROG_ID}"); WScript.Echo(control.{member});')
+        return wine(*CSCRIPT, windows_path(script)).output.strip()
 
     def registry(self, key):
-        """All values below a key, as the system exports them."""
+        """All values below a key, as the system exports them, without the installer's own books."""
         path = self.folder / "export.reg"
         path.unlink(missing_ok=True)
-        self.run_wine("reg", "export", key, windows_path(path), "/y")
-        values, current = {}, None
+        wine("reg", "export", key, windows_path(path), "/y")
+        values = {}
         for line in path.read_text("utf-16").splitlines() if path.exists() else ():
             if line.startswith("["):
-                current = line.strip("[]").lower()
-                if "\\classes\\installer" in current:  # the installer's own books
-                    current = None
-                else:
-                    values[current] = {}
-            elif "=" in line and current:
-                name, _, text = line.partition("=")
-                values[current][name] = text
-        return values
+                current = values.setdefault(line.strip("[]").lower(), {})
+            elif "=" in line:
+                name, _, current[name] = line.partition("=")
+        return {name: named for name, named in values.items() if "\\classes\\installer" not in name}
 
-    def difference(self, before, key=CLASSES):
-        now = self.registry(key)
-        return {name: (before.get(name), now.get(name)) for name in before.keys() | now.keys()
-                if before.get(name) != now.get(name)}
+    def entries(self):
+        """The versions that the system lists as installed."""
+        return [values['"DisplayVersion"'] for values in self.registry(UNINSTALL).values()
+                if values.get('"DisplayName"') == '"Detection"']
 
     def dlls(self):
-        return sorted((self.folder / "prefix").glob("drive_c/**/Detection.dll"))
+        return [str(path) for path in (self.folder / "prefix").glob("drive_c/**/Detection.dll")]
 
+    def added(self, folder):
+        """What came to the classes, with a mark for a folder."""
+        path = folder.replace("\\", r"\\")
+        return {key: {name: text.replace(path + r"\\", path).replace(path, "@") for name, text in named.items()}
+                for key, named in self.registry(CLASSES).items() if key not in self.clean}
 
-class ForAllUsers(Prefix):
+    def check_clean(self):
+        self.assertEqual(self.registry(CLASSES), self.clean)
+        self.assertEqual(self.registry(USER_CLASSES), self.clean_user)
+        self.assertEqual((self.dlls(), self.entries()), ([], []))
+
     def test_a_fleet_can_install_upgrade_repair_and_remove_it(self):
         now, newer = self.now["Detection-4.5.1-x64.msi"], self.next["Detection-4.6.0-x64.msi"]
-        clean = self.registry(CLASSES)
-        self.assertEqual(self.install(now), 0)
-        installed = self.registry(CLASSES)
-        self.assertEqual(self.create(), (0, "4.5.1.0"))
+        self.assertEqual(install(now), 0)
+        self.assertEqual((self.entries(), self.ask("Version")), (['"4.5.1"'], "4.5.1.0"))
+        installed = self.added(r"C:\Program Files\Detection")
         [dll] = self.dlls()
-        self.assertRegex(str(dll), r"Program Files/Detection/Detection\.dll$")
-        uninstall = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall"
+        self.assertTrue(dll.endswith("/Program Files/Detection/Detection.dll"))
+        os.unlink(dll)
+        self.assertEqual(install(now, "REINSTALL=ALL", "REINSTALLMODE=amus"), 0)
+        self.assertEqual(self.ask("Version"), "4.5.1.0")
+        self.assertEqual(install(newer), 0)
+        self.assertEqual(install(now), OLDER_REFUSED)
+        self.assertEqual((self.entries(), self.ask("Version")), (['"4.6.0"'], "4.5.1.0"))
+        self.assertEqual(remove(newer), 0)
+        self.check_clean()
 
-        def entries():
-            return [values['"DisplayVersion"'] for values in self.registry(uninstall).values()
-                    if values.get('"DisplayName"') == '"Detection"']
-        self.assertEqual(entries(), ['"4.5.1"'])
-        dll.unlink()
-        self.assertEqual(self.install(now, "REINSTALL=ALL", "REINSTALLMODE=amus"), 0)
-        self.assertEqual(self.create(), (0, "4.5.1.0"))
-        self.assertEqual(self.install(newer), 0)
-        self.assertEqual((entries(), self.create()), (['"4.6.0"'], (0, "4.5.1.0")))
-        self.assertEqual(self.install(now), OLDER_REFUSED)
-        self.assertEqual(entries(), ['"4.6.0"'])
-        self.assertEqual(self.remove(newer), 0)
-        self.assertEqual(self.difference(clean), {})
-        self.assertEqual((self.dlls(), entries()), ([], []))
+        # What a person registers by hand is the same, but for the place.
+        by_hand = shutil.copyfile(DLL, self.folder / "Detection.dll")
+        self.assertEqual(wine("regsvr32", "/s", windows_path(by_hand)).code, 0)
+        self.assertEqual(self.added(windows_path(self.folder)), installed)
+        self.assertEqual(install(now), 0)  # over an earlier registration
+        self.assertEqual(self.ask("Version"), "4.5.1.0")
+        self.assertEqual(remove(now), 0)
+        self.check_clean()
 
-        # What a person registers by hand is the same, but for the place, and what only that way writes.
-        shutil.copyfile(DLL, self.folder / "Detection.dll")
-        by_hand = windows_path(self.folder / "Detection.dll")
-        self.assertEqual(self.run_wine("regsvr32", "/s", by_hand)[0], 0)
-        registered = self.registry(CLASSES)
-        marks = {by_hand: "DLL", windows_path(self.folder): "FOLDER", r"C:\Program Files\Detection\Detection.dll": "DLL",
-                 "C:\\Program Files\\Detection\\": "FOLDER"}
+    def test_for_one_user_it_comes_and_goes_below_the_users_own_keys(self):
+        now, newer = self.now["Detection-4.5.1-x64-user.msi"], self.next["Detection-4.6.0-x64-user.msi"]
+        for path in (now, newer):
+            self.assertEqual(install(path), 0)
+            [dll] = self.dlls()
+            self.assertTrue(dll.endswith("/Local/Programs/Detection/Detection.dll"))
+            self.assertIn(f'"{PROG_ID}.1"', str(self.registry(USER_CLASSES)))
+            self.assertEqual(self.registry(CLASSES), self.clean)
+        self.assertEqual(remove(newer), 0)
+        self.check_clean()
+        self.assertNotIn("Detection", str(self.registry(r"HKCU\Software\Keldane")))
 
-        def plain(values):
-            """What came, with marks for the places."""
-            added = {key: named for key, named in values.items() if key not in clean}
-            for path, mark in marks.items():
-                added = {key: {name: text.replace(path.replace("\\", "\\\\"), mark) for name, text in named.items()}
-                         for key, named in added.items()}
-            return added
-        self.assertEqual(plain(installed), plain(registered))
-        self.assertEqual(self.install(now), 0)  # over an earlier registration
-        self.assertEqual(self.create(), (0, "4.5.1.0"))
-        self.assertEqual(self.remove(now), 0)
-        self.assertEqual(self.difference(clean), {})
-
-
-class Privately(Prefix):
-    def test_a_program_carries_it_with_an_empty_registry_and_a_changed_byte_shows(self):
+    def test_a_program_carries_it_with_an_empty_registry(self):
         """Beside the program, by the manifest of the archive; without the program's own manifest there is no class."""
-        place = self.folder / "program"
         with zipfile.ZipFile(self.now["Detection-4.5.1-x64.zip"]) as zipped:
-            zipped.extractall(place)
-        for name, expected in (("private_program", (0, "4.5.1.0")), ("plain_program", (1, "80040154"))):
-            shutil.copyfile(DLL.parent / "tests" / f"{name}.exe", place / f"{name}.exe")
-            self.assertEqual(self.run_wine(place / f"{name}.exe"), expected)
+            zipped.extractall(self.folder / "program")
+        for name, expected in (("private_program", "00000000 visitor\n"), ("plain_program", "80040154 \n")):
+            program = shutil.copy(PROGRAMS / f"{name}.exe", self.folder / "program")
+            self.assertEqual(wine(program).output, expected)
 
-        def run(*command, environment=os.environ):
-            return subprocess.run(command, env=environment, check=False, capture_output=True, text=True)
+    def test_packages_are_the_same_each_time_and_hold_what_they_say(self):
+        again = package(self.folder / "again", "--version", "4.5.1", "--cab")
+        self.assertEqual({name: path.read_bytes() for name, path in self.now.items()},
+                         {name: path.read_bytes() for name, path in again.items()})
+        folder = self.enterContext(tempfile.TemporaryDirectory())
+        with zipfile.ZipFile(again["Detection-4.5.1-x64.zip"]) as zipped:
+            zipped.extractall(folder)
+        subprocess.run(["sha256sum", "--quiet", "--check", "SHA256SUMS"], cwd=folder, check=True)
+        self.assertLessEqual({"Detection.dll", "Detection.manifest", "Detection.cdx.json", "examples", "licences"},
+                             set(os.listdir(folder)))
+        self.assertEqual(len(os.listdir(Path(folder) / "licences")), 3)
+
+    def test_a_changed_byte_shows_in_what_is_signed(self):
+        def run(*command, **variables):
+            return subprocess.run(command, env=os.environ | variables, check=False, capture_output=True, text=True)
         key, certificate, pin = (str(self.folder / name) for name in ("code.key", "code.pem", "pin"))
         Path(pin).write_text("secret")
         run("openssl", "req", "-x509", "-newkey", "rsa:2048", "-passout", "file:" + pin, "-keyout", key, "-out", certificate,
             "-subj", "/CN=Test", "-days", "2", "-addext", "extendedKeyUsage=codeSigning")
-        signed = os.environ | {"KEL_SIGN_KEY": key, "KEL_SIGN_CERTIFICATES": certificate, "KEL_SIGN_PIN_FILE": pin}
-        for path in (place / "Detection.dll", self.now["Detection-4.5.1-x64.msi"]):
-            self.assertEqual(run(str(ROOT / "scripts" / "sign.sh"), str(path)).stdout, f"unsigned: {path}\n")
-            self.assertEqual(run(str(ROOT / "scripts" / "sign.sh"), str(path), environment=signed).stdout, f"signed: {path}\n")
-            verify = ("osslsigncode", "verify", "-CAfile", certificate, "-in", str(path))
+        signer = {"KEL_SIGN_KEY": key, "KEL_SIGN_CERTIFICATES": certificate, "KEL_SIGN_PIN_FILE": pin}
+        for original in (DLL, self.now["Detection-4.5.1-x64.msi"]):
+            path = Path(shutil.copy(original, self.folder / "signed"))
+            for word, variables in (("unsigned", {}), ("signed", signer)):
+                self.assertEqual(run(ROOT / "scripts" / "sign.sh", path, **variables).stdout, f"{word}: {path}\n")
+            verify = ("osslsigncode", "verify", "-CAfile", certificate, "-in", path)
             self.assertEqual(run(*verify).returncode, 0)
             content = bytearray(path.read_bytes())
             content[len(content) // 2] ^= 1
             path.write_bytes(content)
             self.assertEqual(run(*verify).returncode, 1)
 
-
-class ForOneUser(Prefix):
-    def test_it_comes_and_goes_below_the_users_own_keys(self):
-        user, before = r"HKCU\Software\Classes", self.registry(r"HKCU\Software\Classes")
-        machine = self.registry(CLASSES)
-        now, newer = self.now["Detection-4.5.1-x64-user.msi"], self.next["Detection-4.6.0-x64-user.msi"]
-        self.assertEqual(self.install(now), 0)
-        [dll] = self.dlls()
-        self.assertRegex(str(dll), r"Local/Programs/Detection/Detection\.dll$")
-        self.assertIn(f'"{PROG_ID}.1"', str(self.registry(user)))
-        self.assertEqual(self.difference(machine), {})
-        self.assertEqual(self.install(newer), 0)
-        self.assertEqual(len(self.dlls()), 1)
-        self.assertEqual(self.remove(newer), 0)
-        self.assertEqual(self.difference(before, user), {})
-        self.assertEqual(self.dlls(), [])
-        self.assertNotIn("Detection", str(self.registry(r"HKCU\Software\Keldane")))
-
-
-class Archive(unittest.TestCase):
-    def test_it_holds_what_it_says(self):
-        with tempfile.TemporaryDirectory() as folder:
-            first = package(Path(folder) / "one", "--cab")
-            again = package(Path(folder) / "two", "--cab")
-            self.assertEqual({name: path.read_bytes() for name, path in first.items()},
-                             {name: path.read_bytes() for name, path in again.items()})
-            [name] = [name for name in first if name.endswith(".zip")]
-            with zipfile.ZipFile(first[name]) as zipped:
-                zipped.extractall(folder)
-            subprocess.run(["sha256sum", "--quiet", "--check", "SHA256SUMS"], cwd=folder, check=True)
-            names = set(os.listdir(folder))
-            self.assertLessEqual({"Detection.dll", "Detection.manifest", "Detection.cdx.json", "examples", "licences"}, names)
-            self.assertEqual(len(os.listdir(Path(folder) / "licences")), 3)
-
-
-if __name__ == "__main__":
-    unittest.main()
+    def test_a_product_is_there_by_its_upgrade_code_and_with_its_file(self):
+        product = self.folder / "product.msi"
+        subprocess.run(["wixl", "-a", "x64", "-o", product, Path(__file__).parent / "product.wxs"], cwd=PROGRAMS, check=True)
+        wine("regsvr32", "/s", windows_path(DLL))
+        self.addCleanup(wine, "regsvr32", "/s", "/u", windows_path(DLL))
+        self.assertEqual(self.ask(ARCHIVER), "No")
+        self.assertEqual(install(product), 0)
+        self.assertEqual(self.ask(ARCHIVER), "Yes24.8.1")  # the installer's books
+        self.assertEqual(remove(product), 0)
+        self.assertEqual(self.ask(ARCHIVER), "No")
+        self.assertEqual(install(product, r"ARPINSTALLLOCATION=C:\Program Files\Archiver"), 0)
+        self.assertEqual(self.ask(ARCHIVER), "Yes4.3.2.1")  # the file that they lead to
+        [program] = (self.folder / "prefix").glob("drive_c/**/7zFM.exe")
+        program.unlink()
+        self.assertEqual(self.ask(ARCHIVER), "No")
+        self.assertEqual(remove(product), 0)

@@ -1,4 +1,5 @@
-// A program that uses the control: one copy of it carries the control privately, by its manifest.
+// A program that uses the control by its members' names. One copy of it carries the control privately, by its
+// manifest. With an argument it is a multithreaded one.
 #include <windows.h>
 
 #include <comutil.h>
@@ -6,19 +7,18 @@
 
 #include <cstdio>
 
-#include "Detection.h"
+#include "client/Hosts.h"
 
-int main()
+int main(int count, char**)
 {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    Microsoft::WRL::ComPtr<ISysInfo> control;
-    const HRESULT result =
-        CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control));
-    _bstr_t version;
-    if (FAILED(result) || FAILED(control->get_Version(version.GetAddress()))) {
-        std::printf("%08lx\n", static_cast<unsigned long>(result));
-        return EXIT_FAILURE;
-    }
-    std::printf("%ls\n", static_cast<const wchar_t*>(version));
-    return EXIT_SUCCESS;
+    const kel::test::Apartment apartment(count > 1 ? COINIT_MULTITHREADED : COINIT_APARTMENTTHREADED);
+    Microsoft::WRL::ComPtr<IDispatch> control;
+    _variant_t user(L"visitor"), told;
+    HRESULT result = CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control));
+    if (SUCCEEDED(result))
+        result = kel::test::Call(control.Get(), L"UserID", told, &user);
+    if (SUCCEEDED(result))
+        result = kel::test::Call(control.Get(), L"UserID", told);
+    std::printf("%08lX %ls\n", static_cast<unsigned long>(result), told.vt == VT_BSTR ? told.bstrVal : L"");
+    return FAILED(result);
 }
