@@ -61,8 +61,8 @@ constexpr Group Groups[] = {
     {OutOfMemory, 0,
      "RegQueryValueExW RegEnumKeyExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW "
      "RegOverridePredefKey BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid "
-     "VariantChangeType VariantCopy LoadTypeLib LoadTypeLibEx "
-     "RegisterTypeLibForUser UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
+     "VariantChangeType VariantCopy LoadTypeLib LoadTypeLibEx RegisterTypeLibForUser "
+     "UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
     {Never, 0, "OutputDebugStringW",
      [](const Word* a) {
          const std::wstring_view line = At<wchar_t>(*a);
@@ -101,54 +101,51 @@ std::vector<Function> functions;
 
 void Hook(void** slot, std::string_view name);
 
-/// Counts a call that can fail.
-/// @return whether it is to fail: the one chosen, or each allocation from the one chosen on
-bool Fails(Function& function)
-{
-    const bool allocates = function.group < Groups + 2;
-    ++function.calls;
-    allocations += allocates;
-    return EdgeFaults::isLasting ? allocates && allocations >= nth
-                                 : function.name == chosen.data() && function.calls == nth;
-}
-
-/// Takes the place of a function, with more arguments than any has.
+/// Takes the place of a function, with more arguments than any has. The one call that was chosen fails, or
+/// each allocation from the one chosen on.
 template <std::size_t Slot>
 Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i, Word j, Word k, Word l)
 {
     Function& function = functions[Slot];
-    const Group* const group = function.group;
+    const auto& [failure, opens, names, answer] = *function.group;
     function.isCalled = true;
-    if (EdgeFaults::isArmed && group->failure != Never && Fails(function)) {
-        EdgeFaults::failed = function.name;
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return group->failure;
+    if (EdgeFaults::isArmed && failure != Never) {
+        const bool allocates = function.group < Groups + 2;
+        ++function.calls;
+        allocations += allocates;
+        if (EdgeFaults::isLasting ? allocates && allocations >= nth
+                                  : function.name == chosen.data() && function.calls == nth) {
+            EdgeFaults::failed = function.name;
+            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return failure;
+        }
     }
-    if (group->opens < 0 && a != 0)
-        open += group->opens;
+    if (opens < 0 && a != 0)
+        open += opens;
     const Word arguments[] = {a, b, c, d};
-    Word result =
-        group->answer ? group->answer(arguments) : function.original(a, b, c, d, e, f, g, h, i, j, k, l);
-    if (group->opens >= 0 && (group->failure == 0) == (result != 0))
-        open += group->opens;
+    Word result = answer ? answer(arguments) : function.original(a, b, c, d, e, f, g, h, i, j, k, l);
+    if (opens >= 0 && (failure == 0) == (result != 0))
+        open += opens;
     if (function.name == "GetProcAddress" && result != 0)
         Hook(reinterpret_cast<void**>(&result), At<char>(b));
     return result;
 }
 
+template <std::size_t... Slots>
+constexpr std::array<Any*, sizeof...(Slots)> Stubs(std::index_sequence<Slots...>)
+{
+    return {&Stub<Slots>...};
+}
+
 /// Hooks a slot of a table of functions. A name that is not known leaves it as it is.
 void Hook(void** slot, std::string_view name)
 {
-    static constexpr auto Stubs = []<std::size_t... Slots>(std::index_sequence<Slots...>)
-    {
-        return std::array{&Stub<Slots>...};
-    }
-    (std::make_index_sequence<80>());
+    static constexpr auto AllStubs = Stubs(std::make_index_sequence<80>());
     const auto function = std::ranges::find(functions, name, &Function::name);
     if (function == functions.end())
         return;
     const auto index = static_cast<std::size_t>(function - functions.begin());
-    void* const stub = reinterpret_cast<void*>(Stubs.at(index));
+    void* const stub = reinterpret_cast<void*>(AllStubs.at(index));
     if (*slot == stub)
         return;
     function->original = reinterpret_cast<Any*>(*slot);
@@ -204,9 +201,8 @@ void EdgeFaults::Report()
     for (long before = -1; before != open; Sleep(200))
         before = open;
     std::cout << "\nopen=" << open << " broken=" << broken << " failed=" << failed << " any=" << allocations;
-    for (const Function& function : functions)
-        std::cout << (function.isCalled ? " called " : " uncalled ") << function.name << '='
-                  << function.calls;
+    for (const auto& [name, group, original, isCalled, calls] : functions)
+        std::cout << (isCalled ? " called " : " uncalled ") << name << '=' << calls;
     std::cout << std::endl;
 }
 

@@ -18,6 +18,8 @@ struct EdgeFaults {
     /// Prints what is open and not whole, what failed last, and what was called how often.
     static void Report();
 
+    static bool FailsTexts() { return isLasting || failed == "SysAllocStringLen"; }
+
     static inline bool isArmed = false, isLasting = false;
     static inline std::string failed;  ///< the function that failed last
 };

@@ -20,6 +20,7 @@ namespace {
 
 using Control = Microsoft::WRL::ComPtr<ISysInfo>;
 using test::EdgeFaults;
+using test::Get;
 
 struct Fault : testing::Test {
     test::Apartment apartment;
@@ -48,32 +49,20 @@ struct Fault : testing::Test {
     void CheckControl(const wchar_t* identifier);
 };
 
-/// Calls a member that gives a text. It returns S_OK, or that the text could not be allocated.
-template <typename Member, typename... Texts>
-std::wstring Get(const Control& control, Member member, Texts... texts)
-{
-    _bstr_t result;
-    const HRESULT status = (control.Get()->*member)(_bstr_t(texts)..., result.GetAddress());
-    EXPECT_TRUE(status == S_OK || (status == E_OUTOFMEMORY &&
-                                   (EdgeFaults::isLasting || EdgeFaults::failed == "SysAllocStringLen")));
-    return {result.GetBSTR(), result.GetBSTR() + result.length()};
-}
-
 /// Uses a control, also through IDispatch.
 /// @return what it gave
 std::wstring Use(const Control& control)
 {
-    EXPECT_EQ(control->put_Logging(_bstr_t(L"7")), S_OK);
     _bstr_t first;  // empty after a failure, and missing only where it could not be allocated
+    EXPECT_EQ(control->put_Logging(_bstr_t(L"7")), S_OK);
     const HRESULT status = control->get_SysInfo(first.GetAddress());
     EXPECT_EQ(first.GetBSTR() != nullptr, status == S_OK);
     EXPECT_EQ(control->put_UserID(_bstr_t(L"me")), S_OK);
     EXPECT_EQ(control->Configure(_bstr_t(L"<groups><group id='71465'><value>mine</value></group></groups>")),
               S_OK);
     const std::wstring report = Get(control, &ISysInfo::get_SysInfo);
-    DISPPARAMS none = {};
     _variant_t version;
-    control->Invoke(7, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &version, nullptr, nullptr);
+    test::Call(control.Get(), L"Version", version);
     return (version.vt == VT_BSTR ? version.bstrVal : L"") + Get(control, &ISysInfo::get_UserID) +
            Get(control, &ISysInfo::get_Value, L"no such value") +
            Get(control, &ISysInfo::get_Analysis, L"item", L"xml", L"1.0") +
@@ -124,6 +113,10 @@ TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
     dll.emplace();
     EXPECT_EQ(install(true), S_OK);
     const std::wstring whole = classes();
+    EXPECT_NE(FindResourceW(dll->Handle(), MAKEINTRESOURCEW(102), MAKEINTRESOURCEW(2)), nullptr);
+    // The classes of all users are those again, and not the user's.
+    EXPECT_NE(OpenKey(HKEY_CLASSES_ROOT, L"CLSID\\{4590F811-1D3A-11D0-891F-00AA004B2E24}", KEY_READ),
+              nullptr);
     EXPECT_EQ(install(false), S_OK);
     dll.reset();
     EdgeFaults::Arm();
@@ -133,10 +126,11 @@ TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
     EXPECT_TRUE(FAILED(install(false)) || classes() == none);
     Recover();
     Get(dll->Create(), &ISysInfo::get_Value, L"no such value");  // throws, as failures do
-    EXPECT_EQ(install(true), S_OK);
-    EXPECT_EQ(classes(), whole);
-    EXPECT_EQ(install(false), S_OK);
-    EXPECT_EQ(classes(), none);
+    for (const auto& [isOn, expected] :
+         {std::pair(true, whole), {true, whole}, {false, none}, {false, none}}) {
+        EXPECT_EQ(install(isOn), S_OK);
+        EXPECT_EQ(classes(), expected);
+    }
 }
 
 }  // namespace

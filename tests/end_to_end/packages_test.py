@@ -12,7 +12,7 @@ from pathlib import Path
 from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
-UNINSTALL = r"HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall"
+UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall"
 OLDER_REFUSED = 1603 & 0xFF  # an exit code is a byte here
 ARCHIVER = "Value(73226) + control.Value(73227)"  # whether it is there, and its version
 
@@ -32,6 +32,17 @@ def remove(path):
     return wine("msiexec", "/qn", "/x", windows_path(path)).code
 
 
+def exported(text):
+    """The values of an export of the registry, by key and name."""
+    values = {}
+    for line in text.splitlines():
+        if line.startswith("["):
+            current = values.setdefault(line.strip("[]").lower(), {})
+        elif "=" in line:
+            name, _, current[name] = line.partition("=")
+    return values
+
+
 class Packages(unittest.TestCase):
     """Has a prefix, and the packages of this version and of the next one."""
 
@@ -43,8 +54,7 @@ class Packages(unittest.TestCase):
 
     def setUp(self):
         self.ask("Version")  # the script host registers itself when it first runs
-        self.clean = self.registry(CLASSES)
-        self.clean_user = self.registry(USER_CLASSES)
+        self.clean = {key: self.registry(key) for key in (CLASSES, USER_CLASSES)}
 
     def ask(self, member):
         """What a script shows of a member of the control; an error's text without one."""
@@ -57,17 +67,12 @@ class Packages(unittest.TestCase):
         path = self.folder / "export.reg"
         path.unlink(missing_ok=True)
         wine("reg", "export", key, windows_path(path), "/y")
-        values = {}
-        for line in path.read_text("utf-16").splitlines() if path.exists() else ():
-            if line.startswith("["):
-                current = values.setdefault(line.strip("[]").lower(), {})
-            elif "=" in line:
-                name, _, current[name] = line.partition("=")
+        values = exported(path.read_text("utf-16")) if path.exists() else {}
         return {name: named for name, named in values.items() if "\\classes\\installer" not in name}
 
     def entries(self):
         """The versions that the system lists as installed."""
-        return [values['"DisplayVersion"'] for values in self.registry(UNINSTALL).values()
+        return [values['"DisplayVersion"'] for root in ("HKLM", "HKCU") for values in self.registry(root + UNINSTALL).values()
                 if values.get('"DisplayName"') == '"Detection"']
 
     def dlls(self):
@@ -77,49 +82,46 @@ class Packages(unittest.TestCase):
         """What came to the classes, with a mark for a folder."""
         path = folder.replace("\\", r"\\")
         return {key: {name: text.replace(path + r"\\", path).replace(path, "@") for name, text in named.items()}
-                for key, named in self.registry(CLASSES).items() if key not in self.clean}
+                for key, named in self.registry(CLASSES).items() if key not in self.clean[CLASSES]}
 
     def check_clean(self):
-        self.assertEqual(self.registry(CLASSES), self.clean)
-        self.assertEqual(self.registry(USER_CLASSES), self.clean_user)
+        self.assertEqual({key: self.registry(key) for key in self.clean}, self.clean)
         self.assertEqual((self.dlls(), self.entries()), ([], []))
 
-    def test_a_fleet_can_install_upgrade_repair_and_remove_it(self):
-        now, newer = self.now["Detection-4.5.1-x64.msi"], self.next["Detection-4.6.0-x64.msi"]
-        self.assertEqual(install(now), 0)
-        self.assertEqual((self.entries(), self.ask("Version")), (['"4.5.1"'], "4.5.1.0"))
-        installed = self.added(r"C:\Program Files\Detection")
-        [dll] = self.dlls()
-        self.assertTrue(dll.endswith("/Program Files/Detection/Detection.dll"))
-        os.unlink(dll)
-        self.assertEqual(install(now, "REINSTALL=ALL", "REINSTALLMODE=amus"), 0)
-        self.assertEqual(self.ask("Version"), "4.5.1.0")
-        self.assertEqual(install(newer), 0)
-        self.assertEqual(install(now), OLDER_REFUSED)
-        self.assertEqual((self.entries(), self.ask("Version")), (['"4.6.0"'], "4.5.1.0"))
-        self.assertEqual(remove(newer), 0)
-        self.check_clean()
+    def test_it_can_be_installed_repaired_upgraded_and_removed_for_all_and_for_a_user(self):
+        # Wine does not look for a class below the user's own keys.
+        for kind, root, place, version in (("", "HKLM", "/Program Files/Detection/Detection.dll", "4.5.1.0"),
+                                           ("-user", "HKCU", "/Local/Programs/Detection/Detection.dll", "")):
+            with self.subTest(root):
+                now, newer = self.now[f"Detection-4.5.1-x64{kind}.msi"], self.next[f"Detection-4.6.0-x64{kind}.msi"]
+                for options in ((), ("REINSTALL=ALL", "REINSTALLMODE=amus")):
+                    self.assertEqual(install(now, *options), 0)
+                    self.assertEqual((self.entries(), self.ask("Version")), (['"4.5.1"'], version))
+                    [dll] = self.dlls()
+                    self.assertTrue(dll.endswith(place))
+                    os.unlink(dll)  # what a repair brings back
+                for key, clean in self.clean.items():
+                    self.assertEqual(self.registry(key) == clean, not key.startswith(root))
+                self.assertEqual(install(newer), 0)
+                self.assertEqual(install(now), OLDER_REFUSED)
+                self.assertEqual((self.entries(), self.ask("Version")), (['"4.6.0"'], version))
+                self.assertEqual(remove(newer), 0)
+                self.check_clean()
+        self.assertNotIn("Detection", str(self.registry(r"HKCU\Software\Keldane")))
 
-        # What a person registers by hand is the same, but for the place.
+    def test_an_installer_registers_it_as_a_person_does(self):
+        registered = exported((Path(__file__).parent / "registered.reg").read_text("ascii"))
+        now = self.now["Detection-4.5.1-x64.msi"]
+        self.assertEqual(install(now), 0)
+        self.assertEqual(self.added(r"C:\Program Files\Detection"), registered)
+        self.assertEqual(remove(now), 0)
         by_hand = shutil.copyfile(DLL, self.folder / "Detection.dll")
         self.assertEqual(wine("regsvr32", "/s", windows_path(by_hand)).code, 0)
-        self.assertEqual(self.added(windows_path(self.folder)), installed)
+        self.assertEqual(self.added(windows_path(self.folder)), registered)
         self.assertEqual(install(now), 0)  # over an earlier registration
         self.assertEqual(self.ask("Version"), "4.5.1.0")
         self.assertEqual(remove(now), 0)
         self.check_clean()
-
-    def test_for_one_user_it_comes_and_goes_below_the_users_own_keys(self):
-        now, newer = self.now["Detection-4.5.1-x64-user.msi"], self.next["Detection-4.6.0-x64-user.msi"]
-        for path in (now, newer):
-            self.assertEqual(install(path), 0)
-            [dll] = self.dlls()
-            self.assertTrue(dll.endswith("/Local/Programs/Detection/Detection.dll"))
-            self.assertIn(f'"{PROG_ID}.1"', str(self.registry(USER_CLASSES)))
-            self.assertEqual(self.registry(CLASSES), self.clean)
-        self.assertEqual(remove(newer), 0)
-        self.check_clean()
-        self.assertNotIn("Detection", str(self.registry(r"HKCU\Software\Keldane")))
 
     def test_a_program_carries_it_with_an_empty_registry(self):
         """Beside the program, by the manifest of the archive; without the program's own manifest there is no class."""

