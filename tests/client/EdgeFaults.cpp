@@ -202,7 +202,7 @@ void EdgeFaults::Report()
         before = open;
     std::cout << "\nopen=" << open << " broken=" << broken << " failed=" << failed << " any=" << allocations;
     for (const auto& [name, group, original, isCalled, calls] : functions)
-        std::cout << (isCalled ? " called " : " uncalled ") << name << '=' << calls;
+        std::cout << ' ' << name << '=' << (isCalled ? calls : -1);
     std::cout << std::endl;
 }
 

@@ -15,7 +15,8 @@ struct EdgeFaults {
     /// seventh call of that function, "any+7" for all allocations from the seventh on.
     static void Arm();
 
-    /// Prints what is open and not whole, what failed last, and what was called how often.
+    /// Prints what is open and not whole, what failed last, and how often each function was called when it
+    /// could have failed: -1 for one that was never called.
     static void Report();
 
     static bool FailsTexts() { return isLasting || failed == "SysAllocStringLen"; }
