@@ -101,12 +101,15 @@ TEST_F(Apartments, TakeTurns)
         const test::Apartment apartment;
         const auto control = dll.Create();
         const std::wstring whole(1000, letter);
-        const std::wstring groups = L"<groups><group id='1'><value>" + whole + L"</value></group></groups>";
+        const _bstr_t text(whole.c_str());
+        const _bstr_t groups(
+            (L"<groups><group id='1'><value>" + whole + L"</value></group></groups>").c_str());
         for (const ULONGLONG end = GetTickCount64() + 3000; GetTickCount64() < end;) {
-            control->put_UserID(_bstr_t(whole.c_str()));
-            control->Configure(_bstr_t(groups.c_str()));
-            Get(control, &ISysInfo::get_SysInfo);
-            for (const wchar_t* id : {L"1", L"71206"}) {
+            control->put_ReferrerID(text);
+            control->put_UserID(text);
+            control->Configure(groups);
+            for (const wchar_t* id : {L"1", L"71206", L"71218"}) {
+                Get(control, &ISysInfo::get_SysInfo);
                 const std::wstring read = Get(control, &ISysInfo::get_Value, id);
                 ASSERT_TRUE(read == std::wstring(1000, L'a') || read == std::wstring(1000, L'b')) << read;
             }
