@@ -51,12 +51,16 @@ class Examples(ControlTest):
         module = (EXAMPLES / "check.bas").read_text("ascii").replace("CreateObject(", "WScript.CreateObject(")
         application = re.search("<script>(.*)</script>", (EXAMPLES / "check.hta").read_text("utf-8"), re.DOTALL)[1]
         page = 'control.ReferrerID = "demo";' + (EXAMPLES / "check_page.js").read_text("utf-8")
-        for output in (wine(PROGRAMS / "check_example.exe", proxy=f"http://{self.address}").output.splitlines(),
-                       self.run_script(module + '\nWScript.Echo CheckMachine("demo")', "vbs"),
-                       *(self.run_script(BROWSER + script + "window.onload();") for script in (application, page))):
-            self.assertRegex("\n".join(output), r"(?is)(verdict: (pass|fail|unknown)\b[^\d]*memory: [\d.]+ [GT]B"
-                             r"|\nMemory\nat least 2 GB\n[\d.]+ [GT]B\n\n. Meets\n.*\n(Yes: this|No: this|Not sure: not))")
-        self.assertIn(f'classid="clsid:{CLASS_ID[1:-1]}"', (EXAMPLES / "check.html").read_text("utf-8"))
+        told = r"(?i)verdict: (pass|fail|unknown)\b[^\d]*memory: [\d.]+ [GT]B"
+        shown = r"(?s)\nMemory\nat least 2 GB\n[\d.]+ [GT]B\n\n. Meets\n.*\n(Yes: this|No: this|Not sure: not)"
+        for output, pattern in (
+                (wine(PROGRAMS / "check_example.exe", proxy=f"http://{self.address}").output.splitlines(), told),
+                (self.run_script(module + '\nWScript.Echo CheckMachine("demo")', "vbs"), told),
+                (self.run_script(BROWSER + application + "window.onload();"), told),
+                (self.run_script(BROWSER + page + "window.onload();"), shown)):
+            self.assertRegex("\n".join(output), pattern)
+        for text in (f'classid="clsid:{CLASS_ID[1:-1]}"', '<param name="REFERRER_ID" value="demo">'):
+            self.assertIn(text, (EXAMPLES / "check.html").read_text("utf-8"))
         py_compile.compile(str(EXAMPLES / "check.py"), cfile=str(self.folder / "x.pyc"), doraise=True)
         subprocess.run(["mcs", "-platform:x64", f"-out:{self.folder / 'Check.exe'}", EXAMPLES / "Check.cs"], check=True)
 
