@@ -21,6 +21,6 @@ while read -r folder; do
 done < <(x86_64-w64-mingw32-g++-posix -E -x c++ -v - </dev/null 2>&1 >/dev/null |
   sed -n '/^#include <...>/,/^End of search/s/^ //p' | grep '/c++')
 files=("$@")
-[ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files '*.cpp' ':!tests/outside/program.cpp')
+[ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files '*.cpp' ':!tests/end_to_end/program.cpp')
 printf '%s\0' "${files[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy "${options[@]}" 2>/dev/null
 echo "Lint: ${#files[@]} files are clean."

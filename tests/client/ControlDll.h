@@ -2,11 +2,14 @@
 
 #include <windows.h>
 
+#include <comutil.h>
+#include <gtest/gtest.h>
 #include <wrl/client.h>
 
 #include <string>
 
 #include "Detection.h"
+#include "client/EdgeFaults.h"
 #include "platform/Library.h"
 
 namespace kel::test {
@@ -23,6 +26,8 @@ public:
     {
         return FindFunction<Function>(library.get(), name);
     }
+
+    HRESULT CanUnload() const { return Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(); }
 
     Microsoft::WRL::ComPtr<IClassFactory> Factory() const
     {
@@ -44,12 +49,15 @@ private:
     OwnedLibrary library;
 };
 
-/// A COM apartment as long as it lives.
-struct Apartment {
-    Apartment() { CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED); }
-    Apartment(const Apartment&) = delete;
-    Apartment& operator=(const Apartment&) = delete;
-    ~Apartment() { CoUninitialize(); }
-};
+/// The text that a member gives, with its zeros; the empty text for none. The member returns S_OK, or that a
+/// fault did not let the text be allocated.
+template <typename Member, typename... Texts>
+std::wstring Get(const Microsoft::WRL::ComPtr<ISysInfo>& control, Member member, Texts... texts)
+{
+    _bstr_t result;
+    const HRESULT status = (control.Get()->*member)(_bstr_t(texts)..., result.GetAddress());
+    EXPECT_TRUE(status == S_OK || (status == E_OUTOFMEMORY && EdgeFaults::FailsTexts()));
+    return {result.GetBSTR(), result.GetBSTR() + result.length()};
+}
 
 }  // namespace kel::test

@@ -8,11 +8,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
+#include <iostream>
 #include <sstream>
 #include <utility>
 #include <vector>
 
-#include "platform/Library.h"
+extern "C" NTSTATUS NTAPI LdrRegisterDllNotification(ULONG flags, void* called, void* context, void** cookie);
 
 namespace kel::test {
 
@@ -23,32 +25,15 @@ using Any = Word(Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Wor
 
 constexpr std::string_view Answer = "71060|71063|71069|71207";  // of the service, to whatever it is asked
 Word now = 0, unread = 0;
-bool isArmed = false;
-std::string_view chosen;
-long allocations = 0, nth = 0;
+std::array<char, 40> chosen = {};
+long allocations = 0, nth = 0, open = 0;  // open: blocks of memory, and so many for each handle
+int broken = 0;                           // lines of the log and bodies of requests that were not whole
+constexpr long Handle = 100000;
 
 template <typename T>
 T* At(Word address)
 {
     return reinterpret_cast<T*>(address);
-}
-
-Word CheckLine(const Word* a)
-{
-    const std::wstring_view line = At<wchar_t>(*a);
-    return Word(EdgeFaults::broken += !line.empty() && line.find(L" | ") != line.rfind(L" | "));
-}
-
-Word Send(const Word* a)
-{
-    EdgeFaults::broken += a[3] != 0 && *At<char>(a[3]) != '<';
-    return unread = Answer.size();
-}
-
-Word Read(const Word* a)
-{
-    *At<DWORD>(a[3]) = static_cast<DWORD>(Answer.copy(At<char>(a[1]), std::exchange(unread, 0)));
-    return TRUE;
 }
 
 /// Functions that return the same when they fail, what they open or close, and what answers in their place.
@@ -64,9 +49,9 @@ constexpr Group Groups[] = {
     {0, 1, "malloc calloc"},
     {0, 0, "SysAllocString SysAllocStringLen"},
     {Never, -1, "free"},
-    {0, EdgeFaults::Handle, "InternetOpenW InternetConnectW HttpOpenRequestW"},
-    {OutOfMemory, EdgeFaults::Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
-    {Never, -EdgeFaults::Handle, "RegCloseKey InternetCloseHandle BCryptCloseAlgorithmProvider"},
+    {0, Handle, "InternetOpenW InternetConnectW HttpOpenRequestW"},
+    {OutOfMemory, Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
+    {Never, -Handle, "RegCloseKey InternetCloseHandle BCryptCloseAlgorithmProvider"},
     {0, 0,
      "CreateThread FindResourceW LoadLibraryExW LoadResource LockResource SizeofResource GetModuleHandleW "
      "GetModuleHandleExW GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process "
@@ -76,17 +61,29 @@ constexpr Group Groups[] = {
     {OutOfMemory, 0,
      "RegQueryValueExW RegEnumKeyExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW "
      "RegOverridePredefKey BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid "
-     "VariantChangeType VariantCopy ConnectServer ExecQuery Next Get LoadTypeLib LoadTypeLibEx "
-     "RegisterTypeLibForUser UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
-    {Never, 0, "OutputDebugStringW", &CheckLine},
+     "VariantChangeType VariantCopy LoadTypeLib LoadTypeLibEx RegisterTypeLibForUser "
+     "UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
+    {Never, 0, "OutputDebugStringW",
+     [](const Word* a) {
+         const std::wstring_view line = At<wchar_t>(*a);
+         return Word(broken += !line.empty() && line.find(L" | ") != line.rfind(L" | "));
+     }},
     // Wine's own look for the display device in the registry, where a scratch key stands, and use what they
     // did not find.
     {Never, 0, "CreateDXGIFactory1 Direct3DCreate9Ex DllGetClassObject",
      [](const Word*) { return OutOfMemory; }},
-    {0, EdgeFaults::Handle, "InternetOpenUrlW",
+    {0, Handle, "InternetOpenUrlW",
      [](const Word*) { return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0)); }},
-    {0, 0, "HttpSendRequestW", &Send},
-    {0, 0, "InternetReadFile", &Read},
+    {0, 0, "HttpSendRequestW",
+     [](const Word* a) {
+         broken += a[3] != 0 && *At<char>(a[3]) != '<';
+         return unread = Answer.size();
+     }},
+    {0, 0, "InternetReadFile",
+     [](const Word* a) {
+         *At<DWORD>(a[3]) = static_cast<DWORD>(Answer.copy(At<char>(a[1]), std::exchange(unread, 0)));
+         return Word(TRUE);
+     }},
     {0, 0, "InternetQueryDataAvailable", [](const Word* a) { return Word(*At<DWORD>(a[1]) = 100); }},
     {0, 0, "HttpQueryInfoW",
      [](const Word* a) { return Word(a[1] < 100 && wcscpy(At<wchar_t>(a[2]), L"200")); }},
@@ -102,38 +99,35 @@ struct Function {
 };
 std::vector<Function> functions;
 
-/// Counts a call that can fail.
-/// @return whether it is to fail: the one chosen, or each allocation from the one chosen on
-bool Fails(Function& function)
-{
-    const bool allocates = function.group < Groups + 2;
-    ++function.calls;
-    allocations += allocates;
-    return EdgeFaults::isLasting ? allocates && allocations >= nth
-                                 : function.name == chosen && function.calls == nth;
-}
+void Hook(void** slot, std::string_view name);
 
-/// Takes the place of a function, with more arguments than any has.
+/// Takes the place of a function, with more arguments than any has. The one call that was chosen fails, or
+/// each allocation from the one chosen on.
 template <std::size_t Slot>
 Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i, Word j, Word k, Word l)
 {
     Function& function = functions[Slot];
-    const Group* const group = function.group;
+    const auto& [failure, opens, names, answer] = *function.group;
     function.isCalled = true;
-    if (isArmed && group->failure != Never && Fails(function)) {
-        EdgeFaults::failed = function.name;
-        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
-        return group->failure;
+    if (EdgeFaults::isArmed && failure != Never) {
+        const bool allocates = function.group < Groups + 2;
+        ++function.calls;
+        allocations += allocates;
+        if (EdgeFaults::isLasting ? allocates && allocations >= nth
+                                  : function.name == chosen.data() && function.calls == nth) {
+            EdgeFaults::failed = function.name;
+            SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+            return failure;
+        }
     }
-    if (group->opens < 0 && a != 0)
-        EdgeFaults::open += group->opens;
+    if (opens < 0 && a != 0)
+        open += opens;
     const Word arguments[] = {a, b, c, d};
-    Word result =
-        group->answer ? group->answer(arguments) : function.original(a, b, c, d, e, f, g, h, i, j, k, l);
-    if (group->opens >= 0 && (group->failure == 0) == (result != 0))
-        EdgeFaults::open += group->opens;
+    Word result = answer ? answer(arguments) : function.original(a, b, c, d, e, f, g, h, i, j, k, l);
+    if (opens >= 0 && (failure == 0) == (result != 0))
+        open += opens;
     if (function.name == "GetProcAddress" && result != 0)
-        EdgeFaults::Hook(reinterpret_cast<void**>(&result), At<char>(b));
+        Hook(reinterpret_cast<void**>(&result), At<char>(b));
     return result;
 }
 
@@ -141,6 +135,23 @@ template <std::size_t... Slots>
 constexpr std::array<Any*, sizeof...(Slots)> Stubs(std::index_sequence<Slots...>)
 {
     return {&Stub<Slots>...};
+}
+
+/// Hooks a slot of a table of functions. A name that is not known leaves it as it is.
+void Hook(void** slot, std::string_view name)
+{
+    static constexpr auto AllStubs = Stubs(std::make_index_sequence<80>());
+    const auto function = std::ranges::find(functions, name, &Function::name);
+    if (function == functions.end())
+        return;
+    const auto index = static_cast<std::size_t>(function - functions.begin());
+    void* const stub = reinterpret_cast<void*>(AllStubs.at(index));
+    if (*slot == stub)
+        return;
+    function->original = reinterpret_cast<Any*>(*slot);
+    DWORD protection = 0;
+    VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
+    *slot = stub;
 }
 
 /// Called by the loader before a module runs, with flags, path, name and address.
@@ -156,7 +167,7 @@ void CALLBACK HookImports(ULONG, const Word* loaded, void*)
          ++library) {
         void** slot = At<void*>(module + library->FirstThunk);
         for (auto* name = At<Word>(module + library->OriginalFirstThunk); *name != 0; ++name)
-            EdgeFaults::Hook(slot++, At<IMAGE_IMPORT_BY_NAME>(module + *name)->Name);
+            Hook(slot++, At<IMAGE_IMPORT_BY_NAME>(module + *name)->Name);
     }
 }
 
@@ -172,47 +183,27 @@ void EdgeFaults::Install()
         for (std::string name; names >> name;)
             functions.push_back({name, &group});
     }
-    using Register = NTSTATUS NTAPI(ULONG, decltype(&HookImports), void*, void**);
-    const OwnedLibrary loader(LoadLibraryW(L"ntdll.dll"));
-    FindFunction<Register>(loader.get(), "LdrRegisterDllNotification")(0, &HookImports, nullptr, &cookie);
+    LdrRegisterDllNotification(0, reinterpret_cast<void*>(&HookImports), nullptr, &cookie);
 }
 
-void EdgeFaults::Hook(void** slot, std::string_view name)
+void EdgeFaults::Arm()
 {
-    static constexpr auto AllStubs = Stubs(std::make_index_sequence<80>());
-    const auto function = std::ranges::find(functions, name, &Function::name);
-    if (function == functions.end())
-        return;
-    void* const stub =
-        reinterpret_cast<void*>(AllStubs.at(static_cast<std::size_t>(function - functions.begin())));
-    if (*slot == stub)
-        return;
-    function->original = reinterpret_cast<Any*>(*slot);
-    DWORD protection = 0;
-    VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
-    *slot = stub;
-}
-
-void EdgeFaults::Arm(std::string_view fault)
-{
-    chosen = fault.substr(0, fault.find_first_of(":+"));
-    isLasting = !chosen.empty() && fault[chosen.size()] == '+';
-    std::istringstream(std::string(fault.substr(std::min(chosen.size() + 1, fault.size())))) >> nth;
+    const char* const fault = std::getenv("KEL_FAULT");
+    char sign = 0;
+    std::sscanf(fault != nullptr ? fault : "", "%39[^:+]%c%ld", chosen.data(), &sign, &nth);
+    isLasting = sign == '+';
     isArmed = true;
 }
 
-void EdgeFaults::Disarm()
+void EdgeFaults::Report()
 {
-    isArmed = false;
-}
-
-std::string EdgeFaults::Report()
-{
-    std::ostringstream report;
-    report << "open=" << open << " failed=" << failed << " any=" << allocations;
-    for (const auto& [name, group, original, isCalled, count] : functions)
-        report << (isCalled ? " called " : " uncalled ") << name << '=' << count;
-    return report.str();
+    // The thread of the last exchange gives back what it has after the work is done.
+    for (long before = -1; before != open; Sleep(200))
+        before = open;
+    std::cout << "\nopen=" << open << " broken=" << broken << " failed=" << failed << " any=" << allocations;
+    for (const auto& [name, group, original, isCalled, calls] : functions)
+        std::cout << ' ' << name << '=' << (isCalled ? calls : -1);
+    std::cout << std::endl;
 }
 
 }  // namespace kel::test

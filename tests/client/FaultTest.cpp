@@ -6,32 +6,27 @@
 #include <comutil.h>
 #include <gtest/gtest.h>
 #include <shlwapi.h>
-#include <wbemidl.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <iostream>
 #include <optional>
 
 #include "client/ControlDll.h"
 #include "client/EdgeFaults.h"
+#include "client/Hosts.h"
 #include "support/ScratchKey.h"
 
 namespace kel {
 namespace {
 
-using Microsoft::WRL::ComPtr;
-using Control = ComPtr<ISysInfo>;
+using Control = Microsoft::WRL::ComPtr<ISysInfo>;
 using test::EdgeFaults;
+using test::Get;
 
 struct Fault : testing::Test {
     test::Apartment apartment;
     const OwnedKey hardware = OpenKey(HKEY_LOCAL_MACHINE, L"HARDWARE", KEY_READ);
     test::ScratchKey machine{HKEY_LOCAL_MACHINE}, user{HKEY_CURRENT_USER};
-    ComPtr<IWbemLocator> locator;
-    ComPtr<IWbemServices> services;
-    ComPtr<IEnumWbemClassObject> objects;
-    ComPtr<IWbemClassObject> object;
+    std::optional<test::ControlDll> dll;
 
     Fault()
     {
@@ -39,87 +34,50 @@ struct Fault : testing::Test {
         machine.Make(L"HARDWARE");
         RegCopyTreeW(hardware.get(), nullptr, OpenKey(machine.Key(), L"HARDWARE", KEY_ALL_ACCESS).get());
         EdgeFaults::Install();
-        HookWmi();
     }
 
-    ~Fault() override
+    ~Fault() override { EdgeFaults::Report(); }
+
+    /// Takes the fault away, and loads the DLL if it could not be loaded.
+    void Recover()
     {
-        // The thread of the last exchange gives back what it has after the work is done.
-        for (long before = -1; before != EdgeFaults::open; Sleep(200))
-            before = EdgeFaults::open;
-        EXPECT_EQ(EdgeFaults::broken, 0);
-        std::cout << '\n' << EdgeFaults::Report() << std::endl;
+        EdgeFaults::isArmed = false;
+        if (dll->Handle() == nullptr)
+            dll.emplace();
     }
 
-    /// Hooks the methods of WMI's objects that the control calls.
-    void HookWmi()
-    {
-        const _bstr_t space(L"ROOT\\CIMV2"), language(L"WQL"), query(L"SELECT * FROM Win32_BIOS");
-        ULONG count = 0;
-        CoCreateInstance(CLSID_WbemLocator, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&locator));
-        locator->ConnectServer(space, nullptr, nullptr, nullptr, 0, nullptr, nullptr, &services);
-        services->ExecQuery(language, query, 0, nullptr, &objects);
-        ASSERT_EQ(objects->Next(static_cast<LONG>(WBEM_INFINITE), 1, &object, &count), S_OK);
-        const std::tuple<IUnknown*, int, const char*> methods[] = {{locator.Get(), 3, "ConnectServer"},
-                                                                   {services.Get(), 20, "ExecQuery"},
-                                                                   {objects.Get(), 4, "Next"},
-                                                                   {object.Get(), 4, "Get"}};
-        for (const auto& [instance, slot, name] : methods)
-            EdgeFaults::Hook(*reinterpret_cast<void***>(instance) + slot, name);
-    }
-
-    static void Arm()
-    {
-        const char* const fault = std::getenv("KEL_FAULT");
-        EdgeFaults::Arm(fault != nullptr ? fault : "");
-    }
-
-    void CheckControl(const wchar_t* identifier) const;
+    void CheckControl(const wchar_t* identifier);
 };
-
-/// Calls a member that gives a text. It returns S_OK, or that the text could not be allocated.
-template <typename Member, typename... Texts>
-std::wstring Get(const Control& control, Member member, Texts... texts)
-{
-    _bstr_t result;
-    const HRESULT status = (control.Get()->*member)(_bstr_t(texts)..., result.GetAddress());
-    EXPECT_TRUE(status == S_OK || (status == E_OUTOFMEMORY &&
-                                   (EdgeFaults::isLasting || EdgeFaults::failed == "SysAllocStringLen")));
-    return result.length() != 0 ? std::wstring(result) : std::wstring();
-}
 
 /// Uses a control, also through IDispatch.
 /// @return what it gave
 std::wstring Use(const Control& control)
 {
-    EXPECT_EQ(control->put_Logging(_bstr_t(L"7")), S_OK);
     _bstr_t first;  // empty after a failure, and missing only where it could not be allocated
+    EXPECT_EQ(control->put_Logging(_bstr_t(L"7")), S_OK);
     const HRESULT status = control->get_SysInfo(first.GetAddress());
     EXPECT_EQ(first.GetBSTR() != nullptr, status == S_OK);
     EXPECT_EQ(control->put_UserID(_bstr_t(L"me")), S_OK);
     EXPECT_EQ(control->Configure(_bstr_t(L"<groups><group id='71465'><value>mine</value></group></groups>")),
               S_OK);
     const std::wstring report = Get(control, &ISysInfo::get_SysInfo);
-    DISPPARAMS none = {};
     _variant_t version;
-    control->Invoke(7, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &version, nullptr, nullptr);
+    test::Call(control.Get(), L"Version", version);
     return (version.vt == VT_BSTR ? version.bstrVal : L"") + Get(control, &ISysInfo::get_UserID) +
            Get(control, &ISysInfo::get_Value, L"no such value") +
            Get(control, &ISysInfo::get_Analysis, L"item", L"xml", L"1.0") +
            (report.find(L"id=\"71465\"><value>mine</value>") != std::wstring::npos ? L" reported" : L"");
 }
 
-void Fault::CheckControl(const wchar_t* identifier) const
+void Fault::CheckControl(const wchar_t* identifier)
 {
     user.Write(L"Software\\Keldane", L"Run", identifier);
-    Arm();
-    std::optional<test::ControlDll> dll(std::in_place);
+    EdgeFaults::Arm();
+    dll.emplace();
     Control control = dll->Create();
     if (control)
         Use(control);
-    EdgeFaults::Disarm();
-    if (dll->Handle() == nullptr)
-        dll.emplace();
+    Recover();
     if (!control)
         control = dll->Create();
     EXPECT_EQ(Use(control), L"4.5.1.0me71060|71063|71069|71207 reported");
@@ -130,7 +88,7 @@ void Fault::CheckControl(const wchar_t* identifier) const
     EXPECT_LE(std::ranges::count_if(Values, isLost), mayBeLost);
     EXPECT_NE(user.Dump().find(identifier), std::wstring::npos);
     control.Reset();
-    EXPECT_EQ(dll->Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
+    EXPECT_EQ(dll->CanUnload(), S_OK);
 }
 
 TEST_F(Fault, LeavesAControlThatWorks)
@@ -147,28 +105,32 @@ TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
 {
     for (const wchar_t* key : {L"CLSID", L"TypeLib", L"Interface"})
         user.Make(std::wstring(L"Software\\Classes\\") + key);
-    const std::wstring none = user.Dump(L"Software\\Classes");
-    std::optional<test::ControlDll> dll(std::in_place);
-    const auto install = [&dll](bool isOn) {
+    const auto classes = [this] { return user.Dump(L"Software\\Classes"); };
+    const auto install = [this](bool isOn) {
         return dll->Handle() ? dll->Entry<decltype(DllInstall)>("DllInstall")(isOn, L"user") : E_FAIL;
     };
+    const std::wstring none = classes();
+    dll.emplace();
     EXPECT_EQ(install(true), S_OK);
-    const std::wstring whole = user.Dump(L"Software\\Classes");
+    const std::wstring whole = classes();
+    EXPECT_NE(FindResourceW(dll->Handle(), MAKEINTRESOURCEW(102), MAKEINTRESOURCEW(2)), nullptr);
+    // The classes of all users are those again, and not the user's.
+    EXPECT_NE(OpenKey(HKEY_CLASSES_ROOT, L"CLSID\\{4590F811-1D3A-11D0-891F-00AA004B2E24}", KEY_READ),
+              nullptr);
     EXPECT_EQ(install(false), S_OK);
     dll.reset();
-    Arm();
+    EdgeFaults::Arm();
     dll.emplace();
     const HRESULT result = install(true);
-    EXPECT_EQ(user.Dump(L"Software\\Classes"), SUCCEEDED(result) ? whole : none);
-    EXPECT_TRUE(FAILED(install(false)) || user.Dump(L"Software\\Classes") == none);
-    EdgeFaults::Disarm();
-    if (dll->Handle() == nullptr)
-        dll.emplace();
+    EXPECT_EQ(classes(), SUCCEEDED(result) ? whole : none);
+    EXPECT_TRUE(FAILED(install(false)) || classes() == none);
+    Recover();
     Get(dll->Create(), &ISysInfo::get_Value, L"no such value");  // throws, as failures do
-    EXPECT_EQ(install(true), S_OK);
-    EXPECT_EQ(user.Dump(L"Software\\Classes"), whole);
-    EXPECT_EQ(install(false), S_OK);
-    EXPECT_EQ(user.Dump(L"Software\\Classes"), none);
+    for (const auto& [isOn, expected] :
+         {std::pair(true, whole), {true, whole}, {false, none}, {false, none}}) {
+        EXPECT_EQ(install(isOn), S_OK);
+        EXPECT_EQ(classes(), expected);
+    }
 }
 
 }  // namespace

@@ -1,91 +1,63 @@
-// The control in a host that lives long: what it leaves behind.
+// The control in a host that lives long, and in one with two apartments.
 #include <windows.h>
-
-#include <winternl.h>
 
 #include <comutil.h>
 #include <gtest/gtest.h>
 #include <psapi.h>
 
-#include <algorithm>
-#include <optional>
+#include <array>
+#include <future>
 #include <random>
 #include <thread>
 
 #include "client/ControlDll.h"
-#include "client/Outer.h"
+#include "client/Hosts.h"
+#include "support/FakeWmi.h"
 
 namespace kel {
 namespace {
 
-/// What this process holds, as the system counts it.
-struct Holdings {
-    long long handles = 0;
-    long long privateBytes = 0;
-    DWORD freeIndex = 0;  ///< the next one for thread-local data
+using Microsoft::WRL::ComPtr;
+using test::Get;
 
-    static Holdings Now()
-    {
-        // The table of the whole system: some systems answer 0 when asked for the handles of one process.
-        std::vector<SYSTEM_HANDLE_ENTRY> buffer(100000);
-        NtQuerySystemInformation(SystemHandleInformation, buffer.data(), 100000 * sizeof(buffer[0]), nullptr);
-        const auto& table = *reinterpret_cast<const SYSTEM_HANDLE_INFORMATION*>(buffer.data());
-        const auto isOurs = [](const auto& entry) { return entry.OwnerPid == GetCurrentProcessId(); };
-        PROCESS_MEMORY_COUNTERS memory = {};
-        GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
-        const DWORD index = TlsAlloc();
-        TlsFree(index);
-        return {std::count_if(table.Handle, table.Handle + table.Count, isOurs),
-                static_cast<long long>(memory.PagefileUsage), index};
-    }
-
-    void ExpectStill(long long moreHandles, long long moreBytes) const
-    {
-        const Holdings now = Now();
-        EXPECT_LE(now.handles, handles + moreHandles);
-        EXPECT_LE(now.privateBytes, privateBytes + moreBytes);
-        EXPECT_EQ(now.freeIndex, freeIndex);
-    }
-};
+/// What this process holds: the next handle and the next index for thread-local data, which are given out
+/// from the lowest, and private bytes.
+std::array<std::size_t, 3> Holdings()
+{
+    const HANDLE handle = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const DWORD index = TlsAlloc();
+    PROCESS_MEMORY_COUNTERS memory = {};
+    GetProcessMemoryInfo(GetCurrentProcess(), &memory, sizeof(memory));
+    TlsFree(index);
+    CloseHandle(handle);
+    return {reinterpret_cast<std::size_t>(handle), index, memory.PagefileUsage};
+}
 
 /// Creates and uses so many controls, every other one aggregated, and releases them in no order. The log,
 /// which grows by design, is left as it is.
 void Live(const test::ControlDll& dll, int count)
 {
-    _bstr_t report;
-    dll.Create()->get_SysInfo(report.GetAddress());  // the first read examines the machine
+    const std::wstring groups = L"<groups><group id='71465'><value>mine</value></group></groups>";
+    Get(dll.Create(), &ISysInfo::get_SysInfo);  // the first read examines the machine
     std::minstd_rand random(1);
-    std::vector<std::optional<test::Outer>> outers(16);
-    std::vector<Microsoft::WRL::ComPtr<ISysInfo>> controls(outers.size());
+    std::array<test::Outer, 16> outers;
+    std::array<ComPtr<ISysInfo>, 16> controls;
     for (int made = 0; made < count && !testing::Test::HasFailure(); ++made) {
-        const std::size_t place = random() % outers.size();
-        auto& control = controls[place];
+        const std::size_t place = random() % controls.size();
+        auto& control = controls.at(place);
         control.Reset();
-        test::Outer& outer = outers[place].emplace();
-        if (made % 2 == 0)
-            control = dll.Create();
-        else if (SUCCEEDED(dll.Factory()->CreateInstance(&outer, IID_PPV_ARGS(&outer.inner))))
-            outer.QueryInterface(IID_PPV_ARGS(&control));
+        control = made % 2 == 0 ? dll.Create() : outers.at(place).Create(*dll.Factory().Get());
         ASSERT_TRUE(control);
-        _bstr_t version;
         EXPECT_EQ(control->put_UserID(_bstr_t(L"visitor")), S_OK);
-        EXPECT_EQ(
-            control->Configure(_bstr_t(L"<groups><group id='71465'><value>mine</value></group></groups>")),
-            S_OK);
-        EXPECT_EQ(control->get_SysInfo(report.GetAddress()), S_OK);
-        EXPECT_NE(std::wstring(report).find(L"<value>mine</value>"), std::wstring::npos);
-        EXPECT_EQ(control->get_Version(version.GetAddress()), S_OK);
-        EXPECT_STREQ(version, L"4.5.1.0");
+        EXPECT_EQ(control->Configure(_bstr_t(groups.c_str())), S_OK);
+        EXPECT_NE(Get(control, &ISysInfo::get_SysInfo).find(L"<value>mine</value>"), std::wstring::npos);
+        EXPECT_EQ(Get(control, &ISysInfo::get_Version), L"4.5.1.0");
     }
-    controls.clear();
 }
 
 TEST(Life, StaysInTheProcessOnceASessionLives)
 {
-    {
-        const test::ControlDll onlyLoaded;
-        EXPECT_EQ(onlyLoaded.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
-    }
+    EXPECT_EQ(test::ControlDll().CanUnload(), S_OK);
     EXPECT_EQ(GetModuleHandleW(L"Detection.dll"), nullptr);
     std::wstring sessions[2];
     for (std::wstring& session : sessions) {
@@ -93,10 +65,8 @@ TEST(Life, StaysInTheProcessOnceASessionLives)
             const test::Apartment apartment;
             const test::ControlDll dll;
             Live(dll, 10);
-            _bstr_t value;
-            dll.Create()->get_Value(_bstr_t(L"71424"), value.GetAddress());
-            session = value.length() != 0 ? std::wstring(value) : std::wstring();
-            EXPECT_EQ(dll.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
+            session = Get(dll.Create(), &ISysInfo::get_Value, L"71424");
+            EXPECT_EQ(dll.CanUnload(), S_OK);
         }).join();
         EXPECT_NE(GetModuleHandleW(L"Detection.dll"), nullptr);
     }
@@ -109,11 +79,70 @@ TEST(Life, OfTenThousandControlsLeavesNothing)
     const test::Apartment apartment;
     const test::ControlDll dll;
     Live(dll, 1000);
-    const Holdings before = Holdings::Now();
+    const auto [handle, index, bytes] = Holdings();
     Live(dll, 10000);
+    const auto [handleAfter, indexAfter, bytesAfter] = Holdings();
+    EXPECT_LE(handleAfter, handle);
+    EXPECT_EQ(indexAfter, index);
     // Were each control to leave 16 bytes, it would show; the system's allocator moves by some pages.
-    before.ExpectStill(0, 128LL * 1024);
-    EXPECT_EQ(dll.Entry<decltype(DllCanUnloadNow)>("DllCanUnloadNow")(), S_OK);
+    EXPECT_LE(bytesAfter, bytes + std::size_t{128} * 1024);
+    EXPECT_EQ(dll.CanUnload(), S_OK);
+}
+
+struct Apartments : testing::Test {
+    // Wine's first use of the display, by two threads at once, makes them wait for each other.
+    const int prepared = ReleaseDC(nullptr, GetDC(nullptr));
+    const test::ControlDll dll;
+};
+
+TEST_F(Apartments, TakeTurns)
+{
+    // So long that one is likely to begin while the other copies.
+    const std::wstring wholes[] = {std::wstring(100'000, L'a'), std::wstring(100'000, L'b')};
+    const auto use = [&](const std::wstring& whole) {
+        const test::Apartment apartment;
+        const auto control = dll.Create();
+        const _bstr_t text(whole.c_str()), tags((L"<user_id>" + whole + L"</user_id>").c_str());
+        for (const ULONGLONG end = GetTickCount64() + 3000; GetTickCount64() < end;) {
+            control->put_UserID(text);
+            const std::wstring read = Get(control, &ISysInfo::get_UserID);
+            ASSERT_TRUE(read == wholes[0] || read == wholes[1]) << read.substr(0, 100);
+            control->Configure(tags);
+        }
+    };
+    std::thread other(use, wholes[0]);
+    use(wholes[1]);
+    other.join();
+}
+
+TEST_F(Apartments, ServeCallsWhileTheyWaitForTheirTurn)
+{
+    const test::Apartment apartment;
+    std::promise<IStream*> made;
+    std::promise<void> begun;
+    std::thread other([&] {
+        const test::Apartment second;
+        const auto control = dll.Create();
+        IStream* stream = nullptr;
+        CoMarshalInterThreadInterfaceInStream(IID_IDispatch, control.Get(), &stream);
+        made.set_value(stream);
+        begun.get_future().wait();
+        control->put_Debug(_bstr_t(L"1"));
+    });
+    ComPtr<IDispatch> control;
+    EXPECT_EQ(CoGetInterfaceAndReleaseStream(made.get_future().get(), IID_PPV_ARGS(&control)), S_OK);
+    test::FakeWmiData data;
+    _variant_t version;
+    data.whileAsked = [&] {  // in the midst of a run
+        begun.set_value();
+        EXPECT_EQ(test::Call(control.Get(), L"Version", version), S_OK);
+    };
+    {
+        const test::FakeWmi fake(data);
+        dll.Create()->Detect();
+    }
+    other.join();
+    EXPECT_EQ(version, _variant_t(L"4.5.1.0"));
 }
 
 }  // namespace

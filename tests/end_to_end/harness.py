@@ -1,5 +1,6 @@
-"""What the outside tests share: the built DLL, the script host, and the local analysis service in this process."""
+"""What the end-to-end tests share: Windows programs, the built DLL, and the local analysis service in this process."""
 
+import contextlib
 import json
 import os
 import re
@@ -10,18 +11,32 @@ import threading
 import time
 import unittest
 from pathlib import Path
+from typing import NamedTuple
+from unittest import mock
 
 ROOT = Path(__file__).resolve().parents[2]
+EXAMPLES = ROOT / "examples"
 sys.path.insert(0, str(ROOT / "tools" / "analysis_service"))
 from server import AnalysisServer  # noqa: E402
 
 DLL = Path(os.environ.get("KEL_DLL", ROOT / "build" / "release" / "Detection.dll"))
+PROGRAMS = DLL.parent / "tests"
 # By its path: Wine starts a bare name through a process of its own.
-CSCRIPT = r"C:\windows\system32\cscript.exe"
-# Puts a program into an empty network, where a host name is not even looked up.
-NO_NETWORK = ("unshare", "--map-current-user", "--net")
+CSCRIPT = (r"C:\windows\system32\cscript.exe", "//nologo")
+NO_SERVICE = "http://127.0.0.1:9"  # refuses at once, whatever the machine's network does
+LONGEST = 120  # seconds that a program may take
 API_KEY = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53"
 PROG_ID = "KELDetection_TAMS64.SysInfo"
+CLASS_ID = "{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}"
+
+
+class Ran(NamedTuple):
+    """What became of a Windows program."""
+
+    code: int
+    output: str
+    memory: float  # the most that it had in use, in MB
+    seconds: float
 
 
 def windows_path(path):
@@ -30,34 +45,35 @@ def windows_path(path):
 
 def peak_memory(pid):
     """The most memory that the process had in use so far, in MB; 0 when it is gone."""
-    try:
-        match = re.search(r"VmHWM:\s*(\d+) kB", Path(f"/proc/{pid}/status").read_text())
-    except OSError:
-        match = None
-    return int(match[1]) / 1024 if match else 0
+    with contextlib.suppress(OSError):
+        if match := re.search(r"VmHWM:\s*(\d+) kB", Path(f"/proc/{pid}/status").read_text()):
+            return int(match[1]) / 1024
+    return 0
 
 
-def wine(arguments, proxy=None, timeout=120, watch=lambda pid: None, network=True, log=None):
-    """Runs a Windows program: its exit code, and what it wrote. Calls `watch` with its process id now and then.
+def wine(*arguments, proxy=NO_SERVICE, log=None):
+    """Runs a Windows program. Debugger output goes to the file `log`."""
+    environment = os.environ | ({"WINEDEBUG": "warn+seh"} if log else {}) | {"http_proxy": proxy}
+    start, memory = time.monotonic(), 0
+    # Not through a pipe: what the program leaves running would hold it open.
+    with tempfile.TemporaryFile() as output, \
+            subprocess.Popen(["wine", *map(str, arguments)], env=environment, stdin=subprocess.DEVNULL, stdout=output,
+                             stderr=log or subprocess.DEVNULL) as process:
+        while process.poll() is None and time.monotonic() < start + LONGEST:
+            memory = max(memory, peak_memory(process.pid))
+            time.sleep(0.02)
+        process.kill()
+        code = process.wait()
+        output.seek(0)
+        return Ran(code, output.read().decode("cp437").replace("\r\n", "\n"), memory, time.monotonic() - start)
 
-    Debugger output goes to the file `log`.
-    """
-    environment = os.environ | {"http_proxy": proxy} | ({"WINEDEBUG": "warn+seh"} if log else {})
-    if not proxy:
-        del environment["http_proxy"]
-    command = [*(() if network else NO_NETWORK), "wine", *arguments]
-    end = time.monotonic() + timeout
-    with subprocess.Popen(command, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=log or subprocess.DEVNULL) as process:
-        while True:
-            try:
-                output, _ = process.communicate(timeout=0.05)
-                return process.returncode, output.decode("cp437").replace("\r\n", "\n")
-            except subprocess.TimeoutExpired:
-                watch(process.pid)
-                if time.monotonic() > end:
-                    process.kill()
-                    raise
+
+def make_prefix(case):
+    """Gives a class of tests a folder, and its programs a Wine prefix of their own in there."""
+    case.folder = Path(case.enterClassContext(tempfile.TemporaryDirectory()))
+    case.enterClassContext(mock.patch.dict(os.environ, {"WINEPREFIX": str(case.folder / "prefix")}))
+    case.addClassCleanup(subprocess.run, ["wineserver", "-k"])
+    wine("wineboot", "-i")
 
 
 class ServiceTest(unittest.TestCase):
@@ -78,6 +94,10 @@ class ServiceTest(unittest.TestCase):
         lines = [dict(zip(names, requirement)) for requirement in requirements]
         (self.folder / f"{referrer}.json").write_text(json.dumps({"title": "T<", "requirements": lines}))
 
+    def lines(self):
+        """The request lines that the service saw, without the host."""
+        return [re.sub(r" http://[^/]*", " ", request["line"]) for request in self.service.requests]
+
 
 class ControlTest(ServiceTest):
     """Has the control registered, too, and requirements for the referrer "demo"."""
@@ -86,32 +106,21 @@ class ControlTest(ServiceTest):
 
     @classmethod
     def setUpClass(cls):
-        code, _ = wine(["regsvr32", "/s", windows_path(DLL)])
+        code = wine("regsvr32", "/s", windows_path(DLL)).code
         assert code == 0, f"regsvr32 ended with {code}"
 
     def setUp(self):
         super().setUp()
         self.require("demo", (71063, "Memory", "at least", "1 MB"), (71094, "Battery", "no"))
 
-    def run_script(self, text, language="js", proxy=True):
+    def run_script(self, text, language="js"):
         """Runs a script with `control` made: the lines it wrote. A script error fails the test."""
         make = f'var control = new ActiveXObject("{PROG_ID}");\n' if language == "js" else \
             f'Dim control\nSet control = WScript.CreateObject("{PROG_ID}")\n'
         script = self.folder / f"test.{language}"
         script.write_text(make + text + "\nWScript.Quit(7)", encoding="utf-8")
-        start = time.monotonic()
-        self.peak = 0  # MB
         with open(self.folder / "log.txt", "wb") as log:
-            code, output = wine([CSCRIPT, "//nologo", windows_path(script)], f"http://{self.address}" if proxy else None,
-                                watch=self.note_memory, network=proxy, log=log if self.logs else None)
+            self.ran = wine(*CSCRIPT, windows_path(script), proxy=f"http://{self.address}", log=log if self.logs else None)
         self.log = "\n".join(re.findall(r'OutputDebugStringA "(.*)\\n"', Path(log.name).read_text("cp437")))
-        self.seconds = time.monotonic() - start
-        self.assertEqual(code, 7, output)
-        return output.splitlines()
-
-    def note_memory(self, pid):
-        self.peak = max(self.peak, peak_memory(pid))
-
-    def lines(self):
-        """The request lines that the service saw, without the host."""
-        return [re.sub(r" http://[^/]*", " ", request["line"]) for request in self.service.requests]
+        self.assertEqual(self.ran.code, 7, self.ran.output)
+        return self.ran.output.splitlines()

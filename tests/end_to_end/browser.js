@@ -1,0 +1,14 @@
+// What a page's script finds in a browser; each text that it shows is a line of output.
+var window = {};
+var place = {
+  appendChild: function (node) { return node; },
+  removeChild: function () {},
+  removeAttribute: function () {},
+  setAttribute: function () {},
+  getElementsByTagName: function () { return [place]; }
+};
+var document = {
+  getElementById: function (id) { return id == "control" ? control : place; },
+  createElement: function () { return place; },
+  createTextNode: function (text) { WScript.Echo(text); }
+};

@@ -1,0 +1,35 @@
+"""The graphics facts under a virtual display, as an X server and its software adapter give them."""
+
+import os
+import shutil
+import subprocess
+import unittest
+from unittest import mock
+
+from harness import ControlTest, make_prefix
+
+EXPECTED = {72000: "Yes", 72001: "1", 72002: r"\w.*", 72004: r"[\d.]+ [GMT]B", 72008: r"1\d\.\d", 72200: "Yes",
+            72202: r"12\.0", 72203: r"1\d\.\d", 72204: r"[456]\.\d", 72400: "Yes", 72401: "1", 72402: "1920x1080",
+            72403: "32", 72405: "1920x1080", 72406: "No", 73100: "Yes", 73101: "1", 73105: "1920x1080"}
+
+
+@unittest.skipUnless(shutil.which("Xvfb"), "there is no Xvfb")
+class Display(ControlTest):
+    @classmethod
+    def setUpClass(cls):
+        # A Wine server keeps the display that it saw first, so this one is a server of its own.
+        server = cls.enterClassContext(subprocess.Popen(
+            ["Xvfb", "-displayfd", "1", "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL))
+        cls.addClassCleanup(server.terminate)
+        display = f":{server.stdout.readline().decode().strip()}"
+        cls.enterClassContext(mock.patch.dict(os.environ, {"DISPLAY": display}))
+        make_prefix(cls)
+        super().setUpClass()
+
+    def test_the_adapter_and_the_screen_are_told_as_they_are(self):
+        self.require("demo", *((number, "", "any") for number in EXPECTED))
+        told = self.run_script('control.ReferrerID = "demo";' + "".join(
+            f"WScript.Echo(control.Value('{number}'));" for number in EXPECTED))
+        for (number, form), text in zip(EXPECTED.items(), told, strict=True):
+            self.assertRegex(text, f"^{form}$", number)

@@ -1,0 +1,45 @@
+"""The built DLL as a file, as a person registers it, and in a host of many threads."""
+
+import re
+import struct
+import subprocess
+import unittest
+
+from harness import CLASS_ID, DLL, PROGRAMS, windows_path, wine
+
+SYSTEM_LIBRARIES = {"kernel32.dll", "advapi32.dll", "ole32.dll", "oleaut32.dll", "wininet.dll", "msvcrt.dll", "user32.dll",
+                    "bcrypt.dll"}
+
+
+class Dll(unittest.TestCase):
+    def test_it_is_the_file_that_systems_and_installers_expect(self):
+        told = subprocess.run(["x86_64-w64-mingw32-objdump", "-pt", DLL], capture_output=True, check=True, text=True).stdout
+        exports = re.findall(r"^\s*\[ *\d+\](?: \+base\[ *\d+\] +[0-9a-f]+)? (\w+)$", told, re.MULTILINE)
+        self.assertEqual(sorted(exports), ["DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer",
+                                           "DllUnregisterServer"])
+        imports = {name.lower() for name in re.findall(r"DLL Name: (\S+)", told)}
+        self.assertTrue(imports and imports <= SYSTEM_LIBRARIES, imports)
+        for protection in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"):
+            self.assertIn(protection, told)
+        content = DLL.read_bytes()
+        self.assertIn(struct.pack("<2I4H", 0xFEEF04BD, 0x10000, 5, 4, 0, 1), content)  # the version of the file
+        self.assertIn("OLESelfRegister".encode("utf-16-le"), content)  # older installers ask before they register
+        is_release = DLL.parent.name == "release"
+        self.assertEqual("no symbols" in told, is_release)
+        if is_release:
+            self.assertLess(len(content), 1700 * 1024)
+
+    def test_a_multithreaded_host_creates_it_and_asks_it_by_name(self):
+        wine("regsvr32", "/s", windows_path(DLL))
+        self.assertEqual(wine(PROGRAMS / "plain_program.exe", "multithreaded")[:2], (0, "00000000 visitor\n"))
+
+    def test_regsvr32_registers_for_whom_it_is_told(self):
+        refused = 5  # what regsvr32 says of a call that failed
+        for arguments, result, for_all, for_user in (
+                ("", 0, True, False), ("/n /i:usr", refused, True, False), ("/u /n /i:usr", refused, True, False),
+                ("/n /i:User", 0, True, True), ("/u", 0, False, True), ("/u /n /i:user", 0, False, False)):
+            with self.subTest(arguments):
+                self.assertEqual(wine("regsvr32", "/s", *arguments.split(), windows_path(DLL)).code, result)
+                for root, is_there in (("HKLM", for_all), ("HKCU", for_user)):
+                    key = rf"{root}\SOFTWARE\Classes\CLSID\{CLASS_ID}"
+                    self.assertEqual(wine("reg", "query", key).code, 0 if is_there else 1, root)

@@ -1,0 +1,24 @@
+// A program that uses the control by its members' names. One copy of it carries the control privately, by its
+// manifest. With an argument it is a multithreaded one.
+#include <windows.h>
+
+#include <comutil.h>
+#include <wrl/client.h>
+
+#include <cstdio>
+
+#include "client/Hosts.h"
+
+int main(int count, char**)
+{
+    const kel::test::Apartment apartment(count > 1 ? COINIT_MULTITHREADED : COINIT_APARTMENTTHREADED);
+    Microsoft::WRL::ComPtr<IDispatch> control;
+    _variant_t user(L"visitor"), told;
+    HRESULT result = CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control));
+    if (SUCCEEDED(result))
+        result = kel::test::Call(control.Get(), L"UserID", told, &user);
+    if (SUCCEEDED(result))
+        result = kel::test::Call(control.Get(), L"UserID", told);
+    std::printf("%08lX %ls\n", static_cast<unsigned long>(result), told.vt == VT_BSTR ? told.bstrVal : L"");
+    return FAILED(result);
+}

@@ -1,0 +1,94 @@
+"""What the control puts on the wire, and what it makes of the answers."""
+
+import time
+import urllib.request
+
+from harness import API_KEY, ControlTest
+from verdict import quantity
+
+GROUP_LIST = f"GET /Data/Service.svc/Group/list?refid=demo&apikey={API_KEY} HTTP/1.1"
+UPLOAD = f"POST /Data/Service.svc/upload?apikey={API_KEY} HTTP/1.1"
+ANALYSIS = "POST /service/Analysis/demo HTTP/1.1"
+FILE = "/global/tests/test_2.bin"
+
+
+class Wire(ControlTest):
+    def run_as(self, referrer, text):
+        return self.run_script(f'control.ReferrerID = "{referrer}"; {text}')
+
+    def test_an_analysis_takes_three_exact_requests(self):
+        output = self.run_as("demo", r'control.SessionID = "s1"; control.UserID = "u>\u20ac";'
+                             r'var answer = control.Analysis("\u20ac\ud83d\ude00", "xml", "2.0"); WScript.Echo(answer);'
+                             r'WScript.Echo(answer.indexOf("item=\"\u20ac\ud83d\ude00\"") > 0);')
+        self.assertRegex(output[0], r'^<analysis result="pass" item=".*" schema="2.0"><title>T&lt;</title>'
+                                    r'<requirement result="pass"><label>Memory</label><needed>at least 1 MB</needed>')
+        self.assertEqual(output[1], "-1")
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, ANALYSIS])
+        group_list, upload, analysis = self.service.requests
+        self.assertEqual(group_list["line"].split()[1].split("/")[2], "analysis.keldane.example:80")
+        headers = dict(group_list["headers"])
+        self.assertEqual((headers["User-Agent"], headers["Accept"]), ("KEL", "text/*"))
+        self.assertEqual({"Content-Type", "Content-Length"} & set(headers), set())
+        for request in (upload, analysis):
+            content = sorted(header for header in request["headers"] if header[0].startswith("Content-"))
+            self.assertEqual(content, [("Content-Length", str(len(request["body"].encode()))),
+                                       ("Content-Type", "application/xml; charset=utf-8")])
+        self.assertRegex(upload["body"], '^<groups><group index="0" id="71424"><value>s1</value></group>'
+                                         '<group index="0" id="71218"><value>demo</value></group>'
+                                         '<group index="0" id="71206"><value>u&gt;\u20ac</value></group>.*</groups>  $')
+        self.assertEqual(analysis["body"], "<System><SessionID>s1</SessionID><ItemID>\u20ac\U0001f600</ItemID>"
+                                           "<UserID>u>\u20ac</UserID><Format>xml</Format><Schema>2.0</Schema></System>")
+
+    def test_uploads_again_only_for_a_session_set_by_its_property(self):
+        self.require("late", (71094, "Battery", "no"))
+        self.run_as("demo", 'control.Detect(); control.Detect();'
+                    'control.Configure("<session_id>other</session_id>"); control.Detect();'
+                    'control.ReferrerID = "late"; control.SessionID = "new"; control.Detect();'
+                    'control.SessionID = ""; WScript.Echo(control.Analysis("i", "xml", "1"));')
+        # The service is told the later referrer; what it wants stays what the first one does.
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, UPLOAD, ANALYSIS.replace("demo", "late")])
+        for text in ('id="71424"><value>new<', 'id="71218"><value>late<', 'id="71063"'):
+            self.assertIn(text, self.service.requests[2]["body"])
+
+    def test_writes_only_wanted_groups_though_all_are_detected(self):
+        output = self.run_as(
+            "demo", 'control.Configure("<groups><group id=\'5\' index=\'1\'><value>second</value></group>'
+            '<group id=\'5\'><value>v</value></group></groups>");'
+            'WScript.Echo(control.Value("71294") != "");'  # only WMI knows it
+            'WScript.Echo(control.Value("5") + control.Value("71072"));'
+            'var report = control.SysInfo; WScript.Echo(report.indexOf("71294") + " " + report.indexOf(\'id="5"\'));'
+            'WScript.Echo(report.indexOf(\'id="71063"\') > 0 && control.System("x") == report);')
+        self.assertRegex("|".join(output), r"^-1\|v\d+\.\d+\.\d+\|-1 -1\|-1$")
+
+    def test_measures_what_an_independent_download_measures(self):
+        self.require("net", (71069, "B", "at least", "1"))
+        start = time.monotonic()
+        with urllib.request.urlopen(f"http://{self.address}{FILE}", timeout=20) as answer:
+            size = len(answer.read())
+        independent = size * 8 / (time.monotonic() - start)
+        self.logs = True
+        for self.service.faults[FILE] in (None, "late-file"):  # the time before the first byte does not count
+            with self.subTest(self.service.faults):
+                self.service.requests.clear()
+                [measured] = self.run_as("net", 'WScript.Echo(control.Value("71069"));')
+                self.assertAlmostEqual(quantity(measured) / independent, 1, delta=0.2)
+                self.assertRegex(self.log, r"downloadRate = (\d+ bps)\D(.|\n)*Network speed is: \1 bps\D")
+                self.assertEqual(self.lines().count(f"GET {FILE} HTTP/1.1"), 1)
+                request = self.service.requests[1]
+                self.assertRegex(request["line"], "^GET http://content.keldane.example[:/]")
+                self.assertLessEqual({("User-Agent", "KEL"), ("Pragma", "no-cache")}, {*map(tuple, request["headers"])})
+
+    def test_without_a_service_the_facts_stay(self):
+        self.service.shutdown()
+        self.service.server_close()
+        output = self.run_as("demo", 'WScript.Echo("[" + control.Analysis("i", "xml", "1") + "]");'
+                             'WScript.Echo(control.Value("71063") != "" && control.Value("71424") == control.SessionID);'
+                             'WScript.Echo(control.SysInfo.indexOf("<groups>"));')
+        self.assertEqual(output, ["[]", "-1", "0"])
+
+    def test_keeps_and_clears_texts_as_each_member_does(self):
+        rows = (("UserID", "u", "u"), ("UserID", "", ""), ("SessionID", "s", "s"), ("SessionID", "", "s"), ("Debug", "x", "1"),
+                ("ReferrerID", "r", "r"), ("ReferrerID", "", "r"), ("Debug", "0", "0"), ("Debug", "00", "1"), ("Debug", "", "0"),
+                ("Logging", "12", "7"), ("Logging", "3x", "3"), ("Logging", "-2", "-2"), ("Logging", "abc", "0"))
+        output = self.run_script("".join(f'control.{name} = "{put}"; WScript.Echo(control.{name});' for name, put, _ in rows))
+        self.assertEqual(output, [kept for _, _, kept in rows])

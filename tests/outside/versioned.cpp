@@ -1,5 +1,0 @@
-// Any program: its file has a version.
-int main()
-{
-    return 0;
-}
