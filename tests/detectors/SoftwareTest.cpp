@@ -82,7 +82,7 @@ TEST(Applications, LookForNoOthersAndStoreNothingOfThem)
 {
     test::Machine machine;
     machine.Add(
-        L"+ 73220[0]=Yes; 73221[0]=24.8.0.3; 73222[0]=Yes; 73223[0]=24.002.20857; 73224[0]=Yes\n"
+        L"+ 73220[0]=Yes; 73221[0]=24.8.0.3; 73224[0]=Yes\n"
         L"+ 73225[0]=24.002.20857; 73226[0]=Yes; 73227[0]=24.08.00.0; 73228[0]=Yes; 73229[0]=3.0.20\n"
         L"+ 73234[0]=Yes; 73235[0]=5.9.7; 73242[0]=Yes; 73243[0]=21.0.3.9; 73244[0]=Yes; 73245[0]=1.65.2");
     const Lines rows = test::ReadRows("uninstall.txt");
