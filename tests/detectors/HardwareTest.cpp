@@ -3,53 +3,12 @@
 #include "detectors/Detectors.h"
 #include "probes/Battery.h"
 #include "probes/Memory.h"
-#include "probes/WMI.h"
 #include "service/BandwidthTest.h"
-#include "support/FakeWmi.h"
 #include "support/LogCapture.h"
-#include "support/ScratchKey.h"
 #include "support/TestSession.h"
 
 namespace kel {
 namespace {
-
-TEST(Firmware, TakesVersionAndDateFromTheRegistryAndTheRestFromWmi)
-{
-    test::FakeWmiData data;
-    data.objects[L"SELECT * FROM Win32_BIOS"] = {
-        {{L"name", {L"N"}}, {L"Manufacturer", {L"M"}}, {L"SMBIOSBIOSVersion", {L"wmi"}}}};
-    data.objects[L"SELECT * FROM Win32_BaseBoard"] = {{{L"Product", {L"P"}}, {L"Version", {L"aA wmi"}}}};
-    const test::FakeWmi fake(data);
-    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
-    test::TestSession session;
-    WMI::Instance();
-    const auto detect = [&session] {
-        Bios().Detect();
-        MotherBoard().Detect();
-        return session.Texts({71073, 71383, 71294, 71074, 71171, 71170, 71356, 71437});
-    };
-    const std::wstring bios = L"HARDWARE\\DESCRIPTION\\System\\BIOS";
-    machine.Write(bios, L"BIOSVersion", L"1");
-    EXPECT_EQ(detect(), L"N||M|wmi||P|aA wmi|Yes|");  // a version without its vendor is none
-    machine.Write(bios, L"BIOSVendor", L"V");
-    machine.Write(L"HARDWARE\\DESCRIPTION\\System", L"SystemBiosDate", L"01/02/03");
-    machine.Write(bios, L"BaseBoardVersion", L"x aa");
-    const test::LogCapture log;
-    EXPECT_EQ(detect(), L"N|01/02/03|M|V 1||P|x aa|No|");
-    EXPECT_THAT(
-        log.Lines(),
-        testing::ElementsAre(
-            L"MARK Entering: kel::Bios::Detect", L"MARK Entering: kel::WMI::GetBiosValues",
-            L"TRACE WMI value: ", L"TRACE WMI value: N", L"TRACE WMI value: M", L"TRACE WMI value: wmi",
-            L"MARK Exiting: kel::WMI::GetBiosValues", L"TRACE Bios[0] version from the registry",
-            L"TRACE Adding value: N to 71073", L"TRACE Adding value: 01/02/03 to 71383",
-            L"TRACE Adding value: M to 71294", L"TRACE Adding value: V 1 to 71074",
-            L"MARK Exiting: kel::Bios::Detect", L"MARK Entering: kel::MotherBoard::Detect",
-            L"TRACE WMI value: ", L"TRACE WMI value: P", L"TRACE WMI value: aA wmi",
-            L"TRACE MotherBoard[0] version from the registry", L"TRACE Adding value:  to 71171",
-            L"TRACE Adding value: P to 71170", L"TRACE Adding value: x aa to 71356",
-            L"TRACE Adding value: No to 71437", L"MARK Exiting: kel::MotherBoard::Detect"));
-}
 
 TEST(Memory, ComesFromTheNewerFunctionOrTheOlder)
 {

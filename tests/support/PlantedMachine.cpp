@@ -63,8 +63,14 @@ void PlantedMachine::PlantBasics()
         L"SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E967-E325-11CE-BFC1-08002BE10318}", L"Class",
         L"DiskDrive");
     for (const std::wstring& line : machine[L"value"]) {
-        const Lines fields = FieldsOf(line, 3);
-        software.machineKeys.Write(fields[0], fields[1].c_str(), fields[2]);
+        const Lines fields = FieldsOf(line, 4);  // the last for bytes
+        std::string bytes;
+        for (const std::wstring& byte : Split(fields[3], L' '))
+            bytes += static_cast<char>(NumberOf(byte, 16));
+        if (bytes.empty())
+            software.machineKeys.Write(fields[0], fields[1].c_str(), fields[2]);
+        else
+            software.machineKeys.Write(fields[0], fields[1].c_str(), REG_BINARY, bytes.data(), bytes.size());
     }
     for (const std::wstring& line : machine[L"wmi"]) {
         const Lines fields = Split(line, L'|');
@@ -100,8 +106,9 @@ void PlantedMachine::PlantBasics()
     system.getNativeSystemInfo = [fields](SYSTEM_INFO& info) {
         info.wProcessorArchitecture = static_cast<WORD>(NumberOf(fields[5]));
     };
-    system.getProductInfo = [fields](DWORD, DWORD, DWORD, DWORD, DWORD* edition) {
-        return *edition = static_cast<DWORD>(NumberOf(fields[6])), TRUE;
+    system.getProductInfo = [fields](DWORD major, DWORD minor, DWORD, DWORD, DWORD* edition) {
+        const bool isAsTold = major == NumberOf(fields[0]) && minor == NumberOf(fields[1]);
+        return *edition = isAsTold ? static_cast<DWORD>(NumberOf(fields[6])) : 0, TRUE;
     };
 }
 
@@ -225,20 +232,20 @@ Detected PlantedMachine::Detect()
     answering = &machine;
     TestSession session;
     session.wanted.Assign(machine.First(L"wanted"), L"");
-    const LogCapture log(LogTrace);
+    const LogCapture log(LogMaximum);
     {
         const FakeSound endpoints(sound);
         Run();
     }
 
     Detected detected;
+    detected.log = log.Lines();
     detected.stored = session.Lines(71000, 73999);
     std::wstring all;
     for (const unsigned number : session.Numbers())
         all += std::to_wstring(number) + L",";
     session.wanted.Assign(all, L"");
     XMLReport(session.values).GetReport(XMLReport::StandardOption, detected.report);
-    detected.log = log.Lines();
     detected.opened = storage.devices.opened;
     detected.letters = storage.volumes.opened;
     detected.calls = calls;
