@@ -43,8 +43,9 @@ public:
     explicit Adapters(GraphicsProbes newProbes = GraphicsProbes::OfSystem());
 
     /// The adapters that draw by hardware, or that a virtual machine offers; first the one that a program
-    /// would use. A driver's code runs for it only when the current session wants a fact that needs it, or
-    /// when nothing cheaper names any adapter.
+    /// would use. A Direct3D device or DxDiag, which load a driver's code, are asked only when the current
+    /// session wants a fact that needs it, or when nothing cheaper names any adapter; for its version, of
+    /// which nothing else tells, DXGI may load one, too.
     const std::vector<GpuDevice>& List();
 
     /// Whether Direct3D works on one of them, as far as it was asked.

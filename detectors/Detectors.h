@@ -31,7 +31,8 @@ public:
 };
 
 /// The graphics adapters, merged from the graphics interfaces, the Setup API and the registry; the first is
-/// the one that a program would use. A driver is loaded only for facts that the service wants.
+/// the one that a program would use. Direct3D and DxDiag, which load a driver, are asked only for facts that
+/// the service wants.
 class GPU : public Component {
 public:
     bool Detect() override;

@@ -21,7 +21,7 @@ enum LogLevel : int {
 };
 
 /// The process-wide diagnostic log: a wide stream whose finished lines go to the debugger and are kept in
-/// memory. Not locked; the control runs in one apartment thread.
+/// memory. Not locked: the apartments that use the control take turns.
 class Log : public std::basic_ostream<wchar_t> {
 public:
     /// The one log of the process, made on first use and never destroyed.

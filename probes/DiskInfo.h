@@ -22,7 +22,7 @@ struct DiskInfo {
     Name bus;                            ///< such as "NVMe"
     std::optional<bool> isSolidState;
     std::optional<bool> isRemovable;  ///< the medium, or the disk with its cable
-    std::optional<bool> isVirtual;    ///< made from a file or from other disks
+    std::optional<bool> isVirtual;    ///< made from a file
     std::optional<bool> holdsWindows;
     std::optional<Version> firmware;
 };

@@ -24,7 +24,8 @@ std::optional<StorageDescriptor> ReadStorageDescriptor(Bytes answer);
 /// What a STORAGE_BUS_TYPE is called, such as "NVMe"; empty for one that is not known.
 std::wstring GetBusName(std::uint32_t bus);
 
-/// Whether a disk on a bus is made of a file or of other disks, as a mounted image and a storage space are.
+/// Whether a disk on a bus is made of a file, as a mounted image is. A storage space, which is made of other
+/// disks, is what Windows has in their place.
 bool IsVirtualBus(std::uint32_t bus);
 
 /// Whether a disk has no moving parts: by what it says of its seeks, or by its bus. A bridge or a RAID

@@ -12,7 +12,7 @@
 namespace kel {
 
 /// The one detection session of the process: the page's identifiers, the wanted groups, the detectors and the
-/// store. Not locked; used from the control's apartment thread only.
+/// store. Not locked: the apartments that use the control take turns.
 class System : public Session {
 public:
     /// The session of the process, made on first use and never destroyed.

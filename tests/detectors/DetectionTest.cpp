@@ -35,6 +35,21 @@ TEST(Detectors, FailEachWithItsLineAndTheNextRuns)
                L"ERR Error with Applications detection.", L"ERR Error in SCSI detection."}));
 }
 
+struct SlowDetector : Component {
+    bool Detect() override
+    {
+        return Guarded(L"slow", nullptr, [] { Sleep(2100); });
+    }
+};
+
+TEST(Detectors, ThatTakeOverTwoSecondsSaySo)
+{
+    const test::LogCapture log(2);
+    SlowDetector().Detect();
+    ASSERT_EQ(log.Lines().size(), 1U);
+    EXPECT_THAT(log.Lines().front(), testing::MatchesRegex(L"WARN slow took [2-9]\\d\\d\\d milliseconds"));
+}
+
 TEST(CpuRules, DescribeWhatIsMeasured)
 {
     CpuInfo measured;

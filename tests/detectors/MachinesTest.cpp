@@ -18,10 +18,11 @@ constexpr const wchar_t* Personal[] = {L"ANNA",       L"SERIAL-4711",  L"0211223
                                        L"02:11:22",   L"G3D7F68O0LLB", L"810306626",  L"DIARY",   L"44.55",
                                        L"FILESERVER", L"TSCLIENT",     L"C:\\",       L"\\\\",    L"192.0.2"};
 
-/// Of what was stored, the lines whose ids are in one of the ranges of a machine's description; all without
-/// any.
-Lines Chosen(const Lines& stored, const std::wstring& ranges)
+/// Of what was stored, the lines whose ids are in one of the ranges that a machine was described with last;
+/// all without any.
+Lines Chosen(const Lines& stored, const Lines& described)
 {
+    const std::wstring ranges = described.empty() ? L"" : described.back();
     Lines chosen;
     for (const std::wstring& line : stored) {
         const unsigned long id = std::stoul(line);
@@ -82,7 +83,7 @@ TEST_P(Machines, ComeOutLineForLineAndTwiceTheSame)
         SCOPED_TRACE(test::Narrow(machine.First(L"machine")));
         test::PlantedMachine planted(machine, wmi);
         const test::Detected detected = planted.Detect();
-        const Lines stored = Chosen(detected.stored, machine.First(L"ids"));
+        const Lines stored = Chosen(detected.stored, machine[L"ids"]);
         if (machine[L"+"].empty())
             EXPECT_EQ(Join(stored), Join(machine.Stored(L"=")));
         else

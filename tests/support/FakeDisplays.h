@@ -20,6 +20,7 @@ struct Screen {
     std::wstring name;
     std::wstring instance;  ///< with "#" in place of "\"
     int isHdr = -1;         ///< -1: the system does not tell
+    UINT32 pixelFormat = DISPLAYCONFIG_PIXELFORMAT_32BPP;
 };
 
 struct FakeDisplays {
@@ -57,8 +58,10 @@ struct FakeDisplays {
                     static_cast<DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY>(screen.technology);
                 modes[place] = {};
                 modes[place].infoType = DISPLAYCONFIG_MODE_INFO_TYPE_SOURCE;
-                modes[place].sourceMode = {
-                    screen.width, screen.height, DISPLAYCONFIG_PIXELFORMAT_32BPP, {screen.x, screen.y}};
+                modes[place].sourceMode = {screen.width,
+                                           screen.height,
+                                           static_cast<DISPLAYCONFIG_PIXELFORMAT>(screen.pixelFormat),
+                                           {screen.x, screen.y}};
             }
             return ERROR_SUCCESS;
         };

@@ -14,6 +14,7 @@ enum DeviceClass : DWORD {
     DiskClass = 0x4D36E967,
     DisplayClass = 0x4D36E968,
     SoundClass = 0x4D36E96C,
+    MonitorClass = 0x4D36E96E,
     NetworkClass = 0x4D36E972,
     ScsiClass = 0x4D36E97B
 };

@@ -115,18 +115,25 @@ void PlantedMachine::PlantBasics()
 void PlantedMachine::PlantGraphics()
 {
     const std::wstring directX = L"SOFTWARE\\Microsoft\\DirectX";
-    software.machineKeys.Write(directX, L"Version", L"4.09.00.0904");
+    if (const std::wstring release = machine.First(L"release"); !release.empty())
+        software.machineKeys.Write(directX, L"Version", release);
     for (const std::wstring& line : machine[L"graphics"]) {
-        const Lines fields = FieldsOf(line, 4);
+        const Lines fields = FieldsOf(line, 6);
         devices.push_back(std::make_unique<PlantedDevice>(DisplayClass, fields[1].c_str()));
         devices.back()
             ->With(SPDRP_HARDWAREID, DeviceID(fields[1]).ToString())
             .With(SPDRP_DEVICEDESC, fields[0])
             .Device(L"MatchingDeviceId", fields[3])
             .Driver(L"DriverVersion", fields[2]);
+        constexpr const wchar_t* Amounts[] = {L"HardwareInformation.qwMemorySize",
+                                              L"HardwareInformation.MemorySize"};
+        for (std::size_t amount = 0; amount < 2; ++amount) {
+            if (!fields[4 + amount].empty())
+                devices.back()->Driver(Amounts[amount], NumberOf(fields[4 + amount]) << 20, nullptr);
+        }
     }
     for (const std::wstring& line : machine[L"note"]) {
-        const Lines fields = FieldsOf(line, 4);
+        const Lines fields = FieldsOf(line, 7);
         const auto write = [&](const wchar_t* name, DWORD type, std::uint64_t number) {
             software.machineKeys.Write(directX + L"\\{" + fields[0] + L"}", name, type, &number,
                                        type == REG_QWORD ? 8 : 4);
@@ -136,13 +143,16 @@ void PlantedMachine::PlantGraphics()
         write(L"VendorId", REG_DWORD, NumberOf(fields[1], 16));
         write(L"DeviceId", REG_DWORD, NumberOf(fields[2], 16));
         write(L"MaxD3D11FeatureLevel", REG_DWORD, NumberOf(fields[3], 16));
+        write(L"DedicatedVideoMemory", REG_QWORD, NumberOf(fields[4]) << 20);
+        write(L"MaxD3D12FeatureLevel", REG_DWORD, NumberOf(fields[5], 16));
+        software.machineKeys.Write(directX + L"\\{" + fields[0] + L"}", L"Description", fields[6]);
     }
 }
 
 void PlantedMachine::PlantDisplays()
 {
     for (const std::wstring& line : machine[L"screen"]) {
-        const Lines fields = FieldsOf(line, 11);
+        const Lines fields = FieldsOf(line, 12);
         const auto number = [&fields](std::size_t place, int base = 10) {
             return static_cast<UINT32>(NumberOf(fields[place], base));
         };
@@ -155,13 +165,19 @@ void PlantedMachine::PlantDisplays()
                                     number(7, 16),
                                     fields[8],
                                     fields[9],
-                                    fields[10].empty() ? -1 : std::stoi(fields[10])});
+                                    fields[10].empty() ? -1 : std::stoi(fields[10]),
+                                    fields[11].empty() ? DISPLAYCONFIG_PIXELFORMAT_32BPP : number(11)});
     }
     for (const std::wstring& what : machine[L"displays"]) {
         displays.isRemote |= what == L"remote";
         displays.hasPaths &= what != L"without paths";
         displays.hasDevices &= what != L"without devices";
         displays.shortAnswers += what == L"one more between two calls";
+    }
+    for (const std::wstring& line : machine[L"monitor"]) {
+        const Lines fields = FieldsOf(line, 2);
+        devices.push_back(std::make_unique<PlantedDevice>(MonitorClass, fields[0].c_str()));
+        devices.back()->With(SPDRP_FRIENDLYNAME, fields[1]);
     }
     static const std::vector<Edid> edids = ReadEdids();
     for (const std::wstring& line : machine[L"edid"]) {

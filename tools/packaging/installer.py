@@ -41,7 +41,7 @@ def source(scope, version):
     opened = "".join(f'<Directory Id="{name}Folder" Name="{name}">' for name in between)
     closed = "</Directory>" * len(between)
     user = scope == "user"
-    marker = (f'        <RegistryValue Root="HKCU" Key="Software\\{MAKER}\\Detection" Name="Installed" Type="string"'
+    marker = ('        <RegistryValue Root="HKCU" Key="Software\\Detection" Name="Installed" Type="string"'
               ' Value="1" KeyPath="yes"/>\n        <RemoveFolder Id="RemoveInstall" On="uninstall"/>\n') if user else ""
     component32 = "" if user else (
         f'      <Component Id="Interface32" Guid="{COMPONENTS["machine32"]}" Win64="no">\n'
