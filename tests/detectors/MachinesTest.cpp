@@ -110,10 +110,11 @@ TEST_P(Machines, ComeOutLineForLineAndTwiceTheSame)
 INSTANTIATE_TEST_SUITE_P(Of, Machines,
                          testing::Values("gaming_laptop.txt", "old_desktop.txt", "virtual_machine.txt",
                                          "tablet.txt", "bare_server.txt", "graphics.txt", "displays.txt",
-                                         "networks.txt", "volumes.txt", "disks.txt", "disk_faults.txt",
-                                         "optical.txt", "network_faults.txt", "sound.txt", "entries.txt",
-                                         "choices.txt", "processor.txt", "firmware.txt",
-                                         "faulty_software.txt", "systems.txt"),
+                                         "networks.txt", "volumes.txt", "disks.txt", "real_disks.txt",
+                                         "controllers.txt", "disk_faults.txt", "optical.txt",
+                                         "network_faults.txt", "sound.txt", "entries.txt", "choices.txt",
+                                         "processor.txt", "firmware.txt", "faulty_software.txt",
+                                         "systems.txt"),
                          [](const auto& file) {
                              const std::string name = file.param;
                              return name.substr(0, name.find('.'));

@@ -47,8 +47,9 @@ void PlantedStorage::Plant(const Machine& machine, FakeWmiData& wmi)
     PlantOpticalDrives(machine);
     PlantVolumes(machine);
     for (const std::wstring& line : machine[L"controller"]) {
-        const Lines fields = FieldsOf(line, 4);
-        PlantedDevice& device = List(ScsiClass, fields[0] + L"\\3&11583659&0&E8", fields[0], fields[1]);
+        const Lines fields = FieldsOf(line, 5);
+        PlantedDevice& device =
+            List(ScsiClass, fields[0] + L"\\3&11583659&0&E8" + fields[4], fields[0], fields[1]);
         device.Device(L"x", L"").Driver(L"DriverVersion", fields[3]);
         if (!fields[2].empty())
             device.With(SPDRP_COMPATIBLEIDS, std::wstring(L"first\0", 6) + fields[2] + L'\0');
@@ -64,12 +65,14 @@ void PlantedStorage::PlantDisks(const Machine& machine, FakeWmiData& wmi)
         const std::string vendor = Narrow(fields[1]), product = Narrow(fields[2]),
                           revision = Narrow(fields[3]);
         const int bus = std::stoi(fields[0]);
-        const bool isRemovable = fields[6] == L"removable";
+        const auto is = [&fields](const wchar_t* odd) { return fields[6].find(odd) != std::wstring::npos; };
         FakeDevice& disk = devices.devices[path];
         disk.answers[DeviceProperty] = Descriptor(bus, vendor.empty() ? nullptr : vendor.c_str(),
-                                                  product.c_str(), revision.c_str(), isRemovable);
-        disk.answers[GeometryRequest] = Geometry(NumberOf(fields[4]));
-        disk.answers[HotplugRequest] = HotplugInfo(isRemovable, bus == BusTypeUsb);
+                                                  product.c_str(), revision.c_str(), is(L"removable"));
+        disk.answers[GeometryRequest] =
+            Geometry(NumberOf(fields[4]), is(L"floppy") ? F3_1Pt44_512 : FixedMedia);
+        disk.answers[HotplugRequest] =
+            HotplugInfo(is(L"removable"), is(L"unplugs") || (bus == BusTypeUsb && !is(L"stays")));
         if (!fields[5].empty())
             disk.answers[SeekPenalty] = Flag(fields[5] == L"seeks");
         if (fields[7].empty())
