@@ -74,8 +74,10 @@ void ExpectOnlyPlacesOfTables(const test::PlantedSoftware& planted)
     }
     for (const std::wstring& path : planted.files)
         EXPECT_TRUE(programs.contains(std::wstring(FileNameOf(path)))) << path;
-    for (const std::wstring& key : planted.keys)
-        EXPECT_TRUE(places.contains(key) || key.starts_with(AppPaths) || key.starts_with(ListKey)) << key;
+    for (const std::wstring& key : planted.keys) {
+        const bool isOfProgram = key.starts_with(AppPaths) && programs.contains(key.substr(wcslen(AppPaths)));
+        EXPECT_TRUE(places.contains(key) || isOfProgram || key.starts_with(ListKey)) << key;
+    }
 }
 
 TEST(Applications, LookForNoOthersAndStoreNothingOfThem)

@@ -59,9 +59,10 @@ void PlantedMachine::PlantBasics()
     wmi.objects.clear();
     network.Break(machine);
     software.userKeys.Make(L"software\\Keldane");  // in which the machine's identifier is kept
+    const std::wstring diskClass = machine.First(L"disk-class");
     software.machineKeys.Write(
         L"SYSTEM\\CurrentControlSet\\Control\\Class\\{4D36E967-E325-11CE-BFC1-08002BE10318}", L"Class",
-        L"DiskDrive");
+        diskClass.empty() ? L"DiskDrive" : diskClass);
     for (const std::wstring& line : machine[L"value"]) {
         const Lines fields = FieldsOf(line, 4);  // the last for bytes
         std::string bytes;
