@@ -1,24 +1,20 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include "detectors/Detectors.h"
-#include "support/FakeStorage.h"
-#include "support/FakeWmi.h"
-#include "support/TestSession.h"
+#include "support/PlantedMachine.h"
 
 namespace kel {
 namespace {
 
 TEST(Disks, AreTwoHundredAtMost)
 {
+    test::Machine machine;
+    machine.Add(L"detectors HardDrive");
+    for (int number = 0; number < 250; ++number)
+        machine.Add(L"wmi Win32_DiskDrive|Model=Of WMI|Index=" + std::to_wstring(number));
     test::FakeWmiData wmi;
     const test::FakeWmi fake(wmi);
-    test::FakeStorage storage;
-    const test::TestSession session;
-    for (long number = 0; number < 250; ++number)
-        wmi.objects[L"SELECT * FROM Win32_DiskDrive"].push_back(
-            {{L"Model", {L"Of WMI"}}, {L"Index", {number, CIM_SINT32}}});
-    HardDrive().Detect(storage.Functions());
-    EXPECT_EQ(session.Text(72501) + L" " + session.At(199, {72502, 72509}), L"200 Of WMI|199");
+    const test::Lines stored = test::PlantedMachine(machine, wmi).Detect().stored;
+    EXPECT_THAT(stored, testing::IsSupersetOf({L"72501[0]=200", L"72502[199]=Of WMI", L"72509[199]=199"}));
 }
 
 }  // namespace
