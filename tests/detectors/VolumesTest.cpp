@@ -8,18 +8,22 @@
 namespace kel {
 namespace {
 
-TEST(Volumes, AgreeWithTheSystemAndLeaveTheErrorModeAsItWas)
+TEST(Volumes, AgreeWithTheSystemButForTheLabelAndLeaveTheErrorModeAsItWas)
 {
+    ASSERT_TRUE(SetVolumeLabelW(L"C:\\", L"SERIAL-4711"));
     const test::TestSession session;
     DWORD before = 0;
     SetThreadErrorMode(SEM_NOGPFAULTERRORBOX, &before);
     LogicalDrive().Detect();
+    SetVolumeLabelW(L"C:\\", L"");
     EXPECT_EQ(GetThreadErrorMode(), static_cast<DWORD>(SEM_NOGPFAULTERRORBOX));
     ULARGE_INTEGER size = {}, free = {};
     GetDiskFreeSpaceExW(L"C:\\", &free, &size, nullptr);
     const std::wstring total = Size(size.QuadPart).ToString(), left = Size(free.QuadPart).ToString();
     EXPECT_EQ(session.Texts({72602, 72603, 72604, 72605, 72606, 72607}),
               L"C:|fixed|NTFS|" + total + L"|" + left + L"|Yes|");
+    for (const SystemValue& value : session.values)
+        EXPECT_EQ(value.Text().find(L"4711"), std::wstring::npos) << value.Text();
     try {
         const ErrorMode quiet;
         EXPECT_EQ(GetThreadErrorMode(), static_cast<DWORD>(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX));
