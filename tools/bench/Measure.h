@@ -3,8 +3,10 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace kel::bench {
 
@@ -36,6 +38,17 @@ double TimedEach(int repetitions, Body body)
                    body();
            }) /
            repetitions;
+}
+
+/// How long a body takes in the median of so many times, in milliseconds.
+template <typename Body>
+double TimedMedian(int repetitions, Body body)
+{
+    std::vector<double> times;
+    for (int i = 0; i < repetitions; ++i)
+        times.push_back(Timed(body));
+    std::ranges::sort(times);
+    return times[times.size() / 2];
 }
 
 /// Prints a figure as "name value"; the driver reads it.
