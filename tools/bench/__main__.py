@@ -66,11 +66,8 @@ def main():
             programs.run("wmi_bench")  # what happens once per Wine server shall not fall to the first round
             for turn in range(max(arguments.runs, 7)):
                 measure(programs, rows)
-                devices.measure_detectors(programs, rows)
                 print(f"round {turn + 1} done", flush=True)
-            with devices.display(programs):
-                for _ in range(3):  # graphics drivers are slow, and nothing of theirs is aimed at
-                    devices.measure_graphics(programs, rows)
+            devices.measure(programs, rows)
 
     aims = Aims(rows)
     print("\n".join(["", about, "", *rows.markdown(), "", *aims.markdown()]))
