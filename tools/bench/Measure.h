@@ -44,9 +44,8 @@ double TimedEach(int repetitions, Body body)
 template <typename Body>
 double TimedMedian(int repetitions, Body body)
 {
-    std::vector<double> times;
-    for (int i = 0; i < repetitions; ++i)
-        times.push_back(Timed(body));
+    std::vector<double> times(static_cast<std::size_t>(repetitions));
+    std::ranges::generate(times, [&body] { return Timed(body); });
     std::ranges::sort(times);
     return times[times.size() / 2];
 }
