@@ -13,7 +13,7 @@ packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium mono-mcs)
 [ "${1:-}" = --display ] && packages+=("${display[@]}")
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
-[ "${1:-}" = --bench ] && packages+=(gcab)
+[ "${1:-}" = --bench ] && packages+=(gcab "${display[@]}")
 
 missing=()
 for package in "${packages[@]}"; do

@@ -207,8 +207,10 @@ void PlantedMachine::PlantSound()
     sound.getDefault = failure(L"no-default", HRESULT_FROM_WIN32(ERROR_NOT_FOUND));
 }
 
-void PlantedMachine::Run()
+void PlantedMachine::Run(const Lines& names)
 {
+    answering = &machine;
+    const FakeSound endpoints(sound);
     PlantedGraphics graphics(machine);
     const DisplayConfig config(displays.Functions());
     const StorageFunctions disks = storage.devices.Functions();
@@ -235,9 +237,8 @@ void PlantedMachine::Run()
         {L"Applications", [this] { Applications().Detect(software.functions); }},
         {L"SCSI", [] { SCSI().Detect(SetupLib::Instance()); }},
     };
-    const Lines chosen = Split(machine.First(L"detectors"), L' ');
     for (const auto& [name, detect] : detectors) {
-        if (chosen.empty() || std::ranges::count(chosen, name) != 0)
+        if (names.empty() || std::ranges::count(names, name) != 0)
             detect();
     }
     calls = graphics.fake.Calls();
@@ -246,14 +247,10 @@ void PlantedMachine::Run()
 
 Detected PlantedMachine::Detect()
 {
-    answering = &machine;
     TestSession session;
     session.wanted.Assign(machine.First(L"wanted"), L"");
     const LogCapture log(LogMaximum);
-    {
-        const FakeSound endpoints(sound);
-        Run();
-    }
+    Run(Split(machine.First(L"detectors"), L' '));
 
     Detected detected;
     detected.log = log.Lines();

@@ -40,12 +40,14 @@ public:
     /// Runs the detectors in a session of their own: all, or those that the description names.
     Detected Detect();
 
+    /// Runs the detectors of these names in the current session; all without any.
+    void Run(const Lines& names);
+
 private:
     void PlantBasics();
     void PlantGraphics();
     void PlantDisplays();
     void PlantSound();
-    void Run();
 
     const Machine machine;
     FakeWmiData& wmi;

@@ -12,6 +12,7 @@
 #include "support/Machines.h"
 #include "support/PlantedDevice.h"
 #include "values/DeviceID.h"
+#include "values/Hexadecimal.h"
 
 namespace kel::test {
 
@@ -27,7 +28,7 @@ struct PlantedNetwork {
             const std::wstring place = std::to_wstring(table.size());
             auto& row = table.emplace_back();
             row.InterfaceIndex = row.InterfaceGuid.Data1 = static_cast<DWORD>(table.size() - 1);
-            names.push_back("{" + std::string(8 - place.size(), '0') + Narrow(place) +
+            names.push_back("{" + Narrow(Hexadecimal(row.InterfaceIndex, 8)) +
                             "-0000-0000-0000-000000000000}");
             wcscpy(row.Alias, L"Anna's network");
             wcscpy(row.Description, fields[1].c_str());

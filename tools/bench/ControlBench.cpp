@@ -1,13 +1,19 @@
 // Measures the built control through COM. Prints one figure a line; the driver runs it many times. Its first
 // argument says what is measured; main() names them all.
+#include <windows.h>
+
 #include <comutil.h>
+#include <tlhelp32.h>
 
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 #include "LineClock.h"
 #include "Measure.h"
 #include "client/ControlDll.h"
+#include "client/Hosts.h"
+#include "platform/Handles.h"
 
 namespace kel::bench {
 namespace {
@@ -114,6 +120,44 @@ void Configure(int groups, const std::string& level)
     Print("again", Timed([&] { control->Configure(configuration); }));
 }
 
+/// Handles and threads of this process.
+std::pair<DWORD, int> Holdings()
+{
+    DWORD handles = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handles);
+    const OwnedHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0));
+    int threads = 0;
+    THREADENTRY32 thread = {};
+    thread.dwSize = sizeof(thread);
+    for (BOOL isThere = Thread32First(snapshot.get(), &thread); isThere;
+         isThere = Thread32Next(snapshot.get(), &thread))
+        threads += thread.th32OwnerProcessID == GetCurrentProcessId();
+    return {handles, threads};
+}
+
+/// What many controls leave in a process that has the graphics libraries, which the first report loads.
+void Life()
+{
+    const test::ControlDll dll;
+    const auto live = [&dll](int count) {
+        for (int made = 0; made < count; ++made) {
+            const Control control = dll.Create();
+            control->put_ReferrerID(_bstr_t(L"graphics"));
+            ReadReport(control);
+        }
+    };
+    live(1000);
+    const auto [handles, threads] = Holdings();
+    int libraries = 0;
+    for (const wchar_t* name : {L"dxgi", L"d3d9", L"d3d11", L"d3d12", L"dxdiagn"})
+        libraries += GetModuleHandleW(name) != nullptr;
+    Print("libraries", libraries);
+    Print("each", Timed([&] { live(10000); }) / 10000);
+    const auto [handlesAfter, threadsAfter] = Holdings();
+    Print("handles", static_cast<double>(handlesAfter) - handles);
+    Print("threads", threadsAfter - threads);
+}
+
 }  // namespace
 }  // namespace kel::bench
 
@@ -128,6 +172,8 @@ int main(int count, char** arguments)
         Quiet();
     else if (what == "again")
         Again();
+    else if (what == "life")
+        Life();
     else if (what == "output")
         PrintOutputCost("output.first", 1);
     else if (what == "configure" && count > 3)

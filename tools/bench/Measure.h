@@ -3,8 +3,10 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace kel::bench {
 
@@ -36,6 +38,16 @@ double TimedEach(int repetitions, Body body)
                    body();
            }) /
            repetitions;
+}
+
+/// How long a body takes in the median of so many times, in milliseconds.
+template <typename Body>
+double TimedMedian(int repetitions, Body body)
+{
+    std::vector<double> times(static_cast<std::size_t>(repetitions));
+    std::ranges::generate(times, [&body] { return Timed(body); });
+    std::ranges::sort(times);
+    return times[times.size() / 2];
 }
 
 /// Prints a figure as "name value"; the driver reads it.

@@ -4,6 +4,7 @@ import argparse
 import tempfile
 from pathlib import Path
 
+import devices
 from figures import CLOCK, GROUPS, first_run
 from programs import DLL, ROOT, Programs, cabinet_size, machine
 from table import Aims, Rows, save, write_page
@@ -11,6 +12,10 @@ from table import Aims, Rows, save, write_page
 REQUIREMENTS = """{"title": "Bench", "requirements": [
   {"id": 71063, "label": "Memory", "comparison": "at least", "needed": "1 MB"},
   {"id": 71060, "label": "System", "comparison": "contains", "needed": "Windows"}]}"""
+GRAPHICS = """{"title": "Graphics", "requirements": [
+  {"id": 72008, "label": "Level", "comparison": "at least", "needed": "1.0"},
+  {"id": 72204, "label": "Shaders", "comparison": "at least", "needed": "1.0"},
+  {"id": 72015, "label": "DAC", "comparison": "any", "needed": ""}]}"""
 
 
 def measure_first_run(programs, rows):
@@ -56,11 +61,13 @@ def main():
     rows.add("size.cabinet", cabinet_size(output) / 1024)
     with tempfile.TemporaryDirectory() as folder:
         (Path(folder) / "bench.json").write_text(REQUIREMENTS)
+        (Path(folder) / "graphics.json").write_text(GRAPHICS)
         with Programs(Path(folder)) as programs:
             programs.run("wmi_bench")  # what happens once per Wine server shall not fall to the first round
             for turn in range(max(arguments.runs, 7)):
                 measure(programs, rows)
                 print(f"round {turn + 1} done", flush=True)
+            devices.measure(programs, rows)
 
     aims = Aims(rows)
     print("\n".join(["", about, "", *rows.markdown(), "", *aims.markdown()]))

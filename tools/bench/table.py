@@ -4,9 +4,10 @@ import json
 import re
 from statistics import median
 
+import devices
 from figures import DETECTORS, GROUPS
 
-UNITS = {"ms": 1, "µs": 1000, "ns": 1000 * 1000, "KB": 1, "lines": 1, "times": 1}
+UNITS = {"ms": 1, "µs": 1000, "ns": 1000 * 1000, "KB": 1, "lines": 1, "times": 1, "libraries": 1, "handles": 1, "threads": 1}
 LEVELS = {1: "ERR", 2: "WARN", 3: "TRACE", 4: "MARK", 5: "DUMP"}
 
 LABELS = {
@@ -49,6 +50,7 @@ LABELS = {
         "script.facts": ("a VBScript that asks WMI for the facts", "ms"),
         "script.control": ("a VBScript that asks the control (with its second)", "ms"),
     },
+    **devices.LABELS,
     "Reads after the first": {
         "sysinfo.quiet": ("`SysInfo`, log off", "ms"),
         "sysinfo.loud": ("`SysInfo`, log at 7", "ms"),
@@ -76,7 +78,7 @@ LABELS = {
 def shown(value):
     """Three significant digits, all of those before the point, and at most three after it."""
     value = round(value, 3) + 0.0  # no negative zero
-    if abs(value) >= 100:
+    if abs(value) >= 100 or value == 0:
         return f"{value:,.0f}"
     return f"{value:.1f}" if abs(value) >= 10 else f"{value:.2f}" if abs(value) >= 0.1 else f"{value:.3f}"
 
@@ -112,12 +114,14 @@ class Rows:
                 lines.append(f"| *{heading}* | | |")
             spread = f"{shown(min(values))} to {shown(max(values))}" if len(values) > 1 else ""
             lines.append(f"| {label} | {shown(median(values))} {unit} | {spread} |")
-        return lines
+        return lines + ["", *devices.planted_markdown(self, shown)]
 
     def json(self):
         return [{"group": group, "name": name, "label": label.strip("*"), "unit": unit, "median": median(values),
                  "lowest": min(values), "highest": max(values), "runs": values}
-                for group, name, label, unit, values in self.described()]
+                for group, name, label, unit, values in self.described()] + [
+                    {"group": "Planted machines", "name": name, "unit": "ms", "median": median(values), "runs": values}
+                    for name, values in self.samples.items() if name.startswith("planted.")]
 
 
 class Aims:
@@ -137,7 +141,8 @@ class Aims:
             ("`Configure` with 10,000 groups, log off", rows.median("configure.quiet.10000.first"), "ms", 1000),
             ("a line that is off is not formatted: it costs less than one number's text",
              max(rows.median(f"line.off.{level}") for level in LEVELS), "ns", 50),
-            ("the DLL", rows.median("size.dll"), "KB", 1.25 * 1024),
+            *devices.aims(rows),
+            ("the DLL", rows.median("size.dll"), "KB", 1700),
             ("the DLL in a cabinet", rows.median("size.cabinet"), "KB", 350))]
 
     def markdown(self):

@@ -1,0 +1,199 @@
+// Measures the detectors of devices and software: on machines that the tests' support plants, with few
+// devices and with many, and on this one; and what asks for graphics adapters. Its first argument says what
+// is measured; main() names them all. The log is off.
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+
+#include "Measure.h"
+#include "client/Hosts.h"
+#include "detectors/Adapters.h"
+#include "detectors/Detectors.h"
+#include "diag/Log.h"
+#include "probes/SetupLib.h"
+#include "probes/StorageFunctions.h"
+#include "support/PlantedMachine.h"
+#include "support/TestSession.h"
+#include "values/Text.h"
+
+namespace kel::bench {
+namespace {
+
+using test::Lines;
+
+constexpr int Repetitions = 5;
+constexpr const wchar_t* NoDetector = L"-";
+
+/// Devices of one kind: the lines of one, with its number in the places of "%" and a letter in that of "@".
+struct Kind {
+    const wchar_t* detectors;
+    const wchar_t* lines;
+    unsigned countId = 0;  ///< of the fact that tells how many there are
+};
+
+constexpr Kind Kinds[] = {
+    {L"GPU DirectX",
+     L"card %|Card %|10de|10%|88ef1043|8192|8192|0|c100|c200|66|3100|0\n"
+     L"graphics Card %|PCI\\VEN_10DE&DEV_10%&SUBSYS_88EF1043&REV_A1\\4&%|32.0.15.7628|",
+     72001},
+    {L"CDRom DVD", L"optical SCSI\\CDROM&VEN_X\\5&%|SCSI\\CdRomX|DVDRAM %|%|11|DVDRAM %|43 10||", 72101},
+    {L"Graphics Monitor",
+     L"screen %|%00|0|1920|1080|60000|1001|A|Monitor %|DISPLAY#DELA0BE#5&%&UID|1\n"
+     L"edid DISPLAY\\DELA0BE\\5&%&UID|dell-p2415q-dp",
+     73101},
+    {L"HardDrive",
+     L"disk 17||Disk %|1|1000204886016|still||Disk % in full\n"
+     L"disk-device SCSI\\DISK&VEN_NVME\\5&%|SCSI\\DiskNVMe____Disk_%|Disk % in full|%",
+     72501},
+    {L"LogicalDrive", L"volume @|3|NTFS|900|300", 72601},
+    {L"NetworkDevice",
+     L"adapter PCI\\VEN_10EC&DEV_81%&SUBSYS_84321043&REV_06\\4&%|Adapter %|6|14|HC|1|1000000000", 72701},
+    {L"Sound",
+     L"sound HDAUDIO\\FUNC_01&VEN_10EC&DEV_02%\\4&%|Codec %\noutput "
+     L"{1}.HDAUDIO\\FUNC_01&VEN_10EC&DEV_02%\\4&%",
+     72801},
+    {L"SCSI", L"controller PCI\\VEN_1000&DEV_00%|Controller %|PCI\\CC_010400|10.0.1.%", 73301},
+    {L"Software Browser Applications",
+     L"64 U:Program %|DisplayName=Program %|DisplayVersion=1.%|Publisher=Maker %|"
+     L"InstallLocation=C:\\Program Files\\Program %"},
+};
+
+bool Has(const Kind& kind, const std::wstring& name)
+{
+    return std::ranges::count(test::Split(kind.detectors, L' '), name) != 0;
+}
+
+/// Adds so many devices of a kind.
+void Plant(test::Machine& machine, const Kind& kind, int count)
+{
+    std::wstring cards;
+    const std::size_t digits = std::max<std::size_t>(2, std::to_wstring(count - 1).size());
+    for (int device = 0; device < count; ++device) {
+        std::wstring number = std::to_wstring(device);
+        number.insert(0, digits - number.size(), L'0');
+        std::wstring lines = kind.lines;
+        ReplaceAll(lines, L"%", number);
+        ReplaceAll(lines, L"@", std::wstring(1, static_cast<wchar_t>(L'A' + device)));
+        machine.Add(lines);
+        cards += number + L"|";
+    }
+    if (Has(kind, L"GPU"))
+        machine.Add(L"has " + cards);
+}
+
+/// Detectors on a machine with so many devices of their kinds. The first run, which loads libraries, does not
+/// count, nor does what the fakes cost without a detector.
+/// @return whether so many devices were found, where the facts tell how many there are
+bool Planted(const Lines& names, int count)
+{
+    test::Machine machine;
+    machine.Add(L"windows 0");
+    for (const Kind& kind : Kinds) {
+        if (std::ranges::any_of(names, [&kind](const std::wstring& name) { return Has(kind, name); }))
+            Plant(machine, kind, count);
+    }
+    test::FakeWmiData wmi;
+    const test::FakeWmi fakeWmi(wmi);
+    test::PlantedMachine planted(machine, wmi);
+    const auto run = [&planted, count](const Lines& chosen) {
+        const test::TestSession session;
+        planted.Run(chosen);
+        return std::ranges::all_of(Kinds, [&](const Kind& kind) {
+            const std::wstring found = session.Text(kind.countId);
+            return found == L"(none)" || std::stoi(found) == count;
+        });
+    };
+    const bool areFound = run(names);
+    run({NoDetector});
+    const double fakes = TimedMedian(Repetitions, [&] { run({NoDetector}); });
+    Print("took", TimedMedian(Repetitions, [&] { run(names); }) - fakes);
+    return areFound;
+}
+
+/// Those of these detectors, or all, on this machine. The first run, which loads libraries, does not count;
+/// what detectors keep for later calls is made anew.
+void Here(const Lines& names, const std::wstring& wanted)
+{
+    const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
+        {L"GPU",
+         [] {
+             Adapters adapters;
+             GPU().Detect(adapters);
+         }},
+        {L"CDRom", [] { CDRom().Detect(StorageFunctions::OfSystem()); }},
+        {L"DirectX",
+         [] {
+             Adapters adapters;
+             DirectX().Detect(adapters);
+         }},
+        {L"DVD", [] { DVD().Detect(StorageFunctions::OfSystem()); }},
+        {L"Graphics", [] { Graphics().Detect(); }},
+        {L"HardDrive", [] { HardDrive().Detect(); }},
+        {L"LogicalDrive", [] { LogicalDrive().Detect(); }},
+        {L"NetworkDevice", [] { NetworkDevice().Detect(); }},
+        {L"Sound", [] { Sound().Detect(); }},
+        {L"Software", [] { Software().Detect(); }},
+        {L"Browser", [] { Browser().Detect(); }},
+        {L"Monitor", [] { Monitor().Detect(); }},
+        {L"Applications", [] { Applications().Detect(); }},
+        {L"SCSI", [] { SCSI().Detect(SetupLib::Instance()); }},
+    };
+    test::TestSession session;
+    session.wanted.Assign(wanted, L"");
+    for (const auto& [name, detect] : detectors) {
+        if (!names.empty() && std::ranges::count(names, name) == 0)
+            continue;
+        detect();
+        Print(test::Narrow(name), TimedMedian(Repetitions, detect));
+    }
+}
+
+/// What asks for the graphics adapters here: the first call, which loads its library, and later ones.
+/// @return whether there is an adapter, without which there is nothing to ask for
+bool Probes()
+{
+    const GraphicsProbes probes = GraphicsProbes::OfSystem();
+    std::vector<DXGI::Adapter> adapters;
+    std::vector<GpuInfo> listed;
+    const auto measure = [](const std::string& name, const auto& call) {
+        Print("first." + name, Timed(call));
+        Print("again." + name, TimedMedian(Repetitions, call));
+    };
+    measure("dxgi", [&] { adapters = probes.dxgi.ListAdapters(); });
+    measure("cache", [&] { probes.readCache(listed); });
+    measure("setup", [&] { probes.listDevices(listed); });
+    if (adapters.empty())
+        return false;
+    IDXGIAdapter1* const adapter = adapters.front().adapter.Get();
+    measure("d3d9", [&] { probes.directX9.GetGpuInfo(listed); });
+    measure("d3d10", [&] { probes.directX10.GetFeatureLevel(adapter, L""); });
+    measure("d3d11", [&] { probes.directX11.GetFeatureLevel(adapter, L""); });
+    measure("d3d12", [&] { probes.directX12.GetFeatureLevel(adapter, L"", 0); });
+    measure("model", [&] { probes.directX12.GetShaderModel(adapter, L""); });
+    measure("dxdiag", [&] { probes.dxDiag.GetGpuInfo(listed); });
+    return true;
+}
+
+}  // namespace
+}  // namespace kel::bench
+
+int main(int count, char** arguments)
+{
+    using namespace kel::bench;
+    const auto argument = [&](int place) {
+        const std::string text = count > place ? arguments[place] : "";
+        return std::wstring(text.begin(), text.end());
+    };
+    const std::wstring what = argument(1);
+    const kel::test::Lines names = kel::test::Split(argument(2), L',');
+    const kel::test::Apartment apartment;
+    kel::Log::Instance().SetLevel(kel::LogOff);
+    bool isDone = what == L"here";
+    if (isDone)
+        Here(names, argument(3));
+    else if (what == L"planted" && count > 3)
+        isDone = Planted(names, std::atoi(arguments[3]));
+    else if (what == L"probes")
+        isDone = Probes();
+    return isDone ? EXIT_SUCCESS : EXIT_FAILURE;
+}
