@@ -22,5 +22,15 @@ done < <(x86_64-w64-mingw32-g++-posix -E -x c++ -v - </dev/null 2>&1 >/dev/null 
   sed -n '/^#include <...>/,/^End of search/s/^ //p' | grep '/c++')
 files=("$@")
 [ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files '*.cpp' ':!tests/end_to_end/program.cpp')
-printf '%s\0' "${files[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy "${options[@]}" 2>/dev/null
+control=() server=()
+for file in "${files[@]}"; do
+  case $file in server/*) server+=("$file") ;; *) control+=("$file") ;; esac
+done
+if [ ${#server[@]} -gt 0 ]; then
+  scripts/build.sh server
+  printf '%s\0' "${server[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build/server --quiet 2>/dev/null
+fi
+if [ ${#control[@]} -gt 0 ]; then
+  printf '%s\0' "${control[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy "${options[@]}" 2>/dev/null
+fi
 echo "Lint: ${#files[@]} files are clean."

@@ -1,0 +1,39 @@
+#include "server/http/Server.h"
+
+#include <utility>
+// Boost.Asio 1.74 uses what <utility> declares without including it.
+#include <boost/asio/signal_set.hpp>
+#include <csignal>
+
+#include "server/base/Log.h"
+#include "server/http/Listener.h"
+
+namespace kel::server {
+
+namespace asio = boost::asio;
+
+void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler adminHandler,
+           const std::function<void(std::uint16_t, std::uint16_t)>& listening)
+{
+    asio::io_context context(1);
+    asio::thread_pool workers(doors.workers);
+    Listener open(context, workers, doors.address, doors.port, doors.limits, std::move(publicHandler));
+    Listener admin(context, workers, "127.0.0.1", doors.adminPort, doors.limits, std::move(adminHandler));
+
+    asio::signal_set signals(context, SIGTERM, SIGINT);
+    signals.async_wait([&](const boost::system::error_code&, int) {
+        Log(Level::Info, "stopping");
+        open.Stop();
+        admin.Stop();
+        // The context ends when the last connection does; waiting for a second signal must not keep it.
+        signals.clear();
+        std::signal(SIGTERM, SIG_DFL);
+        std::signal(SIGINT, SIG_DFL);
+    });
+
+    listening(open.Port(), admin.Port());
+    context.run();
+    workers.join();
+}
+
+}  // namespace kel::server
