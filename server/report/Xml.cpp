@@ -1,10 +1,10 @@
 #include "server/report/Xml.h"
 
-#include <algorithm>
 #include <charconv>
 #include <string>
 
 #include "server/base/Fault.h"
+#include "server/base/Text.h"
 #include "server/base/Utf8.h"
 
 namespace kel::server {
@@ -60,13 +60,19 @@ pugi::xml_document ReadXml(std::string_view text)
 {
     CheckCharacters(text);
     pugi::xml_document document;
-    const auto result = document.load_buffer(
-        text.data(), text.size(), pugi::parse_default | pugi::parse_ws_pcdata, pugi::encoding_utf8);
+    // As a fragment, so that the parser keeps what stands beside the root element, and it can be refused.
+    const unsigned options = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_fragment;
+    const auto result = document.load_buffer(text.data(), text.size(), options, pugi::encoding_utf8);
     if (!result)
         throw Fault(BadRequest, std::string("the body is no XML: ") + result.description());
-    const auto isElement = [](const pugi::xml_node& node) { return node.type() == pugi::node_element; };
-    if (std::count_if(document.begin(), document.end(), isElement) != 1)
-        throw Fault(BadRequest, "the body has several root elements");
+    int roots = 0;
+    for (const pugi::xml_node& node : document) {
+        if (node.type() == pugi::node_pcdata && !Trim(node.value()).empty())
+            throw Fault(BadRequest, "the body has text beside its root element");
+        roots += node.type() == pugi::node_element ? 1 : 0;
+    }
+    if (roots != 1)
+        throw Fault(BadRequest, "the body has no root element, or several");
     return document;
 }
 

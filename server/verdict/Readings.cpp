@@ -112,7 +112,7 @@ std::optional<Resolution> ReadResolution(std::string_view text)
     const auto height = TakeNumber(text, LongestEdge);
     if (!height || *width == 0 || *height == 0)
         return std::nullopt;
-    const auto [shorter, longer] = std::minmax(static_cast<int>(*width), static_cast<int>(*height));
+    const auto [shorter, longer] = std::minmax({static_cast<int>(*width), static_cast<int>(*height)});
     return Resolution{longer, shorter};
 }
 
