@@ -25,10 +25,8 @@ void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler admi
         Log(Level::Info, "stopping");
         open.Stop();
         admin.Stop();
-        // The context ends when the last connection does; waiting for a second signal must not keep it.
+        // The context ends when the last connection does. The next signal has its usual effect.
         signals.clear();
-        std::signal(SIGTERM, SIG_DFL);
-        std::signal(SIGINT, SIG_DFL);
     });
 
     listening(open.Port(), admin.Port());

@@ -163,6 +163,15 @@ class Ends(DeployedTest):
             self.assertEqual(self.process.wait(10), 0)
             self.start()
 
+    def test_a_second_signal_waits_for_nobody(self):
+        self.connect(HEAD + b"Content-Length: 10\r\n\r\n")
+        self.ask("GET", "/")
+        start = time.monotonic()
+        while self.process.poll() is None and time.monotonic() < start + 5:
+            self.process.terminate()
+            time.sleep(0.1)
+        self.assertEqual(self.process.poll(), -signal.SIGTERM)
+
     def test_a_kill_loses_no_report_that_was_acknowledged(self):
         self.require("r", (1, "M", "any"))
         for run in range(3):
