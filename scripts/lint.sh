@@ -24,13 +24,16 @@ files=("$@")
 [ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files '*.cpp' ':!tests/end_to_end/program.cpp')
 control=() server=()
 for file in "${files[@]}"; do
+  # Clang 14 finds no coroutines in GCC's library, and so none of Asio's.
+  case $file in server/http/Connection.cpp | server/http/Listener.cpp | server/http/Server.cpp) continue ;; esac
   case $file in server/*) server+=("$file") ;; *) control+=("$file") ;; esac
 done
 if [ ${#server[@]} -gt 0 ]; then
   scripts/build.sh server
-  printf '%s\0' "${server[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build/server --quiet 2>/dev/null
+  printf '%s\0' "${server[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy -p build/server --quiet \
+    --extra-arg=-Wno-unknown-warning-option 2>/dev/null
 fi
 if [ ${#control[@]} -gt 0 ]; then
   printf '%s\0' "${control[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy "${options[@]}" 2>/dev/null
 fi
-echo "Lint: ${#files[@]} files are clean."
+echo "Lint: $((${#control[@]} + ${#server[@]})) files are clean."

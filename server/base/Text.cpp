@@ -20,10 +20,10 @@ using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelo
 /// The system's own tables of letters, whatever the environment's language.
 locale_t Letters()
 {
-    static const Locale Utf8(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr), freelocale);
-    if (!Utf8)
+    static const Locale utf8(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr), freelocale);
+    if (!utf8)
         throw std::runtime_error("the system has no locale C.UTF-8");
-    return Utf8.get();
+    return utf8.get();
 }
 
 }  // namespace

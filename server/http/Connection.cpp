@@ -25,7 +25,7 @@ namespace http = beast::http;
 using boost::system::error_code;
 using Parser = http::request_parser<http::buffer_body>;
 
-constexpr std::size_t PieceBytes = 8 * 1024;
+constexpr std::size_t PieceBytes = 8 * Limits::Kilobyte;
 
 /// A share of what a door allows of something, given back at the end.
 class Share {

@@ -55,7 +55,9 @@ const Setting Settings[] = {
     {"connections",
      [](Config& c, const std::string& text) { c.doors.limits.connections = NumberOf(text, 1, 1'000'000); }},
     {"bodies_mb",
-     [](Config& c, const std::string& text) { c.doors.limits.bodiesBytes = NumberOf(text, 4, 65536) << 20; }},
+     [](Config& c, const std::string& text) {
+         c.doors.limits.bodiesBytes = NumberOf(text, 4, 65536) * Limits::Megabyte;
+     }},
     {"request_seconds", [](Config& c, const std::string& text) { c.doors.limits.request = SecondsOf(text); }},
     {"idle_seconds", [](Config& c, const std::string& text) { c.doors.limits.idle = SecondsOf(text); }},
     {"answer_seconds", [](Config& c, const std::string& text) { c.doors.limits.answer = SecondsOf(text); }},
@@ -77,7 +79,7 @@ void Config::Set(std::string name, const std::string& value)
     }
 }
 
-void Config::ReadFile(const std::string& path)
+void Config::ReadFile(std::string path)
 {
     std::ifstream file(path);
     if (!file)
@@ -88,7 +90,7 @@ void Config::ReadFile(const std::string& path)
             continue;
         const std::size_t equals = text.find('=');
         if (equals == std::string_view::npos)
-            throw std::runtime_error(path + ": '" + line + "' is no setting");
+            throw std::runtime_error(path.append(": '").append(line).append("' is no setting"));
         Set(std::string(Trim(text.substr(0, equals))), std::string(Trim(text.substr(equals + 1))));
     }
 }

@@ -47,9 +47,9 @@ const std::string* Report::Value(int group) const
 
 const std::string& Report::Text(int group) const
 {
-    static const std::string Nothing;
+    static const std::string nothing;
     const std::string* value = Value(group);
-    return value ? *value : Nothing;
+    return value ? *value : nothing;
 }
 
 }  // namespace kel::server

@@ -29,8 +29,11 @@ WRONG = (
     ("POST", UPLOAD, REPORT.format("&#0;"), 400), ("POST", UPLOAD, REPORT.format("&"), 400),
     ("POST", UPLOAD, REPORT.format("&#xD800;"), 400), ("POST", UPLOAD, REPORT.format("\1"), 400),
     ("POST", UPLOAD, REPORT.format("s").replace('"0"', '"x"'), 400), ("POST", UPLOAD, REPORT.format("s") * 2, 400),
-    *(("POST", UPLOAD, REPORT.format("s").encode() + tail, 400) for tail in (
-        b"\xff", b"\xc0\xbc", b"\xc3", b"\xed\xa0\x80", b"\xf4\x90\x80\x80", b"x")))
+    ("POST", UPLOAD, REPORT.format("s") + "x", 400), ("POST", UPLOAD, "x" + REPORT.format("s"), 400),
+    ("POST", UPLOAD, "<!DOCTYPE groups>" + REPORT.format("s"), 400),
+    ("POST", UPLOAD, REPORT.format("s").replace("8.0 GB", "<!-- 8 -->"), 400),
+    *(("POST", UPLOAD, REPORT.format("s").encode().replace(b"8.0 GB", text), 400) for text in (
+        b"\xff", b"\xc0\xa0", b"\xc3", b"\xe0\x80\xa0", b"\xed\xa0\x80", b"\xf4\x90\x80\x80", b"\xf0\x80\x80\xa0")))
 
 
 class Contract(Client):
