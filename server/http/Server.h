@@ -22,7 +22,8 @@ using RequestHandler = std::function<Answer(const Request&)>;
 
 /// Listens at the public door and at the operator's, calls `listening` with both ports, and serves until
 /// SIGTERM or SIGINT: what is under way then is answered first. A second signal ends at once. Handlers are
-/// called by several threads and do not throw. Throws std::runtime_error when it cannot listen.
+/// called by several threads and do not throw. Throws std::runtime_error when it cannot listen. Raises the
+/// process's limit of open files as far as it goes.
 void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler adminHandler,
            const std::function<void(std::uint16_t port, std::uint16_t adminPort)>& listening);
 
