@@ -1,10 +1,16 @@
 #!/usr/bin/env bash
-# Builds one preset (release, debug or checked; release by default), or targets of it. Output in build/<preset>/.
+# Builds one preset (release, debug or checked; release by default), or targets of it. Output in build/<preset>/. With
+# "server", the analysis service instead, natively, into build/server/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 preset=${1:-release}
 targets=("${@:2}")
+if [ "$preset" = server ]; then
+  scripts/setup.sh --server
+  cmake -S server -B build/server -G Ninja >/dev/null
+  exec cmake --build build/server
+fi
 scripts/setup.sh
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset" ${targets[0]:+--target "${targets[@]}"}

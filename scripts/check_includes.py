@@ -21,6 +21,11 @@ def sources():
     return [name for name in names if (ROOT / name).is_file()]
 
 
+def house(name):
+    """The control and the service share nothing."""
+    return "service" if name.startswith("server/") else "control"
+
+
 def check(files, order):
     """The faults of a set of files, each a name and the project's files that it includes."""
     faults = []
@@ -32,7 +37,9 @@ def check(files, order):
             continue
         for target in included:
             other = str(Path(target).parent)
-            if other not in order or order.index(other) > order.index(folder):
+            if house(name) != house(target):
+                faults.append(f"{name}: includes {target}, which is another house's")
+            elif other not in order or order.index(other) > order.index(folder):
                 faults.append(f"{name}: includes {target}, which is not below it")
     for start in files:
         seen, waiting = set(), list(files[start])
@@ -55,6 +62,7 @@ def main():
         files[name] = [target for target in included if target not in GENERATED and (ROOT / target).is_file()]
     assert check({"diag/a.h": ["values/b.h"], "values/b.h": []}, floors()), "a check that finds nothing"
     assert check({"diag/a.h": ["diag/b.h"], "diag/b.h": ["diag/a.h"]}, floors()), "a check that finds no circle"
+    assert check({"server/base/a.h": ["diag/b.h"], "diag/b.h": []}, floors()), "a check that finds no other house"
     faults = check(files, floors())
     print("\n".join(faults) or f"Includes: {len(files)} files point down.")
     return 1 if faults else 0

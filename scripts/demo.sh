@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the control, registers it in a Wine prefix, and checks this machine against the demo's requirements; with
-# --display under a virtual display, so that there is a graphics adapter to be told.
+# Builds the control and the analysis service, registers the control in a Wine prefix, and checks this machine against
+# the demo's requirements; with --display under a virtual display, so that there is a graphics adapter to be told.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,6 +10,7 @@ if [ "${1:-}" = --display ]; then
 fi
 
 scripts/build.sh release Detection
+scripts/build.sh server
 source scripts/wine_env.sh
 start_wine
 if ! wine regsvr32 /s build/release/Detection.dll 2>/dev/null; then
@@ -20,8 +21,8 @@ fi
 output=$PWD/build/demo
 mkdir -p "$output"
 rm -f "$output/port" "$output/report.xml" "$output/analysis.html"
-python3 tools/analysis_service --port-file "$output/port" --data "$output/sessions" \
-  --requirements examples/requirements >"$output/service.log" 2>&1 &
+KEL_DATABASE=$output/kel.db scripts/serve.sh --port 0 --admin-port 0 --port-file "$output/port" \
+  >"$output/service.log" 2>&1 &
 service=$!
 trap 'kill $service 2>/dev/null || true; wineserver -k || true' EXIT
 for _ in $(seq 100); do

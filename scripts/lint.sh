@@ -18,7 +18,7 @@ fi
 scripts/build.sh release kel_control  # the headers that the build writes
 
 # The system folders of the cross-compiler, as it tells them; clang brings its own builtin ones.
-options=(-p build/release --quiet --extra-arg=--target=x86_64-w64-mingw32
+options=(-p build/release --extra-arg=--target=x86_64-w64-mingw32
   --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-ignored-optimization-argument)
 while read -r folder; do
   options+=(--extra-arg=-isystem --extra-arg="$folder")
@@ -26,5 +26,20 @@ done < <(x86_64-w64-mingw32-g++-posix -E -x c++ -v - </dev/null 2>&1 >/dev/null 
   sed -n '/^#include <...>/,/^End of search/s/^ //p' | grep '/c++')
 files=("$@")
 [ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files '*.cpp' ':!tests/end_to_end/program.cpp')
-printf '%s\0' "${files[@]}" | xargs -0 -n 4 -P "$(nproc)" clang-tidy "${options[@]}" ${checks[0]:+"${checks[@]}"} 2>/dev/null
-echo "Lint: ${#files[@]} files are clean."
+control=() server=()
+for file in "${files[@]}"; do
+  # Clang 14 finds no coroutines in GCC's library, and so none of Asio's.
+  case $file in server/http/Connection.cpp | server/http/Listener.cpp | server/http/Server.cpp) continue ;; esac
+  case $file in server/*) server+=("$file") ;; *) control+=("$file") ;; esac
+done
+tidy() {
+  xargs -0 -n 4 -P "$(nproc)" clang-tidy --quiet ${checks[0]:+"${checks[@]}"} "$@" 2>/dev/null
+}
+if [ ${#server[@]} -gt 0 ]; then
+  scripts/build.sh server
+  printf '%s\0' "${server[@]}" | tidy -p build/server --extra-arg=-Wno-unknown-warning-option
+fi
+if [ ${#control[@]} -gt 0 ]; then
+  printf '%s\0' "${control[@]}" | tidy "${options[@]}"
+fi
+echo "Lint: $((${#control[@]} + ${#server[@]})) files are clean."

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --package or
-# --test, also those of that script, and with --display those of a virtual display. Does nothing when all are there.
+# --test, also those of that script, and with --display those of a virtual display. With --server, those of the analysis
+# service alone. Does nothing when all are there.
 set -euo pipefail
 
 packages=(
@@ -8,9 +9,11 @@ packages=(
   cmake ninja-build python3
 )
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
+server=(g++ libboost-dev libsqlite3-dev libpugixml-dev nlohmann-json3-dev cmake ninja-build)
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
 [ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium mono-mcs)
+[ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --display ] && packages+=("${display[@]}")
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
 [ "${1:-}" = --bench ] && packages+=(gcab "${display[@]}")

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the release preset and runs all its tests; with --checked first, the checked preset as well. Extra arguments go
+# Builds the release preset and the analysis service, and runs all tests; with --checked first, the checked preset as well. Extra arguments go
 # to ctest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -10,6 +10,7 @@ if [ "${1:-}" = --checked ]; then
   shift
 fi
 scripts/setup.sh --test
+scripts/build.sh server
 for preset in "${presets[@]}"; do
   scripts/build.sh "$preset"
 done

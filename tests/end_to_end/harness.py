@@ -76,6 +76,13 @@ def make_prefix(case):
     wine("wineboot", "-i")
 
 
+def write_requirements(folder, referrer, requirements):
+    """Writes a referrer's requirements, each an id, a label, a comparison, what it needs, and an advice."""
+    names = ("id", "label", "comparison", "needed", "advice")
+    lines = [dict(zip(names, requirement)) for requirement in requirements]
+    (folder / f"{referrer}.json").write_text(json.dumps({"title": "T<", "requirements": lines}))
+
+
 class ServiceTest(unittest.TestCase):
     """Has a folder of its own, and a service on loopback that takes its requirements from there."""
 
@@ -89,10 +96,7 @@ class ServiceTest(unittest.TestCase):
         self.addCleanup(self.service.shutdown)
 
     def require(self, referrer, *requirements):
-        """Writes a referrer's requirements, each an id, a label, a comparison, and what it needs."""
-        names = ("id", "label", "comparison", "needed")
-        lines = [dict(zip(names, requirement)) for requirement in requirements]
-        (self.folder / f"{referrer}.json").write_text(json.dumps({"title": "T<", "requirements": lines}))
+        write_requirements(self.folder, referrer, requirements)
 
     def lines(self):
         """The request lines that the service saw, without the host."""

@@ -1,24 +1,32 @@
 """Compares a report with requirements and renders the verdict."""
 
+import json
 import re
 from dataclasses import dataclass
 from html import escape
 from pathlib import Path
 
-UNITS = {"": 1, "B": 1, "KB": 2**10, "MB": 2**20, "GB": 2**30, "TB": 2**40,
-         "HZ": 1, "KHZ": 10**3, "MHZ": 10**6, "GHZ": 10**9,
-         "BPS": 1, "KBPS": 2**10, "MBPS": 2**20, "GBPS": 2**30}
+KINDS = (("B", 2**10, "KMGT"), ("HZ", 10**3, "KMG"), ("BPS", 2**10, "KMG"))
+UNITS = {"": (1, "")} | {prefix + kind: (base ** power, kind) for kind, base, prefixes in KINDS
+                         for power, prefix in enumerate(["", *prefixes])}  # a unit's factor, and what it counts
 PASS, FAIL, UNKNOWN = "pass", "fail", "unknown"
 MARKS = {PASS: "✓ Meets", FAIL: "✗ Does not meet", UNKNOWN: "? Not known"}
 STYLE = Path(__file__).resolve().parents[2] / "examples" / "check.css"
 
 
-def quantity(text):
-    """The amount in base units; None when the text is none."""
+def measure(text):
+    """The amount in base units and what it counts ("" for a number without a unit); None when the text is none."""
     match = re.fullmatch(r"\s*(\d+(?:\.\d+)?)\s*([A-Za-z]*)\s*", text)
     if not match or match[2].upper() not in UNITS:
         return None
-    return float(match[1]) * UNITS[match[2].upper()]
+    factor, kind = UNITS[match[2].upper()]
+    return float(match[1]) * factor, kind
+
+
+def quantity(text):
+    """The amount in base units; None when the text is none."""
+    measured = measure(text)
+    return measured and measured[0]
 
 
 def version(text):
@@ -45,10 +53,24 @@ def _ordered(read, holds):
     return compare
 
 
+def _amounts(holds):
+    """An amount is comparable with one of its own kind, and with a needed number that has no unit."""
+    def compare(found, needed):
+        left, right = measure(found), measure(needed)
+        if left is None or right is None or right[1] not in ("", left[1]):
+            return UNKNOWN
+        return PASS if holds(left[0], right[0]) else FAIL
+    return compare
+
+
+def _answer(**results):
+    return lambda found, _: results.get(found.strip().lower(), UNKNOWN)
+
+
 def _at_least(found, needed):
     """By amount, or, where a resolution is needed, by whether the one covers the other, upright or lying."""
     if resolution(needed) is None:
-        return _ordered(quantity, lambda left, right: left >= right)(found, needed)
+        return _amounts(lambda left, right: left >= right)(found, needed)
     return _ordered(resolution, lambda left, right: left[0] >= right[0] and left[1] >= right[1])(found, needed)
 
 
@@ -59,13 +81,13 @@ def _plain(holds):
 COMPARE = {
     "at least version": _ordered(version, lambda found, needed: found >= needed),
     "at least": _at_least,
-    "at most": _ordered(quantity, lambda found, needed: found <= needed),
+    "at most": _amounts(lambda found, needed: found <= needed),
     "equals": _plain(lambda found, needed: found == needed),
     "one of": _plain(lambda found, needed: found in [choice.strip() for choice in needed.split(",")]),
     "contains": _plain(lambda found, needed: needed in found),
     "any": _plain(lambda found, _: True),  # a value without a text is unknown before it comes here
-    "yes": _plain(lambda found, _: found == "yes"),
-    "no": _plain(lambda found, _: found == "no"),
+    "yes": _answer(yes=PASS, no=FAIL),
+    "no": _answer(yes=FAIL, no=PASS),
 }
 
 
@@ -123,10 +145,19 @@ def _page(verdict):
         f"<tbody>\n{rows}</tbody></table></main></body></html>\n")
 
 
+def _json(verdict):
+    lines = [{"result": line.result, "label": line.label, "needed": line.needed, "found": line.found}
+             | ({"advice": line.advice} if line.advice else {}) for line in verdict.lines]
+    return json.dumps({"result": verdict.total, "item": verdict.item, "schema": verdict.schema, "title": verdict.title,
+                       "requirements": lines}, ensure_ascii=False, separators=(",", ":"))
+
+
 def render(verdict, message_format):
-    """The content type and the text, in the format asked for: html, or xml for anything else."""
+    """The content type and the text, in the format asked for: html, json, or xml for anything else."""
     if message_format.lower() == "html":
         return "text/html; charset=utf-8", _page(verdict)
+    if message_format.lower() == "json":
+        return "application/json", _json(verdict)
     lines = "".join(f"<requirement result=\"{line.result}\"><label>{escape(line.label)}</label>"
                     f"<needed>{escape(line.needed)}</needed><found>{escape(line.found)}</found>"
                     + (f"<advice>{escape(line.advice)}</advice>" if line.advice else "") + "</requirement>"

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kel::server {
+
+/// The text without the blanks (of ASCII) at its ends.
+std::string_view Trim(std::string_view text);
+
+/// The text in lower case, letter by letter, of every script. Bytes that are no UTF-8 stay.
+std::string Lower(std::string_view text);
+
+/// The text with &, <, > and both quotes escaped: for XML and HTML, elements and attributes.
+std::string Escape(std::string_view text);
+
+/// Whether the text is a referrer's name: 1 to 64 ASCII letters, digits, hyphens and underscores.
+bool IsReferrer(std::string_view text);
+
+}  // namespace kel::server

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kel::server {
+
+/// Takes the first code point off the text. Nothing, and the text as it was, when it does not begin with one:
+/// empty, cut, overlong, a surrogate, or past U+10FFFF.
+std::optional<char32_t> TakeCodePoint(std::string_view& text);
+
+/// Appends the code point's bytes.
+void AppendCodePoint(std::string& text, char32_t codePoint);
+
+}  // namespace kel::server

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <utility>
+// Boost.Asio 1.74 uses what <utility> declares without including it.
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/ip/tcp.hpp>
+
+#include "server/http/Door.h"
+
+namespace kel::server {
+
+/// Serves a client's requests one after the other until it leaves, breaks a limit, or the door closes: then
+/// the request that is under way is answered first. Throws boost::system::system_error when the client is
+/// gone.
+boost::asio::awaitable<void> ServeConnection(boost::asio::ip::tcp::socket socket, Door& door);
+
+}  // namespace kel::server

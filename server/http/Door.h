@@ -1,0 +1,29 @@
+#pragma once
+
+#include <utility>
+// Boost.Asio 1.74 uses what <utility> declares without including it.
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/thread_pool.hpp>
+#include <functional>
+#include <unordered_set>
+
+#include "server/base/Exchange.h"
+#include "server/http/Limits.h"
+
+namespace kel::server {
+
+/// What the connections of one listener share. The network's thread alone touches what changes; the handler
+/// runs on the workers.
+struct Door {
+    using Handler = std::function<Answer(const Request&)>;
+
+    Handler handler;
+    Limits limits;
+    boost::asio::thread_pool& workers;
+    std::size_t connections = 0;
+    std::size_t bodiesBytes = 0;
+    std::unordered_set<boost::asio::ip::tcp::socket*> idle = {};  // those that wait for a request
+    bool isClosing = false;
+};
+
+}  // namespace kel::server

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <utility>
+// Boost.Asio 1.74 uses what <utility> declares without including it.
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/thread_pool.hpp>
+#include <string>
+
+#include "server/http/Door.h"
+
+namespace kel::server {
+
+/// Accepts connections at one address until it is stopped.
+class Listener {
+public:
+    /// Listens at once. Port 0 picks a free one. Throws std::runtime_error when that fails.
+    Listener(boost::asio::io_context& context, boost::asio::thread_pool& workers, const std::string& address,
+             std::uint16_t port, const Limits& limits, Door::Handler handler);
+
+    std::uint16_t Port() const { return acceptor.local_endpoint().port(); }
+    /// Accepts no more, and lets those go that wait for a request.
+    void Stop();
+
+private:
+    boost::asio::awaitable<void> Accept();
+
+    boost::asio::io_context& context;
+    boost::asio::ip::tcp::acceptor acceptor;
+    Door door;
+};
+
+}  // namespace kel::server

@@ -1,0 +1,43 @@
+#include "server/http/Router.h"
+
+#include "server/base/Fault.h"
+#include "server/base/Log.h"
+
+namespace kel::server {
+
+void Router::Add(std::string method, std::string path, Handler handler)
+{
+    const bool isPrefix = path.ends_with('*');
+    if (isPrefix)
+        path.pop_back();
+    routes.push_back({std::move(method), std::move(path), isPrefix, std::move(handler)});
+}
+
+Answer Router::Handle(const Request& request) const noexcept
+{
+    try {
+        return Find(request);
+    } catch (const Fault& fault) {
+        Log(Level::Warning, "refused",
+            {{"status", std::to_string(fault.Status())},
+             {"target", request.target},
+             {"reason", fault.what()}});
+        return Answer::Empty(fault.Status());
+    } catch (const std::exception& error) {
+        Log(Level::Error, "failed", {{"target", request.target}, {"reason", error.what()}});
+        return Answer::Empty(500);
+    }
+}
+
+Answer Router::Find(const Request& request) const
+{
+    const auto target = Target::Read(request.target);
+    for (const Route& route : routes) {
+        if (target && route.method == request.method &&
+            (route.isPrefix ? target->path.starts_with(route.path) : target->path == route.path))
+            return route.handler(*target, target->path.substr(route.path.size()), request.body);
+    }
+    throw Fault(404, "there is no such request");
+}
+
+}  // namespace kel::server

@@ -1,0 +1,56 @@
+#include "server/http/Server.h"
+
+#include <utility>
+// Boost.Asio 1.74 uses what <utility> declares without including it.
+#include <sys/resource.h>
+#include <boost/asio/signal_set.hpp>
+
+#include <csignal>
+
+#include "server/base/Log.h"
+#include "server/http/Listener.h"
+
+namespace kel::server {
+
+namespace asio = boost::asio;
+
+namespace {
+
+/// A connection takes a descriptor; the usual limit for programs that never asked is 1,024.
+void RaiseDescriptorLimit(std::size_t connections)
+{
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+    if (limit.rlim_max < connections)
+        Log(Level::Warning, "few-descriptors",
+            {{"limit", std::to_string(limit.rlim_max)}, {"connections", std::to_string(connections)}});
+}
+
+}  // namespace
+
+void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler adminHandler,
+           const std::function<void(std::uint16_t, std::uint16_t)>& listening)
+{
+    RaiseDescriptorLimit(doors.limits.connections);
+    asio::io_context context(1);
+    asio::thread_pool workers(doors.workers);
+    Listener open(context, workers, doors.address, doors.port, doors.limits, std::move(publicHandler));
+    Listener admin(context, workers, "127.0.0.1", doors.adminPort, doors.limits, std::move(adminHandler));
+
+    asio::signal_set signals(context, SIGTERM, SIGINT);
+    signals.async_wait([&](const boost::system::error_code&, int) {
+        Log(Level::Info, "stopping");
+        open.Stop();
+        admin.Stop();
+        // The context ends when the last connection does. The next signal has its usual effect.
+        signals.clear();
+    });
+
+    listening(open.Port(), admin.Port());
+    context.run();
+    workers.join();
+}
+
+}  // namespace kel::server

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "server/base/Exchange.h"
+#include "server/http/Limits.h"
+
+namespace kel::server {
+
+/// Where the service listens, and how many threads answer.
+struct Doors {
+    std::string address;  // of the public door
+    std::uint16_t port = 0;
+    std::uint16_t adminPort = 0;  // on loopback
+    unsigned workers = 2;
+    Limits limits;
+};
+
+using RequestHandler = std::function<Answer(const Request&)>;
+
+/// Listens at the public door and at the operator's, calls `listening` with both ports, and serves until
+/// SIGTERM or SIGINT: what is under way then is answered first. A second signal ends at once. Handlers are
+/// called by several threads and do not throw. Throws std::runtime_error when it cannot listen. Raises the
+/// process's limit of open files as far as it goes.
+void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler adminHandler,
+           const std::function<void(std::uint16_t port, std::uint16_t adminPort)>& listening);
+
+}  // namespace kel::server

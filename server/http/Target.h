@@ -1,0 +1,27 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kel::server {
+
+/// The target of a request line, read as bytes: clients put texts of any code page in it, and whole addresses
+/// when they think of the service as a proxy.
+struct Target {
+    struct Parameter {
+        std::string name, value;
+    };
+
+    std::string path;              // percent-decoded, without host
+    std::vector<Parameter> query;  // percent-decoded, in their order
+
+    /// Nothing when the target has no path.
+    static std::optional<Target> Read(std::string_view text);
+
+    /// The value of a parameter that stands in the query once; nothing otherwise.
+    std::optional<std::string> Only(std::string_view name) const;
+};
+
+}  // namespace kel::server

@@ -1,0 +1,135 @@
+#include "server/ops/Config.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <stdexcept>
+
+#include "server/base/Text.h"
+
+namespace kel::server {
+
+namespace {
+
+std::uint64_t NumberOf(const std::string& text, std::uint64_t least, std::uint64_t most)
+{
+    std::uint64_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    if (read.ec != std::errc() || read.ptr != end || number < least || number > most)
+        throw std::runtime_error("needs a number from " + std::to_string(least) + " to " +
+                                 std::to_string(most));
+    return number;
+}
+
+std::uint16_t PortOf(const std::string& text)
+{
+    return static_cast<std::uint16_t>(NumberOf(text, 0, 65535));
+}
+
+std::chrono::seconds SecondsOf(const std::string& text)
+{
+    return std::chrono::seconds(NumberOf(text, 1, 3600));
+}
+
+struct Setting {
+    std::string_view name;
+    std::function<void(Config&, const std::string&)> set;
+};
+
+// docs/service.md tells them all.
+const Setting Settings[] = {
+    {"address", [](Config& c, const std::string& text) { c.doors.address = text; }},
+    {"port", [](Config& c, const std::string& text) { c.doors.port = PortOf(text); }},
+    {"admin_port", [](Config& c, const std::string& text) { c.doors.adminPort = PortOf(text); }},
+    {"port_file", [](Config& c, const std::string& text) { c.portFile = text; }},
+    {"admin_port_file", [](Config& c, const std::string& text) { c.adminPortFile = text; }},
+    {"database", [](Config& c, const std::string& text) { c.database = text; }},
+    {"workers",
+     [](Config& c, const std::string& text) {
+         c.doors.workers = static_cast<unsigned>(NumberOf(text, 1, 64));
+     }},
+    {"log_level", [](Config& c, const std::string& text) { c.logLevel = text; }},
+    {"connections",
+     [](Config& c, const std::string& text) { c.doors.limits.connections = NumberOf(text, 1, 1'000'000); }},
+    {"bodies_mb",
+     [](Config& c, const std::string& text) {
+         c.doors.limits.bodiesBytes = NumberOf(text, 4, 65536) * Limits::Megabyte;
+     }},
+    {"request_seconds", [](Config& c, const std::string& text) { c.doors.limits.request = SecondsOf(text); }},
+    {"idle_seconds", [](Config& c, const std::string& text) { c.doors.limits.idle = SecondsOf(text); }},
+    {"answer_seconds", [](Config& c, const std::string& text) { c.doors.limits.answer = SecondsOf(text); }},
+};
+
+}  // namespace
+
+void Config::Set(std::string name, const std::string& value)
+{
+    std::replace(name.begin(), name.end(), '-', '_');
+    const auto* setting = std::find_if(std::begin(Settings), std::end(Settings),
+                                       [&](const Setting& row) { return row.name == name; });
+    if (setting == std::end(Settings))
+        throw std::runtime_error("there is no setting '" + name + "'");
+    try {
+        setting->set(*this, value);
+    } catch (const std::exception& error) {
+        throw std::runtime_error("setting '" + name + "' " + error.what() + ", not '" + value + "'");
+    }
+}
+
+void Config::ReadFile(std::string path)
+{
+    std::ifstream file(path);
+    if (!file)
+        throw std::runtime_error("the configuration file " + path + " cannot be read");
+    for (std::string line; std::getline(file, line);) {
+        const std::string_view text = Trim(line);
+        if (text.empty() || text.starts_with('#'))
+            continue;
+        const std::size_t equals = text.find('=');
+        if (equals == std::string_view::npos)
+            throw std::runtime_error(path.append(": '").append(line).append("' is no setting"));
+        Set(std::string(Trim(text.substr(0, equals))), std::string(Trim(text.substr(equals + 1))));
+    }
+}
+
+void Config::ReadEnvironment()
+{
+    for (const Setting& setting : Settings) {
+        std::string name = "KEL_";
+        for (const char c : setting.name)
+            name += c == '_' ? c : static_cast<char>(c - 'a' + 'A');
+        if (const char* value = std::getenv(name.c_str()))
+            Set(std::string(setting.name), value);
+    }
+}
+
+Config Config::Read(std::vector<std::string>& arguments)
+{
+    Config config;
+    std::vector<std::pair<std::string, std::string>> options;
+    for (auto argument = arguments.begin(); argument != arguments.end();) {
+        if (!argument->starts_with("--")) {
+            ++argument;
+            continue;
+        }
+        if (argument + 1 == arguments.end())
+            throw std::runtime_error(*argument + " needs a value");
+        options.emplace_back(argument->substr(2), *(argument + 1));
+        argument = arguments.erase(argument, argument + 2);
+    }
+    for (const auto& [name, value] : options) {
+        if (name == "config")
+            config.ReadFile(value);
+    }
+    config.ReadEnvironment();
+    for (const auto& [name, value] : options) {
+        if (name != "config")
+            config.Set(name, value);
+    }
+    return config;
+}
+
+}  // namespace kel::server

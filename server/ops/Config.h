@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "server/http/Server.h"
+
+namespace kel::server {
+
+/// The service's settings. A later source wins: the configuration file, the environment, the command line.
+struct Config {
+    Doors doors{"127.0.0.1", 8080, 8081, 2, {}};
+    std::string database = "kel.db";
+    std::string portFile;  // receives the public port once the service listens
+    std::string adminPortFile;
+    std::string logLevel = "info";
+
+    /// Takes `--config FILE` and `--name value` for any setting off the arguments; what remains are the
+    /// command and its operands. In the file a line is `name = value`, empty, or a comment that begins with
+    /// #; in the environment a setting is KEL_NAME. Throws std::runtime_error for a name or value that is
+    /// none.
+    static Config Read(std::vector<std::string>& arguments);
+
+private:
+    void Set(std::string name, const std::string& value);
+    void ReadFile(std::string path);
+    void ReadEnvironment();
+};
+
+}  // namespace kel::server

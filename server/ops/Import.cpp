@@ -1,0 +1,39 @@
+#include "server/ops/Import.h"
+
+#include <fstream>
+#include <iterator>
+#include <map>
+#include <stdexcept>
+
+#include "server/base/Log.h"
+#include "server/base/Text.h"
+#include "server/verdict/Requirements.h"
+
+namespace kel::server {
+
+void Import(const std::filesystem::path& folder, Store& store)
+{
+    std::map<std::string, std::string> sets;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() != ".json")
+            continue;
+        const std::string referrer = entry.path().stem().string();
+        try {
+            if (!IsReferrer(referrer))
+                throw std::runtime_error("its name is no referrer");
+            std::ifstream file(entry.path(), std::ios::binary);
+            std::string text{std::istreambuf_iterator<char>(file), {}};
+            Requirements::Read(text);
+            sets[referrer] = std::move(text);
+        } catch (const std::exception& error) {
+            throw std::runtime_error(entry.path().string() + ": " + error.what());
+        }
+    }
+    if (sets.empty())
+        throw std::runtime_error(folder.string() + " has no requirement files");
+    for (const auto& [referrer, text] : sets)
+        Log(Level::Info, "published",
+            {{"referrer", referrer}, {"version", std::to_string(store.Publish(referrer, text))}});
+}
+
+}  // namespace kel::server

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <filesystem>
+
+#include "server/store/Store.h"
+
+namespace kel::server {
+
+/// Publishes the requirements of a folder's <referrer>.json files, each as its referrer's newest version
+/// unless it is that already. When one of them is wrong, std::runtime_error names it, and none is published.
+void Import(const std::filesystem::path& folder, Store& store);
+
+}  // namespace kel::server

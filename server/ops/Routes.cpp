@@ -1,0 +1,63 @@
+#include "server/ops/Routes.h"
+
+#include "server/base/Fault.h"
+
+namespace kel::server {
+
+namespace {
+
+// Stands in every control, and so authenticates nobody: it keeps strays out.
+constexpr std::string_view ApiKey = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
+
+void CheckKey(const Target& target)
+{
+    if (target.Only("apikey") != ApiKey)
+        throw Fault(403, "the key is not known");
+}
+
+/// The referrer of a group list. The control puts it into the query as it is, so that one with an ampersand
+/// looks like two parameters: whatever is neither referrer nor key belongs to a referrer that cannot exist.
+std::string ReferrerOf(const Target& target)
+{
+    for (const Target::Parameter& parameter : target.query) {
+        if (parameter.name != "refid" && parameter.name != "apikey")
+            throw Fault(404, "the referrer is not known");
+    }
+    return target.Only("refid").value_or("");
+}
+
+}  // namespace
+
+Router PublicRoutes(Service& service)
+{
+    Router router;
+    router.Add("GET", "/Data/Service.svc/Group/list", [&](const Target& target, auto&, auto&) {
+        CheckKey(target);
+        return service.GroupList(ReferrerOf(target));
+    });
+    router.Add("POST", "/Data/Service.svc/upload", [&](const Target& target, auto&, const std::string& body) {
+        CheckKey(target);
+        return service.Upload(body);
+    });
+    for (const char* path : {"/SystemInformation/", "/SystemInformation"})
+        router.Add("POST", path,
+                   [&](auto&, auto&, const std::string& body) { return service.SystemInformation(body); });
+    router.Add("POST", "/service/Analysis/*",
+               [&](auto&, const std::string& referrer, const std::string& body) {
+                   return service.Analysis(referrer, body);
+               });
+    router.Add("GET", "/global/tests/test_2.bin", [&](auto&, auto&, auto&) { return service.TestFile(); });
+    return router;
+}
+
+Router AdminRoutes(Store& store)
+{
+    Router router;
+    router.Add("GET", "/healthz", [&](auto&, auto&, auto&) {
+        store.NewestSet("");  // the database answers
+        return Answer::Of("text/plain; charset=utf-8", "ok\n");
+    });
+    return router;
+}
+
+}  // namespace kel::server

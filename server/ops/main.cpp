@@ -1,0 +1,104 @@
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "server/base/Log.h"
+#include "server/http/Server.h"
+#include "server/ops/Config.h"
+#include "server/ops/Import.h"
+#include "server/ops/Routes.h"
+#include "server/protocol/Service.h"
+#include "server/store/Migrations.h"
+#include "server/store/SqliteStore.h"
+
+namespace {
+
+using namespace kel::server;  // NOLINT: the program of that house
+
+constexpr const char* Usage =
+    "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
+    "  serve        answers the control until it is told to stop\n"
+    "  migrate      makes the database, or brings it to this program's version\n"
+    "  import DIR   publishes the requirements of the folder's <referrer>.json files\n";
+
+/// Under another name first, so that whoever waits for the file never reads half a port.
+void WritePort(const std::string& path, std::uint16_t port)
+{
+    if (path.empty())
+        return;
+    std::ofstream(path + ".new") << port;
+    std::filesystem::rename(path + ".new", path);
+}
+
+void RunServe(const Config& config)
+{
+    SqliteStore store(config.database);
+    Service service(store);
+    const Router open = PublicRoutes(service), admin = AdminRoutes(store);
+    Serve(
+        config.doors, [&](const Request& request) { return open.Handle(request); },
+        [&](const Request& request) { return admin.Handle(request); },
+        [&](std::uint16_t port, std::uint16_t adminPort) {
+            Log(Level::Info, "listening",
+                {{"address", config.doors.address},
+                 {"port", std::to_string(port)},
+                 {"admin_port", std::to_string(adminPort)}});
+            WritePort(config.adminPortFile, adminPort);
+            WritePort(config.portFile, port);
+        });
+    Log(Level::Info, "stopped");
+}
+
+void RunMigrate(const Config& config)
+{
+    SqliteDatabase database(config.database, SqliteDatabase::Mode::Create);
+    Log(Level::Info, "migrated",
+        {{"database", config.database}, {"version", std::to_string(Migrate(database))}});
+}
+
+void SetLogLevel(const std::string& name)
+{
+    constexpr std::array Names{"debug", "info", "warning", "error"};
+    const auto* found = std::find(Names.begin(), Names.end(), name);
+    if (found == Names.end())
+        throw std::runtime_error("setting 'log_level' needs debug, info, warning or error, not '" + name +
+                                 "'");
+    kel::server::SetLogLevel(static_cast<Level>(found - Names.begin()));
+}
+
+int Run(std::vector<std::string> arguments)
+{
+    const Config config = Config::Read(arguments);
+    SetLogLevel(config.logLevel);
+    const std::string command = arguments.empty() ? "" : arguments[0];
+    if (command == "serve" && arguments.size() == 1) {
+        RunServe(config);
+    } else if (command == "migrate" && arguments.size() == 1) {
+        RunMigrate(config);
+    } else if (command == "import" && arguments.size() == 2) {
+        SqliteStore store(config.database);
+        Import(arguments[1], store);
+    } else {
+        std::cerr << Usage;
+        return 2;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int main(int count, char** arguments)
+{
+    try {
+        return Run({arguments + 1, arguments + count});
+    } catch (const std::exception& error) {
+        Log(Level::Error, "ended", {{"reason", error.what()}});
+        return 1;
+    }
+}

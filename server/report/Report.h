@@ -1,0 +1,33 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace kel::server {
+
+/// The values of a report, as the control uploads it: texts by the id of their group and their index.
+class Report {
+public:
+    static constexpr int Session = 71424;
+    static constexpr int Referrer = 71218;
+    static constexpr int User = 71206;
+
+    /// Reads `<groups><group index="…" id="…"><value>…</value></group>…</groups>`. Of values that share id
+    /// and index the last counts; a group without an index has 0. Throws Fault 400 when the text is no
+    /// report, or names no session.
+    static Report Read(std::string_view xml);
+
+    /// The text of a group's first value; null when the report has none, which is not the same as an empty
+    /// one.
+    const std::string* Value(int group) const;
+    /// The text of a group's first value, empty when there is none.
+    const std::string& Text(int group) const;
+    std::size_t Count() const { return values.size(); }
+
+private:
+    std::map<std::pair<std::string, long>, std::string> values;
+};
+
+}  // namespace kel::server

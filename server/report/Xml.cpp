@@ -1,0 +1,79 @@
+#include "server/report/Xml.h"
+
+#include <charconv>
+#include <string>
+
+#include "server/base/Fault.h"
+#include "server/base/Text.h"
+#include "server/base/Utf8.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr int BadRequest = 400;
+
+/// Whether XML 1.0 lets a document hold this character.
+bool IsXmlCharacter(char32_t c)
+{
+    return c >= 0x20 ? (c < 0xD800 || c > 0xDFFF) && c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF
+                     : c == '\t' || c == '\n' || c == '\r';
+}
+
+/// Whether a reference, what stands between & and ;, is one of the five names or a character's number.
+bool IsReference(std::string_view name)
+{
+    for (const std::string_view known : {"lt", "gt", "amp", "quot", "apos"}) {
+        if (name == known)
+            return true;
+    }
+    if (!name.starts_with('#'))
+        return false;
+    const bool hexadecimal = name.starts_with("#x");
+    name.remove_prefix(hexadecimal ? 2 : 1);
+    std::uint32_t number = 0;
+    const auto [end, error] = std::from_chars(name.begin(), name.end(), number, hexadecimal ? 16 : 10);
+    return !name.empty() && error == std::errc() && end == name.end() && IsXmlCharacter(number);
+}
+
+/// What the parser lets pass, though XML does not allow it.
+void CheckCharacters(std::string_view text)
+{
+    if (text.find("<!") != std::string_view::npos)
+        throw Fault(BadRequest, "declarations are not accepted");
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view here = rest;
+        const auto character = TakeCodePoint(rest);
+        if (!character)
+            throw Fault(BadRequest, "the body is no UTF-8");
+        if (!IsXmlCharacter(*character))
+            throw Fault(BadRequest, "the body has a character that XML does not allow");
+        if (*character == '&' &&
+            !IsReference(here.substr(1, here.find(';') == here.npos ? 0 : here.find(';') - 1)))
+            throw Fault(BadRequest, "the body has a reference that stands for nothing");
+    }
+}
+
+}  // namespace
+
+pugi::xml_document ReadXml(std::string_view text)
+{
+    CheckCharacters(text);
+    pugi::xml_document document;
+    // As a fragment, so that the parser keeps what stands beside the root element, and it can be refused.
+    const unsigned options = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_fragment;
+    const auto result = document.load_buffer(text.data(), text.size(), options, pugi::encoding_utf8);
+    if (!result)
+        throw Fault(BadRequest, std::string("the body is no XML: ") + result.description());
+    int roots = 0;
+    for (const pugi::xml_node& node : document) {
+        if (node.type() == pugi::node_pcdata && !Trim(node.value()).empty())
+            throw Fault(BadRequest, "the body has text beside its root element");
+        roots += node.type() == pugi::node_element ? 1 : 0;
+    }
+    if (roots != 1)
+        throw Fault(BadRequest, "the body has no root element, or several");
+    return document;
+}
+
+}  // namespace kel::server

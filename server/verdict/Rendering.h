@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+#include "server/verdict/Verdict.h"
+
+namespace kel::server {
+
+/// The verdict as a script reads it. Item and schema are the texts of the analysis request, handed back.
+std::string RenderXml(const Verdict& verdict, const std::string& item, const std::string& schema);
+
+/// The same as JSON.
+std::string RenderJson(const Verdict& verdict, const std::string& item, const std::string& schema);
+
+/// The verdict as a page that stands by itself, in the style of the check's own page.
+std::string RenderPage(const Verdict& verdict);
+
+/// The lines alone, as the store keeps them: a JSON list of id, found and result.
+std::string RenderLines(const Verdict& verdict);
+
+}  // namespace kel::server

@@ -1,0 +1,133 @@
+"""What the control may expect of an analysis service: of the development one and of the deployed one alike."""
+
+import http.client
+import json
+import logging
+import re
+import unittest
+from html import escape
+from pathlib import Path
+
+from deployed import INFORMATION, LIST, REPORT, UPLOAD, Client, DeployedTest, analysis
+from harness import API_KEY, ServiceTest
+
+COMPARISONS = [row.split(" | ") for row in (Path(__file__).parent / "comparisons.txt").read_text("utf-8").splitlines()[1:]]
+WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
+WRONG = (
+    ("GET", f"{LIST}?refid=no&apikey={API_KEY}", "", 404), ("GET", f"{LIST}?refid=../r&apikey={API_KEY}", "", 404),
+    ("GET", f"{LIST}?apikey={API_KEY}", "", 404), ("GET", f"{LIST}?refid=r%00&apikey={API_KEY}", "", 404),
+    ("GET", f"{LIST}?refid=r%C3%A9&apikey={API_KEY}", "", 404), ("GET", f"{LIST}?refid={'r' * 65}&apikey={API_KEY}", "", 404),
+    ("GET", f"{LIST}?refid=r&apikey=x", "", 403), ("GET", f"{LIST}?refid=r", "", 403),
+    ("GET", f"{WANTED}&apikey={API_KEY}", "", 403), ("POST", "/Data/Service.svc/upload", REPORT, 403),
+    ("GET", "/", "", 404), ("GET", UPLOAD, "", 404), ("POST", WANTED, "", 404), ("GET", "/service/Analysis/r", "", 404),
+    ("POST", "/service/Analysis/no", analysis("s"), 404), ("POST", "/service/Analysis/../r", analysis("s"), 404),
+    ("POST", "/service/Analysis/r", analysis("never"), 404), ("POST", "/service/Analysis/r", "<System", 400),
+    ("POST", "/service/Analysis/r", REPORT.format("s"), 400), ("POST", INFORMATION, REPORT.format("s"), 400),
+    ("POST", INFORMATION, "<SystemInformation/>", 400), ("POST", UPLOAD, "", 400), ("POST", UPLOAD, "<groups>", 400),
+    ("POST", UPLOAD, "<groups/>", 400), ("POST", UPLOAD, "<group/>", 400), ("POST", UPLOAD, REPORT.format(""), 400),
+    ("POST", UPLOAD, "<!DOCTYPE x><groups/>", 400), ("POST", UPLOAD, REPORT.format("&x;"), 400),
+    ("POST", UPLOAD, REPORT.format("&#0;"), 400), ("POST", UPLOAD, REPORT.format("&"), 400),
+    ("POST", UPLOAD, REPORT.format("&#xD800;"), 400), ("POST", UPLOAD, REPORT.format("\1"), 400),
+    ("POST", UPLOAD, REPORT.format("s").replace('"0"', '"x"'), 400), ("POST", UPLOAD, REPORT.format("s") * 2, 400),
+    ("POST", UPLOAD, REPORT.format("s") + "x", 400), ("POST", UPLOAD, "x" + REPORT.format("s"), 400),
+    ("POST", UPLOAD, "<!DOCTYPE groups>" + REPORT.format("s"), 400),
+    ("POST", UPLOAD, REPORT.format("s").replace("8.0 GB", "<!-- 8 -->"), 400),
+    *(("POST", UPLOAD, REPORT.format("s").encode().replace(b"8.0 GB", text), 400) for text in (
+        b"\xff", b"\xc0\xa0", b"\xc3", b"\xe0\x80\xa0", b"\xed\xa0\x80", b"\xf4\x90\x80\x80", b"\xf0\x80\x80\xa0")))
+
+
+class Contract(Client):
+    """Run once for each service."""
+
+    def setUp(self):
+        super().setUp()
+        self.require("r", (1, "M", "at least", "4 GB"))
+
+    def results(self, referrer, session):
+        answer = self.ask("POST", f"/service/Analysis/{referrer}", analysis(session))[1].decode()
+        return re.findall(r'<(?:analysis|requirement) result="(\w+)"', answer)
+
+    def test_values_compare_as_what_they_are(self):
+        rows = [*COMPARISONS, ("at least version", "9" * 5000, "9", "unknown")]
+        self.require("table", *((number, found[:40], comparison, needed) for number, (comparison, found, needed, _) in
+                                enumerate(rows, 1)), (9999, "the report lacks it", "no"))
+        values = "".join(f'<group id="{number}"><value>{escape(row[1])}</value></group>' for number, row in enumerate(rows, 1))
+        self.ask("POST", UPLOAD, f'<groups><group id="71424"><value>s</value></group>{values}</groups>')
+        for row, result in zip((*rows, ("", "", "", "unknown")), self.results("table", "s")[1:], strict=True):
+            with self.subTest(row):
+                self.assertEqual(result, row[-1])
+
+    def test_a_report_is_kept_and_judged(self):
+        session = "../..\\x:é"
+        for target in (WANTED, f"http://analysis.keldane.example:80{WANTED}", WANTED.replace("=r", "=%72")):
+            self.assertEqual(self.ask("GET", target), (200, b"71424|71218|71206|1"))
+        self.assertEqual(self.ask("POST", UPLOAD, REPORT.format(session)), (200, b"OK"))
+        escaped = escape(REPORT.format("other").replace("8.0 GB", "2.0 GB"))
+        self.assertEqual(self.ask("POST", INFORMATION, f"<SystemInformation><Data>{escaped}</Data></SystemInformation>")[0], 200)
+        self.assertEqual((self.results("r", session), self.results("r", "other")), (["pass"] * 2, ["fail"] * 2))
+        passes, fails, lacks = (1, "", "any"), (1, "", "at most", "4 GB"), (2, "", "any")
+        for total, *lines in (("pass", passes), ("fail", passes, fails, lacks), ("unknown", lacks, passes), ("unknown",)):
+            self.require("total", *lines)  # the newest requirements count
+            self.assertEqual(self.results("total", session)[0], total, lines)
+        self.ask("POST", UPLOAD, REPORT.format(session).replace("8.0 GB", "2.0 GB"))  # so does the newest report
+        self.assertEqual(self.results("r", session), ["fail"] * 2)
+
+    def test_a_verdict_is_told_in_three_formats(self):
+        self.require("f", (1, "M", "at least", "4 GB", "not shown"), (2, "<b>", "equals", "'\"&é", "Do <i>"))
+        self.ask("POST", UPLOAD, REPORT.format("s"))
+        requests = (analysis("s", name).replace("<ItemID>i", "<ItemID>&quot;é") for name in ("2.0", "HTML", "json"))
+        xml, page, data = (self.ask("POST", "/service/Analysis/f", request)[1].decode() for request in requests)
+        needed = "equals &#x27;&quot;&amp;é"
+        self.assertEqual(xml, '<analysis result="unknown" item="&quot;é" schema="1"><title>T&lt;</title>'
+                              '<requirement result="pass"><label>M</label><needed>at least 4 GB</needed><found>8.0 GB</found>'
+                              '<advice>not shown</advice></requirement>'
+                              f'<requirement result="unknown"><label>&lt;b&gt;</label><needed>{needed}</needed>'
+                              '<found></found><advice>Do &lt;i&gt;</advice></requirement></analysis>')
+        for row in ('<title>T&lt;</title>\n<style>/* The look', '<p class="total unknown">Result: unknown</p>',
+                    '<td data-label="Found">8.0 GB</td><td><span class="mark">✓ Meets</span></td></tr>\n<tr class="unknown">'
+                    f'<th scope="row">&lt;b&gt;</th><td data-label="Needed">{needed}</td><td data-label="Found">–</td>'
+                    '<td><span class="mark">? Not known</span><span class="advice">Do &lt;i&gt;</span></td></tr>\n</tbody>'):
+            self.assertIn(row, page)
+        content = json.loads(data)
+        self.assertEqual((content["result"], content["item"], content["title"]), ("unknown", '"é', "T<"))
+        self.assertEqual(content["requirements"][1], {"result": "unknown", "label": "<b>", "needed": "equals '\"&é", "found": "",
+                                                      "advice": "Do <i>"})
+
+    def test_wrong_requests_get_an_error_and_the_service_goes_on(self):
+        for verb, path, body, status in WRONG:
+            with self.subTest(f"{verb} {path} {body}"):
+                answer = self.ask(verb, path, body)
+                self.assertEqual(answer[0], status)
+                self.assertEqual(bool(answer[1]), self.explains)
+        for length in (b"x", b"-1", b"99999999999999999999", b"1e3"):
+            answers = self.talk(b"POST / HTTP/1.1\r\nContent-Length: " + length + b"\r\n\r\nGET / HTTP/1.1\r\n\r\n")
+            self.assertEqual((answers[:12], answers.count(b"HTTP/1.1 ")), (b"HTTP/1.1 400", 1))  # its body is no request
+        self.assertEqual(self.ask("GET", WANTED)[0], 200)
+
+    def test_one_connection_serves_request_after_request(self):
+        connection = http.client.HTTPConnection(self.address, timeout=10)
+        self.addCleanup(connection.close)
+        for verb, path, body in (("POST", UPLOAD, REPORT.format("s")), ("GET", "/", ""), ("GET", "/global/tests/test_2.bin", ""),
+                                 ("POST", "/service/Analysis/r", analysis("s"))):
+            connection.request(verb, path, body)
+            answer = connection.getresponse()
+            length = len(answer.read())
+            self.assertEqual(int(answer.headers["Content-Length"]), length)
+            self.assertEqual(length == 1_000_000, "test_2" in path)
+
+
+class Development(Contract, ServiceTest):
+    explains = True  # its errors have a text
+
+    def setUp(self):
+        logging.getLogger("analysis_service").setLevel(logging.CRITICAL)
+        self.addCleanup(logging.getLogger("analysis_service").setLevel, logging.NOTSET)
+        super().setUp()
+
+
+class Deployed(Contract, DeployedTest):
+    explains = False
+
+
+if __name__ == "__main__":
+    unittest.main()

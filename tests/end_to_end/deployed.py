@@ -1,0 +1,92 @@
+"""The service that people deploy, as a process with a database of its own."""
+
+import http.client
+import os
+import socket
+import subprocess
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+from harness import API_KEY, ROOT, write_requirements
+
+SERVER = Path(os.environ.get("KEL_SERVER", ROOT / "build" / "server" / "kel_server"))
+LIST, UPLOAD = "/Data/Service.svc/Group/list", f"/Data/Service.svc/upload?apikey={API_KEY}"
+INFORMATION = "/SystemInformation/?refid=r&sessid=s"
+REPORT = ('<groups><group index="0" id="71424"><value>{0}</value></group>'
+          '<group index="0" id="1"><value>8.0 GB</value></group></groups>  ')
+
+
+def analysis(session, message_format="xml"):
+    return (f"<System><SessionID>{session}</SessionID><ItemID>i</ItemID><UserID/>"
+            f"<Format>{message_format}</Format><Schema>1</Schema></System>")
+
+
+class Client:
+    """What a test of either service says to it; `address` and `addCleanup` are the test's."""
+
+    def ask(self, verb, path, body="", address=None):
+        """One request on a connection of its own: its status and the bytes of the answer."""
+        connection = http.client.HTTPConnection(address or self.address, timeout=10)
+        self.addCleanup(connection.close)
+        connection.request(verb, path, body.encode() if isinstance(body, str) else body)
+        answer = connection.getresponse()
+        return answer.status, answer.read()
+
+    def connect(self, data=b""):
+        host, port = self.address.split(":")
+        connection = socket.create_connection((host, int(port)), 10)
+        self.addCleanup(connection.close)
+        connection.sendall(data)
+        return connection
+
+    def talk(self, data):
+        """What comes back for these bytes until the service closes."""
+        return b"".join(iter(lambda connection=self.connect(data): connection.recv(65536), b""))
+
+
+class DeployedTest(Client, unittest.TestCase):
+    """Has a folder, and in there a database that a service on loopback uses."""
+
+    settings = ()
+
+    def setUp(self):
+        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        self.log = self.enterContext(open(self.folder / "log.txt", "a+", encoding="ascii"))
+        self.command("migrate")
+        self.start()
+
+    def command(self, *arguments, code=0):
+        """Runs a command to its end: its log."""
+        ran = subprocess.run([SERVER, *arguments, "--database", self.folder / "kel.db"], capture_output=True, text=True,
+                             timeout=20)
+        self.assertEqual(ran.returncode, code, ran.stderr)
+        return ran.stderr
+
+    def start(self, *settings):
+        for name in ("port", "admin"):
+            (self.folder / name).unlink(missing_ok=True)
+        self.process = subprocess.Popen(
+            [SERVER, "serve", "--database", self.folder / "kel.db", "--port", "0", "--admin-port", "0", "--port-file",
+             self.folder / "port", "--admin-port-file", self.folder / "admin", *self.settings, *settings], stderr=self.log)
+        self.addCleanup(self.process.wait)
+        self.addCleanup(self.process.kill)
+        end = time.monotonic() + 20
+        while not (self.folder / "port").exists():
+            self.assertIsNone(self.process.poll(), "the service ended at once")
+            self.assertLess(time.monotonic(), end, "the service does not listen")
+            time.sleep(0.01)
+        self.address, self.admin = (f"127.0.0.1:{(self.folder / name).read_text()}" for name in ("port", "admin"))
+
+    def stop(self):
+        self.process.terminate()
+        return self.process.wait(20)
+
+    def require(self, referrer, *requirements):
+        write_requirements(self.folder, referrer, requirements)
+        self.command("import", self.folder)
+
+    def log_text(self):
+        self.log.seek(0)
+        return self.log.read()

@@ -1,0 +1,291 @@
+"""The deployed service alone: hostile clients, signals and kills, its database, commands and settings."""
+
+import http.client
+import os
+import resource
+import signal
+import socket
+import sqlite3
+import threading
+import time
+import unittest.mock
+
+from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
+from harness import API_KEY
+from reports import parse_analysis, parse_report
+from requirements import load_requirements
+from verdict import judge, render
+
+WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
+LARGEST = 2 * 1024 * 1024
+HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\n".encode()
+CHUNKED = HEAD + b"Transfer-Encoding: chunked\r\n\r\n"
+
+
+def padded(size, session="s"):
+    """A report of so many bytes."""
+    report = REPORT.format(session).strip().encode()
+    return report.replace(b"8.0 GB", b"8.0 GB" + b" " * (size - len(report)))
+
+
+class Bodies(DeployedTest):
+    def test_sizes_and_shapes_have_bounds(self):
+        values = b"".join(b'<group id="%d"><value>1</value></group>' % number for number in range(100_000, 145_000))
+        deep = b"<a>" * 250_000 + b"</a>" * 250_000
+        for name, body, status in (
+                ("largest", padded(LARGEST), 200), ("one more", padded(LARGEST + 1), 413),
+                ("many values", REPORT.format("s").strip().encode().replace(b"<groups>", b"<groups>" + values), 200),
+                ("deep", REPORT.format("s").strip().encode().replace(b"</groups>", deep + b"</groups>"), 200),
+                ("deep, open", b"<a>" * 600_000, 400), ("attributes", b"<groups " + b"a='' " * 300_000 + b"/>", 400),
+                ("entities", b'<!DOCTYPE a [<!ENTITY b "bb"><!ENTITY c "&b;&b;">]><groups>&c;</groups>', 400),
+                ("file", b'<!DOCTYPE a [<!ENTITY b SYSTEM "file:///etc/passwd">]><groups>&b;</groups>', 400),
+                ("session", REPORT.format("s" * 1025).encode(), 400), ("zeros", bytes(1000), 400)):
+            with self.subTest(name):
+                start = time.monotonic()
+                self.assertEqual(self.ask("POST", UPLOAD, body), (status, b"OK" if status == 200 else b""))
+                self.assertLess(time.monotonic() - start, 5)
+
+    def test_other_ways_to_send_have_the_same_bounds(self):
+        report = REPORT.format("s").encode()
+        piece = b"10000\r\n" + b" " * 65536 + b"\r\n"
+        for name, data, status in (
+                ("chunks", CHUNKED + b"%x\r\n%b\r\n0\r\n\r\n" % (len(report), report), 200),
+                ("endless", CHUNKED + piece * 40, 413),
+                ("no chunk", CHUNKED + b"x\r\n", 400), ("both", CHUNKED[:-2] + b"Content-Length: 5\r\n\r\n0\r\n\r\n", 400),
+                ("two lengths", HEAD + b"Content-Length: 5\r\nContent-Length: 6\r\n\r\n", 400),
+                ("header", HEAD + b"X: " + b"x" * 9000 + b"\r\n\r\n", 431), ("headers", HEAD + b"X: y\r\n" * 2000 + b"\r\n", 431),
+                ("target", b"GET /" + b"x" * 9000 + b" HTTP/1.1\r\n\r\n", 431)):
+            with self.subTest(name):
+                connection = self.connect(data)
+                connection.shutdown(socket.SHUT_WR)
+                answer = b"".join(iter(lambda: connection.recv(65536), b""))
+                self.assertEqual((int(answer[9:12] or 0), answer.count(b"HTTP/1.1")), (status, 1))
+
+    def test_odd_targets_are_read_as_bytes(self):
+        self.require("r", (1, "M", "any"))
+        key = API_KEY.encode()
+        for target, status in (
+                (b"/service/Analysis/\xe9#&?", b"404"), (b"http://HOST", b"404"), (b"HTTP://h:80/?", b"404"), (b"*", b"404"),
+                (b"h:443", b"404"), (b"//", b"404"), (b"/%", b"404"), (b"/%zz%0d%0a", b"404"),
+                (LIST.encode() + b"?refid=r&x&apikey=" + key, b"404"),  # "r&x" is another referrer than "r"
+                (LIST.encode() + b"?refid=r#x&apikey=" + key, b"404"), (LIST.encode() + b"?refid=\xff&apikey=" + key, b"404"),
+                (b"HTTP://h:80" + LIST.encode() + b"?apikey=" + key + b"&refid=r", b"200"), (b"/\x01", b"400"), (b"", b"400")):
+            with self.subTest(target):
+                answer = self.talk(b"GET " + target + b" HTTP/1.1\r\nConnection: close\r\n\r\n")
+                self.assertEqual((answer[9:12], answer.endswith(b"\r\n\r\n")), (status, status != b"200"))
+        for garbage in (b"\x16\x03\x01\x02\x00\x01\x00\x01\xfc\x03\x03", b"GET / HTTP/9.9\r\n\r\n", b"GET /\r\n\r\n"):
+            self.assertEqual(self.talk(garbage)[9:12], b"400", garbage)
+
+    def test_pages_are_those_of_the_development_service(self):
+        self.require("r", (1, "M", "at least", "4 GB", "<A>"), (1, "N", "at most", "4 GB", "B"), (2, "O", "any", "", "C"))
+        self.ask("POST", UPLOAD, REPORT.format("s"))
+        for name in ("xml", "html", "json"):
+            request = analysis("s", name)
+            told = judge(load_requirements(self.folder, "r"), parse_report(REPORT.format("s")), parse_analysis(request))
+            self.assertEqual(self.ask("POST", "/service/Analysis/r", request)[1].decode(), render(told, name)[1])
+
+    def test_a_log_line_is_one_line(self):
+        self.ask("POST", UPLOAD, REPORT.format("s&#10;time=0 level=error event=forged &quot;\\é"))
+        [line] = [line for line in self.log_text().splitlines() if "uploaded" in line]
+        self.assertIn(r'session="s\x0atime=0 level=error event=forged \"\\\xc3\xa9" referrer="" values=2', line)
+        self.assertNotIn("\nevent=forged", self.log_text())
+
+
+class Crowds(DeployedTest):
+    settings = ("--request-seconds", "2", "--idle-seconds", "2", "--connections", "220", "--bodies-mb", "4")
+
+    def test_slow_and_idle_clients_cost_the_others_nothing(self):
+        slow = [self.connect(HEAD + b"Content-Length: 1000\r\n\r\n<") for _ in range(200)]
+        idle = [self.connect() for _ in range(10)]
+        start = time.monotonic()
+        self.assertEqual(self.ask("POST", UPLOAD, REPORT.format("s"))[0], 200)
+        self.assertLess(time.monotonic() - start, 1)
+        dribble = threading.Thread(target=self.dribble, args=(slow[0],))
+        dribble.start()
+        self.addCleanup(dribble.join)
+        answers = [b"".join(iter(lambda: connection.recv(4096), b"")) for connection in (*slow, *idle)]
+        self.assertEqual(set(answers), {b""})  # a byte now and then buys no time
+        self.assertEqual(self.ask("GET", "/")[0], 404)
+        self.assertLess(time.monotonic() - start, 6)
+
+    @staticmethod
+    def dribble(connection):
+        try:
+            for _ in range(40):
+                connection.sendall(b"<")
+                time.sleep(0.2)
+        except OSError:
+            pass  # the service has closed
+
+    def test_connections_are_counted_and_their_places_given_back(self):
+        crowd = [self.connect() for _ in range(220)]
+        self.ask("GET", "/healthz", address=self.admin)  # a door of its own, open to the operator
+        self.await_answer(self.status_or_nothing, b"")
+        for connection in crowd:
+            connection.close()
+        self.await_answer(self.status_or_nothing, b"404")
+
+    def test_as_many_files_may_be_open_as_the_system_allows(self):
+        soft, hard = resource.getrlimit(resource.RLIMIT_NOFILE)
+        self.addCleanup(resource.setrlimit, resource.RLIMIT_NOFILE, (soft, hard))
+        resource.setrlimit(resource.RLIMIT_NOFILE, (300, hard))
+        self.stop()
+        self.start("--connections", "1000000")
+        self.assertEqual(resource.prlimit(self.process.pid, resource.RLIMIT_NOFILE), (hard, hard))
+        self.assertEqual("few-descriptors" in self.log_text(), hard < 1_000_000)
+
+    def status_or_nothing(self):
+        """What a new client gets: nothing when there is no place."""
+        try:
+            return self.talk(b"GET / HTTP/1.0\r\n\r\n")[9:12]
+        except ConnectionError:
+            return b""
+
+    def await_answer(self, ask, expected):
+        """The service notices in its own time what other clients did."""
+        end = time.monotonic() + 5
+        while (answer := ask()) != expected and time.monotonic() < end:
+            time.sleep(0.02)
+        self.assertEqual(answer, expected)
+
+    def test_bodies_under_way_have_a_bound_together(self):
+        for _ in range(2):
+            half = [self.connect(HEAD + b"Content-Length: %d\r\n\r\n" % LARGEST + b" " * 1_900_000) for _ in range(2)]
+            self.await_answer(lambda: self.ask("POST", UPLOAD, padded(1_000_000))[0], 503)
+            for connection in half:
+                connection.close()
+            self.await_answer(lambda: self.ask("POST", UPLOAD, padded(1_000_000))[0], 200)
+
+
+class Ends(DeployedTest):
+    def test_a_signal_lets_requests_under_way_finish(self):
+        for number in (signal.SIGTERM, signal.SIGINT):
+            report = REPORT.format("late").encode()
+            half = self.connect(HEAD + b"Content-Length: %d\r\n\r\n" % len(report) + report[:50])
+            idle = self.connect(b"GET / HTTP/1.1\r\n\r\n")
+            self.assertIn(b"404", idle.recv(4096))
+            self.process.send_signal(number)
+            self.assertEqual(idle.recv(4096), b"")
+            with self.assertRaises(ConnectionRefusedError):
+                self.connect()
+            half.sendall(report[50:])
+            answer = b"".join(iter(lambda: half.recv(4096), b""))
+            self.assertRegex(answer, rb"^HTTP/1.1 200 OK\r\n(.|\r\n)*Connection: close\r\n(.|\r\n)*\r\n\r\nOK$")
+            self.assertEqual(self.process.wait(10), 0)
+            self.start()
+
+    def test_a_second_signal_waits_for_nobody(self):
+        self.connect(HEAD + b"Content-Length: 10\r\n\r\n")
+        self.ask("GET", "/")
+        start = time.monotonic()
+        while self.process.poll() is None and time.monotonic() < start + 5:
+            self.process.terminate()
+            time.sleep(0.1)
+        self.assertEqual(self.process.poll(), -signal.SIGTERM)
+
+    def test_a_kill_loses_no_report_that_was_acknowledged(self):
+        self.require("r", (1, "M", "any"))
+        for run in range(3):
+            kept = []
+            threads = [threading.Thread(target=self.upload_until_the_end, args=(f"{run}-{thread}", kept)) for thread in range(4)]
+            for thread in threads:
+                thread.start()
+            time.sleep(0.4)
+            self.process.kill()
+            for thread in threads:
+                thread.join()
+            self.assertGreater(len(kept), 20)
+            self.process.wait()
+            self.start()
+            with sqlite3.connect(self.folder / "kel.db") as database:
+                self.assertEqual(database.execute("PRAGMA integrity_check").fetchone(), ("ok",))
+                self.assertLessEqual(set(kept), {row[0] for row in database.execute("SELECT session FROM report")})
+            database.close()
+            self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis(kept[-1]))[1])
+
+    def upload_until_the_end(self, name, kept):
+        connection = http.client.HTTPConnection(self.address, timeout=10)
+        try:
+            for number in range(100_000):
+                connection.request("POST", UPLOAD, REPORT.format(f"{name}-{number}"))
+                if connection.getresponse().read() == b"OK":
+                    kept.append(f"{name}-{number}")
+        except (OSError, http.client.HTTPException):
+            connection.close()
+
+
+class Commands(DeployedTest):
+    def test_only_a_database_of_this_program_and_version_is_served(self):
+        self.stop()
+        self.assertIn("version=1", self.command("migrate"))
+        for sql, commands, reason in (("PRAGMA user_version = 99", ("serve", "migrate"), "newer than 1"),
+                                      ("PRAGMA user_version = 0", ("serve",), "run the command migrate"),
+                                      ("PRAGMA application_id = 7", ("serve", "migrate"), "another program's")):
+            with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
+                database.execute(sql)
+            database.close()
+            for command in commands:
+                self.assertIn(reason, self.command(command, code=1))
+        (self.folder / "kel.db").write_text("no database at all, but a text of some length")
+        self.assertIn("not a database", self.command("serve", code=1))
+        (self.folder / "kel.db").unlink()
+        self.assertIn("unable to open", self.command("serve", code=1))
+        self.assertFalse((self.folder / "kel.db").exists())
+
+    def test_an_import_is_whole_or_nothing_and_repeats_nothing(self):
+        self.require("r", (1, "M", "any"))
+        self.assertIn("version=1", self.command("import", self.folder))
+        self.require("r", (2, "M", "any"))
+        self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
+        line = '{"id": 3, "label": "L", "comparison": "%s", "needed": "%s"}'
+        for name, text, reason in (
+                ("a", "{", "parse error"), ("a", '{"title": "T"}', "requirements"),
+                ("é", '{"title": "", "requirements": []}', "name"),
+                ("a", line % ("any", "") + ",", "parse error"), ("a", line.replace("3", '"x"') % ("any", ""), "no whole number"),
+                ("a", line % ("about", "2"), "'about' is no comparison"), ("a", line % ("at least", "many"), "not 'many'"),
+                ("a", line % ("at most", "1280x720"), "needs a number"),
+                ("a", line % ("at least version", "9.x"), "needs a version"), ("a", line % ("contains", " "), "needs a text")):
+            with self.subTest(text):
+                path = self.folder / f"{name}.json"
+                path.write_text(f'{{"title": "T", "requirements": [{line % ("any", "")}, {text}]}}' if "label" in text else text)
+                (self.folder / "r.json").write_text('{"title": "T", "requirements": []}')
+                log = self.command("import", self.folder, code=1)
+                self.assertIn(reason, log)
+                self.assertIn(".json", log)
+                self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
+                path.unlink()
+
+    def test_settings_come_from_file_environment_and_command_line(self):
+        self.stop()
+        file = self.folder / "kel.conf"
+        file.write_text("# a comment\n\n  port = 70000\n")
+        self.assertIn("'port' needs a number from 0 to 65535, not '70000'", self.command("serve", "--config", file, code=1))
+        file.write_text("workers = 3\nlog_level = error\n")
+        with unittest.mock.patch.dict("os.environ", KEL_LOG_LEVEL="warning", KEL_IDLE_SECONDS="1"):
+            self.start("--config", str(file))
+            self.assertEqual(len(os.listdir(f"/proc/{self.process.pid}/task")), 4)  # the file's workers and the network's thread
+            start = time.monotonic()
+            self.assertEqual(self.connect().recv(1), b"")  # the environment's time
+            self.assertLess(time.monotonic() - start, 5)
+            self.ask("GET", "/")
+            self.assertIn("level=warning event=refused status=404", self.log_text())  # which the file's level would hide
+            self.stop()
+            self.start("--config", str(file), "--log-level", "debug")
+            self.assertEqual(self.log_text().count("event=listening"), 2)  # of the set-up, and of this one
+        for arguments, reason in ((("--colour", "red"), "no setting 'colour'"), (("--port", "http"), "not 'http'"),
+                                  (("--log-level", "loud"), "log_level"), (("--address", "nowhere"), "cannot listen")):
+            self.assertIn(reason, self.command("serve", *arguments, code=1))
+        self.command("dance", code=2)
+
+    def test_health_is_told_at_the_operators_door_only(self):
+        self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (200, b"ok\n"))
+        self.assertEqual(self.ask("GET", "/healthz"), (404, b""))
+        self.assertEqual(self.ask("GET", WANTED, address=self.admin), (404, b""))
+        with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
+            database.execute("DROP TABLE requirement_set")
+        database.close()
+        self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (500, b""))
+
+
+if __name__ == "__main__":
+    unittest.main()
