@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the release preset and the analysis service, and runs all tests; with --checked first, the checked preset as well. Extra arguments go
-# to ctest.
+# Builds the release preset and the analysis service, and runs all tests; with --checked first, the checked preset as
+# well. Extra arguments go to ctest.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

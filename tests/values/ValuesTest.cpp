@@ -176,7 +176,7 @@ TEST(DeviceID, ReadsTheIdsOfRealHardware)
     EXPECT_FALSE(DeviceID(L"").HasValue() || DeviceID().HasValue());
 
     const auto text = [](auto... numbers) {
-        return std::wstring(DeviceID::FromNumbers(numbers...).ToString());
+        return std::wstring(DeviceID::FromNumbers(static_cast<std::uint32_t>(numbers)...).ToString());
     };
     EXPECT_EQ(text(0x10DE, 0x2684, 0x88EF1043, 0xA1), L"PCI\\VEN_10DE&DEV_2684&SUBSYS_88EF1043&REV_A1");
     EXPECT_EQ(text(0x8086, 0x46, 0, 2), L"PCI\\VEN_8086&DEV_0046&REV_02");
