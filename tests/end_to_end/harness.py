@@ -53,6 +53,12 @@ def peak_memory(pid):
 
 def wine(*arguments, proxy=NO_SERVICE, log=None):
     """Runs a Windows program. Debugger output goes to the file `log`."""
+    ran = run_once(arguments, proxy, log)
+    # Seldom, Wine ends a process at its start without a word when others start beside it.
+    return ran if ran.code != 1 or ran.output or ran.seconds > 1 else run_once(arguments, proxy, log)
+
+
+def run_once(arguments, proxy, log):
     environment = os.environ | ({"WINEDEBUG": "warn+seh"} if log else {}) | {"http_proxy": proxy}
     start, memory = time.monotonic(), 0
     # Not through a pipe: what the program leaves running would hold it open.
