@@ -18,7 +18,7 @@ Answer Router::Handle(const Request& request) const noexcept
     try {
         return Find(request);
     } catch (const Fault& fault) {
-        Log(Level::Warning, "refused",
+        Log(fault.Status() < 500 ? Level::Warning : Level::Error, "refused",
             {{"status", std::to_string(fault.Status())},
              {"target", request.target},
              {"reason", fault.what()}});
@@ -35,7 +35,7 @@ Answer Router::Find(const Request& request) const
     for (const Route& route : routes) {
         if (target && route.method == request.method &&
             (route.isPrefix ? target->path.starts_with(route.path) : target->path == route.path))
-            return route.handler(*target, target->path.substr(route.path.size()), request.body);
+            return route.handler({request, *target, target->path.substr(route.path.size())});
     }
     throw Fault(404, "there is no such request");
 }

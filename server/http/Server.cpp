@@ -35,9 +35,9 @@ void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler admi
 {
     RaiseDescriptorLimit(doors.limits.connections);
     asio::io_context context(1);
-    asio::thread_pool workers(doors.workers);
+    asio::thread_pool workers(doors.workers), operators(1);  // who looks at reports keeps no visitor waiting
     Listener open(context, workers, doors.address, doors.port, doors.limits, std::move(publicHandler));
-    Listener admin(context, workers, "127.0.0.1", doors.adminPort, doors.limits, std::move(adminHandler));
+    Listener admin(context, operators, "127.0.0.1", doors.adminPort, doors.limits, std::move(adminHandler));
 
     asio::signal_set signals(context, SIGTERM, SIGINT);
     signals.async_wait([&](const boost::system::error_code&, int) {
@@ -51,6 +51,7 @@ void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler admi
     listening(open.Port(), admin.Port());
     context.run();
     workers.join();
+    operators.join();
 }
 
 }  // namespace kel::server

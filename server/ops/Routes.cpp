@@ -31,30 +31,28 @@ std::string ReferrerOf(const Target& target)
 Router PublicRoutes(Service& service)
 {
     Router router;
-    router.Add("GET", "/Data/Service.svc/Group/list", [&](const Target& target, auto&, auto&) {
-        CheckKey(target);
-        return service.GroupList(ReferrerOf(target));
+    router.Add("GET", "/Data/Service.svc/Group/list", [&](const Call& call) {
+        CheckKey(call.target);
+        return service.GroupList(ReferrerOf(call.target));
     });
-    router.Add("POST", "/Data/Service.svc/upload", [&](const Target& target, auto&, const std::string& body) {
-        CheckKey(target);
-        return service.Upload(body);
+    router.Add("POST", "/Data/Service.svc/upload", [&](const Call& call) {
+        CheckKey(call.target);
+        return service.Upload(call.request.body);
     });
     for (const char* path : {"/SystemInformation/", "/SystemInformation"})
         router.Add("POST", path,
-                   [&](auto&, auto&, const std::string& body) { return service.SystemInformation(body); });
+                   [&](const Call& call) { return service.SystemInformation(call.request.body); });
     router.Add("POST", "/service/Analysis/*",
-               [&](auto&, const std::string& referrer, const std::string& body) {
-                   return service.Analysis(referrer, body);
-               });
-    router.Add("GET", "/global/tests/test_2.bin", [&](auto&, auto&, auto&) { return service.TestFile(); });
+               [&](const Call& call) { return service.Analysis(call.rest, call.request.body); });
+    router.Add("GET", "/global/tests/test_2.bin", [&](const Call&) { return service.TestFile(); });
     return router;
 }
 
 Router AdminRoutes(Store& store)
 {
     Router router;
-    router.Add("GET", "/healthz", [&](auto&, auto&, auto&) {
-        store.NewestSet("");  // the database answers
+    router.Add("GET", "/healthz", [&](const Call&) {
+        store.Ping();
         return Answer::Of("text/plain; charset=utf-8", "ok\n");
     });
     return router;

@@ -4,9 +4,9 @@
 #include <string>
 
 #include "server/base/Exchange.h"
+#include "server/protocol/SetCache.h"
 #include "server/report/Report.h"
 #include "server/store/Store.h"
-#include "server/verdict/Requirements.h"
 
 namespace kel::server {
 
@@ -30,10 +30,11 @@ public:
     Answer TestFile() const;
 
 private:
-    StoredSet Find(const std::string& referrer);
+    PublishedSet Find(const std::string& referrer);
     Answer KeepReport(const Report& report, const std::string& body);
 
     Store& store;
+    SetCache sets;
     std::shared_ptr<const std::string> testFile;
 };
 

@@ -223,8 +223,8 @@ class Ends(DeployedTest):
 class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
         self.stop()
-        self.assertIn("version=1", self.command("migrate"))
-        for sql, commands, reason in (("PRAGMA user_version = 99", ("serve", "migrate"), "newer than 1"),
+        self.assertIn("version=2", self.command("migrate"))
+        for sql, commands, reason in (("PRAGMA user_version = 99", ("serve", "migrate"), "newer than 2"),
                                       ("PRAGMA user_version = 0", ("serve",), "run the command migrate"),
                                       ("PRAGMA application_id = 7", ("serve", "migrate"), "another program's")):
             with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
@@ -269,7 +269,7 @@ class Commands(DeployedTest):
         file.write_text("workers = 3\nlog_level = error\n")
         with unittest.mock.patch.dict("os.environ", KEL_LOG_LEVEL="warning", KEL_IDLE_SECONDS="1"):
             self.start("--config", str(file))
-            self.assertEqual(len(os.listdir(f"/proc/{self.process.pid}/task")), 4)  # the file's workers and the network's thread
+            self.assertEqual(len(os.listdir(f"/proc/{self.process.pid}/task")), 5)  # the file's, the operator's, the network's
             start = time.monotonic()
             self.assertEqual(self.connect().recv(1), b"")  # the environment's time
             self.assertLess(time.monotonic() - start, 5)
@@ -290,7 +290,7 @@ class Commands(DeployedTest):
         with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
             database.execute("DROP TABLE requirement_set")
         database.close()
-        self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (500, b""))
+        self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (503, b""))
 
 
 if __name__ == "__main__":
