@@ -2,13 +2,16 @@
 
 import http.client
 import os
+import re
 import resource
 import signal
 import socket
 import sqlite3
+import statistics
 import threading
 import time
 import unittest.mock
+from pathlib import Path
 
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
 from harness import API_KEY
@@ -161,6 +164,29 @@ class Crowds(DeployedTest):
         for connection in half:
             connection.close()
         return status
+
+
+class Thousands(DeployedTest):
+    settings = ("--request-seconds", "60", "--idle-seconds", "60", "--connections", "25000")
+
+    def test_ten_thousand_clients_that_wait_or_dawdle_cost_the_others_nothing(self):
+        limits = resource.getrlimit(resource.RLIMIT_NOFILE)
+        self.addCleanup(resource.setrlimit, resource.RLIMIT_NOFILE, limits)
+        resource.setrlimit(resource.RLIMIT_NOFILE, (limits[1], limits[1]))
+        for begin, kilobytes in ((b"", 10), (HEAD + b"Content-Length: 1000\r\n\r\n<", 20)):
+            crowd = [self.connect(begin) for _ in range(min(10_000, limits[1] - 200))]
+            times = []
+            for number in range(100):
+                for slow in crowd[number * 20:number * 20 + 20] if begin else ():
+                    slow.sendall(b" ")
+                start = time.monotonic()
+                self.assertEqual(self.ask("POST", UPLOAD, REPORT.format("s"))[0], 200)
+                times.append(time.monotonic() - start)
+            self.assertLess(statistics.median(times), 0.1)
+            memory = re.search(r"VmRSS:\s*(\d+)", Path(f"/proc/{self.process.pid}/status").read_text("ascii"))
+            self.assertLess(int(memory[1]), 20_000 + kilobytes * len(crowd))
+            for connection in crowd:
+                connection.close()
 
 
 class Ends(DeployedTest):
