@@ -77,7 +77,9 @@ class Bodies(DeployedTest):
             self.assertEqual(self.talk(garbage)[9:12], b"400", garbage)
 
     def test_pages_are_those_of_the_development_service(self):
-        self.require("r", (1, "M", "at least", "4 GB", "<A>"), (1, "N", "at most", "4 GB", "B"), (2, "O", "any", "", "C"))
+        self.require("r", (1, "M", "at least", "4 GB", "<A>"), (1, "N", "at most", "4 GB", "B"), (2, "O", "any", "", "C"),
+                     {"label": "P", "any of": [{"id": 1, "comparison": "any"}, {"id": 2, "comparison": "no"}]},
+                     {"label": "Q", "id": 2, "comparison": "yes", "advice": "D", "recommended": True})
         self.ask("POST", UPLOAD, REPORT.format("s"))
         for name in ("xml", "html", "json"):
             request = analysis("s", name)
@@ -243,17 +245,11 @@ class Commands(DeployedTest):
         self.assertIn("version=1", self.command("import", self.folder))
         self.require("r", (2, "M", "any"))
         self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
-        line = '{"id": 3, "label": "L", "comparison": "%s", "needed": "%s"}'
-        for name, text, reason in (
-                ("a", "{", "parse error"), ("a", '{"title": "T"}', "requirements"),
-                ("é", '{"title": "", "requirements": []}', "name"),
-                ("a", line % ("any", "") + ",", "parse error"), ("a", line.replace("3", '"x"') % ("any", ""), "no whole number"),
-                ("a", line % ("about", "2"), "'about' is no comparison"), ("a", line % ("at least", "many"), "not 'many'"),
-                ("a", line % ("at most", "1280x720"), "needs a number"),
-                ("a", line % ("at least version", "9.x"), "needs a version"), ("a", line % ("contains", " "), "needs a text")):
-            with self.subTest(text):
+        for name, text, reason in (("a", "{", "parse error"), ("a", "\xff", "no UTF-8"), ("a", "[" * 1_000_000, "parse error"),
+                                   ("é", '{"title": "", "requirements": []}', "name")):
+            with self.subTest(text[:9]):
                 path = self.folder / f"{name}.json"
-                path.write_text(f'{{"title": "T", "requirements": [{line % ("any", "")}, {text}]}}' if "label" in text else text)
+                path.write_text(text, "latin-1")
                 (self.folder / "r.json").write_text('{"title": "T", "requirements": []}')
                 log = self.command("import", self.folder, code=1)
                 self.assertIn(reason, log)
