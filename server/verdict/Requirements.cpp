@@ -16,12 +16,11 @@ namespace {
 using nlohmann::json;
 
 constexpr int LargestId = 0x7FFFFFFF;
-constexpr std::size_t LongestEcho = 60;     // bytes of the file that a reason repeats
-constexpr std::size_t LongestReason = 300;  // bytes of the parser's
+constexpr std::size_t LongestEcho = 60;  // bytes of the file that a reason repeats
 
 std::string Quoted(std::string_view text)
 {
-    return "'" + Shortened(text, LongestEcho) + "'";
+    return "'" + (IsXmlText(text) ? Shortened(text, LongestEcho) : "…") + "'";
 }
 
 /// Refuses what is no object, and names other than these: a misspelt one would change what the line means.
@@ -144,8 +143,10 @@ json Parse(std::string_view text)
     try {
         return json::parse(text);
     } catch (const json::exception& error) {
-        const std::string_view reason(error.what());  // "[json.exception.…] parse error at line 1, …"
-        throw std::runtime_error(Shortened(reason.substr(reason.find("] ") + 2), LongestReason));
+        // "[…] parse error at line 1, …; last read: '…'", which may end in the middle of a character.
+        const std::string reason = error.what();
+        const std::size_t start = reason.find("] ") + 2;
+        throw std::runtime_error(reason.substr(start, reason.find("; last read") - start));
     }
 }
 
