@@ -42,9 +42,12 @@ auto TryRead(Read read, std::string_view text) -> std::optional<decltype(read(te
 
 /// One that the generator may change no more, picked by the text that is tried.
 template <typename Read>
-auto Partner(const char* name, Read read, const std::string& text)
+const auto& Partner(const char* name, Read read, const std::string& text)
 {
-    return read(Narrow(samples[name][text.size() % samples[name].size()]));
+    static std::vector<decltype(read(text))> partners;
+    for (std::size_t i = partners.size(); i < samples[name].size(); ++i)
+        partners.push_back(read(Narrow(samples[name][i])));
+    return partners[text.size() % partners.size()];
 }
 
 std::string Encoded(const std::string& text)
@@ -157,13 +160,13 @@ bool TryTarget(const std::string& text)
 
 bool TryReport(const std::string& text)
 {
-    const auto requirements = Partner("requirements", Requirements::Read, text);
+    const Requirements& requirements = Partner("requirements", Requirements::Read, text);
     const auto report = TryRead(Report::Read, text);
     if (report) {
         Expect(!report->Text(Report::Session).empty(), "a session");
         Judges(requirements, *report);
     }
-    if (IsXmlText(text)) {
+    if (text.size() % 2 == 0 && IsXmlText(text)) {  // half of them, for the time that it takes
         const Report with =
             Report::Read("<groups><group id='71424'><value>s</value></group><group id='1'><value>" +
                          Escape(text) + "</value></group></groups>");
@@ -268,6 +271,12 @@ bool Runs(const Parser& parser)
 
 }  // namespace
 }  // namespace kel::server
+
+/// Less for the sanitizer to remember, in half of the time.
+extern "C" const char* __asan_default_options()
+{
+    return "malloc_context_size=2:quarantine_size_mb=8";
+}
 
 int main()
 {
