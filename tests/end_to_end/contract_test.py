@@ -50,7 +50,8 @@ class Contract(Client):
         return re.findall(r'<(?:analysis|requirement) result="(\w+)"', answer)
 
     def test_values_compare_as_what_they_are(self):
-        rows = [*COMPARISONS, ("at least version", "9" * 5000, "9", "unknown")]
+        rows = [*COMPARISONS, ("at least version", "9" * 5000, "9", "unknown"), ("contains", "é" * 32769, "é", "unknown"),
+                ("contains", "x" + "é" * 32767, "é", "pass")]
         self.require("table", *((number, found[:40], comparison, needed) for number, (comparison, found, needed, _) in
                                 enumerate(rows, 1)), (9999, "the report lacks it", "no"))
         values = "".join(f'<group id="{number}"><value>{escape(row[1])}</value></group>' for number, row in enumerate(rows, 1))
@@ -58,6 +59,8 @@ class Contract(Client):
         for row, result in zip((*rows, ("", "", "", "unknown")), self.results("table", "s")[1:], strict=True):
             with self.subTest(row):
                 self.assertEqual(result, row[-1])
+        told = self.ask("POST", "/service/Analysis/table", analysis("s"))[1].decode()
+        self.assertIn(f"<found>x{'é' * 499}…</found>", told)  # of a thousand bytes, whole characters
 
     def test_alternatives_and_recommendations_are_judged(self):
         lines = {name: json.loads(line) for name, line in (row.split(": ", 1) for row in SETS)}

@@ -1,6 +1,7 @@
 """The deployed service alone: hostile clients, signals and kills, its database, commands and settings."""
 
 import http.client
+import json
 import os
 import resource
 import signal
@@ -85,6 +86,14 @@ class Bodies(DeployedTest):
             request = analysis("s", name)
             told = judge(load_requirements(self.folder, "r"), parse_report(REPORT.format("s")), parse_analysis(request))
             self.assertEqual(self.ask("POST", "/service/Analysis/r", request)[1].decode(), render(told, name)[1])
+        with sqlite3.connect(self.folder / "kel.db") as database:
+            lines = json.loads(database.execute("SELECT lines FROM verdict").fetchone()[0])
+        database.close()
+        parts = [{"id": 1, "needed": "any", "found": "8.0 GB", "result": "pass"},
+                 {"id": 2, "needed": "no", "found": "", "result": "unknown"}]
+        self.assertEqual(lines[2:], [{"id": 2, "found": "", "result": "unknown"},
+                                     {"id": 1, "found": "8.0 GB; –", "result": "pass", "any of": parts},
+                                     {"id": 2, "found": "", "result": "unknown", "recommended": True}])
 
     def test_a_log_line_is_one_line(self):
         self.ask("POST", UPLOAD, REPORT.format("s&#10;time=0 level=error event=forged &quot;\\é"))

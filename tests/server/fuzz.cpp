@@ -77,9 +77,12 @@ void Judges(Requirements requirements, const Report& report)
     Tally tally;
     tally.Count(verdict);
     tally.Count(verdict);
-    for (const LineTally& line : tally.lines)
-        Expect(line.pass + line.fail + line.unknown == 2 && tally.pass + tally.fail + tally.unknown == 2,
-               "a tally of both");
+    const auto of = [](const Counts& counts, Result result) {
+        return result == Result::Pass ? counts.pass : result == Result::Fail ? counts.fail : counts.unknown;
+    };
+    Expect(of(tally, verdict.total) == 2, "a tally of the total");
+    for (std::size_t i = 0; i < verdict.lines.size(); ++i)
+        Expect(of(tally.lines[i], verdict.lines[i].result) == 2, "a tally of each line");
     std::erase_if(requirements.lines, [](const Requirement& line) { return line.recommended; });
     Expect(Judge(requirements, report).total == verdict.total, "recommendations without a say");
 }
