@@ -50,9 +50,9 @@ std::vector<FullReport> ReportsIn(const SqlRows& rows)
     return reports;
 }
 
-/// Ids ascend with the time, but for reports that arrive together: so far apart they may be swapped. Without
-/// such bounds a look into the past would walk through everything that is newer.
-const std::string Swapped = "1000";
+/// Ids ascend with the time but for what clocks differ by that are set right, or are several front ends':
+/// milliseconds. Without bounds by id a look into the past would walk through everything that is newer.
+constexpr std::int64_t Disorder = 3'600'000;
 
 }  // namespace
 
@@ -68,30 +68,30 @@ std::vector<ReportLine> SqlStore::Reports(const ReportFilter& filter)
         conditions.text +=
             " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
             "WHERE other.report = verdict.report)";
-    } else if (!filter.referrer.empty()) {
-        conditions.Add("report.referrer = ?", filter.referrer);
     }
+    if (!filter.referrer.empty())
+        conditions.Add("report.referrer = ?", filter.referrer);
     if (!filter.session.empty())
         conditions.Add("session = ?", filter.session);
+    // The plus keeps the index of the times out of it, which would have the whole span sorted.
     if (filter.from > 0) {
-        conditions.Add("received >= ?", filter.from);
-        conditions.Add(
-            id + " >= coalesce((SELECT id FROM report WHERE received >= ? ORDER BY received LIMIT 1), 0) - " +
-                Swapped,
-            filter.from);
+        conditions.Add("+received >= ?", filter.from);
+        conditions.Add(id + " > coalesce((SELECT id FROM report WHERE received < ? "
+                            "ORDER BY received DESC LIMIT 1), 0)",
+                       filter.from - Disorder);
     }
     if (filter.until > 0) {
-        conditions.Add("received < ?", filter.until);
-        conditions.Add(id +
-                           " <= coalesce((SELECT id FROM report WHERE received < ? ORDER BY received DESC "
-                           "LIMIT 1), 0) + " +
-                           Swapped,
-                       filter.until);
+        conditions.Add("+received < ?", filter.until);
+        conditions.Add(id + " < coalesce((SELECT id FROM report WHERE received >= ? "
+                            "ORDER BY received LIMIT 1), 9223372036854775807)",
+                       filter.until + Disorder);
     }
     if (filter.beforeId > 0)
         conditions.Add(id + " < ?", filter.beforeId);
-    if (filter.afterId >= 0)
+    if (filter.afterId >= 0) {
         conditions.Add(id + " > ?", filter.afterId);
+        conditions.Add(id + " <= ?", readers->Borrow()->SettledReport());
+    }
     conditions.values.emplace_back(std::int64_t{filter.count});
     const std::string tables = byTotal
                                    ? "verdict.total FROM verdict JOIN report ON report.id = verdict.report"
@@ -123,7 +123,7 @@ std::vector<StoredVerdict> SqlStore::RecentVerdicts(const std::string& referrer,
 {
     return VerdictsIn(Read(VerdictColumns +
                                "WHERE verdict.referrer = (SELECT id FROM referrer WHERE name = $1) "
-                               "ORDER BY verdict.report DESC, requirement_set.id DESC LIMIT $2",
+                               "ORDER BY verdict.report DESC, verdict.requirement_set DESC LIMIT $2",
                            {referrer, std::int64_t{count}}));
 }
 
@@ -152,25 +152,27 @@ std::vector<FullReport> SqlStore::RecentReports(const std::string& referrer, int
 
 int SqlStore::DeleteOlder(std::int64_t time, int most)
 {
-    return static_cast<int>(Write("DELETE FROM report WHERE id IN (SELECT id FROM report WHERE received < $1 "
-                                  "ORDER BY received LIMIT $2) RETURNING id",
-                                  {time, std::int64_t{most}})
-                                .size());
+    return Delete("received < $1 ORDER BY received", time, most);
 }
 
 int SqlStore::DeleteSession(const std::string& session, int most)
 {
-    return static_cast<int>(Write("DELETE FROM report WHERE id IN (SELECT id FROM report WHERE session = $1 "
-                                  "ORDER BY id LIMIT $2) RETURNING id",
-                                  {session, std::int64_t{most}})
-                                .size());
+    return Delete("session = $1 ORDER BY id", session, most);
 }
 
 int SqlStore::DeleteMachine(const std::string& machine, int most)
 {
-    return static_cast<int>(Write("DELETE FROM report WHERE id IN (SELECT id FROM report WHERE machine = $1 "
-                                  "AND machine <> '' ORDER BY id LIMIT $2) RETURNING id",
-                                  {machine, std::int64_t{most}})
+    return Delete("machine = $1 AND machine <> '' ORDER BY id", machine, most);
+}
+
+int SqlStore::Delete(const std::string& condition, SqlValue value, int most)
+{
+    const auto connection = writers->Borrow();
+    const std::string rows = "SELECT id FROM report WHERE " + condition + " LIMIT $2";
+    return static_cast<int>(connection
+                                ->Query("DELETE FROM report WHERE id IN (" + rows +
+                                            std::string(connection->SkipLocked()) + ") RETURNING id",
+                                        {value, std::int64_t{most}})
                                 .size());
 }
 

@@ -55,6 +55,7 @@ public:
 private:
     SqlRows Read(const std::string& sql, const std::vector<SqlValue>& values = {});
     SqlRows Write(const std::string& sql, const std::vector<SqlValue>& values);
+    int Delete(const std::string& condition, SqlValue value, int most);
 
     std::shared_ptr<SqlPool> readers, writers;
 };

@@ -45,6 +45,8 @@ CREATE TABLE login_session (
     form_token TEXT NOT NULL,
     ends INTEGER NOT NULL
 ) STRICT;
+CREATE INDEX login_by_account ON login_session (account);
+CREATE INDEX login_by_end ON login_session (ends);
 
 CREATE TABLE audit (
     id INTEGER PRIMARY KEY AUTOINCREMENT,
