@@ -9,7 +9,7 @@ targets=("${@:2}")
 if [ "$preset" = server ]; then
   scripts/setup.sh --server
   cmake -S server -B build/server -G Ninja >/dev/null
-  exec cmake --build build/server
+  exec cmake --build build/server ${targets[0]:+--target "${targets[@]}"}
 fi
 scripts/setup.sh
 cmake --preset "$preset" >/dev/null
