@@ -1,4 +1,6 @@
 // The part of SqlStore that looks through reports and verdicts.
+#include <algorithm>
+
 #include "server/store/SqlStore.h"
 
 namespace kel::server {
@@ -58,40 +60,34 @@ constexpr std::int64_t Disorder = 3'600'000;
 
 std::vector<ReportLine> SqlStore::Reports(const ReportFilter& filter)
 {
+    // A session has few reports: what goes with it is kept from other indexes, here by the empty text and the
+    // plus. So is the time, by which the whole span would have to be sorted.
+    const bool bySession = !filter.session.empty();
     const bool byTotal = !filter.total.empty();
-    const std::string id = byTotal ? "verdict.report" : "report.id";
+    const std::string id = byTotal && !bySession ? "verdict.report" : "report.id";
+    const std::string apart = bySession ? " || ''" : "";
     Conditions conditions;
+    const auto [after, before] = Span(filter);
+    conditions.Add(id + " > ?", after);
+    conditions.Add(id + " < ?", before);
+    if (bySession)
+        conditions.Add("session = ?", filter.session);
+    if (!filter.referrer.empty())
+        conditions.Add("report.referrer" + apart + " = ?", filter.referrer);
     if (byTotal) {
-        conditions.Add("verdict.total = ?", filter.total);
+        conditions.Add("verdict.total" + apart + " = ?", filter.total);
         if (!filter.referrer.empty())
-            conditions.Add("verdict.referrer = (SELECT id FROM referrer WHERE name = ?)", filter.referrer);
+            conditions.Add(std::string(bySession ? "+" : "") +
+                               "verdict.referrer = (SELECT id FROM referrer WHERE name = ?)",
+                           filter.referrer);
         conditions.text +=
             " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
             "WHERE other.report = verdict.report)";
     }
-    if (!filter.referrer.empty())
-        conditions.Add("report.referrer = ?", filter.referrer);
-    if (!filter.session.empty())
-        conditions.Add("session = ?", filter.session);
-    // The plus keeps the index of the times out of it, which would have the whole span sorted.
-    if (filter.from > 0) {
+    if (filter.from > 0)
         conditions.Add("+received >= ?", filter.from);
-        conditions.Add(id + " > coalesce((SELECT id FROM report WHERE received < ? "
-                            "ORDER BY received DESC LIMIT 1), 0)",
-                       filter.from - Disorder);
-    }
-    if (filter.until > 0) {
+    if (filter.until > 0)
         conditions.Add("+received < ?", filter.until);
-        conditions.Add(id + " < coalesce((SELECT id FROM report WHERE received >= ? "
-                            "ORDER BY received LIMIT 1), 9223372036854775807)",
-                       filter.until + Disorder);
-    }
-    if (filter.beforeId > 0)
-        conditions.Add(id + " < ?", filter.beforeId);
-    if (filter.afterId >= 0) {
-        conditions.Add(id + " > ?", filter.afterId);
-        conditions.Add(id + " <= ?", readers->Borrow()->SettledReport());
-    }
     conditions.values.emplace_back(std::int64_t{filter.count});
     const std::string tables = byTotal
                                    ? "verdict.total FROM verdict JOIN report ON report.id = verdict.report"
@@ -105,6 +101,34 @@ std::vector<ReportLine> SqlStore::Reports(const ReportFilter& filter)
     for (const SqlRow& row : rows)
         lines.push_back({row.Number(0), row.Text(1), row.Text(2), row.Number(3), row.Text(4)});
     return lines;
+}
+
+/// The ids that all reports of the filter lie between.
+std::pair<std::int64_t, std::int64_t> SqlStore::Span(const ReportFilter& filter)
+{
+    const auto connection = readers->Borrow();
+    std::int64_t after = 0;
+    std::int64_t before = std::numeric_limits<std::int64_t>::max();
+    if (filter.beforeId > 0)
+        before = filter.beforeId;
+    if (filter.afterId >= 0) {
+        after = filter.afterId;
+        const std::int64_t settled = connection->SettledReport();
+        before = settled < before ? settled + 1 : before;
+    }
+    if (filter.from > 0) {
+        const SqlRows older =
+            connection->Query("SELECT id FROM report WHERE received < $1 ORDER BY received DESC LIMIT 1",
+                              {filter.from - Disorder});
+        after = older.empty() ? after : std::max(after, older[0].Number(0));
+    }
+    if (filter.until > 0) {
+        const SqlRows newer =
+            connection->Query("SELECT id FROM report WHERE received >= $1 ORDER BY received LIMIT 1",
+                              {filter.until + Disorder});
+        before = newer.empty() ? before : std::min(before, newer[0].Number(0));
+    }
+    return {after, before};
 }
 
 std::optional<FullReport> SqlStore::FindReport(std::int64_t report)

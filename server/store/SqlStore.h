@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "server/store/SqlPool.h"
 #include "server/store/Store.h"
@@ -55,6 +56,7 @@ public:
 private:
     SqlRows Read(const std::string& sql, const std::vector<SqlValue>& values = {});
     SqlRows Write(const std::string& sql, const std::vector<SqlValue>& values);
+    std::pair<std::int64_t, std::int64_t> Span(const ReportFilter& filter);
     int Delete(const std::string& condition, SqlValue value, int most);
 
     std::shared_ptr<SqlPool> readers, writers;

@@ -11,6 +11,7 @@ UPDATE verdict SET referrer = requirement_set.referrer
 ALTER TABLE verdict ALTER COLUMN referrer SET NOT NULL;
 CREATE INDEX verdict_by_referrer ON verdict (referrer, report, total);
 CREATE INDEX verdict_by_total ON verdict (total, report);
+CREATE INDEX verdict_by_both ON verdict (referrer, total, report);
 
 -- A draft that was published or dropped stays as an empty text, so that its revision never comes again.
 CREATE TABLE draft (
