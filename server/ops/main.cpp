@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -110,6 +111,7 @@ int Run(std::vector<std::string> arguments)
 
 int main(int count, char** arguments)
 {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is as a disk that is full, and no end
     try {
         return Run({arguments + 1, arguments + count});
     } catch (const std::exception& error) {

@@ -29,10 +29,14 @@ std::unique_ptr<Store> OpenStore(const StoreSettings& settings)
         return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
     };
     RequireCurrent(*open());
-    auto connections = std::make_shared<SqlPool>(open, settings.connections);
-    // One writer to a file: they would wait for each other in any case, and here they do so without polling.
-    return std::make_unique<SqlStore>(connections,
-                                      isServer ? connections : std::make_shared<SqlPool>(open, 1));
+    auto readers = std::make_shared<SqlPool>(open, settings.connections);
+    auto writers = readers;
+    if (!isServer) {
+        // One writer: they would wait for each other in any case, and here they do so without polling.
+        writers = std::make_shared<SqlPool>(open, 1);
+        writers->Join(*readers);
+    }
+    return std::make_unique<SqlStore>(std::move(readers), std::move(writers));
 }
 
 std::unique_ptr<SqlConnection> OpenForMigration(const StoreSettings& settings)

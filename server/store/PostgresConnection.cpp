@@ -17,8 +17,10 @@ using std::chrono::steady_clock;
 constexpr int Unavailable = 503;
 // The server ends a statement first, and the connection stays good.
 constexpr std::chrono::seconds Longest{15}, LongestMigration{24 * 3600};
-constexpr const char* Limits =
-    "SET statement_timeout = '10s'; SET idle_in_transaction_session_timeout = '30s'";
+// A plan for any value would walk through everything for one that is rare.
+constexpr const char* Settings =
+    "SET statement_timeout = '10s'; SET idle_in_transaction_session_timeout = '30s'; "
+    "SET plan_cache_mode = force_custom_plan";
 constexpr const char* MigrationLock = "SELECT pg_advisory_xact_lock(1262832723)";  // "KELS"
 
 /// The events of these that have come; waits until then or the end.
@@ -54,7 +56,7 @@ PostgresConnection::PostgresConnection(const std::string& address, Patience pati
         Get(), [](void*, const char*) {}, nullptr);
     PQsetnonblocking(Get(), 1);
     if (patience == Patience::Request)
-        Execute(Limits);
+        Execute(Settings);
 }
 
 SqlRows PostgresConnection::Run(const std::string& sql, const std::vector<SqlValue>& values)

@@ -53,6 +53,8 @@ public:
     /// Whether the connection is of no use any more.
     virtual bool IsBroken() = 0;
 
+    /// What keeps a column from an index, put before it; empty where the database knows what it does.
+    virtual std::string_view NoIndex() const { return {}; }
     /// What a SELECT ends with whose rows are about to be deleted, so that two who delete do not wait for
     /// each other; empty where only one can write.
     virtual std::string_view SkipLocked() const { return {}; }

@@ -45,10 +45,27 @@ SqlPool::Lease SqlPool::Borrow()
     }
 }
 
+void SqlPool::Join(SqlPool& other)
+{
+    joined = &other;
+    other.joined = this;
+}
+
+void SqlPool::Drop()
+{
+    std::vector<std::unique_ptr<SqlConnection>> dropped;
+    const std::lock_guard lock(turn);
+    dropped.swap(free);
+}
+
 void SqlPool::Return(std::unique_ptr<SqlConnection> connection)
 {
-    if (connection && connection->IsBroken())
+    if (connection && connection->IsBroken()) {
         connection.reset();
+        Drop();
+        if (joined)
+            joined->Drop();
+    }
     const std::lock_guard lock(turn);
     --lent;
     if (connection)

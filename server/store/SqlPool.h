@@ -41,8 +41,12 @@ public:
 
     /// Waits some seconds for a connection; throws Fault 503 when none becomes free, or none can be opened.
     Lease Borrow();
+    /// A connection that breaks in either of both pools breaks those that rest in the other: SQLite shares
+    /// what it knows of a file among all connections of a process.
+    void Join(SqlPool& other);
 
 private:
+    void Drop();
     void Return(std::unique_ptr<SqlConnection> connection);
 
     Open open;
@@ -53,6 +57,7 @@ private:
     std::size_t lent = 0;
     std::chrono::steady_clock::time_point retry;  // until then opening fails with what it failed with
     std::string failure;
+    SqlPool* joined = nullptr;
 };
 
 }  // namespace kel::server

@@ -22,6 +22,7 @@ public:
     void Execute(const std::string& sql) override;
     void Begin() override { Execute("BEGIN IMMEDIATE"); }
     bool IsBroken() override { return broken || sqlite3_get_autocommit(Get()) == 0; }
+    std::string_view NoIndex() const override { return "+"; }
     std::span<const char* const> Migrations() const override;
     int Version() override;
     void SetVersion(int version) override;

@@ -78,6 +78,10 @@ class Server:
         self.process.send_signal(number)
         self.process.wait(20)
 
+    def start_again(self):
+        if self.process.poll() is not None:
+            self.start()
+
     def psql(self, name, sql):
         return [self.programs / "psql", "-XqAt", "-v", "ON_ERROR_STOP=1", "-d", self.address(name), "-c", sql]
 

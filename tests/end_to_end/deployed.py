@@ -29,7 +29,7 @@ class Client:
 
     def ask(self, verb, path, body="", address=None):
         """One request on a connection of its own: its status and the bytes of the answer."""
-        connection = http.client.HTTPConnection(address or self.address, timeout=10)
+        connection = http.client.HTTPConnection(address or self.address, timeout=30)
         self.addCleanup(connection.close)
         connection.request(verb, path, body.encode() if isinstance(body, str) else body)
         answer = connection.getresponse()

@@ -218,7 +218,7 @@ class Ends(DeployedTest):
 
     def test_a_kill_loses_no_report_that_was_acknowledged(self):
         self.require("r", (1, "M", "any"))
-        for run in range(3):
+        for run, durability in enumerate(("normal", "full", "full")):
             kept = []
             threads = [threading.Thread(target=self.upload_until_the_end, args=(f"{run}-{thread}", kept)) for thread in range(4)]
             for thread in threads:
@@ -229,7 +229,7 @@ class Ends(DeployedTest):
                 thread.join()
             self.assertGreater(len(kept), 20)
             self.process.wait()
-            self.start()
+            self.start("--durability", durability)
             self.database.check()
             self.assertLessEqual(set(kept), {row[0] for row in self.database.run("SELECT session FROM report")})
             self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis(kept[-1]))[1])
