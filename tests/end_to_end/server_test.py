@@ -7,13 +7,14 @@ import re
 import resource
 import signal
 import socket
-import sqlite3
 import statistics
 import threading
 import time
+import unittest
 import unittest.mock
 from pathlib import Path
 
+from databases import KIND
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
 from harness import API_KEY
 from reports import parse_analysis, parse_report
@@ -228,7 +229,7 @@ class Ends(DeployedTest):
 
     def test_a_kill_loses_no_report_that_was_acknowledged(self):
         self.require("r", (1, "M", "any"))
-        for run in range(3):
+        for run, durability in enumerate(("normal", "full", "full")):
             kept = []
             threads = [threading.Thread(target=self.upload_until_the_end, args=(f"{run}-{thread}", kept)) for thread in range(4)]
             for thread in threads:
@@ -239,11 +240,9 @@ class Ends(DeployedTest):
                 thread.join()
             self.assertGreater(len(kept), 20)
             self.process.wait()
-            self.start()
-            with sqlite3.connect(self.folder / "kel.db") as database:
-                self.assertEqual(database.execute("PRAGMA integrity_check").fetchone(), ("ok",))
-                self.assertLessEqual(set(kept), {row[0] for row in database.execute("SELECT session FROM report")})
-            database.close()
+            self.start("--durability", durability)
+            self.database.check()
+            self.assertLessEqual(set(kept), {row[0] for row in self.database.run("SELECT session FROM report")})
             self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis(kept[-1]))[1])
 
     def upload_until_the_end(self, name, kept):
@@ -261,14 +260,18 @@ class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
         self.stop()
         self.assertIn("version=2", self.command("migrate"))
-        for sql, commands, reason in (("PRAGMA user_version = 99", ("serve", "migrate"), "newer than 2"),
-                                      ("PRAGMA user_version = 0", ("serve",), "run the command migrate"),
-                                      ("PRAGMA application_id = 7", ("serve", "migrate"), "another program's")):
-            with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
-                database.execute(sql)
-            database.close()
+        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 2"),
+                                      (self.database.version % 0, ("serve",), "run the command migrate"),
+                                      (self.database.foreign, ("serve", "migrate"), "another program's")):
+            self.database.run(sql)
             for command in commands:
                 self.assertIn(reason, self.command(command, code=1))
+        self.database.setting = "postgresql://127.0.0.1:9/kel"
+        self.assertIn("Connection refused", self.command("serve", code=1))
+
+    @unittest.skipUnless(KIND == "sqlite", "of a file")
+    def test_a_file_that_is_no_database_is_not_served(self):
+        self.stop()
         (self.folder / "kel.db").write_text("no database at all, but a text of some length")
         self.assertIn("not a database", self.command("serve", code=1))
         (self.folder / "kel.db").unlink()
@@ -318,9 +321,7 @@ class Commands(DeployedTest):
         self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (200, b"ok\n"))
         self.assertEqual(self.ask("GET", "/healthz"), (404, b""))
         self.assertEqual(self.ask("GET", WANTED, address=self.admin), (404, b""))
-        with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
-            database.execute("DROP TABLE requirement_set")
-        database.close()
+        self.database.run("ALTER TABLE requirement_set RENAME TO gone")
         self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (503, b""))
 
 
