@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "server/admin/Settings.h"
 #include "server/http/Server.h"
 #include "server/store/OpenStore.h"
 
@@ -12,6 +13,7 @@ namespace kel::server {
 struct Config {
     Doors doors{"127.0.0.1", 8080, 8081, 2, {}};
     StoreSettings store;
+    AdminSettings admin;
     std::string portFile;  // receives the public port once the service listens
     std::string adminPortFile;
     std::string logLevel = "info";

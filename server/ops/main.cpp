@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "server/admin/Site.h"
 #include "server/base/Log.h"
 #include "server/http/Server.h"
+#include "server/ops/Accounts.h"
 #include "server/ops/Config.h"
 #include "server/ops/Import.h"
 #include "server/ops/Routes.h"
@@ -25,7 +27,13 @@ constexpr const char* Usage =
     "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
     "  serve        answers the control until it is told to stop\n"
     "  migrate      makes the database, or brings it to this program's version\n"
-    "  import DIR   publishes the requirements of the folder's <referrer>.json files\n";
+    "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
+    "  user add editor|reader NAME\n"
+    "               makes an account, or gives it another password and role; the password is a line on\n"
+    "               standard input\n"
+    "  user remove NAME, user list\n"
+    "  token add NAME [DAYS]\n"
+    "               prints a new token of that account for programs\n";
 
 /// Under another name first, so that whoever waits for the file never reads half a port.
 void WritePort(const std::string& path, std::uint16_t port)
@@ -40,7 +48,10 @@ void RunServe(const Config& config)
 {
     const std::unique_ptr<Store> store = OpenStore(config.store);
     Service service(*store);
-    const Router open = PublicRoutes(service), admin = AdminRoutes(*store);
+    Site site(*store, config.admin);
+    const Router open = PublicRoutes(service);
+    Router admin = AdminRoutes(*store);
+    site.AddTo(admin);
     Serve(
         config.doors, [&](const Request& request) { return open.Handle(request); },
         [&](const Request& request) { return admin.Handle(request); },
@@ -81,7 +92,10 @@ int Run(std::vector<std::string> arguments)
         RunMigrate(config);
     } else if (command == "import" && arguments.size() == 2) {
         Import(arguments[1], *OpenStore(config.store));
-    } else {
+    } else if (command != "user" && command != "token") {
+        std::cerr << Usage;
+        return 2;
+    } else if (!RunAccountCommand(arguments, *OpenStore(config.store), std::cin, std::cout)) {
         std::cerr << Usage;
         return 2;
     }
