@@ -3,11 +3,16 @@
 #include <algorithm>
 
 #include "server/admin/Api.h"
+#include "server/admin/AuditPage.h"
+#include "server/admin/EditorPage.h"
 #include "server/admin/Gate.h"
 #include "server/admin/Layout.h"
 #include "server/admin/LogInPage.h"
 #include "server/admin/OverviewPage.h"
+#include "server/admin/ProductPage.h"
+#include "server/admin/ReportPage.h"
 #include "server/admin/ReportsPage.h"
+#include "server/admin/RequirementsPage.h"
 #include "server/admin/Sessions.h"
 #include "server/admin/Texts.h"
 #include "server/admin/Visit.h"
@@ -46,24 +51,67 @@ struct Route {
 class Site::Parts {
 public:
     Parts(Store& store, const AdminSettings& settings)
-        : sessions(store, settings), logIn(store, sessions), overview(store), reports(store)
+        : sessions(store, settings),
+          logIn(store, sessions),
+          overview(store),
+          reports(store),
+          report(store),
+          product(store),
+          requirements(store),
+          editor(store, requirements),
+          audit(store),
+          api(store)
     {
-        routes = {
-            {"GET", "/style.css", Access::Open,
-             [](const Visit&) { return Answer::Of("text/css; charset=utf-8", AdminStyle); }},
-            {"GET", "/login", Access::Open, [this](const Visit& visit) { return logIn.Show(visit); }},
-            {"POST", "/login", Access::Open, [this](const Visit& visit) { return logIn.LogIn(visit); }},
-            {"POST", "/logout", Access::Reader, [this](const Visit& visit) { return logIn.LogOut(visit); }},
-            {"GET", "/", Access::Reader, [this](const Visit& visit) { return overview.Show(visit); }},
-            {"GET", "/reports", Access::Reader, [this](const Visit& visit) { return reports.Show(visit); }},
-        };
+        const auto style = [](const Visit&) { return Answer::Of("text/css; charset=utf-8", AdminStyle); };
+        Add("GET", "/style.css", Access::Open, style);
+        Add("GET", "/login", Access::Open, logIn, &LogInPage::Show);
+        Add("POST", "/login", Access::Open, logIn, &LogInPage::LogIn);
+        Add("POST", "/logout", Access::Reader, logIn, &LogInPage::LogOut);
+        Add("GET", "/", Access::Reader, overview, &OverviewPage::Show);
+        Add("GET", "/values", Access::Reader, ShowValues);
+        Add("GET", "/audit", Access::Editor, audit, &AuditPage::Show);
+        Add("GET", "/reports", Access::Reader, reports, &ReportsPage::Show);
+        Add("GET", "/reports/*", Access::Reader, report, &ReportPage::Show);
+        Add("GET", "/reports/*/delete", Access::Editor, report, &ReportPage::AskToDelete);
+        Add("POST", "/reports/*/delete", Access::Editor, report, &ReportPage::Delete);
+        Add("GET", "/products/*", Access::Reader, product, &ProductPage::Show);
+        Add("GET", "/products/*/version", Access::Reader, requirements, &RequirementsPage::ShowVersion);
+        Add("GET", "/products/*/requirements", Access::Reader, requirements, &RequirementsPage::Show);
+        Add("GET", "/new", Access::Editor, requirements, &RequirementsPage::Begin);
+        Add("POST", "/products/*/requirements", Access::Editor, editor, &EditorPage::Act);
+        Add("POST", "/products/*/publish", Access::Editor, editor, &EditorPage::Publish);
+        Add("POST", "/products/*/drop", Access::Editor, editor, &EditorPage::Drop);
+        Add("GET", "/api/v1/reports", Access::Reader, api, &Api::Reports);
+        Add("GET", "/api/v1/referrers", Access::Reader, api, &Api::Referrers);
+        Add("GET", "/api/v1/referrers/*/draft", Access::Reader, api, &Api::ReadDraft);
+        Add("PUT", "/api/v1/referrers/*/draft", Access::Editor, api, &Api::WriteDraft);
+        Add("POST", "/api/v1/referrers/*/publish", Access::Editor, api, &Api::Publish);
     }
 
     Sessions sessions;
+    std::vector<Route> routes;
+
+private:
+    void Add(std::string_view method, std::string_view path, Access access, Action action)
+    {
+        routes.push_back({method, path, access, std::move(action)});
+    }
+
+    template <typename Part, typename Member>
+    void Add(std::string_view method, std::string_view path, Access access, Part& part, Member member)
+    {
+        Add(method, path, access, [&part, member](const Visit& visit) { return (part.*member)(visit); });
+    }
+
     LogInPage logIn;
     OverviewPage overview;
     ReportsPage reports;
-    std::vector<Route> routes;
+    ReportPage report;
+    ProductPage product;
+    RequirementsPage requirements;
+    EditorPage editor;
+    AuditPage audit;
+    Api api;
 };
 
 namespace {
