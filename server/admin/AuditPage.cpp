@@ -30,7 +30,7 @@ Answer AuditPage::Show(const Visit& visit) const
 
 Answer ShowValues(const Visit& visit)
 {
-    Table table("Values by their ids", {{"Id", true}, {"Detector"}, {"What"}});
+    Table table("Values by their ids", {{"Id"}, {"Detector"}, {"What"}});
     for (const ValueName& value : ValueNames)
         table.Add({std::to_string(value.id), value.detector, value.name});
     return Page(visit, "Values",

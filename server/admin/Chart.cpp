@@ -10,11 +10,12 @@ namespace kel::server {
 namespace {
 
 // In units of the picture, which is as wide as its place.
-constexpr int Width = 400, RowHeight = 34, TextBase = 13, BarTop = 18, BarHeight = 10;
+constexpr std::size_t LongestLabel = 45;  // bytes; the table has all of it
+constexpr int Width = 320, RowHeight = 34, TextBase = 13, BarTop = 18, BarHeight = 10;
 
-std::string Number(double number)
+std::string Number(int number)
 {
-    return std::to_string(static_cast<int>(number));
+    return std::to_string(number);
 }
 
 }  // namespace
@@ -27,11 +28,12 @@ Html Chart(const std::string& title, const std::vector<Distribution::Bar>& bars)
         all += bar.count;
     }
     Html picture = Html::Element("title", {}, title);
-    Table table("Figures", {{"Value"}, {"Machines", true}, {"Share", true}});
+    Table table("Figures", {{"Value"}, {"Reports", true}, {"Share", true}});
     int top = 0;
     for (const Distribution::Bar& bar : bars) {
         const int width = std::max(2, bar.count * Width / most);
-        picture += Html::Element("text", {{"x", "0"}, {"y", Number(top + TextBase)}}, bar.label);
+        picture +=
+            Html::Element("text", {{"x", "0"}, {"y", Number(top + TextBase)}}, Cut(bar.label, LongestLabel));
         picture += Html::Element("rect", {{"class", bar.isRest ? "rest" : "bar"},
                                           {"x", "0"},
                                           {"y", Number(top + BarTop)},

@@ -120,6 +120,11 @@ Html Link(const std::string& path, const Html& text)
     return Html::Element("a", {{"href", path}}, text);
 }
 
+Html ButtonLink(const std::string& path, const std::string& label, const std::string& kind)
+{
+    return Html::Element("a", {{"class", "button " + kind}, {"href", path}}, label);
+}
+
 Html Moment(std::int64_t time)
 {
     return Html::Element("time", {{"datetime", IsoTime(time)}}, TimeText(time));

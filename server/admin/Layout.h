@@ -31,6 +31,9 @@ Html Mark(const std::string& total);
 
 Html Link(const std::string& path, const Html& text);
 
+/// A link that looks like a button; the kinds are a button's.
+Html ButtonLink(const std::string& path, const std::string& label, const std::string& kind = "plain");
+
 /// A moment, in UTC.
 Html Moment(std::int64_t time);
 

@@ -27,11 +27,12 @@ std::string LocalPath(const std::string& path)
 Answer Render(const Visit& visit, const std::string& name, const std::string& next, const Html& notice,
               int status)
 {
-    const Html fields = Hidden("next", LocalPath(next)) +
-                        Field("Name", "name", name, "text",
-                              {{"autocomplete", "username"}, {"required", ""}, {"autofocus", ""}}) +
-                        Field("Password", "password", "", "password",
-                              {{"autocomplete", "current-password"}, {"required", ""}}) +
+    // The focus is where the next word goes.
+    Html::Attributes nameIs{{"autocomplete", "username"}, {"required", ""}};
+    Html::Attributes passwordIs{{"autocomplete", "current-password"}, {"required", ""}};
+    (name.empty() ? nameIs : passwordIs).emplace_back("autofocus", "");
+    const Html fields = Hidden("next", LocalPath(next)) + Field("Name", "name", name, "text", nameIs) +
+                        Field("Password", "password", "", "password", passwordIs) +
                         Button("Log in", "primary");
     return Page(
         visit, "Log in",

@@ -51,7 +51,8 @@ Answer OverviewPage::Show(const Visit& visit) const
     if (visit.IsEditor())
         content += NewProductForm();
     content += Html::Element("h2", {}, "Newest reports") +
-               ReportsTable("The newest reports", store.Reports(filter), "No report has come in yet.");
+               ReportsTable("The last ten; all of them are under Reports", store.Reports(filter),
+                            "No report has come in yet.");
     return Page(visit, "Overview", content);
 }
 

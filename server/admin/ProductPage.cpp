@@ -116,8 +116,8 @@ Answer ProductPage::Show(const Visit& visit) const
     const std::string& referrer = ReferrerIn(visit);
     const Totals totals = store.RecentTotals(referrer, RecentCount);
     const Html content = Html::Element("p", {{"class", "buttons"}},
-                                       {Link(ProductPath(referrer) + "/requirements", "Requirements"),
-                                        Link("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
+                                       {ButtonLink(ProductPath(referrer) + "/requirements", "Requirements"),
+                                        ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
                          Html::Element("h2", {}, "The newest verdicts") + FiguresOf(totals) +
                          FailuresOf(referrer) + Html::Element("h2", {}, "What visitors have") +
                          MachinesOf(referrer);

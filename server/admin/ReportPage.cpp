@@ -45,7 +45,7 @@ Html FactsOf(const FullReport& report)
 
 Html ValuesOf(const Report& report)
 {
-    Table table("Values that the control told", {{"Id", true}, {"What"}, {"Index", true}, {"Value"}});
+    Table table("Values that the control told", {{"Id"}, {"What"}, {"Index", true}, {"Value"}});
     std::size_t count = 0;
     for (const auto& [key, value] : report.All()) {
         if (++count > MostValues)
@@ -116,8 +116,7 @@ Answer ReportPage::Show(const Visit& visit) const
     if (visit.IsEditor())
         content += Html::Element(
             "p", {},
-            Html::Element("a", {{"class", "button danger"}, {"href", ReportPath(report.id) + "/delete"}},
-                          "Delete all reports of this session…"));
+            ButtonLink(ReportPath(report.id) + "/delete", "Delete all reports of this session…", "danger"));
     return Page(visit, "Report " + std::to_string(report.id), content);
 }
 

@@ -56,7 +56,7 @@ Html FilterForm(const Visit& visit)
 Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines,
                   const std::string& whenEmpty)
 {
-    Table table(caption, {{"Report", true}, {"Received (UTC)"}, {"Product"}, {"Session"}, {"Verdict"}});
+    Table table(caption, {{"Report"}, {"Received (UTC)"}, {"Product"}, {"Session"}, {"Verdict"}});
     for (const ReportLine& line : lines) {
         table.Add({Link(ReportPath(line.id), std::to_string(line.id)), Moment(line.received),
                    line.referrer.empty() ? Html("–") : Link(ProductPath(line.referrer), line.referrer),

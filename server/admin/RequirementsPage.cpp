@@ -92,8 +92,7 @@ std::string RequirementsPage::NewestText(const std::string& referrer) const
 
 Html RequirementsPage::VersionsOf(const std::string& referrer) const
 {
-    Table table("Published versions, the newest first",
-                {{"Version", true}, {"Published (UTC)"}, {"By"}, {"Text"}});
+    Table table("Published versions, the newest first", {{"Version"}, {"Published (UTC)"}, {"By"}, {"Text"}});
     for (const PublishedSet& set : store.Versions(referrer)) {
         const std::string number = std::to_string(set.version);
         table.Add({number, Moment(set.published), set.author.empty() ? Html("–") : Html::Stored(set.author),
@@ -107,7 +106,7 @@ Answer RequirementsPage::Edit(const Visit& visit, const std::string& text, int r
 {
     const std::string& referrer = ReferrerIn(visit);
     const Html content = result + Editor(visit, text, revision) + Help() + VersionsOf(referrer) +
-                         Html::Element("p", {}, Link(ProductPath(referrer), "To the product's figures"));
+                         Html::Element("p", {}, ButtonLink(ProductPath(referrer), "The product's figures"));
     return Page(visit, "Requirements of " + referrer, content, status);
 }
 
@@ -154,10 +153,7 @@ Answer RequirementsPage::ShowVersion(const Visit& visit) const
     const std::string text = VersionText(referrer, static_cast<int>(WholeNumber(number)));
     Html links = Link(RequirementsPath(referrer), "To the requirements");
     if (visit.IsEditor())
-        links = Html::Element("a",
-                              {{"class", "button"}, {"href", RequirementsPath(referrer) + "?from=" + number}},
-                              "Take into the draft") +
-                links;
+        links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Take into the draft") + links;
     return Page(
         visit, "Version " + number + " of " + referrer,
         Html::Element("pre", {{"tabindex", "0"}}, text) + Html::Element("p", {{"class", "buttons"}}, links));
