@@ -3,6 +3,7 @@
 import json
 import re
 import subprocess
+import time
 import urllib.request
 
 ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
@@ -52,8 +53,14 @@ class Browser:
         strokes = [{"type": kind, "value": key} for key in keys for kind in ("keyDown", "keyUp")]
         self.ask("POST", "/actions", {"actions": [{"type": "key", "id": "keyboard", "actions": strokes}]})
 
-    def text(self, selector="main"):
-        return self.ask("GET", self.find(selector) + "/text")
+    def await_text(self, text, selector="main"):
+        """Until a page shows the text; keys and clicks lead to it in the browser's own time."""
+        script = f"const e = document.querySelector({json.dumps(selector)}); return e ? e.innerText : '';"
+        end = time.monotonic() + 20
+        while text not in (shown := self.run(script)):
+            if time.monotonic() > end:
+                raise AssertionError(f"{text!r} not in {shown!r}")
+            time.sleep(0.05)
 
     def run(self, script):
         return self.ask("POST", "/execute/sync", {"script": script, "args": []})
