@@ -6,6 +6,7 @@
 #include "server/admin/Csv.h"
 #include "server/admin/Texts.h"
 #include "server/base/Text.h"
+#include "server/http/Limits.h"
 #include "server/report/Report.h"
 #include "server/verdict/Requirements.h"
 
@@ -16,7 +17,8 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr int UsualReports = 100, MostReports = 1000;
-constexpr std::size_t MostBytes = 16 * 1024 * 1024;  // of reports in an answer; the rest follows in the next
+constexpr std::size_t MostBytes =
+    16 * Limits::Megabyte;  // of reports in an answer; the rest follows in the next
 
 Answer JsonAnswer(const ordered_json& content, int status = 200)
 {

@@ -43,7 +43,7 @@ Distribution::Place Distribution::PlaceOf(const std::string& value) const
 void Distribution::Add(const std::string* value)
 {
     const Place place = value ? PlaceOf(*value) : Place{};
-    if (place.label.empty())
+    if (place.second.empty())
         ++untold;
     else
         ++counts[place];
@@ -60,8 +60,9 @@ std::vector<Distribution::Bar> Distribution::Bars() const
     if (kind != Kind::Text)
         std::sort(places.begin(), places.end());
     std::vector<Bar> bars;
+    bars.reserve(places.size() + 2);
     for (const auto& [place, count] : places)
-        bars.push_back({place.label, count, false});
+        bars.push_back({place.second, count, false});
     if (other > 0)
         bars.push_back({"other", other, true});
     if (untold > 0)

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace kel::server {
@@ -30,11 +31,7 @@ public:
     std::vector<Bar> Bars() const;
 
 private:
-    struct Place {
-        double order = 0;
-        std::string label;
-        auto operator<=>(const Place&) const = default;
-    };
+    using Place = std::pair<double, std::string>;  // in the order of amounts, and its label
 
     Place PlaceOf(const std::string& value) const;
 

@@ -7,12 +7,13 @@
 #include "server/admin/Trial.h"
 #include "server/base/Log.h"
 #include "server/base/Text.h"
+#include "server/http/Limits.h"
 
 namespace kel::server {
 
 namespace {
 
-constexpr std::size_t LongestText = 1024 * 1024;  // bytes
+constexpr std::size_t LongestText = Limits::Megabyte;  // bytes
 
 Html Confirmation(const Visit& visit, const std::string& action, int revision, const std::string& text,
                   const Html& button)

@@ -1,11 +1,13 @@
 #include "server/admin/Recent.h"
 
+#include "server/http/Limits.h"
+
 namespace kel::server {
 
 namespace {
 
 constexpr std::size_t MostBytes =
-    32 * 1024 * 1024;  // half a second's work; a usual report has some kilobytes
+    32 * Limits::Megabyte;  // half a second's work; a usual report has some kilobytes
 
 }  // namespace
 

@@ -566,9 +566,9 @@ class InABrowser(AdminTest):
         self.assertEqual(self.judged("s1"), "pass")
         browser = Browser(self)
         browser.go(f"http://{self.admin}/reports")
-        browser.press("Edith" + TAB + "wrong" + ENTER)  # the focus is where the first word goes
+        browser.press("Edith" + TAB + "wrong" + ENTER, "name")  # the focus is where the first word goes
         browser.await_text("Name or password is wrong.")
-        browser.press(PASSWORD + ENTER)
+        browser.press(PASSWORD + ENTER, "password")
         browser.await_text("✓ pass", "tbody")
         self.assertEqual(browser.run("return document.cookie"), "")  # no script can read it
         self.upload("s2", v71063="5.0 GB", v71254="2")
@@ -579,6 +579,7 @@ class InABrowser(AdminTest):
         browser.click("button[value=try]")
         browser.await_text("Of the last 2 machines 0 would pass, today 1.")
         browser.click("button[value=publish]")
+        browser.await_text("The draft is saved.")
         self.assertEqual(self.judged("s1"), "pass")
         browser.click("main button.primary")
         browser.await_text("The draft is published.")
@@ -587,7 +588,7 @@ class InABrowser(AdminTest):
         self.sql("UPDATE login_session SET ends = 1")
         browser.click("header nav a")
         browser.await_text("Password")
-        browser.press("Rita" + TAB + PASSWORD + ENTER)
+        browser.press("Rita" + TAB + PASSWORD + ENTER, "name")
         browser.await_text("Rita (reader)", "header")
         browser.go(f"http://{self.admin}/products/demo/requirements")
         self.assertEqual(browser.run("return document.querySelectorAll('textarea, main button').length"), 0)

@@ -48,14 +48,15 @@ class Browser:
         self.ask("POST", field + "/clear", {})
         self.ask("POST", field + "/value", {"text": text})
 
-    def press(self, keys):
-        """Keys for whatever has the focus."""
+    def press(self, keys, where=None):
+        """Keys for whatever has the focus, once that is the field of the id `where`."""
+        self.await_text(where or "", script="return document.activeElement.id")
         strokes = [{"type": kind, "value": key} for key in keys for kind in ("keyDown", "keyUp")]
         self.ask("POST", "/actions", {"actions": [{"type": "key", "id": "keyboard", "actions": strokes}]})
 
-    def await_text(self, text, selector="main"):
+    def await_text(self, text, selector="main", script=None):
         """Until a page shows the text; keys and clicks lead to it in the browser's own time."""
-        script = f"const e = document.querySelector({json.dumps(selector)}); return e ? e.innerText : '';"
+        script = script or f"const e = document.querySelector({json.dumps(selector)}); return e ? e.innerText : '';"
         end = time.monotonic() + 20
         while text not in (shown := self.run(script)):
             if time.monotonic() > end:
