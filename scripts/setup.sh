@@ -9,10 +9,10 @@ packages=(
   cmake ninja-build python3
 )
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
-server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev cmake ninja-build)
+server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake ninja-build)
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
-[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium mono-mcs postgresql)
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver mono-mcs postgresql)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --display ] && packages+=("${display[@]}")
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)

@@ -70,6 +70,17 @@ const Setting Settings[] = {
      }},
     {"request_seconds", [](Config& c, const std::string& text) { c.doors.limits.request = SecondsOf(text); }},
     {"idle_seconds", [](Config& c, const std::string& text) { c.doors.limits.idle = SecondsOf(text); }},
+    {"session_hours",
+     [](Config& c, const std::string& text) {
+         c.admin.sessionHours = static_cast<int>(NumberOf(text, 1, 720));
+     }},
+    {"sso_header",
+     [](Config& c, const std::string& text) {
+         if (text != "on" && text != "off")
+             throw std::runtime_error("needs on or off");
+         c.admin.singleSignOn = text == "on";
+     }},
+    {"admin_host", [](Config& c, const std::string& text) { c.admin.host = text; }},
     {"answer_seconds", [](Config& c, const std::string& text) { c.doors.limits.answer = SecondsOf(text); }},
 };
 

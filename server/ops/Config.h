@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "server/admin/Settings.h"
 #include "server/http/Server.h"
 #include "server/store/OpenStore.h"
 
@@ -15,6 +16,7 @@ namespace kel::server {
 struct Config {
     Doors doors{"127.0.0.1", 8080, 8081, 2, {}};
     StoreSettings store;
+    AdminSettings admin;
     std::string portFile;  // receives the public port once the service listens
     std::string adminPortFile;
     std::string logLevel = "info";

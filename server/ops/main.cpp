@@ -10,8 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "server/admin/Site.h"
 #include "server/base/Log.h"
 #include "server/http/Server.h"
+#include "server/ops/Accounts.h"
 #include "server/ops/Backup.h"
 #include "server/ops/Config.h"
 #include "server/ops/Export.h"
@@ -35,7 +37,13 @@ constexpr const char* Usage =
     "  export DIR   writes each referrer's newest requirements to such files\n"
     "  backup FILE  copies an SQLite database while the service runs\n"
     "  purge --older 90d | --session SESSION | --machine ID\n"
-    "               deletes reports that are older than so many days (d) or hours (h), or of that origin\n";
+    "               deletes reports that are older than so many days (d) or hours (h), or of that origin\n"
+    "  user add editor|reader NAME\n"
+    "               makes an account, or gives it another password and role; the password is a line on\n"
+    "               standard input\n"
+    "  user remove NAME, user list\n"
+    "  token add NAME [DAYS]\n"
+    "               prints a new token of that account for programs\n";
 
 /// Under another name first, so that whoever waits for the file never reads half a port.
 void WritePort(const std::string& path, std::uint16_t port)
@@ -53,7 +61,10 @@ void RunServe(const Config& config)
     std::optional<Retention> retention;
     if (config.keep.count() > 0)
         retention.emplace(*store, config.keep);
-    const Router open = PublicRoutes(service), admin = AdminRoutes(*store);
+    Site site(*store, config.admin);
+    const Router open = PublicRoutes(service);
+    Router admin = AdminRoutes(*store);
+    site.AddTo(admin);
     Serve(
         config.doors, [&](const Request& request) { return open.Handle(request); },
         [&](const Request& request) { return admin.Handle(request); },
@@ -100,7 +111,10 @@ int Run(std::vector<std::string> arguments)
         Backup(config.store, arguments[1]);
     } else if (command == "purge" && arguments.size() == 3) {
         Purge(*OpenStore(config.store), arguments[1], arguments[2]);
-    } else {
+    } else if (command != "user" && command != "token") {
+        std::cerr << Usage;
+        return 2;
+    } else if (!RunAccountCommand(arguments, *OpenStore(config.store), std::cin, std::cout)) {
         std::cerr << Usage;
         return 2;
     }

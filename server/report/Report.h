@@ -27,8 +27,13 @@ public:
     const std::string& Text(int group) const;
     std::size_t Count() const { return values.size(); }
 
+    using Values = std::map<std::pair<std::string, long>, std::string>;
+    /// All of them, by id and index.
+    const Values& All() const& { return values; }
+    const Values& All() && = delete;  // they would be gone
+
 private:
-    std::map<std::pair<std::string, long>, std::string> values;
+    Values values;
 };
 
 }  // namespace kel::server

@@ -1,8 +1,9 @@
-// Visitors, as many at a time as asked for: each run is a group list, an upload and an analysis, on kept connections.
-// Prints one line of JSON: runs a second, failures, and for each kind of request the median, the 99th percentile and
-// the longest time in milliseconds.
+// Visitors, as many at a time as asked for: each run is a group list, an upload and an analysis, on kept
+// connections. Prints one line of JSON: runs a second, failures, and for each kind of request the median, the
+// 99th percentile and the longest time in milliseconds.
 //     kel_load SECONDS CONNECTIONS REFERRER REPORT PORT...
-// The connections are dealt out to the ports. In the file REPORT the text SESSION stands for the run's own session.
+// The connections are dealt out to the ports. In the file REPORT the text SESSION stands for the run's own
+// session.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -36,8 +37,8 @@ std::string Replace(std::string text, const std::string& what, const std::string
 }
 
 /// One visitor after another until the end, over one connection.
-Visitors Visit(std::uint16_t port, Clock::time_point end, const std::string& name, const std::string& referrer,
-               const std::string& report)
+Visitors Visit(std::uint16_t port, Clock::time_point end, const std::string& name,
+               const std::string& referrer, const std::string& report)
 {
     Visitors visitors;
     Client client(port);
@@ -76,7 +77,9 @@ void Print(const std::vector<Visitors>& all, double seconds)
             times.insert(times.end(), visitors.milliseconds[kind].begin(), visitors.milliseconds[kind].end());
         std::sort(times.begin(), times.end());
         const auto at = [&](double share) {
-            return times.empty() ? 0.0 : times[static_cast<std::size_t>(share * static_cast<double>(times.size() - 1))];
+            return times.empty()
+                       ? 0.0
+                       : times[static_cast<std::size_t>(share * static_cast<double>(times.size() - 1))];
         };
         std::printf(", \"%s\": [%.3f, %.3f, %.3f]", Kinds[kind], at(0.5), at(0.99), at(1));
     }
@@ -95,13 +98,15 @@ int main(int count, char** arguments)
     const std::string report{std::istreambuf_iterator<char>(file), {}};
     const double seconds = std::stod(arguments[1]);
     const auto start = Clock::now();
-    const auto end = start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    const auto end =
+        start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
     std::vector<Visitors> all(std::stoul(arguments[2]));
     std::vector<std::thread> threads;
     for (std::size_t number = 0; number < all.size(); ++number) {
         const auto port = static_cast<std::uint16_t>(
             std::stoul(arguments[5 + number % static_cast<std::size_t>(count - 5)]));
-        const std::string name = std::to_string(start.time_since_epoch().count()) + "-" + std::to_string(number);
+        const std::string name =
+            std::to_string(start.time_since_epoch().count()) + "-" + std::to_string(number);
         threads.emplace_back([&, port, number, name] {
             try {
                 all[number] = Visit(port, end, name, arguments[3], report);

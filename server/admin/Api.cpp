@@ -1,0 +1,192 @@
+#include "server/admin/Api.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "server/admin/Csv.h"
+#include "server/admin/Texts.h"
+#include "server/base/Text.h"
+#include "server/http/Limits.h"
+#include "server/report/Report.h"
+#include "server/verdict/Requirements.h"
+
+namespace kel::server {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr int UsualReports = 100, MostReports = 1000;
+constexpr std::size_t MostBytes =
+    16 * Limits::Megabyte;  // of reports in an answer; the rest follows in the next
+
+Answer JsonAnswer(const ordered_json& content, int status = 200)
+{
+    Answer answer =
+        Answer::Of("application/json", content.dump(-1, ' ', false, ordered_json::error_handler_t::replace));
+    answer.status = status;
+    return answer;
+}
+
+ordered_json Entry(const FullReport& report, const std::string& total)
+{
+    ordered_json entry{{"id", report.id},
+                       {"received", IsoTime(report.received)},
+                       {"session", report.session},
+                       {"referrer", report.referrer},
+                       {"user", report.user},
+                       {"machine", report.machine},
+                       {"total", total},
+                       {"values", ordered_json::array()}};
+    const Report read = Report::Read(report.body);
+    for (const auto& [key, value] : read.All())
+        entry["values"].push_back({{"id", key.first}, {"index", key.second}, {"value", value}});
+    return entry;
+}
+
+std::string Records(const FullReport& report, const std::string& total)
+{
+    std::string records;
+    const Report read = Report::Read(report.body);
+    for (const auto& [key, value] : read.All())
+        records +=
+            CsvRecord({std::to_string(report.id), IsoTime(report.received), report.session, report.referrer,
+                       report.user, report.machine, total, key.first, std::to_string(key.second), value});
+    return records;
+}
+
+/// The draft's revision that the request is for: If-Match: "3".
+int RevisionOf(const Visit& visit)
+{
+    const std::string* match = visit.request.Header("If-Match");
+    if (!match)
+        throw Fault(428, "The request has to say with If-Match which draft it is for.");
+    const bool isQuoted = match->size() > 2 && match->front() == '"' && match->back() == '"';
+    const std::int64_t revision =
+        isQuoted ? WholeNumber(std::string_view(*match).substr(1, match->size() - 2)) : -1;
+    return revision > 0 && revision <= INT32_MAX ? static_cast<int>(revision) : -1;
+}
+
+const std::string& ReferrerOf(const Visit& visit)
+{
+    if (!IsReferrer(visit.subject))
+        throw Fault(404, "There is no such referrer.");
+    return visit.subject;
+}
+
+void CheckRequirements(const std::string& text)
+{
+    try {
+        Requirements::Read(text);
+    } catch (const std::exception& error) {
+        throw Fault(422, error.what());
+    }
+}
+
+Fault Stale()
+{
+    return {412, "The draft has another revision by now."};
+}
+
+}  // namespace
+
+Answer ProgramError(int status, const std::string& reason)
+{
+    Answer answer = JsonAnswer({{"error", reason}}, status);
+    if (status == 401)
+        answer.headers.emplace_back("WWW-Authenticate", "Bearer");
+    return answer;
+}
+
+Answer Api::Reports(const Visit& visit) const
+{
+    const std::string after = visit.Query("after"), count = visit.Query("count"),
+                      format = visit.Query("format");
+    ReportFilter filter;
+    filter.afterId = after.empty() ? 0 : WholeNumber(after);
+    filter.count = count.empty() ? UsualReports
+                                 : static_cast<int>(std::min<std::int64_t>(WholeNumber(count), MostReports));
+    if (filter.afterId < 0 || filter.count < 1 || (!format.empty() && format != "csv" && format != "json"))
+        throw Fault(400, "'after' and 'count' are whole numbers, and 'format' is json or csv.");
+    const bool isCsv = format == "csv";
+    ordered_json entries = ordered_json::array();
+    std::string records = CsvRecord(
+        {"report", "received", "session", "referrer", "user", "machine", "total", "id", "index", "value"});
+    std::int64_t last = filter.afterId;
+    std::size_t bytes = 0;
+    for (const ReportLine& line : store.Reports(filter)) {
+        const auto report = store.FindReport(line.id);
+        if (bytes > 0 && bytes + (report ? report->body.size() : 0) > MostBytes)
+            break;
+        last = line.id;
+        if (!report)
+            continue;  // it was deleted meanwhile
+        bytes += report->body.size();
+        if (isCsv)
+            records += Records(*report, line.total);
+        else
+            entries.push_back(Entry(*report, line.total));
+    }
+    return isCsv ? Answer::Of("text/csv; charset=utf-8; header=present", records)
+                 : JsonAnswer({{"reports", entries}, {"last", last}});
+}
+
+Answer Api::Referrers(const Visit&) const
+{
+    ordered_json entries = ordered_json::array();
+    for (const Product& product : store.Products()) {
+        const Totals totals = store.RecentTotals(product.referrer, MostReports);
+        entries.push_back(
+            {{"referrer", product.referrer},
+             {"version", product.version},
+             {"published", product.version > 0 ? ordered_json(IsoTime(product.published)) : ordered_json()},
+             {"draft", product.hasDraft},
+             {"recent", {{"pass", totals.pass}, {"fail", totals.fail}, {"unknown", totals.unknown}}}});
+    }
+    return JsonAnswer({{"referrers", entries}});
+}
+
+Answer Api::ReadDraft(const Visit& visit) const
+{
+    const auto draft = store.FindDraft(ReferrerOf(visit));
+    if (!draft)
+        throw Fault(404, "There is no draft.");
+    Answer answer = Answer::Of("application/json", draft->text);
+    answer.headers.emplace_back("ETag", '"' + std::to_string(draft->revision) + '"');
+    return answer;
+}
+
+Answer Api::WriteDraft(const Visit& visit) const
+{
+    const std::string& referrer = ReferrerOf(visit);
+    const std::string* none = visit.request.Header("If-None-Match");
+    const bool isNew = none && *none == "*";
+    const int revision = isNew ? 0 : RevisionOf(visit);
+    CheckRequirements(visit.request.body);
+    const auto written = revision < 0
+                             ? std::nullopt
+                             : store.KeepDraft(referrer, visit.request.body, revision, visit.login.account);
+    if (!written)
+        throw Stale();
+    store.Note(visit.login.account, "saved draft", referrer);
+    Answer answer = JsonAnswer({{"revision", *written}}, isNew ? 201 : 200);
+    answer.headers.emplace_back("ETag", '"' + std::to_string(*written) + '"');
+    return answer;
+}
+
+Answer Api::Publish(const Visit& visit) const
+{
+    const std::string& referrer = ReferrerOf(visit);
+    const int revision = RevisionOf(visit);
+    const auto draft = store.FindDraft(referrer);
+    if (!draft || draft->revision != revision)
+        throw Stale();
+    CheckRequirements(draft->text);
+    const auto version = store.PublishDraft(referrer, revision, visit.login.account);
+    if (!version)
+        throw Stale();
+    store.Note(visit.login.account, "published", referrer + ", version " + std::to_string(*version));
+    return JsonAnswer({{"version", *version}});
+}
+
+}  // namespace kel::server

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kel::server {
+
+/// How often which value of one kind came.
+class Distribution {
+public:
+    enum class Kind {
+        Bytes,   // in steps that double
+        Number,  // each by itself, in its order
+        Text     // each by itself, the most frequent first
+    };
+    struct Bar {
+        std::string label;
+        int count = 0;
+        bool isRest = false;  // several values together, or none
+    };
+
+    static constexpr std::size_t MostBars = 10;
+
+    explicit Distribution(Kind kind) : kind(kind) {}
+
+    /// Counts a value; null, and one that cannot be read, is "not told".
+    void Add(const std::string* value);
+    /// The most frequent values, then "other" and "not told" where they came.
+    std::vector<Bar> Bars() const;
+
+private:
+    using Place = std::pair<double, std::string>;  // in the order of amounts, and its label
+
+    Place PlaceOf(const std::string& value) const;
+
+    Kind kind;
+    std::map<Place, int> counts;
+    int untold = 0;
+};
+
+}  // namespace kel::server

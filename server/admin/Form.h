@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kel::server {
+
+/// The fields of a form that a browser sent, application/x-www-form-urlencoded.
+class Form {
+public:
+    static constexpr std::size_t MostFields = 32;
+
+    /// Reads a body. Nothing when it has more fields, or one twice. Values are UTF-8 that shows, as Clean
+    /// makes it, with line ends as single line feeds.
+    static std::optional<Form> Read(std::string_view body);
+
+    /// The value of a field; empty when it is not there.
+    const std::string& Text(const std::string& name) const;
+    /// The value as a whole number from 0 on; -1 when it is none.
+    int Number(const std::string& name) const;
+
+private:
+    std::map<std::string, std::string> fields;
+};
+
+/// The text as a whole number from 0 on; -1 when it is none.
+std::int64_t WholeNumber(std::string_view text);
+
+}  // namespace kel::server

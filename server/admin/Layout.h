@@ -1,0 +1,55 @@
+#pragma once
+
+#include <string>
+
+#include "server/admin/Html.h"
+#include "server/admin/Visit.h"
+
+namespace kel::server {
+
+/// The text of admin.css, which the build puts in.
+extern const char* const AdminStyle;
+
+/// A whole page. Its title is the heading, too.
+Answer Page(const Visit& visit, const std::string& title, const Html& content, int status = 200);
+
+/// A page with a sentence that says why something is not done, and what was typed for it, so that it is not
+/// lost.
+Answer ErrorPage(const Visit& visit, int status, const std::string& reason);
+
+/// 303 to a path of this site.
+Answer Redirect(std::string path);
+
+/// The headers that keep a browser from doing anything with an answer but to show it.
+void AddSafety(Answer& answer);
+
+/// A sentence that stands out. Kinds: note, good, bad.
+Html Notice(const std::string& kind, const Html& text);
+
+/// "✓ pass", "✗ fail", "? unknown", "–" when there is no verdict.
+Html Mark(const std::string& total);
+
+Html Link(const std::string& path, const Html& text);
+
+/// A link that looks like a button; the kinds are a button's.
+Html ButtonLink(const std::string& path, const std::string& label, const std::string& kind = "plain");
+
+/// A moment, in UTC.
+Html Moment(std::int64_t time);
+
+std::string ProductPath(const std::string& referrer);
+std::string ReportPath(std::int64_t report);
+
+/// A form that posts, with the token that proves that it is the service's own.
+Html PostForm(const Visit& visit, const std::string& path, const Html& content);
+
+/// An input field under its label. Further attributes may follow.
+Html Field(const std::string& label, const std::string& name, const std::string& value,
+           const std::string& type = "text", const Html::Attributes& more = {});
+
+Html Hidden(const std::string& name, const std::string& value);
+
+/// A button that sends its form; the kinds are classes of the style sheet: primary, danger, plain.
+Html Button(const std::string& label, const std::string& kind, const std::string& value = "");
+
+}  // namespace kel::server

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace kel::server {
+
+/// 32 random bytes as letters, digits, hyphens and underscores. Throws std::runtime_error when the system has
+/// none, as all here.
+std::string RandomText();
+
+/// A hash of what RandomText made: from it the secret cannot be told. With a key, also what nobody without
+/// the key could make.
+std::string HashOf(std::string_view secret, std::string_view key = {});
+
+/// Whether the texts are the same, in a time that tells nothing about where they differ.
+bool AreSame(std::string_view left, std::string_view right);
+
+/// A hash of a password (Argon2id, 64 MB, with a salt of its own).
+std::string HashPassword(std::string_view password);
+
+/// Whether the hash is of that password.
+bool IsPassword(const std::string& hash, std::string_view password);
+
+}  // namespace kel::server

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kel::server {
+
+/// A time as people read it: "2026-03-01 14:05:09". UTC.
+std::string TimeText(std::int64_t time);
+
+/// The same as programs do: "2026-03-01T14:05:09.123Z".
+std::string IsoTime(std::int64_t time);
+
+/// When the day "2026-03-01" begins, UTC. Nothing for any other text.
+std::optional<std::int64_t> DayOf(std::string_view text);
+
+/// The text as it may stand in an address.
+std::string UrlEncode(std::string_view text);
+
+/// A number with commas between the thousands.
+std::string Grouped(std::int64_t number);
+
+/// A share as a whole percentage: "12 %"; "–" of nothing.
+std::string Percentage(std::int64_t part, std::int64_t whole);
+
+/// The first characters of a text, so many bytes at most, with an ellipsis when there were more.
+std::string Cut(std::string_view text, std::size_t most);
+
+}  // namespace kel::server

@@ -1,0 +1,56 @@
+#include "server/admin/Throttle.h"
+
+#include <algorithm>
+
+namespace kel::server {
+
+namespace {
+
+constexpr std::chrono::seconds Minute{60};
+constexpr std::chrono::hours Memory{1};
+constexpr int MostDoublings = 10;
+
+std::chrono::seconds Until(Throttle::Clock::time_point end, Throttle::Clock::time_point now)
+{
+    return std::max(std::chrono::seconds(0), std::chrono::ceil<std::chrono::seconds>(end - now));
+}
+
+}  // namespace
+
+std::chrono::seconds Throttle::Wait(const std::string& name, Clock::time_point now)
+{
+    const std::lock_guard lock(turn);
+    const auto all = recent >= FailuresAMinute ? Until(minute + Minute, now) : std::chrono::seconds(0);
+    const auto found = names.find(name);
+    if (found == names.end() || found->second.count < FreeFailures)
+        return all;
+    const int doublings = std::min(found->second.count - FreeFailures, MostDoublings);
+    const auto wait = std::min(LongestWait, std::chrono::seconds(1 << doublings));
+    return std::max(all, Until(found->second.last + wait, now));
+}
+
+void Throttle::Failed(const std::string& name, Clock::time_point now)
+{
+    const std::lock_guard lock(turn);
+    if (now - minute >= Minute) {
+        minute = now;
+        recent = 0;
+    }
+    ++recent;
+    if (names.size() == MostNames && !names.contains(name)) {
+        names.erase(std::min_element(names.begin(), names.end(), [](const auto& left, const auto& right) {
+            return left.second.last < right.second.last;
+        }));
+    }
+    Failures& failures = names[name];
+    failures.count = now - failures.last > Memory ? 1 : failures.count + 1;
+    failures.last = now;
+}
+
+void Throttle::Succeeded(const std::string& name)
+{
+    const std::lock_guard lock(turn);
+    names.erase(name);
+}
+
+}  // namespace kel::server

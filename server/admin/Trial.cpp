@@ -1,0 +1,86 @@
+#include "server/admin/Trial.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "server/admin/Recent.h"
+#include "server/admin/Table.h"
+#include "server/admin/Texts.h"
+
+namespace kel::server {
+
+namespace {
+
+const LineCounts::Line* FindLine(const LineCounts& counts, const std::string& label)
+{
+    const auto found = std::find_if(counts.lines.begin(), counts.lines.end(),
+                                    [&](const LineCounts::Line& line) { return line.label == label; });
+    return found == counts.lines.end() ? nullptr : &*found;
+}
+
+}  // namespace
+
+std::optional<Requirements> NewestRequirements(Store& store, const std::string& referrer)
+{
+    const auto set = store.NewestSet(referrer);
+    if (!set)
+        return std::nullopt;
+    const std::string text = store.SetText(set->id);
+    try {
+        return Requirements::Read(text);
+    } catch (const std::exception&) {
+        return std::nullopt;  // an older program published it; the control's requests tell the operator so
+    }
+}
+
+Trial Trial::Run(Store& store, const std::string& referrer, const Requirements& draft)
+{
+    Trial trial;
+    const auto today = NewestRequirements(store, referrer);
+    trial.reports = ForEachRecent(store, referrer, [&](const Report& report) {
+        trial.draft.Add(Judge(draft, report));
+        if (today)
+            trial.today.Add(Judge(*today, report));
+    });
+    return trial;
+}
+
+Html Trial::Show() const
+{
+    if (reports == 0)
+        return Html::Element(
+            "p", {{"class", "empty"}},
+            "No machine has been reported for this product yet, so there is nothing to try this on.");
+    const bool hasToday = today.totals.pass + today.totals.fail + today.totals.unknown > 0;
+    std::string sentence =
+        "Of the last " + Grouped(reports) + " machines " + Grouped(draft.totals.pass) + " would pass";
+    sentence += hasToday ? ", today " + Grouped(today.totals.pass) + "." : ".";
+    sentence += " " + Grouped(draft.totals.fail) + " would fail";
+    sentence += hasToday ? ", today " + Grouped(today.totals.fail) + "; " : "; ";
+    sentence += Grouped(draft.totals.unknown) + " would be unknown";
+    sentence += hasToday ? ", today " + Grouped(today.totals.unknown) + "." : ".";
+    Table table("Line by line, with the failures under today's requirements", {{"Requirement"},
+                                                                               {"Needed"},
+                                                                               {"Pass", true},
+                                                                               {"Fail", true},
+                                                                               {"Fail today", true},
+                                                                               {"Unknown", true}});
+    for (const LineCounts::Line& line : draft.lines) {
+        const LineCounts::Line* before = FindLine(today, line.label);
+        table.Add({Html::Stored(line.label), Html::Stored(line.needed), Grouped(line.results.pass),
+                   Grouped(line.results.fail), before ? Grouped(before->results.fail) : std::string("new"),
+                   Grouped(line.results.unknown)});
+    }
+    Html gone;
+    for (const LineCounts::Line& line : today.lines) {
+        if (!FindLine(draft, line.label))
+            gone += (gone.IsEmpty() ? Html("No longer asked: ") : Html(", ")) + Html::Stored(line.label);
+    }
+    Html figures = Html::Element("p", {{"class", "notice note"}, {"role", "status"}}, sentence) +
+                   table.Done("The draft has no line.");
+    if (!gone.IsEmpty())
+        figures += Html::Element("p", {}, gone);
+    return figures;
+}
+
+}  // namespace kel::server

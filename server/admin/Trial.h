@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "server/admin/Html.h"
+#include "server/admin/LineCounts.h"
+#include "server/store/Store.h"
+#include "server/verdict/Requirements.h"
+
+namespace kel::server {
+
+/// What a draft would do to the newest reports of its product.
+struct Trial {
+    int reports = 0;
+    LineCounts draft, today;  // today's by the newest published version; empty when there is none
+
+    /// Judges the newest reports of the referrer by the draft and by today's requirements.
+    static Trial Run(Store& store, const std::string& referrer, const Requirements& draft);
+
+    /// The figures, as sentences and a table.
+    Html Show() const;
+};
+
+/// The newest published requirements; nothing when there are none, or their text cannot be read.
+std::optional<Requirements> NewestRequirements(Store& store, const std::string& referrer);
+
+}  // namespace kel::server

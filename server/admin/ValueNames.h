@@ -1,0 +1,20 @@
+#pragma once
+
+#include <span>
+#include <string>
+
+namespace kel::server {
+
+/// What a value is, by the table of docs/value-ids.md, which the build puts in.
+struct ValueName {
+    int id;
+    const char* detector;
+    const char* name;
+};
+
+extern const std::span<const ValueName> ValueNames;
+
+/// "Ram: total physical memory"; empty for an id that the table lacks.
+std::string NameOfValue(std::string_view id);
+
+}  // namespace kel::server

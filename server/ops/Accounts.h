@@ -1,0 +1,17 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "server/store/Store.h"
+
+namespace kel::server {
+
+/// Runs a command on accounts: `user add ROLE NAME` (the password is the input's first line), `user remove
+/// NAME`, `user list`, `token add NAME [DAYS]`. False when the words are no such command; throws
+/// std::runtime_error when it cannot be done.
+bool RunAccountCommand(const std::vector<std::string>& words, Store& store, std::istream& input,
+                       std::ostream& output);
+
+}  // namespace kel::server

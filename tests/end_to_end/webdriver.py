@@ -1,0 +1,79 @@
+"""A real Chromium, told what to do by the WebDriver protocol."""
+
+import json
+import re
+import subprocess
+import time
+import urllib.request
+
+ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
+OPTIONS = ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--hide-scrollbars",
+           "--disable-background-networking", "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage")
+TAB, ENTER = "\ue004", "\ue007"
+
+
+class Browser:
+    """One window. `case` is the test that it ends with, and that says which folder is its own."""
+
+    def __init__(self, case):
+        self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        case.addCleanup(self.driver.wait)
+        case.addCleanup(self.driver.stdout.close)
+        case.addCleanup(self.driver.kill)
+        ports = (re.search(r"successfully on port (\d+)", line) for line in self.driver.stdout)
+        self.url = f"http://127.0.0.1:{next(filter(None, ports))[1]}/session"
+        arguments = [*OPTIONS, f"--user-data-dir={case.folder / 'profile'}", "--window-size=1280,900"]
+        session = self.ask("POST", "", {"capabilities": {"alwaysMatch": {"goog:chromeOptions": {"args": arguments}}}})
+        self.url += "/" + session["sessionId"]
+        case.addCleanup(self.ask, "DELETE", "")
+
+    def ask(self, verb, path, content=None):
+        data = None if content is None else json.dumps(content).encode()
+        request = urllib.request.Request(self.url + path, data, {"Content-Type": "application/json"}, method=verb)
+        with urllib.request.urlopen(request, timeout=60) as answer:
+            return json.load(answer)["value"]
+
+    def go(self, address):
+        self.ask("POST", "/url", {"url": address})
+
+    def find(self, selector):
+        return "/element/" + self.ask("POST", "/element", {"using": "css selector", "value": selector})[ELEMENT]
+
+    def click(self, selector):
+        self.ask("POST", self.find(selector) + "/click", {})
+
+    def write(self, selector, text):
+        """In the place of what the field has."""
+        field = self.find(selector)
+        self.ask("POST", field + "/clear", {})
+        self.ask("POST", field + "/value", {"text": text})
+
+    def press(self, keys, where=None):
+        """Keys for whatever has the focus, once that is the field of the id `where`."""
+        self.await_text(where or "", script="return document.activeElement.id")
+        strokes = [{"type": kind, "value": key} for key in keys for kind in ("keyDown", "keyUp")]
+        self.ask("POST", "/actions", {"actions": [{"type": "key", "id": "keyboard", "actions": strokes}]})
+
+    def await_text(self, text, selector="main", script=None):
+        """Until a page shows the text; keys and clicks lead to it in the browser's own time."""
+        script = script or f"const e = document.querySelector({json.dumps(selector)}); return e ? e.innerText : '';"
+        end = time.monotonic() + 20
+        while text not in (shown := self.run(script)):
+            if time.monotonic() > end:
+                raise AssertionError(f"{text!r} not in {shown!r}")
+            time.sleep(0.05)
+
+    def run(self, script):
+        return self.ask("POST", "/execute/sync", {"script": script, "args": []})
+
+    def resize(self, width, dark=False):
+        """The page as on a screen of that width; `dark`: as the system wants its colours."""
+        for command, parameters in (
+                ("Emulation.setDeviceMetricsOverride",
+                 {"width": width, "height": 900, "deviceScaleFactor": 1, "mobile": width < 600}),
+                ("Emulation.setEmulatedMedia",
+                 {"features": [{"name": "prefers-color-scheme", "value": "dark" if dark else "light"}]})):
+            self.command(command, parameters)
+
+    def command(self, command, parameters):
+        return self.ask("POST", "/goog/cdp/execute", {"cmd": command, "params": parameters})
