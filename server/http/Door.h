@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "server/base/Exchange.h"
+#include "server/base/Metrics.h"
 #include "server/http/Limits.h"
 
 namespace kel::server {
@@ -20,8 +21,7 @@ struct Door {
     Handler handler;
     Limits limits;
     boost::asio::thread_pool& workers;
-    std::size_t connections = 0;
-    std::size_t bodiesBytes = 0;
+    DoorMetrics& metrics;
     std::unordered_set<boost::asio::ip::tcp::socket*> idle = {};  // those that wait for a request
     bool isClosing = false;
 };

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "server/base/Exchange.h"
+#include "server/base/Metrics.h"
 #include "server/http/Target.h"
 
 namespace kel::server {
@@ -14,6 +15,9 @@ class Router {
 public:
     /// Gets the target, what stands behind the route's path, and the body. Throws Fault.
     using Handler = std::function<Answer(const Target&, const std::string& rest, const std::string& body)>;
+
+    /// Counts every answer there.
+    explicit Router(DoorMetrics& metrics) : metrics(metrics) {}
 
     /// Requests of this method for this path. One that ends with an asterisk answers for every path that
     /// begins so.
@@ -27,10 +31,13 @@ private:
         std::string method, path;
         bool isPrefix;
         Handler handler;
+        StatusCounts& counts;
     };
 
-    Answer Find(const Request& request) const;
+    Answer Try(const Request& request, StatusCounts*& counts) const noexcept;
+    Answer Find(const Request& request, StatusCounts*& counts) const;
 
+    DoorMetrics& metrics;
     std::vector<Route> routes;
 };
 

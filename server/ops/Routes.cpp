@@ -1,6 +1,8 @@
 #include "server/ops/Routes.h"
 
 #include "server/base/Fault.h"
+#include "server/ops/Health.h"
+#include "server/ops/MetricsPage.h"
 
 namespace kel::server {
 
@@ -28,9 +30,9 @@ std::string ReferrerOf(const Target& target)
 
 }  // namespace
 
-Router PublicRoutes(Service& service)
+Router PublicRoutes(Service& service, Metrics& metrics)
 {
-    Router router;
+    Router router(metrics.open);
     router.Add("GET", "/Data/Service.svc/Group/list", [&](const Target& target, auto&, auto&) {
         CheckKey(target);
         return service.GroupList(ReferrerOf(target));
@@ -50,13 +52,14 @@ Router PublicRoutes(Service& service)
     return router;
 }
 
-Router AdminRoutes(Store& store)
+Router AdminRoutes(Store& store, Metrics& metrics)
 {
-    Router router;
-    router.Add("GET", "/healthz", [&](auto&, auto&, auto&) {
-        store.NewestSet("");  // the database answers
-        return Answer::Of("text/plain; charset=utf-8", "ok\n");
-    });
+    Router router(metrics.admin);
+    // Says no more than that the process answers: a restart mends no database.
+    router.Add("GET", "/healthz",
+               [](auto&, auto&, auto&) { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
+    router.Add("GET", "/readyz", [&](auto&, auto&, auto&) { return Readiness(store); });
+    router.Add("GET", "/metrics", [&](auto&, auto&, auto&) { return MetricsPage(metrics); });
     return router;
 }
 

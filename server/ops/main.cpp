@@ -39,10 +39,11 @@ void WritePort(const std::string& path, std::uint16_t port)
 void RunServe(const Config& config)
 {
     SqliteStore store(config.database);
-    Service service(store);
-    const Router open = PublicRoutes(service), admin = AdminRoutes(store);
+    Metrics metrics;
+    Service service(store, metrics);
+    const Router open = PublicRoutes(service, metrics), admin = AdminRoutes(store, metrics);
     Serve(
-        config.doors, [&](const Request& request) { return open.Handle(request); },
+        config.doors, metrics, [&](const Request& request) { return open.Handle(request); },
         [&](const Request& request) { return admin.Handle(request); },
         [&](std::uint16_t port, std::uint16_t adminPort) {
             Log(Level::Info, "listening",

@@ -37,7 +37,8 @@ Answer Render(const Verdict& verdict, const AnalysisRequest& request)
 
 }  // namespace
 
-Service::Service(Store& store) : store(store), testFile(std::make_shared<const std::string>(MakeTestFile()))
+Service::Service(Store& store, Metrics& metrics)
+    : store(store), metrics(metrics), testFile(std::make_shared<const std::string>(MakeTestFile()))
 {
 }
 
@@ -81,6 +82,7 @@ Answer Service::KeepReport(const Report& report, const std::string& body)
     const std::string& referrer = report.Text(Report::Referrer);
     store.Keep(NewReport{report.Text(Report::Session), IsReferrer(referrer) ? referrer : "",
                          report.Text(Report::User), body});
+    ++metrics.uploads;
     Log(Level::Info, "uploaded",
         {{"session", report.Text(Report::Session)},
          {"referrer", referrer},
@@ -98,6 +100,7 @@ Answer Service::Analysis(const std::string& referrer, const std::string& body)
     const Verdict verdict = Judge(Requirements::Read(set.text), Report::Read(stored->body));
     const std::string total(NameOf(verdict.total));
     store.Keep(NewVerdict{stored->id, set.id, request.item, total, RenderLines(verdict)});
+    metrics.AddVerdict(total);
     Log(Level::Info, "judged",
         {{"session", request.session},
          {"referrer", referrer},
