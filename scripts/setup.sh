@@ -14,7 +14,7 @@ service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
 [ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium mono-mcs
-  "${service_packaging[@]}" nginx openssl systemd util-linux)
+  "${service_packaging[@]}" nginx openssl systemd curl iproute2)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --service-package ] && packages=("${service_packaging[@]}")
 [ "${1:-}" = --display ] && packages+=("${display[@]}")

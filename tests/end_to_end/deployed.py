@@ -72,12 +72,23 @@ class DeployedTest(Client, unittest.TestCase):
              self.folder / "port", "--admin-port-file", self.folder / "admin", *self.settings, *settings], stderr=self.log)
         self.addCleanup(self.process.wait)
         self.addCleanup(self.process.kill)
-        end = time.monotonic() + 20
-        while not (self.folder / "port").exists():
-            self.assertIsNone(self.process.poll(), "the service ended at once")
-            self.assertLess(time.monotonic(), end, "the service does not listen")
-            time.sleep(0.01)
+        self.await_file("port", self.process)
         self.address, self.admin = (f"127.0.0.1:{(self.folder / name).read_text()}" for name in ("port", "admin"))
+
+    def await_file(self, name, process):
+        """Waits until a program that starts has written this."""
+        end = time.monotonic() + 20
+        while not (self.folder / name).exists():
+            self.assertIsNone(process.poll(), "it ended at once")
+            self.assertLess(time.monotonic(), end, "it does not listen")
+            time.sleep(0.01)
+
+    def await_answer(self, ask, expected):
+        """The service notices in its own time what other clients did."""
+        end = time.monotonic() + 5
+        while (answer := ask()) != expected and time.monotonic() < end:
+            time.sleep(0.02)
+        self.assertEqual(answer, expected)
 
     def stop(self):
         self.process.terminate()

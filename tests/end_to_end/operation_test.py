@@ -1,103 +1,79 @@
-"""The deployed service in the hands of its operator: what it counts, and whether it is ready."""
+"""The deployed service in its operator's hands: its metrics, its package, and the proxy before it."""
 
-import contextlib
-import http.client
 import re
+import shlex
 import sqlite3
-import time
+import subprocess
 import unittest
+from pathlib import Path
 
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
-from harness import API_KEY
+from harness import API_KEY, ROOT
 
-SAMPLE = re.compile(r'(kel_\w+)(?:\{((?:\w+="[^"\\]*",?)+)\})? (\d[\d.e+-]*)')
-WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
-HEAD = f"POST {UPLOAD} HTTP/1.1\r\n".encode()
+HEAD = f"POST {UPLOAD} HTTP/1.1\r\nConnection: close\r\n".encode()
+METRICS = re.compile(r'(# HELP (kel_\w+) .+\n# TYPE \2 (?:counter|gauge|histogram)\n'
+                     r'(\2(?:_bucket|_sum|_count)?(\{(\w+="[^"\\]*",?)+\})? \d[\d.e+-]*\n)*)+')
 
 
-class Counting(DeployedTest):
-    settings = ("--request-seconds", "2", "--connections", "30", "--bodies-mb", "4")
+class Metrics(DeployedTest):
+    settings = ("--request-seconds", "2", "--connections", "100", "--bodies-mb", "4")
 
-    def metrics(self):
-        """The samples of the public door and of none by name, with other labels between braces; checks the format."""
-        samples, kinds = {}, {}
-        with contextlib.closing(http.client.HTTPConnection(self.admin, timeout=10)) as connection:
-            connection.request("GET", "/metrics")
-            answer = connection.getresponse()
-            page = answer.read().decode("ascii")
-        self.assertEqual((answer.status, answer.headers["Content-Type"]), (200, "text/plain; version=0.0.4; charset=utf-8"))
-        for line in page.splitlines():
-            if line.startswith("# TYPE "):
-                name, kinds[name] = line.split()[2:]
-            elif not line.startswith("# HELP "):
-                sample, labels, value = SAMPLE.fullmatch(line).groups()
-                self.assertEqual(sample.removesuffix("_bucket").removesuffix("_sum").removesuffix("_count"), name, "not together")
-                self.assertEqual(sample.endswith("_total"), kinds[name] == "counter")
-                labels = (labels or "").split(",")
-                if 'door="admin"' not in labels:
-                    key = " ".join([sample, *(label for label in labels if label != 'door="public"')]).strip()
-                    self.assertNotIn(key, samples)
-                    samples[key] = float(value)
-        return samples
-
-    def await_metric(self, name, value):
-        end = time.monotonic() + 5
-        while self.metrics().get(name) != value and time.monotonic() < end:
-            time.sleep(0.02)
-        self.assertEqual(self.metrics().get(name), value, name)
+    def metrics(self, word=""):
+        page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
+        self.assertIsNotNone(METRICS.fullmatch(page), page)
+        samples = dict(line.rsplit(" ", 1) for line in page.splitlines() if not line.startswith("#"))
+        return {name: float(value) for name, value in samples.items() if word in name and 'door="admin"' not in name}
 
     def test_what_clients_do_is_counted(self):
         self.require("r", (1, "M", "at least", "4 GB"))
-        body = REPORT.format("s")
-        for verb, path, text in (("POST", UPLOAD, body), ("POST", UPLOAD, body), ("POST", UPLOAD, "x"), ("GET", WANTED, ""),
-                                 ("POST", "/service/Analysis/r", analysis("s")), ("POST", '/"no', ""), ("BREW", UPLOAD, "")):
-            self.ask(verb, path, text)
-        for data in (HEAD + b"Content-Length: 3000000\r\n\r\n", b"GARBAGE\r\n\r\n", HEAD + b"X: " + b"x" * 9000,
-                     HEAD + b"Content-Length: 5\r\n\r\n<"):
-            self.talk(data)
-        counts = self.metrics()
-        route = 'kel_http_requests_total method="%s" route="%s" status="%d"'
-        for name, value in (
-                (route % ("POST", "/Data/Service.svc/upload", 200), 2), (route % ("POST", "/Data/Service.svc/upload", 400), 1),
-                (route % ("GET", LIST, 200), 1), (route % ("POST", "/service/Analysis/*", 200), 1),
-                (route % ("other", "other", 404), 2), ("kel_uploads_total", 2), ('kel_verdicts_total total="pass"', 1),
-                ('kel_verdicts_total total="fail"', 0), ("kel_http_request_seconds_count", 7),
-                *((f'kel_http_refusals_total status="{status}"', 1) for status in (400, 408, 413, 431)),
-                ('kel_http_request_seconds_bucket le="+Inf"', 7), ('kel_http_request_seconds_bucket le="10"', 7),
-                ("kel_database_errors_total", 0), ('kel_build_info version="4.5.1"', 1)):
-            self.assertEqual(counts.get(name), value, name)
-        self.assertEqual(sum("requests_total" in name for name in counts), 5)
-        buckets = [value for name, value in counts.items() if "_bucket" in name]
-        self.assertEqual(buckets, sorted(buckets))
-        self.assertTrue(0 < counts["kel_http_request_seconds_sum"] < 7)
-        self.assertLess(abs(time.time() - counts["kel_process_start_time_seconds"]), 60)
-        self.assertTrue(1e6 < counts["kel_process_resident_memory_bytes"] < 1e9)
+        for verb, path, body in (("POST", UPLOAD, REPORT.format("s")), ("POST", UPLOAD, "x"), ("GET", '/"no', ""),
+                                 ("POST", "/service/Analysis/r", analysis("s")), ("BREW", UPLOAD, "")):
+            self.ask(verb, path, body)
+        for rest in (b"Content-Length: 3000000\r\n\r\n", b"\0\r\n\r\n", b"X: " + b"x" * 9000, b"Content-Length: 5\r\n\r\n<"):
+            self.talk(HEAD + rest)
+        route = 'kel_http_requests_total{door="public",method="%s",route="%s",status="%d"}'
+        self.assertEqual(self.metrics("requests_total"), {
+            route % ("POST", "/Data/Service.svc/upload", 200): 1, route % ("POST", "/Data/Service.svc/upload", 400): 1,
+            route % ("POST", "/service/Analysis/*", 200): 1, route % ("other", "other", 404): 2})
+        self.assertEqual(self.metrics("refusals_total"), {
+            f'kel_http_refusals_total{{door="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
+        self.assertEqual([*self.metrics("verdicts").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
+        times = list(self.metrics("seconds_bucket").values())
+        self.assertEqual((times, times[-1]), (sorted(times), 5))
 
     def test_what_is_under_way_comes_and_goes(self):
-        crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_500) for _ in range(30)]
-        self.await_metric("kel_bodies_bytes", 30 * 16_384)  # in pieces of 8 KB
-        self.await_metric("kel_connections", 30)
-        self.assertEqual(self.connect().recv(1), b"")
-        self.await_metric("kel_connections_refused_total", 1)
-        self.assertIn(b" 408 ", crowd[0].recv(4096).splitlines()[0])
+        crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_500) for _ in range(100)]
+        self.await_answer(lambda: [*self.metrics("bodies").values(), *self.metrics("connections{").values()], [100 * 16_384, 100])
+        self.assertEqual((self.connect().recv(1), self.metrics("connections_refused").popitem()[1]), (b"", 1))
         for connection in crowd:
             connection.close()
-        self.await_metric("kel_bodies_bytes", 0)
-        self.await_metric("kel_connections", 0)
+        self.await_answer(lambda: [*self.metrics("bodies").values(), *self.metrics("connections{").values()], [0, 0])
 
     def test_a_service_without_its_database_lives_and_is_not_ready(self):
-        for path, answer in (("/healthz", (200, b"ok\n")), ("/readyz", (200, b"ready\n"))):
-            self.assertEqual(self.ask("GET", path, address=self.admin), answer)
+        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (200, b"ready\n"))
         with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
             database.execute("DROP TABLE requirement_set")
         database.close()
-        self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (200, b"ok\n"))
-        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"the database does not answer\n"))
-        self.ask("GET", WANTED)
-        self.assertEqual(self.metrics()["kel_database_errors_total"], 2)
-        self.assertIn("event=not-ready reason=\"database: ", self.log_text())
-        for path in ("/healthz", "/readyz", "/metrics"):
-            self.assertEqual(self.ask("GET", path), (404, b""))
+        self.ask("GET", f"{LIST}?refid=r&apikey={API_KEY}")
+        for path, answer in (("/healthz", (200, b"ok\n")), ("/readyz", (503, b"the database does not answer\n"))):
+            self.assertEqual((self.ask("GET", path, address=self.admin), self.ask("GET", path)), (answer, (404, b"")))
+        self.assertEqual(self.metrics("errors"), {"kel_database_errors_total": 2})
+
+
+class Packaged(unittest.TestCase):
+    def test_a_copy_of_this_machine_says_what_operation_txt_expects(self):
+        folder = ROOT / "build" / "operation"
+        for name, version in (("now", ""), ("again", ""), ("later", "99.0.0")):
+            subprocess.run([ROOT / "scripts" / "package_service.sh", version, folder / name], check=True, capture_output=True)
+        [now], [again] = ([path.read_bytes() for path in (folder / name).glob("*.deb")] for name in ("now", "again"))
+        self.assertTrue(now == again, "the packages differ")
+        expected = (Path(__file__).parent / "operation.txt").read_text("ascii")
+        lines = (line for line in expected.splitlines() if line[:1] in ("", "#", "$"))
+        script = "".join(f"printf '%s\\n' {shlex.quote(line)}\n{line.removeprefix('$ ')}\n" for line in lines)
+        ran = subprocess.run([ROOT / "scripts" / "in_copy.sh", "sh", "-c", script], cwd=folder, text=True, timeout=120,
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.maxDiff = None
+        self.assertEqual(ran.stdout, expected)
 
 
 if __name__ == "__main__":

@@ -142,13 +142,6 @@ class Crowds(DeployedTest):
         except ConnectionError:
             return b""
 
-    def await_answer(self, ask, expected):
-        """The service notices in its own time what other clients did."""
-        end = time.monotonic() + 5
-        while (answer := ask()) != expected and time.monotonic() < end:
-            time.sleep(0.02)
-        self.assertEqual(answer, expected)
-
     def test_bodies_under_way_have_a_bound_together(self):
         for _ in range(2):
             self.assertIn(503, (self.status_beside_halves(pause) for pause in (0.1, 0.5, 1.5)))
