@@ -39,7 +39,7 @@ class Metrics(DeployedTest):
             f'kel_http_refusals_total{{door="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
         self.assertEqual([*self.metrics("verdicts").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
         times = list(self.metrics("seconds_bucket").values())
-        self.assertEqual((times, times[-1]), (sorted(times), 5))
+        self.assertEqual((times, times[-2:]), (sorted(times), [5, 5]))  # none took ten seconds
 
     def test_what_is_under_way_comes_and_goes(self):
         crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_500) for _ in range(100)]
