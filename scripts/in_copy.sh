@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Runs a command on a copy of this machine, an overlay that ends with it: to try a package, say. The current folder is
 # the machine's own, the network a loopback of the copy's. Then lists the files that are left on the copy, but for the
-# books that the system keeps of packages and users. Usage: scripts/in_copy.sh COMMAND [ARGUMENT...]
+# books that the system keeps of packages and users. Without root it needs the package uidmap and a range in
+# /etc/subuid. Usage: scripts/in_copy.sh COMMAND [ARGUMENT...]
 set -euo pipefail
 
 if [ "${1:-}" != --inside ]; then
