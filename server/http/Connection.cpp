@@ -58,7 +58,7 @@ public:
     Deadline(beast::tcp_stream& stream, std::chrono::seconds time)
         : timer(stream.get_executor(), time), isLate(std::make_shared<bool>(false))
     {
-        // The wait may end after this object, but not after the time is up: the timer is gone with it then.
+        // The handler may be on its way already when this object ends; the pointer tells it.
         timer.async_wait([&stream, isLate = std::weak_ptr(isLate)](const error_code& error) {
             const auto late = isLate.lock();
             if (error || !late)

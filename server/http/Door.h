@@ -13,7 +13,7 @@
 
 namespace kel::server {
 
-/// What the connections of one listener share. The network's thread alone touches what changes; the handler
+/// What the connections of one listener share. The network's thread alone changes it; the handler
 /// runs on the workers.
 struct Door {
     using Handler = std::function<Answer(const Request&)>;
