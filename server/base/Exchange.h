@@ -2,24 +2,47 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace kel::server {
 
-/// A request as it came, without its headers: nothing that is answered here depends on them.
+/// Names and values of headers.
+using Headers = std::vector<std::pair<std::string, std::string>>;
+
+/// A request as it came.
 struct Request {
     std::string method;
     std::string target;  // the bytes of the request line
     std::string body;
+    Headers headers = {};  // those of KnownHeaders that it has
+
+    /// The value of a header by its name in KnownHeaders; null when the request lacks it.
+    const std::string* Header(std::string_view name) const
+    {
+        for (const auto& [known, value] : headers) {
+            if (known == name)
+                return &value;
+        }
+        return nullptr;
+    }
 };
+
+/// The headers that any answer depends on. The control's requests have none of them but the type.
+inline constexpr std::string_view KnownHeaders[] = {"Authorization", "Content-Type", "Cookie",
+                                                    "Host",          "If-Match",     "If-None-Match",
+                                                    "Origin",        "X-Remote-User"};
 
 /// What goes back. An answer without a body has no content type; the body may be shared by many answers.
 struct Answer {
     int status = 200;
     std::string contentType;
     std::shared_ptr<const std::string> body;
+    Headers headers = {};
 
-    /// An answer with a status alone. The text of any answer reaches a visitor's script, so an error has
-    /// none.
+    /// An answer with a status alone. The text of any answer to the control reaches a visitor's script, so an
+    /// error has none.
     static Answer Empty(int status) { return {status, {}, nullptr}; }
     /// 200 with a body.
     static Answer Of(std::string contentType, std::string body)

@@ -179,6 +179,11 @@ private:
         }
         request.method = std::string(parser.get().method_string());
         request.target = std::string(parser.get().target());
+        for (const std::string_view name : KnownHeaders) {
+            const auto found = parser.get().find(beast::string_view(name.data(), name.size()));
+            if (found != parser.get().end())
+                request.headers.emplace_back(name, std::string(found->value()));
+        }
         co_return 0;
     }
 
@@ -194,6 +199,8 @@ private:
         message.result(static_cast<unsigned>(answer.status));
         message.version(version);
         message.set(http::field::cache_control, "no-store");
+        for (const auto& [name, value] : answer.headers)
+            message.insert(name, value);
         if (answer.body) {
             message.set(http::field::content_type, answer.contentType);
             message.body() = {answer.body->data(), answer.body->size()};

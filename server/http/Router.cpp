@@ -27,7 +27,7 @@ Answer Router::Try(const Request& request, StatusCounts*& counts) const noexcept
     try {
         return Find(request, counts);
     } catch (const Fault& fault) {
-        Log(Level::Warning, "refused",
+        Log(fault.Status() < 500 ? Level::Warning : Level::Error, "refused",
             {{"status", std::to_string(fault.Status())},
              {"target", request.target},
              {"reason", fault.what()}});
@@ -45,7 +45,7 @@ Answer Router::Find(const Request& request, StatusCounts*& counts) const
         if (target && route.method == request.method &&
             (route.isPrefix ? target->path.starts_with(route.path) : target->path == route.path)) {
             counts = &route.counts;
-            return route.handler(*target, target->path.substr(route.path.size()), request.body);
+            return route.handler({request, *target, target->path.substr(route.path.size())});
         }
     }
     throw Fault(404, "there is no such request");

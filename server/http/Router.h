@@ -10,17 +10,24 @@
 
 namespace kel::server {
 
+/// A request whose route was found.
+struct Call {
+    const Request& request;
+    const Target& target;
+    std::string rest;  // what stands behind the route's path
+};
+
 /// Finds what answers a request, and turns every failure into a status without a body and a line in the log.
 class Router {
 public:
-    /// Gets the target, what stands behind the route's path, and the body. Throws Fault.
-    using Handler = std::function<Answer(const Target&, const std::string& rest, const std::string& body)>;
+    /// Throws Fault.
+    using Handler = std::function<Answer(const Call&)>;
 
     /// Counts every answer there.
     explicit Router(DoorMetrics& metrics) : metrics(metrics) {}
 
     /// Requests of this method for this path. One that ends with an asterisk answers for every path that
-    /// begins so.
+    /// begins so; the first route that fits counts.
     void Add(std::string method, std::string path, Handler handler);
 
     /// Never throws. 404 when there is no such route, the status of a Fault, 500 for every other exception.

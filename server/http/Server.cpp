@@ -35,10 +35,10 @@ void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, R
 {
     RaiseDescriptorLimit(doors.limits.connections);
     asio::io_context context(1);
-    asio::thread_pool workers(doors.workers);
+    asio::thread_pool workers(doors.workers), operators(1);  // who looks at reports keeps no visitor waiting
     Listener open(context, workers, doors.address, doors.port, doors.limits, metrics.open,
                   std::move(publicHandler));
-    Listener admin(context, workers, "127.0.0.1", doors.adminPort, doors.limits, metrics.admin,
+    Listener admin(context, operators, "127.0.0.1", doors.adminPort, doors.limits, metrics.admin,
                    std::move(adminHandler));
 
     asio::signal_set signals(context, SIGTERM, SIGINT);
@@ -53,6 +53,7 @@ void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, R
     listening(open.Port(), admin.Port());
     context.run();
     workers.join();
+    operators.join();
 }
 
 }  // namespace kel::server

@@ -46,7 +46,15 @@ const Setting Settings[] = {
     {"admin_port", [](Config& c, const std::string& text) { c.doors.adminPort = PortOf(text); }},
     {"port_file", [](Config& c, const std::string& text) { c.portFile = text; }},
     {"admin_port_file", [](Config& c, const std::string& text) { c.adminPortFile = text; }},
-    {"database", [](Config& c, const std::string& text) { c.database = text; }},
+    {"database", [](Config& c, const std::string& text) { c.store.database = text; }},
+    {"durability",
+     [](Config& c, const std::string& text) {
+         if (text != "normal" && text != "full")
+             throw std::runtime_error("needs normal or full");
+         c.store.durability = text;
+     }},
+    {"database_connections",
+     [](Config& c, const std::string& text) { c.store.connections = NumberOf(text, 1, 100); }},
     {"workers",
      [](Config& c, const std::string& text) {
          c.doors.workers = static_cast<unsigned>(NumberOf(text, 1, 64));

@@ -4,13 +4,14 @@
 #include <vector>
 
 #include "server/http/Server.h"
+#include "server/store/OpenStore.h"
 
 namespace kel::server {
 
 /// The service's settings. A later source wins: the configuration file, the environment, the command line.
 struct Config {
     Doors doors{"127.0.0.1", 8080, 8081, 2, {}};
-    std::string database = "kel.db";
+    StoreSettings store;
     std::string portFile;  // receives the public port once the service listens
     std::string adminPortFile;
     std::string logLevel = "info";

@@ -10,7 +10,7 @@ Answer Readiness(Store& store)
 {
     constexpr const char* Type = "text/plain; charset=utf-8";
     try {
-        store.NewestSet("");
+        store.Ping();
         return Answer::Of(Type, "ready\n");
     } catch (const std::exception& error) {
         Log(Level::Error, "not-ready", {{"reason", error.what()}});

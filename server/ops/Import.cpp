@@ -33,7 +33,7 @@ void Import(const std::filesystem::path& folder, Store& store)
         throw std::runtime_error(folder.string() + " has no requirement files");
     for (const auto& [referrer, text] : sets)
         Log(Level::Info, "published",
-            {{"referrer", referrer}, {"version", std::to_string(store.Publish(referrer, text))}});
+            {{"referrer", referrer}, {"version", std::to_string(store.Publish(referrer, text, "import"))}});
 }
 
 }  // namespace kel::server

@@ -33,22 +33,20 @@ std::string ReferrerOf(const Target& target)
 Router PublicRoutes(Service& service, Metrics& metrics)
 {
     Router router(metrics.open);
-    router.Add("GET", "/Data/Service.svc/Group/list", [&](const Target& target, auto&, auto&) {
-        CheckKey(target);
-        return service.GroupList(ReferrerOf(target));
+    router.Add("GET", "/Data/Service.svc/Group/list", [&](const Call& call) {
+        CheckKey(call.target);
+        return service.GroupList(ReferrerOf(call.target));
     });
-    router.Add("POST", "/Data/Service.svc/upload", [&](const Target& target, auto&, const std::string& body) {
-        CheckKey(target);
-        return service.Upload(body);
+    router.Add("POST", "/Data/Service.svc/upload", [&](const Call& call) {
+        CheckKey(call.target);
+        return service.Upload(call.request.body);
     });
     for (const char* path : {"/SystemInformation/", "/SystemInformation"})
         router.Add("POST", path,
-                   [&](auto&, auto&, const std::string& body) { return service.SystemInformation(body); });
+                   [&](const Call& call) { return service.SystemInformation(call.request.body); });
     router.Add("POST", "/service/Analysis/*",
-               [&](auto&, const std::string& referrer, const std::string& body) {
-                   return service.Analysis(referrer, body);
-               });
-    router.Add("GET", "/global/tests/test_2.bin", [&](auto&, auto&, auto&) { return service.TestFile(); });
+               [&](const Call& call) { return service.Analysis(call.rest, call.request.body); });
+    router.Add("GET", "/global/tests/test_2.bin", [&](const Call&) { return service.TestFile(); });
     return router;
 }
 
@@ -57,9 +55,9 @@ Router AdminRoutes(Store& store, Metrics& metrics)
     Router router(metrics.admin);
     // Says no more than that the process answers: a restart mends no database.
     router.Add("GET", "/healthz",
-               [](auto&, auto&, auto&) { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
-    router.Add("GET", "/readyz", [&](auto&, auto&, auto&) { return Readiness(store); });
-    router.Add("GET", "/metrics", [&](auto&, auto&, auto&) { return MetricsPage(metrics); });
+               [](const Call&) { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
+    router.Add("GET", "/readyz", [&](const Call&) { return Readiness(store); });
+    router.Add("GET", "/metrics", [&](const Call&) { return MetricsPage(metrics); });
     return router;
 }
 

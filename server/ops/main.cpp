@@ -15,7 +15,7 @@
 #include "server/ops/Routes.h"
 #include "server/protocol/Service.h"
 #include "server/store/Migrations.h"
-#include "server/store/SqliteStore.h"
+#include "server/store/OpenStore.h"
 
 namespace {
 
@@ -38,10 +38,10 @@ void WritePort(const std::string& path, std::uint16_t port)
 
 void RunServe(const Config& config)
 {
-    SqliteStore store(config.database);
+    const std::unique_ptr<Store> store = OpenStore(config.store);
     Metrics metrics;
-    Service service(store, metrics);
-    const Router open = PublicRoutes(service, metrics), admin = AdminRoutes(store, metrics);
+    Service service(*store, metrics);
+    const Router open = PublicRoutes(service, metrics), admin = AdminRoutes(*store, metrics);
     Serve(
         config.doors, metrics, [&](const Request& request) { return open.Handle(request); },
         [&](const Request& request) { return admin.Handle(request); },
@@ -58,9 +58,7 @@ void RunServe(const Config& config)
 
 void RunMigrate(const Config& config)
 {
-    SqliteDatabase database(config.database, SqliteDatabase::Mode::Create);
-    Log(Level::Info, "migrated",
-        {{"database", config.database}, {"version", std::to_string(Migrate(database))}});
+    Log(Level::Info, "migrated", {{"version", std::to_string(Migrate(*OpenForMigration(config.store)))}});
 }
 
 void SetLogLevel(const std::string& name)
@@ -83,8 +81,7 @@ int Run(std::vector<std::string> arguments)
     } else if (command == "migrate" && arguments.size() == 1) {
         RunMigrate(config);
     } else if (command == "import" && arguments.size() == 2) {
-        SqliteStore store(config.database);
-        Import(arguments[1], store);
+        Import(arguments[1], *OpenStore(config.store));
     } else {
         std::cerr << Usage;
         return 2;

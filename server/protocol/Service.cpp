@@ -38,11 +38,14 @@ Answer Render(const Verdict& verdict, const AnalysisRequest& request)
 }  // namespace
 
 Service::Service(Store& store, Metrics& metrics)
-    : store(store), metrics(metrics), testFile(std::make_shared<const std::string>(MakeTestFile()))
+    : store(store),
+      metrics(metrics),
+      sets(store),
+      testFile(std::make_shared<const std::string>(MakeTestFile()))
 {
 }
 
-StoredSet Service::Find(const std::string& referrer)
+PublishedSet Service::Find(const std::string& referrer)
 {
     auto set = IsReferrer(referrer) ? store.NewestSet(referrer) : std::nullopt;
     if (!set)
@@ -53,7 +56,7 @@ StoredSet Service::Find(const std::string& referrer)
 Answer Service::GroupList(const std::string& referrer)
 {
     std::string list;
-    for (const int group : Requirements::Read(Find(referrer).text).Groups()) {
+    for (const int group : sets.Get(Find(referrer).id)->Groups()) {
         if (!list.empty())
             list += '|';
         list += std::to_string(group);
@@ -81,7 +84,7 @@ Answer Service::KeepReport(const Report& report, const std::string& body)
 {
     const std::string& referrer = report.Text(Report::Referrer);
     store.Keep(NewReport{report.Text(Report::Session), IsReferrer(referrer) ? referrer : "",
-                         report.Text(Report::User), body});
+                         report.Text(Report::User), report.Text(Report::Machine), body});
     ++metrics.uploads;
     Log(Level::Info, "uploaded",
         {{"session", report.Text(Report::Session)},
@@ -93,11 +96,11 @@ Answer Service::KeepReport(const Report& report, const std::string& body)
 Answer Service::Analysis(const std::string& referrer, const std::string& body)
 {
     const AnalysisRequest request = AnalysisRequest::Read(body);
-    const StoredSet set = Find(referrer);
+    const PublishedSet set = Find(referrer);
     const auto stored = store.NewestReport(request.session);
     if (!stored)
         throw Fault(404, "no report of this session was uploaded");
-    const Verdict verdict = Judge(Requirements::Read(set.text), Report::Read(stored->body));
+    const Verdict verdict = Judge(*sets.Get(set.id), Report::Read(stored->body));
     const std::string total(NameOf(verdict.total));
     store.Keep(NewVerdict{stored->id, set.id, request.item, total, RenderLines(verdict)});
     metrics.AddVerdict(total);

@@ -5,9 +5,9 @@
 
 #include "server/base/Exchange.h"
 #include "server/base/Metrics.h"
+#include "server/protocol/SetCache.h"
 #include "server/report/Report.h"
 #include "server/store/Store.h"
-#include "server/verdict/Requirements.h"
 
 namespace kel::server {
 
@@ -31,11 +31,12 @@ public:
     Answer TestFile() const;
 
 private:
-    StoredSet Find(const std::string& referrer);
+    PublishedSet Find(const std::string& referrer);
     Answer KeepReport(const Report& report, const std::string& body);
 
     Store& store;
     Metrics& metrics;
+    SetCache sets;
     std::shared_ptr<const std::string> testFile;
 };
 

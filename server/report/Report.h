@@ -13,6 +13,7 @@ public:
     static constexpr int Session = 71424;
     static constexpr int Referrer = 71218;
     static constexpr int User = 71206;
+    static constexpr int Machine = 71207;
 
     /// Reads `<groups><group index="…" id="…"><value>…</value></group>…</groups>`. Of values that share id
     /// and index the last counts; a group without an index has 0. Throws Fault 400 when the text is no

@@ -2,19 +2,19 @@
 
 #include <span>
 
-#include "server/store/SqliteDatabase.h"
+#include "server/store/SqlConnection.h"
 
 namespace kel::server {
 
-/// The statements of migrations/*.sql in their order, which the build puts in. The first one leads from
-/// nothing to version 1.
-extern const std::span<const char* const> Migrations;
+/// The statements of migrations/sqlite/*.sql in their order, which the build puts in. The first one leads
+/// from nothing to version 1.
+extern const std::span<const char* const> SqliteMigrations;
 
 /// Brings the database to the newest version, each step by itself entirely or not at all; the version. Throws
-/// std::runtime_error for a newer one, and for a file that is another program's.
-int Migrate(SqliteDatabase& database);
+/// std::runtime_error for a newer one, and for a database that is another program's.
+int Migrate(SqlConnection& connection);
 
 /// Throws std::runtime_error unless the database has the version that this program knows.
-void RequireCurrent(SqliteDatabase& database);
+void RequireCurrent(SqlConnection& connection);
 
 }  // namespace kel::server

@@ -3,55 +3,96 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
+
+#include "server/store/Records.h"
 
 namespace kel::server {
 
-/// A report as it arrived.
-struct NewReport {
-    std::string session;
-    std::string referrer;  // empty when it names none that could exist
-    std::string user;
-    std::string body;
-};
-
-struct StoredReport {
-    std::int64_t id = 0;
-    std::string body;
-};
-
-/// A published version of a product's requirements.
-struct StoredSet {
-    std::int64_t id = 0;
-    int version = 0;
-    std::string text;  // JSON, as it was published
-};
-
-/// A verdict on a stored report by a stored set.
-struct NewVerdict {
-    std::int64_t report = 0;
-    std::int64_t set = 0;
-    std::string item;
-    std::string total;
-    std::string lines;  // JSON
-};
-
-/// What the service keeps. Every operation may be called by any thread, is done entirely or not at all, and
-/// throws std::runtime_error when the database fails.
+/// What the service keeps. Every operation may be called by any thread and is done entirely or not at all.
+/// Throws Fault 503 when the database fails.
 class Store {
 public:
     virtual ~Store() = default;
+
+    /// Returns when the database answers.
+    virtual void Ping() = 0;
+
+    // The control's requests.
 
     /// Appends a report.
     virtual void Keep(const NewReport& report) = 0;
     /// The newest report of a session.
     virtual std::optional<StoredReport> NewestReport(const std::string& session) = 0;
-    /// The newest requirements of a referrer; nothing when it is not known.
-    virtual std::optional<StoredSet> NewestSet(const std::string& referrer) = 0;
-    /// Publishes requirements as a referrer's newest version, unless they are the newest already; the
-    /// version.
-    virtual int Publish(const std::string& referrer, const std::string& text) = 0;
+    /// The newest requirements of a referrer, without their text; nothing when it is not known.
+    virtual std::optional<PublishedSet> NewestSet(const std::string& referrer) = 0;
+    /// The text of published requirements, which never changes.
+    virtual std::string SetText(std::int64_t set) = 0;
     /// Keeps a verdict; a later one of the same report and set replaces it.
     virtual void Keep(const NewVerdict& verdict) = 0;
+
+    // Requirements and their drafts.
+
+    /// All referrers with published requirements or a draft, by name.
+    virtual std::vector<Product> Products() = 0;
+    /// The versions of a referrer's requirements, the newest first.
+    virtual std::vector<PublishedSet> Versions(const std::string& referrer) = 0;
+    /// Publishes requirements as a referrer's newest version, unless they are the newest already; the
+    /// version.
+    virtual int Publish(const std::string& referrer, const std::string& text, const std::string& author) = 0;
+    virtual std::optional<Draft> FindDraft(const std::string& referrer) = 0;
+    /// Writes a draft over the one of that revision (0: there is none yet). The new revision; nothing, and
+    /// nothing is written, when the draft has another revision by now.
+    virtual std::optional<int> KeepDraft(const std::string& referrer, const std::string& text, int revision,
+                                         const std::string& author) = 0;
+    /// Publishes the draft of that revision, and drops it; the version. Nothing when it has another one by
+    /// now.
+    virtual std::optional<int> PublishDraft(const std::string& referrer, int revision,
+                                            const std::string& author) = 0;
+    /// False when the draft has another revision by now.
+    virtual bool DropDraft(const std::string& referrer, int revision) = 0;
+
+    // Reports and verdicts, for whoever looks at them.
+
+    /// Reports that the filter lets pass, without their bodies, the newest first, or after `afterId` the
+    /// oldest first.
+    virtual std::vector<ReportLine> Reports(const ReportFilter& filter) = 0;
+    virtual std::optional<FullReport> FindReport(std::int64_t report) = 0;
+    /// The verdicts on a report, the newest requirements first.
+    virtual std::vector<StoredVerdict> VerdictsOf(std::int64_t report) = 0;
+    /// The newest verdicts by a referrer's requirements of any version, the newest report first.
+    virtual std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, int count) = 0;
+    /// How many of the newest verdicts by a referrer's requirements have which total.
+    virtual Totals RecentTotals(const std::string& referrer, int count) = 0;
+    /// The newest reports of a referrer, the newest first.
+    virtual std::vector<FullReport> RecentReports(const std::string& referrer, int count) = 0;
+
+    // What is kept no longer. Each deletes at most `most` reports with their verdicts, and tells how many.
+
+    virtual int DeleteOlder(std::int64_t time, int most) = 0;
+    virtual int DeleteSession(const std::string& session, int most) = 0;
+    virtual int DeleteMachine(const std::string& machine, int most) = 0;
+
+    // Accounts.
+
+    /// Makes an account, or gives the one of that name another hash and role, which ends its log-ins.
+    virtual void Keep(const Account& account) = 0;
+    virtual std::optional<Account> FindAccount(const std::string& name) = 0;
+    virtual std::vector<Account> Accounts() = 0;
+    /// False when there is no such account.
+    virtual bool RemoveAccount(const std::string& name) = 0;
+    /// Keeps a log-in, and forgets those that have ended by now.
+    virtual void Keep(const Login& login) = 0;
+    /// The log-in with that key, if it has not ended and its account still exists.
+    virtual std::optional<Login> FindLogin(const std::string& key) = 0;
+    virtual void EndLogin(const std::string& key) = 0;
+    /// Notes who did what.
+    virtual void Note(const std::string& account, const std::string& action, const std::string& subject) = 0;
+    /// What was noted before the entry of that id (0: the newest), the newest first.
+    virtual std::vector<AuditLine> Notes(std::int64_t beforeId, int count) = 0;
 };
+
+/// Milliseconds since 1970, UTC: the unit of all times that are kept.
+std::int64_t Now();
 
 }  // namespace kel::server

@@ -2,13 +2,16 @@
 
 import http.client
 import os
+import re
 import resource
 import signal
 import socket
 import sqlite3
+import statistics
 import threading
 import time
 import unittest.mock
+from pathlib import Path
 
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
 from harness import API_KEY
@@ -157,6 +160,29 @@ class Crowds(DeployedTest):
         return status
 
 
+class Thousands(DeployedTest):
+    settings = ("--request-seconds", "60", "--idle-seconds", "60", "--connections", "25000")
+
+    def test_ten_thousand_clients_that_wait_or_dawdle_cost_the_others_nothing(self):
+        limits = resource.getrlimit(resource.RLIMIT_NOFILE)
+        self.addCleanup(resource.setrlimit, resource.RLIMIT_NOFILE, limits)
+        resource.setrlimit(resource.RLIMIT_NOFILE, (limits[1], limits[1]))
+        for begin, kilobytes in ((b"", 10), (HEAD + b"Content-Length: 1000\r\n\r\n<", 20)):
+            crowd = [self.connect(begin) for _ in range(min(10_000, limits[1] - 200))]
+            times = []
+            for number in range(100):
+                for slow in crowd[number * 20:number * 20 + 20] if begin else ():
+                    slow.sendall(b" ")
+                start = time.monotonic()
+                self.assertEqual(self.ask("POST", UPLOAD, REPORT.format("s"))[0], 200)
+                times.append(time.monotonic() - start)
+            self.assertLess(statistics.median(times), 0.1)
+            memory = re.search(r"VmRSS:\s*(\d+)", Path(f"/proc/{self.process.pid}/status").read_text("ascii"))
+            self.assertLess(int(memory[1]), 20_000 + kilobytes * len(crowd))
+            for connection in crowd:
+                connection.close()
+
+
 class Ends(DeployedTest):
     def test_a_signal_lets_requests_under_way_finish(self):
         for number in (signal.SIGTERM, signal.SIGINT):
@@ -217,8 +243,8 @@ class Ends(DeployedTest):
 class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
         self.stop()
-        self.assertIn("version=1", self.command("migrate"))
-        for sql, commands, reason in (("PRAGMA user_version = 99", ("serve", "migrate"), "newer than 1"),
+        self.assertIn("version=2", self.command("migrate"))
+        for sql, commands, reason in (("PRAGMA user_version = 99", ("serve", "migrate"), "newer than 2"),
                                       ("PRAGMA user_version = 0", ("serve",), "run the command migrate"),
                                       ("PRAGMA application_id = 7", ("serve", "migrate"), "another program's")):
             with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
@@ -263,7 +289,7 @@ class Commands(DeployedTest):
         file.write_text("workers = 3\nlog_level = error\n")
         with unittest.mock.patch.dict("os.environ", KEL_LOG_LEVEL="warning", KEL_IDLE_SECONDS="1"):
             self.start("--config", str(file))
-            self.assertEqual(len(os.listdir(f"/proc/{self.process.pid}/task")), 4)  # the file's workers and the network's thread
+            self.assertEqual(len(os.listdir(f"/proc/{self.process.pid}/task")), 5)  # the file's, the operator's, the network's
             start = time.monotonic()
             self.assertEqual(self.connect().recv(1), b"")  # the environment's time
             self.assertLess(time.monotonic() - start, 5)

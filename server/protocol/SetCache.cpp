@@ -1,0 +1,27 @@
+#include "server/protocol/SetCache.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr std::size_t Most = 1000;  // more versions than a service has products; the oldest goes
+
+}  // namespace
+
+std::shared_ptr<const Requirements> SetCache::Get(std::int64_t set)
+{
+    {
+        const std::lock_guard lock(turn);
+        const auto found = sets.find(set);
+        if (found != sets.end())
+            return found->second;
+    }
+    auto read = std::make_shared<const Requirements>(Requirements::Read(store.SetText(set)));
+    const std::lock_guard lock(turn);
+    if (sets.size() >= Most)
+        sets.erase(sets.begin());
+    sets[set] = read;
+    return read;
+}
+
+}  // namespace kel::server

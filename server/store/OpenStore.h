@@ -1,0 +1,24 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "server/store/SqlConnection.h"
+#include "server/store/Store.h"
+
+namespace kel::server {
+
+/// Where the store is, and how it is opened.
+struct StoreSettings {
+    std::string database = "kel.db";  // an SQLite file
+    std::string durability = "normal";
+    std::size_t connections = 4;  // that read at the same time
+};
+
+/// Opens a database that has the current version; throws std::runtime_error when there is none.
+std::unique_ptr<Store> OpenStore(const StoreSettings& settings);
+
+/// One connection, to migrate by; makes the database when it is a file that is not there.
+std::unique_ptr<SqlConnection> OpenForMigration(const StoreSettings& settings);
+
+}  // namespace kel::server

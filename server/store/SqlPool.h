@@ -1,0 +1,53 @@
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "server/store/SqlConnection.h"
+
+namespace kel::server {
+
+/// Connections to a database, opened as they are needed and lent to one thread at a time.
+class SqlPool {
+public:
+    using Open = std::function<std::unique_ptr<SqlConnection>()>;
+
+    /// A connection until the lease ends.
+    class Lease {
+    public:
+        Lease(SqlPool& pool, std::unique_ptr<SqlConnection> connection)
+            : pool(pool), connection(std::move(connection))
+        {
+        }
+        ~Lease() { pool.Return(std::move(connection)); }
+        Lease(const Lease&) = delete;
+        Lease& operator=(const Lease&) = delete;
+
+        SqlConnection& operator*() const { return *connection; }
+        SqlConnection* operator->() const { return connection.get(); }
+
+    private:
+        SqlPool& pool;
+        std::unique_ptr<SqlConnection> connection;
+    };
+
+    SqlPool(Open open, std::size_t most) : open(std::move(open)), most(most) {}
+
+    /// Waits some seconds for a connection; throws Fault 503 when none becomes free, or none can be opened.
+    Lease Borrow();
+
+private:
+    void Return(std::unique_ptr<SqlConnection> connection);
+
+    Open open;
+    std::size_t most;
+    std::mutex turn;
+    std::condition_variable returned;
+    std::vector<std::unique_ptr<SqlConnection>> free;
+    std::size_t lent = 0;
+};
+
+}  // namespace kel::server

@@ -1,0 +1,293 @@
+#include "server/store/SqlStore.h"
+
+#include <chrono>
+
+namespace kel::server {
+
+namespace {
+
+/// The first row made into something, if there is one.
+template <typename Make>
+auto First(const SqlRows& rows, Make make) -> std::optional<decltype(make(rows.front()))>
+{
+    if (rows.empty())
+        return std::nullopt;
+    return make(rows.front());
+}
+
+template <typename Make>
+auto Each(const SqlRows& rows, Make make)
+{
+    std::vector<decltype(make(rows.front()))> all;
+    for (const SqlRow& row : rows)
+        all.push_back(make(row));
+    return all;
+}
+
+int Small(const SqlRow& row, std::size_t column)
+{
+    return static_cast<int>(row.Number(column));
+}
+
+PublishedSet SetOf(const SqlRow& row)
+{
+    return {row.Number(0), Small(row, 1), row.Number(2), row.Text(3)};
+}
+
+Account AccountOf(const SqlRow& row)
+{
+    return {row.Text(0), row.Text(1), row.Text(2) == "editor" ? Role::Editor : Role::Reader};
+}
+
+const std::string SetsOf =
+    "SELECT requirement_set.id, version, published, author FROM requirement_set "
+    "JOIN referrer ON referrer.id = requirement_set.referrer WHERE name = $1 ORDER BY version DESC";
+
+/// Publishes inside of a transaction.
+int PublishNow(SqlConnection& connection, const std::string& referrer, const std::string& text,
+               const std::string& author)
+{
+    connection.Query("INSERT INTO referrer (name) VALUES ($1) ON CONFLICT DO NOTHING", {referrer});
+    // Whoever publishes for the same referrer at the same time waits here.
+    connection.Query("UPDATE referrer SET name = name WHERE name = $1", {referrer});
+    const SqlRows newest = connection.Query(SetsOf + " LIMIT 1", {referrer});
+    int version = 1;
+    if (!newest.empty()) {
+        const SqlRows same =
+            connection.Query("SELECT text FROM requirement_set WHERE id = $1", {newest[0].Number(0)});
+        if (same.at(0).Text(0) == text)
+            return Small(newest[0], 1);
+        version = Small(newest[0], 1) + 1;
+    }
+    connection.Query(
+        "INSERT INTO requirement_set (referrer, version, published, text, author) "
+        "SELECT id, $1, $2, $3, $4 FROM referrer WHERE name = $5",
+        {std::int64_t{version}, Now(), text, author, referrer});
+    return version;
+}
+
+}  // namespace
+
+std::int64_t Now()
+{
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
+}
+
+SqlStore::SqlStore(std::shared_ptr<SqlPool> readers, std::shared_ptr<SqlPool> writers)
+    : readers(std::move(readers)), writers(std::move(writers))
+{
+}
+
+SqlRows SqlStore::Read(const std::string& sql, const std::vector<SqlValue>& values)
+{
+    return readers->Borrow()->Query(sql, values);
+}
+
+SqlRows SqlStore::Write(const std::string& sql, const std::vector<SqlValue>& values)
+{
+    return writers->Borrow()->Query(sql, values);
+}
+
+void SqlStore::Ping()
+{
+    Read("SELECT count(*) FROM (SELECT 1 FROM requirement_set LIMIT 1) AS any_set");
+}
+
+void SqlStore::Keep(const NewReport& report)
+{
+    Write(
+        "INSERT INTO report (session, referrer, \"user\", machine, received, body) "
+        "VALUES ($1, $2, $3, $4, $5, $6)",
+        {report.session, report.referrer, report.user, report.machine, Now(), report.body});
+}
+
+std::optional<StoredReport> SqlStore::NewestReport(const std::string& session)
+{
+    return First(Read("SELECT id, body FROM report WHERE session = $1 ORDER BY id DESC LIMIT 1", {session}),
+                 [](const SqlRow& row) {
+                     return StoredReport{row.Number(0), row.Text(1)};
+                 });
+}
+
+std::optional<PublishedSet> SqlStore::NewestSet(const std::string& referrer)
+{
+    return First(Read(SetsOf + " LIMIT 1", {referrer}), SetOf);
+}
+
+std::string SqlStore::SetText(std::int64_t set)
+{
+    const SqlRows rows = Read("SELECT text FROM requirement_set WHERE id = $1", {set});
+    return rows.empty() ? std::string() : rows[0].Text(0);
+}
+
+void SqlStore::Keep(const NewVerdict& verdict)
+{
+    Write(
+        "INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines) "
+        "SELECT $1, id, referrer, $2, $3, $4, $5 FROM requirement_set WHERE id = $6 "
+        "ON CONFLICT (report, requirement_set) DO UPDATE "
+        "SET judged = excluded.judged, item = excluded.item, total = excluded.total, lines = excluded.lines",
+        {verdict.report, Now(), verdict.item, verdict.total, verdict.lines, verdict.set});
+}
+
+std::vector<Product> SqlStore::Products()
+{
+    const SqlRows rows = Read(
+        "SELECT names.name, coalesce(version, 0), coalesce(published, 0), "
+        "(SELECT count(*) FROM draft WHERE draft.referrer = names.name AND draft.text <> '') "
+        "FROM (SELECT name FROM referrer UNION SELECT referrer FROM draft WHERE text <> '') AS names "
+        "LEFT JOIN referrer ON referrer.name = names.name "
+        "LEFT JOIN requirement_set ON requirement_set.referrer = referrer.id AND version = "
+        "(SELECT max(version) FROM requirement_set AS other WHERE other.referrer = referrer.id) "
+        "ORDER BY names.name");
+    return Each(rows, [](const SqlRow& row) {
+        return Product{row.Text(0), Small(row, 1), row.Number(2), row.Number(3) > 0};
+    });
+}
+
+std::vector<PublishedSet> SqlStore::Versions(const std::string& referrer)
+{
+    return Each(Read(SetsOf, {referrer}), SetOf);
+}
+
+int SqlStore::Publish(const std::string& referrer, const std::string& text, const std::string& author)
+{
+    const auto connection = writers->Borrow();
+    SqlTransaction transaction(*connection);
+    const int version = PublishNow(*connection, referrer, text, author);
+    transaction.Commit();
+    return version;
+}
+
+std::optional<Draft> SqlStore::FindDraft(const std::string& referrer)
+{
+    return First(Read("SELECT text, revision, changed, author FROM draft WHERE referrer = $1 AND text <> ''",
+                      {referrer}),
+                 [](const SqlRow& row) {
+                     return Draft{row.Text(0), Small(row, 1), row.Number(2), row.Text(3)};
+                 });
+}
+
+std::optional<int> SqlStore::KeepDraft(const std::string& referrer, const std::string& text, int revision,
+                                       const std::string& author)
+{
+    const std::string begin = revision == 0 ? "INSERT INTO draft (text, changed, author, referrer, revision) "
+                                              "VALUES ($1, $2, $3, $4, 1) ON CONFLICT (referrer) DO UPDATE "
+                                              "SET text = excluded.text, changed = excluded.changed, "
+                                              "author = excluded.author, revision = draft.revision + 1 "
+                                              "WHERE draft.text = '' RETURNING revision"
+                                            : "UPDATE draft SET text = $1, changed = $2, author = $3, "
+                                              "revision = revision + 1 "
+                                              "WHERE referrer = $4 AND revision = $5 AND text <> '' "
+                                              "RETURNING revision";
+    std::vector<SqlValue> values{text, Now(), author, referrer};
+    if (revision != 0)
+        values.emplace_back(std::int64_t{revision});
+    return First(Write(begin, values), [](const SqlRow& row) { return Small(row, 0); });
+}
+
+std::optional<int> SqlStore::PublishDraft(const std::string& referrer, int revision,
+                                          const std::string& author)
+{
+    const auto connection = writers->Borrow();
+    SqlTransaction transaction(*connection);
+    const SqlRows draft =
+        connection->Query("SELECT text FROM draft WHERE referrer = $1 AND revision = $2 AND text <> ''",
+                          {referrer, std::int64_t{revision}});
+    const SqlRows dropped = connection->Query(
+        "UPDATE draft SET text = '', revision = revision + 1 WHERE referrer = $1 AND revision = $2 AND text "
+        "<> '' "
+        "RETURNING revision",
+        {referrer, std::int64_t{revision}});
+    if (draft.empty() || dropped.empty())
+        return std::nullopt;
+    const int version = PublishNow(*connection, referrer, draft[0].Text(0), author);
+    transaction.Commit();
+    return version;
+}
+
+bool SqlStore::DropDraft(const std::string& referrer, int revision)
+{
+    return !Write(
+                "UPDATE draft SET text = '', revision = revision + 1 "
+                "WHERE referrer = $1 AND revision = $2 AND text <> '' RETURNING revision",
+                {referrer, std::int64_t{revision}})
+                .empty();
+}
+
+void SqlStore::Keep(const Account& account)
+{
+    const auto connection = writers->Borrow();
+    SqlTransaction transaction(*connection);
+    connection->Query(
+        "INSERT INTO account (name, hash, role) VALUES ($1, $2, $3) "
+        "ON CONFLICT (name) DO UPDATE SET hash = excluded.hash, role = excluded.role",
+        {account.name, account.hash, account.role == Role::Editor ? "editor" : "reader"});
+    connection->Query("DELETE FROM login_session WHERE account = $1", {account.name});
+    transaction.Commit();
+}
+
+std::optional<Account> SqlStore::FindAccount(const std::string& name)
+{
+    return First(Read("SELECT name, hash, role FROM account WHERE name = $1", {name}), AccountOf);
+}
+
+std::vector<Account> SqlStore::Accounts()
+{
+    return Each(Read("SELECT name, hash, role FROM account ORDER BY name"), AccountOf);
+}
+
+bool SqlStore::RemoveAccount(const std::string& name)
+{
+    return !Write("DELETE FROM account WHERE name = $1 RETURNING name", {name}).empty();
+}
+
+void SqlStore::Keep(const Login& login)
+{
+    const auto connection = writers->Borrow();
+    SqlTransaction transaction(*connection);
+    connection->Query("DELETE FROM login_session WHERE ends <= $1", {Now()});
+    connection->Query("INSERT INTO login_session (key, account, form_token, ends) VALUES ($1, $2, $3, $4)",
+                      {login.key, login.account, login.formToken, login.ends});
+    transaction.Commit();
+}
+
+std::optional<Login> SqlStore::FindLogin(const std::string& key)
+{
+    return First(Read("SELECT key, account, role, form_token, ends FROM login_session "
+                      "JOIN account ON account.name = login_session.account WHERE key = $1 AND ends > $2",
+                      {key, Now()}),
+                 [](const SqlRow& row) {
+                     return Login{row.Text(0), row.Text(1),
+                                  row.Text(2) == "editor" ? Role::Editor : Role::Reader, row.Text(3),
+                                  row.Number(4)};
+                 });
+}
+
+void SqlStore::EndLogin(const std::string& key)
+{
+    Write("DELETE FROM login_session WHERE key = $1", {key});
+}
+
+void SqlStore::Note(const std::string& account, const std::string& action, const std::string& subject)
+{
+    Write("INSERT INTO audit (time, account, action, subject) VALUES ($1, $2, $3, $4)",
+          {Now(), account, action, subject});
+}
+
+std::vector<AuditLine> SqlStore::Notes(std::int64_t beforeId, int count)
+{
+    const std::string before = beforeId > 0 ? "WHERE id < $2 " : "";
+    std::vector<SqlValue> values{std::int64_t{count}};
+    if (beforeId > 0)
+        values.emplace_back(beforeId);
+    const SqlRows rows =
+        Read("SELECT id, time, account, action, subject FROM audit " + before + "ORDER BY id DESC LIMIT $1",
+             values);
+    return Each(rows, [](const SqlRow& row) {
+        return AuditLine{row.Number(0), row.Number(1), row.Text(2), row.Text(3), row.Text(4)};
+    });
+}
+
+}  // namespace kel::server

@@ -1,0 +1,131 @@
+#include "server/store/SqliteConnection.h"
+
+#include <stdexcept>
+
+#include "server/base/Fault.h"
+#include "server/store/Migrations.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr int Unavailable = 503;
+constexpr int BusyMilliseconds = 10'000;
+constexpr std::int64_t ApplicationId = 0x4B454C53;  // "KELS": tells the file from other programs' databases
+
+/// Gives up a statement's rows and values at the end, and the lock on the file with them.
+class Use {
+public:
+    explicit Use(sqlite3_stmt* statement) : statement(statement) {}
+    ~Use()
+    {
+        sqlite3_reset(statement);
+        sqlite3_clear_bindings(statement);
+    }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+
+private:
+    sqlite3_stmt* statement;
+};
+
+int Bind(sqlite3_stmt* statement, int index, const SqlValue& value)
+{
+    if (const auto* number = std::get_if<std::int64_t>(&value))
+        return sqlite3_bind_int64(statement, index, *number);
+    const auto& text = std::get<std::string_view>(value);
+    return sqlite3_bind_text64(statement, index, text.empty() ? "" : text.data(), text.size(), SQLITE_STATIC,
+                               SQLITE_UTF8);
+}
+
+std::string Column(sqlite3_stmt* statement, int column)
+{
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, column));
+    return text ? std::string(text, static_cast<std::size_t>(sqlite3_column_bytes(statement, column)))
+                : std::string();
+}
+
+}  // namespace
+
+SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durability durability)
+{
+    sqlite3* opened = nullptr;
+    const int flags =
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
+    const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+    database.reset(opened);
+    if (result != SQLITE_OK)
+        throw Fault(Unavailable, path + ": " + (opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));
+    sqlite3_busy_timeout(opened, BusyMilliseconds);
+    Execute("PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON;");
+    Execute(durability == Durability::Full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
+}
+
+SqlRows SqliteConnection::Query(const std::string& sql, const std::vector<SqlValue>& values)
+{
+    sqlite3_stmt* statement = Prepare(sql);
+    const Use use(statement);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const int index = sqlite3_bind_parameter_index(statement, ("$" + std::to_string(i + 1)).c_str());
+        if (Bind(statement, index, values[i]) != SQLITE_OK)
+            Fail();
+    }
+    SqlRows rows;
+    int result = SQLITE_ROW;
+    while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
+        std::vector<std::string> columns;
+        for (int column = 0; column < sqlite3_column_count(statement); ++column)
+            columns.push_back(Column(statement, column));
+        rows.emplace_back(std::move(columns));
+    }
+    if (result != SQLITE_DONE)
+        Fail();
+    return rows;
+}
+
+void SqliteConnection::Execute(const std::string& sql)
+{
+    if (sqlite3_exec(Get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        Fail();
+}
+
+std::span<const char* const> SqliteConnection::Migrations() const
+{
+    return SqliteMigrations;
+}
+
+int SqliteConnection::Version()
+{
+    const std::int64_t version = Number("PRAGMA user_version");
+    const bool empty = version == 0 && Number("SELECT count(*) FROM sqlite_schema") == 0;
+    if (!empty && Number("PRAGMA application_id") != ApplicationId)
+        throw std::runtime_error("the database is another program's");
+    return static_cast<int>(version);
+}
+
+void SqliteConnection::SetVersion(int version)
+{
+    Execute("PRAGMA application_id = " + std::to_string(ApplicationId) +
+            "; PRAGMA user_version = " + std::to_string(version));
+}
+
+sqlite3_stmt* SqliteConnection::Prepare(const std::string& sql)
+{
+    const auto found = statements.find(sql);
+    if (found != statements.end())
+        return found->second.get();
+    sqlite3_stmt* prepared = nullptr;
+    const int result =
+        sqlite3_prepare_v3(Get(), sql.c_str(), -1, SQLITE_PREPARE_PERSISTENT, &prepared, nullptr);
+    Statement statement(prepared);
+    if (result != SQLITE_OK)
+        Fail();
+    return statements.emplace(sql, std::move(statement)).first->second.get();
+}
+
+void SqliteConnection::Fail() const
+{
+    throw Fault(Unavailable, std::string("database: ") + sqlite3_errmsg(Get()));
+}
+
+}  // namespace kel::server

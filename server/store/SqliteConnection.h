@@ -1,0 +1,49 @@
+#pragma once
+
+#include <sqlite3.h>
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+#include "server/store/SqlConnection.h"
+
+namespace kel::server {
+
+/// An open SQLite file: write-ahead log, foreign keys, a wait of some seconds for another process's write.
+class SqliteConnection : public SqlConnection {
+public:
+    enum class Mode { Existing, Create };
+    /// Full: each commit is on the disk. Normal: a power cut can lose the last ones, never the file.
+    enum class Durability { Normal, Full };
+
+    SqliteConnection(const std::string& path, Mode mode, Durability durability);
+
+    SqlRows Query(const std::string& sql, const std::vector<SqlValue>& values) override;
+    void Execute(const std::string& sql) override;
+    void Begin() override { Execute("BEGIN IMMEDIATE"); }
+    bool IsBroken() const override { return false; }
+    std::span<const char* const> Migrations() const override;
+    int Version() override;
+    void SetVersion(int version) override;
+
+    sqlite3* Get() const { return database.get(); }
+
+private:
+    struct Close {
+        void operator()(sqlite3* database) const { sqlite3_close_v2(database); }
+    };
+    struct Finalize {
+        void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+    };
+    using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
+
+    sqlite3_stmt* Prepare(const std::string& sql);
+    std::int64_t Number(const std::string& sql) { return Query(sql, {}).at(0).Number(0); }
+    [[noreturn]] void Fail() const;
+
+    std::unique_ptr<sqlite3, Close> database;
+    std::unordered_map<std::string, Statement> statements;
+};
+
+}  // namespace kel::server
