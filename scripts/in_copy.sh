@@ -5,9 +5,14 @@
 # /etc/subuid. Usage: scripts/in_copy.sh COMMAND [ARGUMENT...]
 set -euo pipefail
 
+fail() {
+  echo "A copy of the machine needs the right to mount an overlay: root's, in a container with SYS_ADMIN." >&2
+  exit 1
+}
 if [ "${1:-}" != --inside ]; then
   options=(--mount --net --pid --fork --kill-child)
   [ "$(id -u)" -eq 0 ] || options+=(--map-root-user --map-auto)
+  unshare "${options[@]}" true || fail
   exec unshare "${options[@]}" "$0" --inside "$@"
 fi
 shift
@@ -20,10 +25,7 @@ prepare() {
     mount --rbind /dev $copy/dev && mount -t proc proc $copy/proc &&
     ip link set lo up && mkdir -p "$copy$PWD" && mount --rbind "$PWD" "$copy$PWD"
 }
-if ! prepare; then
-  echo "A copy of the machine needs the right to mount an overlay: root's, in a container with SYS_ADMIN." >&2
-  exit 1
-fi
+prepare || fail
 code=0
 path=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin
 chroot $copy env --ignore-environment --chdir="$PWD" LC_ALL=C PATH=$path "$@" || code=$?
