@@ -16,7 +16,7 @@ METRICS = re.compile(r'(# HELP (kel_\w+) .+\n# TYPE \2 (?:counter|gauge|histogra
 
 
 class Metrics(DeployedTest):
-    settings = ("--request-seconds", "2", "--connections", "100", "--bodies-mb", "4")
+    settings = ("--request-seconds", "4", "--connections", "100", "--bodies-mb", "4")
 
     def metrics(self, word=""):
         page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
