@@ -9,11 +9,11 @@ packages=(
   cmake ninja-build python3
 )
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
-server=(g++ libboost-dev libsqlite3-dev libpugixml-dev nlohmann-json3-dev cmake ninja-build)
+server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev cmake ninja-build)
 service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
-[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium mono-mcs
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium mono-mcs postgresql
   "${service_packaging[@]}" nginx openssl systemd curl iproute2)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --service-package ] && packages=("${service_packaging[@]}")

@@ -61,7 +61,7 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
     Execute(durability == Durability::Full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }
 
-SqlRows SqliteConnection::Query(const std::string& sql, const std::vector<SqlValue>& values)
+SqlRows SqliteConnection::Run(const std::string& sql, const std::vector<SqlValue>& values)
 {
     sqlite3_stmt* statement = Prepare(sql);
     const Use use(statement);
@@ -123,8 +123,12 @@ sqlite3_stmt* SqliteConnection::Prepare(const std::string& sql)
     return statements.emplace(sql, std::move(statement)).first->second.get();
 }
 
-void SqliteConnection::Fail() const
+void SqliteConnection::Fail()
 {
+    // What a file that could not be written was when it was opened would stay so for this connection.
+    const int code = sqlite3_errcode(Get());
+    broken = broken || code == SQLITE_READONLY || code == SQLITE_IOERR || code == SQLITE_CANTOPEN ||
+             code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
     throw Fault(Unavailable, std::string("database: ") + sqlite3_errmsg(Get()));
 }
 

@@ -7,13 +7,14 @@ import re
 import resource
 import signal
 import socket
-import sqlite3
 import statistics
 import threading
 import time
+import unittest
 import unittest.mock
 from pathlib import Path
 
+from databases import KIND
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
 from harness import API_KEY
 from reports import parse_analysis, parse_report
@@ -89,9 +90,7 @@ class Bodies(DeployedTest):
             request = analysis("s", name)
             told = judge(load_requirements(self.folder, "r"), parse_report(REPORT.format("s")), parse_analysis(request))
             self.assertEqual(self.ask("POST", "/service/Analysis/r", request)[1].decode(), render(told, name)[1])
-        with sqlite3.connect(self.folder / "kel.db") as database:
-            lines = json.loads(database.execute("SELECT lines FROM verdict").fetchone()[0])
-        database.close()
+        lines = json.loads(self.database.run("SELECT lines FROM verdict")[0][0])
         parts = [{"id": 1, "needed": "any", "found": "8.0 GB", "result": "pass"},
                  {"id": 2, "needed": "no", "found": "", "result": "unknown"}]
         self.assertEqual(lines[2:], [{"id": 2, "found": "", "result": "unknown"},
@@ -222,7 +221,7 @@ class Ends(DeployedTest):
 
     def test_a_kill_loses_no_report_that_was_acknowledged(self):
         self.require("r", (1, "M", "any"))
-        for run in range(3):
+        for run, durability in enumerate(("normal", "full", "full")):
             kept = []
             threads = [threading.Thread(target=self.upload_until_the_end, args=(f"{run}-{thread}", kept)) for thread in range(4)]
             for thread in threads:
@@ -233,11 +232,9 @@ class Ends(DeployedTest):
                 thread.join()
             self.assertGreater(len(kept), 20)
             self.process.wait()
-            self.start()
-            with sqlite3.connect(self.folder / "kel.db") as database:
-                self.assertEqual(database.execute("PRAGMA integrity_check").fetchone(), ("ok",))
-                self.assertLessEqual(set(kept), {row[0] for row in database.execute("SELECT session FROM report")})
-            database.close()
+            self.start("--durability", durability)
+            self.database.check()
+            self.assertLessEqual(set(kept), {row[0] for row in self.database.run("SELECT session FROM report")})
             self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis(kept[-1]))[1])
 
     def upload_until_the_end(self, name, kept):
@@ -255,14 +252,18 @@ class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
         self.stop()
         self.assertIn("version=2", self.command("migrate"))
-        for sql, commands, reason in (("PRAGMA user_version = 99", ("serve", "migrate"), "newer than 2"),
-                                      ("PRAGMA user_version = 0", ("serve",), "run the command migrate"),
-                                      ("PRAGMA application_id = 7", ("serve", "migrate"), "another program's")):
-            with sqlite3.connect(self.folder / "kel.db", isolation_level=None) as database:
-                database.execute(sql)
-            database.close()
+        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 2"),
+                                      (self.database.version % 0, ("serve",), "run the command migrate"),
+                                      (self.database.foreign, ("serve", "migrate"), "another program's")):
+            self.database.run(sql)
             for command in commands:
                 self.assertIn(reason, self.command(command, code=1))
+        self.database.setting = "postgresql://127.0.0.1:9/kel"
+        self.assertIn("Connection refused", self.command("serve", code=1))
+
+    @unittest.skipUnless(KIND == "sqlite", "of a file")
+    def test_a_file_that_is_no_database_is_not_served(self):
+        self.stop()
         (self.folder / "kel.db").write_text("no database at all, but a text of some length")
         self.assertIn("not a database", self.command("serve", code=1))
         (self.folder / "kel.db").unlink()
