@@ -1,6 +1,7 @@
 #include "server/ops/Backup.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -37,9 +38,16 @@ void Backup(const StoreSettings& settings, const std::string& file)
     SqliteConnection connection(settings.database, SqliteConnection::Mode::Existing,
                                 SqliteConnection::Durability::Normal);
     const int version = connection.Version();
-    connection.Query("VACUUM INTO $1", {unfinished});
-    Sync(unfinished);
-    std::filesystem::rename(unfinished, file);
+    umask(S_IRWXG | S_IRWXO);
+    try {
+        connection.Query("VACUUM INTO $1", {unfinished});
+        Sync(unfinished);
+        std::filesystem::rename(unfinished, file);
+    } catch (const std::exception&) {
+        std::error_code ignored;
+        std::filesystem::remove(unfinished, ignored);
+        throw;
+    }
     Log(Level::Info, "copied", {{"file", file}, {"version", std::to_string(version)}});
 }
 

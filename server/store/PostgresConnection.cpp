@@ -41,14 +41,11 @@ PostgresConnection::PostgresConnection(const std::string& address, Patience pati
     : longest(patience == Patience::Request ? Longest : LongestMigration)
 {
     // The address may say otherwise of what stands before it.
-    constexpr std::array Names{
+    const std::array<const char*, 9> names{
         "connect_timeout",  "fallback_application_name", "keepalives_idle", "keepalives_interval",
         "keepalives_count", "tcp_user_timeout",          "dbname",          "client_encoding"};
-    const std::array values{"5", "kel_server", "30", "5", "3", "20000", address.c_str(), "UTF8"};
-    std::array<const char*, Names.size() + 1> names{};
-    std::array<const char*, Names.size() + 1> texts{};
-    std::copy(Names.begin(), Names.end(), names.begin());
-    std::copy(values.begin(), values.end(), texts.begin());
+    const std::array<const char*, 9> texts{"5",     "kel_server",    "30",  "5", "3",
+                                           "20000", address.c_str(), "UTF8"};
     connection.reset(PQconnectdbParams(names.data(), texts.data(), 1));
     if (PQstatus(Get()) != CONNECTION_OK)
         Fail(PQerrorMessage(Get()));
@@ -69,6 +66,7 @@ SqlRows PostgresConnection::Run(const std::string& sql, const std::vector<SqlVal
                                    : std::string(std::get<std::string_view>(value)));
     }
     std::vector<const char*> texts;
+    texts.reserve(copies.size());
     for (const std::string& copy : copies)
         texts.push_back(copy.c_str());
     const std::string& name = Prepare(sql);
@@ -77,6 +75,7 @@ SqlRows PostgresConnection::Run(const std::string& sql, const std::vector<SqlVal
     SqlRows rows;
     for (int row = 0; row < PQntuples(result.get()); ++row) {
         std::vector<std::string> columns;
+        columns.reserve(static_cast<std::size_t>(PQnfields(result.get())));
         for (int column = 0; column < PQnfields(result.get()); ++column)
             columns.emplace_back(PQgetvalue(result.get(), row, column),
                                  static_cast<std::size_t>(PQgetlength(result.get(), row, column)));

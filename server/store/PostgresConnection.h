@@ -14,7 +14,7 @@ namespace kel::server {
 
 /// A connection to a PostgreSQL server. Nothing waits for ever: not the connecting, not a statement, not a
 /// network that has gone silent.
-class PostgresConnection : public SqlConnection {
+class PostgresConnection final : public SqlConnection {
 public:
     /// How long a statement may take; a migration may take as long as it needs.
     enum class Patience { Request, Migration };

@@ -74,6 +74,7 @@ SqlRows SqliteConnection::Run(const std::string& sql, const std::vector<SqlValue
     int result = SQLITE_ROW;
     while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
         std::vector<std::string> columns;
+        columns.reserve(static_cast<std::size_t>(sqlite3_column_count(statement)));
         for (int column = 0; column < sqlite3_column_count(statement); ++column)
             columns.push_back(Column(statement, column));
         rows.emplace_back(std::move(columns));

@@ -11,7 +11,7 @@
 namespace kel::server {
 
 /// An open SQLite file: write-ahead log, foreign keys, a wait of some seconds for another process's write.
-class SqliteConnection : public SqlConnection {
+class SqliteConnection final : public SqlConnection {
 public:
     enum class Mode { Existing, Create };
     /// Full: each commit is on the disk. Normal: a power cut can lose the last ones, never the file.

@@ -1,6 +1,5 @@
 """The deployed service's data: commands that copy and delete it, deletion by age, databases that fail and come back."""
 
-import contextlib
 import os
 import resource
 import signal
@@ -29,12 +28,6 @@ class DataTest(DeployedTest):
     def sessions(self):
         return "".join(row[0] for row in self.database.run("SELECT session FROM report ORDER BY id"))
 
-    def await_true(self, ask, seconds=10):
-        end = time.monotonic() + seconds
-        while not (answer := ask()) and time.monotonic() < end:
-            time.sleep(0.05)
-        self.assertTrue(answer)
-
 
 class Commands(DataTest):
     def test_what_is_exported_is_what_was_imported(self):
@@ -45,9 +38,6 @@ class Commands(DataTest):
         self.assertEqual([(path.name, path.read_bytes()) for path in folder.iterdir()],
                          [("r.json", (self.folder / "r.json").read_bytes())])
         self.assertIn("version=2", self.command("import", folder))
-        (folder / "r.json").unlink()
-        (folder / "r.json").mkdir()
-        self.assertIn("r.json cannot be written", self.command("export", folder, code=1))
 
     def test_a_purge_deletes_what_it_says_and_its_verdicts_while_uploads_go_on(self):
         self.require("r", (1, "M", "any"))
@@ -62,9 +52,8 @@ class Commands(DataTest):
             self.assertIn("an age is", self.command("purge", "--older", age, code=1))
         for arguments, code in (((), 2), (("--session", "s", "--older", "1d"), 2), (("--colour", "1"), 1), (("x", "1"), 1)):
             self.command("purge", *arguments, code=code)
-        for number in range(20):
-            self.upload(f"old{number}")
-        for _ in range(8):
+        self.upload("old")
+        for _ in range(12):
             self.database.run("INSERT INTO report (session, referrer, \"user\", received, body) "
                               "SELECT session, referrer, \"user\", 1, body FROM report")
         purge = threading.Thread(target=self.command, args=("purge", "--older", "1d"))
@@ -92,6 +81,7 @@ class Commands(DataTest):
         self.command("backup", copy)
         ends.set()
         self.assertFalse((self.folder / "copy.db.new").exists())
+        self.assertEqual(copy.stat().st_mode & 0o777, 0o600)
         self.assertIn("there already", self.command("backup", copy, code=1))
         self.stop()
         self.database.path = self.database.setting = copy
@@ -104,6 +94,12 @@ class Commands(DataTest):
     def test_a_server_is_not_copied_here(self):
         self.assertIn("pg_dump", self.command("backup", self.folder / "copy", code=1))
 
+    def test_every_operation_of_the_store(self):
+        self.stop()
+        environment = os.environ | {"KEL_STORE": str(self.database.setting)}
+        ran = subprocess.run([SERVER.parent / "server_tests"], env=environment, timeout=300, capture_output=True, text=True)
+        self.assertEqual(ran.returncode, 0, ran.stdout + ran.stderr)
+
 
 class Retention(DataTest):
     def test_what_is_too_old_goes_by_itself(self):
@@ -114,15 +110,15 @@ class Retention(DataTest):
         for _ in range(2):  # front ends of one database
             self.start("--keep-days", "7")
             others.append(self.process)
-        self.await_true(lambda: self.log_text().count("event=purged") == 2)
+        end = time.monotonic() + 10
+        while self.log_text().count("event=purged") < 2 and time.monotonic() < end:
+            time.sleep(0.05)
         self.assertEqual(self.sessions(), "young")
         self.assertRegex(self.log_text(), r"event=purged reports=1\n")
         self.assertNotIn("not-purged", self.log_text())
-        start = time.monotonic()
         for process in others:
             process.terminate()
-            self.assertEqual(process.wait(10), 0)
-        self.assertLess(time.monotonic() - start, 2)
+            self.assertEqual(process.wait(2), 0)
 
 
 class Faults(DataTest):
@@ -161,10 +157,10 @@ class Faults(DataTest):
         self.require("r", (1, "M", "any"))
         self.upload("s")
         self.stop()
-        with unittest.mock.patch("deployed.SERVER", self.folder / "as_nobody_special"):
-            script = self.folder / "as_nobody_special"  # root may write anything
-            script.write_text(f'#!/bin/sh\nexec setpriv --bounding-set=-dac_override --inh-caps=-dac_override {SERVER} "$@"\n'
-                              if os.geteuid() == 0 else f'#!/bin/sh\nexec {SERVER} "$@"\n')
+        with unittest.mock.patch("deployed.SERVER", self.folder / "without_privilege"):
+            script = self.folder / "without_privilege"  # root may write anything
+            drop = "setpriv --bounding-set=-dac_override --inh-caps=-dac_override" if os.geteuid() == 0 else ""
+            script.write_text(f'#!/bin/sh\nexec {drop} {SERVER} "$@"\n')
             script.chmod(0o700)
             os.chmod(self.database.path, 0o400)
             self.start()
@@ -196,23 +192,12 @@ class Faults(DataTest):
     @postgresql
     def test_a_server_that_says_nothing_is_given_up(self):
         self.upload("s")
-        os.kill(Postgres.server.process.pid, signal.SIGSTOP)
-        self.addCleanup(os.kill, Postgres.server.process.pid, signal.SIGCONT)
-        for child in self.backends():
-            os.kill(child, signal.SIGSTOP)
-            self.addCleanup(self.resume, child)
+        for pid in self.database.run("SELECT pid FROM pg_stat_activity WHERE application_name = 'kel_server'"):
+            os.kill(*pid, signal.SIGSTOP)
+            self.addCleanup(os.kill, *pid, signal.SIGCONT)
         start = time.monotonic()
         self.refused("no answer")
         self.assertLess(time.monotonic() - start, 20)
-
-    def backends(self):
-        found = subprocess.run(["ps", "-o", "pid=", "--ppid", str(Postgres.server.process.pid)], capture_output=True, text=True)
-        return [int(pid) for pid in found.stdout.split()]
-
-    @staticmethod
-    def resume(pid):
-        with contextlib.suppress(OSError):
-            os.kill(pid, signal.SIGCONT)
 
 
 if __name__ == "__main__":
