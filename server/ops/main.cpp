@@ -57,16 +57,17 @@ void WritePort(const std::string& path, std::uint16_t port)
 void RunServe(const Config& config)
 {
     const std::unique_ptr<Store> store = OpenStore(config.store);
-    Service service(*store);
+    Metrics metrics;
+    Service service(*store, metrics);
     std::optional<Retention> retention;
     if (config.keep.count() > 0)
         retention.emplace(*store, config.keep);
     Site site(*store, config.admin);
-    const Router open = PublicRoutes(service);
-    Router admin = AdminRoutes(*store);
+    const Router open = PublicRoutes(service, metrics);
+    Router admin = AdminRoutes(*store, metrics);
     site.AddTo(admin);
     Serve(
-        config.doors, [&](const Request& request) { return open.Handle(request); },
+        config.doors, metrics, [&](const Request& request) { return open.Handle(request); },
         [&](const Request& request) { return admin.Handle(request); },
         [&](std::uint16_t port, std::uint16_t adminPort) {
             Log(Level::Info, "listening",

@@ -81,6 +81,13 @@ class DeployedTest(Client, unittest.TestCase):
             time.sleep(0.01)
         self.address, self.admin = (f"127.0.0.1:{(self.folder / name).read_text()}" for name in ("port", "admin"))
 
+    def await_answer(self, ask, expected):
+        """The service notices in its own time what other clients did."""
+        end = time.monotonic() + 5
+        while (answer := ask()) != expected and time.monotonic() < end:
+            time.sleep(0.02)
+        self.assertEqual(answer, expected)
+
     def stop(self):
         self.process.terminate()
         return self.process.wait(20)
