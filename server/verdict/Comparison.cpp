@@ -8,7 +8,7 @@ namespace kel::server {
 namespace {
 
 // Bytes. Nothing that a machine tells is near it, and each line takes its time for it.
-constexpr std::size_t LongestValue = 64 * 1024;
+constexpr std::size_t LongestValue = 65'536;
 
 Result Of(bool holds)
 {

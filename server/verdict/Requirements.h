@@ -31,8 +31,8 @@ struct Requirement {
 
 /// What a product needs.
 struct Requirements {
-    static constexpr std::size_t LongestFile = 1024 * 1024;  // bytes
-    static constexpr std::size_t LongestText = 1000;         // bytes; each of title, label, needed, advice
+    static constexpr std::size_t LongestFile = 1'048'576;  // bytes
+    static constexpr std::size_t LongestText = 1000;       // bytes; each of title, label, needed, advice
     static constexpr std::size_t MostLines = 500;
     static constexpr std::size_t MostAlternatives = 20;  // of a line
 

@@ -194,12 +194,6 @@ bool Runs(const std::string& name, Check (*read)(std::string_view))
 }  // namespace
 }  // namespace kel::server
 
-/// Less for the sanitizer to remember, in half of the time.
-extern "C" const char* __asan_default_options()
-{
-    return "malloc_context_size=2:quarantine_size_mb=8";
-}
-
 int main()
 {
     using namespace kel::server;
