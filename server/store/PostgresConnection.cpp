@@ -47,8 +47,11 @@ PostgresConnection::PostgresConnection(const std::string& address, Patience pati
     const std::array<const char*, 9> texts{"5",     "kel_server",    "30",  "5", "3",
                                            "20000", address.c_str(), "UTF8"};
     connection.reset(PQconnectdbParams(names.data(), texts.data(), 1));
-    if (PQstatus(Get()) != CONNECTION_OK)
-        Fail(PQerrorMessage(Get()));
+    if (PQstatus(Get()) != CONNECTION_OK) {
+        std::string reason = PQerrorMessage(Get());
+        const std::size_t found = reason.find(address);  // with a password, perhaps
+        Fail(found == std::string::npos ? reason : reason.replace(found, address.size(), "the address"));
+    }
     PQsetNoticeProcessor(
         Get(), [](void*, const char*) {}, nullptr);
     PQsetnonblocking(Get(), 1);

@@ -258,8 +258,9 @@ class Commands(DeployedTest):
             self.database.run(sql)
             for command in commands:
                 self.assertIn(reason, self.command(command, code=1))
-        self.database.setting = "postgresql://127.0.0.1:9/kel"
-        self.assertIn("Connection refused", self.command("serve", code=1))
+        for self.database.setting, reason in (("postgresql://127.0.0.1:9/kel", "Connection refused"),
+                                              ("postgres://kel:secret@[::1/kel", "in URI: .*the address")):
+            self.assertRegex(self.command("serve", code=1), reason)
 
     @unittest.skipUnless(KIND == "sqlite", "of a file")
     def test_a_file_that_is_no_database_is_not_served(self):
