@@ -32,7 +32,7 @@ struct Request {
 /// The headers that any answer depends on. The control's requests have none of them but the type.
 inline constexpr std::string_view KnownHeaders[] = {"Authorization", "Content-Type", "Cookie",
                                                     "Host",          "If-Match",     "If-None-Match",
-                                                    "Origin",        "X-Form-Token",  "X-Remote-User"};
+                                                    "Origin",        "X-Form-Token", "X-Remote-User"};
 
 /// What goes back. An answer without a body has no content type; the body may be shared by many answers.
 struct Answer {
