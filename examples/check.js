@@ -21,7 +21,8 @@ function textOf(element, name) {
 var rows = [["REQUIREMENT", "NEEDED", "FOUND", "RESULT"]];
 var requirement = /<requirement result="(\w+)">(.*?)<\/requirement>/g, match;
 while ((match = requirement.exec(verdict)) !== null) {
-  rows.push([textOf(match[2], "label"), textOf(match[2], "needed"), textOf(match[2], "found") || "-", match[1]]);
+  var label = textOf(match[2], "label") + (match[2].indexOf("<recommended/>") < 0 ? "" : " (recommended)");
+  rows.push([label, textOf(match[2], "needed"), textOf(match[2], "found") || "-", match[1]]);
 }
 if (rows.length == 1) {
   WScript.Echo("The analysis service answered: " + verdict);

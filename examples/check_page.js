@@ -41,12 +41,14 @@
     return match ? plain(match[1]) : "";
   }
 
-  function showRow(label, needed, found, result, advice) {
+  function showRow(label, needed, found, result, advice, recommended) {
     var table = byId("requirements"), body = table.getElementsByTagName("tbody")[0];
     table.removeAttribute("hidden");
     var row = body.appendChild(document.createElement("tr"));
     row.className = MARKS[result] ? result : "unknown";
-    add(row, "th", label).setAttribute("scope", "row");
+    var head = add(row, "th", recommended ? label + " " : label);
+    head.setAttribute("scope", "row");
+    if (recommended) add(head, "span", "Recommended", "kind");
     add(row, "td", needed).setAttribute("data-label", "Needed");
     add(row, "td", found || "\u2013").setAttribute("data-label", "Found");
     var mark = add(row, "td", "");
@@ -62,7 +64,7 @@
     }
     for (var match; (match = line.exec(verdict)) !== null;) {
       showRow(textOf(match[2], "label"), textOf(match[2], "needed"), textOf(match[2], "found"), match[1],
-        textOf(match[2], "advice"));
+        textOf(match[2], "advice"), match[2].indexOf("<recommended/>") >= 0);
     }
     say("total", TOTALS[total[1]] || TOTALS.unknown, "total " + total[1]);
   }

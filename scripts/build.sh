@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds one preset (release, debug or checked; release by default), or targets of it. Output in build/<preset>/. With
-# "server", the analysis service instead, natively, into build/server/.
+# "server", the analysis service instead, natively, into build/server/; there "server_fuzz" is a target to be named.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,7 +9,7 @@ targets=("${@:2}")
 if [ "$preset" = server ]; then
   scripts/setup.sh --server
   cmake -S server -B build/server -G Ninja >/dev/null
-  exec cmake --build build/server
+  exec cmake --build build/server ${targets[0]:+--target "${targets[@]}"}
 fi
 scripts/setup.sh
 cmake --preset "$preset" >/dev/null

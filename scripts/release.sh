@@ -21,5 +21,7 @@ git rev-parse -q --verify "refs/tags/v$version" >/dev/null && fail "The tag v$ve
 scripts/lint.sh
 scripts/test.sh --checked
 scripts/package.sh
+scripts/package_service.sh
 (cd build/package && cat SHA256SUMS)
-echo "To publish: git tag -a v$version -m 'Detection $version' $(git rev-parse HEAD), and the files of build/package/."
+(cd build/service-package && sha256sum "kel-server_${version}_amd64.deb")
+echo "To publish: git tag -a v$version -m 'Detection $version' $(git rev-parse HEAD), and these files."

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --package or
 # --test, also those of that script, and with --display those of a virtual display. With --server, those of the analysis
-# service alone. Does nothing when all are there.
+# service alone, with --service-package, those of its package. Does nothing when all are there.
 set -euo pipefail
 
 packages=(
@@ -9,11 +9,14 @@ packages=(
   cmake ninja-build python3
 )
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
-server=(g++ libboost-dev libsqlite3-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake ninja-build)
+server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake ninja-build)
+service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
-[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver mono-mcs)
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver mono-mcs postgresql
+  "${service_packaging[@]}" nginx openssl systemd curl iproute2)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
+[ "${1:-}" = --service-package ] && packages=("${service_packaging[@]}")
 [ "${1:-}" = --display ] && packages+=("${display[@]}")
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
 [ "${1:-}" = --bench ] && packages+=(gcab "${display[@]}")
@@ -25,7 +28,7 @@ done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 echo "Installing: ${missing[*]}"
-as_root=(env DEBIAN_FRONTEND=noninteractive)
+as_root=(env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1)  # a package that is a service is not started
 [ "$(id -u)" -eq 0 ] || as_root=(sudo "${as_root[@]}")
 "${as_root[@]}" apt-get update -q
 "${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"

@@ -10,7 +10,7 @@ if [ "${1:-}" = --checked ]; then
   shift
 fi
 scripts/setup.sh --test
-scripts/build.sh server
+scripts/build.sh server all server_tests server_fuzz
 for preset in "${presets[@]}"; do
   scripts/build.sh "$preset"
 done

@@ -77,6 +77,15 @@ std::string Escape(std::string_view text)
     return escaped;
 }
 
+std::string Shortened(std::string_view text, std::size_t longest)
+{
+    if (text.size() <= longest)
+        return std::string(text);
+    while (longest > 0 && (static_cast<unsigned char>(text[longest]) & 0xC0) == 0x80)
+        --longest;
+    return std::string(text.substr(0, longest)) + "…";
+}
+
 bool IsReferrer(std::string_view text)
 {
     return !text.empty() && text.size() <= LongestReferrer &&

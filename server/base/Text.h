@@ -14,6 +14,9 @@ std::string Lower(std::string_view text);
 /// The text with &, <, > and both quotes escaped: for XML and HTML, elements and attributes.
 std::string Escape(std::string_view text);
 
+/// The text, or its beginning with "…" when it is longer than so many bytes. What is UTF-8 stays it.
+std::string Shortened(std::string_view text, std::size_t longest);
+
 /// Whether the text is a referrer's name: 1 to 64 ASCII letters, digits, hyphens and underscores.
 bool IsReferrer(std::string_view text);
 

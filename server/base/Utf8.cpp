@@ -40,6 +40,17 @@ std::optional<char32_t> TakeCodePoint(std::string_view& text)
     return std::nullopt;
 }
 
+bool IsPlainText(std::string_view text)
+{
+    while (!text.empty()) {
+        if (text.front() > 0)
+            text.remove_prefix(1);
+        else if (text.front() == 0 || !TakeCodePoint(text))
+            return false;
+    }
+    return true;
+}
+
 void AppendCodePoint(std::string& text, char32_t codePoint)
 {
     std::size_t length = 1;

@@ -10,6 +10,9 @@ namespace kel::server {
 /// empty, cut, overlong, a surrogate, or past U+10FFFF.
 std::optional<char32_t> TakeCodePoint(std::string_view& text);
 
+/// Whether the text is UTF-8 without a NUL.
+bool IsPlainText(std::string_view text);
+
 /// Appends the code point's bytes.
 void AppendCodePoint(std::string& text, char32_t codePoint);
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/redirect_error.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
@@ -30,7 +31,7 @@ constexpr std::size_t PieceBytes = 8 * Limits::Kilobyte;
 /// A share of what a door allows of something, given back at the end.
 class Share {
 public:
-    explicit Share(std::size_t& total) : total(total) {}
+    explicit Share(Count& total) : total(total) {}
     ~Share() { total -= taken; }
     Share(const Share&) = delete;
     Share& operator=(const Share&) = delete;
@@ -46,12 +47,35 @@ public:
     }
 
 private:
-    std::size_t& total;
+    Count& total;
     std::size_t taken = 0;
 };
 
-/// The status that tells a client what is wrong with its request; 0 when there is nobody to tell. One that
-/// took too long has been disconnected already.
+/// Ends what a stream waits for after a time, and leaves it open: its own time limit would close it, and a
+/// client that is late could not be told.
+class Deadline {
+public:
+    Deadline(beast::tcp_stream& stream, std::chrono::seconds time)
+        : timer(stream.get_executor(), time), isLate(std::make_shared<bool>(false))
+    {
+        // The handler may be on its way already when this object ends; the pointer tells it.
+        timer.async_wait([&stream, isLate = std::weak_ptr(isLate)](const error_code& error) {
+            const auto late = isLate.lock();
+            if (error || !late)
+                return;
+            *late = true;
+            stream.cancel();
+        });
+    }
+
+    bool IsLate() const { return *isLate; }
+
+private:
+    asio::steady_timer timer;
+    std::shared_ptr<bool> isLate;
+};
+
+/// The status that tells a client what is wrong with its request; 0 when there is nobody to tell.
 int StatusOf(const error_code& error)
 {
     if (error == http::error::header_limit || error == http::error::buffer_overflow)
@@ -104,19 +128,21 @@ private:
     asio::awaitable<bool> ServeRequest()
     {
         Parser parser;
-        Share share(door.bodiesBytes);
+        Share share(door.metrics.bodiesBytes);
         Request request;
-        stream.expires_after(door.limits.request);
         const int refusal = co_await Read(parser, share, request);
         if (refusal != 0) {
+            door.metrics.refused.Add(refusal);
             Log(Level::Warning, "refused",
                 {{"status", std::to_string(refusal)}, {"reason", "a limit, or no HTTP"}});
             co_await Write(Answer::Empty(refusal), parser.get().version(), false);
         }
         if (refusal != 0 || !parser.is_done())
             co_return false;
+        const auto start = std::chrono::steady_clock::now();
         const Answer answer =
             co_await asio::co_spawn(door.workers, Run(door.handler, request), asio::use_awaitable);
+        door.metrics.times.Add(std::chrono::steady_clock::now() - start);
         const bool keep = parser.get().keep_alive() && !door.isClosing;
         co_await Write(answer, parser.get().version(), keep);
         co_return keep;
@@ -125,13 +151,16 @@ private:
     /// Reads a request. The status to refuse it with, or 0; it may have ended early then.
     asio::awaitable<int> Read(Parser& parser, Share& share, Request& request)
     {
+        // Both: a deadline that passes between two reads stops neither.
+        stream.expires_after(door.limits.request + door.limits.farewell);
+        const Deadline deadline(stream, door.limits.request);
         parser.header_limit(static_cast<std::uint32_t>(door.limits.headerBytes));
         parser.body_limit(door.limits.bodyBytes);
         error_code error;
         co_await http::async_read_header(stream, buffer, parser,
                                          asio::redirect_error(asio::use_awaitable, error));
         if (error)
-            co_return StatusOf(error);
+            co_return deadline.IsLate() ? 408 : StatusOf(error);
         if (beast::iequals(parser.get()[http::field::expect], "100-continue"))
             co_await Continue(parser.get().version());
         std::array<char, PieceBytes> piece;
@@ -142,7 +171,7 @@ private:
             co_await http::async_read(stream, buffer, parser,
                                       asio::redirect_error(asio::use_awaitable, error));
             if (error && error != http::error::need_buffer)
-                co_return StatusOf(error);
+                co_return deadline.IsLate() ? 408 : StatusOf(error);
             const std::size_t count = piece.size() - body.size;
             if (!share.Take(count, door.limits.bodiesBytes))
                 co_return 503;
@@ -205,9 +234,11 @@ private:
 
 asio::awaitable<void> ServeConnection(asio::ip::tcp::socket socket, Door& door)
 {
-    Share place(door.connections);
-    if (!place.Take(1, door.limits.connections))
+    Share place(door.metrics.connections);
+    if (!place.Take(1, door.limits.connections)) {
+        ++door.metrics.turnedAway;
         co_return;
+    }
     Connection connection(std::move(socket), door);
     co_await connection.Serve();
 }

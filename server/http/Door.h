@@ -8,11 +8,12 @@
 #include <unordered_set>
 
 #include "server/base/Exchange.h"
+#include "server/base/Metrics.h"
 #include "server/http/Limits.h"
 
 namespace kel::server {
 
-/// What the connections of one listener share. The network's thread alone touches what changes; the handler
+/// What the connections of one listener share. The network's thread alone changes it; the handler
 /// runs on the workers.
 struct Door {
     using Handler = std::function<Answer(const Request&)>;
@@ -20,8 +21,7 @@ struct Door {
     Handler handler;
     Limits limits;
     boost::asio::thread_pool& workers;
-    std::size_t connections = 0;
-    std::size_t bodiesBytes = 0;
+    DoorMetrics& metrics;
     std::unordered_set<boost::asio::ip::tcp::socket*> idle = {};  // those that wait for a request
     bool isClosing = false;
 };

@@ -17,7 +17,7 @@ class Listener {
 public:
     /// Listens at once. Port 0 picks a free one. Throws std::runtime_error when that fails.
     Listener(boost::asio::io_context& context, boost::asio::thread_pool& workers, const std::string& address,
-             std::uint16_t port, const Limits& limits, Door::Handler handler);
+             std::uint16_t port, const Limits& limits, DoorMetrics& metrics, Door::Handler handler);
 
     std::uint16_t Port() const { return acceptor.local_endpoint().port(); }
     /// Accepts no more, and lets those go that wait for a request.

@@ -7,16 +7,25 @@ namespace kel::server {
 
 void Router::Add(std::string method, std::string path, Handler handler)
 {
+    StatusCounts& counts = metrics.AddRoute(method, path);
     const bool isPrefix = path.ends_with('*');
     if (isPrefix)
         path.pop_back();
-    routes.push_back({std::move(method), std::move(path), isPrefix, std::move(handler)});
+    routes.push_back({std::move(method), std::move(path), isPrefix, std::move(handler), counts});
 }
 
 Answer Router::Handle(const Request& request) const noexcept
 {
+    StatusCounts* counts = &metrics.unrouted;
+    Answer answer = Try(request, counts);
+    counts->Add(answer.status);
+    return answer;
+}
+
+Answer Router::Try(const Request& request, StatusCounts*& counts) const noexcept
+{
     try {
-        return Find(request);
+        return Find(request, counts);
     } catch (const Fault& fault) {
         Log(fault.Status() < 500 ? Level::Warning : Level::Error, "refused",
             {{"status", std::to_string(fault.Status())},
@@ -29,13 +38,15 @@ Answer Router::Handle(const Request& request) const noexcept
     }
 }
 
-Answer Router::Find(const Request& request) const
+Answer Router::Find(const Request& request, StatusCounts*& counts) const
 {
     const auto target = Target::Read(request.target);
     for (const Route& route : routes) {
         if (target && route.method == request.method &&
-            (route.isPrefix ? target->path.starts_with(route.path) : target->path == route.path))
+            (route.isPrefix ? target->path.starts_with(route.path) : target->path == route.path)) {
+            counts = &route.counts;
             return route.handler({request, *target, target->path.substr(route.path.size())});
+        }
     }
     throw Fault(404, "there is no such request");
 }

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "server/base/Exchange.h"
+#include "server/base/Metrics.h"
 #include "server/http/Target.h"
 
 namespace kel::server {
@@ -22,6 +23,9 @@ public:
     /// Throws Fault.
     using Handler = std::function<Answer(const Call&)>;
 
+    /// Counts every answer there.
+    explicit Router(DoorMetrics& metrics) : metrics(metrics) {}
+
     /// Requests of this method for this path. One that ends with an asterisk answers for every path that
     /// begins so; the first route that fits counts.
     void Add(std::string method, std::string path, Handler handler);
@@ -34,10 +38,13 @@ private:
         std::string method, path;
         bool isPrefix;
         Handler handler;
+        StatusCounts& counts;
     };
 
-    Answer Find(const Request& request) const;
+    Answer Try(const Request& request, StatusCounts*& counts) const noexcept;
+    Answer Find(const Request& request, StatusCounts*& counts) const;
 
+    DoorMetrics& metrics;
     std::vector<Route> routes;
 };
 

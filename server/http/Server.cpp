@@ -30,14 +30,16 @@ void RaiseDescriptorLimit(std::size_t connections)
 
 }  // namespace
 
-void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler adminHandler,
+void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, RequestHandler adminHandler,
            const std::function<void(std::uint16_t, std::uint16_t)>& listening)
 {
     RaiseDescriptorLimit(doors.limits.connections);
     asio::io_context context(1);
     asio::thread_pool workers(doors.workers), operators(1);  // who looks at reports keeps no visitor waiting
-    Listener open(context, workers, doors.address, doors.port, doors.limits, std::move(publicHandler));
-    Listener admin(context, operators, "127.0.0.1", doors.adminPort, doors.limits, std::move(adminHandler));
+    Listener open(context, workers, doors.address, doors.port, doors.limits, metrics.open,
+                  std::move(publicHandler));
+    Listener admin(context, operators, "127.0.0.1", doors.adminPort, doors.limits, metrics.admin,
+                   std::move(adminHandler));
 
     asio::signal_set signals(context, SIGTERM, SIGINT);
     signals.async_wait([&](const boost::system::error_code&, int) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "server/base/Exchange.h"
+#include "server/base/Metrics.h"
 #include "server/http/Limits.h"
 
 namespace kel::server {
@@ -24,7 +25,7 @@ using RequestHandler = std::function<Answer(const Request&)>;
 /// SIGTERM or SIGINT: what is under way then is answered first. A second signal ends at once. Handlers are
 /// called by several threads and do not throw. Throws std::runtime_error when it cannot listen. Raises the
 /// process's limit of open files as far as it goes.
-void Serve(const Doors& doors, RequestHandler publicHandler, RequestHandler adminHandler,
+void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, RequestHandler adminHandler,
            const std::function<void(std::uint16_t port, std::uint16_t adminPort)>& listening);
 
 }  // namespace kel::server

@@ -55,6 +55,8 @@ const Setting Settings[] = {
      }},
     {"database_connections",
      [](Config& c, const std::string& text) { c.store.connections = NumberOf(text, 1, 100); }},
+    {"keep_days",
+     [](Config& c, const std::string& text) { c.keep = std::chrono::days(NumberOf(text, 0, 36'500)); }},
     {"workers",
      [](Config& c, const std::string& text) {
          c.doors.workers = static_cast<unsigned>(NumberOf(text, 1, 64));
@@ -125,7 +127,7 @@ void Config::ReadEnvironment()
     }
 }
 
-Config Config::Read(std::vector<std::string>& arguments)
+Config Config::Read(std::vector<std::string>& arguments, std::span<const std::string_view> commandOptions)
 {
     Config config;
     std::vector<std::pair<std::string, std::string>> options;
@@ -136,6 +138,10 @@ Config Config::Read(std::vector<std::string>& arguments)
         }
         if (argument + 1 == arguments.end())
             throw std::runtime_error(*argument + " needs a value");
+        if (std::find(commandOptions.begin(), commandOptions.end(), *argument) != commandOptions.end()) {
+            argument += 2;
+            continue;
+        }
         options.emplace_back(argument->substr(2), *(argument + 1));
         argument = arguments.erase(argument, argument + 2);
     }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <chrono>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "server/admin/Settings.h"
@@ -17,12 +20,14 @@ struct Config {
     std::string portFile;  // receives the public port once the service listens
     std::string adminPortFile;
     std::string logLevel = "info";
+    std::chrono::days keep{0};  // reports; 0 for ever
 
     /// Takes `--config FILE` and `--name value` for any setting off the arguments; what remains are the
-    /// command and its operands. In the file a line is `name = value`, empty, or a comment that begins with
+    /// command, its operands, and with their values those of `commandOptions`. In the file a line is `name =
+    /// value`, empty, or a comment that begins with
     /// #; in the environment a setting is KEL_NAME. Throws std::runtime_error for a name or value that is
     /// none.
-    static Config Read(std::vector<std::string>& arguments);
+    static Config Read(std::vector<std::string>& arguments, std::span<const std::string_view> commandOptions);
 
 private:
     void Set(std::string name, const std::string& value);

@@ -1,6 +1,8 @@
 #include "server/ops/Routes.h"
 
 #include "server/base/Fault.h"
+#include "server/ops/Health.h"
+#include "server/ops/MetricsPage.h"
 
 namespace kel::server {
 
@@ -28,9 +30,9 @@ std::string ReferrerOf(const Target& target)
 
 }  // namespace
 
-Router PublicRoutes(Service& service)
+Router PublicRoutes(Service& service, Metrics& metrics)
 {
-    Router router;
+    Router router(metrics.open);
     router.Add("GET", "/Data/Service.svc/Group/list", [&](const Call& call) {
         CheckKey(call.target);
         return service.GroupList(ReferrerOf(call.target));
@@ -48,13 +50,14 @@ Router PublicRoutes(Service& service)
     return router;
 }
 
-Router AdminRoutes(Store& store)
+Router AdminRoutes(Store& store, Metrics& metrics)
 {
-    Router router;
-    router.Add("GET", "/healthz", [&](const Call&) {
-        store.Ping();
-        return Answer::Of("text/plain; charset=utf-8", "ok\n");
-    });
+    Router router(metrics.admin);
+    // Says no more than that the process answers: a restart mends no database.
+    router.Add("GET", "/healthz",
+               [](const Call&) { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
+    router.Add("GET", "/readyz", [&](const Call&) { return Readiness(store); });
+    router.Add("GET", "/metrics", [&](const Call&) { return MetricsPage(metrics); });
     return router;
 }
 

@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -12,8 +14,12 @@
 #include "server/base/Log.h"
 #include "server/http/Server.h"
 #include "server/ops/Accounts.h"
+#include "server/ops/Backup.h"
 #include "server/ops/Config.h"
+#include "server/ops/Export.h"
 #include "server/ops/Import.h"
+#include "server/ops/Purge.h"
+#include "server/ops/Retention.h"
 #include "server/ops/Routes.h"
 #include "server/protocol/Service.h"
 #include "server/store/Migrations.h"
@@ -28,6 +34,10 @@ constexpr const char* Usage =
     "  serve        answers the control until it is told to stop\n"
     "  migrate      makes the database, or brings it to this program's version\n"
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
+    "  export DIR   writes each referrer's newest requirements to such files\n"
+    "  backup FILE  copies an SQLite database while the service runs\n"
+    "  purge --older 90d | --session SESSION | --machine ID\n"
+    "               deletes reports that are older than so many days (d) or hours (h), or of that origin\n"
     "  user add editor|reader NAME\n"
     "               makes an account, or gives it another password and role; the password is a line on\n"
     "               standard input\n"
@@ -47,13 +57,17 @@ void WritePort(const std::string& path, std::uint16_t port)
 void RunServe(const Config& config)
 {
     const std::unique_ptr<Store> store = OpenStore(config.store);
-    Service service(*store);
+    Metrics metrics;
+    Service service(*store, metrics);
+    std::optional<Retention> retention;
+    if (config.keep.count() > 0)
+        retention.emplace(*store, config.keep);
     Site site(*store, config.admin);
-    const Router open = PublicRoutes(service);
-    Router admin = AdminRoutes(*store);
+    const Router open = PublicRoutes(service, metrics);
+    Router admin = AdminRoutes(*store, metrics);
     site.AddTo(admin);
     Serve(
-        config.doors, [&](const Request& request) { return open.Handle(request); },
+        config.doors, metrics, [&](const Request& request) { return open.Handle(request); },
         [&](const Request& request) { return admin.Handle(request); },
         [&](std::uint16_t port, std::uint16_t adminPort) {
             Log(Level::Info, "listening",
@@ -83,7 +97,7 @@ void SetLogLevel(const std::string& name)
 
 int Run(std::vector<std::string> arguments)
 {
-    const Config config = Config::Read(arguments);
+    const Config config = Config::Read(arguments, PurgeOptions);
     SetLogLevel(config.logLevel);
     const std::string command = arguments.empty() ? "" : arguments[0];
     if (command == "serve" && arguments.size() == 1) {
@@ -92,6 +106,12 @@ int Run(std::vector<std::string> arguments)
         RunMigrate(config);
     } else if (command == "import" && arguments.size() == 2) {
         Import(arguments[1], *OpenStore(config.store));
+    } else if (command == "export" && arguments.size() == 2) {
+        Export(arguments[1], *OpenStore(config.store));
+    } else if (command == "backup" && arguments.size() == 2) {
+        Backup(config.store, arguments[1]);
+    } else if (command == "purge" && arguments.size() == 3) {
+        Purge(*OpenStore(config.store), arguments[1], arguments[2]);
     } else if (command != "user" && command != "token") {
         std::cerr << Usage;
         return 2;
@@ -106,6 +126,7 @@ int Run(std::vector<std::string> arguments)
 
 int main(int count, char** arguments)
 {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is as a disk that is full, and no end
     try {
         return Run({arguments + 1, arguments + count});
     } catch (const std::exception& error) {

@@ -37,8 +37,11 @@ Answer Render(const Verdict& verdict, const AnalysisRequest& request)
 
 }  // namespace
 
-Service::Service(Store& store)
-    : store(store), sets(store), testFile(std::make_shared<const std::string>(MakeTestFile()))
+Service::Service(Store& store, Metrics& metrics)
+    : store(store),
+      metrics(metrics),
+      sets(store),
+      testFile(std::make_shared<const std::string>(MakeTestFile()))
 {
 }
 
@@ -82,6 +85,7 @@ Answer Service::KeepReport(const Report& report, const std::string& body)
     const std::string& referrer = report.Text(Report::Referrer);
     store.Keep(NewReport{report.Text(Report::Session), IsReferrer(referrer) ? referrer : "",
                          report.Text(Report::User), report.Text(Report::Machine), body});
+    ++metrics.uploads;
     Log(Level::Info, "uploaded",
         {{"session", report.Text(Report::Session)},
          {"referrer", referrer},
@@ -99,6 +103,7 @@ Answer Service::Analysis(const std::string& referrer, const std::string& body)
     const Verdict verdict = Judge(*sets.Get(set.id), Report::Read(stored->body));
     const std::string total(NameOf(verdict.total));
     store.Keep(NewVerdict{stored->id, set.id, request.item, total, RenderLines(verdict)});
+    metrics.AddVerdict(total);
     Log(Level::Info, "judged",
         {{"session", request.session},
          {"referrer", referrer},

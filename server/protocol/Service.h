@@ -4,6 +4,7 @@
 #include <string>
 
 #include "server/base/Exchange.h"
+#include "server/base/Metrics.h"
 #include "server/protocol/SetCache.h"
 #include "server/report/Report.h"
 #include "server/store/Store.h"
@@ -14,7 +15,7 @@ namespace kel::server {
 /// throws Fault for a request that is wrong.
 class Service {
 public:
-    explicit Service(Store& store);
+    Service(Store& store, Metrics& metrics);
 
     /// The ids of the groups that a referrer's requirements need, separated by bars. 404 when it is not
     /// known.
@@ -34,6 +35,7 @@ private:
     Answer KeepReport(const Report& report, const std::string& body);
 
     Store& store;
+    Metrics& metrics;
     SetCache sets;
     std::shared_ptr<const std::string> testFile;
 };

@@ -63,6 +63,16 @@ void CheckCharacters(std::string_view text)
 
 }  // namespace
 
+bool IsXmlText(std::string_view text)
+{
+    while (!text.empty()) {
+        const auto character = TakeCodePoint(text);
+        if (!character || !IsXmlCharacter(*character))
+            return false;
+    }
+    return true;
+}
+
 pugi::xml_document ReadXml(std::string_view text)
 {
     CheckCharacters(text);

@@ -9,4 +9,7 @@ namespace kel::server {
 /// element; declarations ("<!": document types, comments, marked sections) are refused altogether.
 pugi::xml_document ReadXml(std::string_view text);
 
+/// Whether the text is UTF-8 of characters that an XML document may hold.
+bool IsXmlText(std::string_view text);
+
 }  // namespace kel::server

@@ -29,7 +29,7 @@ int KnownVersionOf(SqlConnection& connection)
 int Migrate(SqlConnection& connection)
 {
     for (;;) {
-        SqlTransaction transaction(connection);
+        SqlTransaction transaction(connection, &SqlConnection::BeginMigration);
         const int version = KnownVersionOf(connection);
         if (version == NewestOf(connection))
             return version;

@@ -1,6 +1,7 @@
 #include "server/store/OpenStore.h"
 
 #include "server/store/Migrations.h"
+#include "server/store/PostgresConnection.h"
 #include "server/store/SqlStore.h"
 #include "server/store/SqliteConnection.h"
 
@@ -8,7 +9,7 @@ namespace kel::server {
 
 namespace {
 
-std::unique_ptr<SqlConnection> Connect(const StoreSettings& settings, SqliteConnection::Mode mode)
+std::unique_ptr<SqlConnection> ConnectSqlite(const StoreSettings& settings, SqliteConnection::Mode mode)
 {
     return std::make_unique<SqliteConnection>(settings.database, mode,
                                               settings.durability == "full"
@@ -20,16 +21,30 @@ std::unique_ptr<SqlConnection> Connect(const StoreSettings& settings, SqliteConn
 
 std::unique_ptr<Store> OpenStore(const StoreSettings& settings)
 {
-    RequireCurrent(*Connect(settings, SqliteConnection::Mode::Existing));
-    const auto open = [settings] { return Connect(settings, SqliteConnection::Mode::Existing); };
-    // One writer: they would wait for each other in any case, and here they do so without polling.
-    return std::make_unique<SqlStore>(std::make_shared<SqlPool>(open, settings.connections),
-                                      std::make_shared<SqlPool>(open, 1));
+    const bool isServer = PostgresConnection::IsAddress(settings.database);
+    const SqlPool::Open open = [settings, isServer]() -> std::unique_ptr<SqlConnection> {
+        if (isServer)
+            return std::make_unique<PostgresConnection>(settings.database,
+                                                        PostgresConnection::Patience::Request);
+        return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
+    };
+    RequireCurrent(*open());
+    auto readers = std::make_shared<SqlPool>(open, settings.connections);
+    auto writers = readers;
+    if (!isServer) {
+        // One writer: they would wait for each other in any case, and here they do so without polling.
+        writers = std::make_shared<SqlPool>(open, 1);
+        writers->Join(*readers);
+    }
+    return std::make_unique<SqlStore>(std::move(readers), std::move(writers));
 }
 
 std::unique_ptr<SqlConnection> OpenForMigration(const StoreSettings& settings)
 {
-    return Connect(settings, SqliteConnection::Mode::Create);
+    if (PostgresConnection::IsAddress(settings.database))
+        return std::make_unique<PostgresConnection>(settings.database,
+                                                    PostgresConnection::Patience::Migration);
+    return ConnectSqlite(settings, SqliteConnection::Mode::Create);
 }
 
 }  // namespace kel::server

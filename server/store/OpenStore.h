@@ -10,9 +10,9 @@ namespace kel::server {
 
 /// Where the store is, and how it is opened.
 struct StoreSettings {
-    std::string database = "kel.db";  // an SQLite file
+    std::string database = "kel.db";  // an SQLite file, or postgresql://user@host/name
     std::string durability = "normal";
-    std::size_t connections = 4;  // that read at the same time
+    std::size_t connections = 4;  // at the same time; an SQLite file has one more, to write by
 };
 
 /// Opens a database that has the current version; throws std::runtime_error when there is none.

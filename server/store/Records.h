@@ -36,7 +36,8 @@ struct ReportLine {
     std::string total;  // of its verdict by the newest requirements that judged it; empty when none did
 };
 
-/// Which reports to list; what is empty or 0 lets all pass.
+/// Which reports to list; what is empty or 0 lets all pass. With both a referrer and a total, the verdict has
+/// to be by that referrer's requirements.
 struct ReportFilter {
     std::string referrer, session, total;
     std::int64_t from = 0, until = 0;  // received from this time on, and before that

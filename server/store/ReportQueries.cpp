@@ -1,4 +1,6 @@
 // The part of SqlStore that looks through reports and verdicts.
+#include <algorithm>
+
 #include "server/store/SqlStore.h"
 
 namespace kel::server {
@@ -50,61 +52,90 @@ std::vector<FullReport> ReportsIn(const SqlRows& rows)
     return reports;
 }
 
-/// Ids ascend with the time, but for reports that arrive together: so far apart they may be swapped. Without
-/// such bounds a look into the past would walk through everything that is newer.
-const std::string Swapped = "1000";
+/// Ids ascend with the time but for what clocks differ by that are set right, or are several front ends':
+/// milliseconds. Without bounds by id a look into the past would walk through everything that is newer.
+constexpr std::int64_t Disorder = 3'600'000;
 
 }  // namespace
 
 std::vector<ReportLine> SqlStore::Reports(const ReportFilter& filter)
 {
+    const auto connection = readers->Borrow();
+    // A session has few reports. What goes with one is kept from other indexes; and so is the time from its
+    // own, by which the whole span would have to be sorted.
+    const std::string apart(connection->NoIndex());
+    const bool bySession = !filter.session.empty();
     const bool byTotal = !filter.total.empty();
-    const std::string id = byTotal ? "verdict.report" : "report.id";
+    const std::string id = byTotal && !bySession ? "verdict.report" : "report.id";
+    const std::string beside = bySession ? apart : "";
     Conditions conditions;
+    const auto [after, before] = Span(*connection, filter);
+    conditions.Add(id + " > ?", after);
+    conditions.Add(id + " < ?", before);
+    if (bySession)
+        conditions.Add("session = ?", filter.session);
+    if (!filter.referrer.empty())
+        conditions.Add(beside + "report.referrer = ?", filter.referrer);
     if (byTotal) {
-        conditions.Add("verdict.total = ?", filter.total);
+        conditions.Add(beside + "verdict.total = ?", filter.total);
         if (!filter.referrer.empty())
-            conditions.Add("verdict.referrer = (SELECT id FROM referrer WHERE name = ?)", filter.referrer);
+            conditions.Add(beside + "verdict.referrer = ?", IdOf(*connection, filter.referrer));
         conditions.text +=
             " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
             "WHERE other.report = verdict.report)";
-    } else if (!filter.referrer.empty()) {
-        conditions.Add("report.referrer = ?", filter.referrer);
     }
-    if (!filter.session.empty())
-        conditions.Add("session = ?", filter.session);
-    if (filter.from > 0) {
-        conditions.Add("received >= ?", filter.from);
-        conditions.Add(
-            id + " >= coalesce((SELECT id FROM report WHERE received >= ? ORDER BY received LIMIT 1), 0) - " +
-                Swapped,
-            filter.from);
-    }
-    if (filter.until > 0) {
-        conditions.Add("received < ?", filter.until);
-        conditions.Add(id +
-                           " <= coalesce((SELECT id FROM report WHERE received < ? ORDER BY received DESC "
-                           "LIMIT 1), 0) + " +
-                           Swapped,
-                       filter.until);
-    }
-    if (filter.beforeId > 0)
-        conditions.Add(id + " < ?", filter.beforeId);
-    if (filter.afterId >= 0)
-        conditions.Add(id + " > ?", filter.afterId);
+    if (filter.from > 0)
+        conditions.Add(apart + "received >= ?", filter.from);
+    if (filter.until > 0)
+        conditions.Add(apart + "received < ?", filter.until);
     conditions.values.emplace_back(std::int64_t{filter.count});
     const std::string tables = byTotal
                                    ? "verdict.total FROM verdict JOIN report ON report.id = verdict.report"
                                    : "(SELECT total FROM verdict WHERE verdict.report = report.id "
                                      "ORDER BY requirement_set DESC LIMIT 1) FROM report";
-    const SqlRows rows = Read("SELECT report.id, session, report.referrer, received, " + tables +
-                                  conditions.text + " ORDER BY " + id + (filter.afterId >= 0 ? "" : " DESC") +
-                                  " LIMIT " + conditions.Parameter(),
-                              conditions.values);
+    const SqlRows rows = connection->Query(
+        "SELECT report.id, session, report.referrer, received, " + tables + conditions.text + " ORDER BY " +
+            id + (filter.afterId >= 0 ? "" : " DESC") + " LIMIT " + conditions.Parameter(),
+        conditions.values);
     std::vector<ReportLine> lines;
     for (const SqlRow& row : rows)
         lines.push_back({row.Number(0), row.Text(1), row.Text(2), row.Number(3), row.Text(4)});
     return lines;
+}
+
+/// 0 when there is none. Asked for by itself, so that the database knows how many rows the id has when it
+/// plans.
+std::int64_t SqlStore::IdOf(SqlConnection& connection, const std::string& referrer)
+{
+    const SqlRows rows = connection.Query("SELECT id FROM referrer WHERE name = $1", {referrer});
+    return rows.empty() ? 0 : rows[0].Number(0);
+}
+
+/// The ids that all reports of the filter lie between.
+std::pair<std::int64_t, std::int64_t> SqlStore::Span(SqlConnection& connection, const ReportFilter& filter)
+{
+    std::int64_t after = 0;
+    std::int64_t before = std::numeric_limits<std::int64_t>::max();
+    if (filter.beforeId > 0)
+        before = filter.beforeId;
+    if (filter.afterId >= 0) {
+        after = filter.afterId;
+        const std::int64_t settled = connection.SettledReport();
+        before = settled < before ? settled + 1 : before;
+    }
+    if (filter.from > 0) {
+        const SqlRows older =
+            connection.Query("SELECT id FROM report WHERE received < $1 ORDER BY received DESC LIMIT 1",
+                             {filter.from - Disorder});
+        after = older.empty() ? after : std::max(after, older[0].Number(0));
+    }
+    if (filter.until > 0) {
+        const SqlRows newer =
+            connection.Query("SELECT id FROM report WHERE received >= $1 ORDER BY received LIMIT 1",
+                             {filter.until + Disorder});
+        before = newer.empty() ? before : std::min(before, newer[0].Number(0));
+    }
+    return {after, before};
 }
 
 std::optional<FullReport> SqlStore::FindReport(std::int64_t report)
@@ -121,20 +152,22 @@ std::vector<StoredVerdict> SqlStore::VerdictsOf(std::int64_t report)
 
 std::vector<StoredVerdict> SqlStore::RecentVerdicts(const std::string& referrer, int count)
 {
-    return VerdictsIn(Read(VerdictColumns +
-                               "WHERE verdict.referrer = (SELECT id FROM referrer WHERE name = $1) "
-                               "ORDER BY verdict.report DESC, requirement_set.id DESC LIMIT $2",
-                           {referrer, std::int64_t{count}}));
+    const auto connection = readers->Borrow();
+    return VerdictsIn(connection->Query(
+        VerdictColumns + "WHERE verdict.referrer = $1 "
+                         "ORDER BY verdict.report DESC, verdict.requirement_set DESC LIMIT $2",
+        {IdOf(*connection, referrer), std::int64_t{count}}));
 }
 
 Totals SqlStore::RecentTotals(const std::string& referrer, int count)
 {
     Totals totals;
-    const SqlRows rows = Read(
+    const auto connection = readers->Borrow();
+    const SqlRows rows = connection->Query(
         "SELECT total, count(*) FROM (SELECT total FROM verdict "
-        "WHERE referrer = (SELECT id FROM referrer WHERE name = $1) ORDER BY report DESC LIMIT $2) AS recent "
+        "WHERE referrer = $1 ORDER BY report DESC LIMIT $2) AS recent "
         "GROUP BY total",
-        {referrer, std::int64_t{count}});
+        {IdOf(*connection, referrer), std::int64_t{count}});
     for (const SqlRow& row : rows) {
         int& number = row.Text(0) == "pass"   ? totals.pass
                       : row.Text(0) == "fail" ? totals.fail
@@ -152,25 +185,27 @@ std::vector<FullReport> SqlStore::RecentReports(const std::string& referrer, int
 
 int SqlStore::DeleteOlder(std::int64_t time, int most)
 {
-    return static_cast<int>(Write("DELETE FROM report WHERE id IN (SELECT id FROM report WHERE received < $1 "
-                                  "ORDER BY received LIMIT $2) RETURNING id",
-                                  {time, std::int64_t{most}})
-                                .size());
+    return Delete("received < $1 ORDER BY received", time, most);
 }
 
 int SqlStore::DeleteSession(const std::string& session, int most)
 {
-    return static_cast<int>(Write("DELETE FROM report WHERE id IN (SELECT id FROM report WHERE session = $1 "
-                                  "ORDER BY id LIMIT $2) RETURNING id",
-                                  {session, std::int64_t{most}})
-                                .size());
+    return Delete("session = $1 ORDER BY id", session, most);
 }
 
 int SqlStore::DeleteMachine(const std::string& machine, int most)
 {
-    return static_cast<int>(Write("DELETE FROM report WHERE id IN (SELECT id FROM report WHERE machine = $1 "
-                                  "AND machine <> '' ORDER BY id LIMIT $2) RETURNING id",
-                                  {machine, std::int64_t{most}})
+    return Delete("machine = $1 AND machine <> '' ORDER BY id", machine, most);
+}
+
+int SqlStore::Delete(const std::string& condition, SqlValue value, int most)
+{
+    const auto connection = writers->Borrow();
+    const std::string rows = "SELECT id FROM report WHERE " + condition + " LIMIT $2";
+    return static_cast<int>(connection
+                                ->Query("DELETE FROM report WHERE id IN (" + rows +
+                                            std::string(connection->SkipLocked()) + ") RETURNING id",
+                                        {value, std::int64_t{most}})
                                 .size());
 }
 

@@ -2,7 +2,20 @@
 
 #include <exception>
 
+#include "server/base/Fault.h"
+#include "server/base/Utf8.h"
+
 namespace kel::server {
+
+SqlRows SqlConnection::Query(const std::string& sql, const std::vector<SqlValue>& values)
+{
+    for (const SqlValue& value : values) {
+        const auto* text = std::get_if<std::string_view>(&value);
+        if (text && !IsPlainText(*text))
+            throw Fault(400, "a text is no UTF-8, or has a NUL");
+    }
+    return Run(sql, values);
+}
 
 SqlTransaction::~SqlTransaction()
 {

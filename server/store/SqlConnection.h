@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -36,20 +37,30 @@ private:
 using SqlRows = std::vector<SqlRow>;
 
 /// A connection to a database, for one thread at a time. Everything throws Fault 503 with the database's own
-/// words.
+/// words when it fails.
 class SqlConnection {
 public:
     virtual ~SqlConnection() = default;
 
     /// Runs one statement, with $1, $2 and so on for the values; what it answers. Statements are prepared
-    /// once, so their texts come from a small set.
-    virtual SqlRows Query(const std::string& sql, const std::vector<SqlValue>& values = {}) = 0;
+    /// once, so their texts come from a small set. Throws Fault 400 for a text that is no UTF-8 or has a NUL,
+    /// which not every database takes.
+    SqlRows Query(const std::string& sql, const std::vector<SqlValue>& values = {});
     /// Runs several statements without values.
     virtual void Execute(const std::string& sql) = 0;
     /// Begins a transaction that may write.
     virtual void Begin() = 0;
     /// Whether the connection is of no use any more.
-    virtual bool IsBroken() const = 0;
+    virtual bool IsBroken() = 0;
+
+    /// What keeps a column from an index, put before it; empty where the database knows what it does.
+    virtual std::string_view NoIndex() const { return {}; }
+    /// What a SELECT ends with whose rows are about to be deleted, so that two who delete do not wait for
+    /// each other; empty where only one can write.
+    virtual std::string_view SkipLocked() const { return {}; }
+    /// No report will come any more with an id up to this one. Reports that arrive together may be seen in
+    /// another order than that of their ids, and who goes through them by id would miss some.
+    virtual std::int64_t SettledReport() { return std::numeric_limits<std::int64_t>::max(); }
 
     /// The statements that lead from each version of the tables to the next, from nothing on.
     virtual std::span<const char* const> Migrations() const = 0;
@@ -57,12 +68,21 @@ public:
     /// program's.
     virtual int Version() = 0;
     virtual void SetVersion(int version) = 0;
+    /// Begins a transaction once no other process changes the tables.
+    virtual void BeginMigration() { Begin(); }
+
+protected:
+    virtual SqlRows Run(const std::string& sql, const std::vector<SqlValue>& values) = 0;
 };
 
 /// What happens until Commit is one step; without it, none of it happened.
 class SqlTransaction {
 public:
-    explicit SqlTransaction(SqlConnection& connection) : connection(connection) { connection.Begin(); }
+    explicit SqlTransaction(SqlConnection& connection, void (SqlConnection::*begin)() = &SqlConnection::Begin)
+        : connection(connection)
+    {
+        (connection.*begin)();
+    }
     ~SqlTransaction();
     SqlTransaction(const SqlTransaction&) = delete;
     SqlTransaction& operator=(const SqlTransaction&) = delete;

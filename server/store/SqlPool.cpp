@@ -1,7 +1,5 @@
 #include "server/store/SqlPool.h"
 
-#include <chrono>
-
 #include "server/base/Fault.h"
 
 namespace kel::server {
@@ -10,37 +8,68 @@ namespace {
 
 constexpr int Unavailable = 503;
 constexpr std::chrono::seconds Patience{10};
+constexpr std::chrono::seconds Pause{1};
 
 }  // namespace
 
 SqlPool::Lease SqlPool::Borrow()
 {
+    std::vector<std::unique_ptr<SqlConnection>>
+        broken;  // closed when the lock is given up: that takes a while
     std::unique_lock lock(turn);
     if (!returned.wait_for(lock, Patience, [&] { return lent < most; }))
         throw Fault(Unavailable, "database: no connection becomes free");
-    ++lent;
-    if (!free.empty()) {
+    while (!free.empty()) {
         auto connection = std::move(free.back());
         free.pop_back();
-        return {*this, std::move(connection)};
+        if (!connection->IsBroken()) {
+            ++lent;
+            return {*this, std::move(connection)};
+        }
+        broken.push_back(std::move(connection));
     }
-    lock.unlock();  // opening takes a while
+    // A database that does not answer costs one request now and then its patience, not every one.
+    if (std::chrono::steady_clock::now() < retry)
+        throw Fault(Unavailable, failure);
+    ++lent;
+    lock.unlock();  // so does opening
     try {
         return {*this, open()};
-    } catch (...) {
+    } catch (const std::exception& error) {
+        lock.lock();
+        retry = std::chrono::steady_clock::now() + Pause;
+        failure = error.what();
+        lock.unlock();
         Return(nullptr);
         throw;
     }
 }
 
+void SqlPool::Join(SqlPool& other)
+{
+    joined = &other;
+    other.joined = this;
+}
+
+void SqlPool::Drop()
+{
+    std::vector<std::unique_ptr<SqlConnection>> dropped;
+    const std::lock_guard lock(turn);
+    dropped.swap(free);
+}
+
 void SqlPool::Return(std::unique_ptr<SqlConnection> connection)
 {
+    if (connection && connection->IsBroken()) {
+        connection.reset();
+        Drop();
+        if (joined)
+            joined->Drop();
+    }
     const std::lock_guard lock(turn);
     --lent;
-    if (connection && !connection->IsBroken())
+    if (connection)
         free.push_back(std::move(connection));
-    else
-        free.clear();  // what broke one has broken those that rest, too
     returned.notify_one();
 }
 

@@ -1,16 +1,19 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <string>
 #include <vector>
 
 #include "server/store/SqlConnection.h"
 
 namespace kel::server {
 
-/// Connections to a database, opened as they are needed and lent to one thread at a time.
+/// Connections to a database, opened as they are needed and lent to one thread at a time. A broken one is
+/// replaced.
 class SqlPool {
 public:
     using Open = std::function<std::unique_ptr<SqlConnection>()>;
@@ -38,8 +41,12 @@ public:
 
     /// Waits some seconds for a connection; throws Fault 503 when none becomes free, or none can be opened.
     Lease Borrow();
+    /// A connection that breaks in either of both pools breaks those that rest in the other: SQLite shares
+    /// what it knows of a file among all connections of a process.
+    void Join(SqlPool& other);
 
 private:
+    void Drop();
     void Return(std::unique_ptr<SqlConnection> connection);
 
     Open open;
@@ -48,6 +55,9 @@ private:
     std::condition_variable returned;
     std::vector<std::unique_ptr<SqlConnection>> free;
     std::size_t lent = 0;
+    std::chrono::steady_clock::time_point retry;  // until then opening fails with what it failed with
+    std::string failure;
+    SqlPool* joined = nullptr;
 };
 
 }  // namespace kel::server

@@ -125,10 +125,11 @@ void SqlStore::Keep(const NewVerdict& verdict)
 {
     Write(
         "INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines) "
-        "SELECT $1, id, referrer, $2, $3, $4, $5 FROM requirement_set WHERE id = $6 "
+        "SELECT report.id, requirement_set.id, requirement_set.referrer, $1, $2, $3, $4 "
+        "FROM report, requirement_set WHERE report.id = $5 AND requirement_set.id = $6 "
         "ON CONFLICT (report, requirement_set) DO UPDATE "
         "SET judged = excluded.judged, item = excluded.item, total = excluded.total, lines = excluded.lines",
-        {verdict.report, Now(), verdict.item, verdict.total, verdict.lines, verdict.set});
+        {Now(), verdict.item, verdict.total, verdict.lines, verdict.report, verdict.set});
 }
 
 std::vector<Product> SqlStore::Products()

@@ -61,7 +61,7 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
     Execute(durability == Durability::Full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }
 
-SqlRows SqliteConnection::Query(const std::string& sql, const std::vector<SqlValue>& values)
+SqlRows SqliteConnection::Run(const std::string& sql, const std::vector<SqlValue>& values)
 {
     sqlite3_stmt* statement = Prepare(sql);
     const Use use(statement);
@@ -74,6 +74,7 @@ SqlRows SqliteConnection::Query(const std::string& sql, const std::vector<SqlVal
     int result = SQLITE_ROW;
     while ((result = sqlite3_step(statement)) == SQLITE_ROW) {
         std::vector<std::string> columns;
+        columns.reserve(static_cast<std::size_t>(sqlite3_column_count(statement)));
         for (int column = 0; column < sqlite3_column_count(statement); ++column)
             columns.push_back(Column(statement, column));
         rows.emplace_back(std::move(columns));
@@ -123,8 +124,12 @@ sqlite3_stmt* SqliteConnection::Prepare(const std::string& sql)
     return statements.emplace(sql, std::move(statement)).first->second.get();
 }
 
-void SqliteConnection::Fail() const
+void SqliteConnection::Fail()
 {
+    // What a file that could not be written was when it was opened would stay so for this connection.
+    const int code = sqlite3_errcode(Get());
+    broken = broken || code == SQLITE_READONLY || code == SQLITE_IOERR || code == SQLITE_CANTOPEN ||
+             code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
     throw Fault(Unavailable, std::string("database: ") + sqlite3_errmsg(Get()));
 }
 

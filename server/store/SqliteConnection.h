@@ -11,7 +11,7 @@
 namespace kel::server {
 
 /// An open SQLite file: write-ahead log, foreign keys, a wait of some seconds for another process's write.
-class SqliteConnection : public SqlConnection {
+class SqliteConnection final : public SqlConnection {
 public:
     enum class Mode { Existing, Create };
     /// Full: each commit is on the disk. Normal: a power cut can lose the last ones, never the file.
@@ -19,15 +19,16 @@ public:
 
     SqliteConnection(const std::string& path, Mode mode, Durability durability);
 
-    SqlRows Query(const std::string& sql, const std::vector<SqlValue>& values) override;
     void Execute(const std::string& sql) override;
     void Begin() override { Execute("BEGIN IMMEDIATE"); }
-    bool IsBroken() const override { return false; }
+    bool IsBroken() override { return broken || sqlite3_get_autocommit(Get()) == 0; }
+    std::string_view NoIndex() const override { return "+"; }
     std::span<const char* const> Migrations() const override;
     int Version() override;
     void SetVersion(int version) override;
 
-    sqlite3* Get() const { return database.get(); }
+protected:
+    SqlRows Run(const std::string& sql, const std::vector<SqlValue>& values) override;
 
 private:
     struct Close {
@@ -40,10 +41,12 @@ private:
 
     sqlite3_stmt* Prepare(const std::string& sql);
     std::int64_t Number(const std::string& sql) { return Query(sql, {}).at(0).Number(0); }
-    [[noreturn]] void Fail() const;
+    [[noreturn]] void Fail();
+    sqlite3* Get() const { return database.get(); }
 
     std::unique_ptr<sqlite3, Close> database;
     std::unordered_map<std::string, Statement> statements;
+    bool broken = false;  // what the file is has changed, and another connection may see more
 };
 
 }  // namespace kel::server

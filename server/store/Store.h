@@ -10,7 +10,7 @@
 namespace kel::server {
 
 /// What the service keeps. Every operation may be called by any thread and is done entirely or not at all.
-/// Throws Fault 503 when the database fails.
+/// Throws Fault 503 when the database fails, and 400 for a text that is no UTF-8 or has a NUL.
 class Store {
 public:
     virtual ~Store() = default;
@@ -28,7 +28,8 @@ public:
     virtual std::optional<PublishedSet> NewestSet(const std::string& referrer) = 0;
     /// The text of published requirements, which never changes.
     virtual std::string SetText(std::int64_t set) = 0;
-    /// Keeps a verdict; a later one of the same report and set replaces it.
+    /// Keeps a verdict; a later one of the same report and set replaces it. When the report has been deleted
+    /// meanwhile, nothing happens.
     virtual void Keep(const NewVerdict& verdict) = 0;
 
     // Requirements and their drafts.
@@ -42,7 +43,7 @@ public:
     virtual int Publish(const std::string& referrer, const std::string& text, const std::string& author) = 0;
     virtual std::optional<Draft> FindDraft(const std::string& referrer) = 0;
     /// Writes a draft over the one of that revision (0: there is none yet). The new revision; nothing, and
-    /// nothing is written, when the draft has another revision by now.
+    /// nothing is written, when the draft has another revision by now. An empty text is no draft.
     virtual std::optional<int> KeepDraft(const std::string& referrer, const std::string& text, int revision,
                                          const std::string& author) = 0;
     /// Publishes the draft of that revision, and drops it; the version. Nothing when it has another one by

@@ -23,8 +23,8 @@ std::string_view NameOf(Comparison comparison);
 /// could.
 std::string WhyNeverMet(Comparison comparison, std::string_view needed);
 
-/// Compares strictly. A value that the report lacks (null), that is blank, or that cannot be read as what the
-/// comparison compares is unknown: only a value that was understood fails.
+/// Compares strictly. A value that the report lacks (null), that is blank, longer than 64 KB, or that cannot
+/// be read as what the comparison compares is unknown: only a value that was understood fails.
 Result Compare(Comparison comparison, const std::string* found, std::string_view needed);
 
 }  // namespace kel::server

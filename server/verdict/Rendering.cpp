@@ -1,6 +1,7 @@
 #include "server/verdict/Rendering.h"
 
 #include <nlohmann/json.hpp>
+#include <span>
 
 #include "server/base/Text.h"
 #include "server/verdict/PageStyle.h"
@@ -21,13 +22,20 @@ std::string MarkOf(Result result)
     return result == Result::Pass ? "✓ Meets" : result == Result::Fail ? "✗ Does not meet" : "? Not known";
 }
 
+/// A line's alternatives; none when it is a plain one.
+std::span<const VerdictPart> Alternatives(const VerdictLine& line)
+{
+    return line.parts.size() > 1 ? std::span(line.parts) : std::span<const VerdictPart>();
+}
+
 std::string RowOf(const VerdictLine& line)
 {
     const std::string found = line.found.empty() ? "–" : Escape(line.found);
-    std::string row = "<tr class=\"" + std::string(NameOf(line.result)) + "\"><th scope=\"row\">" +
-                      Escape(line.label) + "</th><td data-label=\"Needed\">" + Escape(line.needed) +
-                      "</td><td data-label=\"Found\">" + found + "</td><td><span class=\"mark\">" +
-                      MarkOf(line.result) + "</span>";
+    std::string row =
+        "<tr class=\"" + std::string(NameOf(line.result)) + "\"><th scope=\"row\">" + Escape(line.label) +
+        (line.recommended ? " <span class=\"kind\">Recommended</span>" : "") +
+        "</th><td data-label=\"Needed\">" + Escape(line.needed) + "</td><td data-label=\"Found\">" + found +
+        "</td><td><span class=\"mark\">" + MarkOf(line.result) + "</span>";
     if (!line.advice.empty() && line.result != Result::Pass)
         row += "<span class=\"advice\">" + Escape(line.advice) + "</span>";
     return row + "</td></tr>\n";
@@ -45,7 +53,8 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
                 Element("label", line.label) + Element("needed", line.needed) + Element("found", line.found);
         if (!line.advice.empty())
             text += Element("advice", line.advice);
-        text += "</requirement>";
+        // An element, no attribute: pages find a requirement by its tag, letter for letter.
+        text += line.recommended ? "<recommended/></requirement>" : "</requirement>";
     }
     return text + "</analysis>";
 }
@@ -62,6 +71,11 @@ std::string RenderJson(const Verdict& verdict, const std::string& item, const st
                            {"found", line.found}};
         if (!line.advice.empty())
             entry["advice"] = line.advice;
+        if (line.recommended)
+            entry["recommended"] = true;
+        for (const VerdictPart& part : Alternatives(line))
+            entry["any of"].push_back(
+                {{"result", NameOf(part.result)}, {"needed", part.needed}, {"found", part.found}});
         content["requirements"].push_back(std::move(entry));
     }
     return content.dump();
@@ -86,8 +100,17 @@ std::string RenderPage(const Verdict& verdict)
 std::string RenderLines(const Verdict& verdict)
 {
     ordered_json lines = ordered_json::array();
-    for (const VerdictLine& line : verdict.lines)
-        lines.push_back({{"id", line.group}, {"found", line.found}, {"result", NameOf(line.result)}});
+    for (const VerdictLine& line : verdict.lines) {
+        ordered_json entry{{"id", line.group}, {"found", line.found}, {"result", NameOf(line.result)}};
+        if (line.recommended)
+            entry["recommended"] = true;
+        for (const VerdictPart& part : Alternatives(line))
+            entry["any of"].push_back({{"id", part.group},
+                                       {"needed", part.needed},
+                                       {"found", part.found},
+                                       {"result", NameOf(part.result)}});
+        lines.push_back(std::move(entry));
+    }
     return lines.dump();
 }
 

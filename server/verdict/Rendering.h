@@ -6,7 +6,8 @@
 
 namespace kel::server {
 
-/// The verdict as a script reads it. Item and schema are the texts of the analysis request, handed back.
+/// The verdict as a script reads it; a recommendation has an element <recommended/>. Item and schema are the
+/// texts of the analysis request, handed back.
 std::string RenderXml(const Verdict& verdict, const std::string& item, const std::string& schema);
 
 /// The same as JSON.
@@ -15,7 +16,8 @@ std::string RenderJson(const Verdict& verdict, const std::string& item, const st
 /// The verdict as a page that stands by itself, in the style of the check's own page.
 std::string RenderPage(const Verdict& verdict);
 
-/// The lines alone, as the store keeps them: a JSON list of id, found and result.
+/// The lines alone, as the store keeps them: a JSON list of id, found and result, with "recommended"
+/// where it is, and "any of", a list of id, needed, found and result, where a line has alternatives.
 std::string RenderLines(const Verdict& verdict);
 
 }  // namespace kel::server

@@ -8,25 +8,38 @@
 
 namespace kel::server {
 
-/// One requirement, and how the machine meets it.
-struct VerdictLine {
+/// One condition, and whether the machine meets it.
+struct VerdictPart {
     int group = 0;
-    std::string label;
     std::string needed;  // with the comparison: "at least 2 GB"
     std::string found;   // empty when the report has no such value
     Result result = Result::Unknown;
+};
+
+/// One requirement, and how the machine meets it.
+struct VerdictLine {
+    int group = 0;  // of the first alternative
+    std::string label;
+    std::string needed;  // with the comparison: "at least 2 GB"; of alternatives all: "…, or …"
+    std::string found;   // empty when the report has no such value; of alternatives all: "…; …"
+    Result result = Result::Unknown;
     std::string advice;
+    bool recommended = false;
+    std::vector<VerdictPart> parts = {};  // the alternatives; a plain line has one
 };
 
 /// Whether a machine meets a product's requirements.
 struct Verdict {
+    static constexpr std::size_t LongestFound = 1000;  // bytes; of a longer value the beginning is told
+
     std::string title;
     std::vector<VerdictLine> lines;
     Result total = Result::Unknown;
 };
 
-/// Judges a report. One failing line fails the whole; else one that is unknown, or no line at all, leaves it
-/// unknown.
+/// Judges a report. A line with alternatives passes when one passes; else it is unknown when one is. One
+/// failing line fails the whole; else one that is unknown leaves it unknown. Recommendations have no say, so
+/// without any other line the whole is unknown.
 Verdict Judge(const Requirements& requirements, const Report& report);
 
 }  // namespace kel::server

@@ -299,7 +299,7 @@ class Pages(AdminTest):
             return [int(cell) for cell, in self.page(path, cookie).cells(0)[1:]]
         for query, expected in (
                 ("session=s7", [67, 7]), ("verdict=fail", [n for n in range(120, 60, -1) if n % 8 < 4]),
-                ("verdict=pass&referrer=demo", [n for n in range(120, 60, -1) if n % 8 >= 4]), ("verdict=pass&referrer=x", []),
+                ("verdict=pass&referrer=demo", [n for n in range(119, 60, -2) if n % 8 >= 4]), ("verdict=pass&referrer=x", []),
                 ("until=2026-01-01", list(range(10, 0, -1))), ("from=2026-01-01&until=2026-01-01&session=s3", [3]),
                 ("until=2025-12-31", []), ("session=%22%3E", []), ("referrer=none", []), ("verdict=maybe", []),
                 ("before=3", [2, 1]), ("from=2026-02-31&before=2", [1]), ("before=-1&after=x&session=s1", [61, 1])):
@@ -431,7 +431,7 @@ class Editing(AdminTest):
         for text, told in ((good, "can be published. Lines: 2."), (good.replace('"B"', "B"), "line 11, column"),
                            (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: &#x27;odd&#x27; is no"),
                            ("{", "line 1, column 2"), ("{}", "title"), (" \n", "1 byte"),
-                           ('{"a": "]{", "b": [{"c": [{}]}],\n"title": "", "requirements": [{\n}, {}]}', "line 2, requirement 1"),
+                           ('{"title": "]{\\"[{",\n"requirements": [{\n}, {}]}', "line 2, requirement 1"),
                            ("<b>\r\n  &amp;", "line 1, column 1"), ("[" * 100_000, "Not right yet")):
             status, page = self.act("check", text)
             self.assertIn(told, page)

@@ -9,6 +9,7 @@ import time
 import unittest
 from pathlib import Path
 
+from databases import Database
 from harness import API_KEY, ROOT, write_requirements
 
 SERVER = Path(os.environ.get("KEL_SERVER", ROOT / "build" / "server" / "kel_server"))
@@ -28,7 +29,7 @@ class Client:
 
     def ask(self, verb, path, body="", address=None):
         """One request on a connection of its own: its status and the bytes of the answer."""
-        connection = http.client.HTTPConnection(address or self.address, timeout=10)
+        connection = http.client.HTTPConnection(address or self.address, timeout=30)
         self.addCleanup(connection.close)
         connection.request(verb, path, body.encode() if isinstance(body, str) else body)
         answer = connection.getresponse()
@@ -54,12 +55,13 @@ class DeployedTest(Client, unittest.TestCase):
     def setUp(self):
         self.folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
         self.log = self.enterContext(open(self.folder / "log.txt", "a+", encoding="ascii"))
+        self.database = Database(self.folder)
         self.command("migrate")
         self.start()
 
     def command(self, *arguments, code=0):
         """Runs a command to its end: its log."""
-        ran = subprocess.run([SERVER, *arguments, "--database", self.folder / "kel.db"], capture_output=True, text=True,
+        ran = subprocess.run([SERVER, *arguments, "--database", self.database.setting], capture_output=True, text=True,
                              timeout=20)
         self.assertEqual(ran.returncode, code, ran.stderr)
         return ran.stderr
@@ -68,7 +70,7 @@ class DeployedTest(Client, unittest.TestCase):
         for name in ("port", "admin"):
             (self.folder / name).unlink(missing_ok=True)
         self.process = subprocess.Popen(
-            [SERVER, "serve", "--database", self.folder / "kel.db", "--port", "0", "--admin-port", "0", "--port-file",
+            [SERVER, "serve", "--database", self.database.setting, "--port", "0", "--admin-port", "0", "--port-file",
              self.folder / "port", "--admin-port-file", self.folder / "admin", *self.settings, *settings], stderr=self.log)
         self.addCleanup(self.process.wait)
         self.addCleanup(self.process.kill)
@@ -78,6 +80,13 @@ class DeployedTest(Client, unittest.TestCase):
             self.assertLess(time.monotonic(), end, "the service does not listen")
             time.sleep(0.01)
         self.address, self.admin = (f"127.0.0.1:{(self.folder / name).read_text()}" for name in ("port", "admin"))
+
+    def await_answer(self, ask, expected):
+        """The service notices in its own time what other clients did."""
+        end = time.monotonic() + 5
+        while (answer := ask()) != expected and time.monotonic() < end:
+            time.sleep(0.02)
+        self.assertEqual(answer, expected)
 
     def stop(self):
         self.process.terminate()

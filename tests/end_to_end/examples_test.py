@@ -86,7 +86,9 @@ class Page(unittest.TestCase):
         rows, total, tree = self.show("verdict", VERDICT)
         self.assertEqual(rows, ["Memory|at least 2 GB|7.8 GB|\u2713 Meets",
                                 "Not portable|no|Yes|\u2717 Does not meet|Use &lt;b&gt;another&lt;/b&gt; machine.",
-                                "Bandwidth|at least 1 Mbps|\u2013|? Not known"])
+                                "Bandwidth|at least 1 Mbps|\u2013|? Not known",
+                                "Graphics |Recommended|at least 6 GB, or at least version 12.0|4.0 GB; 11.1|"
+                                "\u2717 Does not meet"])
         self.assertEqual(total, "No: this machine does not meet all requirements.")
         for text in ('id="offer" hidden', 'role="status"'):
             self.assertIn(text, tree)

@@ -83,9 +83,9 @@ def make_prefix(case):
 
 
 def write_requirements(folder, referrer, requirements):
-    """Writes a referrer's requirements, each an id, a label, a comparison, what it needs, and an advice."""
+    """Writes a referrer's requirements, each an id, a label, a comparison, what it needs, and an advice, or a line."""
     names = ("id", "label", "comparison", "needed", "advice")
-    lines = [dict(zip(names, requirement)) for requirement in requirements]
+    lines = [requirement if isinstance(requirement, dict) else dict(zip(names, requirement)) for requirement in requirements]
     (folder / f"{referrer}.json").write_text(json.dumps({"title": "T<", "requirements": lines}))
 
 

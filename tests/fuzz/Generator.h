@@ -13,6 +13,17 @@ namespace kel::test {
 using Text = std::wstring;
 using Texts = std::vector<Text>;
 
+/// Bytes as characters, and back.
+inline Text Wide(const std::string& bytes)
+{
+    return {bytes.begin(), bytes.end()};
+}
+
+inline std::string Narrow(const Text& text)
+{
+    return {text.begin(), text.end()};
+}
+
 /// What the environment sets, such as KEL_FUZZ_SEED.
 inline std::uint64_t Setting(const char* name, std::uint64_t otherwise)
 {
@@ -57,9 +68,18 @@ struct Generator {
                                     L"-2147483649", L"4294967296", L"18446744073709551615"};
         static const Text nasty(
             L"\0\t\r\n\v\x1A\xA0\x131\x17F\x663\x2003\x212A\x3000\xD800\xDFFF\xFEFF\xFF15", 17);
-        const Text others[] = {AnyOf(edges), AnyOf(samples).substr(0, Below(64)),
-                               Text(1, nasty[Below(nasty.size())]), Text(1, static_cast<wchar_t>(engine()))};
-        return Below(2) == 0 ? AnyOf(pieces) : others[Below(std::size(others))];
+        switch (Below(8)) {
+            case 0:
+                return AnyOf(edges);
+            case 1:
+                return AnyOf(samples).substr(0, Below(64));
+            case 2:
+                return Text(1, nasty[Below(nasty.size())]);
+            case 3:
+                return Text(1, static_cast<wchar_t>(engine()));
+            default:
+                return AnyOf(pieces);
+        }
     }
 };
 

@@ -10,16 +10,6 @@
 
 namespace kel::test {
 
-inline Text Wide(const std::string& bytes)
-{
-    return {bytes.begin(), bytes.end()};
-}
-
-inline std::string Narrow(const Text& text)
-{
-    return {text.begin(), text.end()};
-}
-
 inline Texts StorageAnswers()
 {
     Texts answers;

@@ -11,6 +11,7 @@ UNITS = {"": (1, "")} | {prefix + kind: (base ** power, kind) for kind, base, pr
                          for power, prefix in enumerate(["", *prefixes])}  # a unit's factor, and what it counts
 PASS, FAIL, UNKNOWN = "pass", "fail", "unknown"
 MARKS = {PASS: "✓ Meets", FAIL: "✗ Does not meet", UNKNOWN: "? Not known"}
+LONGEST_VALUE, LONGEST_FOUND = 64 * 1024, 1000  # bytes: of a value that is compared, and of what is told of one
 STYLE = Path(__file__).resolve().parents[2] / "examples" / "check.css"
 
 
@@ -91,13 +92,36 @@ COMPARE = {
 }
 
 
+def why_never_met(comparison, needed):
+    """Why the comparison could never hold with this needed text; empty when it could."""
+    amount = "needs a number, with or without a unit"
+    why, could = {
+        "at least version": ("needs a version", version(needed) is not None),
+        "at least": (f"{amount}, or a resolution", measure(needed) or resolution(needed)),
+        "at most": (amount, measure(needed)),
+    }.get(comparison, ("needs a text", comparison in ("any", "yes", "no") or needed.strip()))
+    return "" if could else why
+
+
+@dataclass
+class Part:
+    """One condition, and whether the machine meets it."""
+
+    group: int
+    needed: str
+    found: str
+    result: str
+
+
 @dataclass
 class Line:
     label: str
     needed: str
     found: str
     result: str
-    advice: str = ""
+    advice: str
+    recommended: bool
+    parts: list  # the alternatives; a plain line has one
 
 
 @dataclass
@@ -111,27 +135,43 @@ class Verdict:
 
 def compare(comparison, found, needed):
     """One line's result; a value that the report lacks, or has no text for, is unknown."""
-    if found is None or not found.strip():
+    if found is None or len(found.encode()) > LONGEST_VALUE or not found.strip():
         return UNKNOWN
     return COMPARE[comparison](found, needed)
 
 
+def _shown(text):
+    """Of a long text the beginning."""
+    data = text.encode()
+    return text if len(data) <= LONGEST_FOUND else data[:LONGEST_FOUND].decode(errors="ignore") + "…"
+
+
+def _judge_line(line, report):
+    parts = []
+    for condition in line.any_of:
+        found = report.value(condition.group)
+        parts.append(Part(condition.group, condition.text(), _shown(found or ""),
+                          compare(condition.comparison, found, condition.needed)))
+    results = [part.result for part in parts]
+    result = PASS if PASS in results else UNKNOWN if UNKNOWN in results else FAIL
+    found = {part.group: part.found for part in parts}.values()  # each group's once
+    told = "; ".join(text or ("–" if len(parts) > 1 else "") for text in found) if any(found) else ""
+    return Line(line.label, ", or ".join(part.needed for part in parts), told, result, line.advice, line.recommended, parts)
+
+
 def judge(requirements, report, request):
-    lines = []
-    for line in requirements.lines:
-        found = report.value(line.group)
-        needed = f"{line.comparison} {line.needed}".strip()
-        lines.append(Line(line.label, needed, found or "", compare(line.comparison, found, line.needed), line.advice))
-    results = [line.result for line in lines]
-    total = FAIL if FAIL in results else UNKNOWN if UNKNOWN in results or not results else PASS
+    lines = [_judge_line(line, report) for line in requirements.lines]
+    results = {line.result for line in lines if not line.recommended}
+    total = FAIL if FAIL in results else PASS if results == {PASS} else UNKNOWN
     return Verdict(requirements.title, request.item, request.schema, lines, total)
 
 
 def _page(verdict):
     """The verdict as a page, in the style of the check's own page."""
     rows = "".join(
-        f"<tr class=\"{line.result}\"><th scope=\"row\">{escape(line.label)}</th>"
-        f"<td data-label=\"Needed\">{escape(line.needed)}</td><td data-label=\"Found\">{escape(line.found) or '–'}</td>"
+        f"<tr class=\"{line.result}\"><th scope=\"row\">{escape(line.label)}"
+        + (" <span class=\"kind\">Recommended</span>" if line.recommended else "")
+        + f"</th><td data-label=\"Needed\">{escape(line.needed)}</td><td data-label=\"Found\">{escape(line.found) or '–'}</td>"
         f"<td><span class=\"mark\">{MARKS[line.result]}</span>"
         + (f"<span class=\"advice\">{escape(line.advice)}</span>" if line.advice and line.result != PASS else "")
         + "</td></tr>\n" for line in verdict.lines)
@@ -147,7 +187,9 @@ def _page(verdict):
 
 def _json(verdict):
     lines = [{"result": line.result, "label": line.label, "needed": line.needed, "found": line.found}
-             | ({"advice": line.advice} if line.advice else {}) for line in verdict.lines]
+             | ({"advice": line.advice} if line.advice else {}) | ({"recommended": True} if line.recommended else {})
+             | ({"any of": [{"result": part.result, "needed": part.needed, "found": part.found} for part in line.parts]}
+                if len(line.parts) > 1 else {}) for line in verdict.lines]
     return json.dumps({"result": verdict.total, "item": verdict.item, "schema": verdict.schema, "title": verdict.title,
                        "requirements": lines}, ensure_ascii=False, separators=(",", ":"))
 
@@ -160,7 +202,8 @@ def render(verdict, message_format):
         return "application/json", _json(verdict)
     lines = "".join(f"<requirement result=\"{line.result}\"><label>{escape(line.label)}</label>"
                     f"<needed>{escape(line.needed)}</needed><found>{escape(line.found)}</found>"
-                    + (f"<advice>{escape(line.advice)}</advice>" if line.advice else "") + "</requirement>"
+                    + (f"<advice>{escape(line.advice)}</advice>" if line.advice else "")
+                    + ("<recommended/>" if line.recommended else "") + "</requirement>"
                     for line in verdict.lines)
     return "text/xml; charset=utf-8", (
         f"<analysis result=\"{verdict.total}\" item=\"{escape(verdict.item)}\" schema=\"{escape(verdict.schema)}\">"

@@ -22,6 +22,7 @@ DROP TABLE verdict;
 ALTER TABLE new_verdict RENAME TO verdict;
 CREATE INDEX verdict_by_referrer ON verdict (referrer, report, total);
 CREATE INDEX verdict_by_total ON verdict (total, report);
+CREATE INDEX verdict_by_both ON verdict (referrer, total, report);
 
 -- A draft that was published or dropped stays as an empty text, so that its revision never comes again.
 CREATE TABLE draft (
@@ -45,6 +46,8 @@ CREATE TABLE login_session (
     form_token TEXT NOT NULL,
     ends INTEGER NOT NULL
 ) STRICT;
+CREATE INDEX login_by_account ON login_session (account);
+CREATE INDEX login_by_end ON login_session (ends);
 
 CREATE TABLE audit (
     id INTEGER PRIMARY KEY AUTOINCREMENT,

@@ -1,0 +1,10 @@
+#!/usr/bin/env bash
+# Measures the analysis service under load, beside an empty service of the same library, with few and with many stored
+# reports: prints tables. --page also writes docs/generated/load.md; --seconds N and --reports N make it shorter.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/setup.sh --server
+cmake -S server -B build/load -G Ninja -DKEL_LOAD=ON >/dev/null
+cmake --build build/load
+exec python3 tools/load "$@"

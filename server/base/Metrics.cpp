@@ -1,0 +1,30 @@
+#include "server/base/Metrics.h"
+
+#include <algorithm>
+
+namespace kel::server {
+
+void Histogram::Add(std::chrono::steady_clock::duration time)
+{
+    const double seconds = std::chrono::duration<double>(time).count();
+    const auto* bound = std::lower_bound(Bounds.begin(), Bounds.end(), seconds);
+    ++counts.at(static_cast<std::size_t>(bound - Bounds.begin()));
+    nanoseconds += static_cast<std::uint64_t>(std::chrono::nanoseconds(time).count());
+}
+
+StatusCounts& DoorMetrics::AddRoute(const std::string& method, const std::string& path)
+{
+    Route& route = routes.emplace_back();
+    route.method = method;
+    route.path = path;
+    return route.counts;
+}
+
+void Metrics::AddVerdict(const std::string& total)
+{
+    const auto* found = std::find(Totals.begin(), Totals.end(), total);
+    if (found != Totals.end())
+        ++verdicts.at(static_cast<std::size_t>(found - Totals.begin()));
+}
+
+}  // namespace kel::server

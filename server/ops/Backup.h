@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "server/store/OpenStore.h"
+
+namespace kel::server {
+
+/// Copies an SQLite database as it is at this moment into a new file, while others read and write it. The
+/// file has its name when it is complete and on the disk, and is for its owner's eyes. Throws
+/// std::runtime_error when there is one already, and for a PostgreSQL server, which has its own program for
+/// that.
+void Backup(const StoreSettings& settings, const std::string& file);
+
+}  // namespace kel::server

@@ -1,0 +1,28 @@
+#include "server/ops/Export.h"
+
+#include <fstream>
+#include <stdexcept>
+
+#include "server/base/Log.h"
+
+namespace kel::server {
+
+void Export(const std::filesystem::path& folder, Store& store)
+{
+    std::filesystem::create_directories(folder);
+    for (const Product& product : store.Products()) {
+        const auto set = store.NewestSet(product.referrer);
+        if (!set)
+            continue;  // a draft alone
+        const std::filesystem::path path = folder / (product.referrer + ".json");
+        std::ofstream file(path, std::ios::binary);
+        file << store.SetText(set->id);
+        file.close();
+        if (!file)
+            throw std::runtime_error(path.string() + " cannot be written");
+        Log(Level::Info, "exported",
+            {{"referrer", product.referrer}, {"version", std::to_string(set->version)}});
+    }
+}
+
+}  // namespace kel::server

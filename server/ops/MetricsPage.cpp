@@ -1,0 +1,145 @@
+#include "server/ops/MetricsPage.h"
+
+#include <unistd.h>
+
+#include <charconv>
+#include <fstream>
+#include <string_view>
+
+#include "server/base/Version.h"
+
+namespace kel::server {
+
+namespace {
+
+/// The page as it grows.
+class Page {
+public:
+    /// Begins a metric; its samples follow.
+    void Metric(std::string_view newName, std::string_view type, std::string_view help)
+    {
+        name = newName;
+        text.append("# HELP ").append(name).append(" ").append(help);
+        text.append("\n# TYPE ").append(name).append(" ").append(type).append("\n");
+    }
+
+    /// Labels as they stand between the braces.
+    void Sample(std::string_view labels, double value, std::string_view suffix = "")
+    {
+        text.append(name).append(suffix);
+        if (!labels.empty())
+            text.append("{").append(labels).append("}");
+        text.append(" ").append(Number(value)).append("\n");
+    }
+
+    void Sample(std::string_view labels, std::uint64_t value, std::string_view suffix = "")
+    {
+        Sample(labels, static_cast<double>(value), suffix);
+    }
+
+    static std::string Number(double value)
+    {
+        std::array<char, 32> digits{};
+        return {digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr};
+    }
+
+    std::string text;
+
+private:
+    std::string name;
+};
+
+std::string Label(std::string_view name, std::string_view value)
+{
+    return std::string(name).append("=\"").append(value).append("\"");
+}
+
+void AppendStatuses(Page& page, const std::string& labels, const StatusCounts& counts)
+{
+    for (int status = StatusCounts::Least; status <= StatusCounts::Most; ++status) {
+        if (const std::uint64_t count = counts.Of(status); count > 0)
+            page.Sample(labels + "," + Label("status", std::to_string(status)), count);
+    }
+}
+
+void AppendTimes(Page& page, const std::string& labels, const Histogram& times)
+{
+    std::uint64_t count = 0;
+    for (std::size_t place = 0; place <= Histogram::Bounds.size(); ++place) {
+        count += times.At(place);
+        const bool isLast = place == Histogram::Bounds.size();
+        page.Sample(labels + "," + Label("le", isLast ? "+Inf" : Page::Number(Histogram::Bounds.at(place))),
+                    count, "_bucket");
+    }
+    page.Sample(labels, times.Sum(), "_sum");
+    page.Sample(labels, count, "_count");
+}
+
+/// In bytes; 0 when the system does not tell.
+std::uint64_t ResidentMemory()
+{
+    std::uint64_t all = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> all >> resident;
+    return resident * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+void AppendDoors(Page& page, const Metrics& metrics)
+{
+    const auto forDoors = [&](auto append) {
+        for (const DoorMetrics* door : {&metrics.open, &metrics.admin})
+            append(Label("door", door->name), *door);
+    };
+    page.Metric("kel_http_requests_total", "counter", "Requests that were answered, by route and status.");
+    forDoors([&](const std::string& labels, const DoorMetrics& door) {
+        for (const DoorMetrics::Route& route : door.routes)
+            AppendStatuses(page,
+                           labels + "," + Label("method", route.method) + "," + Label("route", route.path),
+                           route.counts);
+    });
+    page.Metric("kel_http_refusals_total", "counter",
+                "Requests refused before they were read: a limit, or no HTTP.");
+    forDoors([&](const auto& labels, const auto& door) { AppendStatuses(page, labels, door.refused); });
+    page.Metric("kel_http_request_seconds", "histogram",
+                "Time from a request's last byte until its answer is known.");
+    forDoors([&](const auto& labels, const auto& door) { AppendTimes(page, labels, door.times); });
+    page.Metric("kel_connections", "gauge", "Connections that are open.");
+    forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.connections); });
+    page.Metric("kel_connections_refused_total", "counter", "Connections past what the door allows.");
+    forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.turnedAway); });
+    page.Metric("kel_bodies_bytes", "gauge", "Bytes of the request bodies under way.");
+    forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.bodiesBytes); });
+}
+
+/// What a route answers when the store fails it, or what is stored.
+std::uint64_t DatabaseErrors(const DoorMetrics& door)
+{
+    std::uint64_t count = 0;
+    for (const DoorMetrics::Route& route : door.routes)
+        count += route.counts.Of(500) + route.counts.Of(503);
+    return count;
+}
+
+}  // namespace
+
+Answer MetricsPage(const Metrics& metrics)
+{
+    Page page;
+    AppendDoors(page, metrics);
+    page.Metric("kel_uploads_total", "counter", "Reports that were kept.");
+    page.Sample("", metrics.uploads);
+    page.Metric("kel_verdicts_total", "counter", "Verdicts, by their total.");
+    for (std::size_t i = 0; i < Metrics::Totals.size(); ++i)
+        page.Sample(Label("total", Metrics::Totals.at(i)), metrics.verdicts.at(i));
+    page.Metric("kel_database_errors_total", "counter",
+                "Requests that failed by the database or what is stored.");
+    page.Sample("", DatabaseErrors(metrics.open) + DatabaseErrors(metrics.admin));
+    page.Metric("kel_process_start_time_seconds", "gauge", "When the service started, since 1970.");
+    page.Sample("", std::chrono::duration<double>(metrics.start.time_since_epoch()).count());
+    page.Metric("kel_process_resident_memory_bytes", "gauge", "Memory in use.");
+    page.Sample("", ResidentMemory());
+    page.Metric("kel_build_info", "gauge", "The version, as a label.");
+    page.Sample(Label("version", Version), std::uint64_t{1});
+    return Answer::Of("text/plain; version=0.0.4; charset=utf-8", page.text);
+}
+
+}  // namespace kel::server

@@ -1,0 +1,63 @@
+#include "server/ops/Purge.h"
+
+#include <charconv>
+#include <stdexcept>
+#include <thread>
+
+#include "server/base/Log.h"
+
+namespace kel::server {
+
+namespace {
+
+// What deletes has the database for itself only so long, and then lets the others.
+constexpr int Batch = 200;
+constexpr std::chrono::milliseconds Pause{20};
+constexpr int LongestDays = 36'500;
+
+std::chrono::hours AgeOf(const std::string& text)
+{
+    int number = 0;
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, number);
+    const std::string_view unit(read.ptr, static_cast<std::size_t>(end - read.ptr));
+    if (read.ec != std::errc() || number < 1 || number > LongestDays || (unit != "d" && unit != "h"))
+        throw std::runtime_error("an age is a number of days or hours like 90d or 12h, not '" + text + "'");
+    return unit == "d" ? std::chrono::days(number) : std::chrono::hours(number);
+}
+
+int Repeat(const std::function<int(int)>& deleteSome, const std::function<bool()>& ends)
+{
+    int total = 0;
+    for (int count = 1; count > 0 && !ends();) {
+        count = deleteSome(Batch);
+        total += count;
+        std::this_thread::sleep_for(Pause);
+    }
+    return total;
+}
+
+}  // namespace
+
+int PurgeOlder(Store& store, std::chrono::hours age, const std::function<bool()>& ends)
+{
+    const std::int64_t time = Now() - std::chrono::milliseconds(age).count();
+    return Repeat([&](int most) { return store.DeleteOlder(time, most); }, ends);
+}
+
+void Purge(Store& store, std::string_view option, const std::string& value)
+{
+    const auto never = [] { return false; };
+    int count = 0;
+    if (option == "--older")
+        count = PurgeOlder(store, AgeOf(value), never);
+    else if (option == "--session")
+        count = Repeat([&](int most) { return store.DeleteSession(value, most); }, never);
+    else if (option == "--machine")
+        count = Repeat([&](int most) { return store.DeleteMachine(value, most); }, never);
+    else
+        throw std::runtime_error("purge needs --older, --session or --machine");
+    Log(Level::Info, "purged", {{"reports", std::to_string(count)}});
+}
+
+}  // namespace kel::server

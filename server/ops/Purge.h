@@ -1,0 +1,24 @@
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "server/store/Store.h"
+
+namespace kel::server {
+
+/// What `purge` chooses reports by.
+inline constexpr std::array<std::string_view, 3> PurgeOptions{"--older", "--session", "--machine"};
+
+/// Deletes the reports, with their verdicts, that the option and its value choose: older than an age (90d,
+/// 12h), of a session, of a machine. Throws std::runtime_error for another option, and for an age that is
+/// none.
+void Purge(Store& store, std::string_view option, const std::string& value);
+
+/// Deletes what is older than the age, until `ends` says to end; how many reports.
+int PurgeOlder(Store& store, std::chrono::hours age, const std::function<bool()>& ends);
+
+}  // namespace kel::server

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <libpq-fe.h>
+
+#include <chrono>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "server/store/SqlConnection.h"
+
+namespace kel::server {
+
+/// A connection to a PostgreSQL server. Nothing waits for ever: not the connecting, not a statement, not a
+/// network that has gone silent.
+class PostgresConnection final : public SqlConnection {
+public:
+    /// How long a statement may take; a migration may take as long as it needs.
+    enum class Patience { Request, Migration };
+
+    /// Whether the setting `database` names a PostgreSQL server.
+    static bool IsAddress(std::string_view database);
+
+    PostgresConnection(const std::string& address, Patience patience);
+
+    void Execute(const std::string& sql) override;
+    void Begin() override { Execute("BEGIN"); }
+    bool IsBroken() override;
+    std::string_view SkipLocked() const override { return " FOR UPDATE SKIP LOCKED"; }
+    std::int64_t SettledReport() override { return Query("SELECT settled_report()").at(0).Number(0); }
+    std::span<const char* const> Migrations() const override;
+    int Version() override;
+    void SetVersion(int version) override;
+    void BeginMigration() override;
+
+protected:
+    SqlRows Run(const std::string& sql, const std::vector<SqlValue>& values) override;
+
+private:
+    struct Finish {
+        void operator()(PGconn* connection) const { PQfinish(connection); }
+    };
+    struct Clear {
+        void operator()(PGresult* result) const { PQclear(result); }
+    };
+    using Result = std::unique_ptr<PGresult, Clear>;
+
+    const std::string& Prepare(const std::string& sql);
+    Result Answer(int sent);
+    void Wait(std::chrono::steady_clock::time_point end);
+    [[noreturn]] void Fail(const std::string& reason) const;
+    PGconn* Get() const { return connection.get(); }
+
+    std::unique_ptr<PGconn, Finish> connection;
+    std::unordered_map<std::string, std::string> names;  // of the prepared statements
+    std::chrono::seconds longest;
+    bool lost = false;
+};
+
+}  // namespace kel::server

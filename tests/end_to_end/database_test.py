@@ -1,0 +1,200 @@
+"""The deployed service's data: commands that copy and delete it, deletion by age, databases that fail and come back."""
+
+import os
+import resource
+import signal
+import subprocess
+import threading
+import time
+import unittest
+import unittest.mock
+
+from databases import KIND, Postgres
+from deployed import REPORT, SERVER, UPLOAD, DeployedTest, analysis
+
+DAY = 24 * 3600 * 1000
+sqlite, postgresql = (unittest.skipUnless(KIND == kind, f"of {kind}") for kind in ("sqlite", "postgresql"))
+
+
+class DataTest(DeployedTest):
+    def upload(self, session, days=0, machine=""):
+        """An upload that is so old."""
+        report = REPORT.format(session).replace("</groups>", f'<group id="71207"><value>{machine}</value></group></groups>')
+        status = self.ask("POST", UPLOAD, report)
+        if days:
+            self.database.run(f"UPDATE report SET received = received - {int(days * DAY)} WHERE session = '{session}'")
+        return status
+
+    def sessions(self):
+        return "".join(row[0] for row in self.database.run("SELECT session FROM report ORDER BY id"))
+
+
+class Commands(DataTest):
+    def test_what_is_exported_is_what_was_imported(self):
+        self.require("r", (1, "M", "any"))
+        self.require("r", (2, "é", "any"))
+        folder = self.folder / "new" / "folder"
+        self.command("export", folder)
+        self.assertEqual([(path.name, path.read_bytes()) for path in folder.iterdir()],
+                         [("r.json", (self.folder / "r.json").read_bytes())])
+        self.assertIn("version=2", self.command("import", folder))
+
+    def test_a_purge_deletes_what_it_says_and_its_verdicts_while_uploads_go_on(self):
+        self.require("r", (1, "M", "any"))
+        for session, days, machine in (("a", 91, ""), ("b", 89, ""), ("c", 0.6, "m&apos;1"), ("d", 0, "m&apos;1"), ("e", 0, "")):
+            self.upload(session, days, machine)
+            self.ask("POST", "/service/Analysis/r", analysis(session))
+        for option, value, left in (("--older", "90d", "bcde"), ("--older", "12h", "de"), ("--machine", "m'1", "e"),
+                                    ("--session", "none", "e"), ("--session", "e", "")):
+            self.command("purge", option, value)
+            self.assertEqual((self.sessions(), self.database.run("SELECT count(*) FROM verdict")), (left, [(len(left),)]), value)
+        for age in ("90", "0d", "d", "-1d", "1dd", "99999d"):
+            self.assertIn("an age is", self.command("purge", "--older", age, code=1))
+        for arguments, code in (((), 2), (("--session", "s", "--older", "1d"), 2), (("--colour", "1"), 1), (("x", "1"), 1)):
+            self.command("purge", *arguments, code=code)
+        self.upload("old")
+        for _ in range(12):
+            self.database.run("INSERT INTO report (session, referrer, \"user\", received, body) "
+                              "SELECT session, referrer, \"user\", 1, body FROM report")
+        purge = threading.Thread(target=self.command, args=("purge", "--older", "1d"))
+        purge.start()
+        slowest = 0
+        while purge.is_alive():
+            start = time.monotonic()
+            self.assertEqual(self.upload("new")[0], 200)
+            slowest = max(slowest, time.monotonic() - start)
+        self.assertLess(slowest, 1)
+        self.assertEqual(self.database.run("SELECT count(*) FROM report WHERE received = 1"), [(0,)])
+
+    @sqlite
+    def test_a_backup_is_complete_while_the_service_writes(self):
+        self.require("r", (1, "M", "any"))
+        ends = threading.Event()
+        writer = threading.Thread(target=lambda: [self.upload(f"{number}") for number in range(10_000) if not ends.is_set()])
+        writer.start()
+        time.sleep(0.3)
+        copy = self.folder / "copy.db"
+        (self.folder / "copy.db.new").write_text("of one that was killed")
+        before = self.database.run("SELECT count(*) FROM report")[0][0]
+        self.command("backup", copy)
+        ends.set()
+        writer.join()
+        self.assertFalse((self.folder / "copy.db.new").exists())
+        self.assertEqual(copy.stat().st_mode & 0o777, 0o600)
+        self.assertIn("there already", self.command("backup", copy, code=1))
+        self.stop()
+        self.database.path = self.database.setting = copy
+        self.database.check()
+        self.assertGreaterEqual(self.database.run("SELECT count(*) FROM report")[0][0], before)
+        self.start()
+        self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis("0"))[1])
+
+    @postgresql
+    def test_a_server_is_not_copied_here(self):
+        self.assertIn("pg_dump", self.command("backup", self.folder / "copy", code=1))
+
+    def test_every_operation_of_the_store(self):
+        self.stop()
+        environment = os.environ | {"KEL_STORE": str(self.database.setting)}
+        ran = subprocess.run([SERVER.parent / "server_tests"], env=environment, timeout=300, capture_output=True, text=True)
+        self.assertEqual(ran.returncode, 0, ran.stdout + ran.stderr)
+
+
+class Retention(DataTest):
+    def test_what_is_too_old_goes_by_itself(self):
+        self.upload("old", 8)
+        self.upload("young", 6)
+        self.start("--keep-days", "0")
+        others = [self.process]
+        for _ in range(2):  # front ends of one database
+            self.start("--keep-days", "7")
+            others.append(self.process)
+        end = time.monotonic() + 10
+        while self.log_text().count("event=purged") < 2 and time.monotonic() < end:
+            time.sleep(0.05)
+        self.assertEqual(self.sessions(), "young")
+        self.assertRegex(self.log_text(), r"event=purged reports=1\n")
+        self.assertNotIn("not-purged", self.log_text())
+        for process in others:
+            process.terminate()
+            self.assertEqual(process.wait(2), 0)
+
+
+class Faults(DataTest):
+    def test_a_stop_waits_for_a_slow_database(self):
+        answers = []
+        with self.database.held():
+            upload = threading.Thread(target=lambda: answers.append(self.upload("slow")))
+            upload.start()
+            time.sleep(0.5)
+            self.process.terminate()
+            time.sleep(0.5)
+            self.assertIsNone(self.process.poll())
+        upload.join()
+        self.assertEqual((answers, self.process.wait(10), self.sessions()), ([(200, b"OK")], 0, "slow"))
+
+    def refused(self, reason):
+        """An upload fails and says nothing, the log says why."""
+        self.assertEqual(self.upload("refused"), (503, b""))
+        self.assertRegex(self.log_text().splitlines()[-1], f'level=error event=refused status=503 .*"database: .*({reason})')
+
+    @sqlite
+    def test_a_full_disk_refuses_uploads_until_there_is_room(self):
+        soft, hard = resource.getrlimit(resource.RLIMIT_FSIZE)
+        resource.prlimit(self.process.pid, resource.RLIMIT_FSIZE, (100_000, hard))
+        kept = sum(self.upload("kept")[0] == 200 for _ in range(300))
+        self.assertLess(kept, 300)
+        self.refused("disk")
+        self.assertEqual(self.ask("GET", "/healthz", address=self.admin)[0], 200)  # it reads
+        resource.prlimit(self.process.pid, resource.RLIMIT_FSIZE, (soft, hard))
+        self.assertEqual(self.upload("kept")[0], 200)
+        self.assertEqual(self.sessions(), "kept" * (kept + 1))
+        self.database.check()
+
+    @sqlite
+    def test_a_file_that_cannot_be_written_is_served_and_written_when_it_can(self):
+        self.require("r", (1, "M", "any"))
+        self.upload("s")
+        self.stop()
+        with unittest.mock.patch("deployed.SERVER", self.folder / "without_privilege"):
+            script = self.folder / "without_privilege"  # root may write anything
+            drop = "setpriv --bounding-set=-dac_override --inh-caps=-dac_override" if os.geteuid() == 0 else ""
+            script.write_text(f'#!/bin/sh\nexec {drop} {SERVER} "$@"\n')
+            script.chmod(0o700)
+            os.chmod(self.database.path, 0o400)
+            self.start()
+        self.refused("readonly")
+        self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s")), (503, b""))  # it reads, and keeps no verdict
+        for path in self.folder.glob("kel.db*"):
+            path.chmod(0o600)
+        self.assertEqual(self.upload("t"), (200, b"OK"))
+        self.assertEqual(self.sessions(), "st")
+
+    @postgresql
+    def test_a_server_that_goes_and_comes_back_is_used_again(self):
+        self.require("r", (1, "M", "any"))
+        for number in (signal.SIGINT, signal.SIGQUIT):  # an end, a crash
+            self.upload("s")
+            Postgres.server.stop(number)
+            self.addCleanup(Postgres.server.start_again)
+            self.refused("No such file|refused")
+            self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (503, b""))
+            Postgres.server.start_again()
+            time.sleep(1.1)  # what could not be opened is tried again
+            self.assertEqual(self.upload("s"), (200, b"OK"))
+            Postgres.server.stop(number)  # which breaks all connections, and no request meets one
+            Postgres.server.start_again()
+            for _ in range(8):
+                self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 200)
+
+    @postgresql
+    def test_a_server_that_says_nothing_is_given_up(self):
+        self.upload("s")
+        for pid in self.database.run("SELECT pid FROM pg_stat_activity WHERE application_name = 'kel_server'"):
+            os.kill(*pid, signal.SIGSTOP)
+            self.addCleanup(os.kill, *pid, signal.SIGCONT)
+        self.refused("no answer for 15 seconds")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,116 @@
+"""The databases that a service under test keeps its data in: SQLite, or a PostgreSQL server of the tests' own."""
+
+import atexit
+import contextlib
+import itertools
+import os
+import shutil
+import signal
+import sqlite3
+import subprocess
+import tempfile
+import time
+from pathlib import Path
+
+KIND = os.environ.get("KEL_TEST_DATABASE", "sqlite")
+NUMBERS = itertools.count()
+
+
+class Sqlite:
+    version, foreign = "PRAGMA user_version = %d", "PRAGMA application_id = 7"
+
+    def __init__(self, folder):
+        self.path = self.setting = folder / "kel.db"
+
+    def check(self):
+        assert self.run("PRAGMA integrity_check") == [("ok",)]
+
+    def run(self, sql):
+        with contextlib.closing(sqlite3.connect(self.path, isolation_level=None)) as connection:
+            return connection.execute(sql).fetchall()
+
+    @contextlib.contextmanager
+    def held(self):
+        """Nobody else can write meanwhile."""
+        with contextlib.closing(sqlite3.connect(self.path, isolation_level=None)) as connection:
+            connection.execute("BEGIN IMMEDIATE")
+            yield
+            connection.execute("ROLLBACK")
+
+
+class Server:
+    """A PostgreSQL server in a temporary folder, at a Unix socket in there, until the process ends."""
+
+    def __init__(self):
+        self.folder = Path(tempfile.mkdtemp(prefix="kel"))
+        atexit.register(shutil.rmtree, self.folder)
+        self.programs = max(Path("/usr/lib/postgresql").glob("*/bin"), key=lambda path: int(path.parent.name))
+        self.user = []  # PostgreSQL does not run as root
+        if os.geteuid() == 0:
+            self.user = ["--reuid=postgres", "--regid=postgres", "--clear-groups"]
+            shutil.chown(self.folder, "postgres")
+        # A language that sorts otherwise than by bytes.
+        subprocess.run(self.command("initdb", "-U", "kel", "-A", "trust", "-N", "--locale=C.UTF-8", "--locale-provider=icu",
+                                    "--icu-locale=en-US", "-D", self.folder / "data"),
+                       check=True, cwd="/", stdout=subprocess.DEVNULL)
+        self.start()
+        atexit.register(self.stop)
+
+    def command(self, program, *arguments):
+        return ["setpriv", "--pdeathsig", "INT", *self.user, self.programs / program, *arguments]
+
+    def address(self, name):
+        return f"postgresql://kel@/{name}?host={self.folder}"
+
+    def start(self):
+        with open(self.folder / "log.txt", "a", encoding="utf-8") as log:
+            command = self.command("postgres", "-D", self.folder / "data", "-k", self.folder, "-h", "", "-F")
+            self.process = subprocess.Popen(command, cwd="/", stderr=log)
+        end = time.monotonic() + 20
+        while subprocess.run([self.programs / "pg_isready", "-q", "-h", self.folder]).returncode:
+            assert self.process.poll() is None and time.monotonic() < end, (self.folder / "log.txt").read_text("utf-8")
+            time.sleep(0.02)
+
+    def stop(self, number=signal.SIGINT):
+        """With SIGQUIT as a crash does it."""
+        self.process.send_signal(number)
+        self.process.wait(20)
+
+    def start_again(self):
+        if self.process.poll() is not None:
+            self.start()
+
+    def psql(self, name, sql):
+        return [self.programs / "psql", "-XqAt", "-v", "ON_ERROR_STOP=1", "-d", self.address(name), "-c", sql]
+
+
+class Postgres:
+    version, foreign = "UPDATE kel_schema SET version = %d", "DROP TABLE kel_schema"
+    server = None
+
+    def __init__(self, _):
+        Postgres.server = Postgres.server or Server()
+        self.name = f"kel{next(NUMBERS)}"
+        subprocess.run(self.server.psql("postgres", f"CREATE DATABASE {self.name}"), check=True)
+        self.setting = self.server.address(self.name)
+
+    def check(self):
+        """The server looks after itself."""
+
+    def run(self, sql):
+        output = subprocess.run(self.server.psql(self.name, sql), check=True, capture_output=True, text=True).stdout
+        return [tuple(int(text) if text.lstrip("-").isdigit() else text for text in line.split("|"))
+                for line in output.splitlines()]
+
+    @contextlib.contextmanager
+    def held(self):
+        lock = subprocess.Popen([self.server.programs / "psql", "-XqAt", "-d", self.setting], text=True,
+                                stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+        lock.stdin.write("BEGIN; LOCK TABLE report, requirement_set; SELECT 1;\n")
+        lock.stdin.flush()
+        lock.stdout.readline()
+        yield
+        lock.communicate("ROLLBACK;\n")
+
+
+Database = {"sqlite": Sqlite, "postgresql": Postgres}[KIND]

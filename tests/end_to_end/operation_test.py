@@ -1,0 +1,77 @@
+"""The deployed service in its operator's hands: its metrics, its package, and the proxy before it."""
+
+import re
+import shlex
+import subprocess
+import unittest
+from pathlib import Path
+
+from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
+from harness import API_KEY, ROOT
+
+HEAD = f"POST {UPLOAD} HTTP/1.1\r\nConnection: close\r\n".encode()
+METRICS = re.compile(r'(# HELP (kel_\w+) .+\n# TYPE \2 (?:counter|gauge|histogram)\n'
+                     r'(\2(?:_bucket|_sum|_count)?(\{(\w+="[^"\\]*",?)+\})? \d[\d.e+-]*\n)*)+')
+
+
+class Metrics(DeployedTest):
+    settings = ("--request-seconds", "4", "--connections", "100", "--bodies-mb", "4")
+
+    def metrics(self, word=""):
+        page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
+        self.assertIsNotNone(METRICS.fullmatch(page), page)
+        samples = dict(line.rsplit(" ", 1) for line in page.splitlines() if not line.startswith("#"))
+        return {name: float(value) for name, value in samples.items() if word in name and 'door="admin"' not in name}
+
+    def test_what_clients_do_is_counted(self):
+        self.require("r", (1, "M", "at least", "4 GB"))
+        for verb, path, body in (("POST", UPLOAD, REPORT.format("s")), ("POST", UPLOAD, "x"), ("GET", '/"no', ""),
+                                 ("POST", "/service/Analysis/r", analysis("s")), ("BREW", UPLOAD, "")):
+            self.ask(verb, path, body)
+        for rest in (b"Content-Length: 3000000\r\n\r\n", b"\0\r\n\r\n", b"X: " + b"x" * 9000, b"Content-Length: 5\r\n\r\n<"):
+            self.talk(HEAD + rest)
+        route = 'kel_http_requests_total{door="public",method="%s",route="%s",status="%d"}'
+        self.assertEqual(self.metrics("requests_total"), {
+            route % ("POST", "/Data/Service.svc/upload", 200): 1, route % ("POST", "/Data/Service.svc/upload", 400): 1,
+            route % ("POST", "/service/Analysis/*", 200): 1, route % ("other", "other", 404): 2})
+        self.assertEqual(self.metrics("refusals_total"), {
+            f'kel_http_refusals_total{{door="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
+        self.assertEqual([*self.metrics("verdicts").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
+        times = list(self.metrics("seconds_bucket").values())
+        self.assertEqual((times, times[-2:]), (sorted(times), [5, 5]))  # none took ten seconds
+
+    def test_what_is_under_way_comes_and_goes(self):
+        crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_500) for _ in range(100)]
+        self.await_answer(lambda: [*self.metrics("bodies").values(), *self.metrics("connections{").values()], [100 * 16_384, 100])
+        self.assertEqual((self.connect().recv(1), self.metrics("connections_refused").popitem()[1]), (b"", 1))
+        for connection in crowd:
+            connection.close()
+        self.await_answer(lambda: [*self.metrics("bodies").values(), *self.metrics("connections{").values()], [0, 0])
+
+    def test_a_service_without_its_database_lives_and_is_not_ready(self):
+        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (200, b"ready\n"))
+        self.database.run("ALTER TABLE requirement_set RENAME TO gone")
+        self.ask("GET", f"{LIST}?refid=r&apikey={API_KEY}")
+        for path, answer in (("/healthz", (200, b"ok\n")), ("/readyz", (503, b"the database does not answer\n"))):
+            self.assertEqual((self.ask("GET", path, address=self.admin), self.ask("GET", path)), (answer, (404, b"")))
+        self.assertEqual(self.metrics("errors"), {"kel_database_errors_total": 2})
+
+
+class Packaged(unittest.TestCase):
+    def test_a_copy_of_this_machine_says_what_operation_txt_expects(self):
+        folder = ROOT / "build" / "operation"
+        for name, version in (("now", ""), ("again", ""), ("later", "99.0.0")):
+            subprocess.run([ROOT / "scripts" / "package_service.sh", version, folder / name], check=True, capture_output=True)
+        [now], [again] = ([path.read_bytes() for path in (folder / name).glob("*.deb")] for name in ("now", "again"))
+        self.assertTrue(now == again, "the packages differ")
+        expected = (Path(__file__).parent / "operation.txt").read_text("ascii")
+        lines = (line for line in expected.splitlines() if line[:1] in ("", "#", "$"))
+        script = "".join(f"printf '%s\\n' {shlex.quote(line)}\n{line.removeprefix('$ ')}\n" for line in lines)
+        ran = subprocess.run([ROOT / "scripts" / "in_copy.sh", "sh", "-c", script], cwd=folder, text=True, timeout=120,
+                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.maxDiff = None
+        self.assertEqual(ran.stdout, expected)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,207 @@
+// Hostile texts for each parser of the analysis service, and for what judges and tells what was read. The
+// same for the same KEL_FUZZ_SEED; KEL_FUZZ_COUNT of them for each.
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "fuzz/Generator.h"
+#include "server/base/Text.h"
+#include "server/http/Target.h"
+#include "server/protocol/AnalysisRequest.h"
+#include "server/report/Xml.h"
+#include "server/verdict/PageStyle.h"
+#include "server/verdict/Rendering.h"
+#include "server/verdict/Tally.h"
+
+namespace kel::server {
+namespace {
+
+std::map<std::string, test::Texts> samples;  // by the name of their parser
+
+void Expect(bool holds, const char* what)
+{
+    if (!holds)
+        throw std::logic_error(what);
+}
+
+std::string Encoded(const std::string& text)
+{
+    std::string encoded;
+    for (const char c : text)
+        encoded.append({'%', "0123456789abcdef"[c >> 4 & 15], "0123456789abcdef"[c & 15]});
+    return encoded;
+}
+
+/// Without line ends, of which XML parsers have their own.
+std::string Handed(std::string text)
+{
+    std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
+    return text;
+}
+
+std::ptrdiff_t Markup(std::string page)
+{
+    page.erase(page.find(PageStyle), std::string_view(PageStyle).size());
+    return std::ranges::count_if(page, [](char c) { return c == '<' || c == '>' || c == '"' || c == '\''; });
+}
+
+/// A verdict tells in each form what it has, and no text of it becomes markup.
+void TellsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
+{
+    std::vector<std::string> told, expected{verdict.title};
+    Verdict plain = verdict;
+    plain.title.clear();
+    for (VerdictLine& line : plain.lines) {
+        expected.insert(expected.end(), {line.label, line.needed, line.found});
+        expected.insert(expected.end(), line.advice.empty() ? 0 : 1, line.advice);
+        expected.insert(expected.end(), line.recommended ? 1 : 0, "");
+        line.label = line.needed = line.found = "x";
+        line.advice.resize(std::min<std::size_t>(line.advice.size(), 1), 'x');
+    }
+    const auto document = ReadXml(RenderXml(verdict, request.item, request.schema));
+    for (const auto& element : document.select_nodes("/analysis/title | /analysis/requirement/*"))
+        told.emplace_back(element.node().child_value());
+    Expect(std::ranges::equal(told, expected, {}, Handed, Handed), "texts that arrive");
+    Expect(document.select_nodes("//*").size() == told.size() + verdict.lines.size() + 1, "no more elements");
+    Expect(Markup(RenderPage(verdict)) == Markup(RenderPage(plain)), "no markup of texts");
+    const auto json = nlohmann::json::parse(RenderJson(verdict, request.item, request.schema));
+    Expect(json.at("requirements").size() == nlohmann::json::parse(RenderLines(verdict)).size(), "JSON");
+}
+
+void Judges(Requirements requirements, const Report& report)
+{
+    const Verdict verdict = Judge(requirements, report);
+    TellsWhatItHas(verdict);
+    Tally tally;
+    tally.Count(verdict);
+    tally.Count(verdict);
+    const auto of = [](const Counts& counts, Result result) {
+        return result == Result::Pass ? counts.pass : result == Result::Fail ? counts.fail : counts.unknown;
+    };
+    Expect(of(tally, verdict.total) == 2, "a tally of the total");
+    for (std::size_t i = 0; i < verdict.lines.size(); ++i)
+        Expect(of(tally.lines[i], verdict.lines[i].result) == 2, "a tally of each line");
+    std::erase_if(requirements.lines, [](const Requirement& line) { return line.recommended; });
+    Expect(Judge(requirements, report).total == verdict.total, "recommendations without a say");
+}
+
+// Each reads a text, and hands back what has to hold then. A text is refused by throwing.
+using Check = std::function<void()>;
+
+Check ReadTarget(std::string_view text)
+{
+    const auto target = Target::Read(text);
+    if (!target)
+        return {};
+    return [target] {
+        std::string again = "/" + Encoded(target->path.substr(1)) + "?";
+        for (const auto& [name, value] : target->query)
+            again += Encoded(name) + "=" + Encoded(value) + "&";
+        const auto second = Target::Read(again);
+        const auto same = [&](const auto& a, const auto& b) {
+            return a.name == b.name && a.value == b.value;
+        };
+        Expect(second->path == target->path && std::ranges::equal(second->query, target->query, same),
+               "the same encoded");
+    };
+}
+
+/// The text as a report, or else as a value of one.
+Check ReadReport(std::string_view text)
+{
+    static const auto requirements = Requirements::Read(test::Narrow(samples["requirements"][1]));
+    const bool isValue = text.size() % 3 == 0 && IsXmlText(text);
+    const std::string whole = "<groups><group id='71424'><value>s</value></group><group id='1'><value>" +
+                              Escape(text) + "</value></group></groups>";
+    return [report = Report::Read(isValue ? std::string_view(whole) : text), isValue, text] {
+        Expect(!report.Text(Report::Session).empty(), "a session");
+        Expect(!isValue || Handed(report.Text(1)) == Handed(std::string(text)), "a value as it was sent");
+        Judges(requirements, report);
+    };
+}
+
+Check ReadRequest(std::string_view text)
+{
+    return [request = AnalysisRequest::Read(text)] { TellsWhatItHas({}, request); };
+}
+
+Check ReadRequirements(std::string_view text)
+{
+    static const Report report = Report::Read(test::Narrow(samples["report"][1]));
+    return [requirements = Requirements::Read(text)] { Judges(requirements, report); };
+}
+
+/// Rows of a table: a comparison, what was found, and what is needed.
+Check ReadComparison(std::string_view text)
+{
+    const std::size_t first = text.find(" | "), second = text.find(" | ", first + 1);
+    const auto comparison = ComparisonOf(text.substr(0, first));
+    if (second == text.npos || !comparison)
+        return {};
+    return [=, found = std::string(text.substr(first + 3, second - first - 3))] {
+        const std::string needed(text.substr(second + 3));
+        const std::string bare = Lower(Trim(found));
+        const bool isAnswer = *comparison == Comparison::Yes || *comparison == Comparison::No,
+                   isText = *comparison >= Comparison::Equals;
+        Expect(
+            Compare(*comparison, &found, needed) != Result::Fail || (isAnswer ? bare == "yes" || bare == "no"
+                                                                     : isText ? !bare.empty()
+                                                                              : std::isdigit(bare[0]) != 0),
+            "what cannot be read never fails");
+        if (*comparison < Comparison::Any && *comparison != Comparison::OneOf &&
+            WhyNeverMet(*comparison, needed).empty())
+            Expect(Compare(*comparison, &needed, needed) == Result::Pass, "what is needed is enough");
+    };
+}
+
+/// Whether all texts of a parser went well, and enough were accepted.
+bool Runs(const std::string& name, Check (*read)(std::string_view))
+{
+    const std::uint64_t seed = test::Setting("KEL_FUZZ_SEED", 71060),
+                        count = test::Setting("KEL_FUZZ_COUNT", 200'000);
+    test::Generator generator{std::mt19937_64(seed), samples[name], {}};
+    for (const test::Text& sample : generator.samples)
+        std::ranges::copy(test::All(sample, L"(</?\\w+>?|\\w+| *[^\\w;] *)"),
+                          std::back_inserter(generator.pieces));
+    std::uint64_t accepted = 0;
+    for (std::uint64_t number = 1; number <= count; ++number) {
+        const std::string text = test::Narrow(generator.Next());
+        const std::vector<char> bytes(text.begin(), text.end());  // and nothing behind them
+        try {
+            Check check;
+            try {
+                check = read({bytes.data(), bytes.size()});
+            } catch (const std::runtime_error& error) {
+                const std::string_view reason = error.what();
+                Expect(!reason.empty() && reason.size() < 500 && IsXmlText(reason),
+                       "a reason that can be shown");
+            }
+            accepted += check ? 1 : 0;
+            if (check)
+                check();
+        } catch (const std::exception& error) {
+            std::cout << name << ", seed " << seed << ", text " << number << ": " << error.what() << "\n"
+                      << text << "\n";
+            return false;
+        }
+    }
+    std::cout << name << ": " << count << " texts of seed " << seed << ", accepted " << accepted << std::endl;
+    return accepted > count / 20;
+}
+
+}  // namespace
+}  // namespace kel::server
+
+int main()
+{
+    using namespace kel::server;
+    std::ifstream lines(KEL_CORPUS);
+    for (std::string name, text; lines >> name >> std::ws && std::getline(lines, text);)
+        samples[name].push_back(kel::test::Wide(text));
+    return Runs("target", ReadTarget) && Runs("report", ReadReport) && Runs("request", ReadRequest) &&
+                   Runs("requirements", ReadRequirements) && Runs("comparison", ReadComparison)
+               ? 0
+               : 1;
+}

@@ -1,0 +1,321 @@
+// Every operation of the store, in the database that KEL_STORE names: a file, or a PostgreSQL server's.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <future>
+#include <random>
+#include <sstream>
+
+#include "server/base/Fault.h"
+#include "server/store/Migrations.h"
+#include "server/store/OpenStore.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr std::int64_t Minute = 60'000;
+
+/// Anything as a text.
+struct Word {
+    template <typename Value>
+    Word(const Value& value) : text((std::ostringstream() << value).str())  // NOLINT: implicit
+    {
+    }
+    std::string text;
+};
+
+/// In braces: what stands there happens in its order.
+std::string Told(std::initializer_list<Word> words)
+{
+    std::string told;
+    for (const Word& word : words)
+        told += word.text + ' ';
+    return told;
+}
+
+class StoreTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        settings.database = std::getenv("KEL_STORE");
+        if (settings.database.starts_with("postgresql:"))
+            OpenForMigration(settings)->Execute("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
+        for (const char* end : {"", "-wal", "-shm"})
+            std::filesystem::remove(settings.database + end);
+        raw = OpenForMigration(settings);
+    }
+
+    Store& Open()
+    {
+        Migrate(*raw);
+        store = OpenStore(settings);
+        return *store;
+    }
+
+    std::int64_t Upload(const NewReport& report)
+    {
+        store->Keep(report);
+        return store->NewestReport(report.session)->id;
+    }
+
+    std::int64_t Count(const std::string& table)
+    {
+        return raw->Query("SELECT count(*) FROM " + table)[0].Number(0);
+    }
+
+    StoreSettings settings;
+    std::unique_ptr<SqlConnection> raw;
+    std::unique_ptr<Store> store;
+};
+
+/// The sum of what so many threads come to.
+template <typename Do>
+int Together(int count, Do work)
+{
+    std::vector<std::future<decltype(work(0))>> running;
+    for (int i = 0; i < count; ++i)
+        running.push_back(std::async(std::launch::async, work, i));
+    int sum = 0;
+    for (auto& one : running)
+        sum += one.get();
+    return sum;
+}
+
+TEST_F(StoreTest, PublishedVersionsCountUpAndRepeatNothing)
+{
+    Store& s = Open();
+    EXPECT_FALSE(s.NewestSet("r"));
+    for (const auto& [text, version] : {std::pair{"a", 1}, {"a", 1}, {"b", 2}, {"a", 3}})
+        EXPECT_EQ(s.Publish("r", text, "ann"), version);
+    EXPECT_EQ(s.Publish("B", "other", ""), 1);
+    const auto sets = s.Versions("r");
+    EXPECT_EQ(Told({sets.size(), s.SetText(sets.at(1).id), s.SetText(s.NewestSet("r")->id), sets[2].author}),
+              "3 b a ann ");
+    EXPECT_LT(Now() - sets[0].published, Minute);
+    EXPECT_EQ(Together(8, [&](int i) { return s.Publish("r", std::to_string(i), ""); }),
+              4 + 5 + 6 + 7 + 8 + 9 + 10 + 11);
+    s.KeepDraft("a", "draft", 0, "");
+    s.KeepDraft("r", "draft", 0, "");
+    std::string products;
+    for (const Product& product : s.Products())
+        products += Told({product.referrer, product.version, product.hasDraft, product.published > 0});
+    EXPECT_EQ(products, "B 1 0 1 a 0 1 0 r 11 1 1 ");
+}
+
+TEST_F(StoreTest, OneOfTwoEditorsWins)
+{
+    Store& s = Open();
+    const auto keep = [&](auto text, int revision) {
+        return s.KeepDraft("r", text, revision, "ann").value_or(0);
+    };
+    EXPECT_EQ(Told({keep("old", 7), keep("mine", 0), keep("yours", 0), keep("ours", 1), keep("late", 1)}),
+              "0 1 0 2 0 ");
+    EXPECT_EQ(Told({s.PublishDraft("r", 1, "").has_value(), s.DropDraft("r", 1), s.FindDraft("r")->text}),
+              "0 0 ours ");
+    EXPECT_EQ(s.PublishDraft("r", 2, "ann"), 1);
+    EXPECT_EQ(Told({s.SetText(s.NewestSet("r")->id), s.FindDraft("r").has_value(), keep("dead", 3)}),
+              "ours 0 0 ");
+    const int next = keep("next", 0);
+    EXPECT_GT(next, 2);  // who still has an older page open overwrites nothing
+    EXPECT_EQ(Told({s.DropDraft("r", next), s.DropDraft("r", next)}), "1 0 ");
+    EXPECT_EQ(Together(8, [&](int i) { return s.KeepDraft("n", std::to_string(i), 0, "").has_value(); }), 1);
+    EXPECT_EQ(Together(8, [&](int) { return s.PublishDraft("n", 1, "").has_value(); }), 1);
+}
+
+TEST_F(StoreTest, AFilterLetsPassWhatItsFieldsSayInPagesWithoutGaps)
+{
+    Store& s = Open();
+    std::vector<std::int64_t> sets;
+    for (const char* referrer : {"a", "b", "a"}) {
+        s.Publish(referrer, std::to_string(sets.size()), "");
+        sets.push_back(s.NewestSet(referrer)->id);
+    }
+    std::mt19937 random(1);  // NOLINT: the same every time
+    const auto below = [&](unsigned most) { return static_cast<int>(random() % most); };
+    const std::int64_t start = Now() - 300 * Minute;
+    for (int i = 0; i < 120; ++i) {
+        const int referrer = below(3);  // "c" has no requirements
+        const std::int64_t id =
+            Upload({Told({"s", below(4)}), std::string(1, "abc"[referrer]), "u", "", "body"});
+        raw->Query("UPDATE report SET received = $1 WHERE id = $2",
+                   {start + (i * 2 + below(50)) * Minute, id});  // clocks differ
+        for (unsigned set = static_cast<unsigned>(referrer); set < 3 && referrer < 2; set += 2)
+            if (below(3) > 0)
+                s.Keep(NewVerdict{id, sets[set], "", below(2) > 0 ? "pass" : "fail", "[]"});
+    }
+    const auto all = s.Reports({"", "", "", 0, 0, 0, -1, 1000});
+    ASSERT_EQ(all.size(), 120U);
+    for (unsigned fields = 0; fields < 32; ++fields) {
+        const auto field = [&](unsigned bit, auto value) {
+            return (fields & bit) != 0 ? value : decltype(value)();
+        };
+        ReportFilter filter{field(1, std::string("a")),
+                            field(2, std::string("s 1 ")),
+                            field(4, std::string("pass")),
+                            field(8, start + 100 * Minute),
+                            field(16, start + 200 * Minute),
+                            0,
+                            -1,
+                            7};
+        std::string expected, backward, forward;
+        for (const ReportLine& line : all)
+            if (line.referrer.ends_with(filter.referrer) && line.session.ends_with(filter.session) &&
+                line.total.ends_with(filter.total) && line.received >= filter.from &&
+                (filter.until == 0 || line.received < filter.until))
+                expected += Told({line.id});
+        ASSERT_FALSE(expected.empty());
+        for (auto page = s.Reports(filter); !page.empty(); page = s.Reports(filter))
+            for (const ReportLine& line : page)
+                backward += Told({filter.beforeId = line.id});
+        filter.beforeId = filter.afterId = 0;
+        for (auto page = s.Reports(filter); !page.empty(); page = s.Reports(filter))
+            for (const ReportLine& line : page)
+                forward = Told({filter.afterId = line.id}) + forward;
+        EXPECT_EQ(backward, expected) << fields;
+        EXPECT_EQ(forward, expected) << fields;
+    }
+}
+
+TEST_F(StoreTest, PagesForthMissNoReportThatComesIn)
+{
+    Store& s = Open();
+    constexpr int Each = 150;
+    auto coming = std::async(std::launch::async, Together<std::function<int(int)>>, 3, [&](int) {
+        for (std::size_t n = 0; n < Each; ++n)
+            s.Keep(NewReport{"s", "", "", "", std::string(n % 5 * 50'000, 'x')});
+        return 0;
+    });
+    ReportFilter filter{"", "", "", 0, 0, 0, 0, 3};
+    int seen = 0;
+    for (bool isLast = false; !isLast;) {
+        isLast = coming.wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+        for (auto page = s.Reports(filter); !page.empty(); page = s.Reports(filter)) {
+            seen += static_cast<int>(page.size());
+            filter.afterId = page.back().id;
+        }
+    }
+    EXPECT_EQ(seen, 3 * Each);
+}
+
+TEST_F(StoreTest, VerdictsAreOfTheNewestRequirementsFirst)
+{
+    Store& s = Open();
+    std::vector<std::int64_t> ids;
+    for (int i = 0; i < 3; ++i)
+        ids.push_back(Upload({"s", "r", "u", "m", Told({i})}));
+    const auto keep = [&](auto id, auto total, auto lines) {
+        s.Keep(NewVerdict{id, s.NewestSet("r")->id, "", total, lines});
+    };
+    for (const char* text : {"1", "2"}) {
+        s.Publish("r", text, "");
+        for (const std::int64_t id : ids)
+            keep(id, id == ids[1] ? "fail" : "unknown", text);
+    }
+    keep(ids[2], "pass", "again");
+    keep(1000, "pass", "its report has gone");
+    std::string recent;
+    for (const StoredVerdict& v : s.RecentVerdicts("r", 5))
+        recent += Told({v.report - ids[0], v.session, v.referrer, v.version, v.total, v.lines});
+    EXPECT_EQ(recent,
+              "2 s r 2 pass again 2 s r 1 unknown 1 1 s r 2 fail 2 1 s r 1 fail 1 0 s r 2 unknown 2 ");
+    EXPECT_EQ(Told({s.VerdictsOf(ids[2]).at(0).lines, s.VerdictsOf(ids[2]).at(1).lines}), "again 1 ");
+    const Totals totals = s.RecentTotals("r", 100);
+    EXPECT_EQ(Told({totals.pass, totals.fail, totals.unknown, s.RecentTotals("r", 2).unknown}), "1 2 3 1 ");
+    EXPECT_EQ(Told({s.RecentReports("r", 2).size(), s.RecentReports("r", 2).at(1).body}), "2 1  ");
+    const FullReport full = s.FindReport(ids[0]).value_or(FullReport{});
+    EXPECT_EQ(Told({full.session, full.referrer, full.user, full.machine, full.body}), "s r u m 0  ");
+    EXPECT_FALSE(s.FindReport(1000));
+}
+
+TEST_F(StoreTest, WhatIsDeletedTakesItsVerdictsAlongAndNoMoreThanAsked)
+{
+    Store& s = Open();
+    s.Publish("r", "1", "");
+    for (int i = 0; i < 12; ++i) {
+        const std::int64_t id = Upload({i % 2 != 0 ? "odd" : "even", "r", "", i < 6 ? "m'" : "", "b"});
+        s.Keep(NewVerdict{id, s.NewestSet("r")->id, "", "pass", "[]"});
+    }
+    raw->Query("UPDATE report SET received = id");
+    const std::int64_t first = s.RecentReports("r", 12).back().id;
+    const auto machine = [&](auto name) { return s.DeleteMachine(name, 3); };
+    const auto session = [&](auto name) { return s.DeleteSession(name, 2); };
+    EXPECT_EQ(Told({s.DeleteOlder(first, 5), s.DeleteOlder(first + 1, 5), Count("report"), Count("verdict")}),
+              "0 1 11 11 ");
+    EXPECT_EQ(Told({machine(""), machine("m'"), machine("m'"), Count("verdict")}),
+              "0 3 2 6 ");  // none is not a machine
+    EXPECT_EQ(Told({session("od"), session("odd"), session("odd"), Count("verdict")}), "0 2 1 3 ");
+    EXPECT_EQ(Together(2, [&](int) { return s.DeleteOlder(Now(), 10); }), 3);
+    EXPECT_GT(Upload({"new", "", "", "", ""}), first + 11);  // an id never comes again
+}
+
+TEST_F(StoreTest, AccountsLogInsAndNotes)
+{
+    Store& s = Open();
+    s.Keep(Account{"ann", "h1", Role::Editor});
+    s.Keep(Account{"Bob", "h2", Role::Reader});
+    EXPECT_EQ(Told({s.Accounts().at(0).name, s.Accounts().at(1).hash}), "Bob h1 ");
+    for (const auto& [key, name, ends] : {std::tuple("over", "ann", Now()),
+                                          {"long", "ann", Now() + Minute},
+                                          {"end", "ann", Now() + Minute},
+                                          {"bob", "Bob", Now() + Minute}})
+        s.Keep(Login{key, name, Role::Reader, "token", ends});
+    const auto isIn = [&](const char* key) { return s.FindLogin(key).has_value(); };
+    s.EndLogin("end");
+    EXPECT_EQ(Told({Count("login_session"), isIn("over"), isIn("long"), isIn("end"), isIn("bob")}),
+              "2 0 1 0 1 ");
+    const Login found = s.FindLogin("long").value_or(Login{});
+    EXPECT_EQ(Told({found.account, found.formToken, found.role == Role::Editor}), "ann token 1 ");
+    s.Keep(Account{"ann", "h3", Role::Reader});
+    EXPECT_EQ(Told({isIn("long"), s.FindAccount("ann")->hash}), "0 h3 ");
+    EXPECT_EQ(Told({s.RemoveAccount("Bob"), isIn("bob"), s.RemoveAccount("Bob")}), "1 0 0 ");
+    for (const char* subject : {"1", "2", "3"})
+        s.Note("ann", "did", subject);
+    const auto notes = s.Notes(0, 2);
+    EXPECT_EQ(Told({notes[0].subject, notes.at(1).subject, s.Notes(notes[1].id, 2).at(0).subject}), "3 2 1 ");
+}
+
+TEST_F(StoreTest, TextsComeBackAsTheyAre)
+{
+    Store& s = Open();
+    const std::string large = "'\"\\%_$1?;--\n\t" + std::string(2'000'000, 'x') + "é€😀";
+    for (const std::string& text : {std::string(), large}) {
+        const FullReport report =
+            s.FindReport(Upload({"s'\"é", "r", text, text, text})).value_or(FullReport{});
+        EXPECT_TRUE(report.body == text && report.machine == text && report.user == text);
+    }
+    EXPECT_EQ(s.DeleteMachine(large, 5), 1);
+    for (const std::string& text : {std::string("a\0b", 3), std::string("\xff")}) {
+        EXPECT_THROW(s.NewestReport(text), Fault);
+        EXPECT_THROW(s.Publish("r", text, ""), Fault);
+    }
+    EXPECT_EQ(s.Publish("r", "fine", ""), 1);
+}
+
+TEST_F(StoreTest, AnOlderDatabaseComesToTheNewestVersionWithItsData)
+{
+    raw->Execute(raw->Migrations()[0]);
+    raw->SetVersion(1);
+    raw->Execute(
+        "INSERT INTO referrer (name) VALUES ('other'), ('r');"
+        "INSERT INTO requirement_set (referrer, version, published, text) VALUES (2, 1, 5, '{}');"
+        "INSERT INTO report (session, referrer, \"user\", received, body) VALUES ('s', 'r', '', 6, 'b');"
+        "INSERT INTO verdict (report, requirement_set, judged, item, total, lines) VALUES (1, 1, 7, 'i', "
+        "'fail', '[]')");
+    EXPECT_THROW(OpenStore(settings), std::runtime_error);
+    Together(4, [&](int) { return Migrate(*OpenForMigration(settings)); });
+    Store& s = Open();
+    EXPECT_EQ(
+        Told({s.RecentVerdicts("r", 5).at(0).total, s.FindReport(1)->body, s.NewestSet("r")->published}),
+        "fail b 5 ");
+    EXPECT_EQ(s.Publish("r", "2", "ann"), 2);
+    raw->SetVersion(3);
+    EXPECT_THROW(Migrate(*raw), std::runtime_error);
+    EXPECT_THROW(OpenStore(settings), std::runtime_error);
+}
+
+}  // namespace
+
+}  // namespace kel::server

@@ -1,0 +1,177 @@
+"""Measures the analysis service under load, side by side with an empty service of the same library: prints a table, and with
+--page writes it to docs/generated/load.md. --seconds N: how long each load lasts; --reports N: the largest store."""
+
+import argparse
+import json
+import os
+import re
+import sqlite3
+import subprocess
+import tempfile
+import time
+import urllib.request
+from datetime import date
+from pathlib import Path
+from statistics import median
+
+ROOT = Path(__file__).resolve().parents[2]
+BUILD = Path(os.environ.get("KEL_BUILD", ROOT / "build" / "load"))
+CONNECTIONS = 16
+KINDS = ("group list", "upload", "analysis")
+PAGES = ("/", "/reports", "/reports?verdict=fail", "/products/demo", "/products/demo/requirements")
+MEMORIES = ("3.9 GB", "7.8 GB", "15.9 GB", "31.9 GB", "63.9 GB")
+RESOLUTIONS = ("1366x768", "1920x1080", "2560x1440", "3840x2160")
+TOTALS = ("pass", "pass", "fail", "unknown")
+BATCH = 10_000
+
+
+class Server:
+    """A process that listens; `folder` takes its files."""
+
+    def __init__(self, folder, *command, admin=True):
+        self.ports = [folder / "port", folder / "admin"][:1 + admin]
+        for path in self.ports:
+            path.unlink(missing_ok=True)
+        self.process = subprocess.Popen(command, stderr=subprocess.DEVNULL)
+        end = time.monotonic() + 30
+        while not self.ports[0].exists() or not self.ports[0].read_text():
+            if self.process.poll() is not None or time.monotonic() > end:
+                raise RuntimeError(f"{command[0]} does not listen")
+            time.sleep(0.01)
+        self.port, self.admin = (int(path.read_text()) for path in (self.ports * 2)[:2])
+
+    def memory(self):
+        status = Path(f"/proc/{self.process.pid}/status").read_text("ascii")
+        return int(re.search(r"VmHWM:\s*(\d+)", status)[1]) / 1024
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.process.wait(60)
+
+
+def command(database, *arguments, text=None):
+    return subprocess.run([BUILD / "kel_server", *arguments, "--database", database], check=True, text=True, input=text,
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+
+
+def service(folder, database):
+    return Server(folder, BUILD / "kel_server", "serve", "--database", database, "--port", "0", "--admin-port", "0",
+                  "--port-file", folder / "port", "--admin-port-file", folder / "admin")
+
+
+def prepare(database):
+    """A database with the demo's requirements: the token of somebody who may look at its pages."""
+    command(database, "migrate")
+    command(database, "import", ROOT / "examples" / "requirements")
+    command(database, "user", "add", "reader", "load", text="a password of some length\n")
+    return command(database, "token", "add", "load").split()[-1]
+
+
+def load(seconds, *servers):
+    ran = subprocess.run([BUILD / "load" / "kel_load", str(seconds), str(CONNECTIONS), "demo", BUILD / "report.xml",
+                          *(str(server.port) for server in servers)], check=True, text=True, stdout=subprocess.PIPE)
+    figures = json.loads(ran.stdout)
+    if figures["failures"]:
+        raise RuntimeError(f"{figures['failures']} requests failed")
+    figures["memory"] = sum(server.memory() for server in servers)
+    return figures
+
+
+def varied(body, number):
+    """The report of another machine."""
+    return (body.replace("SESSION", f"s-{number}").replace("15.9 GB", MEMORIES[number % 5])
+            .replace("2560x1440", RESOLUTIONS[number % 4]))
+
+
+def fill(path, most):
+    """Stores reports with their verdicts until there are so many, each like one that was judged."""
+    with sqlite3.connect(path) as database:
+        there = database.execute("SELECT count(*) FROM report").fetchone()[0]
+        body, lines = database.execute("SELECT body, lines FROM report JOIN verdict ON report = id LIMIT 1").fetchone()
+        body = re.sub(r'(71424"><value>)[^<]*', r"\1SESSION", body)
+        last = database.execute("SELECT max(id) FROM report").fetchone()[0]
+        now = int(time.time() * 1000)
+        for start in range(there, most, BATCH):
+            numbers = range(start, min(start + BATCH, most))
+            database.executemany(
+                'INSERT INTO report (id, session, referrer, "user", machine, received, body) '
+                "VALUES (?, ?, 'demo', 'visitor', ?, ?, ?)",
+                ((last + number - there + 1, f"s-{number}", f"m-{number}", now - most + number, varied(body, number))
+                 for number in numbers))
+            database.executemany(
+                "INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines) "
+                "VALUES (?, 1, 1, ?, '', ?, ?)",
+                ((last + number - there + 1, now, TOTALS[number % 4], lines) for number in numbers))
+            database.commit()
+    database.close()
+
+
+def pages(server, token):
+    """The median time of each page in milliseconds."""
+    times = {}
+    for page in PAGES:
+        request = urllib.request.Request(f"http://127.0.0.1:{server.admin}{page}", headers={"Authorization": f"Bearer {token}"})
+        runs = []
+        for _ in range(5):
+            start = time.monotonic()
+            with urllib.request.urlopen(request) as answer:
+                answer.read()
+            runs.append((time.monotonic() - start) * 1000)
+        times[page] = median(runs)
+    return times
+
+
+def measure_sqlite(folder, seconds, most, rows, times):
+    database = folder / "kel.db"
+    token = prepare(database)
+    for count in (0, most // 10, most):
+        if count:
+            fill(database, count)
+        with service(folder, database) as server:
+            rows.append((f"SQLite, {count:,} reports", load(seconds, server)))
+            times[f"{count:,}"] = pages(server, token)
+
+
+def text(rows, times, seconds):
+    cpu = re.search(r"model name\s*:\s*(.*)", Path("/proc/cpuinfo").read_text("utf-8"))[1]
+    commit = subprocess.run(["git", "-C", ROOT, "rev-parse", "--short", "HEAD"], text=True, stdout=subprocess.PIPE).stdout.strip()
+    lines = [f"{date.today()}, commit {commit}, {os.cpu_count()} x {cpu}, {CONNECTIONS} connections, {seconds:g} s each; the "
+             "visitors run on the same processors.", "",
+             "| service | runs a second | " + " | ".join(f"{kind}: median, 99 %" for kind in KINDS) + " | memory |",
+             "|---|---:|" + "---:|" * len(KINDS) + "---:|"]
+    for name, figures in rows:
+        lines.append(f"| {name} | {figures['runs']:,.0f} | " + " | ".join(
+            f"{figures[kind][0]:.2f}, {figures[kind][1]:.1f} ms" for kind in KINDS) + f" | {figures['memory']:.0f} MB |")
+    lines += ["", "| page, median | " + " | ".join(f"{count} reports" for count in times) + " |", "|---|" + "---:|" * len(times)]
+    for page in PAGES:
+        lines.append(f"| `{page}` | " + " | ".join(f"{run[page]:.0f} ms" for run in times.values()) + " |")
+    return "\n".join(lines) + "\n"
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="scripts/load.sh", description=__doc__)
+    parser.add_argument("--seconds", type=float, default=10)
+    parser.add_argument("--reports", type=int, default=1_000_000)
+    parser.add_argument("--page", action="store_true")
+    options = parser.parse_args()
+    report = (ROOT / "tools" / "load" / "report.xml").read_text("ascii").strip()
+    (BUILD / "report.xml").write_text(report.replace("MEMORY", "15.9 GB").replace("RESOLUTION", "2560x1440"), "ascii")
+    rows, times = [], {}
+    with tempfile.TemporaryDirectory(dir=BUILD) as name:
+        folder = Path(name)
+        with Server(folder, BUILD / "load" / "kel_empty", folder / "port", admin=False) as empty:
+            rows.append(("an empty one", load(options.seconds, empty)))
+        measure_sqlite(folder, options.seconds, options.reports, rows, times)
+    table = text(rows, times, options.seconds)
+    print(table)
+    if options.page:
+        page = ROOT / "docs" / "generated" / "load.md"
+        page.write_text("# Figures of the analysis service under load\n\nWritten by `scripts/load.sh --page`. What they mean: "
+                        "[the analysis service](../service.md#load).\n\n" + table, "utf-8")
+
+
+if __name__ == "__main__":
+    main()
