@@ -28,15 +28,13 @@ int LineOfRequirement(std::string_view text, int number)
 {
     int depth = 0, found = 0;
     bool isList = false;
-    std::string name;  // the last text of the outermost object
+    std::string name;  // the last text: a list of the outermost object has its name right before it
     for (std::string_view rest = text; !rest.empty();) {
         const char c = rest.front();
         const std::size_t place = text.size() - rest.size();
         rest.remove_prefix(1);
         if (c == '"') {
-            std::string string = TakeString(rest);
-            if (depth == 1)
-                name = std::move(string);
+            name = TakeString(rest);
         } else if (c == '{' || c == '[') {
             isList = isList || (depth == 1 && c == '[' && name == "requirements");
             if (isList && depth == 2 && ++found == number)

@@ -53,8 +53,7 @@ Answer EditorPage::Act(const Visit& visit) const
     if (action == "drop")
         return AskToDrop(visit, revision);
     if (Trim(text).empty() || text.size() > LongestText)
-        return page.Edit(visit, text.size() > LongestText ? "" : text, revision,
-                         Wrong("a draft has 1 byte to 1 MB"), 400);
+        return page.Edit(visit, text, revision, Wrong("a draft has 1 byte to 1 MB"), 400);
     const std::string why = WhyWrong(text);
     if (action == "save") {
         return Save(visit, revision, text) ? Redirect(RequirementsPath(visit.subject) + "?note=saved")

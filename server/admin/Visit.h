@@ -29,7 +29,7 @@ struct Visit {
     {
         const std::int64_t id = WholeNumber(subject);
         if (id < 0)
-            throw Fault(404, "there is no such page");
+            throw Fault(404, "There is no such page.");
         return id;
     }
 };
