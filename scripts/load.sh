@@ -5,6 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh --server
+scripts/setup.sh --test  # PostgreSQL
 cmake -S server -B build/load -G Ninja -DKEL_LOAD=ON >/dev/null
 cmake --build build/load
 exec python3 tools/load "$@"

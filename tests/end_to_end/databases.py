@@ -41,7 +41,8 @@ class Sqlite:
 class Server:
     """A PostgreSQL server in a temporary folder, at a Unix socket in there, until the process ends."""
 
-    def __init__(self):
+    def __init__(self, *options):
+        self.options = options
         self.folder = Path(tempfile.mkdtemp(prefix="kel"))
         atexit.register(shutil.rmtree, self.folder)
         self.programs = max(Path("/usr/lib/postgresql").glob("*/bin"), key=lambda path: int(path.parent.name))
@@ -64,7 +65,7 @@ class Server:
 
     def start(self):
         with open(self.folder / "log.txt", "a", encoding="utf-8") as log:
-            command = self.command("postgres", "-D", self.folder / "data", "-k", self.folder, "-h", "", "-F")
+            command = self.command("postgres", "-D", self.folder / "data", "-k", self.folder, "-h", "", *self.options)
             self.process = subprocess.Popen(command, cwd="/", stderr=log)
         end = time.monotonic() + 20
         while subprocess.run([self.programs / "pg_isready", "-q", "-h", self.folder]).returncode:
@@ -89,7 +90,7 @@ class Postgres:
     server = None
 
     def __init__(self, _):
-        Postgres.server = Postgres.server or Server()
+        Postgres.server = Postgres.server or Server("-F")
         self.name = f"kel{next(NUMBERS)}"
         subprocess.run(self.server.psql("postgres", f"CREATE DATABASE {self.name}"), check=True)
         self.setting = self.server.address(self.name)

@@ -2,19 +2,24 @@
 --page writes it to docs/generated/load.md. --seconds N: how long each load lasts; --reports N: the largest store."""
 
 import argparse
+import http.client
 import json
 import os
 import re
 import sqlite3
 import subprocess
+import sys
 import tempfile
 import time
-import urllib.request
 from datetime import date
 from pathlib import Path
 from statistics import median
+from urllib.parse import urlencode
 
 ROOT = Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "tests" / "end_to_end"))
+import databases  # noqa: E402
+
 BUILD = Path(os.environ.get("KEL_BUILD", ROOT / "build" / "load"))
 CONNECTIONS = 16
 KINDS = ("group list", "upload", "analysis")
@@ -23,6 +28,7 @@ MEMORIES = ("3.9 GB", "7.8 GB", "15.9 GB", "31.9 GB", "63.9 GB")
 RESOLUTIONS = ("1366x768", "1920x1080", "2560x1440", "3840x2160")
 TOTALS = ("pass", "pass", "fail", "unknown")
 BATCH = 10_000
+PASSWORD = "a password of some length"
 
 
 class Server:
@@ -57,17 +63,17 @@ def command(database, *arguments, text=None):
                           stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
 
 
-def service(folder, database):
+def service(folder, database, *settings):
+    folder.mkdir(exist_ok=True)
     return Server(folder, BUILD / "kel_server", "serve", "--database", database, "--port", "0", "--admin-port", "0",
-                  "--port-file", folder / "port", "--admin-port-file", folder / "admin")
+                  "--port-file", folder / "port", "--admin-port-file", folder / "admin", *settings)
 
 
 def prepare(database):
-    """A database with the demo's requirements: the token of somebody who may look at its pages."""
+    """A database with the demo's requirements, and with somebody who may look at its pages."""
     command(database, "migrate")
     command(database, "import", ROOT / "examples" / "requirements")
-    command(database, "user", "add", "reader", "load", text="a password of some length\n")
-    return command(database, "token", "add", "load").split()[-1]
+    command(database, "user", "add", "reader", "load", text=PASSWORD + "\n")
 
 
 def load(seconds, *servers):
@@ -109,16 +115,24 @@ def fill(path, most):
     database.close()
 
 
-def pages(server, token):
+def pages(server):
     """The median time of each page in milliseconds."""
-    times = {}
+    times, headers = {}, {}
+    connection = http.client.HTTPConnection("127.0.0.1", server.admin, timeout=60)
+
+    def ask(verb, path, body=None):
+        connection.request(verb, path, body, headers)
+        answer = connection.getresponse()
+        answer.read()
+        return answer
+    log_in = ask("POST", "/login", urlencode({"name": "load", "password": PASSWORD}))
+    headers["Cookie"] = log_in.headers["Set-Cookie"].split(";")[0]
     for page in PAGES:
-        request = urllib.request.Request(f"http://127.0.0.1:{server.admin}{page}", headers={"Authorization": f"Bearer {token}"})
         runs = []
         for _ in range(5):
             start = time.monotonic()
-            with urllib.request.urlopen(request) as answer:
-                answer.read()
+            if ask("GET", page).status != 200:
+                raise RuntimeError(f"{page} does not come")
             runs.append((time.monotonic() - start) * 1000)
         times[page] = median(runs)
     return times
@@ -126,13 +140,24 @@ def pages(server, token):
 
 def measure_sqlite(folder, seconds, most, rows, times):
     database = folder / "kel.db"
-    token = prepare(database)
+    prepare(database)
     for count in (0, most // 10, most):
         if count:
             fill(database, count)
         with service(folder, database) as server:
             rows.append((f"SQLite, {count:,} reports", load(seconds, server)))
-            times[f"{count:,}"] = pages(server, token)
+            times[f"{count:,}"] = pages(server)
+
+
+def measure_postgres(folder, seconds, rows):
+    """With a server whose commits are on the disk."""
+    server = databases.Server()
+    subprocess.run(server.psql("postgres", "CREATE DATABASE load"), check=True)
+    prepare(server.address("load"))
+    settings = server.address("load"), "--workers", "16", "--database-connections", "16"
+    with service(folder / "a", *settings) as one, service(folder / "b", *settings) as other:
+        rows.append(("PostgreSQL, one front end", load(seconds, one)))
+        rows.append(("PostgreSQL, two front ends", load(seconds, one, other)))
 
 
 def text(rows, times, seconds):
@@ -165,6 +190,7 @@ def main():
         with Server(folder, BUILD / "load" / "kel_empty", folder / "port", admin=False) as empty:
             rows.append(("an empty one", load(options.seconds, empty)))
         measure_sqlite(folder, options.seconds, options.reports, rows, times)
+        measure_postgres(folder, options.seconds, rows)
     table = text(rows, times, options.seconds)
     print(table)
     if options.page:
