@@ -4,6 +4,7 @@
 
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
+#include "server/base/Text.h"
 
 namespace kel::server {
 
@@ -32,8 +33,8 @@ Html Chart(const std::string& title, const std::vector<Distribution::Bar>& bars)
     int top = 0;
     for (const Distribution::Bar& bar : bars) {
         const int width = std::max(2, bar.count * Width / most);
-        picture +=
-            Html::Element("text", {{"x", "0"}, {"y", Number(top + TextBase)}}, Cut(bar.label, LongestLabel));
+        picture += Html::Element("text", {{"x", "0"}, {"y", Number(top + TextBase)}},
+                                 Shortened(bar.label, LongestLabel));
         picture += Html::Element("rect", {{"class", bar.isRest ? "rest" : "bar"},
                                           {"x", "0"},
                                           {"y", Number(top + BarTop)},

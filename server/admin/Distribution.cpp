@@ -28,7 +28,7 @@ std::string BytesText(double bytes)
 Distribution::Place Distribution::PlaceOf(const std::string& value) const
 {
     if (kind == Kind::Text)
-        return {0, Cut(Trim(value), LongestLabel)};
+        return {0, Shortened(Trim(value), LongestLabel)};
     const auto quantity = ReadQuantity(value);
     if (!quantity || quantity->amount > 1e18 ||
         (kind == Kind::Bytes) != (quantity->kind == server::Kind::Bytes))

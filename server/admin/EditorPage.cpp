@@ -7,13 +7,10 @@
 #include "server/admin/Trial.h"
 #include "server/base/Log.h"
 #include "server/base/Text.h"
-#include "server/http/Limits.h"
 
 namespace kel::server {
 
 namespace {
-
-constexpr std::size_t LongestText = Limits::Megabyte;  // bytes
 
 Html Confirmation(const Visit& visit, const std::string& action, int revision, const std::string& text,
                   const Html& button)
@@ -52,7 +49,7 @@ Answer EditorPage::Act(const Visit& visit) const
         throw Fault(400, "The form lacks the draft's revision.");
     if (action == "drop")
         return AskToDrop(visit, revision);
-    if (Trim(text).empty() || text.size() > LongestText)
+    if (Trim(text).empty() || text.size() > Requirements::LongestFile)
         return page.Edit(visit, text, revision, Wrong("a draft has 1 byte to 1 MB"), 400);
     const std::string why = WhyWrong(text);
     if (action == "save") {

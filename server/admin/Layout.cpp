@@ -115,6 +115,12 @@ Html Mark(const std::string& total)
     return total.empty() ? Html("–") : Html::Element("span", {{"class", "mark unknown"}}, "? unknown");
 }
 
+Html LabelOf(const std::string& label, bool recommended)
+{
+    const Html text = Html::Stored(label);
+    return recommended ? text + " " + Html::Element("span", {{"class", "kind"}}, "Recommended") : text;
+}
+
 Html Link(const std::string& path, const Html& text)
 {
     return Html::Element("a", {{"href", path}}, text);

@@ -29,6 +29,9 @@ Html Notice(const std::string& kind, const Html& text);
 /// "✓ pass", "✗ fail", "? unknown", "–" when there is no verdict.
 Html Mark(const std::string& total);
 
+/// A requirement's label, with a word when it is a recommendation.
+Html LabelOf(const std::string& label, bool recommended);
+
 Html Link(const std::string& path, const Html& text);
 
 /// A link that looks like a button; the kinds are a button's.

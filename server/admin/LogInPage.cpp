@@ -6,6 +6,7 @@
 #include "server/admin/Secrets.h"
 #include "server/admin/Texts.h"
 #include "server/base/Log.h"
+#include "server/base/Text.h"
 
 namespace kel::server {
 
@@ -71,7 +72,7 @@ Answer LogInPage::LogIn(const Visit& visit)
 {
     if (visit.isSingleSignOn)
         throw Fault(404, "there is no such page");
-    const std::string name = Cut(visit.form.Text("name"), LongestName);
+    const std::string name = Shortened(visit.form.Text("name"), LongestName);
     const std::string& next = visit.form.Text("next");
     if (const auto wait = throttle.Wait(name); wait.count() > 0) {
         Answer answer = Render(visit, name, next,

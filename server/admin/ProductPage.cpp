@@ -43,6 +43,11 @@ Html FiguresOf(const Totals& totals)
                           Figure("passing", Percentage(totals.pass, all))});
 }
 
+void Count(Totals& totals, const std::string& result)
+{
+    ++(result == "pass" ? totals.pass : result == "fail" ? totals.fail : totals.unknown);
+}
+
 /// The labels of the newest requirements by the ids of their values; a line of an old version may have none.
 std::map<int, std::string> LabelsOf(Store& store, const std::string& referrer)
 {

@@ -8,6 +8,7 @@
 #include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
 #include "server/base/Log.h"
+#include "server/base/Text.h"
 #include "server/report/Report.h"
 #include "server/verdict/Requirements.h"
 #include "server/verdict/Verdict.h"
@@ -24,7 +25,7 @@ constexpr int Portion = 500;                // reports that are deleted in one s
 
 Html TextOrDash(const std::string& text)
 {
-    return text.empty() ? Html("–") : Html::Stored(Cut(text, LongestValue));
+    return text.empty() ? Html("–") : Html::Stored(Shortened(text, LongestValue));
 }
 
 Html Fact(const char* name, const Html& value)
@@ -50,7 +51,7 @@ Html ValuesOf(const Report& report)
     for (const auto& [key, value] : report.All()) {
         if (++count > MostValues)
             break;
-        table.Add({Html::Stored(Cut(key.first, LongestValue)), NameOfValue(key.first),
+        table.Add({Html::Stored(Shortened(key.first, LongestValue)), NameOfValue(key.first),
                    std::to_string(key.second), TextOrDash(value)});
     }
     Html values = table.Done("The report has no value.");
@@ -86,7 +87,7 @@ Html ReportPage::VerdictOf(const StoredVerdict& verdict, const FullReport& repor
             Html found = Mark(result);
             if (result != "pass" && !line.advice.empty())
                 found += Html::Element("div", {}, Html::Stored(line.advice));
-            table.Add({Html::Stored(line.label), Html::Stored(line.needed),
+            table.Add({LabelOf(line.label, line.recommended), Html::Stored(line.needed),
                        TextOrDash(stored[i].at("found").get<std::string>()), found});
         }
     } catch (const std::exception& error) {
@@ -125,7 +126,7 @@ Answer ReportPage::AskToDelete(const Visit& visit) const
     const FullReport report = Find(visit);
     const Html content =
         Html::Element("p", {},
-                      {"All reports of the session ", Html::Stored(Cut(report.session, LongestValue)),
+                      {"All reports of the session ", Html::Stored(Shortened(report.session, LongestValue)),
                        " and their verdicts go for good."}) +
         PostForm(visit, ReportPath(report.id) + "/delete",
                  Html::Element("div", {{"class", "buttons"}},
@@ -140,7 +141,7 @@ Answer ReportPage::Delete(const Visit& visit) const
     for (int deleted = Portion; deleted == Portion;)
         count += deleted = store.DeleteSession(report.session, Portion);
     store.Note(visit.login.account, "deleted session",
-               Cut(report.session, LongestValue) + ", " + std::to_string(count) + " reports");
+               Shortened(report.session, LongestValue) + ", " + std::to_string(count) + " reports");
     Log(Level::Info, "deleted",
         {{"account", visit.login.account}, {"session", report.session}, {"reports", std::to_string(count)}});
     return Redirect("/reports?note=deleted");

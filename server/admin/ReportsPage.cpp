@@ -5,6 +5,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
+#include "server/base/Text.h"
 
 namespace kel::server {
 
@@ -60,7 +61,7 @@ Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lin
     for (const ReportLine& line : lines) {
         table.Add({Link(ReportPath(line.id), std::to_string(line.id)), Moment(line.received),
                    line.referrer.empty() ? Html("–") : Link(ProductPath(line.referrer), line.referrer),
-                   Html::Stored(Cut(line.session, LongestSession)), Mark(line.total)});
+                   Html::Stored(Shortened(line.session, LongestSession)), Mark(line.total)});
     }
     return table.Done(whenEmpty);
 }

@@ -43,7 +43,11 @@ Html Help()
          Html::Element(
              "p", {},
              "Comparisons: at least, at most (an amount such as 4 GB, 2 GHz or 3, or a resolution), at least "
-             "version, equals, one of (texts between commas), contains, any (known at all), yes, no.")});
+             "version, equals, one of (texts between commas), contains, any (known at all), yes, no. In the "
+             "place of "
+             "id, comparison and needed a line may have \"any of\", a list of such three, of which one has "
+             "to "
+             "hold. A line with \"recommended\": true is told, and has no say in the result.")});
 }
 
 Html TextArea(const std::string& label, const std::string& name, const std::string& text, bool isFixed)

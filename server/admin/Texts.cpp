@@ -77,13 +77,4 @@ std::string Percentage(std::int64_t part, std::int64_t whole)
     return whole == 0 ? "–" : std::to_string((part * 200 / whole + 1) / 2) + " %";
 }
 
-std::string Cut(std::string_view text, std::size_t most)
-{
-    if (text.size() <= most)
-        return std::string(text);
-    while (most > 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80)
-        --most;
-    return std::string(text.substr(0, most)) + "…";
-}
-
 }  // namespace kel::server

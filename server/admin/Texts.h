@@ -25,7 +25,4 @@ std::string Grouped(std::int64_t number);
 /// A share as a whole percentage: "12 %"; "–" of nothing.
 std::string Percentage(std::int64_t part, std::int64_t whole);
 
-/// The first characters of a text, so many bytes at most, with an ellipsis when there were more.
-std::string Cut(std::string_view text, std::size_t most);
-
 }  // namespace kel::server

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 
+#include "server/admin/Layout.h"
 #include "server/admin/Recent.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
@@ -11,10 +12,10 @@ namespace kel::server {
 
 namespace {
 
-const LineCounts::Line* FindLine(const LineCounts& counts, const std::string& label)
+const LineTally* FindLine(const Tally& counts, const std::string& label)
 {
     const auto found = std::find_if(counts.lines.begin(), counts.lines.end(),
-                                    [&](const LineCounts::Line& line) { return line.label == label; });
+                                    [&](const LineTally& line) { return line.label == label; });
     return found == counts.lines.end() ? nullptr : &*found;
 }
 
@@ -38,9 +39,9 @@ Trial Trial::Run(Store& store, const std::string& referrer, const Requirements& 
     Trial trial;
     const auto today = NewestRequirements(store, referrer);
     trial.reports = ForEachRecent(store, referrer, [&](const Report& report) {
-        trial.draft.Add(Judge(draft, report));
+        trial.draft.Count(Judge(draft, report));
         if (today)
-            trial.today.Add(Judge(*today, report));
+            trial.today.Count(Judge(*today, report));
     });
     return trial;
 }
@@ -51,28 +52,28 @@ Html Trial::Show() const
         return Html::Element(
             "p", {{"class", "empty"}},
             "No machine has been reported for this product yet, so there is nothing to try this on.");
-    const bool hasToday = today.totals.pass + today.totals.fail + today.totals.unknown > 0;
+    const bool hasToday = today.pass + today.fail + today.unknown > 0;
     std::string sentence =
-        "Of the last " + Grouped(reports) + " machines " + Grouped(draft.totals.pass) + " would pass";
-    sentence += hasToday ? ", today " + Grouped(today.totals.pass) + "." : ".";
-    sentence += " " + Grouped(draft.totals.fail) + " would fail";
-    sentence += hasToday ? ", today " + Grouped(today.totals.fail) + "; " : "; ";
-    sentence += Grouped(draft.totals.unknown) + " would be unknown";
-    sentence += hasToday ? ", today " + Grouped(today.totals.unknown) + "." : ".";
+        "Of the last " + Grouped(reports) + " machines " + Grouped(draft.pass) + " would pass";
+    sentence += hasToday ? ", today " + Grouped(today.pass) + "." : ".";
+    sentence += " " + Grouped(draft.fail) + " would fail";
+    sentence += hasToday ? ", today " + Grouped(today.fail) + "; " : "; ";
+    sentence += Grouped(draft.unknown) + " would be unknown";
+    sentence += hasToday ? ", today " + Grouped(today.unknown) + "." : ".";
     Table table("Line by line, with the failures under today's requirements", {{"Requirement"},
                                                                                {"Needed"},
                                                                                {"Pass", true},
                                                                                {"Fail", true},
                                                                                {"Fail today", true},
                                                                                {"Unknown", true}});
-    for (const LineCounts::Line& line : draft.lines) {
-        const LineCounts::Line* before = FindLine(today, line.label);
-        table.Add({Html::Stored(line.label), Html::Stored(line.needed), Grouped(line.results.pass),
-                   Grouped(line.results.fail), before ? Grouped(before->results.fail) : std::string("new"),
-                   Grouped(line.results.unknown)});
+    for (const LineTally& line : draft.lines) {
+        const LineTally* before = FindLine(today, line.label);
+        table.Add({LabelOf(line.label, line.recommended), Html::Stored(line.needed), Grouped(line.pass),
+                   Grouped(line.fail), before ? Grouped(before->fail) : std::string("new"),
+                   Grouped(line.unknown)});
     }
     Html gone;
-    for (const LineCounts::Line& line : today.lines) {
+    for (const LineTally& line : today.lines) {
         if (!FindLine(draft, line.label))
             gone += (gone.IsEmpty() ? Html("No longer asked: ") : Html(", ")) + Html::Stored(line.label);
     }

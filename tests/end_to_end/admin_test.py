@@ -6,7 +6,6 @@ import http.client
 import io
 import json
 import re
-import sqlite3
 import subprocess
 import time
 import unittest
@@ -84,14 +83,8 @@ class AdminTest(DeployedTest):
         return ran.stderr
 
     def run_command(self, *words, given=""):
-        return subprocess.run([SERVER, *words, "--database", self.folder / "kel.db"], input=given, capture_output=True,
+        return subprocess.run([SERVER, *words, "--database", self.database.setting], input=given, capture_output=True,
                               text=True, timeout=20)
-
-    def sql(self, statement, *values):
-        with sqlite3.connect(self.folder / "kel.db", timeout=10) as database:
-            rows = database.execute(statement, values).fetchall()
-        database.close()
-        return rows
 
     def visit(self, verb, path, body="", cookie=None, **headers):
         """The answer and its text. A body of fields is sent as a form."""
@@ -135,8 +128,8 @@ class Entry(AdminTest):
             self.assertEqual(self.status("POST", "/login", {"name": name, "password": password}), status, (name, password))
             self.run_command("user", "list")
         cookie = self.log_in()
-        self.assertNotIn(cookie, str(self.sql("SELECT * FROM login_session")))
-        self.assertRegex(self.sql("SELECT hash FROM account")[0][0], r"^\$argon2id\$v=19\$m=65536,")
+        self.assertNotIn(cookie, str(self.database.run("SELECT * FROM login_session")))
+        self.assertRegex(self.database.run("SELECT hash FROM account")[0][0], r"^\$argon2id\$v=19\$m=65536,")
         for path, place in (("/", "/login?next=%2F"), ("/reports?from=2026-01-01", "/login?next=%2Freports%3Ffrom%3D2026-01-01")):
             for wrong in (None, "x" * 43, cookie[:-1], ""):
                 answer, _ = self.visit("GET", path, cookie=wrong)
@@ -150,7 +143,7 @@ class Entry(AdminTest):
     def test_a_log_in_ends(self):
         def log_out(cookie):
             self.assertEqual(self.status("POST", "/logout", {"token": self.token(cookie)}, cookie=cookie), 303)
-            self.assertIn(("Edith", "logged out"), self.sql("SELECT account, action FROM audit"))
+            self.assertIn(("Edith", "logged out"), self.database.run("SELECT account, action FROM audit"))
         for end in (log_out, lambda _: self.account("editor", "Edith"), lambda _: self.run_command("user", "remove", "Edith")):
             self.account("editor", "Edith")
             cookie = self.log_in()
@@ -158,10 +151,10 @@ class Entry(AdminTest):
             end(cookie)
             self.assertEqual(self.status("GET", "/", cookie=cookie), 303)
         cookie = self.log_in("Rita")
-        [(ends,)] = self.sql("SELECT ends FROM login_session")
+        [(ends,)] = self.database.run("SELECT ends FROM login_session")
         self.assertAlmostEqual(ends / 1000, time.time() + 12 * 3600, delta=60)
         token = self.token(cookie)
-        self.sql("UPDATE login_session SET ends = ?", int(time.time() * 1000) - 1)
+        self.database.run(f"UPDATE login_session SET ends = {int(time.time() * 1000) - 1}")
         self.assertEqual(self.status("GET", "/", cookie=cookie), 303)
         answer, text = self.visit("POST", "/products/demo/requirements", {"token": token, "text": "long work"}, cookie)
         self.assertEqual(answer.status, 403)
@@ -184,7 +177,7 @@ class Entry(AdminTest):
         statuses = [self.status("POST", "/login", {**guess, "name": f"n{number}"}) for number in range(30)]
         self.assertEqual((statuses.count(403), statuses[-1]), (30 - 9, 429))
         self.assertEqual(self.status("POST", "/login", {"name": "Rita", "password": PASSWORD}), 429)
-        self.assertEqual(len(self.sql("SELECT 1 FROM audit WHERE action = 'log-in failed'")), 30)
+        self.assertEqual(len(self.database.run("SELECT 1 FROM audit WHERE action = 'log-in failed'")), 30)
 
     def test_other_sites_cannot_use_a_log_in(self):
         cookie, other = self.log_in(), self.log_in()
@@ -201,7 +194,7 @@ class Entry(AdminTest):
                 ({}, {"Host": "127.0.0.1.evil.example"}, 421), ({"revision": "-1"}, {}, 400), ({"revision": ""}, {}, 400)):
             with self.subTest(f"{changed} {headers}"):
                 self.assertEqual(self.status("POST", save, {**form, **changed}, cookie, **headers), status)
-        self.assertEqual(self.sql("SELECT * FROM draft"), [])
+        self.assertEqual(self.database.run("SELECT * FROM draft"), [])
         for revision, headers in enumerate(({}, {"Origin": f"http://{self.admin}"}, {"Host": f"localhost:{port}"},
                                             {"Host": "admin.example", "Origin": "https://admin.example"},
                                             {"Host": f"[::1]:{port}", "Origin": "https://admin.example"})):
@@ -215,13 +208,13 @@ class Entry(AdminTest):
                              ("name=%zz%&password=%", 403), ("name=%ff%00%c0%af", 403), ("=", 403), ("", 403), ("name", 403),
                              ("name=" + "%41" * 600_000, 403), ("x" * (2 * 1024 * 1024 + 1), 413)):
             self.assertEqual(self.status("POST", "/login", body), status, body[:40])
-        names = [name for name, in self.sql("SELECT account FROM audit WHERE action = 'log-in failed'")]
+        names = [name for name, in self.database.run("SELECT account FROM audit WHERE action = 'log-in failed'")]
         self.assertEqual(names, ["%zz%", "\ufffd\ufffd\ufffd\ufffd", "", "", "", "A" * 200 + "…"])
 
     def test_a_reader_changes_nothing(self):
         self.upload("s")
         cookie = self.log_in("Rita")
-        noted = self.sql("SELECT count(*) FROM audit")
+        noted = self.database.run("SELECT count(*) FROM audit")
         form = {"token": self.token(cookie), "text": "{}", "revision": 0, "do": "save"}
         for verb, path in (("POST", "/products/demo/requirements"), ("POST", "/products/demo/publish"), ("GET", "/audit"),
                            ("POST", "/products/demo/drop"), ("POST", "/reports/1/delete"), ("GET", "/reports/1/delete"),
@@ -230,7 +223,7 @@ class Entry(AdminTest):
             self.assertEqual((answer.status, "Only editors may do that" in text), (403, True), path)
         for verb, path in (("PUT", "/api/v1/referrers/demo/draft"), ("POST", "/api/v1/referrers/demo/publish")):
             self.assertEqual(self.status(verb, path, "{}", cookie, X_Form_Token=form["token"]), 403)
-        self.assertEqual((self.sql("SELECT count(*) FROM audit"), self.sql("SELECT * FROM draft")), (noted, []))
+        self.assertEqual((self.database.run("SELECT count(*) FROM audit"), self.database.run("SELECT * FROM draft")), (noted, []))
         for path in ("/", "/reports", "/reports/1", "/products/demo", "/products/demo/requirements", "/values"):
             page = self.page(path, cookie)
             self.assertFalse({"/audit", "/new", "/products/demo/publish", "/reports/1/delete"} & set(page.links), path)
@@ -245,7 +238,7 @@ class Entry(AdminTest):
             answer, _ = self.visit("GET", path, cookie=cookie)
             self.assertEqual(answer.status, status, path)
             self.assertEqual({name: answer.headers[name] for name in SAFETY}, SAFETY)
-        self.sql("ALTER TABLE report RENAME TO gone")
+        self.database.run("ALTER TABLE report RENAME TO gone")
         answer, text = self.visit("GET", "/reports", cookie=cookie)
         self.assertEqual((answer.status, "Try again in a moment" in text, "gone" in text), (503, True, False))
 
@@ -292,7 +285,7 @@ class Pages(AdminTest):
             self.upload(f"s{number % 60}", "demo" if number % 2 else "<b>", v71063=f"{number % 8}.0 GB", v71254="8")
         for number in range(60):
             self.judged(f"s{number}")
-        self.sql("UPDATE report SET received = ? WHERE id <= 10", 1_767_225_600_000)  # 2026-01-01
+        self.database.run("UPDATE report SET received = 1767225600000 WHERE id <= 10")  # 2026-01-01
         cookie = self.log_in()
 
         def ids(path):
@@ -330,7 +323,7 @@ class Pages(AdminTest):
         self.assertNotIn("/reports/2", page.links)
         form = {"token": self.page("/reports/2/delete", cookie).fields["token"]}
         self.assertEqual(self.status("POST", "/reports/2/delete", form, cookie), 303)
-        self.assertEqual((self.sql("SELECT id FROM report"), self.sql("SELECT * FROM verdict")), ([(3,)], []))
+        self.assertEqual((self.database.run("SELECT id FROM report"), self.database.run("SELECT * FROM verdict")), ([(3,)], []))
         self.assertEqual(self.status("POST", "/reports/2/delete", form, cookie), 404)
         self.assertEqual(self.page("/audit", cookie).cells(1, 2, 3)[1], ("Edith", "deleted session", "s, 2 reports"))
 
@@ -419,7 +412,8 @@ class Editing(AdminTest):
             self.upload(f"s{number}", v71063=f"{number}.0 GB", v71254="8")
         self.cookie = self.log_in()
         self.fields = {"token": self.token(self.cookie), "revision": 0}
-        self.stricter = requirements((71063, "Memory", "at least", "6 GB"), (71060, "System", "any"))
+        self.stricter = requirements((71063, "Memory", "at least", "6 GB"), (71060, "System", "any")).replace(
+            '"any"', '"any", "recommended": true')
 
     def act(self, action, text, revision=0, path="requirements"):
         form = {**self.fields, "revision": revision, "text": text, "do": action}
@@ -438,14 +432,14 @@ class Editing(AdminTest):
             self.assertEqual(status, 400 if text.isspace() else 200)
             kept = html.unescape(re.search("<textarea[^>]*>\n(.*)</textarea>", page, re.DOTALL)[1])
             self.assertEqual(kept, text.replace("\r\n", "\n"))
-        self.assertEqual(self.sql("SELECT * FROM draft"), [])
+        self.assertEqual(self.database.run("SELECT * FROM draft"), [])
 
     def test_a_draft_is_tried_published_and_judges(self):
         self.assertEqual(self.judged("s5"), "pass")
         _, page = self.act("try", self.stricter)
-        self.assertIn("Of the last 8 machines 0 would pass, today 4. 6 would fail, today 4; 2 would be unknown, today 0.", page)
+        self.assertIn("Of the last 8 machines 2 would pass, today 4. 6 would fail, today 4; 0 would be unknown, today 0.", page)
         self.assertEqual(PageParser(page).cells(0, 2, 3, 4, 5)[1:3],
-                         [("Memory", "2", "6", "4", "0"), ("System", "0", "0", "new", "8")])
+                         [("Memory", "2", "6", "4", "0"), ("System Recommended", "0", "0", "new", "8")])
         self.assertIn("No longer asked: Processors", PageParser(page).data)
         self.assertEqual(self.act("save", self.stricter)[0], 303)
         self.assertEqual(self.judged("s5"), "pass")
@@ -458,8 +452,8 @@ class Editing(AdminTest):
         self.assertIn("at least", self.page("/products/demo/version?number=1", self.cookie).data)
         old = self.page("/products/demo/requirements?from=1", self.cookie)
         self.assertIn("Processors", old.data)
-        self.assertEqual((old.fields["revision"], self.sql("SELECT text FROM draft")), ("0", [("",)]))
-        noted = [row for row, in self.sql("SELECT action || ': ' || subject FROM audit WHERE account = 'Edith'")][1:]
+        self.assertEqual((old.fields["revision"], self.database.run("SELECT text FROM draft")), ("0", [("",)]))
+        noted = [row for row, in self.database.run("SELECT action || ': ' || subject FROM audit WHERE account = 'Edith'")][1:]
         self.assertEqual(noted, ["saved draft: demo", "published: demo, version 2"])
         self.assertEqual(self.act("save", "{", 0)[0], 303)  # work that is not done can be saved, not published
         self.assertEqual(self.act("", "{", 3, "publish")[0], 400)
@@ -467,7 +461,7 @@ class Editing(AdminTest):
     def test_two_editors_lose_nothing(self):
         for action, revision, path in (("save", 0, "requirements"), ("save", 7, "requirements"), ("publish", 0, "requirements"),
                                        ("", 7, "publish"), ("", 7, "drop")):
-            self.sql("DELETE FROM draft")
+            self.database.run("DELETE FROM draft")
             self.assertEqual(self.act("save", "their <text>")[0], 303)
             status, page = self.act(action, self.stricter, revision, path)
             texts = [html.unescape(text) for text in re.findall("<textarea[^>]*>\n(.*?)</textarea>", page, re.DOTALL)]
@@ -477,7 +471,7 @@ class Editing(AdminTest):
         self.assertEqual(self.act("drop", self.stricter, 2)[0], 200)
         self.assertEqual(self.act("", "", 2, "drop")[0], 303)
         self.assertEqual(self.act("", "mine", 2, "publish")[0], 409)
-        self.assertEqual(len(self.sql("SELECT * FROM requirement_set")), 1)
+        self.assertEqual(len(self.database.run("SELECT id FROM requirement_set")), 1)
 
     def test_a_product_begins_with_a_draft(self):
         answer, _ = self.visit("GET", "/new?referrer=new-1", cookie=self.cookie)
@@ -554,12 +548,12 @@ class Programs(AdminTest):
                 (reader, 200, 403), ({"cookie": cookie}, 200, 403), ({"cookie": cookie, "X-Form-Token": form}, 200, 201),
                 ({"cookie": cookie, "X-Form-Token": form, "Origin": "http://evil.example"}, 200, 403), (self.bearer, 200, 201)):
             with self.subTest(headers):
-                self.sql("DELETE FROM draft")
+                self.database.run("DELETE FROM draft")
                 self.assertEqual(self.status("GET", "/api/v1/reports", **headers), read)
                 self.assertEqual(self.status("PUT", draft, good, If_None_Match="*", **headers), written)
         self.assertEqual(self.visit("GET", "/api/v1/reports")[0].headers["WWW-Authenticate"], "Bearer")
         self.assertEqual(self.status("GET", "/", **self.bearer), 303)  # a program's token opens no pages
-        self.sql("UPDATE login_session SET ends = 1")
+        self.database.run("UPDATE login_session SET ends = 1")
         self.assertEqual(self.get("reports")[0], 401)
 
 
@@ -588,7 +582,7 @@ class InABrowser(AdminTest):
         browser.await_text("The draft is published.")
         self.assertEqual(self.judged("s1"), "fail")
         self.check_looks(browser)
-        self.sql("UPDATE login_session SET ends = 1")
+        self.database.run("UPDATE login_session SET ends = 1")
         browser.click("header nav a")
         browser.await_text("Password")
         browser.press("Rita" + TAB + PASSWORD + ENTER, "name")

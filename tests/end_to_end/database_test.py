@@ -145,7 +145,7 @@ class Faults(DataTest):
         kept = sum(self.upload("kept")[0] == 200 for _ in range(300))
         self.assertLess(kept, 300)
         self.refused("disk")
-        self.assertEqual(self.ask("GET", "/healthz", address=self.admin)[0], 200)  # it reads
+        self.assertEqual(self.ask("GET", "/readyz", address=self.admin)[0], 200)  # it reads
         resource.prlimit(self.process.pid, resource.RLIMIT_FSIZE, (soft, hard))
         self.assertEqual(self.upload("kept")[0], 200)
         self.assertEqual(self.sessions(), "kept" * (kept + 1))
@@ -178,7 +178,7 @@ class Faults(DataTest):
             Postgres.server.stop(number)
             self.addCleanup(Postgres.server.start_again)
             self.refused("No such file|refused")
-            self.assertEqual(self.ask("GET", "/healthz", address=self.admin), (503, b""))
+            self.assertEqual(self.ask("GET", "/readyz", address=self.admin)[0], 503)
             Postgres.server.start_again()
             time.sleep(1.1)  # what could not be opened is tried again
             self.assertEqual(self.upload("s"), (200, b"OK"))

@@ -7,6 +7,10 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/Generator.h"
+#include "server/admin/Csv.h"
+#include "server/admin/DraftCheck.h"
+#include "server/admin/Form.h"
+#include "server/admin/Html.h"
 #include "server/base/Text.h"
 #include "server/http/Target.h"
 #include "server/protocol/AnalysisRequest.h"
@@ -156,6 +160,27 @@ Check ReadComparison(std::string_view text)
     };
 }
 
+/// A form's fields, as they are shown, exported, and looked into for the line of a fault.
+Check ReadForm(std::string_view text)
+{
+    const auto form = Form::Read(text);
+    if (!form)
+        return {};
+    return [form] {
+        for (const char* name : {"text", "name", "do"}) {
+            const std::string& value = form->Text(name);
+            Expect(IsXmlText(value) && Clean(value) == value && value.find('\r') == value.npos,
+                   "a text that shows");
+            Expect(Html(value).Markup().find_first_of("<>\"'") == std::string::npos, "no markup");
+            const std::string cell = CsvRecord({value});
+            Expect(std::ranges::count(cell, '"') % 2 == 0 && std::string_view("=+-@").find(cell[1]) > 3,
+                   "a cell");
+            const int line = LineOfRequirement(value, 1);
+            Expect(line <= 1 + std::ranges::count(value, '\n'), "a line of the text");
+        }
+    };
+}
+
 /// Whether all texts of a parser went well, and enough were accepted.
 bool Runs(const std::string& name, Check (*read)(std::string_view))
 {
@@ -201,7 +226,8 @@ int main()
     for (std::string name, text; lines >> name >> std::ws && std::getline(lines, text);)
         samples[name].push_back(kel::test::Wide(text));
     return Runs("target", ReadTarget) && Runs("report", ReadReport) && Runs("request", ReadRequest) &&
-                   Runs("requirements", ReadRequirements) && Runs("comparison", ReadComparison)
+                   Runs("requirements", ReadRequirements) && Runs("comparison", ReadComparison) &&
+                   Runs("form", ReadForm)
                ? 0
                : 1;
 }
