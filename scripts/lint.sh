@@ -30,7 +30,7 @@ control=() server=()
 for file in "${files[@]}"; do
   # Clang 14 finds no coroutines in GCC's library, and so none of Asio's.
   case $file in server/http/Connection.cpp | server/http/Listener.cpp | server/http/Server.cpp) continue ;; esac
-  case $file in server/* | tests/server/*) server+=("$file") ;; *) control+=("$file") ;; esac
+  case $file in server/* | tests/server/* | tools/load/*) server+=("$file") ;; *) control+=("$file") ;; esac
 done
 tidy() {
   xargs -0 -n 4 -P "$(nproc)" clang-tidy --quiet ${checks[0]:+"${checks[@]}"} "$@" 2>/dev/null

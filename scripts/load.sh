@@ -4,8 +4,6 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh --server
 scripts/setup.sh --test  # PostgreSQL
-cmake -S server -B build/load -G Ninja -DKEL_LOAD=ON >/dev/null
-cmake --build build/load
+scripts/build.sh server kel_server kel_load kel_empty
 exec python3 tools/load "$@"

@@ -20,7 +20,7 @@ ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tests" / "end_to_end"))
 import databases  # noqa: E402
 
-BUILD = Path(os.environ.get("KEL_BUILD", ROOT / "build" / "load"))
+BUILD = Path(os.environ.get("KEL_BUILD", ROOT / "build" / "server"))
 CONNECTIONS = 16
 KINDS = ("group list", "upload", "analysis")
 PAGES = ("/", "/reports", "/reports?verdict=fail", "/products/demo", "/products/demo/requirements")
