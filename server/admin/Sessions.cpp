@@ -80,7 +80,7 @@ std::optional<Login> Sessions::FindBearer(const Request& request)
 
 std::string MakeToken(Store& store, const std::string& account, int days)
 {
-    return BeginLogin(store, account, days * 24 * Hour);
+    return BeginLogin(store, account, std::int64_t{days} * 24 * Hour);
 }
 
 }  // namespace kel::server
