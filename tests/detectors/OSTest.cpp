@@ -76,26 +76,6 @@ TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)
     }
 }
 
-TEST(OS, TakesTheLastReadableFramework)
-{
-    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
-    test::TestSession session;
-    OS().Detect();
-    EXPECT_EQ(session.Text(71193), L"(none)");
-    const std::wstring key = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP\\";
-    machine.Write(key + L"a", L"Version", L"4.0");
-    machine.Write(key + L"b", L"Version", L"2.0.50727");
-    machine.Write(key + L"c", L"Version", L"1.1");
-    machine.Make(key + L"d");
-    machine.Write(key + L"e", L"Version", std::wstring(100, L'9'));  // too long with its zero
-    machine.Write(key + std::wstring(120, L'f'), L"Version", L"9");
-    machine.Write(key + L"g", L"Version", REG_DWORD, L"7", sizeof(DWORD));
-    const test::LogCapture log(3);
-    OS().Detect();
-    EXPECT_EQ(session.Text(71193), L"1.1");
-    EXPECT_EQ(std::ranges::count(log.Lines(), L"TRACE Using version: 4.0"), 1);
-}
-
 TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
 {
     const OSFunctions whole = OSFunctions::OfSystem();

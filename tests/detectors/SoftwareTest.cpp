@@ -8,35 +8,16 @@
 #include "probes/Command.h"
 #include "support/LogCapture.h"
 #include "support/Machines.h"
-#include "support/PlantedDevice.h"
 #include "support/PlantedSoftware.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
 #include "values/TextMatch.h"
-#include "values/Version.h"
 
 namespace kel {
 namespace {
 
 using test::Lines;
 using testing::Contains, testing::Not;
-
-TEST(Software, RepeatsTheDriversOfTheDevicesThatMatter)
-{
-    test::TestSession session;
-    const test::PlantedSoftware planted{test::Machine()};
-    test::PlantedDevice scsi(test::ScsiClass);
-    scsi.With(SPDRP_HARDWAREID, L"PCI\\VEN_1000&DEV_0072")
-        .Device(L"a", L"b")
-        .Driver(L"DriverVersion", L"2.0.3");
-    const std::pair<unsigned, const wchar_t*> drivers[] = {
-        {72006, L"31.0.15.4601"}, {72804, L"6.0.9549.1"}, {72706, L""}};
-    for (const auto& [id, version] : drivers)
-        session.values.AddValue(SystemValueID(GroupID(id)), Version(version));
-    session.values.AddValue(SystemValueID(GroupID(72706), 1), Version(L"1.2"));
-    Software().Detect(planted.functions);
-    EXPECT_EQ(session.Texts({72900, 72901, 72902, 72903}), L"31.0.15.4601|6.0.9549.1||2.0.3|");
-}
 
 TEST(Browser, IsThereWithItsFileAndNotAsAChannel)
 {

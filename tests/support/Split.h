@@ -10,22 +10,15 @@ namespace kel::test {
 
 using Lines = std::vector<std::wstring>;
 
-/// The fields of a text, which may be empty.
-inline Lines SplitAll(const std::wstring& text, wchar_t separator)
-{
-    Lines fields;
-    std::wistringstream stream(text);
-    for (std::wstring field; std::getline(stream, field, separator);)
-        fields.push_back(field);
-    return fields;
-}
-
 /// Fields between bars, which may be empty, or the parts of a text between other separators, which are not.
 inline Lines Split(const std::wstring& text, wchar_t separator)
 {
-    Lines parts = SplitAll(text, separator);
-    if (separator != L'|')
-        std::erase(parts, L"");
+    Lines parts;
+    std::wistringstream stream(text);
+    for (std::wstring part; std::getline(stream, part, separator);) {
+        if (!part.empty() || separator == L'|')
+            parts.push_back(part);
+    }
     return parts;
 }
 

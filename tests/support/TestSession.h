@@ -40,17 +40,6 @@ public:
         return texts;
     }
 
-    /// What is stored at an index under several numbers, with a bar between.
-    std::wstring At(int index, std::initializer_list<unsigned> numbers) const
-    {
-        std::wstring texts;
-        for (const unsigned number : numbers) {
-            const SystemValue* value = values.TryGetValue(SystemValueID(GroupID(number), index));
-            texts += (value != nullptr ? value->Text() : std::wstring(L"(none)")) + L"|";
-        }
-        return texts.substr(0, texts.size() - 1);
-    }
-
     /// What is stored under the numbers of a range, in the store's order, as "number[index]=text" lines.
     std::vector<std::wstring> Lines(unsigned first, unsigned last) const
     {
