@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(Of, Machines,
                                          "controllers.txt", "disk_faults.txt", "optical.txt",
                                          "network_faults.txt", "sound.txt", "entries.txt", "choices.txt",
                                          "processor.txt", "firmware.txt", "faulty_software.txt",
-                                         "systems.txt"),
+                                         "browsers.txt", "systems.txt"),
                          [](const auto& file) {
                              const std::string name = file.param;
                              return name.substr(0, name.find('.'));

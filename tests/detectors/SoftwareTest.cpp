@@ -19,23 +19,6 @@ namespace {
 using test::Lines;
 using testing::Contains, testing::Not;
 
-TEST(Browser, IsThereWithItsFileAndNotAsAChannel)
-{
-    const Lines rows = test::ReadRows("browsers.txt");
-    ASSERT_GE(rows.size(), 12U);
-    for (const std::wstring& row : rows) {
-        const Lines fields = test::Split(row, L';');  // id or 0, key, file
-        const std::wstring next = std::to_wstring(std::stoul(fields[0]) + 1);
-        test::Machine machine;
-        machine.Add(fields[1] + L"\nfile " + fields[2] + L"|9.8.7.6");
-        if (fields[0] != L"0")
-            machine.Add(L"+ 73000[0]=Yes; 73001[0]=1; " + fields[0] + L"[0]=Yes; " + next + L"[0]=9.8.7.6");
-        const test::PlantedSoftware planted(machine);
-        EXPECT_EQ(test::FindSoftware(planted.functions), machine.Stored(L"+")) << row;
-        EXPECT_THAT(planted.files, Not(Contains(testing::StartsWith(L"e:"))));
-    }
-}
-
 constexpr const wchar_t* ListKey = L"software\\microsoft\\windows\\currentversion\\uninstall";
 
 /// Of files, only programs of the tables; of keys, only their places.

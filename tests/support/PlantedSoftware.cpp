@@ -1,5 +1,7 @@
 #include "support/PlantedSoftware.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <map>
 
@@ -52,6 +54,7 @@ PlantedSoftware::PlantedSoftware(const Machine& machine)
     };
     functions.fileAttributes = [this, present](const wchar_t* path) -> DWORD {
         ErrorModeCheck::Look();
+        EXPECT_NE(*path, L'E') << "a share that may be gone is asked for a file";
         files.insert(ToLower(path));
         return present.contains(ToLower(path)) ? FILE_ATTRIBUTE_NORMAL : INVALID_FILE_ATTRIBUTES;
     };
