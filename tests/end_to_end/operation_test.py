@@ -69,6 +69,8 @@ class Packaged(unittest.TestCase):
         script = "".join(f"printf '%s\\n' {shlex.quote(line)}\n{line.removeprefix('$ ')}\n" for line in lines)
         ran = subprocess.run([ROOT / "scripts" / "in_copy.sh", "sh", "-c", script], cwd=folder, text=True, timeout=120,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        if "needs the right to mount" in ran.stdout:
+            self.skipTest(ran.stdout)
         self.maxDiff = None
         self.assertEqual(ran.stdout, expected)
 
