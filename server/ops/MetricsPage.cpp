@@ -96,8 +96,7 @@ void AppendDoors(Page& page, const Metrics& metrics)
                            labels + "," + Label("method", route.method) + "," + Label("route", route.path),
                            route.counts);
     });
-    page.Metric("kel_http_refusals_total", "counter",
-                "Requests refused by the door: a limit, or no HTTP.");
+    page.Metric("kel_http_refusals_total", "counter", "Requests refused by the door: a limit, or no HTTP.");
     forDoors([&](const auto& labels, const auto& door) { AppendStatuses(page, labels, door.refused); });
     page.Metric("kel_http_request_seconds", "histogram",
                 "Time from a request's last byte until its answer is known.");
