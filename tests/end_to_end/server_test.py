@@ -198,17 +198,27 @@ class Crowds(DeployedTest):
             statuses += [self.ask("POST", f"/service/Analysis/{referrer}", analysis("s")) for _ in range(2)]
         self.assertEqual([(status, len(body) // 1_000_000) for status, body in statuses[:2]], [(200, 2)] * 2)
         self.assertEqual(statuses[2:], [(503, b"")] * 2)
+        request = analysis("s").encode()
+        head = b"POST /service/Analysis/fits HTTP/1.1\r\nContent-Length: %d\r\n\r\n" % len(request)
+        with self.deaf((head + request) * 3):  # the system takes a part of it
+            self.await_answer(lambda: self.ask("POST", "/service/Analysis/fits", request), (503, b""))
+        self.await_answer(lambda: self.ask("POST", "/service/Analysis/fits", request)[0], 200)
 
     def test_a_client_that_reads_nothing_is_gone_after_a_time(self):
         self.stop()
         self.start("--answer-seconds", "1")
-        with socket.socket() as connection:
-            connection.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
-            connection.connect(("127.0.0.1", int(self.address.split(":")[1])))
-            connection.sendall(b"GET /global/tests/test_2.bin HTTP/1.1\r\n\r\n" * 20)
+        with self.deaf(b"GET /global/tests/test_2.bin HTTP/1.1\r\n\r\n" * 20):
             for count in (b"1", b"0"):  # it is there, and then it is not
                 self.await_answer(lambda: re.search(rb'connections{door="public"} (\d)', self.ask(
                     "GET", "/metrics", address=self.admin)[1])[1], count)
+
+    def deaf(self, data):
+        """A client that sends this, and reads nothing."""
+        connection = socket.socket()
+        connection.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
+        connection.connect(("127.0.0.1", int(self.address.split(":")[1])))
+        connection.sendall(data)
+        return connection
 
     def test_the_door_opens_again_when_there_are_files_again(self):
         limits = resource.prlimit(self.process.pid, resource.RLIMIT_NOFILE)
