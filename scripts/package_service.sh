@@ -28,11 +28,12 @@ put() {  # put MODE SOURCE TARGET
 
 cmake --install build/server --prefix "$root/usr" --strip >/dev/null
 put 644 packaging/server/kel-server.service "$root/lib/systemd/system/kel-server.service"
-put 644 packaging/server/kel.conf "$root/etc/kel/kel.conf"
+put 640 packaging/server/kel.conf "$root/etc/kel/kel.conf"
 put 644 packaging/server/nginx.conf "$doc/examples/nginx.conf"
 put 644 examples/requirements/demo.json "$doc/examples/requirements/demo.json"
-put 644 docs/service.md "$doc/service.md"
-put 644 docs/service-protocol.md "$doc/service-protocol.md"
+for page in service service-protocol administration value-ids integration deployment; do
+  put 644 "docs/$page.md" "$doc/$page.md"
+done
 cat packaging/server/copyright /usr/share/doc/nlohmann-json3-dev/copyright >"$doc/copyright"
 gzip -9n >"$doc/changelog.gz" <<EOF
 kel-server ($version) stable; urgency=medium

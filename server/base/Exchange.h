@@ -40,6 +40,7 @@ struct Answer {
     std::string contentType;
     std::shared_ptr<const std::string> body;
     Headers headers = {};
+    bool isShared = false;  // whether the body is there anyway, and costs this answer no memory
 
     /// An answer with a status alone. The text of any answer to the control reaches a visitor's script, so an
     /// error has none.

@@ -58,8 +58,8 @@ struct DoorMetrics {
     std::string name;
     Count connections = 0;  // that are open
     Count turnedAway = 0;   // connections past what the door allows
-    Count bodiesBytes = 0;  // of the requests under way
-    StatusCounts refused;   // requests that were not read to their end
+    Count bodiesBytes = 0;  // of the requests and answers under way
+    StatusCounts refused;   // requests that were not read to their end, or whose answer was too large
     Histogram times;        // from a request's last byte until its answer is known
     std::deque<Route> routes;
     StatusCounts& unrouted = AddRoute("other", "other");

@@ -32,7 +32,7 @@ constexpr std::size_t PieceBytes = 8 * Limits::Kilobyte;
 class Share {
 public:
     explicit Share(Count& total) : total(total) {}
-    ~Share() { total -= taken; }
+    ~Share() { GiveBack(); }
     Share(const Share&) = delete;
     Share& operator=(const Share&) = delete;
 
@@ -44,6 +44,12 @@ public:
         total += count;
         taken += count;
         return true;
+    }
+
+    void GiveBack()
+    {
+        total -= taken;
+        taken = 0;
     }
 
 private:
@@ -75,6 +81,22 @@ private:
     std::shared_ptr<bool> isLate;
 };
 
+/// Stands among those that wait for a request.
+class Waiting {
+public:
+    Waiting(Door& door, asio::ip::tcp::socket& socket) : door(door), socket(&socket)
+    {
+        door.idle.insert(this->socket);
+    }
+    ~Waiting() { door.idle.erase(socket); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+
+private:
+    Door& door;
+    asio::ip::tcp::socket* socket;
+};
+
 /// The status that tells a client what is wrong with its request; 0 when there is nobody to tell.
 int StatusOf(const error_code& error)
 {
@@ -93,7 +115,10 @@ asio::awaitable<Answer> Run(const Door::Handler& handler, const Request& request
 
 class Connection {
 public:
-    Connection(asio::ip::tcp::socket socket, Door& door) : stream(std::move(socket)), door(door) {}
+    Connection(asio::ip::tcp::socket socket, Door& door)
+        : stream(std::move(socket)), buffer(door.limits.headerBytes + PieceBytes), door(door)
+    {
+    }
 
     asio::awaitable<void> Serve()
     {
@@ -115,11 +140,10 @@ private:
         if (door.isClosing)
             co_return false;
         error_code error;
-        door.idle.insert(&stream.socket());
+        const Waiting waiting(door, stream.socket());
         stream.expires_after(door.limits.idle);
         const std::size_t count = co_await stream.async_read_some(
             buffer.prepare(PieceBytes / 8), asio::redirect_error(asio::use_awaitable, error));
-        door.idle.erase(&stream.socket());
         buffer.commit(count);
         co_return !error && count > 0;
     }
@@ -132,20 +156,31 @@ private:
         Request request;
         const int refusal = co_await Read(parser, share, request);
         if (refusal != 0) {
-            door.metrics.refused.Add(refusal);
-            Log(Level::Warning, "refused",
-                {{"status", std::to_string(refusal)}, {"reason", "a limit, or no HTTP"}});
+            Refuse(refusal, "a limit, or no HTTP");
             co_await Write(Answer::Empty(refusal), parser.get().version(), false);
         }
         if (refusal != 0 || !parser.is_done())
             co_return false;
         const auto start = std::chrono::steady_clock::now();
-        const Answer answer =
-            co_await asio::co_spawn(door.workers, Run(door.handler, request), asio::use_awaitable);
+        Answer answer =
+            co_await asio::co_spawn(door.place(request), Run(door.handler, request), asio::use_awaitable);
         door.metrics.times.Add(std::chrono::steady_clock::now() - start);
+        request = {};
+        share.GiveBack();
+        // A client that reads nothing keeps its answer for a while.
+        if (answer.body && !answer.isShared && !share.Take(answer.body->size(), door.limits.bodiesBytes)) {
+            answer = Answer::Empty(503);
+            Refuse(answer.status, "the answers and bodies under way are too large together");
+        }
         const bool keep = parser.get().keep_alive() && !door.isClosing;
         co_await Write(answer, parser.get().version(), keep);
         co_return keep;
+    }
+
+    void Refuse(int status, const char* reason)
+    {
+        door.metrics.refused.Add(status);
+        Log(Level::Warning, "refused", {{"status", std::to_string(status)}, {"reason", reason}});
     }
 
     /// Reads a request. The status to refuse it with, or 0; it may have ended early then.
@@ -180,9 +215,12 @@ private:
         request.method = std::string(parser.get().method_string());
         request.target = std::string(parser.get().target());
         for (const std::string_view name : KnownHeaders) {
-            const auto found = parser.get().find(beast::string_view(name.data(), name.size()));
-            if (found != parser.get().end())
-                request.headers.emplace_back(name, std::string(found->value()));
+            const auto [first, last] = parser.get().equal_range(beast::string_view(name.data(), name.size()));
+            if (first == last)
+                continue;
+            if (std::next(first) != last)
+                co_return 400;  // who else reads the request may go by the other one
+            request.headers.emplace_back(name, std::string(first->value()));
         }
         co_return 0;
     }
@@ -226,7 +264,7 @@ private:
     }
 
     beast::tcp_stream stream;
-    beast::flat_buffer buffer;
+    beast::flat_buffer buffer;  // bounded: chunks' extensions and trailers have no other limit
     Door& door;
 };
 

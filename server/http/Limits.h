@@ -13,7 +13,7 @@ struct Limits {
     std::size_t connections = 10'000;
     std::size_t headerBytes = 8 * Kilobyte;
     std::size_t bodyBytes = 2 * Megabyte;
-    std::size_t bodiesBytes = 256 * Megabyte;  // of all requests that are under way together
+    std::size_t bodiesBytes = 256 * Megabyte;  // of all requests and answers that are under way together
     std::chrono::seconds request{30};          // from its first byte to its last
     std::chrono::seconds idle{30};             // until the first byte of the next
     std::chrono::seconds answer{60};           // a visitor's slow line takes the test file in this time

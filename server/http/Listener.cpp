@@ -46,11 +46,11 @@ void Report(const std::exception_ptr& end)
 
 }  // namespace
 
-Listener::Listener(asio::io_context& context, asio::thread_pool& workers, const std::string& address,
+Listener::Listener(asio::io_context& context, Door::Place place, const std::string& address,
                    std::uint16_t port, const Limits& limits, DoorMetrics& metrics, Door::Handler handler)
     : context(context),
       acceptor(Listen(context, address, port)),
-      door{std::move(handler), limits, workers, metrics}
+      door{std::move(handler), limits, std::move(place), metrics}
 {
     asio::co_spawn(context, Accept(), Report);
 }

@@ -5,7 +5,6 @@
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
-#include <boost/asio/thread_pool.hpp>
 #include <string>
 
 #include "server/http/Door.h"
@@ -16,7 +15,7 @@ namespace kel::server {
 class Listener {
 public:
     /// Listens at once. Port 0 picks a free one. Throws std::runtime_error when that fails.
-    Listener(boost::asio::io_context& context, boost::asio::thread_pool& workers, const std::string& address,
+    Listener(boost::asio::io_context& context, Door::Place place, const std::string& address,
              std::uint16_t port, const Limits& limits, DoorMetrics& metrics, Door::Handler handler);
 
     std::uint16_t Port() const { return acceptor.local_endpoint().port(); }

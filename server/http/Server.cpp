@@ -4,6 +4,7 @@
 // Boost.Asio 1.74 uses what <utility> declares without including it.
 #include <sys/resource.h>
 #include <boost/asio/signal_set.hpp>
+#include <boost/asio/thread_pool.hpp>
 
 #include <csignal>
 
@@ -31,17 +32,29 @@ void RaiseDescriptorLimit(std::size_t connections)
 }  // namespace
 
 void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, RequestHandler adminHandler,
+           const PlaceOfRequest& adminPlace,
            const std::function<void(std::uint16_t, std::uint16_t)>& listening)
 {
     RaiseDescriptorLimit(doors.limits.connections);
     asio::io_context context(1);
     asio::thread_pool workers(doors.workers), operators(1);  // who looks at reports keeps no visitor waiting
-    Listener open(context, workers, doors.address, doors.port, doors.limits, metrics.open,
+    const auto atWorkers = [&](const Request&) { return workers.get_executor(); };
+    const auto atPlace = [&](const Request& request) -> asio::any_io_executor {
+        switch (adminPlace(request)) {
+            case Place::Network:
+                return context.get_executor();
+            case Place::Workers:
+                return workers.get_executor();
+            default:
+                return operators.get_executor();
+        }
+    };
+    Listener open(context, atWorkers, doors.address, doors.port, doors.limits, metrics.open,
                   std::move(publicHandler));
-    Listener admin(context, operators, "127.0.0.1", doors.adminPort, doors.limits, metrics.admin,
+    Listener admin(context, atPlace, "127.0.0.1", doors.adminPort, doors.limits, metrics.admin,
                    std::move(adminHandler));
 
-    asio::signal_set signals(context, SIGTERM, SIGINT);
+    asio::signal_set signals(context, SIGTERM, SIGINT, SIGHUP);
     signals.async_wait([&](const boost::system::error_code&, int) {
         Log(Level::Info, "stopping");
         open.Stop();

@@ -10,6 +10,10 @@
 
 namespace kel::server {
 
+/// Who works on a request: the network's own thread, for what takes no time; the public door's threads; the
+/// operator's.
+enum class Place { Network, Workers, Operators };
+
 /// Where the service listens, and how many threads answer.
 struct Doors {
     std::string address;  // of the public door
@@ -20,12 +24,14 @@ struct Doors {
 };
 
 using RequestHandler = std::function<Answer(const Request&)>;
+using PlaceOfRequest = std::function<Place(const Request&)>;
 
 /// Listens at the public door and at the operator's, calls `listening` with both ports, and serves until
-/// SIGTERM or SIGINT: what is under way then is answered first. A second signal ends at once. Handlers are
-/// called by several threads and do not throw. Throws std::runtime_error when it cannot listen. Raises the
-/// process's limit of open files as far as it goes.
+/// SIGTERM, SIGINT or SIGHUP: what is under way then is answered first. A second signal ends at once.
+/// Handlers are called by several threads and do not throw. Throws std::runtime_error when it cannot listen.
+/// Raises the process's limit of open files as far as it goes.
 void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, RequestHandler adminHandler,
+           const PlaceOfRequest& adminPlace,
            const std::function<void(std::uint16_t port, std::uint16_t adminPort)>& listening);
 
 }  // namespace kel::server

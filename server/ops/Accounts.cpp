@@ -58,19 +58,20 @@ void AddToken(const std::string& name, const std::string& daysText, Store& store
 
 }  // namespace
 
-bool RunAccountCommand(const std::vector<std::string>& words, Store& store, std::istream& input,
+bool RunAccountCommand(const std::vector<std::string>& words,
+                       const std::function<std::unique_ptr<Store>()>& open, std::istream& input,
                        std::ostream& output)
 {
     const std::string command = words.size() < 2 ? "" : words[0] + " " + words[1];
     if (command == "user add" && words.size() == 4)
-        AddUser(words[2], words[3], store, input);
+        AddUser(words[2], words[3], *open(), input);
     else if (command == "user remove" && words.size() == 3)
-        RemoveUser(words[2], store);
+        RemoveUser(words[2], *open());
     else if (command == "user list" && words.size() == 2)
-        for (const Account& account : store.Accounts())
+        for (const Account& account : open()->Accounts())
             output << (account.role == Role::Editor ? "editor " : "reader ") << account.name << '\n';
     else if (command == "token add" && (words.size() == 3 || words.size() == 4))
-        AddToken(words[2], words.size() == 4 ? words[3] : "", store, output);
+        AddToken(words[2], words.size() == 4 ? words[3] : "", *open(), output);
     else
         return false;
     return true;

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -9,9 +11,11 @@
 namespace kel::server {
 
 /// Runs a command on accounts: `user add ROLE NAME` (the password is the input's first line), `user remove
-/// NAME`, `user list`, `token add NAME [DAYS]`. False when the words are no such command; throws
+/// NAME`, `user list`, `token add NAME [DAYS]`. False, and no store is opened, when the words are no such
+/// command; throws
 /// std::runtime_error when it cannot be done.
-bool RunAccountCommand(const std::vector<std::string>& words, Store& store, std::istream& input,
+bool RunAccountCommand(const std::vector<std::string>& words,
+                       const std::function<std::unique_ptr<Store>()>& open, std::istream& input,
                        std::ostream& output);
 
 }  // namespace kel::server

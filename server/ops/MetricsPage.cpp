@@ -96,8 +96,7 @@ void AppendDoors(Page& page, const Metrics& metrics)
                            labels + "," + Label("method", route.method) + "," + Label("route", route.path),
                            route.counts);
     });
-    page.Metric("kel_http_refusals_total", "counter",
-                "Requests refused before they were read: a limit, or no HTTP.");
+    page.Metric("kel_http_refusals_total", "counter", "Requests refused by the door: a limit, or no HTTP.");
     forDoors([&](const auto& labels, const auto& door) { AppendStatuses(page, labels, door.refused); });
     page.Metric("kel_http_request_seconds", "histogram",
                 "Time from a request's last byte until its answer is known.");
@@ -106,7 +105,7 @@ void AppendDoors(Page& page, const Metrics& metrics)
     forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.connections); });
     page.Metric("kel_connections_refused_total", "counter", "Connections past what the door allows.");
     forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.turnedAway); });
-    page.Metric("kel_bodies_bytes", "gauge", "Bytes of the request bodies under way.");
+    page.Metric("kel_bodies_bytes", "gauge", "Bytes of the bodies under way, of requests and answers.");
     forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.bodiesBytes); });
 }
 

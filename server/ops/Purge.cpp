@@ -26,7 +26,7 @@ std::chrono::hours AgeOf(const std::string& text)
     return unit == "d" ? std::chrono::days(number) : std::chrono::hours(number);
 }
 
-int Repeat(const std::function<int(int)>& deleteSome, const std::function<bool()>& ends)
+int Repeat(Store& store, const std::function<int(int)>& deleteSome, const std::function<bool()>& ends)
 {
     int total = 0;
     for (int count = 1; count > 0 && !ends();) {
@@ -34,6 +34,8 @@ int Repeat(const std::function<int(int)>& deleteSome, const std::function<bool()
         total += count;
         std::this_thread::sleep_for(Pause);
     }
+    if (total > 0)
+        store.EndDeletion();
     return total;
 }
 
@@ -42,7 +44,8 @@ int Repeat(const std::function<int(int)>& deleteSome, const std::function<bool()
 int PurgeOlder(Store& store, std::chrono::hours age, const std::function<bool()>& ends)
 {
     const std::int64_t time = Now() - std::chrono::milliseconds(age).count();
-    return Repeat([&](int most) { return store.DeleteOlder(time, most); }, ends);
+    return Repeat(
+        store, [&](int most) { return store.DeleteOlder(time, most); }, ends);
 }
 
 void Purge(Store& store, std::string_view option, const std::string& value)
@@ -52,9 +55,11 @@ void Purge(Store& store, std::string_view option, const std::string& value)
     if (option == "--older")
         count = PurgeOlder(store, AgeOf(value), never);
     else if (option == "--session")
-        count = Repeat([&](int most) { return store.DeleteSession(value, most); }, never);
+        count = Repeat(
+            store, [&](int most) { return store.DeleteSession(value, most); }, never);
     else if (option == "--machine")
-        count = Repeat([&](int most) { return store.DeleteMachine(value, most); }, never);
+        count = Repeat(
+            store, [&](int most) { return store.DeleteMachine(value, most); }, never);
     else
         throw std::runtime_error("purge needs --older, --session or --machine");
     Log(Level::Info, "purged", {{"reports", std::to_string(count)}});

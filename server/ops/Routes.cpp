@@ -61,4 +61,11 @@ Router AdminRoutes(Store& store, Metrics& metrics)
     return router;
 }
 
+Place AdminPlace(const Request& request)
+{
+    if (request.target == "/healthz" || request.target == "/metrics")
+        return Place::Network;
+    return request.target == "/readyz" ? Place::Workers : Place::Operators;
+}
+
 }  // namespace kel::server

@@ -2,6 +2,7 @@
 
 #include "server/base/Metrics.h"
 #include "server/http/Router.h"
+#include "server/http/Server.h"
 #include "server/protocol/Service.h"
 #include "server/store/Store.h"
 
@@ -12,5 +13,8 @@ Router PublicRoutes(Service& service, Metrics& metrics);
 
 /// The requests of the operator's door.
 Router AdminRoutes(Store& store, Metrics& metrics);
+
+/// Who answers a request at the operator's door: nobody's long work keeps a check waiting.
+Place AdminPlace(const Request& request);
 
 }  // namespace kel::server

@@ -1,3 +1,5 @@
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <array>
 #include <csignal>
@@ -51,6 +53,7 @@ void WritePort(const std::string& path, std::uint16_t port)
     if (path.empty())
         return;
     std::ofstream(path + ".new") << port;
+    std::filesystem::permissions(path + ".new", std::filesystem::perms(0644));
     std::filesystem::rename(path + ".new", path);
 }
 
@@ -68,7 +71,7 @@ void RunServe(const Config& config)
     site.AddTo(admin);
     Serve(
         config.doors, metrics, [&](const Request& request) { return open.Handle(request); },
-        [&](const Request& request) { return admin.Handle(request); },
+        [&](const Request& request) { return admin.Handle(request); }, AdminPlace,
         [&](std::uint16_t port, std::uint16_t adminPort) {
             Log(Level::Info, "listening",
                 {{"address", config.doors.address},
@@ -97,9 +100,15 @@ void SetLogLevel(const std::string& name)
 
 int Run(std::vector<std::string> arguments)
 {
+    if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
+        std::cerr << Usage;
+        return 2;
+    }
     const Config config = Config::Read(arguments, PurgeOptions);
     SetLogLevel(config.logLevel);
     const std::string command = arguments.empty() ? "" : arguments[0];
+    if (command != "export")  // requirements are no secret; what is made otherwise has visitors' data
+        umask(S_IRWXG | S_IRWXO);
     if (command == "serve" && arguments.size() == 1) {
         RunServe(config);
     } else if (command == "migrate" && arguments.size() == 1) {
@@ -112,10 +121,8 @@ int Run(std::vector<std::string> arguments)
         Backup(config.store, arguments[1]);
     } else if (command == "purge" && arguments.size() == 3) {
         Purge(*OpenStore(config.store), arguments[1], arguments[2]);
-    } else if (command != "user" && command != "token") {
-        std::cerr << Usage;
-        return 2;
-    } else if (!RunAccountCommand(arguments, *OpenStore(config.store), std::cin, std::cout)) {
+    } else if (!RunAccountCommand(
+                   arguments, [&] { return OpenStore(config.store); }, std::cin, std::cout)) {
         std::cerr << Usage;
         return 2;
     }
@@ -127,6 +134,7 @@ int Run(std::vector<std::string> arguments)
 int main(int count, char** arguments)
 {
     std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is as a disk that is full, and no end
+    std::signal(SIGPIPE, SIG_IGN);  // nor is whoever read the log and reads no more
     try {
         return Run({arguments + 1, arguments + count});
     } catch (const std::exception& error) {

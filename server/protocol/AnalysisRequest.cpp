@@ -1,9 +1,17 @@
 #include "server/protocol/AnalysisRequest.h"
 
+#include <cstring>
+
 #include "server/base/Fault.h"
 #include "server/report/Xml.h"
 
 namespace kel::server {
+
+namespace {
+
+constexpr std::size_t LongestText = 1024;  // bytes; the answer repeats some, and a verdict keeps one
+
+}  // namespace
 
 AnalysisRequest AnalysisRequest::Read(std::string_view xml)
 {
@@ -11,6 +19,10 @@ AnalysisRequest AnalysisRequest::Read(std::string_view xml)
     const pugi::xml_node root = document.document_element();
     if (std::string_view(root.name()) != "System")
         throw Fault(400, "the body is no analysis request");
+    for (const char* name : {"SessionID", "ItemID", "UserID", "Format", "Schema"}) {
+        if (std::strlen(root.child_value(name)) > LongestText)
+            throw Fault(400, std::string("the request's ") + name + " is too long");
+    }
     return {root.child_value("SessionID"), root.child_value("ItemID"), root.child_value("UserID"),
             root.child_value("Format"), root.child_value("Schema")};
 }

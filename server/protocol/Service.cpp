@@ -15,6 +15,7 @@ namespace kel::server {
 namespace {
 
 constexpr std::size_t TestFileBytes = 1'000'000;
+constexpr std::size_t LongestUser = 1024, LongestMachine = 1024;  // bytes; what is longer identifies nothing
 
 std::string MakeTestFile()
 {
@@ -83,8 +84,10 @@ Answer Service::SystemInformation(const std::string& body)
 Answer Service::KeepReport(const Report& report, const std::string& body)
 {
     const std::string& referrer = report.Text(Report::Referrer);
+    const std::string& machine = report.Text(Report::Machine);
     store.Keep(NewReport{report.Text(Report::Session), IsReferrer(referrer) ? referrer : "",
-                         report.Text(Report::User), report.Text(Report::Machine), body});
+                         Shortened(report.Text(Report::User), LongestUser),
+                         machine.size() <= LongestMachine ? machine : "", body});
     ++metrics.uploads;
     Log(Level::Info, "uploaded",
         {{"session", report.Text(Report::Session)},
@@ -114,7 +117,7 @@ Answer Service::Analysis(const std::string& referrer, const std::string& body)
 
 Answer Service::TestFile() const
 {
-    return {200, "application/octet-stream", testFile};
+    return {200, "application/octet-stream", testFile, {}, true};
 }
 
 }  // namespace kel::server

@@ -58,6 +58,9 @@ public:
     /// What a SELECT ends with whose rows are about to be deleted, so that two who delete do not wait for
     /// each other; empty where only one can write.
     virtual std::string_view SkipLocked() const { return {}; }
+    /// Takes what was deleted out of the log that writes go through, unless somebody reads by it; for a
+    /// database that looks after its log itself, nothing.
+    virtual void EmptyLog() {}
     /// No report will come any more with an id up to this one. Reports that arrive together may be seen in
     /// another order than that of their ids, and who goes through them by id would miss some.
     virtual std::int64_t SettledReport() { return std::numeric_limits<std::int64_t>::max(); }

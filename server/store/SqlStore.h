@@ -42,6 +42,7 @@ public:
     int DeleteOlder(std::int64_t time, int most) override;
     int DeleteSession(const std::string& session, int most) override;
     int DeleteMachine(const std::string& machine, int most) override;
+    void EndDeletion() override { writers->Borrow()->EmptyLog(); }
 
     void Keep(const Account& account) override;
     std::optional<Account> FindAccount(const std::string& name) override;

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int Unavailable = 503;
 constexpr int BusyMilliseconds = 10'000;
+constexpr int LogMilliseconds = 200;
 constexpr std::int64_t ApplicationId = 0x4B454C53;  // "KELS": tells the file from other programs' databases
 
 /// Gives up a statement's rows and values at the end, and the lock on the file with them.
@@ -49,6 +50,9 @@ std::string Column(sqlite3_stmt* statement, int column)
 
 SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durability durability)
 {
+    // Another kind of address, or a mistyped one, may have a password, which is not repeated.
+    if (path.find("://") != std::string::npos)
+        throw std::runtime_error("the database is neither a file nor an address of PostgreSQL");
     sqlite3* opened = nullptr;
     const int flags =
         SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
@@ -57,7 +61,8 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
     if (result != SQLITE_OK)
         throw Fault(Unavailable, path + ": " + (opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));
     sqlite3_busy_timeout(opened, BusyMilliseconds);
-    Execute("PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON;");
+    // Deleted data are overwritten, whatever the library was built for.
+    Execute("PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON; PRAGMA secure_delete = ON");
     Execute(durability == Durability::Full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
 }
 
@@ -88,6 +93,14 @@ void SqliteConnection::Execute(const std::string& sql)
 {
     if (sqlite3_exec(Get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
         Fail();
+}
+
+void SqliteConnection::EmptyLog()
+{
+    // Meanwhile nobody writes: who reads for long, such as a backup, is not waited for.
+    sqlite3_busy_timeout(Get(), LogMilliseconds);
+    Query("PRAGMA wal_checkpoint(TRUNCATE)");
+    sqlite3_busy_timeout(Get(), BusyMilliseconds);
 }
 
 std::span<const char* const> SqliteConnection::Migrations() const

@@ -73,6 +73,8 @@ public:
     virtual int DeleteOlder(std::int64_t time, int most) = 0;
     virtual int DeleteSession(const std::string& session, int most) = 0;
     virtual int DeleteMachine(const std::string& machine, int most) = 0;
+    /// Once all is deleted: takes it out of the database's log, too, if nobody reads by that.
+    virtual void EndDeletion() = 0;
 
     // Accounts.
 

@@ -8,7 +8,7 @@ namespace kel::server {
 namespace {
 
 // Bytes. Nothing that a machine tells is near it, and each line takes its time for it.
-constexpr std::size_t LongestValue = 65'536;
+constexpr std::size_t LongestValue = 4096;
 
 Result Of(bool holds)
 {
@@ -116,11 +116,16 @@ std::string WhyNeverMet(Comparison comparison, std::string_view needed)
     }
 }
 
-Result Compare(Comparison comparison, const std::string* found, std::string_view needed)
+std::string Comparable(const std::string* value)
 {
-    if (!found || found->size() > LongestValue || Trim(*found).empty())
+    return value && value->size() <= LongestValue ? Lower(Trim(*value)) : std::string();
+}
+
+Result Compare(Comparison comparison, std::string_view left, std::string_view needed)
+{
+    if (left.empty())
         return Result::Unknown;
-    const std::string left = Lower(Trim(*found)), right = Lower(Trim(needed));
+    const std::string right = Lower(Trim(needed));
     switch (comparison) {
         case Comparison::AtLeastVersion:
             return CompareVersion(left, right);

@@ -23,8 +23,12 @@ std::string_view NameOf(Comparison comparison);
 /// could.
 std::string WhyNeverMet(Comparison comparison, std::string_view needed);
 
-/// Compares strictly. A value that the report lacks (null), that is blank, longer than 64 KB, or that cannot
-/// be read as what the comparison compares is unknown: only a value that was understood fails.
-Result Compare(Comparison comparison, const std::string* found, std::string_view needed);
+/// What can be compared of a report's value: without the blanks around it, in lower case. Empty when the
+/// report lacks it (null), when it is blank, and when it is longer than 4 KB.
+std::string Comparable(const std::string* value);
+
+/// Compares strictly what Comparable gave with what is needed. What is empty, and what cannot be read as what
+/// the comparison compares, is unknown: only a value that was understood fails.
+Result Compare(Comparison comparison, std::string_view found, std::string_view needed);
 
 }  // namespace kel::server

@@ -1,6 +1,7 @@
 #include "server/verdict/Verdict.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "server/base/Text.h"
 
@@ -50,14 +51,39 @@ std::string FoundIn(const std::vector<VerdictPart>& parts)
     return isKnown ? found : std::string();
 }
 
-VerdictLine JudgeLine(const Requirement& requirement, const Report& report)
+/// A report's values as they are needed. Many conditions may ask for one, which is made ready once.
+class Values {
+public:
+    struct Value {
+        std::string comparable, shown;
+    };
+
+    explicit Values(const Report& report) : report(report) {}
+
+    const Value& Get(int group)
+    {
+        const auto found = values.find(group);
+        if (found != values.end())
+            return found->second;
+        return values
+            .emplace(group, Value{Comparable(report.Value(group)),
+                                  Shortened(report.Text(group), Verdict::LongestFound)})
+            .first->second;
+    }
+
+private:
+    const Report& report;
+    std::unordered_map<int, Value> values;
+};
+
+VerdictLine JudgeLine(const Requirement& requirement, Values& values)
 {
     VerdictLine line;
-    for (const Condition& condition : requirement.anyOf)
-        line.parts.push_back(
-            {condition.group, condition.Text(),
-             Shortened(report.Text(condition.group), Verdict::LongestFound),
-             Compare(condition.comparison, report.Value(condition.group), condition.needed)});
+    for (const Condition& condition : requirement.anyOf) {
+        const Values::Value& value = values.Get(condition.group);
+        line.parts.push_back({condition.group, condition.Text(), value.shown,
+                              Compare(condition.comparison, value.comparable, condition.needed)});
+    }
     line.group = requirement.anyOf.front().group;
     line.label = requirement.label;
     line.needed = requirement.Needed();
@@ -73,9 +99,10 @@ VerdictLine JudgeLine(const Requirement& requirement, const Report& report)
 Verdict Judge(const Requirements& requirements, const Report& report)
 {
     Verdict verdict;
+    Values values(report);
     verdict.title = requirements.title;
     for (const Requirement& line : requirements.lines)
-        verdict.lines.push_back(JudgeLine(line, report));
+        verdict.lines.push_back(JudgeLine(line, values));
     verdict.total = TotalOf(verdict.lines);
     return verdict;
 }

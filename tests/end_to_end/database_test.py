@@ -74,12 +74,11 @@ class Commands(DataTest):
         writer.start()
         time.sleep(0.3)
         copy = self.folder / "copy.db"
-        (self.folder / "copy.db.new").write_text("of one that was killed")
         before = self.database.run("SELECT count(*) FROM report")[0][0]
         self.command("backup", copy)
         ends.set()
         writer.join()
-        self.assertFalse((self.folder / "copy.db.new").exists())
+        self.assertEqual([*self.folder.glob("copy.db*")], [copy])
         self.assertEqual(copy.stat().st_mode & 0o777, 0o600)
         self.assertIn("there already", self.command("backup", copy, code=1))
         self.stop()
@@ -88,6 +87,16 @@ class Commands(DataTest):
         self.assertGreaterEqual(self.database.run("SELECT count(*) FROM report")[0][0], before)
         self.start()
         self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis("0"))[1])
+
+    @sqlite
+    def test_what_is_deleted_is_nowhere_in_the_files_and_they_are_their_owners_alone(self):
+        self.upload("a", machine="hidden" * 50)
+        held = sum((path.read_bytes().count(b"hidden") for path in self.folder.glob("kel.db*")))
+        self.assertGreater(held, 50)
+        self.command("purge", "--session", "a")
+        self.assertEqual(sum(path.read_bytes().count(b"hidden") for path in self.folder.glob("kel.db*")), 0)
+        self.assertEqual({path.stat().st_mode & 0o777 for path in self.folder.glob("kel.db*")}, {0o600})
+        self.assertEqual((self.folder / "port").stat().st_mode & 0o777, 0o644)
 
     @postgresql
     def test_a_server_is_not_copied_here(self):
@@ -132,6 +141,18 @@ class Faults(DataTest):
             self.assertIsNone(self.process.poll())
         upload.join()
         self.assertEqual((answers, self.process.wait(10), self.sessions()), ([(200, b"OK")], 0, "slow"))
+
+    def test_a_page_that_takes_long_keeps_no_check_waiting(self):
+        with self.database.held():
+            page = threading.Thread(target=self.ask, args=("POST", "/login", "name=x&password=y", self.admin))
+            page.start()
+            time.sleep(0.5)
+            start = time.monotonic()
+            for path in ("/healthz", "/metrics") + ("/readyz",) * (KIND == "sqlite"):
+                self.assertEqual(self.ask("GET", path, address=self.admin)[0], 200)
+            self.assertLess(time.monotonic() - start, 0.3)
+            self.assertTrue(page.is_alive())
+        page.join()
 
     def refused(self, reason):
         """An upload fails and says nothing, the log says why."""

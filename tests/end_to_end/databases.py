@@ -29,6 +29,10 @@ class Sqlite:
         with contextlib.closing(sqlite3.connect(self.path, isolation_level=None)) as connection:
             return connection.execute(sql).fetchall()
 
+    def connections(self, pid):
+        """Those that read; one more writes."""
+        return sum(os.path.realpath(file) == str(self.path) for file in Path(f"/proc/{pid}/fd").iterdir()) - 1
+
     @contextlib.contextmanager
     def held(self):
         """Nobody else can write meanwhile."""
@@ -103,11 +107,15 @@ class Postgres:
         return [tuple(int(text) if text.lstrip("-").isdigit() else text for text in line.split("|"))
                 for line in output.splitlines()]
 
+    def connections(self, _):
+        return self.run("SELECT count(*) FROM pg_stat_activity WHERE application_name = 'kel_server' "
+                        "AND datname = current_database()")[0][0]
+
     @contextlib.contextmanager
     def held(self):
         lock = subprocess.Popen([self.server.programs / "psql", "-XqAt", "-d", self.setting], text=True,
                                 stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        lock.stdin.write("BEGIN; LOCK TABLE report, requirement_set; SELECT 1;\n")
+        lock.stdin.write("BEGIN; LOCK TABLE report, requirement_set, audit; SELECT 1;\n")
         lock.stdin.flush()
         lock.stdout.readline()
         yield

@@ -149,14 +149,15 @@ Check ReadComparison(std::string_view text)
         const std::string bare = Lower(Trim(found));
         const bool isAnswer = *comparison == Comparison::Yes || *comparison == Comparison::No,
                    isText = *comparison >= Comparison::Equals;
-        Expect(
-            Compare(*comparison, &found, needed) != Result::Fail || (isAnswer ? bare == "yes" || bare == "no"
-                                                                     : isText ? !bare.empty()
-                                                                              : std::isdigit(bare[0]) != 0),
-            "what cannot be read never fails");
+        Expect(Compare(*comparison, Comparable(&found), needed) != Result::Fail ||
+                   (isAnswer ? bare == "yes" || bare == "no"
+                    : isText ? !bare.empty()
+                             : std::isdigit(bare[0]) != 0),
+               "what cannot be read never fails");
         if (*comparison < Comparison::Any && *comparison != Comparison::OneOf &&
             WhyNeverMet(*comparison, needed).empty())
-            Expect(Compare(*comparison, &needed, needed) == Result::Pass, "what is needed is enough");
+            Expect(Compare(*comparison, Comparable(&needed), needed) == Result::Pass,
+                   "what is needed is enough");
     };
 }
 

@@ -11,6 +11,7 @@
 #include "server/base/Fault.h"
 #include "server/store/Migrations.h"
 #include "server/store/OpenStore.h"
+#include "server/store/PostgresConnection.h"
 
 namespace kel::server {
 
@@ -275,6 +276,36 @@ TEST_F(StoreTest, AccountsLogInsAndNotes)
         s.Note("ann", "did", subject);
     const auto notes = s.Notes(0, 2);
     EXPECT_EQ(Told({notes[0].subject, notes.at(1).subject, s.Notes(notes[1].id, 2).at(0).subject}), "3 2 1 ");
+}
+
+TEST_F(StoreTest, ConnectionsKeepWhatIsPromised)
+{
+    if (settings.database.starts_with("postgresql:")) {
+        PostgresConnection connection(settings.database, PostgresConnection::Patience::Request);
+        EXPECT_EQ(connection.Query("SHOW statement_timeout")[0].Text(0), "10s");
+        return;
+    }
+    for (const auto& [durability, level] : {std::pair{"normal", 1}, {"full", 2}}) {
+        settings.durability = durability;
+        EXPECT_EQ(OpenForMigration(settings)->Query("PRAGMA synchronous")[0].Number(0), level);
+    }
+    EXPECT_EQ(raw->Query("PRAGMA secure_delete")[0].Number(0), 1);
+}
+
+TEST_F(StoreTest, WhatIsLookedForHasAnIndex)
+{
+    Open();
+    if (settings.database.starts_with("postgresql:"))
+        return;  // which goes by what the tables hold
+    const std::string verdicts = "SELECT report, requirement_set, total FROM verdict WHERE ";
+    for (const auto& [sql, index] :
+         {std::pair{"referrer = 1 ORDER BY report DESC, requirement_set DESC LIMIT 9", "verdict_by_referrer"},
+          {"total = 'pass' AND report < 9 ORDER BY report DESC", "verdict_by_total"},
+          {"total = 'pass' AND referrer = 1 AND report < 9 ORDER BY report DESC", "verdict_by_both"}}) {
+        const SqlRows plan = raw->Query("EXPLAIN QUERY PLAN " + verdicts + sql);
+        EXPECT_EQ(plan.size(), 1U) << sql;  // nothing is sorted
+        EXPECT_NE(plan[0].Text(3).find(std::string("COVERING INDEX ") + index), std::string::npos) << sql;
+    }
 }
 
 TEST_F(StoreTest, TextsComeBackAsTheyAre)

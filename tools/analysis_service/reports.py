@@ -7,6 +7,7 @@ from xml.etree import ElementTree
 from errors import ServiceError
 
 SESSION_GROUP = "71424"
+LONGEST_TEXT = 1024  # bytes, of each that an analysis request has
 
 
 @dataclass
@@ -70,8 +71,10 @@ def parse_analysis(body):
     root = _checked_xml(body)
     if root.tag != "System":
         raise ServiceError(400, "The body is no analysis request.")
-    return AnalysisRequest(*(root.findtext(name) or ""
-                             for name in ("SessionID", "ItemID", "UserID", "Format", "Schema")))
+    texts = [root.findtext(name) or "" for name in ("SessionID", "ItemID", "UserID", "Format", "Schema")]
+    if any(len(text.encode()) > LONGEST_TEXT for text in texts):
+        raise ServiceError(400, "A text of the request is too long.")
+    return AnalysisRequest(*texts)
 
 
 class ReportStore:

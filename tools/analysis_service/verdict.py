@@ -11,7 +11,7 @@ UNITS = {"": (1, "")} | {prefix + kind: (base ** power, kind) for kind, base, pr
                          for power, prefix in enumerate(["", *prefixes])}  # a unit's factor, and what it counts
 PASS, FAIL, UNKNOWN = "pass", "fail", "unknown"
 MARKS = {PASS: "✓ Meets", FAIL: "✗ Does not meet", UNKNOWN: "? Not known"}
-LONGEST_VALUE, LONGEST_FOUND = 64 * 1024, 1000  # bytes: of a value that is compared, and of what is told of one
+LONGEST_VALUE, LONGEST_FOUND = 4096, 1000  # bytes: of a value that is compared, and of what is told of one
 STYLE = Path(__file__).resolve().parents[2] / "examples" / "check.css"
 
 

@@ -13,6 +13,8 @@ int main(int count, char** arguments)
         return kel::server::Answer::Of("text/plain; charset=utf-8", "OK");
     };
     kel::server::Metrics metrics;
-    kel::server::Serve({"127.0.0.1", 0, 0, 2, {}}, metrics, answer, answer,
-                       [&](std::uint16_t port, std::uint16_t) { std::ofstream(portFile) << port; });
+    kel::server::Serve(
+        {"127.0.0.1", 0, 0, 2, {}}, metrics, answer, answer,
+        [](const kel::server::Request&) { return kel::server::Place::Operators; },
+        [&](std::uint16_t port, std::uint16_t) { std::ofstream(portFile) << port; });
 }

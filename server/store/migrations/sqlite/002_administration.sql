@@ -10,19 +10,19 @@ CREATE TABLE new_verdict (
     requirement_set INTEGER NOT NULL REFERENCES requirement_set,
     referrer INTEGER NOT NULL REFERENCES referrer,
     judged INTEGER NOT NULL,
-    item TEXT NOT NULL,
     total TEXT NOT NULL,
-    lines TEXT NOT NULL,
-    PRIMARY KEY (report, requirement_set)
-) STRICT, WITHOUT ROWID;
-INSERT INTO new_verdict
-    SELECT report, requirement_set, referrer, judged, item, total, lines
+    item TEXT NOT NULL,
+    lines TEXT NOT NULL,  -- large: the row keeps a number of its own, and indexes stay small
+    UNIQUE (report, requirement_set)
+) STRICT;
+INSERT INTO new_verdict (report, requirement_set, referrer, judged, total, item, lines)
+    SELECT report, requirement_set, referrer, judged, total, item, lines
     FROM verdict JOIN requirement_set ON requirement_set.id = requirement_set;
 DROP TABLE verdict;
 ALTER TABLE new_verdict RENAME TO verdict;
-CREATE INDEX verdict_by_referrer ON verdict (referrer, report, total);
-CREATE INDEX verdict_by_total ON verdict (total, report);
-CREATE INDEX verdict_by_both ON verdict (referrer, total, report);
+CREATE INDEX verdict_by_referrer ON verdict (referrer, report, requirement_set, total);
+CREATE INDEX verdict_by_total ON verdict (total, report, requirement_set);
+CREATE INDEX verdict_by_both ON verdict (referrer, total, report, requirement_set);
 
 -- A draft that was published or dropped stays as an empty text, so that its revision never comes again.
 CREATE TABLE draft (
