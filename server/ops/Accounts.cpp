@@ -50,9 +50,10 @@ void AddToken(const std::string& name, const std::string& daysText, Store& store
     const std::int64_t days = daysText.empty() ? UsualDays : WholeNumber(daysText);
     if (days < 1 || days > MostDays)
         throw std::runtime_error("a token lasts 1 to 3650 days");
-    if (!store.FindAccount(name))
+    const auto account = store.FindAccount(name);
+    if (!account)
         throw std::runtime_error("there is no account '" + name + "'");
-    output << MakeToken(store, name, static_cast<int>(days)) << '\n';
+    output << MakeToken(store, *account, static_cast<int>(days)) << '\n';
     store.Note(Author, "token made", name + ", " + std::to_string(days) + " days");
 }
 

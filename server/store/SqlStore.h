@@ -47,7 +47,7 @@ public:
     std::optional<Account> FindAccount(const std::string& name) override;
     std::vector<Account> Accounts() override;
     bool RemoveAccount(const std::string& name) override;
-    void Keep(const Login& login) override;
+    bool Keep(const Login& login) override;
     std::optional<Login> FindLogin(const std::string& key) override;
     void EndLogin(const std::string& key) override;
     void Note(const std::string& account, const std::string& action, const std::string& subject) override;

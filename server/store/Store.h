@@ -82,12 +82,13 @@ public:
     virtual std::vector<Account> Accounts() = 0;
     /// False when there is no such account.
     virtual bool RemoveAccount(const std::string& name) = 0;
-    /// Keeps a log-in, and forgets those that have ended by now.
-    virtual void Keep(const Login& login) = 0;
+    /// Keeps a log-in, and forgets those that have ended by now. False, and nothing is kept, when the account
+    /// has gone or has another hash by now.
+    virtual bool Keep(const Login& login) = 0;
     /// The log-in with that key, if it has not ended and its account still exists.
     virtual std::optional<Login> FindLogin(const std::string& key) = 0;
     virtual void EndLogin(const std::string& key) = 0;
-    /// Notes who did what.
+    /// Notes who did what, and forgets what is older than a year.
     virtual void Note(const std::string& account, const std::string& action, const std::string& subject) = 0;
     /// What was noted before the entry of that id (0: the newest), the newest first.
     virtual std::vector<AuditLine> Notes(std::int64_t beforeId, int count) = 0;

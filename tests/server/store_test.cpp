@@ -261,13 +261,25 @@ TEST_F(StoreTest, AccountsLogInsAndNotes)
                                           {"long", "ann", Now() + Minute},
                                           {"end", "ann", Now() + Minute},
                                           {"bob", "Bob", Now() + Minute}})
-        s.Keep(Login{key, name, Role::Reader, "token", ends});
+        s.Keep(
+            Login{key, name, Role::Reader, "token", ends, LoginKind::Program, name[0] == 'a' ? "h1" : "h2"});
+    for (const auto& [name, hash] : {std::pair("ann", "h2"), {"ann", ""}, {"nobody", ""}})
+        EXPECT_FALSE(s.Keep(Login{hash, name, Role::Reader, "", Now() + Minute, {}, hash}));
     const auto isIn = [&](const char* key) { return s.FindLogin(key).has_value(); };
     s.EndLogin("end");
     EXPECT_EQ(Told({Count("login_session"), isIn("over"), isIn("long"), isIn("end"), isIn("bob")}),
               "2 0 1 0 1 ");
     const Login found = s.FindLogin("long").value_or(Login{});
-    EXPECT_EQ(Told({found.account, found.formToken, found.role == Role::Editor}), "ann token 1 ");
+    EXPECT_EQ(
+        Told({found.account, found.formToken, found.role == Role::Editor, found.kind == LoginKind::Program}),
+        "ann token 1 1 ");
+    raw->Execute("BEGIN; UPDATE account SET hash = 'other' WHERE name = 'Bob'");
+    auto late = std::async(std::launch::async, [&] {
+        return s.Keep(Login{"late", "Bob", Role::Reader, "", Now() + Minute, LoginKind::Browser, "h2"});
+    });
+    late.wait_for(std::chrono::milliseconds(100));
+    raw->Execute("COMMIT");
+    EXPECT_FALSE(late.get());  // the password that was right is another one by now
     s.Keep(Account{"ann", "h3", Role::Reader});
     EXPECT_EQ(Told({isIn("long"), s.FindAccount("ann")->hash}), "0 h3 ");
     EXPECT_EQ(Told({s.RemoveAccount("Bob"), isIn("bob"), s.RemoveAccount("Bob")}), "1 0 0 ");
@@ -275,6 +287,9 @@ TEST_F(StoreTest, AccountsLogInsAndNotes)
         s.Note("ann", "did", subject);
     const auto notes = s.Notes(0, 2);
     EXPECT_EQ(Told({notes[0].subject, notes.at(1).subject, s.Notes(notes[1].id, 2).at(0).subject}), "3 2 1 ");
+    raw->Query("UPDATE audit SET time = $1 WHERE subject < '3'", {Now() - 366 * 24 * 60 * Minute});
+    s.Note("ann", "did", "4");
+    EXPECT_EQ(Told({Count("audit"), s.Notes(0, 5).at(1).subject}), "2 3 ");
 }
 
 TEST_F(StoreTest, TextsComeBackAsTheyAre)
