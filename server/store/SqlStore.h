@@ -35,7 +35,8 @@ public:
     std::vector<ReportLine> Reports(const ReportFilter& filter) override;
     std::optional<FullReport> FindReport(std::int64_t report) override;
     std::vector<StoredVerdict> VerdictsOf(std::int64_t report) override;
-    std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, int count) override;
+    std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
+                                              int count) override;
     Totals RecentTotals(const std::string& referrer, int count) override;
     std::vector<FullReport> RecentReports(const std::string& referrer, int count) override;
 

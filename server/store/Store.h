@@ -61,9 +61,12 @@ public:
     virtual std::optional<FullReport> FindReport(std::int64_t report) = 0;
     /// The verdicts on a report, the newest requirements first.
     virtual std::vector<StoredVerdict> VerdictsOf(std::int64_t report) = 0;
-    /// The newest verdicts by a referrer's requirements of any version, the newest report first.
-    virtual std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, int count) = 0;
-    /// How many of the newest verdicts by a referrer's requirements have which total.
+    /// The newest verdicts by a referrer's requirements of any version, on reports before that one (0: on
+    /// all), the newest report first.
+    virtual std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
+                                                      int count) = 0;
+    /// Of so many of the newest verdicts by a referrer's requirements: how many sessions' newest one has
+    /// which total.
     virtual Totals RecentTotals(const std::string& referrer, int count) = 0;
     /// The newest reports of a referrer, the newest first.
     virtual std::vector<FullReport> RecentReports(const std::string& referrer, int count) = 0;
