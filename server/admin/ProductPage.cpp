@@ -111,7 +111,7 @@ Html ProductPage::MachinesOf(const std::string& referrer) const
     for (std::size_t i = 0; i < distributions.size(); ++i)
         charts += Chart(Pictures[i].title, distributions[i].Bars());
     return Html::Element("p", {{"class", "lead"}},
-                         "Of " + recent.Text() +
+                         "The charts are of " + recent.Text() +
                              ". A report has what the requirements ask for; the rest is not told.") +
            Html::Element("div", {{"class", "charts"}}, charts);
 }

@@ -115,7 +115,7 @@ std::optional<Login> Sessions::FindBearer(const Request& request)
 
 std::string MakeToken(Store& store, const Account& account, int days)
 {
-    std::string token = BeginLogin(store, account, LoginKind::Program, days * 24 * Hour);
+    std::string token = BeginLogin(store, account, LoginKind::Program, std::int64_t{days} * 24 * Hour);
     if (token.empty())
         throw Fault(409, "the account has another password by now");
     return token;
