@@ -17,8 +17,8 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr int UsualReports = 100, MostReports = 1000;
-constexpr std::size_t MostBytes =
-    16 * Limits::Megabyte;  // of reports in an answer; the rest follows in the next
+constexpr std::size_t MostBytes = 4 * Limits::Megabyte;  // of an answer; what is left follows in the next
+constexpr std::size_t LongestCell = 200;                 // bytes of what each row of a report repeats
 
 Answer JsonAnswer(const ordered_json& content, int status = 200)
 {
@@ -28,30 +28,38 @@ Answer JsonAnswer(const ordered_json& content, int status = 200)
     return answer;
 }
 
-ordered_json Entry(const FullReport& report, const std::string& total)
+std::string Quoted(const std::string& text)
 {
-    ordered_json entry{{"id", report.id},
-                       {"received", IsoTime(report.received)},
-                       {"session", report.session},
-                       {"referrer", report.referrer},
-                       {"user", report.user},
-                       {"machine", report.machine},
-                       {"total", total},
-                       {"values", ordered_json::array()}};
+    return ordered_json(text).dump(-1, ' ', false, ordered_json::error_handler_t::replace);
+}
+
+/// Text at once: as objects, a report of tiny values would take many times its memory.
+std::string Entry(const FullReport& report, const std::string& total)
+{
+    std::string entry =
+        "{\"id\":" + std::to_string(report.id) + ",\"received\":" + Quoted(IsoTime(report.received)) +
+        ",\"session\":" + Quoted(report.session) + ",\"referrer\":" + Quoted(report.referrer) +
+        ",\"user\":" + Quoted(report.user) + ",\"machine\":" + Quoted(report.machine) +
+        ",\"total\":" + Quoted(total) + ",\"values\":[";
     const Report read = Report::Read(report.body);
-    for (const auto& [key, value] : read.All())
-        entry["values"].push_back({{"id", key.first}, {"index", key.second}, {"value", value}});
-    return entry;
+    for (const auto& [key, value] : read.All()) {
+        entry += (entry.back() == '[' ? "{\"id\":" : ",{\"id\":") + Quoted(key.first);
+        entry += ",\"index\":" + std::to_string(key.second) + ",\"value\":" + Quoted(value) + '}';
+    }
+    return entry + "]}";
 }
 
 std::string Records(const FullReport& report, const std::string& total)
 {
     std::string records;
     const Report read = Report::Read(report.body);
+    // Together they stay below the bound however many values share them.
+    const std::size_t longest = std::min(LongestCell, MostBytes / 4 / std::max<std::size_t>(read.Count(), 1));
+    const std::string session = Shortened(report.session, longest), user = Shortened(report.user, longest),
+                      machine = Shortened(report.machine, longest);
     for (const auto& [key, value] : read.All())
-        records +=
-            CsvRecord({std::to_string(report.id), IsoTime(report.received), report.session, report.referrer,
-                       report.user, report.machine, total, key.first, std::to_string(key.second), value});
+        records += CsvRecord({std::to_string(report.id), IsoTime(report.received), session, report.referrer,
+                              user, machine, total, key.first, std::to_string(key.second), value});
     return records;
 }
 
@@ -109,26 +117,24 @@ Answer Api::Reports(const Visit& visit) const
     if (filter.afterId < 0 || filter.count < 1 || (!format.empty() && format != "csv" && format != "json"))
         throw Fault(400, "'after' and 'count' are whole numbers, and 'format' is json or csv.");
     const bool isCsv = format == "csv";
-    ordered_json entries = ordered_json::array();
-    std::string records = CsvRecord(
-        {"report", "received", "session", "referrer", "user", "machine", "total", "id", "index", "value"});
+    const std::string head = isCsv ? CsvRecord({"report", "received", "session", "referrer", "user",
+                                                "machine", "total", "id", "index", "value"})
+                                   : "{\"reports\":[";
+    std::string text = head;
     std::int64_t last = filter.afterId;
-    std::size_t bytes = 0;
     for (const ReportLine& line : store.Reports(filter)) {
-        const auto report = store.FindReport(line.id);
-        if (bytes > 0 && bytes + (report ? report->body.size() : 0) > MostBytes)
-            break;
+        if (const auto report = store.FindReport(line.id)) {  // unless it was deleted meanwhile
+            std::string more = isCsv ? Records(*report, line.total) : Entry(*report, line.total);
+            const bool isFirst = text.size() == head.size();
+            if (!isFirst && text.size() + more.size() > MostBytes)
+                break;
+            text += (isFirst || isCsv ? "" : ",") + more;
+        }
         last = line.id;
-        if (!report)
-            continue;  // it was deleted meanwhile
-        bytes += report->body.size();
-        if (isCsv)
-            records += Records(*report, line.total);
-        else
-            entries.push_back(Entry(*report, line.total));
     }
-    return isCsv ? Answer::Of("text/csv; charset=utf-8; header=present", records)
-                 : JsonAnswer({{"reports", entries}, {"last", last}});
+    if (isCsv)
+        return Answer::Of("text/csv; charset=utf-8; header=present", std::move(text));
+    return Answer::Of("application/json", text + "],\"last\":" + std::to_string(last) + "}");
 }
 
 Answer Api::Referrers(const Visit&) const

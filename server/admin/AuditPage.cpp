@@ -20,7 +20,8 @@ Answer AuditPage::Show(const Visit& visit) const
     Table table("Who did what, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}});
     const auto notes = store.Notes(before, PageRows);
     for (const AuditLine& note : notes)
-        table.Add({Moment(note.time), Html::Stored(note.account), note.action, Html::Stored(note.subject)});
+        table.Add({Moment(note.time), Html::Stored(note.account), note.action,
+                   note.subject.empty() ? Html("–") : Html::Stored(note.subject)});
     Html content = table.Done("Nothing was noted.");
     if (notes.size() == PageRows)
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More entries"}},

@@ -29,7 +29,7 @@ Html Chart(const std::string& title, const std::vector<Distribution::Bar>& bars)
         all += bar.count;
     }
     Html picture = Html::Element("title", {}, title);
-    Table table("Figures", {{"Value"}, {"Reports", true}, {"Share", true}});
+    Table table("Figures", {{"Value"}, {"Sessions", true}, {"Share", true}});
     int top = 0;
     for (const Distribution::Bar& bar : bars) {
         const int width = std::max(2, bar.count * Width / most);

@@ -49,8 +49,8 @@ Answer EditorPage::Act(const Visit& visit) const
         throw Fault(400, "The form lacks the draft's revision.");
     if (action == "drop")
         return AskToDrop(visit, revision);
-    if (Trim(text).empty() || text.size() > Requirements::LongestFile)
-        return page.Edit(visit, text, revision, Wrong("a draft has 1 byte to 1 MB"), 400);
+    if (Trim(text).empty())
+        return page.Edit(visit, text, revision, Wrong("there is no text"), 400);
     const std::string why = WhyWrong(text);
     if (action == "save") {
         return Save(visit, revision, text) ? Redirect(RequirementsPath(visit.subject) + "?note=saved")

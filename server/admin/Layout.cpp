@@ -76,7 +76,7 @@ Answer ErrorPage(const Visit& visit, int status, const std::string& reason)
                         : status >= 500 ? "The service cannot answer"
                                         : "That did not work";
     Html content = Notice("bad", reason) + Html::Element("p", {}, Link("/", "To the overview"));
-    if (const std::string& text = visit.form.Text("text"); !text.empty())
+    if (const std::string& text = visit.form.Text("text"); !text.empty() && visit.IsEditor())
         content += Html::Element("label", {{"for", "typed"}}, "What you typed, to copy it") +
                    Html::Element("textarea", {{"id", "typed"}, {"rows", "20"}, {"readonly", ""}}, text);
     return Page(visit, title, content, status);

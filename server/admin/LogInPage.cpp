@@ -12,7 +12,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t LongestName = 200;       // bytes that the audit keeps of a wrong one
+constexpr std::size_t LongestName = 200;       // bytes of a wrong one that the form has again
 constexpr std::size_t LongestPassword = 1000;  // bytes
 constexpr std::size_t LongestPath = 1000;
 
@@ -56,25 +56,16 @@ Answer LogInPage::Show(const Visit& visit) const
     return Render(visit, "", visit.Query("next"), {}, 200);
 }
 
-bool LogInPage::IsRight(const std::string& name, const std::string& password, std::string& account)
-{
-    const auto found = store.FindAccount(name);
-    // An unknown name takes as long as a wrong password.
-    const bool isRight =
-        password.size() <= LongestPassword && IsPassword(found ? found->hash : nobodysHash, password);
-    if (!found || !isRight)
-        return false;
-    account = found->name;
-    return true;
-}
-
 Answer LogInPage::LogIn(const Visit& visit)
 {
     if (visit.isSingleSignOn)
         throw Fault(404, "there is no such page");
     const std::string name = Shortened(visit.form.Text("name"), LongestName);
-    const std::string& next = visit.form.Text("next");
-    if (const auto wait = throttle.Wait(name); wait.count() > 0) {
+    const std::string &next = visit.form.Text("next"), &password = visit.form.Text("password");
+    const auto found = store.FindAccount(name);
+    const std::string browser = found ? Sessions::KnownBrowser(visit.request, *found) : std::string();
+    const Throttle::Guest guest{browser.empty() ? name : browser, !browser.empty()};
+    if (const auto wait = throttle.Wait(guest); wait.count() > 0) {
         Answer answer = Render(visit, name, next,
                                Notice("bad", "Too many log-ins failed. Try again in " +
                                                  std::to_string(wait.count()) + " seconds."),
@@ -82,18 +73,24 @@ Answer LogInPage::LogIn(const Visit& visit)
         answer.headers.emplace_back("Retry-After", std::to_string(wait.count()));
         return answer;
     }
-    std::string account;
-    if (!IsRight(name, visit.form.Text("password"), account)) {
-        throttle.Failed(name);
-        store.Note(name, "log-in failed", "");
-        Log(Level::Warning, "log-in-failed", {{"account", name}});
+    // An unknown name takes as long as a wrong password.
+    const bool isRight =
+        password.size() <= LongestPassword && IsPassword(found ? found->hash : nobodysHash, password);
+    const auto cookie = found && isRight ? sessions.Begin(*found) : std::nullopt;
+    if (!cookie) {
+        throttle.Failed(guest);
+        // What is no name may be a password in the wrong field.
+        const std::string who = found ? found->name : "unknown name";
+        store.Note(who, "log-in failed", "");
+        Log(Level::Warning, "log-in-failed", {{"account", who}});
         return Render(visit, name, next, Notice("bad", "Name or password is wrong."), 403);
     }
-    throttle.Succeeded(name);
+    throttle.Succeeded(guest);
     Answer answer = Redirect(LocalPath(next));
-    answer.headers.emplace_back("Set-Cookie", sessions.Begin(account));
-    store.Note(account, "logged in", "");
-    Log(Level::Info, "logged-in", {{"account", account}});
+    answer.headers.emplace_back("Set-Cookie", *cookie);
+    answer.headers.emplace_back("Set-Cookie", Sessions::KnownCookie(*found));
+    store.Note(found->name, "logged in", "");
+    Log(Level::Info, "logged-in", {{"account", found->name}});
     return answer;
 }
 

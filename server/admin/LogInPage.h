@@ -18,8 +18,6 @@ public:
     Answer LogOut(const Visit& visit);
 
 private:
-    bool IsRight(const std::string& name, const std::string& password, std::string& account);
-
     Store& store;
     Sessions& sessions;
     Throttle throttle;

@@ -27,14 +27,15 @@ Html NewProductForm()
 
 Answer OverviewPage::Show(const Visit& visit) const
 {
-    Table products("Products, with the newest " + Grouped(Recent) + " verdicts of each", {{"Product"},
-                                                                                          {"Version", true},
-                                                                                          {"Published (UTC)"},
-                                                                                          {"Pass", true},
-                                                                                          {"Fail", true},
-                                                                                          {"Unknown", true},
-                                                                                          {"Passing", true},
-                                                                                          {"Requirements"}});
+    Table products("Products, with the sessions of the newest " + Grouped(Recent) + " verdicts of each",
+                   {{"Product"},
+                    {"Version", true},
+                    {"Published (UTC)"},
+                    {"Pass", true},
+                    {"Fail", true},
+                    {"Unknown", true},
+                    {"Passing", true},
+                    {"Requirements"}});
     for (const Product& product : store.Products()) {
         const Totals totals = store.RecentTotals(product.referrer, Recent);
         products.Add(

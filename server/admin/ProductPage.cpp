@@ -38,7 +38,7 @@ Html FiguresOf(const Totals& totals)
 {
     const int all = totals.pass + totals.fail + totals.unknown;
     return Html::Element("div", {{"class", "card figures"}},
-                         {Figure("verdicts", Grouped(all)), Figure("pass", Grouped(totals.pass)),
+                         {Figure("sessions", Grouped(all)), Figure("pass", Grouped(totals.pass)),
                           Figure("fail", Grouped(totals.fail)), Figure("unknown", Grouped(totals.unknown)),
                           Figure("passing", Percentage(totals.pass, all))});
 }
@@ -71,11 +71,11 @@ const std::string& ReferrerIn(const Visit& visit)
 Html ProductPage::FailuresOf(const std::string& referrer) const
 {
     std::map<int, Totals> counts;
-    for (const StoredVerdict& verdict : store.RecentVerdicts(referrer, RecentCount)) {
+    const RecentSessions recent = ForEachRecentVerdict(store, referrer, [&](const StoredVerdict& verdict) {
         const auto lines = nlohmann::json::parse(verdict.lines, nullptr, false);
         for (const auto& line : lines.is_array() ? lines : nlohmann::json::array())
             Count(counts[line.value("id", 0)], line.value("result", ""));
-    }
+    });
     std::vector<std::pair<int, Totals>> rows(counts.begin(), counts.end());
     std::stable_sort(rows.begin(), rows.end(), [](const auto& left, const auto& right) {
         return std::pair(left.second.fail, left.second.unknown) >
@@ -83,7 +83,7 @@ Html ProductPage::FailuresOf(const std::string& referrer) const
     });
     const auto labels = LabelsOf(store, referrer);
     Table table(
-        "Requirements of the newest " + Grouped(RecentCount) + " verdicts, those that fail most first",
+        "Requirements of " + recent.Text() + ", those that fail most first",
         {{"Requirement"}, {"Value"}, {"Fail", true}, {"Unknown", true}, {"Pass", true}, {"Failing", true}});
     for (const auto& [id, totals] : rows) {
         const auto label = labels.find(id);
@@ -101,18 +101,18 @@ Html ProductPage::MachinesOf(const std::string& referrer) const
     std::vector<Distribution> distributions;
     for (const Picture& picture : Pictures)
         distributions.emplace_back(picture.kind);
-    const int count = ForEachRecent(store, referrer, [&](const Report& report) {
+    const RecentSessions recent = ForEachRecentReport(store, referrer, [&](const Report& report) {
         for (std::size_t i = 0; i < distributions.size(); ++i)
             distributions[i].Add(report.Value(Pictures[i].id));
     });
-    if (count == 0)
+    if (recent.count == 0)
         return Html::Element("p", {{"class", "empty"}}, "No report names this product yet.");
     Html charts;
     for (std::size_t i = 0; i < distributions.size(); ++i)
         charts += Chart(Pictures[i].title, distributions[i].Bars());
     return Html::Element("p", {{"class", "lead"}},
-                         "Of the newest " + Grouped(count) +
-                             " reports. A report has what the requirements ask for; the rest is not told.") +
+                         "The charts are of " + recent.Text() +
+                             ". A report has what the requirements ask for; the rest is not told.") +
            Html::Element("div", {{"class", "charts"}}, charts);
 }
 
@@ -123,7 +123,7 @@ Answer ProductPage::Show(const Visit& visit) const
     const Html content = Html::Element("p", {{"class", "buttons"}},
                                        {ButtonLink(ProductPath(referrer) + "/requirements", "Requirements"),
                                         ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
-                         Html::Element("h2", {}, "The newest verdicts") + FiguresOf(totals) +
+                         Html::Element("h2", {}, "The last verdicts") + FiguresOf(totals) +
                          FailuresOf(referrer) + Html::Element("h2", {}, "What visitors have") +
                          MachinesOf(referrer);
     return Page(visit, referrer, content);

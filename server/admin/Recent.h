@@ -8,11 +8,25 @@
 
 namespace kel::server {
 
-/// How many of the newest reports and verdicts the figures are of.
+/// How many of the newest reports or verdicts the figures look at. Of each session the newest counts.
 inline constexpr int RecentCount = 1000;
 
-/// Reads the newest reports of a referrer one after the other, so that never more than one is in memory, and
-/// stops before the time gets long when visitors sent large ones. How many it read.
-int ForEachRecent(Store& store, const std::string& referrer, const std::function<void(const Report&)>& use);
+/// What figures are of.
+struct RecentSessions {
+    int count = 0;
+    bool isCut = false;  // there are older ones, which would have taken too long
+
+    /// "the last 12 sessions", and what was left out.
+    std::string Text() const;
+};
+
+/// Reads the newest report of each of a product's last sessions, one after the other, so that never more than
+/// one is in memory. Stops after half a second, or when visitors sent large ones.
+RecentSessions ForEachRecentReport(Store& store, const std::string& referrer,
+                                   const std::function<void(const Report&)>& use);
+
+/// The same with the newest verdict by the product's requirements, and some in memory.
+RecentSessions ForEachRecentVerdict(Store& store, const std::string& referrer,
+                                    const std::function<void(const StoredVerdict&)>& use);
 
 }  // namespace kel::server

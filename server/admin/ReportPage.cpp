@@ -1,6 +1,8 @@
 #include "server/admin/ReportPage.h"
 
+#include <chrono>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "server/admin/Layout.h"
 #include "server/admin/ReportsPage.h"
@@ -21,7 +23,9 @@ constexpr int MostReports = 20;             // of the session
 constexpr std::size_t MostVerdicts = 5;     // the newest
 constexpr std::size_t MostValues = 2000;    // that a page shows
 constexpr std::size_t LongestValue = 1000;  // bytes that it shows of one
-constexpr int Portion = 500;                // reports that are deleted in one step
+// Who deletes has the database for himself only so long, and lets the others in between.
+constexpr int Portion = 200, MostPortions = 25;
+constexpr std::chrono::milliseconds Pause{20};
 
 Html TextOrDash(const std::string& text)
 {
@@ -137,14 +141,18 @@ Answer ReportPage::AskToDelete(const Visit& visit) const
 Answer ReportPage::Delete(const Visit& visit) const
 {
     const FullReport report = Find(visit);
-    int count = 0;
-    for (int deleted = Portion; deleted == Portion;)
-        count += deleted = store.DeleteSession(report.session, Portion);
+    int count = 0, deleted = Portion;
+    for (int i = 0; i < MostPortions && deleted > 0; ++i) {
+        deleted = store.DeleteSession(report.session, Portion);
+        count += deleted;
+        std::this_thread::sleep_for(Pause);
+    }
     store.Note(visit.login.account, "deleted session",
                Shortened(report.session, LongestValue) + ", " + std::to_string(count) + " reports");
     Log(Level::Info, "deleted",
         {{"account", visit.login.account}, {"session", report.session}, {"reports", std::to_string(count)}});
-    return Redirect("/reports?note=deleted");
+    return Redirect(deleted == 0 ? "/reports?note=deleted"
+                                 : "/reports?note=left&session=" + UrlEncode(report.session));
 }
 
 }  // namespace kel::server

@@ -96,6 +96,8 @@ Answer ReportsPage::Show(const Visit& visit) const
     Html content;
     if (visit.Query("note") == "deleted")
         content += Notice("good", "The session's reports are deleted.");
+    if (visit.Query("note") == "left")
+        content += Notice("note", "The session has so many reports that some are left. Delete once more.");
     content += FilterForm(visit) + ReportsTable("Reports, the newest first", lines, "No reports here.");
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);

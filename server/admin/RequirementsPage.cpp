@@ -79,7 +79,7 @@ std::string RequirementsPath(const std::string& referrer)
     return ProductPath(referrer) + "/requirements";
 }
 
-std::string RequirementsPage::VersionText(const std::string& referrer, int version) const
+std::string RequirementsPage::VersionText(const std::string& referrer, std::int64_t version) const
 {
     for (const PublishedSet& set : store.Versions(referrer)) {
         if (set.version == version)
@@ -132,7 +132,7 @@ Answer RequirementsPage::Show(const Visit& visit) const
     }
     Html result = NoticeOf(visit);
     if (const std::string from = visit.Query("from"); !from.empty()) {
-        const std::string text = VersionText(referrer, static_cast<int>(WholeNumber(from)));
+        const std::string text = VersionText(referrer, WholeNumber(from));
         return Edit(
             visit, text, draft ? draft->revision : 0,
             Notice("note", "This is the text of version " + from + ". It is no draft until it is saved."));
@@ -154,7 +154,7 @@ Answer RequirementsPage::ShowVersion(const Visit& visit) const
 {
     const std::string& referrer = ReferrerIn(visit);
     const std::string number = visit.Query("number");
-    const std::string text = VersionText(referrer, static_cast<int>(WholeNumber(number)));
+    const std::string text = VersionText(referrer, WholeNumber(number));
     Html links = Link(RequirementsPath(referrer), "To the requirements");
     if (visit.IsEditor())
         links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Take into the draft") + links;

@@ -24,7 +24,7 @@ public:
     Answer Stale(const Visit& visit, const std::string& text) const;
 
     /// The text of a version; 404 when there is none of that number.
-    std::string VersionText(const std::string& referrer, int version) const;
+    std::string VersionText(const std::string& referrer, std::int64_t version) const;
     std::string NewestText(const std::string& referrer) const;
 
 private:

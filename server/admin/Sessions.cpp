@@ -2,6 +2,7 @@
 
 #include "server/admin/Html.h"
 #include "server/admin/Secrets.h"
+#include "server/base/Fault.h"
 #include "server/base/Text.h"
 
 namespace kel::server {
@@ -9,28 +10,43 @@ namespace kel::server {
 namespace {
 
 // The browser keeps a cookie of this prefix for this host alone, and sends it where nobody listens.
-constexpr std::string_view CookieName = "__Host-kel";
+constexpr std::string_view CookieName = "__Host-kel", KnownName = "__Host-kel-known";
 constexpr std::string_view CookieRules = "; Path=/; Secure; HttpOnly; SameSite=Lax";
 constexpr std::int64_t Hour = 3'600'000;  // milliseconds
 
-std::string CookieOf(const Request& request)
+std::string CookieOf(const Request& request, std::string_view name)
 {
     const std::string* header = request.Header("Cookie");
     for (std::string_view rest = header ? *header : std::string_view(); !rest.empty();) {
         const std::string_view cookie = rest.substr(0, rest.find(';'));
         rest.remove_prefix(std::min(cookie.size() + 1, rest.size()));
         const std::size_t equals = cookie.find('=');
-        if (Trim(cookie.substr(0, equals)) == CookieName && equals != std::string_view::npos)
+        if (Trim(cookie.substr(0, equals)) == name && equals != std::string_view::npos)
             return std::string(Trim(cookie.substr(equals + 1)));
     }
     return {};
 }
 
-std::string BeginLogin(Store& store, const std::string& account, std::int64_t duration)
+/// Says that this browser's random text was given to the account with its present password.
+std::string KnownMark(const std::string& browser, const Account& account)
+{
+    return HashOf(browser, HashOf(account.hash));  // which has a salt of its own
+}
+
+/// What its holder shows; empty when the account has another password by now.
+std::string BeginLogin(Store& store, const Account& account, LoginKind kind, std::int64_t duration)
 {
     std::string secret = RandomText();
-    store.Keep(Login{HashOf(secret), account, Role::Reader, RandomText(), Now() + duration});
-    return secret;
+    const bool isKept = store.Keep(Login{HashOf(secret), account.name, account.role, RandomText(),
+                                         Now() + duration, kind, account.hash});
+    return isKept ? secret : std::string();
+}
+
+/// The log-in that the secret is of, if that is one of this kind.
+std::optional<Login> FindKind(Store& store, std::string_view secret, LoginKind kind)
+{
+    auto login = secret.empty() ? std::nullopt : store.FindLogin(HashOf(secret));
+    return login && login->kind == kind ? login : std::nullopt;
 }
 
 }  // namespace
@@ -40,9 +56,11 @@ Sessions::Sessions(Store& store, const AdminSettings& settings)
 {
 }
 
-std::string Sessions::Begin(const std::string& account)
+std::optional<std::string> Sessions::Begin(const Account& account)
 {
-    const std::string secret = BeginLogin(store, account, settings.sessionHours * Hour);
+    const std::string secret = BeginLogin(store, account, LoginKind::Browser, settings.sessionHours * Hour);
+    if (secret.empty())
+        return std::nullopt;
     return std::string(CookieName).append("=").append(secret).append(CookieRules);
 }
 
@@ -56,12 +74,29 @@ std::string Sessions::NoCookie()
     return std::string(CookieName).append("=; Max-Age=0").append(CookieRules);
 }
 
+std::string Sessions::KnownCookie(const Account& account)
+{
+    const std::string browser = RandomText();
+    return std::string(KnownName)
+        .append("=")
+        .append(browser + "." + KnownMark(browser, account))
+        .append("; Max-Age=31536000")
+        .append(CookieRules);
+}
+
+std::string Sessions::KnownBrowser(const Request& request, const Account& account)
+{
+    const std::string cookie = CookieOf(request, KnownName);
+    const std::size_t dot = std::min(cookie.find('.'), cookie.size());
+    std::string browser = cookie.substr(0, dot);
+    const bool isKnown = !browser.empty() && AreSame(cookie.substr(dot), "." + KnownMark(browser, account));
+    return isKnown ? browser : std::string();
+}
+
 std::optional<Login> Sessions::Find(const Request& request)
 {
-    if (!settings.singleSignOn) {
-        const std::string secret = CookieOf(request);
-        return secret.empty() ? std::nullopt : store.FindLogin(HashOf(secret));
-    }
+    if (!settings.singleSignOn)
+        return FindKind(store, CookieOf(request, CookieName), LoginKind::Browser);
     const std::string* name = request.Header("X-Remote-User");
     const auto account = name && *name == Clean(*name) ? store.FindAccount(*name) : std::nullopt;
     if (!account)
@@ -75,12 +110,15 @@ std::optional<Login> Sessions::FindBearer(const Request& request)
     const std::string* header = request.Header("Authorization");
     if (!header || Lower(header->substr(0, Scheme.size())) != Scheme)
         return std::nullopt;
-    return store.FindLogin(HashOf(Trim(std::string_view(*header).substr(Scheme.size()))));
+    return FindKind(store, Trim(std::string_view(*header).substr(Scheme.size())), LoginKind::Program);
 }
 
-std::string MakeToken(Store& store, const std::string& account, int days)
+std::string MakeToken(Store& store, const Account& account, int days)
 {
-    return BeginLogin(store, account, std::int64_t{days} * 24 * Hour);
+    std::string token = BeginLogin(store, account, LoginKind::Program, std::int64_t{days} * 24 * Hour);
+    if (token.empty())
+        throw Fault(409, "the account has another password by now");
+    return token;
 }
 
 }  // namespace kel::server

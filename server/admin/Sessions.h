@@ -14,11 +14,18 @@ class Sessions {
 public:
     Sessions(Store& store, const AdminSettings& settings);
 
-    /// Begins a log-in; the value of the Set-Cookie header that carries it.
-    std::string Begin(const std::string& account);
+    /// Begins a log-in; the value of the Set-Cookie header that carries it. Nothing when the account has
+    /// another password by now than the one that was right.
+    std::optional<std::string> Begin(const Account& account);
     void End(const Login& login);
     /// The value of the Set-Cookie header that takes the cookie away.
     static std::string NoCookie();
+
+    /// The value of the Set-Cookie header by which the browser is known the next time as one in which that
+    /// account has logged in. It opens nothing, and is worth nothing once the password is another one.
+    static std::string KnownCookie(const Account& account);
+    /// What tells such a browser from others; empty when the request's is none of that account.
+    static std::string KnownBrowser(const Request& request, const Account& account);
 
     /// The log-in of a request by its cookie, or with single sign-on by the proxy's word. Nothing when there
     /// is none, it has ended, or the account is gone.
@@ -34,7 +41,8 @@ private:
     std::string key;  // makes the form tokens of those whom the proxy names
 };
 
-/// Makes a token for programs that lasts so many days, of an account that exists.
-std::string MakeToken(Store& store, const std::string& account, int days);
+/// Makes a token for programs that lasts so many days, of that account. Throws Fault 409 when it has
+/// another password by now.
+std::string MakeToken(Store& store, const Account& account, int days);
 
 }  // namespace kel::server

@@ -17,10 +17,15 @@
 #include "server/admin/Texts.h"
 #include "server/admin/Visit.h"
 #include "server/base/Log.h"
+#include "server/http/Limits.h"
+#include "server/verdict/Requirements.h"
 
 namespace kel::server {
 
 namespace {
+
+constexpr std::size_t LongestStrangersForm = 16 * Limits::Kilobyte;
+constexpr std::size_t LongestNext = 1000;  // bytes of an address that a log-in leads back to
 
 enum class Access { Open, Reader, Editor };
 
@@ -124,9 +129,33 @@ Answer Refuse(const Visit& visit, bool isProgram)
     if (isProgram)
         throw Fault(401, "There is no log-in, or it has ended.");
     if (visit.request.method != "GET")
-        throw Fault(403,
-                    "The log-in has ended; nothing was changed. Log in again, and send the form once more.");
-    return Redirect("/login?next=" + UrlEncode(visit.request.target));
+        throw Fault(
+            403,
+            "The log-in has ended; nothing was changed. Log in in another tab, go back here, and send "
+            "the form once more.");
+    const bool isLong = visit.request.target.size() > LongestNext;
+    return Redirect(isLong ? "/login" : "/login?next=" + UrlEncode(visit.request.target));
+}
+
+Answer NotAllowed(const Visit& visit, bool isProgram, const std::string& allowed)
+{
+    const std::string reason = "This page answers to " + allowed + " alone.";
+    Answer answer = isProgram ? ProgramError(405, reason) : ErrorPage(visit, 405, reason);
+    answer.headers.emplace_back("Allow", allowed);
+    return answer;
+}
+
+/// Throws Fault 413 or 400.
+Form FormOf(const Request& request, bool isOfStranger)
+{
+    if (isOfStranger && request.body.size() > LongestStrangersForm)
+        throw Fault(413, "The form is too long.");
+    auto form = Form::Read(request.body);
+    if (!form)
+        throw Fault(400, "The form cannot be read.");
+    if (form->Text("text").size() > Requirements::LongestFile)
+        throw Fault(413, "A draft has 1 MB at most.");
+    return *form;
 }
 
 Answer FaultAnswer(const Visit& visit, bool isProgram, int status, const std::string& reason)
@@ -148,7 +177,8 @@ Site::~Site() = default;
 
 void Site::AddTo(Router& router)
 {
-    for (const char* method : {"GET", "POST", "PUT"})
+    // All that HTTP has: those that no page answers to are told which it does.
+    for (const char* method : {"GET", "POST", "PUT", "HEAD", "DELETE", "PATCH", "OPTIONS"})
         router.Add(method, "/*", [this](const Call& call) { return Handle(call); });
 }
 
@@ -172,10 +202,13 @@ Answer Site::Find(Visit& visit, bool isProgram)
 {
     CheckHost(visit.request, settings);
     const Route* route = nullptr;
+    std::string allowed;
     for (const Route& row : parts->routes) {
-        const auto subject =
-            row.method == visit.request.method ? row.SubjectIn(visit.target.path) : std::nullopt;
+        const auto subject = row.SubjectIn(visit.target.path);
         if (!subject)
+            continue;
+        allowed.append(allowed.empty() ? "" : ", ").append(row.method);
+        if (row.method != visit.request.method)
             continue;
         route = &row;
         visit.subject = *subject;
@@ -185,22 +218,19 @@ Answer Site::Find(Visit& visit, bool isProgram)
     const auto bearer = isProgram ? parts->sessions.FindBearer(visit.request) : std::nullopt;
     if (const auto login = bearer ? bearer : parts->sessions.Find(visit.request))
         visit.login = *login;
+    if (!route && !allowed.empty())
+        return NotAllowed(visit, isProgram, allowed);
     if (!route)
         throw Fault(404, "There is no such page.");
-    const bool isChange = visit.request.method != "GET";
-    if (isChange && !isProgram) {
-        const auto form = Form::Read(visit.request.body);
-        if (!form)
-            throw Fault(400, "The form cannot be read.");
-        visit.form = *form;
-    }
+    const bool isOpen = route->access == Access::Open, isChange = visit.request.method != "GET";
     if (isChange && !bearer)
         CheckOrigin(visit.request, settings);
-    if (route->access == Access::Open)
-        return route->action(visit);
-    if (visit.login.account.empty())
+    if (!isOpen && visit.login.account.empty())
         return Refuse(visit, isProgram);
-    if (isChange && !bearer) {
+    // What a stranger sends is not even read before all that.
+    if (isChange && !isProgram)
+        visit.form = FormOf(visit.request, isOpen);
+    if (isChange && !bearer && !isOpen) {
         const std::string* header = visit.request.Header("X-Form-Token");
         CheckToken(visit, isProgram ? (header ? *header : std::string()) : visit.form.Text("token"));
     }

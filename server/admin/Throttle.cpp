@@ -17,19 +17,20 @@ std::chrono::seconds Until(Throttle::Clock::time_point end, Throttle::Clock::tim
 
 }  // namespace
 
-std::chrono::seconds Throttle::Wait(const std::string& name, Clock::time_point now)
+std::chrono::seconds Throttle::Wait(const Guest& guest, Clock::time_point now)
 {
     const std::lock_guard lock(turn);
-    const auto all = recent >= FailuresAMinute ? Until(minute + Minute, now) : std::chrono::seconds(0);
-    const auto found = names.find(name);
-    if (found == names.end() || found->second.count < FreeFailures)
+    const auto all =
+        !guest.isKnown && recent >= FailuresAMinute ? Until(minute + Minute, now) : std::chrono::seconds(0);
+    const auto found = guests.find(guest);
+    if (found == guests.end() || found->second.count < FreeFailures)
         return all;
     const int doublings = std::min(found->second.count - FreeFailures, MostDoublings);
     const auto wait = std::min(LongestWait, std::chrono::seconds(1 << doublings));
     return std::max(all, Until(found->second.last + wait, now));
 }
 
-void Throttle::Failed(const std::string& name, Clock::time_point now)
+void Throttle::Failed(const Guest& guest, Clock::time_point now)
 {
     const std::lock_guard lock(turn);
     if (now - minute >= Minute) {
@@ -37,20 +38,20 @@ void Throttle::Failed(const std::string& name, Clock::time_point now)
         recent = 0;
     }
     ++recent;
-    if (names.size() == MostNames && !names.contains(name)) {
-        names.erase(std::min_element(names.begin(), names.end(), [](const auto& left, const auto& right) {
+    if (guests.size() == MostNames && !guests.contains(guest)) {
+        guests.erase(std::min_element(guests.begin(), guests.end(), [](const auto& left, const auto& right) {
             return left.second.last < right.second.last;
         }));
     }
-    Failures& failures = names[name];
+    Failures& failures = guests[guest];
     failures.count = now - failures.last > Memory ? 1 : failures.count + 1;
     failures.last = now;
 }
 
-void Throttle::Succeeded(const std::string& name)
+void Throttle::Succeeded(const Guest& guest)
 {
     const std::lock_guard lock(turn);
-    names.erase(name);
+    guests.erase(guest);
 }
 
 }  // namespace kel::server

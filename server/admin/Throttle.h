@@ -4,11 +4,13 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <tuple>
 
 namespace kel::server {
 
 /// Slows those down who guess passwords: for each name, and for all together, so that many names are no way
-/// round it. What it remembers is bounded. For any thread.
+/// round it. A browser in which the account has logged in before has a count of its own instead, so that
+/// strangers' guesses keep nobody out of there. What it remembers is bounded. For any thread.
 class Throttle {
 public:
     using Clock = std::chrono::steady_clock;
@@ -18,10 +20,21 @@ public:
     static constexpr std::size_t MostNames = 1000;
     static constexpr std::chrono::seconds LongestWait{300};
 
-    /// How long to wait before a log-in by that name may be tried; 0 when it may be now.
-    std::chrono::seconds Wait(const std::string& name, Clock::time_point now = Clock::now());
-    void Failed(const std::string& name, Clock::time_point now = Clock::now());
-    void Succeeded(const std::string& name);
+    /// Who tries: a name, or a browser that is known to be of its account, by what only that one has.
+    struct Guest {
+        std::string id;
+        bool isKnown = false;
+
+        bool operator<(const Guest& other) const
+        {
+            return std::tie(isKnown, id) < std::tie(other.isKnown, other.id);
+        }
+    };
+
+    /// How long to wait before the guest may try to log in; 0 when it may be now.
+    std::chrono::seconds Wait(const Guest& guest, Clock::time_point now = Clock::now());
+    void Failed(const Guest& guest, Clock::time_point now = Clock::now());
+    void Succeeded(const Guest& guest);
 
 private:
     struct Failures {
@@ -30,7 +43,7 @@ private:
     };
 
     std::mutex turn;
-    std::map<std::string, Failures> names;
+    std::map<Guest, Failures> guests;
     Clock::time_point minute;  // when the minute began in which `recent` failed
     int recent = 0;
 };

@@ -4,7 +4,6 @@
 #include <exception>
 
 #include "server/admin/Layout.h"
-#include "server/admin/Recent.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
 
@@ -38,7 +37,7 @@ Trial Trial::Run(Store& store, const std::string& referrer, const Requirements& 
 {
     Trial trial;
     const auto today = NewestRequirements(store, referrer);
-    trial.reports = ForEachRecent(store, referrer, [&](const Report& report) {
+    trial.sessions = ForEachRecentReport(store, referrer, [&](const Report& report) {
         trial.draft.Count(Judge(draft, report));
         if (today)
             trial.today.Count(Judge(*today, report));
@@ -48,13 +47,12 @@ Trial Trial::Run(Store& store, const std::string& referrer, const Requirements& 
 
 Html Trial::Show() const
 {
-    if (reports == 0)
+    if (sessions.count == 0)
         return Html::Element(
             "p", {{"class", "empty"}},
             "No machine has been reported for this product yet, so there is nothing to try this on.");
     const bool hasToday = today.pass + today.fail + today.unknown > 0;
-    std::string sentence =
-        "Of the last " + Grouped(reports) + " machines " + Grouped(draft.pass) + " would pass";
+    std::string sentence = "Of " + sessions.Text() + " " + Grouped(draft.pass) + " would pass";
     sentence += hasToday ? ", today " + Grouped(today.pass) + "." : ".";
     sentence += " " + Grouped(draft.fail) + " would fail";
     sentence += hasToday ? ", today " + Grouped(today.fail) + "; " : "; ";

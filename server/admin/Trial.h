@@ -4,15 +4,16 @@
 #include <string>
 
 #include "server/admin/Html.h"
+#include "server/admin/Recent.h"
 #include "server/store/Store.h"
 #include "server/verdict/Requirements.h"
 #include "server/verdict/Tally.h"
 
 namespace kel::server {
 
-/// What a draft would do to the newest reports of its product.
+/// What a draft would do to the newest reports of its product's last sessions.
 struct Trial {
-    int reports = 0;
+    RecentSessions sessions;
     Tally draft, today;  // today's by the newest published version; empty when there is none
 
     /// Judges the newest reports of the referrer by the draft and by today's requirements.

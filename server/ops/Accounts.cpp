@@ -17,7 +17,6 @@ namespace {
 constexpr std::size_t LongestName = 64, LongestPassword = 1000;  // bytes
 constexpr int ShortestPassword = 12;                             // characters
 constexpr int UsualDays = 365, MostDays = 3650;
-constexpr const char* Author = "command line";
 
 void AddUser(const std::string& role, const std::string& name, Store& store, std::istream& input)
 {
@@ -35,14 +34,14 @@ void AddUser(const std::string& role, const std::string& name, Store& store, std
     if (characters < ShortestPassword || password.size() > LongestPassword || password != Clean(password))
         throw std::runtime_error("the password, a line on standard input, needs at least 12 characters");
     store.Keep(Account{name, HashPassword(password), role == "editor" ? Role::Editor : Role::Reader});
-    store.Note(Author, "account written", name + ", " + role);
+    store.Note(CommandLine, "account written", name + ", " + role);
 }
 
 void RemoveUser(const std::string& name, Store& store)
 {
     if (!store.RemoveAccount(name))
         throw std::runtime_error("there is no account '" + name + "'");
-    store.Note(Author, "account removed", name);
+    store.Note(CommandLine, "account removed", name);
 }
 
 void AddToken(const std::string& name, const std::string& daysText, Store& store, std::ostream& output)
@@ -50,10 +49,11 @@ void AddToken(const std::string& name, const std::string& daysText, Store& store
     const std::int64_t days = daysText.empty() ? UsualDays : WholeNumber(daysText);
     if (days < 1 || days > MostDays)
         throw std::runtime_error("a token lasts 1 to 3650 days");
-    if (!store.FindAccount(name))
+    const auto account = store.FindAccount(name);
+    if (!account)
         throw std::runtime_error("there is no account '" + name + "'");
-    output << MakeToken(store, name, static_cast<int>(days)) << '\n';
-    store.Note(Author, "token made", name + ", " + std::to_string(days) + " days");
+    output << MakeToken(store, *account, static_cast<int>(days)) << '\n';
+    store.Note(CommandLine, "token made", name + ", " + std::to_string(days) + " days");
 }
 
 }  // namespace

@@ -10,6 +10,9 @@
 
 namespace kel::server {
 
+/// Whom the audit names for what a command does.
+inline constexpr const char* CommandLine = "command line";
+
 /// Runs a command on accounts: `user add ROLE NAME` (the password is the input's first line), `user remove
 /// NAME`, `user list`, `token add NAME [DAYS]`. False, and no store is opened, when the words are no such
 /// command; throws

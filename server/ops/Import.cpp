@@ -7,6 +7,7 @@
 
 #include "server/base/Log.h"
 #include "server/base/Text.h"
+#include "server/ops/Accounts.h"
 #include "server/verdict/Requirements.h"
 
 namespace kel::server {
@@ -31,9 +32,13 @@ void Import(const std::filesystem::path& folder, Store& store)
     }
     if (sets.empty())
         throw std::runtime_error(folder.string() + " has no requirement files");
-    for (const auto& [referrer, text] : sets)
-        Log(Level::Info, "published",
-            {{"referrer", referrer}, {"version", std::to_string(store.Publish(referrer, text, "import"))}});
+    for (const auto& [referrer, text] : sets) {
+        const auto before = store.NewestSet(referrer);
+        const int version = store.Publish(referrer, text, "import");
+        if (!before || before->version != version)
+            store.Note(CommandLine, "published", referrer + ", version " + std::to_string(version));
+        Log(Level::Info, "published", {{"referrer", referrer}, {"version", std::to_string(version)}});
+    }
 }
 
 }  // namespace kel::server

@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "server/base/Log.h"
+#include "server/ops/Accounts.h"
 
 namespace kel::server {
 
@@ -62,6 +63,10 @@ void Purge(Store& store, std::string_view option, const std::string& value)
             store, [&](int most) { return store.DeleteMachine(value, most); }, never);
     else
         throw std::runtime_error("purge needs --older, --session or --machine");
+    // Not whose: that is to be forgotten.
+    store.Note(CommandLine, "purged",
+               std::string(option) + (option == "--older" ? " " + value : "") + ", " + std::to_string(count) +
+                   " reports");
     Log(Level::Info, "purged", {{"reports", std::to_string(count)}});
 }
 

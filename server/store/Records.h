@@ -103,13 +103,17 @@ struct Account {
     Role role = Role::Reader;
 };
 
+enum class LoginKind { Browser, Program };
+
 /// A log-in that has not ended.
 struct Login {
-    std::string key;  // a hash of what the browser holds
+    std::string key;  // a hash of what the browser or program holds
     std::string account;
     Role role = Role::Reader;  // the account's, when the log-in is looked up
     std::string formToken;     // which forms of this log-in carry
     std::int64_t ends = 0;
+    LoginKind kind = LoginKind::Browser;
+    std::string hash = {};  // the account's, that the password was compared with; only to keep the log-in
 };
 
 /// Who did what, and when.

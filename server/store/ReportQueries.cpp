@@ -150,13 +150,15 @@ std::vector<StoredVerdict> SqlStore::VerdictsOf(std::int64_t report)
         Read(VerdictColumns + "WHERE verdict.report = $1 ORDER BY requirement_set.id DESC", {report}));
 }
 
-std::vector<StoredVerdict> SqlStore::RecentVerdicts(const std::string& referrer, int count)
+std::vector<StoredVerdict> SqlStore::RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
+                                                    int count)
 {
     const auto connection = readers->Borrow();
     return VerdictsIn(connection->Query(
-        VerdictColumns + "WHERE verdict.referrer = $1 "
-                         "ORDER BY verdict.report DESC, verdict.requirement_set DESC LIMIT $2",
-        {IdOf(*connection, referrer), std::int64_t{count}}));
+        VerdictColumns + "WHERE verdict.referrer = $1 AND verdict.report < $2 "
+                         "ORDER BY verdict.report DESC, verdict.requirement_set DESC LIMIT $3",
+        {IdOf(*connection, referrer),
+         beforeReport > 0 ? beforeReport : std::numeric_limits<std::int64_t>::max(), std::int64_t{count}}));
 }
 
 Totals SqlStore::RecentTotals(const std::string& referrer, int count)
@@ -164,9 +166,11 @@ Totals SqlStore::RecentTotals(const std::string& referrer, int count)
     Totals totals;
     const auto connection = readers->Borrow();
     const SqlRows rows = connection->Query(
-        "SELECT total, count(*) FROM (SELECT total FROM verdict "
-        "WHERE referrer = $1 ORDER BY report DESC LIMIT $2) AS recent "
-        "GROUP BY total",
+        "SELECT total, count(*) FROM (SELECT total, row_number() OVER "
+        "(PARTITION BY session ORDER BY recent.report DESC, requirement_set DESC) AS place "
+        "FROM (SELECT report, requirement_set, total FROM verdict "
+        "WHERE referrer = $1 ORDER BY report DESC, requirement_set DESC LIMIT $2) AS recent "
+        "JOIN report ON report.id = recent.report) AS placed WHERE place = 1 GROUP BY total",
         {IdOf(*connection, referrer), std::int64_t{count}});
     for (const SqlRow& row : rows) {
         int& number = row.Text(0) == "pass"   ? totals.pass

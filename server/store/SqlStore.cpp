@@ -6,6 +6,8 @@ namespace kel::server {
 
 namespace {
 
+constexpr std::int64_t Year = 365LL * 24 * 3'600'000;  // milliseconds
+
 /// The first row made into something, if there is one.
 template <typename Make>
 auto First(const SqlRows& rows, Make make) -> std::optional<decltype(make(rows.front()))>
@@ -244,25 +246,37 @@ bool SqlStore::RemoveAccount(const std::string& name)
     return !Write("DELETE FROM account WHERE name = $1 RETURNING name", {name}).empty();
 }
 
-void SqlStore::Keep(const Login& login)
+bool SqlStore::Keep(const Login& login)
 {
     const auto connection = writers->Borrow();
     SqlTransaction transaction(*connection);
     connection->Query("DELETE FROM login_session WHERE ends <= $1", {Now()});
-    connection->Query("INSERT INTO login_session (key, account, form_token, ends) VALUES ($1, $2, $3, $4)",
-                      {login.key, login.account, login.formToken, login.ends});
+    // A change of the password at the same time waits here or is waited for, and then ends the log-in.
+    const SqlRows same =
+        connection->Query("UPDATE account SET hash = hash WHERE name = $1 AND hash = $2 RETURNING name",
+                          {login.account, login.hash});
+    if (same.empty())
+        return false;
+    connection->Query(
+        "INSERT INTO login_session (key, account, kind, form_token, ends) VALUES ($1, $2, $3, $4, $5)",
+        {login.key, login.account, login.kind == LoginKind::Program ? "program" : "browser", login.formToken,
+         login.ends});
     transaction.Commit();
+    return true;
 }
 
 std::optional<Login> SqlStore::FindLogin(const std::string& key)
 {
-    return First(Read("SELECT key, account, role, form_token, ends FROM login_session "
+    return First(Read("SELECT key, account, role, form_token, ends, kind FROM login_session "
                       "JOIN account ON account.name = login_session.account WHERE key = $1 AND ends > $2",
                       {key, Now()}),
                  [](const SqlRow& row) {
-                     return Login{row.Text(0), row.Text(1),
-                                  row.Text(2) == "editor" ? Role::Editor : Role::Reader, row.Text(3),
-                                  row.Number(4)};
+                     return Login{row.Text(0),
+                                  row.Text(1),
+                                  row.Text(2) == "editor" ? Role::Editor : Role::Reader,
+                                  row.Text(3),
+                                  row.Number(4),
+                                  row.Text(5) == "program" ? LoginKind::Program : LoginKind::Browser};
                  });
 }
 
@@ -275,6 +289,9 @@ void SqlStore::Note(const std::string& account, const std::string& action, const
 {
     Write("INSERT INTO audit (time, account, action, subject) VALUES ($1, $2, $3, $4)",
           {Now(), account, action, subject});
+    // Ids ascend with the time. Some at once, as most often there is none.
+    Write("DELETE FROM audit WHERE id IN (SELECT id FROM audit ORDER BY id LIMIT 10) AND time < $1",
+          {Now() - Year});
 }
 
 std::vector<AuditLine> SqlStore::Notes(std::int64_t beforeId, int count)

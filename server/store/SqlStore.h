@@ -35,7 +35,8 @@ public:
     std::vector<ReportLine> Reports(const ReportFilter& filter) override;
     std::optional<FullReport> FindReport(std::int64_t report) override;
     std::vector<StoredVerdict> VerdictsOf(std::int64_t report) override;
-    std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, int count) override;
+    std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
+                                              int count) override;
     Totals RecentTotals(const std::string& referrer, int count) override;
     std::vector<FullReport> RecentReports(const std::string& referrer, int count) override;
 
@@ -48,7 +49,7 @@ public:
     std::optional<Account> FindAccount(const std::string& name) override;
     std::vector<Account> Accounts() override;
     bool RemoveAccount(const std::string& name) override;
-    void Keep(const Login& login) override;
+    bool Keep(const Login& login) override;
     std::optional<Login> FindLogin(const std::string& key) override;
     void EndLogin(const std::string& key) override;
     void Note(const std::string& account, const std::string& action, const std::string& subject) override;

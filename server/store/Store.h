@@ -61,9 +61,12 @@ public:
     virtual std::optional<FullReport> FindReport(std::int64_t report) = 0;
     /// The verdicts on a report, the newest requirements first.
     virtual std::vector<StoredVerdict> VerdictsOf(std::int64_t report) = 0;
-    /// The newest verdicts by a referrer's requirements of any version, the newest report first.
-    virtual std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, int count) = 0;
-    /// How many of the newest verdicts by a referrer's requirements have which total.
+    /// The newest verdicts by a referrer's requirements of any version, on reports before that one (0: on
+    /// all), the newest report first.
+    virtual std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
+                                                      int count) = 0;
+    /// Of so many of the newest verdicts by a referrer's requirements: how many sessions' newest one has
+    /// which total.
     virtual Totals RecentTotals(const std::string& referrer, int count) = 0;
     /// The newest reports of a referrer, the newest first.
     virtual std::vector<FullReport> RecentReports(const std::string& referrer, int count) = 0;
@@ -84,12 +87,13 @@ public:
     virtual std::vector<Account> Accounts() = 0;
     /// False when there is no such account.
     virtual bool RemoveAccount(const std::string& name) = 0;
-    /// Keeps a log-in, and forgets those that have ended by now.
-    virtual void Keep(const Login& login) = 0;
+    /// Keeps a log-in, and forgets those that have ended by now. False, and nothing is kept, when the account
+    /// has gone or has another hash by now.
+    virtual bool Keep(const Login& login) = 0;
     /// The log-in with that key, if it has not ended and its account still exists.
     virtual std::optional<Login> FindLogin(const std::string& key) = 0;
     virtual void EndLogin(const std::string& key) = 0;
-    /// Notes who did what.
+    /// Notes who did what, and forgets what is older than a year.
     virtual void Note(const std::string& account, const std::string& action, const std::string& subject) = 0;
     /// What was noted before the entry of that id (0: the newest), the newest first.
     virtual std::vector<AuditLine> Notes(std::int64_t beforeId, int count) = 0;

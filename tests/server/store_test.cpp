@@ -218,14 +218,18 @@ TEST_F(StoreTest, VerdictsAreOfTheNewestRequirementsFirst)
     keep(ids[2], "pass", "again");
     keep(1000, "pass", "its report has gone");
     std::string recent;
-    for (const StoredVerdict& v : s.RecentVerdicts("r", 5))
+    for (const StoredVerdict& v : s.RecentVerdicts("r", 0, 5))
         recent += Told({v.report - ids[0], v.session, v.referrer, v.version, v.total, v.lines});
     EXPECT_EQ(recent,
               "2 s r 2 pass again 2 s r 1 unknown 1 1 s r 2 fail 2 1 s r 1 fail 1 0 s r 2 unknown 2 ");
     EXPECT_EQ(Told({s.VerdictsOf(ids[2]).at(0).lines, s.VerdictsOf(ids[2]).at(1).lines}), "again 1 ");
     const Totals totals = s.RecentTotals("r", 100);
-    EXPECT_EQ(Told({totals.pass, totals.fail, totals.unknown, s.RecentTotals("r", 2).unknown}), "1 2 3 1 ");
-    EXPECT_EQ(Told({s.RecentReports("r", 2).size(), s.RecentReports("r", 2).at(1).body}), "2 1  ");
+    EXPECT_EQ(Told({totals.pass, totals.fail, totals.unknown}), "1 0 0 ");  // they are all of one session
+    keep(Upload({"t", "r", "", "", ""}), "fail", "");
+    EXPECT_EQ(Told({s.RecentTotals("r", 2).pass, s.RecentTotals("r", 1).pass, s.RecentTotals("r", 2).fail,
+                    s.RecentVerdicts("r", ids[2], 1).at(0).report - ids[0]}),
+              "1 0 1 1 ");
+    EXPECT_EQ(Told({s.RecentReports("r", 3).size(), s.RecentReports("r", 3).at(2).body}), "3 1  ");
     const FullReport full = s.FindReport(ids[0]).value_or(FullReport{});
     EXPECT_EQ(Told({full.session, full.referrer, full.user, full.machine, full.body}), "s r u m 0  ");
     EXPECT_FALSE(s.FindReport(1000));
@@ -262,13 +266,25 @@ TEST_F(StoreTest, AccountsLogInsAndNotes)
                                           {"long", "ann", Now() + Minute},
                                           {"end", "ann", Now() + Minute},
                                           {"bob", "Bob", Now() + Minute}})
-        s.Keep(Login{key, name, Role::Reader, "token", ends});
+        s.Keep(
+            Login{key, name, Role::Reader, "token", ends, LoginKind::Program, name[0] == 'a' ? "h1" : "h2"});
+    for (const auto& [name, hash] : {std::pair("ann", "h2"), {"ann", ""}, {"nobody", ""}})
+        EXPECT_FALSE(s.Keep(Login{hash, name, Role::Reader, "", Now() + Minute, {}, hash}));
     const auto isIn = [&](const char* key) { return s.FindLogin(key).has_value(); };
     s.EndLogin("end");
     EXPECT_EQ(Told({Count("login_session"), isIn("over"), isIn("long"), isIn("end"), isIn("bob")}),
               "2 0 1 0 1 ");
     const Login found = s.FindLogin("long").value_or(Login{});
-    EXPECT_EQ(Told({found.account, found.formToken, found.role == Role::Editor}), "ann token 1 ");
+    EXPECT_EQ(
+        Told({found.account, found.formToken, found.role == Role::Editor, found.kind == LoginKind::Program}),
+        "ann token 1 1 ");
+    raw->Execute("BEGIN; UPDATE account SET hash = 'other' WHERE name = 'Bob'");
+    auto late = std::async(std::launch::async, [&] {
+        return s.Keep(Login{"late", "Bob", Role::Reader, "", Now() + Minute, LoginKind::Browser, "h2"});
+    });
+    late.wait_for(std::chrono::milliseconds(100));
+    raw->Execute("COMMIT");
+    EXPECT_FALSE(late.get());  // the password that was right is another one by now
     s.Keep(Account{"ann", "h3", Role::Reader});
     EXPECT_EQ(Told({isIn("long"), s.FindAccount("ann")->hash}), "0 h3 ");
     EXPECT_EQ(Told({s.RemoveAccount("Bob"), isIn("bob"), s.RemoveAccount("Bob")}), "1 0 0 ");
@@ -276,6 +292,9 @@ TEST_F(StoreTest, AccountsLogInsAndNotes)
         s.Note("ann", "did", subject);
     const auto notes = s.Notes(0, 2);
     EXPECT_EQ(Told({notes[0].subject, notes.at(1).subject, s.Notes(notes[1].id, 2).at(0).subject}), "3 2 1 ");
+    raw->Query("UPDATE audit SET time = $1 WHERE subject < '3'", {Now() - 366 * 24 * 60 * Minute});
+    s.Note("ann", "did", "4");
+    EXPECT_EQ(Told({Count("audit"), s.Notes(0, 5).at(1).subject}), "2 3 ");
 }
 
 TEST_F(StoreTest, ConnectionsKeepWhatIsPromised)
@@ -339,7 +358,7 @@ TEST_F(StoreTest, AnOlderDatabaseComesToTheNewestVersionWithItsData)
     Together(4, [&](int) { return Migrate(*OpenForMigration(settings)); });
     Store& s = Open();
     EXPECT_EQ(
-        Told({s.RecentVerdicts("r", 5).at(0).total, s.FindReport(1)->body, s.NewestSet("r")->published}),
+        Told({s.RecentVerdicts("r", 0, 5).at(0).total, s.FindReport(1)->body, s.NewestSet("r")->published}),
         "fail b 5 ");
     EXPECT_EQ(s.Publish("r", "2", "ann"), 2);
     raw->SetVersion(3);

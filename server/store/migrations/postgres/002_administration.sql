@@ -32,6 +32,7 @@ CREATE TABLE account (
 CREATE TABLE login_session (
     key TEXT COLLATE "C" PRIMARY KEY,
     account TEXT COLLATE "C" NOT NULL REFERENCES account ON DELETE CASCADE,
+    kind TEXT NOT NULL CHECK (kind IN ('browser', 'program')),
     form_token TEXT NOT NULL,
     ends BIGINT NOT NULL
 );

@@ -43,6 +43,7 @@ CREATE TABLE account (
 CREATE TABLE login_session (
     key TEXT PRIMARY KEY,
     account TEXT NOT NULL REFERENCES account ON DELETE CASCADE,
+    kind TEXT NOT NULL CHECK (kind IN ('browser', 'program')),
     form_token TEXT NOT NULL,
     ends INTEGER NOT NULL
 ) STRICT;
