@@ -501,7 +501,7 @@ class Editing(AdminTest):
         self.assertEqual(self.act("", "{", 3, "publish")[0], 400)
 
     def test_what_takes_long_is_left_out(self):
-        self.upload("large", v71060="\u00e9" * 32_000)
+        self.upload("large", v71060="\u00e9" * 64_000)
         self.judged("large")
         self.database.run("DELETE FROM report WHERE id < 10")
         copies = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 400) INSERT INTO "
@@ -514,7 +514,7 @@ class Editing(AdminTest):
         for ask in (lambda: self.act("try", slow)[1], lambda: self.visit("GET", "/products/demo", cookie=self.cookie)[1]):
             start = time.monotonic()
             page = ask()
-            self.assertLess(time.monotonic() - start, 10)  # with all of them a minute
+            self.assertLess(time.monotonic() - start, 10)
             self.assertRegex(page, r"the last \d{1,3} sessions \(older ones are left out")
 
     def test_two_editors_lose_nothing(self):
@@ -639,19 +639,7 @@ class InABrowser(AdminTest):
         browser.press(PASSWORD + ENTER, "password")
         browser.await_text("✓ pass", "tbody")
         self.assertEqual(browser.run("return document.cookie"), "")  # no script can read it
-        self.upload("s2", v71063="5.0 GB", v71254="2")
-        browser.go(f"http://{self.admin}/reports")
-        browser.await_text("s2", "tbody")
-        browser.go(f"http://{self.admin}/products/demo/requirements")
-        browser.write("textarea", requirements((71063, "Memory", "at least", "6 GB")))
-        browser.click("button[value=try]")
-        browser.await_text("Of the last 2 sessions 0 would pass, today 1.")
-        browser.click("button[value=publish]")
-        browser.await_text("The draft is saved.")
-        self.assertEqual(self.judged("s1"), "pass")
-        browser.click("main button.primary")
-        browser.await_text("The draft is published.")
-        self.assertEqual(self.judged("s1"), "fail")
+        self.require("demo", (71063, "Memory", "at least", "6 GB"))
         self.check_looks(browser)
         self.database.run("UPDATE login_session SET ends = 1")
         browser.click("header nav a")
@@ -663,6 +651,7 @@ class InABrowser(AdminTest):
 
     def check_looks(self, browser):
         """No page scrolls sideways on a telephone; on each the style is in force, and the first stop leads past the menu."""
+        self.upload("s2")
         self.upload("w" * 1000, v71063="8.0 GB", v71254="8", v71060="M" * 300, v72402="1920x1080", v71206="W" * 500)
         self.judged("w" * 1000)
         for path in ("/", "/reports", "/reports/3", "/reports/3/delete", "/products/demo", "/products/demo/requirements",

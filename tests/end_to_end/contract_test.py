@@ -15,29 +15,11 @@ COMPARISONS = [row.split(" | ") for row in (Path(__file__).parent / "comparisons
 SETS, MACHINES = (part.splitlines() for part in (Path(__file__).parent / "verdicts.txt").read_text("utf-8").split("\n\n"))
 REFUSED = [row.split(" | ") for row in (Path(__file__).parent / "refused.txt").read_text("utf-8").splitlines()]
 WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
-WRONG = (
-    ("GET", f"{LIST}?refid=no&apikey={API_KEY}", "", 404), ("GET", f"{LIST}?refid=../r&apikey={API_KEY}", "", 404),
-    ("GET", f"{LIST}?apikey={API_KEY}", "", 404), ("GET", f"{LIST}?refid=r%00&apikey={API_KEY}", "", 404),
-    ("GET", f"{LIST}?refid=r%C3%A9&apikey={API_KEY}", "", 404), ("GET", f"{LIST}?refid={'r' * 65}&apikey={API_KEY}", "", 404),
-    ("GET", f"{LIST}?refid=r&apikey=x", "", 403), ("GET", f"{LIST}?refid=r", "", 403),
-    ("GET", f"{WANTED}&apikey={API_KEY}", "", 403), ("POST", "/Data/Service.svc/upload", REPORT, 403),
-    ("GET", "/", "", 404), ("GET", UPLOAD, "", 404), ("POST", WANTED, "", 404), ("GET", "/service/Analysis/r", "", 404),
-    ("POST", "/service/Analysis/no", analysis("s"), 404), ("POST", "/service/Analysis/../r", analysis("s"), 404),
-    ("POST", "/service/Analysis/r", analysis("never"), 404), ("POST", "/service/Analysis/r", "<System", 400),
-    *(("POST", "/service/Analysis/r", f"<System><{name}>{'é' * 513}</{name}></System>", 400) for name in (
-        "SessionID", "ItemID", "UserID", "Format", "Schema")),
-    ("POST", "/service/Analysis/r", REPORT.format("s"), 400), ("POST", INFORMATION, REPORT.format("s"), 400),
-    ("POST", INFORMATION, "<SystemInformation/>", 400), ("POST", UPLOAD, "", 400), ("POST", UPLOAD, "<groups>", 400),
-    ("POST", UPLOAD, "<groups/>", 400), ("POST", UPLOAD, "<group/>", 400), ("POST", UPLOAD, REPORT.format(""), 400),
-    ("POST", UPLOAD, "<!DOCTYPE x><groups/>", 400), ("POST", UPLOAD, REPORT.format("&x;"), 400),
-    ("POST", UPLOAD, REPORT.format("&#0;"), 400), ("POST", UPLOAD, REPORT.format("&"), 400),
-    ("POST", UPLOAD, REPORT.format("&#xD800;"), 400), ("POST", UPLOAD, REPORT.format("\1"), 400),
-    ("POST", UPLOAD, REPORT.format("s").replace('"0"', '"x"'), 400), ("POST", UPLOAD, REPORT.format("s") * 2, 400),
-    ("POST", UPLOAD, REPORT.format("s") + "x", 400), ("POST", UPLOAD, "x" + REPORT.format("s"), 400),
-    ("POST", UPLOAD, "<!DOCTYPE groups>" + REPORT.format("s"), 400),
-    ("POST", UPLOAD, REPORT.format("s").replace("8.0 GB", "<!-- 8 -->"), 400),
-    *(("POST", UPLOAD, REPORT.format("s").encode().replace(b"8.0 GB", text), 400) for text in (
-        b"\xff", b"\xc0\xa0", b"\xc3", b"\xe0\x80\xa0", b"\xed\xa0\x80", b"\xf4\x90\x80\x80", b"\xf0\x80\x80\xa0")))
+# Requests that are refused: verb, target, body (a byte may be \x and two digits), status.
+ROWS = (Path(__file__).parent / "wrong.txt").read_text("ascii")
+for name, meant in ("KEY", API_KEY), ("LONG", r"\xc3\xa9" * 513), ("REPORT", REPORT.format("s")), ("ANALYSIS", analysis("s")):
+    ROWS = ROWS.replace(name, meant)
+WRONG = [row.encode("ascii").decode("unicode_escape").split(" | ") for row in ROWS.splitlines()]
 
 
 class Contract(Client):
@@ -134,9 +116,8 @@ class Contract(Client):
     def test_wrong_requests_get_an_error_and_the_service_goes_on(self):
         for verb, path, body, status in WRONG:
             with self.subTest(f"{verb} {path} {body}"):
-                answer = self.ask(verb, path, body)
-                self.assertEqual(answer[0], status)
-                self.assertEqual(bool(answer[1]), self.explains)
+                answer = self.ask(verb, path, body.encode("latin-1"))
+                self.assertEqual((answer[0], bool(answer[1])), (int(status), self.explains))
         for length in (b"x", b"-1", b"99999999999999999999", b"1e3"):
             answers = self.talk(b"POST / HTTP/1.1\r\nContent-Length: " + length + b"\r\n\r\nGET / HTTP/1.1\r\n\r\n")
             self.assertEqual((answers[:12], answers.count(b"HTTP/1.1 ")), (b"HTTP/1.1 400", 1))  # its body is no request
