@@ -18,10 +18,10 @@ fi
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(sed -n 's/^EPOCH = \([0-9]*\).*/\1/p' tools/packaging/stamp.py)}
 export SOURCE_DATE_EPOCH
 
-work=$output/work root=$output/work/root
+staging=$output/staging root=$output/staging/root
 doc=$root/usr/share/doc/kel-server
-rm -rf "$work"
-mkdir -p "$root/DEBIAN" "$work/debian"
+rm -rf "$staging"
+mkdir -p "$root/DEBIAN" "$staging/debian"
 put() {  # put MODE SOURCE TARGET
   install -D -m "$1" "$2" "$3"
 }
@@ -47,10 +47,10 @@ for script in postinst prerm postrm; do
   put 755 "packaging/server/$script" "$root/DEBIAN/$script"
 done
 echo /etc/kel/kel.conf >"$root/DEBIAN/conffiles"
-(cd "$root" && find . -path ./DEBIAN -prune -o -type f -printf '%P\0' | sort -z | xargs -0 md5sum) >"$work/md5sums"
-put 644 "$work/md5sums" "$root/DEBIAN/md5sums"
-printf 'Source: kel-server\n\nPackage: kel-server\nArchitecture: amd64\n' >"$work/debian/control"
-depends=$(cd "$work" && dpkg-shlibdeps -O -e root/usr/bin/kel_server)
+(cd "$root" && find . -path ./DEBIAN -prune -o -type f -printf '%P\0' | sort -z | xargs -0 md5sum) >"$staging/md5sums"
+put 644 "$staging/md5sums" "$root/DEBIAN/md5sums"
+printf 'Source: kel-server\n\nPackage: kel-server\nArchitecture: amd64\n' >"$staging/debian/control"
+depends=$(cd "$staging" && dpkg-shlibdeps -O -e root/usr/bin/kel_server)
 size=$(find "$root" -path "$root/DEBIAN" -prune -o -type f -printf '%s\n' | awk '{ sum += int(($1 + 1023) / 1024) } END { print sum }')
 sed -e "s/@VERSION@/$version/; s/@SIZE@/$size/; s/@DEPENDS@/${depends#shlibs:Depends=}/" packaging/server/control.in \
   >"$root/DEBIAN/control"
@@ -58,4 +58,4 @@ sed -e "s/@VERSION@/$version/; s/@SIZE@/$size/; s/@DEPENDS@/${depends#shlibs:Dep
 package=$output/kel-server_${version}_amd64.deb
 # With several threads the compressed bytes would depend on their number.
 dpkg-deb --root-owner-group --threads-max=1 -Zxz --build "$root" "$package"
-rm -rf "$work"
+rm -rf "$staging"
