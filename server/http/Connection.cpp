@@ -3,7 +3,6 @@
 #include <array>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/redirect_error.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
 #include <boost/beast/core/tcp_stream.hpp>
@@ -15,6 +14,8 @@
 #include <boost/beast/http/write.hpp>
 
 #include "server/base/Log.h"
+#include "server/http/Deadline.h"
+#include "server/http/Places.h"
 
 namespace kel::server {
 
@@ -27,75 +28,6 @@ using boost::system::error_code;
 using Parser = http::request_parser<http::buffer_body>;
 
 constexpr std::size_t PieceBytes = 8 * Limits::Kilobyte;
-
-/// A share of what a door allows of something, given back at the end.
-class Share {
-public:
-    explicit Share(Count& total) : total(total) {}
-    ~Share() { GiveBack(); }
-    Share(const Share&) = delete;
-    Share& operator=(const Share&) = delete;
-
-    /// False, and nothing is taken, when it would be more than there is.
-    bool Take(std::size_t count, std::size_t most)
-    {
-        if (count > most || total > most - count)
-            return false;
-        total += count;
-        taken += count;
-        return true;
-    }
-
-    void GiveBack()
-    {
-        total -= taken;
-        taken = 0;
-    }
-
-private:
-    Count& total;
-    std::size_t taken = 0;
-};
-
-/// Ends what a stream waits for after a time, and leaves it open: its own time limit would close it, and a
-/// client that is late could not be told.
-class Deadline {
-public:
-    Deadline(beast::tcp_stream& stream, std::chrono::seconds time)
-        : timer(stream.get_executor(), time), isLate(std::make_shared<bool>(false))
-    {
-        // The handler may be on its way already when this object ends; the pointer tells it.
-        timer.async_wait([&stream, isLate = std::weak_ptr(isLate)](const error_code& error) {
-            const auto late = isLate.lock();
-            if (error || !late)
-                return;
-            *late = true;
-            stream.cancel();
-        });
-    }
-
-    bool IsLate() const { return *isLate; }
-
-private:
-    asio::steady_timer timer;
-    std::shared_ptr<bool> isLate;
-};
-
-/// Stands among those that wait for a request.
-class Waiting {
-public:
-    Waiting(Door& door, asio::ip::tcp::socket& socket) : door(door), socket(&socket)
-    {
-        door.idle.insert(this->socket);
-    }
-    ~Waiting() { door.idle.erase(socket); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
-
-private:
-    Door& door;
-    asio::ip::tcp::socket* socket;
-};
 
 /// The status that tells a client what is wrong with its request; 0 when there is nobody to tell.
 int StatusOf(const error_code& error)

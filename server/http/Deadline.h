@@ -1,0 +1,36 @@
+#pragma once
+
+#include <utility>
+// Boost.Asio 1.74 uses what <utility> declares without including it.
+#include <boost/asio/steady_timer.hpp>
+#include <boost/beast/core/tcp_stream.hpp>
+#include <chrono>
+#include <memory>
+
+namespace kel::server {
+
+/// Ends what a stream waits for after a time, and leaves it open: its own time limit would close it, and a
+/// client that is late could not be told.
+class Deadline {
+public:
+    Deadline(boost::beast::tcp_stream& stream, std::chrono::seconds time)
+        : timer(stream.get_executor(), time), isLate(std::make_shared<bool>(false))
+    {
+        // The handler may be on its way already when this object ends; the pointer tells it.
+        timer.async_wait([&stream, isLate = std::weak_ptr(isLate)](const boost::system::error_code& error) {
+            const auto late = isLate.lock();
+            if (error || !late)
+                return;
+            *late = true;
+            stream.cancel();
+        });
+    }
+
+    bool IsLate() const { return *isLate; }
+
+private:
+    boost::asio::steady_timer timer;
+    std::shared_ptr<bool> isLate;
+};
+
+}  // namespace kel::server

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "server/store/SqlConnection.h"
+
+namespace kel::server {
+
+/// The first row made into something, if there is one.
+template <typename Make>
+auto First(const SqlRows& rows, Make make) -> std::optional<decltype(make(rows.front()))>
+{
+    if (rows.empty())
+        return std::nullopt;
+    return make(rows.front());
+}
+
+/// Every row made into something.
+template <typename Make>
+auto Each(const SqlRows& rows, Make make)
+{
+    std::vector<decltype(make(rows.front()))> all;
+    for (const SqlRow& row : rows)
+        all.push_back(make(row));
+    return all;
+}
+
+/// A column that is a small number.
+inline int Small(const SqlRow& row, std::size_t column)
+{
+    return static_cast<int>(row.Number(column));
+}
+
+}  // namespace kel::server
