@@ -63,7 +63,7 @@ class Commands(DataTest):
             start = time.monotonic()
             self.assertEqual(self.upload("new")[0], 200)
             slowest = max(slowest, time.monotonic() - start)
-        self.assertLess(slowest, 1)
+        self.assertLess(slowest, 3)
         self.assertEqual(self.database.run("SELECT count(*) FROM report WHERE received = 1"), [(0,)])
 
     @sqlite
@@ -150,7 +150,7 @@ class Faults(DataTest):
             start = time.monotonic()
             for path in ("/healthz", "/metrics") + ("/readyz",) * (KIND == "sqlite"):
                 self.assertEqual(self.ask("GET", path, address=self.admin)[0], 200)
-            self.assertLess(time.monotonic() - start, 0.3)
+            self.assertLess(time.monotonic() - start, 3)  # the page waits ten
             self.assertTrue(page.is_alive())
         page.join()
 

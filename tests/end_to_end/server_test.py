@@ -114,9 +114,9 @@ class Bodies(DeployedTest):
             self.ask("POST", UPLOAD, REPORT.format("s").replace("8.0 GB", "é" * (size // 2)))
             times = []
             for _ in range(3):
-                start = time.monotonic()
+                start = self.work()
                 self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 200)
-                times.append(time.monotonic() - start)
+                times.append(self.work() - start)
             self.assertLess(min(times), 0.5)
         for size, machine in ((1024, "m" * 1024), (1025, "")):
             self.ask("POST", UPLOAD, REPORT.format(f"{size}").replace("</groups>", "".join(
