@@ -8,6 +8,7 @@ namespace {
 
 constexpr std::chrono::seconds Minute{60};
 constexpr std::chrono::hours Memory{1};
+constexpr int FirstWait = 4;  // seconds
 constexpr int MostDoublings = 10;
 
 std::chrono::seconds Until(Throttle::Clock::time_point end, Throttle::Clock::time_point now)
@@ -26,7 +27,7 @@ std::chrono::seconds Throttle::Wait(const Guest& guest, Clock::time_point now)
     if (found == guests.end() || found->second.count < FreeFailures)
         return all;
     const int doublings = std::min(found->second.count - FreeFailures, MostDoublings);
-    const auto wait = std::min(LongestWait, std::chrono::seconds(1 << doublings));
+    const auto wait = std::min(LongestWait, std::chrono::seconds(FirstWait << doublings));
     return std::max(all, Until(found->second.last + wait, now));
 }
 

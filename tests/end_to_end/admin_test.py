@@ -173,7 +173,8 @@ class Entry(AdminTest):
         self.assertGreater(unknown, right / 2)  # a name that takes no time is no account
         self.assertEqual([self.status("POST", "/login", guess) for _ in range(2)], [403, 429])
         answer, _ = self.visit("POST", "/login", {"name": "Edith", "password": PASSWORD})
-        self.assertEqual((answer.status, answer.headers["Retry-After"]), (429, "1"))
+        self.assertEqual(answer.status, 429)
+        self.assertIn(answer.headers["Retry-After"], ("4", "3", "2", "1"))
         self.assertEqual(self.status("GET", "/login"), 200)
         self.log_in("Rita")  # others are not kept out
         statuses = [self.status("POST", "/login", {**guess, "name": f"n{number}"}) for number in range(30)]
