@@ -15,7 +15,7 @@ class Throttle {
 public:
     using Clock = std::chrono::steady_clock;
 
-    static constexpr int FreeFailures = 5;  // of a name, before it has to wait: 4 s, then twice as long
+    static constexpr int FreeFailures = 5;      // of a name, before it has to wait: 4 s, then twice as long
     static constexpr int FailuresAMinute = 30;  // of all names
     static constexpr std::size_t MostNames = 1000;
     static constexpr std::chrono::seconds LongestWait{300};
