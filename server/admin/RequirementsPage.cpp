@@ -1,5 +1,8 @@
 #include "server/admin/RequirementsPage.h"
 
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
 #include "server/admin/Layout.h"
 #include "server/admin/ProductPage.h"
 #include "server/admin/Table.h"
@@ -18,6 +21,15 @@ constexpr const char* Template =
     "      \"advice\": \"Add memory.\" }\n"
     "  ]\n"
     "}\n";
+
+/// The text as somebody can edit it: programs write requirements into a single line.
+std::string InLines(const std::string& text)
+{
+    if (text.empty() || std::find(text.begin(), text.end() - 1, '\n') != text.end() - 1)
+        return text;
+    const auto content = nlohmann::ordered_json::parse(text, nullptr, false);
+    return content.is_discarded() ? text : content.dump(2) + "\n";
+}
 
 Html NoticeOf(const Visit& visit)
 {
@@ -147,7 +159,7 @@ Answer RequirementsPage::Show(const Visit& visit) const
         "p", {{"class", "lead"}},
         newest.empty() ? "Nothing is published for this product yet. This is an example to begin with."
                        : "There is no draft. This is the text in force, to begin one with.");
-    return Edit(visit, newest.empty() ? Template : newest, 0, result);
+    return Edit(visit, newest.empty() ? Template : InLines(newest), 0, result);
 }
 
 Answer RequirementsPage::ShowVersion(const Visit& visit) const

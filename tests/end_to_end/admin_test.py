@@ -464,6 +464,8 @@ class Editing(AdminTest):
         return answer.status, page
 
     def test_a_draft_is_checked_and_keeps_what_was_typed(self):
+        begun = self.page("/products/demo/requirements", self.cookie).data
+        self.assertIn('[\n    {\n      "id": 71063,\n', begun)  # what came in a single line can be edited
         good = requirements((1, "A", "any"), (2, "B", "any"))
         for text, told in ((good, "can be published. Lines: 2."), (good.replace('"B"', "B"), "line 11, column"),
                            (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: &#x27;odd&#x27; is no"),
