@@ -5,7 +5,9 @@ import re
 import subprocess
 import unittest
 from concurrent.futures import ThreadPoolExecutor
+from pathlib import Path
 
+WINE = Path(__file__).resolve().parents[2] / "scripts" / "wine_run.sh"
 TESTS = os.environ.get("KEL_CLIENT_TESTS", "build/release/tests/client_tests.exe")
 STRIDE = int(os.environ.get("KEL_FAULT_STRIDE", 0))  # over the calls of each function; 0: some of each
 HANDLE = 100000  # what counts as one open handle
@@ -16,7 +18,7 @@ class Run:
 
     def __init__(self, test, fault=""):
         self.fault = fault
-        done = subprocess.run(["wine", TESTS, f"--gtest_filter=Fault.{test}"], stdin=subprocess.DEVNULL,
+        done = subprocess.run([WINE, TESTS, f"--gtest_filter=Fault.{test}"], stdin=subprocess.DEVNULL,
                               capture_output=True, text=True, timeout=100,
                               env=os.environ | {"KEL_FAULT": fault, "http_proxy": "http://127.0.0.1:9"})
         report = re.search("^open=.*", done.stdout, re.MULTILINE)
