@@ -21,4 +21,11 @@ void Applications::Initialize()
     table = ApplicationTable();
 }
 
+StoredFacts Applications::ListFacts()
+{
+    StoredFacts facts;
+    AddFacts(facts, ApplicationTable());
+    return facts;
+}
+
 }  // namespace kel

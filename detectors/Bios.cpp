@@ -26,4 +26,9 @@ bool Bios::Detect()
     });
 }
 
+StoredFacts Bios::ListFacts()
+{
+    return CollectFacts(Facts);
+}
+
 }  // namespace kel

@@ -87,4 +87,11 @@ void Browser::Initialize()
     table = BrowserTable();
 }
 
+StoredFacts Browser::ListFacts()
+{
+    StoredFacts facts = CollectFacts(Facts);
+    AddFacts(facts, BrowserTable());
+    return facts;
+}
+
 }  // namespace kel

@@ -7,26 +7,12 @@ namespace kel {
 
 namespace {
 
-/// What is said of all real drives together.
-struct CDRomTotals {
-    bool isThere = false;
-    std::int32_t count = 0;
-};
-
-constexpr FactTable Totals(Fact{72100, &CDRomTotals::isThere}, Fact{72101, &CDRomTotals::count});
-
-void StoreDefaults()
-{
-    Totals.Store(CDRomTotals());
-    OpticalFacts.Store(OpticalInfo());
-}
+/// Of the real drives.
+constexpr FactTable Totals(Fact{72100, &ListTotals::isThere}, Fact{72101, &ListTotals::count});
 
 void StoreDrives(const std::vector<OpticalDrive>& drives)
 {
-    CDRomTotals totals;
-    totals.count = static_cast<std::int32_t>(std::ranges::count_if(drives, &IsRealDrive));
-    totals.isThere = totals.count > 0;
-    Totals.Store(totals);
+    Totals.Store(ListTotals(std::ranges::count_if(drives, &IsRealDrive)));
     for (std::size_t place = 0; place < drives.size(); ++place) {
         if (const wchar_t* source = drives[place].record.abilitySource; *source != L'\0')
             WriteLog(LogTrace, L"CDRom[", place, L"] abilities from ", source);
@@ -36,20 +22,28 @@ void StoreDrives(const std::vector<OpticalDrive>& drives)
 
 }  // namespace
 
+template <typename List>
+bool CDRom::DetectIn(List list)
+{
+    return Guarded(L"kel::CDRom::Detect", L"Error in CDRom detection.", [&list] {
+        StoreDefaults(Totals, OpticalFacts);
+        StoreDrives(list());
+    });
+}
+
 bool CDRom::Detect()
 {
-    return Guarded(L"kel::CDRom::Detect", L"Error in CDRom detection.", [] {
-        StoreDefaults();
-        StoreDrives(GetOpticalDrives());
-    });
+    return DetectIn(&GetOpticalDrives);
 }
 
 bool CDRom::Detect(const StorageFunctions& functions)
 {
-    return Guarded(L"kel::CDRom::Detect", L"Error in CDRom detection.", [&functions] {
-        StoreDefaults();
-        StoreDrives(ListOpticalDrives(functions));
-    });
+    return DetectIn([&functions] { return ListOpticalDrives(functions); });
+}
+
+StoredFacts CDRom::ListFacts()
+{
+    return CollectFacts(Totals, OpticalFacts);
 }
 
 }  // namespace kel

@@ -57,4 +57,9 @@ bool CPU::Detect(CPUID& chip)
     });
 }
 
+StoredFacts CPU::ListFacts()
+{
+    return CollectFacts(Facts);
+}
+
 }  // namespace kel

@@ -26,4 +26,9 @@ bool Chassis::Detect(BOOLEAN(WINAPI* getCapabilities)(SYSTEM_POWER_CAPABILITIES*
                    [getCapabilities] { Facts.Store(ChassisInfo{HasLongTermBattery(getCapabilities)}); });
 }
 
+StoredFacts Chassis::ListFacts()
+{
+    return CollectFacts(Facts);
+}
+
 }  // namespace kel

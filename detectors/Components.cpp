@@ -9,15 +9,48 @@ namespace kel {
 
 namespace {
 
-using Detectors = std::vector<std::unique_ptr<Component>>;
-
-template <typename... Kinds>
-Detectors Make()
+template <typename Detector>
+std::unique_ptr<Component> Make()
 {
-    Detectors made;
-    (made.push_back(std::make_unique<Kinds>()), ...);
-    return made;
+    return std::make_unique<Detector>();
 }
+
+/// A detector by the name of its class.
+struct Row {
+    const char* name;
+    std::unique_ptr<Component> (*make)();
+    StoredFacts (*listFacts)();
+};
+
+template <typename Detector>
+constexpr Row RowOf(const char* name)
+{
+    return {name, &Make<Detector>, &Detector::ListFacts};
+}
+
+/// The order in which they run.
+constexpr Row Rows[] = {
+    RowOf<CPU>("CPU"),
+    RowOf<GPU>("GPU"),
+    RowOf<Bios>("Bios"),
+    RowOf<CDRom>("CDRom"),
+    RowOf<Chassis>("Chassis"),
+    RowOf<DirectX>("DirectX"),
+    RowOf<DVD>("DVD"),
+    RowOf<Graphics>("Graphics"),
+    RowOf<HardDrive>("HardDrive"),
+    RowOf<LogicalDrive>("LogicalDrive"),
+    RowOf<MotherBoard>("MotherBoard"),
+    RowOf<NetworkDevice>("NetworkDevice"),
+    RowOf<OS>("OS"),
+    RowOf<Ram>("Ram"),
+    RowOf<Sound>("Sound"),
+    RowOf<Software>("Software"),
+    RowOf<Browser>("Browser"),
+    RowOf<Monitor>("Monitor"),
+    RowOf<Applications>("Applications"),
+    RowOf<SCSI>("SCSI"),
+};
 
 /// The flag is set before the work, so that a page that is let in while a detector waits does not start them
 /// again; and taken back when the work cannot be done, as when memory is short, so that the next call does
@@ -43,9 +76,9 @@ void Components::Init()
     static bool isDone = false;
     RunOnce(isDone, [this] {
         const LogScope trace(L"kel::Components::Init");
-        Detectors made =
-            Make<CPU, GPU, Bios, CDRom, Chassis, DirectX, DVD, Graphics, HardDrive, LogicalDrive, MotherBoard,
-                 NetworkDevice, OS, Ram, Sound, Software, Browser, Monitor, Applications, SCSI>();
+        std::vector<std::unique_ptr<Component>> made;
+        for (const Row& row : Rows)
+            made.push_back(row.make());
         detectors.clear();
         detectors.reserve(made.size());
         for (auto& detector : made)
@@ -61,6 +94,14 @@ void Components::DetectAll()
         for (Component* detector : detectors)
             detector->Detect();
     });
+}
+
+std::vector<Components::Listed> Components::ListFacts()
+{
+    std::vector<Listed> listed;
+    for (const Row& row : Rows)
+        listed.push_back({row.name, row.listFacts()});
+    return listed;
 }
 
 }  // namespace kel

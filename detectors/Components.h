@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "detectors/Component.h"
+#include "detectors/StoredFacts.h"
 
 namespace kel {
 
@@ -17,6 +18,15 @@ public:
 
     /// Builds the list and runs every detector, one after the other; once per process.
     void DetectAll();
+
+    /// What a detector stores.
+    struct Listed {
+        const char* detector;  ///< its class
+        StoredFacts facts;
+    };
+
+    /// Lists the facts of every detector, in the order in which they run. Nothing is read.
+    static std::vector<Listed> ListFacts();
 
 private:
     std::vector<Component*> detectors;

@@ -34,20 +34,28 @@ DvdInfo AddUp(const std::vector<OpticalDrive>& drives)
 
 }  // namespace
 
+template <typename List>
+bool DVD::DetectIn(List list)
+{
+    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [&list] {
+        Facts.Store(AddUp({}));
+        Facts.Store(AddUp(list()));
+    });
+}
+
 bool DVD::Detect()
 {
-    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [] {
-        Facts.Store(AddUp({}));
-        Facts.Store(AddUp(GetOpticalDrives()));
-    });
+    return DetectIn(&GetOpticalDrives);
 }
 
 bool DVD::Detect(const StorageFunctions& functions)
 {
-    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [&functions] {
-        Facts.Store(AddUp({}));
-        Facts.Store(AddUp(ListOpticalDrives(functions)));
-    });
+    return DetectIn([&functions] { return ListOpticalDrives(functions); });
+}
+
+StoredFacts DVD::ListFacts()
+{
+    return CollectFacts(Facts);
 }
 
 }  // namespace kel

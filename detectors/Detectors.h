@@ -1,5 +1,6 @@
 // The twenty detectors, in the order in which they run. Each reads its sources in `Detect`; a further
-// overload takes what a test puts in the place of the machine's own.
+// overload takes what a test puts in the place of the machine's own. `ListFacts` lists what a detector
+// stores.
 #pragma once
 
 #include <windows.h>
@@ -7,6 +8,7 @@
 #include <span>
 
 #include "detectors/Component.h"
+#include "detectors/StoredFacts.h"
 #include "probes/Product.h"
 
 namespace kel {
@@ -28,6 +30,7 @@ class CPU : public Component {
 public:
     bool Detect() override;
     bool Detect(CPUID& chip);
+    static StoredFacts ListFacts();
 };
 
 /// The graphics adapters, merged from the graphics interfaces, the Setup API and the registry; the first is
@@ -37,12 +40,14 @@ class GPU : public Component {
 public:
     bool Detect() override;
     bool Detect(Adapters& adapters);
+    static StoredFacts ListFacts();
 };
 
 /// The BIOS: version and date from the registry, name and manufacturer from WMI.
 class Bios : public Component {
 public:
     bool Detect() override;
+    static StoredFacts ListFacts();
 };
 
 /// Optical drives: name, letter, whether one writes CDs or shows an image. Merged from the Setup API, WMI and
@@ -51,6 +56,12 @@ class CDRom : public Component {
 public:
     bool Detect() override;
     bool Detect(const StorageFunctions& functions);
+    static StoredFacts ListFacts();
+
+private:
+    /// @param list lists the devices
+    template <typename List>
+    bool DetectIn(List list);
 };
 
 /// The chassis: whether the machine has a long-term battery, that is, is portable.
@@ -58,6 +69,7 @@ class Chassis : public Component {
 public:
     bool Detect() override;
     bool Detect(BOOLEAN(WINAPI* getCapabilities)(SYSTEM_POWER_CAPABILITIES*));
+    static StoredFacts ListFacts();
 };
 
 /// DirectX: the runtime that Windows has, which versions of Direct3D are there, and what the first adapter
@@ -66,6 +78,7 @@ class DirectX : public Component {
 public:
     bool Detect() override;
     bool Detect(Adapters& adapters);
+    static StoredFacts ListFacts();
 };
 
 /// What the optical drives can do with DVDs and Blu-ray discs. The drives are those of CDRom.
@@ -73,6 +86,12 @@ class DVD : public Component {
 public:
     bool Detect() override;
     bool Detect(const StorageFunctions& functions);
+    static StoredFacts ListFacts();
+
+private:
+    /// @param list lists the devices
+    template <typename List>
+    bool DetectIn(List list);
 };
 
 /// The displays: how many are active, the primary one's picture, and the whole desktop.
@@ -80,6 +99,7 @@ class Graphics : public Component {
 public:
     bool Detect() override;
     bool Detect(const DisplayConfig& config);
+    static StoredFacts ListFacts();
 };
 
 /// Disks, with those that hold Windows first: merged from what each answers, WMI and the Setup API by the
@@ -91,6 +111,7 @@ public:
     bool Detect() override;
     bool Detect(const StorageFunctions& functions);
     void Initialize() override;
+    static StoredFacts ListFacts();
 };
 
 /// Drive letters, with that of Windows first. Only fixed and RAM disks are asked for file system and sizes;
@@ -102,12 +123,14 @@ public:
     bool Detect() override;
     bool Detect(const VolumeFunctions& functions);
     void Initialize() override;
+    static StoredFacts ListFacts();
 };
 
 /// The motherboard: version from the registry, the rest from WMI.
 class MotherBoard : public Component {
 public:
     bool Detect() override;
+    static StoredFacts ListFacts();
 };
 
 /// The network: its physical adapters, merged from the Setup API and the system's interfaces, that of the
@@ -117,6 +140,7 @@ class NetworkDevice : public Component {
 public:
     bool Detect() override;
     bool Detect(const NetworkFunctions& functions);
+    static StoredFacts ListFacts();
 };
 
 /// The operating system: display name, release and edition flags, version numbers, locale, machine identifier
@@ -128,6 +152,7 @@ public:
     bool Detect() override;
     bool Detect(const OSFunctions& functions);
     void Initialize() override;
+    static StoredFacts ListFacts();
 
 private:
     static void GetSupportInformation();
@@ -138,6 +163,7 @@ class Ram : public Component {
 public:
     bool Detect() override;
     bool Detect(decltype(&GlobalMemoryStatusEx) statusEx);
+    static StoredFacts ListFacts();
 };
 
 /// Sound: its devices, merged from the Setup API, WMI and the system's endpoints, that of the default output
@@ -146,6 +172,7 @@ class Sound : public Component {
 public:
     bool Detect() override;
     bool Detect(const SoundFunctions& functions);
+    static StoredFacts ListFacts();
 };
 
 /// The drivers of the devices that matter most, as their detectors found them, and the runtimes that programs
@@ -154,6 +181,7 @@ class Software : public Component {
 public:
     bool Detect() override;
     bool Detect(const SoftwareFunctions& functions);
+    static StoredFacts ListFacts();
 };
 
 /// The browsers of a table, which of them the user chose, and the program that the control runs in.
@@ -165,6 +193,7 @@ public:
     bool Detect(const SoftwareFunctions& functions);
     /// Builds the table.
     void Initialize() override;
+    static StoredFacts ListFacts();
 
 private:
     std::span<const Product> table;
@@ -175,6 +204,7 @@ class Monitor : public Component {
 public:
     bool Detect() override;
     bool Detect(const DisplayConfig& config);
+    static StoredFacts ListFacts();
 };
 
 /// The applications of a table: which are there, and their versions. It looks for no others.
@@ -186,6 +216,7 @@ public:
     bool Detect(const SoftwareFunctions& functions);
     /// Builds the table.
     void Initialize() override;
+    static StoredFacts ListFacts();
 
 private:
     std::span<const Product> table;
@@ -197,6 +228,12 @@ class SCSI : public Component {
 public:
     bool Detect() override;
     bool Detect(SetupLib& library);
+    static StoredFacts ListFacts();
+
+private:
+    /// @param list lists the devices
+    template <typename List>
+    bool DetectIn(List list);
 };
 
 }  // namespace kel

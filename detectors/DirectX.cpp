@@ -60,4 +60,9 @@ bool DirectX::Detect(Adapters& adapters)
     });
 }
 
+StoredFacts DirectX::ListFacts()
+{
+    return CollectFacts(DirectXFacts);
+}
+
 }  // namespace kel

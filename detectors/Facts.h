@@ -9,8 +9,7 @@
 #include <vector>
 
 #include "detectors/Component.h"
-#include "values/Count.h"
-#include "values/Exists.h"
+#include "detectors/StoredFacts.h"
 
 namespace kel {
 
@@ -113,7 +112,24 @@ public:
         Store(device.record, index);
     }
 
+    /// Stores a record in which nothing is known.
+    void StoreDefaults() const { Store(Record()); }
+
+    /// Adds the facts that are stored to a list.
+    void List(StoredFacts& facts) const
+    {
+        ForEach([&](const auto& fact, std::size_t) { Add(facts, fact); });
+    }
+
 private:
+    template <typename Member>
+    static void Add(StoredFacts& facts, const Fact<Record, Member>& fact)
+    {
+        static_assert(!TypeName<Member>.empty(), "a type without a name in the catalogue");
+        if (fact.id != NotStored)
+            facts.push_back({fact.id, TypeName<Member>});
+    }
+
     template <typename Visit>
     void ForEach(Visit visit) const
     {
@@ -146,5 +162,46 @@ private:
 
     std::tuple<Fact<Record, Members>...> rows;
 };
+
+/// What a detector of several devices stores of all of them together.
+struct ListTotals {
+    bool isThere = false;
+    std::int32_t count = 0;
+
+    ListTotals() = default;
+    explicit ListTotals(std::ptrdiff_t number) : isThere(number > 0), count(static_cast<std::int32_t>(number))
+    {
+    }
+};
+
+/// Stores a record in which nothing is known for each table.
+template <typename... Tables>
+void StoreDefaults(const Tables&... tables)
+{
+    (tables.StoreDefaults(), ...);
+}
+
+/// Stores each device under its index, from 0 on.
+/// @param devices records, or merged ones, of which the log shows the sources under the detector's name
+template <typename Table, typename Devices>
+void StoreList(const Table& table, const Devices& devices, const wchar_t* detector)
+{
+    int index = 0;
+    for (const auto& device : devices) {
+        if constexpr (requires { table.Store(device, detector, index); })
+            table.Store(device, detector, index++);
+        else
+            table.Store(device, index++);
+    }
+}
+
+/// The facts that several tables store, in the order in which they are stored.
+template <typename... Tables>
+StoredFacts CollectFacts(const Tables&... tables)
+{
+    StoredFacts facts;
+    (tables.List(facts), ...);
+    return facts;
+}
 
 }  // namespace kel

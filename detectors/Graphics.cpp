@@ -10,7 +10,7 @@ namespace {
 
 struct GraphicsTotals {
     bool isThere = false;
-    Count count = Count(0);
+    std::int32_t count = 0;
     bool isRemote = false;
 };
 
@@ -70,12 +70,10 @@ bool Graphics::Detect()
 bool Graphics::Detect(const DisplayConfig& config)
 {
     return Guarded(L"kel::Graphics::Detect", L"Error in Graphics detection.", [&config] {
-        Totals.Store(GraphicsTotals());
-        Facts.Store(GraphicsInfo());
+        StoreDefaults(Totals, Facts);
         const DisplayList list = config.List();
         const std::vector<DisplayInfo>& displays = list.displays;
-        Totals.Store(
-            {!displays.empty(), Count(static_cast<std::int64_t>(displays.size())), config.IsRemote()});
+        Totals.Store({!displays.empty(), static_cast<std::int32_t>(displays.size()), config.IsRemote()});
         decltype(Facts)::Device merged;
         Facts.Merge(merged, Describe(displays), list.source);
         if (const GraphicsInfo& told = merged.record;
@@ -85,6 +83,11 @@ bool Graphics::Detect(const DisplayConfig& config)
         }
         Facts.Store(merged, L"Graphics");
     });
+}
+
+StoredFacts Graphics::ListFacts()
+{
+    return CollectFacts(Totals, Facts);
 }
 
 }  // namespace kel

@@ -125,8 +125,7 @@ bool HardDrive::Detect(const StorageFunctions& functions)
 {
     return Guarded(L"kel::HardDrive::Detect", L"Error in HardDrive detection.", [&functions] {
         const ErrorMode quiet;
-        Totals.Store(DiskTotals());
-        Facts.Store(DiskInfo());
+        StoreDefaults(Totals, Facts);
         Disks storage = ListDisks(functions);
         Disks wmi = ListWmiDisks();
         const Disks setup = ListSetupDisks(functions);
@@ -147,14 +146,18 @@ bool HardDrive::Detect(const StorageFunctions& functions)
         std::ranges::stable_sort(drives, {}, &GetRank);
 
         Totals.Store(AddUp(drives));
-        for (std::size_t place = 0; place < drives.size(); ++place)
-            Facts.Store(drives[place], L"HardDrive", static_cast<int>(place));
+        StoreList(Facts, drives, L"HardDrive");
     });
 }
 
 void HardDrive::Initialize()
 {
     const LogScope trace(L"kel::HardDrive::Initialize");
+}
+
+StoredFacts HardDrive::ListFacts()
+{
+    return CollectFacts(Totals, Facts);
 }
 
 }  // namespace kel

@@ -70,19 +70,22 @@ bool LogicalDrive::Detect(const VolumeFunctions& functions)
 {
     return Guarded(L"kel::LogicalDrive::Detect", L"Error in LogicalDrive detection.", [&functions] {
         const ErrorMode quiet;
-        Totals.Store(VolumeTotals());
-        Facts.Store(VolumeInfo());
+        StoreDefaults(Totals, Facts);
         std::vector<VolumeInfo> volumes = ListVolumes(functions);
         std::ranges::stable_sort(volumes, {}, &GetRank);
         Totals.Store(AddUp(volumes));
-        for (std::size_t place = 0; place < volumes.size(); ++place)
-            Facts.Store(volumes[place], static_cast<int>(place));
+        StoreList(Facts, volumes, L"LogicalDrive");
     });
 }
 
 void LogicalDrive::Initialize()
 {
     const LogScope trace(L"kel::LogicalDrive::Initialize");
+}
+
+StoredFacts LogicalDrive::ListFacts()
+{
+    return CollectFacts(Totals, Facts);
 }
 
 }  // namespace kel

@@ -11,12 +11,7 @@ namespace kel {
 
 namespace {
 
-struct MonitorTotals {
-    bool isThere = false;
-    Count count = Count(0);
-};
-
-constexpr FactTable Totals(Fact{73100, &MonitorTotals::isThere}, Fact{73101, &MonitorTotals::count});
+constexpr FactTable Totals(Fact{73100, &ListTotals::isThere}, Fact{73101, &ListTotals::count});
 
 using M = MonitorInfo;
 
@@ -92,14 +87,16 @@ bool Monitor::Detect()
 bool Monitor::Detect(const DisplayConfig& config)
 {
     return Guarded(L"kel::Monitor::Detect", L"Error in Monitor detection.", [&config] {
-        Totals.Store(MonitorTotals());
-        Facts.Store(MonitorInfo());
+        StoreDefaults(Totals, Facts);
         const Devices devices = ListMonitors(config);
-        Totals.Store({!devices.empty(), Count(static_cast<std::int64_t>(devices.size()))});
-        int index = 0;
-        for (const auto& device : devices)
-            Facts.Store(device, L"Monitor", index++);
+        Totals.Store(ListTotals(std::ssize(devices)));
+        StoreList(Facts, devices, L"Monitor");
     });
+}
+
+StoredFacts Monitor::ListFacts()
+{
+    return CollectFacts(Totals, Facts);
 }
 
 }  // namespace kel

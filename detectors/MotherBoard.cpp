@@ -29,4 +29,9 @@ bool MotherBoard::Detect()
     });
 }
 
+StoredFacts MotherBoard::ListFacts()
+{
+    return CollectFacts(Facts);
+}
+
 }  // namespace kel

@@ -93,9 +93,7 @@ void StoreAdapters(const std::vector<Adapter>& adapters)
     };
     SummaryFacts.Store({!adapters.empty(), Count(static_cast<std::int64_t>(adapters.size())), hasKind(Wired),
                         hasKind(Wireless)});
-    int index = 0;
-    for (const Adapter& adapter : adapters)
-        AdapterFacts.Store(adapter, L"NetworkDevice", index++);
+    StoreList(AdapterFacts, adapters, L"NetworkDevice");
 }
 
 }  // namespace
@@ -108,8 +106,7 @@ bool NetworkDevice::Detect()
 bool NetworkDevice::Detect(const NetworkFunctions& functions)
 {
     return Guarded(L"kel::NetworkDevice::Detect", L"Error in NetworkDevice detection.", [&functions] {
-        SummaryFacts.Store(NetworkSummary());
-        AdapterFacts.Store(NetworkInfo());
+        StoreDefaults(SummaryFacts, AdapterFacts);
         StoreAdapters(ListAdapters(functions));
 
         if (!Session::Current().IsWanted(GroupID(BandwidthId)))
@@ -119,6 +116,13 @@ bool NetworkDevice::Detect(const NetworkFunctions& functions)
         WriteLog(LogTrace, L"Network speed is: ", rate, L" bps");
         AddValue(BandwidthId, Bandwidth(rate));
     });
+}
+
+StoredFacts NetworkDevice::ListFacts()
+{
+    StoredFacts facts = CollectFacts(SummaryFacts, AdapterFacts);
+    facts.push_back({BandwidthId, TypeName<Bandwidth>});
+    return facts;
 }
 
 }  // namespace kel

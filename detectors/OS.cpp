@@ -99,4 +99,15 @@ void OS::GetSupportInformation()
         AddValue(DotNetId, Version(*framework));
 }
 
+StoredFacts OS::ListFacts()
+{
+    StoredFacts facts = CollectFacts(VersionFacts);
+    for (const unsigned flag : Flags)
+        facts.push_back({flag, TypeName<Exists>});
+    facts.insert(
+        facts.end(),
+        {{DisplayNameId, TypeName<Name>}, {MachineId, TypeName<Name>}, {DotNetId, TypeName<Version>}});
+    return facts;
+}
+
 }  // namespace kel

@@ -38,6 +38,16 @@ void StoreProduct(const wchar_t* detector, const Product& product, const Install
         Component::AddValue(product.versionId, std::wstring());
 }
 
+void AddFacts(StoredFacts& facts, std::span<const Product> table)
+{
+    for (const Product& product : table) {
+        if (product.existsId != NotStored)
+            facts.push_back({product.existsId, TypeName<Exists>});
+        if (product.versionId != NotStored)
+            facts.push_back({product.versionId, TypeName<Version>});
+    }
+}
+
 void StoreDefaults(std::span<const Product> table)
 {
     for (const Product& product : table)

@@ -3,6 +3,7 @@
 #include <span>
 
 #include "detectors/Component.h"
+#include "detectors/StoredFacts.h"
 #include "probes/Product.h"
 #include "probes/SoftwareFunctions.h"
 
@@ -12,6 +13,9 @@ namespace kel {
 /// log says what it was found by, and who told the version.
 /// @param found null when the product is not there
 void StoreProduct(const wchar_t* detector, const Product& product, const Installation* found);
+
+/// Adds what is stored of the products of a table to a list.
+void AddFacts(StoredFacts& facts, std::span<const Product> table);
 
 /// Stores every product of a table as absent.
 void StoreDefaults(std::span<const Product> table);

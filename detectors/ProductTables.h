@@ -1,5 +1,5 @@
 // What the detectors of software look for: a row for each product. A new product is a new row, and its ids go
-// into docs/value-ids.md; no other code knows of it.
+// into catalogue/values.tsv; no other code knows of it.
 #pragma once
 
 #include <span>

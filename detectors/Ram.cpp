@@ -23,4 +23,9 @@ bool Ram::Detect(decltype(&GlobalMemoryStatusEx) statusEx)
                    [statusEx] { Facts.Store(ReadMemory(statusEx)); });
 }
 
+StoredFacts Ram::ListFacts()
+{
+    return CollectFacts(Facts);
+}
+
 }  // namespace kel

@@ -61,4 +61,11 @@ bool Software::Detect(const SoftwareFunctions& functions)
     });
 }
 
+StoredFacts Software::ListFacts()
+{
+    StoredFacts facts = CollectFacts(Facts);
+    AddFacts(facts, RuntimeTable());
+    return facts;
+}
+
 }  // namespace kel

@@ -95,8 +95,7 @@ bool Sound::Detect()
 bool Sound::Detect(const SoundFunctions& functions)
 {
     return Guarded(L"kel::Sound::Detect", nullptr, [&functions] {
-        SummaryFacts.Store(SoundSummary());
-        DeviceFacts.Store(SoundInfo());
+        StoreDefaults(SummaryFacts, DeviceFacts);
 
         const SoundEndpoints endpoints = ReadSoundEndpoints();
         const std::vector<Device> devices = ListDevices(endpoints);
@@ -109,10 +108,13 @@ bool Sound::Detect(const SoundFunctions& functions)
             WriteLog(LogTrace, L"There is no sound device.");
         SummaryFacts.Store(
             {hasSound, Count(static_cast<std::int64_t>(devices.size())), Count(outputs), Count(inputs)});
-        int index = 0;
-        for (const Device& device : devices)
-            DeviceFacts.Store(device, L"Sound", index++);
+        StoreList(DeviceFacts, devices, L"Sound");
     });
+}
+
+StoredFacts Sound::ListFacts()
+{
+    return CollectFacts(SummaryFacts, DeviceFacts);
 }
 
 }  // namespace kel

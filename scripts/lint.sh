@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks the format of all sources, their includes against the list of floors, the C++ (clang-tidy), the shell scripts
+# Checks the format of all sources, their includes against the list of floors, the page of value ids against the catalogue, the C++ (clang-tidy), the shell scripts
 # (shellcheck) and the Python (flake8). Takes C++ files for clang-tidy as arguments, or all; with --quick first, of its
 # checks only those that take little, names among them: all of them take as long as building and testing together.
 set -euo pipefail
@@ -8,6 +8,7 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh --lint
 scripts/format.sh --check
 python3 scripts/check_includes.py
+python3 tools/catalogue.py --check
 git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck --external-sources
 git ls-files -z '*.py' | xargs -0 flake8
 checks=()

@@ -9,7 +9,8 @@ packages=(
   cmake ninja-build python3
 )
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
-server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake ninja-build)
+server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake ninja-build
+  python3)
 service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")

@@ -5,7 +5,7 @@
 
 namespace kel::server {
 
-/// What a value is, by the table of docs/value-ids.md, which the build puts in.
+/// What a value is, by `catalogue/values.tsv`, from which the build makes the table.
 struct ValueName {
     int id;
     const char* detector;

@@ -1,5 +1,8 @@
 #include <gmock/gmock.h>
 
+#include <set>
+
+#include "detectors/Components.h"
 #include "support/PlantedMachine.h"
 #include "values/Text.h"
 
@@ -73,12 +76,24 @@ void ExpectOnlyHarmless(const Lines& opened)
     }
 }
 
+/// Every id that a detector stores.
+std::set<unsigned> ListIds()
+{
+    std::set<unsigned> ids;
+    for (const auto& [detector, facts] : Components::ListFacts()) {
+        for (const StoredFact& fact : facts)
+            ids.insert(fact.id);
+    }
+    return ids;
+}
+
 struct Machines : testing::TestWithParam<const char*> {};
 
 TEST_P(Machines, ComeOutLineForLineAndTwiceTheSame)
 {
     test::FakeWmiData wmi;
     const test::FakeWmi fakeWmi(wmi);
+    const std::set<unsigned> listed = ListIds();
     for (const test::Machine& machine : test::ReadMachines(GetParam())) {
         SCOPED_TRACE(test::Narrow(machine.First(L"machine")));
         test::PlantedMachine planted(machine, wmi);
@@ -88,6 +103,8 @@ TEST_P(Machines, ComeOutLineForLineAndTwiceTheSame)
             EXPECT_EQ(Join(stored), Join(machine.Stored(L"=")));
         else
             EXPECT_EQ(Join(test::FoundIn(stored)), Join(machine.Stored(L"+")));
+        for (const std::wstring& line : detected.stored)
+            EXPECT_TRUE(listed.contains(std::stoul(line))) << line << " is not among the detectors' facts";
         EXPECT_EQ(detected.calls, machine.First(L"calls"));
         EXPECT_EQ(detected.held, 0U);
         EXPECT_FALSE(detected.isMisused);

@@ -1,0 +1,78 @@
+#!/usr/bin/env python3
+"""The catalogue of values, catalogue/values.tsv, as others need it: the tables of docs/value-ids.md (--write makes them
+anew, --check compares), and the names of the values as C++ for the analysis service (--names FILE)."""
+
+import argparse
+import csv
+import re
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[1]
+PAGE = ROOT / "docs" / "value-ids.md"
+HEAD = "| id | name | type | unit or form | source | stored by |\n|---|---|---|---|---|---|\n"
+# A table stands between these marks; the first names the detectors whose values it lists.
+TABLE = re.compile(r"(<!-- values: ([\w ]+) -->\n).*?(<!-- end -->\n)", re.DOTALL)
+
+
+def read_values():
+    with open(ROOT / "catalogue" / "values.tsv", encoding="utf-8", newline="") as file:
+        return list(csv.DictReader(file, delimiter="\t", quoting=csv.QUOTE_NONE))
+
+
+def table_row(value):
+    name = value["name"] + ("*" if value["each"] else "") + ("+" if value["gated"] else "")
+    kind = value["type"] if value["type"] == "text" else f"`{value['type']}`"
+    cells = (value["id"], name, kind, value["form"], value["source"], f"`kel::{value['detector']}`")
+    return "".join(f"| {cell} " if cell else "| " for cell in cells) + "|\n"
+
+
+def make_page(page, values):
+    def make_table(match):
+        detectors = match[2].split()
+        return match[1] + HEAD + "".join(table_row(value) for value in values if value["detector"] in detectors) + match[3]
+
+    return TABLE.sub(make_table, page)
+
+
+def make_names(values):
+    rows = "".join(f'    {{{value["id"]}, "{value["detector"]}", R"embedded({value["name"]})embedded"}},\n' for value in values)
+    return f"""#include "server/admin/ValueNames.h"
+
+namespace kel::server {{
+
+static constexpr ValueName Names[] = {{
+{rows}}};
+
+const std::span<const ValueName> ValueNames = Names;
+
+}}  // namespace kel::server
+"""
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    action = parser.add_mutually_exclusive_group(required=True)
+    action.add_argument("--write", action="store_true")
+    action.add_argument("--check", action="store_true")
+    action.add_argument("--names", type=Path, metavar="FILE")
+    arguments = parser.parse_args()
+    values = read_values()
+    if arguments.names:
+        arguments.names.write_text(make_names(values), "utf-8")
+        return 0
+    page = PAGE.read_text("utf-8")
+    listed = [detector for match in TABLE.finditer(page) for detector in match[2].split()]
+    missing = sorted({value["detector"] for value in values}.difference(listed))
+    if missing:
+        print(f"docs/value-ids.md has no table for: {', '.join(missing)}", file=sys.stderr)
+        return 1
+    if arguments.write:
+        PAGE.write_text(make_page(page, values), "utf-8")
+    elif make_page(page, values) != page:
+        print("docs/value-ids.md differs from catalogue/values.tsv: run tools/catalogue.py --write", file=sys.stderr)
+        return 1
+    return 0
+
+
+sys.exit(main())
