@@ -7,9 +7,9 @@
 #include "detectors/DirectXFacts.h"
 #include "detectors/GpuRules.h"
 #include "diag/ProcessInstance.h"
-#include "probes/AdapterCache.h"
-#include "probes/FeatureLevel.h"
-#include "probes/SetupLib.h"
+#include "probes/graphics/AdapterCache.h"
+#include "probes/graphics/FeatureLevel.h"
+#include "probes/setup/SetupLib.h"
 
 namespace kel {
 

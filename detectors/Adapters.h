@@ -5,14 +5,14 @@
 #include <string>
 #include <vector>
 
-#include "detectors/GPUFacts.h"
-#include "probes/DXDiag.h"
-#include "probes/DXGI.h"
-#include "probes/DirectX_10.h"
-#include "probes/DirectX_11.h"
-#include "probes/DirectX_12.h"
-#include "probes/DirectX_8.h"
-#include "probes/DirectX_9.h"
+#include "detectors/GpuFacts.h"
+#include "probes/graphics/DXDiag.h"
+#include "probes/graphics/DXGI.h"
+#include "probes/graphics/DirectX_10.h"
+#include "probes/graphics/DirectX_11.h"
+#include "probes/graphics/DirectX_12.h"
+#include "probes/graphics/DirectX_8.h"
+#include "probes/graphics/DirectX_9.h"
 
 namespace kel {
 

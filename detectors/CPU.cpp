@@ -1,10 +1,10 @@
 #include "detectors/CpuRules.h"
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
-#include "probes/CPUID.h"
-#include "probes/Registry.h"
-#include "probes/SystemCpu.h"
-#include "probes/WMI.h"
+#include "probes/cpu/CPUID.h"
+#include "probes/cpu/SystemCpu.h"
+#include "probes/system/Registry.h"
+#include "probes/wmi/WMI.h"
 
 namespace kel {
 

@@ -1,6 +1,6 @@
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
-#include "probes/Battery.h"
+#include "probes/system/Battery.h"
 
 namespace kel {
 

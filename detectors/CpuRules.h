@@ -1,7 +1,7 @@
 // What is made of the merged processor record.
 #pragma once
 
-#include "probes/CpuInfo.h"
+#include "probes/cpu/CpuInfo.h"
 
 namespace kel {
 

@@ -9,7 +9,7 @@
 
 #include "detectors/Component.h"
 #include "detectors/StoredFacts.h"
-#include "probes/Product.h"
+#include "probes/software/Product.h"
 
 namespace kel {
 

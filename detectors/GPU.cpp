@@ -1,6 +1,6 @@
 #include "detectors/Adapters.h"
 #include "detectors/Detectors.h"
-#include "detectors/GPUFacts.h"
+#include "detectors/GpuFacts.h"
 
 namespace kel {
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "probes/GpuInfo.h"
+#include "probes/graphics/GpuInfo.h"
 
 namespace kel {
 

@@ -2,7 +2,7 @@
 
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
-#include "probes/DisplayConfig.h"
+#include "probes/graphics/DisplayConfig.h"
 
 namespace kel {
 

@@ -3,10 +3,10 @@
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
 #include "platform/ErrorMode.h"
-#include "probes/DiskModel.h"
-#include "probes/Disks.h"
-#include "probes/SetupLib.h"
-#include "probes/WMI.h"
+#include "probes/setup/SetupLib.h"
+#include "probes/storage/DiskModel.h"
+#include "probes/storage/Disks.h"
+#include "probes/wmi/WMI.h"
 
 namespace kel {
 

@@ -3,7 +3,7 @@
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
 #include "platform/ErrorMode.h"
-#include "probes/Volumes.h"
+#include "probes/storage/Volumes.h"
 
 namespace kel {
 

@@ -3,9 +3,9 @@
 
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
-#include "probes/DisplayConfig.h"
-#include "probes/Edid.h"
-#include "probes/SetupLib.h"
+#include "probes/graphics/DisplayConfig.h"
+#include "probes/graphics/Edid.h"
+#include "probes/setup/SetupLib.h"
 
 namespace kel {
 

@@ -1,7 +1,7 @@
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
-#include "probes/Registry.h"
-#include "probes/WMI.h"
+#include "probes/system/Registry.h"
+#include "probes/wmi/WMI.h"
 #include "values/Text.h"
 
 namespace kel {

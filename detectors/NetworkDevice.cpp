@@ -4,8 +4,8 @@
 #include "detectors/Detectors.h"
 #include "detectors/DriverIds.h"
 #include "detectors/Facts.h"
-#include "probes/NetworkInterfaces.h"
-#include "probes/SetupLib.h"
+#include "probes/network/NetworkInterfaces.h"
+#include "probes/setup/SetupLib.h"
 #include "service/BandwidthTest.h"
 #include "values/Count.h"
 

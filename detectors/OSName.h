@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "probes/OSInfo.h"
+#include "probes/system/OSInfo.h"
 
 namespace kel {
 

@@ -3,10 +3,10 @@
 #include <algorithm>
 
 #include "platform/ErrorMode.h"
-#include "probes/DiskModel.h"
-#include "probes/OpticalDevices.h"
-#include "probes/SetupLib.h"
-#include "probes/WMI.h"
+#include "probes/setup/SetupLib.h"
+#include "probes/storage/DiskModel.h"
+#include "probes/storage/OpticalDevices.h"
+#include "probes/wmi/WMI.h"
 #include "values/Text.h"
 
 namespace kel {

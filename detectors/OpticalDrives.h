@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "detectors/Facts.h"
-#include "probes/OpticalInfo.h"
-#include "probes/StorageFunctions.h"
+#include "probes/storage/OpticalInfo.h"
+#include "probes/storage/StorageFunctions.h"
 
 namespace kel {
 

@@ -2,7 +2,7 @@
 
 #include "detectors/Facts.h"
 #include "probes/Attempt.h"
-#include "probes/ProductFinder.h"
+#include "probes/software/ProductFinder.h"
 #include "values/Version.h"
 
 namespace kel {

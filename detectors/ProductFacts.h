@@ -4,8 +4,8 @@
 
 #include "detectors/Component.h"
 #include "detectors/StoredFacts.h"
-#include "probes/Product.h"
-#include "probes/SoftwareFunctions.h"
+#include "probes/software/Product.h"
+#include "probes/software/SoftwareFunctions.h"
 
 namespace kel {
 

@@ -4,7 +4,7 @@
 
 #include <span>
 
-#include "probes/Product.h"
+#include "probes/software/Product.h"
 
 namespace kel {
 

@@ -1,6 +1,6 @@
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
-#include "probes/Memory.h"
+#include "probes/system/Memory.h"
 
 namespace kel {
 

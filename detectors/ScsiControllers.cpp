@@ -4,7 +4,7 @@
 #include <string_view>
 #include <tuple>
 
-#include "probes/SetupLib.h"
+#include "probes/setup/SetupLib.h"
 #include "values/Junk.h"
 #include "values/Text.h"
 

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "probes/ScsiInfo.h"
+#include "probes/storage/ScsiInfo.h"
 
 namespace kel {
 

@@ -4,9 +4,9 @@
 #include "detectors/Detectors.h"
 #include "detectors/DriverIds.h"
 #include "detectors/Facts.h"
-#include "probes/SetupLib.h"
-#include "probes/SoundEndpoints.h"
-#include "probes/WMI.h"
+#include "probes/setup/SetupLib.h"
+#include "probes/sound/SoundEndpoints.h"
+#include "probes/wmi/WMI.h"
 #include "values/Count.h"
 
 namespace kel {

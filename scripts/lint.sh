@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Checks the format of all sources, their includes against the list of floors, the page of value ids against the catalogue, the C++ (clang-tidy), the shell scripts
-# (shellcheck) and the Python (flake8). Takes C++ files for clang-tidy as arguments, or all; with --quick first, of its
+# Checks the format of all sources, their includes against the list of floors, the page of value ids against the
+# catalogue, the C++ (clang-tidy), the shell scripts (shellcheck) and the Python (flake8). Takes C++ files for clang-tidy
+# as arguments, or all; with --quick first, of its
 # checks only those that take little, names among them: all of them take as long as building and testing together.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -2,7 +2,7 @@
 
 #include "detectors/Components.h"
 #include "detectors/CpuRules.h"
-#include "probes/SystemCpu.h"
+#include "probes/cpu/SystemCpu.h"
 #include "support/LogCapture.h"
 #include "support/TestSession.h"
 

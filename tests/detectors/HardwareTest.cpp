@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
 #include "detectors/Detectors.h"
-#include "probes/Battery.h"
-#include "probes/Memory.h"
+#include "probes/system/Battery.h"
+#include "probes/system/Memory.h"
 #include "service/BandwidthTest.h"
 #include "support/LogCapture.h"
 #include "support/TestSession.h"

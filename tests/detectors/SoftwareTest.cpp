@@ -5,7 +5,7 @@
 
 #include "detectors/Detectors.h"
 #include "detectors/ProductTables.h"
-#include "probes/Command.h"
+#include "probes/software/Command.h"
 #include "support/LogCapture.h"
 #include "support/Machines.h"
 #include "support/PlantedSoftware.h"

@@ -7,7 +7,7 @@
 #include "diag/Log.h"
 #include "fuzz/Generator.h"
 #include "fuzz/StorageTarget.h"
-#include "probes/Edid.h"
+#include "probes/graphics/Edid.h"
 #include "run/System.h"
 #include "run/store/GroupsText.h"
 #include "service/Utf8.h"

@@ -1,4 +1,4 @@
-#include "probes/CPUID.h"
+#include "probes/cpu/CPUID.h"
 
 #include <gtest/gtest.h>
 #include <windows.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <map>
 
-#include "probes/SystemCpu.h"
+#include "probes/cpu/SystemCpu.h"
 #include "support/Machines.h"
 
 namespace kel {

@@ -1,4 +1,4 @@
-#include "probes/Edid.h"
+#include "probes/graphics/Edid.h"
 
 #include <gtest/gtest.h>
 

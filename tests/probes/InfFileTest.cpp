@@ -1,11 +1,11 @@
-#include "probes/InfFile.h"
+#include "probes/setup/InfFile.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <fstream>
 
-#include "probes/SetupLib.h"
+#include "probes/setup/SetupLib.h"
 #include "support/LogCapture.h"
 #include "support/PlantedDevice.h"
 

@@ -1,8 +1,8 @@
-#include "probes/Registry.h"
+#include "probes/system/Registry.h"
 
 #include <gtest/gtest.h>
 
-#include "probes/SetupDevice.h"
+#include "probes/setup/SetupDevice.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
 #include "values/Size.h"

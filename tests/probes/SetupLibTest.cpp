@@ -1,4 +1,4 @@
-#include "probes/SetupLib.h"
+#include "probes/setup/SetupLib.h"
 
 #include <gmock/gmock.h>
 

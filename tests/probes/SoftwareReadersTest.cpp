@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "probes/Command.h"
-#include "probes/DotNet.h"
-#include "probes/FileVersion.h"
-#include "probes/VersionText.h"
+#include "probes/software/Command.h"
+#include "probes/software/DotNet.h"
+#include "probes/software/FileVersion.h"
+#include "probes/software/VersionText.h"
 #include "support/Machines.h"
 #include "support/PlantedSoftware.h"
 #include "values/TextMatch.h"

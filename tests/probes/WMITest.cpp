@@ -1,4 +1,4 @@
-#include "probes/WMI.h"
+#include "probes/wmi/WMI.h"
 
 #include <comdef.h>
 #include <gmock/gmock.h>

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "probes/MonitorInfo.h"
+#include "probes/graphics/MonitorInfo.h"
 
 namespace kel::test {
 

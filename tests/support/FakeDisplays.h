@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "probes/DisplayFunctions.h"
+#include "probes/graphics/DisplayFunctions.h"
 
 namespace kel::test {
 

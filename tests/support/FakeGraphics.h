@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "probes/GraphicsFunctions.h"
+#include "probes/graphics/GraphicsFunctions.h"
 #include "support/FakeObject.h"
 
 namespace kel::test {

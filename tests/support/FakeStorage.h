@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "probes/StorageFunctions.h"
+#include "probes/storage/StorageFunctions.h"
 
 namespace kel::test {
 

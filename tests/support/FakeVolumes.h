@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "probes/Volumes.h"
+#include "probes/storage/Volumes.h"
 #include "support/FakeStorage.h"
 
 namespace kel::test {

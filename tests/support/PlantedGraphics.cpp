@@ -1,7 +1,7 @@
 #include "support/PlantedGraphics.h"
 
-#include "probes/AdapterCache.h"
-#include "probes/SetupLib.h"
+#include "probes/graphics/AdapterCache.h"
+#include "probes/setup/SetupLib.h"
 
 namespace kel::test {
 

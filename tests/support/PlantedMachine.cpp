@@ -3,10 +3,10 @@
 #include <functional>
 
 #include "detectors/Detectors.h"
-#include "probes/CPUID.h"
-#include "probes/DisplayConfig.h"
-#include "probes/SetupLib.h"
-#include "probes/SoundEndpoints.h"
+#include "probes/cpu/CPUID.h"
+#include "probes/graphics/DisplayConfig.h"
+#include "probes/setup/SetupLib.h"
+#include "probes/sound/SoundEndpoints.h"
 #include "run/store/XMLReport.h"
 #include "support/Edids.h"
 #include "support/LogCapture.h"

@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
-#include "probes/CPUID.h"
-#include "probes/OSInfo.h"
+#include "probes/cpu/CPUID.h"
+#include "probes/system/OSInfo.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeSound.h"
 #include "support/FakeWmi.h"

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <memory>
 
-#include "probes/NetworkInterfaces.h"
+#include "probes/network/NetworkInterfaces.h"
 #include "support/FakeWmi.h"
 #include "support/Machines.h"
 #include "support/PlantedDevice.h"

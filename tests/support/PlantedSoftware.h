@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "probes/SoftwareFunctions.h"
+#include "probes/software/SoftwareFunctions.h"
 #include "support/Machines.h"
 #include "support/ScratchKey.h"
 

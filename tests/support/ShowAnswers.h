@@ -3,9 +3,9 @@
 #include <array>
 #include <string>
 
-#include "probes/DiskAnswers.h"
-#include "probes/OpticalAbilities.h"
-#include "probes/StorageDescriptor.h"
+#include "probes/storage/DiskAnswers.h"
+#include "probes/storage/OpticalAbilities.h"
+#include "probes/storage/StorageDescriptor.h"
 
 namespace kel::test {
 

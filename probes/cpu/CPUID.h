@@ -1,0 +1,68 @@
+#pragma once
+
+#include <array>
+#include <boost/function.hpp>
+#include <cstdint>
+#include <string>
+
+#include "probes/Source.h"
+#include "probes/cpu/CpuInfo.h"
+
+namespace kel {
+
+/// EAX, EBX, ECX and EDX.
+using CpuRegisters = std::array<std::uint32_t, 4>;
+
+/// What leaf 1 says of the processor, decoded.
+struct CpuSignature {
+    unsigned family = 0;
+    unsigned model = 0;
+    unsigned stepping = 0;
+    unsigned type = 0;
+};
+
+/// Reads the processor's own description with the `cpuid` instruction.
+class CPUID : public Source {
+public:
+    /// Answers a leaf, with ECX = 0.
+    using Leaves = boost::function<CpuRegisters(std::uint32_t)>;
+
+    static CPUID& Instance();
+
+    /// Runs the instruction.
+    CPUID();
+    /// Reads the leaves from a table in place of the instruction.
+    explicit CPUID(const Leaves& newLeaves);
+
+    /// Vendor, signature and cache descriptor of the processor. Always true; a refused leaf leaves its fields
+    /// empty.
+    bool GetCpuInfo(CpuInfo& info);
+
+    /// Reads a leaf.
+    /// @return false, with the registers cleared, for a leaf above the highest standard one. Of an extended
+    /// leaf only the low byte is compared with the highest, so that none is refused where there are extended
+    /// leaves.
+    bool Execute(std::uint32_t leaf, CpuRegisters& registers);
+
+    /// The 12 characters of leaf 0; empty when it cannot be read.
+    std::wstring GetVendorString();
+    /// The maker's usual name for a vendor string in any case; empty when it is not known.
+    static std::wstring GetVendor(const std::wstring& vendorString);
+    static bool IsIntel(const std::wstring& vendorString);
+    static bool IsAmd(const std::wstring& vendorString);
+    /// Decodes EAX of leaf 1.
+    static CpuSignature GetSignature(const CpuRegisters& leaf1);
+    /// EDX of leaf 1 in the high half, EAX in the low one.
+    static std::uint64_t GetCpuId(const CpuRegisters& leaf1);
+    /// Whether leaf 2 reports the descriptor byte 0x40.
+    bool HasCacheDescriptor40();
+
+private:
+    void ReadCpuInfo(CpuInfo& info);
+
+    Leaves leaves;
+    std::uint32_t maxStandardLeaf;
+    std::uint32_t maxExtendedLeaf;
+};
+
+}  // namespace kel

@@ -1,0 +1,21 @@
+// What the operating system says about the processors.
+#pragma once
+
+#include <windows.h>
+
+#include "probes/cpu/CpuInfo.h"
+
+namespace kel {
+
+/// The number of logical processors (`GetSystemInfo`) and the measured clock. Always true. Spins for one
+/// second.
+bool GetSystemCpuInfo(CpuInfo& info);
+
+/// The same of given figures; a fraction of a MHz is cut off.
+CpuInfo DescribeProcessors(DWORD count, float megahertz);
+
+/// The rate of the time-stamp counter in MHz, measured against `QueryPerformanceCounter` for one second; 0
+/// when that counter does not work.
+float MeasureMegahertz();
+
+}  // namespace kel

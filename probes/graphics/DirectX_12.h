@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "probes/graphics/Direct3DSource.h"
+
+namespace kel {
+
+/// Direct3D 12 ("d3d12.dll").
+class DirectX_12 : public Direct3DSource {
+public:
+    static DirectX_12& Instance();
+
+    explicit DirectX_12(GraphicsFunctions newFunctions = GraphicsFunctions::OfSystem());
+
+    /// The highest D3D_FEATURE_LEVEL of at least 11.0 that `D3D12CreateDevice` takes without making a device;
+    /// 0 when the adapter has no Direct3D 12.
+    /// @param name the adapter's, for the log
+    /// @param known a level that the adapter is known to have; what is below is not asked
+    std::uint32_t GetFeatureLevel(IUnknown* adapter, const std::wstring& name, std::uint32_t known) const;
+
+    /// The highest D3D_SHADER_MODEL (0x66 is 6.6) that a device tells (`ID3D12Device::CheckFeatureSupport`);
+    /// the device is made for it and goes at once. 0 when it is unknown.
+    std::uint32_t GetShaderModel(IUnknown* adapter, const std::wstring& name) const;
+};
+
+}  // namespace kel

@@ -1,0 +1,219 @@
+#include "probes/graphics/DisplayConfig.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "diag/ProcessInstance.h"
+#include "probes/Attempt.h"
+#include "probes/graphics/DisplayRules.h"
+#include "values/Junk.h"
+
+namespace kel {
+
+namespace {
+
+constexpr int QueryAttempts = 5;
+constexpr DWORD LargestCount = 64;
+
+/// A source is known by its adapter and its number there.
+bool IsSameSource(const DISPLAYCONFIG_PATH_SOURCE_INFO& one, const DISPLAYCONFIG_PATH_SOURCE_INFO& other)
+{
+    return one.adapterId.LowPart == other.adapterId.LowPart &&
+           one.adapterId.HighPart == other.adapterId.HighPart && one.id == other.id;
+}
+
+/// The primary display is where the desktop's coordinates begin.
+void Place(DisplayInfo& display, LONG x, LONG y)
+{
+    display.position = {x, y};
+    display.isPrimary = x == 0 && y == 0;
+}
+
+DisplayInfo ReadSource(const DISPLAYCONFIG_PATH_INFO& path, const std::vector<DISPLAYCONFIG_MODE_INFO>& modes)
+{
+    DisplayInfo display;
+    display.refreshRate = RefreshRate(path.targetInfo.refreshRate);
+    const UINT32 place = path.sourceInfo.modeInfoIdx;
+    if (place >= modes.size() || modes[place].infoType != DISPLAYCONFIG_MODE_INFO_TYPE_SOURCE)
+        return display;
+    const DISPLAYCONFIG_SOURCE_MODE& mode = modes[place].sourceMode;
+    Place(display, mode.position.x, mode.position.y);
+    display.resolution = Resolution(mode.width, mode.height);
+    display.bitsPerPixel = BitsPerPixel(mode.pixelFormat);
+    return display;
+}
+
+template <typename Request>
+Request RequestFor(DISPLAYCONFIG_DEVICE_INFO_TYPE type, const DISPLAYCONFIG_PATH_TARGET_INFO& target)
+{
+    Request request = {};
+    request.header = {type, sizeof(request), target.adapterId, target.id};
+    return request;
+}
+
+/// What a display's monitors share with it.
+void Show(const DisplayInfo& display, MonitorInfo& monitor)
+{
+    monitor.currentResolution = display.resolution;
+    monitor.isPrimary = display.isPrimary;
+}
+
+}  // namespace
+
+DisplayConfig& DisplayConfig::Instance()
+{
+    return ProcessInstance<DisplayConfig>();
+}
+
+DisplayConfig::DisplayConfig(DisplayFunctions newFunctions) : functions(std::move(newFunctions)) {}
+
+bool DisplayConfig::IsRemote() const
+{
+    return functions.getSystemMetrics(SM_REMOTESESSION) != 0;
+}
+
+DisplayList DisplayConfig::List() const
+{
+    DisplayList list;
+    for (const auto source :
+         {&DisplayConfig::ListPaths, &DisplayConfig::ListDevices, &DisplayConfig::ListMonitors}) {
+        Attempt(L"Error in display detection.", [&] { list = (this->*source)(); });
+        if (!list.displays.empty())
+            break;
+    }
+    return list;
+}
+
+bool DisplayConfig::Query(std::vector<DISPLAYCONFIG_PATH_INFO>& paths,
+                          std::vector<DISPLAYCONFIG_MODE_INFO>& modes) const
+{
+    constexpr UINT32 Flags = QDC_ONLY_ACTIVE_PATHS;
+    LONG result = ERROR_INSUFFICIENT_BUFFER;
+    // A monitor may be plugged in between two calls; that will not go on for ever.
+    for (int attempt = 0; attempt < QueryAttempts && result == ERROR_INSUFFICIENT_BUFFER; ++attempt) {
+        UINT32 pathCount = 0;
+        UINT32 modeCount = 0;
+        result = functions.getDisplayConfigBufferSizes(Flags, &pathCount, &modeCount);
+        if (result != ERROR_SUCCESS)
+            break;
+        paths.resize(pathCount);
+        modes.resize(modeCount);
+        result =
+            functions.queryDisplayConfig(Flags, &pathCount, paths.data(), &modeCount, modes.data(), nullptr);
+        paths.resize(std::min<std::size_t>(pathCount, paths.size()));
+        modes.resize(std::min<std::size_t>(modeCount, modes.size()));
+    }
+    if (result != ERROR_SUCCESS)
+        WriteLog(LogWarning, L"QueryDisplayConfig failed with error: ", result);
+    return result == ERROR_SUCCESS;
+}
+
+DisplayList DisplayConfig::ListPaths() const
+{
+    DisplayList list{L"the display configuration", {}, {}};
+    std::vector<DISPLAYCONFIG_PATH_INFO> paths;
+    std::vector<DISPLAYCONFIG_MODE_INFO> modes;
+    if (!Query(paths, modes))
+        return list;
+    for (auto path = paths.begin(); path != paths.end(); ++path) {
+        const DisplayInfo display = ReadSource(*path, modes);
+        const auto isShown = [&path](const DISPLAYCONFIG_PATH_INFO& earlier) {
+            return IsSameSource(earlier.sourceInfo, path->sourceInfo);
+        };
+        if (std::none_of(paths.begin(), path, isShown))
+            list.displays.push_back(display);
+        MonitorInfo monitor = ReadTarget(path->targetInfo);
+        Show(display, monitor);
+        list.monitors.push_back(monitor);
+    }
+    return list;
+}
+
+MonitorInfo DisplayConfig::ReadTarget(const DISPLAYCONFIG_PATH_TARGET_INFO& target) const
+{
+    MonitorInfo monitor;
+    monitor.refreshRate = RefreshRate(target.refreshRate);
+    monitor.connector = Name(ConnectorName(target.outputTechnology));
+    monitor.isBuiltIn = IsBuiltIn(target.outputTechnology);
+    auto name =
+        RequestFor<DISPLAYCONFIG_TARGET_DEVICE_NAME>(DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_NAME, target);
+    if (functions.displayConfigGetDeviceInfo(&name.header) == ERROR_SUCCESS) {
+        monitor.name = Name(TidyText(name.monitorFriendlyDeviceName));
+        monitor.instance = InstanceOfPath(name.monitorDevicePath);
+        monitor.deviceId = DeviceID(monitor.instance);
+    }
+    auto color = RequestFor<DISPLAYCONFIG_GET_ADVANCED_COLOR_INFO>(
+        DISPLAYCONFIG_DEVICE_INFO_GET_ADVANCED_COLOR_INFO, target);
+    if (functions.displayConfigGetDeviceInfo(&color.header) == ERROR_SUCCESS)
+        monitor.isHdr = color.advancedColorSupported != 0;
+    return monitor;
+}
+
+DisplayList DisplayConfig::ListDevices() const
+{
+    DisplayList list{L"the display devices", {}, {}};
+    DISPLAY_DEVICEW adapter = {};
+    adapter.cb = sizeof(adapter);
+    for (DWORD index = 0; index < LargestCount && functions.enumDisplayDevices(nullptr, index, &adapter, 0);
+         ++index) {
+        // A mirroring driver repeats what another display shows.
+        constexpr DWORD States = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | DISPLAY_DEVICE_MIRRORING_DRIVER;
+        if ((adapter.StateFlags & States) != DISPLAY_DEVICE_ATTACHED_TO_DESKTOP)
+            continue;
+        const DisplayInfo display = ReadSettings(adapter.DeviceName);
+        list.displays.push_back(display);
+        DISPLAY_DEVICEW device = {};
+        device.cb = sizeof(device);
+        for (DWORD place = 0;
+             place < LargestCount &&
+             functions.enumDisplayDevices(adapter.DeviceName, place, &device, EDD_GET_DEVICE_INTERFACE_NAME);
+             ++place) {
+            if ((device.StateFlags & DISPLAY_DEVICE_ACTIVE) == 0)
+                continue;
+            MonitorInfo monitor;
+            monitor.name = Name(TidyText(device.DeviceString));
+            monitor.instance = InstanceOfPath(device.DeviceID);
+            monitor.deviceId = DeviceID(monitor.instance);
+            monitor.refreshRate = display.refreshRate;
+            Show(display, monitor);
+            list.monitors.push_back(monitor);
+        }
+    }
+    return list;
+}
+
+DisplayInfo DisplayConfig::ReadSettings(const wchar_t* device) const
+{
+    DisplayInfo display;
+    DEVMODEW mode = {};
+    mode.dmSize = sizeof(mode);
+    if (!functions.enumDisplaySettings(device, ENUM_CURRENT_SETTINGS, &mode, 0))
+        return display;
+    Place(display, mode.dmPosition.x, mode.dmPosition.y);
+    display.resolution = Resolution(mode.dmPelsWidth, mode.dmPelsHeight);
+    if (mode.dmBitsPerPel != 0)
+        display.bitsPerPixel = Count(mode.dmBitsPerPel);
+    if (mode.dmDisplayFrequency > 1)  // 1 is the adapter's default, whatever that is
+        display.refreshRate = Count(mode.dmDisplayFrequency);
+    return display;
+}
+
+DisplayList DisplayConfig::ListMonitors() const
+{
+    DisplayList list{L"the desktop's monitors", {}, {}};
+    for (const MONITORINFO& found : functions.listMonitors()) {
+        const RECT& place = found.rcMonitor;
+        DisplayInfo display;
+        Place(display, place.left, place.top);
+        display.isPrimary = (found.dwFlags & MONITORINFOF_PRIMARY) != 0;
+        display.resolution = Resolution(static_cast<std::uint32_t>(place.right - place.left),
+                                        static_cast<std::uint32_t>(place.bottom - place.top));
+        list.displays.push_back(display);
+        MonitorInfo monitor;
+        Show(display, monitor);
+        list.monitors.push_back(monitor);
+    }
+    return list;
+}
+
+}  // namespace kel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "probes/Source.h"
+#include "probes/graphics/DisplayFunctions.h"
+#include "probes/graphics/MonitorInfo.h"
+#include "values/Count.h"
+#include "values/Resolution.h"
+
+namespace kel {
+
+/// A picture that Windows shows, on one monitor or, the same picture, on several.
+struct DisplayInfo {
+    bool isPrimary = false;
+    POINT position = {};  ///< of its upper left corner on the desktop; known as the resolution is
+    Resolution resolution;
+    std::optional<Count> bitsPerPixel;
+    std::optional<Count> refreshRate;  ///< a second
+};
+
+/// What one source lists.
+struct DisplayList {
+    const wchar_t* source = L"";  ///< its name for the log
+    std::vector<DisplayInfo> displays;
+    std::vector<MonitorInfo> monitors;
+};
+
+/// Lists the active displays and monitors. Nothing is opened, shown or changed.
+class DisplayConfig : public Source {
+public:
+    static DisplayConfig& Instance();
+
+    explicit DisplayConfig(DisplayFunctions newFunctions = DisplayFunctions::OfSystem());
+
+    /// The first source that lists a display: `QueryDisplayConfig`, `EnumDisplayDevicesW` with
+    /// `EnumDisplaySettingsExW`, `EnumDisplayMonitors`.
+    DisplayList List() const;
+
+    /// What `EnumDisplayDevicesW` tells, whoever else lists the displays.
+    DisplayList ListDevices() const;
+
+    /// Whether the session is remote (`GetSystemMetrics`): its displays are the client's.
+    bool IsRemote() const;
+
+private:
+    DisplayList ListPaths() const;
+    DisplayList ListMonitors() const;
+    bool Query(std::vector<DISPLAYCONFIG_PATH_INFO>& paths,
+               std::vector<DISPLAYCONFIG_MODE_INFO>& modes) const;
+    MonitorInfo ReadTarget(const DISPLAYCONFIG_PATH_TARGET_INFO& target) const;
+    DisplayInfo ReadSettings(const wchar_t* device) const;
+
+    DisplayFunctions functions;
+};
+
+}  // namespace kel

@@ -1,0 +1,73 @@
+#include "probes/graphics/DisplayFunctions.h"
+
+#include "platform/Library.h"
+
+namespace kel {
+
+namespace {
+
+using SetAwareness = HANDLE WINAPI(HANDLE);
+
+/// Has the system tell this thread physical pixels, as long as it lives.
+class PhysicalPixels {
+public:
+    PhysicalPixels()
+        : user(LoadSystemLibrary(L"user32.dll")),
+          set(user ? FindFunction<SetAwareness>(user.get(), "SetThreadDpiAwarenessContext") : nullptr),
+          previous(set != nullptr ? set(PerMonitor()) : nullptr)
+    {
+    }
+    PhysicalPixels(const PhysicalPixels&) = delete;
+    PhysicalPixels& operator=(const PhysicalPixels&) = delete;
+    ~PhysicalPixels()
+    {
+        if (previous != nullptr)
+            set(previous);
+    }
+
+    bool AreTold() const { return previous != nullptr; }
+
+private:
+    /// DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE, which not every platform's headers have.
+    static HANDLE PerMonitor() { return reinterpret_cast<HANDLE>(static_cast<INT_PTR>(-3)); }
+
+    OwnedLibrary user;
+    SetAwareness* set;
+    HANDLE previous;
+};
+
+BOOL CALLBACK Append(HMONITOR monitor, HDC, LPRECT, LPARAM list)
+{
+    MONITORINFO info = {};
+    info.cbSize = sizeof(info);
+    if (GetMonitorInfoW(monitor, &info))
+        reinterpret_cast<std::vector<MONITORINFO>*>(list)->push_back(info);
+    return TRUE;
+}
+
+std::vector<MONITORINFO> ListMonitors()
+{
+    std::vector<MONITORINFO> monitors;
+    const PhysicalPixels pixels;
+    EnumDisplayMonitors(nullptr, nullptr, &Append, reinterpret_cast<LPARAM>(&monitors));
+    if (!pixels.AreTold()) {
+        for (MONITORINFO& monitor : monitors)
+            monitor.rcMonitor = {};
+    }
+    return monitors;
+}
+
+}  // namespace
+
+DisplayFunctions DisplayFunctions::OfSystem()
+{
+    return {&GetDisplayConfigBufferSizes,
+            &QueryDisplayConfig,
+            &DisplayConfigGetDeviceInfo,
+            &EnumDisplayDevicesW,
+            &EnumDisplaySettingsExW,
+            &ListMonitors,
+            &GetSystemMetrics};
+}
+
+}  // namespace kel

@@ -1,0 +1,185 @@
+#include "probes/setup/SetupDevice.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "diag/Log.h"
+#include "values/Size.h"
+#include "values/Text.h"
+
+namespace kel {
+
+namespace {
+
+constexpr std::size_t LargestValue = 1000;  // bytes
+constexpr DWORD LongestInstanceId = 200;    // characters, with the zero at the end
+
+bool IsGiven(const wchar_t* text)
+{
+    return text != nullptr && *text != L'\0';
+}
+
+bool IsNumber(const RegistryValue& value, DWORD type, std::size_t size)
+{
+    return value.type == type && value.bytes.size() == size;
+}
+
+/// The number in at most 8 bytes, the lowest first.
+std::uint64_t NumberOf(const RegistryValue& value)
+{
+    std::uint64_t number = 0;
+    std::memcpy(&number, value.bytes.data(), value.bytes.size());
+    return number;
+}
+
+/// Reads a value, and has a function convert it.
+/// @param convert takes a RegistryValue; false when it cannot be converted
+template <typename Convert>
+bool ConvertValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert convert)
+{
+    if (key == nullptr)
+        return false;
+    try {
+        OwnedKey below;
+        if (IsGiven(subkey)) {
+            below = OpenKey(key, subkey, KEY_READ);
+            if (!below)
+                return false;
+        }
+        const std::optional<RegistryValue> value = ReadValue(below ? below.get() : key, name);
+        if (value && value->bytes.size() <= LargestValue && convert(*value))
+            return true;
+        WriteLog(LogWarning, L"Can't handle Registry value for: ", name);
+    } catch (...) {
+        ReportFailure(LogWarning, L"Error with CRegKey");
+    }
+    return false;
+}
+
+}  // namespace
+
+bool SetupDevice::ReadProperty(DWORD property, std::wstring& characters) const
+{
+    DWORD size = 0;
+    if (!entryPoints.getDeviceRegistryProperty(set, &device, property, nullptr, nullptr, 0, &size)) {
+        const DWORD error = GetLastError();
+        if (error != ERROR_INSUFFICIENT_BUFFER) {
+            if (error != ERROR_INVALID_DATA)  // the property is absent
+                WriteLog(LogWarning, L"SetupDiGetDeviceRegistryProperty failed with error: ", error);
+            return false;
+        }
+    }
+    // Twice the size, as some systems report it in characters; the zeros at the end are kept from the call.
+    characters.assign(size, L'\0');
+    return entryPoints.getDeviceRegistryProperty(
+               set, &device, property, nullptr, reinterpret_cast<BYTE*>(characters.data()),
+               static_cast<DWORD>(size * sizeof(wchar_t)), nullptr) != FALSE;
+}
+
+bool SetupDevice::GetDeviceProperty(DWORD property, std::wstring& text) const
+{
+    std::wstring characters;
+    if (!ReadProperty(property, characters))
+        return false;
+    text = characters.substr(0, characters.find(L'\0'));
+    return true;
+}
+
+Name SetupDevice::Text(DWORD property) const
+{
+    std::wstring text;
+    GetDeviceProperty(property, text);
+    return Name(text);
+}
+
+std::vector<std::wstring> SetupDevice::Texts(DWORD property) const
+{
+    std::vector<std::wstring> texts;
+    std::wstring characters;
+    if (!ReadProperty(property, characters))
+        return texts;
+    for (std::size_t start = 0; start < characters.size() && characters[start] != L'\0';) {
+        const std::size_t end = std::min(characters.find(L'\0', start), characters.size());
+        texts.push_back(characters.substr(start, end - start));
+        start = end + 1;
+    }
+    return texts;
+}
+
+Name SetupDevice::DeviceName() const
+{
+    const Name friendly = Text(SPDRP_FRIENDLYNAME);
+    return friendly.HasValue() ? friendly : Text(SPDRP_DEVICEDESC);
+}
+
+std::wstring SetupDevice::InstanceId() const
+{
+    std::array<wchar_t, LongestInstanceId> id{};
+    DWORD length = 0;
+    if (!entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, &length)) {
+        WriteLog(LogWarning, L"SetupDiGetDeviceInstanceId failed with error: ", GetLastError());
+        return {};
+    }
+    return ToUpper(id.data());
+}
+
+bool SetupDevice::OpenDeviceKeys(DeviceKeys& keys) const
+{
+    const auto open = [this](DWORD kind, const wchar_t* failure, OwnedKey& key) {
+        const HKEY opened = entryPoints.openDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, kind, KEY_READ);
+        if (opened == INVALID_HANDLE_VALUE || opened == nullptr) {
+            WriteLog(LogWarning, failure, GetLastError());
+            return false;
+        }
+        key.reset(opened);
+        return true;
+    };
+    return open(DIREG_DEV, L"Error in call to SetupDiOpenDevRegKey for hardware key: ", keys.hardware) &&
+           open(DIREG_DRV, L"Error in call to SetupDiOpenDevRegKey for software key: ", keys.software);
+}
+
+Name SetupDevice::DriverVersion() const
+{
+    DeviceKeys keys;
+    std::wstring version;
+    if (OpenDeviceKeys(keys))
+        ReadRegistryValue(keys.software.get(), nullptr, L"DriverVersion", version);
+    return Name(version);
+}
+
+bool ReadRegistryValue(HKEY key, const wchar_t* subkey, const wchar_t* name, std::wstring& text)
+{
+    text.clear();
+    return ConvertValue(key, subkey, name, [&text](const RegistryValue& value) {
+        if (value.IsString() || value.type == REG_MULTI_SZ) {
+            text = value.Text();
+            return true;
+        }
+        if (IsNumber(value, REG_DWORD, sizeof(DWORD))) {
+            text = std::to_wstring(NumberOf(value));
+            return true;
+        }
+        // The format for 64-bit numbers has always lacked its conversion letter and written nothing; the
+        // fallbacks that follow an empty text count on it.
+        return IsNumber(value, REG_QWORD, sizeof(DWORD64));
+    });
+}
+
+bool ReadRegistrySize(HKEY key, const wchar_t* subkey, const wchar_t* name, Size& size)
+{
+    size = Size();
+    return ConvertValue(key, subkey, name, [&size](const RegistryValue& value) {
+        if (value.IsString())
+            return size.Initialize(value.Text().c_str());
+        const bool isBinary =
+            value.type == REG_BINARY && !value.bytes.empty() && value.bytes.size() <= sizeof(DWORD64);
+        if (!isBinary && !IsNumber(value, REG_DWORD, sizeof(DWORD)) &&
+            !IsNumber(value, REG_QWORD, sizeof(DWORD64)))
+            return false;
+        size = Size(NumberOf(value));
+        return true;
+    });
+}
+
+}  // namespace kel

@@ -1,0 +1,95 @@
+#include "probes/setup/SetupLib.h"
+
+#include <utility>
+
+#include "diag/Log.h"
+#include "diag/LogScope.h"
+#include "diag/ProcessInstance.h"
+
+namespace kel {
+
+namespace {
+
+static_assert(sizeof(SP_DEVINFO_DATA) == 32);
+
+/// The GUIDs of the classes used differ in their first number only.
+constexpr GUID ClassGuid(DWORD first)
+{
+    return {first, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
+}
+
+}  // namespace
+
+SetupLib& SetupLib::Instance()
+{
+    return ProcessInstance<SetupLib>();
+}
+
+SetupLib::SetupLib() : SetupLib(Loader(&SetupEntryPoints::Load)) {}
+
+SetupLib::SetupLib(Loader newLoader) : loader(std::move(newLoader))
+{
+    if (!Initialize())
+        ReportFailure(LogError, L"Failure to initialize SetupLib class");
+}
+
+bool SetupLib::Initialize()
+{
+    try {
+        const LogScope trace(L"kel::SetupLib::Initialize");
+        if (initialized)
+            return true;
+        if (!loader(entryPoints)) {
+            WriteLog(LogError, L"Failure to load setupapi.dll: ", GetLastError());
+            return false;
+        }
+        initialized = entryPoints.IsComplete();
+        if (!initialized)
+            WriteLog(LogError, L"Error getting proc addresses from Setup library.");
+    } catch (...) {
+        ReportFailure(LogError, L"Error initializing Setup library.");
+    }
+    return initialized;
+}
+
+bool SetupLib::GetDeviceSet(const GUID& deviceClass, OwnedDeviceSet& set)
+{
+    try {
+        const HDEVINFO opened = entryPoints.getClassDevs(&deviceClass, nullptr, nullptr, DIGCF_PRESENT);
+        if (opened == INVALID_HANDLE_VALUE) {
+            WriteLog(LogWarning, L"SetupDiGetClassDevs failed with error: ", GetLastError());
+            return false;
+        }
+        set = OwnedDeviceSet(opened, {entryPoints.destroyDeviceInfoList});
+        return true;
+    } catch (...) {
+        ReportFailure(LogError, L"Error in call to SetupDiGetClassDevs.");
+        return false;
+    }
+}
+
+bool SetupLib::Enumerate(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure,
+                         const Fill& fill)
+{
+    if (!initialized)
+        return false;
+    try {
+        const LogScope trace((std::wstring(L"kel::SetupLib::") + operation).c_str());
+        OwnedDeviceSet set;
+        if (!GetDeviceSet(ClassGuid(deviceClass), set)) {
+            if (setFailure != nullptr)
+                WriteLog(LogError, setFailure);
+            return false;
+        }
+        SP_DEVINFO_DATA device = {};
+        device.cbSize = sizeof(device);
+        for (DWORD index = 0; entryPoints.enumDeviceInfo(set.get(), index, &device); ++index)
+            fill(SetupDevice(entryPoints, set.get(), device));
+        return true;
+    } catch (...) {
+        ReportFailure(LogError, L"Error in ", operation);
+        return false;
+    }
+}
+
+}  // namespace kel

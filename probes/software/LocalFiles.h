@@ -1,0 +1,45 @@
+#pragma once
+
+#include <array>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/ErrorMode.h"
+#include "probes/software/SoftwareFunctions.h"
+
+namespace kel {
+
+/// Files on the machine's own disks. Nothing of a remote, removable or optical drive is asked, and each
+/// file's version is read once. No box is shown in this thread meanwhile.
+class LocalFiles {
+public:
+    /// @param newFunctions must outlive this object
+    explicit LocalFiles(const SoftwareFunctions& newFunctions) : functions(newFunctions) {}
+
+    /// The first of a product's programs that a folder has; empty when it has none.
+    /// @param folder may begin with a variable; empty for none
+    /// @param programs paths below the folder, separated by bars; each also counts by its file name alone
+    std::wstring FindBelow(std::wstring_view folder, std::wstring_view programs);
+
+    /// The program that a command names, if it is one of the product's by its file name, and is there.
+    std::wstring FindNamed(const std::wstring& command, std::wstring_view programs);
+
+    /// The file's version; empty when it has none or must not be asked.
+    std::wstring ReadVersion(const std::wstring& path);
+
+private:
+    bool IsThere(const std::wstring& path);
+    bool IsOnFixedDrive(const std::wstring& path);
+
+    const SoftwareFunctions& functions;
+    std::array<UINT, 26> driveTypes{};  // DRIVE_UNKNOWN: not asked yet
+    std::map<std::wstring, std::wstring> versions;
+    ErrorMode quiet;
+};
+
+/// Whether a command names one of a product's programs by its file name, wherever that may be.
+bool NamesProgram(std::wstring_view command, std::wstring_view programs);
+
+}  // namespace kel

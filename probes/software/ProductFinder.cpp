@@ -1,0 +1,159 @@
+#include "probes/software/ProductFinder.h"
+
+#include <algorithm>
+
+#include "diag/Log.h"
+#include "probes/software/Command.h"
+#include "probes/software/VersionText.h"
+#include "values/TextMatch.h"
+
+namespace kel {
+
+namespace {
+
+constexpr const wchar_t* ClassesKey = L"SOFTWARE\\Classes\\";
+constexpr const wchar_t* CommandKey = L"\\shell\\open\\command";
+
+/// Whether a folder of the path is one of a channel's.
+bool IsOfChannel(const Product& product, std::wstring_view path)
+{
+    const auto isChannel = [&product](std::wstring_view folder) {
+        return std::ranges::any_of(SplitList(product.channels), [folder](std::wstring_view channel) {
+            return MatchesPattern(folder, channel);
+        });
+    };
+    for (path = FolderOf(path); !path.empty(); path = FolderOf(path)) {
+        if (isChannel(FileNameOf(path)))
+            return true;
+    }
+    return false;
+}
+
+bool IsBetter(const Installation& one, const Installation& other)
+{
+    if (one.version.empty() != other.version.empty())
+        return other.version.empty();
+    return one.from != other.from ? one.from < other.from : IsLowerVersion(other.version, one.version);
+}
+
+const wchar_t* NameOf(FindBy by)
+{
+    switch (by) {
+        case FindBy::UpgradeCode:
+            return L"the installer";
+        case FindBy::UninstallKey:
+        case FindBy::DisplayName:
+            return L"the list of programs";
+        case FindBy::AppPath:
+            return L"App Paths";
+        case FindBy::StartMenu:
+            return L"the Internet clients";
+        case FindBy::Registered:
+            return L"the registered applications";
+        case FindBy::Folder:
+            return L"its folder";
+        case FindBy::Family:
+            return L"the packages";
+        default:
+            return L"its key";
+    }
+}
+
+}  // namespace
+
+std::optional<Installation> ProductFinder::FindFirst(const Product& product)
+{
+    std::vector<Installation> found;
+    for (const Locator& locator : product.locators) {
+        Find({product, locator, found});
+        if (!found.empty())
+            return found.front();
+    }
+    return {};
+}
+
+std::optional<Installation> ProductFinder::FindNewest(const Product& product)
+{
+    std::vector<Installation> found;
+    for (const Locator& locator : product.locators)
+        Find({product, locator, found});
+    // Of equals the first.
+    const auto best = std::ranges::min_element(found, &IsBetter);
+    return best != found.end() ? std::optional(*best) : std::nullopt;
+}
+
+bool ProductFinder::IsProgramId(const std::wstring& id, const Product& product)
+{
+    if (id.find(L'\\') != std::wstring::npos ||
+        std::ranges::none_of(SplitList(product.programIds),
+                             [&id](std::wstring_view pattern) { return MatchesPattern(id, pattern); }))
+        return false;
+    // Channels may share the beginning of their ids with the product; their programs tell them apart.
+    for (const RegistryView& view : UserFirst) {
+        const OwnedKey key = OpenView(functions, view, ClassesKey + id + CommandKey);
+        const std::wstring command = key ? ReadText(key.get(), nullptr) : std::wstring();
+        if (!command.empty()) {
+            const std::wstring path = files.FindNamed(command, product.programs);
+            return !path.empty() && !IsOfChannel(product, path);
+        }
+    }
+    return true;
+}
+
+void ProductFinder::Find(const Search& search)
+{
+    const std::size_t known = search.found.size();
+    switch (search.locator.by) {
+        case FindBy::UpgradeCode:
+            FindInstalled(search);
+            break;
+        case FindBy::UninstallKey:
+        case FindBy::DisplayName:
+            FindEntries(search);
+            break;
+        case FindBy::AppPath:
+            FindAppPaths(search);
+            break;
+        case FindBy::StartMenu:
+            FindClients(search);
+            break;
+        case FindBy::Registered:
+            FindRegistered(search);
+            break;
+        case FindBy::Key:
+        case FindBy::Release:
+            FindKeys(search);
+            break;
+        case FindBy::ValueNames:
+            FindValueNames(search);
+            break;
+        case FindBy::Folder:
+            Add(search, files.FindBelow(search.locator.where, search.product.programs));
+            break;
+        case FindBy::Family:
+            FindPackages(search);
+            break;
+    }
+    for (std::size_t added = known; added < search.found.size(); ++added)
+        search.found[added].source = NameOf(search.locator.by);
+}
+
+void ProductFinder::Add(const Search& search, const std::wstring& path, Installation told)
+{
+    if (path.empty() || IsOfChannel(search.product, path))
+        return;
+    if (told.from != VersionFrom::File || told.version.empty()) {
+        const std::wstring version = files.ReadVersion(path);
+        if (!version.empty())
+            told = {version, VersionFrom::File};
+    }
+    search.found.push_back(told);
+}
+
+void ProductFinder::AddCommand(const Search& search, const RegistryView& view, const std::wstring& key)
+{
+    if (const OwnedKey command = OpenView(functions, view, key + CommandKey))
+        Add(search, files.FindNamed(ReadText(command.get(), nullptr), search.product.programs));
+}
+
+}  // namespace kel

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "probes/software/LocalFiles.h"
+#include "probes/software/Product.h"
+#include "probes/software/RegistryViews.h"
+#include "probes/software/UninstallList.h"
+
+namespace kel {
+
+/// Looks for the products of a table, at the places that the table names and at no others. Keys outlive
+/// programs: where a place names a file, there is no product without it.
+class ProductFinder {
+public:
+    /// @param newFunctions must outlive this object, as must the products
+    ProductFinder(const SoftwareFunctions& newFunctions, std::span<const Product> products)
+        : functions(newFunctions), files(newFunctions), uninstallList(newFunctions, products)
+    {
+    }
+
+    /// The installation that the first locator finds: the program that the system would start.
+    std::optional<Installation> FindFirst(const Product& product);
+
+    /// The installation of the highest version among all that the locators find. Versions that files tell
+    /// come before those of installers, and these before those of entries, which number in ways of their own.
+    std::optional<Installation> FindNewest(const Product& product);
+
+    /// Whether a program id, such as the user's choice for a protocol, is the product's and not a channel's.
+    bool IsProgramId(const std::wstring& id, const Product& product);
+
+    /// The version of a file on a fixed drive; empty when it has none.
+    std::wstring ReadFileVersion(const std::wstring& path) { return files.ReadVersion(path); }
+
+private:
+    /// Where a locator's installations go.
+    struct Search {
+        const Product& product;
+        const Locator& locator;
+        std::vector<Installation>& found;
+    };
+
+    void Find(const Search& search);
+    void FindInstalled(const Search& search);
+    void FindEntries(const Search& search);
+    void FindAppPaths(const Search& search);
+    void FindClients(const Search& search);
+    void FindRegistered(const Search& search);
+    void FindKeys(const Search& search);
+    void FindValueNames(const Search& search);
+    void FindPackages(const Search& search);
+
+    /// Appends the installation of a program file, unless there is none or it is a channel's.
+    /// @param told what else tells a version: of the kind `File` instead of the file, of others without it
+    void Add(const Search& search, const std::wstring& path, Installation told = {});
+    void AddCommand(const Search& search, const RegistryView& view, const std::wstring& key);
+    void AddKey(const Search& search, HKEY key);
+
+    std::wstring ReadProperty(const wchar_t* code, const wchar_t* property);
+
+    const SoftwareFunctions& functions;
+    LocalFiles files;
+    UninstallList uninstallList;
+    bool isInstallerRefused = false;
+};
+
+}  // namespace kel

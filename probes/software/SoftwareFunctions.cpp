@@ -1,0 +1,122 @@
+#include "probes/software/SoftwareFunctions.h"
+
+#include <msi.h>
+
+#include "platform/Library.h"
+
+namespace kel {
+
+namespace {
+
+constexpr DWORD LongestRecord = 1024 * 1024;  // bytes; real ones have a few thousand
+constexpr DWORD LongestText = 32768;          // characters, of an expanded text and of a path
+constexpr UINT32 MostPackages = 64;
+constexpr UINT32 LongestNames = 64 * 1024;  // characters, of all packages of a family
+
+/// A function of a library that is loaded for it and stays; null when the system lacks either, as older ones
+/// do.
+template <typename Function>
+Function* SystemFunction(const wchar_t* library, const char* name)
+{
+    const HMODULE module = LoadSystemLibrary(library).release();
+    return module == nullptr
+               ? nullptr
+               : reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+}
+
+std::wstring Expand(const std::wstring& text)
+{
+    if (text.find(L'%') == std::wstring::npos)
+        return text;
+    std::wstring expanded(LongestText, L'\0');
+    const DWORD size = ExpandEnvironmentStringsW(text.c_str(), expanded.data(), LongestText);
+    expanded.resize(size > 0 && size <= LongestText ? size - 1 : 0);
+    return expanded;
+}
+
+std::vector<BYTE> ReadVersionRecord(const wchar_t* path)
+{
+    static auto* const getSize =
+        SystemFunction<DWORD WINAPI(LPCWSTR, LPDWORD)>(L"version.dll", "GetFileVersionInfoSizeW");
+    static auto* const getRecord =
+        SystemFunction<BOOL WINAPI(LPCWSTR, DWORD, DWORD, LPVOID)>(L"version.dll", "GetFileVersionInfoW");
+    if (getSize == nullptr || getRecord == nullptr)
+        return {};
+    DWORD unused = 0;
+    const DWORD size = getSize(path, &unused);
+    if (size == 0 || size > LongestRecord)
+        return {};
+    std::vector<BYTE> record(size);
+    if (!getRecord(path, 0, size, record.data()))
+        record.clear();
+    return record;
+}
+
+UINT GetRelatedProduct(const wchar_t* upgradeCode, DWORD index, wchar_t* product)
+{
+    static auto* const enumerate =
+        SystemFunction<decltype(MsiEnumRelatedProductsW)>(L"msi.dll", "MsiEnumRelatedProductsW");
+    return enumerate != nullptr ? enumerate(upgradeCode, 0, index, product) : ERROR_NO_MORE_ITEMS;
+}
+
+UINT GetProductProperty(const wchar_t* product, const wchar_t* property, wchar_t* text, DWORD* size)
+{
+    static auto* const getInfo =
+        SystemFunction<decltype(MsiGetProductInfoW)>(L"msi.dll", "MsiGetProductInfoW");
+    return getInfo != nullptr ? getInfo(product, property, text, size) : ERROR_UNKNOWN_PROPERTY;
+}
+
+std::vector<std::wstring> GetPackages(const wchar_t* family)
+{
+    static auto* const getPackages = SystemFunction<LONG WINAPI(PCWSTR, UINT32*, PWSTR*, UINT32*, PWSTR)>(
+        L"kernel32.dll", "GetPackagesByPackageFamily");
+    UINT32 count = 0;
+    UINT32 size = 0;
+    if (getPackages == nullptr ||
+        getPackages(family, &count, nullptr, &size, nullptr) != ERROR_INSUFFICIENT_BUFFER ||
+        count > MostPackages || size > LongestNames)
+        return {};
+    std::vector<PWSTR> names(count);
+    std::wstring characters(size, L'\0');
+    if (getPackages(family, &count, names.data(), &size, characters.data()) != ERROR_SUCCESS)
+        return {};
+    return {names.begin(), names.begin() + count};
+}
+
+std::wstring GetPackageFolder(const wchar_t* fullName)
+{
+    static auto* const getPath =
+        SystemFunction<LONG WINAPI(PCWSTR, UINT32*, PWSTR)>(L"kernel32.dll", "GetPackagePathByFullName");
+    UINT32 size = LongestText;
+    std::wstring path(size, L'\0');
+    if (getPath == nullptr || getPath(fullName, &size, path.data()) != ERROR_SUCCESS)
+        return {};
+    return path.substr(0, path.find(L'\0'));
+}
+
+std::wstring GetHostProgram()
+{
+    std::wstring path(LongestText, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), LongestText));
+    return path;
+}
+
+}  // namespace
+
+SoftwareFunctions SoftwareFunctions::OfSystem()
+{
+    SoftwareFunctions functions;
+    functions.openKey = &OpenKey;
+    functions.expand = &Expand;
+    functions.driveType = &GetDriveTypeW;
+    functions.fileAttributes = &GetFileAttributesW;
+    functions.versionRecord = &ReadVersionRecord;
+    functions.relatedProduct = &GetRelatedProduct;
+    functions.productInfo = &GetProductProperty;
+    functions.packages = &GetPackages;
+    functions.packageFolder = &GetPackageFolder;
+    functions.hostProgram = &GetHostProgram;
+    return functions;
+}
+
+}  // namespace kel

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "probes/software/Product.h"
+#include "probes/software/RegistryViews.h"
+
+namespace kel {
+
+/// What an entry in the list of installed programs says; each empty where it does not.
+struct UninstallEntry {
+    std::wstring folder;       ///< "InstallLocation"
+    std::wstring icon;         ///< "DisplayIcon", often the program itself
+    std::wstring uninstaller;  ///< "UninstallString", a command
+    std::wstring version;      ///< "DisplayVersion"
+};
+
+/// The list of installed programs, in its three views. What is of a larger product (components, updates) and
+/// what a removal left behind (keys of one value) is passed over. Only the names that some product is looked
+/// for by are kept.
+class UninstallList {
+public:
+    /// @param newFunctions must outlive this object, as must the products
+    UninstallList(const SoftwareFunctions& newFunctions, std::span<const Product> newProducts)
+        : functions(newFunctions), products(newProducts)
+    {
+    }
+
+    /// The entries that a locator of the kind UninstallKey or DisplayName means.
+    std::vector<UninstallEntry> Find(const Locator& locator);
+
+private:
+    struct Named {
+        RegistryView view;
+        std::wstring key;
+        std::wstring displayName;
+    };
+
+    void ReadNames();
+    bool IsLookedFor(const std::wstring& displayName) const;
+    std::optional<UninstallEntry> ReadEntry(const RegistryView& view, const std::wstring& name,
+                                            const wchar_t* publisher) const;
+
+    const SoftwareFunctions& functions;
+    std::span<const Product> products;
+    bool isRead = false;
+    std::vector<Named> names;
+};
+
+}  // namespace kel

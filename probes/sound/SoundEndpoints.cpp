@@ -1,0 +1,137 @@
+#include "probes/sound/SoundEndpoints.h"
+
+#include <mmdeviceapi.h>
+#include <mmsystem.h>
+#include <wrl/client.h>
+
+#include <algorithm>
+
+#include "diag/Log.h"
+#include "platform/Library.h"
+#include "probes/Attempt.h"
+#include "values/Hexadecimal.h"
+#include "values/Text.h"
+
+namespace kel {
+
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+constexpr HRESULT NotFound = HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
+
+/// The instance id of the device that an endpoint belongs to, after its kind: "{1}.HDAUDIO\...".
+constexpr PROPERTYKEY DeviceKey = {
+    {0xb3f8fa53, 0x0004, 0x438e, {0x90, 0x03, 0x51, 0xa4, 0x6e, 0x13, 0x9b, 0xfc}}, 2};
+constexpr std::wstring_view InstanceKind = L"{1}.";
+
+/// A property, cleared when it is done with.
+struct Property {
+    PROPVARIANT value = {};
+
+    Property() = default;
+    Property(const Property&) = delete;
+    Property& operator=(const Property&) = delete;
+    ~Property() { PropVariantClear(&value); }
+};
+
+bool IsGiven(HRESULT result, const wchar_t* call)
+{
+    if (FAILED(result))
+        WriteLog(LogWarning, call, L" failed: 0x", Hexadecimal(static_cast<DWORD>(result), 8));
+    return SUCCEEDED(result);
+}
+
+/// In upper case; empty when the endpoint has no device or does not tell it.
+std::wstring DeviceOf(IMMDevice& endpoint)
+{
+    ComPtr<IPropertyStore> properties;
+    Property property;
+    if (FAILED(endpoint.OpenPropertyStore(STGM_READ, properties.GetAddressOf())) || !properties ||
+        FAILED(properties->GetValue(DeviceKey, &property.value)) || property.value.vt != VT_LPWSTR ||
+        property.value.pwszVal == nullptr)
+        return {};
+    const std::wstring_view text = property.value.pwszVal;
+    return text.starts_with(InstanceKind) ? ToUpper(std::wstring(text.substr(InstanceKind.size())))
+                                          : std::wstring();
+}
+
+/// Adds the devices of the active endpoints of one direction.
+/// @return how many endpoints there are; nothing, with a warning in the log, when the service does not tell
+std::optional<UINT> List(IMMDeviceEnumerator& enumerator, EDataFlow direction, SoundEndpoints& endpoints)
+{
+    ComPtr<IMMDeviceCollection> active;
+    UINT count = 0;
+    HRESULT result = enumerator.EnumAudioEndpoints(direction, DEVICE_STATE_ACTIVE, active.GetAddressOf());
+    if (SUCCEEDED(result))
+        result = active->GetCount(&count);
+    if (!IsGiven(result, L"EnumAudioEndpoints"))
+        return std::nullopt;
+    for (UINT place = 0; place < count; ++place) {
+        ComPtr<IMMDevice> endpoint;
+        if (FAILED(active->Item(place, endpoint.GetAddressOf())) || !endpoint)
+            continue;
+        const std::wstring device = DeviceOf(*endpoint.Get());
+        if (device.empty() || std::ranges::count(endpoints.devices, device, &SoundInfo::instanceId) > 0)
+            continue;
+        SoundInfo& added = endpoints.devices.emplace_back();
+        added.instanceId = device;
+        added.deviceId = DeviceID(device);
+    }
+    return count;
+}
+
+void FindDefault(IMMDeviceEnumerator& enumerator, SoundEndpoints& endpoints)
+{
+    ComPtr<IMMDevice> output;
+    std::wstring device;
+    const HRESULT result = enumerator.GetDefaultAudioEndpoint(eRender, eConsole, output.GetAddressOf());
+    if (result != NotFound) {
+        if (!IsGiven(result, L"GetDefaultAudioEndpoint") || !output)
+            return;
+        device = DeviceOf(*output.Get());
+        if (device.empty())
+            return;
+    }
+    endpoints.isDefaultKnown = true;
+    for (SoundInfo& info : endpoints.devices)
+        info.servesDefault = info.instanceId == device;
+}
+
+/// Loads the library for it, which is costly and seldom needed.
+UINT CountOutputs()
+{
+    const HMODULE library = LoadSystemLibrary(L"winmm.dll").release();
+    auto* const count = library != nullptr
+                            ? FindFunction<decltype(waveOutGetNumDevs)>(library, "waveOutGetNumDevs")
+                            : nullptr;
+    return count != nullptr ? count() : 0;
+}
+
+}  // namespace
+
+SoundEndpoints ReadSoundEndpoints()
+{
+    SoundEndpoints endpoints;
+    Attempt(L"Error in reading the sound endpoints.", [&] {
+        ComPtr<IMMDeviceEnumerator> enumerator;
+        if (!IsGiven(CoCreateInstance(__uuidof(MMDeviceEnumerator), nullptr, CLSCTX_INPROC_SERVER,
+                                      __uuidof(IMMDeviceEnumerator),
+                                      reinterpret_cast<void**>(enumerator.GetAddressOf())),
+                     L"The sound endpoints' enumerator"))
+            return;
+        endpoints.outputs = List(*enumerator.Get(), eRender, endpoints);
+        if (!endpoints.outputs)  // the rest would fail like it
+            return;
+        endpoints.inputs = List(*enumerator.Get(), eCapture, endpoints);
+        FindDefault(*enumerator.Get(), endpoints);
+    });
+    return endpoints;
+}
+
+SoundFunctions SoundFunctions::OfSystem()
+{
+    return {&CountOutputs};
+}
+
+}  // namespace kel

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <optional>
+
+#include "probes/storage/OpticalAbilities.h"
+#include "values/DeviceID.h"
+#include "values/Name.h"
+
+namespace kel {
+
+/// What one source says about an optical drive; what is empty is unknown.
+struct OpticalInfo {
+    Name name;
+    DeviceID deviceId;
+    Name instanceId;  ///< the key of the drive; can hold a serial number, so no value carries it
+    Name drive;       ///< drive letter, such as "D:"
+    Name mediaType;   ///< as WMI describes it
+    OpticalAbilities abilities;
+    const wchar_t* abilitySource = L"";  ///< who told them, for the log
+    std::optional<bool> writesCds;       ///< of the abilities
+    std::optional<bool> isVirtual;       ///< shows an image instead of a medium
+};
+
+}  // namespace kel

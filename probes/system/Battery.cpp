@@ -1,0 +1,23 @@
+#include "probes/system/Battery.h"
+
+#include "platform/Library.h"
+
+namespace kel {
+
+static_assert(sizeof(SYSTEM_POWER_CAPABILITIES) == 76);
+
+bool HasLongTermBattery(decltype(&GetPwrCapabilities) getCapabilities)
+{
+    SYSTEM_POWER_CAPABILITIES capabilities = {};
+    return getCapabilities != nullptr && getCapabilities(&capabilities) &&
+           capabilities.SystemBatteriesPresent && !capabilities.BatteriesAreShortTerm;
+}
+
+bool HasLongTermBattery()
+{
+    const OwnedLibrary library = LoadSystemLibrary(L"PowrProf.dll");
+    return library && HasLongTermBattery(
+                          FindFunction<decltype(GetPwrCapabilities)>(library.get(), "GetPwrCapabilities"));
+}
+
+}  // namespace kel
