@@ -23,9 +23,9 @@ struct BrowserInfo {
     std::optional<Version> hostVersion;
 };
 
-using B = BrowserInfo;
-constexpr FactTable Facts(Fact{73000, &B::isThere}, Fact{73001, &B::count}, Fact{73002, &B::ofChoice},
-                          Fact{73003, &B::host}, Fact{73004, &B::hostVersion});
+constexpr FactTable Facts(Fact{73000, &BrowserInfo::isThere}, Fact{73001, &BrowserInfo::count},
+                          Fact{73002, &BrowserInfo::ofChoice}, Fact{73003, &BrowserInfo::host},
+                          Fact{73004, &BrowserInfo::hostVersion});
 
 constexpr const wchar_t* ChoiceKey =
     L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoice";

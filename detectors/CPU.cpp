@@ -10,19 +10,18 @@ namespace kel {
 
 namespace {
 
-using I = CpuInfo;
-
 constexpr unsigned IsIntelId = 71256;
 
-constexpr FactTable Facts(Fact{71061, &I::name, L"name"}, Fact{71254, &I::processorCount},
-                          Fact{71062, &I::speed, L"speed"}, Fact{71296, &I::vendor, L"vendor"},
-                          Fact{71385, &I::stepping}, Fact{71390, &I::family}, Fact{71391, &I::model},
-                          Fact{71389, &I::type}, Fact{71386, &I::cpuId}, Fact{71404, &I::cpuIdShort},
-                          Fact{71355, &I::platformId}, Fact{71398, &I::reserved1},
-                          Fact{71392, &I::updateSignature}, Fact{71257, &I::multiProcessor},
-                          Fact{IsIntelId, &I::isIntel}, Fact{71252, &I::isAmd},
-                          Fact{71253, &I::cacheDescriptor40}, Fact{71399, &I::reserved2},
-                          Fact{71393, &I::chipsetSoftwareVersion}, Fact{NotStored, &I::caption});
+constexpr FactTable Facts(Fact{71061, &CpuInfo::name, L"name"}, Fact{71254, &CpuInfo::processorCount},
+                          Fact{71062, &CpuInfo::speed, L"speed"}, Fact{71296, &CpuInfo::vendor, L"vendor"},
+                          Fact{71385, &CpuInfo::stepping}, Fact{71390, &CpuInfo::family},
+                          Fact{71391, &CpuInfo::model}, Fact{71389, &CpuInfo::type},
+                          Fact{71386, &CpuInfo::cpuId}, Fact{71404, &CpuInfo::cpuIdShort},
+                          Fact{71355, &CpuInfo::platformId}, Fact{71398, &CpuInfo::reserved1},
+                          Fact{71392, &CpuInfo::updateSignature}, Fact{71257, &CpuInfo::multiProcessor},
+                          Fact{IsIntelId, &CpuInfo::isIntel}, Fact{71252, &CpuInfo::isAmd},
+                          Fact{71253, &CpuInfo::cacheDescriptor40}, Fact{71399, &CpuInfo::reserved2},
+                          Fact{71393, &CpuInfo::chipsetSoftwareVersion}, Fact{NotStored, &CpuInfo::caption});
 
 }  // namespace
 

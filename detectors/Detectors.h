@@ -13,7 +13,7 @@
 
 namespace kel {
 
-class Adapters;
+class GraphicsAdapters;
 class CPUID;
 class DisplayConfig;
 struct NetworkFunctions;
@@ -39,7 +39,7 @@ public:
 class GPU : public Component {
 public:
     bool Detect() override;
-    bool Detect(Adapters& adapters);
+    bool Detect(GraphicsAdapters& adapters);
     static StoredFacts ListFacts();
 };
 
@@ -77,7 +77,7 @@ public:
 class DirectX : public Component {
 public:
     bool Detect() override;
-    bool Detect(Adapters& adapters);
+    bool Detect(GraphicsAdapters& adapters);
     static StoredFacts ListFacts();
 };
 

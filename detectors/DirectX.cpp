@@ -1,7 +1,7 @@
-#include "detectors/Adapters.h"
 #include "detectors/Detectors.h"
 #include "detectors/DirectXFacts.h"
 #include "detectors/DirectXRules.h"
+#include "detectors/GraphicsAdapters.h"
 #include "platform/RegistryValue.h"
 
 namespace kel {
@@ -38,10 +38,10 @@ DirectXInfo ReadLibraries(const GraphicsProbes& probes)
 
 bool DirectX::Detect()
 {
-    return Detect(Adapters::Instance());
+    return Detect(GraphicsAdapters::Instance());
 }
 
-bool DirectX::Detect(Adapters& adapters)
+bool DirectX::Detect(GraphicsAdapters& adapters)
 {
     return Guarded(L"kel::DirectX::Detect", L"Error in DirectX detection.", [&adapters] {
         DirectXFacts.Store(DirectXInfo());

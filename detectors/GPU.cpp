@@ -1,6 +1,6 @@
-#include "detectors/Adapters.h"
 #include "detectors/Detectors.h"
 #include "detectors/GpuFacts.h"
+#include "detectors/GraphicsAdapters.h"
 
 namespace kel {
 
@@ -12,10 +12,10 @@ constexpr FactTable Totals(Fact{72000, &ListTotals::isThere}, Fact{72001, &ListT
 
 bool GPU::Detect()
 {
-    return Detect(Adapters::Instance());
+    return Detect(GraphicsAdapters::Instance());
 }
 
-bool GPU::Detect(Adapters& adapters)
+bool GPU::Detect(GraphicsAdapters& adapters)
 {
     return Guarded(L"kel::GPU::Detect", L"Error in GPU::Detect", [&adapters] {
         StoreDefaults(Totals, GpuFacts);

@@ -18,7 +18,7 @@ inline constexpr FactTable GpuFacts(
     Fact{72003, &GpuInfo::deviceId, L"device id"},
     Fact{GpuMemoryId, &GpuInfo::videoMemory, L"dedicated memory"},
     Fact{72005, &GpuInfo::sharedMemory, L"shared memory"},
-    Fact{GpuDriver, &GpuInfo::driverVersion, L"driver version"}, Fact{72007, &GpuInfo::makerVersion},
+    Fact{GpuDriver, &GpuInfo::driverVersion, L"driver version"}, Fact{72007, &GpuInfo::vendorVersion},
     Fact{GpuLevelId, &GpuInfo::featureLevel, L"feature level"}, Fact{72009, &GpuInfo::isIntegrated},
     Fact{72010, &GpuInfo::isNvidia}, Fact{72011, &GpuInfo::isAmd}, Fact{72012, &GpuInfo::isIntel},
     Fact{72013, &GpuInfo::isVirtual}, Fact{GpuChipId, &GpuInfo::chipType, L"chip type"},

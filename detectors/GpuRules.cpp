@@ -4,6 +4,8 @@
 #include <tuple>
 #include <vector>
 
+#include "values/Text.h"
+
 namespace kel {
 
 namespace {
@@ -17,17 +19,6 @@ constexpr std::size_t VersionFields = 4;
 constexpr std::size_t ThirdFieldDigits = 2;
 constexpr std::size_t LastFieldDigits = 4;
 
-std::vector<std::wstring> Fields(const std::wstring& version)
-{
-    std::vector<std::wstring> fields;
-    for (std::size_t start = 0; start <= version.size();) {
-        const std::size_t end = std::min(version.find(L'.', start), version.size());
-        fields.push_back(version.substr(start, end - start));
-        start = end + 1;
-    }
-    return fields;
-}
-
 std::uint64_t Quantity(const std::optional<Version>& version)
 {
     return version ? version->Quantity() : 0;
@@ -40,7 +31,7 @@ std::uint64_t Bytes(const std::optional<Size>& size)
 
 }  // namespace
 
-bool IsForeignAdapter(const GpuInfo& adapter)
+bool IsExcludedAdapter(const GpuInfo& adapter)
 {
     const DeviceID& id = adapter.deviceId;
     if (adapter.isSoftware || !id.HasValue())
@@ -52,17 +43,17 @@ bool IsForeignAdapter(const GpuInfo& adapter)
     return isRenderer || bus == L"ROOT" || bus == L"SWD" || bus == L"USB" || (!hasVendor && bus != L"VMBUS");
 }
 
-std::optional<Version> MakerVersion(const GpuInfo& adapter)
+std::optional<Version> VendorDriverVersion(const GpuInfo& adapter)
 {
     if (adapter.deviceId.Vendor() != Nvidia || !adapter.driverVersion)
         return {};
-    const std::vector<std::wstring> fields = Fields(adapter.driverVersion->ToString());
+    const std::vector<std::wstring_view> fields = Split(adapter.driverVersion->ToString(), L'.');
     // The third field of Windows' own driver, which may serve the card, is a longer number.
     if (fields.size() != VersionFields || fields[2].size() != ThirdFieldDigits || fields[3].empty() ||
         fields[3].size() > LastFieldDigits)
         return {};
-    std::wstring digits =
-        fields[2].back() + std::wstring(LastFieldDigits - fields[3].size(), L'0') + fields[3];
+    std::wstring digits(1, fields[2].back());
+    digits.append(LastFieldDigits - fields[3].size(), L'0').append(fields[3]);
     if (digits.find_first_not_of(L"0123456789") != std::wstring::npos)
         return {};
     digits.insert(3, L".");
@@ -81,7 +72,7 @@ std::optional<bool> IsIntegrated(const GpuInfo& adapter)
 
 void FinishGpuInfo(GpuInfo& adapter)
 {
-    adapter.makerVersion = MakerVersion(adapter);
+    adapter.vendorVersion = VendorDriverVersion(adapter);
     adapter.isIntegrated = IsIntegrated(adapter);
     if (!adapter.deviceId.HasValue())
         return;

@@ -10,11 +10,11 @@ namespace kel {
 
 /// Whether the adapter is none of the machine's own: one that draws by software, or that shows a picture far
 /// away.
-bool IsForeignAdapter(const GpuInfo& adapter);
+bool IsExcludedAdapter(const GpuInfo& adapter);
 
 /// NVIDIA's own version in the driver's, such as 576.28 in 32.0.15.7628; nothing for other makers, which do
 /// not write theirs there.
-std::optional<Version> MakerVersion(const GpuInfo& adapter);
+std::optional<Version> VendorDriverVersion(const GpuInfo& adapter);
 
 /// Whether the adapter shares the processor's memory, or a part of its chip; a hint.
 std::optional<bool> IsIntegrated(const GpuInfo& adapter);

@@ -12,7 +12,6 @@ namespace kel {
 
 namespace {
 
-using D = DiskInfo;
 using Disks = std::vector<DiskInfo>;
 
 /// What is said of all fixed disks together.
@@ -24,11 +23,11 @@ struct DiskTotals {
 
 constexpr FactTable Totals(Fact{72500, &DiskTotals::isThere}, Fact{72501, &DiskTotals::count},
                            Fact{72511, &DiskTotals::capacity});
-constexpr FactTable Facts(Fact{72502, &D::model, L"model"}, Fact{72503, &D::deviceId},
-                          Fact{72504, &D::capacity}, Fact{72505, &D::bus}, Fact{72506, &D::isSolidState},
-                          Fact{72507, &D::isRemovable}, Fact{72508, &D::firmware},
-                          Fact{72509, &D::number, L"number"}, Fact{72510, &D::holdsWindows},
-                          Fact{NotStored, &D::isVirtual});
+constexpr FactTable Facts(Fact{72502, &DiskInfo::model, L"model"}, Fact{72503, &DiskInfo::deviceId},
+                          Fact{72504, &DiskInfo::capacity}, Fact{72505, &DiskInfo::bus},
+                          Fact{72506, &DiskInfo::isSolidState}, Fact{72507, &DiskInfo::isRemovable},
+                          Fact{72508, &DiskInfo::firmware}, Fact{72509, &DiskInfo::number, L"number"},
+                          Fact{72510, &DiskInfo::holdsWindows}, Fact{NotStored, &DiskInfo::isVirtual});
 using Drive = decltype(Facts)::Device;
 
 bool IsSameDisk(const DiskInfo& one, const DiskInfo& other)

@@ -9,8 +9,6 @@ namespace kel {
 
 namespace {
 
-using V = VolumeInfo;
-
 /// What is said of all letters together, but for those that are other names.
 struct VolumeTotals {
     bool isThere = false;
@@ -22,12 +20,13 @@ struct VolumeTotals {
     std::int32_t ram = 0;
 };
 
-using T = VolumeTotals;
-constexpr FactTable Totals(Fact{72600, &T::isThere}, Fact{72601, &T::fixed}, Fact{72612, &T::free},
-                           Fact{72608, &T::removable}, Fact{72609, &T::optical}, Fact{72610, &T::remote},
-                           Fact{72611, &T::ram});
-constexpr FactTable Facts(Fact{72602, &V::letter}, Fact{72603, &V::kind}, Fact{72604, &V::fileSystem},
-                          Fact{72605, &V::size}, Fact{72606, &V::free}, Fact{72607, &V::holdsWindows});
+constexpr FactTable Totals(Fact{72600, &VolumeTotals::isThere}, Fact{72601, &VolumeTotals::fixed},
+                           Fact{72612, &VolumeTotals::free}, Fact{72608, &VolumeTotals::removable},
+                           Fact{72609, &VolumeTotals::optical}, Fact{72610, &VolumeTotals::remote},
+                           Fact{72611, &VolumeTotals::ram});
+constexpr FactTable Facts(Fact{72602, &VolumeInfo::letter}, Fact{72603, &VolumeInfo::kind},
+                          Fact{72604, &VolumeInfo::fileSystem}, Fact{72605, &VolumeInfo::size},
+                          Fact{72606, &VolumeInfo::free}, Fact{72607, &VolumeInfo::holdsWindows});
 
 /// In the order in which they matter.
 constexpr UINT Types[] = {DRIVE_FIXED, DRIVE_RAMDISK, DRIVE_REMOVABLE, DRIVE_CDROM, DRIVE_REMOTE};

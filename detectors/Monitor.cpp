@@ -13,15 +13,13 @@ namespace {
 
 constexpr FactTable Totals(Fact{73100, &ListTotals::isThere}, Fact{73101, &ListTotals::count});
 
-using M = MonitorInfo;
-
-constexpr FactTable Facts(Fact{73102, &M::name, L"name"}, Fact{73103, &M::deviceId, L"device id"},
-                          Fact{73104, &M::nativeResolution},
-                          Fact{73105, &M::currentResolution, L"resolution"},
-                          Fact{73106, &M::refreshRate, L"refresh rate"}, Fact{73107, &M::diagonal},
-                          Fact{73108, &M::width}, Fact{73109, &M::height}, Fact{73110, &M::connector},
-                          Fact{73111, &M::isBuiltIn}, Fact{73112, &M::isHdr}, Fact{73113, &M::year},
-                          Fact{NotStored, &M::instance}, Fact{NotStored, &M::isPrimary});
+constexpr FactTable Facts(
+    Fact{73102, &MonitorInfo::name, L"name"}, Fact{73103, &MonitorInfo::deviceId, L"device id"},
+    Fact{73104, &MonitorInfo::nativeResolution}, Fact{73105, &MonitorInfo::currentResolution, L"resolution"},
+    Fact{73106, &MonitorInfo::refreshRate, L"refresh rate"}, Fact{73107, &MonitorInfo::diagonal},
+    Fact{73108, &MonitorInfo::width}, Fact{73109, &MonitorInfo::height}, Fact{73110, &MonitorInfo::connector},
+    Fact{73111, &MonitorInfo::isBuiltIn}, Fact{73112, &MonitorInfo::isHdr}, Fact{73113, &MonitorInfo::year},
+    Fact{NotStored, &MonitorInfo::instance}, Fact{NotStored, &MonitorInfo::isPrimary});
 
 using Devices = std::vector<decltype(Facts)::Device>;
 

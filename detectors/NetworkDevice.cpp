@@ -13,15 +13,13 @@ namespace kel {
 
 namespace {
 
-using I = NetworkInfo;
-
-constexpr FactTable AdapterFacts(Fact{72702, &I::name, L"name"}, Fact{72703, &I::deviceId},
-                                 Fact{72704, &I::kind, L"kind"}, Fact{72705, &I::isOnBus},
-                                 Fact{NetworkDriver, &I::driverVersion},
-                                 Fact{72707, &I::isConnected, L"connection"},
-                                 Fact{72708, &I::linkSpeed, L"link speed"}, Fact{NotStored, &I::instanceId},
-                                 Fact{NotStored, &I::enumerator}, Fact{NotStored, &I::isHardware},
-                                 Fact{NotStored, &I::hasConnector}, Fact{NotStored, &I::isDefaultRoute});
+constexpr FactTable AdapterFacts(
+    Fact{72702, &NetworkInfo::name, L"name"}, Fact{72703, &NetworkInfo::deviceId},
+    Fact{72704, &NetworkInfo::kind, L"kind"}, Fact{72705, &NetworkInfo::isOnBus},
+    Fact{NetworkDriver, &NetworkInfo::driverVersion}, Fact{72707, &NetworkInfo::isConnected, L"connection"},
+    Fact{72708, &NetworkInfo::linkSpeed, L"link speed"}, Fact{NotStored, &NetworkInfo::instanceId},
+    Fact{NotStored, &NetworkInfo::enumerator}, Fact{NotStored, &NetworkInfo::isHardware},
+    Fact{NotStored, &NetworkInfo::hasConnector}, Fact{NotStored, &NetworkInfo::isDefaultRoute});
 using Adapter = decltype(AdapterFacts)::Device;
 
 /// What is stored of all adapters together.
@@ -32,9 +30,9 @@ struct NetworkSummary {
     bool hasWireless = false;
 };
 
-using S = NetworkSummary;
-constexpr FactTable SummaryFacts(Fact{72700, &S::hasAdapter}, Fact{72701, &S::count},
-                                 Fact{72709, &S::hasWired}, Fact{72710, &S::hasWireless});
+constexpr FactTable SummaryFacts(Fact{72700, &NetworkSummary::hasAdapter},
+                                 Fact{72701, &NetworkSummary::count}, Fact{72709, &NetworkSummary::hasWired},
+                                 Fact{72710, &NetworkSummary::hasWireless});
 
 constexpr unsigned BandwidthId = 71069;
 

@@ -36,12 +36,14 @@ struct VersionRecord {
     Name locale;
 };
 
-using V = VersionRecord;
-constexpr FactTable VersionFacts(Fact{71309, &V::version}, Fact{71072, &V::version}, Fact{71367, &V::major},
-                                 Fact{71368, &V::minor}, Fact{71366, &V::build},
-                                 Fact{71364, &V::servicePackMajor}, Fact{71365, &V::servicePackMinor},
-                                 Fact{71363, &V::suiteMask}, Fact{71362, &V::productType},
-                                 Fact{71388, &V::locale});
+constexpr FactTable VersionFacts(Fact{71309, &VersionRecord::version}, Fact{71072, &VersionRecord::version},
+                                 Fact{71367, &VersionRecord::major}, Fact{71368, &VersionRecord::minor},
+                                 Fact{71366, &VersionRecord::build},
+                                 Fact{71364, &VersionRecord::servicePackMajor},
+                                 Fact{71365, &VersionRecord::servicePackMinor},
+                                 Fact{71363, &VersionRecord::suiteMask},
+                                 Fact{71362, &VersionRecord::productType},
+                                 Fact{71388, &VersionRecord::locale});
 
 VersionRecord RecordOf(const OSInfo& info)
 {

@@ -8,12 +8,10 @@ namespace kel {
 
 namespace {
 
-using S = ScsiInfo;
-
 /// Of the real controllers.
 constexpr FactTable Totals(Fact{73300, &ListTotals::isThere}, Fact{73301, &ListTotals::count});
-constexpr FactTable Facts(Fact{73302, &S::name}, Fact{73303, &S::deviceId}, Fact{73304, &S::driverVersion},
-                          Fact{73305, &S::kind});
+constexpr FactTable Facts(Fact{73302, &ScsiInfo::name}, Fact{73303, &ScsiInfo::deviceId},
+                          Fact{73304, &ScsiInfo::driverVersion}, Fact{73305, &ScsiInfo::kind});
 
 }  // namespace
 

@@ -13,11 +13,11 @@ namespace kel {
 
 namespace {
 
-using I = SoundInfo;
-
-constexpr FactTable DeviceFacts(Fact{72802, &I::name, L"name"}, Fact{72803, &I::deviceId, L"device id"},
-                                Fact{SoundDriver, &I::driverVersion}, Fact{72805, &I::servesDefault},
-                                Fact{NotStored, &I::instanceId});
+constexpr FactTable DeviceFacts(Fact{72802, &SoundInfo::name, L"name"},
+                                Fact{72803, &SoundInfo::deviceId, L"device id"},
+                                Fact{SoundDriver, &SoundInfo::driverVersion},
+                                Fact{72805, &SoundInfo::servesDefault},
+                                Fact{NotStored, &SoundInfo::instanceId});
 using Device = decltype(DeviceFacts)::Device;
 
 /// What is stored of all devices together.
@@ -28,9 +28,8 @@ struct SoundSummary {
     Count inputs = Count(0);
 };
 
-using S = SoundSummary;
-constexpr FactTable SummaryFacts(Fact{72800, &S::hasSound}, Fact{72801, &S::count}, Fact{72807, &S::outputs},
-                                 Fact{72808, &S::inputs});
+constexpr FactTable SummaryFacts(Fact{72800, &SoundSummary::hasSound}, Fact{72801, &SoundSummary::count},
+                                 Fact{72807, &SoundSummary::outputs}, Fact{72808, &SoundSummary::inputs});
 
 /// What lists the devices, the likeliest to be used first. Others come after them, then a graphics card's
 /// outputs, and what a driver alone makes comes last.

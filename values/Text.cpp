@@ -23,6 +23,18 @@ bool IsSpace(wchar_t character)
 
 }  // namespace
 
+std::vector<std::wstring_view> Split(std::wstring_view text, wchar_t separator)
+{
+    std::vector<std::wstring_view> parts;
+    for (;;) {
+        const std::size_t end = text.find(separator);
+        parts.push_back(text.substr(0, end));
+        if (end == std::wstring_view::npos)
+            return parts;
+        text.remove_prefix(end + 1);
+    }
+}
+
 int ToInteger(const std::wstring& text)
 {
     return static_cast<int>(std::wcstol(text.c_str(), nullptr, 10));

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kel {
 
@@ -30,6 +31,9 @@ void ReplaceAll(std::wstring& text, std::wstring_view what, std::wstring_view wi
 
 /// A copy with "&", "<" and ">" written as XML entities; quotes stay as they are.
 std::wstring EscapeMarkup(std::wstring text);
+
+/// The parts between separators, one more than there are separators; an empty text has one empty part.
+std::vector<std::wstring_view> Split(std::wstring_view text, wchar_t separator);
 
 /// Removes every occurrence of any of the characters.
 void RemoveCharacters(std::wstring& text, std::wstring_view characters);

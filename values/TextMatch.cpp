@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include <algorithm>
+#include "values/Text.h"
 
 namespace kel {
 
@@ -23,13 +23,7 @@ bool MatchesPattern(std::wstring_view text, std::wstring_view pattern)
 
 std::vector<std::wstring_view> SplitList(std::wstring_view list)
 {
-    std::vector<std::wstring_view> parts;
-    while (!list.empty()) {
-        const std::size_t end = std::min(list.find(L'|'), list.size());
-        parts.push_back(list.substr(0, end));
-        list.remove_prefix(std::min(end + 1, list.size()));
-    }
-    return parts;
+    return list.empty() ? std::vector<std::wstring_view>() : Split(list, L'|');
 }
 
 }  // namespace kel

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/RegistryNames.h"
 #include "platform/RegistryValue.h"
 #include "probes/Attempt.h"
 #include "probes/graphics/AdapterNumbers.h"
@@ -14,8 +15,8 @@ namespace kel {
 namespace {
 
 constexpr const wchar_t* CacheKey = L"SOFTWARE\\Microsoft\\DirectX";
-constexpr DWORD LargestCount = 256;
-constexpr DWORD LongestName = 256;
+constexpr DWORD MaxAdapters = 256;
+constexpr std::size_t MaxDescription = 256;  // characters
 
 /// A number of 32 or 64 bits; 0 when the value is missing or of another kind.
 std::uint64_t Number(HKEY key, const wchar_t* name)
@@ -35,7 +36,7 @@ GpuInfo Read(HKEY key)
     if (const std::uint64_t luid = Number(key, L"AdapterLuid"); luid != 0)
         info.luid = LuidText(luid);
     std::wstring name;
-    ReadStringValue(key, L"Description", LongestName * sizeof(wchar_t), name);
+    ReadStringValue(key, L"Description", MaxDescription * sizeof(wchar_t), name);
     info.description = Name(TidyText(name));
     if (const std::uint32_t vendor = small(L"VendorId"); vendor != 0)
         info.deviceId =
@@ -53,11 +54,10 @@ void ReadAdapterCache(std::vector<GpuInfo>& adapters)
 {
     Attempt(L"Error in the adapter cache.", [&adapters] {
         const OwnedKey cache = OpenKey(HKEY_LOCAL_MACHINE, CacheKey, KEY_READ | KEY_WOW64_64KEY);
-        wchar_t name[LongestName] = {};
-        for (DWORD index = 0; cache && index < LargestCount; ++index) {
-            if (RegEnumKeyW(cache.get(), index, name, LongestName) != ERROR_SUCCESS)
-                break;
-            if (const OwnedKey adapter = OpenKey(cache.get(), name, KEY_READ))
+        if (!cache)
+            return;
+        for (const std::wstring& name : ListSubkeys(cache.get(), MaxAdapters)) {
+            if (const OwnedKey adapter = OpenKey(cache.get(), name.c_str(), KEY_READ))
                 adapters.push_back(Read(adapter.get()));
         }
     });

@@ -18,9 +18,9 @@ struct GpuInfo {
     std::optional<Size> videoMemory;  ///< the adapter's own; never 0
     std::optional<Size> sharedMemory;
     std::optional<Version> driverVersion;
-    std::optional<Version> makerVersion;  ///< as the maker counts its drivers
-    std::optional<Version> driverModel;   ///< of Windows, such as 3.1
-    std::optional<Version> featureLevel;  ///< of Direct3D, such as 12.1
+    std::optional<Version> vendorVersion;  ///< as the maker counts its drivers
+    std::optional<Version> driverModel;    ///< of Windows, such as 3.1
+    std::optional<Version> featureLevel;   ///< of Direct3D, such as 12.1
     std::optional<Version> shaderModel;
     std::optional<bool> isIntegrated;
     std::optional<bool> isNvidia;

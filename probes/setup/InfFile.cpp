@@ -16,14 +16,11 @@ std::wstring InfPath(const std::wstring& fileName)
     return folder + L"\\inf\\" + fileName;
 }
 
-std::vector<std::wstring> Split(const std::wstring& text)
+std::vector<std::wstring> Fields(std::wstring_view line)
 {
     std::vector<std::wstring> fields;
-    for (std::size_t start = 0; start <= text.size();) {
-        const std::size_t end = std::min(text.find(L',', start), text.size());
-        fields.push_back(Trim(text.substr(start, end - start)));
-        start = end + 1;
-    }
+    for (const std::wstring_view field : Split(line, L','))
+        fields.push_back(Trim(std::wstring(field)));
     return fields;
 }
 
@@ -106,7 +103,7 @@ std::vector<std::wstring> InfFile::Fields(INFCONTEXT& line) const
         if (!entryPoints.getLineText(&line, nullptr, nullptr, nullptr, text.data(), size, nullptr))
             text.clear();
     }
-    return Split(text.substr(0, text.find(L'\0')));
+    return Fields(text.substr(0, text.find(L'\0')));
 }
 
 }  // namespace kel

@@ -99,10 +99,10 @@ std::vector<std::wstring> SetupDevice::Texts(DWORD property) const
     std::wstring characters;
     if (!ReadProperty(property, characters))
         return texts;
-    for (std::size_t start = 0; start < characters.size() && characters[start] != L'\0';) {
-        const std::size_t end = std::min(characters.find(L'\0', start), characters.size());
-        texts.push_back(characters.substr(start, end - start));
-        start = end + 1;
+    for (const std::wstring_view text : Split(characters, L'\0')) {
+        if (text.empty())  // ends the list
+            break;
+        texts.emplace_back(text);
     }
     return texts;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "values/Text.h"
 #include "values/TextMatch.h"
 
 namespace kel {
@@ -59,12 +60,7 @@ bool IsLowerVersion(std::wstring_view version, std::wstring_view than)
 
 std::wstring ReadPackageVersion(std::wstring_view fullName, std::wstring_view family)
 {
-    std::vector<std::wstring_view> parts;
-    for (std::size_t start = 0; start <= fullName.size();) {
-        const std::size_t end = std::min(fullName.find(L'_', start), fullName.size());
-        parts.push_back(fullName.substr(start, end - start));
-        start = end + 1;
-    }
+    const std::vector<std::wstring_view> parts = Split(fullName, L'_');
     if (parts.size() != PackageParts ||
         !IsSameText(std::wstring(parts.front()) + L"_" + std::wstring(parts.back()), family))
         return {};

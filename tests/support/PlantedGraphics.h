@@ -1,6 +1,6 @@
 #pragma once
 
-#include "detectors/Adapters.h"
+#include "detectors/GraphicsAdapters.h"
 #include "support/FakeGraphics.h"
 #include "support/Machines.h"
 
@@ -20,7 +20,7 @@ public:
     const DirectX_11 directX11{functions};
     const DirectX_12 directX12{functions};
     const DXDiag dxDiag{functions};
-    Adapters adapters;
+    GraphicsAdapters adapters;
 };
 
 }  // namespace kel::test

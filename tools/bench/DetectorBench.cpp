@@ -7,8 +7,8 @@
 
 #include "Measure.h"
 #include "client/Hosts.h"
-#include "detectors/Adapters.h"
 #include "detectors/Detectors.h"
+#include "detectors/GraphicsAdapters.h"
 #include "diag/Log.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/storage/StorageFunctions.h"
@@ -117,13 +117,13 @@ void Here(const Lines& names, const std::wstring& wanted)
     const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
         {L"GPU",
          [] {
-             Adapters adapters;
+             GraphicsAdapters adapters;
              GPU().Detect(adapters);
          }},
         {L"CDRom", [] { CDRom().Detect(StorageFunctions::OfSystem()); }},
         {L"DirectX",
          [] {
-             Adapters adapters;
+             GraphicsAdapters adapters;
              DirectX().Detect(adapters);
          }},
         {L"DVD", [] { DVD().Detect(StorageFunctions::OfSystem()); }},

@@ -1,4 +1,4 @@
-#include "detectors/Adapters.h"
+#include "detectors/GraphicsAdapters.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -51,7 +51,7 @@ bool IsWithoutId(const GpuInfo& adapter)
 std::vector<GpuInfo> WithoutForeign(std::vector<GpuInfo> adapters)
 {
     std::erase_if(adapters, [](const GpuInfo& adapter) {
-        return IsForeignAdapter(adapter) || (!HasName(adapter) && !adapter.deviceId.HasValue());
+        return IsExcludedAdapter(adapter) || (!HasName(adapter) && !adapter.deviceId.HasValue());
     });
     return adapters;
 }
@@ -72,14 +72,14 @@ GraphicsProbes GraphicsProbes::OfSystem()
             GraphicsFunctions::OfSystem()};
 }
 
-Adapters& Adapters::Instance()
+GraphicsAdapters& GraphicsAdapters::Instance()
 {
-    return ProcessInstance<Adapters>();
+    return ProcessInstance<GraphicsAdapters>();
 }
 
-Adapters::Adapters(GraphicsProbes newProbes) : probes(std::move(newProbes)) {}
+GraphicsAdapters::GraphicsAdapters(GraphicsProbes newProbes) : probes(std::move(newProbes)) {}
 
-const std::vector<GpuDevice>& Adapters::List()
+const std::vector<GpuDevice>& GraphicsAdapters::List()
 {
     if (isDone)
         return listed;
@@ -103,14 +103,14 @@ const std::vector<GpuDevice>& Adapters::List()
     return listed;
 }
 
-bool Adapters::HasDirect3D()
+bool GraphicsAdapters::HasDirect3D()
 {
     return std::ranges::any_of(List(), [this](const GpuDevice& device) {
         return device.record.hasDirect3D && (!areLevelsAsked || device.record.featureLevel);
     });
 }
 
-void Adapters::ListCheaply(Devices& devices)
+void GraphicsAdapters::ListCheaply(Devices& devices)
 {
     std::vector<GpuInfo> byDxgi;
     std::vector<GpuInfo> bySetup;
@@ -148,7 +148,7 @@ void Adapters::ListCheaply(Devices& devices)
     }
 }
 
-void Adapters::ListByDrivers(Devices& devices) const
+void GraphicsAdapters::ListByDrivers(Devices& devices) const
 {
     std::vector<GpuInfo> adapters;
     if (probes.directX9.IsThere())
@@ -157,7 +157,7 @@ void Adapters::ListByDrivers(Devices& devices) const
     GpuFacts.Join(devices, WithoutForeign(adapters), L"Direct3D 9", &IsSame);
 }
 
-void Adapters::AskForLevels(Devices& devices) const
+void GraphicsAdapters::AskForLevels(Devices& devices) const
 {
     const auto lacksLevel = [](const GpuDevice& device) { return !device.record.featureLevel; };
     for (GpuDevice& device : devices) {
@@ -178,7 +178,7 @@ void Adapters::AskForLevels(Devices& devices) const
     }
 }
 
-void Adapters::AskForLevel(GpuDevice& device, const DXGI::Adapter& found) const
+void GraphicsAdapters::AskForLevel(GpuDevice& device, const DXGI::Adapter& found) const
 {
     IDXGIAdapter1* const adapter = found.adapter.Get();
     const std::wstring name = device.record.description.ToString();
@@ -198,7 +198,7 @@ void Adapters::AskForLevel(GpuDevice& device, const DXGI::Adapter& found) const
     GpuFacts.Merge(device, asked, source);
 }
 
-void Adapters::AskForShaderModel(GpuDevice& device) const
+void GraphicsAdapters::AskForShaderModel(GpuDevice& device) const
 {
     const DXGI::Adapter* const found = FindInterface(device);
     GpuInfo asked;
@@ -211,7 +211,7 @@ void Adapters::AskForShaderModel(GpuDevice& device) const
     GpuFacts.Merge(device, asked, L"the feature level");
 }
 
-void Adapters::AskDxDiag(Devices& devices) const
+void GraphicsAdapters::AskDxDiag(Devices& devices) const
 {
     const auto lacks = [&devices](unsigned id, auto member) {
         return IsAnyWanted({id}) && std::ranges::any_of(devices, [member](const GpuDevice& device) {
@@ -239,7 +239,7 @@ void Adapters::AskDxDiag(Devices& devices) const
     }
 }
 
-const DXGI::Adapter* Adapters::FindInterface(const GpuDevice& device) const
+const DXGI::Adapter* GraphicsAdapters::FindInterface(const GpuDevice& device) const
 {
     const auto found = std::ranges::find_if(interfaces, [&device](const DXGI::Adapter& adapter) {
         return !device.record.luid.empty() && adapter.info.luid == device.record.luid;

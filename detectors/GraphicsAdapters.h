@@ -36,11 +36,11 @@ struct GraphicsProbes {
 
 /// The graphics adapters of the machine, merged from all probes. They are listed once, for all detectors that
 /// tell of them.
-class Adapters : boost::noncopyable {
+class GraphicsAdapters : boost::noncopyable {
 public:
-    static Adapters& Instance();
+    static GraphicsAdapters& Instance();
 
-    explicit Adapters(GraphicsProbes newProbes = GraphicsProbes::OfSystem());
+    explicit GraphicsAdapters(GraphicsProbes newProbes = GraphicsProbes::OfSystem());
 
     /// The adapters that draw by hardware, or that a virtual machine offers; first the one that a program
     /// would use. A Direct3D device or DxDiag, which load a driver's code, are asked only when the current
