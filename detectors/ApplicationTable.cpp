@@ -6,7 +6,7 @@ namespace {
 
 using enum FindBy;
 
-// One installation holds the whole suite; which of its programs are there tell their files.
+// One installation holds the whole suite; the program files show which parts of it are there.
 constexpr Locator Office[] = {
     {DisplayName, L"Microsoft 365*", L"Microsoft Corporation"},
     {DisplayName, L"Microsoft Office*", L"Microsoft Corporation"},
@@ -23,7 +23,7 @@ constexpr Locator LibreOffice[] = {
     {Folder, L"%ProgramFiles(x86)%\\LibreOffice"},
 };
 
-// The Reader of 64 bits is Acrobat's program, without a licence for the rest.
+// The 64-bit Reader is Acrobat's program without a licence for the other features.
 constexpr Locator AcrobatReader[] = {
     {DisplayName, L"Adobe Acrobat Reader*", L"Adobe*"},
     {DisplayName, L"Adobe Reader*", L"Adobe*"},
@@ -113,7 +113,7 @@ constexpr Locator VisualStudioCode[] = {
     {Folder, L"%LOCALAPPDATA%\\Programs\\Microsoft VS Code"},
 };
 
-// Of Office, the folder of each release: since 2016, of 2016 and 2013 by the installer, of 2010.
+// The folder of each Office release: since 2016, 2016 and 2013 by the installer, 2010.
 constexpr Product Applications[] = {
     {73210, 73211, L"Word",
      L"root\\Office16\\WINWORD.EXE|Office16\\WINWORD.EXE|Office15\\WINWORD.EXE|Office14\\WINWORD.EXE",

@@ -30,7 +30,7 @@ constexpr FactTable Facts(Fact{73000, &BrowserInfo::isThere}, Fact{73001, &Brows
 constexpr const wchar_t* ChoiceKey =
     L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoice";
 
-/// The id of the program that the user has chosen for addresses; empty when there is no choice.
+/// The id of the program that the user has chosen for web addresses; empty without a choice.
 std::wstring ReadChoice(const SoftwareFunctions& functions)
 {
     const OwnedKey key = OpenView(functions, CurrentUser, ChoiceKey);

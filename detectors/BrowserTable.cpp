@@ -6,7 +6,7 @@ namespace {
 
 using enum FindBy;
 
-// Its key tells the version that the program shows, under a name that came with version 10.
+// Its key holds the version that the program shows; the value's name is new in version 10.
 constexpr Locator InternetExplorer[] = {
     {Key, L"SOFTWARE\\Microsoft\\Internet Explorer", L"", L"%ProgramFiles%\\Internet Explorer",
      L"svcVersion|Version"},
@@ -22,7 +22,8 @@ constexpr Locator Edge[] = {
     {Key, L"SOFTWARE\\Microsoft\\EdgeUpdate\\Clients\\{56EB18F8-B008-4CBD-B6D2-8C97FE7E9062}", L"location"},
 };
 
-// Installed for one user, the names of Chromium's relatives have a mark of that user behind a point.
+// In an installation for one user, the names of Chromium-based browsers end in a point and a suffix for that
+// user.
 constexpr Locator Chrome[] = {
     {AppPath},
     {StartMenu, L"Google Chrome"},
@@ -42,7 +43,7 @@ constexpr Locator Firefox[] = {
     {Key, L"SOFTWARE\\Mozilla\\Mozilla Firefox\\*\\Main", L"PathToExe"},
 };
 
-// Other programs' launchers have the name that its own has.
+// Other programs have launchers of the same name.
 constexpr Locator Opera[] = {
     {AppPath, L"opera.exe"},
     {StartMenu, L"OperaStable"},

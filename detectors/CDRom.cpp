@@ -7,7 +7,7 @@ namespace kel {
 
 namespace {
 
-/// Of the real drives.
+/// Totals of the real drives.
 constexpr FactTable Totals(Fact{72100, &ListTotals::isThere}, Fact{72101, &ListTotals::count});
 
 void StoreDrives(const std::vector<OpticalDrive>& drives)

@@ -52,9 +52,8 @@ constexpr Row Rows[] = {
     RowOf<SCSI>("SCSI"),
 };
 
-/// The flag is set before the work, so that a page that is let in while a detector waits does not start them
-/// again; and taken back when the work cannot be done, as when memory is short, so that the next call does
-/// it.
+/// Sets the flag before the work, so that a page that calls in while a detector waits does not start the
+/// detectors again; clears it when the work throws, as when memory is short, so that the next call retries.
 template <typename Work>
 void RunOnce(bool& isDone, Work work)
 {

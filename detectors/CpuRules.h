@@ -1,4 +1,4 @@
-// What is made of the merged processor record.
+// Facts that follow from the merged processor record.
 #pragma once
 
 #include "probes/cpu/CpuInfo.h"

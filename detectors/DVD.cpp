@@ -5,7 +5,7 @@ namespace kel {
 
 namespace {
 
-/// What any real drive can do. Empty where no drive has the ability and one does not say.
+/// What any real drive can do. Empty where no drive has the ability and one drive's answer is unknown.
 struct DvdInfo {
     std::optional<bool> readsDvds;
     std::optional<bool> writesDvds;

@@ -24,8 +24,8 @@ struct SoundFunctions;
 struct StorageFunctions;
 struct VolumeFunctions;
 
-/// The processor: merges what `cpuid`, the registry, WMI and the operating system say. Measuring the clock
-/// takes one second.
+/// The processor, merged from `cpuid`, the registry, WMI and the operating system. Measuring the clock takes
+/// one second.
 class CPU : public Component {
 public:
     bool Detect() override;
@@ -34,8 +34,8 @@ public:
 };
 
 /// The graphics adapters, merged from the graphics interfaces, the Setup API and the registry; the first is
-/// the one that a program would use. Direct3D and DxDiag, which load a driver, are asked only for facts that
-/// the service wants.
+/// the one that a program would use. Direct3D and DxDiag load a driver and are used only for facts that the
+/// service wants.
 class GPU : public Component {
 public:
     bool Detect() override;
@@ -51,7 +51,7 @@ public:
 };
 
 /// Optical drives: name, letter, whether one writes CDs or shows an image. Merged from the Setup API, WMI and
-/// what the drives answer; no medium is touched.
+/// the drives' own answers; no medium is read.
 class CDRom : public Component {
 public:
     bool Detect() override;
@@ -102,8 +102,8 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// Disks, with those that hold Windows first: merged from what each answers, WMI and the Setup API by the
-/// disk's number. None is waked, read or asked for its serial number.
+/// Disks, with those that hold Windows first: merged from the disks' own answers, WMI and the Setup API by
+/// the disk's number. No disk is woken, read or asked for its serial number.
 class HardDrive : public Component {
 public:
     HardDrive() { HardDrive::Initialize(); }
@@ -114,8 +114,8 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// Drive letters, with that of Windows first. Only fixed and RAM disks are asked for file system and sizes;
-/// labels and shares are never asked for.
+/// Drive letters, with that of Windows first. File system and sizes are read of fixed and RAM disks only;
+/// labels and shares are never read.
 class LogicalDrive : public Component {
 public:
     LogicalDrive() { LogicalDrive::Initialize(); }
@@ -126,7 +126,7 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The motherboard: version from the registry, the rest from WMI.
+/// The motherboard: its version from the registry, the other facts from WMI.
 class MotherBoard : public Component {
 public:
     bool Detect() override;
@@ -144,7 +144,7 @@ public:
 };
 
 /// The operating system: display name, release and edition flags, version numbers, locale, machine identifier
-/// and .NET Framework. It reads only, but for the machine identifier.
+/// and .NET Framework. It writes nothing but the machine identifier.
 class OS : public Component {
 public:
     OS() { OS::Initialize(); }
@@ -175,8 +175,8 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The drivers of the devices that matter most, as their detectors found them, and the runtimes that programs
-/// ask for. It runs after the graphics, network and sound detectors.
+/// The drivers of the first device of each kind, as the devices' detectors stored them, and the runtimes that
+/// programs need. It runs after the graphics, network and sound detectors.
 class Software : public Component {
 public:
     bool Detect() override;
@@ -184,7 +184,7 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The browsers of a table, which of them the user chose, and the program that the control runs in.
+/// The browsers of a table, the user's default browser, and the program that the control runs in.
 class Browser : public Component {
 public:
     Browser() { Browser::Initialize(); }
@@ -199,7 +199,7 @@ private:
     std::span<const Product> table;
 };
 
-/// The active monitors, the primary one first: what each is, and what it shows. Never their serial numbers.
+/// The active monitors, the primary one first: model and current picture, never serial numbers.
 class Monitor : public Component {
 public:
     bool Detect() override;
@@ -207,7 +207,7 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The applications of a table: which are there, and their versions. It looks for no others.
+/// The applications of a table: which are there, and their versions. It does not look for others.
 class Applications : public Component {
 public:
     Applications() { Applications::Initialize(); }
@@ -222,8 +222,8 @@ private:
     std::span<const Product> table;
 };
 
-/// Controllers of the class SCSI, with their kinds: real ones first. Nearly every machine has some that are
-/// made by drivers.
+/// Controllers of the class SCSI, with their kinds: real ones first. Nearly every machine has some that exist
+/// in a driver only.
 class SCSI : public Component {
 public:
     bool Detect() override;

@@ -10,10 +10,10 @@ namespace {
 
 DirectXInfo ReadRegistry()
 {
-    constexpr std::size_t LargestValue = 256;  // bytes
+    constexpr std::size_t MaxValueSize = 256;  // bytes
     std::wstring version;
     if (const OwnedKey key = OpenKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\DirectX", KEY_READ))
-        ReadStringValue(key.get(), L"Version", LargestValue, version);
+        ReadStringValue(key.get(), L"Version", MaxValueSize, version);
     DirectXInfo info;
     info.runtime = RuntimeOfRegistry(version);
     return info;

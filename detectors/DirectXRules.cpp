@@ -6,7 +6,7 @@ namespace kel {
 
 namespace {
 
-/// Releases before the eleventh by the beginning of their number in the registry, the newest first.
+/// Releases before version 10 by the prefix of their number in the registry, newest first.
 constexpr std::pair<const wchar_t*, const wchar_t*> Releases[] = {
     {L"4.09.00.0904", L"9.0C"}, {L"4.09.0000.0904", L"9.0C"},
     {L"4.09.00.0902", L"9.0B"}, {L"4.09.00.0901", L"9.0A"},

@@ -10,10 +10,10 @@
 
 namespace kel {
 
-/// The version of the DirectX runtime that Windows has, which says nothing of the adapter; nothing before the
-/// tenth, whose number the registry has.
+/// The version of the DirectX runtime that Windows has, whatever the adapter can do. Nullopt before version
+/// 10: the registry has those.
 /// @param hasLibrary whether the system's folder has a file of the name
-/// @param major, minor the system's own version, not the one that it tells an old program
+/// @param major, minor the system's real version, not the one that it reports to old programs
 std::optional<Version> RuntimeOfLibraries(const boost::function<bool(const wchar_t*)>& hasLibrary,
                                           DWORD major, DWORD minor);
 

@@ -46,11 +46,11 @@ bool IsKnown(const T& member)
         return !member.empty();
 }
 
-/// A record that is merged from several sources, and for each fact the source that told it.
+/// A record that is merged from several sources, and the source of each fact.
 template <typename Record, std::size_t Count>
 struct Merged {
     Record record;
-    std::array<const wchar_t*, Count> sources{};  // null where none knows
+    std::array<const wchar_t*, Count> sources{};  // null where no source has the fact
 };
 
 /// All facts of a detector, in the order in which they are stored.
@@ -61,7 +61,7 @@ public:
 
     explicit constexpr FactTable(Fact<Record, Members>... facts) : rows(facts...) {}
 
-    /// Takes what the target lacks from a source; of flags, what is set.
+    /// Takes from a source what the target lacks; a flag that is set in the source is set in the target.
     void Merge(Device& target, const Record& source, const wchar_t* sourceName) const
     {
         ForEach([&](const auto& fact, std::size_t row) {
@@ -72,10 +72,9 @@ public:
         });
     }
 
-    /// Merges what one more source lists into the devices: a record into the device that it is the same as,
-    /// and none else from this source; a device of its own otherwise.
-    /// @param isSame whether two records, both of them of some source, are of one device; what cannot tell
-    /// is not the same
+    /// Merges the records that one more source lists into the devices. A record goes into the device that it
+    /// describes, unless another record of this source went there, or else becomes a device of its own.
+    /// @param isSame whether two records describe one device; false when they do not show it
     template <typename Predicate>
     void Join(std::vector<Device>& devices, const std::vector<Record>& listed, const wchar_t* sourceName,
               Predicate isSame) const
@@ -93,7 +92,7 @@ public:
         }
     }
 
-    /// Stores a record under an index. What is not known is an empty text, and a flag that is not set "No".
+    /// Stores a record under an index: unknown members as an empty text, flags that are not set as "No".
     void Store(const Record& record, int index = 0) const
     {
         ForEach([&](const auto& fact, std::size_t) {
@@ -102,7 +101,7 @@ public:
         });
     }
 
-    /// The same for a merged record; the log tells which source each fact with a name is from.
+    /// The same for a merged record; the log shows the source of each fact that has a name.
     void Store(const Device& device, const wchar_t* detector, int index = 0) const
     {
         ForEach([&](const auto& fact, std::size_t row) {
@@ -163,7 +162,7 @@ private:
     std::tuple<Fact<Record, Members>...> rows;
 };
 
-/// What a detector of several devices stores of all of them together.
+/// What a detector of several devices stores about all of them together.
 struct ListTotals {
     bool isThere = false;
     std::int32_t count = 0;

@@ -38,7 +38,7 @@ bool IsExcludedAdapter(const GpuInfo& adapter)
         return adapter.isSoftware;
     const std::wstring bus = id.Bus();
     const bool hasVendor = !id.Vendor().empty() && id.Vendor() != NoVendor;
-    // Windows' own renderer comes with the flag of software and without.
+    // Windows' own renderer does not always have the software flag.
     const bool isRenderer = id.Vendor() == L"1414" && id.Device() == L"008C";
     return isRenderer || bus == L"ROOT" || bus == L"SWD" || bus == L"USB" || (!hasVendor && bus != L"VMBUS");
 }
@@ -48,7 +48,7 @@ std::optional<Version> VendorDriverVersion(const GpuInfo& adapter)
     if (adapter.deviceId.Vendor() != Nvidia || !adapter.driverVersion)
         return {};
     const std::vector<std::wstring_view> fields = Split(adapter.driverVersion->ToString(), L'.');
-    // The third field of Windows' own driver, which may serve the card, is a longer number.
+    // Windows' own driver may serve the card; the third field of its version is a longer number.
     if (fields.size() != VersionFields || fields[2].size() != ThirdFieldDigits || fields[3].empty() ||
         fields[3].size() > LastFieldDigits)
         return {};
@@ -85,7 +85,7 @@ void FinishGpuInfo(GpuInfo& adapter)
 
 bool IsBetterAdapter(const GpuInfo& one, const GpuInfo& other)
 {
-    // What is better is smaller: the numbers are turned over.
+    // The better adapter sorts first, so memory and level are negated.
     const auto rank = [](const GpuInfo& adapter) {
         return std::tuple(adapter.isVirtual.value_or(false), ~Bytes(adapter.videoMemory),
                           ~Quantity(adapter.featureLevel), std::wstring(adapter.deviceId.ToString()));

@@ -1,4 +1,4 @@
-// What is made of the facts about graphics adapters.
+// Facts about graphics adapters that follow from other facts.
 #pragma once
 
 #include <optional>
@@ -8,22 +8,22 @@
 
 namespace kel {
 
-/// Whether the adapter is none of the machine's own: one that draws by software, or that shows a picture far
-/// away.
+/// Whether the adapter does not count: one that draws by software, shows the picture of a remote session, or
+/// is a display on USB.
 bool IsExcludedAdapter(const GpuInfo& adapter);
 
-/// NVIDIA's own version in the driver's, such as 576.28 in 32.0.15.7628; nothing for other makers, which do
-/// not write theirs there.
+/// NVIDIA's own version in the driver's, such as 576.28 in 32.0.15.7628; nullopt for other vendors, whose own
+/// versions are not part of the driver's.
 std::optional<Version> VendorDriverVersion(const GpuInfo& adapter);
 
-/// Whether the adapter shares the processor's memory, or a part of its chip; a hint.
+/// Whether the adapter shares the processor's memory or is part of its chip. This is a guess.
 std::optional<bool> IsIntegrated(const GpuInfo& adapter);
 
-/// Fills the facts that follow from others: maker, integrated, virtual.
+/// Fills the facts that follow from others: vendor, integrated, virtual.
 void FinishGpuInfo(GpuInfo& adapter);
 
-/// Whether a program would rather use the one adapter than the other: hardware before what a virtual machine
-/// offers, then the one with more memory, then with the higher level, then by the id.
+/// Whether a program would prefer one adapter to the other: hardware before a virtual machine's, then more
+/// memory, then the higher feature level, then by id.
 bool IsBetterAdapter(const GpuInfo& one, const GpuInfo& other);
 
 }  // namespace kel

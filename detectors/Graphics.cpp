@@ -29,7 +29,7 @@ constexpr FactTable Facts(Fact{72402, &GraphicsInfo::resolution, L"resolution"},
                           Fact{72404, &GraphicsInfo::refreshRate, L"refresh rate"},
                           Fact{72405, &GraphicsInfo::desktop, L"desktop"});
 
-/// The box around all displays; unknown when one is.
+/// The bounding box of all displays; unknown when the size of one is unknown.
 Resolution Around(const std::vector<DisplayInfo>& displays)
 {
     RECT box = {};  // the primary display's corner is in it
@@ -76,8 +76,9 @@ bool Graphics::Detect(const DisplayConfig& config)
         Totals.Store({!displays.empty(), static_cast<std::int32_t>(displays.size()), config.IsRemote()});
         decltype(Facts)::Device merged;
         Facts.Merge(merged, Describe(displays), list.source);
-        if (const GraphicsInfo& told = merged.record;
-            !displays.empty() && (!told.resolution.HasValue() || !told.bitsPerPixel || !told.refreshRate)) {
+        if (const GraphicsInfo& known = merged.record;
+            !displays.empty() &&
+            (!known.resolution.HasValue() || !known.bitsPerPixel || !known.refreshRate)) {
             const DisplayList further = config.ListDevices();
             Facts.Merge(merged, Describe(further.displays), further.source);
         }

@@ -22,7 +22,7 @@ bool IsAnyWanted(std::initializer_list<unsigned> ids)
     return std::ranges::any_of(ids, [](unsigned id) { return Session::Current().IsWanted(GroupID(id)); });
 }
 
-/// The key of the graphics interfaces tells two equal cards apart, where both sources know it.
+/// Two equal cards differ by the graphics interfaces' key, where both sources have it.
 bool IsSame(const GpuInfo& one, const GpuInfo& other)
 {
     if (!one.luid.empty() && !other.luid.empty())
@@ -30,7 +30,8 @@ bool IsSame(const GpuInfo& one, const GpuInfo& other)
     return one.deviceId.Matches(other.deviceId);
 }
 
-/// A note of the cache may be of an adapter that is gone, whose key another one has now.
+/// Whether a cache entry describes the adapter: an entry may be left over from an adapter that is gone and
+/// whose key another one has now.
 bool IsNoteOf(const GpuInfo& adapter, const GpuInfo& note)
 {
     return !note.luid.empty() && adapter.luid == note.luid && adapter.deviceId.Matches(note.deviceId);
@@ -41,13 +42,13 @@ bool HasName(const GpuInfo& adapter)
     return adapter.description.HasValue();
 }
 
-/// What old interfaces list without a vendor is a display, but no adapter.
+/// Old interfaces list displays, too; those have no vendor.
 bool IsWithoutId(const GpuInfo& adapter)
 {
     return !adapter.deviceId.HasValue();
 }
 
-/// The adapters that count. One of which neither name nor id is told is none.
+/// Drops the excluded adapters, and those that have neither a name nor an id.
 std::vector<GpuInfo> WithoutForeign(std::vector<GpuInfo> adapters)
 {
     std::erase_if(adapters, [](const GpuInfo& adapter) {
@@ -131,7 +132,7 @@ void GraphicsAdapters::ListCheaply(Devices& devices)
     };
     GpuFacts.Join(devices, WithoutForeign(byDxgi), L"DXGI", &IsSame);
     std::vector<GpuInfo> first = notes;
-    for (GpuInfo& note : first) {  // the Setup API's name and version come before these
+    for (GpuInfo& note : first) {  // the Setup API's name and version have priority
         note.description = Name();
         note.driverVersion.reset();
     }
@@ -162,7 +163,7 @@ void GraphicsAdapters::AskForLevels(Devices& devices) const
     const auto lacksLevel = [](const GpuDevice& device) { return !device.record.featureLevel; };
     for (GpuDevice& device : devices) {
         const DXGI::Adapter* const found = FindInterface(device);
-        // Without the interface the system would answer for an adapter of its choice, be it software.
+        // Without the interface the system would answer for an adapter of its choice, even a software one.
         if (found != nullptr && lacksLevel(device))
             AskForLevel(device, *found);
     }
@@ -226,7 +227,7 @@ void GraphicsAdapters::AskDxDiag(Devices& devices) const
     probes.dxDiag.GetGpuInfo(adapters);
     std::erase_if(adapters, &IsWithoutId);
     for (const GpuInfo& adapter : WithoutForeign(adapters)) {
-        // An adapter is listed for each of its monitors, so none of them is a further one.
+        // DxDiag lists an adapter once for each of its monitors; these are not further adapters.
         bool isKnown = isNamed;
         for (GpuDevice& device : devices) {
             if (!IsSame(device.record, adapter))

@@ -16,12 +16,12 @@
 
 namespace kel {
 
-/// What tells of the graphics adapters, the cheap before the costly.
+/// The probes of the graphics adapters, the cheap before the costly.
 struct GraphicsProbes {
     using List = boost::function<void(std::vector<GpuInfo>&)>;
 
     const DXGI& dxgi;
-    List readCache;    ///< what Windows noted of them
+    List readCache;    ///< what Windows has cached about them
     List listDevices;  ///< the Setup API's display adapters
     const DirectX_8& directX8;
     const DirectX_9& directX9;
@@ -29,13 +29,13 @@ struct GraphicsProbes {
     const DirectX_11& directX11;
     const DirectX_12& directX12;
     const DXDiag& dxDiag;
-    GraphicsFunctions functions;  ///< for what no probe tells
+    GraphicsFunctions functions;  ///< for facts that no probe has
 
     static GraphicsProbes OfSystem();
 };
 
 /// The graphics adapters of the machine, merged from all probes. They are listed once, for all detectors that
-/// tell of them.
+/// need them.
 class GraphicsAdapters : boost::noncopyable {
 public:
     static GraphicsAdapters& Instance();
@@ -43,9 +43,9 @@ public:
     explicit GraphicsAdapters(GraphicsProbes newProbes = GraphicsProbes::OfSystem());
 
     /// The adapters that draw by hardware, or that a virtual machine offers; first the one that a program
-    /// would use. A Direct3D device or DxDiag, which load a driver's code, are asked only when the current
-    /// session wants a fact that needs it, or when nothing cheaper names any adapter; for its version, of
-    /// which nothing else tells, DXGI may load one, too.
+    /// would use. A Direct3D device and DxDiag load a driver's code, and are used only when the current
+    /// session wants a fact that needs them, or when no cheaper source names an adapter. DXGI may load a
+    /// driver as well, for a driver version that no other source has.
     const std::vector<GpuDevice>& List();
 
     /// Whether Direct3D works on one of them, as far as it was asked.
@@ -67,7 +67,7 @@ private:
     GraphicsProbes probes;
     std::vector<DXGI::Adapter> interfaces;  // while they are being listed
     Devices listed;
-    bool isNamed = false;  // by a cheap source, be it an adapter that is left out
+    bool isNamed = false;  // whether a cheap source names an adapter, even an excluded one
     bool areLevelsAsked = false;
     bool isDone = false;
 };

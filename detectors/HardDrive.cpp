@@ -14,7 +14,7 @@ namespace {
 
 using Disks = std::vector<DiskInfo>;
 
-/// What is said of all fixed disks together.
+/// Totals of the fixed disks.
 struct DiskTotals {
     bool isThere = false;
     std::int32_t count = 0;
@@ -59,7 +59,7 @@ Disks ListSetupDisks(const StorageFunctions& functions)
     return disks;
 }
 
-/// Takes the models away that another source has in full.
+/// Clears truncated models that another source has in full.
 void DropCutModels(Disks& disks, const Disks& others)
 {
     for (DiskInfo& disk : disks) {
@@ -71,8 +71,8 @@ void DropCutModels(Disks& disks, const Disks& others)
     }
 }
 
-/// Merges what a source lists. Disks without a number add none where others have theirs: they are the same
-/// ones, and nothing tells which.
+/// Merges what a source lists. Where known disks have numbers, a disk without one is dropped: it is one of
+/// them, but it is unknown which.
 void Add(std::vector<Drive>& drives, Disks listed, const wchar_t* source)
 {
     const bool hasNumbers =
@@ -82,7 +82,8 @@ void Add(std::vector<Drive>& drives, Disks listed, const wchar_t* source)
     Facts.Join(drives, listed, source, &IsSameDisk);
 }
 
-/// A drive without a medium, a floppy, or a disk that is made of a file; but never one that holds Windows.
+/// Whether a drive does not count: one without a medium, a floppy, or a disk made of a file, unless it holds
+/// Windows.
 bool IsLeftOut(const Drive& drive)
 {
     const DiskInfo& disk = drive.record;
@@ -91,7 +92,7 @@ bool IsLeftOut(const Drive& drive)
     return disk.isVirtual.value_or(false) || (disk.capacity && disk.capacity->Bytes() == 0);
 }
 
-/// The disks of Windows first, then fixed ones, then by device id.
+/// Disks that hold Windows first, then fixed ones, then by device id.
 auto GetRank(const Drive& drive)
 {
     const DiskInfo& disk = drive.record;

@@ -9,7 +9,7 @@ namespace kel {
 
 namespace {
 
-/// What is said of all letters together, but for those that are other names.
+/// Totals of all letters, without those that are other names for a folder.
 struct VolumeTotals {
     bool isThere = false;
     std::int32_t fixed = 0;
@@ -28,10 +28,10 @@ constexpr FactTable Facts(Fact{72602, &VolumeInfo::letter}, Fact{72603, &VolumeI
                           Fact{72604, &VolumeInfo::fileSystem}, Fact{72605, &VolumeInfo::size},
                           Fact{72606, &VolumeInfo::free}, Fact{72607, &VolumeInfo::holdsWindows});
 
-/// In the order in which they matter.
+/// By importance.
 constexpr UINT Types[] = {DRIVE_FIXED, DRIVE_RAMDISK, DRIVE_REMOVABLE, DRIVE_CDROM, DRIVE_REMOTE};
 
-/// The volume of Windows first, then by kind; letters are in their order already.
+/// The volume that holds Windows first, then by kind; the letters are sorted already.
 auto GetRank(const VolumeInfo& volume)
 {
     return std::make_tuple(!volume.holdsWindows.value_or(false),

@@ -17,7 +17,7 @@ constexpr const wchar_t* IdentifierValue = L"Run";
 constexpr std::size_t BracedGuidLength = 38;
 constexpr std::size_t LongestIdentifier = 65536;  // bytes; it goes into every report
 
-/// The identifier that stands in the key; empty when there is none.
+/// The identifier in the key; empty without one.
 std::wstring ReadStoredIdentifier(const OwnedKey& key)
 {
     std::wstring text;
@@ -26,7 +26,7 @@ std::wstring ReadStoredIdentifier(const OwnedKey& key)
     return text;
 }
 
-/// Whether something stands there that is too long to be read. It is somebody's, and stays.
+/// Whether the value is too long to be read. It is not ours then, and is kept.
 bool IsTooLong(const OwnedKey& key)
 {
     DWORD size = 0;
@@ -34,7 +34,7 @@ bool IsTooLong(const OwnedKey& key)
            size > LongestIdentifier;
 }
 
-/// A new GUID in braces; empty when the system makes none.
+/// A new GUID in braces; empty when the system cannot create one.
 std::wstring MakeIdentifier()
 {
     GUID guid = {};
@@ -44,8 +44,8 @@ std::wstring MakeIdentifier()
     return text.data();
 }
 
-/// Keeps a new identifier where the key exists.
-/// @return the one that is kept: an old one that could not be read before is not replaced
+/// Stores a new identifier where the key exists.
+/// @return the identifier that the key has then: an old one that could not be read before is not replaced
 std::wstring Keep(const std::wstring& identifier)
 {
     const OwnedKey key = OpenKey(HKEY_CURRENT_USER, IdentifierKey, KEY_READ | KEY_WRITE);

@@ -23,7 +23,8 @@ constexpr FactTable Facts(
 
 using Devices = std::vector<decltype(Facts)::Device>;
 
-/// Adds what a source says of the monitors that are there; those that are not active, or were, are in it too.
+/// Adds a source's facts about the listed monitors. The source also lists monitors that are not active, or
+/// were connected earlier.
 void MergeSame(Devices& devices, const std::vector<MonitorInfo>& listed, const wchar_t* source)
 {
     for (auto& device : devices) {
@@ -34,7 +35,7 @@ void MergeSame(Devices& devices, const std::vector<MonitorInfo>& listed, const w
     }
 }
 
-/// Whether all is known that a further source could tell.
+/// Whether no further source can add anything.
 bool AreComplete(const Devices& devices)
 {
     return std::ranges::all_of(devices, [](const auto& device) {

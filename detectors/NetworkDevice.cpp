@@ -22,7 +22,7 @@ constexpr FactTable AdapterFacts(
     Fact{NotStored, &NetworkInfo::hasConnector}, Fact{NotStored, &NetworkInfo::isDefaultRoute});
 using Adapter = decltype(AdapterFacts)::Device;
 
-/// What is stored of all adapters together.
+/// Totals of all adapters.
 struct NetworkSummary {
     bool hasAdapter = false;
     Count count = Count(0);
@@ -41,9 +41,9 @@ bool IsSame(const NetworkInfo& one, const NetworkInfo& other)
     return !one.instanceId.empty() && one.instanceId == other.instanceId;
 }
 
-/// All tests together: drivers of tunnels say that they are hardware, adapters of virtual switches hold the
-/// addresses, and others are listed by a bus of their own. A test that nothing answers excludes nothing, but
-/// one of them has to tell.
+/// Whether an adapter is a physical one. Every test is needed: drivers of tunnels claim to be hardware,
+/// adapters of virtual switches hold the addresses, and others are on a bus of their own. An unknown answer
+/// excludes nothing, but one answer has to be known.
 bool IsPhysical(const NetworkInfo& adapter)
 {
     return (adapter.isHardware || !adapter.enumerator.empty()) && adapter.isHardware.value_or(true) &&
@@ -51,8 +51,8 @@ bool IsPhysical(const NetworkInfo& adapter)
            adapter.enumerator != L"SWD";
 }
 
-/// The adapter that a program would use comes first. Without the default route, which a virtual switch or a
-/// tunnel may have, it is one that is connected.
+/// The adapter that a program would use comes first: the one with the default route, or a connected one when
+/// a virtual switch or a tunnel has the route.
 bool ComesBefore(const Adapter& one, const Adapter& other)
 {
     const auto rank = [](const NetworkInfo& adapter) {
@@ -70,7 +70,8 @@ std::vector<Adapter> ListAdapters(const NetworkFunctions& functions)
     const std::vector<NetworkInfo> table = ReadInterfaceTable(functions, defaultRoute);
     std::vector<NetworkInfo> addresses = ReadAdapterAddresses(functions, defaultRoute);
     for (NetworkInfo& adapter : addresses) {
-        // These know no medium, by which the table tells Bluetooth, that says it is an Ethernet, from one.
+        // The addresses have no medium, by which the table tells Bluetooth, reported as Ethernet, from
+        // Ethernet.
         if (std::ranges::any_of(table, [&](const NetworkInfo& row) { return IsSame(row, adapter); }))
             adapter.SetKind(MediaKind::Unknown);
     }
@@ -110,7 +111,7 @@ bool NetworkDevice::Detect(const NetworkFunctions& functions)
         if (!Session::Current().IsWanted(GroupID(BandwidthId)))
             return;
         const std::wstring& rate = RunBandwidthTest();
-        // The rate carries its unit already; support tools know the line with both.
+        // The rate has its unit already; support tools expect the line with both.
         WriteLog(LogTrace, L"Network speed is: ", rate, L" bps");
         AddValue(BandwidthId, Bandwidth(rate));
     });

@@ -1,4 +1,4 @@
-// The display name of an operating system, built from what it says of itself.
+// The display name of an operating system, built from its version record.
 #pragma once
 
 #include <string>

@@ -15,7 +15,7 @@ namespace {
 
 using Drives = std::vector<OpticalInfo>;
 
-/// In upper case: parts of the names of drives that programs make to show an image.
+/// Parts of the names of virtual drives that show an image, in upper case.
 constexpr std::wstring_view VirtualNames[] = {L"VIRTUAL", L"CLONEDRIVE", L"DTSOFT", L"AXV CD", L"IMDISK"};
 
 std::wstring GetKey(const OpticalInfo& drive)
@@ -62,14 +62,15 @@ bool HasVirtualName(const OpticalInfo& drive)
         VirtualNames, [&name](std::wstring_view part) { return name.find(part) != std::wstring::npos; });
 }
 
-/// Draws what follows from the merged record. Where the drive itself told all its profiles, no text is asked.
+/// Fills the facts that follow from the merged record. Name and media type count only where the drive did not
+/// report all its profiles.
 void Finish(OpticalInfo& drive)
 {
     if (drive.abilities.known != AllAbilities) {
-        const bool isTold = drive.abilities.HasValue();
+        const bool wasKnown = drive.abilities.HasValue();
         drive.abilities.Raise(GetAbilitiesOfName(drive.name.ToString()) |
                               GetAbilitiesOfName(drive.mediaType.ToString()));
-        if (!isTold && drive.abilities.HasValue())
+        if (!wasKnown && drive.abilities.HasValue())
             drive.abilitySource = L"its name and media type";
     }
     drive.writesCds = drive.abilities.Has(WritesCds);
@@ -79,7 +80,7 @@ void Finish(OpticalInfo& drive)
         drive.isVirtual = false;
 }
 
-/// Adds the drives that no listed one is, which their letters tell; all, where none is listed.
+/// Adds the found drives whose letters no listed drive has; all of them when none is listed.
 void AddUnlisted(Drives& drives, const Drives& found)
 {
     const bool isEmpty = drives.empty();
@@ -106,20 +107,20 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
     const Drives devices = ListSetupDrives();
     OpticalFacts.Join(drives, devices, L"the Setup API", &IsSameDrive);
     OpticalFacts.Join(drives, ListWmiDrives(), L"WMI", &IsSameDrive);
-    // What the drives answer belongs to the drives that are listed.
-    Drives told;
+    // The drives' own answers, in the order of the list.
+    Drives answers;
     for (const auto& [drive, sources] : drives) {
-        told.push_back(ReadOpticalDrive(functions, drive.instanceId.ToString(), drive.drive.ToString()));
-        if (!told.back().drive.HasValue())
-            told.back().drive = drive.drive;
+        answers.push_back(ReadOpticalDrive(functions, drive.instanceId.ToString(), drive.drive.ToString()));
+        if (!answers.back().drive.HasValue())
+            answers.back().drive = drive.drive;
     }
-    if (devices.empty())  // WMI lists one at most
-        AddUnlisted(told, ListOpticalDevices(functions));
-    drives.resize(told.size());
+    if (devices.empty())  // WMI lists at most one
+        AddUnlisted(answers, ListOpticalDevices(functions));
+    drives.resize(answers.size());
     for (std::size_t place = 0; place < drives.size(); ++place) {
-        OpticalFacts.Merge(drives[place], told[place], L"the storage functions");
-        drives[place].record.abilities = told[place].abilities;
-        drives[place].record.abilitySource = told[place].abilitySource;
+        OpticalFacts.Merge(drives[place], answers[place], L"the storage functions");
+        drives[place].record.abilities = answers[place].abilities;
+        drives[place].record.abilitySource = answers[place].abilitySource;
         Finish(drives[place].record);
     }
     std::ranges::stable_sort(drives, {}, &GetRank);

@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// The facts of each optical drive. Id and media type are there to be merged.
+/// The facts of each optical drive. Instance id and media type are merged only.
 inline constexpr FactTable OpticalFacts(Fact{72102, &OpticalInfo::name, L"name"},
                                         Fact{72103, &OpticalInfo::deviceId, L"device id"},
                                         Fact{72104, &OpticalInfo::drive, L"letter"},
@@ -18,17 +18,17 @@ inline constexpr FactTable OpticalFacts(Fact{72102, &OpticalInfo::name, L"name"}
                                         Fact{NotStored, &OpticalInfo::mediaType});
 using OpticalDrive = decltype(OpticalFacts)::Device;
 
-/// Whether a drive has a tray of its own, and shows no image.
+/// Whether a drive is hardware; a virtual one shows an image.
 inline bool IsRealDrive(const OpticalDrive& drive)
 {
     return !drive.record.isVirtual.value_or(false);
 }
 
 /// Lists the optical drives, real ones first, from the Setup API, WMI and the storage functions. Devices are
-/// listed, not volumes: an empty drive has none.
+/// listed, not volumes, as an empty drive has no volume.
 std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions);
 
-/// The drives of this machine, listed once in the process for all who ask.
+/// The drives of this machine, listed once in the process.
 const std::vector<OpticalDrive>& GetOpticalDrives();
 
 }  // namespace kel

@@ -9,8 +9,8 @@
 
 namespace kel {
 
-/// Stores whether a product is there, and its version: an empty text where it is not, or does not tell. The
-/// log says what it was found by, and who told the version.
+/// Stores whether a product is there, and its version: an empty text where it is not there or its version is
+/// unknown. The log shows the sources of both.
 /// @param found null when the product is not there
 void StoreProduct(const wchar_t* detector, const Product& product, const Installation* found);
 

@@ -19,7 +19,7 @@ constexpr Locator Framework4[] = {
      L"%SystemRoot%\\Microsoft.NET\\Framework64\\v4.0.30319", L"Version"},
 };
 
-// Each version that is there has a value below the key of its framework, and a folder.
+// Each installed version has a value below the key of its framework, and a folder.
 constexpr Locator DotNet[] = {
     {ValueNames, L"SOFTWARE\\dotnet\\Setup\\InstalledVersions\\x64\\sharedfx\\Microsoft.NETCore.App", L"",
      L"%ProgramFiles%\\dotnet\\shared\\Microsoft.NETCore.App\\*"},
@@ -42,7 +42,7 @@ constexpr Locator WebView2[] = {
      L"EBWebView"},
 };
 
-// Since Java 9 a development kit brings the one runtime that there is.
+// Since Java 9 the runtime comes with the development kit only.
 constexpr Locator Java[] = {
     {Key, L"SOFTWARE\\JavaSoft\\Java Runtime Environment\\*", L"JavaHome"},
     {Key, L"SOFTWARE\\JavaSoft\\JRE\\*", L"JavaHome"},
@@ -53,7 +53,8 @@ constexpr Locator Java[] = {
     {Key, L"SOFTWARE\\Azul Systems\\Zulu\\*", L"InstallationPath"},
 };
 
-// Windows' own has the version of Windows in its file, and its own in its key; previews have other keys.
+// Windows' own PowerShell has the version of Windows in its file and its own in its key; previews have other
+// keys.
 constexpr Locator PowerShell[] = {
     {Key, L"SOFTWARE\\Microsoft\\PowerShell\\3\\PowerShellEngine", L"",
      L"%SystemRoot%\\System32\\WindowsPowerShell\\v1.0", L"PowerShellVersion"},

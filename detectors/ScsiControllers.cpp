@@ -12,7 +12,7 @@ namespace kel {
 
 namespace {
 
-/// A kind, in the order in which they matter, and the first four digits of its class codes.
+/// A kind and the first four digits of its class codes, by importance.
 struct Kind {
     std::wstring_view classCode;
     const wchar_t* name;
@@ -35,7 +35,7 @@ std::wstring GetClassCode(const std::vector<std::wstring>& ids)
     return {};
 }
 
-/// Real ones first, then NVMe, then what is not known, then virtual ones; then by device id.
+/// Real ones first, then NVMe, then unknown kinds, then virtual ones; then by device id.
 auto GetRank(const ScsiInfo& controller)
 {
     const std::wstring_view kind = controller.kind.ToString();

@@ -8,14 +8,14 @@ namespace kel {
 
 class SetupLib;
 
-/// Of what kind a controller is, by the class code among its compatible ids; one that a driver or a virtual
-/// machine makes is "virtual". Empty for every other class.
+/// The kind of a controller, by the class code among its compatible ids; "virtual" for one that a driver or a
+/// virtual machine makes. Empty for every other class.
 std::wstring GetControllerKind(const ScsiInfo& controller);
 
 /// Lists the controllers with their kinds: SCSI, SAS and RAID first, virtual ones last.
 std::vector<ScsiInfo> ListScsiControllers(SetupLib& library);
 
-/// The controllers of this machine, listed once in the process for all who ask.
+/// The controllers of this machine, listed once in the process.
 const std::vector<ScsiInfo>& GetScsiControllers();
 
 /// Whether a controller is a real one for disks that SCSI commands reach: SCSI, SAS or RAID.

@@ -26,14 +26,14 @@ std::optional<Version> VersionOf(const std::wstring& text)
     return text.empty() ? std::nullopt : std::optional(Version(text));
 }
 
-/// What the detector of the device has stored.
+/// The version that the device's own detector has stored.
 std::optional<Version> StoredVersion(unsigned id)
 {
     const SystemValue* const value = Session::Current().Values().TryGetValue(SystemValueID(GroupID(id)));
     return value != nullptr ? VersionOf(value->Text()) : std::nullopt;
 }
 
-/// The detector of these controllers runs later, and takes the same list.
+/// The detector of these controllers runs later and uses the same list.
 std::optional<Version> ScsiDriver()
 {
     const std::vector<ScsiInfo>& controllers = GetScsiControllers();

@@ -20,7 +20,7 @@ constexpr FactTable DeviceFacts(Fact{72802, &SoundInfo::name, L"name"},
                                 Fact{NotStored, &SoundInfo::instanceId});
 using Device = decltype(DeviceFacts)::Device;
 
-/// What is stored of all devices together.
+/// Totals of all devices.
 struct SoundSummary {
     bool hasSound = false;
     Count count = Count(0);
@@ -31,11 +31,11 @@ struct SoundSummary {
 constexpr FactTable SummaryFacts(Fact{72800, &SoundSummary::hasSound}, Fact{72801, &SoundSummary::count},
                                  Fact{72807, &SoundSummary::outputs}, Fact{72808, &SoundSummary::inputs});
 
-/// What lists the devices, the likeliest to be used first. Others come after them, then a graphics card's
-/// outputs, and what a driver alone makes comes last.
+/// The buses of devices, the most likely to be used first. Other buses come next, then outputs of graphics
+/// cards, then devices that exist in a driver only.
 constexpr std::wstring_view Buses[] = {L"HDAUDIO", L"USB", L"INTELAUDIO", L"BTHENUM"};
 constexpr std::wstring_view SoftwareBuses[] = {L"ROOT", L"SWD", L"SW"};
-/// AMD, NVIDIA and Intel: on the buses of codecs they are graphics cards.
+/// AMD, NVIDIA and Intel: their devices on a codec bus belong to graphics cards.
 constexpr std::wstring_view GraphicsVendors[] = {L"1002", L"10DE", L"8086"};
 
 bool IsSame(const SoundInfo& one, const SoundInfo& other)
@@ -47,7 +47,7 @@ bool IsSame(const SoundInfo& one, const SoundInfo& other)
 
 int RankOf(const SoundInfo& device)
 {
-    // A driver's own devices can have any hardware id; the instance id tells the bus.
+    // A driver's own devices can have any hardware id; the instance id has the bus.
     const std::wstring bus = DeviceID(device.instanceId).Bus();
     if (std::ranges::count(SoftwareBuses, bus) > 0)
         return 6;
