@@ -4,9 +4,9 @@
 
 namespace kel {
 
-/// Runs an operation of a probe. What it throws is logged as one error line and ends here, so that the
-/// detector keeps what its other sources say.
-/// @return whether the operation came to its end
+/// Runs an operation of a probe. An exception is logged as one error line and ends here, so that the detector
+/// keeps the facts of its other sources.
+/// @return whether the operation completed
 template <typename Body>
 bool Attempt(const wchar_t* errorLine, Body body) noexcept
 {

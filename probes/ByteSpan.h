@@ -1,4 +1,4 @@
-// Numbers and texts in bytes that come from outside; whatever lies beyond the bytes is absent.
+// Numbers and texts in bytes that come from outside. Reading past the end gives nothing.
 #pragma once
 
 #include <cstddef>
@@ -9,16 +9,16 @@
 
 namespace kel {
 
-/// What a device answered.
+/// A device's answer.
 using Bytes = std::span<const std::byte>;
 
-/// A number of so many bytes, the lowest first; nothing when it is not all there.
+/// A little-endian number of the given size in bytes; nullopt when the bytes end before it does.
 std::optional<std::uint64_t> ReadLittleEndian(Bytes bytes, std::size_t offset, std::size_t size);
 
-/// The same with the highest first.
+/// The same, big-endian.
 std::optional<std::uint64_t> ReadBigEndian(Bytes bytes, std::size_t offset, std::size_t size);
 
-/// Printable ASCII from an offset to the first byte that is none, or to the end, without blanks around it.
+/// The printable ASCII from an offset to the first other byte or the end, without blanks around it.
 std::wstring ReadAscii(Bytes bytes, std::size_t offset);
 
 }  // namespace kel

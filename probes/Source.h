@@ -5,8 +5,8 @@
 
 namespace kel {
 
-/// Base of the probes: each reads one information service of the system for all detectors, and there is one
-/// of each kind in the process, made on first use.
+/// Base of the probes. Each reads one information service of the system for all detectors; there is one of
+/// each kind in the process, created on first use.
 class Source : boost::noncopyable {
 public:
     virtual ~Source() = default;

@@ -1,4 +1,4 @@
-// The one place that looks into a VARIANT of WMI.
+// Conversions of WMI's VARIANTs. No other file looks into one.
 #pragma once
 
 #include <windows.h>

@@ -101,7 +101,8 @@ bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
 {
     registers = {};
     const bool isExtended = (leaf & ExtendedLeaf) != 0;
-    // Kept as it is: of an extended leaf the low byte alone is compared, and so none is refused.
+    // Only the low byte of an extended leaf is compared, so no extended leaf is refused. Kept: the service
+    // knows the values that this gives.
     if (isExtended ? (leaf & 0xFF) > maxExtendedLeaf : leaf > maxStandardLeaf)
         return false;
     registers = leaves(leaf);

@@ -13,7 +13,7 @@ namespace kel {
 /// EAX, EBX, ECX and EDX.
 using CpuRegisters = std::array<std::uint32_t, 4>;
 
-/// What leaf 1 says of the processor, decoded.
+/// The processor signature of leaf 1, decoded.
 struct CpuSignature {
     unsigned family = 0;
     unsigned model = 0;
@@ -39,14 +39,14 @@ public:
     bool GetCpuInfo(CpuInfo& info);
 
     /// Reads a leaf.
-    /// @return false, with the registers cleared, for a leaf above the highest standard one. Of an extended
-    /// leaf only the low byte is compared with the highest, so that none is refused where there are extended
-    /// leaves.
+    /// @return false, with the registers cleared, for a leaf above the highest standard one. Only the low
+    /// byte of an extended leaf is compared with the highest, so that no extended leaf is refused where there
+    /// are some.
     bool Execute(std::uint32_t leaf, CpuRegisters& registers);
 
     /// The 12 characters of leaf 0; empty when it cannot be read.
     std::wstring GetVendorString();
-    /// The maker's usual name for a vendor string in any case; empty when it is not known.
+    /// The vendor's usual name for a vendor string in any case; empty for an unknown one.
     static std::wstring GetVendor(const std::wstring& vendorString);
     static bool IsIntel(const std::wstring& vendorString);
     static bool IsAmd(const std::wstring& vendorString);

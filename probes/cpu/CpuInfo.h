@@ -6,7 +6,7 @@
 
 namespace kel {
 
-/// What one source says about the processor. A text is empty and a flag false when the source does not know.
+/// One source's facts about the processor. Unknown texts are empty, unknown flags false.
 struct CpuInfo {
     std::wstring processorCount;  ///< logical processors, decimal
     bool multiProcessor = false;  ///< more than one logical processor

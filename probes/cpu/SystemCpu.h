@@ -1,4 +1,4 @@
-// What the operating system says about the processors.
+// The operating system's facts about the processors.
 #pragma once
 
 #include <windows.h>
@@ -11,7 +11,7 @@ namespace kel {
 /// second.
 bool GetSystemCpuInfo(CpuInfo& info);
 
-/// The same of given figures; a fraction of a MHz is cut off.
+/// The same from given figures; a fraction of a MHz is dropped.
 CpuInfo DescribeProcessors(DWORD count, float megahertz);
 
 /// The rate of the time-stamp counter in MHz, measured against `QueryPerformanceCounter` for one second; 0

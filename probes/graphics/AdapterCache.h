@@ -6,9 +6,9 @@
 
 namespace kel {
 
-/// Appends what Windows noted of the graphics adapters (the keys below HKLM `SOFTWARE\Microsoft\DirectX`):
-/// key, id, name, memory, driver version and level. The notes of adapters that are gone stay there, and their
-/// keys may be another's by now.
+/// Appends what Windows has cached about the graphics adapters (the keys below HKLM
+/// `SOFTWARE\Microsoft\DirectX`): key, id, name, memory, driver version and level. Entries of adapters that
+/// are gone stay in the cache, and another adapter may have their key since.
 void ReadAdapterCache(std::vector<GpuInfo>& adapters);
 
 }  // namespace kel

@@ -1,4 +1,4 @@
-// What the graphics interfaces tell of an adapter in numbers.
+// Numbers by which the graphics interfaces describe an adapter.
 #pragma once
 
 #include <windows.h>
@@ -14,7 +14,7 @@ namespace kel {
 std::wstring LuidText(std::uint64_t luid);
 std::wstring LuidText(LUID luid);
 
-/// A driver's version from its four numbers of 16 bits, the first one highest; nothing for all zeros or all
+/// A driver's version from four 16-bit numbers, the first in the highest bits; nullopt for all zeros or all
 /// ones.
 std::optional<Version> DriverVersion(std::uint64_t numbers);
 

@@ -55,7 +55,7 @@ DeviceID ReadId(IDxDiagContainer& device)
         DeviceID::FromNumbers(Number(device, L"szVendorId"), Number(device, L"szDeviceId"),
                               Number(device, L"szSubSysId"), Number(device, L"szRevisionId"))
             .ToString();
-    // A revision of 0 is one; that which is missing is unknown.
+    // Revision 0 is a valid one; a missing revision is unknown.
     return DeviceID(Text(device, L"szRevisionId").empty() ? id.substr(0, id.find(L"&REV_")) : id);
 }
 
@@ -72,7 +72,7 @@ GpuInfo Read(IDxDiagContainer& device)
     GpuInfo info;
     info.description = Name(Text(device, L"szDescription"));
     info.deviceId = ReadId(device);
-    // What old systems tell in place of it has the shared memory in it, where there is some.
+    // Old systems have this property instead; it includes the shared memory.
     info.videoMemory = Memory(device, Has(device, L"szDedicatedMemoryEnglish") ? L"szDedicatedMemoryEnglish"
                                                                                : L"szDisplayMemoryEnglish");
     info.driverVersion = KnownVersion(Text(device, L"szDriverVersion"));
@@ -95,7 +95,7 @@ DXDiag::DXDiag(GraphicsFunctions newFunctions) : functions(std::move(newFunction
 void DXDiag::GetGpuInfo(std::vector<GpuInfo>& adapters) const
 {
     CallDriver(L"DxDiag", L"", LogWarning, [&]() -> HRESULT {
-        // Not by COM's registration, which a user's own may stand before.
+        // Not through COM's registration, which a registration of the user's can override.
         ComPtr<IClassFactory> factory;
         ComPtr<IDxDiagProvider> provider;
         Container root;

@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// What DxDiag's provider ("dxdiagn.dll") says of the display devices. It takes half a second, loads each
+/// Reads the display devices from DxDiag's provider ("dxdiagn.dll"). It takes half a second, loads each
 /// driver and leaves a thread behind.
 class DXDiag : public Source {
 public:
@@ -16,8 +16,8 @@ public:
 
     explicit DXDiag(GraphicsFunctions newFunctions = GraphicsFunctions::OfSystem());
 
-    /// Appends a record for each display device, of which an adapter has one for each monitor: name, id,
-    /// memory, driver version, driver model, chip type and DAC type.
+    /// Appends a record for each display device (an adapter has one for each monitor): name, id, memory,
+    /// driver version, driver model, chip type and DAC type.
     void GetGpuInfo(std::vector<GpuInfo>& adapters) const;
 
 private:

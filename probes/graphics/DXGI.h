@@ -10,7 +10,7 @@
 
 namespace kel {
 
-/// Lists the graphics adapters by DXGI ("dxgi.dll"). It makes no device.
+/// Lists the graphics adapters by DXGI ("dxgi.dll"), without creating a device.
 class DXGI : public Source {
 public:
     /// An adapter, and the interface through which Direct3D is asked for it.
@@ -28,7 +28,7 @@ public:
     std::vector<Adapter> ListAdapters() const;
 
     /// The driver's version (`IDXGIAdapter::CheckInterfaceSupport`), for which the driver may be loaded;
-    /// nothing when it does not tell.
+    /// nullopt when the call fails.
     static std::optional<Version> GetDriverVersion(const Adapter& adapter);
 
 private:

@@ -8,10 +8,10 @@
 
 namespace kel {
 
-/// What the probes of Direct3D's versions share.
+/// Common base of the probes of the Direct3D versions.
 class Direct3DSource : public Source {
 public:
-    /// Whether the system's folder has the version's library. Nothing is loaded for it.
+    /// Whether the system's folder has the version's library. The library is not loaded.
     bool IsThere() const { return functions.hasLibrary(library); }
 
 protected:

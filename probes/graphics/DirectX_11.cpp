@@ -14,7 +14,7 @@ constexpr D3D_FEATURE_LEVEL Levels[] = {
     D3D_FEATURE_LEVEL_11_0, D3D_FEATURE_LEVEL_10_1, D3D_FEATURE_LEVEL_10_0,
     D3D_FEATURE_LEVEL_9_3,  D3D_FEATURE_LEVEL_9_2,  D3D_FEATURE_LEVEL_9_1,
 };
-/// Where the lists of older runtimes begin: a runtime refuses a list with a level that it does not know.
+/// The first level of each list to try: older runtimes refuse a list that has a level unknown to them.
 constexpr std::size_t Starts[] = {0, 2, 3};
 
 }  // namespace

@@ -14,7 +14,8 @@ public:
 
     explicit DirectX_11(GraphicsFunctions newFunctions = GraphicsFunctions::OfSystem());
 
-    /// The D3D_FEATURE_LEVEL, up to 12.1, that `D3D11CreateDevice` tells without making a device; 0 for none.
+    /// The D3D_FEATURE_LEVEL, up to 12.1, that `D3D11CreateDevice` reports without creating a device; 0 for
+    /// none.
     /// @param name the adapter's, for the log
     std::uint32_t GetFeatureLevel(IDXGIAdapter* adapter, const std::wstring& name) const;
 };

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const wchar_t* Create = L"D3D12CreateDevice";
 constexpr auto LowestLevel = D3D_FEATURE_LEVEL_11_0;
-/// Some platforms' headers end before the last of them.
+/// By number: some platforms' headers lack the newest ones.
 constexpr std::uint32_t FurtherLevels[] = {0xb100, 0xc000, 0xc100, 0xc200};
 constexpr std::uint32_t HighestModel = 0x69;
 constexpr std::uint32_t LowestModel = 0x51;

@@ -14,14 +14,14 @@ public:
 
     explicit DirectX_12(GraphicsFunctions newFunctions = GraphicsFunctions::OfSystem());
 
-    /// The highest D3D_FEATURE_LEVEL of at least 11.0 that `D3D12CreateDevice` takes without making a device;
-    /// 0 when the adapter has no Direct3D 12.
+    /// The highest D3D_FEATURE_LEVEL of at least 11.0 that `D3D12CreateDevice` accepts without creating a
+    /// device; 0 when the adapter does not support Direct3D 12.
     /// @param name the adapter's, for the log
-    /// @param known a level that the adapter is known to have; what is below is not asked
+    /// @param known a level that the adapter is known to have; lower ones are not tried
     std::uint32_t GetFeatureLevel(IUnknown* adapter, const std::wstring& name, std::uint32_t known) const;
 
-    /// The highest D3D_SHADER_MODEL (0x66 is 6.6) that a device tells (`ID3D12Device::CheckFeatureSupport`);
-    /// the device is made for it and goes at once. 0 when it is unknown.
+    /// The highest D3D_SHADER_MODEL (0x66 is 6.6) of a device (`ID3D12Device::CheckFeatureSupport`), which is
+    /// created for the call and released at once. 0 when it is unknown.
     std::uint32_t GetShaderModel(IUnknown* adapter, const std::wstring& name) const;
 };
 

@@ -4,7 +4,7 @@
 
 namespace kel {
 
-/// Direct3D 8. 64-bit Windows has it no more, so it is asked for nothing but whether it is there.
+/// Direct3D 8. Absent from 64-bit Windows; only its presence is checked.
 class DirectX_8 : public Direct3DSource {
 public:
     static DirectX_8& Instance();

@@ -7,15 +7,15 @@
 
 namespace kel {
 
-/// Direct3D 9 ("d3d9.dll"): lists the adapters with what their drivers say of themselves, without a device.
+/// Direct3D 9 ("d3d9.dll"): lists the adapters with the drivers' own facts, without creating a device.
 class DirectX_9 : public Direct3DSource {
 public:
     static DirectX_9& Instance();
 
     explicit DirectX_9(GraphicsFunctions newFunctions = GraphicsFunctions::OfSystem());
 
-    /// Appends the adapters, at most 16, each once however many monitors it drives: name, id, driver version
-    /// (`IDirect3D9Ex::GetAdapterIdentifier`), and the level and the model of its shaders (`GetDeviceCaps`).
+    /// Appends at most 16 adapters, each once however many monitors it drives: name, id, driver version
+    /// (`IDirect3D9Ex::GetAdapterIdentifier`), feature level and shader model (`GetDeviceCaps`).
     void GetGpuInfo(std::vector<GpuInfo>& adapters) const;
 };
 

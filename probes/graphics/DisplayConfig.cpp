@@ -15,7 +15,7 @@ namespace {
 constexpr int QueryAttempts = 5;
 constexpr DWORD LargestCount = 64;
 
-/// A source is known by its adapter and its number there.
+/// A source is identified by its adapter and its number on that adapter.
 bool IsSameSource(const DISPLAYCONFIG_PATH_SOURCE_INFO& one, const DISPLAYCONFIG_PATH_SOURCE_INFO& other)
 {
     return one.adapterId.LowPart == other.adapterId.LowPart &&
@@ -51,7 +51,7 @@ Request RequestFor(DISPLAYCONFIG_DEVICE_INFO_TYPE type, const DISPLAYCONFIG_PATH
     return request;
 }
 
-/// What a display's monitors share with it.
+/// A monitor's facts that are the display's.
 void Show(const DisplayInfo& display, MonitorInfo& monitor)
 {
     monitor.currentResolution = display.resolution;
@@ -89,7 +89,7 @@ bool DisplayConfig::Query(std::vector<DISPLAYCONFIG_PATH_INFO>& paths,
 {
     constexpr UINT32 Flags = QDC_ONLY_ACTIVE_PATHS;
     LONG result = ERROR_INSUFFICIENT_BUFFER;
-    // A monitor may be plugged in between two calls; that will not go on for ever.
+    // The size may change between two calls, as a monitor is plugged in; a few attempts are enough.
     for (int attempt = 0; attempt < QueryAttempts && result == ERROR_INSUFFICIENT_BUFFER; ++attempt) {
         UINT32 pathCount = 0;
         UINT32 modeCount = 0;
@@ -193,7 +193,7 @@ DisplayInfo DisplayConfig::ReadSettings(const wchar_t* device) const
     display.resolution = Resolution(mode.dmPelsWidth, mode.dmPelsHeight);
     if (mode.dmBitsPerPel != 0)
         display.bitsPerPixel = Count(mode.dmBitsPerPel);
-    if (mode.dmDisplayFrequency > 1)  // 1 is the adapter's default, whatever that is
+    if (mode.dmDisplayFrequency > 1)  // 0 and 1 stand for the adapter's default
         display.refreshRate = Count(mode.dmDisplayFrequency);
     return display;
 }

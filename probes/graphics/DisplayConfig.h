@@ -11,16 +11,16 @@
 
 namespace kel {
 
-/// A picture that Windows shows, on one monitor or, the same picture, on several.
+/// A picture that Windows shows on one monitor, or duplicated on several.
 struct DisplayInfo {
     bool isPrimary = false;
-    POINT position = {};  ///< of its upper left corner on the desktop; known as the resolution is
+    POINT position = {};  ///< of its upper left corner on the desktop; known when the resolution is
     Resolution resolution;
     std::optional<Count> bitsPerPixel;
     std::optional<Count> refreshRate;  ///< a second
 };
 
-/// What one source lists.
+/// One source's list.
 struct DisplayList {
     const wchar_t* source = L"";  ///< its name for the log
     std::vector<DisplayInfo> displays;
@@ -38,7 +38,7 @@ public:
     /// `EnumDisplaySettingsExW`, `EnumDisplayMonitors`.
     DisplayList List() const;
 
-    /// What `EnumDisplayDevicesW` tells, whoever else lists the displays.
+    /// The list of `EnumDisplayDevicesW`, even when another source lists displays.
     DisplayList ListDevices() const;
 
     /// Whether the session is remote (`GetSystemMetrics`): its displays are the client's.

@@ -8,7 +8,7 @@ namespace {
 
 using SetAwareness = HANDLE WINAPI(HANDLE);
 
-/// Has the system tell this thread physical pixels, as long as it lives.
+/// While it exists, the system reports physical pixels to this thread.
 class PhysicalPixels {
 public:
     PhysicalPixels()

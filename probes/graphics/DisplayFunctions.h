@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// The functions that tell of displays; a test puts its own in their place.
+/// The system's functions for displays; a test replaces them.
 struct DisplayFunctions {
     boost::function<LONG(UINT32, UINT32*, UINT32*)> getDisplayConfigBufferSizes;
     boost::function<decltype(QueryDisplayConfig)> queryDisplayConfig;
@@ -17,8 +17,8 @@ struct DisplayFunctions {
     boost::function<std::vector<MONITORINFO>()> listMonitors;                     ///< EnumDisplayMonitors
     boost::function<int(int)> getSystemMetrics;
 
-    /// The system's own. The rectangles of monitors are in physical pixels; empty where the system would
-    /// scale them for this process and cannot be told not to.
+    /// The system's own. The rectangles of monitors are in physical pixels; empty where the system scales
+    /// them for this process and offers no way to switch that off.
     static DisplayFunctions OfSystem();
 };
 

@@ -1,4 +1,4 @@
-// How the numbers of a display's configuration are read.
+// Conversions of the numbers of a display's configuration.
 #pragma once
 
 #include <windows.h>
@@ -9,16 +9,16 @@
 
 namespace kel {
 
-/// Refreshes a second, rounded to the nearest: 59.94 is 60. Nothing for 0, and for a fraction of nothing.
+/// The refresh rate in Hz, rounded: 59.94 is 60. Nullopt for 0 and for a zero denominator.
 std::optional<Count> RefreshRate(DISPLAYCONFIG_RATIONAL rate);
 
-/// Nothing for a format that is not the desktop's.
+/// Bits per pixel. Nullopt for a format that no desktop has.
 std::optional<Count> BitsPerPixel(DISPLAYCONFIG_PIXELFORMAT format);
 
-/// Such as "HDMI", or "internal" for all that are built in; empty when it is unknown.
+/// The name of a connector such as "HDMI"; "internal" for built-in monitors, empty for an unknown connector.
 const wchar_t* ConnectorName(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY technology);
 
-/// Whether the monitor is built into the machine; nothing when the connector is unknown.
+/// Whether the monitor is built into the machine; nullopt for an unknown connector.
 std::optional<bool> IsBuiltIn(DISPLAYCONFIG_VIDEO_OUTPUT_TECHNOLOGY technology);
 
 }  // namespace kel

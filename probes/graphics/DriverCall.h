@@ -9,9 +9,9 @@
 
 namespace kel {
 
-/// Makes a call that may run a graphics driver in this process. The line before it stands in the log when the
-/// driver takes the host down; a call that fails or throws has a line after it, and the caller goes on.
-/// @param failureLevel the level of the line after a failure: LogTrace where a failure is an answer
+/// Makes a call that may run a graphics driver in this process. The log has a line before the call, for the
+/// case that the driver crashes the host, and one after a call that fails or throws; the caller goes on.
+/// @param failureLevel the level of the line after a failure: LogTrace where a failure is a normal answer
 /// @return the call's result; E_FAIL when it threw
 template <typename Call>
 HRESULT CallDriver(const std::wstring& function, const std::wstring& adapter, LogLevel failureLevel,

@@ -34,7 +34,7 @@ struct Extent {
     bool operator==(const Extent&) const = default;
 };
 
-/// What some monitors give instead of their size: the ratio of the edges.
+/// Sizes that are an aspect ratio, as some monitors give instead.
 constexpr Extent Ratios[] = {{1600, 900}, {1600, 1000}, {160, 90}, {160, 100}};
 
 /// A number of 12 bits, the highest four of which are in a half of another byte.
@@ -59,7 +59,7 @@ Descriptor DescriptorAt(Block block, std::size_t place)
     return Descriptor(block.data() + FirstDescriptor + place * DescriptorSize, DescriptorSize);
 }
 
-/// `DISPLAY\DEL40A5`: the maker's three letters of five bits, and the product.
+/// `DISPLAY\DEL40A5`: the vendor's three letters of five bits each, and the product.
 DeviceID ReadId(Block block)
 {
     const unsigned letters = static_cast<unsigned>(block[8] << 8 | block[9]);
@@ -83,8 +83,7 @@ std::wstring ReadName(Block block)
     return {};
 }
 
-/// The size in bytes 21 and 22, in centimetres. Where one is 0 the other is a ratio, or both are of a
-/// projector.
+/// The size in bytes 21 and 22, in centimetres. Where one is 0 the other is a ratio; a projector has both 0.
 Extent ReadRoughSize(Block block)
 {
     return block[21] != 0 && block[22] != 0 ? Extent{block[21] * 10, block[22] * 10} : Extent();
@@ -108,7 +107,7 @@ void ReadMode(Block block, MonitorInfo& monitor)
         const Descriptor mode = DescriptorAt(block, place);
         if (mode[0] == 0 && mode[1] == 0)
             continue;
-        const bool isInterlaced = (mode[17] & 0x80) != 0;  // its lines are those of half a picture
+        const bool isInterlaced = (mode[17] & 0x80) != 0;  // then the lines are those of half a frame
         const int lines = Joined(mode[5], mode[7] >> 4);
         monitor.nativeResolution = Resolution(static_cast<unsigned>(Joined(mode[2], mode[4] >> 4)),
                                               static_cast<unsigned>(isInterlaced ? 2 * lines : lines));
@@ -153,7 +152,7 @@ std::optional<MonitorInfo> ReadMonitorEdid(const std::wstring& instance)
             continue;
         if (std::optional<MonitorInfo> monitor = ReadEdid(value->bytes))
             return monitor;
-        WriteLog(LogWarning, L"The EDID of a monitor is wrong: ", DeviceID(instance).ToString());
+        WriteLog(LogWarning, L"A monitor's EDID is not valid: ", DeviceID(instance).ToString());
     }
     return {};
 }

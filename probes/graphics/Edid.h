@@ -1,4 +1,4 @@
-// What a monitor says of itself, in the bytes that it gives to the graphics adapter (VESA's EDID).
+// A monitor's description of itself, in the bytes that it sends to the graphics adapter (VESA's EDID).
 #pragma once
 
 #include <windows.h>
@@ -10,13 +10,13 @@
 
 namespace kel {
 
-/// Reads name, id, native resolution, size and year from an EDID, of which the first 128 bytes are enough.
-/// The bytes are whatever the other end of a cable sends; serial numbers among them are not read.
-/// @return nothing when the bytes are too few, or their header or checksum is wrong
+/// Reads name, id, native resolution, size and year from the first 128 bytes of an EDID. The bytes are
+/// untrusted: they come from the other end of a cable. Serial numbers are not read.
+/// @return nullopt when there are too few bytes, or their header or checksum is wrong
 std::optional<MonitorInfo> ReadEdid(std::span<const BYTE> bytes);
 
-/// The same of a monitor by its instance id, from the registry; an override that an administrator or driver
-/// put there comes first. One that is wrong is told by a warning in the log.
+/// The same for a monitor's instance id, from the registry; an override by an administrator or a driver comes
+/// first. An invalid EDID is a warning in the log.
 std::optional<MonitorInfo> ReadMonitorEdid(const std::wstring& instance);
 
 }  // namespace kel

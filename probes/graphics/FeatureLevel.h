@@ -1,4 +1,4 @@
-// The levels of Direct3D's features and shaders as versions.
+// Direct3D's feature levels and shader models as versions.
 #pragma once
 
 #include <windows.h>
@@ -10,17 +10,17 @@
 
 namespace kel {
 
-/// A D3D_FEATURE_LEVEL, such as 0xc100, as "12.1"; nothing for a number that is none, 0 before all.
+/// A D3D_FEATURE_LEVEL such as 0xc100 as "12.1"; nullopt for anything else, including 0.
 std::optional<Version> LevelVersion(std::uint32_t level);
 
-/// The level that an adapter has whose pixel shaders are told by Direct3D 9 (D3DCAPS9's PixelShaderVersion);
-/// 0 when they are too old for any.
+/// The feature level for a pixel shader version of Direct3D 9 (D3DCAPS9's PixelShaderVersion); 0 when it is
+/// too old for any level.
 std::uint32_t LevelOfPixelShaders(DWORD pixelShaderVersion);
 
-/// The shader model that a level promises at least; nothing for no level.
+/// The shader model that a feature level guarantees; nullopt without a level.
 std::optional<Version> ShaderModelOfLevel(const std::optional<Version>& level);
 
-/// A shader model, such as 0x51, as "5.1"; nothing for 0.
+/// A shader model such as 0x51 as "5.1"; nullopt for 0.
 std::optional<Version> ShaderModelVersion(std::uint32_t model);
 
 }  // namespace kel

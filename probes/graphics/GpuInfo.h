@@ -10,15 +10,15 @@
 
 namespace kel {
 
-/// What one source says about a graphics adapter; an empty text or option is unknown.
+/// One source's facts about a graphics adapter; an empty text or option is unknown.
 struct GpuInfo {
-    std::wstring luid;  ///< by which the graphics interfaces know it until the next start, hexadecimal
+    std::wstring luid;  ///< the graphics interfaces' key until the next start of Windows, hexadecimal
     Name description;
     DeviceID deviceId;
     std::optional<Size> videoMemory;  ///< the adapter's own; never 0
     std::optional<Size> sharedMemory;
     std::optional<Version> driverVersion;
-    std::optional<Version> vendorVersion;  ///< as the maker counts its drivers
+    std::optional<Version> vendorVersion;  ///< the vendor's own version of its driver
     std::optional<Version> driverModel;    ///< of Windows, such as 3.1
     std::optional<Version> featureLevel;   ///< of Direct3D, such as 12.1
     std::optional<Version> shaderModel;
@@ -31,7 +31,7 @@ struct GpuInfo {
     Name dacType;
     Name driverDescription;
     bool hasDirect3D = false;  ///< a graphics interface lists it
-    bool isSoftware = false;   ///< a graphics interface says that it draws by the processor, or far away
+    bool isSoftware = false;   ///< a graphics interface says that it is a software or a remote one
 };
 
 /// An amount of memory as a source gives it; 0 is unknown.

@@ -18,7 +18,7 @@ Function* FindKept(const wchar_t* library, const char* name)
     return module != nullptr ? FindFunction<Function>(module, name) : nullptr;
 }
 
-/// Looks the function up when it is called, so that a library that nobody asks is not loaded.
+/// Looks the function up when it is called, so that a library that is not needed is not loaded.
 template <typename... Arguments>
 boost::function<HRESULT(Arguments...)> Late(const wchar_t* library, const char* name)
 {
@@ -36,7 +36,7 @@ boost::function<HRESULT(Arguments...)> Late(const wchar_t* library, const char* 
     return Late<Arguments...>(library, name);
 }
 
-// The display driver interface, which the kernel's own library offers without any header of the platform's.
+// The display driver interface in "gdi32.dll", which the platform's headers do not declare.
 struct OpenAdapter {
     LUID luid;
     UINT adapter;
@@ -51,7 +51,7 @@ static_assert(sizeof(OpenAdapter) == 12 && sizeof(QueryAdapter) == 24);
 constexpr UINT DriverModelQuery = 13;  // KMTQAITYPE_DRIVERVERSION
 constexpr const wchar_t* Kernel = L"gdi32.dll";
 
-/// Asks the kernel for the version of the driver's model; no driver is loaded for it.
+/// Asks the kernel for the version of the driver's model, without loading a driver.
 UINT GetDriverModel(LUID luid)
 {
     using Open = LONG WINAPI(OpenAdapter*);

@@ -12,7 +12,7 @@
 
 namespace kel {
 
-/// The entry points of the graphics libraries; a test puts its own in their place.
+/// The entry points of the graphics libraries; a test replaces them.
 struct GraphicsFunctions {
     boost::function<HRESULT(REFIID, void**)> createDxgiFactory;      ///< CreateDXGIFactory1
     boost::function<HRESULT(UINT, IDirect3D9Ex**)> createDirect3D9;  ///< Direct3DCreate9Ex

@@ -12,14 +12,14 @@
 
 namespace kel {
 
-/// Of what kind a network connection is; the numbers are the analysis service's.
+/// The kind of a network connection; the numbers are the analysis service's.
 enum class MediaKind : DWORD { Unknown = 0, Lan = 1, Wireless = 256 };
 
 /// The kinds as they are stored.
 inline constexpr const wchar_t* Wired = L"wired";
 inline constexpr const wchar_t* Wireless = L"wireless";
 
-/// What one source says about a network adapter; an empty text is unknown.
+/// One source's facts about a network adapter; an empty text is unknown.
 struct NetworkInfo {
     Name name;
     DeviceID deviceId;
@@ -28,13 +28,13 @@ struct NetworkInfo {
     std::wstring instanceId;  ///< of the network configuration, a GUID in braces, in upper case
     Name mediaSubType;        ///< decimal
     MediaKind mediaKind = MediaKind::Unknown;
-    Name kind;                ///< empty also when it is another one, such as Bluetooth
-    std::wstring enumerator;  ///< what lists the device, such as "PCI"
+    Name kind;                ///< empty when unknown, and for other kinds such as Bluetooth
+    std::wstring enumerator;  ///< the bus or driver that lists the device, such as "PCI"
     std::optional<bool> isHardware;
     std::optional<bool> hasConnector;
     std::optional<bool> isConnected;
     std::optional<Bandwidth> linkSpeed;
-    bool isDefaultRoute = false;  ///< what goes to the world goes through it
+    bool isDefaultRoute = false;  ///< traffic to the Internet goes through it
 
     /// Sets the number and the text of the kind.
     void SetKind(MediaKind newKind)

@@ -21,11 +21,11 @@ namespace {
 
 constexpr ULONG WithoutLists = GAA_FLAG_SKIP_UNICAST | GAA_FLAG_SKIP_ANYCAST | GAA_FLAG_SKIP_MULTICAST |
                                GAA_FLAG_SKIP_DNS_SERVER | GAA_FLAG_SKIP_FRIENDLY_NAME;
-constexpr ULONG FirstSize = 15000;  // bytes, as the system's makers advise
-/// Adapters that come between two calls need more room; more often than this they do not come.
+constexpr ULONG FirstSize = 15000;  // bytes, as the system's documentation recommends
+/// The size may grow between two calls as adapters appear; this many attempts are enough.
 constexpr int MostTries = 5;
 
-/// Types of interfaces, as the numbers of the Internet's registry have them.
+/// Types of interfaces, by IANA's numbers.
 constexpr IFTYPE GsmBroadband = 243;
 constexpr IFTYPE CdmaBroadband = 244;
 
@@ -38,7 +38,7 @@ MediaKind KindOf(IFTYPE type, NDIS_PHYSICAL_MEDIUM medium)
         case NdisPhysicalMediumNative802_11:
         case NdisPhysicalMediumWirelessWan:
             return MediaKind::Wireless;
-        case NdisPhysicalMediumBluetooth:  // which says that it is an Ethernet
+        case NdisPhysicalMediumBluetooth:  // its interface type is Ethernet's
             return MediaKind::Unknown;
         default:
             break;
@@ -55,8 +55,8 @@ MediaKind KindOf(IFTYPE type, NDIS_PHYSICAL_MEDIUM medium)
     }
 }
 
-/// Zero and all ones, in whatever width, stand for a speed that the driver does not know. The others count in
-/// steps of 1000, and the value in steps of 1024; the text gives it the number that people know.
+/// Zero and all ones, of either width, stand for an unknown speed. Drivers count in steps of 1000 and the
+/// value in steps of 1024; the conversion through text keeps the number that people know.
 std::optional<Bandwidth> SpeedOf(ULONG64 bitsPerSecond)
 {
     if ((bitsPerSecond & (bitsPerSecond + 1)) == 0)
@@ -136,7 +136,7 @@ std::optional<DWORD> FindDefaultRoute(const NetworkFunctions& functions)
     std::optional<DWORD> found;
     if (!functions.getBestInterface)
         return found;
-    Attempt(L"Error in search of the default route.", [&] {
+    Attempt(L"Error while looking for the default route.", [&] {
         sockaddr_in address{};
         address.sin_family = AF_INET;
         address.sin_addr.S_un.S_un_b = {192, 0, 2, 1};
@@ -182,7 +182,7 @@ std::vector<NetworkInfo> ReadAdapterAddresses(const NetworkFunctions& functions,
     if (!functions.getAddresses)
         return adapters;
     Attempt(L"Error in reading the adapters' addresses.", [&] {
-        std::vector<IP_ADAPTER_ADDRESSES> buffer;  // of so many for their alignment
+        std::vector<IP_ADAPTER_ADDRESSES> buffer;  // of this type for its alignment
         ULONG size = FirstSize;
         ULONG error = ERROR_BUFFER_OVERFLOW;
         for (int tries = 0; tries < MostTries && error == ERROR_BUFFER_OVERFLOW; ++tries) {

@@ -16,8 +16,7 @@
 
 namespace kel {
 
-/// The functions of "iphlpapi.dll" that tell of the network's interfaces; each may be missing. A test puts
-/// its own in their place.
+/// The functions of "iphlpapi.dll" for network interfaces; each may be missing. A test replaces them.
 struct NetworkFunctions {
     boost::function<DWORD(MIB_IF_TABLE2**)> getTable;  ///< GetIfTable2
     boost::function<void(void*)> freeTable;            ///< FreeMibTable
@@ -29,12 +28,12 @@ struct NetworkFunctions {
     static NetworkFunctions OfSystem();
 };
 
-/// The number of the interface through which the world is reached; nothing when none is. It is asked for by
-/// an address of the ranges for documentation, to which nothing is sent.
+/// The number of the interface that has the default route; nullopt without one. The question names an address
+/// of the ranges for documentation, to which nothing is sent.
 std::optional<DWORD> FindDefaultRoute(const NetworkFunctions& functions);
 
-/// Lists the interfaces (`GetIfTable2`), less those of filters, which repeat an adapter's. Addresses are not
-/// read.
+/// Lists the interfaces (`GetIfTable2`) without those of filters, which repeat an adapter's. Addresses are
+/// not read.
 /// @param defaultRoute as FindDefaultRoute gives it
 /// @return none, with a warning in the log, when the system gives no table
 std::vector<NetworkInfo> ReadInterfaceTable(const NetworkFunctions& functions,

@@ -24,8 +24,8 @@ std::vector<std::wstring> Fields(std::wstring_view line)
     return fields;
 }
 
-/// The sections in which a manufacturer's models may stand: the plain name, then the platforms that the line
-/// names, then those that older files leave unnamed.
+/// The sections that may hold a manufacturer's models: the plain name, then the platforms that the line
+/// names, then those that older files do not name.
 std::vector<std::wstring> ModelSections(const std::vector<std::wstring>& manufacturer)
 {
     std::vector<std::wstring> sections = {manufacturer.front()};
@@ -61,7 +61,7 @@ std::wstring InfFile::FindModel(std::wstring_view lowerCaseText,
             wanted.insert(ToLower(id));
     }
     std::wstring found;
-    // Of a model's line, the first field names its installation; the ids follow.
+    // The first field of a model's line names its installation section; the ids follow.
     const auto findId = [&](const std::vector<std::wstring>& model) {
         const auto id = std::find_if(model.begin() + 1, model.end(), [&](const std::wstring& field) {
             return wanted.contains(ToLower(field));
@@ -93,7 +93,7 @@ void InfFile::Walk(const std::wstring& section, Visit visit) const
     } while (entryPoints.findNextLine(&line, &line));
 }
 
-/// Always at least one; empty when the line cannot be read.
+/// At least one field; an empty one when the line cannot be read.
 std::vector<std::wstring> InfFile::Fields(INFCONTEXT& line) const
 {
     DWORD size = 0;

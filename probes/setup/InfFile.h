@@ -25,12 +25,12 @@ public:
     /// Searches the models of all manufacturers for a hardware id of a device that contains a text.
     /// @param lowerCaseText such as "ven_8086&dev_1916"
     /// @param hardwareIds all that the device has, in any case
-    /// @return the first such id, as it stands in the file; empty when there is none
+    /// @return the first such id, as the file has it; empty when there is none
     std::wstring FindModel(std::wstring_view lowerCaseText,
                            const std::vector<std::wstring>& hardwareIds) const;
 
 private:
-    /// Calls a function with the fields of each line of a section, until it answers true.
+    /// Calls a function with the fields of each line of a section, until it returns true.
     template <typename Visit>
     void Walk(const std::wstring& section, Visit visit) const;
 

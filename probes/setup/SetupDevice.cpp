@@ -33,7 +33,7 @@ std::uint64_t NumberOf(const RegistryValue& value)
     return number;
 }
 
-/// Reads a value, and has a function convert it.
+/// Reads a value and converts it with a function.
 /// @param convert takes a RegistryValue; false when it cannot be converted
 template <typename Convert>
 bool ConvertValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert convert)
@@ -70,7 +70,7 @@ bool SetupDevice::ReadProperty(DWORD property, std::wstring& characters) const
             return false;
         }
     }
-    // Twice the size, as some systems report it in characters; the zeros at the end are kept from the call.
+    // Twice the size, as some systems report it in characters; the call never fills the zeros at the end.
     characters.assign(size, L'\0');
     return entryPoints.getDeviceRegistryProperty(
                set, &device, property, nullptr, reinterpret_cast<BYTE*>(characters.data()),
@@ -160,8 +160,7 @@ bool ReadRegistryValue(HKEY key, const wchar_t* subkey, const wchar_t* name, std
             text = std::to_wstring(NumberOf(value));
             return true;
         }
-        // The format for 64-bit numbers has always lacked its conversion letter and written nothing; the
-        // fallbacks that follow an empty text count on it.
+        // A 64-bit number gives an empty text; the fallbacks for an empty text rely on it.
         return IsNumber(value, REG_QWORD, sizeof(DWORD64));
     });
 }

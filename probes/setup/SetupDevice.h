@@ -17,7 +17,7 @@ struct DeviceKeys {
     OwnedKey software;
 };
 
-/// A device of a set that is open: answers its properties and its keys.
+/// A device of an open device set: reads its properties and its keys.
 class SetupDevice {
 public:
     /// @param newEntryPoints must outlive this object, as must the set
@@ -26,7 +26,7 @@ public:
     {
     }
 
-    /// Reads a text property (SPDRP_...), of a list the first text.
+    /// Reads a text property (SPDRP_...), or the first text of a list.
     /// @param text untouched when the property cannot be read
     bool GetDeviceProperty(DWORD property, std::wstring& text) const;
 
@@ -36,10 +36,10 @@ public:
     /// All texts of a list property; none when it cannot be read.
     std::vector<std::wstring> Texts(DWORD property) const;
 
-    /// The friendly name, or the description where there is none.
+    /// The friendly name, or else the description.
     Name DeviceName() const;
 
-    /// What tells the device from all others of the machine, in upper case; empty when it cannot be read.
+    /// The device instance id, unique on the machine, in upper case; empty when it cannot be read.
     std::wstring InstanceId() const;
 
     /// Opens both keys for reading; false, with a warning in the log, unless both are open.
@@ -49,7 +49,7 @@ public:
     Name DriverVersion() const;
 
 private:
-    /// The property's characters, with all zeros that the system gave.
+    /// The property's characters, including the zeros at its end.
     bool ReadProperty(DWORD property, std::wstring& characters) const;
 
     const SetupEntryPoints& entryPoints;

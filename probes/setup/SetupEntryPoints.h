@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// The functions of the Setup API that the control uses, looked up by name at run time; what the library
-/// lacks is null. A test fills a table of its own.
+/// The functions of the Setup API that the control uses, looked up by name at run time; missing ones are
+/// null. A test fills a table of its own.
 struct SetupEntryPoints {
     OwnedLibrary module;
     decltype(&SetupDiGetClassDevsW) getClassDevs = nullptr;
@@ -25,7 +25,7 @@ struct SetupEntryPoints {
     decltype(&SetupDiDestroyDeviceInfoList) destroyDeviceInfoList = nullptr;
 
     /// Loads "setupapi.dll" and fills the table from it.
-    /// @return whether the library could be loaded; when not, GetLastError tells why
+    /// @return whether the library could be loaded; if not, GetLastError has the reason
     static bool Load(SetupEntryPoints& table);
 
     /// Whether every function was found.

@@ -38,7 +38,7 @@ public:
     static SetupLib& Instance();
 
     SetupLib();
-    /// Loads through another function than the system's.
+    /// Loads the entry points with the given function.
     explicit SetupLib(Loader newLoader);
 
     /// Loads the library, once.

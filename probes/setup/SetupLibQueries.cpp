@@ -1,4 +1,4 @@
-// The listings of the Setup API probe: which property and which value fills which field.
+// The listings of the Setup API probe: the properties and values that fill the fields of each record.
 #include "diag/Log.h"
 #include "probes/setup/InfFile.h"
 #include "probes/setup/SetupLib.h"
@@ -25,7 +25,7 @@ constexpr const wchar_t* DriverKeys = L"SYSTEM\\CurrentControlSet\\Control\\Clas
 constexpr const wchar_t* ConnectionKeys =
     L"SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\";
 constexpr const wchar_t* IntelVendor = L"8086";
-/// Of a disk's hardware id, such as the eight characters of "IDE\Disk".
+/// The length of the bus prefix of a disk's hardware id, such as "IDE\Disk".
 constexpr std::size_t BusPrefixLength = 8;
 
 /// A place of a value below a device's keys.
@@ -125,7 +125,7 @@ bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
 
 bool SetupLib::GetNetworkDeviceInfo(std::vector<NetworkInfo>& adapters)
 {
-    // The line names the sound listing; support tools look for it as it is.
+    // The line names the sound listing; support tools search for it.
     return Enumerate(L"GetNetworkDeviceInfo", NetworkAdapters,
                      L"Failed call to GetDeviceSet for GetSoundInfo",
                      [&](const SetupDevice& device) { adapters.push_back(NetworkDevice(device)); });
@@ -207,7 +207,7 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
     const std::wstring id =
         FirstText({{hardware, nullptr, L"MatchingDeviceID"}, {software, nullptr, L"MatchingDeviceID"}});
     WriteLog(LogTrace, L"Got device ID: ", id);
-    // The basic display driver matches any adapter; the device's own id then tells whose it is.
+    // The basic display driver matches any adapter, so the device's own id counts here.
     if (const DeviceID matching(id); !matching.Vendor().empty() || !adapter.deviceId.HasValue())
         adapter.deviceId = matching;
     if (adapter.deviceId.Vendor() == IntelVendor) {
@@ -217,14 +217,14 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
     return adapter;
 }
 
-/// Looks the device up in the INF file of its driver, which may tell it better than the registry does. Only
-/// an id that is the device's own counts: the file lists its relatives as well.
+/// Looks the device up in the INF file of its driver, which may have a more exact id than the registry. Only
+/// an id that the device itself has counts, as the file lists related devices, too.
 DeviceID SetupLib::RefineID(const DeviceID& id, const SetupDevice& device, HKEY software) const
 {
     const std::wstring path = FirstText({{software, nullptr, L"InfPath"}});
     WriteLog(LogTrace, L"Inf Path: ", path);
     if (id.Device().empty())
-        return id;  // any id of the maker's would match
+        return id;  // any id of the vendor would match
     const InfFile inf(entryPoints, path);
     const std::wstring found = inf.FindModel(L"ven_" + ToLower(id.Vendor()) + L"&dev_" + ToLower(id.Device()),
                                              device.Texts(SPDRP_HARDWAREID));

@@ -15,7 +15,7 @@ constexpr const wchar_t* FrameworkKey = L"SOFTWARE\\Microsoft\\NET Framework Set
 constexpr DWORD MostFrameworks = 10000;
 constexpr std::size_t TextSize = 100;  // characters, of a subkey's name and of a version
 
-/// The least release number of each version, as its maker publishes them; newest first.
+/// The lowest release number of each version, as published; newest first.
 constexpr struct {
     DWORD release;
     const wchar_t* version;
@@ -37,8 +37,7 @@ void Walk(std::optional<std::wstring>& current)
     const OwnedKey frameworks = OpenKey(HKEY_LOCAL_MACHINE, FrameworkKey, KEY_READ);
     if (!frameworks)
         return;
-    // A name that is too long is passed over; the bound keeps a key that cannot be enumerated from being
-    // asked for ever.
+    // A name that is too long is skipped; the bound ends the loop for a key that cannot be enumerated.
     for (DWORD index = 0; index < MostFrameworks; ++index) {
         std::array<wchar_t, TextSize> name = {};
         auto size = static_cast<DWORD>(name.size());

@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-/// The beginning of a version record; what follows the fixed part are texts.
+/// The start of a version record; texts follow the fixed part.
 struct VersionRecord {
     WORD length;
     WORD fixedLength;

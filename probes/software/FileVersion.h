@@ -7,10 +7,10 @@
 
 namespace kel {
 
-/// The file's version out of a version record, as "major.minor.build.revision". It stands in the fixed part,
-/// which every language of a program shares.
-/// @param record as GetFileVersionInfoW gives it, or less of it, or anything else
-/// @return empty when the record is cut short, is of another kind, or says 0.0.0.0
+/// The file's version from a version record, as "major.minor.build.revision". It is in the fixed part, which
+/// all languages of a program share.
+/// @param record as GetFileVersionInfoW gives it; truncated and malformed records are allowed
+/// @return empty when the record is truncated, of another kind, or has 0.0.0.0
 std::wstring ReadFixedVersion(std::span<const BYTE> record);
 
 }  // namespace kel

@@ -11,8 +11,8 @@
 
 namespace kel {
 
-/// Files on the machine's own disks. Nothing of a remote, removable or optical drive is asked, and each
-/// file's version is read once. No box is shown in this thread meanwhile.
+/// Files on the machine's own disks. Remote, removable and optical drives are never accessed, and each file's
+/// version is read once. While it exists, the system shows no error boxes in this thread.
 class LocalFiles {
 public:
     /// @param newFunctions must outlive this object
@@ -23,10 +23,10 @@ public:
     /// @param programs paths below the folder, separated by bars; each also counts by its file name alone
     std::wstring FindBelow(std::wstring_view folder, std::wstring_view programs);
 
-    /// The program that a command names, if it is one of the product's by its file name, and is there.
+    /// The program that a command names, if its file name is one of the product's and the file exists.
     std::wstring FindNamed(const std::wstring& command, std::wstring_view programs);
 
-    /// The file's version; empty when it has none or must not be asked.
+    /// The file's version; empty when it has none or must not be read.
     std::wstring ReadVersion(const std::wstring& path);
 
 private:
@@ -34,12 +34,12 @@ private:
     bool IsOnFixedDrive(const std::wstring& path);
 
     const SoftwareFunctions& functions;
-    std::array<UINT, 26> driveTypes{};  // DRIVE_UNKNOWN: not asked yet
+    std::array<UINT, 26> driveTypes{};  // DRIVE_UNKNOWN: not read yet
     std::map<std::wstring, std::wstring> versions;
     ErrorMode quiet;
 };
 
-/// Whether a command names one of a product's programs by its file name, wherever that may be.
+/// Whether a command names one of a product's programs by its file name, in any folder.
 bool NamesProgram(std::wstring_view command, std::wstring_view programs);
 
 }  // namespace kel

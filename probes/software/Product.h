@@ -1,4 +1,4 @@
-// A program as a table describes it, and what was found of it.
+// A program as a table describes it, and an installation that was found.
 #pragma once
 
 #include <span>
@@ -6,7 +6,7 @@
 
 namespace kel {
 
-/// By what a product is looked for.
+/// How a product is looked for.
 enum class FindBy {
     UpgradeCode,   ///< the installer's products of an upgrade code
     UninstallKey,  ///< an entry in the list of installed programs, by its key's name
@@ -15,10 +15,10 @@ enum class FindBy {
               ///< own
     StartMenu,   ///< a browser's entry in the list of Internet clients
     Registered,  ///< a registered application, and what it opens "https" with
-    Key,         ///< a key of the maker's own
-    ValueNames,  ///< a key whose values are named after the versions that are there
+    Key,         ///< a key of the vendor's own
+    ValueNames,  ///< a key whose values are named after the installed versions
     Release,     ///< the .NET Framework's key, with its release number
-    Folder,      ///< a folder that the product has had since ever
+    Folder,      ///< a folder that the product has always had
     Family,      ///< a family of packages
 };
 
@@ -28,35 +28,35 @@ struct Locator {
     /// The code, key, name, folder or family. Names of entries may be patterns that end in "*"; in a key, "*"
     /// stands for all subkeys; folders begin with a variable of the environment.
     const wchar_t* where = L"";
-    /// Of a display name, the publisher, which may be a pattern; of a key, the value that names a folder or a
-    /// file.
+    /// For a display name, the publisher, which may be a pattern; for a key, the value that names a folder or
+    /// a file.
     const wchar_t* value = L"";
-    /// Of a key, the folder of the program: below the one that the value names, or of its own; in the latter
-    /// "*" stands for the version that the key tells, or that one of its values is named after.
+    /// For a key, the folder of the program: relative to the folder that the value names, or an absolute one,
+    /// in which "*" stands for the version in the key or in the name of one of its values.
     const wchar_t* folder = L"";
-    /// Of a key, the values that tell the version where it is not the file's, separated by bars.
+    /// For a key, the values that hold the version where it is not the file's, separated by bars.
     const wchar_t* version = L"";
 };
 
 /// A row of a table. Lists are separated by bars.
 struct Product {
-    unsigned existsId;   ///< under which it is stored whether the product is there; 0 for nowhere
-    unsigned versionId;  ///< and its version; 0 for nowhere
+    unsigned existsId;   ///< the value id of whether the product is there; 0 for none
+    unsigned versionId;  ///< the value id of its version; 0 for none
     const wchar_t* name;
-    const wchar_t* programs;  ///< paths below the folder of an installation; without one there is none
+    const wchar_t* programs;  ///< paths below the folder of an installation; one of them has to exist
     std::span<const Locator> locators;
-    const wchar_t* channels = L"";    ///< folders of what is not the stable product; may be patterns
-    const wchar_t* programIds = L"";  ///< of a browser, how the ids begin that open addresses with it
+    const wchar_t* channels = L"";    ///< folders of previews and other channels; may be patterns
+    const wchar_t* programIds = L"";  ///< for a browser, prefixes of its program ids for web addresses
 };
 
-/// Who told a version; earlier ones are better.
+/// The source of a version; earlier ones are better.
 enum class VersionFrom { File, Installer, Entry };
 
 /// A place where a product is installed.
 struct Installation {
     std::wstring version;  ///< a dotted number; empty when unknown
     VersionFrom from = VersionFrom::File;
-    const wchar_t* source = L"";  ///< what it was found by, for the log
+    const wchar_t* source = L"";  ///< how it was found, for the log
 };
 
 }  // namespace kel

@@ -14,7 +14,7 @@ namespace {
 constexpr const wchar_t* ClassesKey = L"SOFTWARE\\Classes\\";
 constexpr const wchar_t* CommandKey = L"\\shell\\open\\command";
 
-/// Whether a folder of the path is one of a channel's.
+/// Whether the path is in a folder of another channel.
 bool IsOfChannel(const Product& product, std::wstring_view path)
 {
     const auto isChannel = [&product](std::wstring_view folder) {
@@ -77,7 +77,7 @@ std::optional<Installation> ProductFinder::FindNewest(const Product& product)
     std::vector<Installation> found;
     for (const Locator& locator : product.locators)
         Find({product, locator, found});
-    // Of equals the first.
+    // The first of equals.
     const auto best = std::ranges::min_element(found, &IsBetter);
     return best != found.end() ? std::optional(*best) : std::nullopt;
 }
@@ -88,7 +88,7 @@ bool ProductFinder::IsProgramId(const std::wstring& id, const Product& product)
         std::ranges::none_of(SplitList(product.programIds),
                              [&id](std::wstring_view pattern) { return MatchesPattern(id, pattern); }))
         return false;
-    // Channels may share the beginning of their ids with the product; their programs tell them apart.
+    // Channels may share the product's id prefix; they differ by their programs.
     for (const RegistryView& view : UserFirst) {
         const OwnedKey key = OpenView(functions, view, ClassesKey + id + CommandKey);
         const std::wstring command = key ? ReadText(key.get(), nullptr) : std::wstring();
@@ -138,16 +138,16 @@ void ProductFinder::Find(const Search& search)
         search.found[added].source = NameOf(search.locator.by);
 }
 
-void ProductFinder::Add(const Search& search, const std::wstring& path, Installation told)
+void ProductFinder::Add(const Search& search, const std::wstring& path, Installation known)
 {
     if (path.empty() || IsOfChannel(search.product, path))
         return;
-    if (told.from != VersionFrom::File || told.version.empty()) {
+    if (known.from != VersionFrom::File || known.version.empty()) {
         const std::wstring version = files.ReadVersion(path);
         if (!version.empty())
-            told = {version, VersionFrom::File};
+            known = {version, VersionFrom::File};
     }
-    search.found.push_back(told);
+    search.found.push_back(known);
 }
 
 void ProductFinder::AddCommand(const Search& search, const RegistryView& view, const std::wstring& key)

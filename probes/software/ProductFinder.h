@@ -12,8 +12,8 @@
 
 namespace kel {
 
-/// Looks for the products of a table, at the places that the table names and at no others. Keys outlive
-/// programs: where a place names a file, there is no product without it.
+/// Looks for the products of a table, only at the places that the table names. Keys outlive programs: where a
+/// place names a file, the product counts only if the file exists.
 class ProductFinder {
 public:
     /// @param newFunctions must outlive this object, as must the products
@@ -25,8 +25,8 @@ public:
     /// The installation that the first locator finds: the program that the system would start.
     std::optional<Installation> FindFirst(const Product& product);
 
-    /// The installation of the highest version among all that the locators find. Versions that files tell
-    /// come before those of installers, and these before those of entries, which number in ways of their own.
+    /// The installation of the highest version among all that the locators find. Versions of files come
+    /// before those of installers, and these before those of entries, which use schemes of their own.
     std::optional<Installation> FindNewest(const Product& product);
 
     /// Whether a program id, such as the user's choice for a protocol, is the product's and not a channel's.
@@ -36,7 +36,7 @@ public:
     std::wstring ReadFileVersion(const std::wstring& path) { return files.ReadVersion(path); }
 
 private:
-    /// Where a locator's installations go.
+    /// A search and the list that takes its installations.
     struct Search {
         const Product& product;
         const Locator& locator;
@@ -54,8 +54,9 @@ private:
     void FindPackages(const Search& search);
 
     /// Appends the installation of a program file, unless there is none or it is a channel's.
-    /// @param told what else tells a version: of the kind `File` instead of the file, of others without it
-    void Add(const Search& search, const std::wstring& path, Installation told = {});
+    /// @param known a version from elsewhere: of the kind `File` it replaces the file's, else it is used when
+    /// the file has none
+    void Add(const Search& search, const std::wstring& path, Installation known = {});
     void AddCommand(const Search& search, const RegistryView& view, const std::wstring& key);
     void AddKey(const Search& search, HKEY key);
 

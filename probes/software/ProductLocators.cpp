@@ -24,7 +24,7 @@ constexpr DWORD MostInstalled = 32;  // products of one upgrade code
 constexpr DWORD CodeSize = 39;
 constexpr DWORD LongestProperty = 32768;  // characters
 
-/// The keys that a name means in which "*" may stand for all subkeys.
+/// The keys that match a name in which "*" stands for all subkeys.
 std::vector<std::wstring> ListKeys(const SoftwareFunctions& functions, const RegistryView& view,
                                    const std::wstring& name)
 {
@@ -39,7 +39,7 @@ std::vector<std::wstring> ListKeys(const SoftwareFunctions& functions, const Reg
     return keys;
 }
 
-/// The folder that a text names: of a program or a command the one that it is in.
+/// The folder that a text names; for a program or a command, the folder that holds it.
 std::wstring FolderIn(const std::wstring& text)
 {
     const std::vector<std::wstring> programs = ProgramsOf(text);
@@ -57,8 +57,8 @@ std::wstring FolderOfVersion(std::wstring folder, const std::wstring& version)
     return folder;
 }
 
-/// The version that a key tells itself.
-std::wstring ReadToldVersion(const Locator& locator, HKEY key)
+/// The version in a key's own values.
+std::wstring ReadKeyVersion(const Locator& locator, HKEY key)
 {
     for (const std::wstring_view value : SplitList(locator.version)) {
         std::wstring version = ReadDottedNumber(ReadText(key, std::wstring(value).c_str()));
@@ -68,7 +68,7 @@ std::wstring ReadToldVersion(const Locator& locator, HKEY key)
     return {};
 }
 
-/// Whether a key says that what it is of is not installed.
+/// Whether a key marks its product as not installed.
 bool IsMarkedAbsent(HKEY key)
 {
     return std::ranges::any_of(std::initializer_list<const wchar_t*>{L"Installed", L"Install"},
@@ -88,18 +88,18 @@ void ProductFinder::FindInstalled(const Search& search)
         if (status == ERROR_NO_MORE_ITEMS)
             return;
         if (status != ERROR_SUCCESS) {
-            WriteLog(LogWarning, L"The installer does not tell its products: ", status);
+            WriteLog(LogWarning, L"The installer cannot list its products: ", status);
             isInstallerRefused = true;
             return;
         }
         code[CodeSize - 1] = L'\0';
-        const Installation told = {ReadDottedNumber(ReadProperty(code, L"VersionString")),
-                                   VersionFrom::Installer};
+        const Installation installed = {ReadDottedNumber(ReadProperty(code, L"VersionString")),
+                                        VersionFrom::Installer};
         const std::wstring folder = ReadProperty(code, L"InstallLocation");
         if (!folder.empty())
-            Add(search, files.FindBelow(folder, search.product.programs), told);
-        else if (!told.version.empty())  // what is offered only has none
-            search.found.push_back(told);
+            Add(search, files.FindBelow(folder, search.product.programs), installed);
+        else if (!installed.version.empty())  // a product that is only advertised has none
+            search.found.push_back(installed);
     }
 }
 
@@ -180,7 +180,8 @@ void ProductFinder::FindRegistered(const Search& search)
 
 void ProductFinder::FindKeys(const Search& search)
 {
-    // A key without a folder of its own is of the one that all users share, whatever else a user's may hold.
+    // A key without a folder of its own belongs to the installation for all users, whatever a user's key
+    // holds.
     const bool isOfAll = *search.locator.value == L'\0';
     for (const RegistryView& view : isOfAll ? MachineFirst : UserFirst) {
         for (const std::wstring& name : ListKeys(functions, view, search.locator.where)) {
@@ -194,18 +195,18 @@ void ProductFinder::FindKeys(const Search& search)
 void ProductFinder::AddKey(const Search& search, HKEY key)
 {
     const Locator& locator = search.locator;
-    std::wstring told = ReadToldVersion(locator, key);
+    std::wstring version = ReadKeyVersion(locator, key);
     if (locator.by == FindBy::Release && ReadNumber(key, L"Release") != 0)
-        told = FrameworkOfRelease(ReadNumber(key, L"Release"));
+        version = FrameworkOfRelease(ReadNumber(key, L"Release"));
     std::wstring path;
     if (*locator.value == L'\0') {
-        path = files.FindBelow(FolderOfVersion(locator.folder, told), search.product.programs);
+        path = files.FindBelow(FolderOfVersion(locator.folder, version), search.product.programs);
     } else if (const std::wstring place = ReadText(key, locator.value); !place.empty()) {
         path = files.FindNamed(place, search.product.programs);
         if (path.empty())
             path = files.FindBelow(JoinPath(FolderIn(place), locator.folder), search.product.programs);
     }
-    Add(search, path, {told, VersionFrom::File});
+    Add(search, path, {version, VersionFrom::File});
 }
 
 void ProductFinder::FindValueNames(const Search& search)
@@ -215,7 +216,7 @@ void ProductFinder::FindValueNames(const Search& search)
         if (!key)
             continue;
         for (const std::wstring& name : ListValues(key.get(), MostNames)) {
-            // A version that is not yet released has a word at its end.
+            // An unreleased version has a word at its end.
             if (name != ReadDottedNumber(name))
                 continue;
             const std::wstring folder = FolderOfVersion(search.locator.folder, name);

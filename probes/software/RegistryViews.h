@@ -1,4 +1,4 @@
-// The places of the registry where programs leave their keys: those of 64-bit programs, of 32-bit programs,
+// The places of the registry where programs have their keys: those of 64-bit programs, of 32-bit programs,
 // and of the current user.
 #pragma once
 
@@ -20,9 +20,9 @@ inline const RegistryView Machine64 = {HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY};
 inline const RegistryView Machine32 = {HKEY_LOCAL_MACHINE, KEY_WOW64_32KEY};
 inline const RegistryView CurrentUser = {HKEY_CURRENT_USER, 0};
 
-/// As the system looks for a program: the user's own first.
+/// The order in which the system looks for a program: the user's own first.
 inline const RegistryView UserFirst[] = {CurrentUser, Machine64, Machine32};
-/// As the list of installed programs is put together.
+/// The order of the list of installed programs.
 inline const RegistryView MachineFirst[] = {Machine64, Machine32, CurrentUser};
 
 /// Opens a key of a view for reading; empty when it cannot be opened.

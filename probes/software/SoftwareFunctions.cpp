@@ -13,8 +13,7 @@ constexpr DWORD LongestText = 32768;          // characters, of an expanded text
 constexpr UINT32 MostPackages = 64;
 constexpr UINT32 LongestNames = 64 * 1024;  // characters, of all packages of a family
 
-/// A function of a library that is loaded for it and stays; null when the system lacks either, as older ones
-/// do.
+/// A function of a library that is loaded for it and stays loaded; null when an older system lacks either.
 template <typename Function>
 Function* SystemFunction(const wchar_t* library, const char* name)
 {

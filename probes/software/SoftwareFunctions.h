@@ -10,8 +10,8 @@
 
 namespace kel {
 
-/// The functions that tell of installed programs; a test puts its own in their place. None of them installs,
-/// repairs or starts anything.
+/// The system's functions for installed programs; a test replaces them. None of them installs, repairs or
+/// starts anything.
 struct SoftwareFunctions {
     boost::function<OwnedKey(HKEY root, const wchar_t* name, REGSAM access)> openKey;
     boost::function<std::wstring(const std::wstring& text)> expand;  ///< variables of the environment

@@ -10,7 +10,7 @@
 
 namespace kel {
 
-/// What an entry in the list of installed programs says; each empty where it does not.
+/// The values of an entry in the list of installed programs; missing ones are empty.
 struct UninstallEntry {
     std::wstring folder;       ///< "InstallLocation"
     std::wstring icon;         ///< "DisplayIcon", often the program itself
@@ -18,9 +18,9 @@ struct UninstallEntry {
     std::wstring version;      ///< "DisplayVersion"
 };
 
-/// The list of installed programs, in its three views. What is of a larger product (components, updates) and
-/// what a removal left behind (keys of one value) is passed over. Only the names that some product is looked
-/// for by are kept.
+/// The list of installed programs, in its three views. Parts of a larger product (components, updates) and
+/// leftovers of a removal (keys with one value) are skipped. Only entries that a product of the table may
+/// match are kept.
 class UninstallList {
 public:
     /// @param newFunctions must outlive this object, as must the products

@@ -6,11 +6,11 @@
 
 namespace kel {
 
-/// The dotted number that a text begins with: "5.9.7" of "5.9.7 (3931)". Fields of more than nine digits, and
-/// what has no digit at its front, give nothing.
+/// The dotted number at the start of a text: "5.9.7" of "5.9.7 (3931)". Empty for a field of more than nine
+/// digits, and for a text that does not start with a digit.
 std::wstring ReadDottedNumber(std::wstring_view text);
 
-/// Whether a dotted number is below another; fields that one lacks are 0.
+/// Whether a dotted number is lower than another; missing fields are 0.
 bool IsLowerVersion(std::wstring_view version, std::wstring_view than);
 
 /// The version in a package's full name, "Name_1.2.3.4_x64__publisher".

@@ -42,7 +42,7 @@ bool IsGiven(HRESULT result, const wchar_t* call)
     return SUCCEEDED(result);
 }
 
-/// In upper case; empty when the endpoint has no device or does not tell it.
+/// The device's instance id in upper case; empty for an endpoint without a readable one.
 std::wstring DeviceOf(IMMDevice& endpoint)
 {
     ComPtr<IPropertyStore> properties;
@@ -57,7 +57,7 @@ std::wstring DeviceOf(IMMDevice& endpoint)
 }
 
 /// Adds the devices of the active endpoints of one direction.
-/// @return how many endpoints there are; nothing, with a warning in the log, when the service does not tell
+/// @return how many endpoints there are; nullopt, with a warning in the log, when the service does not answer
 std::optional<UINT> List(IMMDeviceEnumerator& enumerator, EDataFlow direction, SoundEndpoints& endpoints)
 {
     ComPtr<IMMDeviceCollection> active;
@@ -121,7 +121,7 @@ SoundEndpoints ReadSoundEndpoints()
                      L"The sound endpoints' enumerator"))
             return;
         endpoints.outputs = List(*enumerator.Get(), eRender, endpoints);
-        if (!endpoints.outputs)  // the rest would fail like it
+        if (!endpoints.outputs)  // the other calls would fail, too
             return;
         endpoints.inputs = List(*enumerator.Get(), eCapture, endpoints);
         FindDefault(*enumerator.Get(), endpoints);

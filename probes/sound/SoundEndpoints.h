@@ -10,19 +10,19 @@
 
 namespace kel {
 
-/// What the system's sound service says of the endpoints that are active, such as speakers and microphones.
+/// The active endpoints, such as speakers and microphones, as the system's sound service lists them.
 struct SoundEndpoints {
-    std::optional<UINT> outputs;  ///< how many; nothing when the service does not tell
+    std::optional<UINT> outputs;  ///< how many; nullopt when the service does not answer
     std::optional<UINT> inputs;
-    bool isDefaultKnown = false;     ///< also known when there is no default output
+    bool isDefaultKnown = false;     ///< true, too, when there is no default output
     std::vector<SoundInfo> devices;  ///< that they belong to, each once
 };
 
-/// Asks the service (`IMMDeviceEnumerator`). No stream is opened, and no name of an endpoint is read, since
-/// people choose them. A failure leaves a warning in the log.
+/// Asks the service (`IMMDeviceEnumerator`). No stream is opened, and names of endpoints are not read, since
+/// people choose them. A failure is a warning in the log.
 SoundEndpoints ReadSoundEndpoints();
 
-/// The function that counts outputs where the service does not. A test puts its own in its place.
+/// The function that counts outputs where the service cannot. A test replaces it.
 struct SoundFunctions {
     boost::function<UINT()> countOutputs;  ///< waveOutGetNumDevs; 0 without "winmm.dll"
 

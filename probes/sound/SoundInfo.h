@@ -9,15 +9,15 @@
 
 namespace kel {
 
-/// What one source says about a sound device; an empty text is unknown.
+/// One source's facts about a sound device; an empty text is unknown.
 struct SoundInfo {
     Name name;
-    std::wstring instanceId;  ///< in upper case; tells equal devices apart, and can hold a serial number
+    std::wstring instanceId;  ///< in upper case; distinguishes equal devices, and can hold a serial number
     DeviceID deviceId;
     std::optional<Version> driverVersion;
     std::optional<bool> servesDefault;  ///< the default output is one of its endpoints
 
-    /// Whether its friendly name is one that its owner chose, as Bluetooth devices carry it.
+    /// Whether its friendly name may be one that its owner chose, as with Bluetooth devices.
     bool HasChosenName() const { return instanceId.starts_with(L"BTH"); }
 };
 

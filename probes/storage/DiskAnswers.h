@@ -1,4 +1,4 @@
-// The shorter answers of a disk, read from their bytes.
+// Readers of a disk's shorter answers.
 #pragma once
 
 #include <vector>
@@ -8,7 +8,7 @@
 namespace kel {
 
 /// Reads the answer to StorageDeviceSeekPenaltyProperty or StorageDeviceTrimProperty: whether seeks cost
-/// time, or whether the disk is told of what is deleted. Nothing for an answer that is cut.
+/// time, or whether the disk supports TRIM. Nullopt for a truncated answer.
 std::optional<bool> ReadStorageFlag(Bytes answer);
 
 /// The size of a disk, and whether its geometry is a floppy's.
@@ -17,7 +17,8 @@ struct DiskGeometry {
     bool isFloppy = false;
 };
 
-/// Reads the answer to IOCTL_DISK_GET_DRIVE_GEOMETRY_EX; nothing when it is cut, or the size negative.
+/// Reads the answer to IOCTL_DISK_GET_DRIVE_GEOMETRY_EX; nullopt when it is truncated or the size is
+/// negative.
 std::optional<DiskGeometry> ReadDiskGeometry(Bytes answer);
 
 /// The number of a device among those of its type (FILE_DEVICE_...).
@@ -26,17 +27,17 @@ struct DeviceNumber {
     std::uint32_t number = 0;
 };
 
-/// Reads the answer to IOCTL_STORAGE_GET_DEVICE_NUMBER; nothing when it is cut, or the device without a
+/// Reads the answer to IOCTL_STORAGE_GET_DEVICE_NUMBER; nullopt when it is truncated, or the device has no
 /// number.
 std::optional<DeviceNumber> ReadDeviceNumber(Bytes answer);
 
-/// What can leave a machine that runs.
+/// Which parts of a drive can be removed while the machine runs.
 struct Hotplug {
     bool medium = false;
     bool device = false;
 };
 
-/// Reads the answer to IOCTL_STORAGE_GET_HOTPLUG_INFO; nothing when it is cut.
+/// Reads the answer to IOCTL_STORAGE_GET_HOTPLUG_INFO; nullopt when it is truncated.
 std::optional<Hotplug> ReadHotplug(Bytes answer);
 
 /// Reads the answer to IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS.

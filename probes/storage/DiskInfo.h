@@ -10,9 +10,9 @@
 
 namespace kel {
 
-/// What one source says about a disk; what is empty is unknown.
+/// One source's facts about a disk; empty ones are unknown.
 struct DiskInfo {
-    Name model;         ///< maker and model; of the Setup API the hardware id less its bus prefix
+    Name model;         ///< vendor and model; from the Setup API the hardware id without its bus prefix
     Name friendlyName;  ///< as the Setup API has it
     Name deviceName;    ///< such as \\.\PHYSICALDRIVE0
     Name instanceId;    ///< of the Setup API; can hold a serial number, so no value carries it

@@ -12,7 +12,7 @@ namespace {
 
 /// In upper case.
 constexpr std::wstring_view NoVendors[] = {L"NVME", L"ATA", L"GENERIC", L"GENERIC-"};
-/// What Windows puts behind a disk's name, by its bus, in upper case.
+/// Suffixes that Windows appends to a disk's name, by its bus, in upper case.
 constexpr std::wstring_view Suffixes[] = {
     L" SCSI DISK DEVICE", L" SCSI CDROM DEVICE",     L" ATA DEVICE",
     L" USB DEVICE",       L" IEEE 1394 SBP2 DEVICE", L" MULTI-PATH DISK DEVICE"};
@@ -55,7 +55,7 @@ std::wstring ReadIdeModel(const std::wstring& hardwareId)
     if (!ToUpper(hardwareId).starts_with(IdePrefix))
         return {};
     std::wstring model = hardwareId.substr(IdePrefix.size());
-    model.erase(std::min(model.find(L"__"), model.size()));  // the firmware is behind it
+    model.erase(std::min(model.find(L"__"), model.size()));  // the firmware follows it
     std::ranges::replace(model, L'_', L' ');
     return CollapseBlanks(TidyText(model));
 }

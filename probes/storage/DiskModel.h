@@ -1,22 +1,23 @@
-// What a disk is called, from the texts in which sources write it.
+// A disk's model, from the forms in which sources write it.
 #pragma once
 
 #include <string>
 
 namespace kel {
 
-/// Vendor and product as one text with single blanks. A vendor that is none ("NVMe", "ATA", "Generic"), or
-/// with which the product starts, is dropped.
+/// Vendor and product as one text with single blanks. A vendor that is a bus or a filler ("NVMe", "ATA",
+/// "Generic"), or with which the product starts, is dropped.
 std::wstring MakeDiskModel(const std::wstring& vendor, const std::wstring& product);
 
-/// The name of a disk or an optical drive as WMI or the Setup API has it, less such a vendor at its start and
-/// what the system put behind it, such as " SCSI Disk Device".
+/// The name of a disk or an optical drive from WMI or the Setup API, without such a vendor at its start and
+/// without the suffix that the system appends, such as " SCSI Disk Device".
 std::wstring TidyDiskModel(const std::wstring& name);
 
 /// The model in a hardware id such as `IDE\DISKST31000528AS____________CC38____`; empty for other forms.
 std::wstring ReadIdeModel(const std::wstring& hardwareId);
 
-/// Whether a model is the beginning of a longer one. An inquiry, for one, cuts it after 16 characters.
+/// Whether a model is a truncated form of a longer one. A SCSI inquiry, for example, truncates it to 16
+/// characters.
 bool IsCutModel(const std::wstring& model, const std::wstring& longer);
 
 }  // namespace kel

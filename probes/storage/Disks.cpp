@@ -24,7 +24,7 @@ constexpr int TrimProperty = 8;
 constexpr DWORD NoSuchDevice = 433;
 constexpr DWORD DeviceRemoved = 1617;
 
-/// Whether an error says that the device is not there any more.
+/// Whether an error means that the device was removed.
 bool IsGone(DWORD error)
 {
     return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND || error == ERROR_DEV_NOT_EXIST ||
@@ -41,53 +41,52 @@ const wchar_t* GetWord(std::optional<bool> flag)
     return !flag ? L"unknown" : *flag ? L"yes" : L"no";
 }
 
-/// What a disk tells beside its descriptor.
-struct Further {
+/// A disk's answers beside its descriptor, each of which may be missing.
+struct OptionalAnswers {
     Hotplug hotplug;
     std::optional<bool> seekPenalty;
 };
 
-void TakeDescriptor(const StorageDescriptor& descriptor, const Further& further, DiskInfo& disk)
+void TakeDescriptor(const StorageDescriptor& descriptor, const OptionalAnswers& optional, DiskInfo& disk)
 {
     disk.model = Name(MakeDiskModel(descriptor.vendor, descriptor.product));
     disk.bus = Name(GetBusName(descriptor.bus));
-    disk.isSolidState = IsSolidState(descriptor.bus, further.seekPenalty);
-    disk.isRemovable = IsRemovableDisk(descriptor.bus, descriptor.isRemovable || further.hotplug.medium,
-                                       further.hotplug.device);
+    disk.isSolidState = IsSolidState(descriptor.bus, optional.seekPenalty);
+    disk.isRemovable = IsRemovableDisk(descriptor.bus, descriptor.isRemovable || optional.hotplug.medium,
+                                       optional.hotplug.device);
     disk.isVirtual = IsVirtualBus(descriptor.bus);
     if (const std::wstring firmware = TidyText(descriptor.revision); !firmware.empty())
         disk.firmware = Version(firmware);
 }
 
-/// Without a descriptor: a medium that can leave tells enough; a cable that can does not, as the bus is
-/// unknown.
-void TakeFurther(const Further& further, DiskInfo& disk)
+/// Without a descriptor, a removable medium is enough; a removable cable is not, as the bus is unknown.
+void ApplyOptionalAnswers(const OptionalAnswers& optional, DiskInfo& disk)
 {
-    if (further.seekPenalty)
-        disk.isSolidState = !*further.seekPenalty;
-    if (further.hotplug.medium)
+    if (optional.seekPenalty)
+        disk.isSolidState = !*optional.seekPenalty;
+    if (optional.hotplug.medium)
         disk.isRemovable = true;
 }
 
 /// Reads a disk that is open.
-/// @return the first error that cost a fact, or 0
+/// @return the first error that lost a fact, or 0
 DWORD ReadDisk(const StorageDevice& device, DiskInfo& disk)
 {
-    const StorageAnswer told = device.AskProperty(DeviceProperty);
-    const Further further = {
+    const StorageAnswer answer = device.AskProperty(DeviceProperty);
+    const OptionalAnswers optional = {
         ReadHotplug(device.Ask(IOCTL_STORAGE_GET_HOTPLUG_INFO).bytes).value_or(Hotplug{}),
         ReadStorageFlag(device.AskProperty(SeekPenaltyProperty).bytes)};
     const auto trim = ReadStorageFlag(device.AskProperty(TrimProperty).bytes);
-    DWORD error = told.error;
-    const auto descriptor = ReadStorageDescriptor(told.bytes);
+    DWORD error = answer.error;
+    const auto descriptor = ReadStorageDescriptor(answer.bytes);
     if (descriptor)
         TakeDescriptor(*descriptor, further, disk);
     else if (error == ERROR_SUCCESS)
         error = ERROR_INVALID_DATA;
     if (!descriptor)
-        TakeFurther(further, disk);
+        ApplyOptionalAnswers(further, disk);
     WriteLog(LogTrace, L"Disk ", *disk.number, L": bus ", disk.bus.ToString(), L", seek penalty ",
-             GetWord(further.seekPenalty), L", trim ", GetWord(trim));
+             GetWord(optional.seekPenalty), L", trim ", GetWord(trim));
 
     if (device.IsAsleep())
         return error;
@@ -116,7 +115,7 @@ std::vector<DiskInfo> ListDisks(const StorageFunctions& functions)
                 error = device.IsOpen() ? ReadDisk(device, disk) : device.OpenError();
             });
             if (error != ERROR_SUCCESS)
-                WriteLog(LogWarning, L"Disk ", number, L" does not tell all: ", error);
+                WriteLog(LogWarning, L"Disk ", number, L": incomplete answer, error ", error);
             if (!IsGone(error))
                 disks.push_back(disk);
         }
@@ -132,9 +131,9 @@ std::optional<std::int32_t> ReadDiskNumber(const StorageFunctions& functions, co
         if (path.empty())
             return;
         const StorageDevice device(functions, path);
-        const auto told = ReadDeviceNumber(device.Ask(IOCTL_STORAGE_GET_DEVICE_NUMBER).bytes);
-        if (told && told->type == FILE_DEVICE_DISK)
-            number = static_cast<std::int32_t>(told->number);
+        const auto found = ReadDeviceNumber(device.Ask(IOCTL_STORAGE_GET_DEVICE_NUMBER).bytes);
+        if (found && found->type == FILE_DEVICE_DISK)
+            number = static_cast<std::int32_t>(found->number);
     });
     return number;
 }
@@ -152,13 +151,13 @@ std::vector<std::int32_t> ReadWindowsDisks(const StorageFunctions& functions)
             disks.push_back(static_cast<std::int32_t>(disk));
         if (!disks.empty())
             return;
-        // A volume that tells no extents may be a partition, which has its disk's number.
+        // A volume without extents may be a partition, which has its disk's number.
         const StorageAnswer partition = volume.Ask(IOCTL_STORAGE_GET_DEVICE_NUMBER);
-        const auto told = ReadDeviceNumber(partition.bytes);
-        if (told && told->type == FILE_DEVICE_DISK)
-            disks.push_back(static_cast<std::int32_t>(told->number));
+        const auto found = ReadDeviceNumber(partition.bytes);
+        if (found && found->type == FILE_DEVICE_DISK)
+            disks.push_back(static_cast<std::int32_t>(found->number));
         else
-            WriteLog(LogWarning, L"The volume of Windows does not tell its disks: ", extents.error);
+            WriteLog(LogWarning, L"The disks of the Windows volume are unknown, error ", extents.error);
     });
     return disks;
 }

@@ -7,16 +7,17 @@
 
 namespace kel {
 
-/// Asks each disk that Windows lists, opened without access rights, so that none is waked or read: model,
-/// capacity, bus, kind and firmware. A disk that sleeps is not asked for its capacity. One that cannot be
-/// opened has its number alone, with a warning in the log; one that is gone by then is left out.
+/// Asks each disk that Windows lists for model, capacity, bus, kind and firmware. Disks are opened without
+/// access rights, so that none is woken or read; the capacity of a sleeping disk is not read. A disk that
+/// cannot be opened has its number only, with a warning in the log; one that was removed meanwhile is left
+/// out.
 std::vector<DiskInfo> ListDisks(const StorageFunctions& functions);
 
-/// The disk number of a disk that the Setup API lists; nothing when it does not tell.
+/// The disk number of a disk that the Setup API lists; nullopt when the disk does not answer.
 std::optional<std::int32_t> ReadDiskNumber(const StorageFunctions& functions, const std::wstring& instanceId);
 
-/// The numbers of the disks on which the volume of Windows lies: several for a spanned one, none when they
-/// are not known.
+/// The numbers of the disks that hold the volume of Windows: several for a spanned volume, none when they are
+/// unknown.
 std::vector<std::int32_t> ReadWindowsDisks(const StorageFunctions& functions);
 
 }  // namespace kel

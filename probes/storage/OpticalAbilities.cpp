@@ -15,7 +15,7 @@ namespace kel {
 
 namespace {
 
-// What a drive of a kind can do: each burner reads what it burns, and burns what is older.
+// The abilities of each kind of drive: a burner reads what it burns, and burns the older media as well.
 constexpr unsigned Combo = WritesCds | ReadsDvds;
 constexpr unsigned DvdWriter = Combo | WritesDvds;
 constexpr unsigned BdReader = ReadsDvds | ReadsBluRay;
@@ -30,7 +30,7 @@ constexpr std::size_t AdditionalLengthPlace = 3;
 constexpr std::size_t ProfileSize = 4;
 constexpr std::uint64_t ProfileListFeature = 0;
 
-/// Profiles in a row that tell the same.
+/// A range of profiles with the same abilities.
 struct ProfileRange {
     unsigned first;
     unsigned last;
@@ -55,7 +55,7 @@ constexpr std::size_t MediaTypeOffset = 8;
 constexpr std::size_t CharacteristicsOffset = 28;
 static_assert(MediaOffset == 8 && sizeof(DEVICE_MEDIA_INFO) == 32);
 
-/// A word of a drive's name, without its signs: as a whole, or with the model's number behind it.
+/// A word of a drive's name, without its signs: alone, or followed by the model's number.
 struct NameWord {
     std::wstring_view word;
     unsigned abilities;
@@ -151,7 +151,7 @@ unsigned GetAbilitiesOfName(const std::wstring& name)
     const std::vector<std::wstring> words = GetWords(name);
     unsigned abilities = 0;
     for (std::size_t place = 0; place < words.size(); ++place) {
-        // "DVD RW" is two words, of which neither tells it alone.
+        // "DVD RW" is two words, and neither is enough alone.
         const std::wstring pair = place + 1 < words.size() ? words[place] + words[place + 1] : std::wstring();
         for (const NameWord& entry : NameWords) {
             if (IsWord(words[place], entry.word) || pair == entry.word)

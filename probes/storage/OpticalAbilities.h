@@ -1,4 +1,4 @@
-// What an optical drive can do, read from its own answers and from what it is called.
+// What an optical drive can do, read from its own answers and from its name.
 #pragma once
 
 #include <string>
@@ -24,12 +24,12 @@ struct OpticalAbilities {
     unsigned has = 0;
 
     bool HasValue() const { return known != 0; }
-    /// Empty when it is not known.
+    /// Nullopt when it is not known.
     std::optional<bool> Has(OpticalAbility ability) const
     {
         return (known & ability) != 0 ? std::optional((has & ability) != 0) : std::nullopt;
     }
-    /// Adds what a text or a medium told; what was there stays.
+    /// Adds abilities from a text or a medium; known abilities stay.
     void Raise(unsigned abilities)
     {
         known |= abilities;
@@ -38,16 +38,15 @@ struct OpticalAbilities {
 };
 
 /// Reads the answer to IOCTL_CDROM_GET_CONFIGURATION for feature 0, the list of profiles: all abilities are
-/// known then. Profiles that are not known count for nothing. Of a list that is cut only what it holds is
-/// known.
+/// known then. Unknown profiles are ignored. A truncated list makes only the abilities that it holds known.
 /// @return nothing known for an answer without a profile
 OpticalAbilities ReadProfiles(Bytes answer);
 
-/// Reads the answer to IOCTL_STORAGE_GET_MEDIA_TYPES_EX, which tells abilities that a drive has, and never
+/// Reads the answer to IOCTL_STORAGE_GET_MEDIA_TYPES_EX, which shows abilities that a drive has, but never
 /// that it lacks one.
 OpticalAbilities ReadMediaTypes(Bytes answer);
 
-/// The abilities that a name such as "HL-DT-ST BD-RE  WH16NS40" or a media type such as "DVD Writer" tells.
+/// The abilities in a name such as "HL-DT-ST BD-RE  WH16NS40" or a media type such as "DVD Writer".
 unsigned GetAbilitiesOfName(const std::wstring& name);
 
 }  // namespace kel

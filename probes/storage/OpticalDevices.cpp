@@ -31,7 +31,7 @@ struct ConfigurationQuery {
 };
 static_assert(sizeof(ConfigurationQuery) == 24);
 
-/// What a drive letter stands for, such as "\Device\CdRom0". Nothing is opened for it.
+/// The device of a drive letter, such as "\Device\CdRom0". Nothing is opened for it.
 std::wstring GetTarget(const StorageFunctions& functions, const std::wstring& letter)
 {
     std::array<wchar_t, MAX_PATH> target = {};
@@ -50,7 +50,7 @@ std::wstring FindLetter(const StorageFunctions& functions, std::uint32_t number)
     return {};
 }
 
-/// The profiles of a drive that may be opened for reading; else the kinds of media that it tells anybody.
+/// The profiles of a drive that this user may open for reading; else its media types, which need no rights.
 void ReadAbilities(const StorageFunctions& functions, const std::wstring& path, const StorageDevice& device,
                    OpticalInfo& drive)
 {

@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// What one source says about an optical drive; what is empty is unknown.
+/// One source's facts about an optical drive; empty ones are unknown.
 struct OpticalInfo {
     Name name;
     DeviceID deviceId;
@@ -16,7 +16,7 @@ struct OpticalInfo {
     Name drive;       ///< drive letter, such as "D:"
     Name mediaType;   ///< as WMI describes it
     OpticalAbilities abilities;
-    const wchar_t* abilitySource = L"";  ///< who told them, for the log
+    const wchar_t* abilitySource = L"";  ///< their source, for the log
     std::optional<bool> writesCds;       ///< of the abilities
     std::optional<bool> isVirtual;       ///< shows an image instead of a medium
 };

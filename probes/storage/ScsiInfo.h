@@ -10,12 +10,12 @@
 
 namespace kel {
 
-/// What one source says about a SCSI or RAID controller; what is empty is unknown.
+/// One source's facts about a SCSI or RAID controller; empty ones are unknown.
 struct ScsiInfo {
     Name name;
     DeviceID deviceId;
     std::optional<Version> driverVersion;
-    std::vector<std::wstring> compatibleIds;  ///< these tell the class of a PCI device
+    std::vector<std::wstring> compatibleIds;  ///< they include the class of a PCI device
     Name kind;                                ///< "SCSI", "SAS", "RAID", "NVMe" or "virtual"
 };
 

@@ -16,7 +16,7 @@ constexpr std::size_t FixedPart = 32;  // up to the bus
 static_assert(offsetof(Layout, RemovableMedia) == 10 && offsetof(Layout, VendorIdOffset) == 12 &&
               offsetof(Layout, BusType) + sizeof(Layout::BusType) == FixedPart);
 
-// Younger than the headers of some compilers.
+// Newer than the headers of some compilers.
 constexpr std::uint32_t BusVirtual = 14;
 constexpr std::uint32_t BusFileBacked = 15;
 constexpr std::uint32_t BusNvme = 17;

@@ -16,7 +16,7 @@ namespace kel {
 namespace {
 
 constexpr std::size_t UsualAnswer = 1024;
-/// No answer that is asked for comes near it.
+/// Far more than any answer that is asked for.
 constexpr std::size_t LargestAnswer = 65536;
 constexpr std::size_t UsualNames = 32768;
 constexpr std::size_t LargestNames = 2097152;
@@ -36,13 +36,13 @@ HANDLE OpenDevice(const wchar_t* path, DWORD access)
 
 BOOL Control(HANDLE device, DWORD code, Bytes input, std::span<std::byte> output, DWORD& size)
 {
-    // The system takes the input as if it might change it.
+    // The system's declaration lacks a const here.
     auto* const data = const_cast<std::byte*>(input.data());
     return DeviceIoControl(device, code, data, static_cast<DWORD>(input.size()), output.data(),
                            static_cast<DWORD>(output.size()), &size, nullptr);
 }
 
-/// All names of devices, each with a zero after it; empty when the system does not tell.
+/// All names of devices, each zero-terminated; empty when the system cannot list them.
 std::vector<wchar_t> ListNames(const StorageFunctions& functions)
 {
     std::vector<wchar_t> names;
@@ -53,7 +53,7 @@ std::vector<wchar_t> ListNames(const StorageFunctions& functions)
         if (error == ERROR_INSUFFICIENT_BUFFER)
             continue;
         if (error != ERROR_SUCCESS)
-            WriteLog(LogWarning, L"The system does not list its devices: ", error);
+            WriteLog(LogWarning, L"The system cannot list its devices, error ", error);
         names.resize(std::min<std::size_t>(length, room));
         return names;
     }

@@ -15,7 +15,7 @@
 
 namespace kel {
 
-/// The functions that reach storage devices; a test puts its own in their place.
+/// The system's functions for storage devices; a test replaces them.
 struct StorageFunctions {
     /// QueryDosDeviceW; a null name asks for all names.
     boost::function<DWORD(const wchar_t* name, std::span<wchar_t> buffer)> queryDosDevice;
@@ -38,22 +38,22 @@ std::wstring GetWindowsLetter(const boost::function<UINT(std::span<wchar_t>)>& g
 /// lists them: ascending, each once, at most 256.
 std::vector<std::uint32_t> ListDeviceNumbers(const StorageFunctions& functions, std::wstring_view word);
 
-/// The path by which a device is opened as one of a class of interfaces. It asks nothing of the system.
-/// @param instanceId may be empty; the path is then, too
+/// The path of a device as one of a class of interfaces. The system is not asked.
+/// @param instanceId may be empty; then the path is empty, too
 /// @param interfaceClass a GUID in braces
 std::wstring MakeInterfacePath(std::wstring instanceId, const wchar_t* interfaceClass);
 
-/// What a request gave.
+/// The result of a request.
 struct StorageAnswer {
     std::vector<std::byte> bytes;  ///< empty when it was refused
     DWORD error = ERROR_SUCCESS;
 };
 
-/// A storage device that is open, as long as the object lives.
+/// An open storage device; closed with the object.
 class StorageDevice {
 public:
     /// @param newFunctions must outlive this object
-    /// @param access 0 for requests that need no rights: the device is neither waked nor read
+    /// @param access 0 for requests that need no rights: the device is neither woken nor read
     StorageDevice(const StorageFunctions& newFunctions, const std::wstring& path, DWORD access = 0);
 
     bool IsOpen() const { return device != nullptr; }
@@ -65,7 +65,7 @@ public:
     /// Asks for a property (STORAGE_PROPERTY_ID).
     StorageAnswer AskProperty(int property) const;
 
-    /// Whether the device sleeps, so that what reads it would wake it.
+    /// Whether the device sleeps, so that reading would wake it.
     bool IsAsleep() const;
 
 private:

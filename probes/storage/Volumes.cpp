@@ -13,7 +13,7 @@ namespace kel {
 namespace {
 
 constexpr int LetterCount = 26;
-/// What stands before the target of a letter that is another name for a folder.
+/// The prefix of the target of a letter that is another name for a folder.
 constexpr std::wstring_view AliasPrefix = L"\\??\\";
 
 const wchar_t* GetKind(UINT type)
@@ -43,7 +43,7 @@ bool IsAlias(const VolumeFunctions& functions, const std::wstring& letter)
     return std::wstring_view(target.data(), wcsnlen(target.data(), target.size())).starts_with(AliasPrefix);
 }
 
-/// Asks a disk that cannot be without its medium.
+/// Asks a disk that always has its medium.
 /// @return the first error, or 0
 DWORD ReadVolume(const VolumeFunctions& functions, const std::wstring& root, VolumeInfo& volume)
 {
@@ -90,7 +90,7 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
     Attempt(L"Error in the list of volumes.", [&] {
         const DWORD drives = functions.getLogicalDrives();
         if (drives == 0)
-            WriteLog(LogWarning, L"The system lists no volumes: ", GetLastError());
+            WriteLog(LogWarning, L"The system cannot list its volumes, error ", GetLastError());
         const std::wstring windows = GetWindowsLetter(functions.getSystemWindowsDirectory);
         for (int place = 0; place < LetterCount; ++place) {
             if ((drives >> place & 1) == 0)
@@ -110,7 +110,7 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
                     error = ReadVolume(functions, root, volume);
             });
             if (error != ERROR_SUCCESS)
-                WriteLog(LogWarning, L"Volume ", letter, L" does not tell all: ", error);
+                WriteLog(LogWarning, L"Volume ", letter, L": incomplete answer, error ", error);
         }
     });
     return volumes;

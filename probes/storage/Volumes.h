@@ -10,12 +10,12 @@
 
 namespace kel {
 
-/// The functions that tell of drive letters; a test puts its own in their place.
+/// The system's functions for drive letters; a test replaces them.
 struct VolumeFunctions {
     boost::function<DWORD()> getLogicalDrives;
     boost::function<UINT(const wchar_t* root)> getDriveType;
     boost::function<DWORD(const wchar_t* letter, std::span<wchar_t> buffer)> queryDosDevice;
-    /// GetVolumeInformationW, of which the file system alone is taken.
+    /// GetVolumeInformationW, used for the file system only.
     boost::function<BOOL(const wchar_t* root, std::span<wchar_t> fileSystem)> getFileSystem;
     /// GetDiskFreeSpaceExW: bytes free to the caller, and bytes in all.
     boost::function<BOOL(const wchar_t* root, ULARGE_INTEGER& free, ULARGE_INTEGER& size)> getFreeSpace;
@@ -25,9 +25,9 @@ struct VolumeFunctions {
     static VolumeFunctions OfSystem();
 };
 
-/// Lists all drive letters in their order. Fixed and RAM disks alone are asked for file system and sizes: a
-/// remote drive may hang, and an optical or removable one, or a floppy, would look for its medium. A volume
-/// that is locked or raw has no sizes, with a warning in the log.
+/// Lists all drive letters in order. File system and sizes are read of fixed and RAM disks only: a remote
+/// drive may hang, and an optical or removable one, or a floppy, would access its medium. A locked or raw
+/// volume has no sizes, with a warning in the log.
 std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions);
 
 }  // namespace kel

@@ -10,7 +10,7 @@ namespace kel {
 /// @param getCapabilities `GetPwrCapabilities` as found; null gives false, and so does a call that fails
 bool HasLongTermBattery(decltype(&GetPwrCapabilities) getCapabilities);
 
-/// Asks the function that "PowrProf.dll" has; false when the library cannot be loaded.
+/// Asks the function in "PowrProf.dll"; false when the library cannot be loaded.
 bool HasLongTermBattery();
 
 }  // namespace kel

@@ -4,7 +4,7 @@
 
 namespace kel {
 
-/// What one source says about the BIOS; an empty text is unknown.
+/// One source's facts about the BIOS; an empty text is unknown.
 struct BiosInfo {
     std::wstring name;
     std::wstring version;

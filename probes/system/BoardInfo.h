@@ -4,7 +4,7 @@
 
 namespace kel {
 
-/// What one source says about the motherboard; an empty text is unknown.
+/// One source's facts about the motherboard; an empty text is unknown.
 struct BoardInfo {
     std::wstring manufacturer;
     std::wstring product;

@@ -25,7 +25,7 @@ Object Wrap(Function* function)
 
 BOOL GetVersion(OSVERSIONINFOEXW& version)
 {
-    // Deprecated: what it says of newer releases is what the service expects.
+    // Deprecated, but the service expects its answers for newer releases.
     return GetVersionExW(reinterpret_cast<OSVERSIONINFOW*>(&version));
 }
 

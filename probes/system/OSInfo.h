@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// What the operating system says of itself.
+/// The operating system's version record, architecture and edition.
 struct OSInfo {
     bool hasVersion = false;  ///< the rest of the version is known
     DWORD platform = 0;       ///< 2 for NT
@@ -24,7 +24,7 @@ struct OSInfo {
     bool isServerR2 = false;
 };
 
-/// The functions that tell of the system; a test puts its own in their place.
+/// The system's functions for its version; a test replaces them.
 struct OSFunctions {
     boost::function<BOOL(OSVERSIONINFOEXW&)> getVersion;  ///< GetVersionExW
     boost::function<int(int)> getSystemMetrics;
@@ -39,10 +39,10 @@ struct OSFunctions {
 /// Reads the version record, the architecture and the edition.
 OSInfo ReadOSInfo(const OSFunctions& functions);
 
-/// What IsWow64Process answers.
+/// The answer of IsWow64Process.
 enum class Emulation { Unknown, No, Yes };
 
-/// Whether the process runs under emulation on a 64-bit system. Without the function it does not.
+/// Whether the process runs under emulation on a 64-bit system; no without the function.
 Emulation ReadEmulation(const OSFunctions& functions);
 
 }  // namespace kel

@@ -23,7 +23,7 @@ std::wstring UpdateSignature()
     const std::optional<RegistryValue> value = key ? ReadValue(key.get(), L"Update Signature") : std::nullopt;
     if (value && value->type == REG_BINARY && value->bytes.size() > RevisionByte)
         return Hexadecimal(value->bytes[RevisionByte], 2);
-    WriteLog(LogWarning, L"Registry value is missing or of no use: ", ProcessorKey, L" Update Signature");
+    WriteLog(LogWarning, L"Registry value is missing or not usable: ", ProcessorKey, L" Update Signature");
     return {};
 }
 

@@ -11,7 +11,7 @@
 
 namespace kel {
 
-/// Reads facts from the registry. What is missing leaves its field empty.
+/// Reads facts from the registry. The field of a missing value stays empty.
 class Registry : public Source {
 public:
     static Registry& Instance();
@@ -26,8 +26,8 @@ public:
     /// The motherboard's version, from HARDWARE\DESCRIPTION.
     void GetBoardInfo(BoardInfo& info);
 
-    /// Reads a value as text, whatever its type; see kel::RegistryValue::Text. A number is thus not
-    /// converted; the analysis service knows such texts.
+    /// Reads a value as text, whatever its type; see kel::RegistryValue::Text. A number is not converted,
+    /// which the analysis service expects.
     /// @param access rights beyond reading, such as KEY_WOW64_64KEY
     /// @return false, with the text untouched and a warning in the log, when the key or the value is missing
     static bool ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text,

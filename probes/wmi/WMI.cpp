@@ -109,7 +109,7 @@ std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
     if (!Query(wql, enumerator.GetAddressOf()) || !enumerator)
         return objects;
     std::vector<IWbemClassObject*> read(count);
-    objects.reserve(count);  // nothing may fail between the reading and the owning
+    objects.reserve(count);  // so that taking ownership below cannot fail
     ULONG returned = 0;
     const HRESULT result = enumerator->Next(static_cast<LONG>(WBEM_INFINITE), count, read.data(), &returned);
     for (IWbemClassObject* object : read) {
@@ -117,7 +117,7 @@ std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
             continue;
         *objects.emplace_back().GetAddressOf() = object;
     }
-    if (objects.empty())  // which is no failure in itself: many machines have no optical drive
+    if (objects.empty())  // not a failure in itself: many machines have no optical drive
         WriteLog(SUCCEEDED(result) ? LogTrace : LogWarning, L"WMI has no object: ", wql, L": ", Show(result));
     return objects;
 }

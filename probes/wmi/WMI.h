@@ -18,8 +18,8 @@
 namespace kel {
 
 /// Reads Windows Management Instrumentation: one connection to the local ROOT\CIMV2, opened once, and one
-/// query for each kind of hardware. It relies on the apartment of the host's thread and leaves COM's security
-/// alone. When the connection failed, every query answers false and changes nothing.
+/// query for each kind of hardware. It relies on the apartment of the host's thread and does not change COM's
+/// security. After a failed connection every query returns false and changes nothing.
 class WMI : public Source {
 public:
     static WMI& Instance();
@@ -41,7 +41,7 @@ public:
     bool GetCDRomValues(std::vector<OpticalInfo>& drives);
 
     /// Runs a query. A refusal leaves a warning with its result in the log.
-    /// @return whether the service took it
+    /// @return whether the service accepted it
     bool Query(const wchar_t* wql, IEnumWbemClassObject** result);
 
     /// Reads a property; one that holds null becomes the empty string.
@@ -57,7 +57,7 @@ private:
     template <typename TakeObject>
     bool ForEach(const wchar_t* wql, ULONG count, const wchar_t* errorLine, TakeObject take);
 
-    /// Reads up to so many objects of a query in one call.
+    /// Reads at most the given number of objects of a query in one call.
     std::vector<Microsoft::WRL::ComPtr<IWbemClassObject>> Read(const wchar_t* wql, ULONG count);
 
     bool initialised = false;

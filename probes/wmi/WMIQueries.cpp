@@ -1,4 +1,4 @@
-// The six queries of the WMI probe: which property fills which member of which record.
+// The six queries of the WMI probe: the properties that fill the members of each record.
 #include <comutil.h>
 
 #include <variant>
@@ -27,7 +27,7 @@ struct Row {
     std::variant<std::wstring Record::*, Name Record::*, std::optional<std::int32_t> Record::*,
                  Speed Record::*, Ignored>
         member;
-    const wchar_t* logged = nullptr;  ///< what the log puts before the text that was read
+    const wchar_t* logged = nullptr;  ///< the log's words before the text that was read
 };
 
 constexpr Row<CpuInfo> ProcessorRows[] = {{L"Name", &CpuInfo::name, L"WMI CPU: "},
@@ -36,7 +36,7 @@ constexpr Row<CpuInfo> ProcessorRows[] = {{L"Name", &CpuInfo::name, L"WMI CPU: "
                                           {L"Caption", &CpuInfo::caption}};
 constexpr Row<DiskInfo> DiskRows[] = {
     {L"Model", &DiskInfo::model}, {L"Name", &DiskInfo::deviceName}, {L"Index", &DiskInfo::number}};
-// "Version" is what support compares with the one that is stored; "name" has always been asked for like this.
+// Support compares "Version" with the stored one; "name" has always been in lower case.
 constexpr Row<BiosInfo> BiosRows[] = {{L"Version", Ignored()},
                                       {L"name", &BiosInfo::name},
                                       {L"Manufacturer", &BiosInfo::manufacturer},
@@ -92,7 +92,7 @@ void Fill(IWbemClassObject* object, const Row<Record> (&rows)[Count], Record& re
 
 }  // namespace
 
-/// Has each object of a query taken. What cannot be converted ends the query.
+/// Passes each object of a query to a function. A property that cannot be converted ends the query.
 /// @param errorLine null for a query without a line: its detector has other sources
 /// @return whether an object was read
 template <typename TakeObject>

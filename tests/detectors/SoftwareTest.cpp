@@ -110,7 +110,7 @@ TEST_F(FaultySoftware, GivesWhatTheOtherSourcesHaveWhenOneFails)
     expected.emplace_back(L"73229[0]=4.4");
     const test::LogCapture log(2);
     EXPECT_EQ(test::FindSoftware(planted.functions), expected);
-    EXPECT_EQ(log.Lines(), (Lines{L"WARN The installer does not tell its products: 1601",
+    EXPECT_EQ(log.Lines(), (Lines{L"WARN The installer cannot list its products: 1601",
                                   L"ERR Error while looking for a product."}));
     EXPECT_EQ(refused, 1);
 }

@@ -95,7 +95,7 @@ TEST(Edid, IsTheOverrideBeforeTheMonitorsOwn)
     machine.Write(key + L"\\EDID_OVERRIDE", L"0", REG_BINARY, other.data(), 127);
     EXPECT_STREQ(ReadMonitorEdid(instance)->year->ToString(), L"2016");
     EXPECT_EQ(log.Lines(),
-              std::vector<std::wstring>{L"WARN The EDID of a monitor is wrong: DISPLAY\\DEL40A5"});
+              std::vector<std::wstring>{L"WARN A monitor's EDID is not valid: DISPLAY\\DEL40A5"});
 }
 
 }  // namespace

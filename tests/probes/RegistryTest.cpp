@@ -87,7 +87,7 @@ TEST(Registry, WarnsOfWhatTheProcessorsKeyLacks)
     EXPECT_EQ(
         log.Lines(),
         (Lines{missing + key + L" ProcessorNameString", L"TRACE Name = L", missing + key + L" Platform ID",
-               L"WARN Registry value is missing or of no use: " + key + L" Update Signature",
+               L"WARN Registry value is missing or not usable: " + key + L" Update Signature",
                missing + chipset + L"version", missing + chipset + L"infver"}));
     machine.Write(key, L"Update Signature", L"12345");
     Registry::Instance().GetCpuInfo(info);
