@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Checks the format of all sources, their includes against the list of floors, the page of value ids against the
+# Checks the format of all sources, their includes against scripts/floors.txt, the page of value ids against the
 # catalogue, the C++ (clang-tidy), the shell scripts (shellcheck) and the Python (flake8). Takes C++ files for clang-tidy
-# as arguments, or all; with --quick first, of its
-# checks only those that take little, names among them: all of them take as long as building and testing together.
+# as arguments, or all. With --quick first, clang-tidy runs its cheap checks only, names among them: all checks take as
+# long as building and testing together.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -17,10 +17,15 @@ if [ "${1:-}" = --quick ]; then
   checks=(--checks='-*,readability-identifier-naming,modernize-use-override,modernize-use-nullptr,misc-unused-using-decls,bugprone-use-after-move,cppcoreguidelines-slicing,performance-unnecessary-value-param,performance-for-range-copy')
   shift
 fi
-scripts/build.sh release kel_control  # the headers that the build writes
+# Without precompiled headers: the linter's compiler cannot read another one's, and a missing include shows.
+scripts/setup.sh
+scripts/setup.sh --server
+cmake --preset release -B build/lint -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
+cmake --build build/lint --target type_library  # the header that it writes
+cmake -S server -B build/lint_server -G Ninja -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
 
 # The system folders of the cross-compiler, as it tells them; clang brings its own builtin ones.
-options=(-p build/release --extra-arg=--target=x86_64-w64-mingw32
+options=(-p build/lint --extra-arg=--target=x86_64-w64-mingw32
   --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-ignored-optimization-argument)
 while read -r folder; do
   options+=(--extra-arg=-isystem --extra-arg="$folder")
@@ -35,11 +40,11 @@ for file in "${files[@]}"; do
   case $file in server/* | tests/server/* | tools/load/*) server+=("$file") ;; *) control+=("$file") ;; esac
 done
 tidy() {
-  xargs -0 -n 4 -P "$(nproc)" clang-tidy --quiet ${checks[0]:+"${checks[@]}"} "$@" 2>/dev/null
+  xargs -0 -n 4 -P "$(nproc)" clang-tidy --quiet ${checks[0]:+"${checks[@]}"} "$@" \
+    2> >(grep --line-buffered -vE '^[0-9]+ warnings? generated\.$' >&2)
 }
 if [ ${#server[@]} -gt 0 ]; then
-  scripts/build.sh server
-  printf '%s\0' "${server[@]}" | tidy -p build/server --extra-arg=-Wno-unknown-warning-option
+  printf '%s\0' "${server[@]}" | tidy -p build/lint_server --extra-arg=-Wno-unknown-warning-option
 fi
 if [ ${#control[@]} -gt 0 ]; then
   printf '%s\0' "${control[@]}" | tidy "${options[@]}"
