@@ -57,7 +57,7 @@ VersionRecord RecordOf(const OSInfo& info)
             version(info.servicePackMinor),
             Name(std::to_wstring(info.suiteMask)),
             Name(std::to_wstring(info.productType)),
-            Name(Hexadecimal(GetUserDefaultLCID(), 4))};
+            Name(Hexadecimal(info.locale, 4))};
 }
 
 }  // namespace

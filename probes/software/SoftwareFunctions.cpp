@@ -2,6 +2,7 @@
 
 #include <msi.h>
 
+#include "diag/Log.h"
 #include "platform/Library.h"
 
 namespace kel {
@@ -18,9 +19,10 @@ template <typename Function>
 Function* SystemFunction(const wchar_t* library, const char* name)
 {
     const HMODULE module = LoadSystemLibrary(library).release();
-    return module == nullptr
-               ? nullptr
-               : reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    const FARPROC function = module != nullptr ? GetProcAddress(module, name) : nullptr;
+    if (function == nullptr)
+        WriteLog(LogTrace, L"The system has no function ", name);
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(function));
 }
 
 std::wstring Expand(const std::wstring& text)

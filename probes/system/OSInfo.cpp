@@ -42,6 +42,7 @@ OSFunctions OSFunctions::OfSystem()
         KernelFunction<BOOL WINAPI(DWORD, DWORD, DWORD, DWORD, DWORD*)>("GetProductInfo"));
     functions.isWow64Process = Wrap<decltype(functions.isWow64Process)>(
         KernelFunction<BOOL WINAPI(HANDLE, BOOL*)>("IsWow64Process"));
+    functions.getUserDefaultLCID = &GetUserDefaultLCID;
     return functions;
 }
 
@@ -73,6 +74,7 @@ OSInfo ReadOSInfo(const OSFunctions& functions)
     if (info.major == 6 && functions.getProductInfo)
         functions.getProductInfo(info.major, info.minor, 0, 0, &info.edition);
     info.isServerR2 = functions.getSystemMetrics(SM_SERVERR2) != 0;
+    info.locale = functions.getUserDefaultLCID();
     return info;
 }
 

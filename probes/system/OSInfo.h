@@ -22,6 +22,7 @@ struct OSInfo {
     WORD architecture = 0;  ///< as GetNativeSystemInfo gives it
     DWORD edition = 0;      ///< as GetProductInfo gives it; 0 when unknown
     bool isServerR2 = false;
+    LCID locale = 0;  ///< the user's, not the system's
 };
 
 /// The system's functions for its version; a test replaces them.
@@ -31,6 +32,7 @@ struct OSFunctions {
     boost::function<void(SYSTEM_INFO&)> getNativeSystemInfo;                   ///< may be missing
     boost::function<BOOL(DWORD, DWORD, DWORD, DWORD, DWORD*)> getProductInfo;  ///< may be missing
     boost::function<BOOL(HANDLE, BOOL*)> isWow64Process;                       ///< may be missing
+    boost::function<LCID()> getUserDefaultLCID;
 
     /// The system's own.
     static OSFunctions OfSystem();

@@ -73,6 +73,7 @@ TEST(CpuRules, TidyTheNameAndRateTheSpeed)
         {Amd, L"AMD 64 2800+ 3200", L"1 GHz", L"3200000000Hz"},
         {Amd, L"AMD 1000", L"999 MHz", L"1000000000Hz"},
         {Amd, L"AMD 12345", L"1 GHz", L"2345000000Hz"},  // four digits at a time: the last four win
+        {Amd, L"AMD 20000", L"1 GHz", L"2000000000Hz"},
         {Amd, L"3000", L"1 GHz", L""},
         {Amd, L"AMD 999", L"1 Hz", L""},
         {Other, L"Chip 3000", L"1 GHz", L""},

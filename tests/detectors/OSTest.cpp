@@ -20,7 +20,7 @@ enum Architecture : WORD { X86 = 0, Arm = 5, Itanium = 6, X64 = 9 };
 OSInfo Info(DWORD major, DWORD minor, ProductType type, Architecture architecture, WORD suite = 0,
             DWORD edition = 0)
 {
-    return {true, 2, major, minor, 1, L"", 0, 0, suite, type, architecture, edition, false};
+    return {true, 2, major, minor, 1, L"", 0, 0, suite, type, architecture, edition, false, 0};
 }
 
 TEST(OSName, IsCutAtItsLongest)
@@ -95,10 +95,10 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
     emulating.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE; };
     emulating.getNativeSystemInfo = [](SYSTEM_INFO& system) { system.wProcessorArchitecture = 0; };
     emulating.getProductInfo.clear();
+    emulating.getUserDefaultLCID = [] { return LCID{0x0C07}; };  // not the system's
     EXPECT_TRUE(OS().Detect(emulating));
     EXPECT_EQ(session.Texts({71264, 71361}), L"Yes|No|");
-    EXPECT_EQ(std::stoul(session.Text(71388), nullptr, 16), GetUserDefaultLCID());
-    EXPECT_EQ(session.Text(71388).size(), 4U);
+    EXPECT_EQ(session.Text(71388), L"0C07");
 }
 
 TEST(OS, StoresItsFlagsFirstAndAnErrorLeavesThem)

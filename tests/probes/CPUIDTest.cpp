@@ -89,5 +89,15 @@ TEST(SystemCpu, MeasuresTheTimeStampCounter)
     EXPECT_GE(lastTick - firstTick, 990U);
 }
 
+TEST(SystemCpu, CountsTheProcessorsAndMeasuresTheirSpeed)
+{
+    CpuInfo info;
+    EXPECT_TRUE(GetSystemCpuInfo(info));
+    SYSTEM_INFO system = {};
+    GetSystemInfo(&system);
+    EXPECT_EQ(info.processorCount, std::to_wstring(system.dwNumberOfProcessors));
+    EXPECT_GT(info.speed.Hertz(), 100'000'000U);
+}
+
 }  // namespace
 }  // namespace kel

@@ -68,6 +68,23 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
     EXPECT_THROW(RunWithin(5s, [](InternetSession&) { throw std::length_error("x"); }), std::length_error);
 }
 
+TEST(Exchange, IsInTheStageThatWinINetReports)
+{
+    InternetSession session;
+    const auto report = InternetSetStatusCallbackW(session.Open(), nullptr);
+    const std::pair<DWORD, const char*> rows[] = {
+        {INTERNET_STATUS_RESOLVING_NAME, ExchangeStage::Opening},
+        {INTERNET_STATUS_SENDING_REQUEST, ExchangeStage::Sending},
+        {INTERNET_STATUS_CONNECTING_TO_SERVER, ExchangeStage::Opening},  // once more, after a redirect
+        {INTERNET_STATUS_REQUEST_SENT, ExchangeStage::WaitingForHeaders},
+        {INTERNET_STATUS_REDIRECT, ExchangeStage::WaitingForHeaders},
+    };
+    for (const auto& [status, stage] : rows) {
+        report(nullptr, session.Context(), status, nullptr, 0);
+        EXPECT_STREQ(session.Stage(), stage) << status;
+    }
+}
+
 TEST(Exchange, IsSkippedAfterOneOfTheSameCallEndedAtALimit)
 {
     WebServiceUpload request(L"x");

@@ -21,6 +21,7 @@ struct Screen {
     std::wstring instance;  ///< with "#" in place of "\"
     int isHdr = -1;         ///< -1: the system does not tell
     UINT32 pixelFormat = DISPLAYCONFIG_PIXELFORMAT_32BPP;
+    LUID adapter = {};  ///< sources are numbered on each from 0
 };
 
 struct FakeDisplays {
@@ -50,8 +51,10 @@ struct FakeDisplays {
             for (UINT32 place = 0; place < screens.size(); ++place) {
                 const Screen& screen = screens[place];
                 paths[place] = {};
+                paths[place].sourceInfo.adapterId = screen.adapter;
                 paths[place].sourceInfo.id = screen.source;
                 paths[place].sourceInfo.modeInfoIdx = place;
+                paths[place].targetInfo.adapterId = screen.adapter;
                 paths[place].targetInfo.id = place;
                 paths[place].targetInfo.refreshRate = screen.rate;
                 paths[place].targetInfo.outputTechnology =
@@ -67,6 +70,8 @@ struct FakeDisplays {
         };
         functions.displayConfigGetDeviceInfo = [this](DISPLAYCONFIG_DEVICE_INFO_HEADER* header) -> LONG {
             const Screen& screen = screens[header->id];
+            if (std::memcmp(&header->adapterId, &screen.adapter, sizeof(LUID)) != 0)
+                return ERROR_INVALID_PARAMETER;
             if (header->type == DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_NAME) {
                 auto& told = *reinterpret_cast<DISPLAYCONFIG_TARGET_DEVICE_NAME*>(header);
                 wcscpy(told.monitorFriendlyDeviceName, screen.name.c_str());

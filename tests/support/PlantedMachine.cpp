@@ -1,5 +1,6 @@
 #include "support/PlantedMachine.h"
 
+#include <bit>
 #include <functional>
 
 #include "detectors/Detectors.h"
@@ -153,7 +154,7 @@ void PlantedMachine::PlantGraphics()
 void PlantedMachine::PlantDisplays()
 {
     for (const std::wstring& line : machine[L"screen"]) {
-        const Lines fields = FieldsOf(line, 12);
+        const Lines fields = FieldsOf(line, 13);
         const auto number = [&fields](std::size_t place, int base = 10) {
             return static_cast<UINT32>(NumberOf(fields[place], base));
         };
@@ -167,7 +168,8 @@ void PlantedMachine::PlantDisplays()
                                     fields[8],
                                     fields[9],
                                     fields[10].empty() ? -1 : std::stoi(fields[10]),
-                                    fields[11].empty() ? DISPLAYCONFIG_PIXELFORMAT_32BPP : number(11)});
+                                    fields[11].empty() ? DISPLAYCONFIG_PIXELFORMAT_32BPP : number(11),
+                                    std::bit_cast<LUID>(NumberOf(fields[12], 16))});
     }
     for (const std::wstring& what : machine[L"displays"]) {
         displays.isRemote |= what == L"remote";

@@ -1,0 +1,35 @@
+#include <gmock/gmock.h>
+
+#include "probes/GraphicsFunctions.h"
+#include "probes/OSInfo.h"
+#include "probes/SoftwareFunctions.h"
+#include "support/LogCapture.h"
+
+namespace kel {
+namespace {
+
+/// Of the functions that are looked up when they are needed, Wine lacks three.
+TEST(SystemFunctions, AreFoundByTheirNames)
+{
+    const test::LogCapture log(LogTrace);
+    EXPECT_EQ(OSFunctions::OfSystem().getUserDefaultLCID(), GetUserDefaultLCID());
+    const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
+    graphics.getDriverModel({});
+    OSVERSIONINFOW version = {};
+    graphics.getVersion(version);
+    EXPECT_GE(version.dwMajorVersion, 6U);
+    const SoftwareFunctions software = SoftwareFunctions::OfSystem();
+    wchar_t text[MAX_PATH] = {};
+    DWORD size = MAX_PATH;
+    software.versionRecord(L"none");
+    software.relatedProduct(L"none", 0, text);
+    software.productInfo(L"none", L"VersionString", text, &size);
+    software.packages(L"none");
+    software.packageFolder(L"none");
+    EXPECT_THAT(log.Lines(), testing::IsSubsetOf({L"WARN The system has no function D3DKMTQueryAdapterInfo",
+                                                  L"TRACE The system has no function GetPackagesByPackageFamily",
+                                                  L"TRACE The system has no function GetPackagePathByFullName"}));
+}
+
+}  // namespace
+}  // namespace kel
