@@ -1,12 +1,11 @@
 // The check's page: the control's verdict, or a rough answer of what the browser itself tells. The verdict came over plain
 // HTTP: its texts go into text nodes, and nothing of it becomes markup.
 (function () {
-  // What the browser can judge by itself when there is no control: a name, what is needed, and what it found.
+  // What the browser can judge by itself on Windows when there is no control: a name, what is needed, and what it found.
   var ROUGH = [
     ["Processors", "at least 2", function () { return navigator.hardwareConcurrency; }, 2],
     ["Memory class (GB)", "at least 2", function () { return navigator.deviceMemory; }, 2],
-    ["Graphics", "any", renderer, null],
-    ["System", "any", platform, null]
+    ["Graphics", "any", renderer, null]
   ];
   var MARKS = { pass: "\u2713 Meets", fail: "\u2717 Does not meet", unknown: "? Not known" };
   var TOTALS = {
@@ -57,16 +56,19 @@
   }
 
   function showVerdict(verdict) {
-    var total = /<analysis result="(\w+)"/.exec(verdict), line = /<requirement result="(\w+)">(.*?)<\/requirement>/g;
-    if (!total) {
-      say("total", verdict || "The analysis service gave no answer.", "total unknown");
+    var total = /^<analysis result="(pass|fail|unknown)" [\s\S]*<\/analysis>$/.exec(verdict);
+    var line = /<requirement result="(\w+)">([\s\S]*?)<\/requirement>/g;
+    if (!total) {  // nothing, or another answer, such as a proxy's error page
+      say("total", "The analysis service gave no verdict.", "total unknown");
+      say("note", "Please try again later.");
+      if (window.console) window.console.log("Instead of a verdict: " + verdict);
       return;
     }
     for (var match; (match = line.exec(verdict)) !== null;) {
       showRow(textOf(match[2], "label"), textOf(match[2], "needed"), textOf(match[2], "found"), match[1],
         textOf(match[2], "advice"), match[2].indexOf("<recommended/>") >= 0);
     }
-    say("total", TOTALS[total[1]] || TOTALS.unknown, "total " + total[1]);
+    say("total", TOTALS[total[1]], "total " + total[1]);
   }
 
   function renderer() {
@@ -75,9 +77,11 @@
     return names ? context.getParameter(names.UNMASKED_RENDERER_WEBGL) : "";
   }
 
-  function platform() {
+  function showOtherSystem() {
     var data = navigator.userAgentData;
-    return data ? data.platform : navigator.platform;
+    showRow("System", "Windows", data && data.platform || navigator.platform, "fail", "");
+    say("total", "No: this product needs Windows.", "total fail");
+    say("note", "To check a computer with Windows, open this page on it.");
   }
 
   function showRough() {
@@ -101,7 +105,8 @@
     try {
       verdict = control.Analysis("requirements", "xml", "1.0");
     } catch (error) {
-      showRough();
+      if (/Windows NT/.test(navigator.userAgent)) showRough();
+      else showOtherSystem();
       return;
     }
     showVerdict(verdict);

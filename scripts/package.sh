@@ -6,8 +6,5 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh --package
 scripts/build.sh release Detection
-scripts/sign.sh build/release/Detection.dll
 rm -rf build/package
 python3 tools/packaging "$@"
-shopt -s nullglob
-scripts/sign.sh build/package/*.msi build/package/*.cab

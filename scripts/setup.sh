@@ -12,7 +12,7 @@ display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
 server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake ninja-build
   python3)
 service_packaging=("${server[@]}" dpkg-dev adduser)
-packaging=(wixl msitools faketime osslsigncode openssl gcab)
+packaging=(wixl msitools faketime osslsigncode openssl gcab git)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
 [ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver mono-mcs postgresql
   "${service_packaging[@]}" nginx openssl systemd curl iproute2)

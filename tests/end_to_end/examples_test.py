@@ -1,5 +1,6 @@
 """The examples in their hosts, as far as those are here, against the demo's requirements."""
 
+import base64
 import json
 import os
 import py_compile
@@ -10,11 +11,15 @@ import unittest
 from pathlib import Path
 
 from harness import CLASS_ID, CSCRIPT, EXAMPLES, PROGRAMS, ROOT, ControlTest, windows_path, wine
+from webdriver import Browser
 
 # What a page's script needs of a browser; each text node is a line of output.
 BROWSER = (Path(__file__).parent / "browser.js").read_text("ascii")
-CHROMIUM = ("chromium", "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--hide-scrollbars",
-            "--disable-background-networking", "--disable-component-update", "--disable-sync", "--virtual-time-budget=5000")
+WINDOWS, LINUX, IPHONE, MAC, ANDROID = (  # what a browser says of its system: its agent and its platform
+    (f"Mozilla/5.0 ({system}) AppleWebKit/537.36 (KHTML, like Gecko) Safari/537.36", platform) for system, platform in (
+        ("Windows NT 10.0; Win64; x64", "Win32"), ("X11; Linux x86_64", "Linux x86_64"),
+        ("iPhone; CPU iPhone OS 17_0 like Mac OS X", "iPhone"), ("Macintosh; Intel Mac OS X 10_15_7", "MacIntel"),
+        ("Linux; Android 10; K", "Linux armv8l")))
 VERDICT = re.sub("\n *", "", (Path(__file__).parent / "verdict.xml").read_text("ascii"))
 
 
@@ -66,38 +71,58 @@ class Examples(ControlTest):
 
 
 class Page(unittest.TestCase):
-    """The page in a real browser, with a control's verdict and without. Pictures are left to be looked at."""
+    """The page in a real browser, with a control's answer and without. Pictures are left to be looked at."""
 
-    def show(self, name, verdict):
-        """The page's rows and total as the browser shows them, and all of it."""
-        folder = ROOT / "build" / "page"
-        shutil.copytree(EXAMPLES, folder, dirs_exist_ok=True)
+    def setUp(self):
+        self.folder = ROOT / "build" / "page"
+        shutil.copytree(EXAMPLES, self.folder, dirs_exist_ok=True)
+        self.browser = Browser(self)
+
+    def show(self, name, answer=None, system=WINDOWS):
+        """The page's rows, and its total, note and offer, None where hidden; with a control that answers, or without one."""
         page = (EXAMPLES / "check.html").read_text("utf-8")
-        control = f"<script>document.getElementById('control').Analysis = function () {{ return '{verdict}'; }};</script>"
-        (folder / f"{name}.html").write_text(page.replace("</object>", "</object>" + control) if verdict else page, "utf-8")
-        tree = subprocess.run([*CHROMIUM, f"--user-data-dir={folder / 'profile'}", "--window-size=1000,900", "--dump-dom",
-                               f"--screenshot={folder / name}.png", f"file://{folder / name}.html"], check=True, timeout=120,
-                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
-        body = re.search("<tbody>(.*?)</tbody>", tree, re.DOTALL)[1]
-        rows = [re.sub("(<[^>]+>)+", "|", row).strip("|") for row in re.findall("<tr.*?</tr>", body, re.DOTALL)]
-        return rows, re.search(r'id="total"[^>]*>([^<]*)<', tree)[1], tree
+        if answer is not None:
+            control = f"document.getElementById('control').Analysis = function () {{ return {json.dumps(answer)}; }};"
+            page = page.replace("</object>", f"</object><script>{control}</script>")
+        (self.folder / f"{name}.html").write_text(page, "utf-8")
+        self.browser.command("Emulation.setUserAgentOverride", dict(zip(("userAgent", "platform"), system)))
+        self.browser.go(f"file://{self.folder / name}.html")
+        picture = self.browser.ask("GET", "/screenshot", None)
+        (self.folder / f"{name}.png").write_bytes(base64.b64decode(picture))
+        return self.browser.run("""
+            const rows = document.querySelectorAll("tbody tr"), texts = document.querySelectorAll("#total, #note, #offer");
+            return [Array.from(rows, (row) => Array.from(row.cells, (cell) => cell.innerText)),
+                    ...Array.from(texts, (text) => text.offsetParent && text.innerText)];""")
 
     def test_it_shows_the_controls_verdict_as_text(self):
-        rows, total, tree = self.show("verdict", VERDICT)
-        self.assertEqual(rows, ["Memory|at least 2 GB|7.8 GB|\u2713 Meets",
-                                "Not portable|no|Yes|\u2717 Does not meet|Use &lt;b&gt;another&lt;/b&gt; machine.",
-                                "Bandwidth|at least 1 Mbps|\u2013|? Not known",
-                                "Graphics |Recommended|at least 6 GB, or at least version 12.0|4.0 GB; 11.1|"
-                                "\u2717 Does not meet"])
-        self.assertEqual(total, "No: this machine does not meet all requirements.")
-        for text in ('id="offer" hidden', 'role="status"'):
-            self.assertIn(text, tree)
-        self.assertEqual(self.show("no-answer", " ")[:2], ([], " "))
+        rows, total, note, offer = self.show("verdict", VERDICT)
+        self.assertEqual(rows, [["Memory", "at least 2 GB", "7.8 GB", "\u2713 Meets"],
+                                ["Not portable", "no", "Yes", "\u2717 Does not meet\nUse <b>another</b> machine."],
+                                ["Bandwidth", "at least 1 Mbps", "\u2013", "? Not known"],
+                                ["Graphics\nRecommended", "at least 6 GB, or at least version 12.0", "4.0 GB; 11.1",
+                                 "\u2717 Does not meet"]])
+        self.assertEqual((total, note, offer), ("No: this machine does not meet all requirements.", None, None))
+        self.assertIn('id="total" class="total fail" role="status"', self.browser.ask("GET", "/source"))
 
-    def test_without_a_control_it_says_that_the_answer_is_rough_and_offers_the_package(self):
-        rows, total, tree = self.show("rough", None)
-        self.assertRegex(rows[0], rf"^Processors\|at least 2\|{os.cpu_count()}\|")
-        self.assertEqual(len(rows), 4)
+    def test_an_answer_that_is_not_a_verdict_is_not_shown(self):
+        for name, answer in (("none", ""), ("refusal", "Referrer 'unknown' is not known."), ("truncated", VERDICT[:-1]),
+                             ("other result", VERDICT.replace('"fail"', '"maybe"', 1)),
+                             ("error page", f"<html><h1>502 Bad Gateway</h1>{VERDICT}</html>")):
+            with self.subTest(name):
+                self.assertEqual(self.show("no-verdict", answer),
+                                 [[], "The analysis service gave no verdict.", "Please try again later.", None])
+
+    def test_without_a_control_on_windows_it_says_that_the_answer_is_rough_and_offers_the_package(self):
+        rows, total, note, offer = self.show("rough")
+        self.assertEqual(rows[0][:3], ["Processors", "at least 2", str(os.cpu_count())])
+        self.assertEqual(len(rows), 3)
         self.assertRegex(total, "^(Probably|Perhaps)")
-        self.assertIn("This is a rough answer", tree)
-        self.assertNotIn('id="offer" hidden', tree)
+        self.assertIn("This is a rough answer", note)
+        self.assertIn("Get the exact answer", offer)
+
+    def test_on_another_system_it_says_that_the_product_needs_windows(self):
+        for name, system in (("linux", LINUX), ("iphone", IPHONE), ("mac", MAC), ("android", ANDROID)):
+            with self.subTest(name):
+                self.assertEqual(self.show(name, system=system), [
+                    [["System", "Windows", system[1], "\u2717 Does not meet"]], "No: this product needs Windows.",
+                    "To check a computer with Windows, open this page on it.", None])

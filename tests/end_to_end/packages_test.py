@@ -2,34 +2,37 @@
 
 import os
 import shutil
+import re
 import subprocess
 import sys
 import tempfile
 import unittest
 import zipfile
 from pathlib import Path
+from unittest import mock
 
 from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall"
 OLDER_REFUSED = 1603 & 0xFF  # an exit code is a byte here
+UNATTENDED = ("/qn", "/norestart")
 ARCHIVER = "Value(73226) + control.Value(73227)"  # whether it is there, and its version
 
 
-def package(output, *arguments):
+def package(output, *arguments, dll=DLL):
     """Makes the packages: their paths by name."""
-    subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", DLL, "--output", output, *arguments],
+    subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", dll, "--output", output, *arguments],
                    check=True, capture_output=True)
     return {path.name: path for path in Path(output).iterdir() if path.is_file()}
 
 
 def install(path, *options):
-    return wine("msiexec", "/qn", "/i", windows_path(path), *options).code
+    return wine("msiexec", *UNATTENDED, "/i", windows_path(path), *options).code
 
 
 def remove(path):
-    return wine("msiexec", "/qn", "/x", windows_path(path)).code
+    return wine("msiexec", *UNATTENDED, "/x", windows_path(path)).code
 
 
 def exported(text):
@@ -44,12 +47,16 @@ def exported(text):
 
 
 class Packages(unittest.TestCase):
-    """Has a prefix, and the packages of this version and of the next one."""
+    """Has a prefix, and the packages of this version, of this version for another host, and of the next version."""
 
     @classmethod
     def setUpClass(cls):
         make_prefix(cls)
         cls.now = package(cls.folder / "now", "--version", "4.5.1", "--cab")
+        cls.other_dll = cls.folder / "other.dll"
+        hosts = (name.encode("utf-16-le") for name in ("keldane.example", "another.example"))
+        cls.other_dll.write_bytes(DLL.read_bytes().replace(*hosts))
+        cls.other = package(cls.folder / "other", "--version", "4.5.1", dll=cls.other_dll)
         cls.next = package(cls.folder / "next", "--version", "4.6.0")
 
     def setUp(self):
@@ -104,6 +111,12 @@ class Packages(unittest.TestCase):
                     self.assertEqual(self.registry(key) == clean, not key.startswith(root))
                 # With this key, the control would keep its identifier of the machine.
                 self.assertEqual(self.registry(r"HKCU\Software\Keldane"), {})
+                # One for another host, then the first one again: each replaces the other.
+                for packages, content in ((self.other, self.other_dll), (self.now, DLL)):
+                    self.assertEqual(install(packages[now.name]), 0)
+                    [dll] = map(Path, self.dlls())
+                    self.assertTrue(dll.read_bytes() == content.read_bytes(), f"{content} is not installed")
+                    self.assertEqual((self.entries(), self.ask("Version")), (['"4.5.1"'], version))
                 self.assertEqual(install(newer), 0)
                 self.assertEqual(install(now), OLDER_REFUSED)
                 self.assertEqual((self.entries(), self.ask("Version")), (['"4.6.0"'], version))
@@ -145,24 +158,47 @@ class Packages(unittest.TestCase):
                              set(os.listdir(folder)))
         self.assertEqual(len(os.listdir(Path(folder) / "licences")), 3)
 
-    def test_a_changed_byte_shows_in_what_is_signed(self):
+    @unittest.skipUnless((ROOT / ".git").exists(), "not a working copy")
+    def test_an_archive_has_tracked_files_only(self):
+        note = ROOT / "examples" / "a note.txt"
+        self.addCleanup(note.unlink)
+        note.write_text("untracked")
+        packages = package(self.folder / "tracked", "--version", "4.5.1")
+        with zipfile.ZipFile(packages["Detection-4.5.1-x64.zip"]) as zipped:
+            names = {name for name in zipped.namelist() if name.startswith("examples/")}
+        tracked = subprocess.run(["git", "ls-files", "-z", "examples"], cwd=ROOT, check=True, capture_output=True, text=True)
+        self.assertEqual(names, set(tracked.stdout.split("\0")[:-1]))
+
+    def test_no_documented_command_restarts_the_machine(self):
+        for page in (ROOT / "docs").glob("*.md"):
+            for command in re.findall(r"msiexec [^`\n]*/qn[^`\n]*", page.read_text("utf-8")):
+                self.assertIn("/norestart", command, page.name)
+
+    def test_signed_packages_have_their_checksums_and_show_a_changed_byte(self):
         def run(*command, **variables):
-            return subprocess.run(command, env=os.environ | variables, check=False, capture_output=True, text=True)
+            return subprocess.run(command, check=False, capture_output=True, text=True, **variables)
         key, certificate, pin = (str(self.folder / name) for name in ("code.key", "code.pem", "pin"))
         Path(pin).write_text("secret")
         run("openssl", "req", "-x509", "-newkey", "rsa:2048", "-passout", "file:" + pin, "-keyout", key, "-out", certificate,
             "-subj", "/CN=Test", "-days", "2", "-addext", "extendedKeyUsage=codeSigning")
         signer = {"KEL_SIGN_KEY": key, "KEL_SIGN_CERTIFICATES": certificate, "KEL_SIGN_PIN_FILE": pin}
-        for original in (DLL, self.now["Detection-4.5.1-x64.msi"]):
-            path = Path(shutil.copy(original, self.folder / "signed"))
-            for word, variables in (("unsigned", {}), ("signed", signer)):
-                self.assertEqual(run(ROOT / "scripts" / "sign.sh", path, **variables).stdout, f"{word}: {path}\n")
-            verify = ("osslsigncode", "verify", "-CAfile", certificate, "-in", path)
-            self.assertEqual(run(*verify).returncode, 0)
-            content = bytearray(path.read_bytes())
-            content[len(content) // 2] ^= 1
-            path.write_bytes(content)
-            self.assertEqual(run(*verify).returncode, 1)
+        with mock.patch.dict(os.environ, signer):
+            signed = package(self.folder / "signed", "--version", "4.5.1", "--cab")
+        sums = run("sha256sum", "--check", "SHA256SUMS", cwd=self.folder / "signed")
+        signed.pop("SHA256SUMS")
+        self.assertEqual(sorted(sums.stdout.splitlines()), sorted(f"{name}: OK" for name in signed))
+        with zipfile.ZipFile(signed.pop("Detection-4.5.1-x64.zip")) as zipped:
+            signed["Detection.dll"] = Path(zipped.extract("Detection.dll", self.folder))
+        run("msiextract", "-C", self.folder / "extracted", signed["Detection-4.5.1-x64.msi"])
+        [signed["the installer's DLL"]] = (self.folder / "extracted").rglob("Detection.dll")
+        verify = ("osslsigncode", "verify", "-CAfile", certificate, "-in")
+        for path in signed.values():
+            with self.subTest(path.name):
+                self.assertEqual(run(*verify, path).returncode, 0)
+                content = bytearray(path.read_bytes())
+                content[len(content) // 2] ^= 1
+                path.write_bytes(content)
+                self.assertEqual(run(*verify, path).returncode, 1)
 
     def test_a_product_is_there_by_its_upgrade_code_and_with_its_file(self):
         product = self.folder / "product.msi"

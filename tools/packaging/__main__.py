@@ -1,4 +1,5 @@
-"""Makes the packages out of a built DLL: two installers, an archive, and on demand a cabinet."""
+"""Makes the packages out of a built DLL: two installers, an archive, and on demand a cabinet. Signs the DLL in them and
+the packages when a certificate is given (scripts/sign.sh)."""
 
 import argparse
 import datetime
@@ -43,14 +44,26 @@ def digest(content):
     return hashlib.sha256(content).hexdigest()
 
 
+def sign(*paths):
+    subprocess.run([ROOT / "scripts" / "sign.sh", *paths], check=True)
+
+
+def archived_sources():
+    """The documents and examples. In a working copy only tracked files: others may be anybody's notes."""
+    if (ROOT / ".git").exists():
+        listed = subprocess.run(["git", "ls-files", "-z", "--error-unmatch", "examples", *DOCUMENTS], cwd=ROOT, check=True,
+                                stdout=subprocess.PIPE, text=True).stdout
+        return listed.rstrip("\0").split("\0")
+    examples = (ROOT / "examples").rglob("*")
+    return [*DOCUMENTS, *(str(path.relative_to(ROOT)) for path in examples if path.is_file())]
+
+
 def archive(version, dll, target):
     """The archive: the DLL, the manifest, the examples, the licences of what is linked in, and what it is made of."""
     content = dll.read_bytes()
     files = {"Detection.dll": content, "Detection.manifest": assembly.manifest(version).encode(),
              "Detection.cdx.json": bill.bill(version, digest(content)).encode(), **bill.licences()}
-    for path in [ROOT / name for name in DOCUMENTS if (ROOT / name).exists()] + sorted((ROOT / "examples").rglob("*")):
-        if path.is_file():
-            files[str(path.relative_to(ROOT))] = path.read_bytes()
+    files |= {name: (ROOT / name).read_bytes() for name in archived_sources()}
     files["SHA256SUMS"] = "".join(f"{digest(files[name])}  {name}\n" for name in sorted(files)).encode()
     date = datetime.datetime.fromtimestamp(EPOCH, datetime.timezone.utc).timetuple()[:6]
     with ZipFile(target, "w", ZIP_DEFLATED) as zipped:
@@ -84,6 +97,7 @@ def main():
     work.mkdir(parents=True)
     dll, icon = work / "Detection.dll", work / "Detection.ico"
     shutil.copyfile(arguments.dll, dll)
+    sign(dll)
     shutil.copyfile(ROOT / "packaging" / "Detection.ico", icon)
     for path in (dll, icon):
         os.utime(path, (EPOCH, EPOCH))
@@ -95,6 +109,7 @@ def main():
     if arguments.cab:
         made.append(Path(f"{base}.cab"))
         cabinet(version, dll, work, made[-1])
+    sign(*(path for path in made if path.suffix != ".zip"))
     (output / "SHA256SUMS").write_text("".join(f"{digest(path.read_bytes())}  {path.name}\n" for path in made))
     for path in made:
         print(f"{path.stat().st_size:9,d} bytes  {path}")

@@ -16,10 +16,11 @@ COMPONENTS = {"machine": "0F5B8E63-D2A7-4C1E-9B46-83E0C7A1F5D2", "user": "94D1C7
               "machine32": "B86A2E19-5C40-4D7B-A3F2-17E9D4C0685A"}
 FOLDERS = {"machine": ("ProgramFiles64Folder", []), "user": ("LocalAppDataFolder", ["Programs"])}
 MAKER = "Keldane"
+MIGRATE_FEATURES, VERSION_MAX_INCLUSIVE = 1, 512  # bits of an upgrade row's attributes
 
 
-def product_code(scope, version):
-    return str(uuid.uuid5(NAMESPACE, f"{scope} {version}")).upper()
+def _code(kind, content):
+    return str(uuid.uuid5(NAMESPACE, f"{kind} {content}")).upper()
 
 
 def _registry(rows, root):
@@ -33,7 +34,7 @@ def _registry(rows, root):
     return "\n".join(lines)
 
 
-def source(scope, version):
+def source(scope, version, product_code):
     """The installer's source in the language of the tool that makes it."""
     wide, narrow = registration.rows("[#DetectionDll]", "[INSTALLFOLDER]")
     root = "HKLM" if scope == "machine" else "HKCU"
@@ -49,7 +50,7 @@ def source(scope, version):
     reference32 = "" if user else '<ComponentRef Id="Interface32"/>'
     return f"""<?xml version="1.0" encoding="utf-8"?>
 <Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
-  <Product Id="{product_code(scope, version)}" Name="Detection" Language="1033" Version="{version}"
+  <Product Id="{product_code}" Name="Detection" Language="1033" Version="{version}"
            Manufacturer="{MAKER}" UpgradeCode="{UPGRADE_CODES[scope]}">
     <Package InstallerVersion="500" Compressed="yes" InstallScope="per{scope.capitalize()}"
              Description="Machine inventory control"/>
@@ -73,18 +74,29 @@ def source(scope, version):
 
 
 def build(scope, version, work, target):
-    """Makes one package of the DLL and the icon in a folder; the same inputs give the same bytes."""
+    """Makes one package of the DLL and the icon in a folder; the same inputs give the same bytes.
+
+    Packages with different contents, such as DLLs for different hosts, are different products even if their version is
+    the same: the later one replaces the earlier one. With one code for both, the system would keep the earlier DLL.
+    """
     dll, icon = work / "Detection.dll", work / "Detection.ico"
     wxs = work / f"{scope}.wxs"
-    wxs.write_text(source(scope, version))
+    queries = (
+        # The tool writes no file version; a row without one beside a versioned file could keep the old file.
+        f"UPDATE `File` SET `Version`='{version}.0', `Language`='1033' WHERE `File`='DetectionDll'",
+        "DELETE FROM `MsiFileHash` WHERE `File_`='DetectionDll'",
+        # Its upgrades replace lower versions only.
+        "DELETE FROM `Upgrade` WHERE `ActionProperty`='WIX_UPGRADE_DETECTED'",
+        "INSERT INTO `Upgrade` (`UpgradeCode`, `VersionMax`, `Attributes`, `ActionProperty`) VALUES "
+        f"('{{{UPGRADE_CODES[scope]}}}', '{version}', {MIGRATE_FEATURES | VERSION_MAX_INCLUSIVE}, 'WIX_UPGRADE_DETECTED')")
+    inputs = (source(scope, version, "").encode(), *map(str.encode, queries), dll.read_bytes(), icon.read_bytes())
+    content = hashlib.sha256(b"".join(inputs)).hexdigest()
+    wxs.write_text(source(scope, version, _code("product", content)))
     for path in (wxs, dll, icon):
         os.utime(path, (EPOCH, EPOCH))
-    inputs = hashlib.sha256(wxs.read_bytes() + dll.read_bytes() + icon.read_bytes() + version.encode()).hexdigest()
     target.unlink(missing_ok=True)
     subprocess.run([*faked(), "wixl", "-a", "x64", "-o", str(target), wxs.name], cwd=work, check=True)
-    # The tool knows no version of the file; a row without one beside a versioned file could keep the old file.
-    for query in (f"UPDATE `File` SET `Version`='{version}.0', `Language`='1033' WHERE `File`='DetectionDll'",
-                  "DELETE FROM `MsiFileHash` WHERE `File_`='DetectionDll'"):
+    for query in queries:
         subprocess.run([*faked(), "msibuild", str(target), "-q", query], check=True)
-    package_code = "{" + str(uuid.uuid5(NAMESPACE, inputs)).upper() + "}"
+    package_code = "{" + _code("package", content) + "}"
     subprocess.run([*faked(), "msibuild", str(target), "-s", "Detection", MAKER, "x64;1033", package_code], check=True)
