@@ -38,7 +38,7 @@ ULONG ClassFactory::Release()
 {
     const ULONG left = --references;
     if (left == 0)
-        delete this;  // COM's way of ownership: the last reference destroys
+        delete this;  // as COM requires: the last reference destroys the object
     return left;
 }
 

@@ -6,9 +6,9 @@
 
 namespace kel {
 
-/// Where classes are registered: HKEY_CLASSES_ROOT, or the current user's classes. In the second case
-/// HKEY_CLASSES_ROOT stands for them in this process as long as the object lives, so that the type library
-/// goes there as well.
+/// The key for registrations: HKEY_CLASSES_ROOT, or the current user's classes. In the second case this
+/// process sees them as HKEY_CLASSES_ROOT while the object exists, so that the type library goes there as
+/// well.
 class ClassesRoot {
 public:
     /// @throws RegistrationError when the user's classes cannot be opened

@@ -17,7 +17,7 @@ namespace kel {
 
 namespace {
 
-/// The class is no OLE object; it only has nothing to show.
+/// The class shows nothing, and so needs no OLE flags.
 constexpr unsigned MiscStatus = OLEMISC_INVISIBLEATRUNTIME;
 
 /// The control runs in its caller's process only; its application id is its class id.
@@ -41,7 +41,7 @@ std::vector<ScriptKey> ReadScript()
                                                     {L"OLEMISC", std::to_wstring(MiscStatus)}});
 }
 
-/// Runs a registration: what it throws is logged, and is the result.
+/// Runs a registration. An exception is logged, and becomes the result.
 template <typename Body>
 HRESULT CatchFailures(Body body) noexcept
 {
@@ -89,7 +89,7 @@ HRESULT CDetectionModule::Register(bool forCurrentUser) noexcept
     const HRESULT result = CatchFailures([forCurrentUser, &isWritten] {
         const ClassesRoot root(forCurrentUser);
         Registrar(root.Key()).Register(ReadScript());
-        isWritten = true;  // a script that fails takes its keys back itself
+        isWritten = true;  // a script that fails removes its own keys
         TypeLibraryRegistrar(forCurrentUser).Register(Path());
     });
     if (FAILED(result) && isWritten)

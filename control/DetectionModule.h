@@ -18,21 +18,21 @@ public:
     bool CanUnload() const { return lockCount == 0; }
 
     /// The full path of the DLL that holds this code.
-    /// @throws std::runtime_error when the system does not tell
+    /// @throws std::runtime_error when the system cannot return it
     static std::wstring Path();
 
     /// Registers the class and the type library, for all users or for the current one only. A failed
-    /// registration takes back what it wrote, and an earlier one with it.
+    /// registration removes what it wrote, and an earlier registration as well.
     HRESULT Register(bool forCurrentUser) noexcept;
 
-    /// Takes the registration back.
+    /// Removes the registration.
     HRESULT Unregister(bool forCurrentUser) noexcept;
 
 private:
     std::atomic<long> lockCount = 0;
 };
 
-/// Counts an object among those that keep the module loaded, as long as it lives.
+/// Keeps the module loaded while it exists.
 class ModuleLock {
 public:
     ModuleLock() { CDetectionModule::Instance().Lock(); }

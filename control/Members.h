@@ -1,5 +1,5 @@
-// What every member of the control goes through: its turn, its trace, texts in, texts out, and no exception
-// beyond.
+// Common parts of the control's members: their turn, their trace, texts in and out, and the end of every
+// exception.
 #pragma once
 
 #include <windows.h>
@@ -29,8 +29,8 @@ inline std::wstring TextOf(BSTR text)
     return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring();
 }
 
-/// Runs the body of a member when its turn has come. Whatever it throws is logged and ends here. A member
-/// whose turn does not come does nothing.
+/// Runs the body of a member during its turn. Any exception is logged and ends here. A member that does not
+/// get its turn does nothing.
 /// @param scopeName the trace scope that it runs in and fails in; null for none
 template <std::invocable Body>
 HRESULT Guarded(const wchar_t* scopeName, Body body, const wchar_t* errorLine = CaughtException) noexcept
@@ -62,8 +62,8 @@ HRESULT Guarded(Body body) noexcept
     return Guarded(nullptr, body);
 }
 
-/// The same for a member whose body returns a text, or a reference to one that stays. The result is null
-/// first, and stays so when the body throws.
+/// The same for a member whose body returns a text, or a reference to one that outlives the call. The result
+/// is null when the body throws.
 /// @return S_OK, or E_OUTOFMEMORY when the text cannot be allocated
 template <std::invocable Body>
 HRESULT GuardedResult(const wchar_t* scopeName, BSTR* result, Body body) noexcept

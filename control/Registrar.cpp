@@ -11,8 +11,8 @@ void CheckStatus(LSTATUS status, const char* message)
     CheckRegistration(HRESULT_FROM_WIN32(static_cast<DWORD>(status)), message);
 }
 
-/// Removing what is not there is no failure.
-/// @return whether it was there
+/// Removes a key. A missing one is not a failure.
+/// @return whether it existed
 bool CheckRemoval(LSTATUS status)
 {
     if (status == ERROR_FILE_NOT_FOUND)
@@ -83,7 +83,7 @@ void Registrar::Register(const std::vector<ScriptKey>& keys) const
         try {
             Unregister(keys);
         } catch (...) {
-            // The first failure is the one to tell; what cannot be removed now stays.
+            // The first failure is the one to report; keys that cannot be removed now stay.
         }
         throw;
     }

@@ -31,13 +31,13 @@ public:
     /// @param rootKey the key below which the script's keys stand; must outlive this object
     explicit Registrar(HKEY rootKey) : root(rootKey) {}
 
-    /// Writes the script's keys and values. When a step fails, the keys that it wrote are taken back,
-    /// and with them what an earlier registration had left there.
+    /// Writes the script's keys and values. When a step fails, the keys that it wrote are removed, including
+    /// what an earlier registration had left in them.
     /// @throws RegistrationError
     void Register(const std::vector<ScriptKey>& keys) const;
 
     /// Removes the keys that the script wrote: forced ones whole, others when nothing is left below them.
-    /// What it wrote into a key that stays, stays with it.
+    /// Values in a key that stays are kept.
     /// @throws RegistrationError
     void Unregister(const std::vector<ScriptKey>& keys) const;
 

@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::wstring_view Blanks = L" \t\r\n";
 
-/// Recursive descent over the words and quoted texts of a script. The one at hand is in `current`; an empty
-/// word is the end.
+/// Recursive-descent parser over the words and quoted texts of a script. `current` is the current one; an
+/// empty word is the end.
 class Parser {
 public:
     Parser(std::wstring_view newScript, const RegistrationScript::Parameters& newParameters)
@@ -47,7 +47,7 @@ private:
         return key;
     }
 
-    /// The inside of a key, up to and with its closing brace.
+    /// The contents of a key, through its closing brace.
     void ParseBody(ScriptKey& key)
     {
         while (!Accept(L"}")) {
@@ -71,7 +71,7 @@ private:
         return text;
     }
 
-    /// Words of the grammar are no names, so that one in the wrong place is not taken for a key.
+    /// Words of the grammar are not allowed as names, so that a misplaced one is not taken for a key.
     std::wstring TakeName()
     {
         constexpr std::wstring_view Reserved[] = {L"", L"{", L"}", L"val", L"NoRemove", L"ForceRemove"};
@@ -141,8 +141,8 @@ private:
 
     std::wstring_view script;
     const RegistrationScript::Parameters& parameters;
-    std::size_t start = 0;  ///< of what is at hand
-    std::size_t next = 0;   ///< what follows it
+    std::size_t start = 0;  ///< of the current word
+    std::size_t next = 0;   ///< after the current word
     std::wstring_view current;
     bool isQuoted = false;
 };

@@ -14,12 +14,11 @@ struct ScriptValue {
     std::wstring text;
 };
 
-/// What registration and unregistration do with a key beyond creating it and removing it when it has become
-/// empty.
+/// What registration and unregistration do with a key beyond creating it, and removing it when it is empty.
 enum class KeyRule {
     Plain,
     NoRemove,     ///< the key stays on unregistration
-    ForceRemove,  ///< the key goes whole on unregistration, and before registration
+    ForceRemove,  ///< the key is removed whole on unregistration, and before registration
 };
 
 /// A key of a registration script.
@@ -49,15 +48,15 @@ public:
 ///         }
 ///     }
 ///
-/// Names are words without quotes, and end at a blank; texts stand in single quotes, and hold none. The root
-/// takes keys only.
+/// Names are words without quotes and end at a blank; texts are in single quotes and cannot contain one. The
+/// root has keys only.
 class RegistrationScript {
 public:
-    /// Texts by the name that stands between percent signs in the script.
+    /// Texts by the names between percent signs in the script.
     using Parameters = std::map<std::wstring, std::wstring>;
 
     /// The keys below the root, with the parameters in their texts.
-    /// @throws ScriptError when the script is malformed or names a parameter that there is not
+    /// @throws ScriptError when the script is malformed or names an unknown parameter
     static std::vector<ScriptKey> Parse(std::wstring_view script, const Parameters& parameters);
 };
 

@@ -45,7 +45,7 @@ ULONG CSysInfo::Inner::Release()
 {
     const ULONG left = --owner.references;
     if (left == 0)
-        delete &owner;  // COM's way of ownership: the last reference destroys
+        delete &owner;  // as COM requires: the last reference destroys the object
     return left;
 }
 

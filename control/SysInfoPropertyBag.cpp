@@ -17,8 +17,8 @@ constexpr const wchar_t* ReferrerKey = L"REFERRER_ID";
 constexpr const wchar_t* UserKey = L"USER_ID";
 constexpr const wchar_t* DebugKey = L"DEBUG";
 
-/// Has a variant ask a bag for text. Bags convert to the type that is handed in, and some give nothing where
-/// it is none.
+/// Prepares a variant to ask a bag for text. Bags convert to the type that is passed in, and some return
+/// nothing for VT_EMPTY.
 void AskForText(VARIANT& variant)
 {
     variant.vt = VT_BSTR;
@@ -26,7 +26,7 @@ void AskForText(VARIANT& variant)
 }
 
 /// Reads a key as text.
-/// @param variant asks for text, and does so again afterwards: what the bag put into it is moved out
+/// @param variant asks for text, before and after the call: the bag's value is moved out of it
 /// @return a string, or empty when the bag gave none
 _variant_t ReadText(IPropertyBag& bag, const wchar_t* key, VARIANT& variant)
 {

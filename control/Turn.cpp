@@ -6,7 +6,7 @@ namespace kel {
 
 namespace {
 
-/// Guards what follows, for some instructions at a time.
+/// Guards the variables below, for a few instructions at a time.
 SRWLOCK guard = SRWLOCK_INIT;
 Turn* innermost = nullptr;
 Turn* firstWaiting = nullptr;
@@ -50,7 +50,7 @@ Turn::Turn(std::chrono::milliseconds limit) noexcept
 
 Turn::~Turn()
 {
-    if (!isHad)
+    if (!acquired)
         return;
     const Exclusive exclusive;
     Remove(innermost, &Turn::outer, this);
@@ -61,22 +61,22 @@ Turn::~Turn()
 bool Turn::Take() noexcept
 {
     const Exclusive exclusive;
-    isHad = MayBegin();
-    if (isHad) {
+    acquired = CanAcquire();
+    if (acquired) {
         outer = innermost;
         innermost = this;
     }
-    return isHad;
+    return acquired;
 }
 
-bool Turn::MayBegin() const noexcept
+bool Turn::CanAcquire() const noexcept
 {
     if (innermost == nullptr || innermost->thread == thread)
         return true;
     if (logicalThread == GUID{} || innermost->logicalThread != logicalThread)
         return false;
-    // Called by the thread whose turn it is. But a thread further out waits for the innermost one, and what
-    // it begins meanwhile would run beside that.
+    // Called by the thread that has the turn. But an outer thread waits for the innermost one, and a turn
+    // that it begins meanwhile would run at the same time.
     for (const Turn* turn = innermost; turn != nullptr; turn = turn->outer) {
         if (turn->thread == thread)
             return false;
@@ -84,8 +84,8 @@ bool Turn::MayBegin() const noexcept
     return true;
 }
 
-/// All who wait look again whenever a turn ends: which of them may begin, each knows best, and one that is
-/// serving a call must not hold up the others.
+/// Every waiting thread looks again when a turn ends: each knows best whether it may begin, and one that is
+/// serving a call must not delay the others.
 void Turn::Wait(std::chrono::milliseconds limit) noexcept
 {
     changed.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));

@@ -10,9 +10,9 @@
 
 namespace kel {
 
-/// Registers the type library that the DLL carries, and takes it back: for the current user with the system's
-/// functions for that, where it has them. Where it has none, or they register for all users (Wine), it goes
-/// below what HKEY_CLASSES_ROOT stands for in the process.
+/// Registers and unregisters the type library in the DLL. For the current user it uses the system's functions
+/// for that. Where these are missing or register for all users (Wine), it writes below the process's
+/// HKEY_CLASSES_ROOT.
 class TypeLibraryRegistrar {
 public:
     explicit TypeLibraryRegistrar(bool forCurrentUser) noexcept;

@@ -36,7 +36,7 @@ public:
     void SetLevel(int newLevel);
     int GetLevel() const { return level; }
 
-    /// Whether lines of this level are written. Ask before composing anything costly.
+    /// Whether lines of this level are written. Check this before composing anything costly.
     bool IsEnabled(int lineLevel) const { return lineLevel <= level; }
 
     /// One scope deeper, at most 10. Returns the new depth.
@@ -73,8 +73,8 @@ public:
     }
 
 private:
-    /// Forgets a line that could not be written whole; it must not silence the following ones, nor stand
-    /// before the next.
+    /// Discards a line that could not be written whole, so that it neither silences nor precedes the next
+    /// one.
     void DropLine();
 
     std::unique_ptr<LogBuf> buffer;
@@ -97,7 +97,7 @@ void ReportFailure(int lineLevel, const Parts&... parts) noexcept
     try {
         WriteLog(lineLevel, parts...);
     } catch (...) {
-        // Memory is exhausted; the handler goes on without its line.
+        // Out of memory; the handler goes on without its line.
     }
 }
 

@@ -11,7 +11,7 @@ LogBuf::~LogBuf()
     try {
         LogBuf::sync();
     } catch (...) {
-        // The last line is lost with the memory that it needed; a destructor has nobody to tell.
+        // Out of memory: the last line is lost, as a destructor cannot report it.
     }
 }
 
@@ -28,8 +28,8 @@ void LogBuf::Emit(const wchar_t* line)
 int LogBuf::sync()
 {
     std::wstring line = str();
-    std::ranges::replace(line, L'\0', L' ');  // would end the line before its end, and join it with the next
-    str(std::wstring());  // first, so that a line that a sink refuses is not written again with the next
+    std::ranges::replace(line, L'\0', L' ');  // a zero would end the line early
+    str(std::wstring());  // first, so that a line that a sink refuses is not repeated with the next
     Emit(line.c_str());
     return 0;
 }

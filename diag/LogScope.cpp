@@ -12,7 +12,7 @@ LogScope::LogScope(const wchar_t* scopeName, bool isActive) noexcept
         Log::Instance().Enter();
         active = true;
     } catch (...) {
-        // Memory is exhausted; the function runs without its trace.
+        // Out of memory; the function runs without its trace.
     }
 }
 

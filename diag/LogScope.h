@@ -6,8 +6,8 @@
 
 namespace kel {
 
-/// Traces the extent of a function: "Entering: " and "Exiting: " lines at level 4, and one step of
-/// indentation for what is written between them.
+/// Traces the extent of a function: "Entering: " and "Exiting: " lines at level 4, with the lines between
+/// them indented by one step.
 class LogScope {
 public:
     /// A scope whose line cannot be written is not traced.

@@ -4,8 +4,8 @@
 
 namespace kel {
 
-/// The one instance of a class in this process: made on first use and never destroyed, so that nothing that
-/// runs late finds it gone.
+/// The one instance of a class in this process: created on first use and never destroyed, so that code that
+/// runs late can still use it.
 template <typename T>
 T& ProcessInstance()
 {

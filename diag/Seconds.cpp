@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::uint32_t ExponentFrom = 1'000'000'000;  // milliseconds; from here on the exponent form is used
 
-/// How many milliseconds the last of six significant digits stands for.
+/// The value of the last of six significant digits, in milliseconds.
 std::uint32_t LastDigit(std::uint32_t milliseconds)
 {
     std::uint32_t unit = 1;
@@ -17,8 +17,8 @@ std::uint32_t LastDigit(std::uint32_t milliseconds)
     return unit;
 }
 
-/// Rounds to six significant digits as the number of seconds is rounded, which is seldom exact: what looks
-/// like the middle between two digits lies above it or below, or else the even digit counts.
+/// Rounds to six significant digits like the number of seconds as a double, which is rarely exact: an
+/// apparent tie lies above or below the middle, and a real one goes to the even digit.
 std::uint32_t Round(std::uint32_t milliseconds)
 {
     const std::uint32_t unit = LastDigit(milliseconds);
@@ -32,7 +32,7 @@ std::uint32_t Round(std::uint32_t milliseconds)
     return (lower + (isUp ? 1 : 0)) * unit;
 }
 
-/// A whole number, then the decimals of a fraction without the zeros at its end.
+/// A whole number and the decimals of a fraction, without trailing zeros.
 std::wstring Decimal(std::uint32_t whole, std::uint32_t fraction, std::size_t digits)
 {
     std::wstring decimals = std::to_wstring(fraction);

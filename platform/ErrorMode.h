@@ -4,8 +4,8 @@
 
 namespace kel {
 
-/// Keeps the system from showing a box in this thread (for a drive without a medium, a library that cannot be
-/// loaded), as long as it lives; then the thread's error mode is what it was.
+/// While it exists, the system shows no error box in this thread, as for a drive without a medium or a
+/// library that cannot be loaded. The destructor restores the thread's error mode.
 class ErrorMode {
 public:
     ErrorMode() noexcept

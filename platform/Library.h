@@ -24,7 +24,7 @@ Function* FindFunction(HMODULE library, const char* name) noexcept
 }
 
 /// The module that holds this code: the control's DLL.
-/// @throws std::runtime_error when the system does not tell; a null handle would stand for the host's program
+/// @throws std::runtime_error when the system cannot return it; a null handle would mean the host's program
 HMODULE ThisModule();
 
 /// The same, and keeps it loaded until the process ends.

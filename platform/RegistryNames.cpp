@@ -7,7 +7,7 @@ namespace {
 constexpr DWORD LongestKey = 256;      // characters, with the zero
 constexpr DWORD LongestValue = 16384;  // the same
 
-/// Asks for one name after the other; one that is too long is passed over.
+/// Reads one name after the other; a name that is too long is skipped.
 template <typename Ask>
 std::vector<std::wstring> ListNames(DWORD longest, DWORD most, Ask ask)
 {

@@ -9,13 +9,13 @@
 namespace kel {
 
 /// The names of a key's subkeys, in the system's order.
-/// @param most how many at most; the bound keeps a key that cannot be enumerated from being asked for ever
+/// @param most the maximum number; it ends the loop for a key that cannot be enumerated
 std::vector<std::wstring> ListSubkeys(HKEY key, DWORD most);
 
-/// The same of its values; the value without a name is left out.
+/// The same for its values, without the unnamed one.
 std::vector<std::wstring> ListValues(HKEY key, DWORD most);
 
-/// How many values a key has; 0 when it cannot be asked.
+/// The number of a key's values; 0 when it cannot be read.
 DWORD CountValues(HKEY key) noexcept;
 
 }  // namespace kel

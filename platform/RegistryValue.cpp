@@ -31,7 +31,7 @@ std::optional<RegistryValue> ReadValue(HKEY key, const wchar_t* name)
 {
     RegistryValue value;
     value.bytes.resize(FirstSize);
-    // The value may grow between two calls; it will not do so for ever.
+    // The value may grow between two calls; a few attempts are enough.
     for (int attempt = 0; attempt < ReadAttempts; ++attempt) {
         auto size = static_cast<DWORD>(value.bytes.size());
         const LSTATUS status = RegQueryValueExW(key, name, nullptr, &value.type, value.bytes.data(), &size);

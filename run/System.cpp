@@ -26,13 +26,13 @@ constexpr unsigned SessionGroup = 71424;
 constexpr unsigned ReferrerGroup = 71218;
 constexpr unsigned UserGroup = 71206;
 
-/// Raises a flag for as long as it lives.
-class Raised {
+/// Sets a flag while it exists.
+class ScopedFlag {
 public:
-    explicit Raised(bool& newFlag) : flag(newFlag) { flag = true; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-    ~Raised() { flag = false; }
+    explicit ScopedFlag(bool& newFlag) : flag(newFlag) { flag = true; }
+    ScopedFlag(const ScopedFlag&) = delete;
+    ScopedFlag& operator=(const ScopedFlag&) = delete;
+    ~ScopedFlag() { flag = false; }
 
 private:
     bool& flag;
@@ -42,7 +42,8 @@ private:
 
 System& System::Instance()
 {
-    // First, and again until it succeeds: a module that is loaded anew would begin a second session.
+    // First, and on every call until it succeeds: a module that is unloaded and loaded again would begin a
+    // second session.
     [[maybe_unused]] static const HMODULE kept = PinThisModule();
     return ProcessInstance<System>();
 }
@@ -90,7 +91,7 @@ void System::Detect()
     StoreIdentifiers();
     if (isDetecting)
         return;
-    const Raised detecting(isDetecting);
+    const ScopedFlag detecting(isDetecting);
     if (!detectorsInitialised) {
         FetchWantedGroups();
         components.DetectAll();

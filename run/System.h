@@ -23,14 +23,14 @@ public:
     /// Gives the session a fresh random identifier. Called by the constructor.
     void Initialize();
 
-    /// Reads the tags debug, session_id, user_id, referrer_id and logging out of a configuration text. What
-    /// the text lacks keeps its value.
+    /// Reads the tags debug, session_id, user_id, referrer_id and logging from a configuration text. Fields
+    /// without a tag keep their values.
     void SetConfiguration(const std::wstring& text);
 
     /// Stores the identifiers, examines the machine (once per process), and uploads the report when it is
-    /// due; an upload that had to be skipped stays due. While a detector waits, a page may be let in and call
-    /// again: such a call stores the identifiers only, and leaves the upload to the run that is under way.
-    /// @throws whatever a step throws; the control's members catch it
+    /// due; an upload that was skipped stays due. A page may call again while a detector waits: such a call
+    /// only stores the identifiers, and leaves the upload to the run in progress.
+    /// @throws any exception of a step; the control's members catch it
     void Detect();
 
     /// Keeps a non-empty text only.

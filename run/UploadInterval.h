@@ -7,13 +7,13 @@ namespace kel {
 /// Decides when a session's report is due for upload again.
 class UploadInterval {
 public:
-    /// The shortest time between two uploads of a session, in seconds.
+    /// The minimum time between two uploads of a session, in seconds.
     static constexpr std::int64_t Seconds = 600;
 
     /// @param now seconds since 1970
     bool IsDue(std::int64_t now) const { return !uploaded || now - lastUpload >= Seconds; }
 
-    /// Notes an upload.
+    /// Records an upload.
     /// @param now seconds since 1970, as read when the upload was found to be due
     void MarkUploaded(std::int64_t now)
     {

@@ -16,7 +16,7 @@ public:
         return std::ranges::binary_search(groups, group.Number(), {}, &GroupID::Number);
     }
 
-    /// Whether the groups were fetched for this very referrer.
+    /// Whether the groups were fetched for this referrer.
     bool IsFetchedFor(const std::wstring& referrer) const { return fetched && fetchedFor == referrer; }
 
     /// Takes the service's answer: group ids separated by "|" or ",".

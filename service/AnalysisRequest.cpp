@@ -14,7 +14,7 @@ AnalysisRequest::AnalysisRequest()
     Session& session = Session::Current();
     SetPlaceholder(L"^session_id", session.SessionID());
     SetPlaceholder(L"^user_id", session.UserID());
-    // Requests of this kind may carry the report; the present template has no place for it.
+    // The template may have a place for the report; the present one has not.
     std::wstring report;
     XMLReport(session.Values()).GetReport(XMLReport::StandardOption, report);
     SetPlaceholder(L"^sys_info", report);

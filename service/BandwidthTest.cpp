@@ -19,7 +19,7 @@ namespace kel {
 namespace {
 
 constexpr const wchar_t* TestFile = L"http://" KEL_CONTENT_HOST L"/global/tests/test_2.bin";
-/// Kept in reserve, should the first host be given up.
+/// A spare path, for the case that the first host is given up.
 [[maybe_unused]] constexpr const wchar_t* SecondTestFile =
     L"http://content2.keldane.example/global/tests/test_1.bin";
 constexpr DWORD OpenFlags =
@@ -29,7 +29,7 @@ constexpr std::size_t BufferSize = 5001;
 constexpr DWORD LongestRead = 5000;
 constexpr const wchar_t* Success = L"200";
 
-/// What the exchange's thread fills in. At the time limit the waiting thread takes what is there.
+/// Filled by the exchange's thread. At the time limit the waiting thread takes it as it is.
 struct Download {
     std::wstring status;
     bool isWhole = false;
@@ -48,7 +48,7 @@ bool IsWhole(HINTERNET file, std::uint64_t total)
            total == length;
 }
 
-/// Reads until there is nothing left; whether that worked.
+/// Reads to the end; false when a read fails.
 bool ReadAll(HINTERNET file, const InternetSession& internet, std::vector<char>& buffer, Download& download)
 {
     DWORD available = 0;

@@ -12,9 +12,8 @@ namespace kel {
 /// @return the empty text when the counter did not work: a number below 1, or a stop that is not later
 std::wstring DownloadRate(std::uint64_t bytes, std::int64_t start, std::int64_t stop, std::int64_t frequency);
 
-/// Downloads the test file from the content host through WinINet and times the reading. After 30 seconds,
-/// what has come so far counts. An answer with another status than 200, and a file that was cut, is a failed
-/// test.
+/// Downloads the test file from the content host through WinINet and times the reading. After 30 seconds the
+/// bytes received so far count. A status other than 200 and a truncated file are failures.
 /// @return the rate as DownloadRate writes it, or the empty text when the test failed; a text of the process
 /// that the next call overwrites
 const std::wstring& RunBandwidthTest();

@@ -12,7 +12,7 @@ namespace kel {
 /// inside a call shares the outer one's. Not locked; the calls of a process take turns.
 class CallBudget {
 public:
-    /// Opens the budget of a call, for as long as it lives.
+    /// Opens the budget of a call until it is destroyed.
     CallBudget() noexcept
     {
         if (isOutermost)
@@ -29,12 +29,12 @@ public:
     /// The budget of the call that is under way. There has to be one.
     static CallBudget& Current() { return *current; }
 
-    /// Runs an exchange on a thread of its own, within what is left.
+    /// Runs an exchange on a thread of its own, within the rest of the budget.
     /// @return null when it ended in time, else the stage that it was in
     /// @throws as RunWithin
     const char* Run(std::function<void(InternetSession&)> exchange);
 
-    /// Notes that an exchange ended at a limit: none is to follow in this call.
+    /// Records that an exchange ended at a limit: no other follows in this call.
     void End(const char* stage) { endedIn = stage; }
 
     /// The stage in which an exchange of this call ended at a limit; null while there was none.

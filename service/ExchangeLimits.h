@@ -5,8 +5,8 @@
 
 namespace kel {
 
-/// What exchanges may take of the page that waits for them, and of the host. docs/service-protocol.md tells
-/// them, docs/security.md the reasons.
+/// Limits of exchanges, for the page that waits for them and for the host. docs/service-protocol.md lists
+/// them, docs/security.md has the reasons.
 struct ExchangeLimits {
     /// Of all exchanges with the analysis service in one call of a member.
     static constexpr std::chrono::seconds Call{60};

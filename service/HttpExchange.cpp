@@ -44,7 +44,7 @@ HINTERNET Open(const HttpRequest& request, InternetSession& internet)
     return opened;
 }
 
-/// The host that answered, after all redirects; empty when WinINet does not tell it.
+/// The host that answered, after all redirects; empty when WinINet does not return it.
 std::wstring AnsweringHost(HINTERNET request)
 {
     DWORD size = 0;

@@ -11,7 +11,7 @@
 
 namespace kel {
 
-/// What is asked, on port 80.
+/// A request on port 80.
 struct HttpRequest {
     std::wstring host;
     std::wstring verb;
@@ -20,11 +20,11 @@ struct HttpRequest {
     std::string body;      ///< UTF-8; empty for none
 };
 
-/// What came back, as far as the exchange went.
+/// The answer, as far as the exchange went.
 struct HttpAnswer {
     Timer timer;  ///< of the sending, up to the answer's headers
     DWORD sendError = ERROR_SUCCESS;
-    std::optional<std::wstring> status;      ///< nothing when WinINet does not tell it
+    std::optional<std::wstring> status;      ///< nullopt when WinINet does not return it
     std::optional<std::wstring> statusText;  ///< the same
     std::string body;                        ///< as it came; the service's are UTF-8
     const char* failure = nullptr;           ///< why the body does not count
@@ -32,7 +32,7 @@ struct HttpAnswer {
 };
 
 /// Sends a request and reads its answer, through WinINet.
-/// @param request not changed; WinINet takes the body as if it might be
+/// @param request not changed; WinINet's declaration lacks a const
 /// @param internet where the handles are kept; when nobody waits any more, the answer is incomplete
 /// @throws std::runtime_error when the request cannot be made
 void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer);

@@ -16,7 +16,7 @@ namespace kel {
 
 using OwnedInternet = std::unique_ptr<void, Closer<&InternetCloseHandle>>;
 
-/// What an exchange is at, as the log names it.
+/// The stage of an exchange, as the log names it.
 struct ExchangeStage {
     static constexpr const char* Opening = "opening";
     static constexpr const char* Sending = "sending";
@@ -52,7 +52,7 @@ public:
     /// What a request of the session has to be opened with.
     DWORD_PTR Context() { return reinterpret_cast<DWORD_PTR>(this); }
 
-    /// Takes a handle into ownership and gives it back; null for null, and when nobody waits any more.
+    /// Takes ownership of a handle and returns it; null for null, and for an abandoned exchange.
     HINTERNET Keep(HINTERNET opened);
 
     /// Closes all handles, the youngest first.
@@ -62,19 +62,19 @@ public:
     void Enter(const char* newStage);
 
     /// Whether a call that has failed just now waited for as long as it may since the stage was entered.
-    /// @param error what the call failed with; under Wine it does not tell
+    /// @param error the call's error code; not meaningful under Wine
     bool HasWaitedTooLong(DWORD error) const;
 
-    /// A text that the answer's headers give, by the number of the question; nothing when they do not.
+    /// A text of the answer's headers, by the number of the query; nullopt when they lack it.
     static std::optional<std::wstring> QueryInfo(HINTERNET request, DWORD what);
 
-    /// What the exchange is at.
+    /// The stage of the exchange.
     const char* Stage() const { return stage; }
 
-    /// Tells the exchange that nobody waits for it any more.
+    /// Abandons the exchange: nothing waits for it any more.
     void Abandon() { isAbandoned = true; }
 
-    /// Whether nobody waits any more. The exchange asks after each call that can block, and ends.
+    /// Whether the exchange is abandoned. It checks this after each call that can block, and ends.
     bool IsAbandoned() const { return isAbandoned; }
 
 private:

@@ -15,7 +15,7 @@ namespace kel {
 
 namespace {
 
-/// What the waiting thread and the exchange's thread share.
+/// Shared by the waiting thread and the exchange's thread.
 struct Job {
     std::function<void(InternetSession&)> exchange;
     InternetSession session;

@@ -8,14 +8,13 @@
 
 namespace kel {
 
-/// Runs an exchange on a thread of its own and waits for it. The platform's own timeouts would bound each
-/// wait only, and a server that sends a byte now and then keeps within them for ever. At the limit the
-/// exchange is told that nobody waits any more; it ends when the call that it is in returns. It must own what
-/// it uses, and cannot write to the log.
-/// @return null when the exchange ended in time; else the stage that it was in, and what it fills in is still
-/// its own
-/// @throws what the exchange throws; std::runtime_error when no thread can be had, or when four exchanges of
-/// this process have not ended yet
+/// Runs an exchange on a thread of its own and waits for it. The platform's own timeouts bound single waits
+/// only, and a server that sends a byte now and then stays within them without end. At the limit the exchange
+/// is abandoned; it ends when its current call returns. It must own everything that it uses, and cannot write
+/// to the log.
+/// @return null when the exchange ended in time; else its stage, and its data still belong to it
+/// @throws the exchange's exception; std::runtime_error when no thread can be created, or when four exchanges
+/// of this process have not ended yet
 const char* RunWithin(std::chrono::milliseconds limit, std::function<void(InternetSession&)> exchange);
 
 }  // namespace kel

@@ -1,4 +1,4 @@
-// UTF-8, spoken only on the wire.
+// UTF-8, used only on the wire.
 #pragma once
 
 #include <string>
@@ -10,7 +10,7 @@ namespace kel {
 /// cannot convert it
 std::string ToUtf8(std::wstring_view text);
 
-/// Bytes that are no UTF-8 become replacement characters.
+/// Bytes that are not UTF-8 become replacement characters.
 /// @throws as above
 std::wstring FromUtf8(std::string_view bytes);
 

@@ -19,7 +19,7 @@ namespace kel {
 
 namespace {
 
-// The line break stands the wrong way round; the service accepts it, and so it stays.
+// The line break is the wrong way round. Kept: the service accepts it.
 constexpr const wchar_t* HeaderTemplate = L"Content-Type: ^content_type; charset=utf-8\n\rContent-Length: ";
 constexpr const char* TookTooLong = "The service took too long to answer: ";
 
@@ -49,7 +49,7 @@ void LogStatus(const HttpAnswer& answer)
 }
 
 /// The body of the answer.
-/// @throws std::runtime_error when there is none that counts
+/// @throws std::runtime_error when there is no valid one
 std::string Ask(HttpRequest request)
 {
     const auto answer = std::make_shared<HttpAnswer>();

@@ -51,7 +51,7 @@ private:
     bool isSkipped = false;
 };
 
-/// The key that the service asks of every client.
+/// The key that the service requires of every client.
 inline constexpr const wchar_t* ServiceApiKey = L"5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
 
 }  // namespace kel

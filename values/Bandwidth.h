@@ -8,7 +8,7 @@
 namespace kel {
 
 /// A transfer rate in bits per second. Units are steps of 1024, also when printed; the analysis service
-/// counts on it.
+/// relies on it.
 class Bandwidth : public Value {
 public:
     /// Reads the text at once; see Initialize.

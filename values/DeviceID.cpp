@@ -25,14 +25,14 @@ bool IsHexadecimal(std::wstring_view text)
     return text.find_first_not_of(HexadecimalDigits) == std::wstring_view::npos;
 }
 
-/// The letters and digits by which ACPI names makers.
+/// The letters and digits of ACPI's vendor names.
 bool IsMaker(std::wstring_view text)
 {
     return (text.size() == 3 || text.size() == 4) &&
            text.find_first_not_of(L"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789") == std::wstring_view::npos;
 }
 
-/// What a number spells whose bytes are letters and digits, the lowest first; empty for others.
+/// The text of a number whose bytes are letters and digits, the lowest byte first; empty for other numbers.
 std::wstring Spell(std::uint32_t number)
 {
     std::wstring spelled;
@@ -41,7 +41,7 @@ std::wstring Spell(std::uint32_t number)
     return spelled.size() == MakerLetters && IsMaker(spelled) ? spelled : std::wstring();
 }
 
-/// Takes away the addresses of Bluetooth devices: twelve digits behind an underscore.
+/// Removes the addresses of Bluetooth devices: twelve digits after an underscore.
 std::wstring WithoutAddresses(std::wstring id)
 {
     constexpr std::size_t Digits = 12;

@@ -9,10 +9,10 @@
 namespace kel {
 
 /// The identity of a device, read from a hardware id such as
-/// `PCI\VEN_8086&DEV_1916&SUBSYS_07251028&REV_07`, from an instance id, from what the registry calls the
-/// matching device id, or made from the numbers of a PCI device. The text and the parts are in upper case, so
-/// that all of these give one text. USB, HDAUDIO and ACPI forms are read as well. A part that the id lacks,
-/// or that is malformed, is empty; of a part that is there twice the last one counts.
+/// `PCI\VEN_8086&DEV_1916&SUBSYS_07251028&REV_07`, from an instance id, from the registry's matching device
+/// id, or made from the numbers of a PCI device. The text and the parts are in upper case, so that all of
+/// these give one text. USB, HDAUDIO and ACPI forms are read as well. A missing or malformed part is empty;
+/// of a repeated part the last one counts.
 class DeviceID : public Value {
 public:
     DeviceID() = default;
@@ -22,15 +22,15 @@ public:
     DeviceID(const DeviceID&) = default;
     DeviceID& operator=(const DeviceID&) = default;
 
-    /// The id of a device, as the graphics interfaces tell its numbers: of a PCI device, or of an ACPI device
-    /// whose numbers are four letters each. A subsystem of 0 is unknown; a vendor of 0, or a number that PCI
-    /// cannot have, gives the empty id.
+    /// The id of a device from the graphics interfaces' numbers: of a PCI device, or of an ACPI device whose
+    /// numbers are four letters each. A subsystem of 0 is unknown; a vendor of 0, or a number that PCI cannot
+    /// have, gives the empty id.
     static DeviceID FromNumbers(std::uint32_t vendor, std::uint32_t device, std::uint32_t subsystem,
                                 std::uint32_t revision);
 
-    /// What lists the device, such as "PCI"; empty for an id without a backslash.
+    /// The bus or driver that lists the device, such as "PCI"; empty for an id without a backslash.
     std::wstring Bus() const;
-    /// Four hexadecimal digits; the maker's letters for an ACPI id, such as "PNP".
+    /// Four hexadecimal digits; the vendor's letters for an ACPI id, such as "PNP".
     const std::wstring& Vendor() const { return vendor; }
     /// Four hexadecimal digits.
     const std::wstring& Device() const { return device; }
@@ -39,18 +39,19 @@ public:
     /// Two hexadecimal digits, or four for USB and HDAUDIO.
     const std::wstring& Revision() const { return revision; }
 
-    /// Whether an id was read that is not empty.
+    /// Whether the id is not empty.
     bool HasValue() const;
 
-    /// Whether a driver alone, or a virtual machine, makes the device. A maker of virtual machines tells it,
-    /// but for USB devices, whose makers have numbers of another list.
+    /// Whether the device exists in a driver only, or is a virtual machine's, by the vendor; not for USB
+    /// devices, whose vendors have numbers of another list.
     bool IsVirtual() const;
 
-    /// Whether both are of one kind of device: the same bus, vendor and device, and of subsystem and revision
-    /// what both tell. Ids without a vendor or a device match when their texts are equal, empty ones never.
+    /// Whether both identify the same kind of device: the same bus, vendor and device, and equal subsystems
+    /// and revisions where both have them. Ids without a vendor or a device match when their texts are equal,
+    /// empty ones never.
     bool Matches(const DeviceID& other) const;
 
-    /// The id in upper case, less its instance part; valid as long as the object is alive and unchanged.
+    /// The id in upper case without its instance part; valid while the object exists unchanged.
     const wchar_t* ToString() const override;
 
 private:

@@ -4,8 +4,8 @@
 
 namespace kel {
 
-/// A text that firmware or a driver wrote, less what stands behind a control character and blanks around it;
-/// empty when it is one of the fillers that makers leave in place of a name, such as "Default string".
+/// A text by firmware or a driver, up to its first control character and without blanks around it; empty for
+/// a filler that vendors leave in place of a name, such as "Default string".
 std::wstring TidyText(const std::wstring& text);
 
 }  // namespace kel

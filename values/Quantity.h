@@ -1,4 +1,4 @@
-// Numbers with units, read from texts and written into them; shared by the quantity classes.
+// Numbers with units, read from texts and written as texts; shared by the quantity classes.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ std::uint64_t TruncateToUnsigned(double number);
 /// Reads a floating-point number from the start of a text, leading blanks skipped; 0.0 when there is none.
 double LeadingNumber(const std::wstring& text);
 
-/// A unit word and how many base units it stands for.
+/// A unit word and its value in base units.
 struct Unit {
     std::wstring_view word;
     double factor;

@@ -32,8 +32,8 @@ public:
 
     bool operator==(const Resolution& other) const { return width == other.width && height == other.height; }
 
-    /// Whether a picture of the required size fits, upright or lying: the long edges are compared, and the
-    /// short ones. What is unknown covers nothing and is not covered.
+    /// Whether a picture of the required size fits in either orientation: the long edges are compared, and
+    /// the short ones. An unknown resolution neither covers another nor is covered.
     bool Covers(const Resolution& required) const;
 
     /// Such as "1920x1080", or empty; valid as long as the object is alive and unchanged.

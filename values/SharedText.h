@@ -1,4 +1,4 @@
-// Reference-counted wide text, as the value classes keep it.
+// Reference-counted wide text of the value classes.
 #pragma once
 
 #include <comutil.h>

@@ -1,4 +1,4 @@
-// What the value classes, the store and the requests do with wide text.
+// Operations on wide text for the value classes, the store and the requests.
 #pragma once
 
 #include <string>

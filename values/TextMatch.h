@@ -1,4 +1,4 @@
-// How texts are compared with what a table names.
+// Comparisons of texts with the names in a table.
 #pragma once
 
 #include <string_view>
@@ -6,11 +6,11 @@
 
 namespace kel {
 
-/// Whether two texts are equal but for the case of their letters, as the system's own names are.
+/// Whether two texts are equal except for case, by the system's rule for names.
 bool IsSameText(std::wstring_view one, std::wstring_view other);
 
-/// Whether a text is the pattern's, without regard to case; a pattern that ends in "*" takes every text that
-/// begins with the rest of it.
+/// Whether a text matches a pattern, ignoring case; a pattern that ends in "*" matches every text that begins
+/// with the rest of it.
 bool MatchesPattern(std::wstring_view text, std::wstring_view pattern);
 
 /// The parts of a list that bars separate, such as "one|two"; none of an empty text.

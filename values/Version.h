@@ -28,9 +28,9 @@ public:
     bool Set(const std::wstring& newText);
 
     /// The first four fields packed into 16 bits each, the first one highest; a last capital letter adds its
-    /// character code. A field that is no whole number logs an error and gives what was packed before it,
-    /// which ranks such a version low. Fields above 65535 spill into their neighbour; both are as the service
-    /// expects.
+    /// character code. A field that is not a whole number logs an error and gives the quantity packed before
+    /// it, which ranks such a version low. Fields above 65535 spill into their neighbour. The service expects
+    /// both.
     std::uint64_t Quantity() const;
 
     bool operator==(const Version& other) const { return Quantity() == other.Quantity(); }

@@ -1,6 +1,6 @@
-// Memory for the compiler's runtime library when the system has none. An exception, and what the library
-// keeps for each thread, need small blocks; where it gets none it ends the process. The control's own
-// allocations do not touch the reserve: they throw std::bad_alloc.
+// Memory for the compiler's runtime library when the system is out of memory. Exceptions and the library's
+// data for each thread need small blocks; without them the library ends the process. The control's own
+// allocations do not use the reserve: they throw std::bad_alloc.
 #include <malloc.h>
 
 #include <algorithm>
@@ -11,8 +11,8 @@
 #include <cstring>
 #include <new>
 
-// The system's functions, imported under other names (RuntimeReserve.def): their own are defined below, and
-// so the whole module calls those.
+// The system's functions, imported under other names (RuntimeReserve.def). The functions below have the
+// original names, so that the whole module calls those.
 extern "C" {
 __declspec(dllimport) void* SystemMalloc(std::size_t size);
 __declspec(dllimport) void* SystemCalloc(std::size_t count, std::size_t size);
@@ -29,7 +29,7 @@ struct alignas(16) Block {
 };
 
 std::array<Block, 32> reserve;
-std::atomic<std::uint32_t> used;  // one bit a block
+std::atomic<std::uint32_t> used;  // one bit per block
 
 void* Reserved(std::size_t size)
 {

@@ -8,15 +8,15 @@
 
 namespace kel {
 
-/// One group of a groups text; what the group lacks is empty.
+/// One group of a groups text; missing parts are empty.
 struct GroupEntry {
     std::wstring id;
     std::wstring index;
     SharedText value;
 };
 
-/// Walks a groups text with plain, case-sensitive substring searches. It is no XML reader: attribute order is
-/// free, nothing is unescaped, and a group without a value of its own takes the next value in the text; pages
+/// Walks a groups text with plain, case-sensitive substring searches. It is not an XML reader: attribute
+/// order is free, nothing is unescaped, and a group without a value takes the next value in the text; pages
 /// rely on that.
 class GroupsText {
 public:
@@ -28,8 +28,8 @@ public:
     bool Next(GroupEntry& entry);
 
 private:
-    /// A word whose next occurrence is looked up once and kept until the walk has passed it, so that a word
-    /// that occurs nowhere is not searched again for every group.
+    /// A word whose next occurrence is searched once and remembered until the walk is past it, so that a
+    /// missing word is not searched again for every group.
     class Word {
     public:
         explicit Word(std::wstring_view searchedWord) : word(searchedWord) {}

@@ -7,7 +7,7 @@
 
 namespace kel {
 
-/// The running detection as the detectors, the requests and the report see it.
+/// The running detection, as far as detectors, requests and the report need it.
 class Session {
 public:
     Session() = default;

@@ -44,7 +44,7 @@ void XMLReport::GetReport(int /*option*/, std::wstring& report) const
         if (IsWritten(value.ID().Group()))
             AppendGroup(text, value);
     }
-    // The log's text was once part of the report. It is still fetched here, and not written.
+    // The log's text was once part of the report. It is still fetched, but not written.
     [[maybe_unused]] const std::wstring log = Log::Instance().GetText();
     text.append(L"</groups>  ");
     report = std::move(text);

@@ -5,8 +5,8 @@
 
 namespace kel::server {
 
-/// The memory for the bodies of an endpoint. One half is for small bodies and one for the others, so that clients
-/// that send large ones slowly leave room for usual reports. For the network's thread.
+/// The memory for the bodies of an endpoint. One half is for small bodies and one for the others, so that
+/// clients that send large ones slowly leave room for usual reports. For the network's thread.
 class BodyBudget {
 public:
     /// Shows in `total` how much is in use.

@@ -24,7 +24,8 @@ struct Doors {
     std::string address;  // of the public door
     std::uint16_t port = 0;
     std::uint16_t adminPort = 0;  // on loopback
-    unsigned workers = 2;  // for reports and verdicts; readers and bulk have a quarter as many, at least one, each
+    unsigned workers =
+        2;  // for reports and verdicts; readers and bulk have a quarter as many, at least one, each
     Limits limits;
 };
 

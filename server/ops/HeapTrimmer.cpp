@@ -13,7 +13,7 @@ namespace {
 constexpr std::chrono::seconds Pause{5};
 constexpr std::size_t MaxUnused = 33'554'432;  // bytes; below that it is not worth the work
 constexpr int MaxArenas = 4;                   // each keeps free memory of its own
-constexpr int MappedBytes = 131'072;           // from this size on, memory goes back to the system when it is freed
+constexpr int MappedBytes = 131'072;  // from this size on, memory goes back to the system when it is freed
 
 /// Bytes that the process holds and does not use. The program and its stacks are among them.
 std::size_t UnusedMemory()

@@ -7,9 +7,9 @@
 
 namespace kel::server {
 
-/// Returns memory that the process no longer uses to the system, on a thread of its own until its end: after a crowd
-/// has left, the allocator would keep most of what it took. Changes how the allocator works, so make it before there
-/// are other threads.
+/// Returns memory that the process no longer uses to the system, on a thread of its own until its end: after
+/// a crowd has left, the allocator would keep most of what it took. Changes how the allocator works, so make
+/// it before there are other threads.
 class HeapTrimmer {
 public:
     HeapTrimmer();

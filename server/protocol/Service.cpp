@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t TestFileBytes = 1'000'000;
 // A report of all values of a machine with dozens of disks and adapters has 1,400 groups.
 constexpr std::size_t MaxGroups = 5'000, MaxElements = 20'000;
-constexpr std::size_t CacheBytes = 33'554'432;  // 3,000 usual reports
+constexpr std::size_t CacheBytes = 33'554'432;                    // 3,000 usual reports
 constexpr std::size_t LongestUser = 1024, LongestMachine = 1024;  // bytes; what is longer identifies nothing
 
 std::string MakeTestFile()

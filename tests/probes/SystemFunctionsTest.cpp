@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "probes/GraphicsFunctions.h"
-#include "probes/OSInfo.h"
-#include "probes/SoftwareFunctions.h"
+#include "probes/graphics/GraphicsFunctions.h"
+#include "probes/software/SoftwareFunctions.h"
+#include "probes/system/OSInfo.h"
 #include "support/LogCapture.h"
 
 namespace kel {
@@ -26,9 +26,10 @@ TEST(SystemFunctions, AreFoundByTheirNames)
     software.productInfo(L"none", L"VersionString", text, &size);
     software.packages(L"none");
     software.packageFolder(L"none");
-    EXPECT_THAT(log.Lines(), testing::IsSubsetOf({L"WARN The system has no function D3DKMTQueryAdapterInfo",
-                                                  L"TRACE The system has no function GetPackagesByPackageFamily",
-                                                  L"TRACE The system has no function GetPackagePathByFullName"}));
+    EXPECT_THAT(log.Lines(),
+                testing::IsSubsetOf({L"WARN The system has no function D3DKMTQueryAdapterInfo",
+                                     L"TRACE The system has no function GetPackagesByPackageFamily",
+                                     L"TRACE The system has no function GetPackagePathByFullName"}));
 }
 
 }  // namespace
