@@ -16,7 +16,7 @@ std::wstring InfPath(const std::wstring& fileName)
     return folder + L"\\inf\\" + fileName;
 }
 
-std::vector<std::wstring> Fields(std::wstring_view line)
+std::vector<std::wstring> SplitFields(std::wstring_view line)
 {
     std::vector<std::wstring> fields;
     for (const std::wstring_view field : Split(line, L','))
@@ -103,7 +103,7 @@ std::vector<std::wstring> InfFile::Fields(INFCONTEXT& line) const
         if (!entryPoints.getLineText(&line, nullptr, nullptr, nullptr, text.data(), size, nullptr))
             text.clear();
     }
-    return Fields(text.substr(0, text.find(L'\0')));
+    return SplitFields(text.substr(0, text.find(L'\0')));
 }
 
 }  // namespace kel

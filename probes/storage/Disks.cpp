@@ -80,11 +80,11 @@ DWORD ReadDisk(const StorageDevice& device, DiskInfo& disk)
     DWORD error = answer.error;
     const auto descriptor = ReadStorageDescriptor(answer.bytes);
     if (descriptor)
-        TakeDescriptor(*descriptor, further, disk);
+        TakeDescriptor(*descriptor, optional, disk);
     else if (error == ERROR_SUCCESS)
         error = ERROR_INVALID_DATA;
     if (!descriptor)
-        ApplyOptionalAnswers(further, disk);
+        ApplyOptionalAnswers(optional, disk);
     WriteLog(LogTrace, L"Disk ", *disk.number, L": bus ", disk.bus.ToString(), L", seek penalty ",
              GetWord(optional.seekPenalty), L", trim ", GetWord(trim));
 
