@@ -2,6 +2,7 @@
 
 import re
 import shlex
+import shutil
 import subprocess
 import unittest
 from pathlib import Path
@@ -64,10 +65,11 @@ class Packaged(unittest.TestCase):
             subprocess.run([ROOT / "scripts" / "package_service.sh", version, folder / name], check=True, capture_output=True)
         [now], [again] = ([path.read_bytes() for path in (folder / name).glob("*.deb")] for name in ("now", "again"))
         self.assertTrue(now == again, "the packages differ")
+        shutil.copy(Path(__file__).parent / "crowd.py", folder)
         expected = (Path(__file__).parent / "operation.txt").read_text("ascii")
         lines = (line for line in expected.splitlines() if line[:1] in ("", "#", "$"))
         script = "".join(f"printf '%s\\n' {shlex.quote(line)}\n{line.removeprefix('$ ')}\n" for line in lines)
-        ran = subprocess.run([ROOT / "scripts" / "in_copy.sh", "sh", "-c", script], cwd=folder, text=True, timeout=120,
+        ran = subprocess.run([ROOT / "scripts" / "in_copy.sh", "sh", "-c", script], cwd=folder, text=True, timeout=600,
                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if "needs the right to mount" in ran.stdout:
             self.skipTest(ran.stdout)
