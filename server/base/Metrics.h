@@ -75,6 +75,7 @@ struct Metrics {
     DoorMetrics open{"public"}, admin{"admin"};
     Count uploads = 0;
     std::array<Count, Totals.size()> verdicts = {};
+    Count verdictsNotKept = 0;  // answered, and not stored
     std::chrono::system_clock::time_point start = std::chrono::system_clock::now();
 };
 

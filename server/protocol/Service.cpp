@@ -105,7 +105,7 @@ Answer Service::Analysis(const std::string& referrer, const std::string& body)
         throw Fault(404, "no report of this session was uploaded");
     const Verdict verdict = Judge(*sets.Get(set.id), Report::Read(stored->body));
     const std::string total(NameOf(verdict.total));
-    store.Keep(NewVerdict{stored->id, set.id, request.item, total, RenderLines(verdict)});
+    KeepVerdict(NewVerdict{stored->id, set.id, request.item, total, RenderLines(verdict)});
     metrics.AddVerdict(total);
     Log(Level::Info, "judged",
         {{"session", request.session},
@@ -113,6 +113,17 @@ Answer Service::Analysis(const std::string& referrer, const std::string& body)
          {"version", std::to_string(set.version)},
          {"total", total}});
     return Render(verdict, request);
+}
+
+/// The visitor gets the verdict in any case; one that is not stored is missing from the figures.
+void Service::KeepVerdict(const NewVerdict& verdict)
+{
+    try {
+        store.Keep(verdict);
+    } catch (const Fault& fault) {
+        ++metrics.verdictsNotKept;
+        Log(Level::Error, "verdict-not-kept", {{"reason", fault.what()}});
+    }
 }
 
 Answer Service::TestFile() const

@@ -33,6 +33,7 @@ public:
 private:
     PublishedSet Find(const std::string& referrer);
     Answer KeepReport(const Report& report, const std::string& body);
+    void KeepVerdict(const NewVerdict& verdict);
 
     Store& store;
     Metrics& metrics;
