@@ -174,7 +174,6 @@ Answer Api::WriteDraft(const Visit& visit) const
                              : store.KeepDraft(referrer, visit.request.body, revision, visit.login.account);
     if (!written)
         throw Stale();
-    store.Note(visit.login.account, "saved draft", referrer);
     Answer answer = JsonAnswer({{"revision", *written}}, isNew ? 201 : 200);
     answer.headers.emplace_back("ETag", '"' + std::to_string(*written) + '"');
     return answer;
@@ -191,7 +190,6 @@ Answer Api::Publish(const Visit& visit) const
     const auto version = store.PublishDraft(referrer, revision, visit.login.account);
     if (!version)
         throw Stale();
-    store.Note(visit.login.account, "published", referrer + ", version " + std::to_string(*version));
     return JsonAnswer({{"version", *version}});
 }
 

@@ -34,10 +34,7 @@ std::optional<int> EditorPage::Save(const Visit& visit, int revision, const std:
     const auto draft = store.FindDraft(visit.subject);
     if (draft && draft->revision == revision && draft->text == text)
         return revision;
-    const auto saved = store.KeepDraft(visit.subject, text, revision, visit.login.account);
-    if (saved)
-        store.Note(visit.login.account, "saved draft", visit.subject);
-    return saved;
+    return store.KeepDraft(visit.subject, text, revision, visit.login.account);
 }
 
 Answer EditorPage::Act(const Visit& visit) const
@@ -102,7 +99,6 @@ Answer EditorPage::Publish(const Visit& visit) const
     const auto version = store.PublishDraft(referrer, revision, visit.login.account);
     if (!version)
         return page.Stale(visit, visit.form.Text("text"));
-    store.Note(visit.login.account, "published", referrer + ", version " + std::to_string(*version));
     Log(Level::Info, "published",
         {{"referrer", referrer}, {"version", std::to_string(*version)}, {"account", visit.login.account}});
     return Redirect(RequirementsPath(referrer) + "?note=published");
@@ -111,9 +107,8 @@ Answer EditorPage::Publish(const Visit& visit) const
 Answer EditorPage::Drop(const Visit& visit) const
 {
     const std::string& referrer = ReferrerIn(visit);
-    if (!store.DropDraft(referrer, visit.form.Number("revision")))
+    if (!store.DropDraft(referrer, visit.form.Number("revision"), visit.login.account))
         return page.Stale(visit, visit.form.Text("text"));
-    store.Note(visit.login.account, "dropped draft", referrer);
     return Redirect(RequirementsPath(referrer) + "?note=dropped");
 }
 

@@ -141,16 +141,16 @@ Answer ReportPage::AskToDelete(const Visit& visit) const
 Answer ReportPage::Delete(const Visit& visit) const
 {
     const FullReport report = Find(visit);
-    int count = 0, deleted = Portion;
+    DeletionEntry entry{visit.login.account, "deleted session", Shortened(report.session, LongestValue)};
+    int deleted = Portion;
     for (int i = 0; i < MostPortions && deleted > 0; ++i) {
-        deleted = store.DeleteSession(report.session, Portion);
-        count += deleted;
+        deleted = store.DeleteSession(report.session, Portion, &entry);
         std::this_thread::sleep_for(Pause);
     }
-    store.Note(visit.login.account, "deleted session",
-               Shortened(report.session, LongestValue) + ", " + std::to_string(count) + " reports");
     Log(Level::Info, "deleted",
-        {{"account", visit.login.account}, {"session", report.session}, {"reports", std::to_string(count)}});
+        {{"account", visit.login.account},
+         {"session", report.session},
+         {"reports", std::to_string(entry.reports)}});
     return Redirect(deleted == 0 ? "/reports?note=deleted"
                                  : "/reports?note=left&session=" + UrlEncode(report.session));
 }

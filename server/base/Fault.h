@@ -16,4 +16,12 @@ private:
     int status;
 };
 
+/// There is no room to store something. Counted and logged as 507; a client gets 503.
+class NoRoom : public Fault {
+public:
+    static constexpr int Code = 507;
+
+    explicit NoRoom(const std::string& reason) : Fault(Code, reason) {}
+};
+
 }  // namespace kel::server

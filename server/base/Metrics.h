@@ -76,6 +76,7 @@ struct Metrics {
     Count uploads = 0;
     Count replacedCharacters = 0;  // of reports and requests, which XML does not allow
     std::array<Count, Totals.size()> verdicts = {};
+    Count verdictsNotKept = 0;  // answered, and not stored
     std::chrono::system_clock::time_point start = std::chrono::system_clock::now();
 };
 

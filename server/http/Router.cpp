@@ -19,6 +19,8 @@ Answer Router::Handle(const Request& request) const noexcept
     StatusCounts* counts = &metrics.unrouted;
     Answer answer = Try(request, counts);
     counts->Add(answer.status);
+    if (answer.status == NoRoom::Code)
+        answer.status = 503;  // what a client knows
     return answer;
 }
 

@@ -33,15 +33,14 @@ void AddUser(const std::string& role, const std::string& name, Store& store, std
         std::count_if(password.begin(), password.end(), [](char c) { return (c & 0xC0) != 0x80; });
     if (characters < ShortestPassword || password.size() > LongestPassword || password != Clean(password))
         throw std::runtime_error("the password, a line on standard input, needs at least 12 characters");
-    store.Keep(Account{name, HashPassword(password), role == "editor" ? Role::Editor : Role::Reader});
-    store.Note(CommandLine, "account written", name + ", " + role);
+    store.Keep(Account{name, HashPassword(password), role == "editor" ? Role::Editor : Role::Reader},
+               CommandLine);
 }
 
 void RemoveUser(const std::string& name, Store& store)
 {
-    if (!store.RemoveAccount(name))
+    if (!store.RemoveAccount(name, CommandLine))
         throw std::runtime_error("there is no account '" + name + "'");
-    store.Note(CommandLine, "account removed", name);
 }
 
 void AddToken(const std::string& name, const std::string& daysText, Store& store, std::ostream& output)

@@ -34,6 +34,20 @@ std::chrono::seconds SecondsOf(const std::string& text)
     return std::chrono::seconds(NumberOf(text, 1, 3600));
 }
 
+std::int64_t BytesOf(const std::string& megabytes)
+{
+    return static_cast<std::int64_t>(NumberOf(megabytes, 0, 1'000'000'000)) * Bounds::Megabyte;
+}
+
+/// The beginning that may be a setting's name. The rest may be a password.
+std::string NameIn(std::string_view text)
+{
+    const auto* end = std::find_if(text.begin(), text.end(), [](char c) {
+        return c != '_' && c != '-' && !(c >= 'a' && c <= 'z') && !(c >= 'A' && c <= 'Z');
+    });
+    return std::string(text.begin(), end);
+}
+
 struct Setting {
     std::string_view name;
     std::function<void(Config&, const std::string&)> set;
@@ -57,6 +71,12 @@ const Setting Settings[] = {
      [](Config& c, const std::string& text) { c.store.connections = NumberOf(text, 1, 100); }},
     {"keep_days",
      [](Config& c, const std::string& text) { c.keep = std::chrono::days(NumberOf(text, 0, 36'500)); }},
+    {"min_free_mb", [](Config& c, const std::string& text) { c.store.bounds.minFree = BytesOf(text); }},
+    {"max_database_mb", [](Config& c, const std::string& text) { c.store.bounds.maxStored = BytesOf(text); }},
+    {"session_reports",
+     [](Config& c, const std::string& text) {
+         c.store.bounds.sessionReports = static_cast<std::int64_t>(NumberOf(text, 0, 1'000'000));
+     }},
     {"workers",
      [](Config& c, const std::string& text) {
          c.doors.workers = static_cast<unsigned>(NumberOf(text, 1, 64));
@@ -96,7 +116,7 @@ void Config::Set(std::string name, const std::string& value)
     const auto* setting = std::find_if(std::begin(Settings), std::end(Settings),
                                        [&](const Setting& row) { return row.name == name; });
     if (setting == std::end(Settings))
-        throw std::runtime_error("there is no setting '" + name + "'");
+        throw std::runtime_error("there is no setting '" + NameIn(name) + "'");
     try {
         setting->set(*this, value);
     } catch (const std::exception& error) {
@@ -115,7 +135,7 @@ void Config::ReadFile(std::string path)
             continue;
         const std::size_t equals = text.find('=');
         if (equals == std::string_view::npos)
-            throw std::runtime_error(path.append(": '").append(line).append("' is no setting"));
+            throw std::runtime_error(path + ": the line of '" + NameIn(text) + "' has no '='");
         Set(std::string(Trim(text.substr(0, equals))), std::string(Trim(text.substr(equals + 1))));
     }
 }
@@ -141,7 +161,7 @@ Config Config::Read(std::vector<std::string>& arguments, std::span<const std::st
             continue;
         }
         if (argument + 1 == arguments.end())
-            throw std::runtime_error(*argument + " needs a value");
+            throw std::runtime_error("--" + NameIn(argument->substr(2)) + " needs a value");
         if (std::find(commandOptions.begin(), commandOptions.end(), *argument) != commandOptions.end()) {
             argument += 2;
             continue;

@@ -20,7 +20,7 @@ struct Config {
     std::string portFile;  // receives the public port once the service listens
     std::string adminPortFile;
     std::string logLevel = "info";
-    std::chrono::days keep{0};  // reports; 0 for ever
+    std::chrono::days keep{400};  // reports; 0: always
 
     /// Takes `--config FILE` and `--name value` for any setting off the arguments; what remains are the
     /// command, its operands, and with their values those of `commandOptions`. In the file a line is `name =

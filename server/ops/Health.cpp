@@ -6,15 +6,31 @@
 
 namespace kel::server {
 
+namespace {
+
+constexpr const char* Type = "text/plain; charset=utf-8";
+
+Answer NotReady(const std::string& word, const std::string& reason)
+{
+    Log(Level::Error, "not-ready", {{"reason", reason}});
+    return {503, Type, std::make_shared<const std::string>(word + "\n")};
+}
+
+}  // namespace
+
 Answer Readiness(Store& store)
 {
-    constexpr const char* Type = "text/plain; charset=utf-8";
     try {
-        store.Ping();
-        return Answer::Of(Type, "ready\n");
+        switch (store.State()) {
+            case StoreState::Ready:
+                return Answer::Of(Type, "ready\n");
+            case StoreState::ReadOnly:
+                return NotReady("the database takes no writes", "it is read-only");
+            default:
+                return NotReady("there is no room for reports", "free room, or the bound on the database");
+        }
     } catch (const std::exception& error) {
-        Log(Level::Error, "not-ready", {{"reason", error.what()}});
-        return {503, Type, std::make_shared<const std::string>("the database does not answer\n")};
+        return NotReady("the database does not answer", error.what());
     }
 }
 

@@ -5,8 +5,8 @@
 
 namespace kel::server {
 
-/// Whether requests can be served: 200 when the database answers a question, which writes nothing; 503 with a
-/// word otherwise. The log has the reason.
+/// Whether reports can be taken: 200 when the database answers a question, which writes nothing, takes writes
+/// and has room; 503 with a word otherwise. The log has the reason.
 Answer Readiness(Store& store);
 
 }  // namespace kel::server

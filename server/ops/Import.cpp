@@ -33,10 +33,7 @@ void Import(const std::filesystem::path& folder, Store& store)
     if (sets.empty())
         throw std::runtime_error(folder.string() + " has no requirement files");
     for (const auto& [referrer, text] : sets) {
-        const auto before = store.NewestSet(referrer);
-        const int version = store.Publish(referrer, text, "import");
-        if (!before || before->version != version)
-            store.Note(CommandLine, "published", referrer + ", version " + std::to_string(version));
+        const int version = store.Publish(referrer, text, "import", CommandLine);
         Log(Level::Info, "published", {{"referrer", referrer}, {"version", std::to_string(version)}});
     }
 }

@@ -1,6 +1,7 @@
 #include "server/ops/Purge.h"
 
 #include <charconv>
+#include <chrono>
 #include <stdexcept>
 #include <thread>
 
@@ -42,31 +43,29 @@ int Repeat(Store& store, const std::function<int(int)>& deleteSome, const std::f
 
 }  // namespace
 
-int PurgeOlder(Store& store, std::chrono::hours age, const std::function<bool()>& ends)
+int PurgeOlder(Store& store, std::int64_t time, const std::function<bool()>& ends)
 {
-    const std::int64_t time = Now() - std::chrono::milliseconds(age).count();
     return Repeat(
-        store, [&](int most) { return store.DeleteOlder(time, most); }, ends);
+        store, [&](int most) { return store.DeleteOlder(time, most, nullptr); }, ends);
 }
 
 void Purge(Store& store, std::string_view option, const std::string& value)
 {
-    const auto never = [] { return false; };
-    int count = 0;
-    if (option == "--older")
-        count = PurgeOlder(store, AgeOf(value), never);
-    else if (option == "--session")
-        count = Repeat(
-            store, [&](int most) { return store.DeleteSession(value, most); }, never);
-    else if (option == "--machine")
-        count = Repeat(
-            store, [&](int most) { return store.DeleteMachine(value, most); }, never);
-    else
-        throw std::runtime_error("purge needs --older, --session or --machine");
     // Not whose: that is to be forgotten.
-    store.Note(CommandLine, "purged",
-               std::string(option) + (option == "--older" ? " " + value : "") + ", " + std::to_string(count) +
-                   " reports");
+    DeletionEntry entry{CommandLine, "purged",
+                        std::string(option) + (option == "--older" ? " " + value : "")};
+    std::function<int(int)> deleteSome;
+    if (option == "--older") {
+        const std::int64_t time = Now() - std::chrono::milliseconds(AgeOf(value)).count();
+        deleteSome = [&, time](int most) { return store.DeleteOlder(time, most, &entry); };
+    } else if (option == "--session") {
+        deleteSome = [&](int most) { return store.DeleteSession(value, most, &entry); };
+    } else if (option == "--machine") {
+        deleteSome = [&](int most) { return store.DeleteMachine(value, most, &entry); };
+    } else {
+        throw std::runtime_error("purge needs --older, --session or --machine");
+    }
+    const int count = Repeat(store, deleteSome, [] { return false; });
     Log(Level::Info, "purged", {{"reports", std::to_string(count)}});
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <array>
-#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -18,7 +18,7 @@ inline constexpr std::array<std::string_view, 3> PurgeOptions{"--older", "--sess
 /// none.
 void Purge(Store& store, std::string_view option, const std::string& value);
 
-/// Deletes what is older than the age, until `ends` says to end; how many reports.
-int PurgeOlder(Store& store, std::chrono::hours age, const std::function<bool()>& ends);
+/// Deletes what was received before that time, until `ends` says to end; how many reports.
+int PurgeOlder(Store& store, std::int64_t time, const std::function<bool()>& ends);
 
 }  // namespace kel::server

@@ -59,7 +59,7 @@ Router AdminRoutes(Store& store, Metrics& metrics)
     router.Add("GET", "/healthz",
                [](const Call&) { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
     router.Add("GET", "/readyz", [&](const Call&) { return Readiness(store); });
-    router.Add("GET", "/metrics", [&](const Call&) { return MetricsPage(metrics); });
+    router.Add("GET", "/metrics", [&](const Call&) { return MetricsPage(metrics, store); });
     return router;
 }
 

@@ -22,6 +22,7 @@
 #include "server/ops/HeapTrimmer.h"
 #include "server/ops/Import.h"
 #include "server/ops/Purge.h"
+#include "server/ops/Restore.h"
 #include "server/ops/Retention.h"
 #include "server/ops/Routes.h"
 #include "server/protocol/Service.h"
@@ -39,6 +40,7 @@ constexpr const char* Usage =
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
     "  export DIR   writes each referrer's newest requirements to such files\n"
     "  backup FILE  copies an SQLite database while the service runs\n"
+    "  restore FILE puts such a copy in the place of the database, while the service does not run\n"
     "  purge --older 90d | --session SESSION | --machine ID\n"
     "               deletes reports that are older than so many days (d) or hours (h), or of that origin\n"
     "  user add editor|reader NAME\n"
@@ -62,6 +64,8 @@ void RunServe(const Config& config)
 {
     const HeapTrimmer trimmer;
     const std::unique_ptr<Store> store = OpenStore(config.store);
+    Log(Level::Info, "keeping",
+        {{"days", config.keep.count() > 0 ? std::to_string(config.keep.count()) : "all"}});
     Metrics metrics;
     Service service(*store, metrics);
     std::optional<Retention> retention;
@@ -121,6 +125,8 @@ int Run(std::vector<std::string> arguments)
         Export(arguments[1], *OpenStore(config.store));
     } else if (command == "backup" && arguments.size() == 2) {
         Backup(config.store, arguments[1]);
+    } else if (command == "restore" && arguments.size() == 2) {
+        Restore(config.store, arguments[1]);
     } else if (command == "purge" && arguments.size() == 3) {
         Purge(*OpenStore(config.store), arguments[1], arguments[2]);
     } else if (!RunAccountCommand(

@@ -113,7 +113,7 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
         throw Fault(404, "no report of this session was uploaded");
     const Verdict verdict = Judge(*sets.Get(set.id), *FindReport(*id));
     const std::string total(NameOf(verdict.total));
-    store.Keep(NewVerdict{*id, set.id, request.item, total, RenderLines(verdict)});
+    KeepVerdict(NewVerdict{*id, set.id, request.item, total, RenderLines(verdict)});
     metrics.AddVerdict(total);
     Log(Level::Info, "judged",
         {{"session", request.session},
@@ -138,6 +138,17 @@ std::shared_ptr<const Report> Service::FindReport(std::int64_t id)
     auto report = std::make_shared<const Report>(Report::Read(stored->body));
     reports.Add(id, report);
     return report;
+}
+
+/// The visitor gets the verdict in any case; one that is not stored is missing from the figures.
+void Service::KeepVerdict(const NewVerdict& verdict)
+{
+    try {
+        store.Keep(verdict);
+    } catch (const Fault& fault) {
+        ++metrics.verdictsNotKept;
+        Log(Level::Error, "verdict-not-kept", {{"reason", fault.what()}});
+    }
 }
 
 Answer Service::TestFile() const

@@ -35,6 +35,7 @@ private:
     PublishedSet Find(const std::string& referrer);
     void Clean(std::string& xml);
     std::shared_ptr<const Report> FindReport(std::int64_t id);
+    void KeepVerdict(const NewVerdict& verdict);
 
     Store& store;
     Metrics& metrics;

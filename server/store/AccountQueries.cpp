@@ -15,16 +15,30 @@ Account AccountOf(const SqlRow& row)
 
 }  // namespace
 
-void SqlStore::Keep(const Account& account)
+std::int64_t AddAuditEntry(SqlConnection& connection, const std::string& account, const std::string& action,
+                           const std::string& subject)
 {
-    const auto connection = writers->Borrow();
-    SqlTransaction transaction(*connection);
-    connection->Query(
-        "INSERT INTO account (name, hash, role) VALUES ($1, $2, $3) "
-        "ON CONFLICT (name) DO UPDATE SET hash = excluded.hash, role = excluded.role",
-        {account.name, account.hash, account.role == Role::Editor ? "editor" : "reader"});
-    connection->Query("DELETE FROM login_session WHERE account = $1", {account.name});
-    transaction.Commit();
+    const SqlRows added = connection.Query(
+        "INSERT INTO audit (time, account, action, subject) VALUES ($1, $2, $3, $4) RETURNING id",
+        {Now(), account, action, subject});
+    // Ids ascend with the time. Some at once, as most often there is none.
+    connection.Query(
+        "DELETE FROM audit WHERE id IN (SELECT id FROM audit ORDER BY id LIMIT 10) AND time < $1",
+        {Now() - Year});
+    return added.at(0).Number(0);
+}
+
+void SqlStore::Keep(const Account& account, const std::string& by)
+{
+    const std::string role = account.role == Role::Editor ? "editor" : "reader";
+    Change([&](SqlConnection& connection) {
+        connection.Query(
+            "INSERT INTO account (name, hash, role) VALUES ($1, $2, $3) "
+            "ON CONFLICT (name) DO UPDATE SET hash = excluded.hash, role = excluded.role",
+            {account.name, account.hash, role});
+        connection.Query("DELETE FROM login_session WHERE account = $1", {account.name});
+        return AddAuditEntry(connection, by, "account written", account.name + ", " + role);
+    });
 }
 
 std::optional<Account> SqlStore::FindAccount(const std::string& name)
@@ -37,28 +51,30 @@ std::vector<Account> SqlStore::Accounts()
     return Each(Read("SELECT name, hash, role FROM account ORDER BY name"), AccountOf);
 }
 
-bool SqlStore::RemoveAccount(const std::string& name)
+bool SqlStore::RemoveAccount(const std::string& name, const std::string& by)
 {
-    return !Write("DELETE FROM account WHERE name = $1 RETURNING name", {name}).empty();
+    return Change([&](SqlConnection& connection) {
+        return !connection.Query("DELETE FROM account WHERE name = $1 RETURNING name", {name}).empty() &&
+               AddAuditEntry(connection, by, "account removed", name) != 0;
+    });
 }
 
 bool SqlStore::Keep(const Login& login)
 {
-    const auto connection = writers->Borrow();
-    SqlTransaction transaction(*connection);
-    connection->Query("DELETE FROM login_session WHERE ends <= $1", {Now()});
-    // A change of the password at the same time waits here or is waited for, and then ends the log-in.
-    const SqlRows same =
-        connection->Query("UPDATE account SET hash = hash WHERE name = $1 AND hash = $2 RETURNING name",
-                          {login.account, login.hash});
-    if (same.empty())
-        return false;
-    connection->Query(
-        "INSERT INTO login_session (key, account, kind, form_token, ends) VALUES ($1, $2, $3, $4, $5)",
-        {login.key, login.account, login.kind == LoginKind::Program ? "program" : "browser", login.formToken,
-         login.ends});
-    transaction.Commit();
-    return true;
+    return Change([&](SqlConnection& connection) {
+        connection.Query("DELETE FROM login_session WHERE ends <= $1", {Now()});
+        // A change of the password at the same time waits here or is waited for, and then ends the log-in.
+        const SqlRows same =
+            connection.Query("UPDATE account SET hash = hash WHERE name = $1 AND hash = $2 RETURNING name",
+                             {login.account, login.hash});
+        if (same.empty())
+            return false;
+        connection.Query(
+            "INSERT INTO login_session (key, account, kind, form_token, ends) VALUES ($1, $2, $3, $4, $5)",
+            {login.key, login.account, login.kind == LoginKind::Program ? "program" : "browser",
+             login.formToken, login.ends});
+        return true;
+    });
 }
 
 std::optional<Login> SqlStore::FindLogin(const std::string& key)
@@ -78,16 +94,15 @@ std::optional<Login> SqlStore::FindLogin(const std::string& key)
 
 void SqlStore::EndLogin(const std::string& key)
 {
-    Write("DELETE FROM login_session WHERE key = $1", {key});
+    Change([&](SqlConnection& connection) {
+        connection.Query("DELETE FROM login_session WHERE key = $1", {key});
+        return true;
+    });
 }
 
 void SqlStore::Note(const std::string& account, const std::string& action, const std::string& subject)
 {
-    Write("INSERT INTO audit (time, account, action, subject) VALUES ($1, $2, $3, $4)",
-          {Now(), account, action, subject});
-    // Ids ascend with the time. Some at once, as most often there is none.
-    Write("DELETE FROM audit WHERE id IN (SELECT id FROM audit ORDER BY id LIMIT 10) AND time < $1",
-          {Now() - Year});
+    Change([&](SqlConnection& connection) { return AddAuditEntry(connection, account, action, subject); });
 }
 
 std::vector<AuditLine> SqlStore::Notes(std::int64_t beforeId, int count)

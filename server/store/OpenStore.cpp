@@ -1,5 +1,6 @@
 #include "server/store/OpenStore.h"
 
+#include "server/base/Fault.h"
 #include "server/store/Migrations.h"
 #include "server/store/PostgresConnection.h"
 #include "server/store/SqlStore.h"
@@ -9,7 +10,9 @@ namespace kel::server {
 
 namespace {
 
-std::unique_ptr<SqlConnection> ConnectSqlite(const StoreSettings& settings, SqliteConnection::Mode mode)
+constexpr int Unavailable = 503;
+
+std::unique_ptr<SqliteConnection> ConnectSqlite(const StoreSettings& settings, SqliteConnection::Mode mode)
 {
     return std::make_unique<SqliteConnection>(settings.database, mode,
                                               settings.durability == "full"
@@ -17,18 +20,34 @@ std::unique_ptr<SqlConnection> ConnectSqlite(const StoreSettings& settings, Sqli
                                                   : SqliteConnection::Durability::Normal);
 }
 
+/// Opens what is already in use. On a full disk there may be no room for the index of the write-ahead log: it
+/// gets the reserve's then.
+std::unique_ptr<SqliteConnection> ConnectToFile(const StoreSettings& settings)
+{
+    try {
+        return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
+    } catch (const NoRoom&) {
+        if (!Room(settings.database, settings.bounds).ReleaseReserve())
+            throw;
+    }
+    return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
+}
+
 }  // namespace
 
 std::unique_ptr<Store> OpenStore(const StoreSettings& settings)
 {
     const bool isServer = PostgresConnection::IsAddress(settings.database);
-    const SqlPool::Open open = [settings, isServer]() -> std::unique_ptr<SqlConnection> {
+    const auto file = FileIdentity::Of(settings.database);
+    const SqlPool::Open open = [settings, isServer, file]() -> std::unique_ptr<SqlConnection> {
         if (isServer)
             return std::make_unique<PostgresConnection>(settings.database,
                                                         PostgresConnection::Patience::Request);
-        return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
+        // The write-ahead log beside another file is not that file's. To open it would apply the log to it.
+        if (FileIdentity::Of(settings.database) != file)
+            throw Fault(Unavailable, "database: the file was removed or replaced; put it back, or restart");
+        return ConnectToFile(settings);
     };
-    RequireCurrent(*open());
     const std::size_t quickCount = (settings.connections + 2) / 4;  // a quarter; none of a single connection
     auto readers = std::make_shared<SqlPool>(open, settings.connections - quickCount);
     auto quick = quickCount > 0 ? std::make_shared<SqlPool>(open, quickCount) : readers;
@@ -38,7 +57,10 @@ std::unique_ptr<Store> OpenStore(const StoreSettings& settings)
         writers = std::make_shared<SqlPool>(open, 1);
         SqlPool::Join({quick, readers, writers});
     }
-    return std::make_unique<SqlStore>(std::move(quick), std::move(readers), std::move(writers));
+    // The connection stays open: a restore sees that the database is in use.
+    RequireCurrent(*writers->Borrow());
+    return std::make_unique<SqlStore>(std::move(quick), std::move(readers), std::move(writers),
+                                      isServer ? std::string() : settings.database, settings.bounds);
 }
 
 std::unique_ptr<SqlConnection> OpenForMigration(const StoreSettings& settings)

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "server/store/Room.h"
 #include "server/store/SqlConnection.h"
 #include "server/store/Store.h"
 
@@ -13,6 +14,7 @@ struct StoreSettings {
     std::string database = "kel.db";  // an SQLite file, or postgresql://user@host/name
     std::string durability = "normal";
     std::size_t connections = 4;  // at the same time; an SQLite file has one more, to write by
+    Bounds bounds;
 };
 
 /// Opens a database that has the current version; throws std::runtime_error when there is none.

@@ -2,7 +2,7 @@
 
 #include <poll.h>
 
-#include <array>
+#include <algorithm>
 #include <stdexcept>
 
 #include "server/base/Fault.h"
@@ -17,6 +17,7 @@ using std::chrono::steady_clock;
 constexpr int Unavailable = 503;
 // The server ends a statement first, and the connection stays good.
 constexpr std::chrono::seconds Longest{15}, LongestMigration{24 * 3600};
+constexpr std::chrono::milliseconds ProbeInterval{1000};
 // A plan for any value would walk through everything for one that is rare.
 constexpr const char* Settings =
     "SET statement_timeout = '10s'; SET idle_in_transaction_session_timeout = '30s'; "
@@ -38,22 +39,11 @@ bool PostgresConnection::IsAddress(std::string_view database)
 }
 
 PostgresConnection::PostgresConnection(const std::string& address, Patience patience)
-    : longest(patience == Patience::Request ? Longest : LongestMigration)
+    : address(address),
+      connection(this->address.Connect()),
+      longest(patience == Patience::Request ? Longest : LongestMigration)
 {
-    // The address may say otherwise of what stands before it.
-    const std::array<const char*, 9> names{
-        "connect_timeout",  "fallback_application_name", "keepalives_idle", "keepalives_interval",
-        "keepalives_count", "tcp_user_timeout",          "dbname",          "client_encoding"};
-    const std::array<const char*, 9> texts{"5",     "kel_server",    "30",  "5", "3",
-                                           "20000", address.c_str(), "UTF8"};
-    connection.reset(PQconnectdbParams(names.data(), texts.data(), 1));
-    if (PQstatus(Get()) != CONNECTION_OK) {
-        std::string reason = PQerrorMessage(Get());
-        const std::size_t found = reason.find(address);  // with a password, perhaps
-        Fail(found == std::string::npos ? reason : reason.replace(found, address.size(), "the address"));
-    }
-    PQsetNoticeProcessor(
-        Get(), [](void*, const char*) {}, nullptr);
+    PQsetNoticeReceiver(Get(), Receive, this);
     PQsetnonblocking(Get(), 1);
     if (patience == Patience::Request)
         Execute(Settings);
@@ -97,6 +87,18 @@ bool PostgresConnection::IsBroken()
     // A connection that rests has nothing to read but its end.
     return lost || PQstatus(Get()) != CONNECTION_OK || PQtransactionStatus(Get()) != PQTRANS_IDLE ||
            Poll(Get(), POLLIN, {}) != 0;
+}
+
+bool PostgresConnection::IsWritable()
+{
+    const bool isWritable = Query("SHOW transaction_read_only").at(0).Text(0) == "off";
+    lost = lost || !isWritable;
+    return isWritable;
+}
+
+DatabaseSize PostgresConnection::Size()
+{
+    return {Query("SELECT pg_database_size(current_database())").at(0).Number(0), 0};
 }
 
 std::span<const char* const> PostgresConnection::Migrations() const
@@ -146,6 +148,7 @@ PostgresConnection::Result PostgresConnection::Answer(int sent)
     const auto end = steady_clock::now() + longest;
     Result last;
     std::string error;
+    isFull = isUnreplicated = false;
     for (;;) {
         while (PQflush(Get()) == 1 || PQisBusy(Get()) != 0)
             Wait(end);
@@ -153,23 +156,53 @@ PostgresConnection::Result PostgresConnection::Answer(int sent)
         if (!next)
             break;
         const ExecStatusType status = PQresultStatus(next.get());
-        if (error.empty() && status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK)
+        if (error.empty() && status != PGRES_COMMAND_OK && status != PGRES_TUPLES_OK) {
             error = PQresultErrorMessage(next.get());
+            Take(next.get());
+        }
         last = std::move(next);
     }
     if (!error.empty() || !last)
         Fail(error.empty() ? PQerrorMessage(Get()) : error);
+    if (isUnreplicated)
+        Fail("the standby has not confirmed the commit");
     return last;
+}
+
+/// Notes what an error says of the connection.
+void PostgresConnection::Take(const PGresult* error)
+{
+    const char* field = PQresultErrorField(error, PG_DIAG_SQLSTATE);
+    const std::string_view state = field ? field : "";
+    // Another server, or this one once it is back, may do what this one cannot: it only reads, or is going.
+    lost = lost || state == "25006" || state.starts_with("57P0");
+    isFull = state == "53100";
+}
+
+void PostgresConnection::Receive(void* connection, const PGresult* notice)
+{
+    // The server ends the wait for a synchronous standby when the statement's time is over. It has committed
+    // then, and warns that it could lose what it has.
+    const char* source = PQresultErrorField(notice, PG_DIAG_SOURCE_FUNCTION);
+    if (source && std::string_view(source) == "SyncRepWaitForLSN")
+        static_cast<PostgresConnection*>(connection)->isUnreplicated = true;
 }
 
 /// Waits until the connection has something to read, or can take more of what is to be sent.
 void PostgresConnection::Wait(steady_clock::time_point end)
 {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - steady_clock::now());
     const auto events = static_cast<short>(PQflush(Get()) == 1 ? POLLIN | POLLOUT : POLLIN);
-    if (left.count() <= 0 || Poll(Get(), events, left) == 0) {
-        lost = true;
-        Fail("no answer for " + std::to_string(longest.count()) + " seconds");
+    for (int ready = 0; ready == 0;) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - steady_clock::now());
+        if (left.count() <= 0) {
+            lost = true;
+            Fail("no answer for " + std::to_string(longest.count()) + " seconds");
+        }
+        ready = Poll(Get(), events, std::min(left, ProbeInterval));
+        if (ready == 0 && address.HasOtherPrimary(Get())) {
+            lost = true;
+            Fail("another server has taken over");
+        }
     }
     if (PQconsumeInput(Get()) == 0) {
         lost = true;
@@ -179,7 +212,10 @@ void PostgresConnection::Wait(steady_clock::time_point end)
 
 void PostgresConnection::Fail(const std::string& reason) const
 {
-    throw Fault(Unavailable, "database: " + reason.substr(0, reason.find_last_not_of('\n') + 1));
+    const std::string text = "database: " + reason.substr(0, reason.find_last_not_of('\n') + 1);
+    if (isFull)
+        throw NoRoom(text);
+    throw Fault(Unavailable, text);
 }
 
 }  // namespace kel::server

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "server/store/PostgresConnect.h"
 #include "server/store/SqlConnection.h"
 
 namespace kel::server {
@@ -27,7 +28,11 @@ public:
     void Execute(const std::string& sql) override;
     void Begin() override { Execute("BEGIN"); }
     bool IsBroken() override;
+    bool IsWritable() override;
+    DatabaseSize Size() override;
     std::string_view SkipLocked() const override { return " FOR UPDATE SKIP LOCKED"; }
+    std::string_view AwaitLocked() const override { return " FOR UPDATE"; }
+    std::string_view ShareReports() const override { return " FOR KEY SHARE OF report"; }
     std::int64_t SettledReport() override { return Query("SELECT settled_report()").at(0).Number(0); }
     std::span<const char* const> Migrations() const override;
     int Version() override;
@@ -38,9 +43,6 @@ protected:
     SqlRows Run(const std::string& sql, const std::vector<SqlValue>& values) override;
 
 private:
-    struct Finish {
-        void operator()(PGconn* connection) const { PQfinish(connection); }
-    };
     struct Clear {
         void operator()(PGresult* result) const { PQclear(result); }
     };
@@ -49,13 +51,18 @@ private:
     const std::string& Prepare(const std::string& sql);
     Result Answer(int sent);
     void Wait(std::chrono::steady_clock::time_point end);
+    static void Receive(void* connection, const PGresult* notice);
+    void Take(const PGresult* error);
     [[noreturn]] void Fail(const std::string& reason) const;
     PGconn* Get() const { return connection.get(); }
 
-    std::unique_ptr<PGconn, Finish> connection;
+    const PostgresAddress address;
+    PostgresHandle connection;
     std::unordered_map<std::string, std::string> names;  // of the prepared statements
     std::chrono::seconds longest;
     bool lost = false;
+    bool isFull = false;          // the server's disk, when the statement failed
+    bool isUnreplicated = false;  // what the statement committed has not reached the standby
 };
 
 }  // namespace kel::server

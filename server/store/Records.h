@@ -118,4 +118,11 @@ struct AuditLine {
     std::string account, action, subject;
 };
 
+/// The audit's one entry of a deletion that may take several calls. Its subject ends with the count so far.
+struct DeletionEntry {
+    std::string account, action, subject;
+    std::int64_t id = 0;  // once it is written
+    int reports = 0;
+};
+
 }  // namespace kel::server

@@ -36,8 +36,14 @@ private:
 
 using SqlRows = std::vector<SqlRow>;
 
+/// Bytes of a database.
+struct DatabaseSize {
+    std::int64_t used = 0;      // what is stored takes
+    std::int64_t reusable = 0;  // left by what was deleted, for what is stored next; 0 when not known
+};
+
 /// A connection to a database, for one thread at a time. Everything throws Fault 503 with the database's own
-/// words when it fails.
+/// words when it fails, NoRoom when the disk is full.
 class SqlConnection {
 public:
     virtual ~SqlConnection() = default;
@@ -52,12 +58,20 @@ public:
     virtual void Begin() = 0;
     /// Whether the connection is of no use any more.
     virtual bool IsBroken() = 0;
+    /// Whether the database takes writes; one that does not breaks the connection, as another may.
+    virtual bool IsWritable() = 0;
+    virtual DatabaseSize Size() = 0;
 
     /// What keeps a column from an index, put before it; empty where the database knows what it does.
     virtual std::string_view NoIndex() const { return {}; }
     /// What a SELECT ends with whose rows are about to be deleted, so that two who delete do not wait for
     /// each other; empty where only one can write.
     virtual std::string_view SkipLocked() const { return {}; }
+    /// What such a SELECT ends with to wait for rows that are locked.
+    virtual std::string_view AwaitLocked() const { return {}; }
+    /// What a SELECT ends with so that the rows of `report` it reads are not deleted before the statement's
+    /// end; empty where only one can write.
+    virtual std::string_view ShareReports() const { return {}; }
     /// Takes what was deleted out of the log that writes go through, unless somebody reads by it; for a
     /// database that looks after its log itself, nothing.
     virtual void EmptyLog() {}

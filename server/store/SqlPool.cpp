@@ -6,6 +6,8 @@ namespace kel::server {
 
 namespace {
 
+using std::chrono::steady_clock;
+
 constexpr int Unavailable = 503;
 constexpr std::chrono::seconds Patience{10};
 constexpr std::chrono::seconds Pause{1};
@@ -14,35 +16,64 @@ constexpr std::chrono::seconds Pause{1};
 
 SqlPool::Lease SqlPool::Borrow()
 {
-    std::vector<std::unique_ptr<SqlConnection>>
-        broken;  // closed when the lock is given up: that takes a while
+    // Closed when the lock is given up: that takes a while.
+    std::vector<std::unique_ptr<SqlConnection>> broken;
+    const auto end = steady_clock::now() + Patience;
     std::unique_lock lock(turn);
-    if (!returned.wait_for(lock, Patience, [&] { return lent < most; }))
-        throw Fault(Unavailable, "database: no connection becomes free");
-    while (!free.empty()) {
-        auto connection = std::move(free.back());
-        free.pop_back();
-        if (!connection->IsBroken()) {
+    for (;;) {
+        if (auto connection = TakeFree(broken)) {
             ++lent;
             return {*this, std::move(connection)};
         }
+        if (lent < most && steady_clock::now() >= retry) {
+            if (auto connection = TryOpen(lock))
+                return {*this, std::move(connection)};
+            continue;
+        }
+        // A database that does not answer costs one request now and then its patience, not every one.
+        if (lent == 0)
+            throw Fault(Unavailable, failure);
+        // While others work, one of theirs will do; where another can be opened, that is tried meanwhile.
+        const auto now = steady_clock::now();
+        if (now >= end)
+            throw Fault(Unavailable, lent < most ? failure : "database: no connection becomes free");
+        returned.wait_until(lock, lent < most ? std::min(end, retry) : end);
+    }
+}
+
+/// The lock is held, before and after.
+std::unique_ptr<SqlConnection> SqlPool::TakeFree(std::vector<std::unique_ptr<SqlConnection>>& broken)
+{
+    while (!free.empty()) {
+        auto connection = std::move(free.back());
+        free.pop_back();
+        if (!connection->IsBroken())
+            return connection;
         broken.push_back(std::move(connection));
     }
-    // A database that does not answer costs one request now and then its patience, not every one.
-    if (std::chrono::steady_clock::now() < retry)
-        throw Fault(Unavailable, failure);
+    return nullptr;
+}
+
+/// Counts the connection as lent, and opens it without the lock. Null when it cannot be opened.
+std::unique_ptr<SqlConnection> SqlPool::TryOpen(std::unique_lock<std::mutex>& lock)
+{
     ++lent;
-    lock.unlock();  // so does opening
+    lock.unlock();
+    std::unique_ptr<SqlConnection> connection;
+    std::string reason;
     try {
-        return {*this, open()};
+        connection = open();
     } catch (const std::exception& error) {
-        lock.lock();
-        retry = std::chrono::steady_clock::now() + Pause;
-        failure = error.what();
-        lock.unlock();
-        Return(nullptr);
-        throw;
+        reason = error.what();
     }
+    lock.lock();
+    if (!connection) {
+        retry = steady_clock::now() + Pause;
+        failure = std::move(reason);
+        --lent;
+        returned.notify_all();
+    }
+    return connection;
 }
 
 void SqlPool::Join(const std::vector<std::shared_ptr<SqlPool>>& pools)
@@ -63,15 +94,18 @@ void SqlPool::Drop()
 
 void SqlPool::Return(std::unique_ptr<SqlConnection> connection)
 {
-    if (connection && connection->IsBroken()) {
+    if (connection->IsBroken()) {
         connection.reset();
         for (SqlPool* pool : joined)
             pool->Drop();
     }
     const std::lock_guard lock(turn);
     --lent;
-    if (connection)
-        free.push_back(std::move(connection));
+    if (!connection) {
+        returned.notify_all();  // to open another, or to give up
+        return;
+    }
+    free.push_back(std::move(connection));
     returned.notify_one();
 }
 

@@ -39,13 +39,16 @@ public:
 
     SqlPool(Open open, std::size_t most) : open(std::move(open)), most(most) {}
 
-    /// Waits some seconds for a connection; throws Fault 503 when none becomes free, or none can be opened.
+    /// Waits some seconds for a connection; throws Fault 503 when none becomes free. Where no other can be
+    /// opened, it waits for one of those that are lent, and throws at once when there are none.
     Lease Borrow();
     /// A connection that breaks in one of the pools breaks those that rest in the others: SQLite shares
     /// what it knows of a file among all connections of a process.
     static void Join(const std::vector<std::shared_ptr<SqlPool>>& pools);
 
 private:
+    std::unique_ptr<SqlConnection> TakeFree(std::vector<std::unique_ptr<SqlConnection>>& broken);
+    std::unique_ptr<SqlConnection> TryOpen(std::unique_lock<std::mutex>& lock);
     void Drop();
     void Return(std::unique_ptr<SqlConnection> connection);
 

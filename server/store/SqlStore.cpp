@@ -1,6 +1,7 @@
 #include "server/store/SqlStore.h"
 
 #include <chrono>
+#include <limits>
 
 #include "server/store/Rows.h"
 
@@ -19,7 +20,7 @@ const std::string SetsOf =
 
 /// Publishes inside of a transaction.
 int PublishNow(SqlConnection& connection, const std::string& referrer, const std::string& text,
-               const std::string& author)
+               const std::string& author, const std::string& account)
 {
     connection.Query("INSERT INTO referrer (name) VALUES ($1) ON CONFLICT DO NOTHING", {referrer});
     // Whoever publishes for the same referrer at the same time waits here.
@@ -37,7 +38,19 @@ int PublishNow(SqlConnection& connection, const std::string& referrer, const std
         "INSERT INTO requirement_set (referrer, version, published, text, author) "
         "SELECT id, $1, $2, $3, $4 FROM referrer WHERE name = $5",
         {std::int64_t{version}, Now(), text, author, referrer});
+    AddAuditEntry(connection, account, "published", referrer + ", version " + std::to_string(version));
     return version;
+}
+
+/// Empties a draft of that revision, inside of a transaction; false when it has another one by now.
+bool Empty(SqlConnection& connection, const std::string& referrer, int revision)
+{
+    return !connection
+                .Query(
+                    "UPDATE draft SET text = '', revision = revision + 1 "
+                    "WHERE referrer = $1 AND revision = $2 AND text <> '' RETURNING revision",
+                    {referrer, std::int64_t{revision}})
+                .empty();
 }
 
 }  // namespace
@@ -49,8 +62,13 @@ std::int64_t Now()
 }
 
 SqlStore::SqlStore(std::shared_ptr<SqlPool> quick, std::shared_ptr<SqlPool> readers,
-                   std::shared_ptr<SqlPool> writers)
-    : quick(std::move(quick)), readers(std::move(readers)), writers(std::move(writers))
+                   std::shared_ptr<SqlPool> writers, const std::string& file, const Bounds& bounds)
+    : quick(std::move(quick)),
+      readers(std::move(readers)),
+      writers(std::move(writers)),
+      room(file, bounds),
+      sessionReports(bounds.sessionReports > 0 ? bounds.sessionReports
+                                               : std::numeric_limits<std::int64_t>::max())
 {
 }
 
@@ -59,24 +77,29 @@ SqlRows SqlStore::Read(const std::string& sql, const std::vector<SqlValue>& valu
     return readers->Borrow()->Query(sql, values);
 }
 
-SqlRows SqlStore::Write(const std::string& sql, const std::vector<SqlValue>& values)
+StoreState SqlStore::State()
 {
-    return writers->Borrow()->Query(sql, values);
-}
-
-void SqlStore::Ping()
-{
-    quick->Borrow()->Query("SELECT count(*) FROM (SELECT 1 FROM requirement_set LIMIT 1) AS any_set");
+    const auto connection = quick->Borrow();
+    connection->Query("SELECT count(*) FROM (SELECT 1 FROM requirement_set LIMIT 1) AS any_set");
+    if (!connection->IsWritable())
+        return StoreState::ReadOnly;
+    room.Measure(*connection);
+    return HasRoom() ? StoreState::Ready : StoreState::NoRoom;
 }
 
 std::int64_t SqlStore::Keep(const NewReport& report)
 {
-    return Write(
-               "INSERT INTO report (session, referrer, \"user\", machine, received, body) "
-               "VALUES ($1, $2, $3, $4, $5, $6) RETURNING id",
-               {report.session, report.referrer, report.user, report.machine, Now(), report.body})
-        .at(0)
-        .Number(0);
+    const auto connection = writers->Borrow();
+    room.RequireForReport(*connection);
+    const SqlRows added = connection->Query(
+        "INSERT INTO report (session, referrer, \"user\", machine, received, body) "
+        "SELECT $1, $2, $3, $4, $5, $6 WHERE "
+        "(SELECT count(*) FROM (SELECT 1 FROM report WHERE session = $1 LIMIT $7) AS others) < $7 "
+        "RETURNING id",
+        {report.session, report.referrer, report.user, report.machine, Now(), report.body, sessionReports});
+    if (added.empty())
+        throw NoRoom("the session has as many reports as session_reports allows");
+    return added.at(0).Number(0);
 }
 
 std::optional<std::int64_t> SqlStore::NewestReport(const std::string& session)
@@ -98,12 +121,16 @@ std::string SqlStore::SetText(std::int64_t set)
 
 void SqlStore::Keep(const NewVerdict& verdict)
 {
-    Write(
+    const auto connection = writers->Borrow();
+    room.RequireForVerdict(*connection);
+    connection->Query(
         "INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines) "
         "SELECT report.id, requirement_set.id, requirement_set.referrer, $1, $2, $3, $4 "
-        "FROM report, requirement_set WHERE report.id = $5 AND requirement_set.id = $6 "
-        "ON CONFLICT (report, requirement_set) DO UPDATE "
-        "SET judged = excluded.judged, item = excluded.item, total = excluded.total, lines = excluded.lines",
+        "FROM report, requirement_set WHERE report.id = $5 AND requirement_set.id = $6" +
+            std::string(connection->ShareReports()) +
+            " ON CONFLICT (report, requirement_set) DO UPDATE "
+            "SET judged = excluded.judged, item = excluded.item, total = excluded.total, lines = "
+            "excluded.lines",
         {Now(), verdict.item, verdict.total, verdict.lines, verdict.report, verdict.set});
 }
 
@@ -127,13 +154,11 @@ std::vector<PublishedSet> SqlStore::Versions(const std::string& referrer)
     return Each(Read(SetsOf, {referrer}), SetOf);
 }
 
-int SqlStore::Publish(const std::string& referrer, const std::string& text, const std::string& author)
+int SqlStore::Publish(const std::string& referrer, const std::string& text, const std::string& author,
+                      const std::string& account)
 {
-    const auto connection = writers->Borrow();
-    SqlTransaction transaction(*connection);
-    const int version = PublishNow(*connection, referrer, text, author);
-    transaction.Commit();
-    return version;
+    return Change(
+        [&](SqlConnection& connection) { return PublishNow(connection, referrer, text, author, account); });
 }
 
 std::optional<Draft> SqlStore::FindDraft(const std::string& referrer)
@@ -160,36 +185,34 @@ std::optional<int> SqlStore::KeepDraft(const std::string& referrer, const std::s
     std::vector<SqlValue> values{text, Now(), author, referrer};
     if (revision != 0)
         values.emplace_back(std::int64_t{revision});
-    return First(Write(begin, values), [](const SqlRow& row) { return Small(row, 0); });
+    return Change([&](SqlConnection& connection) {
+        const auto saved =
+            First(connection.Query(begin, values), [](const SqlRow& row) { return Small(row, 0); });
+        if (saved)
+            AddAuditEntry(connection, author, "saved draft", referrer);
+        return saved;
+    });
 }
 
 std::optional<int> SqlStore::PublishDraft(const std::string& referrer, int revision,
                                           const std::string& author)
 {
-    const auto connection = writers->Borrow();
-    SqlTransaction transaction(*connection);
-    const SqlRows draft =
-        connection->Query("SELECT text FROM draft WHERE referrer = $1 AND revision = $2 AND text <> ''",
-                          {referrer, std::int64_t{revision}});
-    const SqlRows dropped = connection->Query(
-        "UPDATE draft SET text = '', revision = revision + 1 WHERE referrer = $1 AND revision = $2 AND text "
-        "<> '' "
-        "RETURNING revision",
-        {referrer, std::int64_t{revision}});
-    if (draft.empty() || dropped.empty())
-        return std::nullopt;
-    const int version = PublishNow(*connection, referrer, draft[0].Text(0), author);
-    transaction.Commit();
-    return version;
+    return Change([&](SqlConnection& connection) -> std::optional<int> {
+        const SqlRows draft =
+            connection.Query("SELECT text FROM draft WHERE referrer = $1 AND revision = $2 AND text <> ''",
+                             {referrer, std::int64_t{revision}});
+        if (draft.empty() || !Empty(connection, referrer, revision))
+            return std::nullopt;
+        return PublishNow(connection, referrer, draft[0].Text(0), author, author);
+    });
 }
 
-bool SqlStore::DropDraft(const std::string& referrer, int revision)
+bool SqlStore::DropDraft(const std::string& referrer, int revision, const std::string& account)
 {
-    return !Write(
-                "UPDATE draft SET text = '', revision = revision + 1 "
-                "WHERE referrer = $1 AND revision = $2 AND text <> '' RETURNING revision",
-                {referrer, std::int64_t{revision}})
-                .empty();
+    return Change([&](SqlConnection& connection) {
+        return Empty(connection, referrer, revision) &&
+               AddAuditEntry(connection, account, "dropped draft", referrer) != 0;
+    });
 }
 
 }  // namespace kel::server

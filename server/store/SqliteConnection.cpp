@@ -1,8 +1,10 @@
 #include "server/store/SqliteConnection.h"
 
+#include <cerrno>
 #include <stdexcept>
 
 #include "server/base/Fault.h"
+#include "server/base/Text.h"
 #include "server/store/Migrations.h"
 
 namespace kel::server {
@@ -30,6 +32,13 @@ private:
     sqlite3_stmt* statement;
 };
 
+bool LooksLikeAddress(const std::string& path)
+{
+    const std::size_t colon = path.find(':'), at = path.rfind('@');
+    return path.find("://") != path.npos || (colon != path.npos && at != path.npos && colon < at) ||
+           (colon != path.npos && Lower(path).starts_with("postgres"));
+}
+
 int Bind(sqlite3_stmt* statement, int index, const SqlValue& value)
 {
     if (const auto* number = std::get_if<std::int64_t>(&value))
@@ -48,10 +57,10 @@ std::string Column(sqlite3_stmt* statement, int column)
 
 }  // namespace
 
-SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durability durability)
+SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durability durability) : path(path)
 {
     // Another kind of address, or a mistyped one, may have a password, which is not repeated.
-    if (path.find("://") != std::string::npos)
+    if (LooksLikeAddress(path))
         throw std::runtime_error("the database is neither a file nor an address of PostgreSQL");
     sqlite3* opened = nullptr;
     const int flags =
@@ -59,11 +68,13 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
     const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
     database.reset(opened);
     if (result != SQLITE_OK)
-        throw Fault(Unavailable, path + ": " + (opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));
+        throw Fault(Unavailable,
+                    "database: " + path + ": " + (opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));
     sqlite3_busy_timeout(opened, BusyMilliseconds);
     // Deleted data are overwritten, whatever the library was built for.
     Execute("PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON; PRAGMA secure_delete = ON");
     Execute(durability == Durability::Full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
+    identity = FileIdentity::Of(path);
 }
 
 SqlRows SqliteConnection::Run(const std::string& sql, const std::vector<SqlValue>& values)
@@ -93,6 +104,24 @@ void SqliteConnection::Execute(const std::string& sql)
 {
     if (sqlite3_exec(Get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
         Fail();
+}
+
+bool SqliteConnection::IsBroken()
+{
+    return broken || sqlite3_get_autocommit(Get()) == 0 || FileIdentity::Of(path) != identity;
+}
+
+bool SqliteConnection::IsWritable()
+{
+    const bool isWritable = sqlite3_db_readonly(Get(), "main") == 0;
+    broken = broken || !isWritable;
+    return isWritable;
+}
+
+DatabaseSize SqliteConnection::Size()
+{
+    const std::int64_t page = Number("PRAGMA page_size"), unused = Number("PRAGMA freelist_count");
+    return {(Number("PRAGMA page_count") - unused) * page, unused * page};
 }
 
 void SqliteConnection::EmptyLog()
@@ -143,7 +172,12 @@ void SqliteConnection::Fail()
     const int code = sqlite3_errcode(Get());
     broken = broken || code == SQLITE_READONLY || code == SQLITE_IOERR || code == SQLITE_CANTOPEN ||
              code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
-    throw Fault(Unavailable, std::string("database: ") + sqlite3_errmsg(Get()));
+    const std::string reason = std::string("database: ") + sqlite3_errmsg(Get());
+    const bool isSystems = code == SQLITE_IOERR || code == SQLITE_CANTOPEN;
+    const int system = isSystems ? sqlite3_system_errno(Get()) : 0;
+    if (code == SQLITE_FULL || system == ENOSPC)
+        throw NoRoom(reason);
+    throw Fault(Unavailable, reason);
 }
 
 }  // namespace kel::server

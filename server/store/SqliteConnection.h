@@ -6,6 +6,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "server/store/FileIdentity.h"
 #include "server/store/SqlConnection.h"
 
 namespace kel::server {
@@ -21,7 +22,10 @@ public:
 
     void Execute(const std::string& sql) override;
     void Begin() override { Execute("BEGIN IMMEDIATE"); }
-    bool IsBroken() override { return broken || sqlite3_get_autocommit(Get()) == 0; }
+    /// Also when the file has been removed or replaced: what is written to it then is lost.
+    bool IsBroken() override;
+    bool IsWritable() override;
+    DatabaseSize Size() override;
     std::string_view NoIndex() const override { return "+"; }
     void EmptyLog() override;
     std::span<const char* const> Migrations() const override;
@@ -45,7 +49,9 @@ private:
     [[noreturn]] void Fail();
     sqlite3* Get() const { return database.get(); }
 
+    const std::string path;
     std::unique_ptr<sqlite3, Close> database;
+    FileIdentity identity;
     std::unordered_map<std::string, Statement> statements;
     bool broken = false;  // what the file is has changed, and another connection may see more
 };

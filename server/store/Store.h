@@ -9,18 +9,26 @@
 
 namespace kel::server {
 
-/// What the service keeps. Every operation may be called by any thread and is done entirely or not at all.
-/// Throws Fault 503 when the database fails, and 400 for a text that is no UTF-8 or has a NUL.
+/// Whether reports can be stored.
+enum class StoreState { Ready, ReadOnly, NoRoom };
+
+/// What the service keeps. Every operation may be called by any thread and is done entirely or not at all,
+/// with its entry in the audit. Throws Fault 503 when the database fails, NoRoom when there is no room, and
+/// 400 for a text that is no UTF-8 or has a NUL.
 class Store {
 public:
     virtual ~Store() = default;
 
-    /// Returns when the database answers.
-    virtual void Ping() = 0;
+    /// Asks the database, and writes nothing.
+    virtual StoreState State() = 0;
+    /// Whether reports are taken, as far as is known without asking the database. Never throws or waits.
+    virtual bool HasRoom() const = 0;
+    /// Bytes that are free for an SQLite file; -1 for a server.
+    virtual std::int64_t FreeBytes() const = 0;
 
     // The control's requests.
 
-    /// Appends a report; its id.
+    /// Appends a report; its id. NoRoom also past one of the bounds that are set.
     virtual std::int64_t Keep(const NewReport& report) = 0;
     /// The id of a session's newest report.
     virtual std::optional<std::int64_t> NewestReport(const std::string& session) = 0;
@@ -29,7 +37,7 @@ public:
     /// The text of published requirements, which never changes.
     virtual std::string SetText(std::int64_t set) = 0;
     /// Keeps a verdict; a later one of the same report and set replaces it. When the report has been deleted
-    /// meanwhile, nothing happens.
+    /// meanwhile, nothing happens. NoRoom where room for reports has been short for long.
     virtual void Keep(const NewVerdict& verdict) = 0;
 
     // Requirements and their drafts.
@@ -39,8 +47,13 @@ public:
     /// The versions of a referrer's requirements, the newest first.
     virtual std::vector<PublishedSet> Versions(const std::string& referrer) = 0;
     /// Publishes requirements as a referrer's newest version, unless they are the newest already; the
-    /// version.
-    virtual int Publish(const std::string& referrer, const std::string& text, const std::string& author) = 0;
+    /// version. The audit names the account, or the author.
+    virtual int Publish(const std::string& referrer, const std::string& text, const std::string& author,
+                        const std::string& account) = 0;
+    int Publish(const std::string& referrer, const std::string& text, const std::string& author)
+    {
+        return Publish(referrer, text, author, author);
+    }
     virtual std::optional<Draft> FindDraft(const std::string& referrer) = 0;
     /// Writes a draft over the one of that revision (0: there is none yet). The new revision; nothing, and
     /// nothing is written, when the draft has another revision by now. An empty text is no draft.
@@ -51,7 +64,7 @@ public:
     virtual std::optional<int> PublishDraft(const std::string& referrer, int revision,
                                             const std::string& author) = 0;
     /// False when the draft has another revision by now.
-    virtual bool DropDraft(const std::string& referrer, int revision) = 0;
+    virtual bool DropDraft(const std::string& referrer, int revision, const std::string& account) = 0;
 
     // Reports and verdicts, for whoever looks at them.
 
@@ -71,29 +84,33 @@ public:
     /// The newest reports of a referrer, the newest first.
     virtual std::vector<FullReport> RecentReports(const std::string& referrer, int count) = 0;
 
-    // What is kept no longer. Each deletes at most `most` reports with their verdicts, and tells how many.
+    // What is kept no longer. Each deletes at most `most` reports with their verdicts, and returns how many.
+    // A deletion that takes several calls passes the same entry to each. None: the audit does not mention it.
 
-    virtual int DeleteOlder(std::int64_t time, int most) = 0;
-    virtual int DeleteSession(const std::string& session, int most) = 0;
-    virtual int DeleteMachine(const std::string& machine, int most) = 0;
+    virtual int DeleteOlder(std::int64_t time, int most, DeletionEntry* entry) = 0;
+    virtual int DeleteSession(const std::string& session, int most, DeletionEntry* entry) = 0;
+    virtual int DeleteMachine(const std::string& machine, int most, DeletionEntry* entry) = 0;
+    /// When the newest report that came before that time was received; 0 when none did.
+    virtual std::int64_t NewestBefore(std::int64_t time) = 0;
     /// Once all is deleted: takes it out of the database's log, too, if nobody reads by that.
     virtual void EndDeletion() = 0;
 
     // Accounts.
 
-    /// Makes an account, or gives the one of that name another hash and role, which ends its log-ins.
-    virtual void Keep(const Account& account) = 0;
+    /// Makes an account, or gives the one of that name another hash and role, which ends its log-ins. `by`
+    /// is for the audit.
+    virtual void Keep(const Account& account, const std::string& by) = 0;
     virtual std::optional<Account> FindAccount(const std::string& name) = 0;
     virtual std::vector<Account> Accounts() = 0;
     /// False when there is no such account.
-    virtual bool RemoveAccount(const std::string& name) = 0;
+    virtual bool RemoveAccount(const std::string& name, const std::string& by) = 0;
     /// Keeps a log-in, and forgets those that have ended by now. False, and nothing is kept, when the account
     /// has gone or has another hash by now.
     virtual bool Keep(const Login& login) = 0;
     /// The log-in with that key, if it has not ended and its account still exists.
     virtual std::optional<Login> FindLogin(const std::string& key) = 0;
     virtual void EndLogin(const std::string& key) = 0;
-    /// Notes who did what, and forgets what is older than a year.
+    /// Adds an entry to the audit, and forgets those that are older than a year.
     virtual void Note(const std::string& account, const std::string& action, const std::string& subject) = 0;
     /// What was noted before the entry of that id (0: the newest), the newest first.
     virtual std::vector<AuditLine> Notes(std::int64_t beforeId, int count) = 0;

@@ -1,8 +1,10 @@
 """The deployed service's data: commands that copy and delete it, deletion by age, databases that fail and come back."""
 
+import contextlib
 import os
 import resource
 import signal
+import sqlite3
 import subprocess
 import threading
 import time
@@ -102,6 +104,37 @@ class Commands(DataTest):
     def test_a_server_is_not_copied_here(self):
         self.assertIn("pg_dump", self.command("backup", self.folder / "copy", code=1))
 
+    @sqlite
+    def test_a_restore_puts_a_copy_in_the_databases_place(self):
+        copy, leftovers = self.folder / "copy.db", [self.folder / f"kel.db-{end}" for end in ("wal", "shm")]
+        self.require("r", (1, "M", "any"))
+        self.upload("a")
+        self.command("backup", copy)
+        for _ in range(3):
+            self.upload("b")
+        self.assertIn("in use", self.command("restore", copy, code=1))
+        self.process.kill()
+        self.process.wait()
+        self.assertTrue(all(path.exists() for path in leftovers))
+        pages, wrong = bytearray(copy.read_bytes()), self.folder / "wrong.db"
+        pages[5 * 4096:6 * 4096] = bytes(4096)
+        for content, reason in ((b"no database, but a text of some length" * 100, "not a database"), (b"", "empty"),
+                                (pages, "damaged|malformed")):
+            wrong.write_bytes(content)
+            self.assertRegex(self.command("restore", wrong, code=1), reason)
+        self.assertIn("the database itself", self.command("restore", self.database.path, code=1))
+        self.assertEqual(self.sessions(), "abbb")
+        with contextlib.closing(sqlite3.connect(copy)) as connection:
+            connection.execute("PRAGMA user_version = 2")  # an older program's
+        self.command("restore", copy)
+        self.start()
+        self.assertEqual(self.upload("c"), (200, b"OK"))
+        self.database.check()
+        self.assertEqual(self.sessions(), "ac")
+        self.assertEqual(self.database.run("SELECT account, subject FROM audit WHERE action = 'restored'"),
+                         [("command line", "copy.db")])
+        self.assertEqual([path.name for path in self.folder.glob("kel.db.*")], [])
+
     def test_every_operation_of_the_store(self):
         self.stop()
         environment = os.environ | {"KEL_STORE": str(self.database.setting)}
@@ -127,6 +160,17 @@ class Retention(DataTest):
         for process in others:
             process.terminate()
             self.assertEqual(process.wait(2), 0)
+
+    def test_a_clock_that_has_jumped_does_not_delete_everything(self):
+        for session, days in (("a", 490), ("b", 403), ("c", 400), ("d", 0)):  # it is 400 days ahead since just now
+            self.upload(session, days)
+        self.start("--keep-days", "90")
+        self.await_answer(lambda: "event=purged" in self.log_text(), True)
+        self.assertEqual(self.sessions(), "bcd")
+        self.assertIn("event=clock-doubted days=400", self.log_text())
+
+    def test_the_first_start_says_how_long_reports_are_kept(self):
+        self.assertIn("event=keeping days=400\n", self.log_text())
 
 
 class Faults(DataTest):
@@ -185,10 +229,25 @@ class Faults(DataTest):
             os.chmod(self.database.path, 0o400)
             self.start()
         self.refused("readonly")
-        self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s")), (503, b""))  # it reads, and keeps no verdict
+        self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 200)  # a verdict that is not kept
+        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"the database takes no writes\n"))
         for path in self.folder.glob("kel.db*"):
             path.chmod(0o600)
         self.assertEqual(self.upload("t"), (200, b"OK"))
+        self.assertEqual(self.sessions(), "st")
+
+    @sqlite
+    def test_a_file_that_is_removed_or_replaced_takes_nothing(self):
+        self.upload("s")
+        path, away, copy = self.database.path, self.folder / "away.db", self.folder / "copy.db"
+        self.command("backup", copy)
+        for source, target in ((path, away), (copy, path)):
+            source.rename(target)
+            self.refused("removed or replaced")
+            self.assertEqual(self.ask("GET", "/readyz", address=self.admin)[0], 503, target)
+        away.rename(path)
+        self.await_answer(lambda: self.upload("t"), (200, b"OK"))
+        self.database.check()
         self.assertEqual(self.sessions(), "st")
 
     @postgresql

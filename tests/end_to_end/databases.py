@@ -43,9 +43,10 @@ class Sqlite:
 
 
 class Server:
-    """A PostgreSQL server in a temporary folder, at a Unix socket in there, until the process ends."""
+    """A PostgreSQL server in a temporary folder, at a Unix socket in there, until the process ends: with a primary, its
+    standby."""
 
-    def __init__(self, *options):
+    def __init__(self, *options, primary=None):
         self.options = options
         self.folder = Path(tempfile.mkdtemp(prefix="kel"))
         atexit.register(shutil.rmtree, self.folder)
@@ -55,9 +56,9 @@ class Server:
             self.user = ["--reuid=postgres", "--regid=postgres", "--clear-groups"]
             shutil.chown(self.folder, "postgres")
         # A language that sorts otherwise than by bytes.
-        subprocess.run(self.command("initdb", "-U", "kel", "-A", "trust", "-N", "--locale=C.UTF-8", "--locale-provider=icu",
-                                    "--icu-locale=en-US", "-D", self.folder / "data"),
-                       check=True, cwd="/", stdout=subprocess.DEVNULL)
+        make = (["initdb", "-U", "kel", "-A", "trust", "-N", "--locale=C.UTF-8", "--locale-provider=icu", "--icu-locale=en-US"]
+                if primary is None else ["pg_basebackup", "-R", "-c", "fast", "-d", primary.address("postgres")])
+        subprocess.run(self.command(*make, "-D", self.folder / "data"), check=True, cwd="/", stdout=subprocess.DEVNULL)
         self.start()
         atexit.register(self.stop)
 
@@ -81,9 +82,19 @@ class Server:
         self.process.send_signal(number)
         self.process.wait(20)
 
+    def signal_all(self, number):
+        """Sends a signal to the server and to each of its processes."""
+        children = subprocess.run(["pgrep", "-P", str(self.process.pid)], capture_output=True, text=True).stdout.split()
+        for pid in (self.process.pid, *map(int, children)):
+            with contextlib.suppress(ProcessLookupError):
+                os.kill(pid, number)
+
     def start_again(self):
         if self.process.poll() is not None:
             self.start()
+
+    def ask(self, name, sql):
+        return subprocess.run(self.psql(name, sql), check=True, capture_output=True, text=True, timeout=60).stdout.split()
 
     def psql(self, name, sql):
         return [self.programs / "psql", "-XqAt", "-v", "ON_ERROR_STOP=1", "-d", self.address(name), "-c", sql]

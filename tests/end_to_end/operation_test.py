@@ -37,7 +37,7 @@ class Metrics(DeployedTest):
             route % ("POST", "/service/Analysis/*", 200): 1, route % ("other", "other", 404): 2})
         self.assertEqual(self.metrics("refusals_total"), {
             f'kel_http_refusals_total{{door="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
-        self.assertEqual([*self.metrics("verdicts").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
+        self.assertEqual([*self.metrics("verdicts_total").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
         times = list(self.metrics("seconds_bucket").values())
         self.assertEqual((times, times[-2:]), (sorted(times), [5, 5]))  # none took ten seconds
 

@@ -1,17 +1,20 @@
 // Every operation of the store, in the database that KEL_STORE names: a file, or a PostgreSQL server's.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <future>
 #include <random>
 #include <sstream>
+#include <thread>
 
 #include "server/base/Fault.h"
 #include "server/store/Migrations.h"
 #include "server/store/OpenStore.h"
 #include "server/store/PostgresConnection.h"
+#include "server/store/SqlPool.h"
 
 namespace kel::server {
 
@@ -115,14 +118,14 @@ TEST_F(StoreTest, OneOfTwoEditorsWins)
     };
     EXPECT_EQ(Told({keep("old", 7), keep("mine", 0), keep("yours", 0), keep("ours", 1), keep("late", 1)}),
               "0 1 0 2 0 ");
-    EXPECT_EQ(Told({s.PublishDraft("r", 1, "").has_value(), s.DropDraft("r", 1), s.FindDraft("r")->text}),
+    EXPECT_EQ(Told({s.PublishDraft("r", 1, "").has_value(), s.DropDraft("r", 1, ""), s.FindDraft("r")->text}),
               "0 0 ours ");
     EXPECT_EQ(s.PublishDraft("r", 2, "ann"), 1);
     EXPECT_EQ(Told({s.SetText(s.NewestSet("r")->id), s.FindDraft("r").has_value(), keep("dead", 3)}),
               "ours 0 0 ");
     const int next = keep("next", 0);
     EXPECT_GT(next, 2);  // who still has an older page open overwrites nothing
-    EXPECT_EQ(Told({s.DropDraft("r", next), s.DropDraft("r", next)}), "1 0 ");
+    EXPECT_EQ(Told({s.DropDraft("r", next, "bob"), s.DropDraft("r", next, "bob")}), "1 0 ");
     EXPECT_EQ(Together(8, [&](int i) { return s.KeepDraft("n", std::to_string(i), 0, "").has_value(); }), 1);
     EXPECT_EQ(Together(8, [&](int) { return s.PublishDraft("n", 1, "").has_value(); }), 1);
 }
@@ -245,23 +248,28 @@ TEST_F(StoreTest, WhatIsDeletedTakesItsVerdictsAlongAndNoMoreThanAsked)
         s.Keep(NewVerdict{id, s.NewestSet("r")->id, "", "pass", "[]"});
     }
     raw->Query("UPDATE report SET received = id");
+    const std::int64_t audited = Count("audit");
     const std::int64_t first = s.RecentReports("r", 12).back().id;
-    const auto machine = [&](auto name) { return s.DeleteMachine(name, 3); };
-    const auto session = [&](auto name) { return s.DeleteSession(name, 2); };
-    EXPECT_EQ(Told({s.DeleteOlder(first, 5), s.DeleteOlder(first + 1, 5), Count("report"), Count("verdict")}),
+    DeletionEntry entry{"ann", "deleted", "odd"};
+    const auto machine = [&](auto name) { return s.DeleteMachine(name, 3, nullptr); };
+    const auto session = [&](auto name) { return s.DeleteSession(name, 2, &entry); };
+    EXPECT_EQ(Told({s.DeleteOlder(first, 5, nullptr), s.DeleteOlder(first + 1, 5, nullptr), Count("report"),
+                    Count("verdict")}),
               "0 1 11 11 ");
     EXPECT_EQ(Told({machine(""), machine("m'"), machine("m'"), Count("verdict")}),
               "0 3 2 6 ");  // none is not a machine
     EXPECT_EQ(Told({session("od"), session("odd"), session("odd"), Count("verdict")}), "0 2 1 3 ");
-    EXPECT_EQ(Together(2, [&](int) { return s.DeleteOlder(Now(), 10); }), 3);
+    EXPECT_EQ(Told({Count("audit") - audited, s.Notes(0, 1).at(0).subject, entry.reports}),
+              "1 odd, 3 reports 3 ");
+    EXPECT_EQ(Together(2, [&](int) { return s.DeleteOlder(Now(), 10, nullptr); }), 3);
     EXPECT_GT(Upload({"new", "", "", "", ""}), first + 11);  // an id never comes again
 }
 
 TEST_F(StoreTest, AccountsLogInsAndNotes)
 {
     Store& s = Open();
-    s.Keep(Account{"ann", "h1", Role::Editor});
-    s.Keep(Account{"Bob", "h2", Role::Reader});
+    s.Keep(Account{"ann", "h1", Role::Editor}, "cli");
+    s.Keep(Account{"Bob", "h2", Role::Reader}, "cli");
     EXPECT_EQ(Told({s.Accounts().at(0).name, s.Accounts().at(1).hash}), "Bob h1 ");
     for (const auto& [key, name, ends] : {std::tuple("over", "ann", Now()),
                                           {"long", "ann", Now() + Minute},
@@ -286,16 +294,136 @@ TEST_F(StoreTest, AccountsLogInsAndNotes)
     late.wait_for(std::chrono::milliseconds(100));
     raw->Execute("COMMIT");
     EXPECT_FALSE(late.get());  // the password that was right is another one by now
-    s.Keep(Account{"ann", "h3", Role::Reader});
+    s.Keep(Account{"ann", "h3", Role::Reader}, "cli");
     EXPECT_EQ(Told({isIn("long"), s.FindAccount("ann")->hash}), "0 h3 ");
-    EXPECT_EQ(Told({s.RemoveAccount("Bob"), isIn("bob"), s.RemoveAccount("Bob")}), "1 0 0 ");
+    EXPECT_EQ(Told({s.RemoveAccount("Bob", "cli"), isIn("bob"), s.RemoveAccount("Bob", "cli")}), "1 0 0 ");
     for (const char* subject : {"1", "2", "3"})
         s.Note("ann", "did", subject);
     const auto notes = s.Notes(0, 2);
     EXPECT_EQ(Told({notes[0].subject, notes.at(1).subject, s.Notes(notes[1].id, 2).at(0).subject}), "3 2 1 ");
     raw->Query("UPDATE audit SET time = $1 WHERE subject < '3'", {Now() - 366 * 24 * 60 * Minute});
     s.Note("ann", "did", "4");
-    EXPECT_EQ(Told({Count("audit"), s.Notes(0, 5).at(1).subject}), "2 3 ");
+    EXPECT_EQ(Told({s.Notes(0, 2).at(0).subject, s.Notes(0, 2).at(1).subject}), "4 3 ");
+    EXPECT_EQ(raw->Query("SELECT count(*) FROM audit WHERE subject < '3'")[0].Number(0), 0);
+}
+
+TEST_F(StoreTest, ChangesAndTheirAuditEntriesAreOneStep)
+{
+    Store& s = Open();
+    s.KeepDraft("r", "1", 0, "ann");
+    s.PublishDraft("r", 1, "bob");
+    s.Publish("r", "2", "import", "cli");
+    s.Publish("r", "2", "import", "cli");  // is there already
+    s.KeepDraft("r", "3", 0, "ann");
+    s.KeepDraft("r", "4", 0, "eve");  // somebody was faster
+    s.DropDraft("r", 3, "bob");
+    s.Keep(Account{"Ann", "h", Role::Reader}, "cli");
+    s.RemoveAccount("Ann", "cli");
+    std::string entries;
+    for (const AuditLine& line : s.Notes(0, 20))
+        entries = line.account + ": " + line.action + " " + line.subject + "\n" + entries;
+    EXPECT_EQ(
+        entries,
+        "ann: saved draft r\nbob: published r, version 1\ncli: published r, version 2\nann: saved draft r\n"
+        "bob: dropped draft r\ncli: account written Ann, reader\ncli: account removed Ann\n");
+    raw->Execute("DROP TABLE audit");
+    EXPECT_THROW(s.KeepDraft("new", "1", 0, "ann"), Fault);
+    EXPECT_THROW(s.Publish("new", "1", "ann"), Fault);
+    Upload({"s", "", "", "", ""});
+    DeletionEntry entry{"ann", "deleted", "s"};
+    EXPECT_THROW(s.DeleteSession("s", 1, &entry), Fault);
+    EXPECT_FALSE(s.FindDraft("new")) << "a draft is saved without an entry";
+    EXPECT_FALSE(s.NewestSet("new")) << "requirements are published without an entry";
+    EXPECT_EQ(Count("report"), 1) << "a report is deleted without an entry";
+}
+
+TEST_F(StoreTest, DeletionsAndVerdictsMeetWithoutAnError)
+{
+    Store& s = Open();
+    s.Publish("r", "1", "");
+    const std::int64_t deleted = Upload({"s", "r", "", "", ""}), set = s.NewestSet("r")->id;
+    raw->Begin();
+    raw->Query("DELETE FROM report WHERE id = $1", {deleted});
+    auto verdict = std::async(std::launch::async, [&] {
+        s.Keep(NewVerdict{deleted, set, "", "pass", "[]"});
+    });
+    verdict.wait_for(std::chrono::milliseconds(300));
+    raw->Execute("COMMIT");
+    EXPECT_NO_THROW(verdict.get());
+    EXPECT_EQ(Count("verdict"), 0);
+    const std::int64_t used = Upload({"s", "r", "", "", ""});
+    raw->Begin();
+    raw->Query("SELECT 1 FROM report WHERE id = $1" + std::string(raw->ShareReports()), {used});
+    auto deletion = std::async(std::launch::async, [&] { return s.DeleteSession("s", 5, nullptr); });
+    deletion.wait_for(std::chrono::milliseconds(300));
+    raw->Execute("COMMIT");
+    EXPECT_EQ(deletion.get(), 1) << "a report that a verdict uses is passed over";
+}
+
+TEST_F(StoreTest, PagesForthStopAtAReportUnderWayAndKeepNobodyWaiting)
+{
+    Store& s = Open();
+    if (!settings.database.starts_with("postgresql:"))
+        return;  // where one report is stored at a time
+    const auto seen = [&] {
+        std::string sessions;
+        for (const ReportLine& line : s.Reports({"", "", "", 0, 0, 0, 0, 10}))
+            sessions += line.session;
+        return sessions;
+    };
+    Upload({"a", "", "", "", ""});
+    EXPECT_EQ(seen(), "a");
+    raw->Execute(
+        "BEGIN; INSERT INTO report (session, referrer, \"user\", received, body) VALUES ('b', '', '', 1, "
+        "'')");
+    auto pages = std::async(std::launch::async, seen);
+    Upload({"c", "", "", "", ""});
+    EXPECT_EQ(pages.get(), "a");
+    EXPECT_EQ(seen(), "a") << "b would be missed";
+    raw->Execute("COMMIT");
+    EXPECT_EQ(seen(), "abc");
+}
+
+/// A connection that only exists.
+class NoConnection : public SqlConnection {
+public:
+    void Execute(const std::string&) override {}
+    void Begin() override {}
+    bool IsBroken() override { return false; }
+    bool IsWritable() override { return true; }
+    DatabaseSize Size() override { return {}; }
+    std::span<const char* const> Migrations() const override { return {}; }
+    int Version() override { return 0; }
+    void SetVersion(int) override {}
+
+protected:
+    SqlRows Run(const std::string&, const std::vector<SqlValue>&) override { return {}; }
+};
+
+TEST(SqlPool, WaitsForALentConnectionWhereNoOtherCanBeOpened)
+{
+    std::atomic<int> opened = 0;
+    SqlPool pool(
+        [&]() -> std::unique_ptr<SqlConnection> {
+            if (++opened > 2)
+                throw Fault(503, "too many");
+            return std::make_unique<NoConnection>();
+        },
+        8);
+    EXPECT_EQ(Together(8,
+                       [&](int) {
+                           for (int i = 0; i < 20; ++i) {
+                               const auto lease = pool.Borrow();
+                               std::this_thread::sleep_for(std::chrono::milliseconds(1));
+                           }
+                           return 1;
+                       }),
+              8);
+    SqlPool closed([]() -> std::unique_ptr<SqlConnection> { throw Fault(503, "closed"); }, 8);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 2; ++i)
+        EXPECT_THROW(closed.Borrow(), Fault);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << "nobody will return one";
 }
 
 TEST_F(StoreTest, ConnectionsKeepWhatIsPromised)
@@ -337,7 +465,7 @@ TEST_F(StoreTest, TextsComeBackAsTheyAre)
             s.FindReport(Upload({"s'\"é", "r", text, text, text})).value_or(FullReport{});
         EXPECT_TRUE(report.body == text && report.machine == text && report.user == text);
     }
-    EXPECT_EQ(s.DeleteMachine(large, 5), 1);
+    EXPECT_EQ(s.DeleteMachine(large, 5, nullptr), 1);
     for (const std::string& text : {std::string("a\0b", 3), std::string("\xff")}) {
         EXPECT_THROW(s.NewestReport(text), Fault);
         EXPECT_THROW(s.Publish("r", text, ""), Fault);
@@ -362,7 +490,7 @@ TEST_F(StoreTest, AnOlderDatabaseComesToTheNewestVersionWithItsData)
         Told({s.RecentVerdicts("r", 0, 5).at(0).total, s.FindReport(1)->body, s.NewestSet("r")->published}),
         "fail b 5 ");
     EXPECT_EQ(s.Publish("r", "2", "ann"), 2);
-    raw->SetVersion(3);
+    raw->SetVersion(4);
     EXPECT_THROW(Migrate(*raw), std::runtime_error);
     EXPECT_THROW(OpenStore(settings), std::runtime_error);
 }

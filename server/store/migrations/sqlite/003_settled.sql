@@ -1,0 +1,1 @@
+-- PostgreSQL's functions change in this version; here only one report is stored at a time.
