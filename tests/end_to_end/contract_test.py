@@ -98,7 +98,8 @@ class Contract(Client):
                                        b"&#57343;", b"\xef\xbf\xbe", b"\xef\xbf\xbf", b"&#xFFFE;", b"&#65535;")):
             session = b"%d\x02" % number  # the page's own text, in both requests
             report = REPORT.format("SESSION").encode().replace(b"SESSION", session).replace(b"8.0 GB", b"a" + form + b"b")
-            inner = b"<SystemInformation><Data>" + escape(report.decode("latin-1")).encode("latin-1") + b"</Data></SystemInformation>"
+            escaped = escape(report.decode("latin-1")).encode("latin-1")
+            inner = b"<SystemInformation><Data>%b</Data></SystemInformation>" % escaped
             for path, body in (UPLOAD, report), (INFORMATION, inner):
                 with self.subTest(f"{path} {form}"):
                     self.assertEqual(self.ask("POST", path, body)[0], 200)

@@ -10,7 +10,7 @@ from pathlib import Path
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
 from harness import API_KEY, ROOT
 
-HEAD = f"POST {UPLOAD} HTTP/1.1\r\nConnection: close\r\n".encode()
+HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\nConnection: close\r\n".encode()
 METRICS = re.compile(r'(# HELP (kel_\w+) .+\n# TYPE \2 (?:counter|gauge|histogram)\n'
                      r'(\2(?:_bucket|_sum|_count)?(\{(\w+="[^"\\]*",?)+\})? \d[\d.e+-]*\n)*)+')
 

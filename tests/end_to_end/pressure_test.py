@@ -2,11 +2,13 @@
 
 import contextlib
 import re
+import subprocess
+import sys
 import time
 import unittest
 
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
-from harness import API_KEY
+from harness import API_KEY, ROOT
 
 WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
 HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\n".encode()
@@ -81,6 +83,14 @@ class Queues(PressureTest):
             self.ask("POST", UPLOAD, REPORT.format(number).replace("</groups>", values + "</groups>"))
         self.assertLess(self.metric("kel_process_resident_memory_bytes") - before, 80_000_000)
 
+    def test_the_attack_programs_run_and_harm_nobody(self):
+        """For a moment; scripts/load.sh --hostile measures."""
+        options = "--hostile", "--seconds", "0.5", "--rest", "0", "--match", "waits for"
+        ran = subprocess.run([sys.executable, ROOT / "tools" / "load", *options], capture_output=True, text=True, timeout=120)
+        rows = [line.split(" | ") for line in ran.stdout.splitlines() if "nobody waits for" in line]
+        self.assertEqual(len(rows), 1, ran.stdout + ran.stderr)
+        self.assertRegex(rows[0][2], r"^0 of \d+$")
+
 
 class Ends(PressureTest):
     def test_a_stop_waits_for_no_client(self):
@@ -109,8 +119,8 @@ class Ends(PressureTest):
 
 class Sizes(DeployedTest):
     def test_a_verdict_is_never_larger_than_the_control_takes(self):
-        line = {"label": "'" * 20, "any of": [{"id": group, "comparison": "contains", "needed": "'" * 40} for group in range(1, 21)]}
-        self.require("r", *[line] * 500)
+        ways = [{"id": group, "comparison": "contains", "needed": "'" * 40} for group in range(1, 21)]
+        self.require("r", *[{"label": "'" * 20, "any of": ways}] * 500)
         values = "".join(f'<group id="{group}"><value>{chr(34) * 1000}</value></group>' for group in range(1, 21))
         self.ask("POST", UPLOAD, f'<groups><group id="71424"><value>s</value></group>{values}</groups>')
         for form in ("xml", "html", "json"):

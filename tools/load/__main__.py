@@ -179,11 +179,13 @@ def aims(rows, times):
     return [*lines, ""]
 
 
-def measure_hostile(folder, seconds, rest):
+def measure_hostile(folder, options):
     database = folder / "kel.db"
     prepare(database)
-    rows = hostile.measure(lambda *settings: service(folder, database, *settings), database, seconds, rest)
-    return f"{machine()}, {seconds:g} s each; attackers and visitor run on the same processors.\n\n" + hostile.table(rows)
+    attacks = [attack for attack in hostile.ATTACKS if options.match in attack[0]]
+    rows = hostile.measure(attacks, lambda *settings: service(folder, database, *settings), database, options.seconds,
+                           options.rest)
+    return f"{machine()}, {options.seconds:g} s each; attackers and visitor run on the same processors.\n\n" + hostile.table(rows)
 
 
 def machine():
@@ -213,10 +215,11 @@ def main():
     parser.add_argument("--page", action="store_true")
     parser.add_argument("--hostile", action="store_true")
     parser.add_argument("--rest", type=float, default=30, help="seconds until memory is looked at again")
+    parser.add_argument("--match", default="", help="only attacks whose names contain this text")
     options = parser.parse_args()
     if options.hostile:
         with tempfile.TemporaryDirectory(dir=BUILD) as name:
-            table = measure_hostile(Path(name), options.seconds, options.rest)
+            table = measure_hostile(Path(name), options)
     else:
         table = measure_load(options)
     print(table)
