@@ -7,19 +7,13 @@
 #include "server/base/Fault.h"
 #include "server/base/Text.h"
 #include "server/base/Utf8.h"
+#include "server/report/Characters.h"
 
 namespace kel::server {
 
 namespace {
 
 constexpr int BadRequest = 400;
-
-/// Whether XML 1.0 lets a document hold this character.
-bool IsXmlCharacter(char32_t c)
-{
-    return c >= 0x20 ? (c < 0xD800 || c > 0xDFFF) && c != 0xFFFE && c != 0xFFFF && c <= 0x10FFFF
-                     : c == '\t' || c == '\n' || c == '\r';
-}
 
 /// Whether a reference, what stands between & and ;, is one of the five names or a character's number.
 bool IsReference(std::string_view name)
@@ -71,6 +65,14 @@ bool IsXmlText(std::string_view text)
             return false;
     }
     return true;
+}
+
+std::size_t CountElements(std::string_view text)
+{
+    std::size_t count = 0;
+    for (std::size_t at = text.find('<'); at != text.npos; at = text.find('<', at + 1))
+        count += text.substr(at + 1, 1) == "/" ? 0 : 1;
+    return count;
 }
 
 pugi::xml_document ReadXml(std::string_view text)

@@ -1,6 +1,8 @@
 """Reports as the control uploads them, kept on disk by session."""
 
 import hashlib
+import re
+import sys
 from dataclasses import dataclass, field
 from xml.etree import ElementTree
 
@@ -8,6 +10,8 @@ from errors import ServiceError
 
 SESSION_GROUP = "71424"
 LONGEST_TEXT = 1024  # bytes, of each that an analysis request has
+FORBIDDEN = re.compile("[\0-\x08\x0b\x0c\x0e-\x1f\ud800-\udfff\ufffe\uffff]")  # characters, by XML 1.0
+REFERENCE = re.compile("&#(?:x([0-9A-Fa-f]{1,28})|([0-9]{1,29}));")
 
 
 @dataclass
@@ -28,25 +32,33 @@ class AnalysisRequest:
     schema: str
 
 
-def _parse_xml(body):
-    text = body.decode("utf-8", "strict") if isinstance(body, bytes) else body
-    if "<!" in text:
-        raise ServiceError(400, "Declarations are not accepted.")
-    return ElementTree.fromstring(text)
+def _character(match):
+    number = int(match[1], 16) if match[1] else int(match[2])
+    return chr(number) if number <= sys.maxunicode else ""
 
 
-def _checked_xml(body):
+def _clean(body):
+    """The text, with U+FFFD for what XML does not allow: texts of firmware have control characters in them."""
+    text = FORBIDDEN.sub("\ufffd", body if isinstance(body, str) else body.decode("utf-8", "surrogatepass"))
+    return REFERENCE.sub(lambda match: "\ufffd" if FORBIDDEN.match(_character(match)) else match[0], text)
+
+
+def _read_xml(body):
+    """The text and its root element."""
     try:
-        return _parse_xml(body)
+        text = _clean(body)
+        if "<!" in text:
+            raise ServiceError(400, "Declarations are not accepted.")
+        return text, ElementTree.fromstring(text)
     except (ElementTree.ParseError, UnicodeDecodeError) as error:
-        raise ServiceError(400, f"The body is no XML: {error}") from error
+        raise ServiceError(400, f"The body is not well-formed XML: {error}") from error
 
 
 def parse_report(body):
-    root = _checked_xml(body)
+    text, root = _read_xml(body)
     if root.tag != "groups":
         raise ServiceError(400, "The body is no report.")
-    report = Report(body)
+    report = Report(text.encode())
     for group in root.iter("group"):
         index = group.get("index", "0")
         try:
@@ -60,15 +72,15 @@ def parse_report(body):
 
 
 def parse_system_information(body):
-    root = _checked_xml(body)
+    _, root = _read_xml(body)
     data = root.findtext("Data") if root.tag == "SystemInformation" else None
     if data is None:
         raise ServiceError(400, "The body is no system information.")
-    return parse_report(data.encode("utf-8"))
+    return parse_report(data)
 
 
 def parse_analysis(body):
-    root = _checked_xml(body)
+    _, root = _read_xml(body)
     if root.tag != "System":
         raise ServiceError(400, "The body is no analysis request.")
     texts = [root.findtext(name) or "" for name in ("SessionID", "ItemID", "UserID", "Format", "Schema")]
