@@ -71,9 +71,18 @@ public:
             .first->second;
     }
 
+    /// What a line shows of the value, as long as there is room.
+    std::string Show(const Value& value)
+    {
+        std::string shown = Shortened(value.shown, room);
+        room -= std::min(room, shown.size());
+        return shown;
+    }
+
 private:
     const Report& report;
     std::unordered_map<int, Value> values;
+    std::size_t room = Verdict::MaxFoundTotal;
 };
 
 VerdictLine JudgeLine(const Requirement& requirement, Values& values)
@@ -81,7 +90,7 @@ VerdictLine JudgeLine(const Requirement& requirement, Values& values)
     VerdictLine line;
     for (const Condition& condition : requirement.anyOf) {
         const Values::Value& value = values.Get(condition.group);
-        line.parts.push_back({condition.group, condition.Text(), value.shown,
+        line.parts.push_back({condition.group, condition.Text(), values.Show(value),
                               Compare(condition.comparison, value.comparable, condition.needed)});
     }
     line.group = requirement.anyOf.front().group;

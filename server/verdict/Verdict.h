@@ -31,6 +31,9 @@ struct VerdictLine {
 /// Whether a machine meets a product's requirements.
 struct Verdict {
     static constexpr std::size_t LongestFound = 1000;  // bytes; of a longer value the beginning is told
+    /// Bytes of all values in the verdict: even with each byte escaped, a client gets less than the 16 MB
+    /// that it takes. Values past that are shown as "…".
+    static constexpr std::size_t MaxFoundTotal = 524'288;
 
     std::string title;
     std::vector<VerdictLine> lines;
