@@ -74,6 +74,7 @@ struct Metrics {
 
     DoorMetrics open{"public"}, admin{"admin"};
     Count uploads = 0;
+    Count replacedCharacters = 0;  // of reports and requests, which XML does not allow
     std::array<Count, Totals.size()> verdicts = {};
     std::chrono::system_clock::time_point start = std::chrono::system_clock::now();
 };

@@ -6,6 +6,7 @@
 #include "server/base/Log.h"
 #include "server/base/Text.h"
 #include "server/protocol/AnalysisRequest.h"
+#include "server/report/Characters.h"
 #include "server/report/Xml.h"
 #include "server/verdict/Rendering.h"
 #include "server/verdict/Verdict.h"
@@ -15,6 +16,9 @@ namespace kel::server {
 namespace {
 
 constexpr std::size_t TestFileBytes = 1'000'000;
+// A report of all values of a machine with dozens of disks and adapters has 1,400 groups.
+constexpr std::size_t MaxGroups = 5'000, MaxElements = 20'000;
+constexpr std::size_t CacheBytes = 33'554'432;                    // 3,000 usual reports
 constexpr std::size_t LongestUser = 1024, LongestMachine = 1024;  // bytes; what is longer identifies nothing
 
 std::string MakeTestFile()
@@ -42,6 +46,7 @@ Service::Service(Store& store, Metrics& metrics)
     : store(store),
       metrics(metrics),
       sets(store),
+      reports(CacheBytes),
       testFile(std::make_shared<const std::string>(MakeTestFile()))
 {
 }
@@ -65,47 +70,50 @@ Answer Service::GroupList(const std::string& referrer)
     return Answer::Of("text/plain; charset=utf-8", list);
 }
 
-Answer Service::Upload(const std::string& body)
+Answer Service::Upload(std::string body)
 {
-    return KeepReport(Report::Read(body), body);
+    Clean(body);
+    // Before it is parsed: as a tree, tiny elements take many times their bytes.
+    if (CountElements(body) > MaxElements)
+        throw Fault(413, "the report has more than " + std::to_string(MaxElements) + " elements");
+    const auto report = std::make_shared<const Report>(Report::Read(body));
+    if (report->Count() > MaxGroups)
+        throw Fault(413, "the report has more than " + std::to_string(MaxGroups) + " groups");
+    const std::string& session = report->Text(Report::Session);
+    const std::string& referrer = report->Text(Report::Referrer);
+    const std::string& machine = report->Text(Report::Machine);
+    const std::int64_t id = store.Keep(NewReport{session, IsReferrer(referrer) ? referrer : "",
+                                                 Shortened(report->Text(Report::User), LongestUser),
+                                                 machine.size() <= LongestMachine ? machine : "", body});
+    reports.Add(id, report);
+    ++metrics.uploads;
+    Log(Level::Info, "uploaded",
+        {{"session", session}, {"referrer", referrer}, {"values", std::to_string(report->Count())}});
+    return Answer::Of("text/plain; charset=utf-8", "OK");
 }
 
-Answer Service::SystemInformation(const std::string& body)
+Answer Service::SystemInformation(std::string body)
 {
+    Clean(body);
     const pugi::xml_document document = ReadXml(body);
     const pugi::xml_node root = document.document_element();
     const pugi::xml_node data = root.child("Data");
     if (std::string_view(root.name()) != "SystemInformation" || !data)
         throw Fault(400, "the body is no system information");
-    const std::string report = data.child_value();
-    return KeepReport(Report::Read(report), report);
+    return Upload(data.child_value());
 }
 
-Answer Service::KeepReport(const Report& report, const std::string& body)
+Answer Service::Analysis(const std::string& referrer, std::string body)
 {
-    const std::string& referrer = report.Text(Report::Referrer);
-    const std::string& machine = report.Text(Report::Machine);
-    store.Keep(NewReport{report.Text(Report::Session), IsReferrer(referrer) ? referrer : "",
-                         Shortened(report.Text(Report::User), LongestUser),
-                         machine.size() <= LongestMachine ? machine : "", body});
-    ++metrics.uploads;
-    Log(Level::Info, "uploaded",
-        {{"session", report.Text(Report::Session)},
-         {"referrer", referrer},
-         {"values", std::to_string(report.Count())}});
-    return Answer::Of("text/plain; charset=utf-8", "OK");
-}
-
-Answer Service::Analysis(const std::string& referrer, const std::string& body)
-{
+    Clean(body);
     const AnalysisRequest request = AnalysisRequest::Read(body);
     const PublishedSet set = Find(referrer);
-    const auto stored = store.NewestReport(request.session);
-    if (!stored)
+    const auto id = store.NewestReport(request.session);
+    if (!id)
         throw Fault(404, "no report of this session was uploaded");
-    const Verdict verdict = Judge(*sets.Get(set.id), Report::Read(stored->body));
+    const Verdict verdict = Judge(*sets.Get(set.id), *FindReport(*id));
     const std::string total(NameOf(verdict.total));
-    store.Keep(NewVerdict{stored->id, set.id, request.item, total, RenderLines(verdict)});
+    store.Keep(NewVerdict{*id, set.id, request.item, total, RenderLines(verdict)});
     metrics.AddVerdict(total);
     Log(Level::Info, "judged",
         {{"session", request.session},
@@ -113,6 +121,23 @@ Answer Service::Analysis(const std::string& referrer, const std::string& body)
          {"version", std::to_string(set.version)},
          {"total", total}});
     return Render(verdict, request);
+}
+
+void Service::Clean(std::string& xml)
+{
+    metrics.replacedCharacters += ReplaceForbiddenCharacters(xml);
+}
+
+std::shared_ptr<const Report> Service::FindReport(std::int64_t id)
+{
+    if (auto report = reports.Find(id))
+        return report;
+    const auto stored = store.FindReport(id);
+    if (!stored)
+        throw Fault(404, "the report has been deleted");
+    auto report = std::make_shared<const Report>(Report::Read(stored->body));
+    reports.Add(id, report);
+    return report;
 }
 
 Answer Service::TestFile() const

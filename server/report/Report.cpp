@@ -52,4 +52,13 @@ const std::string& Report::Text(int group) const
     return value ? *value : nothing;
 }
 
+std::size_t Report::Bytes() const
+{
+    constexpr std::size_t Node = sizeof(Values::value_type) + 4 * sizeof(void*);  // of the map
+    std::size_t bytes = sizeof *this;
+    for (const auto& [key, value] : values)
+        bytes += Node + key.first.capacity() + value.capacity();
+    return bytes;
+}
+
 }  // namespace kel::server

@@ -26,6 +26,8 @@ public:
     /// The text of a group's first value, empty when there is none.
     const std::string& Text(int group) const;
     std::size_t Count() const { return values.size(); }
+    /// About how much memory it takes.
+    std::size_t Bytes() const;
 
     using Values = std::map<std::pair<std::string, long>, std::string>;
     /// All of them, by id and index.

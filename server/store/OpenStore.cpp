@@ -29,14 +29,16 @@ std::unique_ptr<Store> OpenStore(const StoreSettings& settings)
         return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
     };
     RequireCurrent(*open());
-    auto readers = std::make_shared<SqlPool>(open, settings.connections);
+    const std::size_t quickCount = (settings.connections + 2) / 4;  // a quarter; none of a single connection
+    auto readers = std::make_shared<SqlPool>(open, settings.connections - quickCount);
+    auto quick = quickCount > 0 ? std::make_shared<SqlPool>(open, quickCount) : readers;
     auto writers = readers;
     if (!isServer) {
         // One writer: they would wait for each other in any case, and here they do so without polling.
         writers = std::make_shared<SqlPool>(open, 1);
-        writers->Join(*readers);
+        SqlPool::Join({quick, readers, writers});
     }
-    return std::make_unique<SqlStore>(std::move(readers), std::move(writers));
+    return std::make_unique<SqlStore>(std::move(quick), std::move(readers), std::move(writers));
 }
 
 std::unique_ptr<SqlConnection> OpenForMigration(const StoreSettings& settings)

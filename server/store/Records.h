@@ -15,11 +15,6 @@ struct NewReport {
     std::string body;
 };
 
-struct StoredReport {
-    std::int64_t id = 0;
-    std::string body;
-};
-
 /// A report with all that is kept of it.
 struct FullReport {
     std::int64_t id = 0;

@@ -45,10 +45,13 @@ SqlPool::Lease SqlPool::Borrow()
     }
 }
 
-void SqlPool::Join(SqlPool& other)
+void SqlPool::Join(const std::vector<std::shared_ptr<SqlPool>>& pools)
 {
-    joined = &other;
-    other.joined = this;
+    for (const auto& pool : pools) {
+        pool->joined.clear();
+        for (const auto& other : pools)
+            pool->joined.push_back(other.get());
+    }
 }
 
 void SqlPool::Drop()
@@ -62,9 +65,8 @@ void SqlPool::Return(std::unique_ptr<SqlConnection> connection)
 {
     if (connection && connection->IsBroken()) {
         connection.reset();
-        Drop();
-        if (joined)
-            joined->Drop();
+        for (SqlPool* pool : joined)
+            pool->Drop();
     }
     const std::lock_guard lock(turn);
     --lent;

@@ -41,9 +41,9 @@ public:
 
     /// Waits some seconds for a connection; throws Fault 503 when none becomes free, or none can be opened.
     Lease Borrow();
-    /// A connection that breaks in either of both pools breaks those that rest in the other: SQLite shares
+    /// A connection that breaks in one of the pools breaks those that rest in the others: SQLite shares
     /// what it knows of a file among all connections of a process.
-    void Join(SqlPool& other);
+    static void Join(const std::vector<std::shared_ptr<SqlPool>>& pools);
 
 private:
     void Drop();
@@ -57,7 +57,7 @@ private:
     std::size_t lent = 0;
     std::chrono::steady_clock::time_point retry;  // until then opening fails with what it failed with
     std::string failure;
-    SqlPool* joined = nullptr;
+    std::vector<SqlPool*> joined = {this};
 };
 
 }  // namespace kel::server

@@ -48,8 +48,9 @@ std::int64_t Now()
     return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
 }
 
-SqlStore::SqlStore(std::shared_ptr<SqlPool> readers, std::shared_ptr<SqlPool> writers)
-    : readers(std::move(readers)), writers(std::move(writers))
+SqlStore::SqlStore(std::shared_ptr<SqlPool> quick, std::shared_ptr<SqlPool> readers,
+                   std::shared_ptr<SqlPool> writers)
+    : quick(std::move(quick)), readers(std::move(readers)), writers(std::move(writers))
 {
 }
 
@@ -65,33 +66,33 @@ SqlRows SqlStore::Write(const std::string& sql, const std::vector<SqlValue>& val
 
 void SqlStore::Ping()
 {
-    Read("SELECT count(*) FROM (SELECT 1 FROM requirement_set LIMIT 1) AS any_set");
+    quick->Borrow()->Query("SELECT count(*) FROM (SELECT 1 FROM requirement_set LIMIT 1) AS any_set");
 }
 
-void SqlStore::Keep(const NewReport& report)
+std::int64_t SqlStore::Keep(const NewReport& report)
 {
-    Write(
-        "INSERT INTO report (session, referrer, \"user\", machine, received, body) "
-        "VALUES ($1, $2, $3, $4, $5, $6)",
-        {report.session, report.referrer, report.user, report.machine, Now(), report.body});
+    return Write(
+               "INSERT INTO report (session, referrer, \"user\", machine, received, body) "
+               "VALUES ($1, $2, $3, $4, $5, $6) RETURNING id",
+               {report.session, report.referrer, report.user, report.machine, Now(), report.body})
+        .at(0)
+        .Number(0);
 }
 
-std::optional<StoredReport> SqlStore::NewestReport(const std::string& session)
+std::optional<std::int64_t> SqlStore::NewestReport(const std::string& session)
 {
-    return First(Read("SELECT id, body FROM report WHERE session = $1 ORDER BY id DESC LIMIT 1", {session}),
-                 [](const SqlRow& row) {
-                     return StoredReport{row.Number(0), row.Text(1)};
-                 });
+    return First(Read("SELECT id FROM report WHERE session = $1 ORDER BY id DESC LIMIT 1", {session}),
+                 [](const SqlRow& row) { return row.Number(0); });
 }
 
 std::optional<PublishedSet> SqlStore::NewestSet(const std::string& referrer)
 {
-    return First(Read(SetsOf + " LIMIT 1", {referrer}), SetOf);
+    return First(quick->Borrow()->Query(SetsOf + " LIMIT 1", {referrer}), SetOf);
 }
 
 std::string SqlStore::SetText(std::int64_t set)
 {
-    const SqlRows rows = Read("SELECT text FROM requirement_set WHERE id = $1", {set});
+    const SqlRows rows = quick->Borrow()->Query("SELECT text FROM requirement_set WHERE id = $1", {set});
     return rows.empty() ? std::string() : rows[0].Text(0);
 }
 

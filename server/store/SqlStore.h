@@ -12,12 +12,15 @@ namespace kel::server {
 /// The store in an SQL database. All statements are written so that each of the databases takes them.
 class SqlStore : public Store {
 public:
-    /// What only reads borrows from `readers`, everything else from `writers`; both may be one.
-    SqlStore(std::shared_ptr<SqlPool> readers, std::shared_ptr<SqlPool> writers);
+    /// Operations that only read borrow from `readers`, all others from `writers`. Ping and the published
+    /// requirements have connections of their own, `quick`, so that they never wait for either. Two or all
+    /// three may be one pool.
+    SqlStore(std::shared_ptr<SqlPool> quick, std::shared_ptr<SqlPool> readers,
+             std::shared_ptr<SqlPool> writers);
 
     void Ping() override;
-    void Keep(const NewReport& report) override;
-    std::optional<StoredReport> NewestReport(const std::string& session) override;
+    std::int64_t Keep(const NewReport& report) override;
+    std::optional<std::int64_t> NewestReport(const std::string& session) override;
     std::optional<PublishedSet> NewestSet(const std::string& referrer) override;
     std::string SetText(std::int64_t set) override;
     void Keep(const NewVerdict& verdict) override;
@@ -62,7 +65,7 @@ private:
     static std::int64_t IdOf(SqlConnection& connection, const std::string& referrer);
     int Delete(const std::string& condition, SqlValue value, int most);
 
-    std::shared_ptr<SqlPool> readers, writers;
+    std::shared_ptr<SqlPool> quick, readers, writers;
 };
 
 }  // namespace kel::server

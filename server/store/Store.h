@@ -20,10 +20,10 @@ public:
 
     // The control's requests.
 
-    /// Appends a report.
-    virtual void Keep(const NewReport& report) = 0;
-    /// The newest report of a session.
-    virtual std::optional<StoredReport> NewestReport(const std::string& session) = 0;
+    /// Appends a report; its id.
+    virtual std::int64_t Keep(const NewReport& report) = 0;
+    /// The id of a session's newest report.
+    virtual std::optional<std::int64_t> NewestReport(const std::string& session) = 0;
     /// The newest requirements of a referrer, without their text; nothing when it is not known.
     virtual std::optional<PublishedSet> NewestSet(const std::string& referrer) = 0;
     /// The text of published requirements, which never changes.

@@ -92,6 +92,24 @@ class Contract(Client):
         self.ask("POST", UPLOAD, REPORT.format(session).replace("8.0 GB", "2.0 GB"))  # so does the newest report
         self.assertEqual(self.results("r", session), ["fail"] * 2)
 
+    def test_characters_that_xml_forbids_are_replaced(self):
+        self.require("r", (1, "M", "equals", "a\ufffdb"))
+        for number, form in enumerate((b"\0", b"\x01", b"\x1f", b"&#0;", b"&#31;", b"&#x0001F;", b"\xed\xa0\x80", b"&#xD800;",
+                                       b"&#57343;", b"\xef\xbf\xbe", b"\xef\xbf\xbf", b"&#xFFFE;", b"&#65535;")):
+            session = b"%d\x02" % number  # the page's own text, in both requests
+            report = REPORT.format("SESSION").encode().replace(b"SESSION", session).replace(b"8.0 GB", b"a" + form + b"b")
+            escaped = escape(report.decode("latin-1")).encode("latin-1")
+            inner = b"<SystemInformation><Data>%b</Data></SystemInformation>" % escaped
+            for path, body in (UPLOAD, report), (INFORMATION, inner):
+                with self.subTest(f"{path} {form}"):
+                    self.assertEqual(self.ask("POST", path, body)[0], 200)
+                    answer = self.ask("POST", "/service/Analysis/r", analysis("SESSION").encode().replace(b"SESSION", session))
+                    self.assertIn('<found>a\ufffdb</found>', answer[1].decode())
+        self.ask("POST", UPLOAD, REPORT.format("other").replace("8.0 GB", "\x7f\u0085\ufffd&#9;&#x10FFFF;"))
+        self.require("r", (1, "M", "any"))
+        self.assertIn("<found>\x7f\u0085\ufffd\t\U0010ffff</found>",
+                      self.ask("POST", "/service/Analysis/r", analysis("other"))[1].decode())
+
     def test_a_verdict_is_told_in_three_formats(self):
         self.require("f", (1, "M", "at least", "4 GB", "not shown"), (2, "<b>", "equals", "'\"&é", "Do <i>"))
         self.ask("POST", UPLOAD, REPORT.format("s"))

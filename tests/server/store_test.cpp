@@ -58,8 +58,9 @@ protected:
 
     std::int64_t Upload(const NewReport& report)
     {
-        store->Keep(report);
-        return store->NewestReport(report.session)->id;
+        const std::int64_t id = store->Keep(report);
+        EXPECT_EQ(store->NewestReport(report.session), id);
+        return id;
     }
 
     std::int64_t Count(const std::string& table)
