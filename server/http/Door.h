@@ -4,11 +4,13 @@
 // Boost.Asio 1.74 uses what <utility> declares without including it.
 #include <boost/asio/any_io_executor.hpp>
 #include <boost/asio/ip/tcp.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <functional>
 #include <unordered_set>
 
 #include "server/base/Exchange.h"
 #include "server/base/Metrics.h"
+#include "server/http/BodyBudget.h"
 #include "server/http/Limits.h"
 
 namespace kel::server {
@@ -17,13 +19,29 @@ namespace kel::server {
 /// runs at the request's place.
 struct Door {
     using Handler = std::function<Answer(const Request&)>;
+    /// An executor of other threads; an empty one for the network's own.
     using Place = std::function<boost::asio::any_io_executor(const Request&)>;
+    using Sockets = std::unordered_set<boost::asio::ip::tcp::socket*>;
+
+    Door(Handler handler, const Limits& limits, Place place, DoorMetrics& metrics)
+        : handler(std::move(handler)),
+          limits(limits),
+          place(std::move(place)),
+          metrics(metrics),
+          bodies(limits.bodiesBytes, metrics.bodiesBytes)
+    {
+    }
+
+    /// Counts and logs a request that the handler does not answer.
+    void Refuse(int status, const char* reason);
 
     Handler handler;
     Limits limits;
     Place place;  // where the handler works on a request
     DoorMetrics& metrics;
-    std::unordered_set<boost::asio::ip::tcp::socket*> idle = {};  // those that wait for a request
+    BodyBudget bodies;
+    Sockets open, idle;  // all connections, and those that wait for a request
+    std::unordered_set<boost::asio::steady_timer*> queued;  // of requests until their answers are there
     bool isClosing = false;
 };
 

@@ -9,15 +9,19 @@ namespace kel::server {
 struct Limits {
     static constexpr std::size_t Kilobyte = 1024;
     static constexpr std::size_t Megabyte = 1024 * Kilobyte;
+    static constexpr std::size_t SmallBody = 16 * Kilobyte;  // several times a usual report
 
     std::size_t connections = 10'000;
     std::size_t headerBytes = 8 * Kilobyte;
-    std::size_t bodyBytes = 2 * Megabyte;
+    std::size_t bodyBytes = 256 * Kilobyte;
     std::size_t bodiesBytes = 256 * Megabyte;  // of all requests and answers that are under way together
     std::chrono::seconds request{30};          // from its first byte to its last
     std::chrono::seconds idle{30};             // until the first byte of the next
     std::chrono::seconds answer{60};           // a visitor's slow line takes the test file in this time
     std::chrono::seconds farewell{2};          // for a client that still sends what nobody reads
+    std::chrono::seconds queue{5};             // for a thread that works on the request
+    std::chrono::seconds absent{1};            // the same, once the client has closed its side
+    std::chrono::seconds stop{3};              // for what is under way when the service stops
 };
 
 }  // namespace kel::server

@@ -3,7 +3,6 @@
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/redirect_error.hpp>
-#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <stdexcept>
 
@@ -50,7 +49,7 @@ Listener::Listener(asio::io_context& context, Door::Place place, const std::stri
                    std::uint16_t port, const Limits& limits, DoorMetrics& metrics, Door::Handler handler)
     : context(context),
       acceptor(Listen(context, address, port)),
-      door{std::move(handler), limits, std::move(place), metrics}
+      door(std::move(handler), limits, std::move(place), metrics)
 {
     asio::co_spawn(context, Accept(), Report);
 }
@@ -78,6 +77,15 @@ void Listener::Stop()
     for (tcp::socket* socket :
          door.idle)  // a request that has arrived, though not been read, is still answered
         socket->shutdown(asio::socket_base::shutdown_receive, ignored);
+}
+
+void Listener::Disconnect()
+{
+    error_code ignored;
+    for (tcp::socket* socket : door.open)
+        socket->close(ignored);
+    for (asio::steady_timer* timer : door.queued)
+        timer->cancel();
 }
 
 }  // namespace kel::server

@@ -19,8 +19,10 @@ public:
              std::uint16_t port, const Limits& limits, DoorMetrics& metrics, Door::Handler handler);
 
     std::uint16_t Port() const { return acceptor.local_endpoint().port(); }
-    /// Accepts no more, and lets those go that wait for a request.
+    /// Accepts no more connections, and closes those that wait for a request.
     void Stop();
+    /// Closes all connections, whatever they do, and drops the requests that no thread works on yet.
+    void Disconnect();
 
 private:
     boost::asio::awaitable<void> Accept();

@@ -1,52 +1,43 @@
 #pragma once
 
+#include <unordered_set>
+
 #include "server/http/Door.h"
 
 namespace kel::server {
 
-/// A share of what a door allows of something, given back at the end.
-class Share {
+/// Keeps an object in a set for a while.
+template <typename Object>
+class Member {
 public:
-    explicit Share(Count& total) : total(total) {}
-    ~Share() { GiveBack(); }
-    Share(const Share&) = delete;
-    Share& operator=(const Share&) = delete;
-
-    /// False, and nothing is taken, when it would be more than there is.
-    bool Take(std::size_t count, std::size_t most)
+    Member(std::unordered_set<Object*>& set, Object& object) : set(set), object(&object)
     {
-        if (count > most || total > most - count)
-            return false;
-        total += count;
-        taken += count;
-        return true;
+        set.insert(this->object);
     }
-
-    void GiveBack()
-    {
-        total -= taken;
-        taken = 0;
-    }
+    ~Member() { set.erase(object); }
+    Member(const Member&) = delete;
+    Member& operator=(const Member&) = delete;
 
 private:
-    Count& total;
-    std::size_t taken = 0;
+    std::unordered_set<Object*>& set;
+    Object* object;
 };
 
-/// Stands among those that wait for a request.
-class Waiting {
+/// One of an endpoint's connections, until its end.
+class OpenConnection {
 public:
-    Waiting(Door& door, boost::asio::ip::tcp::socket& socket) : door(door), socket(&socket)
+    OpenConnection(Door& door, boost::asio::ip::tcp::socket& socket)
+        : count(door.metrics.connections), member(door.open, socket)
     {
-        door.idle.insert(this->socket);
+        ++count;
     }
-    ~Waiting() { door.idle.erase(socket); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
+    ~OpenConnection() { --count; }
+    OpenConnection(const OpenConnection&) = delete;
+    OpenConnection& operator=(const OpenConnection&) = delete;
 
 private:
-    Door& door;
-    boost::asio::ip::tcp::socket* socket;
+    Count& count;
+    const Member<boost::asio::ip::tcp::socket> member;
 };
 
 }  // namespace kel::server

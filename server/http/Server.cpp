@@ -6,6 +6,7 @@
 #include <boost/asio/signal_set.hpp>
 #include <boost/asio/thread_pool.hpp>
 
+#include <algorithm>
 #include <csignal>
 
 #include "server/base/Log.h"
@@ -16,6 +17,8 @@ namespace kel::server {
 namespace asio = boost::asio;
 
 namespace {
+
+constexpr std::size_t MaxAdminBody = 2 * Limits::Megabyte;  // a form with a file of requirements
 
 /// A connection takes a descriptor; the usual limit for programs that never asked is 1,024.
 void RaiseDescriptorLimit(std::size_t connections)
@@ -29,44 +32,75 @@ void RaiseDescriptorLimit(std::size_t connections)
             {{"limit", std::to_string(limit.rlim_max)}, {"connections", std::to_string(connections)}});
 }
 
+/// The threads of each place but the network's.
+class Threads {
+public:
+    explicit Threads(unsigned count)
+        : readers(std::max(count / 4, 1U)), workers(count), bulk(std::max(count / 4, 1U)), operators(1)
+    {
+    }
+
+    Door::Place Choose(PlaceOfRequest place)
+    {
+        return [this, place = std::move(place)](const Request& request) -> asio::any_io_executor {
+            switch (place(request)) {
+                case Place::Readers:
+                    return readers.get_executor();
+                case Place::Workers:
+                    return workers.get_executor();
+                case Place::Bulk:
+                    return bulk.get_executor();
+                case Place::Operators:
+                    return operators.get_executor();
+                default:
+                    return {};
+            }
+        };
+    }
+
+    void Join()
+    {
+        for (asio::thread_pool* pool : {&readers, &workers, &bulk, &operators})
+            pool->join();
+    }
+
+private:
+    asio::thread_pool readers, workers, bulk, operators;
+};
+
 }  // namespace
 
-void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, RequestHandler adminHandler,
-           const PlaceOfRequest& adminPlace,
+void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, PlaceOfRequest publicPlace,
+           RequestHandler adminHandler, PlaceOfRequest adminPlace,
            const std::function<void(std::uint16_t, std::uint16_t)>& listening)
 {
     RaiseDescriptorLimit(doors.limits.connections);
     asio::io_context context(1);
-    asio::thread_pool workers(doors.workers), operators(1);  // who looks at reports keeps no visitor waiting
-    const auto atWorkers = [&](const Request&) { return workers.get_executor(); };
-    const auto atPlace = [&](const Request& request) -> asio::any_io_executor {
-        switch (adminPlace(request)) {
-            case Place::Network:
-                return context.get_executor();
-            case Place::Workers:
-                return workers.get_executor();
-            default:
-                return operators.get_executor();
-        }
-    };
-    Listener open(context, atWorkers, doors.address, doors.port, doors.limits, metrics.open,
-                  std::move(publicHandler));
-    Listener admin(context, atPlace, "127.0.0.1", doors.adminPort, doors.limits, metrics.admin,
-                   std::move(adminHandler));
+    Threads threads(doors.workers);
+    Limits adminLimits = doors.limits;
+    adminLimits.bodyBytes = std::max(adminLimits.bodyBytes, MaxAdminBody);
+    Listener open(context, threads.Choose(std::move(publicPlace)), doors.address, doors.port, doors.limits,
+                  metrics.open, std::move(publicHandler));
+    Listener admin(context, threads.Choose(std::move(adminPlace)), "127.0.0.1", doors.adminPort, adminLimits,
+                   metrics.admin, std::move(adminHandler));
 
     asio::signal_set signals(context, SIGTERM, SIGINT, SIGHUP);
     signals.async_wait([&](const boost::system::error_code&, int) {
         Log(Level::Info, "stopping");
         open.Stop();
         admin.Stop();
-        // The context ends when the last connection does. The next signal has its usual effect.
-        signals.clear();
+        signals.clear();  // the next signal has its usual effect
+        context.stop();
     });
 
     listening(open.Port(), admin.Port());
     context.run();
-    workers.join();
-    operators.join();
+    context.restart();
+    context.run_for(doors.limits.stop);  // ends early when the last connection does
+    open.Disconnect();
+    admin.Disconnect();
+    context.run();
+    threads.Join();
 }
 
 }  // namespace kel::server

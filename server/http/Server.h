@@ -10,16 +10,22 @@
 
 namespace kel::server {
 
-/// Who works on a request: the network's own thread, for what takes no time; the public door's threads; the
-/// operator's.
-enum class Place { Network, Workers, Operators };
+/// The threads that work on a request. What is cheap never waits for what is not.
+enum class Place {
+    Network,    // the network's own thread, for what takes no time
+    Readers,    // for short questions to the database
+    Workers,    // for reports and verdicts
+    Bulk,       // for large bodies, few at the same time
+    Operators,  // one thread, for the administration
+};
 
 /// Where the service listens, and how many threads answer.
 struct Doors {
     std::string address;  // of the public door
     std::uint16_t port = 0;
     std::uint16_t adminPort = 0;  // on loopback
-    unsigned workers = 2;
+    unsigned workers =
+        2;  // for reports and verdicts; readers and bulk have a quarter as many, at least one, each
     Limits limits;
 };
 
@@ -27,11 +33,12 @@ using RequestHandler = std::function<Answer(const Request&)>;
 using PlaceOfRequest = std::function<Place(const Request&)>;
 
 /// Listens at the public door and at the operator's, calls `listening` with both ports, and serves until
-/// SIGTERM, SIGINT or SIGHUP: what is under way then is answered first. A second signal ends at once.
+/// SIGTERM, SIGINT or SIGHUP: what is under way then is answered first, for a few seconds at most, unless a
+/// handler takes longer. A second signal ends at once.
 /// Handlers are called by several threads and do not throw. Throws std::runtime_error when it cannot listen.
 /// Raises the process's limit of open files as far as it goes.
-void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, RequestHandler adminHandler,
-           const PlaceOfRequest& adminPlace,
+void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, PlaceOfRequest publicPlace,
+           RequestHandler adminHandler, PlaceOfRequest adminPlace,
            const std::function<void(std::uint16_t port, std::uint16_t adminPort)>& listening);
 
 }  // namespace kel::server

@@ -64,6 +64,10 @@ const Setting Settings[] = {
     {"log_level", [](Config& c, const std::string& text) { c.logLevel = text; }},
     {"connections",
      [](Config& c, const std::string& text) { c.doors.limits.connections = NumberOf(text, 1, 1'000'000); }},
+    {"body_kb",
+     [](Config& c, const std::string& text) {
+         c.doors.limits.bodyBytes = NumberOf(text, 16, 16'384) * Limits::Kilobyte;
+     }},
     {"bodies_mb",
      [](Config& c, const std::string& text) {
          c.doors.limits.bodiesBytes = NumberOf(text, 4, 65536) * Limits::Megabyte;

@@ -1,12 +1,10 @@
 #include "server/ops/MetricsPage.h"
 
-#include <unistd.h>
-
 #include <charconv>
-#include <fstream>
 #include <string_view>
 
 #include "server/base/Version.h"
+#include "server/ops/Memory.h"
 
 namespace kel::server {
 
@@ -75,14 +73,6 @@ void AppendTimes(Page& page, const std::string& labels, const Histogram& times)
     page.Sample(labels, count, "_count");
 }
 
-/// In bytes; 0 when the system does not tell.
-std::uint64_t ResidentMemory()
-{
-    std::uint64_t all = 0, resident = 0;
-    std::ifstream("/proc/self/statm") >> all >> resident;
-    return resident * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
-}
-
 void AppendDoors(Page& page, const Metrics& metrics)
 {
     const auto forDoors = [&](auto append) {
@@ -126,6 +116,9 @@ Answer MetricsPage(const Metrics& metrics)
     AppendDoors(page, metrics);
     page.Metric("kel_uploads_total", "counter", "Reports that were kept.");
     page.Sample("", metrics.uploads);
+    page.Metric("kel_characters_replaced_total", "counter",
+                "Characters of reports and requests that XML does not allow, replaced by U+FFFD.");
+    page.Sample("", metrics.replacedCharacters);
     page.Metric("kel_verdicts_total", "counter", "Verdicts, by their total.");
     for (std::size_t i = 0; i < Metrics::Totals.size(); ++i)
         page.Sample(Label("total", Metrics::Totals.at(i)), metrics.verdicts.at(i));

@@ -11,6 +11,8 @@ namespace {
 // Stands in every control, and so authenticates nobody: it keeps strays out.
 constexpr std::string_view ApiKey = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
 
+constexpr const char* TestFilePath = "/global/tests/test_2.bin";
+
 void CheckKey(const Target& target)
 {
     if (target.Only("apikey") != ApiKey)
@@ -46,7 +48,7 @@ Router PublicRoutes(Service& service, Metrics& metrics)
                    [&](const Call& call) { return service.SystemInformation(call.request.body); });
     router.Add("POST", "/service/Analysis/*",
                [&](const Call& call) { return service.Analysis(call.rest, call.request.body); });
-    router.Add("GET", "/global/tests/test_2.bin", [&](const Call&) { return service.TestFile(); });
+    router.Add("GET", TestFilePath, [&](const Call&) { return service.TestFile(); });
     return router;
 }
 
@@ -61,11 +63,19 @@ Router AdminRoutes(Store& store, Metrics& metrics)
     return router;
 }
 
+Place PublicPlace(const Request& request)
+{
+    if (request.method == "POST")
+        return request.body.size() > Limits::SmallBody ? Place::Bulk : Place::Workers;
+    const auto target = Target::Read(request.target);
+    return target && target->path == TestFilePath ? Place::Network : Place::Readers;
+}
+
 Place AdminPlace(const Request& request)
 {
     if (request.target == "/healthz" || request.target == "/metrics")
         return Place::Network;
-    return request.target == "/readyz" ? Place::Workers : Place::Operators;
+    return request.target == "/readyz" ? Place::Readers : Place::Operators;
 }
 
 }  // namespace kel::server

@@ -14,7 +14,10 @@ Router PublicRoutes(Service& service, Metrics& metrics);
 /// The requests of the operator's door.
 Router AdminRoutes(Store& store, Metrics& metrics);
 
-/// Who answers a request at the operator's door: nobody's long work keeps a check waiting.
+/// The threads that answer a request at the public door: group lists and the test file wait for no report.
+Place PublicPlace(const Request& request);
+
+/// Those that answer one at the operator's door: nobody's long work keeps a check waiting.
 Place AdminPlace(const Request& request);
 
 }  // namespace kel::server

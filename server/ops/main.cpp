@@ -19,6 +19,7 @@
 #include "server/ops/Backup.h"
 #include "server/ops/Config.h"
 #include "server/ops/Export.h"
+#include "server/ops/HeapTrimmer.h"
 #include "server/ops/Import.h"
 #include "server/ops/Purge.h"
 #include "server/ops/Retention.h"
@@ -59,6 +60,7 @@ void WritePort(const std::string& path, std::uint16_t port)
 
 void RunServe(const Config& config)
 {
+    const HeapTrimmer trimmer;
     const std::unique_ptr<Store> store = OpenStore(config.store);
     Metrics metrics;
     Service service(*store, metrics);
@@ -70,7 +72,7 @@ void RunServe(const Config& config)
     Router admin = AdminRoutes(*store, metrics);
     site.AddTo(admin);
     Serve(
-        config.doors, metrics, [&](const Request& request) { return open.Handle(request); },
+        config.doors, metrics, [&](const Request& request) { return open.Handle(request); }, PublicPlace,
         [&](const Request& request) { return admin.Handle(request); }, AdminPlace,
         [&](std::uint16_t port, std::uint16_t adminPort) {
             Log(Level::Info, "listening",

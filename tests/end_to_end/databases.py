@@ -34,7 +34,7 @@ class Sqlite:
         return sum(os.path.realpath(file) == str(self.path) for file in Path(f"/proc/{pid}/fd").iterdir()) - 1
 
     @contextlib.contextmanager
-    def held(self):
+    def held(self, _=""):
         """Nobody else can write meanwhile."""
         with contextlib.closing(sqlite3.connect(self.path, isolation_level=None)) as connection:
             connection.execute("BEGIN IMMEDIATE")
@@ -112,10 +112,10 @@ class Postgres:
                         "AND datname = current_database()")[0][0]
 
     @contextlib.contextmanager
-    def held(self):
+    def held(self, tables="report, requirement_set, audit"):
         lock = subprocess.Popen([self.server.programs / "psql", "-XqAt", "-d", self.setting], text=True,
                                 stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-        lock.stdin.write("BEGIN; LOCK TABLE report, requirement_set, audit; SELECT 1;\n")
+        lock.stdin.write(f"BEGIN; LOCK TABLE {tables}; SELECT 1;\n")
         lock.stdin.flush()
         lock.stdout.readline()
         yield

@@ -9,7 +9,7 @@ from pathlib import Path
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
 from harness import API_KEY, ROOT
 
-HEAD = f"POST {UPLOAD} HTTP/1.1\r\nConnection: close\r\n".encode()
+HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\nConnection: close\r\n".encode()
 METRICS = re.compile(r'(# HELP (kel_\w+) .+\n# TYPE \2 (?:counter|gauge|histogram)\n'
                      r'(\2(?:_bucket|_sum|_count)?(\{(\w+="[^"\\]*",?)+\})? \d[\d.e+-]*\n)*)+')
 
@@ -41,7 +41,7 @@ class Metrics(DeployedTest):
         self.assertEqual((times, times[-2:]), (sorted(times), [5, 5]))  # none took ten seconds
 
     def test_what_is_under_way_comes_and_goes(self):
-        crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_500) for _ in range(100)]
+        crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_000) for _ in range(100)]
         self.await_answer(lambda: [*self.metrics("bodies").values(), *self.metrics("connections{").values()], [100 * 16_384, 100])
         self.assertEqual((self.connect().recv(1), self.metrics("connections_refused").popitem()[1]), (b"", 1))
         for connection in crowd:

@@ -12,9 +12,8 @@ int main(int count, char** arguments)
     const auto answer = [](const kel::server::Request&) {
         return kel::server::Answer::Of("text/plain; charset=utf-8", "OK");
     };
+    const auto place = [](const kel::server::Request&) { return kel::server::Place::Workers; };
     kel::server::Metrics metrics;
-    kel::server::Serve(
-        {"127.0.0.1", 0, 0, 2, {}}, metrics, answer, answer,
-        [](const kel::server::Request&) { return kel::server::Place::Operators; },
-        [&](std::uint16_t port, std::uint16_t) { std::ofstream(portFile) << port; });
+    kel::server::Serve({"127.0.0.1", 0, 0, 2, {}}, metrics, answer, place, answer, place,
+                       [&](std::uint16_t port, std::uint16_t) { std::ofstream(portFile) << port; });
 }

@@ -1,0 +1,87 @@
+#include "server/http/Dispatch.h"
+
+#include <poll.h>
+
+#include <atomic>
+#include <boost/asio/post.hpp>
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/this_coro.hpp>
+#include <boost/asio/use_awaitable.hpp>
+
+#include "server/http/Places.h"
+
+namespace kel::server {
+
+namespace {
+
+namespace asio = boost::asio;
+using Clock = std::chrono::steady_clock;
+
+constexpr int Unavailable = 503;
+
+/// A request in a queue. A thread works on it, or the connection gives it up, whichever claims it first.
+struct Task {
+    explicit Task(Request request) : request(std::move(request)) {}
+
+    bool Claim() { return !isClaimed.exchange(true); }
+
+    Request request;
+    Answer answer;
+    bool hasClientLeft = false;
+    bool isDone = false;  // the network's thread alone sees this change
+    asio::steady_timer* done = nullptr;
+
+private:
+    std::atomic<bool> isClaimed = false;
+};
+
+/// Whether the client has closed the connection, or at least its own side of it.
+bool HasClosed(int socket)
+{
+    pollfd state{socket, POLLRDHUP, 0};
+    return poll(&state, 1, 0) > 0;
+}
+
+}  // namespace
+
+asio::awaitable<Answer> Dispatch(Door& door, Request request, asio::ip::tcp::socket& socket)
+{
+    const asio::any_io_executor place = door.place(request);
+    if (!place)
+        co_return door.handler(request);
+    const asio::any_io_executor network = co_await asio::this_coro::executor;
+    const Clock::time_point start = Clock::now();
+    const auto task = std::make_shared<Task>(std::move(request));
+    asio::steady_timer done(network, door.limits.queue);
+    task->done = &done;
+    const Member queued(door.queued, done);
+    asio::post(place, [&door, task, network, start, handle = socket.native_handle()] {
+        if (!task->Claim())
+            return;
+        // A client may close its side and still read the answer, so a request that did not wait is served.
+        task->hasClientLeft = Clock::now() - start > door.limits.absent && HasClosed(handle);
+        if (!task->hasClientLeft)
+            task->answer = door.handler(task->request);
+        asio::post(network, [task] {
+            task->isDone = true;
+            task->done->cancel();
+        });
+    });
+    boost::system::error_code cancelled;
+    co_await done.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
+    if (!task->isDone && task->Claim()) {
+        task->request = {};  // the queue keeps the task for a while
+        door.Refuse(Unavailable, "it waited too long for a thread");
+        co_return Answer::Empty(Unavailable);
+    }
+    done.expires_at(Clock::time_point::max());
+    while (!task->isDone)
+        co_await done.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
+    if (task->hasClientLeft) {
+        door.Refuse(Unavailable, "its client has left");
+        co_return Answer::Empty(Unavailable);
+    }
+    co_return std::move(task->answer);
+}
+
+}  // namespace kel::server

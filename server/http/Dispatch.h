@@ -1,0 +1,17 @@
+#pragma once
+
+#include <utility>
+// Boost.Asio 1.74 uses what <utility> declares without including it.
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/ip/tcp.hpp>
+
+#include "server/http/Door.h"
+
+namespace kel::server {
+
+/// Has the handler work on a request at its place. Answers 503, and the handler never sees the request, if it
+/// waits too long for a thread, or if its client closed the connection and no thread was free at once. For a
+/// coroutine of the network's thread; the socket stays open meanwhile.
+boost::asio::awaitable<Answer> Dispatch(Door& door, Request request, boost::asio::ip::tcp::socket& socket);
+
+}  // namespace kel::server

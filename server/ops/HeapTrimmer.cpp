@@ -1,0 +1,46 @@
+#include "server/ops/HeapTrimmer.h"
+
+#include <malloc.h>
+
+#include <chrono>
+
+#include "server/ops/Memory.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr std::chrono::seconds Pause{5};
+constexpr std::size_t MaxUnused = 33'554'432;  // bytes; below that it is not worth the work
+constexpr int MaxArenas = 4;                   // each keeps free memory of its own
+constexpr int MappedBytes = 131'072;  // from this size on, memory goes back to the system when it is freed
+
+/// Bytes that the process holds and does not use. The program and its stacks are among them.
+std::size_t UnusedMemory()
+{
+    const struct mallinfo2 heap = mallinfo2();
+    const std::size_t used = heap.uordblks + heap.hblkhd;
+    const std::size_t resident = ResidentMemory();
+    return resident > used ? resident - used : 0;
+}
+
+}  // namespace
+
+HeapTrimmer::HeapTrimmer()
+{
+    mallopt(M_ARENA_MAX, MaxArenas);
+    mallopt(M_MMAP_THRESHOLD, MappedBytes);  // a fixed one: by default it grows with what is freed
+    thread = std::jthread([this](const std::stop_token& stop) { Run(stop); });
+}
+
+void HeapTrimmer::Run(const std::stop_token& stop)
+{
+    std::unique_lock lock(turn);
+    while (!stop.stop_requested()) {
+        wake.wait_for(lock, stop, Pause, [] { return false; });
+        if (UnusedMemory() > MaxUnused)
+            malloc_trim(0);
+    }
+}
+
+}  // namespace kel::server
