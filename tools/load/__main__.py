@@ -1,5 +1,6 @@
 """Measures the analysis service under load, side by side with an empty service of the same library: prints a table, and with
---page writes it to docs/generated/load.md. --seconds N: how long each load lasts; --reports N: the largest store."""
+--page writes it to docs/generated/load.md. --seconds N: how long each load lasts; --reports N: the largest store. --hostile:
+measures what a visitor gets beside attacks, instead."""
 
 import argparse
 import http.client
@@ -19,6 +20,7 @@ from urllib.parse import urlencode
 ROOT = Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "tests" / "end_to_end"))
 import databases  # noqa: E402
+import hostile  # noqa: E402
 
 BUILD = Path(os.environ.get("KEL_BUILD", ROOT / "build" / "server"))
 CONNECTIONS = 16
@@ -46,9 +48,10 @@ class Server:
             time.sleep(0.01)
         self.port, self.admin = (int(path.read_text()) for path in (self.ports * 2)[:2])
 
-    def memory(self):
+    def memory(self, field="VmHWM"):
+        """In megabytes, the most of all time; "VmRSS": now."""
         status = Path(f"/proc/{self.process.pid}/status").read_text("ascii")
-        return int(re.search(r"VmHWM:\s*(\d+)", status)[1]) / 1024
+        return int(re.search(rf"{field}:\s*(\d+)", status)[1]) / 1024
 
     def __enter__(self):
         return self
@@ -176,10 +179,23 @@ def aims(rows, times):
     return [*lines, ""]
 
 
-def text(rows, times, seconds):
+def measure_hostile(folder, options):
+    database = folder / "kel.db"
+    prepare(database)
+    attacks = [attack for attack in hostile.ATTACKS if options.match in attack[0]]
+    rows = hostile.measure(attacks, lambda *settings: service(folder, database, *settings), database, options.seconds,
+                           options.rest)
+    return f"{machine()}, {options.seconds:g} s each; attackers and visitor run on the same processors.\n\n" + hostile.table(rows)
+
+
+def machine():
     cpu = re.search(r"model name\s*:\s*(.*)", Path("/proc/cpuinfo").read_text("utf-8"))[1]
     commit = subprocess.run(["git", "-C", ROOT, "rev-parse", "--short", "HEAD"], text=True, stdout=subprocess.PIPE).stdout.strip()
-    lines = [f"{date.today()}, commit {commit}, {os.cpu_count()} x {cpu}, {CONNECTIONS} connections, {seconds:g} s each; the "
+    return f"{date.today()}, commit {commit}, {os.cpu_count()} x {cpu}"
+
+
+def text(rows, times, seconds):
+    lines = [f"{machine()}, {CONNECTIONS} connections, {seconds:g} s each; the "
              "visitors run on the same processors.", "", *aims(rows, times),
              "| service | runs a second | " + " | ".join(f"{kind}: median, 99 %" for kind in KINDS) + " | memory |",
              "|---|---:|" + "---:|" * len(KINDS) + "---:|"]
@@ -197,7 +213,21 @@ def main():
     parser.add_argument("--seconds", type=float, default=10)
     parser.add_argument("--reports", type=int, default=1_000_000)
     parser.add_argument("--page", action="store_true")
+    parser.add_argument("--hostile", action="store_true")
+    parser.add_argument("--rest", type=float, default=30, help="seconds until memory is looked at again")
+    parser.add_argument("--match", default="", help="only attacks whose names contain this text")
     options = parser.parse_args()
+    if options.hostile:
+        with tempfile.TemporaryDirectory(dir=BUILD) as name:
+            table = measure_hostile(Path(name), options)
+    else:
+        table = measure_load(options)
+    print(table)
+    if options.page:
+        write_page(table, options.hostile)
+
+
+def measure_load(options):
     report = (ROOT / "tools" / "load" / "report.xml").read_text("ascii").strip()
     (BUILD / "report.xml").write_text(report.replace("MEMORY", "15.9 GB").replace("RESOLUTION", "2560x1440"), "ascii")
     rows, times = [], {}
@@ -207,12 +237,20 @@ def main():
             rows.append(("an empty one", load(options.seconds, empty)))
         measure_sqlite(folder, options.seconds, options.reports, rows, times)
         measure_postgres(folder, options.seconds, rows)
-    table = text(rows, times, options.seconds)
-    print(table)
-    if options.page:
-        page = ROOT / "docs" / "generated" / "load.md"
-        page.write_text("# Figures of the analysis service under load\n\nWritten by `scripts/load.sh --page`. What they mean: "
-                        "[performance](../performance.md#the-analysis-service).\n\n" + table, "utf-8")
+    return text(rows, times, options.seconds)
+
+
+def write_page(table, is_hostile):
+    """Writes one of the page's two parts, and keeps the other."""
+    page = ROOT / "docs" / "generated" / "load.md"
+    heading = "\n## Beside attacks\n\n"
+    begin = ("# Figures of the analysis service under load\n\nWritten by `scripts/load.sh --page`. What they mean: "
+             "[performance](../performance.md#the-analysis-service).\n\n")
+    ordinary, _, attacked = page.read_text("utf-8").removeprefix(begin).partition(heading)
+    attacked_begin = "Written by `scripts/load.sh --hostile --page`.\n\n"
+    parts = [ordinary, attacked.removeprefix(attacked_begin)]
+    parts[is_hostile] = table
+    page.write_text(begin + parts[0] + heading + attacked_begin + parts[1], "utf-8")
 
 
 if __name__ == "__main__":
