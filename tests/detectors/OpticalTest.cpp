@@ -34,5 +34,13 @@ TEST(OpticalAbilities, AreToldByRealNames)
     }
 }
 
+TEST(OpticalAbilities, AreThoseOfAsManyMediaAsAreCounted)
+{
+    std::string answer = MediaTypes(FILE_DEVICE_CD_ROM, {{CD_R, MEDIA_WRITE_ONCE}, {DVD_ROM, 0}});
+    EXPECT_EQ(ShowAbilities(ReadMediaTypes(std::as_bytes(std::span(answer))).has), L"Cd");
+    answer.replace(4, 4, Little(1, 4));
+    EXPECT_EQ(ShowAbilities(ReadMediaTypes(std::as_bytes(std::span(answer))).has), L"C");
+}
+
 }  // namespace
 }  // namespace kel
