@@ -28,6 +28,7 @@ public:
     void Begin() override { Execute("BEGIN"); }
     bool IsBroken() override;
     std::string_view SkipLocked() const override { return " FOR UPDATE SKIP LOCKED"; }
+    std::size_t LargeRowsAtOnce() const override { return 250; }
     std::int64_t SettledReport() override { return Query("SELECT settled_report()").at(0).Number(0); }
     std::span<const char* const> Migrations() const override;
     int Version() override;

@@ -58,6 +58,9 @@ public:
     /// What a SELECT ends with whose rows are about to be deleted, so that two who delete do not wait for
     /// each other; empty where only one can write.
     virtual std::string_view SkipLocked() const { return {}; }
+    /// How many rows with large texts are worth one statement: many where each statement costs a journey over
+    /// a network, few where the length of a text is only known by reading it.
+    virtual std::size_t LargeRowsAtOnce() const = 0;
     /// Takes what was deleted out of the log that writes go through, unless somebody reads by it; for a
     /// database that looks after its log itself, nothing.
     virtual void EmptyLog() {}

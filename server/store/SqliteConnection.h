@@ -23,6 +23,7 @@ public:
     void Begin() override { Execute("BEGIN IMMEDIATE"); }
     bool IsBroken() override { return broken || sqlite3_get_autocommit(Get()) == 0; }
     std::string_view NoIndex() const override { return "+"; }
+    std::size_t LargeRowsAtOnce() const override { return 10; }
     void EmptyLog() override;
     std::span<const char* const> Migrations() const override;
     int Version() override;
