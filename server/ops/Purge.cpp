@@ -2,18 +2,15 @@
 
 #include <charconv>
 #include <stdexcept>
-#include <thread>
 
 #include "server/base/Log.h"
 #include "server/ops/Accounts.h"
+#include "server/store/Deletion.h"
 
 namespace kel::server {
 
 namespace {
 
-// What deletes has the database for itself only so long, and then lets the others.
-constexpr int Batch = 200;
-constexpr std::chrono::milliseconds Pause{20};
 constexpr int LongestDays = 36'500;
 
 std::chrono::hours AgeOf(const std::string& text)
@@ -27,26 +24,14 @@ std::chrono::hours AgeOf(const std::string& text)
     return unit == "d" ? std::chrono::days(number) : std::chrono::hours(number);
 }
 
-int Repeat(Store& store, const std::function<int(int)>& deleteSome, const std::function<bool()>& ends)
-{
-    int total = 0;
-    for (int count = 1; count > 0 && !ends();) {
-        count = deleteSome(Batch);
-        total += count;
-        std::this_thread::sleep_for(Pause);
-    }
-    if (total > 0)
-        store.EndDeletion();
-    return total;
-}
-
 }  // namespace
 
 int PurgeOlder(Store& store, std::chrono::hours age, const std::function<bool()>& ends)
 {
     const std::int64_t time = Now() - std::chrono::milliseconds(age).count();
-    return Repeat(
-        store, [&](int most) { return store.DeleteOlder(time, most); }, ends);
+    return Deletion::Run(
+               store, [&](int most) { return store.DeleteOlder(time, most); }, ends)
+        .reports;
 }
 
 void Purge(Store& store, std::string_view option, const std::string& value)
@@ -56,11 +41,11 @@ void Purge(Store& store, std::string_view option, const std::string& value)
     if (option == "--older")
         count = PurgeOlder(store, AgeOf(value), never);
     else if (option == "--session")
-        count = Repeat(
-            store, [&](int most) { return store.DeleteSession(value, most); }, never);
+        count = Deletion::OfSession(store, value).reports;
     else if (option == "--machine")
-        count = Repeat(
-            store, [&](int most) { return store.DeleteMachine(value, most); }, never);
+        count = Deletion::Run(
+                    store, [&](int most) { return store.DeleteMachine(value, most); }, never)
+                    .reports;
     else
         throw std::runtime_error("purge needs --older, --session or --machine");
     // Not whose: that is to be forgotten.
