@@ -109,12 +109,12 @@ void AppendDoors(Page& page, const Metrics& metrics)
     forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.bodiesBytes); });
 }
 
-/// What a route answers when the store fails it, or what is stored.
+/// What a route answers when the store fails it.
 std::uint64_t DatabaseErrors(const DoorMetrics& door)
 {
     std::uint64_t count = 0;
     for (const DoorMetrics::Route& route : door.routes)
-        count += route.counts.Of(500) + route.counts.Of(503);
+        count += route.counts.Of(503);
     return count;
 }
 
@@ -129,8 +129,7 @@ Answer MetricsPage(const Metrics& metrics)
     page.Metric("kel_verdicts_total", "counter", "Verdicts, by their total.");
     for (std::size_t i = 0; i < Metrics::Totals.size(); ++i)
         page.Sample(Label("total", Metrics::Totals.at(i)), metrics.verdicts.at(i));
-    page.Metric("kel_database_errors_total", "counter",
-                "Requests that failed by the database or what is stored.");
+    page.Metric("kel_database_errors_total", "counter", "Requests that failed because the database did.");
     page.Sample("", DatabaseErrors(metrics.open) + DatabaseErrors(metrics.admin));
     page.Metric("kel_process_start_time_seconds", "gauge", "When the service started, since 1970.");
     page.Sample("", std::chrono::duration<double>(metrics.start.time_since_epoch()).count());
