@@ -25,6 +25,41 @@ class Editing(AdminTest):
         answer, page = self.visit("POST", f"/products/demo/{path}", form, self.cookie)
         return answer.status, page
 
+    def after(self, *arguments):
+        """What the page says that an action leads to."""
+        form = dict(zip(("do", "text", "revision", "path"), arguments))
+        path = form.pop("path", "requirements")
+        answer, _ = self.visit("POST", f"/products/demo/{path}", {**self.fields, **form}, self.cookie)
+        return self.page(answer.headers["Location"], self.cookie).data
+
+    def test_lines_are_compared_with_those_that_they_replace(self):
+        def lines(*entries):
+            return json.dumps({"title": "T", "requirements": [
+                {"id": 71063, "label": label, "comparison": "at least", "needed": needed, "recommended": recommended}
+                for label, needed, recommended in entries]})
+        minimum, more, other = ("M", "4 GB", False), ("M", "6 GB", True), ("N", "2 GB", False)
+        self.act("save", lines(minimum, more, other))
+        self.act("", "", 1, "publish")
+        for name, draft, failing in (
+                ("itself", (minimum, more, other), [("4", "4"), ("6", "6"), ("2", "2")]),
+                ("another order", (more, other, minimum), [("6", "6"), ("2", "2"), ("4", "4")]),
+                ("a changed minimum", (("M", "5 GB", False), more, other), [("5", "4"), ("6", "6"), ("2", "2")]),
+                ("both changed", (("M", "7 GB", True), ("M", "3 GB", False), other), [("7", "6"), ("3", "4"), ("2", "2")]),
+                ("one line more", (minimum, minimum, more, other), [("4", "4"), ("4", "new"), ("6", "6"), ("2", "2")]),
+                ("one line less", (more, other), [("6", "6"), ("2", "2")])):
+            page = PageParser(self.act("try", lines(*draft))[1])
+            self.assertEqual(page.cells(3, 4)[1:len(draft) + 1], failing, name)
+            self.assertEqual("No longer asked: M" in page.data, name == "one line less", name)
+
+    def test_a_long_draft_with_many_quotes_is_saved_and_one_that_is_too_long_gets_a_page(self):
+        for size, status, told in ((900_000, 303, ""), (1_048_576, 303, ""), (1_048_577, 413, "Go back in the browser")):
+            self.database.run("DELETE FROM draft")
+            answer, page = self.act("save", '"' * size)
+            self.assertEqual(answer, status, size)
+            self.assertIn(told, page)
+            kept = [(size,)] if status == 303 else []
+            self.assertEqual(self.database.run("SELECT length(text) FROM draft"), kept, size)
+
     def test_a_draft_is_checked_and_keeps_what_was_typed(self):
         begun = self.page("/products/demo/requirements", self.cookie).data
         self.assertIn('[\n    {\n      "id": 71063,\n', begun)  # what came in a single line can be edited
@@ -48,11 +83,11 @@ class Editing(AdminTest):
         self.assertEqual(PageParser(page).cells(0, 2, 3, 4, 5)[1:3],
                          [("Memory", "2", "6", "4", "0"), ("System Recommended", "0", "0", "new", "8")])
         self.assertIn("No longer asked: Processors", PageParser(page).data)
-        self.assertEqual(self.act("save", self.stricter)[0], 303)
+        self.assertIn("The draft is saved.", self.after("save", self.stricter))
         self.assertEqual(self.judged("s5"), "pass")
         status, page = self.act("publish", self.stricter, 1)
         self.assertEqual((status, "today 4" in page), (200, True))
-        self.assertEqual(self.act("", self.stricter, 1, "publish")[0], 303)
+        self.assertIn("The draft is published.", self.after("", self.stricter, 1, "publish"))
         self.assertEqual(self.judged("s5"), "fail")
         versions = self.page("/products/demo/requirements", self.cookie).cells(0, 2, 3)[1:]
         self.assertEqual(versions, [("2", "Edith", "view version 2"), ("1", "import", "view version 1")])
@@ -93,7 +128,7 @@ class Editing(AdminTest):
             self.assertEqual(PageParser(page).fields["revision"], "1")
             self.assertEqual(self.act("save", self.stricter, 1)[0], 303)
         self.assertEqual(self.act("drop", self.stricter, 2)[0], 200)
-        self.assertEqual(self.act("", "", 2, "drop")[0], 303)
+        self.assertIn("The draft is dropped.", self.after("", "", 2, "drop"))
         self.assertEqual(self.act("", "mine", 2, "publish")[0], 409)
         self.assertEqual(len(self.database.run("SELECT id FROM requirement_set")), 1)
 

@@ -1,10 +1,12 @@
 """The administration's pages: reports, products, and texts of strangers on all of them."""
 
 import html
+import json
 import re
 import unittest
 
 from administration import AdminTest, PageParser, report, requirements
+from databases import KIND
 from deployed import UPLOAD, analysis
 
 HOSTILE = ("<script>alert(1)</script>", '"><img src=x onerror=alert(1)>', "javascript:alert(1)", "</textarea></title><b>'",
@@ -36,6 +38,9 @@ class Pages(AdminTest):
             self.upload("later", "demo")
             path = next((link for link in page.links if "before=" in link), None)
         self.assertEqual((seen, path), (list(range(119, 0, -2)), None))
+        for length, shown in ((60, "x" * 60), (61, "x" * 60 + "…")):
+            self.upload("x" * length)
+            self.assertEqual(self.page("/reports", cookie).cells(3)[1], (shown,))
         newer = next(link for link in self.page(f"/reports?referrer=demo&before={21}", cookie).links if "after=" in link)
         self.assertEqual(ids(newer), list(range(119, 20, -2)))
 
@@ -71,6 +76,54 @@ class Pages(AdminTest):
         self.assertEqual(noted[:3], [("purged", "--older 90d, 0 reports"), ("purged", "--session, 1 reports"),
                                      ("published", "demo, version 1")])
 
+    @unittest.skipUnless(KIND == "sqlite", "of SQLite's files")
+    def test_what_an_editor_deletes_is_nowhere_in_the_files(self):
+        def held():
+            return sum(path.read_bytes().count(b"hidden") for path in self.folder.glob("kel.db*"))
+        self.upload("a", v71207="hidden" * 50)
+        cookie = self.log_in()
+        form = {"token": self.token(cookie)}
+        self.assertGreater(held(), 50)
+        self.assertEqual(self.status("POST", "/reports/1/delete", form, cookie), 303)
+        self.assertEqual(held(), 0)
+
+    def test_lines_count_by_themselves_and_by_their_version(self):
+        def publish(*lines):
+            text = json.dumps({"title": "T", "requirements": [dict(zip(names, line)) for line in lines]})
+            (self.folder / "demo.json").write_text(text)
+            self.command("import", self.folder)
+        names = ("id", "label", "comparison", "needed", "recommended")
+        either = {"label": "Either", "any of": [{"id": number, "comparison": "any"} for number in (71063, 71060)]}
+        publish((71063, "Minimum", "at least", "4 GB"), (71063, "Ideal", "at least", "16 GB", True),
+                (71060, "System", "any", ""))
+        for number in range(20):
+            self.upload(f"s{number}", v71063="2.0 GB" if number < 2 else "8.0 GB")
+            self.judged(f"s{number}")
+        publish((71063, "Minimum", "at least", "16 GB"))
+        for number in range(5):
+            self.judged(f"s{number}")
+        self.database.run("INSERT INTO report (session, referrer, \"user\", received, body) VALUES ('x', 'demo', '', 1, '')")
+        cookie = self.log_in()
+        page = self.page("/products/demo", cookie)
+        value = "Ram: total physical memory"
+        rows = [row for row in page.cells(0, 1, 2, 3, 4, 5, 6) if row[6] != "Failing"]
+        self.assertEqual(rows, [
+            ("Minimum", value, "at least 16 GB", "5", "0", "0", "100 %"),
+            ("System", "OS: display name", "any", "0", "15", "0", "0 %"),
+            ("Minimum", value, "at least 4 GB", "0", "0", "15", "0 %"),
+            ("Ideal Recommended", value, "at least 16 GB", "15", "0", "0", "100 %")])
+        for caption in ("Requirements of version 3, which judged 5 of them", "Requirements of version 2, which judged 15",
+                        "Recommendations of version 2, which judged 15"):
+            self.assertIn(caption, page.data)
+        self.assertIn("The charts are of the last 20 sessions.", page.data)  # one cannot be read
+        for number, lines in enumerate(([either], [{"label": "Other", "id": 1, "comparison": "any"}])):
+            (self.folder / "demo.json").write_text(json.dumps({"title": "T", "requirements": lines}))
+            self.command("import", self.folder)
+            self.judged(f"s{number}")
+        page = self.page("/products/demo", cookie)
+        self.assertIn(("Either", f"{value}, OS: display name"), page.cells(0, 1))
+        self.assertIn("Older versions judged 15 of them.", page.data)
+
     def test_a_product_shows_its_verdicts_and_machines(self):
         self.upload("s3", v71063="64.0 GB", v71254="64")  # a session's newest report counts
         self.judged("s3")
@@ -81,9 +134,11 @@ class Pages(AdminTest):
         for number in range(12):
             self.upload(f"t{number}", v71060=f"System {number}", v71254=str(3 * number))
         cookie = self.log_in()
-        page = self.page("/products/demo", cookie)
+        _, text = self.visit("GET", "/products/demo", cookie=cookie)
+        self.assertEqual([text.count(f'<rect class="{kind}"') for kind in ("bar", "rest")], [26, 6])
+        page = PageParser(text)
         self.assertIn("8sessions1pass6fail1unknown13 %passing", page.data)
-        self.assertEqual(page.cells(0, 2, 3, 4, 5)[1:3],
+        self.assertEqual(page.cells(0, 3, 4, 5, 6)[1:3],
                          [("Processors", "6", "0", "2", "75 %"), ("Memory", "2", "3", "3", "25 %")])
         rows = [row for row in page.cells(0, 1, 2) if row[2].endswith("%")]
         for row in (("up to 512 MB", "1", "5 %"), ("up to 4 GB", "2", "10 %"), ("up to 8 GB", "1", "5 %"),
