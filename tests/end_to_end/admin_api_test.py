@@ -35,6 +35,9 @@ class Programs(AdminTest):
         self.assertEqual({(row["report"], row["session"]) for row in rows}, {("5", "s4")})
         for query in ("after=x", "count=0", "count=-1", "after=-1", "format=xml"):
             self.assertEqual(self.get(f"reports?{query}")[0], 400, query)
+        self.database.run("UPDATE report SET body = '' WHERE id = 1")  # an older program may have accepted it
+        [unreadable] = self.get("reports?count=1")[1]["reports"]
+        self.assertEqual((unreadable["session"], unreadable["values"]), ("s0", []))
         for number in range(3):
             self.upload(f"big{number}", v1="x" * 1_999_000)
         _, answer = self.get("reports?after=5&count=1000")
@@ -44,6 +47,34 @@ class Programs(AdminTest):
                           "WHERE id > 8")
         for after, form in ((7, "csv"), (8, "csv"), (8, "json")):
             self.assertLess(len(str(self.get(f"reports?after={after}&format={form}"))), 5_000_000, (after, form))
+
+    def test_no_cell_computes_whatever_separates(self):
+        texts = ("=1", "+1", "-1", "@a", "\uff1d1", "\uff0b1", "\uff0d1", "\uff20a", ' =1', '"=1')
+        values = [*texts, *(f"x{separator}{text}" for separator in ";\t\n" for text in texts)]
+        for number, value in enumerate(values):
+            self.upload(f"x;{texts[number % len(texts)]}", v1=value)
+        exported = self.get("reports?format=csv")[1]
+        cells = {row["value"] for row in csv.DictReader(io.StringIO(exported, newline="")) if row["id"] == "1"}
+        self.assertEqual({cell.replace("'", "") for cell in cells}, set(values))  # nothing but apostrophes is added
+        for separator in ",;\t":
+            for row in csv.reader(io.StringIO(exported, newline=""), delimiter=separator):
+                for cell in row:
+                    self.assertNotRegex(cell, '^[ "]*[-=+@\uff1d\uff0b\uff0d\uff20]', f"separated by {separator!r}")
+
+    def test_parameters_that_are_not_known_or_repeated_are_refused(self):
+        listed = ["after", "count", "format"]
+        for path, name, allowed in (
+                ("reports?referrer=demo", "referrer", listed), ("reports?after=0&After=1", "After", listed),
+                ("reports?after=1&after=2", "after", listed), ("reports?format=csv&count=1&format=csv", "format", listed),
+                ("referrers?referrer=demo", "referrer", []), ("referrers/demo/draft?%3Cb%3E", "<b>", [])):
+            status, answer = self.get(path)
+            self.assertEqual(status, 400, path)
+            self.assertEqual((answer["parameter"], answer["allowed"]), (name, allowed), path)
+            self.assertIn(f"'{name}'", answer["error"])
+        answer, _ = self.visit("PUT", "/api/v1/referrers/demo/draft?revision=0", requirements((1, "A", "any")),
+                               If_None_Match="*", **self.bearer)
+        self.assertEqual(answer.status, 400)
+        self.assertEqual(self.database.run("SELECT * FROM draft"), [])
 
     def test_drafts_are_written_and_published(self):
         draft, publish = "referrers/demo/draft", "referrers/demo/publish"
@@ -64,6 +95,14 @@ class Programs(AdminTest):
                     self.assertEqual((answer.headers["ETag"], text), ('"2"', good + " "))
         [entry] = self.get("referrers")[1]["referrers"]
         self.assertEqual((entry["referrer"], entry["version"], entry["draft"]), ("demo", 2, False))
+        done = self.database.run("SELECT account, action, subject FROM audit ORDER BY id")[-3:]
+        self.assertEqual(done, [("Edith", "saved draft", "demo")] * 2 + [("Edith", "published", "demo, version 2")])
+        self.assertIn("level=info event=published referrer=demo version=2 account=Edith\n", self.log_text())
+        self.visit("PUT", f"/api/v1/{draft}", good, **{"If-None-Match": "*"}, **self.bearer)
+        self.database.run("UPDATE draft SET text = '{'")  # the editor's page saves work that is not done
+        answer, text = self.visit("POST", f"/api/v1/{publish}", **{"If-Match": '"4"'}, **self.bearer)
+        self.assertEqual(answer.status, 422)
+        self.assertIn("line 1", json.loads(text)["error"])
 
     def test_programs_need_a_token_of_somebody_who_may(self):
         reader = {"Authorization": "bearer " + self.run_command("token", "add", "Rita", "1").stdout.strip()}
@@ -72,6 +111,8 @@ class Programs(AdminTest):
         good, draft = requirements((1, "A", "any")), "/api/v1/referrers/demo/draft"
         for headers, read, written in (
                 ({}, 401, 401), ({"Authorization": "Bearer x"}, 401, 401), ({"Authorization": "Basic eDp5"}, 401, 401),
+                ({"Authorization": "x"}, 401, 401),
+                ({"Authorization": self.bearer["Authorization"].replace("Bearer", "Digest")}, 401, 401),
                 (reader, 200, 403), ({"cookie": cookie}, 200, 403), ({"cookie": cookie, "X-Form-Token": form}, 200, 201),
                 ({"cookie": cookie, "X-Form-Token": form, "Origin": "http://evil.example"}, 200, 403), (self.bearer, 200, 201)):
             with self.subTest(headers):
