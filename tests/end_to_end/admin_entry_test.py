@@ -1,6 +1,7 @@
 """The administration: who gets in, and what keeps others out."""
 
 import re
+import socket
 import time
 import unittest
 
@@ -19,7 +20,7 @@ class Entry(AdminTest):
             self.run_command("user", "list")
         cookie = self.log_in()
         self.assertNotIn(cookie, str(self.database.run("SELECT * FROM login_session")))
-        self.assertRegex(self.database.run("SELECT hash FROM account")[0][0], r"^\$argon2id\$v=19\$m=65536,")
+        self.assertRegex(self.database.run("SELECT hash FROM account")[0][0], r"^\$argon2id\$v=19\$m=65536,t=2,p=1\$")
         for path, place in (("/", "/login?next=%2F"), ("/reports?from=2026-01-01", "/login?next=%2Freports%3Ffrom%3D2026-01-01")):
             for wrong in (None, "x" * 43, cookie[:-1], ""):
                 answer, _ = self.visit("GET", path, cookie=wrong)
@@ -49,6 +50,15 @@ class Entry(AdminTest):
         self.assertEqual(self.status("GET", "/", cookie=cookie), 303)
         answer, text = self.visit("POST", "/products/demo/requirements", {"token": token, "text": "long work"}, cookie)
         self.assertEqual((answer.status, "long work" in text), (403, False))  # it goes to nobody who is a stranger by now
+
+    def test_a_second_log_in_in_a_browser_ends_the_first(self):
+        first, other = self.log_in(), self.log_in()
+        answer, _ = self.visit("POST", "/login", {"name": "Rita", "password": PASSWORD}, first)
+        second = re.match("__Host-kel=([^;]*)", answer.headers["Set-Cookie"])[1]
+        for name, cookie, status in (("the first", first, 303), ("the second", second, 200), ("another browser's", other, 200)):
+            self.assertEqual(self.status("GET", "/", cookie=cookie), status, name)
+        self.assertEqual(self.status("POST", "/login", {"name": "Rita", "password": "wrong"}, second), 403)
+        self.assertEqual(self.status("GET", "/", cookie=second), 200)  # a log-in that failed ends nothing
 
     def test_guesses_get_slower(self):
         guess = {"name": "Edith", "password": "wrong"}
@@ -110,12 +120,20 @@ class Entry(AdminTest):
             self.assertEqual(self.status("POST", save, changes, cookie, **headers), 303, headers)
         entry = {"name": "Edith", "password": PASSWORD}
         self.assertEqual(self.status("POST", "/login", entry, Origin="http://evil.example"), 403)
+        for host, status in (("evil.example", 421), ("127.0.0.1.evil.example:1", 421), ("[::1].evil.example", 421), ("", 421),
+                             ("1.2.3", 421), ("localhost", 200), (f"127.0.0.1:{port}", 200), (f"[::1]:{port}", 200),
+                             ("192.0.2.1:9100", 200), ("[2001:db8::1]", 200), ("admin.example:443", 200)):
+            for path in ("/metrics", "/healthz", "/readyz", "/login"):
+                self.assertEqual(self.status("GET", path, Host=host), status, (host, path))
+        with socket.create_connection(self.admin.split(":"), 10) as connection:  # what a proxy's check sends
+            connection.sendall(b"GET /readyz HTTP/1.0\r\n\r\n")
+            self.assertIn(b" 200 OK\r\n", connection.recv(1000))
 
     def test_forms_of_any_bytes_are_read_or_refused(self):
         for body, status in (("a=1&a=2", 400), ("&".join(f"f{number}=" for number in range(33)), 400), ("&" * 16_000, 400),
                              ("name=%zz%&password=%", 403), ("name=%ff%00%c0%af", 403), ("=", 403), ("", 403), ("name", 403),
                              ("name=" + "%41" * 5000, 403), ("name=" + "a" * 16_380, 413),
-                             ("x" * (2 * 1024 * 1024 + 1), 413)):
+                             ("x" * (4 * 1024 * 1024 + 1), 413)):
             self.assertEqual(self.status("POST", "/login", body), status, body[:40])
         names = [name for name, in self.database.run("SELECT account FROM audit WHERE action = 'log-in failed'")]
         self.assertEqual((names, "zz" in self.log_text()), (["unknown name"] * 6, False))  # it may be a password
