@@ -51,7 +51,9 @@ void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, R
     };
     Listener open(context, atWorkers, doors.address, doors.port, doors.limits, metrics.open,
                   std::move(publicHandler));
-    Listener admin(context, atPlace, "127.0.0.1", doors.adminPort, doors.limits, metrics.admin,
+    Limits forOperator = doors.limits;
+    forOperator.bodyBytes = doors.limits.formBytes;
+    Listener admin(context, atPlace, "127.0.0.1", doors.adminPort, forOperator, metrics.admin,
                    std::move(adminHandler));
 
     asio::signal_set signals(context, SIGTERM, SIGINT, SIGHUP);
