@@ -1,14 +1,19 @@
 #include "server/admin/Api.h"
 
 #include <algorithm>
+#include <map>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "server/admin/Csv.h"
+#include "server/admin/DraftCheck.h"
+#include "server/admin/Drafts.h"
+#include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
+#include "server/base/Log.h"
 #include "server/base/Text.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
-#include "server/verdict/Requirements.h"
 
 namespace kel::server {
 
@@ -16,9 +21,10 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr int UsualReports = 100, MostReports = 1000;
-constexpr std::size_t MostBytes = 4 * Limits::Megabyte;  // of an answer; what is left follows in the next
-constexpr std::size_t LongestCell = 200;                 // bytes of what each row of a report repeats
+constexpr int UsualReports = 100, MaxReports = 1000;
+constexpr std::size_t MaxAnswerBytes = 4 * Limits::Megabyte;  // what is left follows in the next answer
+constexpr std::size_t MaxCellBytes = 200;                     // of what each row of a report repeats
+constexpr std::size_t MaxNameBytes = 100;                     // of a parameter that an error repeats
 
 Answer JsonAnswer(const ordered_json& content, int status = 200)
 {
@@ -41,7 +47,7 @@ std::string Entry(const FullReport& report, const std::string& total)
         ",\"session\":" + Quoted(report.session) + ",\"referrer\":" + Quoted(report.referrer) +
         ",\"user\":" + Quoted(report.user) + ",\"machine\":" + Quoted(report.machine) +
         ",\"total\":" + Quoted(total) + ",\"values\":[";
-    const Report read = Report::Read(report.body);
+    const Report read = ReadStored(report.body).value_or(Report());
     for (const auto& [key, value] : read.All()) {
         entry += (entry.back() == '[' ? "{\"id\":" : ",{\"id\":") + Quoted(key.first);
         entry += ",\"index\":" + std::to_string(key.second) + ",\"value\":" + Quoted(value) + '}';
@@ -52,9 +58,10 @@ std::string Entry(const FullReport& report, const std::string& total)
 std::string Records(const FullReport& report, const std::string& total)
 {
     std::string records;
-    const Report read = Report::Read(report.body);
+    const Report read = ReadStored(report.body).value_or(Report());
     // Together they stay below the bound however many values share them.
-    const std::size_t longest = std::min(LongestCell, MostBytes / 4 / std::max<std::size_t>(read.Count(), 1));
+    const std::size_t longest =
+        std::min(MaxCellBytes, MaxAnswerBytes / 4 / std::max<std::size_t>(read.Count(), 1));
     const std::string session = Shortened(report.session, longest), user = Shortened(report.user, longest),
                       machine = Shortened(report.machine, longest);
     for (const auto& [key, value] : read.All())
@@ -75,25 +82,9 @@ int RevisionOf(const Visit& visit)
     return revision > 0 && revision <= INT32_MAX ? static_cast<int>(revision) : -1;
 }
 
-const std::string& ReferrerOf(const Visit& visit)
-{
-    if (!IsReferrer(visit.subject))
-        throw Fault(404, "There is no such referrer.");
-    return visit.subject;
-}
-
-void CheckRequirements(const std::string& text)
-{
-    try {
-        Requirements::Read(text);
-    } catch (const std::exception& error) {
-        throw Fault(422, error.what());
-    }
-}
-
 Fault Stale()
 {
-    return {412, "The draft has another revision by now."};
+    return {412, "The draft has another revision."};
 }
 
 }  // namespace
@@ -106,6 +97,22 @@ Answer ProgramError(int status, const std::string& reason)
     return answer;
 }
 
+std::optional<Answer> RefuseParameters(const Target& target, std::span<const std::string_view> allowed)
+{
+    std::set<std::string> seen;
+    for (const Target::Parameter& parameter : target.query) {
+        const bool isKnown = std::find(allowed.begin(), allowed.end(), parameter.name) != allowed.end();
+        if (isKnown && seen.insert(parameter.name).second)
+            continue;
+        const std::string name = Shortened(Clean(parameter.name), MaxNameBytes);
+        const std::string reason =
+            "The parameter '" + name + (isKnown ? "' is repeated." : "' is not known.");
+        Log(Level::Warning, "refused", {{"status", "400"}, {"reason", reason}});
+        return JsonAnswer({{"error", reason}, {"parameter", name}, {"allowed", allowed}}, 400);
+    }
+    return std::nullopt;
+}
+
 Answer Api::Reports(const Visit& visit) const
 {
     const std::string after = visit.Query("after"), count = visit.Query("count"),
@@ -113,7 +120,7 @@ Answer Api::Reports(const Visit& visit) const
     ReportFilter filter;
     filter.afterId = after.empty() ? 0 : WholeNumber(after);
     filter.count = count.empty() ? UsualReports
-                                 : static_cast<int>(std::min<std::int64_t>(WholeNumber(count), MostReports));
+                                 : static_cast<int>(std::min<std::int64_t>(WholeNumber(count), MaxReports));
     if (filter.afterId < 0 || filter.count < 1 || (!format.empty() && format != "csv" && format != "json"))
         throw Fault(400, "'after' and 'count' are whole numbers, and 'format' is json or csv.");
     const bool isCsv = format == "csv";
@@ -121,17 +128,24 @@ Answer Api::Reports(const Visit& visit) const
                                                 "machine", "total", "id", "index", "value"})
                                    : "{\"reports\":[";
     std::string text = head;
-    std::int64_t last = filter.afterId;
+    std::vector<std::int64_t> ids;
+    std::map<std::int64_t, std::string> totals;
     for (const ReportLine& line : store.Reports(filter)) {
-        if (const auto report = store.FindReport(line.id)) {  // unless it was deleted meanwhile
-            std::string more = isCsv ? Records(*report, line.total) : Entry(*report, line.total);
-            const bool isFirst = text.size() == head.size();
-            if (!isFirst && text.size() + more.size() > MostBytes)
-                break;
-            text += (isFirst || isCsv ? "" : ",") + more;
-        }
-        last = line.id;
+        ids.push_back(line.id);
+        totals[line.id] = line.total;
     }
+    std::int64_t last = ids.empty() ? filter.afterId : ids.back();
+    store.ForEachReport(ids, [&](const FullReport& report) {
+        const std::string& total = totals[report.id];
+        const std::string more = isCsv ? Records(report, total) : Entry(report, total);
+        const bool isFirst = text.size() == head.size();
+        if (!isFirst && text.size() + more.size() > MaxAnswerBytes) {
+            last = report.id - 1;
+            return false;
+        }
+        text += (isFirst || isCsv ? "" : ",") + more;
+        return true;
+    });
     if (isCsv)
         return Answer::Of("text/csv; charset=utf-8; header=present", std::move(text));
     return Answer::Of("application/json", text + "],\"last\":" + std::to_string(last) + "}");
@@ -140,21 +154,26 @@ Answer Api::Reports(const Visit& visit) const
 Answer Api::Referrers(const Visit&) const
 {
     ordered_json entries = ordered_json::array();
-    for (const Product& product : store.Products()) {
-        const Totals totals = store.RecentTotals(product.referrer, MostReports);
+    const std::vector<Product> products = store.Products();
+    const auto totals = RecentTotals(store, products);
+    for (std::size_t i = 0; i < products.size(); ++i) {
+        const Product& product = products[i];
+        ordered_json recent;  // null when it would have taken too long
+        if (i < totals.size())
+            recent = {{"pass", totals[i].pass}, {"fail", totals[i].fail}, {"unknown", totals[i].unknown}};
         entries.push_back(
             {{"referrer", product.referrer},
              {"version", product.version},
              {"published", product.version > 0 ? ordered_json(IsoTime(product.published)) : ordered_json()},
              {"draft", product.hasDraft},
-             {"recent", {{"pass", totals.pass}, {"fail", totals.fail}, {"unknown", totals.unknown}}}});
+             {"recent", recent}});
     }
     return JsonAnswer({{"referrers", entries}});
 }
 
 Answer Api::ReadDraft(const Visit& visit) const
 {
-    const auto draft = store.FindDraft(ReferrerOf(visit));
+    const auto draft = store.FindDraft(visit.Referrer());
     if (!draft)
         throw Fault(404, "There is no draft.");
     Answer answer = Answer::Of("application/json", draft->text);
@@ -164,14 +183,15 @@ Answer Api::ReadDraft(const Visit& visit) const
 
 Answer Api::WriteDraft(const Visit& visit) const
 {
-    const std::string& referrer = ReferrerOf(visit);
+    const std::string& referrer = visit.Referrer();
     const std::string* none = visit.request.Header("If-None-Match");
     const bool isNew = none && *none == "*";
     const int revision = isNew ? 0 : RevisionOf(visit);
-    CheckRequirements(visit.request.body);
-    const auto written = revision < 0
-                             ? std::nullopt
-                             : store.KeepDraft(referrer, visit.request.body, revision, visit.login.account);
+    if (const std::string reason = ValidationError(visit.request.body); !reason.empty())
+        throw Fault(422, reason);
+    const auto written =
+        revision < 0 ? std::nullopt
+                     : Drafts(store, visit.login.account).Save(referrer, visit.request.body, revision);
     if (!written)
         throw Stale();
     Answer answer = JsonAnswer({{"revision", *written}}, isNew ? 201 : 200);
@@ -181,16 +201,10 @@ Answer Api::WriteDraft(const Visit& visit) const
 
 Answer Api::Publish(const Visit& visit) const
 {
-    const std::string& referrer = ReferrerOf(visit);
-    const int revision = RevisionOf(visit);
-    const auto draft = store.FindDraft(referrer);
-    if (!draft || draft->revision != revision)
-        throw Stale();
-    CheckRequirements(draft->text);
-    const auto version = store.PublishDraft(referrer, revision, visit.login.account);
-    if (!version)
-        throw Stale();
-    return JsonAnswer({{"version", *version}});
+    const auto publication = Drafts(store, visit.login.account).Publish(visit.Referrer(), RevisionOf(visit));
+    if (publication.version)
+        return JsonAnswer({{"version", *publication.version}});
+    throw publication.reason.empty() ? Stale() : Fault(422, publication.reason);
 }
 
 }  // namespace kel::server

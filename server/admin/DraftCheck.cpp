@@ -49,7 +49,7 @@ int LineOfRequirement(std::string_view text, int number)
     return 0;
 }
 
-std::string WhyWrong(const std::string& text)
+std::string ValidationError(const std::string& text)
 {
     try {
         Requirements::Read(text);

@@ -1,11 +1,9 @@
 #include "server/admin/EditorPage.h"
 
 #include "server/admin/DraftCheck.h"
+#include "server/admin/Drafts.h"
 #include "server/admin/Layout.h"
-#include "server/admin/ProductPage.h"
-#include "server/admin/Texts.h"
 #include "server/admin/Trial.h"
-#include "server/base/Log.h"
 #include "server/base/Text.h"
 
 namespace kel::server {
@@ -29,17 +27,9 @@ Html Wrong(const std::string& why)
 
 }  // namespace
 
-std::optional<int> EditorPage::Save(const Visit& visit, int revision, const std::string& text) const
-{
-    const auto draft = store.FindDraft(visit.subject);
-    if (draft && draft->revision == revision && draft->text == text)
-        return revision;
-    return store.KeepDraft(visit.subject, text, revision, visit.login.account);
-}
-
 Answer EditorPage::Act(const Visit& visit) const
 {
-    ReferrerIn(visit);
+    const std::string& referrer = visit.Referrer();
     const std::string &text = visit.form.Text("text"), &action = visit.form.Text("do");
     const int revision = visit.form.Number("revision");
     if (revision < 0)
@@ -48,18 +38,17 @@ Answer EditorPage::Act(const Visit& visit) const
         return AskToDrop(visit, revision);
     if (Trim(text).empty())
         return page.Edit(visit, text, revision, Wrong("there is no text"), 400);
-    const std::string why = WhyWrong(text);
+    Drafts drafts(store, visit.login.account);
     if (action == "save") {
-        return Save(visit, revision, text) ? Redirect(RequirementsPath(visit.subject) + "?note=saved")
-                                           : page.Stale(visit, text);
+        return drafts.Save(referrer, text, revision) ? Redirect(RequirementsPath(referrer) + "?note=saved")
+                                                     : page.Stale(visit, text);
     }
-    if (!why.empty())
+    if (const std::string why = ValidationError(text); !why.empty())
         return page.Edit(visit, text, revision, Wrong(why));
     if (action == "try")
-        return page.Edit(visit, text, revision,
-                         Trial::Run(store, visit.subject, Requirements::Read(text)).Show());
+        return page.Edit(visit, text, revision, Trial::Run(store, referrer, Requirements::Read(text)).Show());
     if (action == "publish") {
-        const auto saved = Save(visit, revision, text);
+        const auto saved = drafts.Save(referrer, text, revision);
         return saved ? AskToPublish(visit, *saved, text) : page.Stale(visit, text);
     }
     const auto lines = Requirements::Read(text).lines.size();
@@ -89,25 +78,21 @@ Answer EditorPage::AskToDrop(const Visit& visit, int revision) const
 
 Answer EditorPage::Publish(const Visit& visit) const
 {
-    const std::string& referrer = ReferrerIn(visit);
+    const std::string& referrer = visit.Referrer();
     const int revision = visit.form.Number("revision");
+    const auto publication = Drafts(store, visit.login.account).Publish(referrer, revision);
+    if (publication.version)
+        return Redirect(RequirementsPath(referrer) + "?note=published");
     const auto draft = store.FindDraft(referrer);
-    if (!draft || draft->revision != revision)
+    if (publication.reason.empty() || !draft)
         return page.Stale(visit, visit.form.Text("text"));
-    if (const std::string why = WhyWrong(draft->text); !why.empty())
-        return page.Edit(visit, draft->text, revision, Wrong(why), 400);
-    const auto version = store.PublishDraft(referrer, revision, visit.login.account);
-    if (!version)
-        return page.Stale(visit, visit.form.Text("text"));
-    Log(Level::Info, "published",
-        {{"referrer", referrer}, {"version", std::to_string(*version)}, {"account", visit.login.account}});
-    return Redirect(RequirementsPath(referrer) + "?note=published");
+    return page.Edit(visit, draft->text, revision, Wrong(publication.reason), 400);
 }
 
 Answer EditorPage::Drop(const Visit& visit) const
 {
-    const std::string& referrer = ReferrerIn(visit);
-    if (!store.DropDraft(referrer, visit.form.Number("revision"), visit.login.account))
+    const std::string& referrer = visit.Referrer();
+    if (!Drafts(store, visit.login.account).Drop(referrer, visit.form.Number("revision")))
         return page.Stale(visit, visit.form.Text("text"));
     return Redirect(RequirementsPath(referrer) + "?note=dropped");
 }

@@ -21,8 +21,6 @@ public:
 private:
     Answer AskToPublish(const Visit& visit, int revision, const std::string& text) const;
     Answer AskToDrop(const Visit& visit, int revision) const;
-    /// The revision that holds the text by now; nothing when somebody else was faster.
-    std::optional<int> Save(const Visit& visit, int revision, const std::string& text) const;
 
     Store& store;
     const RequirementsPage& page;

@@ -1,7 +1,8 @@
 #include "server/admin/Gate.h"
 
-#include <algorithm>
-#include <iterator>
+#include <arpa/inet.h>
+
+#include <array>
 
 #include "server/admin/Secrets.h"
 #include "server/base/Text.h"
@@ -10,7 +11,15 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::string_view LoopbackNames[] = {"localhost", "127.0.0.1", "[::1]"};
+/// Whether the host is an IPv4 address, or an IPv6 address in brackets.
+bool IsAddress(std::string host)
+{
+    const bool isBracketed = host.size() > 2 && host.front() == '[' && host.back() == ']';
+    if (isBracketed)
+        host = host.substr(1, host.size() - 2);
+    std::array<unsigned char, sizeof(in6_addr)> address{};
+    return inet_pton(isBracketed ? AF_INET6 : AF_INET, host.c_str(), address.data()) == 1;
+}
 
 std::string WithoutPort(const std::string& host)
 {
@@ -30,13 +39,14 @@ std::string LowerHeader(const Request& request, std::string_view name)
 
 void CheckHost(const Request& request, const AdminSettings& settings)
 {
+    if (!request.Header("Host"))
+        return;
     const std::string host = LowerHeader(request, "Host"), name = WithoutPort(host),
                       own = Lower(settings.host);
-    const bool isLoopback =
-        std::find(std::begin(LoopbackNames), std::end(LoopbackNames), name) != std::end(LoopbackNames);
-    if (!isLoopback && (own.empty() || (host != own && name != own)))
+    if (name != "localhost" && !IsAddress(name) && (own.empty() || (host != own && name != own)))
         throw Fault(421,
-                    "This service does not answer under that name. The setting admin_host tells it one.");
+                    "Unknown host name. Set admin_host to the name under which the administration is "
+                    "reached.");
 }
 
 void CheckOrigin(const Request& request, const AdminSettings& settings)

@@ -7,8 +7,9 @@
 
 namespace kel::server {
 
-/// Throws Fault 421 when the request is for a host that is not this one: a stranger's page whose name was
-/// made to lead here.
+/// Throws Fault 421 when a stranger's page, whose name was made to lead here, may have made the request: its
+/// host is a name other than the loopback's and the configured one. An address is fine, and so is no host at
+/// all: no name led here then, and programs that check or forward may send either.
 void CheckHost(const Request& request, const AdminSettings& settings);
 
 /// Throws Fault 403 when a browser says that another site's page makes this request.

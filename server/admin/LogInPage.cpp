@@ -86,6 +86,10 @@ Answer LogInPage::LogIn(const Visit& visit)
         return Render(visit, name, next, Notice("bad", "Name or password is wrong."), 403);
     }
     throttle.Succeeded(guest);
+    // The browser is about to lose the cookie of the log-in that it had; nobody else needs that to stay
+    // valid.
+    if (!visit.login.account.empty())
+        sessions.End(visit.login);
     Answer answer = Redirect(LocalPath(next));
     answer.headers.emplace_back("Set-Cookie", *cookie);
     answer.headers.emplace_back("Set-Cookie", Sessions::KnownCookie(*found));

@@ -1,6 +1,7 @@
 #include "server/admin/OverviewPage.h"
 
 #include "server/admin/Layout.h"
+#include "server/admin/Recent.h"
 #include "server/admin/ReportsPage.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
@@ -9,7 +10,6 @@ namespace kel::server {
 
 namespace {
 
-constexpr int Recent = 1000;
 constexpr int NewestReports = 10;
 
 Html NewProductForm()
@@ -27,28 +27,42 @@ Html NewProductForm()
 
 Answer OverviewPage::Show(const Visit& visit) const
 {
-    Table products("Products, with the sessions of the newest " + Grouped(Recent) + " verdicts of each",
-                   {{"Product"},
-                    {"Version", true},
-                    {"Published (UTC)"},
-                    {"Pass", true},
-                    {"Fail", true},
-                    {"Unknown", true},
-                    {"Passing", true},
-                    {"Requirements"}});
-    for (const Product& product : store.Products()) {
-        const Totals totals = store.RecentTotals(product.referrer, Recent);
-        products.Add(
-            {Link(ProductPath(product.referrer), product.referrer),
-             product.version > 0 ? Html(std::to_string(product.version)) : Html("–"),
-             product.version > 0 ? Moment(product.published) : Html("–"), Grouped(totals.pass),
-             Grouped(totals.fail), Grouped(totals.unknown),
-             Percentage(totals.pass, totals.pass + totals.fail + totals.unknown),
-             Link(ProductPath(product.referrer) + "/requirements", product.hasDraft ? "draft" : "view")});
+    const std::vector<Product> products = store.Products();
+    const std::vector<Totals> totals = RecentTotals(store, products);
+    Table table(
+        "Products (results by session, from the latest " + Grouped(RecentCount) + " verdicts of each)",
+        {{"Product"},
+         {"Version", true},
+         {"Published (UTC)"},
+         {"Pass", true},
+         {"Fail", true},
+         {"Unknown", true},
+         {"Passing", true},
+         {"Requirements"}});
+    for (std::size_t i = 0; i < products.size(); ++i) {
+        const Product& product = products[i];
+        std::vector<Html> cells{Link(ProductPath(product.referrer), product.referrer),
+                                product.version > 0 ? Html(std::to_string(product.version)) : Html("–"),
+                                product.version > 0 ? Moment(product.published) : Html("–")};
+        if (i < totals.size()) {
+            const auto& [pass, fail, unknown] = totals[i];
+            cells.insert(cells.end(), {Grouped(pass), Grouped(fail), Grouped(unknown),
+                                       Percentage(pass, pass + fail + unknown)});
+        } else {
+            cells.insert(cells.end(), 4, "–");
+        }
+        cells.push_back(
+            Link(ProductPath(product.referrer) + "/requirements", product.hasDraft ? "draft" : "view"));
+        table.Add(cells);
     }
     ReportFilter filter;
     filter.count = NewestReports;
-    Html content = products.Done("No product has requirements yet.");
+    Html content = table.Done("No product has requirements yet.");
+    if (totals.size() < products.size())
+        content +=
+            Html::Element("p", {},
+                          "The other products' figures would take too long here; each product's page has "
+                          "its own.");
     if (visit.IsEditor())
         content += NewProductForm();
     content += Html::Element("h2", {}, "Newest reports") +

@@ -1,16 +1,10 @@
 #include "server/admin/ProductPage.h"
 
-#include <algorithm>
-#include <map>
-#include <nlohmann/json.hpp>
-
 #include "server/admin/Chart.h"
 #include "server/admin/Layout.h"
+#include "server/admin/LineFigures.h"
 #include "server/admin/Recent.h"
-#include "server/admin/Table.h"
 #include "server/admin/Texts.h"
-#include "server/admin/Trial.h"
-#include "server/admin/ValueNames.h"
 #include "server/base/Text.h"
 
 namespace kel::server {
@@ -43,57 +37,17 @@ Html FiguresOf(const Totals& totals)
                           Figure("passing", Percentage(totals.pass, all))});
 }
 
-void Count(Totals& totals, const std::string& result)
-{
-    ++(result == "pass" ? totals.pass : result == "fail" ? totals.fail : totals.unknown);
-}
-
-/// The labels of the newest requirements by the ids of their values; a line of an old version may have none.
-std::map<int, std::string> LabelsOf(Store& store, const std::string& referrer)
-{
-    std::map<int, std::string> labels;
-    if (const auto requirements = NewestRequirements(store, referrer)) {
-        for (const VerdictLine& line : Judge(*requirements, Report()).lines)
-            labels.emplace(line.group, line.label);
-    }
-    return labels;
-}
-
 }  // namespace
 
-const std::string& ReferrerIn(const Visit& visit)
+Html ProductPage::LinesOf(const std::string& referrer) const
 {
-    if (!IsReferrer(visit.subject))
-        throw Fault(404, "There is no such product.");
-    return visit.subject;
-}
-
-Html ProductPage::FailuresOf(const std::string& referrer) const
-{
-    std::map<int, Totals> counts;
-    const RecentSessions recent = ForEachRecentVerdict(store, referrer, [&](const StoredVerdict& verdict) {
-        const auto lines = nlohmann::json::parse(verdict.lines, nullptr, false);
-        for (const auto& line : lines.is_array() ? lines : nlohmann::json::array())
-            Count(counts[line.value("id", 0)], line.value("result", ""));
-    });
-    std::vector<std::pair<int, Totals>> rows(counts.begin(), counts.end());
-    std::stable_sort(rows.begin(), rows.end(), [](const auto& left, const auto& right) {
-        return std::pair(left.second.fail, left.second.unknown) >
-               std::pair(right.second.fail, right.second.unknown);
-    });
-    const auto labels = LabelsOf(store, referrer);
-    Table table(
-        "Requirements of " + recent.Text() + ", those that fail most first",
-        {{"Requirement"}, {"Value"}, {"Fail", true}, {"Unknown", true}, {"Pass", true}, {"Failing", true}});
-    for (const auto& [id, totals] : rows) {
-        const auto label = labels.find(id);
-        const std::string name = NameOfValue(std::to_string(id));
-        table.Add({label == labels.end() ? Html("no longer asked") : Html::Stored(label->second),
-                   name.empty() ? std::to_string(id) : name, Grouped(totals.fail), Grouped(totals.unknown),
-                   Grouped(totals.pass),
-                   Percentage(totals.fail, totals.fail + totals.unknown + totals.pass)});
-    }
-    return table.Done("There is no verdict yet.");
+    LineFigures figures;
+    const RecentSessions recent =
+        ForEachRecentVerdict(store, referrer, [&](const StoredVerdict& verdict) { figures.Add(verdict); });
+    if (recent.count == 0)
+        return Html::Element("p", {{"class", "empty"}}, "There is no verdict yet.");
+    return Html::Element("p", {{"class", "lead"}}, "The tables are of " + recent.Text() + ".") +
+           figures.Show(store);
 }
 
 Html ProductPage::MachinesOf(const std::string& referrer) const
@@ -118,13 +72,13 @@ Html ProductPage::MachinesOf(const std::string& referrer) const
 
 Answer ProductPage::Show(const Visit& visit) const
 {
-    const std::string& referrer = ReferrerIn(visit);
-    const Totals totals = store.RecentTotals(referrer, RecentCount);
+    const std::string& referrer = visit.Referrer();
+    const Totals totals = store.RecentTotals({referrer}, RecentCount).front();
     const Html content = Html::Element("p", {{"class", "buttons"}},
                                        {ButtonLink(ProductPath(referrer) + "/requirements", "Requirements"),
                                         ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
                          Html::Element("h2", {}, "The last verdicts") + FiguresOf(totals) +
-                         FailuresOf(referrer) + Html::Element("h2", {}, "What visitors have") +
+                         LinesOf(referrer) + Html::Element("h2", {}, "What visitors have") +
                          MachinesOf(referrer);
     return Page(visit, referrer, content);
 }

@@ -13,13 +13,10 @@ public:
     Answer Show(const Visit& visit) const;
 
 private:
-    Html FailuresOf(const std::string& referrer) const;
+    Html LinesOf(const std::string& referrer) const;
     Html MachinesOf(const std::string& referrer) const;
 
     Store& store;
 };
-
-/// The referrer that a path names; 404 when it cannot be one.
-const std::string& ReferrerIn(const Visit& visit);
 
 }  // namespace kel::server

@@ -4,13 +4,17 @@
 #include <set>
 
 #include "server/admin/Texts.h"
+#include "server/base/Fault.h"
 #include "server/http/Limits.h"
 
 namespace kel::server {
 
 namespace {
 
-constexpr int Portion = 10;  // verdicts that are in memory together
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds MaxTime{1};
+constexpr std::size_t ProductsAtOnce = 20;
 
 /// What looking back may take.
 class Allowance {
@@ -20,14 +24,13 @@ public:
     {
         const bool isFirst = bytes == 0;
         bytes += more;
-        return isFirst || (bytes <= MostBytes && Clock::now() < end);
+        return isFirst || (bytes <= MaxBytes && Clock::now() < end);
     }
 
 private:
-    using Clock = std::chrono::steady_clock;
-    static constexpr std::size_t MostBytes = 32 * Limits::Megabyte;  // a usual report has some kilobytes
+    static constexpr std::size_t MaxBytes = 32 * Limits::Megabyte;  // a usual report has some kilobytes
 
-    Clock::time_point end = Clock::now() + std::chrono::milliseconds(500);
+    Clock::time_point end = Clock::now() + MaxTime;
     std::size_t bytes = 0;
 };
 
@@ -39,25 +42,39 @@ std::string RecentSessions::Text() const
            (isCut ? " (older ones are left out: they would take too long)" : "");
 }
 
+std::optional<Report> ReadStored(const std::string& body)
+{
+    try {
+        return Report::Read(body);
+    } catch (const Fault&) {
+        return std::nullopt;
+    }
+}
+
 RecentSessions ForEachRecentReport(Store& store, const std::string& referrer,
                                    const std::function<void(const Report&)>& use)
 {
     ReportFilter filter;
     filter.referrer = referrer;
     filter.count = RecentCount;
-    RecentSessions recent;
     Allowance allowance;
     std::set<std::string> seen;
+    std::vector<std::int64_t> newest;
     for (const ReportLine& line : store.Reports(filter)) {
-        const auto report = seen.insert(line.session).second ? store.FindReport(line.id) : std::nullopt;
-        if (!report)
-            continue;
-        recent.isCut = !allowance.Allows(report->body.size());
-        if (recent.isCut)
-            break;
-        use(Report::Read(report->body));
-        ++recent.count;
+        if (seen.insert(line.session).second)
+            newest.push_back(line.id);
     }
+    RecentSessions recent;
+    store.ForEachReport(newest, [&](const FullReport& report) {
+        recent.isCut = !allowance.Allows(report.body.size());
+        if (recent.isCut)
+            return false;
+        if (const auto read = ReadStored(report.body)) {
+            use(*read);
+            ++recent.count;
+        }
+        return true;
+    });
     return recent;
 }
 
@@ -67,23 +84,29 @@ RecentSessions ForEachRecentVerdict(Store& store, const std::string& referrer,
     RecentSessions recent;
     Allowance allowance;
     std::set<std::string> seen;
-    std::int64_t before = 0;
-    for (int rest = RecentCount; rest > 0; rest -= Portion) {
-        const auto verdicts = store.RecentVerdicts(referrer, before, Portion);
-        for (const StoredVerdict& verdict : verdicts) {
-            before = verdict.report;
-            recent.isCut = !allowance.Allows(verdict.lines.size());
-            if (recent.isCut)
-                return recent;
-            if (!seen.insert(verdict.session).second)
-                continue;
+    store.ForEachRecentVerdict(referrer, RecentCount, [&](const StoredVerdict& verdict) {
+        recent.isCut = !allowance.Allows(verdict.lines.size());
+        if (!recent.isCut && seen.insert(verdict.session).second) {
             use(verdict);
             ++recent.count;
         }
-        if (verdicts.empty())
-            break;
-    }
+        return !recent.isCut;
+    });
     return recent;
+}
+
+std::vector<Totals> RecentTotals(Store& store, const std::vector<Product>& products)
+{
+    std::vector<Totals> totals;
+    const auto end = Clock::now() + MaxTime;
+    while (totals.size() < products.size() && (totals.empty() || Clock::now() < end)) {
+        std::vector<std::string> referrers;
+        for (std::size_t i = totals.size(); i < products.size() && referrers.size() < ProductsAtOnce; ++i)
+            referrers.push_back(products[i].referrer);
+        const auto more = store.RecentTotals(referrers, RecentCount);
+        totals.insert(totals.end(), more.begin(), more.end());
+    }
+    return totals;
 }
 
 }  // namespace kel::server

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "server/report/Report.h"
 #include "server/store/Store.h"
@@ -20,13 +22,20 @@ struct RecentSessions {
     std::string Text() const;
 };
 
-/// Reads the newest report of each of a product's last sessions, one after the other, so that never more than
-/// one is in memory. Stops after half a second, or when visitors sent large ones.
+/// Reads a stored report; nothing when it is one that this program's rules refuse.
+std::optional<Report> ReadStored(const std::string& body);
+
+/// Passes the newest report of each of a product's last sessions to `use`, but for those that cannot be read.
+/// Stops after a second, or when visitors sent large ones.
 RecentSessions ForEachRecentReport(Store& store, const std::string& referrer,
                                    const std::function<void(const Report&)>& use);
 
-/// The same with the newest verdict by the product's requirements, and some in memory.
+/// The same with the newest verdict by the product's requirements.
 RecentSessions ForEachRecentVerdict(Store& store, const std::string& referrer,
                                     const std::function<void(const StoredVerdict&)>& use);
+
+/// The totals of each product's recent sessions; of the first products alone when all would take over a
+/// second.
+std::vector<Totals> RecentTotals(Store& store, const std::vector<Product>& products);
 
 }  // namespace kel::server

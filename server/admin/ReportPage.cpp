@@ -1,10 +1,9 @@
 #include "server/admin/ReportPage.h"
 
-#include <chrono>
 #include <nlohmann/json.hpp>
-#include <thread>
 
 #include "server/admin/Layout.h"
+#include "server/admin/Recent.h"
 #include "server/admin/ReportsPage.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
@@ -12,6 +11,7 @@
 #include "server/base/Log.h"
 #include "server/base/Text.h"
 #include "server/report/Report.h"
+#include "server/store/Deletion.h"
 #include "server/verdict/Requirements.h"
 #include "server/verdict/Verdict.h"
 
@@ -23,9 +23,7 @@ constexpr int MostReports = 20;             // of the session
 constexpr std::size_t MostVerdicts = 5;     // the newest
 constexpr std::size_t MostValues = 2000;    // that a page shows
 constexpr std::size_t LongestValue = 1000;  // bytes that it shows of one
-// Who deletes has the database for himself only so long, and lets the others in between.
-constexpr int Portion = 200, MostPortions = 25;
-constexpr std::chrono::milliseconds Pause{20};
+constexpr int MaxBatches = 25;              // of a deletion, some seconds
 
 Html TextOrDash(const std::string& text)
 {
@@ -117,7 +115,7 @@ Answer ReportPage::Show(const Visit& visit) const
     filter.count = MostReports;
     content += Html::Element("h2", {}, "Earlier reports of the session") +
                ReportsTable("Earlier reports of the same session", store.Reports(filter), "There are none.");
-    content += Html::Element("h2", {}, "Values") + ValuesOf(Report::Read(report.body));
+    content += Html::Element("h2", {}, "Values") + ValuesOf(ReadStored(report.body).value_or(Report()));
     if (visit.IsEditor())
         content += Html::Element(
             "p", {},
@@ -142,17 +140,13 @@ Answer ReportPage::Delete(const Visit& visit) const
 {
     const FullReport report = Find(visit);
     DeletionEntry entry{visit.login.account, "deleted session", Shortened(report.session, LongestValue)};
-    int deleted = Portion;
-    for (int i = 0; i < MostPortions && deleted > 0; ++i) {
-        deleted = store.DeleteSession(report.session, Portion, &entry);
-        std::this_thread::sleep_for(Pause);
-    }
+    const Deletion deletion = Deletion::OfSession(store, report.session, &entry, MaxBatches);
     Log(Level::Info, "deleted",
         {{"account", visit.login.account},
          {"session", report.session},
          {"reports", std::to_string(entry.reports)}});
-    return Redirect(deleted == 0 ? "/reports?note=deleted"
-                                 : "/reports?note=left&session=" + UrlEncode(report.session));
+    return Redirect(deletion.isComplete ? "/reports?note=deleted"
+                                        : "/reports?note=left&session=" + UrlEncode(report.session));
 }
 
 }  // namespace kel::server

@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "server/admin/Layout.h"
-#include "server/admin/ProductPage.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
 #include "server/base/Text.h"
@@ -120,7 +119,7 @@ Html RequirementsPage::VersionsOf(const std::string& referrer) const
 Answer RequirementsPage::Edit(const Visit& visit, const std::string& text, int revision, const Html& result,
                               int status) const
 {
-    const std::string& referrer = ReferrerIn(visit);
+    const std::string& referrer = visit.Referrer();
     const Html content = result + Editor(visit, text, revision) + Help() + VersionsOf(referrer) +
                          Html::Element("p", {}, ButtonLink(ProductPath(referrer), "The product's figures"));
     return Page(visit, "Requirements of " + referrer, content, status);
@@ -128,7 +127,7 @@ Answer RequirementsPage::Edit(const Visit& visit, const std::string& text, int r
 
 Answer RequirementsPage::Show(const Visit& visit) const
 {
-    const std::string& referrer = ReferrerIn(visit);
+    const std::string& referrer = visit.Referrer();
     const auto draft = store.FindDraft(referrer);
     const std::string newest = NewestText(referrer);
     if (!visit.IsEditor()) {
@@ -164,7 +163,7 @@ Answer RequirementsPage::Show(const Visit& visit) const
 
 Answer RequirementsPage::ShowVersion(const Visit& visit) const
 {
-    const std::string& referrer = ReferrerIn(visit);
+    const std::string& referrer = visit.Referrer();
     const std::string number = visit.Query("number");
     const std::string text = VersionText(referrer, WholeNumber(number));
     Html links = Link(RequirementsPath(referrer), "To the requirements");
@@ -185,7 +184,7 @@ Answer RequirementsPage::Begin(const Visit& visit) const
 
 Answer RequirementsPage::Stale(const Visit& visit, const std::string& text) const
 {
-    const std::string& referrer = ReferrerIn(visit);
+    const std::string& referrer = visit.Referrer();
     const auto draft = store.FindDraft(referrer);
     Html content;
     if (draft) {

@@ -33,6 +33,7 @@ struct Route {
     std::string_view method, path;  // a star stands for one part of the path
     Access access;
     Action action;
+    std::vector<std::string_view> parameters = {};  // that a program may put into the query
 
     /// What the path has in the place of the star; nothing when it is another path.
     std::optional<std::string> SubjectIn(std::string_view asked) const
@@ -86,7 +87,7 @@ public:
         Add("POST", "/products/*/requirements", Access::Editor, editor, &EditorPage::Act);
         Add("POST", "/products/*/publish", Access::Editor, editor, &EditorPage::Publish);
         Add("POST", "/products/*/drop", Access::Editor, editor, &EditorPage::Drop);
-        Add("GET", "/api/v1/reports", Access::Reader, api, &Api::Reports);
+        Add("GET", "/api/v1/reports", Access::Reader, api, &Api::Reports, {"after", "count", "format"});
         Add("GET", "/api/v1/referrers", Access::Reader, api, &Api::Referrers);
         Add("GET", "/api/v1/referrers/*/draft", Access::Reader, api, &Api::ReadDraft);
         Add("PUT", "/api/v1/referrers/*/draft", Access::Editor, api, &Api::WriteDraft);
@@ -103,9 +104,11 @@ private:
     }
 
     template <typename Part, typename Member>
-    void Add(std::string_view method, std::string_view path, Access access, Part& part, Member member)
+    void Add(std::string_view method, std::string_view path, Access access, Part& part, Member member,
+             std::vector<std::string_view> parameters = {})
     {
         Add(method, path, access, [&part, member](const Visit& visit) { return (part.*member)(visit); });
+        routes.back().parameters = std::move(parameters);
     }
 
     LogInPage logIn;
@@ -154,16 +157,22 @@ Form FormOf(const Request& request, bool isOfStranger)
     if (!form)
         throw Fault(400, "The form cannot be read.");
     if (form->Text("text").size() > Requirements::LongestFile)
-        throw Fault(413, "A draft has 1 MB at most.");
+        throw Fault(
+            413,
+            "A draft has 1 MB at most; nothing was saved. Go back in the browser, where the text still is, "
+            "and shorten it.");
     return *form;
 }
 
 Answer FaultAnswer(const Visit& visit, bool isProgram, int status, const std::string& reason)
 {
-    Log(status < 500 ? Level::Warning : Level::Error, "refused",
+    Log(status < 500 ? Level::Warning : Level::Error, status == 500 ? "failed" : "refused",
         {{"status", std::to_string(status)}, {"target", visit.request.target}, {"reason", reason}});
-    const std::string told = status < 500 ? reason : "The database did not answer. Try again in a moment.";
-    return isProgram ? ProgramError(status, told) : ErrorPage(visit, status, told);
+    // The reason of a failure is for the log alone.
+    const std::string shown = status < 500    ? reason
+                              : status == 500 ? "The service failed. Its log has the reason."
+                                              : "The database did not answer. Try again in a moment.";
+    return isProgram ? ProgramError(status, shown) : ErrorPage(visit, status, shown);
 }
 
 }  // namespace
@@ -236,6 +245,9 @@ Answer Site::Find(Visit& visit, bool isProgram)
     }
     if (route->access == Access::Editor && !visit.IsEditor())
         throw Fault(403, "Only editors may do that.");
+    // A program whose parameter was ignored would take the answer for the one that it asked for.
+    if (auto refusal = isProgram ? RefuseParameters(visit.target, route->parameters) : std::nullopt)
+        return *std::move(refusal);
     return route->action(visit);
 }
 

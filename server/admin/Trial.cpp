@@ -1,7 +1,8 @@
 #include "server/admin/Trial.h"
 
 #include <algorithm>
-#include <exception>
+#include <optional>
+#include <vector>
 
 #include "server/admin/Layout.h"
 #include "server/admin/Table.h"
@@ -11,32 +12,43 @@ namespace kel::server {
 
 namespace {
 
-const LineTally* FindLine(const Tally& counts, const std::string& label)
+using Lines = std::vector<LineTally>;
+
+/// For each line of the draft the place of the one in force that it replaces: the same line, or else one of
+/// the same label, first of the same kind, each in the order of the file. Nothing for a new line.
+std::vector<std::optional<std::size_t>> Replaced(const Lines& draft, const Lines& today)
 {
-    const auto found = std::find_if(counts.lines.begin(), counts.lines.end(),
-                                    [&](const LineTally& line) { return line.label == label; });
-    return found == counts.lines.end() ? nullptr : &*found;
+    using IsPair = bool (*)(const LineTally&, const LineTally&);
+    constexpr IsPair Kinds[] = {[](const LineTally& a, const LineTally& b) {
+                                    return a.label == b.label && a.needed == b.needed &&
+                                           a.recommended == b.recommended;
+                                },
+                                [](const LineTally& a, const LineTally& b) {
+                                    return a.label == b.label && a.recommended == b.recommended;
+                                },
+                                [](const LineTally& a, const LineTally& b) { return a.label == b.label; }};
+    std::vector<std::optional<std::size_t>> replaced(draft.size());
+    std::vector<bool> isTaken(today.size());
+    for (const IsPair isPair : Kinds) {
+        for (std::size_t i = 0; i < draft.size(); ++i) {
+            for (std::size_t j = 0; j < today.size() && !replaced[i]; ++j) {
+                if (isTaken[j] || !isPair(draft[i], today[j]))
+                    continue;
+                replaced[i] = j;
+                isTaken[j] = true;
+            }
+        }
+    }
+    return replaced;
 }
 
 }  // namespace
 
-std::optional<Requirements> NewestRequirements(Store& store, const std::string& referrer)
-{
-    const auto set = store.NewestSet(referrer);
-    if (!set)
-        return std::nullopt;
-    const std::string text = store.SetText(set->id);
-    try {
-        return Requirements::Read(text);
-    } catch (const std::exception&) {
-        return std::nullopt;  // an older program published it; the control's requests tell the operator so
-    }
-}
-
 Trial Trial::Run(Store& store, const std::string& referrer, const Requirements& draft)
 {
     Trial trial;
-    const auto today = NewestRequirements(store, referrer);
+    const auto set = store.NewestSet(referrer);
+    const auto today = set ? Requirements::ReadStored(store.SetText(set->id)) : std::nullopt;
     trial.sessions = ForEachRecentReport(store, referrer, [&](const Report& report) {
         trial.draft.Count(Judge(draft, report));
         if (today)
@@ -64,16 +76,19 @@ Html Trial::Show() const
                                                                                {"Fail", true},
                                                                                {"Fail today", true},
                                                                                {"Unknown", true}});
-    for (const LineTally& line : draft.lines) {
-        const LineTally* before = FindLine(today, line.label);
+    const auto replaced = Replaced(draft.lines, today.lines);
+    for (std::size_t i = 0; i < draft.lines.size(); ++i) {
+        const LineTally& line = draft.lines[i];
         table.Add({LabelOf(line.label, line.recommended), Html::Stored(line.needed), Grouped(line.pass),
-                   Grouped(line.fail), before ? Grouped(before->fail) : std::string("new"),
+                   Grouped(line.fail),
+                   replaced[i] ? Grouped(today.lines[*replaced[i]].fail) : std::string("new"),
                    Grouped(line.unknown)});
     }
     Html gone;
-    for (const LineTally& line : today.lines) {
-        if (!FindLine(draft, line.label))
-            gone += (gone.IsEmpty() ? Html("No longer asked: ") : Html(", ")) + Html::Stored(line.label);
+    for (std::size_t j = 0; j < today.lines.size(); ++j) {
+        if (std::find(replaced.begin(), replaced.end(), j) == replaced.end())
+            gone += (gone.IsEmpty() ? Html("No longer asked: ") : Html(", ")) +
+                    LabelOf(today.lines[j].label, today.lines[j].recommended);
     }
     Html figures = Html::Element("p", {{"class", "notice note"}, {"role", "status"}}, sentence) +
                    table.Done("The draft has no line.");

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "server/admin/Html.h"
@@ -22,8 +21,5 @@ struct Trial {
     /// The figures, as sentences and a table.
     Html Show() const;
 };
-
-/// The newest published requirements; nothing when there are none, or their text cannot be read.
-std::optional<Requirements> NewestRequirements(Store& store, const std::string& referrer);
 
 }  // namespace kel::server

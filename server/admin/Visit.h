@@ -7,6 +7,7 @@
 #include "server/admin/Html.h"
 #include "server/base/Exchange.h"
 #include "server/base/Fault.h"
+#include "server/base/Text.h"
 #include "server/http/Target.h"
 #include "server/store/Records.h"
 
@@ -24,6 +25,13 @@ struct Visit {
     bool IsEditor() const { return !login.account.empty() && login.role == Role::Editor; }
     /// A parameter of the query, cleaned; empty when it is not there, or not once.
     std::string Query(std::string_view name) const { return Clean(target.Only(name).value_or("")); }
+    /// The subject as a referrer; 404 when it cannot be one.
+    const std::string& Referrer() const
+    {
+        if (!IsReferrer(subject))
+            throw Fault(404, "There is no such product.");
+        return subject;
+    }
     /// The subject, or a number in the query, as an id; 404 when it is none.
     std::int64_t Id() const
     {

@@ -14,6 +14,8 @@ struct Limits {
     std::size_t connections = 10'000;
     std::size_t headerBytes = 8 * Kilobyte;
     std::size_t bodyBytes = 256 * Kilobyte;
+    std::size_t formBytes =
+        4 * Megabyte;  // a body for the operator: a draft of 1 MB, each quote as three bytes
     std::size_t bodiesBytes = 256 * Megabyte;  // of all requests and answers that are under way together
     std::chrono::seconds request{30};          // from its first byte to its last
     std::chrono::seconds idle{30};             // until the first byte of the next

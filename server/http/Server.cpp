@@ -18,7 +18,6 @@ namespace asio = boost::asio;
 
 namespace {
 
-constexpr std::size_t MaxAdminBody = 2 * Limits::Megabyte;  // a form with a file of requirements
 
 /// A connection takes a descriptor; the usual limit for programs that never asked is 1,024.
 void RaiseDescriptorLimit(std::size_t connections)
@@ -78,7 +77,7 @@ void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, P
     asio::io_context context(1);
     Threads threads(doors.workers);
     Limits adminLimits = doors.limits;
-    adminLimits.bodyBytes = std::max(adminLimits.bodyBytes, MaxAdminBody);
+    adminLimits.bodyBytes = std::max(doors.limits.bodyBytes, doors.limits.formBytes);
     Listener open(context, threads.Choose(std::move(publicPlace)), doors.address, doors.port, doors.limits,
                   metrics.open, std::move(publicHandler));
     Listener admin(context, threads.Choose(std::move(adminPlace)), "127.0.0.1", doors.adminPort, adminLimits,

@@ -99,12 +99,12 @@ void AppendDoors(Page& page, const Metrics& metrics)
     forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.bodiesBytes); });
 }
 
-/// What a route answers when the store fails it, or what is stored.
+/// What a route answers when the store fails it.
 std::uint64_t DatabaseErrors(const DoorMetrics& door)
 {
     std::uint64_t count = 0;
     for (const DoorMetrics::Route& route : door.routes)
-        count += route.counts.Of(500) + route.counts.Of(503);
+        count += route.counts.Of(503);
     return count;
 }
 
@@ -131,8 +131,7 @@ Answer MetricsPage(const Metrics& metrics, const Store& store)
                     "Room on the file system of the database, and inside its file.");
         page.Sample("", static_cast<std::uint64_t>(free));
     }
-    page.Metric("kel_database_errors_total", "counter",
-                "Requests that failed by the database or what is stored.");
+    page.Metric("kel_database_errors_total", "counter", "Requests that failed because the database did.");
     page.Sample("", DatabaseErrors(metrics.open) + DatabaseErrors(metrics.admin));
     page.Metric("kel_process_start_time_seconds", "gauge", "When the service started, since 1970.");
     page.Sample("", std::chrono::duration<double>(metrics.start.time_since_epoch()).count());

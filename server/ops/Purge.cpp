@@ -3,18 +3,15 @@
 #include <charconv>
 #include <chrono>
 #include <stdexcept>
-#include <thread>
 
 #include "server/base/Log.h"
 #include "server/ops/Accounts.h"
+#include "server/store/Deletion.h"
 
 namespace kel::server {
 
 namespace {
 
-// What deletes has the database for itself only so long, and then lets the others.
-constexpr int Batch = 200;
-constexpr std::chrono::milliseconds Pause{20};
 constexpr int LongestDays = 36'500;
 
 std::chrono::hours AgeOf(const std::string& text)
@@ -28,25 +25,13 @@ std::chrono::hours AgeOf(const std::string& text)
     return unit == "d" ? std::chrono::days(number) : std::chrono::hours(number);
 }
 
-int Repeat(Store& store, const std::function<int(int)>& deleteSome, const std::function<bool()>& ends)
-{
-    int total = 0;
-    for (int count = 1; count > 0 && !ends();) {
-        count = deleteSome(Batch);
-        total += count;
-        std::this_thread::sleep_for(Pause);
-    }
-    if (total > 0)
-        store.EndDeletion();
-    return total;
-}
-
 }  // namespace
 
 int PurgeOlder(Store& store, std::int64_t time, const std::function<bool()>& ends)
 {
-    return Repeat(
-        store, [&](int most) { return store.DeleteOlder(time, most, nullptr); }, ends);
+    return Deletion::Run(
+               store, [&](int most) { return store.DeleteOlder(time, most, nullptr); }, ends)
+        .reports;
 }
 
 void Purge(Store& store, std::string_view option, const std::string& value)
@@ -65,7 +50,7 @@ void Purge(Store& store, std::string_view option, const std::string& value)
     } else {
         throw std::runtime_error("purge needs --older, --session or --machine");
     }
-    const int count = Repeat(store, deleteSome, [] { return false; });
+    const int count = Deletion::Run(store, deleteSome, [] { return false; }).reports;
     Log(Level::Info, "purged", {{"reports", std::to_string(count)}});
 }
 

@@ -1,5 +1,6 @@
 #include "server/ops/Routes.h"
 
+#include "server/admin/Gate.h"
 #include "server/base/Fault.h"
 #include "server/ops/Health.h"
 #include "server/ops/MetricsPage.h"
@@ -52,14 +53,19 @@ Router PublicRoutes(Service& service, Metrics& metrics)
     return router;
 }
 
-Router AdminRoutes(Store& store, Metrics& metrics)
+Router AdminRoutes(Store& store, Metrics& metrics, const AdminSettings& settings)
 {
     Router router(metrics.admin);
+    const auto add = [&](const char* path, const std::function<Answer()>& answer) {
+        router.Add("GET", path, [&settings, answer](const Call& call) {
+            CheckHost(call.request, settings);
+            return answer();
+        });
+    };
     // Says no more than that the process answers: a restart mends no database.
-    router.Add("GET", "/healthz",
-               [](const Call&) { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
-    router.Add("GET", "/readyz", [&](const Call&) { return Readiness(store); });
-    router.Add("GET", "/metrics", [&](const Call&) { return MetricsPage(metrics, store); });
+    add("/healthz", [] { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
+    add("/readyz", [&] { return Readiness(store); });
+    add("/metrics", [&] { return MetricsPage(metrics, store); });
     return router;
 }
 

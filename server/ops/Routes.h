@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/admin/Settings.h"
 #include "server/base/Metrics.h"
 #include "server/http/Router.h"
 #include "server/http/Server.h"
@@ -11,8 +12,8 @@ namespace kel::server {
 /// The requests of the public door: the control's.
 Router PublicRoutes(Service& service, Metrics& metrics);
 
-/// The requests of the operator's door.
-Router AdminRoutes(Store& store, Metrics& metrics);
+/// The checks at the operator's door; like the pages there they answer to no foreign host name.
+Router AdminRoutes(Store& store, Metrics& metrics, const AdminSettings& settings);
 
 /// The threads that answer a request at the public door: group lists and the test file wait for no report.
 Place PublicPlace(const Request& request);

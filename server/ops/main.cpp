@@ -73,7 +73,7 @@ void RunServe(const Config& config)
         retention.emplace(*store, config.keep);
     Site site(*store, config.admin);
     const Router open = PublicRoutes(service, metrics);
-    Router admin = AdminRoutes(*store, metrics);
+    Router admin = AdminRoutes(*store, metrics, config.admin);
     site.AddTo(admin);
     Serve(
         config.doors, metrics, [&](const Request& request) { return open.Handle(request); }, PublicPlace,

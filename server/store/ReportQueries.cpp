@@ -1,6 +1,7 @@
 // The part of SqlStore that looks through reports and verdicts.
 #include <algorithm>
 
+#include "server/store/ReportRows.h"
 #include "server/store/SqlStore.h"
 
 namespace kel::server {
@@ -25,32 +26,7 @@ public:
     std::vector<SqlValue> values;
 };
 
-const std::string VerdictColumns =
-    "SELECT verdict.report, report.session, name, requirement_set.id, version, judged, total, lines "
-    "FROM verdict JOIN report ON report.id = verdict.report "
-    "JOIN requirement_set ON requirement_set.id = verdict.requirement_set "
-    "JOIN referrer ON referrer.id = verdict.referrer ";
-
-std::vector<StoredVerdict> VerdictsIn(const SqlRows& rows)
-{
-    std::vector<StoredVerdict> verdicts;
-    for (const SqlRow& row : rows)
-        verdicts.push_back({row.Number(0), row.Text(1), row.Text(2), row.Number(3),
-                            static_cast<int>(row.Number(4)), row.Number(5), row.Text(6), row.Text(7)});
-    return verdicts;
-}
-
-const std::string ReportColumns =
-    "SELECT id, session, referrer, \"user\", machine, received, body FROM report ";
-
-std::vector<FullReport> ReportsIn(const SqlRows& rows)
-{
-    std::vector<FullReport> reports;
-    for (const SqlRow& row : rows)
-        reports.push_back(
-            {row.Number(0), row.Text(1), row.Text(2), row.Text(3), row.Text(4), row.Number(5), row.Text(6)});
-    return reports;
-}
+const std::string ReportColumns = "SELECT id, session, referrer, \"user\", machine, received, body";
 
 /// Ids ascend with the time but for what clocks differ by that are set right, or are several front ends':
 /// milliseconds. Without bounds by id a look into the past would walk through everything that is newer.
@@ -152,51 +128,24 @@ std::pair<std::int64_t, std::int64_t> SqlStore::Span(SqlConnection& connection, 
 
 std::optional<FullReport> SqlStore::FindReport(std::int64_t report)
 {
-    const auto found = ReportsIn(Read(ReportColumns + "WHERE id = $1", {report}));
-    return found.empty() ? std::nullopt : std::optional(found.front());
+    return First(Read(ReportColumns + " FROM report WHERE id = $1", {report}), ReportOf);
 }
 
 std::vector<StoredVerdict> SqlStore::VerdictsOf(std::int64_t report)
 {
-    return VerdictsIn(
-        Read(VerdictColumns + "WHERE verdict.report = $1 ORDER BY requirement_set.id DESC", {report}));
-}
-
-std::vector<StoredVerdict> SqlStore::RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
-                                                    int count)
-{
-    const auto connection = readers->Borrow();
-    return VerdictsIn(connection->Query(
-        VerdictColumns + "WHERE verdict.referrer = $1 AND verdict.report < $2 "
-                         "ORDER BY verdict.report DESC, verdict.requirement_set DESC LIMIT $3",
-        {IdOf(*connection, referrer),
-         beforeReport > 0 ? beforeReport : std::numeric_limits<std::int64_t>::max(), std::int64_t{count}}));
-}
-
-Totals SqlStore::RecentTotals(const std::string& referrer, int count)
-{
-    Totals totals;
-    const auto connection = readers->Borrow();
-    const SqlRows rows = connection->Query(
-        "SELECT total, count(*) FROM (SELECT total, row_number() OVER "
-        "(PARTITION BY session ORDER BY recent.report DESC, requirement_set DESC) AS place "
-        "FROM (SELECT report, requirement_set, total FROM verdict "
-        "WHERE referrer = $1 ORDER BY report DESC, requirement_set DESC LIMIT $2) AS recent "
-        "JOIN report ON report.id = recent.report) AS placed WHERE place = 1 GROUP BY total",
-        {IdOf(*connection, referrer), std::int64_t{count}});
-    for (const SqlRow& row : rows) {
-        int& number = row.Text(0) == "pass"   ? totals.pass
-                      : row.Text(0) == "fail" ? totals.fail
-                                              : totals.unknown;
-        number = static_cast<int>(row.Number(1));
-    }
-    return totals;
+    return Each(
+        Read(
+            "SELECT verdict.report, report.session, name, requirement_set.id, version, judged, total, lines" +
+                VerdictTables + "WHERE verdict.report = $1 ORDER BY requirement_set.id DESC",
+            {report}),
+        VerdictOf);
 }
 
 std::vector<FullReport> SqlStore::RecentReports(const std::string& referrer, int count)
 {
-    return ReportsIn(Read(ReportColumns + "WHERE referrer = $1 ORDER BY id DESC LIMIT $2",
-                          {referrer, std::int64_t{count}}));
+    return Each(Read(ReportColumns + " FROM report WHERE referrer = $1 ORDER BY id DESC LIMIT $2",
+                     {referrer, std::int64_t{count}}),
+                ReportOf);
 }
 
 int SqlStore::DeleteOlder(std::int64_t time, int most, DeletionEntry* entry)

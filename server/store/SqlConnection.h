@@ -72,6 +72,9 @@ public:
     /// What a SELECT ends with so that the rows of `report` it reads are not deleted before the statement's
     /// end; empty where only one can write.
     virtual std::string_view ShareReports() const { return {}; }
+    /// How many rows with large texts are worth one statement: many where each statement costs a journey over
+    /// a network, few where the length of a text is only known by reading it.
+    virtual std::size_t LargeRowsAtOnce() const = 0;
     /// Takes what was deleted out of the log that writes go through, unless somebody reads by it; for a
     /// database that looks after its log itself, nothing.
     virtual void EmptyLog() {}

@@ -43,9 +43,11 @@ public:
     std::vector<ReportLine> Reports(const ReportFilter& filter) override;
     std::optional<FullReport> FindReport(std::int64_t report) override;
     std::vector<StoredVerdict> VerdictsOf(std::int64_t report) override;
-    std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
-                                              int count) override;
-    Totals RecentTotals(const std::string& referrer, int count) override;
+    void ForEachReport(const std::vector<std::int64_t>& ids,
+                       const std::function<bool(const FullReport&)>& use) override;
+    void ForEachRecentVerdict(const std::string& referrer, int count,
+                              const std::function<bool(const StoredVerdict&)>& use) override;
+    std::vector<Totals> RecentTotals(const std::vector<std::string>& referrers, int count) override;
     std::vector<FullReport> RecentReports(const std::string& referrer, int count) override;
 
     int DeleteOlder(std::int64_t time, int most, DeletionEntry* entry) override;

@@ -55,6 +55,12 @@ std::string Column(sqlite3_stmt* statement, int column)
                 : std::string();
 }
 
+/// What the other database and newer versions of this one have, too.
+void OctetLength(sqlite3_context* context, int, sqlite3_value** values)
+{
+    sqlite3_result_int(context, sqlite3_value_bytes(*values));
+}
+
 }  // namespace
 
 SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durability durability) : path(path)
@@ -71,6 +77,8 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
         throw Fault(Unavailable,
                     "database: " + path + ": " + (opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));
     sqlite3_busy_timeout(opened, BusyMilliseconds);
+    sqlite3_create_function(opened, "octet_length", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                            OctetLength, nullptr, nullptr);
     // Deleted data are overwritten, whatever the library was built for.
     Execute("PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON; PRAGMA secure_delete = ON");
     Execute(durability == Durability::Full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");

@@ -27,6 +27,7 @@ public:
     bool IsWritable() override;
     DatabaseSize Size() override;
     std::string_view NoIndex() const override { return "+"; }
+    std::size_t LargeRowsAtOnce() const override { return 10; }
     void EmptyLog() override;
     std::span<const char* const> Migrations() const override;
     int Version() override;

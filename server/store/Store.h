@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -74,13 +75,17 @@ public:
     virtual std::optional<FullReport> FindReport(std::int64_t report) = 0;
     /// The verdicts on a report, the newest requirements first.
     virtual std::vector<StoredVerdict> VerdictsOf(std::int64_t report) = 0;
-    /// The newest verdicts by a referrer's requirements of any version, on reports before that one (0: on
-    /// all), the newest report first.
-    virtual std::vector<StoredVerdict> RecentVerdicts(const std::string& referrer, std::int64_t beforeReport,
-                                                      int count) = 0;
-    /// Of so many of the newest verdicts by a referrer's requirements: how many sessions' newest one has
-    /// which total.
-    virtual Totals RecentTotals(const std::string& referrer, int count) = 0;
+    /// Passes the reports of these ids that still exist to `use`, in the order of the ids, which ascend or
+    /// descend, until it returns false. Few statements: each reads many reports, as far as they have 4 MB.
+    virtual void ForEachReport(const std::vector<std::int64_t>& ids,
+                               const std::function<bool(const FullReport&)>& use) = 0;
+    /// Passes the newest verdicts by a referrer's requirements of any version, `count` at most, to `use`, the
+    /// newest report and the newest requirements first, in the same way.
+    virtual void ForEachRecentVerdict(const std::string& referrer, int count,
+                                      const std::function<bool(const StoredVerdict&)>& use) = 0;
+    /// For each of the referrers: how many sessions have which total in their newest verdict, among the
+    /// `count` newest verdicts by the referrer's requirements.
+    virtual std::vector<Totals> RecentTotals(const std::vector<std::string>& referrers, int count) = 0;
     /// The newest reports of a referrer, the newest first.
     virtual std::vector<FullReport> RecentReports(const std::string& referrer, int count) = 0;
 

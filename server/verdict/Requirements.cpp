@@ -176,6 +176,15 @@ Requirements Requirements::Read(std::string_view text)
             ReadEach(ListOf(content, "requirements", 0, MostLines), "requirement", LineOf)};
 }
 
+std::optional<Requirements> Requirements::ReadStored(std::string_view text)
+{
+    try {
+        return Read(text);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
 std::vector<int> Requirements::Groups() const
 {
     std::vector<int> groups{Report::Session, Report::Referrer, Report::User};

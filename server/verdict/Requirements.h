@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -45,6 +46,8 @@ struct Requirements {
     /// an unknown name and a value of the wrong kind, a bound that is passed, a line that no value could
     /// meet. The reason is UTF-8 and some hundred bytes long at most.
     static Requirements Read(std::string_view json);
+    /// The same for stored ones, which an older program may have accepted; nothing when something is wrong.
+    static std::optional<Requirements> ReadStored(std::string_view json);
 
     /// The ids of the groups that a report has to hold: session, referrer and user, then those of the lines,
     /// each once.

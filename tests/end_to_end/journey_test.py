@@ -2,7 +2,7 @@
 
 import unittest
 
-from admin_test import PASSWORD, AdminTest, requirements
+from administration import PASSWORD, AdminTest, requirements
 from harness import CSCRIPT, PROG_ID, ControlTest, windows_path, wine
 from webdriver import ENTER, TAB, Browser
 

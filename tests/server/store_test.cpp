@@ -222,21 +222,81 @@ TEST_F(StoreTest, VerdictsAreOfTheNewestRequirementsFirst)
     keep(ids[2], "pass", "again");
     keep(1000, "pass", "its report has gone");
     std::string recent;
-    for (const StoredVerdict& v : s.RecentVerdicts("r", 0, 5))
+    s.ForEachRecentVerdict("r", 5, [&](const StoredVerdict& v) {
         recent += Told({v.report - ids[0], v.session, v.referrer, v.version, v.total, v.lines});
+        return true;
+    });
     EXPECT_EQ(recent,
               "2 s r 2 pass again 2 s r 1 unknown 1 1 s r 2 fail 2 1 s r 1 fail 1 0 s r 2 unknown 2 ");
     EXPECT_EQ(Told({s.VerdictsOf(ids[2]).at(0).lines, s.VerdictsOf(ids[2]).at(1).lines}), "again 1 ");
-    const Totals totals = s.RecentTotals("r", 100);
-    EXPECT_EQ(Told({totals.pass, totals.fail, totals.unknown}), "1 0 0 ");  // they are all of one session
+    const auto totals = [&](int count) { return s.RecentTotals({"r"}, count).at(0); };
+    EXPECT_EQ(Told({totals(100).pass, totals(100).fail, totals(100).unknown}), "1 0 0 ");  // of one session
     keep(Upload({"t", "r", "", "", ""}), "fail", "");
-    EXPECT_EQ(Told({s.RecentTotals("r", 2).pass, s.RecentTotals("r", 1).pass, s.RecentTotals("r", 2).fail,
-                    s.RecentVerdicts("r", ids[2], 1).at(0).report - ids[0]}),
-              "1 0 1 1 ");
+    EXPECT_EQ(totals(2).pass, 1);
+    EXPECT_EQ(totals(2).fail, 1);
+    EXPECT_EQ(totals(1).pass, 0);
     EXPECT_EQ(Told({s.RecentReports("r", 3).size(), s.RecentReports("r", 3).at(2).body}), "3 1  ");
     const FullReport full = s.FindReport(ids[0]).value_or(FullReport{});
     EXPECT_EQ(Told({full.session, full.referrer, full.user, full.machine, full.body}), "s r u m 0  ");
     EXPECT_FALSE(s.FindReport(1000));
+}
+
+TEST_F(StoreTest, TotalsOfManyReferrersAreEachItsOwn)
+{
+    Store& s = Open();
+    std::vector<std::string> referrers{"nobody"};
+    for (int i = 0; i < 45; ++i) {
+        referrers.push_back("r" + std::to_string(i));
+        s.Publish(referrers.back(), "", "");
+        for (int session = 0; session <= i % 3; ++session)
+            s.Keep(NewVerdict{Upload({std::to_string(session), referrers.back(), "", "", ""}),
+                              s.NewestSet(referrers.back())->id, "", "fail", "[]"});
+    }
+    const auto totals = s.RecentTotals(referrers, 1000);
+    ASSERT_EQ(totals.size(), 46U);
+    EXPECT_EQ(totals[0].fail, 0);
+    for (std::size_t i = 0; i < 45; ++i)
+        EXPECT_EQ(totals[i + 1].fail, static_cast<int>(i % 3) + 1) << referrers[i + 1];
+}
+
+TEST_F(StoreTest, ManyReportsAndVerdictsComeInOrderWhateverTheirSize)
+{
+    Store& s = Open();
+    s.Publish("r", "", "");
+    std::vector<std::int64_t> ids;
+    for (std::size_t i = 0; i < 30; ++i) {
+        const std::string large(i % 10 < 3 ? 3'000'000 : i, 'x');  // two of which are too much at once
+        ids.push_back(Upload({"s", "r", "", "", large}));
+        s.Keep(NewVerdict{ids.back(), s.NewestSet("r")->id, "", "pass", large});
+    }
+    std::vector<std::int64_t> newest(ids.rbegin(), ids.rend()), seen;
+    const auto reports = [&](const auto& wanted, std::size_t most) {
+        seen.clear();
+        s.ForEachReport(wanted, [&](const FullReport& report) {
+            const auto i = static_cast<std::size_t>(report.id - ids[0]);
+            EXPECT_EQ(report.body.size(), i % 10 < 3 ? 3'000'000 : i) << "the body of report " << i;
+            seen.push_back(report.id);
+            return seen.size() < most;
+        });
+        return seen;
+    };
+    EXPECT_EQ(reports(ids, 100), ids);
+    EXPECT_EQ(reports(newest, 100), newest);
+    EXPECT_EQ(reports(ids, 2).size(), 2U);
+    EXPECT_TRUE(reports(std::vector<std::int64_t>{}, 100).empty());
+    seen.clear();
+    s.ForEachRecentVerdict("r", 29, [&](const StoredVerdict& verdict) {
+        EXPECT_EQ(verdict.lines.size(), s.FindReport(verdict.report)->body.size());
+        seen.push_back(verdict.report);
+        return true;
+    });
+    newest.pop_back();
+    EXPECT_EQ(seen, newest);
+    raw->Query("DELETE FROM report WHERE id = $1", {ids[4]});
+    std::vector<std::int64_t> left, asked = ids;
+    ids.erase(ids.begin() + 4);
+    s.ForEachReport(asked, [&](const FullReport& report) { return left.push_back(report.id), true; });
+    EXPECT_EQ(left, ids);
 }
 
 TEST_F(StoreTest, WhatIsDeletedTakesItsVerdictsAlongAndNoMoreThanAsked)
@@ -486,9 +546,9 @@ TEST_F(StoreTest, AnOlderDatabaseComesToTheNewestVersionWithItsData)
     EXPECT_THROW(OpenStore(settings), std::runtime_error);
     Together(4, [&](int) { return Migrate(*OpenForMigration(settings)); });
     Store& s = Open();
-    EXPECT_EQ(
-        Told({s.RecentVerdicts("r", 0, 5).at(0).total, s.FindReport(1)->body, s.NewestSet("r")->published}),
-        "fail b 5 ");
+    EXPECT_EQ(s.VerdictsOf(1).at(0).total, "fail");
+    EXPECT_EQ(s.RecentTotals({"r"}, 5).at(0).fail, 1);
+    EXPECT_EQ(Told({s.FindReport(1)->body, s.NewestSet("r")->published}), "b 5 ");
     EXPECT_EQ(s.Publish("r", "2", "ann"), 2);
     raw->SetVersion(4);
     EXPECT_THROW(Migrate(*raw), std::runtime_error);

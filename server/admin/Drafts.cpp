@@ -1,0 +1,36 @@
+#include "server/admin/Drafts.h"
+
+#include "server/admin/DraftCheck.h"
+#include "server/base/Log.h"
+
+namespace kel::server {
+
+std::optional<int> Drafts::Save(const std::string& referrer, const std::string& text, int revision)
+{
+    const auto draft = store.FindDraft(referrer);
+    if (draft && draft->revision == revision && draft->text == text)
+        return revision;
+    return store.KeepDraft(referrer, text, revision, account);
+}
+
+Drafts::Publication Drafts::Publish(const std::string& referrer, int revision)
+{
+    const auto draft = store.FindDraft(referrer);
+    if (!draft || draft->revision != revision)
+        return {};
+    if (std::string reason = ValidationError(draft->text); !reason.empty())
+        return {{}, std::move(reason)};
+    const auto version = store.PublishDraft(referrer, revision, account);
+    if (!version)
+        return {};
+    const std::string number = std::to_string(*version);
+    Log(Level::Info, "published", {{"referrer", referrer}, {"version", number}, {"account", account}});
+    return {version, {}};
+}
+
+bool Drafts::Drop(const std::string& referrer, int revision)
+{
+    return store.DropDraft(referrer, revision, account);
+}
+
+}  // namespace kel::server

@@ -1,0 +1,124 @@
+#include "server/admin/LineFigures.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <set>
+
+#include "server/admin/Layout.h"
+#include "server/admin/Table.h"
+#include "server/admin/Texts.h"
+#include "server/admin/ValueNames.h"
+#include "server/verdict/Requirements.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr int MaxVersions = 3;  // that a page shows
+
+Result ResultIn(const nlohmann::json& line)
+{
+    const auto found = line.is_object() ? line.find("result") : line.end();
+    if (found == line.end())
+        return Result::Unknown;
+    return *found == "pass" ? Result::Pass : *found == "fail" ? Result::Fail : Result::Unknown;
+}
+
+/// The names of the values that a line asks for, each once.
+std::string ValuesOf(const Requirement& line)
+{
+    std::set<int> seen;
+    std::string values;
+    for (const Condition& condition : line.anyOf) {
+        if (!seen.insert(condition.group).second)
+            continue;
+        const std::string id = std::to_string(condition.group), name = NameOfValue(id);
+        values += (values.empty() ? "" : ", ") + (name.empty() ? id : name);
+    }
+    return values;
+}
+
+/// The places of the recommendations, or of the other lines, those that fail most first.
+std::vector<std::size_t> PlacesOf(const Requirements& requirements, const std::vector<Counts>& counts,
+                                  bool recommended)
+{
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < requirements.lines.size() && i < counts.size(); ++i) {
+        if (requirements.lines[i].recommended == recommended)
+            places.push_back(i);
+    }
+    std::stable_sort(places.begin(), places.end(), [&](std::size_t left, std::size_t right) {
+        return std::pair(counts[left].fail, counts[left].unknown) >
+               std::pair(counts[right].fail, counts[right].unknown);
+    });
+    return places;
+}
+
+Html TableOf(const std::string& caption, const std::string& kind, const Requirements& requirements,
+             const std::vector<Counts>& counts, const std::vector<std::size_t>& places)
+{
+    Table table(caption, {{kind},
+                          {"Value"},
+                          {"Needed"},
+                          {"Fail", true},
+                          {"Unknown", true},
+                          {"Pass", true},
+                          {"Failing", true}});
+    for (const std::size_t place : places) {
+        const Requirement& line = requirements.lines[place];
+        const Counts& count = counts[place];
+        table.Add({LabelOf(line.label, line.recommended), ValuesOf(line), Html::Stored(line.Needed()),
+                   Grouped(count.fail), Grouped(count.unknown), Grouped(count.pass),
+                   Percentage(count.fail, count.fail + count.unknown + count.pass)});
+    }
+    return table.Done("There are none.");
+}
+
+}  // namespace
+
+void LineFigures::Add(const StoredVerdict& verdict)
+{
+    Version& version = versions[verdict.set];
+    version.number = verdict.version;
+    ++version.sessions;
+    const auto lines = nlohmann::json::parse(verdict.lines, nullptr, false);
+    if (!lines.is_array())
+        return;
+    version.lines.resize(std::max(version.lines.size(), lines.size()));
+    for (std::size_t i = 0; i < lines.size(); ++i)
+        version.lines[i].Add(ResultIn(lines[i]));
+}
+
+Html LineFigures::Show(Store& store) const
+{
+    Html figures;
+    int shown = 0, left = 0;
+    for (auto version = versions.rbegin(); version != versions.rend(); ++version) {
+        const auto& [set, counted] = *version;
+        if (++shown > MaxVersions) {
+            left += counted.sessions;
+            continue;
+        }
+        const std::string of = "version " + std::to_string(counted.number) + ", which judged " +
+                               Grouped(counted.sessions) + " of them";
+        const auto requirements = Requirements::ReadStored(store.SetText(set));
+        if (!requirements) {
+            figures += Notice("bad", "The requirements of version " + std::to_string(counted.number) +
+                                         " cannot be read by this program.");
+            continue;
+        }
+        const auto lines = PlacesOf(*requirements, counted.lines, false);
+        const auto recommendations = PlacesOf(*requirements, counted.lines, true);
+        figures += TableOf("Requirements of " + of + "; those that fail most first", "Requirement",
+                           *requirements, counted.lines, lines);
+        if (!recommendations.empty())
+            figures += TableOf("Recommendations of " + of + "; they do not affect the result",
+                               "Recommendation", *requirements, counted.lines, recommendations);
+    }
+    if (left > 0)
+        figures += Html::Element("p", {}, "Older versions judged " + Grouped(left) + " of them.");
+    return figures;
+}
+
+}  // namespace kel::server

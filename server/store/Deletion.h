@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+#include <limits>
+#include <string>
+
+#include "server/store/Store.h"
+
+namespace kel::server {
+
+/// What a deletion did.
+struct Deletion {
+    static constexpr int MaxBatches = std::numeric_limits<int>::max();
+
+    int reports = 0;         // deleted
+    bool isComplete = true;  // false: it ended early and reports are left
+
+    /// Deletes in short batches with pauses, so that other writers get a turn, then removes what was deleted from
+    /// the database's log. `deleteSome` deletes up to the given number of reports and returns how many; `ends` is
+    /// asked before each batch. Throws what they throw.
+    static Deletion Run(Store& store, const std::function<int(int)>& deleteSome,
+                        const std::function<bool()>& ends, int maxBatches = MaxBatches);
+
+    /// Deletes a session's reports with their verdicts, and counts them in the audit's entry.
+    static Deletion OfSession(Store& store, const std::string& session, DeletionEntry* entry,
+                              int maxBatches = MaxBatches);
+};
+
+}  // namespace kel::server

@@ -1,0 +1,138 @@
+"""What programs ask of the administration: reports, products, drafts."""
+
+import csv
+import io
+import json
+import unittest
+
+from administration import AdminTest, requirements
+
+
+class Programs(AdminTest):
+    settings = ("--body-kb", "2048")
+
+    def setUp(self):
+        super().setUp()
+        self.bearer = {"Authorization": "Bearer " + self.run_command("token", "add", "Edith").stdout.strip()}
+
+    def get(self, path, **headers):
+        answer, text = self.visit("GET", f"/api/v1/{path}", **(headers or self.bearer))
+        return answer.status, json.loads(text) if "json" in answer.headers["Content-Type"] else text
+
+    def test_reports_are_read_by_and_by(self):
+        for number in range(5):
+            cells = {"v1": "=1+1", "v2": "+1", "v3": "-1", "v4": "@a", "v5": 'say "x", y', "v6": "a\nb", "v7": "\ta"}
+            self.upload(f"s{number}", v71063=f"{number}.0 GB", **cells)
+        self.judged("s0")
+        status, first = self.get("reports?count=2")
+        self.assertEqual([entry["session"] for entry in first["reports"]], ["s0", "s1"])
+        entry = first["reports"][0]
+        self.assertEqual((entry["id"], entry["referrer"], entry["total"], first["last"]), (1, "demo", "fail", 2))
+        self.assertIn({"id": "71063", "index": 0, "value": "0.0 GB"}, entry["values"])
+        self.assertEqual([entry["id"] for entry in self.get("reports?after=2&count=1000000")[1]["reports"]], [3, 4, 5])
+        self.assertEqual(self.get("reports?after=5"), (200, {"reports": [], "last": 5}))
+        rows = list(csv.DictReader(io.StringIO(self.get("reports?after=4&format=csv")[1], newline="")))
+        self.assertEqual({row["id"]: row["value"] for row in rows if len(row["id"]) == 1},
+                         {"1": "'=1+1", "2": "'+1", "3": "'-1", "4": "'@a", "5": 'say "x", y', "6": "a\nb", "7": "'\ta"})
+        self.assertEqual({(row["report"], row["session"]) for row in rows}, {("5", "s4")})
+        for query in ("after=x", "count=0", "count=-1", "after=-1", "format=xml"):
+            self.assertEqual(self.get(f"reports?{query}")[0], 400, query)
+        self.database.run("UPDATE report SET body = '' WHERE id = 1")  # an older program may have accepted it
+        [unreadable] = self.get("reports?count=1")[1]["reports"]
+        self.assertEqual((unreadable["session"], unreadable["values"]), ("s0", []))
+        for number in range(3):
+            self.upload(f"big{number}", v1="x" * 1_999_000)
+        _, answer = self.get("reports?after=5&count=1000")
+        self.assertEqual((len(answer["reports"]), answer["last"]), (2, 7))  # an answer has a bound, whatever visitors send
+        self.upload("many", v71206="u", **{f"v1{number}": "" for number in range(4_900)})
+        self.database.run(f"UPDATE report SET session = '{'s' * 900}', \"user\" = (SELECT body FROM report WHERE id = 6) "
+                          "WHERE id > 8")
+        for after, form in ((7, "csv"), (8, "csv"), (8, "json")):
+            self.assertLess(len(str(self.get(f"reports?after={after}&format={form}"))), 5_000_000, (after, form))
+
+    def test_no_cell_computes_whatever_separates(self):
+        texts = ("=1", "+1", "-1", "@a", "\uff1d1", "\uff0b1", "\uff0d1", "\uff20a", ' =1', '"=1')
+        values = [*texts, *(f"x{separator}{text}" for separator in ";\t\n" for text in texts)]
+        for number, value in enumerate(values):
+            self.upload(f"x;{texts[number % len(texts)]}", v1=value)
+        exported = self.get("reports?format=csv")[1]
+        cells = {row["value"] for row in csv.DictReader(io.StringIO(exported, newline="")) if row["id"] == "1"}
+        self.assertEqual({cell.replace("'", "") for cell in cells}, set(values))  # nothing but apostrophes is added
+        for separator in ",;\t":
+            for row in csv.reader(io.StringIO(exported, newline=""), delimiter=separator):
+                for cell in row:
+                    self.assertNotRegex(cell, '^[ "]*[-=+@\uff1d\uff0b\uff0d\uff20]', f"separated by {separator!r}")
+
+    def test_parameters_that_are_not_known_or_repeated_are_refused(self):
+        listed = ["after", "count", "format"]
+        for path, name, allowed in (
+                ("reports?referrer=demo", "referrer", listed), ("reports?after=0&After=1", "After", listed),
+                ("reports?after=1&after=2", "after", listed), ("reports?format=csv&count=1&format=csv", "format", listed),
+                ("referrers?referrer=demo", "referrer", []), ("referrers/demo/draft?%3Cb%3E", "<b>", [])):
+            status, answer = self.get(path)
+            self.assertEqual(status, 400, path)
+            self.assertEqual((answer["parameter"], answer["allowed"]), (name, allowed), path)
+            self.assertIn(f"'{name}'", answer["error"])
+        answer, _ = self.visit("PUT", "/api/v1/referrers/demo/draft?revision=0", requirements((1, "A", "any")),
+                               If_None_Match="*", **self.bearer)
+        self.assertEqual(answer.status, 400)
+        self.assertEqual(self.database.run("SELECT * FROM draft"), [])
+
+    def test_drafts_are_written_and_published(self):
+        draft, publish = "referrers/demo/draft", "referrers/demo/publish"
+        good = requirements((71063, "Memory", "any"))
+        for verb, path, body, headers, status in (
+                ("GET", draft, "", {}, 404), ("PUT", draft, good, {}, 428), ("PUT", draft, "{", {"If-None-Match": "*"}, 422),
+                ("PUT", draft, good, {"If-Match": '"0"'}, 412), ("PUT", draft, good, {"If-None-Match": "*"}, 201),
+                ("PUT", draft, good, {"If-None-Match": "*"}, 412), ("PUT", draft, good, {"If-Match": '"9"'}, 412),
+                ("PUT", draft, good, {"If-Match": "x1x"}, 412), ("PUT", draft, good, {"If-Match": '"99999999999"'}, 412),
+                ("PUT", draft, good, {"If-Match": ""}, 412), ("PUT", draft, good + " ", {"If-Match": '"1"'}, 200),
+                ("PUT", "referrers/%3Cb%3E/draft", good, {"If-None-Match": "*"}, 404), ("GET", draft, "", {}, 200),
+                ("POST", publish, "", {}, 428), ("POST", publish, "", {"If-Match": '"1"'}, 412),
+                ("POST", publish, "", {"If-Match": '"2"'}, 200), ("POST", publish, "", {"If-Match": '"2"'}, 412)):
+            with self.subTest(f"{verb} {path} {headers}"):
+                answer, text = self.visit(verb, f"/api/v1/{path}", body, **headers, **self.bearer)
+                self.assertEqual(answer.status, status, text)
+                if status == 200 and verb == "GET":
+                    self.assertEqual((answer.headers["ETag"], text), ('"2"', good + " "))
+        [entry] = self.get("referrers")[1]["referrers"]
+        self.assertEqual((entry["referrer"], entry["version"], entry["draft"]), ("demo", 2, False))
+        done = self.database.run("SELECT account, action, subject FROM audit ORDER BY id")[-3:]
+        self.assertEqual(done, [("Edith", "saved draft", "demo")] * 2 + [("Edith", "published", "demo, version 2")])
+        self.assertIn("level=info event=published referrer=demo version=2 account=Edith\n", self.log_text())
+        self.visit("PUT", f"/api/v1/{draft}", good, **{"If-None-Match": "*"}, **self.bearer)
+        self.database.run("UPDATE draft SET text = '{'")  # the editor's page saves work that is not done
+        answer, text = self.visit("POST", f"/api/v1/{publish}", **{"If-Match": '"4"'}, **self.bearer)
+        self.assertEqual(answer.status, 422)
+        self.assertIn("line 1", json.loads(text)["error"])
+
+    def test_programs_need_a_token_of_somebody_who_may(self):
+        reader = {"Authorization": "bearer " + self.run_command("token", "add", "Rita", "1").stdout.strip()}
+        cookie = self.log_in()
+        form = self.token(cookie)
+        good, draft = requirements((1, "A", "any")), "/api/v1/referrers/demo/draft"
+        for headers, read, written in (
+                ({}, 401, 401), ({"Authorization": "Bearer x"}, 401, 401), ({"Authorization": "Basic eDp5"}, 401, 401),
+                ({"Authorization": "x"}, 401, 401),
+                ({"Authorization": self.bearer["Authorization"].replace("Bearer", "Digest")}, 401, 401),
+                (reader, 200, 403), ({"cookie": cookie}, 200, 403), ({"cookie": cookie, "X-Form-Token": form}, 200, 201),
+                ({"cookie": cookie, "X-Form-Token": form, "Origin": "http://evil.example"}, 200, 403), (self.bearer, 200, 201)):
+            with self.subTest(headers):
+                self.database.run("DELETE FROM draft")
+                self.assertEqual(self.status("GET", "/api/v1/reports", **headers), read)
+                self.assertEqual(self.status("PUT", draft, good, If_None_Match="*", **headers), written)
+        self.assertEqual(self.visit("GET", "/api/v1/reports")[0].headers["WWW-Authenticate"], "Bearer")
+        token, held = self.bearer["Authorization"].split()[1], {"Authorization": f"Bearer {cookie}"}
+        for path, way, status in (("/", self.bearer, 303), ("/", {"cookie": token}, 303), ("/api/v1/reports", held, 401),
+                                  ("/api/v1/reports", {"cookie": token}, 401)):
+            self.assertEqual(self.status("GET", path, **way), status)  # a program's token opens no pages, and a cookie is none
+        self.stop()
+        self.start("--sso-header", "on")
+        for headers, status in ((self.bearer, 200), (held, 403), ({"cookie": cookie}, 403)):
+            self.assertEqual(self.status("GET", "/api/v1/reports", **headers), status)
+        self.database.run("UPDATE login_session SET ends = 1")
+        self.assertEqual(self.get("reports")[0], 403)
+
+
+if __name__ == "__main__":
+    unittest.main()

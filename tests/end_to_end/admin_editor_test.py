@@ -1,0 +1,149 @@
+"""The editor of requirements: drafts that are checked, tried, saved, published and dropped."""
+
+import html
+import json
+import re
+import time
+import unittest
+
+from administration import AdminTest, PageParser, requirements
+
+
+class Editing(AdminTest):
+    def setUp(self):
+        super().setUp()
+        self.upload("s7", v71063="1.0 GB", v71254="1")
+        for number in range(8):
+            self.upload(f"s{number}", v71063=f"{number}.0 GB", v71254="8")
+        self.cookie = self.log_in()
+        self.fields = {"token": self.token(self.cookie), "revision": 0}
+        self.stricter = requirements((71063, "Memory", "at least", "6 GB"), (71060, "System", "any")).replace(
+            '"any"', '"any", "recommended": true')
+
+    def act(self, action, text, revision=0, path="requirements"):
+        form = {**self.fields, "revision": revision, "text": text, "do": action}
+        answer, page = self.visit("POST", f"/products/demo/{path}", form, self.cookie)
+        return answer.status, page
+
+    def after(self, *arguments):
+        """What the page says that an action leads to."""
+        form = dict(zip(("do", "text", "revision", "path"), arguments))
+        path = form.pop("path", "requirements")
+        answer, _ = self.visit("POST", f"/products/demo/{path}", {**self.fields, **form}, self.cookie)
+        return self.page(answer.headers["Location"], self.cookie).data
+
+    def test_lines_are_compared_with_those_that_they_replace(self):
+        def lines(*entries):
+            return json.dumps({"title": "T", "requirements": [
+                {"id": 71063, "label": label, "comparison": "at least", "needed": needed, "recommended": recommended}
+                for label, needed, recommended in entries]})
+        minimum, more, other = ("M", "4 GB", False), ("M", "6 GB", True), ("N", "2 GB", False)
+        self.act("save", lines(minimum, more, other))
+        self.act("", "", 1, "publish")
+        for name, draft, failing in (
+                ("itself", (minimum, more, other), [("4", "4"), ("6", "6"), ("2", "2")]),
+                ("another order", (more, other, minimum), [("6", "6"), ("2", "2"), ("4", "4")]),
+                ("a changed minimum", (("M", "5 GB", False), more, other), [("5", "4"), ("6", "6"), ("2", "2")]),
+                ("both changed", (("M", "7 GB", True), ("M", "3 GB", False), other), [("7", "6"), ("3", "4"), ("2", "2")]),
+                ("one line more", (minimum, minimum, more, other), [("4", "4"), ("4", "new"), ("6", "6"), ("2", "2")]),
+                ("one line less", (more, other), [("6", "6"), ("2", "2")])):
+            page = PageParser(self.act("try", lines(*draft))[1])
+            self.assertEqual(page.cells(3, 4)[1:len(draft) + 1], failing, name)
+            self.assertEqual("No longer asked: M" in page.data, name == "one line less", name)
+
+    def test_a_long_draft_with_many_quotes_is_saved_and_one_that_is_too_long_gets_a_page(self):
+        for size, status, told in ((900_000, 303, ""), (1_048_576, 303, ""), (1_048_577, 413, "Go back in the browser")):
+            self.database.run("DELETE FROM draft")
+            answer, page = self.act("save", '"' * size)
+            self.assertEqual(answer, status, size)
+            self.assertIn(told, page)
+            kept = [(size,)] if status == 303 else []
+            self.assertEqual(self.database.run("SELECT length(text) FROM draft"), kept, size)
+
+    def test_a_draft_is_checked_and_keeps_what_was_typed(self):
+        begun = self.page("/products/demo/requirements", self.cookie).data
+        self.assertIn('[\n    {\n      "id": 71063,\n', begun)  # what came in a single line can be edited
+        good = requirements((1, "A", "any"), (2, "B", "any"))
+        for text, told in ((good, "can be published. Lines: 2."), (good.replace('"B"', "B"), "line 11, column"),
+                           (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: &#x27;odd&#x27; is no"),
+                           ("{", "line 1, column 2"), ("{}", "title"), (" \n", "no text"),
+                           ('{"title": "]{\\"[{",\n"requirements": [{\n}, {}]}', "line 2, requirement 1"),
+                           ("<b>\r\n  &amp;", "line 1, column 1"), ("[" * 100_000, "Not right yet")):
+            status, page = self.act("check", text)
+            self.assertIn(told, page)
+            self.assertEqual(status, 400 if text.isspace() else 200)
+            kept = html.unescape(re.search("<textarea[^>]*>\n(.*)</textarea>", page, re.DOTALL)[1])
+            self.assertEqual(kept, text.replace("\r\n", "\n"))
+        self.assertEqual(self.database.run("SELECT * FROM draft"), [])
+
+    def test_a_draft_is_tried_published_and_judges(self):
+        self.assertEqual(self.judged("s5"), "pass")
+        _, page = self.act("try", self.stricter)
+        self.assertIn("Of the last 8 sessions 2 would pass, today 4. 6 would fail, today 4; 0 would be unknown, today 0.", page)
+        self.assertEqual(PageParser(page).cells(0, 2, 3, 4, 5)[1:3],
+                         [("Memory", "2", "6", "4", "0"), ("System Recommended", "0", "0", "new", "8")])
+        self.assertIn("No longer asked: Processors", PageParser(page).data)
+        self.assertIn("The draft is saved.", self.after("save", self.stricter))
+        self.assertEqual(self.judged("s5"), "pass")
+        status, page = self.act("publish", self.stricter, 1)
+        self.assertEqual((status, "today 4" in page), (200, True))
+        self.assertIn("The draft is published.", self.after("", self.stricter, 1, "publish"))
+        self.assertEqual(self.judged("s5"), "fail")
+        versions = self.page("/products/demo/requirements", self.cookie).cells(0, 2, 3)[1:]
+        self.assertEqual(versions, [("2", "Edith", "view version 2"), ("1", "import", "view version 1")])
+        self.assertIn("at least", self.page("/products/demo/version?number=1", self.cookie).data)
+        old = self.page("/products/demo/requirements?from=1", self.cookie)
+        self.assertIn("Processors", old.data)
+        self.assertEqual((old.fields["revision"], self.database.run("SELECT text FROM draft")), ("0", [("",)]))
+        noted = [row for row, in self.database.run("SELECT action || ': ' || subject FROM audit WHERE account = 'Edith'")][1:]
+        self.assertEqual(noted, ["saved draft: demo", "published: demo, version 2"])
+        self.assertEqual(self.act("save", "{", 0)[0], 303)  # work that is not done can be saved, not published
+        self.assertEqual(self.act("", "{", 3, "publish")[0], 400)
+
+    def test_what_takes_long_is_left_out(self):
+        self.upload("large", v71060="\u00e9" * 64_000)
+        self.judged("large")
+        self.database.run("DELETE FROM report WHERE id < 10")
+        copies = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 400) INSERT INTO "
+        self.database.run(copies + "report (session, referrer, \"user\", received, body) "
+                          "SELECT session || i, referrer, '', received, body FROM report, n")
+        lines = json.dumps([{"id": number, "result": "fail", "found": "x" * 1000} for number in range(100)])
+        self.database.run("INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines) "
+                          f"SELECT id, 1, 1, 1, '', 'fail', '{lines}' FROM report WHERE id > 10")
+        slow = requirements(*((71060, f"L{number}", "contains", f"x{number}") for number in range(10)))
+        for ask in (lambda: self.act("try", slow)[1], lambda: self.visit("GET", "/products/demo", cookie=self.cookie)[1]):
+            start = time.monotonic()
+            page = ask()
+            self.assertLess(time.monotonic() - start, 10)
+            self.assertRegex(page, r"the last \d{1,3} sessions \(older ones are left out")
+
+    def test_two_editors_lose_nothing(self):
+        for action, revision, path in (("save", 0, "requirements"), ("save", 7, "requirements"), ("publish", 0, "requirements"),
+                                       ("", 7, "publish"), ("", 7, "drop")):
+            self.database.run("DELETE FROM draft")
+            self.assertEqual(self.act("save", "their <text>")[0], 303)
+            status, page = self.act(action, self.stricter, revision, path)
+            texts = [html.unescape(text) for text in re.findall("<textarea[^>]*>\n(.*?)</textarea>", page, re.DOTALL)]
+            self.assertEqual((status, texts), (409, ["their <text>", self.stricter]))
+            self.assertEqual(PageParser(page).fields["revision"], "1")
+            self.assertEqual(self.act("save", self.stricter, 1)[0], 303)
+        self.assertEqual(self.act("drop", self.stricter, 2)[0], 200)
+        self.assertIn("The draft is dropped.", self.after("", "", 2, "drop"))
+        self.assertEqual(self.act("", "mine", 2, "publish")[0], 409)
+        self.assertEqual(len(self.database.run("SELECT id FROM requirement_set")), 1)
+
+    def test_a_product_begins_with_a_draft(self):
+        answer, _ = self.visit("GET", "/new?referrer=new-1", cookie=self.cookie)
+        self.assertEqual((answer.status, answer.headers["Location"]), (303, "/products/new-1/requirements"))
+        page = self.page("/products/new-1/requirements", self.cookie)
+        text = page.data[page.data.index("{"):page.data.rindex("}") + 1]
+        form = {**self.fields, "text": text, "do": "publish"}
+        self.assertIn("nothing to try", self.visit("POST", "/products/new-1/requirements", form, self.cookie)[1])
+        self.assertIn(("new-1", "–", "draft"), self.page("/", self.cookie).cells(0, 1, 7))
+        self.assertEqual(self.status("POST", "/products/new-1/publish", {**self.fields, "revision": 1}, self.cookie), 303)
+        self.upload("n", "new-1", v71063="8.0 GB")
+        self.assertEqual(self.judged("n", "new-1"), "pass")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,210 @@
+"""The administration's pages: reports, products, and texts of strangers on all of them."""
+
+import html
+import json
+import re
+import unittest
+
+from administration import AdminTest, PageParser, report, requirements
+from databases import KIND
+from deployed import UPLOAD, analysis
+
+HOSTILE = ("<script>alert(1)</script>", '"><img src=x onerror=alert(1)>', "javascript:alert(1)", "</textarea></title><b>'",
+           "=cmd|' /C calc'!A0", "\u202etxt.exe\u202c", "&lt;i&gt;")
+
+
+class Pages(AdminTest):
+    def test_reports_are_filtered_and_paged_while_others_come_in(self):
+        for number in range(1, 121):
+            self.upload(f"s{number % 60}", "demo" if number % 2 else "<b>", v71063=f"{number % 8}.0 GB", v71254="8")
+        for number in range(60):
+            self.judged(f"s{number}")
+        self.database.run("UPDATE report SET received = 1767225600000 WHERE id <= 10")  # 2026-01-01
+        cookie = self.log_in()
+
+        def ids(path):
+            return [int(cell) for cell, in self.page(path, cookie).cells(0)[1:]]
+        for query, expected in (
+                ("session=s7", [67, 7]), ("verdict=fail", [n for n in range(120, 60, -1) if n % 8 < 4]),
+                ("verdict=pass&referrer=demo", [n for n in range(119, 60, -2) if n % 8 >= 4]), ("verdict=pass&referrer=x", []),
+                ("until=2026-01-01", list(range(10, 0, -1))), ("from=2026-01-01&until=2026-01-01&session=s3", [3]),
+                ("until=2025-12-31", []), ("session=%22%3E", []), ("referrer=none", []), ("verdict=maybe", []),
+                ("before=3", [2, 1]), ("from=2026-02-31&before=2", [1]), ("before=-1&after=x&session=s1", [61, 1])):
+            self.assertEqual(ids(f"/reports?{query}"), expected, query)
+        seen, path = [], "/reports?referrer=demo"
+        for _ in range(2):
+            page = self.page(path, cookie)
+            seen += [int(cell) for cell, in page.cells(0)[1:]]
+            self.upload("later", "demo")
+            path = next((link for link in page.links if "before=" in link), None)
+        self.assertEqual((seen, path), (list(range(119, 0, -2)), None))
+        for length, shown in ((60, "x" * 60), (61, "x" * 60 + "…")):
+            self.upload("x" * length)
+            self.assertEqual(self.page("/reports", cookie).cells(3)[1], (shown,))
+        newer = next(link for link in self.page(f"/reports?referrer=demo&before={21}", cookie).links if "after=" in link)
+        self.assertEqual(ids(newer), list(range(119, 20, -2)))
+
+    def test_a_report_shows_what_is_kept_and_its_session_can_be_deleted(self):
+        self.upload("s", v71206="u1", v71207="m1", v71063="2.0 GB", v71254="8", v999="odd", v72510="No")
+        self.judged("s")
+        self.upload("s", v71063="8.0 GB")
+        self.upload("t")
+        cookie = self.log_in()
+        page = self.page("/reports/1", cookie)
+        self.assertEqual(page.cells(0, 1, 2, 3)[1:3], [("Memory", "at least 4 GB", "2.0 GB", "✗ failAdd memory."),
+                                                       ("Processors", "at least 4", "8", "✓ pass")])
+        for row in (("71063", "Ram: total physical memory", "0", "2.0 GB"), ("999", "", "0", "odd"),
+                    ("72510", "HardDrive: holds Windows", "0", "No"), ("71207", "OS: machine identifier", "0", "m1")):
+            self.assertIn(row, page.cells(0, 1, 2, 3))
+        self.assertIn("/reports/1", self.page("/reports/2", cookie).links)
+        self.assertNotIn("/reports/2", page.links)
+        form = {"token": self.page("/reports/2/delete", cookie).fields["token"]}
+        self.assertEqual(self.status("POST", "/reports/2/delete", form, cookie), 303)
+        self.assertEqual((self.database.run("SELECT id FROM report"), self.database.run("SELECT * FROM verdict")), ([(3,)], []))
+        self.assertEqual(self.status("POST", "/reports/2/delete", form, cookie), 404)
+        self.assertEqual(self.page("/audit", cookie).cells(1, 2, 3)[1], ("Edith", "deleted session", "s, 2 reports"))
+        self.database.run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 5100) INSERT INTO report "
+                          "(session, referrer, \"user\", received, body) SELECT '&s', '', '', 1, '' FROM n")
+        for left, place in ((100, "/reports?note=left&session=%26s"), (0, "/reports?note=deleted")):
+            [(last,)] = self.database.run("SELECT max(id) FROM report")
+            answer, _ = self.visit("POST", f"/reports/{last}/delete", form, cookie)
+            [(kept,)] = self.database.run("SELECT count(*) - 1 FROM report")
+            self.assertEqual((answer.headers["Location"], kept), (place, left))
+        for words in (("purge", "--session", "t"), ("purge", "--older", "90d"), ("import", self.folder)):
+            self.command(*words)  # of these the import changes nothing
+        noted = [row[1:] for row in self.page("/audit", cookie).cells(1, 2, 3)[1:] if row[0] == "command line"]
+        self.assertEqual(noted[:3], [("purged", "--older 90d, 0 reports"), ("purged", "--session, 1 reports"),
+                                     ("published", "demo, version 1")])
+
+    @unittest.skipUnless(KIND == "sqlite", "of SQLite's files")
+    def test_what_an_editor_deletes_is_nowhere_in_the_files(self):
+        def held():
+            return sum(path.read_bytes().count(b"hidden") for path in self.folder.glob("kel.db*"))
+        self.upload("a", v71207="hidden" * 50)
+        cookie = self.log_in()
+        form = {"token": self.token(cookie)}
+        self.assertGreater(held(), 50)
+        self.assertEqual(self.status("POST", "/reports/1/delete", form, cookie), 303)
+        self.assertEqual(held(), 0)
+
+    def test_lines_count_by_themselves_and_by_their_version(self):
+        def publish(*lines):
+            text = json.dumps({"title": "T", "requirements": [dict(zip(names, line)) for line in lines]})
+            (self.folder / "demo.json").write_text(text)
+            self.command("import", self.folder)
+        names = ("id", "label", "comparison", "needed", "recommended")
+        either = {"label": "Either", "any of": [{"id": number, "comparison": "any"} for number in (71063, 71060)]}
+        publish((71063, "Minimum", "at least", "4 GB"), (71063, "Ideal", "at least", "16 GB", True),
+                (71060, "System", "any", ""))
+        for number in range(20):
+            self.upload(f"s{number}", v71063="2.0 GB" if number < 2 else "8.0 GB")
+            self.judged(f"s{number}")
+        publish((71063, "Minimum", "at least", "16 GB"))
+        for number in range(5):
+            self.judged(f"s{number}")
+        self.database.run("INSERT INTO report (session, referrer, \"user\", received, body) VALUES ('x', 'demo', '', 1, '')")
+        cookie = self.log_in()
+        page = self.page("/products/demo", cookie)
+        value = "Ram: total physical memory"
+        rows = [row for row in page.cells(0, 1, 2, 3, 4, 5, 6) if row[6] != "Failing"]
+        self.assertEqual(rows, [
+            ("Minimum", value, "at least 16 GB", "5", "0", "0", "100 %"),
+            ("System", "OS: display name", "any", "0", "15", "0", "0 %"),
+            ("Minimum", value, "at least 4 GB", "0", "0", "15", "0 %"),
+            ("Ideal Recommended", value, "at least 16 GB", "15", "0", "0", "100 %")])
+        for caption in ("Requirements of version 3, which judged 5 of them", "Requirements of version 2, which judged 15",
+                        "Recommendations of version 2, which judged 15"):
+            self.assertIn(caption, page.data)
+        self.assertIn("The charts are of the last 20 sessions.", page.data)  # one cannot be read
+        for number, lines in enumerate(([either], [{"label": "Other", "id": 1, "comparison": "any"}])):
+            (self.folder / "demo.json").write_text(json.dumps({"title": "T", "requirements": lines}))
+            self.command("import", self.folder)
+            self.judged(f"s{number}")
+        page = self.page("/products/demo", cookie)
+        self.assertIn(("Either", f"{value}, OS: display name"), page.cells(0, 1))
+        self.assertIn("Older versions judged 15 of them.", page.data)
+
+    def test_a_product_shows_its_verdicts_and_machines(self):
+        self.upload("s3", v71063="64.0 GB", v71254="64")  # a session's newest report counts
+        self.judged("s3")
+        memory = ["3.9 GB", "4.0 GB", "7.8 GB", "8.1 GB", "512.0 MB", "", "lots", "2 GHz"]
+        for number, text in enumerate(memory):
+            self.upload(f"s{number}", v71063=text, v71254=str(2 ** (number % 3)), v72402="1920x1080" if number else " 800x600 ")
+            self.judged(f"s{number}")
+        for number in range(12):
+            self.upload(f"t{number}", v71060=f"System {number}", v71254=str(3 * number))
+        cookie = self.log_in()
+        _, text = self.visit("GET", "/products/demo", cookie=cookie)
+        self.assertEqual([text.count(f'<rect class="{kind}"') for kind in ("bar", "rest")], [26, 6])
+        page = PageParser(text)
+        self.assertIn("8sessions1pass6fail1unknown13 %passing", page.data)
+        self.assertEqual(page.cells(0, 3, 4, 5, 6)[1:3],
+                         [("Processors", "6", "0", "2", "75 %"), ("Memory", "2", "3", "3", "25 %")])
+        rows = [row for row in page.cells(0, 1, 2) if row[2].endswith("%")]
+        for row in (("up to 512 MB", "1", "5 %"), ("up to 4 GB", "2", "10 %"), ("up to 8 GB", "1", "5 %"),
+                    ("up to 16 GB", "1", "5 %"), ("1920x1080", "7", "35 %"), ("800x600", "1", "5 %"), ("not told", "15", "75 %"),
+                    ("not told", "12", "60 %"), ("other", "2", "10 %")):
+            self.assertIn(row, rows)
+        kept = [label for label, _, _ in rows]
+        self.assertEqual(sum(label.startswith("System") for label in kept), 10)
+        self.assertLess(kept.index("up to 512 MB"), kept.index("up to 4 GB"))
+        self.assertEqual([label for label in kept if label in ("0", "1", "9", "12")], ["0", "1", "9", "12"])
+        self.assertEqual(self.page("/", cookie).cells(0, 3, 4, 5, 6)[1], ("demo", "1", "6", "1", "13 %"))
+
+    def test_stored_texts_come_out_as_texts(self):
+        names = ["plain"]
+        for kind, texts in (("clean", ["plain"] * len(HOSTILE)), ("hostile", HOSTILE)):
+            if kind == "hostile":
+                clean, names = self.walk(), HOSTILE
+            for number, text in enumerate(texts):
+                values = {"v71206": text, "v71207": text, "v71063": text, "v71060": text, "v72402": text, "v71254": text}
+                body = report(f"{text}{number}", text if kind == "hostile" else "demo", **values)
+                self.ask("POST", UPLOAD, body.replace('id="71254"', f'id="{html.escape(text)}"'))
+                self.upload(f"{text}{number}", **values)
+                lines = requirements((71063, text, "at least", "4 GB", text), (71060, text, "equals", text, text), title=text)
+                (self.folder / "demo.json").write_text(lines)
+                self.command("import", self.folder)
+                self.ask("POST", "/service/Analysis/demo", analysis(html.escape(f"{text}{number}")))
+                self.account("editor", text)
+        cookie = self.log_in(HOSTILE[0])
+        self.visit("POST", "/products/demo/requirements", {"token": self.token(cookie), "text": f"{lines}{HOSTILE[3]}",
+                                                           "revision": 0, "do": "save"}, cookie)
+        self.visit("POST", "/login", {"name": HOSTILE[1], "password": "wrong"})
+        hostile = self.walk(HOSTILE[1])
+        self.assertEqual(hostile.kinds - clean.kinds, set())
+        self.assertEqual({link for link in hostile.links if not re.match(r"/(?!/)|#content$|data:,$", link)}, set())
+        for text in names:
+            self.assertGreater(hostile.data.count(text), 20, text)
+
+    def walk(self, name="Edith"):
+        """All pages that links lead to, as one, and what the editor's buttons show."""
+        cookie = self.log_in(name)
+        whole, waiting, seen = PageParser(""), ["/", "/nothing", "/reports?session=%22%3E%3Cb%3E&from=%27"], set()
+        while waiting:
+            path = waiting.pop().split("#")[0]
+            if path in seen or not path.startswith("/") or path == "/style.css":
+                continue
+            seen.add(path)
+            answer, text = self.visit("GET", path, cookie=cookie)
+            self.assertIn(answer.status, (200, 400, 404), path)
+            page = PageParser(text)
+            waiting += [link for link in page.links if link not in ("/logout", "/login") and "/publish" not in link]
+            self.add(whole, page)
+        editor = self.page("/products/demo/requirements", cookie)
+        for action in ("check", "try", "publish", "drop"):
+            answer, text = self.visit("POST", "/products/demo/requirements",
+                                      {**editor.fields, "do": action, "text": (self.folder / "demo.json").read_text()}, cookie)
+            self.add(whole, PageParser(text))
+        _, text = self.visit("POST", "/products/demo/publish", {**editor.fields, "revision": 77, "text": HOSTILE[3]}, cookie)
+        self.add(whole, PageParser(text))
+        return whole
+
+    @staticmethod
+    def add(whole, page):
+        whole.kinds |= page.kinds
+        whole.links += page.links
+        whole.data += page.data + " ".join(page.fields.values())
+
+
+if __name__ == "__main__":
+    unittest.main()
