@@ -7,6 +7,7 @@
 
 #include "client/ControlDll.h"
 #include "client/Hosts.h"
+#include "support/ScratchKey.h"
 
 namespace kel {
 namespace {
@@ -66,6 +67,9 @@ TEST_F(Control, HasItsMembersInTheSlotsAndUnderTheIdsThatClientsWereBuiltWith)
 TEST_F(Control, CountsObjectsAndLocksAndLendsItsInterfacesToAnAggregatingObject)
 {
     EXPECT_EQ(dll.CanUnload(), S_FALSE);
+    dll.Factory()->LockServer(TRUE);
+    EXPECT_EQ(dll.CanUnload(), S_FALSE);  // a lock adds to the objects
+    dll.Factory()->LockServer(FALSE);
     control.Reset();
     EXPECT_EQ(dll.CanUnload(), S_OK);
     for (const auto& [lock, result] : {std::pair(TRUE, S_FALSE), {FALSE, S_OK}}) {
@@ -166,6 +170,14 @@ TEST_F(Control, TakesNullPointersAndHugeTexts)
     EXPECT_EQ(control->Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, nullptr, nullptr, nullptr),
               E_POINTER);
     EXPECT_EQ(As<IObjectWithSite>()->GetSite(IID_IUnknown, nullptr), E_POINTER);
+}
+
+TEST_F(Control, RegistersNothingWhenANameIsLookedUp)
+{
+    const test::ScratchKey classes(HKEY_CLASSES_ROOT);
+    _variant_t version;
+    EXPECT_EQ(test::Call(control.Get(), L"Version", version), S_OK);
+    EXPECT_EQ(classes.Dump(), L"[]\n");
 }
 
 TEST_F(Control, IsRefusedToWhoAsksForWhatItIsNot)

@@ -2,6 +2,8 @@
 
 #include "detectors/Detectors.h"
 #include "platform/ErrorMode.h"
+#include "probes/storage/Volumes.h"
+#include "support/LogCapture.h"
 #include "support/TestSession.h"
 #include "values/Size.h"
 
@@ -32,6 +34,15 @@ TEST(Volumes, AgreeWithTheSystemButForTheLabelAndLeaveTheErrorModeAsItWas)
         EXPECT_EQ(GetThreadErrorMode(), static_cast<DWORD>(SEM_NOGPFAULTERRORBOX));
     }
     SetThreadErrorMode(before, nullptr);
+}
+
+TEST(Volumes, AreNoneAfterAnErrorInTheirList)
+{
+    VolumeFunctions functions = VolumeFunctions::OfSystem();
+    functions.getLogicalDrives = []() -> DWORD { throw 1; };
+    const test::LogCapture log(LogError);
+    EXPECT_TRUE(ListVolumes(functions).empty());
+    EXPECT_EQ(log.Lines(), std::vector<std::wstring>{L"ERR Error in the list of volumes."});
 }
 
 }  // namespace

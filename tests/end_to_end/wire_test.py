@@ -72,7 +72,7 @@ class Wire(ControlTest):
                 self.service.requests.clear()
                 [measured] = self.run_as("net", 'WScript.Echo(control.Value("71069"));')
                 self.assertAlmostEqual(quantity(measured) / independent, 1, delta=0.2)
-                self.assertRegex(self.log, r"downloadRate = (\d+ bps)\D(.|\n)*Network speed is: \1 bps\D")
+                self.assertRegex(self.log, r"TRACE \| [. ]*downloadRate = (\d+ bps)\D(.|\n)*Network speed is: \1 bps\D")
                 self.assertEqual(self.lines().count(f"GET {FILE} HTTP/1.1"), 1)
                 request = self.service.requests[1]
                 self.assertRegex(request["line"], "^GET http://content.keldane.example[:/]")

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/RegistryNames.h"
 #include "probes/setup/SetupDevice.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
@@ -70,6 +71,19 @@ TEST(Registry, GivesTextsAndSizesOfEachType)
     EXPECT_FALSE(ReadRegistryValue(key.Key(), nullptr, nullptr, text));
     Log::Instance().exceptions(std::ios::goodbit);
     EXPECT_EQ(log.Lines().back(), L"WARN Error with CRegKey");
+}
+
+TEST(RegistryNames, AreAtMostAsManyAsAskedFor)
+{
+    const test::ScratchKey key;
+    for (const wchar_t* name : {L"a", L"b", L"c"}) {
+        key.Make(name);
+        key.Write(L"", name, L"text");
+    }
+    for (const DWORD most : {0U, 2U, 3U, 4U}) {
+        EXPECT_EQ(ListSubkeys(key.Key(), most).size(), std::min<DWORD>(most, 3)) << most;
+        EXPECT_EQ(ListValues(key.Key(), most).size(), std::min<DWORD>(most, 3)) << most;
+    }
 }
 
 TEST(Registry, WarnsOfWhatTheProcessorsKeyLacks)

@@ -1,8 +1,9 @@
 #include <gmock/gmock.h>
 
+#include "platform/Library.h"
 #include "probes/graphics/GraphicsFunctions.h"
-#include "probes/software/SoftwareFunctions.h"
 #include "probes/system/OSInfo.h"
+#include "probes/software/SoftwareFunctions.h"
 #include "support/LogCapture.h"
 
 namespace kel {
@@ -30,6 +31,25 @@ TEST(SystemFunctions, AreFoundByTheirNames)
                 testing::IsSubsetOf({L"WARN The system has no function D3DKMTQueryAdapterInfo",
                                      L"TRACE The system has no function GetPackagesByPackageFamily",
                                      L"TRACE The system has no function GetPackagePathByFullName"}));
+}
+
+DWORD modeWhileLoading = 0;
+
+void CALLBACK NoteMode(ULONG reason, const void*, void*)
+{
+    constexpr ULONG Loaded = 1;
+    if (reason == Loaded)
+        modeWhileLoading = GetThreadErrorMode();
+}
+
+TEST(Library, IsLoadedWithoutABoxOfTheSystem)
+{
+    using Register = LONG NTAPI(ULONG flags, decltype(&NoteMode), void* context, void** cookie);
+    void* cookie = nullptr;
+    const auto notify = FindFunction<Register>(GetModuleHandleW(L"ntdll.dll"), "LdrRegisterDllNotification");
+    ASSERT_EQ(notify(0, &NoteMode, nullptr, &cookie), 0);
+    EXPECT_TRUE(LoadSystemLibrary(L"msvfw32.dll"));
+    EXPECT_EQ(modeWhileLoading, static_cast<DWORD>(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <thread>
 
 #include "service/AnalysisRequest.h"
+#include "service/BandwidthTest.h"
 #include "service/CallBudget.h"
 #include "service/RunWithin.h"
 #include "service/SystemInformationRequest.h"
@@ -54,6 +55,10 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
         EXPECT_STREQ(blocked->Run(blocked), ExchangeStage::Sending);
     EXPECT_TRUE(IsOpen(blocked->handle));  // nobody but the exchange closes it
     EXPECT_THROW(blocked->Run(blocked), std::runtime_error);
+    const test::LogCapture log(LogError);
+    EXPECT_EQ(RunBandwidthTest(), L"");
+    EXPECT_THAT(log.Lines(),
+                testing::ElementsAre(L"ERR Too many Internet exchanges have not ended yet."));
     blocked->mayEnd = true;
     while (blocked->running > 0)
         std::this_thread::sleep_for(1ms);

@@ -185,9 +185,9 @@ private:
                 return S_OK;
             });
         direct3D9.Answer(
-            14, +[](Object*, UINT, D3DDEVTYPE, D3DCAPS9* told) -> HRESULT {
+            14, +[](Object*, UINT, D3DDEVTYPE type, D3DCAPS9* told) -> HRESULT {
                 told->PixelShaderVersion = 0xFFFF0300;
-                return S_OK;
+                return type == D3DDEVTYPE_HAL ? S_OK : HRESULT{D3DERR_NOTAVAILABLE};
             });
         direct3D9.Answer(
             21, +[](Object* self, UINT index, LUID* told) -> HRESULT {
