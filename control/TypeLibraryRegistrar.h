@@ -6,8 +6,6 @@
 
 #include <string>
 
-#include "platform/Library.h"
-
 namespace kel {
 
 /// Registers the type library that the DLL carries, and takes it back: for the current user with the system's
@@ -26,7 +24,6 @@ public:
     void Unregister() const;
 
 private:
-    OwnedLibrary library;
     decltype(&::RegisterTypeLib) add = &::RegisterTypeLib;
     decltype(&::UnRegisterTypeLib) remove = &::UnRegisterTypeLib;
 };
