@@ -146,7 +146,7 @@ void System::UploadReport()
     XMLReport(values).GetReport(XMLReport::StandardOption, report);
     WebServiceUpload request(report);
     request.Call();
-    if (!request.IsSkipped())
+    if (request.HasBegun())
         upload.MarkUploaded(now);
 }
 

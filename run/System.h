@@ -28,7 +28,7 @@ public:
     void SetConfiguration(const std::wstring& text);
 
     /// Stores the identifiers, examines the machine (once per process), and uploads the report when it is
-    /// due; an upload that had to be skipped stays due. While a detector waits, a page may be let in and call
+    /// due; an upload that could not begin stays due. While a detector waits, a page may be let in and call
     /// again: such a call stores the identifiers only, and leaves the upload to the run that is under way.
     /// @throws whatever a step throws; the control's members catch it
     void Detect();
