@@ -5,6 +5,7 @@
 
 #include "Detection.h"
 #include "control/Registrar.h"
+#include "platform/Library.h"
 
 namespace kel {
 
@@ -18,11 +19,10 @@ TypeLibraryRegistrar::TypeLibraryRegistrar(bool forCurrentUser) noexcept
 {
     if (!forCurrentUser)
         return;
-    library = LoadSystemLibrary(L"oleaut32.dll");
     const auto addForUser =
-        FindFunction<decltype(::RegisterTypeLib)>(library.get(), "RegisterTypeLibForUser");
+        FindLoadedFunction<decltype(::RegisterTypeLib)>(L"oleaut32.dll", "RegisterTypeLibForUser");
     const auto removeForUser =
-        FindFunction<decltype(::UnRegisterTypeLib)>(library.get(), "UnRegisterTypeLibForUser");
+        FindLoadedFunction<decltype(::UnRegisterTypeLib)>(L"oleaut32.dll", "UnRegisterTypeLibForUser");
     if (addForUser == nullptr || removeForUser == nullptr)
         return;
     add = addForUser;

@@ -6,8 +6,6 @@
 
 #include <string>
 
-#include "platform/Library.h"
-
 namespace kel {
 
 /// Registers and unregisters the type library in the DLL. For the current user it uses the system's functions
@@ -26,7 +24,6 @@ public:
     void Unregister() const;
 
 private:
-    OwnedLibrary library;
     decltype(&::RegisterTypeLib) add = &::RegisterTypeLib;
     decltype(&::UnRegisterTypeLib) remove = &::UnRegisterTypeLib;
 };

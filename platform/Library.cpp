@@ -1,6 +1,7 @@
 #include "platform/Library.h"
 
 #include <stdexcept>
+#include <string>
 
 #include "diag/Log.h"
 #include "platform/ErrorMode.h"
@@ -18,17 +19,29 @@ HMODULE FindThisModule(DWORD flags, const char* error)
     return module;
 }
 
+std::wstring SystemPath(const wchar_t* name)
+{
+    std::wstring path(MAX_PATH, L'\0');
+    path.resize(GetSystemDirectoryW(path.data(), MAX_PATH));
+    return path + L'\\' + name;
+}
+
 }  // namespace
 
-OwnedLibrary LoadSystemLibrary(const wchar_t* name) noexcept
+OwnedLibrary LoadSystemLibrary(const wchar_t* name, decltype(&LoadLibraryExW) load)
 {
     const ErrorMode quiet;
-    return OwnedLibrary(LoadLibraryExW(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32));
+    const HMODULE library = load(name, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
+    // Windows 7 does not know the flag before its update KB2533623.
+    if (library != nullptr || GetLastError() != ERROR_INVALID_PARAMETER)
+        return OwnedLibrary(library);
+    return OwnedLibrary(load(SystemPath(name).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH));
 }
 
 FARPROC FindProcedure(HMODULE library, const char* name) noexcept
 {
-    const FARPROC procedure = GetProcAddress(library, name);
+    // The system takes null for the host's program.
+    const FARPROC procedure = library != nullptr ? GetProcAddress(library, name) : nullptr;
     if (procedure == nullptr)
         ReportFailure(LogWarning, L"The system has no function ", name);
     return procedure;

@@ -11,9 +11,11 @@ using OwnedLibrary = std::unique_ptr<std::remove_pointer_t<HMODULE>, Closer<&Fre
 
 /// Loads a library from the system's folder and from nowhere else; empty, with the reason in GetLastError,
 /// when it is not there.
-OwnedLibrary LoadSystemLibrary(const wchar_t* name) noexcept;
+/// @param load the system's function, unless a test answers for it
+OwnedLibrary LoadSystemLibrary(const wchar_t* name, decltype(&LoadLibraryExW) load = &LoadLibraryExW);
 
 /// Looks a function up by its name; null, with a warning in the log, when the library does not have it.
+/// @param library null for a library that is not there
 FARPROC FindProcedure(HMODULE library, const char* name) noexcept;
 
 /// The same for a function of a known type.
@@ -21,6 +23,13 @@ template <typename Function>
 Function* FindFunction(HMODULE library, const char* name) noexcept
 {
     return reinterpret_cast<Function*>(reinterpret_cast<void*>(FindProcedure(library, name)));
+}
+
+/// The same in a library that is loaded in every process, or that this module imports.
+template <typename Function>
+Function* FindLoadedFunction(const wchar_t* library, const char* name) noexcept
+{
+    return FindFunction<Function>(GetModuleHandleW(library), name);
 }
 
 /// The module that holds this code: the control's DLL.

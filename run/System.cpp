@@ -147,7 +147,7 @@ void System::UploadReport()
     XMLReport(values).GetReport(XMLReport::StandardOption, report);
     WebServiceUpload request(report);
     request.Call();
-    if (!request.IsSkipped())
+    if (request.HasBegun())
         upload.MarkUploaded(now);
 }
 

@@ -7,14 +7,13 @@ namespace kel {
 void WantedGroups::Assign(const std::wstring& answer, const std::wstring& referrer)
 {
     constexpr const wchar_t* Separators = L"|,";
-    groups.clear();
+    numbers.clear();
     for (std::size_t start = answer.find_first_not_of(Separators); start != std::wstring::npos;) {
         const std::size_t end = std::min(answer.find_first_of(Separators, start), answer.size());
-        groups.emplace_back(answer.substr(start, end - start));
+        numbers.push_back(GroupID(answer.substr(start, end - start)).Number());
         start = answer.find_first_not_of(Separators, end);
     }
-    std::ranges::stable_sort(groups, {}, &GroupID::Number);
-    groups.erase(std::unique(groups.begin(), groups.end()), groups.end());
+    std::ranges::sort(numbers);
     fetched = true;
     fetchedFor = referrer;
 }

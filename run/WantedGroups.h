@@ -11,10 +11,7 @@ namespace kel {
 /// The groups that the analysis service wants for a referrer.
 class WantedGroups {
 public:
-    bool Contains(const GroupID& group) const
-    {
-        return std::ranges::binary_search(groups, group.Number(), {}, &GroupID::Number);
-    }
+    bool Contains(const GroupID& group) const { return std::ranges::binary_search(numbers, group.Number()); }
 
     /// Whether the groups were fetched for this referrer.
     bool IsFetchedFor(const std::wstring& referrer) const { return fetched && fetchedFor == referrer; }
@@ -23,7 +20,7 @@ public:
     void Assign(const std::wstring& answer, const std::wstring& referrer);
 
 private:
-    std::vector<GroupID> groups;  // in order, each once; a tree takes twice the memory of a hostile answer
+    std::vector<unsigned> numbers;  // in order; a hostile answer has millions
     bool fetched = false;
     std::wstring fetchedFor;
 };

@@ -2,6 +2,7 @@
 
 #include "run/store/Session.h"
 #include "run/store/XMLReport.h"
+#include "service/PathText.h"
 
 namespace kel {
 

@@ -1,6 +1,7 @@
 #include "service/GroupListRequest.h"
 
 #include "run/store/Session.h"
+#include "service/PathText.h"
 
 namespace kel {
 

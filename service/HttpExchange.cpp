@@ -7,7 +7,9 @@
 #include <cwchar>
 #include <stdexcept>
 
+#include "diag/Log.h"
 #include "service/ExchangeLimits.h"
+#include "values/Text.h"
 
 namespace kel {
 
@@ -15,6 +17,7 @@ namespace {
 
 constexpr INTERNET_PORT Port = 80;
 constexpr DWORD ConnectFlags = INTERNET_FLAG_NO_AUTH;
+static_assert(ConnectFlags == 0x40000);
 constexpr DWORD RequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT |
                                INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_KEEP_CONNECTION;
 static_assert(RequestFlags == 0xA4400000);
@@ -44,20 +47,16 @@ HINTERNET Open(const HttpRequest& request, InternetSession& internet)
     return opened;
 }
 
-/// The host that answered, after all redirects; empty when WinINet does not return it.
-std::wstring AnsweringHost(HINTERNET request)
+/// The address that answered, after all redirects; empty when WinINet does not report it.
+std::wstring AnsweringAddress(HINTERNET request)
 {
     DWORD size = 0;
     InternetQueryOptionW(request, INTERNET_OPTION_URL, nullptr, &size);
     std::wstring address(size / sizeof(wchar_t) + 1, L'\0');
     size = static_cast<DWORD>(address.size() * sizeof(wchar_t));
-    URL_COMPONENTSW parts = {};
-    parts.dwStructSize = sizeof(parts);
-    parts.dwHostNameLength = 1;  // asks for a pointer into the address
-    if (!InternetQueryOptionW(request, INTERNET_OPTION_URL, address.data(), &size) ||
-        !InternetCrackUrlW(address.c_str(), 0, 0, &parts) || parts.lpszHostName == nullptr)
+    if (!InternetQueryOptionW(request, INTERNET_OPTION_URL, address.data(), &size))
         return {};
-    return {parts.lpszHostName, parts.dwHostNameLength};
+    return address.c_str();  // up to its zero
 }
 
 void NoteLongWait(const InternetSession& internet, DWORD error, HttpAnswer& answer)
@@ -90,6 +89,28 @@ void ReadBody(HINTERNET request, InternetSession& internet, HttpAnswer& answer)
 
 }  // namespace
 
+void HttpAnswer::LogStatus() const
+{
+    if (!status)
+        WriteLog(LogWarning, L"Can't get status.");
+    if (!statusText)
+        WriteLog(LogWarning, L"Can't get data.");
+    const std::wstring code = status.value_or(L"");
+    WriteLog(ToInteger(code) >= 400 ? LogWarning : LogTrace, L"Status: ", code, L' ',
+             statusText.value_or(L""));
+}
+
+bool IsOfHost(const std::wstring& address, const std::wstring& host)
+{
+    URL_COMPONENTSW parts = {};
+    parts.dwStructSize = sizeof(parts);
+    parts.dwHostNameLength = 1;  // asks for a pointer into the address
+    if (!InternetCrackUrlW(address.c_str(), 0, 0, &parts) || parts.lpszHostName == nullptr)
+        return false;
+    const std::wstring found(parts.lpszHostName, parts.dwHostNameLength);
+    return _wcsicmp(found.c_str(), host.c_str()) == 0;
+}
+
 void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer)
 {
     const HINTERNET opened = Open(request, internet);
@@ -108,7 +129,7 @@ void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer
     answer.statusText = InternetSession::QueryInfo(opened, HTTP_QUERY_STATUS_TEXT);
     // WinINet follows redirects, with the user's cookies. A page must not read through the control what its
     // browser would not let it read, such as a host of the local network.
-    if (_wcsicmp(AnsweringHost(opened).c_str(), request.host.c_str()) != 0)
+    if (!IsOfHost(AnsweringAddress(opened), request.host))
         answer.failure = "The answer came from another host than the service's.";
     else
         ReadBody(opened, internet, answer);

@@ -29,7 +29,13 @@ struct HttpAnswer {
     std::string body;                        ///< as it came; the service's are UTF-8
     const char* failure = nullptr;           ///< why the body does not count
     const char* lateIn = nullptr;            ///< the stage in which a single wait ended at its limit
+
+    /// Writes the status to the log: as a warning from 400 on, with one more for each part that is missing.
+    void LogStatus() const;
 };
+
+/// Whether an address, as WinINet reports the one that answered, is of a host. Case does not count.
+bool IsOfHost(const std::wstring& address, const std::wstring& host);
 
 /// Sends a request and reads its answer, through WinINet.
 /// @param request not changed; WinINet's declaration lacks a const

@@ -5,7 +5,6 @@
 #include <atomic>
 #include <exception>
 #include <memory>
-#include <stdexcept>
 #include <utility>
 
 #include "platform/Handles.h"
@@ -48,7 +47,7 @@ void Start(const std::shared_ptr<Job>& job)
                                        : nullptr);
     if (!thread) {
         --running;
-        throw std::runtime_error("Can't start an Internet exchange.");
+        throw ExchangeNotStarted("Can't start an Internet exchange.");
     }
     static_cast<void>(context.release());  // the thread's own from here on
 }
@@ -58,7 +57,7 @@ void Start(const std::shared_ptr<Job>& job)
 const char* RunWithin(std::chrono::milliseconds limit, std::function<void(InternetSession&)> exchange)
 {
     if (running >= ExchangeLimits::AtOnce)
-        throw std::runtime_error("Too many Internet exchanges have not ended yet.");
+        throw ExchangeNotStarted("Too many Internet exchanges have not ended yet.");
     const auto job = std::make_shared<Job>();
     job->exchange = std::move(exchange);
     Start(job);

@@ -3,17 +3,24 @@
 
 #include <chrono>
 #include <functional>
+#include <stdexcept>
 
 #include "service/InternetSession.h"
 
 namespace kel {
+
+/// An exchange that could not begin: nothing was sent.
+class ExchangeNotStarted : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 /// Runs an exchange on a thread of its own and waits for it. The platform's own timeouts bound single waits
 /// only, and a server that sends a byte now and then stays within them without end. At the limit the exchange
 /// is abandoned; it ends when its current call returns. It must own everything that it uses, and cannot write
 /// to the log.
 /// @return null when the exchange ended in time; else its stage, and its data still belong to it
-/// @throws the exchange's exception; std::runtime_error when no thread can be created, or when four exchanges
+/// @throws the exchange's exception; ExchangeNotStarted when no thread can be created, or when four exchanges
 /// of this process have not ended yet
 const char* RunWithin(std::chrono::milliseconds limit, std::function<void(InternetSession&)> exchange);
 

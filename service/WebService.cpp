@@ -12,6 +12,7 @@
 #include "diag/LogScope.h"
 #include "service/CallBudget.h"
 #include "service/HttpExchange.h"
+#include "service/RunWithin.h"
 #include "service/Utf8.h"
 #include "values/Text.h"
 
@@ -37,19 +38,8 @@ void LogHeaders(const std::wstring& headers)
     }
 }
 
-void LogStatus(const HttpAnswer& answer)
-{
-    if (!answer.status)
-        WriteLog(LogWarning, L"Can't get status.");
-    if (!answer.statusText)
-        WriteLog(LogWarning, L"Can't get data.");
-    const std::wstring status = answer.status.value_or(L"");
-    WriteLog(ToInteger(status) >= 400 ? LogWarning : LogTrace, L"Status: ", status, L' ',
-             answer.statusText.value_or(L""));
-}
-
 /// The body of the answer.
-/// @throws std::runtime_error when there is no valid one
+/// @throws std::runtime_error when there is no valid one, ExchangeNotStarted among them
 std::string Ask(HttpRequest request)
 {
     const auto answer = std::make_shared<HttpAnswer>();
@@ -69,7 +59,7 @@ std::string Ask(HttpRequest request)
         throw std::runtime_error("Can't send Internet request.");
     }
     WriteLog(LogTrace, L"Elapsed milliseconds: ", answer->timer.ElapsedMilliseconds());
-    LogStatus(*answer);
+    answer->LogStatus();
     if (answer->failure != nullptr)
         throw std::runtime_error(answer->failure);
     return std::move(answer->body);
@@ -91,15 +81,18 @@ WebService::~WebService() = default;
 void WebService::Call() noexcept
 {
     const CallBudget budget;
-    isSkipped = CallBudget::Current().EndedIn() != nullptr;
+    hasBegun = CallBudget::Current().EndedIn() == nullptr;
     try {
         const LogScope trace(L"kel::WebService::Call");
         try {
-            if (isSkipped)
+            if (!hasBegun)
                 WriteLog(LogWarning, L"Skipped, since an earlier exchange of this call took too long: ",
                          CallBudget::Current().EndedIn());
             else
                 Exchange();
+        } catch (const ExchangeNotStarted& error) {
+            hasBegun = false;
+            WriteLog(LogError, error.what());
         } catch (const std::exception& error) {
             WriteLog(LogError, error.what());
         }
@@ -125,22 +118,6 @@ void WebService::Exchange()
 void WebService::SetPlaceholder(const wchar_t* placeholder, const std::wstring& text)
 {
     ReplaceAll(body, placeholder, text);
-}
-
-std::wstring WebService::PathText(const std::wstring& text)
-{
-    constexpr const wchar_t* Digits = L"0123456789ABCDEF";
-    std::wstring encoded;
-    for (const wchar_t character : text) {
-        if (character < 0x21 || character == 0x7F) {
-            encoded += L'%';
-            encoded += Digits[character / 16];
-            encoded += Digits[character % 16];
-        } else {
-            encoded += character;
-        }
-    }
-    return encoded;
 }
 
 }  // namespace kel

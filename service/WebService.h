@@ -18,8 +18,9 @@ public:
     /// leaves the result as it was.
     void Call() noexcept;
 
-    /// Whether the last call was skipped.
-    bool IsSkipped() const { return isSkipped; }
+    /// Whether the last call got as far as an exchange, even a failed one: it was not skipped, and the
+    /// exchange could be started.
+    bool HasBegun() const { return hasBegun; }
 
     /// The text of the answer, whatever its status; empty before a call and after a failed one.
     const std::wstring& GetResult() const { return result; }
@@ -35,10 +36,6 @@ protected:
     /// Puts a text in place of a placeholder of the body.
     void SetPlaceholder(const wchar_t* placeholder, const std::wstring& text);
 
-    /// A text as it may stand in a path: control characters and blanks are percent-encoded, so that a page's
-    /// identifier cannot add a header or a second request. Everything else goes in as it is.
-    static std::wstring PathText(const std::wstring& text);
-
 private:
     void Exchange();
 
@@ -48,7 +45,7 @@ private:
     std::wstring contentType;
     std::wstring body;
     std::wstring result;
-    bool isSkipped = false;
+    bool hasBegun = false;
 };
 
 /// The key that the service requires of every client.

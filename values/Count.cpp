@@ -1,6 +1,5 @@
 #include "values/Count.h"
 
-#include <sstream>
 #include <string>
 
 #include "diag/Log.h"
@@ -13,9 +12,7 @@ const wchar_t* Count::ToString() const
     static std::wstring text;
     text.clear();
     try {
-        std::wostringstream stream;
-        stream << value;
-        text = stream.str();
+        text = std::to_wstring(value);
     } catch (...) {
         ReportFailure(LogWarning, L"Error in Count ToString.");
     }

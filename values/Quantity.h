@@ -11,8 +11,10 @@ namespace kel {
 /// Truncates toward zero. Below zero, and what is not a number, gives 0; too large gives the largest value.
 std::uint64_t TruncateToUnsigned(double number);
 
-/// Reads a floating-point number from the start of a text, leading blanks skipped; 0.0 when there is none.
-double LeadingNumber(const std::wstring& text);
+/// Reads a floating-point number from the start of a text as a stream does: leading white space skipped; 0.0
+/// when there is none or its exponent has no digits; the limit when it is too large. Not read by a stream,
+/// which switches the locale of the whole process while it reads such a number.
+double LeadingNumber(std::wstring_view text);
 
 /// A unit word and its value in base units.
 struct Unit {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <boost/lexical_cast.hpp>
-#include <sstream>
+#include <string>
 #include <string_view>
 
 #include "diag/Log.h"
@@ -25,13 +25,6 @@ std::wstring_view TakeToken(std::wstring_view& rest)
     return token;
 }
 
-std::wstring Decimal(std::int64_t number)
-{
-    std::wostringstream stream;
-    stream << number;
-    return stream.str();
-}
-
 }  // namespace
 
 Version::Version() : Version(L"0.0") {}
@@ -40,7 +33,7 @@ Version::Version(const wchar_t* newText) : text(MakeText(newText)) {}
 
 Version::Version(const std::wstring& newText) : Version(newText.c_str()) {}
 
-Version::Version(std::int64_t number) : Version(Decimal(number)) {}
+Version::Version(std::int64_t number) : Version(std::to_wstring(number)) {}
 
 Version& Version::operator=(const wchar_t* newText)
 {

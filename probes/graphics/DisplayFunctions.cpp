@@ -12,8 +12,7 @@ using SetAwareness = HANDLE WINAPI(HANDLE);
 class PhysicalPixels {
 public:
     PhysicalPixels()
-        : user(LoadSystemLibrary(L"user32.dll")),
-          set(user ? FindFunction<SetAwareness>(user.get(), "SetThreadDpiAwarenessContext") : nullptr),
+        : set(FindLoadedFunction<SetAwareness>(L"user32.dll", "SetThreadDpiAwarenessContext")),
           previous(set != nullptr ? set(PerMonitor()) : nullptr)
     {
     }
@@ -31,7 +30,6 @@ private:
     /// DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE, which not every platform's headers have.
     static HANDLE PerMonitor() { return reinterpret_cast<HANDLE>(static_cast<INT_PTR>(-3)); }
 
-    OwnedLibrary user;
     SetAwareness* set;
     HANDLE previous;
 };

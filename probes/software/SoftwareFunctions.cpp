@@ -69,7 +69,7 @@ UINT GetProductProperty(const wchar_t* product, const wchar_t* property, wchar_t
 
 std::vector<std::wstring> GetPackages(const wchar_t* family)
 {
-    static auto* const getPackages = SystemFunction<LONG WINAPI(PCWSTR, UINT32*, PWSTR*, UINT32*, PWSTR)>(
+    static auto* const getPackages = FindLoadedFunction<LONG WINAPI(PCWSTR, UINT32*, PWSTR*, UINT32*, PWSTR)>(
         L"kernel32.dll", "GetPackagesByPackageFamily");
     UINT32 count = 0;
     UINT32 size = 0;
@@ -87,7 +87,7 @@ std::vector<std::wstring> GetPackages(const wchar_t* family)
 std::wstring GetPackageFolder(const wchar_t* fullName)
 {
     static auto* const getPath =
-        SystemFunction<LONG WINAPI(PCWSTR, UINT32*, PWSTR)>(L"kernel32.dll", "GetPackagePathByFullName");
+        FindLoadedFunction<LONG WINAPI(PCWSTR, UINT32*, PWSTR)>(L"kernel32.dll", "GetPackagePathByFullName");
     UINT32 size = LongestText;
     std::wstring path(size, L'\0');
     if (getPath == nullptr || getPath(fullName, &size, path.data()) != ERROR_SUCCESS)

@@ -23,10 +23,8 @@ MemoryInfo ReadMemory(decltype(&GlobalMemoryStatusEx) statusEx)
 
 MemoryInfo ReadMemory()
 {
-    const OwnedLibrary kernel = LoadSystemLibrary(L"kernel32.dll");
-    if (!kernel)
-        return {};
-    return ReadMemory(FindFunction<decltype(GlobalMemoryStatusEx)>(kernel.get(), "GlobalMemoryStatusEx"));
+    return ReadMemory(
+        FindLoadedFunction<decltype(GlobalMemoryStatusEx)>(L"kernel32.dll", "GlobalMemoryStatusEx"));
 }
 
 }  // namespace kel

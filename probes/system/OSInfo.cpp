@@ -13,7 +13,7 @@ static_assert(sizeof(OSVERSIONINFOEXW) == 284);
 template <typename Function>
 Function* KernelFunction(const char* name)
 {
-    return FindFunction<Function>(GetModuleHandleW(L"kernel32.dll"), name);
+    return FindLoadedFunction<Function>(L"kernel32.dll", name);
 }
 
 /// The function as a function object; empty when it is missing.

@@ -25,6 +25,7 @@ using Any = Word(Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Wor
 
 constexpr std::string_view Answer = "71060|71063|71069|71207";  // of the service, to whatever it is asked
 Word now = 0, unread = 0;
+bool forbidsLogon = false;  // the request that is sent next
 std::array<char, 40> chosen = {};
 long allocations = 0, nth = 0, open = 0;  // open: blocks of memory, and so many for each handle
 int broken = 0;                           // lines of the log and bodies of requests that were not whole
@@ -77,6 +78,7 @@ constexpr Group Groups[] = {
     {0, 0, "HttpSendRequestW",
      [](const Word* a) {
          broken += a[3] != 0 && *At<char>(a[3]) != '<';
+         EdgeFaults::withLogon += !std::exchange(forbidsLogon, false);
          return unread = Answer.size();
      }},
     {0, 0, "InternetReadFile",
@@ -109,6 +111,10 @@ Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i
     Function& function = functions[Slot];
     const auto& [failure, opens, names, answer] = *function.group;
     function.isCalled = true;
+    if (function.name == "InternetConnectW")
+        EdgeFaults::withLogon += (g & INTERNET_FLAG_NO_AUTH) == 0;
+    forbidsLogon |= function.name == "InternetSetOptionW" &&
+                    static_cast<DWORD>(b) == INTERNET_OPTION_SUPPRESS_SERVER_AUTH;
     if (EdgeFaults::isArmed && failure != Never) {
         const bool allocates = function.group < Groups + 2;
         ++function.calls;

@@ -23,6 +23,7 @@ struct EdgeFaults {
 
     static inline bool isArmed = false, isLasting = false;
     static inline std::string failed;  ///< the function that failed last
+    static inline int withLogon = 0;   ///< connections and requests that may send the user's logon
 };
 
 }  // namespace kel::test

@@ -36,7 +36,11 @@ struct Fault : testing::Test {
         EdgeFaults::Install();
     }
 
-    ~Fault() override { EdgeFaults::Report(); }
+    ~Fault() override
+    {
+        EdgeFaults::Report();
+        EXPECT_EQ(EdgeFaults::withLogon, 0);
+    }
 
     /// Takes the fault away, and loads the DLL if it could not be loaded.
     void Recover()

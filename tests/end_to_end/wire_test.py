@@ -1,7 +1,9 @@
 """What the control puts on the wire, and what it makes of the answers."""
 
+import os
 import time
 import urllib.request
+from unittest import mock
 
 from harness import API_KEY, ControlTest
 from verdict import quantity
@@ -38,6 +40,12 @@ class Wire(ControlTest):
                                          '<group index="0" id="71206"><value>u&gt;\u20ac</value></group>.*</groups>  $')
         self.assertEqual(analysis["body"], "<System><SessionID>s1</SessionID><ItemID>\u20ac\U0001f600</ItemID>"
                                            "<UserID>u>\u20ac</UserID><Format>xml</Format><Schema>2.0</Schema></System>")
+
+    def test_a_character_that_the_code_page_makes_a_line_break_adds_no_request(self):
+        with mock.patch.dict(os.environ, {"LC_ALL": "th_TH.UTF-8"}):  # 874: a note is a carriage return
+            self.run_as(r"\u0e01\u266a\u25d9\u266a\u25d9GET\u25cb/x", 'var answer = control.Analysis("i", "xml", "1");')
+        encoded = "\u00a1%0D%0A%0D%0AGET%09/x"
+        self.assertEqual(self.lines(), [GROUP_LIST.replace("demo", encoded), UPLOAD, ANALYSIS.replace("demo", encoded)])
 
     def test_uploads_again_only_for_a_session_set_by_its_property(self):
         self.require("late", (71094, "Battery", "no"))

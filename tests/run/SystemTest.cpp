@@ -4,12 +4,18 @@
 #include <boost/make_shared.hpp>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <memory>
 #include <regex>
 #include <stdexcept>
+#include <thread>
 
 #include "diag/Log.h"
 #include "run/ConfigurationTags.h"
 #include "run/store/XMLReport.h"
+#include "service/ExchangeLimits.h"
+#include "service/RunWithin.h"
 #include "support/FakeWmi.h"
 #include "support/LogCapture.h"
 #include "support/TestSession.h"
@@ -18,6 +24,8 @@
 
 namespace kel {
 namespace {
+
+using namespace std::chrono_literals;
 
 TEST(ConfigurationTags, TakesTheFirstElementAndLogsTheSearch)
 {
@@ -74,12 +82,46 @@ TEST(System, UploadsOnceThoughAPageIsLetInWhileADetectorWaits)
     const test::FakeWmi fake(data);
     const test::LogCapture log(LogMark);
     system.Detect();
+    EXPECT_EQ(system.Values().GetValue(SystemValueID(GroupID(71206))).Text(), L"let in");
     system.Detect();
     EXPECT_EQ(system.Values().GetValue(SystemValueID(GroupID(71206))).Text(), L"let in");
     const auto lines = log.Lines();
     EXPECT_EQ(std::ranges::count(lines, L"MARK Entering: kel::XMLReport::GetReport"), 1);
     EXPECT_GT(std::ranges::find(lines, L"MARK Entering: kel::XMLReport::GetReport"),
               std::ranges::find(lines, L"MARK Entering: kel::SCSI::Detect"));
+}
+
+TEST(System, KeepsAnUploadDueThatCouldNotBegin)
+{
+    const auto mayEnd = std::make_shared<std::atomic<bool>>(false);
+    const auto occupy = [mayEnd](InternetSession&) {
+        while (!*mayEnd)
+            std::this_thread::sleep_for(1ms);
+    };
+    for (int count = 0; count < ExchangeLimits::AtOnce; ++count)
+        RunWithin(0ms, occupy);
+    const auto canBegin = [&occupy] {
+        try {
+            return RunWithin(5s, occupy) == nullptr;
+        } catch (const ExchangeNotStarted&) {
+            return false;
+        }
+    };
+    System system;
+    test::FakeWmiData data;
+    const test::FakeWmi fake(data);
+    const test::LogCapture log(LogMark);
+    const auto uploads = [&log, &system] {
+        system.Detect();
+        return std::ranges::count(log.Lines(), L"MARK Entering: kel::XMLReport::GetReport");
+    };
+    EXPECT_EQ(uploads(), 1);
+    EXPECT_EQ(uploads(), 2);
+    *mayEnd = true;
+    for (int milliseconds = 0; milliseconds < 5000 && !canBegin(); ++milliseconds)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_EQ(uploads(), 3);
+    EXPECT_EQ(uploads(), 3);
 }
 
 TEST(UploadInterval, LetsTenMinutesPassUnlessReset)

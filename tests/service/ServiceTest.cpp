@@ -1,14 +1,20 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
+#include <cwchar>
 #include <memory>
 #include <stdexcept>
 #include <thread>
+#include <vector>
 
 #include "service/AnalysisRequest.h"
 #include "service/BandwidthTest.h"
 #include "service/CallBudget.h"
+#include "service/HttpExchange.h"
+#include "service/PathText.h"
 #include "service/RunWithin.h"
 #include "service/SystemInformationRequest.h"
 #include "service/Utf8.h"
@@ -54,7 +60,7 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
     for (int count = 0; count < 4; ++count)
         EXPECT_STREQ(blocked->Run(blocked), ExchangeStage::Sending);
     EXPECT_TRUE(IsOpen(blocked->handle));  // nobody but the exchange closes it
-    EXPECT_THROW(blocked->Run(blocked), std::runtime_error);
+    EXPECT_THROW(blocked->Run(blocked), ExchangeNotStarted);
     const test::LogCapture log(LogError);
     EXPECT_EQ(RunBandwidthTest(), L"");
     EXPECT_THAT(log.Lines(),
@@ -101,13 +107,13 @@ TEST(Exchange, IsSkippedAfterOneOfTheSameCallEndedAtALimit)
             CallBudget::Current().End(ExchangeStage::Reading);
         }
         request.Call();
-        EXPECT_TRUE(request.IsSkipped());
+        EXPECT_FALSE(request.HasBegun());
         EXPECT_THAT(log.Lines(),
                     testing::ElementsAre(L"WARN Skipped, since an earlier exchange of this call took "
                                          L"too long: reading"));
     }
     request.Call();
-    EXPECT_FALSE(request.IsSkipped());
+    EXPECT_TRUE(request.HasBegun());
 }
 
 TEST(Requests, EncodeControlCharactersAndBlanksOfIdsOnlyAndFillInPlaceholdersOfTexts)
@@ -119,9 +125,98 @@ TEST(Requests, EncodeControlCharactersAndBlanksOfIdsOnlyAndFillInPlaceholdersOfT
     EXPECT_EQ(SystemInformationRequest().Path(), L"/SystemInformation/?refid=" + encoded + L"&sessid=s%20s");
     AnalysisRequest analysis;
     EXPECT_EQ(analysis.Path(), L"/service/Analysis/" + encoded);
+    session.values.AddValue(71207, L"a&<b>");
+    EXPECT_EQ(SystemInformationRequest().Body(),
+              L"<SystemInformation><Data>&lt;groups&gt;&lt;group index=\"0\" id=\"71207\"&gt;&lt;value&gt;"
+              L"a&amp;amp;&amp;lt;b&amp;gt;&lt;/value&gt;&lt;/group&gt;&lt;/groups&gt;  "
+              L"</Data></SystemInformation>");
     analysis.SetItemID(L"item^message_format");
     analysis.SetMessageFormat(L"xml");
     EXPECT_TRUE(analysis.Body().starts_with(L"<System><SessionID>s s</SessionID><ItemID>itemxml</ItemID>"));
+}
+
+/// What goes out for a text in a code page.
+std::string Sent(std::wstring_view text, UINT codePage)
+{
+    std::array<char, 16> bytes;
+    const int size = WideCharToMultiByte(codePage, 0, text.data(), static_cast<int>(text.size()),
+                                         bytes.data(), 16, nullptr, nullptr);
+    return {bytes.data(), static_cast<std::size_t>(size)};
+}
+
+bool IsDelimiter(char byte)
+{
+    const auto code = static_cast<unsigned char>(byte);
+    return code <= ' ' || code == 0x7F || std::string_view("%?&#/=+;").find(byte) != std::string_view::npos;
+}
+
+/// Whether a character of such bytes went into a path as this text: as it is, or percent-encoded.
+bool IsRightIn(std::wstring_view path, wchar_t character, const std::string& bytes)
+{
+    if (std::ranges::none_of(bytes, &IsDelimiter))
+        return path == std::wstring_view(&character, 1);
+    std::wstring encoded;
+    for (const char byte : bytes) {
+        std::array<wchar_t, 4> code = {};
+        std::swprintf(code.data(), code.size(), L"%%%02X", static_cast<unsigned char>(byte));
+        encoded += code.data();
+    }
+    return path == encoded;
+}
+
+std::vector<UINT> codePages = {CP_UTF8};  // which the system does not list
+
+BOOL CALLBACK AddCodePage(LPWSTR number)
+{
+    codePages.push_back(std::stoul(number));
+    return TRUE;
+}
+
+TEST(PathText, SendsNoCharacterAsADelimiterInAnyCodePage)
+{
+    EnumSystemCodePagesW(&AddCodePage, CP_INSTALLED);
+    // Others have no request line.
+    std::erase_if(codePages, [](UINT page) { return Sent(L"GET /?%\r\n", page) != "GET /?%\r\n"; });
+    EXPECT_GE(codePages.size(), 30U);
+    for (const UINT codePage : codePages) {
+        for (unsigned number = 0x80; number <= 0xFFFF; ++number) {
+            const auto character = static_cast<wchar_t>(number);
+            const std::wstring_view text(&character, 1);
+            if (!IsRightIn(PathText(text, codePage), character, Sent(text, codePage)))
+                FAIL() << "code page " << codePage << ", character " << number;
+        }
+    }
+    EXPECT_EQ(PathText(L"\u266a\u25d9\u0e01", 874), L"%0D%0A\u0e01");
+    EXPECT_EQ(PathText(L"\u00e9", 9999), L"%3F");  // there is no such page
+    EXPECT_EQ(PathText(L"\u2003\u4e00\u00e9", 1252), L"%20%3F\u00e9");
+    EXPECT_EQ(PathText(L"\u266a\u2003\xd83d\xde00", 65001), L"\u266a\u2003\xd83d\xde00");
+}
+
+TEST(Answer, CountsOnlyFromTheServicesHost)
+{
+    for (const wchar_t* own : {L"http://a.example/x", L"http://A.Example:80/"})
+        EXPECT_TRUE(IsOfHost(own, L"a.example")) << own;
+    for (const wchar_t* other : {L"", L"a.example", L"http://a.example@b.example",
+                                 L"http://b.example/a.example", L"http://a.example.b.example/"})
+        EXPECT_FALSE(IsOfHost(other, L"a.example")) << other;
+}
+
+TEST(Answer, HasItsStatusInTheLogAsAWarningFrom400On)
+{
+    HttpAnswer answer;
+    const test::LogCapture log;
+    for (const wchar_t* status : {L"200", L"399", L"400", L"500"}) {
+        answer.status = status;
+        answer.statusText = L"text";
+        answer.LogStatus();
+    }
+    answer.statusText.reset();
+    answer.status.reset();
+    answer.LogStatus();
+    EXPECT_THAT(log.Lines(),
+                testing::ElementsAre(L"TRACE Status: 200 text", L"TRACE Status: 399 text",
+                                     L"WARN Status: 400 text", L"WARN Status: 500 text",
+                                     L"WARN Can't get status.", L"WARN Can't get data.", L"TRACE Status:  "));
 }
 
 TEST(Utf8, ReplacesWhatIsMalformedAndKeepsZeros)

@@ -4,6 +4,7 @@
 #include <limits>
 #include <span>
 
+#include "support/LocaleWatch.h"
 #include "support/LogCapture.h"
 #include "support/Machines.h"
 #include "values/Bandwidth.h"
@@ -11,6 +12,7 @@
 #include "values/DeviceID.h"
 #include "values/Junk.h"
 #include "values/Name.h"
+#include "values/Quantity.h"
 #include "values/Resolution.h"
 #include "values/Size.h"
 #include "values/Speed.h"
@@ -22,6 +24,7 @@ namespace {
 using namespace std::string_literals;
 
 constexpr std::uint64_t Largest = std::numeric_limits<std::uint64_t>::max();
+constexpr double Huge = std::numeric_limits<double>::max();
 
 /// A text, the amount in it, and how that prints.
 using Row = std::tuple<const wchar_t*, std::uint64_t, const wchar_t*>;
@@ -47,7 +50,8 @@ TEST(Quantities, ReadAndPrintAmountsInTheStepsOfTheirUnits)
         {L"1.9", 1, L"1.0 B"},       {L"1023", 1023, L"1023.0 B"},
         {L"1.5KB", 1536, L"1.5 KB"}, {L"9223372036854775808", 1ULL << 63, L"8388608.0 TB"},
         {L"4 kb", 4096, L"4.0 KB"},  {L"20000000 TB", Largest, L"16777216.0 TB"},
-        {L"1024", 1024, L"1.0 KB"},
+        {L"1024", 1024, L"1.0 KB"},  {L"1280", 1280, L"1.2 KB"},  // half way goes to the even digit
+        {L"1331", 1331, L"1.3 KB"},  {L"1792", 1792, L"1.8 KB"},
     };
     const Row speeds[] = {
         {L"fast", 0, L"0.0 Hz"},      {L"2 GHz 3 MHz", 2000000, L"2.0 MHz"},
@@ -73,6 +77,57 @@ TEST(Quantities, ReadAndPrintAmountsInTheStepsOfTheirUnits)
     EXPECT_TRUE(log.Lines().empty());
     EXPECT_FALSE(Size().Initialize(nullptr));  // the only one that warns
     EXPECT_EQ(log.Lines(), std::vector<std::wstring>{L"WARN NULL parameter."});
+}
+
+TEST(Quantities, ReadNumbersAsAStreamDoes)
+{
+    const std::wstring zeros(400, L'0');
+    const std::pair<std::wstring, double> numbers[] = {{L"\t\u00a0\u3000+7.", 7},
+                                                       {L".5e1x", 5},
+                                                       {L"1E+02", 100},
+                                                       {L"-00.25", -0.25},
+                                                       {L"1e2.5", 100},
+                                                       {L"1.2.3", 1.2},
+                                                       {L"1" + zeros + L"e-399", 10},
+                                                       {L"0." + zeros + L"1e450", 1e49},
+                                                       {L"1" + zeros + L"e-9", Huge},
+                                                       {L"0.01e99999999999999999999", Huge},
+                                                       {L"0.001e400", Huge},
+                                                       {L"-1e400", -Huge}};
+    for (const auto& [text, number] : numbers)
+        EXPECT_EQ(LeadingNumber(text), number) << text.substr(0, 20);
+    const std::wstring none[] = {L"",
+                                 L"-",
+                                 L".",
+                                 L"e5",
+                                 L"+-1",
+                                 L"+ 1",
+                                 L"1e",
+                                 L"1e+",
+                                 L"1e 5",
+                                 L"2.4ex",
+                                 L"0e99999999999999999999",
+                                 L"1e-99999999999999999999",
+                                 L"inf",
+                                 L"nan",
+                                 L"0x10",
+                                 L"\u06615",
+                                 L"0." + zeros + L"1"};
+    for (const std::wstring& text : none)
+        EXPECT_EQ(LeadingNumber(text), 0) << text.substr(0, 20);
+}
+
+TEST(Quantities, LeaveTheLocaleAlone)
+{
+    const test::LocaleWatch watch;
+    Speed speed;
+    Size size;
+    for (int round = 0; round < 3000; ++round) {
+        speed.Initialize(L"2.4 GHz");
+        size.Initialize(speed.ToString());
+        EXPECT_STREQ(Bandwidth(size.ToString()).ToString(), L"2.0 bps");
+        EXPECT_EQ(Version(Count(round).ToString()), Version(std::int64_t{round}));
+    }
 }
 
 TEST(Name, KeepsTextsUnchangedUpToTheFirstZeroAndComparesThemExactly)

@@ -116,6 +116,7 @@ MISBEHAVIOURS = {
     "flood-headers": _for_ever(OK, b"X: 71063|71094|71063|71094|71063|71094\r\n" * 100),
     "flood-header": _for_ever(OK + b"X: ", PIECE),
     "many-ids": _plain(200, "|".join(map(str, [71424, 71218, 71206, 71063, *range(80000, 2200000)]))[:16 * 1024 * 1024]),
+    "ones": _plain(200, b"1," * (8 * 1024 * 1024)),
     "longest": _plain(200, b"71063|" + b"x" * (16 * 1024 * 1024 - 6)),
     "100-mb": _raw(OK + b"Content-Length: 104857600\r\n\r\n", *[bytes(1024 * 1024)] * 100),
     "length-small": _length(b"5"),
