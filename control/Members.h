@@ -29,6 +29,16 @@ inline std::wstring TextOf(BSTR text)
     return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring();
 }
 
+/// Returns a text as a string that the caller frees. A null result is left alone.
+/// @return S_OK, or E_OUTOFMEMORY when the string cannot be allocated
+inline HRESULT ReturnText(const std::wstring& text, BSTR* result) noexcept
+{
+    if (result == nullptr)
+        return S_OK;
+    *result = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
+    return *result != nullptr ? S_OK : E_OUTOFMEMORY;
+}
+
 /// Runs the body of a member during its turn. Any exception is logged and ends here. A member that does not
 /// get its turn does nothing.
 /// @param scopeName the trace scope that it runs in and fails in; null for none
@@ -73,10 +83,7 @@ HRESULT GuardedResult(const wchar_t* scopeName, BSTR* result, Body body) noexcep
     HRESULT status = S_OK;
     Guarded(scopeName, [&] {
         const std::wstring& text = body();
-        if (result == nullptr)
-            return;
-        *result = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-        status = *result != nullptr ? S_OK : E_OUTOFMEMORY;
+        status = ReturnText(text, result);
     });
     return status;
 }

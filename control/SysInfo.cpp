@@ -3,7 +3,6 @@
 #include <memory>
 #include <new>
 
-#include "control/Members.h"
 #include "control/TypeInfo.h"
 
 namespace kel {
@@ -88,8 +87,9 @@ ULONG CSysInfo::Release()
 
 ITypeInfo* CSysInfo::TypeInfo() noexcept
 {
+    // Without a turn: names can be looked up while another apartment's run takes its time.
     if (!typeInfo)
-        Guarded([this] { typeInfo = LoadSysInfoTypeInfo(); });
+        typeInfo = LoadSysInfoTypeInfo();
     return typeInfo.Get();
 }
 

@@ -5,6 +5,7 @@
 #include "control/Members.h"
 #include "control/SysInfo.h"
 #include "diag/Log.h"
+#include "platform/Library.h"
 #include "run/System.h"
 #include "run/store/XMLReport.h"
 #include "service/AnalysisRequest.h"
@@ -106,6 +107,8 @@ HRESULT CSysInfo::put_Logging(BSTR level)
             const int number = ToInteger(TextOf(level));
             WriteLog(LogTrace, L"Setting level to: ", number);
             Log::Instance().SetLevel(number);
+            // There may be no session yet, which would keep the module loaded, and the level with it.
+            PinThisModule();
         },
         L"Caught exception in put_Logging");
 }
@@ -152,7 +155,14 @@ HRESULT CSysInfo::put_Debug(BSTR text)
 
 HRESULT CSysInfo::get_Version(BSTR* version)
 {
-    return GuardedResult(version, [] { return System::Version(); });
+    // Without a turn: a text that never changes can be read while another apartment's run takes its time.
+    if (version != nullptr)
+        *version = nullptr;
+    try {
+        return ReturnText(System::Version(), version);
+    } catch (...) {
+        return E_OUTOFMEMORY;
+    }
 }
 
 }  // namespace kel

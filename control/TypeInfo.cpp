@@ -2,6 +2,7 @@
 
 #include "Detection.h"
 #include "control/DetectionModule.h"
+#include "control/Turn.h"
 #include "diag/Log.h"
 
 namespace kel {
@@ -16,8 +17,11 @@ Microsoft::WRL::ComPtr<ITypeInfo> LoadSysInfoTypeInfo() noexcept
     } catch (...) {
         typeInfo.Reset();
     }
-    if (!typeInfo)
-        ReportFailure(LogError, L"The type library cannot be loaded.");
+    if (!typeInfo) {
+        // The log is not locked: without a turn, as while another apartment's run takes its time, no line.
+        if (const Turn turn(std::chrono::milliseconds::zero()); turn)
+            ReportFailure(LogError, L"The type library cannot be loaded.");
+    }
     return typeInfo;
 }
 

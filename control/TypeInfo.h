@@ -7,8 +7,9 @@
 
 namespace kel {
 
-/// Loads the description of ISysInfo from the type library inside the DLL; null, with an error in the log,
-/// when it cannot be loaded. It serves IDispatch.
+/// Loads the description of ISysInfo from the type library inside the DLL. It serves IDispatch, and needs no
+/// turn.
+/// @return null when it cannot be loaded; then an error is logged, unless another apartment has its turn
 Microsoft::WRL::ComPtr<ITypeInfo> LoadSysInfoTypeInfo() noexcept;
 
 }  // namespace kel

@@ -158,7 +158,8 @@ private:
     static void GetSupportInformation();
 };
 
-/// Memory: installed and available physical memory and the process's address space.
+/// Memory: the physical memory that Windows can use, what of it is available, and the process's address
+/// space.
 class Ram : public Component {
 public:
     bool Detect() override;

@@ -83,9 +83,16 @@ bool SetupLib::Enumerate(const wchar_t* operation, DWORD deviceClass, const wcha
         }
         SP_DEVINFO_DATA device = {};
         device.cbSize = sizeof(device);
-        for (DWORD index = 0; entryPoints.enumDeviceInfo(set.get(), index, &device); ++index)
-            fill(SetupDevice(entryPoints, set.get(), device));
-        return true;
+        bool isWhole = true;
+        for (DWORD index = 0; entryPoints.enumDeviceInfo(set.get(), index, &device); ++index) {
+            try {
+                fill(SetupDevice(entryPoints, set.get(), device));
+            } catch (...) {
+                isWhole = false;
+                ReportFailure(LogError, L"Error in ", operation);
+            }
+        }
+        return isWhole;
     } catch (...) {
         ReportFailure(LogError, L"Error in ", operation);
         return false;

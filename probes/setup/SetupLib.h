@@ -45,8 +45,9 @@ public:
     /// @return whether all its entry points are there
     bool Initialize();
 
-    /// Each lists one class, appending a record for each device in the system's order.
-    /// @return whether the device set could be opened and walked
+    /// Each lists one class, appending a record for each device in the system's order. A device at which
+    /// something is thrown is logged and left out; the later ones are listed.
+    /// @return whether the device set could be opened and walked without that
     bool GetHardDriveInfo(std::vector<DiskInfo>& drives);
     bool GetGpuInfo(std::vector<GpuInfo>& adapters);
     bool GetScsiInfo(std::vector<ScsiInfo>& controllers);

@@ -151,6 +151,24 @@ TEST_F(Control, LoadsWhatAPageGivesAndSavesNoSession)
     EXPECT_EQ(classId, CLSID_SysInfo);
 }
 
+TEST_F(Control, GivesBackWhatItsPropertiesWereSetTo)
+{
+    const auto check = [this](const char* name, auto put, auto get,
+                              std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> rows) {
+        for (const auto& [text, result] : rows) {
+            EXPECT_EQ((control.Get()->*put)(_bstr_t(text)), S_OK) << name;
+            EXPECT_EQ(Get(get), result) << name << " after \"" << text << '"';
+        }
+    };
+    check("ReferrerID", &ISysInfo::put_ReferrerID, &ISysInfo::get_ReferrerID, {{L"r", L"r"}, {L"", L"r"}});
+    check("SessionID", &ISysInfo::put_SessionID, &ISysInfo::get_SessionID, {{L"s", L"s"}, {L"", L"s"}});
+    check("UserID", &ISysInfo::put_UserID, &ISysInfo::get_UserID, {{L"u", L"u"}, {L"", L""}});
+    check("Debug", &ISysInfo::put_Debug, &ISysInfo::get_Debug,
+          {{L"x", L"1"}, {L"0", L"0"}, {L"00", L"1"}, {L"", L"0"}});
+    check("Logging", &ISysInfo::put_Logging, &ISysInfo::get_Logging,
+          {{L"12", L"7"}, {L"3x", L"3"}, {L"-2", L"-2"}, {L"abc", L"0"}});
+}
+
 TEST_F(Control, TakesNullPointersAndHugeTexts)
 {
     for (const HRESULT result :
@@ -166,6 +184,9 @@ TEST_F(Control, TakesNullPointersAndHugeTexts)
     EXPECT_EQ(Get(&ISysInfo::get_UserID), megabyte);
     control->put_UserID(_bstr_t(SysAllocStringLen(zeros.data(), 3), false));
     EXPECT_EQ(test::Get(dll.Create(), &ISysInfo::get_UserID), zeros);  // all objects share one session
+    const std::wstring behind = zeros + L"<user_id>behind zeros</user_id>";
+    control->Configure(_bstr_t(SysAllocStringLen(behind.data(), static_cast<UINT>(behind.size())), false));
+    EXPECT_EQ(Get(&ISysInfo::get_UserID), L"behind zeros");
     EXPECT_EQ(control->GetTypeInfoCount(nullptr), E_POINTER);
     EXPECT_EQ(control->Invoke(1, IID_NULL, 0, DISPATCH_PROPERTYGET, nullptr, nullptr, nullptr, nullptr),
               E_POINTER);

@@ -74,9 +74,14 @@ constexpr Group Groups[] = {
     {Never, 0, "CreateDXGIFactory1 Direct3DCreate9Ex DllGetClassObject",
      [](const Word*) { return OutOfMemory; }},
     {0, Handle, "InternetOpenUrlW",
-     [](const Word*) { return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0)); }},
+     [](const Word*) {
+         unread = Answer.size();
+         return reinterpret_cast<Word>(InternetOpenW(L"", 1, nullptr, nullptr, 0));
+     }},
     {0, 0, "HttpSendRequestW",
      [](const Word* a) {
+         if (a[3] != 0)
+             EdgeFaults::sent = At<char>(a[3]);
          broken += a[3] != 0 && *At<char>(a[3]) != '<';
          EdgeFaults::withLogon += !std::exchange(forbidsLogon, false);
          return unread = Answer.size();
@@ -88,7 +93,7 @@ constexpr Group Groups[] = {
      }},
     {0, 0, "InternetQueryDataAvailable", [](const Word* a) { return Word(*At<DWORD>(a[1]) = 100); }},
     {0, 0, "HttpQueryInfoW",
-     [](const Word* a) { return Word(a[1] < 100 && wcscpy(At<wchar_t>(a[2]), L"200")); }},
+     [](const Word* a) { return Word(a[1] < 100 && wcscpy(At<wchar_t>(a[2]), EdgeFaults::status.c_str())); }},
     {0, 0, "QueryPerformanceCounter", [](const Word* a) { return *At<Word>(*a) = now += 10000000; }},
 };
 
@@ -192,9 +197,8 @@ void EdgeFaults::Install()
     LdrRegisterDllNotification(0, reinterpret_cast<void*>(&HookImports), nullptr, &cookie);
 }
 
-void EdgeFaults::Arm()
+void EdgeFaults::Arm(const char* fault)
 {
-    const char* const fault = std::getenv("KEL_FAULT");
     char sign = 0;
     std::sscanf(fault != nullptr ? fault : "", "%39[^:+]%c%ld", chosen.data(), &sign, &nth);
     isLasting = sign == '+';

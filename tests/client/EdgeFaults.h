@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <string>
 
 namespace kel::test {
@@ -11,9 +12,10 @@ struct EdgeFaults {
     /// Takes effect when the DLL is loaded next.
     static void Install();
 
-    /// Counts the calls that can fail from now on, and makes one fail: KEL_FAULT is "malloc:7" for the
-    /// seventh call of that function, "any+7" for all allocations from the seventh on.
-    static void Arm();
+    /// Counts the calls that can fail from now on, and makes one fail.
+    /// @param fault "malloc:7" for the seventh call of that function, "any+7" for all allocations from the
+    /// seventh on; null for none
+    static void Arm(const char* fault = std::getenv("KEL_FAULT"));
 
     /// Prints what is open and not whole, what failed last, and how often each function was called when it
     /// could have failed: -1 for one that was never called.
@@ -22,8 +24,10 @@ struct EdgeFaults {
     static bool FailsTexts() { return isLasting || failed == "SysAllocStringLen"; }
 
     static inline bool isArmed = false, isLasting = false;
-    static inline std::string failed;  ///< the function that failed last
-    static inline int withLogon = 0;   ///< connections and requests that may send the user's logon
+    static inline std::string failed;            ///< the function that failed last
+    static inline std::wstring status = L"200";  ///< of all answers of the service
+    static inline std::string sent;              ///< the body of the last request that had one
+    static inline int withLogon = 0;             ///< connections and requests that may send the user's logon
 };
 
 }  // namespace kel::test

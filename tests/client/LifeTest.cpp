@@ -6,6 +6,8 @@
 #include <psapi.h>
 
 #include <array>
+#include <chrono>
+#include <functional>
 #include <future>
 #include <random>
 #include <thread>
@@ -74,6 +76,17 @@ TEST(Life, StaysInTheProcessOnceASessionLives)
     EXPECT_EQ(sessions[1], sessions[0]);
 }
 
+TEST(Life, KeepsALogLevelThatWasSetBeforeTheFirstSession)
+{
+    const test::Apartment apartment;
+    for (const wchar_t* level : {L"0", L"5"}) {
+        const test::ControlDll dll;  // a host frees what it does not use, and loads it again
+        const auto control = dll.Create();
+        EXPECT_EQ(Get(control, &ISysInfo::get_Logging), level);
+        control->put_Logging(_bstr_t(L"5"));
+    }
+}
+
 TEST(Life, OfTenThousandControlsLeavesNothing)
 {
     const test::Apartment apartment;
@@ -132,17 +145,55 @@ TEST_F(Apartments, ServeCallsWhileTheyWaitForTheirTurn)
     ComPtr<IDispatch> control;
     EXPECT_EQ(CoGetInterfaceAndReleaseStream(made.get_future().get(), IID_PPV_ARGS(&control)), S_OK);
     test::FakeWmiData data;
-    _variant_t version;
+    _variant_t debug;
     data.whileAsked = [&] {  // in the midst of a run
         begun.set_value();
-        EXPECT_EQ(test::Call(control.Get(), L"Version", version), S_OK);
+        EXPECT_EQ(test::Call(control.Get(), L"Debug", debug), S_OK);
     };
     {
         const test::FakeWmi fake(data);
         dll.Create()->Detect();
     }
     other.join();
-    EXPECT_EQ(version, _variant_t(L"4.5.1.0"));
+    EXPECT_EQ(debug, _variant_t(L"0"));
+}
+
+TEST_F(Apartments, LookUpNamesAndReadTheVersionWithoutATurn)
+{
+    const test::Apartment apartment;
+    struct Use {
+        const char* what;
+        std::function<HRESULT(ISysInfo&)> call;
+        std::future<HRESULT> result = {};
+    };
+    _bstr_t version, name(L"Detect");
+    wchar_t* names = name;
+    DISPID id = 0;
+    ComPtr<ITypeInfo> info;
+    Use uses[] = {
+        {"version", [&](ISysInfo& control) { return control.get_Version(version.GetAddress()); }},
+        {"name", [&](ISysInfo& control) { return control.GetIDsOfNames(IID_NULL, &names, 1, 0, &id); }},
+        {"type information", [&](ISysInfo& control) { return control.GetTypeInfo(0, 0, &info); }},
+    };
+    test::FakeWmiData data;
+    data.whileAsked = [&] {  // in the midst of a run
+        for (Use& use : uses) {
+            use.result = std::async(std::launch::async, [this, &use] {
+                const test::Apartment other;
+                return use.call(*dll.Create().Get());
+            });
+            EXPECT_EQ(use.result.wait_for(std::chrono::seconds(20)), std::future_status::ready) << use.what;
+        }
+    };
+    {
+        const test::FakeWmi fake(data);
+        dll.Create()->Detect();
+    }
+    for (Use& use : uses)
+        EXPECT_EQ(use.result.get(), S_OK) << use.what;
+    EXPECT_EQ(version, _bstr_t(L"4.5.1.0"));
+    EXPECT_EQ(id, 8);
+    EXPECT_TRUE(info);
 }
 
 }  // namespace

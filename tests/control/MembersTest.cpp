@@ -1,5 +1,5 @@
 #include <comutil.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <algorithm>
 #include <regex>
@@ -57,30 +57,40 @@ TEST_F(Members, TraceTheStepsOfARunInTheirOrder)
 
 TEST_F(Members, LogTheLevelAndWhatFailsInThem)
 {
-    const test::LogCapture log(3);
-    control->put_Logging(_bstr_t(L"3"));
+    static_cast<void>(System::Instance());
+    const test::LogCapture log(4);
     control->put_ReferrerID(_bstr_t(L"r"));
+    control->put_Logging(_bstr_t(L"3"));
+    EXPECT_THAT(log.Lines(),
+                testing::ElementsAre(L"MARK Entering: CSysInfo::put_ReferrerID",
+                                     L"MARK Exiting: CSysInfo::put_ReferrerID",
+                                     L"MARK Entering: CSysInfo::put_Logging", L"TRACE Setting level to: 3",
+                                     L"MARK Exiting: CSysInfo::put_Logging"));
     const _bstr_t old(L"old");
     BSTR value = old;
     EXPECT_EQ(control->get_Value(_bstr_t(L"1"), &value), S_OK);
     EXPECT_EQ(value, nullptr);
-    const Lines lines = log.Lines();
-    EXPECT_EQ(lines.front(), L"TRACE Setting level to: 3");
-    EXPECT_EQ(lines.back(), L"ERR Caught exception.");
+    EXPECT_EQ(log.Lines().back(), L"ERR Caught exception.");
     control->put_Logging(_bstr_t(L"1"));
     control->put_Logging(_bstr_t(L"7"));  // the level in force does not show the line
     EXPECT_EQ(std::ranges::count(log.Lines(), L"TRACE Setting level to: 7"), 0);
 }
 
 struct BrokenSession : test::TestSession {
-    bool IsWanted(const GroupID&) const override { throw std::runtime_error("broken"); }
+    bool IsWanted(const GroupID&) const override
+    {
+        return isBroken ? throw std::runtime_error("broken") : false;
+    }
+    bool isBroken = false;
 };
 
 TEST_F(Members, GiveAnEmptyReportAndNoVerdictWhenTheRunThrows)
 {
     static_cast<void>(System::Instance());
     BrokenSession session;
-    session.values.AddValue(1, L"x");
+    EXPECT_EQ(control->get_SysInfo(text.GetAddress()), S_OK);
+    EXPECT_GT(text.length(), 0U);
+    session.isBroken = true;
     const test::LogCapture log(1);
     EXPECT_EQ(control->get_SysInfo(text.GetAddress()), S_OK);
     ASSERT_NE(text.GetBSTR(), nullptr);

@@ -68,10 +68,10 @@ TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)
     EXPECT_EQ(GetMachineIdentifier(), L"xyz");
     user.Write(key, L"Run", REG_DWORD, L"7", sizeof(DWORD));
     EXPECT_TRUE(std::regex_match(GetMachineIdentifier(), form));
-    for (const std::size_t length : {100U, 40000U}) {  // the second is too long to be read, and somebody's
+    for (const std::size_t length : {32767U, 32768U}) {  // the second is too long to be read, and somebody's
         const std::wstring own(length, L'x');
         user.Write(key, L"Run", own);
-        EXPECT_EQ(GetMachineIdentifier() == own, length == 100U);
+        EXPECT_EQ(GetMachineIdentifier() == own, length == 32767U);
         EXPECT_EQ(ReadValue(OpenKey(user.Key(), key.c_str(), KEY_READ).get(), L"Run")->Text(), own);
     }
 }

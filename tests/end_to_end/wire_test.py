@@ -93,10 +93,3 @@ class Wire(ControlTest):
                              'WScript.Echo(control.Value("71063") != "" && control.Value("71424") == control.SessionID);'
                              'WScript.Echo(control.SysInfo.indexOf("<groups>"));')
         self.assertEqual(output, ["[]", "-1", "0"])
-
-    def test_keeps_and_clears_texts_as_each_member_does(self):
-        rows = (("UserID", "u", "u"), ("UserID", "", ""), ("SessionID", "s", "s"), ("SessionID", "", "s"), ("Debug", "x", "1"),
-                ("ReferrerID", "r", "r"), ("ReferrerID", "", "r"), ("Debug", "0", "0"), ("Debug", "00", "1"), ("Debug", "", "0"),
-                ("Logging", "12", "7"), ("Logging", "3x", "3"), ("Logging", "-2", "-2"), ("Logging", "abc", "0"))
-        output = self.run_script("".join(f'control.{name} = "{put}"; WScript.Echo(control.{name});' for name, put, _ in rows))
-        self.assertEqual(output, [kept for _, _, kept in rows])

@@ -134,6 +134,16 @@ BOOL WINAPI NoProperty(HDEVINFO, PSP_DEVINFO_DATA, DWORD, PDWORD, PBYTE, DWORD, 
     return Fail(FALSE);
 }
 
+/// The system's function, but for the property "broken".
+BOOL WINAPI ThrowAtBroken(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD property, PDWORD type, PBYTE data,
+                          DWORD size, PDWORD needed)
+{
+    const BOOL isRead = SetupDiGetDeviceRegistryPropertyW(set, device, property, type, data, size, needed);
+    if (data != nullptr && wcscmp(reinterpret_cast<const wchar_t*>(data), L"broken") == 0)
+        throw 1;
+    return isRead;
+}
+
 /// Loads the library, and puts another function in the place of one.
 template <typename Function>
 SetupLib::Loader With(Function* Table::*function, Function* other)
@@ -143,6 +153,20 @@ SetupLib::Loader With(Function* Table::*function, Function* other)
         table.*function = other;
         return true;
     };
+}
+
+TEST(SetupLib, ListsTheDevicesBehindOneThatFails)
+{
+    PlantedDevice first(Disks), broken(Disks), last(Disks);
+    first.With(SPDRP_FRIENDLYNAME, L"first");
+    broken.With(SPDRP_FRIENDLYNAME, L"broken");
+    last.With(SPDRP_FRIENDLYNAME, L"last");
+    const test::LogCapture log(1);
+    std::vector<DiskInfo> disks;
+    EXPECT_FALSE(SetupLib(With(&Table::getDeviceRegistryProperty, &ThrowAtBroken)).GetHardDriveInfo(disks));
+    ASSERT_EQ(disks.size(), 2U);
+    EXPECT_EQ(Joined(disks[0].friendlyName, disks[1].friendlyName), L"first|last|");
+    EXPECT_EQ(log.Lines(), Lines{L"ERR Error in GetHardDriveInfo"});
 }
 
 TEST(SetupLib, ReportsAFailureOfEachCallAndGoesOn)
