@@ -6,10 +6,11 @@ import py_compile
 import re
 import shutil
 import subprocess
+import tempfile
 import unittest
 from pathlib import Path
 
-from harness import CLASS_ID, CSCRIPT, EXAMPLES, PROGRAMS, ROOT, ControlTest, windows_path, wine
+from harness import CLASS_ID, CSCRIPT, EXAMPLES, PATIENCE, PROGRAMS, ROOT, ControlTest, windows_path, wine
 
 # What a page's script needs of a browser; each text node is a line of output.
 BROWSER = (Path(__file__).parent / "browser.js").read_text("ascii")
@@ -70,13 +71,13 @@ class Page(unittest.TestCase):
 
     def show(self, name, verdict):
         """The page's rows and total as the browser shows them, and all of it."""
-        folder = ROOT / "build" / "page"
+        folder, profile = ROOT / "build" / "page", self.enterContext(tempfile.TemporaryDirectory())
         shutil.copytree(EXAMPLES, folder, dirs_exist_ok=True)
         page = (EXAMPLES / "check.html").read_text("utf-8")
         control = f"<script>document.getElementById('control').Analysis = function () {{ return '{verdict}'; }};</script>"
         (folder / f"{name}.html").write_text(page.replace("</object>", "</object>" + control) if verdict else page, "utf-8")
-        tree = subprocess.run([*CHROMIUM, f"--user-data-dir={folder / 'profile'}", "--window-size=1000,900", "--dump-dom",
-                               f"--screenshot={folder / name}.png", f"file://{folder / name}.html"], check=True, timeout=120,
+        tree = subprocess.run([*CHROMIUM, f"--user-data-dir={profile}", "--window-size=1000,900", "--dump-dom",
+                               f"--screenshot={folder / name}.png", f"file://{folder / name}.html"], check=True, timeout=PATIENCE,
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
         body = re.search("<tbody>(.*?)</tbody>", tree, re.DOTALL)[1]
         rows = [re.sub("(<[^>]+>)+", "|", row).strip("|") for row in re.findall("<tr.*?</tr>", body, re.DOTALL)]
