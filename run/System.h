@@ -28,8 +28,8 @@ public:
     void SetConfiguration(const std::wstring& text);
 
     /// Stores the identifiers, examines the machine (once per process), and uploads the report when it is
-    /// due; an upload that could not begin stays due. A page may call again while a detector waits: such a call
-    /// only stores the identifiers, and leaves the upload to the run in progress.
+    /// due; an upload that could not begin stays due. A page may call again while a detector waits: such a
+    /// call only stores the identifiers, and leaves the upload to the run in progress.
     /// @throws any exception of a step; the control's members catch it
     void Detect();
 

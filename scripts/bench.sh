@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Measures what the control costs, beside plain programs that ask WMI for the same: prints one table and writes it to
-# build/bench/bench.json. --page also puts it into docs/generated/performance.md; --runs N sets how often everything is run.
+# build/bench/bench.json. --page also puts it into docs/generated/performance.md; --runs N sets how often
+# everything is run; --quick runs everything once, to see that it works.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -11,8 +12,8 @@ cmake --build --preset release
 source scripts/wine_env.sh
 # All on one processor, Wine's server too: a call into the server otherwise waits, or does not, for another processor
 # to wake up, and the same line of debugger output takes 7 or 65 microseconds.
-wineserver -k 2>/dev/null || true
 taskset --cpu-list --pid 0 $$ >/dev/null
+remove_prefix
 start_wine
 wine regsvr32 /s build/release/Detection.dll 2>/dev/null
 python3 tools/bench "$@"

@@ -6,7 +6,8 @@ cd "$(dirname "$0")/.."
 scripts/setup.sh --lint
 options=(-i)
 [ "${1:-}" = --check ] && options=(--dry-run --Werror)
-if ! git ls-files -z --cached --others --exclude-standard '*.cpp' '*.h' | xargs -0 clang-format "${options[@]}"; then
+files=$(git ls-files --cached --others --exclude-standard '*.cpp' '*.h')
+if ! xargs clang-format "${options[@]}" <<<"$files"; then
   echo "Not formatted. Repair it with: scripts/format.sh" >&2
   exit 1
 fi

@@ -15,12 +15,12 @@ service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab git)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
 [ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver mono-mcs postgresql
-  "${service_packaging[@]}" nginx openssl systemd curl iproute2)
+  "${service_packaging[@]}" nginx openssl systemd curl iproute2 git)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --service-package ] && packages=("${service_packaging[@]}")
 [ "${1:-}" = --display ] && packages+=("${display[@]}")
-[ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8)
-[ "${1:-}" = --bench ] && packages+=(gcab "${display[@]}")
+[ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8 git)
+[ "${1:-}" = --bench ] && packages+=(gcab "${display[@]}" git)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -3,8 +3,9 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/build.sh checked
+scripts/build.sh checked fuzz_tests client_tests
 source scripts/wine_env.sh
+remove_prefix
 start_wine
 failed=0
 

@@ -16,6 +16,7 @@ for preset in "${presets[@]}"; do
 done
 
 source scripts/wine_env.sh
+remove_prefix
 start_wine
 failed=0
 for preset in "${presets[@]}"; do

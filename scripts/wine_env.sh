@@ -6,11 +6,19 @@ export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 # Wine's Direct3D 12 ends a program where the display has no Vulkan driver: without KEL_DISPLAY there is no display.
 [ -n "${KEL_DISPLAY:-}" ] || unset DISPLAY
 
-# Starts the server, making the prefix first when there is none; the server ends with the script.
+# Ends what an interrupted run has left running in the prefix, and removes it.
+remove_prefix() {
+  wineserver -k 2>/dev/null || true  # there may be none
+  rm -rf "$WINEPREFIX"
+}
+
+# Starts the server, making the prefix first when there is no complete one; the server ends with the script.
 start_wine() {
+  [ -e "$WINEPREFIX/complete" ] || remove_prefix
   mkdir -p "$WINEPREFIX"
   wineserver -p 2>/dev/null || true  # it may be running already
   trap 'wineserver -k || true' EXIT
   # The system's own processes start with the first program and keep its output open; give them none to hold.
   wineboot </dev/null >/dev/null 2>&1
+  touch "$WINEPREFIX/complete"
 }

@@ -14,13 +14,13 @@ public:
     /// What became of a publication.
     struct Publication {
         std::optional<int> version;  // none: nothing was published
-        std::string reason;          // why the draft is not valid; empty, without a version: it has another revision
+        std::string reason;  // why the draft is not valid; empty, without a version: it has another revision
     };
 
     Drafts(Store& store, std::string account) : store(store), account(std::move(account)) {}
 
-    /// Writes a draft over the one of that revision (0: there is none yet), valid or not. The revision that has the
-    /// text; nothing, and nothing is written, when the draft has another revision.
+    /// Writes a draft over the one of that revision (0: there is none yet), valid or not. The revision that
+    /// has the text; nothing, and nothing is written, when the draft has another revision.
     std::optional<int> Save(const std::string& referrer, const std::string& text, int revision);
     /// Publishes the draft of that revision, if it is valid.
     Publication Publish(const std::string& referrer, int revision);

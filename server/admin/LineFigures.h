@@ -13,12 +13,12 @@ namespace kel::server {
 /// How a product's sessions met each line of its requirements, by the version that judged them.
 class LineFigures {
 public:
-    /// Counts a stored verdict, line by line. A line counts for its place in its own version alone: several lines may
-    /// ask for one value, and other versions may ask for other things.
+    /// Counts a stored verdict, line by line. A line counts for its place in its own version alone: several
+    /// lines may ask for one value, and other versions may ask for other things.
     void Add(const StoredVerdict& verdict);
 
-    /// A table for each of the newest versions, the lines that fail most first, and one for its recommendations.
-    /// Reads the texts of these versions.
+    /// A table for each of the newest versions, the lines that fail most first, and one for its
+    /// recommendations. Reads the texts of these versions.
     Html Show(Store& store) const;
 
 private:

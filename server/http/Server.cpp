@@ -18,7 +18,6 @@ namespace asio = boost::asio;
 
 namespace {
 
-
 /// A connection takes a descriptor; the usual limit for programs that never asked is 1,024.
 void RaiseDescriptorLimit(std::size_t connections)
 {

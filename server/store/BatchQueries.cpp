@@ -20,8 +20,8 @@ std::string SizeColumns(const std::string& text, const std::string& order)
            ")) OVER (ORDER BY " + order + ") AS bytes";
 }
 
-/// With those columns: the large text of the rows that fit into so many bytes, and of the first row in any case;
-/// then 1 for these rows and 0 for the others.
+/// With those columns: the large text of the rows that fit into so many bytes, and of the first row in any
+/// case; then 1 for these rows and 0 for the others.
 std::string TextIfItFits(const std::string& text, const std::string& most)
 {
     const std::string fits = "CASE WHEN bytes <= " + most + " OR place = 1 THEN ";
@@ -54,16 +54,17 @@ void SqlStore::ForEachReport(const std::vector<std::int64_t>& ids,
             // The number of parameters is the same each time, so that there are few statements to prepare.
             for (std::size_t i = next; i < next + count; ++i)
                 values.emplace_back(ids[std::min(i, end - 1)]);
-            rows = connection->Query(
-                "SELECT id, session, referrer, \"user\", machine, received, " + TextIfItFits("body", "$1") +
-                    "FROM report JOIN (SELECT id AS found, " + SizeColumns("body", order) +
-                    " FROM report WHERE id IN (" + Parameters(2, count) +
-                    ")) AS sized ON id = found ORDER BY " + order,
-                values);
+            rows =
+                connection->Query("SELECT id, session, referrer, \"user\", machine, received, " +
+                                      TextIfItFits("body", "$1") + "FROM report JOIN (SELECT id AS found, " +
+                                      SizeColumns("body", order) + " FROM report WHERE id IN (" +
+                                      Parameters(2, count) + ")) AS sized ON id = found ORDER BY " + order,
+                                  values);
         }
         for (const SqlRow& row : rows) {
             if (row.Number(7) == 0) {
-                end = static_cast<std::size_t>(std::find(ids.begin(), ids.end(), row.Number(0)) - ids.begin());
+                end =
+                    static_cast<std::size_t>(std::find(ids.begin(), ids.end(), row.Number(0)) - ids.begin());
                 break;
             }
             if (!use(ReportOf(row)))
@@ -119,7 +120,8 @@ std::vector<Totals> SqlStore::RecentTotals(const std::vector<std::string>& refer
     std::string newest;
     for (std::size_t i = 0; i < AtOnce; ++i)
         newest += (i == 0 ? "" : " UNION ALL ") +
-                  ("SELECT * FROM (SELECT referrer, report, requirement_set, total FROM verdict WHERE referrer = $" +
+                  ("SELECT * FROM (SELECT referrer, report, requirement_set, total FROM verdict WHERE "
+                   "referrer = $" +
                    std::to_string(i + 2)) +
                   " ORDER BY report DESC, requirement_set DESC LIMIT $1) AS one";
     std::vector<Totals> totals(referrers.size());
@@ -144,7 +146,8 @@ std::vector<Totals> SqlStore::RecentTotals(const std::vector<std::string>& refer
         }
         const SqlRows rows = connection->Query(
             "SELECT referrer, total, count(*) FROM (SELECT recent.referrer, total, row_number() OVER "
-            "(PARTITION BY recent.referrer, session ORDER BY recent.report DESC, requirement_set DESC) AS place "
+            "(PARTITION BY recent.referrer, session ORDER BY recent.report DESC, requirement_set DESC) AS "
+            "place "
             "FROM (" +
                 newest +
                 ") AS recent JOIN report ON report.id = recent.report) AS placed "

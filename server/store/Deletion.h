@@ -15,9 +15,9 @@ struct Deletion {
     int reports = 0;         // deleted
     bool isComplete = true;  // false: it ended early and reports are left
 
-    /// Deletes in short batches with pauses, so that other writers get a turn, then removes what was deleted from
-    /// the database's log. `deleteSome` deletes up to the given number of reports and returns how many; `ends` is
-    /// asked before each batch. Throws what they throw.
+    /// Deletes in short batches with pauses, so that other writers get a turn, then removes what was deleted
+    /// from the database's log. `deleteSome` deletes up to the given number of reports and returns how many;
+    /// `ends` is asked before each batch. Throws what they throw.
     static Deletion Run(Store& store, const std::function<int(int)>& deleteSome,
                         const std::function<bool()>& ends, int maxBatches = MaxBatches);
 

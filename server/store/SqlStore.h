@@ -14,9 +14,9 @@ namespace kel::server {
 /// The store in an SQL database. All statements are written so that each of the databases takes them.
 class SqlStore : public Store {
 public:
-    /// Operations that only read borrow from `readers`, all others from `writers`. The state and the published
-    /// requirements have connections of their own, `quick`, so that they never wait for either. Two or all
-    /// three may be one pool. `file` is that of SQLite.
+    /// Operations that only read borrow from `readers`, all others from `writers`. The state and the
+    /// published requirements have connections of their own, `quick`, so that they never wait for either. Two
+    /// or all three may be one pool. `file` is that of SQLite.
     SqlStore(std::shared_ptr<SqlPool> quick, std::shared_ptr<SqlPool> readers,
              std::shared_ptr<SqlPool> writers, const std::string& file, const Bounds& bounds);
 

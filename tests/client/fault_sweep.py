@@ -19,7 +19,7 @@ class Run:
     def __init__(self, test, fault=""):
         self.fault = fault
         done = subprocess.run([WINE, TESTS, f"--gtest_filter=Fault.{test}"], stdin=subprocess.DEVNULL,
-                              capture_output=True, text=True, timeout=100,
+                              capture_output=True, text=True, timeout=300,
                               env=os.environ | {"KEL_FAULT": fault, "http_proxy": "http://127.0.0.1:9"})
         report = re.search("^open=.*", done.stdout, re.MULTILINE)
         told = dict(re.findall(r"(\w+)=(\S*)", report[0] if report else "open=-1 broken=1 failed= any=0"))

@@ -9,6 +9,7 @@
 #include "support/LogCapture.h"
 #include "support/Machines.h"
 #include "support/PlantedSoftware.h"
+#include "support/TestFolder.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
 #include "values/TextMatch.h"
@@ -138,8 +139,9 @@ TEST(Applications, AskEachOfTenThousandEntriesForItsNameOnly)
 TEST(Software, ReadsRealKeysFilesAndVersions)
 {
     const test::PlantedSoftware planted{test::Machine()};
-    std::filesystem::copy_file(KEL_VERSIONED, "vlc.exe", std::filesystem::copy_options::overwrite_existing);
-    SetEnvironmentVariableW(L"KEL_TEST", std::filesystem::current_path().c_str());
+    const test::TestFolder folder;
+    std::filesystem::copy_file(KEL_VERSIONED, folder.Path() / "vlc.exe");
+    SetEnvironmentVariableW(L"KEL_TEST", folder.Path().c_str());
     planted.userKeys.Write(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\vlc.exe", nullptr,
                            L"\"%KEL_TEST%\\vlc.exe\" --option");
     const test::LogCapture log(3);
@@ -148,7 +150,6 @@ TEST(Software, ReadsRealKeysFilesAndVersions)
     EXPECT_EQ(session.Texts({73226, 73228, 73229}), L"No|Yes|4.3.2.1|");
     EXPECT_THAT(log.Lines(),
                 Contains(L"TRACE Applications[0] VLC from App Paths, version from its file or key"));
-    std::filesystem::remove("vlc.exe");
     Browser().Detect();
     EXPECT_EQ(session.Text(73003), L"kel_tests.exe");
     const SoftwareFunctions system = SoftwareFunctions::OfSystem();

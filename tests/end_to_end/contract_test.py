@@ -9,7 +9,7 @@ from html import escape
 from pathlib import Path
 
 from deployed import INFORMATION, LIST, REPORT, UPLOAD, Client, DeployedTest, analysis
-from harness import API_KEY, ServiceTest
+from harness import API_KEY, PATIENCE, ServiceTest
 
 COMPARISONS = [row.split(" | ") for row in (Path(__file__).parent / "comparisons.txt").read_text("utf-8").splitlines()[1:]]
 SETS, MACHINES = (part.splitlines() for part in (Path(__file__).parent / "verdicts.txt").read_text("utf-8").split("\n\n"))
@@ -142,7 +142,7 @@ class Contract(Client):
         self.assertEqual(self.ask("GET", WANTED)[0], 200)
 
     def test_one_connection_serves_request_after_request(self):
-        connection = http.client.HTTPConnection(self.address, timeout=10)
+        connection = http.client.HTTPConnection(self.address, timeout=PATIENCE)
         self.addCleanup(connection.close)
         for verb, path, body in (("POST", UPLOAD, REPORT.format("s")), ("GET", "/", ""), ("GET", "/global/tests/test_2.bin", ""),
                                  ("POST", "/service/Analysis/r", analysis("s"))):

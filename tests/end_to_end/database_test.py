@@ -13,6 +13,7 @@ import unittest.mock
 
 from databases import KIND, Postgres
 from deployed import REPORT, SERVER, UPLOAD, DeployedTest, analysis
+from harness import PATIENCE
 
 DAY = 24 * 3600 * 1000
 sqlite, postgresql = (unittest.skipUnless(KIND == kind, f"of {kind}") for kind in ("sqlite", "postgresql"))
@@ -74,7 +75,7 @@ class Commands(DataTest):
         ends = threading.Event()
         writer = threading.Thread(target=lambda: [self.upload(f"{number}") for number in range(10_000) if not ends.is_set()])
         writer.start()
-        time.sleep(0.3)
+        self.await_answer(lambda: self.sessions() > "0", True)
         copy = self.folder / "copy.db"
         before = self.database.run("SELECT count(*) FROM report")[0][0]
         self.command("backup", copy)
@@ -138,7 +139,8 @@ class Commands(DataTest):
     def test_every_operation_of_the_store(self):
         self.stop()
         environment = os.environ | {"KEL_STORE": str(self.database.setting)}
-        ran = subprocess.run([SERVER.parent / "server_tests"], env=environment, timeout=300, capture_output=True, text=True)
+        ran = subprocess.run([SERVER.parent / "server_tests"], env=environment, timeout=10 * PATIENCE,
+                             capture_output=True, text=True)
         self.assertEqual(ran.returncode, 0, ran.stdout + ran.stderr)
 
 
@@ -151,15 +153,13 @@ class Retention(DataTest):
         for _ in range(2):  # front ends of one database
             self.start("--keep-days", "7")
             others.append(self.process)
-        end = time.monotonic() + 10
-        while self.log_text().count("event=purged") < 2 and time.monotonic() < end:
-            time.sleep(0.05)
+        self.await_answer(lambda: self.log_text().count("event=purged"), 2)
         self.assertEqual(self.sessions(), "young")
         self.assertRegex(self.log_text(), r"event=purged reports=1\n")
         self.assertNotIn("not-purged", self.log_text())
         for process in others:
             process.terminate()
-            self.assertEqual(process.wait(2), 0)
+            self.assertEqual(process.wait(PATIENCE), 0)
 
     def test_a_clock_that_has_jumped_does_not_delete_everything(self):
         for session, days in (("a", 490), ("b", 403), ("c", 400), ("d", 0)):  # it is 400 days ahead since just now
@@ -184,7 +184,7 @@ class Faults(DataTest):
             time.sleep(0.5)
             self.assertIsNone(self.process.poll())
         upload.join()
-        self.assertEqual((answers, self.process.wait(10), self.sessions()), ([(200, b"OK")], 0, "slow"))
+        self.assertEqual((answers, self.process.wait(PATIENCE), self.sessions()), ([(200, b"OK")], 0, "slow"))
 
     def test_a_page_that_takes_long_keeps_no_check_waiting(self):
         with self.database.held():

@@ -12,6 +12,8 @@ import tempfile
 import time
 from pathlib import Path
 
+from harness import PATIENCE
+
 KIND = os.environ.get("KEL_TEST_DATABASE", "sqlite")
 NUMBERS = itertools.count()
 
@@ -72,7 +74,7 @@ class Server:
         with open(self.folder / "log.txt", "a", encoding="utf-8") as log:
             command = self.command("postgres", "-D", self.folder / "data", "-k", self.folder, "-h", "", *self.options)
             self.process = subprocess.Popen(command, cwd="/", stderr=log)
-        end = time.monotonic() + 20
+        end = time.monotonic() + PATIENCE
         while subprocess.run([self.programs / "pg_isready", "-q", "-h", self.folder]).returncode:
             assert self.process.poll() is None and time.monotonic() < end, (self.folder / "log.txt").read_text("utf-8")
             time.sleep(0.02)
@@ -80,7 +82,7 @@ class Server:
     def stop(self, number=signal.SIGINT):
         """With SIGQUIT as a crash does it."""
         self.process.send_signal(number)
-        self.process.wait(20)
+        self.process.wait(PATIENCE)
 
     def signal_all(self, number):
         """Sends a signal to the server and to each of its processes."""

@@ -10,7 +10,7 @@ import unittest
 from pathlib import Path
 
 from databases import Database
-from harness import API_KEY, ROOT, write_requirements
+from harness import API_KEY, PATIENCE, ROOT, write_requirements
 
 SERVER = Path(os.environ.get("KEL_SERVER", ROOT / "build" / "server" / "kel_server"))
 LIST, UPLOAD = "/Data/Service.svc/Group/list", f"/Data/Service.svc/upload?apikey={API_KEY}"
@@ -29,7 +29,7 @@ class Client:
 
     def ask(self, verb, path, body="", address=None):
         """One request on a connection of its own: its status and the bytes of the answer."""
-        connection = http.client.HTTPConnection(address or self.address, timeout=30)
+        connection = http.client.HTTPConnection(address or self.address, timeout=PATIENCE)
         self.addCleanup(connection.close)
         connection.request(verb, path, body.encode() if isinstance(body, str) else body)
         answer = connection.getresponse()
@@ -37,7 +37,7 @@ class Client:
 
     def connect(self, data=b""):
         host, port = self.address.split(":")
-        connection = socket.create_connection((host, int(port)), 10)
+        connection = socket.create_connection((host, int(port)), PATIENCE)
         self.addCleanup(connection.close)
         connection.sendall(data)
         return connection
@@ -62,7 +62,7 @@ class DeployedTest(Client, unittest.TestCase):
     def command(self, *arguments, code=0):
         """Runs a command to its end: its log."""
         ran = subprocess.run([SERVER, *arguments, "--database", self.database.setting], capture_output=True, text=True,
-                             timeout=20)
+                             timeout=PATIENCE)
         self.assertEqual(ran.returncode, code, ran.stderr)
         return ran.stderr
 
@@ -74,7 +74,7 @@ class DeployedTest(Client, unittest.TestCase):
              self.folder / "port", "--admin-port-file", self.folder / "admin", *self.settings, *settings], stderr=self.log)
         self.addCleanup(self.process.wait)
         self.addCleanup(self.process.kill)
-        end = time.monotonic() + 20
+        end = time.monotonic() + PATIENCE
         while not (self.folder / "port").exists():
             self.assertIsNone(self.process.poll(), "the service ended at once")
             self.assertLess(time.monotonic(), end, "the service does not listen")
@@ -83,7 +83,7 @@ class DeployedTest(Client, unittest.TestCase):
 
     def await_answer(self, ask, expected):
         """The service notices in its own time what other clients did."""
-        end = time.monotonic() + 5
+        end = time.monotonic() + PATIENCE
         while (answer := ask()) != expected and time.monotonic() < end:
             time.sleep(0.02)
         self.assertEqual(answer, expected)
@@ -95,7 +95,7 @@ class DeployedTest(Client, unittest.TestCase):
 
     def stop(self):
         self.process.terminate()
-        return self.process.wait(20)
+        return self.process.wait(PATIENCE)
 
     def require(self, referrer, *requirements):
         write_requirements(self.folder, referrer, requirements)

@@ -35,6 +35,7 @@ class Dll(unittest.TestCase):
 
     def test_regsvr32_registers_for_whom_it_is_told(self):
         refused = 5  # what regsvr32 says of a call that failed
+        wine("regsvr32", "/s", "/u", "/n", "/i:user", windows_path(DLL))
         for arguments, result, for_all, for_user in (
                 ("", 0, True, False), ("/n /i:usr", refused, True, False), ("/u /n /i:usr", refused, True, False),
                 ("/n /i:User", 0, True, True), ("/u", 0, False, True), ("/u /n /i:user", 0, False, False)):

@@ -4,11 +4,12 @@ import re
 import shlex
 import shutil
 import subprocess
+import tempfile
 import unittest
 from pathlib import Path
 
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
-from harness import API_KEY, ROOT
+from harness import API_KEY, PATIENCE, ROOT
 
 HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\nConnection: close\r\n".encode()
 METRICS = re.compile(r'(# HELP (kel_\w+) .+\n# TYPE \2 (?:counter|gauge|histogram)\n'
@@ -60,7 +61,7 @@ class Metrics(DeployedTest):
 
 class Packaged(unittest.TestCase):
     def test_a_copy_of_this_machine_says_what_operation_txt_expects(self):
-        folder = ROOT / "build" / "operation"
+        folder = Path(self.enterContext(tempfile.TemporaryDirectory(dir=ROOT / "build")))
         for name, version in (("now", ""), ("again", ""), ("later", "99.0.0")):
             subprocess.run([ROOT / "scripts" / "package_service.sh", version, folder / name], check=True, capture_output=True)
         [now], [again] = ([path.read_bytes() for path in (folder / name).glob("*.deb")] for name in ("now", "again"))
@@ -69,8 +70,8 @@ class Packaged(unittest.TestCase):
         expected = (Path(__file__).parent / "operation.txt").read_text("ascii")
         lines = (line for line in expected.splitlines() if line[:1] in ("", "#", "$"))
         script = "".join(f"printf '%s\\n' {shlex.quote(line)}\n{line.removeprefix('$ ')}\n" for line in lines)
-        ran = subprocess.run([ROOT / "scripts" / "in_copy.sh", "sh", "-c", script], cwd=folder, text=True, timeout=600,
-                             stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        ran = subprocess.run([ROOT / "scripts" / "in_copy.sh", "sh", "-c", script], cwd=folder, text=True,
+                             timeout=10 * PATIENCE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
         if "needs the right to mount" in ran.stdout:
             self.skipTest(ran.stdout)
         self.maxDiff = None

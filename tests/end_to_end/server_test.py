@@ -16,7 +16,7 @@ from pathlib import Path
 
 from databases import KIND
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
-from harness import API_KEY
+from harness import API_KEY, PATIENCE
 from reports import parse_analysis, parse_report
 from requirements import load_requirements
 from verdict import judge, render
@@ -48,9 +48,9 @@ class Bodies(DeployedTest):
                 ("file", b'<!DOCTYPE a [<!ENTITY b SYSTEM "file:///etc/passwd">]><groups>&b;</groups>', 400),
                 ("session", REPORT.format("s" * 1025).encode(), 400), ("zeros", bytes(1000), 400)):
             with self.subTest(name):
-                start = time.monotonic()
+                start = self.work()
                 self.assertEqual(self.ask("POST", UPLOAD, body), (status, b"OK" if status == 200 else b""))
-                self.assertLess(time.monotonic() - start, 5)
+                self.assertLess(self.work() - start, 5)
 
     def test_other_ways_to_send_have_the_same_bounds(self):
         report = REPORT.format("s").encode()
@@ -189,12 +189,12 @@ class Crowds(DeployedTest):
             answers = [b"".join(iter(lambda: connection.recv(4096), b"")) for connection in crowd]
             self.assertEqual({answer[:12] for answer in answers}, {expected})
         self.assertEqual(self.ask("GET", "/")[0], 404)
-        self.assertLess(time.monotonic() - start, 6)
+        self.assertLess(time.monotonic() - start, 30)
 
     @staticmethod
     def dribble(connection):
         try:
-            for _ in range(40):
+            for _ in range(200):  # 40 seconds
                 connection.sendall(b"<")
                 time.sleep(0.2)
         except OSError:
@@ -317,7 +317,7 @@ class Ends(DeployedTest):
             half.sendall(report[50:])
             answer = b"".join(iter(lambda: half.recv(4096), b""))
             self.assertRegex(answer, rb"^HTTP/1.1 200 OK\r\n(.|\r\n)*Connection: close\r\n(.|\r\n)*\r\n\r\nOK$")
-            self.assertEqual(self.process.wait(10), 0)
+            self.assertEqual(self.process.wait(PATIENCE), 0)
             self.start()
 
     def test_a_log_that_nobody_reads_any_more_is_no_end(self):
@@ -332,11 +332,11 @@ class Ends(DeployedTest):
     def test_a_second_signal_waits_for_nobody(self):
         self.connect(HEAD + b"Content-Length: 10\r\n\r\n")
         self.ask("GET", "/")
-        start = time.monotonic()
-        while self.process.poll() is None and time.monotonic() < start + 5:
+
+        def signalled():
             self.process.terminate()
-            time.sleep(0.1)
-        self.assertEqual(self.process.poll(), -signal.SIGTERM)
+            return self.process.poll()
+        self.await_answer(signalled, -signal.SIGTERM)
 
     def test_a_kill_loses_no_report_that_was_acknowledged(self):
         self.require("r", (1, "M", "any"))
@@ -345,11 +345,10 @@ class Ends(DeployedTest):
             threads = [threading.Thread(target=self.upload_until_the_end, args=(f"{run}-{thread}", kept)) for thread in range(4)]
             for thread in threads:
                 thread.start()
-            time.sleep(0.4)
+            self.await_answer(lambda kept=kept: len(kept) > 20, True)
             self.process.kill()
             for thread in threads:
                 thread.join()
-            self.assertGreater(len(kept), 20)
             self.process.wait()
             self.start("--durability", durability)
             self.database.check()
@@ -357,7 +356,7 @@ class Ends(DeployedTest):
             self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis(kept[-1]))[1])
 
     def upload_until_the_end(self, name, kept):
-        connection = http.client.HTTPConnection(self.address, timeout=10)
+        connection = http.client.HTTPConnection(self.address, timeout=PATIENCE)
         try:
             for number in range(100_000):
                 connection.request("POST", UPLOAD, REPORT.format(f"{name}-{number}"))
@@ -446,7 +445,7 @@ class Commands(DeployedTest):
             self.assertEqual(len(os.listdir(f"/proc/{self.process.pid}/task")), 8)
             start = time.monotonic()
             self.assertEqual(self.connect().recv(1), b"")  # the environment's time
-            self.assertLess(time.monotonic() - start, 5)
+            self.assertLess(time.monotonic() - start, 20)
             self.ask("GET", "/")
             self.assertIn("level=warning event=refused status=404", self.log_text())  # which the file's level would hide
             self.stop()

@@ -6,6 +6,8 @@ import subprocess
 import time
 import urllib.request
 
+from harness import PATIENCE
+
 ELEMENT = "element-6066-11e4-a52e-4f735466cecf"
 OPTIONS = ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--hide-scrollbars",
            "--disable-background-networking", "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage")
@@ -30,7 +32,7 @@ class Browser:
     def ask(self, verb, path, content=None):
         data = None if content is None else json.dumps(content).encode()
         request = urllib.request.Request(self.url + path, data, {"Content-Type": "application/json"}, method=verb)
-        with urllib.request.urlopen(request, timeout=60) as answer:
+        with urllib.request.urlopen(request, timeout=PATIENCE) as answer:
             return json.load(answer)["value"]
 
     def go(self, address):
@@ -57,7 +59,7 @@ class Browser:
     def await_text(self, text, selector="main", script=None):
         """Until a page shows the text; keys and clicks lead to it in the browser's own time."""
         script = script or f"const e = document.querySelector({json.dumps(selector)}); return e ? e.innerText : '';"
-        end = time.monotonic() + 20
+        end = time.monotonic() + PATIENCE
         while text not in (shown := self.run(script)):
             if time.monotonic() > end:
                 raise AssertionError(f"{text!r} not in {shown!r}")

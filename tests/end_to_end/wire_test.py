@@ -5,7 +5,7 @@ import time
 import urllib.request
 from unittest import mock
 
-from harness import API_KEY, ControlTest
+from harness import API_KEY, PATIENCE, ControlTest
 from verdict import quantity
 
 GROUP_LIST = f"GET /Data/Service.svc/Group/list?refid=demo&apikey={API_KEY} HTTP/1.1"
@@ -71,7 +71,7 @@ class Wire(ControlTest):
     def test_measures_what_an_independent_download_measures(self):
         self.require("net", (71069, "B", "at least", "1"))
         start = time.monotonic()
-        with urllib.request.urlopen(f"http://{self.address}{FILE}", timeout=20) as answer:
+        with urllib.request.urlopen(f"http://{self.address}{FILE}", timeout=PATIENCE) as answer:
             size = len(answer.read())
         independent = size * 8 / (time.monotonic() - start)
         self.logs = True

@@ -3,11 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 
 #include "probes/setup/SetupLib.h"
 #include "support/LogCapture.h"
 #include "support/PlantedDevice.h"
+#include "support/TestFolder.h"
 
 namespace kel {
 namespace {
@@ -19,12 +21,17 @@ const std::string Model = "%d%=Install, PCI\\VEN_8086&DEV_1912, PCI\\VEN_8086&DE
 const std::string Other =
     "%d%=Install, PCI\\VEN_8086&DEV_1916&SUBSYS_FFFFFFFF, PCI\\VEN_10DE&DEV_1916&REV_02\n";
 
-void Plant(const std::string& inf)
-{
-    std::ofstream("C:\\windows\\inf\\keltest.inf", std::ios::binary) << inf;
-}
+/// An INF file where the system looks for a bare name.
+struct InfFiles : testing::Test {
+    const std::wstring name = L"kel" + test::NewName() + L".inf";
+    const std::filesystem::path path = L"C:\\windows\\inf\\" + name;
 
-TEST(InfFile, FindsADevicesOwnIdAmongItsRelatives)
+    void Plant(const std::string& inf) const { std::ofstream(path, std::ios::binary) << inf; }
+
+    ~InfFiles() override { std::filesystem::remove(path); }
+};
+
+TEST_F(InfFiles, FindADevicesOwnIdAmongItsRelatives)
 {
     std::string many = Plain + "[Models]\n" + std::string(1 << 20, ';') + "\n";
     for (int line = 0; line < 20000; ++line)
@@ -55,38 +62,37 @@ TEST(InfFile, FindsADevicesOwnIdAmongItsRelatives)
     };
     for (const auto& [inf, isFound] : rows) {
         Plant(inf);
-        const std::wstring found = InfFile(table, L"keltest.inf").FindModel(L"ven_8086&dev_1916", ids);
+        const std::wstring found = InfFile(table, name.c_str()).FindModel(L"ven_8086&dev_1916", ids);
         EXPECT_EQ(found, isFound ? Found : L"") << inf.substr(0, 300);
     }
     EXPECT_GE(closed, 9);  // the malformed one need not be opened
 }
 
-TEST(InfFile, RefinesTheIdOfAnIntelAdapter)
+TEST_F(InfFiles, RefineTheIdOfAnIntelAdapter)
 {
     test::PlantedDevice adapter(test::DisplayClass);
     adapter.With(SPDRP_HARDWAREID, Found);
     const wchar_t* matching = L"PCI\\ven_8086&Dev_1916";
-    const std::tuple<const wchar_t*, const wchar_t*, const wchar_t*> rows[] = {
+    const std::tuple<const wchar_t*, std::wstring, const wchar_t*> rows[] = {
         // matching id, INF file, and the id that is given
-        {matching, L"keltest.inf", Found},
+        {matching, name, Found},
         {matching, L"", L"PCI\\VEN_8086&DEV_1916"},
         {matching, L"missing.inf", L"PCI\\VEN_8086&DEV_1916"},
-        {L"PCI\\VEN_8086&CC_0300", L"keltest.inf", L"PCI\\VEN_8086&CC_0300"},  // any id would do
-        {L"PCI\\VEN_10DE&DEV_1916", L"keltest.inf", L"PCI\\VEN_10DE&DEV_1916"},
+        {L"PCI\\VEN_8086&CC_0300", name, L"PCI\\VEN_8086&CC_0300"},  // any id would do
+        {L"PCI\\VEN_10DE&DEV_1916", name, L"PCI\\VEN_10DE&DEV_1916"},
     };
     Plant(Plain + "[Models]\n" + Model);
     const test::LogCapture log(3);
-    for (const auto& [id, path, given] : rows) {
-        adapter.Device(L"MatchingDeviceID", id).Driver(L"InfPath", path);
+    for (const auto& [id, inf, given] : rows) {
+        adapter.Device(L"MatchingDeviceID", id).Driver(L"InfPath", inf);
         std::vector<GpuInfo> adapters;
         SetupLib::Instance().GetGpuInfo(adapters);
-        EXPECT_STREQ(adapters.back().deviceId.ToString(), given) << id << path;
+        EXPECT_STREQ(adapters.back().deviceId.ToString(), given) << id << inf;
     }
     const auto lines = log.Lines();
     EXPECT_EQ(std::ranges::count(lines, L"TRACE Is Intel."), 4);
-    EXPECT_EQ(std::ranges::count(lines, L"TRACE Inf Path: keltest.inf"), 2);
+    EXPECT_EQ(std::ranges::count(lines, L"TRACE Inf Path: " + name), 2);
     EXPECT_EQ(std::ranges::count(lines, std::wstring(L"TRACE Got 2ID: ") + Found), 1);
-    DeleteFileW(L"C:\\windows\\inf\\keltest.inf");
 }
 
 }  // namespace

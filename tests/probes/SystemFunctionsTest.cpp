@@ -2,8 +2,8 @@
 
 #include "platform/Library.h"
 #include "probes/graphics/GraphicsFunctions.h"
-#include "probes/system/OSInfo.h"
 #include "probes/software/SoftwareFunctions.h"
+#include "probes/system/OSInfo.h"
 #include "support/LogCapture.h"
 
 namespace kel {

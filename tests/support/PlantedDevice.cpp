@@ -1,8 +1,43 @@
 #include "support/PlantedDevice.h"
 
+#include <iterator>
+#include <string_view>
+
 #include "platform/RegistryValue.h"
+#include "support/TestFolder.h"
 
 namespace kel::test {
+
+namespace {
+
+/// The vendor of planted devices, which no probe reads.
+constexpr wchar_t Mark[] = L"KelTests";
+
+void Remove(HDEVINFO set, SP_DEVINFO_DATA& device)
+{
+    SetupDiDeleteDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_BOTH);
+    SetupDiRemoveDevice(set, &device);
+}
+
+/// Removes the devices that an interrupted test left: the Setup API keeps them for later processes.
+bool RemoveLeftDevices()
+{
+    const HDEVINFO set = SetupDiGetClassDevsW(nullptr, nullptr, nullptr, DIGCF_ALLCLASSES);
+    SP_DEVINFO_DATA device = {};
+    device.cbSize = sizeof(device);
+    for (DWORD index = 0; SetupDiEnumDeviceInfo(set, index, &device); ++index) {
+        wchar_t vendor[std::size(Mark)] = {};
+        if (SetupDiGetDeviceRegistryPropertyW(set, &device, SPDRP_MFG, nullptr,
+                                              reinterpret_cast<BYTE*>(vendor), sizeof(vendor), nullptr) &&
+            std::wstring_view(vendor) == Mark)
+            Remove(set, device);
+    }
+    return SetupDiDestroyDeviceInfoList(set);
+}
+
+const bool isClean = RemoveLeftDevices();
+
+}  // namespace
 
 PlantedDevice::PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId)
 {
@@ -11,13 +46,14 @@ PlantedDevice::PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId)
     device.cbSize = sizeof(device);
     SetupDiCreateDeviceInfoW(set, instanceId != nullptr ? instanceId : L"KELTEST", &guid, nullptr, nullptr,
                              instanceId != nullptr ? 0 : DICD_GENERATE_ID, &device);
+    With(SPDRP_MFG, Mark);
     SetupDiRegisterDeviceInfo(set, &device, 0, nullptr, nullptr, nullptr);
 }
 
 PlantedDevice::~PlantedDevice()
 {
-    SetupDiDeleteDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, DIREG_BOTH);
-    SetupDiRemoveDevice(set, &device);
+    EndIfInterrupted();
+    Remove(set, device);
     SetupDiDestroyDeviceInfoList(set);
 }
 

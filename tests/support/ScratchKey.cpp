@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "support/TestFolder.h"
+
 namespace kel::test {
 
 namespace {
@@ -32,14 +34,6 @@ void DumpInto(std::wstring& text, HKEY key, const std::wstring& path)
         DumpInto(text, OpenKey(key, name, KEY_READ).get(), path.empty() ? name : path + L"\\" + name);
 }
 
-/// A name that no other key of this process or another has.
-std::wstring NewName()
-{
-    static unsigned made = 0;
-    return std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(GetTickCount64()) + L"-" +
-           std::to_wstring(++made);
-}
-
 }  // namespace
 
 ScratchKey::ScratchKey(HKEY predefined)
@@ -51,6 +45,7 @@ ScratchKey::ScratchKey(HKEY predefined)
 
 ScratchKey::~ScratchKey()
 {
+    EndIfInterrupted();
     if (overridden != nullptr)
         RegOverridePredefKey(overridden, nullptr);
     key.reset();

@@ -29,9 +29,9 @@ def measure_first_run(programs, rows):
     rows.add("http", exchanges - programs.service_milliseconds())
 
 
-def measure(programs, rows):
-    """One round: everything side by side; three times what the machine's other work disturbs most."""
-    for _ in range(3):
+def measure(programs, rows, times):
+    """One round: everything side by side; several times what the machine's other work disturbs most."""
+    for _ in range(times):
         measure_first_run(programs, rows)
     rows.add_all("", programs.run("control_bench", "quiet")[0])
     rows.add("report.rest", rows.last("report") - CLOCK - programs.service_milliseconds())
@@ -51,7 +51,10 @@ def main():
     parser = argparse.ArgumentParser(prog="bench", description=__doc__)
     parser.add_argument("--runs", type=int, default=9, help="how often everything is run; at least 7")
     parser.add_argument("--page", action="store_true", help="put the tables into docs/generated/performance.md")
+    parser.add_argument("--quick", action="store_true", help="run everything once, to see that it works")
     arguments = parser.parse_args()
+    if arguments.quick and arguments.page:
+        parser.error("--page needs all runs")
     output = ROOT / "build" / "bench"
     output.mkdir(parents=True, exist_ok=True)
 
@@ -64,10 +67,10 @@ def main():
         (Path(folder) / "graphics.json").write_text(GRAPHICS)
         with Programs(Path(folder)) as programs:
             programs.run("wmi_bench")  # what happens once per Wine server shall not fall to the first round
-            for turn in range(max(arguments.runs, 7)):
-                measure(programs, rows)
+            for turn in range(1 if arguments.quick else max(arguments.runs, 7)):
+                measure(programs, rows, 1 if arguments.quick else 3)
                 print(f"round {turn + 1} done", flush=True)
-            devices.measure(programs, rows)
+            devices.measure(programs, rows, arguments.quick)
 
     aims = Aims(rows)
     print("\n".join(["", about, "", *rows.markdown(), "", *aims.markdown()]))

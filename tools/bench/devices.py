@@ -70,12 +70,12 @@ def display(programs):
             programs.environment = before
 
 
-def measure(programs, rows):
+def measure(programs, rows, quick):
     """Few rounds: planting is slow, as are graphics drivers, and most figures are medians within a program already."""
-    for _ in range(5):
+    for _ in range(1 if quick else 5):
         measure_detectors(programs, rows)
     with display(programs):
-        for _ in range(3):
+        for _ in range(1 if quick else 3):
             measure_graphics(programs, rows)
 
 
