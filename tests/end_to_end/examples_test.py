@@ -7,7 +7,6 @@ import py_compile
 import re
 import shutil
 import subprocess
-import tempfile
 import unittest
 from pathlib import Path
 
