@@ -162,7 +162,9 @@ Answer FaultAnswer(const Visit& visit, bool isProgram, int status, const std::st
 {
     Log(status < 500 ? Level::Warning : Level::Error, "refused",
         {{"status", std::to_string(status)}, {"target", visit.request.target}, {"reason", reason}});
-    const std::string told = status < 500 ? reason : "The database did not answer. Try again in a moment.";
+    const std::string told = status < 500             ? reason
+                             : status == NoRoom::Code ? "There is no room left on the database's disk."
+                                                      : "The database did not answer. Try again in a moment.";
     return isProgram ? ProgramError(status, told) : ErrorPage(visit, status, told);
 }
 
