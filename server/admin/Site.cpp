@@ -171,7 +171,9 @@ Answer FaultAnswer(const Visit& visit, bool isProgram, int status, const std::st
     // The reason of a failure is for the log alone.
     const std::string shown = status < 500    ? reason
                               : status == 500 ? "The service failed. Its log has the reason."
-                                              : "The database did not answer. Try again in a moment.";
+                              : status == NoRoom::Code
+                                  ? "There is no room left on the database's disk."
+                                  : "The database did not answer. Try again in a moment.";
     return isProgram ? ProgramError(status, shown) : ErrorPage(visit, status, shown);
 }
 

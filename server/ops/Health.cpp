@@ -27,7 +27,7 @@ Answer Readiness(Store& store)
             case StoreState::ReadOnly:
                 return NotReady("the database takes no writes", "it is read-only");
             default:
-                return NotReady("there is no room for reports", "free room, or the bound on the database");
+                return NotReady("there is no room for reports", "min_free_mb or max_database_mb");
         }
     } catch (const std::exception& error) {
         return NotReady("the database does not answer", error.what());

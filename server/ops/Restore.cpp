@@ -46,8 +46,8 @@ private:
     int file;
 };
 
-/// Gives a file to the owner of the database, or of the folder where there is none, so that the service can
-/// write it whoever restores.
+/// Gives a file to the owner of the database, or of its folder where there is none: root may restore, and the
+/// service has to write.
 void GiveToOwner(const std::string& path, const std::string& database)
 {
     struct stat owner {};

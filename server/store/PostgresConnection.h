@@ -8,7 +8,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "server/store/PostgresConnect.h"
+#include "server/store/PostgresAddress.h"
 #include "server/store/SqlConnection.h"
 
 namespace kel::server {

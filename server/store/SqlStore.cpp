@@ -42,7 +42,7 @@ int PublishNow(SqlConnection& connection, const std::string& referrer, const std
     return version;
 }
 
-/// Empties a draft of that revision, inside of a transaction; false when it has another one by now.
+/// Empties a draft of that revision, inside of a transaction; false when it has another one meanwhile.
 bool Empty(SqlConnection& connection, const std::string& referrer, int revision)
 {
     return !connection

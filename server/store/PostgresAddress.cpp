@@ -1,4 +1,4 @@
-#include "server/store/PostgresConnect.h"
+#include "server/store/PostgresAddress.h"
 
 #include <poll.h>
 
