@@ -13,7 +13,10 @@ namespace {
 /// Whoever asks is an editor; the list of products fails.
 class FailingStore : public SqlStore {
 public:
-    explicit FailingStore(std::function<void()> fail) : SqlStore(nullptr, nullptr), fail(std::move(fail)) {}
+    explicit FailingStore(std::function<void()> fail)
+        : SqlStore(nullptr, nullptr, nullptr, "", {}), fail(std::move(fail))
+    {
+    }
 
     std::optional<Login> FindLogin(const std::string&) override
     {
@@ -45,7 +48,7 @@ Shown Ask(const std::string& target, std::function<void()> fail)
     Router router(metrics.admin);
     site.AddTo(router);
     const Answer answer = router.Handle({"GET", target, "", {{"Cookie", "__Host-kel=x"}}});
-    return {answer.status, *answer.body, *MetricsPage(metrics).body};
+    return {answer.status, *answer.body, *MetricsPage(metrics, store).body};
 }
 
 TEST(Site, AFailureIsTheDatabasesOnlyWhenItIs)

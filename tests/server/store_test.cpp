@@ -451,6 +451,7 @@ public:
     void Begin() override {}
     bool IsBroken() override { return false; }
     bool IsWritable() override { return true; }
+    std::size_t LargeRowsAtOnce() const override { return 1; }
     DatabaseSize Size() override { return {}; }
     std::span<const char* const> Migrations() const override { return {}; }
     int Version() override { return 0; }
