@@ -12,23 +12,26 @@ public:
     /// Shows in `total` how much is in use.
     BodyBudget(std::size_t bytes, Count& total) : most(bytes / 2), total(total) {}
 
-    /// Makes room for a body that grows. False, and nothing changes, if there is not enough.
-    bool Resize(std::size_t oldSize, std::size_t newSize)
+    /// What one body takes of which half.
+    struct Use {
+        std::size_t size = 0;
+        bool isLarge = false;
+    };
+
+    /// Changes what a body takes. False, and nothing changes, if there is not enough.
+    bool Change(Use from, Use to)
     {
-        std::size_t& from = UsedBy(oldSize);
-        std::size_t& to = UsedBy(newSize);
-        const std::size_t others = to - (&from == &to ? oldSize : 0);
-        if (newSize > oldSize && (newSize > most || others > most - newSize))
+        std::size_t& used = to.isLarge ? large : small;
+        const std::size_t others = used - (from.isLarge == to.isLarge ? from.size : 0);
+        if (to.size > from.size && (to.size > most || others > most - to.size))
             return false;
-        from -= oldSize;
-        to += newSize;
-        total += newSize - oldSize;
+        (from.isLarge ? large : small) -= from.size;
+        used += to.size;
+        total += to.size - from.size;
         return true;
     }
 
 private:
-    std::size_t& UsedBy(std::size_t size) { return size <= Limits::SmallBody ? small : large; }
-
     std::size_t most;  // of each half
     Count& total;
     std::size_t small = 0, large = 0;
@@ -42,20 +45,28 @@ public:
     BodyLease(const BodyLease&) = delete;
     BodyLease& operator=(const BodyLease&) = delete;
 
+    /// Says how long the body is going to be, if it is known before anything is taken.
+    void Expect(std::size_t size) { use.isLarge = size > Limits::SmallBody; }
+
     /// False, and nothing changes, if the budget does not have that much.
-    bool Resize(std::size_t newSize)
+    bool Resize(std::size_t size)
     {
-        if (!budget.Resize(size, newSize))
+        const BodyBudget::Use changed{size, use.isLarge || size > Limits::SmallBody};
+        if (!budget.Change(use, changed))
             return false;
-        size = newSize;
+        use = changed;
         return true;
     }
 
-    void GiveBack() { Resize(0); }
+    void GiveBack()
+    {
+        budget.Change(use, {});
+        use = {};
+    }
 
 private:
     BodyBudget& budget;
-    std::size_t size = 0;
+    BodyBudget::Use use;
 };
 
 }  // namespace kel::server

@@ -107,6 +107,7 @@ asio::awaitable<int> RequestReader::ReadBody(BodyLease& lease, std::string& body
     constexpr int Unavailable = 503;
     const std::size_t length = static_cast<std::size_t>(parser.content_length().value_or(0));
     body.reserve(std::min(length, 32 * PieceBytes));  // pages that nothing is written to take no memory
+    lease.Expect(length);
     while (!parser.is_done()) {
         const std::size_t before = body.size();
         const std::size_t room = length > before ? std::min(PieceBytes, length - before) : PieceBytes;
