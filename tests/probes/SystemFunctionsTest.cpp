@@ -27,9 +27,10 @@ TEST(SystemFunctions, AreFoundByTheirNames)
     software.productInfo(L"none", L"VersionString", text, &size);
     software.packages(L"none");
     software.packageFolder(L"none");
-    EXPECT_THAT(log.Lines(), testing::IsSubsetOf({L"WARN The system has no function D3DKMTQueryAdapterInfo",
-                                                  L"TRACE The system has no function GetPackagesByPackageFamily",
-                                                  L"TRACE The system has no function GetPackagePathByFullName"}));
+    EXPECT_THAT(log.Lines(),
+                testing::IsSubsetOf({L"WARN The system has no function D3DKMTQueryAdapterInfo",
+                                     L"TRACE The system has no function GetPackagesByPackageFamily",
+                                     L"TRACE The system has no function GetPackagePathByFullName"}));
 }
 
 DWORD modeWhileLoading = 0;

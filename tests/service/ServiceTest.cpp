@@ -57,8 +57,7 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
     EXPECT_THROW(blocked->Run(blocked), std::runtime_error);
     const test::LogCapture log(LogError);
     EXPECT_EQ(RunBandwidthTest(), L"");
-    EXPECT_THAT(log.Lines(),
-                testing::ElementsAre(L"ERR Too many Internet exchanges have not ended yet."));
+    EXPECT_THAT(log.Lines(), testing::ElementsAre(L"ERR Too many Internet exchanges have not ended yet."));
     blocked->mayEnd = true;
     while (blocked->running > 0)
         std::this_thread::sleep_for(1ms);
