@@ -43,6 +43,11 @@ TEST(Volumes, AreNoneAfterAnErrorInTheirList)
     const test::LogCapture log(LogError);
     EXPECT_TRUE(ListVolumes(functions).empty());
     EXPECT_EQ(log.Lines(), std::vector<std::wstring>{L"ERR Error in the list of volumes."});
+    functions = VolumeFunctions::OfSystem();
+    functions.getDriveType = [](auto) -> UINT { throw 1; };
+    for (const VolumeInfo& volume : ListVolumes(functions))
+        EXPECT_FALSE(volume.isAlias) << volume.letter.ToString();
+    EXPECT_EQ(log.Lines().back(), L"ERR Error in a volume's answers.");
 }
 
 }  // namespace
