@@ -76,9 +76,10 @@ private:
         const bool isHead = request.method == "HEAD";
         Answer answer = co_await Dispatch(door, std::move(request), stream.socket());
         door.metrics.times.Add(std::chrono::steady_clock::now() - start);
-        lease.GiveBack();
-        // A client that reads nothing keeps its answer for a while.
-        if (answer.body && !answer.isShared && !lease.Resize(answer.body->size())) {
+        // A client that reads nothing keeps its answer for a while. The answer to a large body counts as
+        // large, so that it does not need the memory that small bodies have taken.
+        if (!lease.Resize(answer.body && !answer.isShared ? answer.body->size() : 0)) {
+            lease.GiveBack();
             answer = Answer::Empty(503);
             door.Refuse(answer.status, "the answers and bodies under way are too large together");
         }
