@@ -124,7 +124,7 @@ void Config::Set(std::string name, const std::string& value)
     }
 }
 
-void Config::ReadFile(std::string path)
+void Config::ReadFile(const std::string& path)
 {
     std::ifstream file(path);
     if (!file)

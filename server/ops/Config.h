@@ -31,7 +31,7 @@ struct Config {
 
 private:
     void Set(std::string name, const std::string& value);
-    void ReadFile(std::string path);
+    void ReadFile(const std::string& path);
     void ReadEnvironment();
 };
 

@@ -29,8 +29,8 @@ TEST(SystemFunctions, AreFoundByTheirNames)
     software.packageFolder(L"none");
     EXPECT_THAT(log.Lines(),
                 testing::IsSubsetOf({L"WARN The system has no function D3DKMTQueryAdapterInfo",
-                                     L"TRACE The system has no function GetPackagesByPackageFamily",
-                                     L"TRACE The system has no function GetPackagePathByFullName"}));
+                                     L"WARN The system has no function GetPackagesByPackageFamily",
+                                     L"WARN The system has no function GetPackagePathByFullName"}));
 }
 
 DWORD modeWhileLoading = 0;
