@@ -35,7 +35,7 @@ bool RemoveLeftDevices()
     return SetupDiDestroyDeviceInfoList(set);
 }
 
-const bool isClean = RemoveLeftDevices();
+const bool IsClean = RemoveLeftDevices();
 
 }  // namespace
 
