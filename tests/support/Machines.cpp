@@ -1,10 +1,47 @@
 #include "support/Machines.h"
 
+#include <algorithm>
 #include <fstream>
+#include <stdexcept>
 
 #include "values/Text.h"
 
 namespace kel::test {
+
+namespace {
+
+/// The words whose fields have names, and the order in which they are planted.
+const std::map<std::wstring, std::wstring> FieldNames = {
+    {L"adapter", L"instance name type medium flags state speed"},
+    {L"card", L"key name vendor device subsystem dedicated shared flags level11 level12 shader wddm driver"},
+    {L"disk", L"bus vendor product revision bytes seek odd model"},
+    {L"drive", L"number bus product profiles media odd"},
+    {L"graphics", L"name instance version matching megabytes qword-megabytes"},
+    {L"note", L"place vendor device level11 megabytes level12 name"},
+    {L"optical", L"instance hardware name number bus product profiles media odd"},
+    {L"screen", L"picture x y width height rate per connector name instance hdr format adapter"},
+    {L"system", L"major minor build type suite architecture edition pack pack-text r2"},
+    {L"volume", L"letter type system gigabytes free target error"}};
+
+/// The values of `name=value` fields, with bars between them, in the order in which they are planted.
+std::wstring InOrder(const std::wstring& line, const std::wstring& names)
+{
+    std::map<std::wstring, std::wstring> values;
+    for (const std::wstring& field : Split(line, L'|')) {
+        const std::size_t equals = std::min(field.find(L'='), field.size() - 1);
+        values[field.substr(0, equals)] = field.substr(equals + 1);
+    }
+    std::wstring ordered;
+    for (const std::wstring& name : Split(names, L' ')) {
+        ordered += values[name] + L'|';
+        values.erase(name);
+    }
+    if (!values.empty())
+        throw std::runtime_error("unknown field in: " + Narrow(line));
+    return ordered;
+}
+
+}  // namespace
 
 const Lines& Machine::operator[](const wchar_t* word) const
 {
@@ -33,7 +70,10 @@ void Machine::Add(const std::wstring& text)
 {
     for (const std::wstring& line : Split(text, L'\n')) {
         const std::size_t blank = line.find(L' ');
-        lines[line.substr(0, blank)].push_back(blank == std::wstring::npos ? L"" : line.substr(blank + 1));
+        const std::wstring word = line.substr(0, blank);
+        const std::wstring fields = blank == std::wstring::npos ? L"" : line.substr(blank + 1);
+        const auto names = FieldNames.find(word);
+        lines[word].push_back(names == FieldNames.end() ? fields : InOrder(fields, names->second));
     }
 }
 
