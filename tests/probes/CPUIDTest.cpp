@@ -20,7 +20,7 @@ CPUID Chip(const std::map<std::uint32_t, CpuRegisters>& leaves)
     });
 }
 
-/// What is told of a chip with a vendor's 12 characters in leaf 0.
+/// What is reported of a chip with a vendor's 12 characters in leaf 0.
 CpuInfo Describe(const std::wstring& vendor, std::uint32_t maxLeaf, CpuRegisters signature)
 {
     std::uint32_t parts[3] = {};
@@ -36,7 +36,7 @@ TEST(CPUID, DecodesProcessorsOfManyMakersAndAges)
     const auto rows = test::ReadRows("processors.txt");
     ASSERT_GE(rows.size(), 20U);
     for (const std::wstring& row : rows) {
-        const auto fields = test::Split(row, L';');  // chip, maker, signature, what is stored
+        const auto fields = test::Split(row, L';');  // chip, vendor, signature, what is stored
         const CpuInfo info = Describe(fields[1], 1, {std::stoul(fields[2], nullptr, 16), 0, 0, 1});
         EXPECT_EQ(
             info.vendor + L" " + info.family + L" " + info.model + L" " + info.stepping + L" " + info.type,
@@ -58,10 +58,16 @@ TEST(CPUID, LooksForTheCacheDescriptorEverywhereButInTheCount)
     const auto has = [](const CpuRegisters& registers) {
         return Chip({{0, {2, 0, 0, 0}}, {2, registers}}).HasCacheDescriptor40();
     };
-    EXPECT_FALSE(has({0x40, 0, 0, 0}) || has({1, 4, 0x41, 0x0400}));
-    EXPECT_TRUE(has({0x4001, 0, 0, 0}) && has({0x40000001, 0, 0, 0}));
-    EXPECT_TRUE(has({1, 0x40, 0, 0}) && has({1, 0, 0x40, 0}) && has({1, 0, 0, 0x40}));
-    EXPECT_TRUE(has({1, 0, 0x4000, 0}) && has({1, 0, 0, 0x400000}));
+    EXPECT_FALSE(has({0x40, 0, 0, 0}));
+    EXPECT_FALSE(has({1, 4, 0x41, 0x0400}));
+    for (const CpuRegisters& registers : {CpuRegisters{0x4001, 0, 0, 0},
+                                          {0x40000001, 0, 0, 0},
+                                          {1, 0x40, 0, 0},
+                                          {1, 0, 0x40, 0},
+                                          {1, 0, 0, 0x40},
+                                          {1, 0, 0x4000, 0},
+                                          {1, 0, 0, 0x400000}})
+        EXPECT_TRUE(has(registers)) << testing::PrintToString(registers);
 
     // An extended leaf is refused by its low byte, which is never too large when there are any.
     CPUID chip = Chip({{0x80000000, {0x80000001, 0, 0, 0}}, {0x800000FF, {7, 0, 0, 0}}});

@@ -86,7 +86,8 @@ TEST(Edid, IsTheOverrideBeforeTheMonitorsOwn)
     other[17] = 20;
     other = test::Summed(other);
     const test::LogCapture log(2);
-    EXPECT_FALSE(ReadMonitorEdid(instance) || ReadMonitorEdid(L""));
+    EXPECT_FALSE(ReadMonitorEdid(instance));
+    EXPECT_FALSE(ReadMonitorEdid(L""));
     machine.Write(key, L"EDID", REG_BINARY, own.data(), own.size());
     EXPECT_STREQ(ReadMonitorEdid(instance)->year->ToString(), L"2016");
     machine.Write(key + L"\\EDID_OVERRIDE", L"0", REG_BINARY, other.data(), other.size());

@@ -147,7 +147,8 @@ TEST(WantedGroups, AreSplitAndRememberedForTheirReferrer)
         for (unsigned number = 0; number < 8; ++number)
             EXPECT_EQ(wanted.Contains(GroupID(number)), expected[number] == '1') << answer;
     }
-    EXPECT_TRUE(wanted.IsFetchedFor(L"r") && !wanted.IsFetchedFor(L"other"));
+    EXPECT_TRUE(wanted.IsFetchedFor(L"r"));
+    EXPECT_FALSE(wanted.IsFetchedFor(L"other"));
 }
 
 /// The store's content as "id[index]=text" items, in order.
