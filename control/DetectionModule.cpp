@@ -69,9 +69,9 @@ CDetectionModule& CDetectionModule::Instance()
 
 std::wstring CDetectionModule::Path()
 {
-    constexpr std::size_t LongestPath = 32768;
+    constexpr std::size_t MaxPathLength = 32768;
     std::wstring path(MAX_PATH, L'\0');
-    for (; path.size() <= LongestPath; path.resize(path.size() * 2)) {
+    for (; path.size() <= MaxPathLength; path.resize(path.size() * 2)) {
         const DWORD length = GetModuleFileNameW(ThisModule(), path.data(), static_cast<DWORD>(path.size()));
         if (length == 0)
             break;

@@ -19,9 +19,9 @@ class Turn {
 public:
     /// Longer than any member takes. A turn that lasts longer is stuck, perhaps because of a thread that
     /// waits for it.
-    static constexpr std::chrono::milliseconds LongestWait = std::chrono::minutes(2);
+    static constexpr std::chrono::milliseconds MaxWait = std::chrono::minutes(2);
 
-    explicit Turn(std::chrono::milliseconds limit = LongestWait) noexcept;
+    explicit Turn(std::chrono::milliseconds limit = MaxWait) noexcept;
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
     ~Turn();

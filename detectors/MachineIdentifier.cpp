@@ -15,14 +15,14 @@ namespace {
 constexpr const wchar_t* IdentifierKey = L"software\\Keldane";
 constexpr const wchar_t* IdentifierValue = L"Run";
 constexpr std::size_t BracedGuidLength = 38;
-constexpr std::size_t LongestIdentifier = 65536;  // bytes; it goes into every report
+constexpr std::size_t MaxIdentifierSize = 65536;  // bytes; it goes into every report
 
 /// The identifier in the key; empty without one.
 std::wstring ReadStoredIdentifier(const OwnedKey& key)
 {
     std::wstring text;
     if (key)
-        ReadStringValue(key.get(), IdentifierValue, LongestIdentifier, text);
+        ReadStringValue(key.get(), IdentifierValue, MaxIdentifierSize, text);
     return text;
 }
 
@@ -31,7 +31,7 @@ bool IsTooLong(const OwnedKey& key)
 {
     DWORD size = 0;
     return RegQueryValueExW(key.get(), IdentifierValue, nullptr, nullptr, nullptr, &size) == ERROR_SUCCESS &&
-           size > LongestIdentifier;
+           size > MaxIdentifierSize;
 }
 
 /// A new GUID in braces; empty when the system cannot create one.

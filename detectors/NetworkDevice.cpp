@@ -70,8 +70,8 @@ std::vector<Adapter> ListAdapters(const NetworkFunctions& functions)
     const std::vector<NetworkInfo> table = ReadInterfaceTable(functions, defaultRoute);
     std::vector<NetworkInfo> addresses = ReadAdapterAddresses(functions, defaultRoute);
     for (NetworkInfo& adapter : addresses) {
-        // The addresses have no medium, by which the table tells Bluetooth, reported as Ethernet, from
-        // Ethernet.
+        // The addresses have no medium, by which the table distinguishes Bluetooth, reported as Ethernet,
+        // from Ethernet.
         if (std::ranges::any_of(table, [&](const NetworkInfo& row) { return IsSame(row, adapter); }))
             adapter.SetKind(MediaKind::Unknown);
     }

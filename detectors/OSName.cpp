@@ -11,7 +11,7 @@ namespace {
 
 using namespace OSIds;
 
-constexpr std::size_t LongestName = 255;
+constexpr std::size_t MaxNameLength = 255;
 constexpr DWORD NtPlatform = 2;
 constexpr BYTE Workstation = 1;
 
@@ -81,7 +81,10 @@ public:
     }
 
 private:
-    void Append(std::wstring_view text) { name.text.append(text.substr(0, LongestName - name.text.size())); }
+    void Append(std::wstring_view text)
+    {
+        name.text.append(text.substr(0, MaxNameLength - name.text.size()));
+    }
 
     void Add(std::wstring_view text, unsigned flag)
     {

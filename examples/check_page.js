@@ -1,4 +1,4 @@
-// The check's page: the control's verdict, or a rough answer of what the browser itself tells. The verdict came over plain
+// The check's page: the control's verdict, or a rough answer of what the browser itself reports. The verdict came over plain
 // HTTP: its texts go into text nodes, and nothing of it becomes markup.
 (function () {
   // What the browser can judge by itself on Windows when there is no control: a name, what is needed, and what it found.
@@ -91,11 +91,11 @@
       try { found = ROUGH[i][2](); } catch (error) { found = ""; }
       var result = !found ? "unknown" : ROUGH[i][3] && found < ROUGH[i][3] ? "fail" : "pass";
       showRow(ROUGH[i][0], ROUGH[i][1], found ? String(found) : "", result,
-        found ? "" : "The browser does not tell.");
+        found ? "" : "The browser does not say.");
       total = result == "fail" || total == "fail" ? "fail" : result == "unknown" ? "unknown" : total;
     }
     say("total", total == "fail" ? "Probably not." : total == "pass" ? "Probably yes." : "Perhaps.", "total " + total);
-    say("note", "This is a rough answer: the control is not installed, or not allowed here, and the browser itself tells " +
+    say("note", "This is a rough answer: the control is not installed, or not allowed here, and the browser itself says " +
       "little of the machine.");
     byId("offer").removeAttribute("hidden");
   }

@@ -4,17 +4,17 @@ namespace kel {
 
 namespace {
 
-constexpr DWORD LongestKey = 256;      // characters, with the zero
-constexpr DWORD LongestValue = 16384;  // the same
+constexpr DWORD MaxKeyName = 256;      // characters, with the zero
+constexpr DWORD MaxValueName = 16384;  // the same
 
 /// Reads one name after the other; a name that is too long is skipped.
 template <typename Ask>
-std::vector<std::wstring> ListNames(DWORD longest, DWORD most, Ask ask)
+std::vector<std::wstring> ListNames(DWORD maxLength, DWORD maxCount, Ask ask)
 {
     std::vector<std::wstring> names;
-    std::wstring name(longest, L'\0');
-    for (DWORD index = 0; index < most; ++index) {
-        DWORD size = longest;
+    std::wstring name(maxLength, L'\0');
+    for (DWORD index = 0; index < maxCount; ++index) {
+        DWORD size = maxLength;
         const LSTATUS status = ask(index, name.data(), &size);
         if (status == ERROR_NO_MORE_ITEMS)
             break;
@@ -26,16 +26,16 @@ std::vector<std::wstring> ListNames(DWORD longest, DWORD most, Ask ask)
 
 }  // namespace
 
-std::vector<std::wstring> ListSubkeys(HKEY key, DWORD most)
+std::vector<std::wstring> ListSubkeys(HKEY key, DWORD maxCount)
 {
-    return ListNames(LongestKey, most, [key](DWORD index, wchar_t* name, DWORD* size) {
+    return ListNames(MaxKeyName, maxCount, [key](DWORD index, wchar_t* name, DWORD* size) {
         return RegEnumKeyExW(key, index, name, size, nullptr, nullptr, nullptr, nullptr);
     });
 }
 
-std::vector<std::wstring> ListValues(HKEY key, DWORD most)
+std::vector<std::wstring> ListValues(HKEY key, DWORD maxCount)
 {
-    return ListNames(LongestValue, most, [key](DWORD index, wchar_t* name, DWORD* size) {
+    return ListNames(MaxValueName, maxCount, [key](DWORD index, wchar_t* name, DWORD* size) {
         return RegEnumValueW(key, index, name, size, nullptr, nullptr, nullptr, nullptr);
     });
 }

@@ -44,10 +44,10 @@ std::optional<RegistryValue> ReadValue(HKEY key, const wchar_t* name)
     return {};
 }
 
-bool ReadStringValue(HKEY key, const wchar_t* name, std::size_t largest, std::wstring& text)
+bool ReadStringValue(HKEY key, const wchar_t* name, std::size_t maxSize, std::wstring& text)
 {
     const std::optional<RegistryValue> value = ReadValue(key, name);
-    if (!value || !value->IsString() || value->bytes.size() > largest)
+    if (!value || !value->IsString() || value->bytes.size() > maxSize)
         return false;
     text = value->Text();
     return true;

@@ -34,6 +34,6 @@ std::optional<RegistryValue> ReadValue(HKEY key, const wchar_t* name);
 
 /// Reads a string value (REG_SZ or REG_EXPAND_SZ, not expanded) of at most the given number of bytes.
 /// @return false, with the text untouched, for any other value and for a missing one
-bool ReadStringValue(HKEY key, const wchar_t* name, std::size_t largest, std::wstring& text);
+bool ReadStringValue(HKEY key, const wchar_t* name, std::size_t maxSize, std::wstring& text);
 
 }  // namespace kel

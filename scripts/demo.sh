@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the control and the analysis service, registers the control in a Wine prefix, and checks this machine against
-# the demo's requirements; with --display under a virtual display, so that there is a graphics adapter to be told.
+# the demo's requirements; with --display under a virtual display, so that there is a graphics adapter to report.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -35,7 +35,7 @@ http_proxy="http://127.0.0.1:$(cat "$output/port")" \
   wine cscript //nologo "Z:${PWD//\//\\}\\examples\\check.js" demo "Z:${output//\//\\}" 2>/dev/null || true
 echo
 # A machine that fails a requirement has shown the control's work just as well; only no answer at all is an error.
-# The script host's exit code does not tell the two apart: a script error ends it with 0.
+# The script host's exit code does not distinguish the two: a script error ends it with 0.
 for file in report.xml analysis.html; do
   if [ ! -s "$output/$file" ]; then
     echo "There is no $file. What the service saw stands in $output/service.log" >&2

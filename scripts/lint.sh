@@ -24,7 +24,7 @@ cmake --preset release -B build/lint -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev
 cmake --build build/lint --target type_library  # the header that it writes
 cmake -S server -B build/lint_server -G Ninja -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON >/dev/null
 
-# The system folders of the cross-compiler, as it tells them; clang brings its own builtin ones.
+# The system folders of the cross-compiler, as it lists them; clang brings its own builtin ones.
 options=(-p build/lint --extra-arg=--target=x86_64-w64-mingw32
   --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-ignored-optimization-argument)
 while read -r folder; do

@@ -11,7 +11,7 @@ scripts/build.sh server
 version=${1:-$(sed -n 's/^project(Detection VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)}
 output=$(realpath -m "${2:-build/service-package}")
 if ! [[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]]; then
-  echo "'$version' is no version of three numbers." >&2
+  echo "'$version' is not a version of three numbers." >&2
   exit 2
 fi
 # What is newer than this gets this time in the package.

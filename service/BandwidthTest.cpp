@@ -26,7 +26,7 @@ constexpr DWORD OpenFlags =
     INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_PRAGMA_NOCACHE;
 static_assert(OpenFlags == 0x84000100);
 constexpr std::size_t BufferSize = 5001;
-constexpr DWORD LongestRead = 5000;
+constexpr DWORD MaxReadSize = 5000;
 constexpr const wchar_t* Success = L"200";
 
 /// Filled by the exchange's thread. At the time limit the waiting thread takes it as it is.
@@ -54,7 +54,7 @@ bool ReadAll(HINTERNET file, const InternetSession& internet, std::vector<char>&
     DWORD available = 0;
     while (InternetQueryDataAvailable(file, &available, 0, 0) && !internet.IsAbandoned()) {
         DWORD count = 0;
-        if (!InternetReadFile(file, buffer.data(), std::min(available, LongestRead), &count) ||
+        if (!InternetReadFile(file, buffer.data(), std::min(available, MaxReadSize), &count) ||
             internet.IsAbandoned())
             return false;
         download.bytes += count;

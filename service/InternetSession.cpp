@@ -12,8 +12,8 @@ namespace kel {
 namespace {
 
 constexpr const wchar_t* Agent = L"KEL";
-constexpr DWORD FirstPause = 100;       // milliseconds
-constexpr DWORD LongestPause = 60'000;  // milliseconds
+constexpr DWORD FirstPause = 100;   // milliseconds
+constexpr DWORD MaxPause = 60'000;  // milliseconds
 /// How far the tick count may lag behind.
 constexpr std::chrono::milliseconds TickLag{50};
 
@@ -108,7 +108,7 @@ void InternetSession::SlowDownRedirect()
 {
     const int late = ++redirects - ExchangeLimits::QuickRedirects;
     if (late > 0)
-        Sleep(std::min(FirstPause << std::min(late - 1, 10), LongestPause));
+        Sleep(std::min(FirstPause << std::min(late - 1, 10), MaxPause));
 }
 
 }  // namespace kel

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t DeviceDigits = 4;
 constexpr std::size_t SubsystemDigits = 8;
-constexpr std::size_t MakerLetters = 4;
+constexpr std::size_t VendorLetters = 4;
 constexpr std::wstring_view HexadecimalDigits = L"0123456789ABCDEF";
 constexpr std::wstring_view Usb = L"USB";
 constexpr std::wstring_view VirtualBuses[] = {L"ROOT", L"SWD", L"VMBUS"};
@@ -26,7 +26,7 @@ bool IsHexadecimal(std::wstring_view text)
 }
 
 /// The letters and digits of ACPI's vendor names.
-bool IsMaker(std::wstring_view text)
+bool IsVendor(std::wstring_view text)
 {
     return (text.size() == 3 || text.size() == 4) &&
            text.find_first_not_of(L"ABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789") == std::wstring_view::npos;
@@ -38,7 +38,7 @@ std::wstring Spell(std::uint32_t number)
     std::wstring spelled;
     for (; number != 0; number >>= 8)
         spelled += static_cast<wchar_t>(number & 0xFF);
-    return spelled.size() == MakerLetters && IsMaker(spelled) ? spelled : std::wstring();
+    return spelled.size() == VendorLetters && IsVendor(spelled) ? spelled : std::wstring();
 }
 
 /// Removes the addresses of Bluetooth devices: twelve digits after an underscore.
@@ -74,8 +74,9 @@ DeviceID::DeviceID(const std::wstring& id) : text(MakeText(WithoutInstance(id).c
 DeviceID DeviceID::FromNumbers(std::uint32_t vendor, std::uint32_t device, std::uint32_t subsystem,
                                std::uint32_t revision)
 {
-    if (const std::wstring maker = Spell(vendor), model = Spell(device); !maker.empty() && !model.empty())
-        return DeviceID(L"ACPI\\VEN_" + maker + L"&DEV_" + model);
+    if (const std::wstring vendorText = Spell(vendor), model = Spell(device);
+        !vendorText.empty() && !model.empty())
+        return DeviceID(L"ACPI\\VEN_" + vendorText + L"&DEV_" + model);
     if (vendor == 0 || vendor > 0xFFFF || device > 0xFFFF || revision > 0xFF)
         return {};
     std::wstring id = L"PCI\\VEN_" + Hexadecimal(vendor, 4) + L"&DEV_" + Hexadecimal(device, 4);
@@ -94,10 +95,10 @@ void DeviceID::ReadParts(const std::wstring& fullId)
         id.substr(hasBus ? backslash + 1 : std::min<std::size_t>(id.starts_with(L'*'), 1));
 
     // The short ACPI form, such as PNP0C0A or ACPI0003, has no names for its parts.
-    const std::size_t makerLength = rest.size() - std::min(rest.size(), DeviceDigits);
-    if (isAcpi && IsMaker(rest.substr(0, makerLength)) && IsHexadecimal(rest.substr(makerLength))) {
-        vendor = rest.substr(0, makerLength);
-        device = rest.substr(makerLength);
+    const std::size_t vendorLength = rest.size() - std::min(rest.size(), DeviceDigits);
+    if (isAcpi && IsVendor(rest.substr(0, vendorLength)) && IsHexadecimal(rest.substr(vendorLength))) {
+        vendor = rest.substr(0, vendorLength);
+        device = rest.substr(vendorLength);
         return;
     }
     while (!rest.empty()) {
@@ -109,7 +110,7 @@ void DeviceID::ReadParts(const std::wstring& fullId)
         const std::wstring_view name = part.substr(0, underscore);
         const std::wstring_view number = part.substr(underscore + 1);
         const bool isDevice = number.size() == DeviceDigits && IsHexadecimal(number);
-        if ((name == L"VEN" || name == L"VID") && (isAcpi ? IsMaker(number) : isDevice))
+        if ((name == L"VEN" || name == L"VID") && (isAcpi ? IsVendor(number) : isDevice))
             vendor = number;
         else if ((name == L"DEV" || name == L"PID") && isDevice)
             device = number;

@@ -9,7 +9,7 @@ namespace kel {
 
 namespace {
 
-constexpr std::uint32_t LargestEdge = 65535;
+constexpr std::uint32_t MaxEdge = 65535;
 constexpr std::wstring_view Blanks = L" \t";
 
 /// Takes a number from the start of a text; 0 when there is none, or one that is too large.
@@ -17,10 +17,10 @@ std::uint32_t TakeNumber(std::wstring_view& rest)
 {
     std::uint32_t number = 0;
     while (!rest.empty() && rest.front() >= L'0' && rest.front() <= L'9') {
-        number = std::min(number * 10 + static_cast<std::uint32_t>(rest.front() - L'0'), LargestEdge + 1);
+        number = std::min(number * 10 + static_cast<std::uint32_t>(rest.front() - L'0'), MaxEdge + 1);
         rest.remove_prefix(1);
     }
-    return number <= LargestEdge ? number : 0;
+    return number <= MaxEdge ? number : 0;
 }
 
 void SkipBlanks(std::wstring_view& rest)
@@ -43,7 +43,7 @@ Resolution::Resolution(const std::wstring& newText)
 bool Resolution::Set(std::uint32_t newWidth, std::uint32_t newHeight)
 {
     *this = Resolution();
-    if (newWidth == 0 || newHeight == 0 || std::max(newWidth, newHeight) > LargestEdge)
+    if (newWidth == 0 || newHeight == 0 || std::max(newWidth, newHeight) > MaxEdge)
         return false;
     text = MakeText((std::to_wstring(newWidth) + L"x" + std::to_wstring(newHeight)).c_str());
     width = newWidth;

@@ -20,8 +20,8 @@ using Container = ComPtr<IDxDiagContainer>;
 // Not every platform's libraries define what the header declares.
 constexpr GUID ProviderClass = {0xA65B8071, 0x3BFE, 0x4213, {0x9A, 0x5B, 0x49, 0x1D, 0xA4, 0x46, 0x1C, 0xA7}};
 constexpr GUID ProviderId = {0x9C6B4CB0, 0x23F8, 0x49CC, {0xA3, 0xED, 0x45, 0xA5, 0x50, 0x00, 0xA6, 0xD2}};
-constexpr DWORD LongestName = 256;
-constexpr DWORD LargestCount = 64;
+constexpr DWORD MaxNameLength = 256;
+constexpr DWORD MaxDevices = 64;
 
 Container Child(IDxDiagContainer& parent, const wchar_t* name)
 {
@@ -112,9 +112,9 @@ void DXDiag::GetGpuInfo(std::vector<GpuInfo>& adapters) const
         if (FAILED(result))
             return result;
         const Container devices = Child(*root.Get(), L"DxDiag_DisplayDevices");
-        wchar_t name[LongestName] = {};
-        for (DWORD index = 0; devices && index < LargestCount &&
-                              SUCCEEDED(devices->EnumChildContainerNames(index, name, LongestName));
+        wchar_t name[MaxNameLength] = {};
+        for (DWORD index = 0; devices && index < MaxDevices &&
+                              SUCCEEDED(devices->EnumChildContainerNames(index, name, MaxNameLength));
              ++index) {
             if (const Container device = Child(*devices.Get(), name))
                 adapters.push_back(Read(*device.Get()));

@@ -13,7 +13,7 @@ namespace kel {
 namespace {
 
 constexpr int QueryAttempts = 5;
-constexpr DWORD LargestCount = 64;
+constexpr DWORD MaxPaths = 64;
 
 /// A source is identified by its adapter and its number on that adapter.
 bool IsSameSource(const DISPLAYCONFIG_PATH_SOURCE_INFO& one, const DISPLAYCONFIG_PATH_SOURCE_INFO& other)
@@ -154,7 +154,7 @@ DisplayList DisplayConfig::ListDevices() const
     DisplayList list{L"the display devices", {}, {}};
     DISPLAY_DEVICEW adapter = {};
     adapter.cb = sizeof(adapter);
-    for (DWORD index = 0; index < LargestCount && functions.enumDisplayDevices(nullptr, index, &adapter, 0);
+    for (DWORD index = 0; index < MaxPaths && functions.enumDisplayDevices(nullptr, index, &adapter, 0);
          ++index) {
         // A mirroring driver repeats what another display shows.
         constexpr DWORD States = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | DISPLAY_DEVICE_MIRRORING_DRIVER;
@@ -165,7 +165,7 @@ DisplayList DisplayConfig::ListDevices() const
         DISPLAY_DEVICEW device = {};
         device.cb = sizeof(device);
         for (DWORD place = 0;
-             place < LargestCount &&
+             place < MaxPaths &&
              functions.enumDisplayDevices(adapter.DeviceName, place, &device, EDD_GET_DEVICE_INTERFACE_NAME);
              ++place) {
             if ((device.StateFlags & DISPLAY_DEVICE_ACTIVE) == 0)

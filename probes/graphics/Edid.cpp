@@ -63,14 +63,14 @@ Descriptor DescriptorAt(Block block, std::size_t place)
 DeviceID ReadId(Block block)
 {
     const unsigned letters = static_cast<unsigned>(block[8] << 8 | block[9]);
-    std::wstring maker;
+    std::wstring code;
     for (const unsigned shift : {10U, 5U, 0U}) {
         const unsigned letter = letters >> shift & 0x1F;
         if (letter < 1 || letter > 26)
             return {};
-        maker += static_cast<wchar_t>(L'A' + letter - 1);
+        code += static_cast<wchar_t>(L'A' + letter - 1);
     }
-    return DeviceID(L"DISPLAY\\" + maker + Hexadecimal(static_cast<unsigned>(block[11] << 8 | block[10]), 4));
+    return DeviceID(L"DISPLAY\\" + code + Hexadecimal(static_cast<unsigned>(block[11] << 8 | block[10]), 4));
 }
 
 std::wstring ReadName(Block block)

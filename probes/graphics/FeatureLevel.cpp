@@ -40,8 +40,8 @@ std::optional<Version> ShaderModelOfLevel(const std::optional<Version>& level)
         {L"12.0", L"5.1"}, {L"11.0", L"5.0"}, {L"10.1", L"4.1"}, {L"10.0", L"4.0"}, {L"9.3", L"3.0"}};
     if (!level)
         return {};
-    for (const auto& [least, model] : Promises) {
-        if (!(*level < Version(least)))
+    for (const auto& [minVersion, model] : Promises) {
+        if (!(*level < Version(minVersion)))
             return Version(model);
     }
     return Version(L"2.0");

@@ -12,7 +12,7 @@ namespace kel {
 
 /// What one source says about a monitor; an empty text or option is unknown.
 struct MonitorInfo {
-    std::wstring instance;  ///< its device instance id in upper case, which can tell one monitor from another
+    std::wstring instance;  ///< its device instance id in upper case, which can distinguish monitors
     Name name;
     DeviceID deviceId;
     Resolution nativeResolution;

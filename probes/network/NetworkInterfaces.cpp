@@ -23,7 +23,7 @@ constexpr ULONG WithoutLists = GAA_FLAG_SKIP_UNICAST | GAA_FLAG_SKIP_ANYCAST | G
                                GAA_FLAG_SKIP_DNS_SERVER | GAA_FLAG_SKIP_FRIENDLY_NAME;
 constexpr ULONG FirstSize = 15000;  // bytes, as the system's documentation recommends
 /// The size may grow between two calls as adapters appear; this many attempts are enough.
-constexpr int MostTries = 5;
+constexpr int MaxTries = 5;
 
 /// Types of interfaces, by IANA's numbers.
 constexpr IFTYPE GsmBroadband = 243;
@@ -185,7 +185,7 @@ std::vector<NetworkInfo> ReadAdapterAddresses(const NetworkFunctions& functions,
         std::vector<IP_ADAPTER_ADDRESSES> buffer;  // of this type for its alignment
         ULONG size = FirstSize;
         ULONG error = ERROR_BUFFER_OVERFLOW;
-        for (int tries = 0; tries < MostTries && error == ERROR_BUFFER_OVERFLOW; ++tries) {
+        for (int tries = 0; tries < MaxTries && error == ERROR_BUFFER_OVERFLOW; ++tries) {
             buffer.resize(size / sizeof(IP_ADAPTER_ADDRESSES) + 1);
             size = static_cast<ULONG>(buffer.size() * sizeof(IP_ADAPTER_ADDRESSES));
             error = functions.getAddresses(AF_UNSPEC, WithoutLists, nullptr, buffer.data(), &size);

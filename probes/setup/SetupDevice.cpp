@@ -12,8 +12,8 @@ namespace kel {
 
 namespace {
 
-constexpr std::size_t LargestValue = 1000;  // bytes
-constexpr DWORD LongestInstanceId = 200;    // characters, with the zero at the end
+constexpr std::size_t MaxValueSize = 1000;  // bytes
+constexpr DWORD MaxInstanceIdLength = 200;  // characters, with the zero at the end
 
 bool IsGiven(const wchar_t* text)
 {
@@ -48,7 +48,7 @@ bool ConvertValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert 
                 return false;
         }
         const std::optional<RegistryValue> value = ReadValue(below ? below.get() : key, name);
-        if (value && value->bytes.size() <= LargestValue && convert(*value))
+        if (value && value->bytes.size() <= MaxValueSize && convert(*value))
             return true;
         WriteLog(LogWarning, L"Can't handle Registry value for: ", name);
     } catch (...) {
@@ -115,9 +115,9 @@ Name SetupDevice::DeviceName() const
 
 std::wstring SetupDevice::InstanceId() const
 {
-    std::array<wchar_t, LongestInstanceId> id{};
+    std::array<wchar_t, MaxInstanceIdLength> id{};
     DWORD length = 0;
-    if (!entryPoints.getDeviceInstanceId(set, &device, id.data(), LongestInstanceId, &length)) {
+    if (!entryPoints.getDeviceInstanceId(set, &device, id.data(), MaxInstanceIdLength, &length)) {
         WriteLog(LogWarning, L"SetupDiGetDeviceInstanceId failed with error: ", GetLastError());
         return {};
     }

@@ -13,7 +13,7 @@ constexpr std::wstring_view ProgramEnding = L".exe";
 constexpr std::wstring_view AfterProgram = L" \t,\"";
 constexpr std::wstring_view Up = L"..";
 constexpr std::wstring_view NotInPaths = L"<>\"|?*/";
-constexpr std::size_t MostPrograms = 8;
+constexpr std::size_t MaxPrograms = 8;
 
 std::wstring_view WithoutBlanks(std::wstring_view text)
 {
@@ -39,7 +39,7 @@ std::vector<std::wstring> ProgramsOf(std::wstring_view command)
             programs.emplace_back(quoted);
         return programs;
     }
-    for (std::size_t at = command.find(L'.'); at < command.size() && programs.size() < MostPrograms;
+    for (std::size_t at = command.find(L'.'); at < command.size() && programs.size() < MaxPrograms;
          at = command.find(L'.', at + 1)) {
         const std::size_t end = at + ProgramEnding.size();
         if (IsSameText(command.substr(at, ProgramEnding.size()), ProgramEnding) &&

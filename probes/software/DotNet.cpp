@@ -12,7 +12,7 @@ namespace kel {
 namespace {
 
 constexpr const wchar_t* FrameworkKey = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP";
-constexpr DWORD MostFrameworks = 10000;
+constexpr DWORD MaxFrameworks = 10000;
 constexpr std::size_t TextSize = 100;  // characters, of a subkey's name and of a version
 
 /// The lowest release number of each version, as published; newest first.
@@ -38,7 +38,7 @@ void Walk(std::optional<std::wstring>& current)
     if (!frameworks)
         return;
     // A name that is too long is skipped; the bound ends the loop for a key that cannot be enumerated.
-    for (DWORD index = 0; index < MostFrameworks; ++index) {
+    for (DWORD index = 0; index < MaxFrameworks; ++index) {
         std::array<wchar_t, TextSize> name = {};
         auto size = static_cast<DWORD>(name.size());
         const LSTATUS status =

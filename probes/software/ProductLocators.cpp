@@ -19,10 +19,10 @@ constexpr const wchar_t* ClientsKey = L"SOFTWARE\\Clients\\StartMenuInternet";
 constexpr const wchar_t* RegisteredKey = L"SOFTWARE\\RegisteredApplications";
 constexpr const wchar_t* AddressesKey = L"\\URLAssociations";
 constexpr const wchar_t* ClassesKey = L"SOFTWARE\\Classes\\";
-constexpr DWORD MostNames = 1000;    // below one key
-constexpr DWORD MostInstalled = 32;  // products of one upgrade code
+constexpr DWORD MaxNames = 1000;    // below one key
+constexpr DWORD MaxInstalled = 32;  // products of one upgrade code
 constexpr DWORD CodeSize = 39;
-constexpr DWORD LongestProperty = 32768;  // characters
+constexpr DWORD MaxPropertyLength = 32768;  // characters
 
 /// The keys that match a name in which "*" stands for all subkeys.
 std::vector<std::wstring> ListKeys(const SoftwareFunctions& functions, const RegistryView& view,
@@ -33,7 +33,7 @@ std::vector<std::wstring> ListKeys(const SoftwareFunctions& functions, const Reg
         return {name};
     const std::wstring parent = name.substr(0, star);
     const OwnedKey key = OpenView(functions, view, parent);
-    std::vector<std::wstring> keys = key ? ListSubkeys(key.get(), MostNames) : std::vector<std::wstring>();
+    std::vector<std::wstring> keys = key ? ListSubkeys(key.get(), MaxNames) : std::vector<std::wstring>();
     for (std::wstring& subkey : keys)
         subkey.insert(0, parent + L"\\").append(name, star + 2);
     return keys;
@@ -82,7 +82,7 @@ bool IsMarkedAbsent(HKEY key)
 
 void ProductFinder::FindInstalled(const Search& search)
 {
-    for (DWORD index = 0; index < MostInstalled && !isInstallerRefused; ++index) {
+    for (DWORD index = 0; index < MaxInstalled && !isInstallerRefused; ++index) {
         wchar_t code[CodeSize] = {};
         const UINT status = functions.relatedProduct(search.locator.where, index, code);
         if (status == ERROR_NO_MORE_ITEMS)
@@ -108,7 +108,7 @@ std::wstring ProductFinder::ReadProperty(const wchar_t* code, const wchar_t* pro
     DWORD size = MAX_PATH;
     std::wstring text(size, L'\0');
     UINT status = functions.productInfo(code, property, text.data(), &size);
-    if (status == ERROR_MORE_DATA && size < LongestProperty) {
+    if (status == ERROR_MORE_DATA && size < MaxPropertyLength) {
         text.assign(++size, L'\0');
         status = functions.productInfo(code, property, text.data(), &size);
     }
@@ -151,7 +151,7 @@ void ProductFinder::FindClients(const Search& search)
         const OwnedKey clients = OpenView(functions, view, ClientsKey);
         if (!clients)
             continue;
-        for (const std::wstring& name : ListSubkeys(clients.get(), MostNames)) {
+        for (const std::wstring& name : ListSubkeys(clients.get(), MaxNames)) {
             if (MatchesPattern(name, search.locator.where))
                 AddCommand(search, view, std::wstring(ClientsKey) + L"\\" + name);
         }
@@ -164,7 +164,7 @@ void ProductFinder::FindRegistered(const Search& search)
         const OwnedKey applications = OpenView(functions, view, RegisteredKey);
         if (!applications)
             continue;
-        for (const std::wstring& name : ListValues(applications.get(), MostNames)) {
+        for (const std::wstring& name : ListValues(applications.get(), MaxNames)) {
             if (!MatchesPattern(name, search.locator.where))
                 continue;
             const std::wstring abilities = ReadText(applications.get(), name.c_str());
@@ -215,7 +215,7 @@ void ProductFinder::FindValueNames(const Search& search)
         const OwnedKey key = OpenView(functions, view, search.locator.where);
         if (!key)
             continue;
-        for (const std::wstring& name : ListValues(key.get(), MostNames)) {
+        for (const std::wstring& name : ListValues(key.get(), MaxNames)) {
             // An unreleased version has a word at its end.
             if (name != ReadDottedNumber(name))
                 continue;

@@ -6,7 +6,7 @@ namespace kel {
 
 namespace {
 
-constexpr std::size_t LongestText = 8192;  // bytes
+constexpr std::size_t MaxTextSize = 8192;  // bytes
 
 }  // namespace
 
@@ -18,7 +18,7 @@ OwnedKey OpenView(const SoftwareFunctions& functions, const RegistryView& view, 
 std::wstring ReadText(HKEY key, const wchar_t* name)
 {
     std::wstring text;
-    ReadStringValue(key, name, LongestText, text);
+    ReadStringValue(key, name, MaxTextSize, text);
     return text;
 }
 

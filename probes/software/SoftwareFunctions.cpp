@@ -9,10 +9,10 @@ namespace kel {
 
 namespace {
 
-constexpr DWORD LongestRecord = 1024 * 1024;  // bytes; real ones have a few thousand
-constexpr DWORD LongestText = 32768;          // characters, of an expanded text and of a path
-constexpr UINT32 MostPackages = 64;
-constexpr UINT32 LongestNames = 64 * 1024;  // characters, of all packages of a family
+constexpr DWORD MaxRecordSize = 1024 * 1024;  // bytes; real ones have a few thousand
+constexpr DWORD MaxTextLength = 32768;        // characters, of an expanded text and of a path
+constexpr UINT32 MaxPackages = 64;
+constexpr UINT32 MaxNamesLength = 64 * 1024;  // characters, of all packages of a family
 
 /// A function of a library that is loaded for it and stays loaded; null when an older system lacks either.
 template <typename Function>
@@ -29,9 +29,9 @@ std::wstring Expand(const std::wstring& text)
 {
     if (text.find(L'%') == std::wstring::npos)
         return text;
-    std::wstring expanded(LongestText, L'\0');
-    const DWORD size = ExpandEnvironmentStringsW(text.c_str(), expanded.data(), LongestText);
-    expanded.resize(size > 0 && size <= LongestText ? size - 1 : 0);
+    std::wstring expanded(MaxTextLength, L'\0');
+    const DWORD size = ExpandEnvironmentStringsW(text.c_str(), expanded.data(), MaxTextLength);
+    expanded.resize(size > 0 && size <= MaxTextLength ? size - 1 : 0);
     return expanded;
 }
 
@@ -45,7 +45,7 @@ std::vector<BYTE> ReadVersionRecord(const wchar_t* path)
         return {};
     DWORD unused = 0;
     const DWORD size = getSize(path, &unused);
-    if (size == 0 || size > LongestRecord)
+    if (size == 0 || size > MaxRecordSize)
         return {};
     std::vector<BYTE> record(size);
     if (!getRecord(path, 0, size, record.data()))
@@ -75,7 +75,7 @@ std::vector<std::wstring> GetPackages(const wchar_t* family)
     UINT32 size = 0;
     if (getPackages == nullptr ||
         getPackages(family, &count, nullptr, &size, nullptr) != ERROR_INSUFFICIENT_BUFFER ||
-        count > MostPackages || size > LongestNames)
+        count > MaxPackages || size > MaxNamesLength)
         return {};
     std::vector<PWSTR> names(count);
     std::wstring characters(size, L'\0');
@@ -88,7 +88,7 @@ std::wstring GetPackageFolder(const wchar_t* fullName)
 {
     static auto* const getPath =
         FindLoadedFunction<LONG WINAPI(PCWSTR, UINT32*, PWSTR)>(L"kernel32.dll", "GetPackagePathByFullName");
-    UINT32 size = LongestText;
+    UINT32 size = MaxTextLength;
     std::wstring path(size, L'\0');
     if (getPath == nullptr || getPath(fullName, &size, path.data()) != ERROR_SUCCESS)
         return {};
@@ -97,8 +97,8 @@ std::wstring GetPackageFolder(const wchar_t* fullName)
 
 std::wstring GetHostProgram()
 {
-    std::wstring path(LongestText, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), LongestText));
+    std::wstring path(MaxTextLength, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), MaxTextLength));
     return path;
 }
 

@@ -10,7 +10,7 @@ namespace kel {
 namespace {
 
 constexpr const wchar_t* ListKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Uninstall";
-constexpr DWORD MostEntries = 20000;
+constexpr DWORD MaxEntries = 20000;
 constexpr std::wstring_view UpdateTypes[] = {L"Update", L"Hotfix", L"Service Pack"};
 
 bool IsUpdate(HKEY entry)
@@ -64,7 +64,7 @@ void UninstallList::ReadNames()
         const OwnedKey list = OpenView(functions, view, ListKey);
         if (!list)
             continue;
-        for (const std::wstring& name : ListSubkeys(list.get(), MostEntries)) {
+        for (const std::wstring& name : ListSubkeys(list.get(), MaxEntries)) {
             const OwnedKey entry = OpenView(functions, view, KeyOf(name));
             const std::wstring displayName = entry ? ReadText(entry.get(), L"DisplayName") : std::wstring();
             if (IsLookedFor(displayName))

@@ -12,7 +12,7 @@ namespace kel {
 namespace {
 
 constexpr std::wstring_view Digits = L"0123456789";
-constexpr std::size_t LongestField = 9;
+constexpr std::size_t MaxFieldDigits = 9;
 constexpr std::size_t PackageFields = 4;
 constexpr std::size_t PackageParts = 5;  // name, version, architecture, resource, publisher
 
@@ -37,7 +37,7 @@ std::wstring ReadDottedNumber(std::wstring_view text)
         const std::size_t end = std::min(text.find_first_not_of(Digits, start), text.size());
         if (end == start)
             break;
-        if (end - start > LongestField)
+        if (end - start > MaxFieldDigits)
             return {};
         length = end;
         if (end == text.size() || text[end] != L'.')

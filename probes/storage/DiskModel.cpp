@@ -27,11 +27,11 @@ bool IsNoVendor(const std::wstring& word)
 
 std::wstring MakeDiskModel(const std::wstring& vendor, const std::wstring& product)
 {
-    const std::wstring maker = CollapseBlanks(TidyText(vendor));
+    const std::wstring name = CollapseBlanks(TidyText(vendor));
     std::wstring model = CollapseBlanks(TidyText(product));
-    if (maker.empty() || IsNoVendor(maker) || ToUpper(model).starts_with(ToUpper(maker)))
+    if (name.empty() || IsNoVendor(name) || ToUpper(model).starts_with(ToUpper(name)))
         return model;
-    return Trim(maker + L" " + model);
+    return Trim(name + L" " + model);
 }
 
 std::wstring TidyDiskModel(const std::wstring& name)

@@ -17,10 +17,10 @@ namespace {
 
 constexpr std::size_t UsualAnswer = 1024;
 /// Far more than any answer that is asked for.
-constexpr std::size_t LargestAnswer = 65536;
+constexpr std::size_t MaxAnswerSize = 65536;
 constexpr std::size_t UsualNames = 32768;
-constexpr std::size_t LargestNames = 2097152;
-constexpr std::size_t MostDevices = 256;
+constexpr std::size_t MaxNamesSize = 2097152;
+constexpr std::size_t MaxDevices = 256;
 constexpr std::size_t NumberDigits = 6;
 
 DWORD ListDevices(const wchar_t* name, std::span<wchar_t> buffer)
@@ -46,7 +46,7 @@ BOOL Control(HANDLE device, DWORD code, Bytes input, std::span<std::byte> output
 std::vector<wchar_t> ListNames(const StorageFunctions& functions)
 {
     std::vector<wchar_t> names;
-    for (std::size_t room = UsualNames; room <= LargestNames; room *= 4) {
+    for (std::size_t room = UsualNames; room <= MaxNamesSize; room *= 4) {
         names.assign(room, L'\0');
         const DWORD length = functions.queryDosDevice(nullptr, names);
         const DWORD error = length > 0 ? ERROR_SUCCESS : GetLastError();
@@ -97,7 +97,7 @@ std::vector<std::uint32_t> ListDeviceNumbers(const StorageFunctions& functions, 
         start = end != names.end() ? end + 1 : end;
         const std::wstring digits = name.starts_with(word) ? name.substr(word.size()) : std::wstring();
         if (!digits.empty() && digits.size() <= NumberDigits &&
-            digits.find_first_not_of(L"0123456789") == std::wstring::npos && numbers.size() < MostDevices)
+            digits.find_first_not_of(L"0123456789") == std::wstring::npos && numbers.size() < MaxDevices)
             numbers.insert(ToUnsigned(digits));
     }
     return {numbers.begin(), numbers.end()};
@@ -128,7 +128,7 @@ StorageAnswer StorageDevice::Ask(DWORD code, Bytes input) const
         answer.error = openError;
         return answer;
     }
-    for (std::size_t room = UsualAnswer; room <= LargestAnswer; room *= 8) {
+    for (std::size_t room = UsualAnswer; room <= MaxAnswerSize; room *= 8) {
         answer.bytes.assign(room, std::byte{});
         DWORD size = 0;
         if (functions.ioControl(device.get(), code, input, answer.bytes, size)) {

@@ -27,7 +27,7 @@ constexpr std::string_view Answer = "71060|71063|71069|71207";  // of the servic
 Word now = 0, unread = 0;
 bool forbidsLogon = false;  // the request that is sent next
 std::array<char, 40> chosen = {};
-long allocations = 0, nth = 0, open = 0;  // open: blocks of memory, and so many for each handle
+long allocations = 0, nth = 0, open = 0;  // open: blocks of memory, and one for each handle
 int broken = 0;                           // lines of the log and bodies of requests that were not whole
 constexpr long Handle = 100000;
 

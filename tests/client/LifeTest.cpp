@@ -35,8 +35,8 @@ std::array<std::size_t, 3> Holdings()
     return {reinterpret_cast<std::size_t>(handle), index, memory.PagefileUsage};
 }
 
-/// Creates and uses so many controls, every other one aggregated, and releases them in no order. The log,
-/// which grows by design, is left as it is.
+/// Creates and uses the given number of controls, every other one aggregated, and releases them in no order.
+/// The log, which grows by design, is left as it is.
 void Live(const test::ControlDll& dll, int count)
 {
     const std::wstring groups = L"<groups><group id='71465'><value>mine</value></group></groups>";

@@ -22,11 +22,11 @@ class Run:
                               capture_output=True, text=True, timeout=300,
                               env=os.environ | {"KEL_FAULT": fault, "http_proxy": "http://127.0.0.1:9"})
         report = re.search("^open=.*", done.stdout, re.MULTILINE)
-        told = dict(re.findall(r"(\w+)=(\S*)", report[0] if report else "open=-1 broken=1 failed= any=0"))
-        self.output, self.open, self.failed = done.stdout, int(told.pop("open")), told.pop("failed")
-        self.is_well = done.returncode == 0 and told.pop("broken") == "0"
-        self.allocations = int(told.pop("any"))
-        self.calls = {name: int(count) for name, count in told.items()}
+        counts = dict(re.findall(r"(\w+)=(\S*)", report[0] if report else "open=-1 broken=1 failed= any=0"))
+        self.output, self.open, self.failed = done.stdout, int(counts.pop("open")), counts.pop("failed")
+        self.is_well = done.returncode == 0 and counts.pop("broken") == "0"
+        self.allocations = int(counts.pop("any"))
+        self.calls = {name: int(count) for name, count in counts.items()}
 
 
 def spread(count):

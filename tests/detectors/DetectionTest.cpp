@@ -21,7 +21,7 @@ TEST(Detectors, FailEachWithItsLineAndTheNextRuns)
     session.wanted.Assign(L"71069", L"");
     const test::LogCapture log(1);
     Components().DetectAll();
-    Components().DetectAll();  // once per process, whoever asks
+    Components().DetectAll();  // once per process, for any caller
     EXPECT_EQ(
         log.Lines(),
         (Lines{L"ERR Error in CPU detection.", L"ERR Error in GPU::Detect", L"ERR Error in Bios detection.",

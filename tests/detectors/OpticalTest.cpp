@@ -28,9 +28,9 @@ TEST(OpticalAbilities, AreToldByRealNames)
         {0x1A, L"dD"}, {0x1B, L"dD"}, {0x2A, L"dD2"}, {0x2B, L"dD2"}, {0x40, L"b"},  {0x41, L"bB"},
         {0x43, L"bB"}, {0x50, L""},   {0xFFFF, L""},
     };
-    for (const auto& [profile, told] : profiles) {
+    for (const auto& [profile, abilities] : profiles) {
         const std::string answer = Profiles({profile});
-        EXPECT_EQ(ShowAbilities(ReadProfiles(std::as_bytes(std::span(answer))).has), told) << profile;
+        EXPECT_EQ(ShowAbilities(ReadProfiles(std::as_bytes(std::span(answer))).has), abilities) << profile;
     }
 }
 

@@ -18,7 +18,7 @@ using testing::EndsWith;
 
 std::wstring debugged;
 
-/// Sees the debugger output as a debugger does; some systems tell its narrow form only.
+/// Sees the debugger output as a debugger does; some systems pass its narrow form only.
 LONG CALLBACK NoteDebugged(EXCEPTION_POINTERS* pointers)
 {
     constexpr DWORD WideOutput = 0x4001000A, NarrowOutput = 0x40010006;

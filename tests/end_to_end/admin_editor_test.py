@@ -52,11 +52,11 @@ class Editing(AdminTest):
             self.assertEqual("No longer asked: M" in page.data, name == "one line less", name)
 
     def test_a_long_draft_with_many_quotes_is_saved_and_one_that_is_too_long_gets_a_page(self):
-        for size, status, told in ((900_000, 303, ""), (1_048_576, 303, ""), (1_048_577, 413, "Go back in the browser")):
+        for size, status, message in ((900_000, 303, ""), (1_048_576, 303, ""), (1_048_577, 413, "Go back in the browser")):
             self.database.run("DELETE FROM draft")
             answer, page = self.act("save", '"' * size)
             self.assertEqual(answer, status, size)
-            self.assertIn(told, page)
+            self.assertIn(message, page)
             kept = [(size,)] if status == 303 else []
             self.assertEqual(self.database.run("SELECT length(text) FROM draft"), kept, size)
 
@@ -64,13 +64,13 @@ class Editing(AdminTest):
         begun = self.page("/products/demo/requirements", self.cookie).data
         self.assertIn('[\n    {\n      "id": 71063,\n', begun)  # what came in a single line can be edited
         good = requirements((1, "A", "any"), (2, "B", "any"))
-        for text, told in ((good, "can be published. Lines: 2."), (good.replace('"B"', "B"), "line 11, column"),
+        for text, message in ((good, "can be published. Lines: 2."), (good.replace('"B"', "B"), "line 11, column"),
                            (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: &#x27;odd&#x27; is no"),
                            ("{", "line 1, column 2"), ("{}", "title"), (" \n", "no text"),
                            ('{"title": "]{\\"[{",\n"requirements": [{\n}, {}]}', "line 2, requirement 1"),
                            ("<b>\r\n  &amp;", "line 1, column 1"), ("[" * 100_000, "Not right yet")):
             status, page = self.act("check", text)
-            self.assertIn(told, page)
+            self.assertIn(message, page)
             self.assertEqual(status, 400 if text.isspace() else 200)
             kept = html.unescape(re.search("<textarea[^>]*>\n(.*)</textarea>", page, re.DOTALL)[1])
             self.assertEqual(kept, text.replace("\r\n", "\n"))

@@ -49,7 +49,7 @@ class Entry(AdminTest):
         self.database.run(f"UPDATE login_session SET ends = {int(time.time() * 1000) - 1}")
         self.assertEqual(self.status("GET", "/", cookie=cookie), 303)
         answer, text = self.visit("POST", "/products/demo/requirements", {"token": token, "text": "long work"}, cookie)
-        self.assertEqual((answer.status, "long work" in text), (403, False))  # it goes to nobody who is a stranger by now
+        self.assertEqual((answer.status, "long work" in text), (403, False))  # its session has ended meanwhile
 
     def test_a_second_log_in_in_a_browser_ends_the_first(self):
         first, other = self.log_in(), self.log_in()
@@ -70,7 +70,7 @@ class Entry(AdminTest):
             self.visit("POST", "/login", {**guess, "name": name})
             return time.monotonic() - start
         right, unknown = (min(seconds(name) for _ in range(4)) for name in ("Edith", "nobody"))
-        self.assertGreater(unknown, right / 2)  # a name that takes no time is no account
+        self.assertGreater(unknown, right / 2)  # a name that is refused quickly is not an account
         self.assertEqual([self.status("POST", "/login", guess) for _ in range(2)], [403, 429])
         answer, _ = self.visit("POST", "/login", {"name": "Edith", "password": PASSWORD})
         self.assertEqual(answer.status, 429)

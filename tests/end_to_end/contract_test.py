@@ -43,8 +43,8 @@ class Contract(Client):
         for row, result in zip((*rows, ("", "", "", "unknown")), self.results("table", "s")[1:], strict=True):
             with self.subTest(row):
                 self.assertEqual(result, row[-1])
-        told = self.ask("POST", "/service/Analysis/table", analysis("s"))[1].decode()
-        self.assertIn(f"<found>x{'é' * 499}…</found>", told)  # of a thousand bytes, whole characters
+        answer = self.ask("POST", "/service/Analysis/table", analysis("s"))[1].decode()
+        self.assertIn(f"<found>x{'é' * 499}…</found>", answer)  # of a thousand bytes, whole characters
 
     def test_alternatives_and_recommendations_are_judged(self):
         lines = {name: json.loads(line) for name, line in (row.split(": ", 1) for row in SETS)}
@@ -58,9 +58,9 @@ class Contract(Client):
             for number, results in enumerate(row.split(" | ")[4:]):
                 with self.subTest(f"{columns[number]}: {row}"):
                     self.assertEqual(" ".join(self.results(number, "s")), results)
-            for number, expected in ((0, found), (5, values[0])):  # what is asked for twice is told once
-                told = self.ask("POST", f"/service/Analysis/{number}", analysis("s", "json"))[1]
-                self.assertEqual(json.loads(told)["requirements"][0]["found"], expected.replace("-", ""))
+            for number, expected in ((0, found), (5, values[0])):  # an id that is asked for twice is reported once
+                answer = self.ask("POST", f"/service/Analysis/{number}", analysis("s", "json"))[1]
+                self.assertEqual(json.loads(answer)["requirements"][0]["found"], expected.replace("-", ""))
         self.assertEqual(self.ask("GET", WANTED.replace("refid=r", "refid=2"))[1], b"71424|71218|71206|1|2|3")
 
     def test_a_wrong_requirements_file_is_refused_with_the_reason(self):
@@ -138,7 +138,7 @@ class Contract(Client):
                 self.assertEqual((answer[0], bool(answer[1])), (int(status), self.explains))
         for length in (b"x", b"-1", b"99999999999999999999", b"1e3"):
             answers = self.talk(b"POST / HTTP/1.1\r\nContent-Length: " + length + b"\r\n\r\nGET / HTTP/1.1\r\n\r\n")
-            self.assertEqual((answers[:12], answers.count(b"HTTP/1.1 ")), (b"HTTP/1.1 400", 1))  # its body is no request
+            self.assertEqual((answers[:12], answers.count(b"HTTP/1.1 ")), (b"HTTP/1.1 400", 1))  # its body is not taken for a request
         self.assertEqual(self.ask("GET", WANTED)[0], 200)
 
     def test_one_connection_serves_request_after_request(self):

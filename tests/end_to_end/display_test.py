@@ -29,7 +29,7 @@ class Display(ControlTest):
 
     def test_the_adapter_and_the_screen_are_told_as_they_are(self):
         self.require("demo", *((number, "", "any") for number in EXPECTED))
-        told = self.run_script('control.ReferrerID = "demo";' + "".join(
+        texts = self.run_script('control.ReferrerID = "demo";' + "".join(
             f"WScript.Echo(control.Value('{number}'));" for number in EXPECTED))
-        for (number, form), text in zip(EXPECTED.items(), told, strict=True):
+        for (number, form), text in zip(EXPECTED.items(), texts, strict=True):
             self.assertRegex(text, f"^{form}$", number)

@@ -13,19 +13,19 @@ SYSTEM_LIBRARIES = {"kernel32.dll", "advapi32.dll", "ole32.dll", "oleaut32.dll",
 
 class Dll(unittest.TestCase):
     def test_it_is_the_file_that_systems_and_installers_expect(self):
-        told = subprocess.run(["x86_64-w64-mingw32-objdump", "-pt", DLL], capture_output=True, check=True, text=True).stdout
-        exports = re.findall(r"^\s*\[ *\d+\](?: \+base\[ *\d+\] +[0-9a-f]+)? (\w+)$", told, re.MULTILINE)
+        headers = subprocess.run(["x86_64-w64-mingw32-objdump", "-pt", DLL], capture_output=True, check=True, text=True).stdout
+        exports = re.findall(r"^\s*\[ *\d+\](?: \+base\[ *\d+\] +[0-9a-f]+)? (\w+)$", headers, re.MULTILINE)
         self.assertEqual(sorted(exports), ["DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer",
                                            "DllUnregisterServer"])
-        imports = {name.lower() for name in re.findall(r"DLL Name: (\S+)", told)}
+        imports = {name.lower() for name in re.findall(r"DLL Name: (\S+)", headers)}
         self.assertTrue(imports and imports <= SYSTEM_LIBRARIES, imports)
         for protection in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"):
-            self.assertIn(protection, told)
+            self.assertIn(protection, headers)
         content = DLL.read_bytes()
         self.assertIn(struct.pack("<2I4H", 0xFEEF04BD, 0x10000, 5, 4, 0, 1), content)  # the version of the file
         self.assertIn("OLESelfRegister".encode("utf-16-le"), content)  # older installers ask before they register
         is_release = DLL.parent.name == "release"
-        self.assertEqual("no symbols" in told, is_release)
+        self.assertEqual("no symbols" in headers, is_release)
         if is_release:
             self.assertLess(len(content), 1700 * 1024)
 

@@ -56,12 +56,12 @@ class Examples(ControlTest):
         module = (EXAMPLES / "check.bas").read_text("ascii").replace("CreateObject(", "WScript.CreateObject(")
         application = re.search("<script>(.*)</script>", (EXAMPLES / "check.hta").read_text("utf-8"), re.DOTALL)[1]
         page = 'control.ReferrerID = "demo";' + (EXAMPLES / "check_page.js").read_text("utf-8")
-        told = r"(?i)verdict: (pass|fail|unknown)\b[^\d]*memory: [\d.]+ [GT]B"
+        verdict_line = r"(?i)verdict: (pass|fail|unknown)\b[^\d]*memory: [\d.]+ [GT]B"
         shown = r"(?s)\nMemory\nat least 2 GB\n[\d.]+ [GT]B\n\n. Meets\n.*\n(Yes: this|No: this|Not sure: not)"
         for output, pattern in (
-                (wine(PROGRAMS / "check_example.exe", proxy=f"http://{self.address}").output.splitlines(), told),
-                (self.run_script(module + '\nWScript.Echo CheckMachine("demo")', "vbs"), told),
-                (self.run_script(BROWSER + application + "window.onload();"), told),
+                (wine(PROGRAMS / "check_example.exe", proxy=f"http://{self.address}").output.splitlines(), verdict_line),
+                (self.run_script(module + '\nWScript.Echo CheckMachine("demo")', "vbs"), verdict_line),
+                (self.run_script(BROWSER + application + "window.onload();"), verdict_line),
                 (self.run_script(BROWSER + page + "window.onload();"), shown)):
             self.assertRegex("\n".join(output), pattern)
         for text in (f'classid="clsid:{CLASS_ID[1:-1]}"', '<param name="REFERRER_ID" value="demo">'):

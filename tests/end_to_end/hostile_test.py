@@ -30,10 +30,10 @@ class Hostile(ControlTest):
         self.service.faults[PATHS[self.exchange]] = self.name
         self.service.longest = 135
         self.logs = bool(line)
-        *told, rate, facts = self.run_script(SCRIPT)
+        *answers, rate, facts = self.run_script(SCRIPT)
         if "KEL_SHOW" in os.environ:
-            print(f"{str(self):30}{told[0][:40]!r:44}{self.ran.seconds:6.1f} s {self.ran.memory:5.0f} MB", file=sys.stderr)
-        self.assertRegex("\n".join(told), answer)
+            print(f"{str(self):30}{answers[0][:40]!r:44}{self.ran.seconds:6.1f} s {self.ran.memory:5.0f} MB", file=sys.stderr)
+        self.assertRegex("\n".join(answers), answer)
         self.assertRegex(rate, bandwidth)
         self.assertEqual(facts, "-1")
         self.assertLess(self.ran.seconds, seconds)

@@ -17,11 +17,11 @@ class Journey(AdminTest):
                           r'control.UserID = "Zo\u00eb>"; WScript.Echo(control.Analysis("i", "xml", "1"));', "ascii")
         return wine(*CSCRIPT, windows_path(script), proxy=f"http://{self.address}").output
 
-    def publish(self, browser, needed, told):
+    def publish(self, browser, needed, message):
         browser.go(f"http://{self.admin}/products/demo/requirements")
         browser.write("textarea", requirements((71063, "Memory", "at least", needed)))
         browser.click("button[value=try]")
-        browser.await_text(told)
+        browser.await_text(message)
         browser.click("button[value=publish]")
         browser.await_text("The draft is saved.")
         browser.click("main button.primary")

@@ -1,4 +1,4 @@
-"""Packages in a Wine prefix of their own: ours installed, upgraded, repaired and taken away, and another maker's."""
+"""Packages in a Wine prefix of their own: ours installed, upgraded, repaired and taken away, and another vendor's."""
 
 import os
 import shutil

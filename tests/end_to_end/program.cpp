@@ -13,12 +13,12 @@ int main(int count, char**)
 {
     const kel::test::Apartment apartment(count > 1 ? COINIT_MULTITHREADED : COINIT_APARTMENTTHREADED);
     Microsoft::WRL::ComPtr<IDispatch> control;
-    _variant_t user(L"visitor"), told;
+    _variant_t user(L"visitor"), found;
     HRESULT result = CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control));
     if (SUCCEEDED(result))
-        result = kel::test::Call(control.Get(), L"UserID", told, &user);
+        result = kel::test::Call(control.Get(), L"UserID", found, &user);
     if (SUCCEEDED(result))
-        result = kel::test::Call(control.Get(), L"UserID", told);
-    std::printf("%08lX %ls\n", static_cast<unsigned long>(result), told.vt == VT_BSTR ? told.bstrVal : L"");
+        result = kel::test::Call(control.Get(), L"UserID", found);
+    std::printf("%08lX %ls\n", static_cast<unsigned long>(result), found.vt == VT_BSTR ? found.bstrVal : L"");
     return FAILED(result);
 }

@@ -28,7 +28,7 @@ CHUNKED = HEAD + b"Transfer-Encoding: chunked\r\n\r\n"
 
 
 def padded(size, session="s"):
-    """A report of so many bytes."""
+    """A report of the given number of bytes."""
     report = REPORT.format(session).strip().encode()
     return report.replace(b"8.0 GB", b"8.0 GB" + b" " * (size - len(report)))
 
@@ -94,7 +94,7 @@ class Bodies(DeployedTest):
                 ("no host", next_request.replace(b"Host", b"Hosts") + next_request, [400]),
                 ("an empty line first", b"\r\n" + next_request.replace(b"\r\nH", b"\r\n H") + next_request, [400]),
                 ("no host in version 1.0", b"GET / HTTP/1.0\r\n\r\n", [404]),
-                ("a blank in a body is no fold", HEAD + b"Content-Length: 4\r\n\r\n\n <a" + next_request, [400, 404]),
+                ("a blank in a body does not fold a header", HEAD + b"Content-Length: 4\r\n\r\n\n <a" + next_request, [400, 404]),
                 ("upper case", HEAD + b"Transfer-Encoding: Chunked\r\n\r\n" + body + next_request, [400, 404]),
                 ("no way to go on", HEAD.replace(b"1.1", b"1.0") + b"Expect: 100-continue\r\nContent-Length: 1\r\n\r\n<", [400])):
             with self.subTest(name):

@@ -1,4 +1,4 @@
-"""A real Chromium, told what to do by the WebDriver protocol."""
+"""A real Chromium, driven by the WebDriver protocol."""
 
 import json
 import re

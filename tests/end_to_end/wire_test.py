@@ -53,7 +53,7 @@ class Wire(ControlTest):
                     'control.Configure("<session_id>other</session_id>"); control.Detect();'
                     'control.ReferrerID = "late"; control.SessionID = "new"; control.Detect();'
                     'control.SessionID = ""; WScript.Echo(control.Analysis("i", "xml", "1"));')
-        # The service is told the later referrer; what it wants stays what the first one does.
+        # The service gets the later referrer; the wanted groups stay those of the first one.
         self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, UPLOAD, ANALYSIS.replace("demo", "late")])
         for text in ('id="71424"><value>new<', 'id="71218"><value>late<', 'id="71063"'):
             self.assertIn(text, self.service.requests[2]["body"])

@@ -80,9 +80,9 @@ TEST(RegistryNames, AreAtMostAsManyAsAskedFor)
         key.Make(name);
         key.Write(L"", name, L"text");
     }
-    for (const DWORD most : {0U, 2U, 3U, 4U}) {
-        EXPECT_EQ(ListSubkeys(key.Key(), most).size(), std::min<DWORD>(most, 3)) << most;
-        EXPECT_EQ(ListValues(key.Key(), most).size(), std::min<DWORD>(most, 3)) << most;
+    for (const DWORD maxCount : {0U, 2U, 3U, 4U}) {
+        EXPECT_EQ(ListSubkeys(key.Key(), maxCount).size(), std::min<DWORD>(maxCount, 3)) << maxCount;
+        EXPECT_EQ(ListValues(key.Key(), maxCount).size(), std::min<DWORD>(maxCount, 3)) << maxCount;
     }
 }
 
@@ -97,7 +97,7 @@ TEST(Registry, WarnsOfWhatTheProcessorsKeyLacks)
     const test::LogCapture log(3);
     CpuInfo info;
     EXPECT_TRUE(Registry::Instance().GetCpuInfo(info));
-    EXPECT_FALSE(info.speed.HasValue());  // a number value is no text that a speed can be read from
+    EXPECT_FALSE(info.speed.HasValue());  // a speed is not read from a number value
     EXPECT_EQ(
         log.Lines(),
         (Lines{missing + key + L" ProcessorNameString", L"TRACE Name = L", missing + key + L" Platform ID",

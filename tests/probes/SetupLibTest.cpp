@@ -68,19 +68,19 @@ TEST(SetupLib, TakesTheKindOfANetworkFromItsConnection)
     const std::wstring connections =
         L"SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\";
     const std::tuple<const wchar_t*, DWORD, const wchar_t*, const wchar_t*> rows[] = {
-        // location, type and bytes of the connection's value, and what is told of kind and place
+        // location, type and bytes of the connection's value, and the resulting kind and place
         {L"PCI Bus 0, device 25", REG_DWORD, L"\1", L"1|wired|Yes|"},
         {L"PCI bus 3", REG_DWORD, L"\2", L"2|wireless|No|"},
         {L"", REG_DWORD, L"\3", L"3||No|"},
         {L"", REG_SZ, L"2", L"||No|"},
     };
-    for (const auto& [location, type, bytes, told] : rows) {
+    for (const auto& [location, type, bytes, expected] : rows) {
         PlantedDevice adapter(Networks);
         adapter.With(SPDRP_LOCATION_INFORMATION, location).Driver(L"NetCFGInstanceID", L"{kt1}");
         RegSetKeyValueW(HKEY_LOCAL_MACHINE, (connections + L"{kt1}\\Connection").c_str(), L"MediaSubType",
                         type, bytes, sizeof(DWORD));
         const NetworkInfo info = List(&SetupLib::GetNetworkDeviceInfo).at(0);
-        EXPECT_EQ(Joined(info.mediaSubType, info.kind, Exists(*info.isOnBus)), told);
+        EXPECT_EQ(Joined(info.mediaSubType, info.kind, Exists(*info.isOnBus)), expected);
         EXPECT_EQ(info.instanceId, L"{KT1}");
     }
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, (connections + L"{kt1}").c_str());
@@ -113,7 +113,7 @@ TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
         EXPECT_EQ(std::ranges::count(log.Lines(), line), 1) << line;
 }
 
-DWORD failure = 0;  ///< what the failing functions tell; 0 when they throw
+DWORD failure = 0;  ///< what the failing functions return; 0 when they throw
 
 template <typename Result>
 Result Fail(Result result)
@@ -194,11 +194,11 @@ TEST(SetupLib, ReportsAFailureOfEachCallAndGoesOn)
         {With(&Table::getDeviceRegistryProperty, &NoProperty), 0, "000111",
          L"ERR Error in GetHardDriveInfo;ERR Error in GetGpuInfo;ERR Error in GetScsiInfo"},
     };
-    for (const auto& [load, how, told, lines] : rows) {
+    for (const auto& [load, how, expected, lines] : rows) {
         failure = how;
         const test::LogCapture log(2);
         SetupLib library(load);
-        EXPECT_EQ(AskAll(library), told) << lines;
+        EXPECT_EQ(AskAll(library), expected) << lines;
         EXPECT_THAT(log.Lines(), testing::IsSupersetOf(test::Split(lines, L';')));
     }
 }

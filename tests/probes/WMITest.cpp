@@ -129,10 +129,10 @@ TEST(WMI, ConvertsWhateverTypeAValueHas)
         {_variant_t(), L" 0 0"},
         {array, L" - -"},
     };
-    for (const auto& [value, told] : rows)
+    for (const auto& [value, expected] : rows)
         EXPECT_EQ(
             ShowVariant(value) + L" " + show(value, VariantUnsigned) + L" " + show(value, VariantSigned),
-            told);
+            expected);
 }
 
 }  // namespace

@@ -33,10 +33,10 @@ bool IsOpen(HINTERNET handle)
     return handle != nullptr && InternetQueryOptionW(handle, INTERNET_OPTION_HANDLE_TYPE, &type, &size);
 }
 
-/// Stays in its stage until it is told to end, like a call that blocks.
+/// Stays in its stage until it is ended, like a call that blocks.
 struct Blocked {
     std::atomic<bool> mayEnd = false;
-    std::atomic<int> running = 0, told = 0;
+    std::atomic<int> running = 0, abandoned = 0;
     std::atomic<HINTERNET> handle = nullptr;
 
     const char* Run(const std::shared_ptr<Blocked>& self)
@@ -47,7 +47,7 @@ struct Blocked {
             internet.Enter(ExchangeStage::Sending);
             while (!self->mayEnd)
                 std::this_thread::sleep_for(1ms);
-            self->told += internet.IsAbandoned() && internet.Open() == nullptr;
+            self->abandoned += internet.IsAbandoned() && internet.Open() == nullptr;
             --self->running;
         });
     }
@@ -70,7 +70,7 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
     blocked->mayEnd = true;
     while (blocked->running > 0)
         std::this_thread::sleep_for(1ms);
-    EXPECT_EQ(blocked->told, 4);
+    EXPECT_EQ(blocked->abandoned, 4);
     blocked.reset();
     const ULONGLONG end = GetTickCount64() + 30'000;
     while (!watched.expired() && GetTickCount64() < end)
@@ -78,7 +78,8 @@ TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
     EXPECT_TRUE(watched.expired());
     HINTERNET handle = nullptr;
     EXPECT_EQ(RunWithin(30s, [&handle](InternetSession& internet) { handle = internet.Open(); }), nullptr);
-    EXPECT_TRUE(handle != nullptr && !IsOpen(handle));
+    EXPECT_NE(handle, nullptr);
+    EXPECT_FALSE(IsOpen(handle));
     EXPECT_THROW(RunWithin(30s, [](InternetSession&) { throw std::length_error("x"); }), std::length_error);
 }
 

@@ -19,7 +19,7 @@ struct Screen {
     UINT32 technology;
     std::wstring name;
     std::wstring instance;  ///< with "#" in place of "\"
-    int isHdr = -1;         ///< -1: the system does not tell
+    int isHdr = -1;         ///< -1: the system does not report it
     UINT32 pixelFormat = DISPLAYCONFIG_PIXELFORMAT_32BPP;
     LUID adapter = {};  ///< sources are numbered on each from 0
 };
@@ -73,9 +73,9 @@ struct FakeDisplays {
             if (std::memcmp(&header->adapterId, &screen.adapter, sizeof(LUID)) != 0)
                 return ERROR_INVALID_PARAMETER;
             if (header->type == DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_NAME) {
-                auto& told = *reinterpret_cast<DISPLAYCONFIG_TARGET_DEVICE_NAME*>(header);
-                wcscpy(told.monitorFriendlyDeviceName, screen.name.c_str());
-                wcscpy(told.monitorDevicePath, PathOf(screen).c_str());
+                auto& out = *reinterpret_cast<DISPLAYCONFIG_TARGET_DEVICE_NAME*>(header);
+                wcscpy(out.monitorFriendlyDeviceName, screen.name.c_str());
+                wcscpy(out.monitorDevicePath, PathOf(screen).c_str());
                 return ERROR_SUCCESS;
             }
             if (screen.isHdr < 0)
@@ -84,20 +84,20 @@ struct FakeDisplays {
                 screen.isHdr != 0;
             return ERROR_SUCCESS;
         };
-        functions.enumDisplayDevices = [this](LPCWSTR adapter, DWORD index, DISPLAY_DEVICEW* told, DWORD) {
+        functions.enumDisplayDevices = [this](LPCWSTR adapter, DWORD index, DISPLAY_DEVICEW* out, DWORD) {
             // An adapter for each screen, and one whose driver mirrors the first.
             if (!hasDevices || index > (adapter == nullptr ? screens.size() : 0))
                 return FALSE;
-            wcscpy(told->DeviceName, std::to_wstring(index).c_str());
-            told->StateFlags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP;
+            wcscpy(out->DeviceName, std::to_wstring(index).c_str());
+            out->StateFlags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP;
             if (adapter == nullptr && index == screens.size())
-                told->StateFlags |= DISPLAY_DEVICE_MIRRORING_DRIVER;
+                out->StateFlags |= DISPLAY_DEVICE_MIRRORING_DRIVER;
             if (adapter == nullptr)
                 return TRUE;
             const Screen& screen = screens[std::stoul(adapter)];
-            wcscpy(told->DeviceString, L"Generic PnP Monitor");
-            wcscpy(told->DeviceID, PathOf(screen).c_str());
-            told->StateFlags = DISPLAY_DEVICE_ACTIVE;
+            wcscpy(out->DeviceString, L"Generic PnP Monitor");
+            wcscpy(out->DeviceID, PathOf(screen).c_str());
+            out->StateFlags = DISPLAY_DEVICE_ACTIVE;
             return TRUE;
         };
         functions.enumDisplaySettings = [this](LPCWSTR adapter, DWORD, DEVMODEW* mode, DWORD) {

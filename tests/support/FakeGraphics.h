@@ -12,7 +12,7 @@
 
 namespace kel::test {
 
-/// An adapter as the interfaces tell it. Memory is in megabytes.
+/// An adapter as the interfaces report it. Memory is in megabytes.
 struct Card {
     std::wstring name;
     UINT vendor, device, subsystem;
@@ -20,7 +20,7 @@ struct Card {
     UINT flags;
     UINT level11, level12, model;  ///< the highest that its driver has
     UINT driverModel;
-    std::uint64_t version;  ///< of the driver, as DXGI tells it
+    std::uint64_t version;  ///< of the driver, as DXGI reports it
 };
 
 class FakeGraphics {
@@ -42,16 +42,16 @@ public:
                     return self->card.version != 0 ? S_OK : HRESULT{DXGI_ERROR_UNSUPPORTED};
                 });
             adapter.Answer(
-                10, +[](Object* self, DXGI_ADAPTER_DESC1* told) -> HRESULT {
-                    wcscpy(told->Description, self->card.name.c_str());
-                    told->VendorId = self->card.vendor;
-                    told->DeviceId = self->card.device;
-                    told->SubSysId = self->card.subsystem;
-                    told->Revision = 0xA1;
-                    told->DedicatedVideoMemory = self->card.dedicated << 20;
-                    told->SharedSystemMemory = self->card.shared << 20;
-                    told->AdapterLuid = self->luid;
-                    told->Flags = self->card.flags;
+                10, +[](Object* self, DXGI_ADAPTER_DESC1* out) -> HRESULT {
+                    wcscpy(out->Description, self->card.name.c_str());
+                    out->VendorId = self->card.vendor;
+                    out->DeviceId = self->card.device;
+                    out->SubSysId = self->card.subsystem;
+                    out->Revision = 0xA1;
+                    out->DedicatedVideoMemory = self->card.dedicated << 20;
+                    out->SharedSystemMemory = self->card.shared << 20;
+                    out->AdapterLuid = self->luid;
+                    out->Flags = self->card.flags;
                     return S_OK;
                 });
         }
@@ -132,7 +132,7 @@ public:
     /// What is still held of all that was given.
     ULONG References() const { return held; }
 
-    /// Changes what is told: of the system, or, by its name, a property of DxDiag's one display device.
+    /// Changes what is reported: of the system, or, by its name, a property of DxDiag's one display device.
     void Set(const std::wstring& key, const std::wstring& value)
     {
         if (key == L"libraries")
@@ -174,24 +174,24 @@ private:
         direct3D9.Answer(
             4, +[](Object* self) { return static_cast<UINT>(self->owner->adapters.size()); });
         direct3D9.Answer(
-            5, +[](Object* self, UINT index, DWORD, D3DADAPTER_IDENTIFIER9* told) -> HRESULT {
+            5, +[](Object* self, UINT index, DWORD, D3DADAPTER_IDENTIFIER9* out) -> HRESULT {
                 const Card& card = self->owner->At(index).card;
-                std::ranges::copy(std::string(card.name.begin(), card.name.end()), told->Description);
-                told->VendorId = card.vendor;
-                told->DeviceId = card.device;
-                told->SubSysId = card.subsystem;
-                told->Revision = 0xA1;
-                told->DriverVersion.QuadPart = static_cast<LONGLONG>(card.version);
+                std::ranges::copy(std::string(card.name.begin(), card.name.end()), out->Description);
+                out->VendorId = card.vendor;
+                out->DeviceId = card.device;
+                out->SubSysId = card.subsystem;
+                out->Revision = 0xA1;
+                out->DriverVersion.QuadPart = static_cast<LONGLONG>(card.version);
                 return S_OK;
             });
         direct3D9.Answer(
-            14, +[](Object*, UINT, D3DDEVTYPE type, D3DCAPS9* told) -> HRESULT {
-                told->PixelShaderVersion = 0xFFFF0300;
+            14, +[](Object*, UINT, D3DDEVTYPE type, D3DCAPS9* out) -> HRESULT {
+                out->PixelShaderVersion = 0xFFFF0300;
                 return type == D3DDEVTYPE_HAL ? S_OK : HRESULT{D3DERR_NOTAVAILABLE};
             });
         direct3D9.Answer(
-            21, +[](Object* self, UINT index, LUID* told) -> HRESULT {
-                *told = self->owner->At(index).luid;
+            21, +[](Object* self, UINT index, LUID* out) -> HRESULT {
+                *out = self->owner->At(index).luid;
                 return S_OK;
             });
     }

@@ -8,7 +8,7 @@
 
 namespace kel::test {
 
-/// Turns the log on while it lives and tells what was written since it was made.
+/// Turns the log on while it lives and returns what was written since it was made.
 class LogCapture {
 public:
     explicit LogCapture(int level = LogMaximum) { Log::Instance().SetLevel(level); }

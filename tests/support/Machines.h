@@ -13,7 +13,7 @@ namespace kel::test {
 /// stored of it under "=".
 class Machine {
 public:
-    /// The lines of a word, in order; none is no error.
+    /// The lines of a word, in order; an empty list is not an error.
     const Lines& operator[](const wchar_t* word) const;
     /// The first line of a word; empty when there is none.
     std::wstring First(const wchar_t* word) const;

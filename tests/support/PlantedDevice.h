@@ -22,7 +22,7 @@ enum DeviceClass : DWORD {
 /// A device of a setup class, planted through the Setup API and taken away when the object is destroyed.
 class PlantedDevice {
 public:
-    /// @param instanceId what tells the device from others; null for one of the test's own
+    /// @param instanceId what distinguishes the device from others; null for one of the test's own
     explicit PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId = nullptr);
     PlantedDevice(const PlantedDevice&) = delete;
     PlantedDevice& operator=(const PlantedDevice&) = delete;

@@ -73,7 +73,7 @@ struct PlantedNetwork {
     }
 
     /// Has functions fail: "table" and "route" with an error, or "missing"; "table" also "throws";
-    /// "addresses" grow between so many calls, or are missing.
+    /// "addresses" grow between the given number of calls, or are missing.
     void Break(const Machine& machine)
     {
         const std::wstring tableFault = machine.First(L"table"), routeFault = machine.First(L"route"),

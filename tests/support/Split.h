@@ -22,7 +22,7 @@ inline Lines Split(const std::wstring& text, wchar_t separator)
     return parts;
 }
 
-/// The fields of a line, with empty ones up to so many.
+/// The fields of a line, padded with empty ones up to the given number.
 inline Lines FieldsOf(const std::wstring& line, std::size_t count)
 {
     Lines fields = Split(line, L'|');

@@ -23,7 +23,7 @@ inline const Request ExtentsRequest{IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS, -1};
 inline const Request ConfigurationRequest{0x24058, -1};
 inline const Request MediaTypesRequest{IOCTL_STORAGE_GET_MEDIA_TYPES_EX, -1};
 
-/// A number of so many bytes, the lowest first.
+/// A number of the given size in bytes, the lowest first.
 inline std::string Little(std::integral auto value, int size)
 {
     auto number = static_cast<std::uint64_t>(value);

@@ -8,7 +8,7 @@ import time
 
 OK = b"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n"
 TEXT = b"71063|71094"
-LONGEST = 75  # seconds that an answer without an end goes on
+MAX_SECONDS = 75  # seconds that an answer without an end goes on
 PIECE = b"71063|71094|" * 4096
 REDIRECTED_PATH = "/elsewhere"
 
@@ -120,7 +120,7 @@ MISBEHAVIOURS = {
     "longest": _plain(200, b"71063|" + b"x" * (16 * 1024 * 1024 - 6)),
     "100-mb": _raw(OK + b"Content-Length: 104857600\r\n\r\n", *[bytes(1024 * 1024)] * 100),
     "length-small": _length(b"5"),
-    "length-large": _length(b"1000", stay=LONGEST),
+    "length-large": _length(b"1000", stay=MAX_SECONDS),
     "length-negative": _length(b"-5"),
     "length-overflow": _length(b"99999999999999999999"),
     "length-text": _length(b"many"),

@@ -8,7 +8,7 @@ from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
 from urllib.parse import parse_qs, unquote, urlsplit
 
 from errors import ServiceError
-from misbehaviour import LONGEST, MISBEHAVIOURS
+from misbehaviour import MAX_SECONDS, MISBEHAVIOURS
 from reports import ReportStore, parse_analysis, parse_report, parse_system_information
 from requirements import load_requirements
 from verdict import judge, render
@@ -33,7 +33,7 @@ class AnalysisServer(ThreadingHTTPServer):
         self.reports = ReportStore(data)
         self.requirements = requirements
         self.misbehave = misbehave
-        self.longest = LONGEST
+        self.longest = MAX_SECONDS
         self.faults = {}  # path -> a misbehaviour for that path alone
         self.requests = []
         self.record_file = record

@@ -28,7 +28,7 @@ constexpr const wchar_t* NoDetector = L"-";
 struct Kind {
     const wchar_t* detectors;
     const wchar_t* lines;
-    unsigned countId = 0;  ///< of the fact that tells how many there are
+    unsigned countId = 0;  ///< of the fact that holds the count
 };
 
 constexpr Kind Kinds[] = {
@@ -63,7 +63,7 @@ bool Has(const Kind& kind, const std::wstring& name)
     return std::ranges::count(test::Split(kind.detectors, L' '), name) != 0;
 }
 
-/// Adds so many devices of a kind.
+/// Adds the given number of devices of a kind.
 void Plant(test::Machine& machine, const Kind& kind, int count)
 {
     std::wstring cards;
@@ -81,9 +81,9 @@ void Plant(test::Machine& machine, const Kind& kind, int count)
         machine.Add(L"has " + cards);
 }
 
-/// Detectors on a machine with so many devices of their kinds. The first run, which loads libraries, does not
-/// count, nor does what the fakes cost without a detector.
-/// @return whether so many devices were found, where the facts tell how many there are
+/// Detectors on a machine with the given number of devices of their kinds. The first run, which loads
+/// libraries, does not count, nor does what the fakes cost without a detector.
+/// @return whether that many devices were found, where a fact holds the count
 bool Planted(const Lines& names, int count)
 {
     test::Machine machine;

@@ -9,7 +9,7 @@ namespace {
 // What the system raises for each OutputDebugStringW: Windows with the wide text, Wine with its narrow form.
 constexpr DWORD WideOutput = 0x4001000A;
 constexpr DWORD NarrowOutput = 0x40010006;
-constexpr ULONG_PTR LongestText = 200;  // characters; the beginning tells what the line is
+constexpr ULONG_PTR MaxTextLength = 200;  // characters; the beginning identifies the line
 
 std::vector<LineClock::Line> lines;
 
@@ -18,7 +18,7 @@ template <typename Character>
 void Keep(double now, ULONG_PTR sizeWithTerminator, ULONG_PTR address)
 {
     const auto* text = reinterpret_cast<const Character*>(address);
-    const auto* end = text + std::min(std::max<ULONG_PTR>(sizeWithTerminator, 1) - 1, LongestText);
+    const auto* end = text + std::min(std::max<ULONG_PTR>(sizeWithTerminator, 1) - 1, MaxTextLength);
     lines.push_back({now, std::string(text, std::find(text, end, static_cast<Character>('\n')))});
 }
 

@@ -7,7 +7,7 @@
 
 namespace kel::bench {
 
-/// Notes when each line of debugger output is written in this process, so that the log of the control tells
+/// Notes when each line of debugger output is written in this process, so that the log of the control shows
 /// how long each of its steps takes. The output goes on its way afterwards.
 class LineClock {
 public:

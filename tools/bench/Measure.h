@@ -40,7 +40,7 @@ double TimedEach(int repetitions, Body body)
            repetitions;
 }
 
-/// How long a body takes in the median of so many times, in milliseconds.
+/// How long a body takes in the median of the given number of runs, in milliseconds.
 template <typename Body>
 double TimedMedian(int repetitions, Body body)
 {

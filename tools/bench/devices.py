@@ -23,10 +23,10 @@ LABELS = {
         "here.all": ("**all**", "ms"),
     },
     "Graphics, with a virtual display": {
-        **{f"probe.{call}.{probe}": (f"{label}, {told}" + ("" if probe in UNGATED else "; only for facts that are wanted"),
+        **{f"probe.{call}.{probe}": (f"{label}, {phrase}" + ("" if probe in UNGATED else "; only for facts that are wanted"),
                                      "ms")
-           for probe, label in PROBES.items() for call, told in (("first", "first call"), ("again", "each later one"))},
-        **{f"gate.{ids}": (f"`GPU`, {told} of the graphics driver wanted", "ms") for ids, told in GATES.items()},
+           for probe, label in PROBES.items() for call, phrase in (("first", "first call"), ("again", "each later one"))},
+        **{f"gate.{ids}": (f"`GPU`, {phrase} of the graphics driver wanted", "ms") for ids, phrase in GATES.items()},
     },
     "10,000 controls in a process that has the graphics libraries": {
         "life.libraries": ("graphics libraries in it, of five", "libraries"),

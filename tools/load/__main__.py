@@ -73,7 +73,7 @@ def service(folder, database, *settings):
 
 
 def prepare(database):
-    """A database with the demo's requirements, and with somebody who may look at its pages."""
+    """A database with the demo's requirements, and with an account for its pages."""
     command(database, "migrate")
     command(database, "import", ROOT / "examples" / "requirements")
     command(database, "user", "add", "reader", "load", text=PASSWORD + "\n")
@@ -96,7 +96,7 @@ def varied(body, number):
 
 
 def fill(path, most):
-    """Stores reports with their verdicts until there are so many, each like one that was judged."""
+    """Stores reports with their verdicts until there is the given number, each like one that was judged."""
     with sqlite3.connect(path) as database:
         there = database.execute("SELECT count(*) FROM report").fetchone()[0]
         body, lines = database.execute("SELECT body, lines FROM report JOIN verdict ON report = id LIMIT 1").fetchone()

@@ -47,7 +47,7 @@ def largest(port):
 
 
 class Allowance:
-    """Lets so many requests through at once, and then so many a second."""
+    """Lets a burst of requests through at once, and then a number a second."""
 
     def __init__(self, rate=RATE, burst=BURST):
         self.rate, self.burst, self.start, self.used = rate, burst, time.monotonic(), 0

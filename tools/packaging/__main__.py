@@ -91,7 +91,7 @@ def main():
     arguments = parser.parse_args()
     version, output = arguments.version, arguments.output
     if not re.fullmatch(r"\d+\.\d+\.\d+", version):
-        sys.exit(f"{version!r} is no version of three numbers.")
+        sys.exit(f"{version!r} is not a version of three numbers.")
     work = output / "work"
     shutil.rmtree(work, ignore_errors=True)
     work.mkdir(parents=True)
