@@ -156,6 +156,7 @@ private:
         FakeGraphics* owner;
         Card card{};
         LUID luid{};
+        bool isInitialized = false;  ///< of DxDiag's provider
     };
 
     Object& At(std::size_t index) { return *std::next(adapters.begin(), static_cast<int>(index)); }
@@ -204,10 +205,13 @@ private:
                 return self->owner->provider.Give(out);
             });
         provider.Answer(
-            3, +[](Object*, DXDIAG_INIT_PARAMS*) { return S_OK; });
+            3, +[](Object* self, DXDIAG_INIT_PARAMS* parameters) {
+                self->isInitialized = parameters->dwDxDiagHeaderVersion == DXDIAG_DX9_SDK_VERSION;
+                return S_OK;
+            });
         provider.Answer(
             4, +[](Object* self, IDxDiagContainer** out) -> HRESULT {
-                return self->owner->container.Give(out);
+                return self->isInitialized ? self->owner->container.Give(out) : E_FAIL;
             });
         container.Answer(
             4, +[](Object* self, DWORD index, wchar_t* name, DWORD) -> HRESULT {
