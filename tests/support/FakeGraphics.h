@@ -104,8 +104,9 @@ public:
                 return DXGI_ERROR_UNSUPPORTED;
             return device != nullptr ? device12.Give(device) : S_FALSE;
         };
-        functions.getDxDiagClass = [this](REFCLSID, REFIID, void** out) {
-            return ++calls[L"DxDiag"], diagnosisClass.Give(out);
+        functions.getDxDiagClass = [this](REFCLSID id, REFIID, void** out) {
+            ++calls[L"DxDiag"];
+            return id.Data1 == 0xA65B8071 ? diagnosisClass.Give(out) : HRESULT{CLASS_E_CLASSNOTAVAILABLE};
         };
         functions.getDriverModel = [this](LUID luid) {
             return luid.HighPart == 7 ? At(luid.LowPart - 1).card.driverModel : 0;
@@ -201,8 +202,8 @@ private:
     void SetUpDxDiag()
     {
         diagnosisClass.Answer(
-            3, +[](Object* self, IUnknown*, REFIID, void** out) -> HRESULT {
-                return self->owner->provider.Give(out);
+            3, +[](Object* self, IUnknown*, REFIID id, void** out) -> HRESULT {
+                return id.Data1 == 0x9C6B4CB0 ? self->owner->provider.Give(out) : HRESULT{E_NOINTERFACE};
             });
         provider.Answer(
             3, +[](Object* self, DXDIAG_INIT_PARAMS* parameters) {

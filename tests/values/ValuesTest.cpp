@@ -200,7 +200,7 @@ TEST(Version, PacksItsFieldsAndKeepsItsText)
         {L"18446744073709551616", 0, 1},
         {L"9.0c", 9 << 16, 1},
         {L"...", 0, 0},
-        {L"C", L'C', 0},
+        {L"A", L'A', 0},
     };
     for (const auto& [text, quantity, errorLines] : rows) {
         const test::LogCapture log(1);
@@ -215,6 +215,7 @@ TEST(Version, PacksItsFieldsAndKeepsItsText)
     EXPECT_LT(Version(L"9.0C"), Version(L"10.0"));  // by number, not by text
     EXPECT_FALSE(Version(L"10") < Version(L"9"));
     EXPECT_EQ(Version(L"6.1"), Version(L"6.1.0.0"));
+    EXPECT_FALSE(Version(L"9") == Version(L"10"));
 }
 
 TEST(DeviceID, ReadsTheIdsOfRealHardware)
