@@ -213,6 +213,8 @@ TEST_F(Control, IsRefusedToWhoAsksForWhatItIsNot)
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_IStream, &made), E_NOINTERFACE);
     EXPECT_EQ(getClassObject(CLSID_SysInfo, IID_IClassFactory, nullptr), E_POINTER);
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_ISysInfo, nullptr), E_POINTER);
+    EXPECT_EQ(factory->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    EXPECT_EQ(control->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
 }
 
 }  // namespace

@@ -71,6 +71,9 @@ TEST_F(Members, LogTheLevelAndWhatFailsInThem)
     EXPECT_EQ(control->get_Value(_bstr_t(L"1"), &value), S_OK);
     EXPECT_EQ(value, nullptr);
     EXPECT_EQ(log.Lines().back(), L"ERR Caught exception.");
+    Microsoft::WRL::ComPtr<ITypeInfo> info;
+    EXPECT_EQ(control->GetTypeInfo(0, 0, &info), TYPE_E_CANTLOADLIBRARY);  // the DLL has one
+    EXPECT_EQ(log.Lines().back(), L"ERR The type library cannot be loaded.");
     control->put_Logging(_bstr_t(L"1"));
     control->put_Logging(_bstr_t(L"7"));  // the level in force does not show the line
     EXPECT_EQ(std::ranges::count(log.Lines(), L"TRACE Setting level to: 7"), 0);

@@ -51,7 +51,9 @@ TEST(Registrar, WritesTheScriptAndTakesItBack)
 
     // The registry takes names of at most 255 characters.
     const std::wstring failing = L"HKCR { a = s 'x' { b } " + std::wstring(300, L'k') + L" }";
-    EXPECT_THROW(registrar.Register(RegistrationScript::Parse(failing, {})), RegistrationError);
+    EXPECT_THAT(
+        [&] { registrar.Register(RegistrationScript::Parse(failing, {})); },
+        testing::ThrowsMessage<RegistrationError>(testing::HasSubstr("A registry key cannot be created.")));
     EXPECT_EQ(root.Dump(), kept);
 }
 

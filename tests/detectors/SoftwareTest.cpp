@@ -153,6 +153,7 @@ TEST(Software, ReadsRealKeysFilesAndVersions)
     Browser().Detect();
     EXPECT_EQ(session.Text(73003), L"kel_tests.exe");
     const SoftwareFunctions system = SoftwareFunctions::OfSystem();
+    EXPECT_EQ(system.expand(L"C:\\plain"), L"C:\\plain");
     EXPECT_TRUE(system.versionRecord(L"C:\\windows\\win.ini").empty());
     EXPECT_TRUE(system.versionRecord(L"C:\\gone.exe").empty());
     EXPECT_TRUE(system.packages(L"MSTeams_8wekyb3d8bbwe").empty());

@@ -46,8 +46,10 @@ TEST(Log, WritesLinesOfItsLevelAlsoAfterATextThatCannotBeWritten)
     const std::size_t before = log.GetText().size();
     void* const debugger = AddVectoredExceptionHandler(TRUE, &NoteDebugged);
     log.Write(LogError, L"kept", std::wstring(1, L'\0'), L"whole");
-    RemoveVectoredExceptionHandler(debugger);
     EXPECT_EQ(debugged, log.GetText().substr(before));
+    std::make_unique<LogBuf>()->sputn(L"rest", 4);
+    EXPECT_EQ(debugged, L"rest");  // written when the buffer ends
+    RemoveVectoredExceptionHandler(debugger);
     EXPECT_TRUE(log.HasContent());
     EXPECT_THAT(log.GetText(), EndsWith(L" | kept whole\n"));
 

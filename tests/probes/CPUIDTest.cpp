@@ -77,6 +77,12 @@ TEST(CPUID, LooksForTheCacheDescriptorEverywhereButInTheCount)
     EXPECT_TRUE(chip.Execute(0x800000FF, registers));
     EXPECT_EQ(registers[0], 7U);
     EXPECT_FALSE(Chip({}).Execute(0x80000001, registers));
+
+    wchar_t own[16] = {};
+    DWORD size = sizeof(own);
+    RegGetValueW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0",
+                 L"VendorIdentifier", RRF_RT_REG_SZ, nullptr, own, &size);
+    EXPECT_EQ(CPUID().GetVendorString(), own);
 }
 
 TEST(SystemCpu, MeasuresTheTimeStampCounter)

@@ -124,6 +124,7 @@ TEST(WMI, ConvertsWhateverTypeAValueHas)
         {_variant_t(L"18446744073709551615"), L"18446744073709551615 - -"},  // a 64-bit number comes as text
         {_variant_t(L"4294967295"), L"4294967295 4294967295 -"},
         {_variant_t(BYTE(200)), L"200 200 200"},
+        {_variant_t(70000L), L"70000 70000 70000"},
         {_variant_t(short(-2)), L"-2 - -2"},
         {_variant_t(-1L), L"-1 4294967295 -1"},  // WMI hands an unsigned number out as a signed one
         {_variant_t(), L" 0 0"},

@@ -104,8 +104,9 @@ public:
                 return DXGI_ERROR_UNSUPPORTED;
             return device != nullptr ? device12.Give(device) : S_FALSE;
         };
-        functions.getDxDiagClass = [this](REFCLSID, REFIID, void** out) {
-            return ++calls[L"DxDiag"], diagnosisClass.Give(out);
+        functions.getDxDiagClass = [this](REFCLSID id, REFIID, void** out) {
+            ++calls[L"DxDiag"];
+            return id.Data1 == 0xA65B8071 ? diagnosisClass.Give(out) : HRESULT{CLASS_E_CLASSNOTAVAILABLE};
         };
         functions.getDriverModel = [this](LUID luid) {
             return luid.HighPart == 7 ? At(luid.LowPart - 1).card.driverModel : 0;
@@ -156,6 +157,7 @@ private:
         FakeGraphics* owner;
         Card card{};
         LUID luid{};
+        bool isInitialized = false;  ///< of DxDiag's provider
     };
 
     Object& At(std::size_t index) { return *std::next(adapters.begin(), static_cast<int>(index)); }
@@ -200,14 +202,17 @@ private:
     void SetUpDxDiag()
     {
         diagnosisClass.Answer(
-            3, +[](Object* self, IUnknown*, REFIID, void** out) -> HRESULT {
-                return self->owner->provider.Give(out);
+            3, +[](Object* self, IUnknown*, REFIID id, void** out) -> HRESULT {
+                return id.Data1 == 0x9C6B4CB0 ? self->owner->provider.Give(out) : HRESULT{E_NOINTERFACE};
             });
         provider.Answer(
-            3, +[](Object*, DXDIAG_INIT_PARAMS*) { return S_OK; });
+            3, +[](Object* self, DXDIAG_INIT_PARAMS* parameters) {
+                self->isInitialized = parameters->dwDxDiagHeaderVersion == DXDIAG_DX9_SDK_VERSION;
+                return S_OK;
+            });
         provider.Answer(
             4, +[](Object* self, IDxDiagContainer** out) -> HRESULT {
-                return self->owner->container.Give(out);
+                return self->isInitialized ? self->owner->container.Give(out) : E_FAIL;
             });
         container.Answer(
             4, +[](Object* self, DWORD index, wchar_t* name, DWORD) -> HRESULT {

@@ -256,7 +256,7 @@ Detected PlantedMachine::Detect()
 
     Detected detected;
     detected.log = log.Lines();
-    detected.stored = session.Lines(71000, 73999);
+    detected.stored = session.Lines(0, 73999);
     std::wstring all;
     for (const unsigned number : session.Numbers())
         all += std::to_wstring(number) + L",";

@@ -72,7 +72,7 @@ void PlantedStorage::PlantDisks(const Machine& machine, FakeWmiData& wmi)
         disk.answers[GeometryRequest] =
             Geometry(NumberOf(fields[4]), is(L"floppy") ? F3_1Pt44_512 : FixedMedia);
         disk.answers[HotplugRequest] =
-            HotplugInfo(is(L"removable"), is(L"unplugs") || (bus == BusTypeUsb && !is(L"stays")));
+            HotplugInfo(is(L"ejects"), is(L"unplugs") || (bus == BusTypeUsb && !is(L"stays")));
         if (!fields[5].empty())
             disk.answers[SeekPenalty] = Flag(fields[5] == L"seeks");
         if (fields[7].empty())

@@ -204,7 +204,7 @@ TEST(Version, PacksItsFieldsAndKeepsItsText)
         {L"18446744073709551616", 0, 1},
         {L"9.0c", 9 << 16, 1},
         {L"...", 0, 0},
-        {L"C", L'C', 0},
+        {L"A", L'A', 0},
     };
     for (const auto& [text, quantity, errorLines] : rows) {
         const test::LogCapture log(1);
@@ -219,6 +219,7 @@ TEST(Version, PacksItsFieldsAndKeepsItsText)
     EXPECT_LT(Version(L"9.0C"), Version(L"10.0"));  // by number, not by text
     EXPECT_FALSE(Version(L"10") < Version(L"9"));
     EXPECT_EQ(Version(L"6.1"), Version(L"6.1.0.0"));
+    EXPECT_FALSE(Version(L"9") == Version(L"10"));
 }
 
 TEST(DeviceID, ReadsTheIdsOfRealHardware)
@@ -253,15 +254,17 @@ TEST(DeviceID, TellsVirtualDevicesAndThoseOfOneKind)
     EXPECT_EQ(DeviceID(L"swd\\x").Bus() + DeviceID(L"ROOT").Bus(), L"SWD");
 
     const DeviceID full(L"PCI\\VEN_10DE&DEV_1C03&SUBSYS_61623842&REV_A1");
-    for (const wchar_t* same : {L"pci\\ven_10de&dev_1c03", L"PCI\\VEN_10DE&DEV_1C03&REV_A1&CC_0300"})
+    for (const wchar_t* same : {L"pci\\ven_10de&dev_1c03", L"PCI\\VEN_10DE&DEV_1C03&REV_A1&CC_0300"}) {
         EXPECT_TRUE(full.Matches(DeviceID(same))) << same;
-    EXPECT_TRUE(DeviceID(same).Matches(full)) << same;
+        EXPECT_TRUE(DeviceID(same).Matches(full)) << same;
+    }
     for (const wchar_t* other :
          {L"PCI\\VEN_10DE&DEV_1C03&SUBSYS_61623843&REV_A1", L"PCI\\VEN_10DE&DEV_1C03&REV_A2",
           L"PCI\\VEN_10DE&DEV_1C04&SUBSYS_61623842&REV_A1", L"PCI\\VEN_10DF&DEV_1C03&SUBSYS_61623842&REV_A1",
-          L"HDAUDIO\\VEN_10DE&DEV_1C03", L"PCI\\VEN_10DE&CC_0300"})
+          L"HDAUDIO\\VEN_10DE&DEV_1C03", L"PCI\\VEN_10DE&CC_0300"}) {
         EXPECT_FALSE(full.Matches(DeviceID(other))) << other;
-    EXPECT_FALSE(DeviceID(other).Matches(full)) << other;
+        EXPECT_FALSE(DeviceID(other).Matches(full)) << other;
+    }
     EXPECT_TRUE(DeviceID(L"PCI\\VEN_10DE&CC_0300").Matches(DeviceID(L"PCI\\VEN_10DE&CC_0300\\1")));
     EXPECT_FALSE(DeviceID(L"IDE\\DISKST31000").Matches(DeviceID(L"IDE\\DISKST3100")));
     EXPECT_FALSE(DeviceID(L"").Matches(DeviceID(L"")));
