@@ -1,8 +1,7 @@
-#include "server/admin/ProductPage.h"
-
 #include "server/admin/Chart.h"
 #include "server/admin/Layout.h"
 #include "server/admin/LineFigures.h"
+#include "server/admin/Pages.h"
 #include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
 #include "server/base/Text.h"
@@ -37,9 +36,7 @@ Html FiguresOf(const Totals& totals)
                           Figure("passing", Percentage(totals.pass, all))});
 }
 
-}  // namespace
-
-Html ProductPage::LinesOf(const std::string& referrer) const
+Html LineTables(Store& store, const std::string& referrer)
 {
     LineFigures figures;
     const RecentSessions recent =
@@ -50,7 +47,7 @@ Html ProductPage::LinesOf(const std::string& referrer) const
            figures.Show(store);
 }
 
-Html ProductPage::MachinesOf(const std::string& referrer) const
+Html MachineCharts(Store& store, const std::string& referrer)
 {
     std::vector<Distribution> distributions;
     for (const Picture& picture : Pictures)
@@ -70,17 +67,19 @@ Html ProductPage::MachinesOf(const std::string& referrer) const
            Html::Element("div", {{"class", "charts"}}, charts);
 }
 
-Answer ProductPage::Show(const Visit& visit) const
+}  // namespace
+
+Answer ShowProduct(const AdminRequest& request)
 {
-    const std::string& referrer = visit.Referrer();
-    const Totals totals = store.RecentTotals({referrer}, RecentCount).front();
+    const std::string& referrer = request.Referrer();
+    const Totals totals = request.store.RecentTotals({referrer}, RecentCount).front();
     const Html content = Html::Element("p", {{"class", "buttons"}},
-                                       {ButtonLink(ProductPath(referrer) + "/requirements", "Requirements"),
+                                       {ButtonLink(RequirementsPath(referrer), "Requirements"),
                                         ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
                          Html::Element("h2", {}, "The last verdicts") + FiguresOf(totals) +
-                         LinesOf(referrer) + Html::Element("h2", {}, "What visitors have") +
-                         MachinesOf(referrer);
-    return Page(visit, referrer, content);
+                         LineTables(request.store, referrer) + Html::Element("h2", {}, "What visitors have") +
+                         MachineCharts(request.store, referrer);
+    return Page(request, referrer, content);
 }
 
 }  // namespace kel::server

@@ -52,8 +52,15 @@ std::optional<Login> FindKind(Store& store, std::string_view secret, LoginKind k
 }  // namespace
 
 Sessions::Sessions(Store& store, const AdminSettings& settings)
-    : store(store), settings(settings), key(RandomText())
+    : store(store), settings(settings), key(RandomText()), unknownsHash(HashPassword(RandomText()))
 {
+}
+
+bool Sessions::IsPassword(const std::optional<Account>& account, std::string_view password) const
+{
+    if (password.size() > MaxPasswordBytes)
+        return false;
+    return server::IsPassword(account ? account->hash : unknownsHash, password) && account;
 }
 
 std::optional<std::string> Sessions::Begin(const Account& account)

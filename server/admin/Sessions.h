@@ -33,12 +33,14 @@ public:
     /// The log-in of a request by its token (Authorization: Bearer).
     std::optional<Login> FindBearer(const Request& request);
 
-    bool IsSingleSignOn() const { return settings.singleSignOn; }
+    /// Whether that is the account's password. Takes as long, and is false, without an account.
+    bool IsPassword(const std::optional<Account>& account, std::string_view password) const;
 
 private:
     Store& store;
     AdminSettings settings;
-    std::string key;  // makes the form tokens of those whom the proxy names
+    std::string key;           // makes the form tokens of the accounts that the proxy names
+    std::string unknownsHash;  // stands for the hash of an account that does not exist
 };
 
 /// Makes a token for programs that lasts so many days, of that account. Throws Fault 409 when it has

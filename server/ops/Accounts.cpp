@@ -14,15 +14,15 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t LongestName = 64, LongestPassword = 1000;  // bytes
-constexpr int ShortestPassword = 12;                             // characters
-constexpr int UsualDays = 365, MostDays = 3650;
+constexpr std::size_t MaxNameBytes = 64;
+constexpr int MinPasswordCharacters = 12;
+constexpr int UsualDays = 365, MaxDays = 3650;
 
 void AddUser(const std::string& role, const std::string& name, Store& store, std::istream& input)
 {
     if (role != "editor" && role != "reader")
         throw std::runtime_error("a role is editor or reader, not '" + role + "'");
-    if (name.empty() || name.size() > LongestName || name != Clean(name) ||
+    if (name.empty() || name.size() > MaxNameBytes || name != Clean(name) ||
         name.find_first_of("\t\r\n") != name.npos)
         throw std::runtime_error("a name has 1 to 64 bytes and no control characters");
     std::string password;
@@ -31,7 +31,7 @@ void AddUser(const std::string& role, const std::string& name, Store& store, std
         password.pop_back();
     const auto characters =
         std::count_if(password.begin(), password.end(), [](char c) { return (c & 0xC0) != 0x80; });
-    if (characters < ShortestPassword || password.size() > LongestPassword || password != Clean(password))
+    if (characters < MinPasswordCharacters || password.size() > MaxPasswordBytes || password != Clean(password))
         throw std::runtime_error("the password, a line on standard input, needs at least 12 characters");
     store.Keep(Account{name, HashPassword(password), role == "editor" ? Role::Editor : Role::Reader},
                CommandLine);
@@ -46,7 +46,7 @@ void RemoveUser(const std::string& name, Store& store)
 void AddToken(const std::string& name, const std::string& daysText, Store& store, std::ostream& output)
 {
     const std::int64_t days = daysText.empty() ? UsualDays : WholeNumber(daysText);
-    if (days < 1 || days > MostDays)
+    if (days < 1 || days > MaxDays)
         throw std::runtime_error("a token lasts 1 to 3650 days");
     const auto account = store.FindAccount(name);
     if (!account)

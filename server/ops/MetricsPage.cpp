@@ -83,7 +83,7 @@ void AppendDoors(Page& page, const Metrics& metrics)
     forDoors([&](const std::string& labels, const DoorMetrics& door) {
         for (const DoorMetrics::Route& route : door.routes)
             AppendStatuses(page,
-                           labels + "," + Label("method", route.method) + "," + Label("route", route.path),
+                           labels + "," + Label("method", route.method) + "," + Label("route", route.pattern),
                            route.counts);
     });
     page.Metric("kel_http_refusals_total", "counter", "Requests refused by the door: a limit, or no HTTP.");

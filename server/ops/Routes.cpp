@@ -48,7 +48,7 @@ Router PublicRoutes(Service& service, Metrics& metrics)
         router.Add("POST", path,
                    [&](const Call& call) { return service.SystemInformation(call.request.body); });
     router.Add("POST", "/service/Analysis/*",
-               [&](const Call& call) { return service.Analysis(call.rest, call.request.body); });
+               [&](const Call& call) { return service.Analysis(call.subject, call.request.body); });
     router.Add("GET", TestFilePath, [&](const Call&) { return service.TestFile(); });
     return router;
 }

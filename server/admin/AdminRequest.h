@@ -1,38 +1,42 @@
 #pragma once
 
-#include <functional>
 #include <string>
 
 #include "server/admin/Form.h"
 #include "server/admin/Html.h"
+#include "server/admin/Sessions.h"
+#include "server/admin/Throttle.h"
 #include "server/base/Exchange.h"
 #include "server/base/Fault.h"
 #include "server/base/Text.h"
 #include "server/http/Target.h"
-#include "server/store/Records.h"
+#include "server/store/Store.h"
 
 namespace kel::server {
 
-/// A request to the administration by somebody who may make it.
-struct Visit {
-    const Request& request;
+/// A request to the administration whose sender may make it, and what a page answers it with.
+struct AdminRequest {
+    const Request& http;
     const Target& target;
-    std::string subject;  // what the path has in the place of its route's asterisk
-    Form form = {};       // of a POST
-    Login login = {};     // without an account: nobody is logged in
+    std::string subject;  // the part of the path that the route's star stands for
+    Store& store;
+    Sessions& sessions;
+    Throttle& throttle;
     bool isSingleSignOn = false;
+    Form form = {};    // of a POST
+    Login login = {};  // without an account when nobody is logged in
 
     bool IsEditor() const { return !login.account.empty() && login.role == Role::Editor; }
-    /// A parameter of the query, cleaned; empty when it is not there, or not once.
+    /// A parameter of the query, cleaned; empty when it is missing or repeated.
     std::string Query(std::string_view name) const { return Clean(target.Only(name).value_or("")); }
-    /// The subject as a referrer; 404 when it cannot be one.
+    /// The subject as a referrer; throws Fault 404 when it cannot be one.
     const std::string& Referrer() const
     {
         if (!IsReferrer(subject))
             throw Fault(404, "There is no such product.");
         return subject;
     }
-    /// The subject, or a number in the query, as an id; 404 when it is none.
+    /// The subject as an id; throws Fault 404 when it cannot be one.
     std::int64_t Id() const
     {
         const std::int64_t id = WholeNumber(subject);
@@ -41,7 +45,5 @@ struct Visit {
         return id;
     }
 };
-
-using Action = std::function<Answer(const Visit&)>;
 
 }  // namespace kel::server
