@@ -10,7 +10,6 @@
 #include "server/base/Fault.h"
 #include "server/base/Text.h"
 #include "server/http/Target.h"
-#include "server/store/Store.h"
 
 namespace kel::server {
 
@@ -19,7 +18,7 @@ struct AdminRequest {
     const Request& http;
     const Target& target;
     std::string subject;  // the part of the path that the route's star stands for
-    Store& store;
+    Database& database;
     Sessions& sessions;
     Throttle& throttle;
     bool isSingleSignOn = false;

@@ -15,6 +15,8 @@
 #include "server/base/Text.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
+#include "server/store/Reports.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -131,12 +133,12 @@ Answer ListReports(const AdminRequest& request)
     std::string text = head;
     std::vector<std::int64_t> ids;
     std::map<std::int64_t, std::string> totals;
-    for (const ReportLine& line : request.store.Reports(filter)) {
+    for (const ReportLine& line : Reports(request.database).List(filter)) {
         ids.push_back(line.id);
-        totals[line.id] = line.total;
+        totals[line.id] = line.total ? ToString(*line.total) : "";
     }
     std::int64_t last = ids.empty() ? filter.afterId : ids.back();
-    request.store.ForEachReport(ids, [&](const FullReport& report) {
+    Reports(request.database).ForEach(ids, [&](const FullReport& report) {
         const std::string& total = totals[report.id];
         const std::string more = isCsv ? Records(report, total) : Entry(report, total);
         const bool isFirst = text.size() == head.size();
@@ -155,8 +157,8 @@ Answer ListReports(const AdminRequest& request)
 Answer ListReferrers(const AdminRequest& request)
 {
     ordered_json entries = ordered_json::array();
-    const std::vector<Product> products = request.store.Products();
-    const auto totals = RecentTotals(request.store, products);
+    const std::vector<Product> products = RequirementSets(request.database).Products();
+    const auto totals = RecentTotals(request.database, products);
     for (std::size_t i = 0; i < products.size(); ++i) {
         const Product& product = products[i];
         ordered_json recent;  // null when it would have taken too long
@@ -174,7 +176,7 @@ Answer ListReferrers(const AdminRequest& request)
 
 Answer ReadDraft(const AdminRequest& request)
 {
-    const auto draft = request.store.FindDraft(request.Referrer());
+    const auto draft = RequirementSets(request.database).FindDraft(request.Referrer());
     if (!draft)
         throw Fault(404, "There is no draft.");
     Answer answer = Answer::Of("application/json", draft->text);
@@ -193,7 +195,7 @@ Answer WriteDraft(const AdminRequest& request)
     const auto written =
         revision < 0
             ? std::nullopt
-            : Drafts(request.store, request.login.account).Save(referrer, request.http.body, revision);
+            : Drafts(request.database, request.login.account).Save(referrer, request.http.body, revision);
     if (!written)
         throw Stale();
     Answer answer = JsonAnswer({{"revision", *written}}, isNew ? 201 : 200);
@@ -204,7 +206,7 @@ Answer WriteDraft(const AdminRequest& request)
 Answer PublishRevision(const AdminRequest& request)
 {
     const auto publication =
-        Drafts(request.store, request.login.account).Publish(request.Referrer(), RevisionOf(request));
+        Drafts(request.database, request.login.account).Publish(request.Referrer(), RevisionOf(request));
     if (publication.version)
         return JsonAnswer({{"version", *publication.version}});
     throw publication.reason.empty() ? Stale() : Fault(422, publication.reason);

@@ -3,6 +3,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/admin/Table.h"
+#include "server/store/Audit.h"
 
 namespace kel::server {
 
@@ -16,8 +17,8 @@ Answer ShowAudit(const AdminRequest& request)
 {
     const std::int64_t before = std::max(WholeNumber(request.Query("before")), std::int64_t{0});
     Table table("Who did what, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}});
-    const auto notes = request.store.Notes(before, PageRows);
-    for (const AuditLine& note : notes)
+    const auto notes = Audit(request.database).Entries(before, PageRows);
+    for (const AuditEntry& note : notes)
         table.Add({Moment(note.time), Html::Stored(note.account), note.action,
                    note.subject.empty() ? Html("–") : Html::Stored(note.subject)});
     Html content = table.Done("Nothing was noted.");

@@ -2,6 +2,7 @@
 
 #include "server/admin/Layout.h"
 #include "server/admin/Table.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -63,7 +64,7 @@ Answer DraftEditor(const AdminRequest& request, const std::string& text, int rev
 Answer DraftConflict(const AdminRequest& request, const std::string& text)
 {
     const std::string& referrer = request.Referrer();
-    const auto draft = request.store.FindDraft(referrer);
+    const auto draft = RequirementSets(request.database).FindDraft(referrer);
     Html content;
     if (draft) {
         content = Notice("bad", {"Somebody else has changed the draft meanwhile. Nothing was overwritten: "
@@ -77,7 +78,7 @@ Answer DraftConflict(const AdminRequest& request, const std::string& text)
             "The draft was published or dropped meanwhile. Nothing was overwritten: below are both texts.");
     }
     content += TextArea(draft ? "Their draft" : "The text in force", "theirs",
-                        draft ? draft->text : NewestText(request.store, referrer), true) +
+                        draft ? draft->text : NewestText(request.database, referrer), true) +
                Html::Element("h2", {}, "Your text") + EditorForm(request, text, draft ? draft->revision : 0);
     return Page(request, "Somebody was faster", content, 409);
 }
@@ -85,7 +86,7 @@ Answer DraftConflict(const AdminRequest& request, const std::string& text)
 Html VersionsTable(const AdminRequest& request, const std::string& referrer)
 {
     Table table("Published versions, the newest first", {{"Version"}, {"Published (UTC)"}, {"By"}, {"Text"}});
-    for (const PublishedSet& set : request.store.Versions(referrer)) {
+    for (const PublishedSet& set : RequirementSets(request.database).Versions(referrer)) {
         const std::string number = std::to_string(set.version);
         table.Add({number, Moment(set.published), set.author.empty() ? Html("–") : Html::Stored(set.author),
                    Link(ProductPath(referrer) + "/version?number=" + number, "view version " + number)});
@@ -93,10 +94,10 @@ Html VersionsTable(const AdminRequest& request, const std::string& referrer)
     return Html::Element("h2", {}, "Versions") + table.Done("Nothing is published yet.");
 }
 
-std::string NewestText(Store& store, const std::string& referrer)
+std::string NewestText(Database& database, const std::string& referrer)
 {
-    const auto newest = store.NewestSet(referrer);
-    return newest ? store.SetText(newest->id) : std::string();
+    const auto newest = RequirementSets(database).Newest(referrer);
+    return newest ? RequirementSets(database).Text(newest->id) : std::string();
 }
 
 }  // namespace kel::server

@@ -17,6 +17,6 @@ Answer DraftConflict(const AdminRequest& request, const std::string& text);
 Html VersionsTable(const AdminRequest& request, const std::string& referrer);
 
 /// The text of the newest published version; empty when there is none.
-std::string NewestText(Store& store, const std::string& referrer);
+std::string NewestText(Database& database, const std::string& referrer);
 
 }  // namespace kel::server

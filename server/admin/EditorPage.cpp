@@ -5,6 +5,7 @@
 #include "server/admin/Pages.h"
 #include "server/admin/Trial.h"
 #include "server/base/Text.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -31,7 +32,7 @@ Answer AskToPublish(const AdminRequest& request, int revision, const std::string
     const Html content =
         Html::Element("p", {{"class", "lead"}},
                       "The draft is saved. Once it is published, every verdict is by these requirements.") +
-        Trial::Run(request.store, request.subject, Requirements::Read(text)).Show() +
+        Trial::Run(request.database, request.subject, Requirements::Read(text)).Show() +
         Confirmation(request, "publish", revision, text, Button("Publish", "primary"));
     return Page(request, "Publish the draft of " + request.subject, content);
 }
@@ -58,7 +59,7 @@ Answer EditDraft(const AdminRequest& request)
         return AskToDrop(request, revision);
     if (Trim(text).empty())
         return DraftEditor(request, text, revision, Wrong("there is no text"), 400);
-    Drafts drafts(request.store, request.login.account);
+    Drafts drafts(request.database, request.login.account);
     if (action == "save") {
         return drafts.Save(referrer, text, revision) ? Redirect(RequirementsPath(referrer) + "?note=saved")
                                                      : DraftConflict(request, text);
@@ -67,7 +68,7 @@ Answer EditDraft(const AdminRequest& request)
         return DraftEditor(request, text, revision, Wrong(why));
     if (action == "try")
         return DraftEditor(request, text, revision,
-                           Trial::Run(request.store, referrer, Requirements::Read(text)).Show());
+                           Trial::Run(request.database, referrer, Requirements::Read(text)).Show());
     if (action == "publish") {
         const auto saved = drafts.Save(referrer, text, revision);
         return saved ? AskToPublish(request, *saved, text) : DraftConflict(request, text);
@@ -82,10 +83,10 @@ Answer PublishDraft(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
     const int revision = request.form.Number("revision");
-    const auto publication = Drafts(request.store, request.login.account).Publish(referrer, revision);
+    const auto publication = Drafts(request.database, request.login.account).Publish(referrer, revision);
     if (publication.version)
         return Redirect(RequirementsPath(referrer) + "?note=published");
-    const auto draft = request.store.FindDraft(referrer);
+    const auto draft = RequirementSets(request.database).FindDraft(referrer);
     if (publication.reason.empty() || !draft)
         return DraftConflict(request, request.form.Text("text"));
     return DraftEditor(request, draft->text, revision, Wrong(publication.reason), 400);
@@ -94,7 +95,7 @@ Answer PublishDraft(const AdminRequest& request)
 Answer DropDraft(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
-    if (!Drafts(request.store, request.login.account).Drop(referrer, request.form.Number("revision")))
+    if (!Drafts(request.database, request.login.account).Drop(referrer, request.form.Number("revision")))
         return DraftConflict(request, request.form.Text("text"));
     return Redirect(RequirementsPath(referrer) + "?note=dropped");
 }

@@ -35,7 +35,7 @@ Html HeaderOf(const AdminRequest& request)
         content += NavigationOf(request);
         Html who = Html::Element(
             "span", {{"class", "who"}},
-            {Html::Stored(request.login.account), request.IsEditor() ? " (editor)" : " (reader)"});
+            {Html::Stored(request.login.account), " (" + std::string(ToString(request.login.role)) + ")"});
         if (!request.isSingleSignOn)
             who += PostForm(request, "/logout", Button("Log out", "plain"));
         content += Html::Element("div", {{"class", "account"}}, who);
@@ -112,13 +112,13 @@ Html Notice(const std::string& kind, const Html& text)
                          text);
 }
 
-Html Mark(const std::string& total)
+Html Mark(std::optional<Result> result)
 {
-    if (total == "pass")
-        return Html::Element("span", {{"class", "mark pass"}}, "✓ pass");
-    if (total == "fail")
-        return Html::Element("span", {{"class", "mark fail"}}, "✗ fail");
-    return total.empty() ? Html("–") : Html::Element("span", {{"class", "mark unknown"}}, "? unknown");
+    if (!result)
+        return "–";
+    const char* sign = result == Result::Pass ? "✓ " : result == Result::Fail ? "✗ " : "? ";
+    const std::string text(ToString(*result));
+    return Html::Element("span", {{"class", "mark " + text}}, sign + text);
 }
 
 Html LabelOf(const std::string& label, bool recommended)

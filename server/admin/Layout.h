@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "server/admin/AdminRequest.h"
 #include "server/admin/Html.h"
+#include "server/verdict/Result.h"
 
 namespace kel::server {
 
@@ -27,7 +29,7 @@ void AddSafety(Answer& answer);
 Html Notice(const std::string& kind, const Html& text);
 
 /// "✓ pass", "✗ fail", "? unknown", "–" when there is no verdict.
-Html Mark(const std::string& total);
+Html Mark(std::optional<Result> result);
 
 /// A requirement's label, with a word when it is a recommendation.
 Html LabelOf(const std::string& label, bool recommended);

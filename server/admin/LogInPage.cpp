@@ -4,6 +4,7 @@
 #include "server/admin/Pages.h"
 #include "server/base/Log.h"
 #include "server/base/Text.h"
+#include "server/store/Audit.h"
 
 namespace kel::server {
 
@@ -53,7 +54,7 @@ Answer LogIn(const AdminRequest& request)
         throw Fault(404, "there is no such page");
     const std::string name = Shortened(request.form.Text("name"), MaxNameBytes);
     const std::string &next = request.form.Text("next"), &password = request.form.Text("password");
-    const auto found = request.store.FindAccount(name);
+    const auto found = Accounts(request.database).Find(name);
     const std::string browser = found ? Sessions::KnownBrowser(request.http, *found) : std::string();
     const Throttle::Guest guest{browser.empty() ? name : browser, !browser.empty()};
     if (const auto wait = request.throttle.Wait(guest); wait.count() > 0) {
@@ -70,7 +71,7 @@ Answer LogIn(const AdminRequest& request)
         request.throttle.Failed(guest);
         // What is no name may be a password in the wrong field.
         const std::string who = found ? found->name : "unknown name";
-        request.store.Note(who, "log-in failed", "");
+        Audit(request.database).Add(who, "log-in failed", "");
         Log(Level::Warning, "log-in-failed", {{"account", who}});
         return Render(request, name, next, Notice("bad", "Name or password is wrong."), 403);
     }
@@ -82,7 +83,7 @@ Answer LogIn(const AdminRequest& request)
     Answer answer = Redirect(LocalPath(next));
     answer.headers.emplace_back("Set-Cookie", *cookie);
     answer.headers.emplace_back("Set-Cookie", Sessions::KnownCookie(*found));
-    request.store.Note(found->name, "logged in", "");
+    Audit(request.database).Add(found->name, "logged in", "");
     Log(Level::Info, "logged-in", {{"account", found->name}});
     return answer;
 }
@@ -90,7 +91,7 @@ Answer LogIn(const AdminRequest& request)
 Answer LogOut(const AdminRequest& request)
 {
     request.sessions.End(request.login);
-    request.store.Note(request.login.account, "logged out", "");
+    Audit(request.database).Add(request.login.account, "logged out", "");
     Answer answer = Redirect("/login");
     answer.headers.emplace_back("Set-Cookie", Sessions::NoCookie());
     return answer;

@@ -4,6 +4,8 @@
 #include "server/admin/ReportsTable.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
+#include "server/store/Reports.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -26,8 +28,8 @@ Html NewProductForm()
 
 Answer ShowOverview(const AdminRequest& request)
 {
-    const std::vector<Product> products = request.store.Products();
-    const std::vector<Totals> totals = RecentTotals(request.store, products);
+    const std::vector<Product> products = RequirementSets(request.database).Products();
+    const std::vector<Counts> totals = RecentTotals(request.database, products);
     Table table(
         "Products (results by session, from the latest " + Grouped(RecentCount) + " verdicts of each)",
         {{"Product"},
@@ -64,8 +66,8 @@ Answer ShowOverview(const AdminRequest& request)
     if (request.IsEditor())
         content += NewProductForm();
     content += Html::Element("h2", {}, "Newest reports") +
-               ReportsTable("The last ten; all of them are under Reports", request.store.Reports(filter),
-                            "No report has come in yet.");
+               ReportsTable("The last ten; all of them are under Reports",
+                            Reports(request.database).List(filter), "No report has come in yet.");
     return Page(request, "Overview", content);
 }
 

@@ -27,7 +27,7 @@ Html Figure(const std::string& name, const std::string& value)
     return Html::Element("div", {}, {Html::Element("b", {}, value), name});
 }
 
-Html FiguresOf(const Totals& totals)
+Html FiguresOf(const Counts& totals)
 {
     const int all = totals.pass + totals.fail + totals.unknown;
     return Html::Element("div", {{"class", "card figures"}},
@@ -36,23 +36,23 @@ Html FiguresOf(const Totals& totals)
                           Figure("passing", Percentage(totals.pass, all))});
 }
 
-Html LineTables(Store& store, const std::string& referrer)
+Html LineTables(Database& database, const std::string& referrer)
 {
     LineFigures figures;
     const RecentSessions recent =
-        ForEachRecentVerdict(store, referrer, [&](const StoredVerdict& verdict) { figures.Add(verdict); });
+        ForEachRecentVerdict(database, referrer, [&](const StoredVerdict& verdict) { figures.Add(verdict); });
     if (recent.count == 0)
         return Html::Element("p", {{"class", "empty"}}, "There is no verdict yet.");
     return Html::Element("p", {{"class", "lead"}}, "The tables are of " + recent.Text() + ".") +
-           figures.Show(store);
+           figures.Show(database);
 }
 
-Html MachineCharts(Store& store, const std::string& referrer)
+Html MachineCharts(Database& database, const std::string& referrer)
 {
     std::vector<Distribution> distributions;
     for (const Picture& picture : Pictures)
         distributions.emplace_back(picture.kind);
-    const RecentSessions recent = ForEachRecentReport(store, referrer, [&](const Report& report) {
+    const RecentSessions recent = ForEachRecentReport(database, referrer, [&](const Report& report) {
         for (std::size_t i = 0; i < distributions.size(); ++i)
             distributions[i].Add(report.Value(Pictures[i].id));
     });
@@ -72,13 +72,14 @@ Html MachineCharts(Store& store, const std::string& referrer)
 Answer ShowProduct(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
-    const Totals totals = request.store.RecentTotals({referrer}, RecentCount).front();
+    const Counts totals = Verdicts(request.database).CountRecent({referrer}, RecentCount).front();
     const Html content = Html::Element("p", {{"class", "buttons"}},
                                        {ButtonLink(RequirementsPath(referrer), "Requirements"),
                                         ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
                          Html::Element("h2", {}, "The last verdicts") + FiguresOf(totals) +
-                         LineTables(request.store, referrer) + Html::Element("h2", {}, "What visitors have") +
-                         MachineCharts(request.store, referrer);
+                         LineTables(request.database, referrer) +
+                         Html::Element("h2", {}, "What visitors have") +
+                         MachineCharts(request.database, referrer);
     return Page(request, referrer, content);
 }
 

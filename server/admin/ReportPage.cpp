@@ -11,6 +11,9 @@
 #include "server/base/Text.h"
 #include "server/report/Report.h"
 #include "server/store/Deletion.h"
+#include "server/store/Reports.h"
+#include "server/store/RequirementSets.h"
+#include "server/store/Verdicts.h"
 #include "server/verdict/Requirements.h"
 #include "server/verdict/Verdict.h"
 
@@ -65,26 +68,28 @@ Html ValuesOf(const Report& report)
 
 FullReport FindReport(const AdminRequest& request)
 {
-    auto report = request.store.FindReport(request.Id());
+    auto report = Reports(request.database).Find(request.Id());
     if (!report)
         throw Fault(404, "There is no such report. It may have been deleted.");
     return *report;
 }
 
-Html VerdictTable(Store& store, const StoredVerdict& verdict, const FullReport& report)
+Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullReport& report)
 {
     Table table("By version " + std::to_string(verdict.version) + " of " + verdict.referrer + ", " +
                     TimeText(verdict.judged) + " UTC",
                 {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}});
     try {
         // The stored lines have what was found; the requirements say what was needed.
-        const Verdict read = Judge(Requirements::Read(store.SetText(verdict.set)), Report::Read(report.body));
+        const Verdict read =
+            Judge(Requirements::Read(RequirementSets(database).Text(verdict.set)), Report::Read(report.body));
         const auto stored = nlohmann::json::parse(verdict.lines);
         for (std::size_t i = 0; i < read.lines.size() && i < stored.size(); ++i) {
             const VerdictLine& line = read.lines[i];
-            const std::string result = stored[i].at("result").get<std::string>();
+            const Result result =
+                ParseResult(stored[i].at("result").get<std::string>()).value_or(Result::Unknown);
             Html found = Mark(result);
-            if (result != "pass" && !line.advice.empty())
+            if (result != Result::Pass && !line.advice.empty())
                 found += Html::Element("div", {}, Html::Stored(line.advice));
             table.Add({LabelOf(line.label, line.recommended), Html::Stored(line.needed),
                        TextOrDash(stored[i].at("found").get<std::string>()), found});
@@ -103,18 +108,18 @@ Answer ShowReport(const AdminRequest& request)
     const FullReport report = FindReport(request);
     Html content = FactsOf(report);
     content += Html::Element("h2", {}, "Verdicts");
-    const auto verdicts = request.store.VerdictsOf(report.id);
+    const auto verdicts = Verdicts(request.database).OnReport(report.id);
     for (std::size_t i = 0; i < verdicts.size() && i < MaxVerdicts; ++i)
-        content += VerdictTable(request.store, verdicts[i], report);
+        content += VerdictTable(request.database, verdicts[i], report);
     if (verdicts.empty())
         content += Html::Element("p", {{"class", "empty"}}, "Nobody has asked for a verdict on this report.");
     ReportFilter filter;
     filter.session = report.session;
     filter.beforeId = report.id;
     filter.count = MaxReports;
-    content +=
-        Html::Element("h2", {}, "Earlier reports of the session") +
-        ReportsTable("Earlier reports of the same session", request.store.Reports(filter), "There are none.");
+    content += Html::Element("h2", {}, "Earlier reports of the session") +
+               ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter),
+                            "There are none.");
     content += Html::Element("h2", {}, "Values") + ValuesOf(ReadStored(report.body).value_or(Report()));
     if (request.IsEditor())
         content += Html::Element(
@@ -140,7 +145,7 @@ Answer DeleteSession(const AdminRequest& request)
 {
     const FullReport report = FindReport(request);
     DeletionEntry entry{request.login.account, "deleted session", Shortened(report.session, MaxValueBytes)};
-    const Deletion deletion = Deletion::OfSession(request.store, report.session, &entry, MaxBatches);
+    const Deletion deletion = Deletion::OfSession(request.database, report.session, &entry, MaxBatches);
     Log(Level::Info, "deleted",
         {{"account", request.login.account},
          {"session", report.session},

@@ -4,6 +4,7 @@
 #include "server/admin/Pages.h"
 #include "server/admin/ReportsTable.h"
 #include "server/admin/Texts.h"
+#include "server/store/Reports.h"
 
 namespace kel::server {
 
@@ -56,7 +57,8 @@ Answer ShowReports(const AdminRequest& request)
     ReportFilter filter;
     filter.referrer = request.Query("referrer");
     filter.session = request.Query("session");
-    filter.total = request.Query("verdict");
+    const std::string verdict = request.Query("verdict");
+    filter.total = ParseResult(verdict);
     filter.from = DayOf(request.Query("from")).value_or(0);
     if (const auto until = DayOf(request.Query("until")))
         filter.until = *until + Day;
@@ -68,7 +70,9 @@ Answer ShowReports(const AdminRequest& request)
     filter.count = PageRows + 1;
     const bool isAscending = filter.afterId >= 0;
 
-    std::vector<ReportLine> lines = request.store.Reports(filter);
+    std::vector<ReportLine> lines;
+    if (verdict.empty() || filter.total)  // no report has another verdict
+        lines = Reports(request.database).List(filter);
     const bool goesOn = lines.size() > PageRows;
     if (goesOn)
         lines.pop_back();

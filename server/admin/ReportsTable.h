@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "server/admin/Html.h"
-#include "server/store/Records.h"
+#include "server/store/Reports.h"
 
 namespace kel::server {
 

@@ -5,6 +5,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/base/Text.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -40,11 +41,11 @@ Html NoticeOf(const AdminRequest& request)
     return {};
 }
 
-std::string VersionText(Store& store, const std::string& referrer, std::int64_t version)
+std::string VersionText(Database& database, const std::string& referrer, std::int64_t version)
 {
-    for (const PublishedSet& set : store.Versions(referrer)) {
+    for (const PublishedSet& set : RequirementSets(database).Versions(referrer)) {
         if (set.version == version)
-            return store.SetText(set.id);
+            return RequirementSets(database).Text(set.id);
     }
     throw Fault(404, "There is no such version.");
 }
@@ -54,8 +55,8 @@ std::string VersionText(Store& store, const std::string& referrer, std::int64_t 
 Answer ShowRequirements(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
-    const auto draft = request.store.FindDraft(referrer);
-    const std::string newest = NewestText(request.store, referrer);
+    const auto draft = RequirementSets(request.database).FindDraft(referrer);
+    const std::string newest = NewestText(request.database, referrer);
     if (!request.IsEditor()) {
         if (newest.empty() && !draft)
             throw Fault(404, "There is no such product.");
@@ -69,7 +70,7 @@ Answer ShowRequirements(const AdminRequest& request)
     }
     Html result = NoticeOf(request);
     if (const std::string from = request.Query("from"); !from.empty()) {
-        const std::string text = VersionText(request.store, referrer, WholeNumber(from));
+        const std::string text = VersionText(request.database, referrer, WholeNumber(from));
         return DraftEditor(
             request, text, draft ? draft->revision : 0,
             Notice("note", "This is the text of version " + from + ". It is no draft until it is saved."));
@@ -91,7 +92,7 @@ Answer ShowVersion(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
     const std::string number = request.Query("number");
-    const std::string text = VersionText(request.store, referrer, WholeNumber(number));
+    const std::string text = VersionText(request.database, referrer, WholeNumber(number));
     Html links = Link(RequirementsPath(referrer), "To the requirements");
     if (request.IsEditor())
         links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Take into the draft") + links;

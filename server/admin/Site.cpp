@@ -70,8 +70,8 @@ Answer FaultAnswer(const AdminRequest& request, bool isProgram, int status, cons
 
 }  // namespace
 
-Site::Site(Store& store, AdminSettings settings)
-    : store(store), settings(std::move(settings)), sessions(store, this->settings)
+Site::Site(Database& database, AdminSettings settings)
+    : database(database), settings(std::move(settings)), sessions(database, this->settings)
 {
 }
 
@@ -87,7 +87,7 @@ void Site::AddTo(Router& router)
 /// Without a route: 405 with the allowed methods, or 404 where there is none.
 Answer Site::Handle(const Call& call, const Route* route, const std::string& allowed)
 {
-    AdminRequest request{call.request, call.target, call.subject,         store,
+    AdminRequest request{call.request, call.target, call.subject,         database,
                          sessions,     throttle,    settings.singleSignOn};
     const bool isProgram = call.target.path.starts_with("/api/");
     Answer answer;

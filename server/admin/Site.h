@@ -7,14 +7,13 @@
 #include "server/admin/Settings.h"
 #include "server/admin/Throttle.h"
 #include "server/http/Router.h"
-#include "server/store/Store.h"
 
 namespace kel::server {
 
 /// The administration: hands a request to its page, once its sender may make it. For any thread.
 class Site {
 public:
-    Site(Store& store, AdminSettings settings);
+    Site(Database& database, AdminSettings settings);
 
     /// Adds the routes of all pages, and a page for a request that has no route.
     void AddTo(Router& router);
@@ -24,7 +23,7 @@ private:
     Answer Respond(AdminRequest& request, const Route* route, const std::string& allowed, bool isProgram);
     Answer Respond(AdminRequest& request, const Route& route, bool isProgram, bool hasToken);
 
-    Store& store;
+    Database& database;
     const AdminSettings settings;
     Sessions sessions;
     Throttle throttle;

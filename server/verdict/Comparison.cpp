@@ -77,11 +77,6 @@ constexpr Name Names[] = {
 
 }  // namespace
 
-std::string_view NameOf(Result result)
-{
-    return result == Result::Pass ? "pass" : result == Result::Fail ? "fail" : "unknown";
-}
-
 std::optional<Comparison> ComparisonOf(std::string_view name)
 {
     for (const Name& row : Names) {

@@ -4,12 +4,9 @@
 #include <string>
 #include <string_view>
 
+#include "server/verdict/Result.h"
+
 namespace kel::server {
-
-enum class Result { Pass, Fail, Unknown };
-
-/// "pass", "fail" or "unknown".
-std::string_view NameOf(Result result);
 
 /// A way to compare what a machine has with what is needed.
 enum class Comparison { AtLeastVersion, AtLeast, AtMost, Equals, OneOf, Contains, Any, Yes, No };

@@ -32,7 +32,7 @@ std::string RowOf(const VerdictLine& line)
 {
     const std::string found = line.found.empty() ? "–" : Escape(line.found);
     std::string row =
-        "<tr class=\"" + std::string(NameOf(line.result)) + "\"><th scope=\"row\">" + Escape(line.label) +
+        "<tr class=\"" + std::string(ToString(line.result)) + "\"><th scope=\"row\">" + Escape(line.label) +
         (line.recommended ? " <span class=\"kind\">Recommended</span>" : "") +
         "</th><td data-label=\"Needed\">" + Escape(line.needed) + "</td><td data-label=\"Found\">" + found +
         "</td><td><span class=\"mark\">" + MarkOf(line.result) + "</span>";
@@ -45,11 +45,11 @@ std::string RowOf(const VerdictLine& line)
 
 std::string RenderXml(const Verdict& verdict, const std::string& item, const std::string& schema)
 {
-    std::string text = "<analysis result=\"" + std::string(NameOf(verdict.total)) + "\" item=\"" +
+    std::string text = "<analysis result=\"" + std::string(ToString(verdict.total)) + "\" item=\"" +
                        Escape(item) + "\" schema=\"" + Escape(schema) + "\">" +
                        Element("title", verdict.title);
     for (const VerdictLine& line : verdict.lines) {
-        text += "<requirement result=\"" + std::string(NameOf(line.result)) + "\">" +
+        text += "<requirement result=\"" + std::string(ToString(line.result)) + "\">" +
                 Element("label", line.label) + Element("needed", line.needed) + Element("found", line.found);
         if (!line.advice.empty())
             text += Element("advice", line.advice);
@@ -62,10 +62,10 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
 std::string RenderJson(const Verdict& verdict, const std::string& item, const std::string& schema)
 {
     ordered_json content{
-        {"result", NameOf(verdict.total)}, {"item", item}, {"schema", schema}, {"title", verdict.title}};
+        {"result", ToString(verdict.total)}, {"item", item}, {"schema", schema}, {"title", verdict.title}};
     content["requirements"] = ordered_json::array();
     for (const VerdictLine& line : verdict.lines) {
-        ordered_json entry{{"result", NameOf(line.result)},
+        ordered_json entry{{"result", ToString(line.result)},
                            {"label", line.label},
                            {"needed", line.needed},
                            {"found", line.found}};
@@ -75,7 +75,7 @@ std::string RenderJson(const Verdict& verdict, const std::string& item, const st
             entry["recommended"] = true;
         for (const VerdictPart& part : Alternatives(line))
             entry["any of"].push_back(
-                {{"result", NameOf(part.result)}, {"needed", part.needed}, {"found", part.found}});
+                {{"result", ToString(part.result)}, {"needed", part.needed}, {"found", part.found}});
         content["requirements"].push_back(std::move(entry));
     }
     return content.dump();
@@ -83,7 +83,7 @@ std::string RenderJson(const Verdict& verdict, const std::string& item, const st
 
 std::string RenderPage(const Verdict& verdict)
 {
-    const std::string total(NameOf(verdict.total));
+    const std::string total(ToString(verdict.total));
     std::string page =
         "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"><title>" +
@@ -101,14 +101,14 @@ std::string RenderLines(const Verdict& verdict)
 {
     ordered_json lines = ordered_json::array();
     for (const VerdictLine& line : verdict.lines) {
-        ordered_json entry{{"id", line.group}, {"found", line.found}, {"result", NameOf(line.result)}};
+        ordered_json entry{{"id", line.group}, {"found", line.found}, {"result", ToString(line.result)}};
         if (line.recommended)
             entry["recommended"] = true;
         for (const VerdictPart& part : Alternatives(line))
             entry["any of"].push_back({{"id", part.group},
                                        {"needed", part.needed},
                                        {"found", part.found},
-                                       {"result", NameOf(part.result)}});
+                                       {"result", ToString(part.result)}});
         lines.push_back(std::move(entry));
     }
     return lines.dump();

@@ -5,11 +5,6 @@
 
 namespace kel::server {
 
-void Counts::Add(Result result)
-{
-    ++(result == Result::Pass ? pass : result == Result::Fail ? fail : unknown);
-}
-
 void Tally::Count(const Verdict& verdict)
 {
     if (pass + fail + unknown == 0) {

@@ -11,7 +11,11 @@ namespace kel::server {
 struct Counts {
     int pass = 0, fail = 0, unknown = 0;
 
-    void Add(Result result);
+    int& operator[](Result result)
+    {
+        return result == Result::Pass ? pass : result == Result::Fail ? fail : unknown;
+    }
+    void Add(Result result) { ++(*this)[result]; }
 };
 
 /// How machines meet one requirement.

@@ -1,9 +1,8 @@
-#include "server/store/OpenStore.h"
+#include "server/store/OpenDatabase.h"
 
 #include "server/base/Fault.h"
 #include "server/store/Migrations.h"
 #include "server/store/PostgresConnection.h"
-#include "server/store/SqlStore.h"
 #include "server/store/SqliteConnection.h"
 
 namespace kel::server {
@@ -12,9 +11,9 @@ namespace {
 
 constexpr int Unavailable = 503;
 
-std::unique_ptr<SqliteConnection> ConnectSqlite(const StoreSettings& settings, SqliteConnection::Mode mode)
+std::unique_ptr<SqliteConnection> ConnectSqlite(const DatabaseSettings& settings, SqliteConnection::Mode mode)
 {
-    return std::make_unique<SqliteConnection>(settings.database, mode,
+    return std::make_unique<SqliteConnection>(settings.location, mode,
                                               settings.durability == "full"
                                                   ? SqliteConnection::Durability::Full
                                                   : SqliteConnection::Durability::Normal);
@@ -22,12 +21,12 @@ std::unique_ptr<SqliteConnection> ConnectSqlite(const StoreSettings& settings, S
 
 /// Opens what is already in use. On a full disk there may be no room for the index of the write-ahead log: it
 /// gets the reserve's then.
-std::unique_ptr<SqliteConnection> ConnectToFile(const StoreSettings& settings)
+std::unique_ptr<SqliteConnection> ConnectToFile(const DatabaseSettings& settings)
 {
     try {
         return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
     } catch (const NoRoom&) {
-        if (!Room(settings.database, settings.bounds).ReleaseReserve())
+        if (!Room(settings.location, settings.bounds).ReleaseReserve())
             throw;
     }
     return ConnectSqlite(settings, SqliteConnection::Mode::Existing);
@@ -35,16 +34,16 @@ std::unique_ptr<SqliteConnection> ConnectToFile(const StoreSettings& settings)
 
 }  // namespace
 
-std::unique_ptr<Store> OpenStore(const StoreSettings& settings)
+std::unique_ptr<Database> OpenDatabase(const DatabaseSettings& settings)
 {
-    const bool isServer = PostgresConnection::IsAddress(settings.database);
-    const auto file = FileIdentity::Of(settings.database);
+    const bool isServer = PostgresConnection::IsAddress(settings.location);
+    const auto file = FileIdentity::Of(settings.location);
     const SqlPool::Open open = [settings, isServer, file]() -> std::unique_ptr<SqlConnection> {
         if (isServer)
-            return std::make_unique<PostgresConnection>(settings.database,
+            return std::make_unique<PostgresConnection>(settings.location,
                                                         PostgresConnection::Patience::Request);
         // The write-ahead log beside another file is not that file's. To open it would apply the log to it.
-        if (FileIdentity::Of(settings.database) != file)
+        if (FileIdentity::Of(settings.location) != file)
             throw Fault(Unavailable, "database: the file was removed or replaced; put it back, or restart");
         return ConnectToFile(settings);
     };
@@ -59,14 +58,14 @@ std::unique_ptr<Store> OpenStore(const StoreSettings& settings)
     }
     // The connection stays open: a restore sees that the database is in use.
     RequireCurrent(*writers->Borrow());
-    return std::make_unique<SqlStore>(std::move(quick), std::move(readers), std::move(writers),
-                                      isServer ? std::string() : settings.database, settings.bounds);
+    return std::make_unique<Database>(std::move(quick), std::move(readers), std::move(writers),
+                                      isServer ? std::string() : settings.location, settings.bounds);
 }
 
-std::unique_ptr<SqlConnection> OpenForMigration(const StoreSettings& settings)
+std::unique_ptr<SqlConnection> OpenForMigration(const DatabaseSettings& settings)
 {
-    if (PostgresConnection::IsAddress(settings.database))
-        return std::make_unique<PostgresConnection>(settings.database,
+    if (PostgresConnection::IsAddress(settings.location))
+        return std::make_unique<PostgresConnection>(settings.location,
                                                     PostgresConnection::Patience::Migration);
     return ConnectSqlite(settings, SqliteConnection::Mode::Create);
 }
