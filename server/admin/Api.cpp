@@ -11,9 +11,9 @@
 #include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -4,7 +4,7 @@
 #include "server/admin/Drafts.h"
 #include "server/admin/Layout.h"
 #include "server/admin/Trial.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

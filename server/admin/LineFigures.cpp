@@ -9,7 +9,7 @@
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
-#include "server/verdict/Requirements.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 
@@ -20,9 +20,9 @@ constexpr int MaxVersions = 3;  // that a page shows
 Result ResultIn(const nlohmann::json& line)
 {
     const auto found = line.is_object() ? line.find("result") : line.end();
-    if (found == line.end())
+    if (found == line.end() || !found->is_string())
         return Result::Unknown;
-    return *found == "pass" ? Result::Pass : *found == "fail" ? Result::Fail : Result::Unknown;
+    return ParseResult(found->get_ref<const std::string&>()).value_or(Result::Unknown);
 }
 
 /// The names of the values that a line asks for, each once.

@@ -6,7 +6,7 @@
 #include "server/admin/Secrets.h"
 #include "server/admin/Texts.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -5,7 +5,7 @@
 #include "server/admin/LineFigures.h"
 #include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

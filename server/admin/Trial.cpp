@@ -50,9 +50,9 @@ Trial Trial::Run(Store& store, const std::string& referrer, const Requirements& 
     const auto set = store.NewestSet(referrer);
     const auto today = set ? Requirements::ReadStored(store.SetText(set->id)) : std::nullopt;
     trial.sessions = ForEachRecentReport(store, referrer, [&](const Report& report) {
-        trial.draft.Count(Judge(draft, report));
+        trial.draft.Count(Judge(draft, report.Lookup()));
         if (today)
-            trial.today.Count(Judge(*today, report));
+            trial.today.Count(Judge(*today, report.Lookup()));
     });
     return trial;
 }

@@ -7,9 +7,9 @@
 #include "server/admin/Html.h"
 #include "server/base/Exchange.h"
 #include "server/base/Fault.h"
-#include "server/base/Text.h"
 #include "server/http/Target.h"
 #include "server/store/Records.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -4,12 +4,12 @@
 
 #include "server/base/Fault.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/protocol/AnalysisRequest.h"
 #include "server/report/Characters.h"
 #include "server/report/Xml.h"
-#include "server/verdict/Rendering.h"
-#include "server/verdict/Verdict.h"
+#include "verdict/Rendering.h"
+#include "verdict/Verdict.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -111,8 +111,9 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
     const auto id = store.NewestReport(request.session);
     if (!id)
         throw Fault(404, "no report of this session was uploaded");
-    const Verdict verdict = Judge(*sets.Get(set.id), *FindReport(*id));
-    const std::string total(NameOf(verdict.total));
+    const auto report = FindReport(*id);
+    const Verdict verdict = Judge(*sets.Get(set.id), report->Lookup());
+    const std::string total(ToString(verdict.total));
     KeepVerdict(NewVerdict{*id, set.id, request.item, total, RenderLines(verdict)});
     metrics.AddVerdict(total);
     Log(Level::Info, "judged",

@@ -9,11 +9,8 @@ from html import escape
 from pathlib import Path
 
 from deployed import INFORMATION, LIST, REPORT, UPLOAD, Client, DeployedTest, analysis
-from harness import API_KEY, PATIENCE, ServiceTest
+from harness import API_KEY, PATIENCE, ServiceTest, write_requirements
 
-COMPARISONS = [row.split(" | ") for row in (Path(__file__).parent / "comparisons.txt").read_text("utf-8").splitlines()[1:]]
-SETS, MACHINES = (part.splitlines() for part in (Path(__file__).parent / "verdicts.txt").read_text("utf-8").split("\n\n"))
-REFUSED = [row.split(" | ") for row in (Path(__file__).parent / "refused.txt").read_text("utf-8").splitlines()]
 WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
 # Requests that are refused: verb, target, body (a byte may be \x and two digits), status.
 ROWS = (Path(__file__).parent / "wrong.txt").read_text("ascii")
@@ -33,49 +30,10 @@ class Contract(Client):
         answer = self.ask("POST", f"/service/Analysis/{referrer}", analysis(session))[1].decode()
         return re.findall(r'<(?:analysis|requirement) result="(\w+)"', answer)
 
-    def test_values_compare_as_what_they_are(self):
-        rows = [*COMPARISONS, ("at least version", "9" * 5000, "9", "unknown"), ("contains", "é" * 2049, "é", "unknown"),
-                ("contains", "x" + "é" * 2047, "é", "pass")]
-        self.require("table", *((number, found[:40], comparison, needed) for number, (comparison, found, needed, _) in
-                                enumerate(rows, 1)), (9999, "the report lacks it", "no"))
-        values = "".join(f'<group id="{number}"><value>{escape(row[1])}</value></group>' for number, row in enumerate(rows, 1))
-        self.ask("POST", UPLOAD, f'<groups><group id="71424"><value>s</value></group>{values}</groups>')
-        for row, result in zip((*rows, ("", "", "", "unknown")), self.results("table", "s")[1:], strict=True):
-            with self.subTest(row):
-                self.assertEqual(result, row[-1])
-        told = self.ask("POST", "/service/Analysis/table", analysis("s"))[1].decode()
-        self.assertIn(f"<found>x{'é' * 499}…</found>", told)  # of a thousand bytes, whole characters
-
-    def test_alternatives_and_recommendations_are_judged(self):
-        lines = {name: json.loads(line) for name, line in (row.split(": ", 1) for row in SETS)}
-        columns = MACHINES[0].split(" | ")[4:]
-        for number, column in enumerate(columns):
-            self.require(str(number), *(lines[name] for name in column.split(", ")))
-        for row, (*values, found, _, _, _, _, _, _) in ((row, row.split(" | ")) for row in MACHINES[1:]):
-            groups = "".join(f'<group id="{group}"><value>{value}</value></group>' for group, value in enumerate(values, 1)
-                             if value != "-")
-            self.ask("POST", UPLOAD, f'<groups><group id="71424"><value>s</value></group>{groups}</groups>')
-            for number, results in enumerate(row.split(" | ")[4:]):
-                with self.subTest(f"{columns[number]}: {row}"):
-                    self.assertEqual(" ".join(self.results(number, "s")), results)
-            for number, expected in ((0, found), (5, values[0])):  # what is asked for twice is told once
-                told = self.ask("POST", f"/service/Analysis/{number}", analysis("s", "json"))[1]
-                self.assertEqual(json.loads(told)["requirements"][0]["found"], expected.replace("-", ""))
-        self.assertEqual(self.ask("GET", WANTED.replace("refid=r", "refid=2"))[1], b"71424|71218|71206|1|2|3")
-
     def test_a_wrong_requirements_file_is_refused_with_the_reason(self):
-        either = {"label": "é" * 500, "any of": [{"id": 1, "comparison": "any"}] * 20}
-        self.require("r", either, *[(1, "", "any")] * 499)  # as much as there may be
-        self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|1")
-        either["any of"] *= 2
-        line = '{"id": 1, "label": "", "comparison": "any"}'
-        for text, reason in (*REFUSED, (json.dumps(either), "requirement 2: its 'any of' has 40 entries, not 1 to 20"),
-                             (", ".join([line] * 500), "its 'requirements' has 501 entries, not 0 to 500"),
-                             (" " * 1024 * 1024, "it is longer than 1048576 bytes")):
-            whole = text if '"requirements"' in text or text == "[]" else f'{{"title": "T", "requirements": [{line}, {text}]}}'
-            (self.folder / "r.json").write_text(whole.replace("LONG", "x" * 999), "utf-8")
-            with self.subTest(text[:100]):
-                self.assertIn(reason, self.refusal())
+        write_requirements(self.folder, "r", [(1, "M", "at least", "many")])
+        self.assertIn("requirement 1: 'at least' needs a number, with or without a unit, or a resolution, not 'many'",
+                      self.refusal())
 
     def test_a_report_is_kept_and_judged(self):
         session = "../..\\x:é"

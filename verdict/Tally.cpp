@@ -1,9 +1,9 @@
-#include "server/verdict/Tally.h"
+#include "verdict/Tally.h"
 
 #include <algorithm>
 #include <stdexcept>
 
-namespace kel::server {
+namespace kel {
 
 void Counts::Add(Result result)
 {
@@ -28,4 +28,4 @@ void Tally::Count(const Verdict& verdict)
         lines[i].Add(verdict.lines[i].result);
 }
 
-}  // namespace kel::server
+}  // namespace kel
