@@ -409,7 +409,7 @@ class Commands(DeployedTest):
         self.assertIn("version=1", self.command("import", self.folder))
         self.require("r", (2, "M", "any"))
         self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
-        for name, text, reason in (("a", "{", "parse error"), ("a", "\xff", "no UTF-8"), ("a", "[" * 1_000_000, "parse error"),
+        for name, text, reason in (("a", "{", "parse error"), ("a", "\xff", "not UTF-8"), ("a", "[" * 1_000_000, "parse error"),
                                    ("é", '{"title": "", "requirements": []}', "name")):
             with self.subTest(text[:9]):
                 path = self.folder / f"{name}.json"
