@@ -8,8 +8,8 @@
 #include "server/admin/Throttle.h"
 #include "server/base/Exchange.h"
 #include "server/base/Fault.h"
-#include "server/base/Text.h"
 #include "server/http/Target.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -12,11 +12,11 @@
 #include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
 #include "server/store/Reports.h"
 #include "server/store/RequirementSets.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -5,7 +5,7 @@
 #include <array>
 
 #include "server/admin/Secrets.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

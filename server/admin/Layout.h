@@ -5,7 +5,7 @@
 
 #include "server/admin/AdminRequest.h"
 #include "server/admin/Html.h"
-#include "server/verdict/Result.h"
+#include "verdict/Result.h"
 
 namespace kel::server {
 

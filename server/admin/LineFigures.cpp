@@ -10,7 +10,7 @@
 #include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
 #include "server/store/RequirementSets.h"
-#include "server/verdict/Requirements.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 

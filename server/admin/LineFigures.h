@@ -6,7 +6,7 @@
 
 #include "server/admin/Html.h"
 #include "server/store/Verdicts.h"
-#include "server/verdict/Tally.h"
+#include "verdict/Tally.h"
 
 namespace kel::server {
 

@@ -3,7 +3,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 #include "server/store/Audit.h"
 
 namespace kel::server {

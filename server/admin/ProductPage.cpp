@@ -4,7 +4,7 @@
 #include "server/admin/Pages.h"
 #include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -8,14 +8,14 @@
 #include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/report/Report.h"
 #include "server/store/Deletion.h"
 #include "server/store/Reports.h"
 #include "server/store/RequirementSets.h"
 #include "server/store/Verdicts.h"
-#include "server/verdict/Requirements.h"
-#include "server/verdict/Verdict.h"
+#include "verdict/Requirements.h"
+#include "verdict/Verdict.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -81,8 +81,9 @@ Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullRe
                 {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}});
     try {
         // The stored lines have what was found; the requirements say what was needed.
+        const Report values = Report::Read(report.body);
         const Verdict read =
-            Judge(Requirements::Read(RequirementSets(database).Text(verdict.set)), Report::Read(report.body));
+            Judge(Requirements::Read(RequirementSets(database).Text(verdict.set)), values.Lookup());
         const auto stored = nlohmann::json::parse(verdict.lines);
         for (std::size_t i = 0; i < read.lines.size() && i < stored.size(); ++i) {
             const VerdictLine& line = read.lines[i];

@@ -2,7 +2,7 @@
 
 #include "server/admin/Layout.h"
 #include "server/admin/Table.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

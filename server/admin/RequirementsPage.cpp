@@ -4,7 +4,7 @@
 #include "server/admin/DraftEditor.h"
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 #include "server/store/RequirementSets.h"
 
 namespace kel::server {

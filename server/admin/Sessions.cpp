@@ -3,7 +3,7 @@
 #include "server/admin/Html.h"
 #include "server/admin/Secrets.h"
 #include "server/base/Fault.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

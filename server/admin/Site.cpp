@@ -6,7 +6,7 @@
 #include "server/admin/Texts.h"
 #include "server/base/Log.h"
 #include "server/http/Limits.h"
-#include "server/verdict/Requirements.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 
@@ -47,7 +47,7 @@ Form ReadForm(const Request& request, bool isOfStranger)
     auto form = Form::Read(request.body);
     if (!form)
         throw Fault(400, "The form cannot be read.");
-    if (form->Text("text").size() > Requirements::LongestFile)
+    if (form->Text("text").size() > Requirements::MaxFile)
         throw Fault(
             413,
             "A draft has 1 MB at most; nothing was saved. Go back in the browser, where the text still is, "

@@ -51,9 +51,9 @@ Trial Trial::Run(Database& database, const std::string& referrer, const Requirem
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
     trial.sessions = ForEachRecentReport(database, referrer, [&](const Report& report) {
-        trial.draft.Count(Judge(draft, report));
+        trial.draft.Count(Judge(draft, report.Lookup()));
         if (today)
-            trial.today.Count(Judge(*today, report));
+            trial.today.Count(Judge(*today, report.Lookup()));
     });
     return trial;
 }

@@ -5,8 +5,8 @@
 #include "server/admin/Html.h"
 #include "server/admin/Recent.h"
 #include "server/store/Database.h"
-#include "server/verdict/Requirements.h"
-#include "server/verdict/Tally.h"
+#include "verdict/Requirements.h"
+#include "verdict/Tally.h"
 
 namespace kel::server {
 

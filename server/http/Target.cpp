@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

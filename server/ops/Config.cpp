@@ -7,7 +7,7 @@
 #include <functional>
 #include <stdexcept>
 
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -6,10 +6,10 @@
 #include <stdexcept>
 
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/ops/Accounts.h"
 #include "server/store/RequirementSets.h"
-#include "server/verdict/Requirements.h"
+#include "verdict/Requirements.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -4,13 +4,13 @@
 
 #include "server/base/Fault.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/protocol/AnalysisRequest.h"
 #include "server/report/Characters.h"
 #include "server/report/Xml.h"
 #include "server/store/Reports.h"
-#include "server/verdict/Rendering.h"
-#include "server/verdict/Verdict.h"
+#include "verdict/Rendering.h"
+#include "verdict/Verdict.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -112,7 +112,8 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
     const auto id = Reports(database).NewestOf(request.session);
     if (!id)
         throw Fault(404, "no report of this session was uploaded");
-    const Verdict verdict = Judge(*sets.Get(set.id), *FindReport(*id));
+    const auto report = FindReport(*id);
+    const Verdict verdict = Judge(*sets.Get(set.id), report->Lookup());
     const std::string total(ToString(verdict.total));
     SaveVerdict(NewVerdict{*id, set.id, request.item, verdict.total, RenderLines(verdict)});
     metrics.AddVerdict(total);

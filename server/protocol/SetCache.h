@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "server/store/Database.h"
-#include "server/verdict/Requirements.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 

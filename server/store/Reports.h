@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "server/store/Database.h"
-#include "server/verdict/Result.h"
+#include "verdict/Result.h"
 
 namespace kel::server {
 

@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "server/base/Fault.h"
-#include "server/base/Utf8.h"
+#include "verdict/text/Utf8.h"
 
 namespace kel::server {
 

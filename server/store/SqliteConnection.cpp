@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "server/base/Fault.h"
-#include "server/base/Text.h"
 #include "server/store/Migrations.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "server/store/Database.h"
-#include "server/verdict/Tally.h"
+#include "verdict/Tally.h"
 
 namespace kel::server {
 

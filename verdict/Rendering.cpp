@@ -1,12 +1,12 @@
-#include "server/verdict/Rendering.h"
+#include "verdict/Rendering.h"
 
 #include <nlohmann/json.hpp>
 #include <span>
 
-#include "server/base/Text.h"
-#include "server/verdict/PageStyle.h"
+#include "verdict/PageStyle.h"
+#include "verdict/text/Text.h"
 
-namespace kel::server {
+namespace kel {
 
 namespace {
 
@@ -17,25 +17,25 @@ std::string Element(const std::string& name, const std::string& text)
     return "<" + name + ">" + Escape(text) + "</" + name + ">";
 }
 
-std::string MarkOf(Result result)
+std::string Mark(Result result)
 {
     return result == Result::Pass ? "✓ Meets" : result == Result::Fail ? "✗ Does not meet" : "? Not known";
 }
 
-/// A line's alternatives; none when it is a plain one.
+/// A line's alternatives; none for a plain line.
 std::span<const VerdictPart> Alternatives(const VerdictLine& line)
 {
     return line.parts.size() > 1 ? std::span(line.parts) : std::span<const VerdictPart>();
 }
 
-std::string RowOf(const VerdictLine& line)
+std::string RenderRow(const VerdictLine& line)
 {
     const std::string found = line.found.empty() ? "–" : Escape(line.found);
     std::string row =
         "<tr class=\"" + std::string(ToString(line.result)) + "\"><th scope=\"row\">" + Escape(line.label) +
         (line.recommended ? " <span class=\"kind\">Recommended</span>" : "") +
         "</th><td data-label=\"Needed\">" + Escape(line.needed) + "</td><td data-label=\"Found\">" + found +
-        "</td><td><span class=\"mark\">" + MarkOf(line.result) + "</span>";
+        "</td><td><span class=\"mark\">" + Mark(line.result) + "</span>";
     if (!line.advice.empty() && line.result != Result::Pass)
         row += "<span class=\"advice\">" + Escape(line.advice) + "</span>";
     return row + "</td></tr>\n";
@@ -53,7 +53,7 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
                 Element("label", line.label) + Element("needed", line.needed) + Element("found", line.found);
         if (!line.advice.empty())
             text += Element("advice", line.advice);
-        // An element, no attribute: pages find a requirement by its tag, letter for letter.
+        // An element, not an attribute: pages find a requirement by its exact tag.
         text += line.recommended ? "<recommended/></requirement>" : "</requirement>";
     }
     return text + "</analysis>";
@@ -93,7 +93,7 @@ std::string RenderPage(const Verdict& verdict)
         "<th scope=\"col\">Requirement</th><th scope=\"col\">Needed</th><th scope=\"col\">Found</th>"
         "<th scope=\"col\">Result</th></tr></thead>\n<tbody>\n";
     for (const VerdictLine& line : verdict.lines)
-        page += RowOf(line);
+        page += RenderRow(line);
     return page + "</tbody></table></main></body></html>\n";
 }
 
@@ -114,4 +114,4 @@ std::string RenderLines(const Verdict& verdict)
     return lines.dump();
 }
 
-}  // namespace kel::server
+}  // namespace kel

@@ -1,30 +1,14 @@
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
-#include <clocale>
-#include <cwctype>
-#include <memory>
-#include <stdexcept>
-#include <type_traits>
+#include "verdict/text/LowerCase.h"
+#include "verdict/text/Utf8.h"
 
-#include "server/base/Utf8.h"
-
-namespace kel::server {
+namespace kel {
 
 namespace {
 
 constexpr std::string_view Blanks = " \t\n\r\f\v";
-constexpr std::size_t LongestReferrer = 64;
-
-using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, decltype(&freelocale)>;
-
-/// The system's own tables of letters, whatever the environment's language.
-locale_t Letters()
-{
-    static const Locale utf8(newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr), freelocale);
-    if (!utf8)
-        throw std::runtime_error("the system has no locale C.UTF-8");
-    return utf8.get();
-}
+constexpr std::size_t MaxReferrer = 64;  // bytes
 
 }  // namespace
 
@@ -40,8 +24,7 @@ std::string Lower(std::string_view text)
     std::string lower;
     while (!text.empty()) {
         if (const auto codePoint = TakeCodePoint(text)) {
-            AppendCodePoint(lower,
-                            static_cast<char32_t>(towlower_l(static_cast<wint_t>(*codePoint), Letters())));
+            AppendCodePoint(lower, LowerCase(*codePoint));
         } else {
             lower += text.front();
             text.remove_prefix(1);
@@ -77,20 +60,20 @@ std::string Escape(std::string_view text)
     return escaped;
 }
 
-std::string Shortened(std::string_view text, std::size_t longest)
+std::string Shortened(std::string_view text, std::size_t max)
 {
-    if (text.size() <= longest)
+    if (text.size() <= max)
         return std::string(text);
-    while (longest > 0 && (static_cast<unsigned char>(text[longest]) & 0xC0) == 0x80)
-        --longest;
-    return std::string(text.substr(0, longest)) + "…";
+    while (max > 0 && (static_cast<unsigned char>(text[max]) & 0xC0) == 0x80)
+        --max;
+    return std::string(text.substr(0, max)) + "…";
 }
 
 bool IsReferrer(std::string_view text)
 {
-    return !text.empty() && text.size() <= LongestReferrer &&
+    return !text.empty() && text.size() <= MaxReferrer &&
            text.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-") ==
                std::string_view::npos;
 }
 
-}  // namespace kel::server
+}  // namespace kel

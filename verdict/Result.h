@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-namespace kel::server {
+namespace kel {
 
 /// Whether a requirement is met; unknown when the value is absent or cannot be compared.
 enum class Result { Pass, Fail, Unknown };
@@ -14,4 +14,4 @@ std::string_view ToString(Result result);
 /// The result that ToString gives this text for; nothing for any other text.
 std::optional<Result> ParseResult(std::string_view text);
 
-}  // namespace kel::server
+}  // namespace kel

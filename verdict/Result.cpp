@@ -1,6 +1,6 @@
-#include "server/verdict/Result.h"
+#include "verdict/Result.h"
 
-namespace kel::server {
+namespace kel {
 
 std::string_view ToString(Result result)
 {
@@ -16,4 +16,4 @@ std::optional<Result> ParseResult(std::string_view text)
     return std::nullopt;
 }
 
-}  // namespace kel::server
+}  // namespace kel

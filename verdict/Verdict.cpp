@@ -1,18 +1,18 @@
-#include "server/verdict/Verdict.h"
+#include "verdict/Verdict.h"
 
 #include <algorithm>
 #include <unordered_map>
 
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
-namespace kel::server {
+namespace kel {
 
 namespace {
 
-/// What is told for a value that is not known, beside others that are.
-constexpr const char* Nothing = "–";
+/// Shown for an absent value beside others that are known.
+constexpr const char* Absent = "–";
 
-Result TotalOf(const std::vector<VerdictLine>& lines)
+Result JoinLines(const std::vector<VerdictLine>& lines)
 {
     const auto has = [&](Result result) {
         return std::any_of(lines.begin(), lines.end(), [=](const VerdictLine& line) {
@@ -24,7 +24,7 @@ Result TotalOf(const std::vector<VerdictLine>& lines)
     return has(Result::Pass) && !has(Result::Unknown) ? Result::Pass : Result::Unknown;
 }
 
-Result AnyOf(const std::vector<VerdictPart>& parts)
+Result JoinParts(const std::vector<VerdictPart>& parts)
 {
     const auto has = [&](Result result) {
         return std::any_of(parts.begin(), parts.end(),
@@ -33,45 +33,45 @@ Result AnyOf(const std::vector<VerdictPart>& parts)
     return has(Result::Pass) ? Result::Pass : has(Result::Unknown) ? Result::Unknown : Result::Fail;
 }
 
-/// The values of the parts, each group's once: "4.0 GB; 12.1".
-std::string FoundIn(const std::vector<VerdictPart>& parts)
+/// The values of the parts, once for each group: "4.0 GB; 12.1".
+std::string JoinFound(const std::vector<VerdictPart>& parts)
 {
     std::string found;
-    std::vector<int> told;
+    std::vector<int> shown;
     bool isKnown = false;
     for (const VerdictPart& part : parts) {
-        if (std::find(told.begin(), told.end(), part.group) != told.end())
+        if (std::find(shown.begin(), shown.end(), part.group) != shown.end())
             continue;
-        if (!told.empty())
+        if (!shown.empty())
             found += "; ";
-        told.push_back(part.group);
+        shown.push_back(part.group);
         isKnown = isKnown || !part.found.empty();
-        found += part.found.empty() && parts.size() > 1 ? Nothing : part.found;
+        found += part.found.empty() && parts.size() > 1 ? Absent : part.found;
     }
     return isKnown ? found : std::string();
 }
 
-/// A report's values as they are needed. Many conditions may ask for one, which is made ready once.
+/// The values that the requirements ask for. Several conditions may ask for the same one, which is prepared
+/// once.
 class Values {
 public:
     struct Value {
-        std::string comparable, shown;
+        std::string normalized, shown;
     };
 
-    explicit Values(const Report& report) : report(report) {}
+    explicit Values(const ValueLookup& valueLookup) : lookup(valueLookup) {}
 
     const Value& Get(int group)
     {
-        const auto found = values.find(group);
-        if (found != values.end())
-            return found->second;
-        return values
-            .emplace(group, Value{Comparable(report.Value(group)),
-                                  Shortened(report.Text(group), Verdict::LongestFound)})
+        const auto known = values.find(group);
+        if (known != values.end())
+            return known->second;
+        const std::string text = lookup(group, 0).value_or(std::string());
+        return values.emplace(group, Value{NormalizeValue(text), Shortened(text, Verdict::MaxFound)})
             .first->second;
     }
 
-    /// What a line shows of the value, as long as there is room.
+    /// The value as a line shows it: "…" once MaxFoundTotal is used up.
     std::string Show(const Value& value)
     {
         std::string shown = Shortened(value.shown, room);
@@ -80,7 +80,7 @@ public:
     }
 
 private:
-    const Report& report;
+    const ValueLookup& lookup;
     std::unordered_map<int, Value> values;
     std::size_t room = Verdict::MaxFoundTotal;
 };
@@ -91,13 +91,13 @@ VerdictLine JudgeLine(const Requirement& requirement, Values& values)
     for (const Condition& condition : requirement.anyOf) {
         const Values::Value& value = values.Get(condition.group);
         line.parts.push_back({condition.group, condition.Text(), values.Show(value),
-                              Compare(condition.comparison, value.comparable, condition.needed)});
+                              Compare(*condition.comparison, value.normalized, condition.needed)});
     }
     line.group = requirement.anyOf.front().group;
     line.label = requirement.label;
     line.needed = requirement.Needed();
-    line.found = FoundIn(line.parts);
-    line.result = AnyOf(line.parts);
+    line.found = JoinFound(line.parts);
+    line.result = JoinParts(line.parts);
     line.advice = requirement.advice;
     line.recommended = requirement.recommended;
     return line;
@@ -105,15 +105,15 @@ VerdictLine JudgeLine(const Requirement& requirement, Values& values)
 
 }  // namespace
 
-Verdict Judge(const Requirements& requirements, const Report& report)
+Verdict Judge(const Requirements& requirements, const ValueLookup& lookup)
 {
     Verdict verdict;
-    Values values(report);
+    Values values(lookup);
     verdict.title = requirements.title;
     for (const Requirement& line : requirements.lines)
         verdict.lines.push_back(JudgeLine(line, values));
-    verdict.total = TotalOf(verdict.lines);
+    verdict.total = JoinLines(verdict.lines);
     return verdict;
 }
 
-}  // namespace kel::server
+}  // namespace kel

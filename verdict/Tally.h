@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "server/verdict/Verdict.h"
+#include "verdict/Verdict.h"
 
-namespace kel::server {
+namespace kel {
 
-/// How often each result came.
+/// How often each result occurred.
 struct Counts {
     int pass = 0, fail = 0, unknown = 0;
 
@@ -21,7 +21,7 @@ struct Counts {
 /// How machines meet one requirement.
 struct LineTally : Counts {
     std::string label;
-    std::string needed;  // as verdicts tell it
+    std::string needed;  // as verdicts show it
     bool recommended = false;
 };
 
@@ -34,4 +34,4 @@ struct Tally : Counts {
     void Count(const Verdict& verdict);
 };
 
-}  // namespace kel::server
+}  // namespace kel

@@ -1,9 +1,9 @@
-#include "server/verdict/Tally.h"
+#include "verdict/Tally.h"
 
 #include <algorithm>
 #include <stdexcept>
 
-namespace kel::server {
+namespace kel {
 
 void Tally::Count(const Verdict& verdict)
 {
@@ -23,4 +23,4 @@ void Tally::Count(const Verdict& verdict)
         lines[i].Add(verdict.lines[i].result);
 }
 
-}  // namespace kel::server
+}  // namespace kel

@@ -1,36 +1,35 @@
-#include "server/verdict/Requirements.h"
+#include "verdict/Requirements.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <stdexcept>
 
-#include "server/base/Text.h"
-#include "server/report/Report.h"
-#include "server/report/Xml.h"
+#include "verdict/text/Text.h"
+#include "verdict/text/Utf8.h"
 
-namespace kel::server {
+namespace kel {
 
 namespace {
 
 using nlohmann::json;
 
-constexpr int LargestId = 0x7FFFFFFF;
-constexpr std::size_t LongestEcho = 60;  // bytes of the file that a reason repeats
+constexpr int MaxId = 0x7FFFFFFF;
+constexpr std::size_t MaxEcho = 60;  // bytes of the file that a reason repeats
 
 std::string Quoted(std::string_view text)
 {
-    return "'" + (IsXmlText(text) ? Shortened(text, LongestEcho) : "…") + "'";
+    return "'" + (IsXmlText(text) ? Shortened(text, MaxEcho) : "…") + "'";
 }
 
-/// Refuses what is no object, and names other than these: a misspelt one would change what the line means.
+/// Throws unless the entry is an object of these names: a misspelt one would change what the line means.
 void CheckNames(const json& entry, std::span<const std::string_view> names)
 {
     if (!entry.is_object())
-        throw std::runtime_error("it is no object");
+        throw std::runtime_error("it is not an object");
     for (const auto& item : entry.items()) {
         if (std::find(names.begin(), names.end(), item.key()) == names.end())
-            throw std::runtime_error(Quoted(item.key()) + " does not belong there");
+            throw std::runtime_error("unknown name " + Quoted(item.key()));
     }
 }
 
@@ -42,33 +41,33 @@ const json& Required(const json& entry, const std::string& name)
     return *found;
 }
 
-std::string TextOf(const json& entry, const std::string& name)
+std::string ReadText(const json& entry, const std::string& name)
 {
     const json& value = Required(entry, name);
     if (!value.is_string())
-        throw std::runtime_error("its '" + name + "' is no text");
+        throw std::runtime_error("its '" + name + "' is not a text");
     const auto& text = value.get_ref<const std::string&>();
-    if (text.size() > Requirements::LongestText)
+    if (text.size() > Requirements::MaxText)
         throw std::runtime_error("its '" + name + "' is longer than " +
-                                 std::to_string(Requirements::LongestText) + " bytes");
+                                 std::to_string(Requirements::MaxText) + " bytes");
     if (!IsXmlText(text))
         throw std::runtime_error("its '" + name + "' has a character that XML does not allow");
     return text;
 }
 
-/// A list that has so many entries.
-const json& ListOf(const json& entry, const std::string& name, std::size_t least, std::size_t most)
+/// A list of `min` to `max` entries.
+const json& ReadList(const json& entry, const std::string& name, std::size_t min, std::size_t max)
 {
     const json& list = Required(entry, name);
     if (!list.is_array())
-        throw std::runtime_error("its '" + name + "' is no list");
-    if (list.size() < least || list.size() > most)
+        throw std::runtime_error("its '" + name + "' is not a list");
+    if (list.size() < min || list.size() > max)
         throw std::runtime_error("its '" + name + "' has " + std::to_string(list.size()) + " entries, not " +
-                                 std::to_string(least) + " to " + std::to_string(most));
+                                 std::to_string(min) + " to " + std::to_string(max));
     return list;
 }
 
-/// Reads each entry of a list; the reason of one that is wrong begins with the kind and the number.
+/// Reads each entry of a list; the reason for a wrong one begins with the kind and its number.
 template <typename Read>
 auto ReadEach(const json& list, const std::string& kind, Read read)
 {
@@ -83,49 +82,49 @@ auto ReadEach(const json& list, const std::string& kind, Read read)
     return entries;
 }
 
-Condition ConditionOf(const json& entry)
+Condition ReadCondition(const json& entry)
 {
     Condition condition;
     const json& id = Required(entry, "id");
-    if (!id.is_number_integer() || id < 1 || id > LargestId)
-        throw std::runtime_error("its 'id' is no whole number from 1 to " + std::to_string(LargestId));
+    if (!id.is_number_integer() || id < 1 || id > MaxId)
+        throw std::runtime_error("its 'id' is not a whole number from 1 to " + std::to_string(MaxId));
     condition.group = id.get<int>();
-    const std::string name = TextOf(entry, "comparison");
-    const auto comparison = ComparisonOf(name);
-    if (!comparison)
-        throw std::runtime_error(Quoted(name) + " is no comparison");
-    condition.comparison = *comparison;
+    const std::string name = ReadText(entry, "comparison");
+    condition.comparison = ParseComparison(name);
+    if (!condition.comparison)
+        throw std::runtime_error("unknown comparison " + Quoted(name));
     if (const auto needed = entry.find("needed"); needed != entry.end())
-        condition.needed = needed->is_number() ? needed->dump() : TextOf(entry, "needed");
-    const std::string why = WhyNeverMet(condition.comparison, condition.needed);
-    if (!why.empty())
-        throw std::runtime_error("'" + name + "' " + why + ", not " + Quoted(condition.needed));
+        condition.needed = needed->is_number() ? needed->dump() : ReadText(entry, "needed");
+    const std::string_view reason = condition.comparison->unsatisfiableReason(condition.needed);
+    if (!reason.empty())
+        throw std::runtime_error("'" + name + "' " + std::string(reason) + ", not " +
+                                 Quoted(condition.needed));
     return condition;
 }
 
-Condition AlternativeOf(const json& entry)
+Condition ReadAlternative(const json& entry)
 {
     static constexpr std::string_view Names[] = {"id", "comparison", "needed"};
     CheckNames(entry, Names);
-    return ConditionOf(entry);
+    return ReadCondition(entry);
 }
 
-Requirement LineOf(const json& entry)
+Requirement ReadLine(const json& entry)
 {
     static constexpr std::string_view Names[] = {"label",      "advice", "recommended", "id",
                                                  "comparison", "needed", "any of"};
-    static constexpr std::string_view NamesOfEither[] = {"label", "advice", "recommended", "any of"};
-    const bool isEither = entry.is_object() && entry.contains("any of");
-    CheckNames(entry, isEither ? std::span<const std::string_view>(NamesOfEither) : Names);
+    static constexpr std::string_view NamesWithAlternatives[] = {"label", "advice", "recommended", "any of"};
+    const bool hasAlternatives = entry.is_object() && entry.contains("any of");
+    CheckNames(entry, hasAlternatives ? std::span<const std::string_view>(NamesWithAlternatives) : Names);
     Requirement line;
-    line.label = TextOf(entry, "label");
-    if (isEither)
-        line.anyOf = ReadEach(ListOf(entry, "any of", 1, Requirements::MostAlternatives), "alternative",
-                              AlternativeOf);
+    line.label = ReadText(entry, "label");
+    if (hasAlternatives)
+        line.anyOf = ReadEach(ReadList(entry, "any of", 1, Requirements::MaxAlternatives), "alternative",
+                              ReadAlternative);
     else
-        line.anyOf.push_back(ConditionOf(entry));
+        line.anyOf.push_back(ReadCondition(entry));
     if (entry.contains("advice"))
-        line.advice = TextOf(entry, "advice");
+        line.advice = ReadText(entry, "advice");
     if (const auto recommended = entry.find("recommended"); recommended != entry.end()) {
         if (!recommended->is_boolean())
             throw std::runtime_error("its 'recommended' is neither true nor false");
@@ -136,10 +135,10 @@ Requirement LineOf(const json& entry)
 
 json Parse(std::string_view text)
 {
-    if (text.size() > Requirements::LongestFile)
-        throw std::runtime_error("it is longer than " + std::to_string(Requirements::LongestFile) + " bytes");
+    if (text.size() > Requirements::MaxFile)
+        throw std::runtime_error("it is longer than " + std::to_string(Requirements::MaxFile) + " bytes");
     if (!IsXmlText(text))
-        throw std::runtime_error("it is no UTF-8, or has a control character");
+        throw std::runtime_error("it is not UTF-8, or has a control character");
     try {
         return json::parse(text);
     } catch (const json::exception& error) {
@@ -154,7 +153,7 @@ json Parse(std::string_view text)
 
 std::string Condition::Text() const
 {
-    std::string text(NameOf(comparison));
+    std::string text(comparison->name);
     text.append(" ").append(needed);
     return std::string(Trim(text));
 }
@@ -172,8 +171,8 @@ Requirements Requirements::Read(std::string_view text)
     static constexpr std::string_view Names[] = {"title", "requirements"};
     const json content = Parse(text);
     CheckNames(content, Names);
-    return {TextOf(content, "title"),
-            ReadEach(ListOf(content, "requirements", 0, MostLines), "requirement", LineOf)};
+    return {ReadText(content, "title"),
+            ReadEach(ReadList(content, "requirements", 0, MaxLines), "requirement", ReadLine)};
 }
 
 std::optional<Requirements> Requirements::ReadStored(std::string_view text)
@@ -187,7 +186,7 @@ std::optional<Requirements> Requirements::ReadStored(std::string_view text)
 
 std::vector<int> Requirements::Groups() const
 {
-    std::vector<int> groups{Report::Session, Report::Referrer, Report::User};
+    std::vector<int> groups{SessionGroup, ReferrerGroup, UserGroup};
     for (const Requirement& line : lines) {
         for (const Condition& condition : line.anyOf) {
             if (std::find(groups.begin(), groups.end(), condition.group) == groups.end())
@@ -197,4 +196,4 @@ std::vector<int> Requirements::Groups() const
     return groups;
 }
 
-}  // namespace kel::server
+}  // namespace kel

@@ -1,14 +1,16 @@
-#include "server/base/Utf8.h"
+#include "verdict/text/Utf8.h"
 
-namespace kel::server {
+namespace kel {
 
 namespace {
 
 struct Form {
     unsigned char mask, lead;  // a first byte has this form when (byte & mask) == lead
     std::size_t length;
-    char32_t smallest;  // what is smaller has a shorter form
+    char32_t min;  // smaller ones have a shorter form
 };
+
+constexpr char32_t MaxCharacter = 0x10FFFF;
 
 constexpr Form Forms[] = {
     {0x80, 0x00, 1, 0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
@@ -32,7 +34,7 @@ std::optional<char32_t> TakeCodePoint(std::string_view& text)
                 return std::nullopt;
             codePoint = codePoint << 6 | (next & 0x3F);
         }
-        if (codePoint < form.smallest || codePoint > 0x10FFFF || (codePoint >= 0xD800 && codePoint <= 0xDFFF))
+        if (codePoint < form.min || codePoint > MaxCharacter || (codePoint >= 0xD800 && codePoint <= 0xDFFF))
             return std::nullopt;
         text.remove_prefix(form.length);
         return codePoint;
@@ -51,10 +53,26 @@ bool IsPlainText(std::string_view text)
     return true;
 }
 
+bool IsXmlCharacter(char32_t c)
+{
+    return c >= 0x20 ? (c < 0xD800 || c > 0xDFFF) && c != 0xFFFE && c != 0xFFFF && c <= MaxCharacter
+                     : c == '\t' || c == '\n' || c == '\r';
+}
+
+bool IsXmlText(std::string_view text)
+{
+    while (!text.empty()) {
+        const auto character = TakeCodePoint(text);
+        if (!character || !IsXmlCharacter(*character))
+            return false;
+    }
+    return true;
+}
+
 void AppendCodePoint(std::string& text, char32_t codePoint)
 {
     std::size_t length = 1;
-    while (length < 4 && codePoint >= Forms[length].smallest)
+    while (length < 4 && codePoint >= Forms[length].min)
         ++length;
     const Form& form = Forms[length - 1];
     text += static_cast<char>(form.lead | codePoint >> 6 * (length - 1));
@@ -62,4 +80,4 @@ void AppendCodePoint(std::string& text, char32_t codePoint)
         text += static_cast<char>(0x80 | (codePoint >> 6 * i & 0x3F));
 }
 
-}  // namespace kel::server
+}  // namespace kel
