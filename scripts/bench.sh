@@ -6,6 +6,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh --bench
+scripts/build.sh server
 scripts/build.sh release Detection
 cmake --preset release -DKEL_BENCH=ON >/dev/null
 cmake --build --preset release

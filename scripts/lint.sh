@@ -40,7 +40,7 @@ for file in "${files[@]}"; do
     server/http/Connection.cpp | server/http/Dispatch.cpp | server/http/HeaderCheck.cpp | server/http/Listener.cpp) continue ;;
     server/http/RequestReader.cpp | server/http/Server.cpp) continue ;;
   esac
-  case $file in server/* | tests/server/* | tools/load/*) server+=("$file") ;; *) control+=("$file") ;; esac
+  case $file in verdict/* | server/* | tests/verdict/* | tests/server/* | tools/load/*) server+=("$file") ;; *) control+=("$file") ;; esac
 done
 tidy() {
   xargs -0 -n 4 -P "$(nproc)" clang-tidy --quiet ${checks[0]:+"${checks[@]}"} "$@" \

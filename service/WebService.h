@@ -25,7 +25,6 @@ public:
     /// The text of the answer, whatever its status; empty before a call and after a failed one.
     const std::wstring& GetResult() const { return result; }
 
-    const std::wstring& Verb() const { return verb; }
     const std::wstring& Path() const { return path; }
     const std::wstring& Body() const { return body; }
 

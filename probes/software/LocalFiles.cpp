@@ -71,11 +71,4 @@ bool LocalFiles::IsOnFixedDrive(const std::wstring& path)
     return type == DRIVE_FIXED || type == DRIVE_RAMDISK;
 }
 
-bool NamesProgram(std::wstring_view command, std::wstring_view programs)
-{
-    return std::ranges::any_of(ProgramsOf(command), [programs](const std::wstring& program) {
-        return IsProgram(program, programs);
-    });
-}
-
 }  // namespace kel

@@ -39,7 +39,4 @@ private:
     ErrorMode quiet;
 };
 
-/// Whether a command names one of a product's programs by its file name, in any folder.
-bool NamesProgram(std::wstring_view command, std::wstring_view programs);
-
 }  // namespace kel

@@ -8,12 +8,15 @@
 #include "server/admin/Csv.h"
 #include "server/admin/DraftCheck.h"
 #include "server/admin/Drafts.h"
+#include "server/admin/Pages.h"
 #include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
+#include "server/store/Reports.h"
+#include "server/store/RequirementSets.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -71,9 +74,9 @@ std::string Records(const FullReport& report, const std::string& total)
 }
 
 /// The draft's revision that the request is for: If-Match: "3".
-int RevisionOf(const Visit& visit)
+int RevisionOf(const AdminRequest& request)
 {
-    const std::string* match = visit.request.Header("If-Match");
+    const std::string* match = request.http.Header("If-Match");
     if (!match)
         throw Fault(428, "The request has to say with If-Match which draft it is for.");
     const bool isQuoted = match->size() > 2 && match->front() == '"' && match->back() == '"';
@@ -113,10 +116,10 @@ std::optional<Answer> RefuseParameters(const Target& target, std::span<const std
     return std::nullopt;
 }
 
-Answer Api::Reports(const Visit& visit) const
+Answer ListReports(const AdminRequest& request)
 {
-    const std::string after = visit.Query("after"), count = visit.Query("count"),
-                      format = visit.Query("format");
+    const std::string after = request.Query("after"), count = request.Query("count"),
+                      format = request.Query("format");
     ReportFilter filter;
     filter.afterId = after.empty() ? 0 : WholeNumber(after);
     filter.count = count.empty() ? UsualReports
@@ -130,12 +133,12 @@ Answer Api::Reports(const Visit& visit) const
     std::string text = head;
     std::vector<std::int64_t> ids;
     std::map<std::int64_t, std::string> totals;
-    for (const ReportLine& line : store.Reports(filter)) {
+    for (const ReportLine& line : Reports(request.database).List(filter)) {
         ids.push_back(line.id);
-        totals[line.id] = line.total;
+        totals[line.id] = line.total ? ToString(*line.total) : "";
     }
     std::int64_t last = ids.empty() ? filter.afterId : ids.back();
-    store.ForEachReport(ids, [&](const FullReport& report) {
+    Reports(request.database).ForEach(ids, [&](const FullReport& report) {
         const std::string& total = totals[report.id];
         const std::string more = isCsv ? Records(report, total) : Entry(report, total);
         const bool isFirst = text.size() == head.size();
@@ -151,11 +154,11 @@ Answer Api::Reports(const Visit& visit) const
     return Answer::Of("application/json", text + "],\"last\":" + std::to_string(last) + "}");
 }
 
-Answer Api::Referrers(const Visit&) const
+Answer ListReferrers(const AdminRequest& request)
 {
     ordered_json entries = ordered_json::array();
-    const std::vector<Product> products = store.Products();
-    const auto totals = RecentTotals(store, products);
+    const std::vector<Product> products = RequirementSets(request.database).Products();
+    const auto totals = RecentTotals(request.database, products);
     for (std::size_t i = 0; i < products.size(); ++i) {
         const Product& product = products[i];
         ordered_json recent;  // null when it would have taken too long
@@ -171,9 +174,9 @@ Answer Api::Referrers(const Visit&) const
     return JsonAnswer({{"referrers", entries}});
 }
 
-Answer Api::ReadDraft(const Visit& visit) const
+Answer ReadDraft(const AdminRequest& request)
 {
-    const auto draft = store.FindDraft(visit.Referrer());
+    const auto draft = RequirementSets(request.database).FindDraft(request.Referrer());
     if (!draft)
         throw Fault(404, "There is no draft.");
     Answer answer = Answer::Of("application/json", draft->text);
@@ -181,17 +184,18 @@ Answer Api::ReadDraft(const Visit& visit) const
     return answer;
 }
 
-Answer Api::WriteDraft(const Visit& visit) const
+Answer WriteDraft(const AdminRequest& request)
 {
-    const std::string& referrer = visit.Referrer();
-    const std::string* none = visit.request.Header("If-None-Match");
+    const std::string& referrer = request.Referrer();
+    const std::string* none = request.http.Header("If-None-Match");
     const bool isNew = none && *none == "*";
-    const int revision = isNew ? 0 : RevisionOf(visit);
-    if (const std::string reason = ValidationError(visit.request.body); !reason.empty())
+    const int revision = isNew ? 0 : RevisionOf(request);
+    if (const std::string reason = ValidationError(request.http.body); !reason.empty())
         throw Fault(422, reason);
     const auto written =
-        revision < 0 ? std::nullopt
-                     : Drafts(store, visit.login.account).Save(referrer, visit.request.body, revision);
+        revision < 0
+            ? std::nullopt
+            : Drafts(request.database, request.login.account).Save(referrer, request.http.body, revision);
     if (!written)
         throw Stale();
     Answer answer = JsonAnswer({{"revision", *written}}, isNew ? 201 : 200);
@@ -199,9 +203,10 @@ Answer Api::WriteDraft(const Visit& visit) const
     return answer;
 }
 
-Answer Api::Publish(const Visit& visit) const
+Answer PublishRevision(const AdminRequest& request)
 {
-    const auto publication = Drafts(store, visit.login.account).Publish(visit.Referrer(), RevisionOf(visit));
+    const auto publication =
+        Drafts(request.database, request.login.account).Publish(request.Referrer(), RevisionOf(request));
     if (publication.version)
         return JsonAnswer({{"version", *publication.version}});
     throw publication.reason.empty() ? Stale() : Fault(422, publication.reason);

@@ -1,10 +1,9 @@
-#include "server/admin/AuditPage.h"
-
 #include <algorithm>
 
 #include "server/admin/Layout.h"
+#include "server/admin/Pages.h"
 #include "server/admin/Table.h"
-#include "server/admin/ValueNames.h"
+#include "server/store/Audit.h"
 
 namespace kel::server {
 
@@ -14,30 +13,19 @@ constexpr int PageRows = 100;
 
 }  // namespace
 
-Answer AuditPage::Show(const Visit& visit) const
+Answer ShowAudit(const AdminRequest& request)
 {
-    const std::int64_t before = std::max(WholeNumber(visit.Query("before")), std::int64_t{0});
+    const std::int64_t before = std::max(WholeNumber(request.Query("before")), std::int64_t{0});
     Table table("Who did what, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}});
-    const auto notes = store.Notes(before, PageRows);
-    for (const AuditLine& note : notes)
+    const auto notes = Audit(request.database).Entries(before, PageRows);
+    for (const AuditEntry& note : notes)
         table.Add({Moment(note.time), Html::Stored(note.account), note.action,
                    note.subject.empty() ? Html("–") : Html::Stored(note.subject)});
     Html content = table.Done("Nothing was noted.");
     if (notes.size() == PageRows)
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More entries"}},
                                  Link("/audit?before=" + std::to_string(notes.back().id), "Older →"));
-    return Page(visit, "Audit", content);
-}
-
-Answer ShowValues(const Visit& visit)
-{
-    Table table("Values by their ids", {{"Id"}, {"Detector"}, {"What"}});
-    for (const ValueName& value : ValueNames)
-        table.Add({std::to_string(value.id), value.detector, value.name});
-    return Page(visit, "Values",
-                Html::Element("p", {{"class", "lead"}},
-                              "What requirements can ask for, by the number that stands in them as \"id\".") +
-                    table.Done(""));
+    return Page(request, "Audit", content);
 }
 
 }  // namespace kel::server

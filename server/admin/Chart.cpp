@@ -4,7 +4,7 @@
 
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

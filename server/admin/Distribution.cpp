@@ -4,8 +4,8 @@
 #include <cmath>
 
 #include "server/admin/Texts.h"
-#include "server/base/Text.h"
-#include "server/verdict/Readings.h"
+#include "verdict/Readings.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -29,14 +29,14 @@ Distribution::Place Distribution::PlaceOf(const std::string& value) const
 {
     if (kind == Kind::Text)
         return {0, Shortened(Trim(value), LongestLabel)};
-    const auto quantity = ReadQuantity(value);
-    if (!quantity || quantity->amount > 1e18 ||
-        (kind == Kind::Bytes) != (quantity->kind == server::Kind::Bytes))
+    const auto quantity = ParseAmount(value);
+    if (!quantity || quantity->number > 1e18 ||
+        (kind == Kind::Bytes) != (quantity->kind == AmountKind::Bytes))
         return {};
     if (kind == Kind::Number)
-        return {quantity->amount, std::to_string(std::llround(quantity->amount))};
+        return {quantity->number, std::to_string(std::llround(quantity->number))};
     // What the system may use is a little less than what is installed, so a step takes in what is below it.
-    const double step = std::exp2(std::ceil(std::log2(std::max(quantity->amount, 1.0))));
+    const double step = std::exp2(std::ceil(std::log2(std::max(quantity->number, 1.0))));
     return {step, "up to " + BytesText(step)};
 }
 

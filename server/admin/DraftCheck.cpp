@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "server/admin/Form.h"
-#include "server/verdict/Requirements.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 

@@ -2,25 +2,26 @@
 
 #include "server/admin/DraftCheck.h"
 #include "server/base/Log.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
 std::optional<int> Drafts::Save(const std::string& referrer, const std::string& text, int revision)
 {
-    const auto draft = store.FindDraft(referrer);
+    const auto draft = RequirementSets(database).FindDraft(referrer);
     if (draft && draft->revision == revision && draft->text == text)
         return revision;
-    return store.KeepDraft(referrer, text, revision, account);
+    return RequirementSets(database).SaveDraft(referrer, text, revision, account);
 }
 
 Drafts::Publication Drafts::Publish(const std::string& referrer, int revision)
 {
-    const auto draft = store.FindDraft(referrer);
+    const auto draft = RequirementSets(database).FindDraft(referrer);
     if (!draft || draft->revision != revision)
         return {};
     if (std::string reason = ValidationError(draft->text); !reason.empty())
         return {{}, std::move(reason)};
-    const auto version = store.PublishDraft(referrer, revision, account);
+    const auto version = RequirementSets(database).PublishDraft(referrer, revision, account);
     if (!version)
         return {};
     const std::string number = std::to_string(*version);
@@ -30,7 +31,7 @@ Drafts::Publication Drafts::Publish(const std::string& referrer, int revision)
 
 bool Drafts::Drop(const std::string& referrer, int revision)
 {
-    return store.DropDraft(referrer, revision, account);
+    return RequirementSets(database).DropDraft(referrer, revision, account);
 }
 
 }  // namespace kel::server

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "server/store/Store.h"
+#include "server/store/Database.h"
 
 namespace kel::server {
 
@@ -17,7 +17,7 @@ public:
         std::string reason;  // why the draft is not valid; empty, without a version: it has another revision
     };
 
-    Drafts(Store& store, std::string account) : store(store), account(std::move(account)) {}
+    Drafts(Database& database, std::string account) : database(database), account(std::move(account)) {}
 
     /// Writes a draft over the one of that revision (0: there is none yet), valid or not. The revision that
     /// has the text; nothing, and nothing is written, when the draft has another revision.
@@ -28,7 +28,7 @@ public:
     bool Drop(const std::string& referrer, int revision);
 
 private:
-    Store& store;
+    Database& database;
     std::string account;
 };
 

@@ -1,23 +1,25 @@
-#include "server/admin/EditorPage.h"
-
 #include "server/admin/DraftCheck.h"
+#include "server/admin/DraftEditor.h"
 #include "server/admin/Drafts.h"
 #include "server/admin/Layout.h"
+#include "server/admin/Pages.h"
 #include "server/admin/Trial.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
 namespace {
 
-Html Confirmation(const Visit& visit, const std::string& action, int revision, const std::string& text,
-                  const Html& button)
+Html Confirmation(const AdminRequest& request, const std::string& action, int revision,
+                  const std::string& text, const Html& button)
 {
     // The text comes along so that it can be shown again when somebody else is faster.
-    return PostForm(visit, ProductPath(visit.subject) + "/" + action,
-                    Hidden("revision", std::to_string(revision)) + Hidden("text", text) +
-                        Html::Element("div", {{"class", "buttons"}},
-                                      {button, Link(RequirementsPath(visit.subject), "Back to the draft")}));
+    return PostForm(
+        request, ProductPath(request.subject) + "/" + action,
+        Hidden("revision", std::to_string(revision)) + Hidden("text", text) +
+            Html::Element("div", {{"class", "buttons"}},
+                          {button, Link(RequirementsPath(request.subject), "Back to the draft")}));
 }
 
 Html Wrong(const std::string& why)
@@ -25,75 +27,76 @@ Html Wrong(const std::string& why)
     return Notice("bad", "Not right yet: " + why);
 }
 
-}  // namespace
-
-Answer EditorPage::Act(const Visit& visit) const
-{
-    const std::string& referrer = visit.Referrer();
-    const std::string &text = visit.form.Text("text"), &action = visit.form.Text("do");
-    const int revision = visit.form.Number("revision");
-    if (revision < 0)
-        throw Fault(400, "The form lacks the draft's revision.");
-    if (action == "drop")
-        return AskToDrop(visit, revision);
-    if (Trim(text).empty())
-        return page.Edit(visit, text, revision, Wrong("there is no text"), 400);
-    Drafts drafts(store, visit.login.account);
-    if (action == "save") {
-        return drafts.Save(referrer, text, revision) ? Redirect(RequirementsPath(referrer) + "?note=saved")
-                                                     : page.Stale(visit, text);
-    }
-    if (const std::string why = ValidationError(text); !why.empty())
-        return page.Edit(visit, text, revision, Wrong(why));
-    if (action == "try")
-        return page.Edit(visit, text, revision, Trial::Run(store, referrer, Requirements::Read(text)).Show());
-    if (action == "publish") {
-        const auto saved = drafts.Save(referrer, text, revision);
-        return saved ? AskToPublish(visit, *saved, text) : page.Stale(visit, text);
-    }
-    const auto lines = Requirements::Read(text).lines.size();
-    return page.Edit(
-        visit, text, revision,
-        Notice("good", "These requirements can be published. Lines: " + std::to_string(lines) + "."));
-}
-
-Answer EditorPage::AskToPublish(const Visit& visit, int revision, const std::string& text) const
+Answer AskToPublish(const AdminRequest& request, int revision, const std::string& text)
 {
     const Html content =
         Html::Element("p", {{"class", "lead"}},
                       "The draft is saved. Once it is published, every verdict is by these requirements.") +
-        Trial::Run(store, visit.subject, Requirements::Read(text)).Show() +
-        Confirmation(visit, "publish", revision, text, Button("Publish", "primary"));
-    return Page(visit, "Publish the draft of " + visit.subject, content);
+        Trial::Run(request.database, request.subject, Requirements::Read(text)).Show() +
+        Confirmation(request, "publish", revision, text, Button("Publish", "primary"));
+    return Page(request, "Publish the draft of " + request.subject, content);
 }
 
-Answer EditorPage::AskToDrop(const Visit& visit, int revision) const
+Answer AskToDrop(const AdminRequest& request, int revision)
 {
-    const Html content =
-        Html::Element("p", {{"class", "lead"}},
-                      "The draft's text goes for good. What is published stays as it is.") +
-        Confirmation(visit, "drop", revision, visit.form.Text("text"), Button("Drop the draft", "danger"));
-    return Page(visit, "Drop the draft of " + visit.subject, content);
+    const Html content = Html::Element("p", {{"class", "lead"}},
+                                       "The draft's text goes for good. What is published stays as it is.") +
+                         Confirmation(request, "drop", revision, request.form.Text("text"),
+                                      Button("Drop the draft", "danger"));
+    return Page(request, "Drop the draft of " + request.subject, content);
 }
 
-Answer EditorPage::Publish(const Visit& visit) const
+}  // namespace
+
+Answer EditDraft(const AdminRequest& request)
 {
-    const std::string& referrer = visit.Referrer();
-    const int revision = visit.form.Number("revision");
-    const auto publication = Drafts(store, visit.login.account).Publish(referrer, revision);
+    const std::string& referrer = request.Referrer();
+    const std::string &text = request.form.Text("text"), &action = request.form.Text("do");
+    const int revision = request.form.Number("revision");
+    if (revision < 0)
+        throw Fault(400, "The form lacks the draft's revision.");
+    if (action == "drop")
+        return AskToDrop(request, revision);
+    if (Trim(text).empty())
+        return DraftEditor(request, text, revision, Wrong("there is no text"), 400);
+    Drafts drafts(request.database, request.login.account);
+    if (action == "save") {
+        return drafts.Save(referrer, text, revision) ? Redirect(RequirementsPath(referrer) + "?note=saved")
+                                                     : DraftConflict(request, text);
+    }
+    if (const std::string why = ValidationError(text); !why.empty())
+        return DraftEditor(request, text, revision, Wrong(why));
+    if (action == "try")
+        return DraftEditor(request, text, revision,
+                           Trial::Run(request.database, referrer, Requirements::Read(text)).Show());
+    if (action == "publish") {
+        const auto saved = drafts.Save(referrer, text, revision);
+        return saved ? AskToPublish(request, *saved, text) : DraftConflict(request, text);
+    }
+    const auto lines = Requirements::Read(text).lines.size();
+    return DraftEditor(
+        request, text, revision,
+        Notice("good", "These requirements can be published. Lines: " + std::to_string(lines) + "."));
+}
+
+Answer PublishDraft(const AdminRequest& request)
+{
+    const std::string& referrer = request.Referrer();
+    const int revision = request.form.Number("revision");
+    const auto publication = Drafts(request.database, request.login.account).Publish(referrer, revision);
     if (publication.version)
         return Redirect(RequirementsPath(referrer) + "?note=published");
-    const auto draft = store.FindDraft(referrer);
+    const auto draft = RequirementSets(request.database).FindDraft(referrer);
     if (publication.reason.empty() || !draft)
-        return page.Stale(visit, visit.form.Text("text"));
-    return page.Edit(visit, draft->text, revision, Wrong(publication.reason), 400);
+        return DraftConflict(request, request.form.Text("text"));
+    return DraftEditor(request, draft->text, revision, Wrong(publication.reason), 400);
 }
 
-Answer EditorPage::Drop(const Visit& visit) const
+Answer DropDraft(const AdminRequest& request)
 {
-    const std::string& referrer = visit.Referrer();
-    if (!Drafts(store, visit.login.account).Drop(referrer, visit.form.Number("revision")))
-        return page.Stale(visit, visit.form.Text("text"));
+    const std::string& referrer = request.Referrer();
+    if (!Drafts(request.database, request.login.account).Drop(referrer, request.form.Number("revision")))
+        return DraftConflict(request, request.form.Text("text"));
     return Redirect(RequirementsPath(referrer) + "?note=dropped");
 }
 

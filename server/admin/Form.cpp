@@ -6,25 +6,11 @@
 #include <limits>
 
 #include "server/admin/Html.h"
+#include "server/http/Target.h"
 
 namespace kel::server {
 
 namespace {
-
-/// A percent sign that begins no byte stands for itself, as browsers have it.
-std::string Decode(std::string_view text)
-{
-    std::string decoded;
-    while (!text.empty()) {
-        unsigned char byte = 0;
-        const bool isEscape =
-            text.front() == '%' && text.size() > 2 &&
-            std::from_chars(text.data() + 1, text.data() + 3, byte, 16).ptr == text.data() + 3;
-        decoded += isEscape ? static_cast<char>(byte) : text.front() == '+' ? ' ' : text.front();
-        text.remove_prefix(isEscape ? 3 : 1);
-    }
-    return decoded;
-}
 
 std::string WithLineFeeds(std::string text)
 {
@@ -49,7 +35,9 @@ std::optional<Form> Form::Read(std::string_view body)
         const std::size_t equals = std::min(field.find('='), field.size());
         const std::string_view value = field.substr(std::min(equals + 1, field.size()));
         if (form.fields.size() == MostFields ||
-            !form.fields.emplace(Clean(Decode(field.substr(0, equals))), WithLineFeeds(Clean(Decode(value))))
+            !form.fields
+                 .emplace(Clean(DecodePercent(field.substr(0, equals), true)),
+                          WithLineFeeds(Clean(DecodePercent(value, true))))
                  .second)
             return std::nullopt;
     }

@@ -5,7 +5,7 @@
 #include <array>
 
 #include "server/admin/Secrets.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -60,9 +60,9 @@ void CheckOrigin(const Request& request, const AdminSettings& settings)
         throw Fault(403, "Another site's page sent this; nothing was changed.");
 }
 
-void CheckToken(const Visit& visit, const std::string& token)
+void CheckToken(const AdminRequest& request, const std::string& token)
 {
-    if (visit.login.formToken.empty() || !AreSame(visit.login.formToken, token))
+    if (request.login.formToken.empty() || !AreSame(request.login.formToken, token))
         throw Fault(403,
                     "The form is not of this log-in; nothing was changed. Load its page again and send it "
                     "once more.");

@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "server/admin/AdminRequest.h"
 #include "server/admin/Settings.h"
-#include "server/admin/Visit.h"
 
 namespace kel::server {
 
@@ -16,6 +16,6 @@ void CheckHost(const Request& request, const AdminSettings& settings);
 void CheckOrigin(const Request& request, const AdminSettings& settings);
 
 /// Throws Fault 403 unless the token is that of the visit's log-in.
-void CheckToken(const Visit& visit, const std::string& token);
+void CheckToken(const AdminRequest& request, const std::string& token);
 
 }  // namespace kel::server

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "server/base/Text.h"
-#include "server/base/Utf8.h"
+#include "verdict/text/Text.h"
+#include "verdict/text/Utf8.h"
 
 namespace kel::server {
 

@@ -1,5 +1,6 @@
 #include "server/admin/Layout.h"
 
+#include "server/admin/Pages.h"
 #include "server/admin/Texts.h"
 
 namespace kel::server {
@@ -8,7 +9,7 @@ namespace {
 
 constexpr const char* SiteName = "Analysis service";
 
-Html NavigationOf(const Visit& visit)
+Html NavigationOf(const AdminRequest& request)
 {
     struct Entry {
         const char *path, *label;
@@ -17,26 +18,26 @@ Html NavigationOf(const Visit& visit)
         {"/", "Overview"}, {"/reports", "Reports"}, {"/values", "Values"}, {"/audit", "Audit"}};
     Html list;
     for (const Entry& entry : Entries) {
-        if (entry.path == std::string_view("/audit") && !visit.IsEditor())
+        if (entry.path == std::string_view("/audit") && !request.IsEditor())
             continue;
         Html::Attributes attributes{{"href", entry.path}};
-        if (visit.target.path == entry.path)
+        if (request.target.path == entry.path)
             attributes.emplace_back("aria-current", "page");
         list += Html::Element("li", {}, Html::Element("a", attributes, entry.label));
     }
     return Html::Element("nav", {{"aria-label", "Pages"}}, Html::Element("ul", {}, list));
 }
 
-Html HeaderOf(const Visit& visit)
+Html HeaderOf(const AdminRequest& request)
 {
     Html content = Html::Element("a", {{"class", "brand"}, {"href", "/"}}, SiteName);
-    if (!visit.login.account.empty()) {
-        content += NavigationOf(visit);
-        Html who =
-            Html::Element("span", {{"class", "who"}},
-                          {Html::Stored(visit.login.account), visit.IsEditor() ? " (editor)" : " (reader)"});
-        if (!visit.isSingleSignOn)
-            who += PostForm(visit, "/logout", Button("Log out", "plain"));
+    if (!request.login.account.empty()) {
+        content += NavigationOf(request);
+        Html who = Html::Element(
+            "span", {{"class", "who"}},
+            {Html::Stored(request.login.account), " (" + std::string(ToString(request.login.role)) + ")"});
+        if (!request.isSingleSignOn)
+            who += PostForm(request, "/logout", Button("Log out", "plain"));
         content += Html::Element("div", {{"class", "account"}}, who);
     }
     return Html::Element("header", {}, content);
@@ -44,7 +45,12 @@ Html HeaderOf(const Visit& visit)
 
 }  // namespace
 
-Answer Page(const Visit& visit, const std::string& title, const Html& content, int status)
+Answer ShowStyle(const AdminRequest&)
+{
+    return Answer::Of("text/css; charset=utf-8", AdminStyle);
+}
+
+Answer Page(const AdminRequest& request, const std::string& title, const Html& content, int status)
 {
     const Html head = Html::Element(
         "head", {},
@@ -57,7 +63,7 @@ Answer Page(const Visit& visit, const std::string& title, const Html& content, i
     const Html body =
         Html::Element("body", {},
                       {Html::Element("a", {{"class", "skip"}, {"href", "#content"}}, "Skip to the content"),
-                       HeaderOf(visit),
+                       HeaderOf(request),
                        Html::Element("main", {{"id", "content"}, {"tabindex", "-1"}},
                                      {Html::Element("h1", {}, Html::Stored(title)), content})});
     Answer answer =
@@ -67,7 +73,7 @@ Answer Page(const Visit& visit, const std::string& title, const Html& content, i
     return answer;
 }
 
-Answer ErrorPage(const Visit& visit, int status, const std::string& reason)
+Answer ErrorPage(const AdminRequest& request, int status, const std::string& reason)
 {
     const char* title = status == 403   ? "Not allowed"
                         : status == 404 ? "Not found"
@@ -76,10 +82,10 @@ Answer ErrorPage(const Visit& visit, int status, const std::string& reason)
                         : status >= 500 ? "The service cannot answer"
                                         : "That did not work";
     Html content = Notice("bad", reason) + Html::Element("p", {}, Link("/", "To the overview"));
-    if (const std::string& text = visit.form.Text("text"); !text.empty() && visit.IsEditor())
+    if (const std::string& text = request.form.Text("text"); !text.empty() && request.IsEditor())
         content += Html::Element("label", {{"for", "typed"}}, "What you typed, to copy it") +
                    Html::Element("textarea", {{"id", "typed"}, {"rows", "20"}, {"readonly", ""}}, text);
-    return Page(visit, title, content, status);
+    return Page(request, title, content, status);
 }
 
 Answer Redirect(std::string path)
@@ -106,13 +112,13 @@ Html Notice(const std::string& kind, const Html& text)
                          text);
 }
 
-Html Mark(const std::string& total)
+Html Mark(std::optional<Result> result)
 {
-    if (total == "pass")
-        return Html::Element("span", {{"class", "mark pass"}}, "✓ pass");
-    if (total == "fail")
-        return Html::Element("span", {{"class", "mark fail"}}, "✗ fail");
-    return total.empty() ? Html("–") : Html::Element("span", {{"class", "mark unknown"}}, "? unknown");
+    if (!result)
+        return "–";
+    const char* sign = result == Result::Pass ? "✓ " : result == Result::Fail ? "✗ " : "? ";
+    const std::string text(ToString(*result));
+    return Html::Element("span", {{"class", "mark " + text}}, sign + text);
 }
 
 Html LabelOf(const std::string& label, bool recommended)
@@ -141,15 +147,20 @@ std::string ProductPath(const std::string& referrer)
     return "/products/" + UrlEncode(referrer);
 }
 
+std::string RequirementsPath(const std::string& referrer)
+{
+    return ProductPath(referrer) + "/requirements";
+}
+
 std::string ReportPath(std::int64_t report)
 {
     return "/reports/" + std::to_string(report);
 }
 
-Html PostForm(const Visit& visit, const std::string& path, const Html& content)
+Html PostForm(const AdminRequest& request, const std::string& path, const Html& content)
 {
     return Html::Element("form", {{"method", "post"}, {"action", path}},
-                         {Hidden("token", visit.login.formToken), content});
+                         {Hidden("token", request.login.formToken), content});
 }
 
 Html Field(const std::string& label, const std::string& name, const std::string& value,

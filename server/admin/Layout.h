@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
+#include "server/admin/AdminRequest.h"
 #include "server/admin/Html.h"
-#include "server/admin/Visit.h"
+#include "verdict/Result.h"
 
 namespace kel::server {
 
@@ -11,11 +13,11 @@ namespace kel::server {
 extern const char* const AdminStyle;
 
 /// A whole page. Its title is the heading, too.
-Answer Page(const Visit& visit, const std::string& title, const Html& content, int status = 200);
+Answer Page(const AdminRequest& request, const std::string& title, const Html& content, int status = 200);
 
 /// A page with a sentence that says why something is not done, and what was typed for it, so that it is not
 /// lost.
-Answer ErrorPage(const Visit& visit, int status, const std::string& reason);
+Answer ErrorPage(const AdminRequest& request, int status, const std::string& reason);
 
 /// 303 to a path of this site.
 Answer Redirect(std::string path);
@@ -27,7 +29,7 @@ void AddSafety(Answer& answer);
 Html Notice(const std::string& kind, const Html& text);
 
 /// "✓ pass", "✗ fail", "? unknown", "–" when there is no verdict.
-Html Mark(const std::string& total);
+Html Mark(std::optional<Result> result);
 
 /// A requirement's label, with a word when it is a recommendation.
 Html LabelOf(const std::string& label, bool recommended);
@@ -41,10 +43,11 @@ Html ButtonLink(const std::string& path, const std::string& label, const std::st
 Html Moment(std::int64_t time);
 
 std::string ProductPath(const std::string& referrer);
+std::string RequirementsPath(const std::string& referrer);
 std::string ReportPath(std::int64_t report);
 
 /// A form that posts, with the token that proves that it is the service's own.
-Html PostForm(const Visit& visit, const std::string& path, const Html& content);
+Html PostForm(const AdminRequest& request, const std::string& path, const Html& content);
 
 /// An input field under its label. Further attributes may follow.
 Html Field(const std::string& label, const std::string& name, const std::string& value,

@@ -9,7 +9,8 @@
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
-#include "server/verdict/Requirements.h"
+#include "server/store/RequirementSets.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 
@@ -20,9 +21,9 @@ constexpr int MaxVersions = 3;  // that a page shows
 Result ResultIn(const nlohmann::json& line)
 {
     const auto found = line.is_object() ? line.find("result") : line.end();
-    if (found == line.end())
+    if (found == line.end() || !found->is_string())
         return Result::Unknown;
-    return *found == "pass" ? Result::Pass : *found == "fail" ? Result::Fail : Result::Unknown;
+    return ParseResult(found->get_ref<const std::string&>()).value_or(Result::Unknown);
 }
 
 /// The names of the values that a line asks for, each once.
@@ -90,7 +91,7 @@ void LineFigures::Add(const StoredVerdict& verdict)
         version.lines[i].Add(ResultIn(lines[i]));
 }
 
-Html LineFigures::Show(Store& store) const
+Html LineFigures::Show(Database& database) const
 {
     Html figures;
     int shown = 0, left = 0;
@@ -102,7 +103,7 @@ Html LineFigures::Show(Store& store) const
         }
         const std::string of = "version " + std::to_string(counted.number) + ", which judged " +
                                Grouped(counted.sessions) + " of them";
-        const auto requirements = Requirements::ReadStored(store.SetText(set));
+        const auto requirements = Requirements::ReadStored(RequirementSets(database).Text(set));
         if (!requirements) {
             figures += Notice("bad", "The requirements of version " + std::to_string(counted.number) +
                                          " cannot be read by this program.");

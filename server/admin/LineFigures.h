@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "server/admin/Html.h"
-#include "server/store/Store.h"
-#include "server/verdict/Tally.h"
+#include "server/store/Verdicts.h"
+#include "verdict/Tally.h"
 
 namespace kel::server {
 
@@ -19,7 +19,7 @@ public:
 
     /// A table for each of the newest versions, the lines that fail most first, and one for its
     /// recommendations. Reads the texts of these versions.
-    Html Show(Store& store) const;
+    Html Show(Database& database) const;
 
 private:
     struct Version {

@@ -1,32 +1,29 @@
-#include "server/admin/LogInPage.h"
-
 #include <algorithm>
 
 #include "server/admin/Layout.h"
-#include "server/admin/Secrets.h"
-#include "server/admin/Texts.h"
+#include "server/admin/Pages.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
+#include "server/store/Audit.h"
 
 namespace kel::server {
 
 namespace {
 
-constexpr std::size_t LongestName = 200;       // bytes of a wrong one that the form has again
-constexpr std::size_t LongestPassword = 1000;  // bytes
-constexpr std::size_t LongestPath = 1000;
+constexpr std::size_t MaxNameBytes = 200;  // bytes of a wrong one that the form has again
+constexpr std::size_t MaxPathBytes = 1000;
 
 /// A path of this site, or the overview's: never one that leads to another.
 std::string LocalPath(const std::string& path)
 {
     const bool isLocal =
-        path.starts_with('/') && !path.starts_with("//") && path.size() <= LongestPath &&
+        path.starts_with('/') && !path.starts_with("//") && path.size() <= MaxPathBytes &&
         std::all_of(path.begin(), path.end(), [](char c) { return c > ' ' && c <= '~' && c != '\\'; });
     return isLocal ? path : "/";
 }
 
-Answer Render(const Visit& visit, const std::string& name, const std::string& next, const Html& notice,
-              int status)
+Answer Render(const AdminRequest& request, const std::string& name, const std::string& next,
+              const Html& notice, int status)
 {
     // The focus is where the next word goes.
     Html::Attributes nameIs{{"autocomplete", "username"}, {"required", ""}};
@@ -36,7 +33,7 @@ Answer Render(const Visit& visit, const std::string& name, const std::string& ne
                         Field("Password", "password", "", "password", passwordIs) +
                         Button("Log in", "primary");
     return Page(
-        visit, "Log in",
+        request, "Log in",
         notice + Html::Element("form", {{"method", "post"}, {"action", "/login"}, {"class", "card narrow"}},
                                fields),
         status);
@@ -44,64 +41,57 @@ Answer Render(const Visit& visit, const std::string& name, const std::string& ne
 
 }  // namespace
 
-LogInPage::LogInPage(Store& store, Sessions& sessions)
-    : store(store), sessions(sessions), nobodysHash(HashPassword(RandomText()))
+Answer ShowLogIn(const AdminRequest& request)
 {
-}
-
-Answer LogInPage::Show(const Visit& visit) const
-{
-    if (!visit.login.account.empty() || visit.isSingleSignOn)
+    if (!request.login.account.empty() || request.isSingleSignOn)
         return Redirect("/");
-    return Render(visit, "", visit.Query("next"), {}, 200);
+    return Render(request, "", request.Query("next"), {}, 200);
 }
 
-Answer LogInPage::LogIn(const Visit& visit)
+Answer LogIn(const AdminRequest& request)
 {
-    if (visit.isSingleSignOn)
+    if (request.isSingleSignOn)
         throw Fault(404, "there is no such page");
-    const std::string name = Shortened(visit.form.Text("name"), LongestName);
-    const std::string &next = visit.form.Text("next"), &password = visit.form.Text("password");
-    const auto found = store.FindAccount(name);
-    const std::string browser = found ? Sessions::KnownBrowser(visit.request, *found) : std::string();
+    const std::string name = Shortened(request.form.Text("name"), MaxNameBytes);
+    const std::string &next = request.form.Text("next"), &password = request.form.Text("password");
+    const auto found = Accounts(request.database).Find(name);
+    const std::string browser = found ? Sessions::KnownBrowser(request.http, *found) : std::string();
     const Throttle::Guest guest{browser.empty() ? name : browser, !browser.empty()};
-    if (const auto wait = throttle.Wait(guest); wait.count() > 0) {
-        Answer answer = Render(visit, name, next,
+    if (const auto wait = request.throttle.Wait(guest); wait.count() > 0) {
+        Answer answer = Render(request, name, next,
                                Notice("bad", "Too many log-ins failed. Try again in " +
                                                  std::to_string(wait.count()) + " seconds."),
                                429);
         answer.headers.emplace_back("Retry-After", std::to_string(wait.count()));
         return answer;
     }
-    // An unknown name takes as long as a wrong password.
-    const bool isRight =
-        password.size() <= LongestPassword && IsPassword(found ? found->hash : nobodysHash, password);
-    const auto cookie = found && isRight ? sessions.Begin(*found) : std::nullopt;
+    const auto cookie =
+        request.sessions.IsPassword(found, password) ? request.sessions.Begin(*found) : std::nullopt;
     if (!cookie) {
-        throttle.Failed(guest);
+        request.throttle.Failed(guest);
         // What is no name may be a password in the wrong field.
         const std::string who = found ? found->name : "unknown name";
-        store.Note(who, "log-in failed", "");
+        Audit(request.database).Add(who, "log-in failed", "");
         Log(Level::Warning, "log-in-failed", {{"account", who}});
-        return Render(visit, name, next, Notice("bad", "Name or password is wrong."), 403);
+        return Render(request, name, next, Notice("bad", "Name or password is wrong."), 403);
     }
-    throttle.Succeeded(guest);
+    request.throttle.Succeeded(guest);
     // The browser is about to lose the cookie of the log-in that it had; nobody else needs that to stay
     // valid.
-    if (!visit.login.account.empty())
-        sessions.End(visit.login);
+    if (!request.login.account.empty())
+        request.sessions.End(request.login);
     Answer answer = Redirect(LocalPath(next));
     answer.headers.emplace_back("Set-Cookie", *cookie);
     answer.headers.emplace_back("Set-Cookie", Sessions::KnownCookie(*found));
-    store.Note(found->name, "logged in", "");
+    Audit(request.database).Add(found->name, "logged in", "");
     Log(Level::Info, "logged-in", {{"account", found->name}});
     return answer;
 }
 
-Answer LogInPage::LogOut(const Visit& visit)
+Answer LogOut(const AdminRequest& request)
 {
-    sessions.End(visit.login);
-    store.Note(visit.login.account, "logged out", "");
+    request.sessions.End(request.login);
+    Audit(request.database).Add(request.login.account, "logged out", "");
     Answer answer = Redirect("/login");
     answer.headers.emplace_back("Set-Cookie", Sessions::NoCookie());
     return answer;

@@ -1,10 +1,11 @@
-#include "server/admin/OverviewPage.h"
-
 #include "server/admin/Layout.h"
+#include "server/admin/Pages.h"
 #include "server/admin/Recent.h"
-#include "server/admin/ReportsPage.h"
+#include "server/admin/ReportsTable.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
+#include "server/store/Reports.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -25,10 +26,10 @@ Html NewProductForm()
 
 }  // namespace
 
-Answer OverviewPage::Show(const Visit& visit) const
+Answer ShowOverview(const AdminRequest& request)
 {
-    const std::vector<Product> products = store.Products();
-    const std::vector<Totals> totals = RecentTotals(store, products);
+    const std::vector<Product> products = RequirementSets(request.database).Products();
+    const std::vector<Counts> totals = RecentTotals(request.database, products);
     Table table(
         "Products (results by session, from the latest " + Grouped(RecentCount) + " verdicts of each)",
         {{"Product"},
@@ -51,8 +52,7 @@ Answer OverviewPage::Show(const Visit& visit) const
         } else {
             cells.insert(cells.end(), 4, "–");
         }
-        cells.push_back(
-            Link(ProductPath(product.referrer) + "/requirements", product.hasDraft ? "draft" : "view"));
+        cells.push_back(Link(RequirementsPath(product.referrer), product.hasDraft ? "draft" : "view"));
         table.Add(cells);
     }
     ReportFilter filter;
@@ -63,12 +63,12 @@ Answer OverviewPage::Show(const Visit& visit) const
             Html::Element("p", {},
                           "The other products' figures would take too long here; each product's page has "
                           "its own.");
-    if (visit.IsEditor())
+    if (request.IsEditor())
         content += NewProductForm();
     content += Html::Element("h2", {}, "Newest reports") +
-               ReportsTable("The last ten; all of them are under Reports", store.Reports(filter),
-                            "No report has come in yet.");
-    return Page(visit, "Overview", content);
+               ReportsTable("The last ten; all of them are under Reports",
+                            Reports(request.database).List(filter), "No report has come in yet.");
+    return Page(request, "Overview", content);
 }
 
 }  // namespace kel::server

@@ -1,11 +1,10 @@
-#include "server/admin/ProductPage.h"
-
 #include "server/admin/Chart.h"
 #include "server/admin/Layout.h"
 #include "server/admin/LineFigures.h"
+#include "server/admin/Pages.h"
 #include "server/admin/Recent.h"
 #include "server/admin/Texts.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -28,7 +27,7 @@ Html Figure(const std::string& name, const std::string& value)
     return Html::Element("div", {}, {Html::Element("b", {}, value), name});
 }
 
-Html FiguresOf(const Totals& totals)
+Html FiguresOf(const Counts& totals)
 {
     const int all = totals.pass + totals.fail + totals.unknown;
     return Html::Element("div", {{"class", "card figures"}},
@@ -37,25 +36,23 @@ Html FiguresOf(const Totals& totals)
                           Figure("passing", Percentage(totals.pass, all))});
 }
 
-}  // namespace
-
-Html ProductPage::LinesOf(const std::string& referrer) const
+Html LineTables(Database& database, const std::string& referrer)
 {
     LineFigures figures;
     const RecentSessions recent =
-        ForEachRecentVerdict(store, referrer, [&](const StoredVerdict& verdict) { figures.Add(verdict); });
+        ForEachRecentVerdict(database, referrer, [&](const StoredVerdict& verdict) { figures.Add(verdict); });
     if (recent.count == 0)
         return Html::Element("p", {{"class", "empty"}}, "There is no verdict yet.");
     return Html::Element("p", {{"class", "lead"}}, "The tables are of " + recent.Text() + ".") +
-           figures.Show(store);
+           figures.Show(database);
 }
 
-Html ProductPage::MachinesOf(const std::string& referrer) const
+Html MachineCharts(Database& database, const std::string& referrer)
 {
     std::vector<Distribution> distributions;
     for (const Picture& picture : Pictures)
         distributions.emplace_back(picture.kind);
-    const RecentSessions recent = ForEachRecentReport(store, referrer, [&](const Report& report) {
+    const RecentSessions recent = ForEachRecentReport(database, referrer, [&](const Report& report) {
         for (std::size_t i = 0; i < distributions.size(); ++i)
             distributions[i].Add(report.Value(Pictures[i].id));
     });
@@ -70,17 +67,20 @@ Html ProductPage::MachinesOf(const std::string& referrer) const
            Html::Element("div", {{"class", "charts"}}, charts);
 }
 
-Answer ProductPage::Show(const Visit& visit) const
+}  // namespace
+
+Answer ShowProduct(const AdminRequest& request)
 {
-    const std::string& referrer = visit.Referrer();
-    const Totals totals = store.RecentTotals({referrer}, RecentCount).front();
+    const std::string& referrer = request.Referrer();
+    const Counts totals = Verdicts(request.database).CountRecent({referrer}, RecentCount).front();
     const Html content = Html::Element("p", {{"class", "buttons"}},
-                                       {ButtonLink(ProductPath(referrer) + "/requirements", "Requirements"),
+                                       {ButtonLink(RequirementsPath(referrer), "Requirements"),
                                         ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
                          Html::Element("h2", {}, "The last verdicts") + FiguresOf(totals) +
-                         LinesOf(referrer) + Html::Element("h2", {}, "What visitors have") +
-                         MachinesOf(referrer);
-    return Page(visit, referrer, content);
+                         LineTables(request.database, referrer) +
+                         Html::Element("h2", {}, "What visitors have") +
+                         MachineCharts(request.database, referrer);
+    return Page(request, referrer, content);
 }
 
 }  // namespace kel::server

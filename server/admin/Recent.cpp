@@ -6,6 +6,7 @@
 #include "server/admin/Texts.h"
 #include "server/base/Fault.h"
 #include "server/http/Limits.h"
+#include "server/store/Reports.h"
 
 namespace kel::server {
 
@@ -51,7 +52,7 @@ std::optional<Report> ReadStored(const std::string& body)
     }
 }
 
-RecentSessions ForEachRecentReport(Store& store, const std::string& referrer,
+RecentSessions ForEachRecentReport(Database& database, const std::string& referrer,
                                    const std::function<void(const Report&)>& use)
 {
     ReportFilter filter;
@@ -60,12 +61,12 @@ RecentSessions ForEachRecentReport(Store& store, const std::string& referrer,
     Allowance allowance;
     std::set<std::string> seen;
     std::vector<std::int64_t> newest;
-    for (const ReportLine& line : store.Reports(filter)) {
+    for (const ReportLine& line : Reports(database).List(filter)) {
         if (seen.insert(line.session).second)
             newest.push_back(line.id);
     }
     RecentSessions recent;
-    store.ForEachReport(newest, [&](const FullReport& report) {
+    Reports(database).ForEach(newest, [&](const FullReport& report) {
         recent.isCut = !allowance.Allows(report.body.size());
         if (recent.isCut)
             return false;
@@ -78,13 +79,13 @@ RecentSessions ForEachRecentReport(Store& store, const std::string& referrer,
     return recent;
 }
 
-RecentSessions ForEachRecentVerdict(Store& store, const std::string& referrer,
+RecentSessions ForEachRecentVerdict(Database& database, const std::string& referrer,
                                     const std::function<void(const StoredVerdict&)>& use)
 {
     RecentSessions recent;
     Allowance allowance;
     std::set<std::string> seen;
-    store.ForEachRecentVerdict(referrer, RecentCount, [&](const StoredVerdict& verdict) {
+    Verdicts(database).ForEachRecent(referrer, RecentCount, [&](const StoredVerdict& verdict) {
         recent.isCut = !allowance.Allows(verdict.lines.size());
         if (!recent.isCut && seen.insert(verdict.session).second) {
             use(verdict);
@@ -95,15 +96,15 @@ RecentSessions ForEachRecentVerdict(Store& store, const std::string& referrer,
     return recent;
 }
 
-std::vector<Totals> RecentTotals(Store& store, const std::vector<Product>& products)
+std::vector<Counts> RecentTotals(Database& database, const std::vector<Product>& products)
 {
-    std::vector<Totals> totals;
+    std::vector<Counts> totals;
     const auto end = Clock::now() + MaxTime;
     while (totals.size() < products.size() && (totals.empty() || Clock::now() < end)) {
         std::vector<std::string> referrers;
         for (std::size_t i = totals.size(); i < products.size() && referrers.size() < ProductsAtOnce; ++i)
             referrers.push_back(products[i].referrer);
-        const auto more = store.RecentTotals(referrers, RecentCount);
+        const auto more = Verdicts(database).CountRecent(referrers, RecentCount);
         totals.insert(totals.end(), more.begin(), more.end());
     }
     return totals;

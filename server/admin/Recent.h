@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "server/report/Report.h"
-#include "server/store/Store.h"
+#include "server/store/RequirementSets.h"
+#include "server/store/Verdicts.h"
 
 namespace kel::server {
 
@@ -27,15 +28,15 @@ std::optional<Report> ReadStored(const std::string& body);
 
 /// Passes the newest report of each of a product's last sessions to `use`, but for those that cannot be read.
 /// Stops after a second, or when visitors sent large ones.
-RecentSessions ForEachRecentReport(Store& store, const std::string& referrer,
+RecentSessions ForEachRecentReport(Database& database, const std::string& referrer,
                                    const std::function<void(const Report&)>& use);
 
 /// The same with the newest verdict by the product's requirements.
-RecentSessions ForEachRecentVerdict(Store& store, const std::string& referrer,
+RecentSessions ForEachRecentVerdict(Database& database, const std::string& referrer,
                                     const std::function<void(const StoredVerdict&)>& use);
 
 /// The totals of each product's recent sessions; of the first products alone when all would take over a
 /// second.
-std::vector<Totals> RecentTotals(Store& store, const std::vector<Product>& products);
+std::vector<Counts> RecentTotals(Database& database, const std::vector<Product>& products);
 
 }  // namespace kel::server

@@ -1,33 +1,35 @@
-#include "server/admin/ReportPage.h"
-
 #include <nlohmann/json.hpp>
 
 #include "server/admin/Layout.h"
+#include "server/admin/Pages.h"
 #include "server/admin/Recent.h"
-#include "server/admin/ReportsPage.h"
+#include "server/admin/ReportsTable.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/report/Report.h"
 #include "server/store/Deletion.h"
-#include "server/verdict/Requirements.h"
-#include "server/verdict/Verdict.h"
+#include "server/store/Reports.h"
+#include "server/store/RequirementSets.h"
+#include "server/store/Verdicts.h"
+#include "verdict/Requirements.h"
+#include "verdict/Verdict.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
 namespace {
 
-constexpr int MostReports = 20;             // of the session
-constexpr std::size_t MostVerdicts = 5;     // the newest
-constexpr std::size_t MostValues = 2000;    // that a page shows
-constexpr std::size_t LongestValue = 1000;  // bytes that it shows of one
-constexpr int MaxBatches = 25;              // of a deletion, some seconds
+constexpr int MaxReports = 20;               // of the session
+constexpr std::size_t MaxVerdicts = 5;       // the newest
+constexpr std::size_t MaxValues = 2000;      // that a page shows
+constexpr std::size_t MaxValueBytes = 1000;  // bytes that it shows of one
+constexpr int MaxBatches = 25;               // of a deletion, some seconds
 
 Html TextOrDash(const std::string& text)
 {
-    return text.empty() ? Html("–") : Html::Stored(Shortened(text, LongestValue));
+    return text.empty() ? Html("–") : Html::Stored(Shortened(text, MaxValueBytes));
 }
 
 Html Fact(const char* name, const Html& value)
@@ -51,43 +53,44 @@ Html ValuesOf(const Report& report)
     Table table("Values that the control told", {{"Id"}, {"What"}, {"Index", true}, {"Value"}});
     std::size_t count = 0;
     for (const auto& [key, value] : report.All()) {
-        if (++count > MostValues)
+        if (++count > MaxValues)
             break;
-        table.Add({Html::Stored(Shortened(key.first, LongestValue)), NameOfValue(key.first),
+        table.Add({Html::Stored(Shortened(key.first, MaxValueBytes)), NameOfValue(key.first),
                    std::to_string(key.second), TextOrDash(value)});
     }
     Html values = table.Done("The report has no value.");
-    if (count > MostValues)
+    if (count > MaxValues)
         values += Html::Element("p", {},
-                                "The first " + Grouped(MostValues) + " of " +
+                                "The first " + Grouped(MaxValues) + " of " +
                                     Grouped(static_cast<std::int64_t>(report.Count())) + " values.");
     return values;
 }
 
-}  // namespace
-
-FullReport ReportPage::Find(const Visit& visit) const
+FullReport FindReport(const AdminRequest& request)
 {
-    auto report = store.FindReport(visit.Id());
+    auto report = Reports(request.database).Find(request.Id());
     if (!report)
         throw Fault(404, "There is no such report. It may have been deleted.");
     return *report;
 }
 
-Html ReportPage::VerdictOf(const StoredVerdict& verdict, const FullReport& report) const
+Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullReport& report)
 {
     Table table("By version " + std::to_string(verdict.version) + " of " + verdict.referrer + ", " +
                     TimeText(verdict.judged) + " UTC",
                 {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}});
     try {
         // The stored lines have what was found; the requirements say what was needed.
-        const Verdict read = Judge(Requirements::Read(store.SetText(verdict.set)), Report::Read(report.body));
+        const Report values = Report::Read(report.body);
+        const Verdict read =
+            Judge(Requirements::Read(RequirementSets(database).Text(verdict.set)), values.Lookup());
         const auto stored = nlohmann::json::parse(verdict.lines);
         for (std::size_t i = 0; i < read.lines.size() && i < stored.size(); ++i) {
             const VerdictLine& line = read.lines[i];
-            const std::string result = stored[i].at("result").get<std::string>();
+            const Result result =
+                ParseResult(stored[i].at("result").get<std::string>()).value_or(Result::Unknown);
             Html found = Mark(result);
-            if (result != "pass" && !line.advice.empty())
+            if (result != Result::Pass && !line.advice.empty())
                 found += Html::Element("div", {}, Html::Stored(line.advice));
             table.Add({LabelOf(line.label, line.recommended), Html::Stored(line.needed),
                        TextOrDash(stored[i].at("found").get<std::string>()), found});
@@ -99,50 +102,53 @@ Html ReportPage::VerdictOf(const StoredVerdict& verdict, const FullReport& repor
            table.Done("The requirements have no line.");
 }
 
-Answer ReportPage::Show(const Visit& visit) const
+}  // namespace
+
+Answer ShowReport(const AdminRequest& request)
 {
-    const FullReport report = Find(visit);
+    const FullReport report = FindReport(request);
     Html content = FactsOf(report);
     content += Html::Element("h2", {}, "Verdicts");
-    const auto verdicts = store.VerdictsOf(report.id);
-    for (std::size_t i = 0; i < verdicts.size() && i < MostVerdicts; ++i)
-        content += VerdictOf(verdicts[i], report);
+    const auto verdicts = Verdicts(request.database).OnReport(report.id);
+    for (std::size_t i = 0; i < verdicts.size() && i < MaxVerdicts; ++i)
+        content += VerdictTable(request.database, verdicts[i], report);
     if (verdicts.empty())
         content += Html::Element("p", {{"class", "empty"}}, "Nobody has asked for a verdict on this report.");
     ReportFilter filter;
     filter.session = report.session;
     filter.beforeId = report.id;
-    filter.count = MostReports;
+    filter.count = MaxReports;
     content += Html::Element("h2", {}, "Earlier reports of the session") +
-               ReportsTable("Earlier reports of the same session", store.Reports(filter), "There are none.");
+               ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter),
+                            "There are none.");
     content += Html::Element("h2", {}, "Values") + ValuesOf(ReadStored(report.body).value_or(Report()));
-    if (visit.IsEditor())
+    if (request.IsEditor())
         content += Html::Element(
             "p", {},
             ButtonLink(ReportPath(report.id) + "/delete", "Delete all reports of this session…", "danger"));
-    return Page(visit, "Report " + std::to_string(report.id), content);
+    return Page(request, "Report " + std::to_string(report.id), content);
 }
 
-Answer ReportPage::AskToDelete(const Visit& visit) const
+Answer AskToDeleteSession(const AdminRequest& request)
 {
-    const FullReport report = Find(visit);
+    const FullReport report = FindReport(request);
     const Html content =
         Html::Element("p", {},
-                      {"All reports of the session ", Html::Stored(Shortened(report.session, LongestValue)),
+                      {"All reports of the session ", Html::Stored(Shortened(report.session, MaxValueBytes)),
                        " and their verdicts go for good."}) +
-        PostForm(visit, ReportPath(report.id) + "/delete",
+        PostForm(request, ReportPath(report.id) + "/delete",
                  Html::Element("div", {{"class", "buttons"}},
                                {Button("Delete them", "danger"), Link(ReportPath(report.id), "Keep them")}));
-    return Page(visit, "Delete a session", content);
+    return Page(request, "Delete a session", content);
 }
 
-Answer ReportPage::Delete(const Visit& visit) const
+Answer DeleteSession(const AdminRequest& request)
 {
-    const FullReport report = Find(visit);
-    DeletionEntry entry{visit.login.account, "deleted session", Shortened(report.session, LongestValue)};
-    const Deletion deletion = Deletion::OfSession(store, report.session, &entry, MaxBatches);
+    const FullReport report = FindReport(request);
+    DeletionEntry entry{request.login.account, "deleted session", Shortened(report.session, MaxValueBytes)};
+    const Deletion deletion = Deletion::OfSession(request.database, report.session, &entry, MaxBatches);
     Log(Level::Info, "deleted",
-        {{"account", visit.login.account},
+        {{"account", request.login.account},
          {"session", report.session},
          {"reports", std::to_string(entry.reports)}});
     return Redirect(deletion.isComplete ? "/reports?note=deleted"

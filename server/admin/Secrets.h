@@ -16,6 +16,8 @@ std::string HashOf(std::string_view secret, std::string_view key = {});
 /// Whether the texts are the same, in a time that tells nothing about where they differ.
 bool AreSame(std::string_view left, std::string_view right);
 
+inline constexpr std::size_t MaxPasswordBytes = 1000;
+
 /// A hash of a password (Argon2id, 64 MB, with a salt of its own).
 std::string HashPassword(std::string_view password);
 

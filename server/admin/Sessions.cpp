@@ -3,7 +3,7 @@
 #include "server/admin/Html.h"
 #include "server/admin/Secrets.h"
 #include "server/base/Fault.h"
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -34,31 +34,39 @@ std::string KnownMark(const std::string& browser, const Account& account)
 }
 
 /// What its holder shows; empty when the account has another password by now.
-std::string BeginLogin(Store& store, const Account& account, LoginKind kind, std::int64_t duration)
+std::string BeginLogin(Database& database, const Account& account, LoginKind kind, std::int64_t duration)
 {
     std::string secret = RandomText();
-    const bool isKept = store.Keep(Login{HashOf(secret), account.name, account.role, RandomText(),
-                                         Now() + duration, kind, account.hash});
+    const bool isKept = Accounts(database).AddLogin(Login{
+        HashOf(secret), account.name, account.role, RandomText(), Now() + duration, kind, account.hash});
     return isKept ? secret : std::string();
 }
 
 /// The log-in that the secret is of, if that is one of this kind.
-std::optional<Login> FindKind(Store& store, std::string_view secret, LoginKind kind)
+std::optional<Login> FindKind(Database& database, std::string_view secret, LoginKind kind)
 {
-    auto login = secret.empty() ? std::nullopt : store.FindLogin(HashOf(secret));
+    auto login = secret.empty() ? std::nullopt : Accounts(database).FindLogin(HashOf(secret));
     return login && login->kind == kind ? login : std::nullopt;
 }
 
 }  // namespace
 
-Sessions::Sessions(Store& store, const AdminSettings& settings)
-    : store(store), settings(settings), key(RandomText())
+Sessions::Sessions(Database& database, const AdminSettings& settings)
+    : database(database), settings(settings), key(RandomText()), unknownsHash(HashPassword(RandomText()))
 {
+}
+
+bool Sessions::IsPassword(const std::optional<Account>& account, std::string_view password) const
+{
+    if (password.size() > MaxPasswordBytes)
+        return false;
+    return server::IsPassword(account ? account->hash : unknownsHash, password) && account;
 }
 
 std::optional<std::string> Sessions::Begin(const Account& account)
 {
-    const std::string secret = BeginLogin(store, account, LoginKind::Browser, settings.sessionHours * Hour);
+    const std::string secret =
+        BeginLogin(database, account, LoginKind::Browser, settings.sessionHours * Hour);
     if (secret.empty())
         return std::nullopt;
     return std::string(CookieName).append("=").append(secret).append(CookieRules);
@@ -66,7 +74,7 @@ std::optional<std::string> Sessions::Begin(const Account& account)
 
 void Sessions::End(const Login& login)
 {
-    store.EndLogin(login.key);
+    Accounts(database).EndLogin(login.key);
 }
 
 std::string Sessions::NoCookie()
@@ -96,9 +104,9 @@ std::string Sessions::KnownBrowser(const Request& request, const Account& accoun
 std::optional<Login> Sessions::Find(const Request& request)
 {
     if (!settings.singleSignOn)
-        return FindKind(store, CookieOf(request, CookieName), LoginKind::Browser);
+        return FindKind(database, CookieOf(request, CookieName), LoginKind::Browser);
     const std::string* name = request.Header("X-Remote-User");
-    const auto account = name && *name == Clean(*name) ? store.FindAccount(*name) : std::nullopt;
+    const auto account = name && *name == Clean(*name) ? Accounts(database).Find(*name) : std::nullopt;
     if (!account)
         return std::nullopt;
     return Login{{}, account->name, account->role, HashOf(account->name, key), 0};
@@ -110,12 +118,12 @@ std::optional<Login> Sessions::FindBearer(const Request& request)
     const std::string* header = request.Header("Authorization");
     if (!header || Lower(header->substr(0, Scheme.size())) != Scheme)
         return std::nullopt;
-    return FindKind(store, Trim(std::string_view(*header).substr(Scheme.size())), LoginKind::Program);
+    return FindKind(database, Trim(std::string_view(*header).substr(Scheme.size())), LoginKind::Program);
 }
 
-std::string MakeToken(Store& store, const Account& account, int days)
+std::string MakeToken(Database& database, const Account& account, int days)
 {
-    std::string token = BeginLogin(store, account, LoginKind::Program, std::int64_t{days} * 24 * Hour);
+    std::string token = BeginLogin(database, account, LoginKind::Program, std::int64_t{days} * 24 * Hour);
     if (token.empty())
         throw Fault(409, "the account has another password by now");
     return token;

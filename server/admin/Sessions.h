@@ -5,14 +5,14 @@
 
 #include "server/admin/Settings.h"
 #include "server/base/Exchange.h"
-#include "server/store/Store.h"
+#include "server/store/Accounts.h"
 
 namespace kel::server {
 
 /// Who sends a request, and log-ins as they begin and end. For any thread.
 class Sessions {
 public:
-    Sessions(Store& store, const AdminSettings& settings);
+    Sessions(Database& database, const AdminSettings& settings);
 
     /// Begins a log-in; the value of the Set-Cookie header that carries it. Nothing when the account has
     /// another password by now than the one that was right.
@@ -33,16 +33,18 @@ public:
     /// The log-in of a request by its token (Authorization: Bearer).
     std::optional<Login> FindBearer(const Request& request);
 
-    bool IsSingleSignOn() const { return settings.singleSignOn; }
+    /// Whether that is the account's password. Takes as long, and is false, without an account.
+    bool IsPassword(const std::optional<Account>& account, std::string_view password) const;
 
 private:
-    Store& store;
+    Database& database;
     AdminSettings settings;
-    std::string key;  // makes the form tokens of those whom the proxy names
+    std::string key;           // makes the form tokens of the accounts that the proxy names
+    std::string unknownsHash;  // stands for the hash of an account that does not exist
 };
 
 /// Makes a token for programs that lasts so many days, of that account. Throws Fault 409 when it has
 /// another password by now.
-std::string MakeToken(Store& store, const Account& account, int days);
+std::string MakeToken(Database& database, const Account& account, int days);
 
 }  // namespace kel::server

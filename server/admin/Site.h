@@ -1,32 +1,32 @@
 #pragma once
 
-#include <memory>
+#include <string>
 
+#include "server/admin/Routes.h"
+#include "server/admin/Sessions.h"
 #include "server/admin/Settings.h"
+#include "server/admin/Throttle.h"
 #include "server/http/Router.h"
-#include "server/store/Store.h"
 
 namespace kel::server {
 
-struct Visit;
-
-/// The administration: finds what answers a request, once its sender may make it. For any thread.
+/// The administration: hands a request to its page, once its sender may make it. For any thread.
 class Site {
 public:
-    Site(Store& store, AdminSettings settings);
-    ~Site();
+    Site(Database& database, AdminSettings settings);
 
-    /// Makes the router hand over what none of its routes answers.
+    /// Adds the routes of all pages, and a page for a request that has no route.
     void AddTo(Router& router);
 
 private:
-    class Parts;
+    Answer Handle(const Call& call, const Route* route, const std::string& allowed);
+    Answer Respond(AdminRequest& request, const Route* route, const std::string& allowed, bool isProgram);
+    Answer Respond(AdminRequest& request, const Route& route, bool isProgram, bool hasToken);
 
-    Answer Handle(const Call& call);
-    Answer Find(Visit& visit, bool isProgram);
-
-    AdminSettings settings;
-    std::unique_ptr<Parts> parts;
+    Database& database;
+    const AdminSettings settings;
+    Sessions sessions;
+    Throttle throttle;
 };
 
 }  // namespace kel::server

@@ -7,6 +7,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Table.h"
 #include "server/admin/Texts.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -44,15 +45,15 @@ std::vector<std::optional<std::size_t>> Replaced(const Lines& draft, const Lines
 
 }  // namespace
 
-Trial Trial::Run(Store& store, const std::string& referrer, const Requirements& draft)
+Trial Trial::Run(Database& database, const std::string& referrer, const Requirements& draft)
 {
     Trial trial;
-    const auto set = store.NewestSet(referrer);
-    const auto today = set ? Requirements::ReadStored(store.SetText(set->id)) : std::nullopt;
-    trial.sessions = ForEachRecentReport(store, referrer, [&](const Report& report) {
-        trial.draft.Count(Judge(draft, report));
+    const auto set = RequirementSets(database).Newest(referrer);
+    const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
+    trial.sessions = ForEachRecentReport(database, referrer, [&](const Report& report) {
+        trial.draft.Count(Judge(draft, report.Lookup()));
         if (today)
-            trial.today.Count(Judge(*today, report));
+            trial.today.Count(Judge(*today, report.Lookup()));
     });
     return trial;
 }

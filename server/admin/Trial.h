@@ -4,9 +4,9 @@
 
 #include "server/admin/Html.h"
 #include "server/admin/Recent.h"
-#include "server/store/Store.h"
-#include "server/verdict/Requirements.h"
-#include "server/verdict/Tally.h"
+#include "server/store/Database.h"
+#include "verdict/Requirements.h"
+#include "verdict/Tally.h"
 
 namespace kel::server {
 
@@ -16,7 +16,7 @@ struct Trial {
     Tally draft, today;  // today's by the newest published version; empty when there is none
 
     /// Judges the newest reports of the referrer by the draft and by today's requirements.
-    static Trial Run(Store& store, const std::string& referrer, const Requirements& draft);
+    static Trial Run(Database& database, const std::string& referrer, const Requirements& draft);
 
     /// The figures, as sentences and a table.
     Html Show() const;

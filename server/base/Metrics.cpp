@@ -12,11 +12,11 @@ void Histogram::Add(std::chrono::steady_clock::duration time)
     nanoseconds += static_cast<std::uint64_t>(std::chrono::nanoseconds(time).count());
 }
 
-StatusCounts& DoorMetrics::AddRoute(const std::string& method, const std::string& path)
+StatusCounts& DoorMetrics::AddRoute(std::string_view method, std::string_view pattern)
 {
     Route& route = routes.emplace_back();
     route.method = method;
-    route.path = path;
+    route.pattern = pattern;
     return route.counts;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <deque>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace kel::server {
@@ -46,14 +47,14 @@ private:
 /// What one door counts. Its labels are the program's own words: no text of a client becomes one.
 struct DoorMetrics {
     struct Route {
-        std::string method, path;
+        std::string method, pattern;
         StatusCounts counts;
     };
 
     explicit DoorMetrics(std::string name) : name(std::move(name)) {}
 
     /// A route's counts, which stay where they are. For the time before there are threads.
-    StatusCounts& AddRoute(const std::string& method, const std::string& path);
+    StatusCounts& AddRoute(std::string_view method, std::string_view pattern);
 
     std::string name;
     Count connections = 0;  // that are open

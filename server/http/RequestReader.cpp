@@ -7,8 +7,8 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/write.hpp>
 
-#include "server/base/Text.h"
 #include "server/http/HeaderCheck.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -5,13 +5,23 @@
 
 namespace kel::server {
 
-void Router::Add(std::string method, std::string path, Handler handler)
+std::optional<std::string> MatchPath(std::string_view pattern, std::string_view path)
 {
-    StatusCounts& counts = metrics.AddRoute(method, path);
-    const bool isPrefix = path.ends_with('*');
-    if (isPrefix)
-        path.pop_back();
-    routes.push_back({std::move(method), std::move(path), isPrefix, std::move(handler), counts});
+    const std::size_t star = pattern.find('*');
+    if (star == std::string_view::npos)
+        return path == pattern ? std::optional<std::string>("") : std::nullopt;
+    const std::string_view before = pattern.substr(0, star), after = pattern.substr(star + 1);
+    if (path.size() <= before.size() + after.size() || !path.starts_with(before) || !path.ends_with(after))
+        return std::nullopt;
+    const std::string_view subject = path.substr(star, path.size() - before.size() - after.size());
+    return subject.find('/') == std::string_view::npos ? std::optional(std::string(subject)) : std::nullopt;
+}
+
+void Router::Add(std::string_view method, std::string_view pattern, Handler handler)
+{
+    Route route{std::string(method), std::string(pattern), std::move(handler),
+                metrics.AddRoute(method, pattern)};
+    routes.push_back(std::move(route));
 }
 
 Answer Router::Handle(const Request& request) const noexcept
@@ -43,14 +53,20 @@ Answer Router::Try(const Request& request, StatusCounts*& counts) const noexcept
 Answer Router::Find(const Request& request, StatusCounts*& counts) const
 {
     const auto target = Target::Read(request.target);
+    std::string allowed;
     for (const Route& route : routes) {
-        if (target && route.method == request.method &&
-            (route.isPrefix ? target->path.starts_with(route.path) : target->path == route.path)) {
+        auto subject = target ? MatchPath(route.pattern, target->path) : std::nullopt;
+        if (!subject)
+            continue;
+        if (route.method == request.method) {
             counts = &route.counts;
-            return route.handler({request, *target, target->path.substr(route.path.size())});
+            return route.handler({request, *target, *std::move(subject)});
         }
+        allowed.append(allowed.empty() ? "" : ", ").append(route.method);
     }
-    throw Fault(404, "there is no such request");
+    if (!target || !fallback)
+        throw Fault(404, "there is no such request");
+    return fallback({request, *target}, allowed);
 }
 
 }  // namespace kel::server

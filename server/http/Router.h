@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "server/base/Exchange.h"
@@ -10,33 +12,40 @@
 
 namespace kel::server {
 
-/// A request whose route was found.
+/// A request whose path was read.
 struct Call {
     const Request& request;
     const Target& target;
-    std::string rest;  // what stands behind the route's path
+    std::string subject = {};  // the part of the path that the route's star stands for
 };
+
+/// The part of the path that the pattern's star stands for: not empty, and without a slash; empty for a
+/// pattern without a star. Nothing when the path does not match.
+std::optional<std::string> MatchPath(std::string_view pattern, std::string_view path);
 
 /// Finds what answers a request, and turns every failure into a status without a body and a line in the log.
 class Router {
 public:
     /// Throws Fault.
     using Handler = std::function<Answer(const Call&)>;
+    /// Answers a request that has no route. `allowed` is the value of the header Allow: the methods that the
+    /// path has, empty for an unknown path. Throws Fault.
+    using Fallback = std::function<Answer(const Call&, const std::string& allowed)>;
 
     /// Counts every answer there.
     explicit Router(DoorMetrics& metrics) : metrics(metrics) {}
 
-    /// Requests of this method for this path. One that ends with an asterisk answers for every path that
-    /// begins so; the first route that fits counts.
-    void Add(std::string method, std::string path, Handler handler);
+    /// Requests of this method whose path matches the pattern; the first route that fits counts.
+    void Add(std::string_view method, std::string_view pattern, Handler handler);
+    /// Without one, a request that has no route gets 404.
+    void SetFallback(Fallback newFallback) { fallback = std::move(newFallback); }
 
-    /// Never throws. 404 when there is no such route, the status of a Fault, 500 for every other exception.
+    /// Never throws. The status of a Fault, 500 for every other exception.
     Answer Handle(const Request& request) const noexcept;
 
 private:
     struct Route {
-        std::string method, path;
-        bool isPrefix;
+        std::string method, pattern;
         Handler handler;
         StatusCounts& counts;
     };
@@ -46,6 +55,7 @@ private:
 
     DoorMetrics& metrics;
     std::vector<Route> routes;
+    Fallback fallback;
 };
 
 }  // namespace kel::server

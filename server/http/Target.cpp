@@ -2,29 +2,11 @@
 
 #include <charconv>
 
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
 namespace {
-
-std::string Decode(std::string_view text)
-{
-    std::string decoded;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        unsigned char byte = 0;
-        if (text[i] == '%' && i + 2 < text.size()) {
-            const char* digits = text.data() + i + 1;
-            if (std::from_chars(digits, digits + 2, byte, 16).ptr == digits + 2) {
-                decoded += static_cast<char>(byte);
-                i += 2;
-                continue;
-            }
-        }
-        decoded += text[i];
-    }
-    return decoded;
-}
 
 /// Takes scheme and host off a whole address.
 std::string_view WithoutHost(std::string_view text)
@@ -38,6 +20,21 @@ std::string_view WithoutHost(std::string_view text)
 
 }  // namespace
 
+std::string DecodePercent(std::string_view text, bool isForm)
+{
+    std::string decoded;
+    while (!text.empty()) {
+        unsigned char byte = 0;
+        const bool isEscape =
+            text.front() == '%' && text.size() > 2 &&
+            std::from_chars(text.data() + 1, text.data() + 3, byte, 16).ptr == text.data() + 3;
+        const char plain = isForm && text.front() == '+' ? ' ' : text.front();
+        decoded += isEscape ? static_cast<char>(byte) : plain;
+        text.remove_prefix(isEscape ? 3 : 1);
+    }
+    return decoded;
+}
+
 std::optional<Target> Target::Read(std::string_view text)
 {
     text = WithoutHost(text);
@@ -45,7 +42,7 @@ std::optional<Target> Target::Read(std::string_view text)
         return std::nullopt;
     const std::size_t question = text.find('?');
     Target target;
-    target.path = Decode(text.substr(0, question));
+    target.path = DecodePercent(text.substr(0, question));
     if (question == std::string_view::npos)
         return target;
     for (std::string_view rest = text.substr(question + 1); !rest.empty();) {
@@ -53,8 +50,8 @@ std::optional<Target> Target::Read(std::string_view text)
         rest.remove_prefix(std::min(parameter.size() + 1, rest.size()));
         const std::size_t equals = parameter.find('=');
         target.query.push_back(
-            {Decode(parameter.substr(0, equals)),
-             equals == std::string_view::npos ? std::string() : Decode(parameter.substr(equals + 1))});
+            {DecodePercent(parameter.substr(0, equals)),
+             equals == std::string_view::npos ? std::string() : DecodePercent(parameter.substr(equals + 1))});
     }
     return target;
 }

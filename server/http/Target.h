@@ -7,6 +7,10 @@
 
 namespace kel::server {
 
+/// The text with each percent sign and its two digits replaced by their byte; one without them stays itself.
+/// A form has a plus sign for each blank.
+std::string DecodePercent(std::string_view text, bool isForm = false);
+
 /// The target of a request line, read as bytes: clients put texts of any code page in it, and whole addresses
 /// when they think of the service as a proxy.
 struct Target {

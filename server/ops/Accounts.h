@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "server/store/Store.h"
+#include "server/store/Database.h"
 
 namespace kel::server {
 
@@ -18,7 +18,7 @@ inline constexpr const char* CommandLine = "command line";
 /// command; throws
 /// std::runtime_error when it cannot be done.
 bool RunAccountCommand(const std::vector<std::string>& words,
-                       const std::function<std::unique_ptr<Store>()>& open, std::istream& input,
+                       const std::function<std::unique_ptr<Database>()>& open, std::istream& input,
                        std::ostream& output);
 
 }  // namespace kel::server

@@ -10,13 +10,13 @@
 
 namespace kel::server {
 
-void Backup(const StoreSettings& settings, const std::string& file)
+void Backup(const DatabaseSettings& settings, const std::string& file)
 {
-    if (PostgresConnection::IsAddress(settings.database))
+    if (PostgresConnection::IsAddress(settings.location))
         throw std::runtime_error("a PostgreSQL database is copied with pg_dump");
     if (std::filesystem::exists(file))
         throw std::runtime_error(file + " is there already");
-    SqliteConnection connection(settings.database, SqliteConnection::Mode::Existing,
+    SqliteConnection connection(settings.location, SqliteConnection::Mode::Existing,
                                 SqliteConnection::Durability::Normal);
     const int version = connection.Version();
     const NewFile unfinished(file);

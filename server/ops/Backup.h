@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "server/store/OpenStore.h"
+#include "server/store/OpenDatabase.h"
 
 namespace kel::server {
 
@@ -10,6 +10,6 @@ namespace kel::server {
 /// file has its name when it is complete and on the disk, and is for its owner's eyes. Throws
 /// std::runtime_error when there is one already, and for a PostgreSQL server, which has its own program for
 /// that.
-void Backup(const StoreSettings& settings, const std::string& file);
+void Backup(const DatabaseSettings& settings, const std::string& file);
 
 }  // namespace kel::server

@@ -7,7 +7,7 @@
 #include <functional>
 #include <stdexcept>
 
-#include "server/base/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -60,22 +60,23 @@ const Setting Settings[] = {
     {"admin_port", [](Config& c, const std::string& text) { c.doors.adminPort = PortOf(text); }},
     {"port_file", [](Config& c, const std::string& text) { c.portFile = text; }},
     {"admin_port_file", [](Config& c, const std::string& text) { c.adminPortFile = text; }},
-    {"database", [](Config& c, const std::string& text) { c.store.database = text; }},
+    {"database", [](Config& c, const std::string& text) { c.database.location = text; }},
     {"durability",
      [](Config& c, const std::string& text) {
          if (text != "normal" && text != "full")
              throw std::runtime_error("needs normal or full");
-         c.store.durability = text;
+         c.database.durability = text;
      }},
     {"database_connections",
-     [](Config& c, const std::string& text) { c.store.connections = NumberOf(text, 1, 100); }},
+     [](Config& c, const std::string& text) { c.database.connections = NumberOf(text, 1, 100); }},
     {"keep_days",
      [](Config& c, const std::string& text) { c.keep = std::chrono::days(NumberOf(text, 0, 36'500)); }},
-    {"min_free_mb", [](Config& c, const std::string& text) { c.store.bounds.minFree = BytesOf(text); }},
-    {"max_database_mb", [](Config& c, const std::string& text) { c.store.bounds.maxStored = BytesOf(text); }},
+    {"min_free_mb", [](Config& c, const std::string& text) { c.database.bounds.minFree = BytesOf(text); }},
+    {"max_database_mb",
+     [](Config& c, const std::string& text) { c.database.bounds.maxStored = BytesOf(text); }},
     {"session_reports",
      [](Config& c, const std::string& text) {
-         c.store.bounds.sessionReports = static_cast<std::int64_t>(NumberOf(text, 0, 1'000'000));
+         c.database.bounds.sessionReports = static_cast<std::int64_t>(NumberOf(text, 0, 1'000'000));
      }},
     {"workers",
      [](Config& c, const std::string& text) {

@@ -8,14 +8,14 @@
 
 #include "server/admin/Settings.h"
 #include "server/http/Server.h"
-#include "server/store/OpenStore.h"
+#include "server/store/OpenDatabase.h"
 
 namespace kel::server {
 
 /// The service's settings. A later source wins: the configuration file, the environment, the command line.
 struct Config {
     Doors doors{"127.0.0.1", 8080, 8081, 2, {}};
-    StoreSettings store;
+    DatabaseSettings database;
     AdminSettings admin;
     std::string portFile;  // receives the public port once the service listens
     std::string adminPortFile;

@@ -4,19 +4,20 @@
 #include <stdexcept>
 
 #include "server/base/Log.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
-void Export(const std::filesystem::path& folder, Store& store)
+void Export(const std::filesystem::path& folder, Database& database)
 {
     std::filesystem::create_directories(folder);
-    for (const Product& product : store.Products()) {
-        const auto set = store.NewestSet(product.referrer);
+    for (const Product& product : RequirementSets(database).Products()) {
+        const auto set = RequirementSets(database).Newest(product.referrer);
         if (!set)
             continue;  // a draft alone
         const std::filesystem::path path = folder / (product.referrer + ".json");
         std::ofstream file(path, std::ios::binary);
-        file << store.SetText(set->id);
+        file << RequirementSets(database).Text(set->id);
         file.close();
         if (!file)
             throw std::runtime_error(path.string() + " cannot be written");

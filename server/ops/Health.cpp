@@ -18,13 +18,13 @@ Answer NotReady(const std::string& word, const std::string& reason)
 
 }  // namespace
 
-Answer Readiness(Store& store)
+Answer Readiness(Database& database)
 {
     try {
-        switch (store.State()) {
-            case StoreState::Ready:
+        switch (database.State()) {
+            case DatabaseState::Ready:
                 return Answer::Of(Type, "ready\n");
-            case StoreState::ReadOnly:
+            case DatabaseState::ReadOnly:
                 return NotReady("the database takes no writes", "it is read-only");
             default:
                 return NotReady("there is no room for reports", "min_free_mb or max_database_mb");

@@ -6,13 +6,14 @@
 #include <stdexcept>
 
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/ops/Accounts.h"
-#include "server/verdict/Requirements.h"
+#include "server/store/RequirementSets.h"
+#include "verdict/Requirements.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
-void Import(const std::filesystem::path& folder, Store& store)
+void Import(const std::filesystem::path& folder, Database& database)
 {
     std::map<std::string, std::string> sets;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
@@ -33,7 +34,7 @@ void Import(const std::filesystem::path& folder, Store& store)
     if (sets.empty())
         throw std::runtime_error(folder.string() + " has no requirement files");
     for (const auto& [referrer, text] : sets) {
-        const int version = store.Publish(referrer, text, "import", CommandLine);
+        const int version = RequirementSets(database).Publish(referrer, text, "import", CommandLine);
         Log(Level::Info, "published", {{"referrer", referrer}, {"version", std::to_string(version)}});
     }
 }

@@ -2,12 +2,12 @@
 
 #include <filesystem>
 
-#include "server/store/Store.h"
+#include "server/store/Database.h"
 
 namespace kel::server {
 
 /// Publishes the requirements of a folder's <referrer>.json files, each as its referrer's newest version
 /// unless it is that already. When one of them is wrong, std::runtime_error names it, and none is published.
-void Import(const std::filesystem::path& folder, Store& store);
+void Import(const std::filesystem::path& folder, Database& database);
 
 }  // namespace kel::server

@@ -83,7 +83,7 @@ void AppendDoors(Page& page, const Metrics& metrics)
     forDoors([&](const std::string& labels, const DoorMetrics& door) {
         for (const DoorMetrics::Route& route : door.routes)
             AppendStatuses(page,
-                           labels + "," + Label("method", route.method) + "," + Label("route", route.path),
+                           labels + "," + Label("method", route.method) + "," + Label("route", route.pattern),
                            route.counts);
     });
     page.Metric("kel_http_refusals_total", "counter", "Requests refused by the door: a limit, or no HTTP.");
@@ -110,7 +110,7 @@ std::uint64_t DatabaseErrors(const DoorMetrics& door)
 
 }  // namespace
 
-Answer MetricsPage(const Metrics& metrics, const Store& store)
+Answer MetricsPage(const Metrics& metrics, const Database& database)
 {
     Page page;
     AppendDoors(page, metrics);
@@ -125,8 +125,8 @@ Answer MetricsPage(const Metrics& metrics, const Store& store)
     page.Metric("kel_verdicts_not_kept_total", "counter", "Verdicts that were answered but not stored.");
     page.Sample("", metrics.verdictsNotKept);
     page.Metric("kel_room_for_reports", "gauge", "1 while there is room for reports, else 0.");
-    page.Sample("", std::uint64_t{store.HasRoom()});
-    if (const std::int64_t free = store.FreeBytes(); free >= 0) {
+    page.Sample("", std::uint64_t{database.HasRoom()});
+    if (const std::int64_t free = database.FreeBytes(); free >= 0) {
         page.Metric("kel_database_free_bytes", "gauge",
                     "Room on the file system of the database, and inside its file.");
         page.Sample("", static_cast<std::uint64_t>(free));

@@ -27,14 +27,14 @@ std::chrono::hours AgeOf(const std::string& text)
 
 }  // namespace
 
-int PurgeOlder(Store& store, std::int64_t time, const std::function<bool()>& ends)
+int PurgeOlder(Database& database, std::int64_t time, const std::function<bool()>& ends)
 {
     return Deletion::Run(
-               store, [&](int most) { return store.DeleteOlder(time, most, nullptr); }, ends)
+               database, [&](int most) { return Reports(database).DeleteOlder(time, most, nullptr); }, ends)
         .reports;
 }
 
-void Purge(Store& store, std::string_view option, const std::string& value)
+void Purge(Database& database, std::string_view option, const std::string& value)
 {
     // Not whose: that is to be forgotten.
     DeletionEntry entry{CommandLine, "purged",
@@ -42,15 +42,15 @@ void Purge(Store& store, std::string_view option, const std::string& value)
     std::function<int(int)> deleteSome;
     if (option == "--older") {
         const std::int64_t time = Now() - std::chrono::milliseconds(AgeOf(value)).count();
-        deleteSome = [&, time](int most) { return store.DeleteOlder(time, most, &entry); };
+        deleteSome = [&, time](int most) { return Reports(database).DeleteOlder(time, most, &entry); };
     } else if (option == "--session") {
-        deleteSome = [&](int most) { return store.DeleteSession(value, most, &entry); };
+        deleteSome = [&](int most) { return Reports(database).DeleteSession(value, most, &entry); };
     } else if (option == "--machine") {
-        deleteSome = [&](int most) { return store.DeleteMachine(value, most, &entry); };
+        deleteSome = [&](int most) { return Reports(database).DeleteMachine(value, most, &entry); };
     } else {
         throw std::runtime_error("purge needs --older, --session or --machine");
     }
-    const int count = Deletion::Run(store, deleteSome, [] { return false; }).reports;
+    const int count = Deletion::Run(database, deleteSome, [] { return false; }).reports;
     Log(Level::Info, "purged", {{"reports", std::to_string(count)}});
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "server/store/Store.h"
+#include "server/store/Database.h"
 
 namespace kel::server {
 
@@ -16,9 +16,9 @@ inline constexpr std::array<std::string_view, 3> PurgeOptions{"--older", "--sess
 /// Deletes the reports, with their verdicts, that the option and its value choose: older than an age (90d,
 /// 12h), of a session, of a machine. Throws std::runtime_error for another option, and for an age that is
 /// none.
-void Purge(Store& store, std::string_view option, const std::string& value);
+void Purge(Database& database, std::string_view option, const std::string& value);
 
 /// Deletes what was received before that time, until `ends` says to end; how many reports.
-int PurgeOlder(Store& store, std::int64_t time, const std::function<bool()>& ends);
+int PurgeOlder(Database& database, std::int64_t time, const std::function<bool()>& ends);
 
 }  // namespace kel::server

@@ -9,9 +9,9 @@
 #include "server/base/Log.h"
 #include "server/ops/Accounts.h"
 #include "server/ops/NewFile.h"
+#include "server/store/Audit.h"
 #include "server/store/Migrations.h"
 #include "server/store/PostgresConnection.h"
-#include "server/store/SqlStore.h"
 #include "server/store/SqliteConnection.h"
 
 namespace kel::server {
@@ -65,23 +65,23 @@ int Prepare(const std::string& copy, const std::string& file)
     const int version = connection.Version();
     if (version == 0)
         throw std::runtime_error("it is empty");
-    if (const SqlRows faults = connection.Query("PRAGMA integrity_check(1)"); faults.at(0).Text(0) != "ok")
-        throw std::runtime_error("it is damaged: " + faults[0].Text(0));
+    if (const std::string fault = connection.Query("PRAGMA integrity_check(1)").at(0).Text(); fault != "ok")
+        throw std::runtime_error("it is damaged: " + fault);
     Migrate(connection);
     SqlTransaction transaction(connection);
-    AddAuditEntry(connection, CommandLine, "restored", std::filesystem::path(file).filename());
+    Audit::AddEntry(connection, CommandLine, "restored", std::filesystem::path(file).filename());
     transaction.Commit();
     // Everything is in the one file then.
-    if (connection.Query("PRAGMA journal_mode = DELETE").at(0).Text(0) != "delete")
+    if (connection.Query("PRAGMA journal_mode = DELETE").at(0).Text() != "delete")
         throw std::runtime_error("its write-ahead log cannot be emptied");
     return version;
 }
 
 }  // namespace
 
-void Restore(const StoreSettings& settings, const std::string& file)
+void Restore(const DatabaseSettings& settings, const std::string& file)
 {
-    const std::string& database = settings.database;
+    const std::string& database = settings.location;
     if (PostgresConnection::IsAddress(database))
         throw std::runtime_error("a PostgreSQL database is restored with pg_restore");
     if (!std::filesystem::is_regular_file(file))

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "server/store/OpenStore.h"
+#include "server/store/OpenDatabase.h"
 
 namespace kel::server {
 
@@ -10,6 +10,6 @@ namespace kel::server {
 /// checked before. What the database had is gone then, its write-ahead log with it. Throws
 /// std::runtime_error, and changes nothing, while another process has the database open, for a file that is
 /// damaged or not this program's, and for a PostgreSQL server, which has its own program for that.
-void Restore(const StoreSettings& settings, const std::string& file);
+void Restore(const DatabaseSettings& settings, const std::string& file);
 
 }  // namespace kel::server

@@ -5,6 +5,7 @@
 
 #include "server/base/Log.h"
 #include "server/ops/Purge.h"
+#include "server/store/Reports.h"
 
 namespace kel::server {
 
@@ -18,8 +19,8 @@ constexpr std::chrono::hours MaxDrift{1};
 
 }  // namespace
 
-Retention::Retention(Store& store, std::chrono::hours age)
-    : store(store),
+Retention::Retention(Database& database, std::chrono::hours age)
+    : database(database),
       age(age),
       doubt(std::min<milliseconds>(MaxDoubt, age / 2)),
       clock(std::chrono::system_clock::now()),
@@ -34,7 +35,7 @@ void Retention::Run(const std::stop_token& stop)
     while (!stop.stop_requested()) {
         try {
             const int count =
-                PurgeOlder(store, TrustedTime() - age.count(), [&] { return stop.stop_requested(); });
+                PurgeOlder(database, TrustedTime() - age.count(), [&] { return stop.stop_requested(); });
             Log(Level::Info, "purged", {{"reports", std::to_string(count)}});
         } catch (const std::exception& error) {
             Log(Level::Error, "not-purged", {{"reason", error.what()}});
@@ -54,7 +55,7 @@ std::int64_t Retention::TrustedTime()
     if (drift > MaxDrift || drift < -MaxDrift)
         trusted = steady + doubt;
     const std::int64_t now = Now();
-    const std::int64_t newest = store.NewestBefore(now - doubt.count());
+    const std::int64_t newest = Reports(database).NewestBefore(now - doubt.count());
     const std::int64_t latest = newest + 2 * doubt.count();
     if (newest == 0 || latest >= now || steady >= trusted)
         return now;

@@ -6,7 +6,7 @@
 #include <stop_token>
 #include <thread>
 
-#include "server/store/Store.h"
+#include "server/store/Database.h"
 
 namespace kel::server {
 
@@ -16,13 +16,13 @@ namespace kel::server {
 /// reports that came before, until a week has passed.
 class Retention {
 public:
-    Retention(Store& store, std::chrono::hours age);
+    Retention(Database& database, std::chrono::hours age);
 
 private:
     void Run(const std::stop_token& stop);
     std::int64_t TrustedTime();
 
-    Store& store;
+    Database& database;
     const std::chrono::milliseconds age;
     const std::chrono::milliseconds doubt;  // how long a clock has to go on for what it says to be believed
     std::chrono::system_clock::time_point clock;   // at the last look

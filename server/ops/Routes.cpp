@@ -48,12 +48,12 @@ Router PublicRoutes(Service& service, Metrics& metrics)
         router.Add("POST", path,
                    [&](const Call& call) { return service.SystemInformation(call.request.body); });
     router.Add("POST", "/service/Analysis/*",
-               [&](const Call& call) { return service.Analysis(call.rest, call.request.body); });
+               [&](const Call& call) { return service.Analysis(call.subject, call.request.body); });
     router.Add("GET", TestFilePath, [&](const Call&) { return service.TestFile(); });
     return router;
 }
 
-Router AdminRoutes(Store& store, Metrics& metrics, const AdminSettings& settings)
+Router AdminRoutes(Database& database, Metrics& metrics, const AdminSettings& settings)
 {
     Router router(metrics.admin);
     const auto add = [&](const char* path, const std::function<Answer()>& answer) {
@@ -64,8 +64,8 @@ Router AdminRoutes(Store& store, Metrics& metrics, const AdminSettings& settings
     };
     // Says no more than that the process answers: a restart mends no database.
     add("/healthz", [] { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
-    add("/readyz", [&] { return Readiness(store); });
-    add("/metrics", [&] { return MetricsPage(metrics, store); });
+    add("/readyz", [&] { return Readiness(database); });
+    add("/metrics", [&] { return MetricsPage(metrics, database); });
     return router;
 }
 

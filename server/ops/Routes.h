@@ -5,7 +5,7 @@
 #include "server/http/Router.h"
 #include "server/http/Server.h"
 #include "server/protocol/Service.h"
-#include "server/store/Store.h"
+#include "server/store/Database.h"
 
 namespace kel::server {
 
@@ -13,7 +13,7 @@ namespace kel::server {
 Router PublicRoutes(Service& service, Metrics& metrics);
 
 /// The checks at the operator's door; like the pages there they answer to no foreign host name.
-Router AdminRoutes(Store& store, Metrics& metrics, const AdminSettings& settings);
+Router AdminRoutes(Database& database, Metrics& metrics, const AdminSettings& settings);
 
 /// The threads that answer a request at the public door: group lists and the test file wait for no report.
 Place PublicPlace(const Request& request);

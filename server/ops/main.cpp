@@ -27,7 +27,7 @@
 #include "server/ops/Routes.h"
 #include "server/protocol/Service.h"
 #include "server/store/Migrations.h"
-#include "server/store/OpenStore.h"
+#include "server/store/OpenDatabase.h"
 
 namespace {
 
@@ -63,17 +63,17 @@ void WritePort(const std::string& path, std::uint16_t port)
 void RunServe(const Config& config)
 {
     const HeapTrimmer trimmer;
-    const std::unique_ptr<Store> store = OpenStore(config.store);
+    const std::unique_ptr<Database> database = OpenDatabase(config.database);
     Log(Level::Info, "keeping",
         {{"days", config.keep.count() > 0 ? std::to_string(config.keep.count()) : "all"}});
     Metrics metrics;
-    Service service(*store, metrics);
+    Service service(*database, metrics);
     std::optional<Retention> retention;
     if (config.keep.count() > 0)
-        retention.emplace(*store, config.keep);
-    Site site(*store, config.admin);
+        retention.emplace(*database, config.keep);
+    Site site(*database, config.admin);
     const Router open = PublicRoutes(service, metrics);
-    Router admin = AdminRoutes(*store, metrics, config.admin);
+    Router admin = AdminRoutes(*database, metrics, config.admin);
     site.AddTo(admin);
     Serve(
         config.doors, metrics, [&](const Request& request) { return open.Handle(request); }, PublicPlace,
@@ -91,7 +91,7 @@ void RunServe(const Config& config)
 
 void RunMigrate(const Config& config)
 {
-    Log(Level::Info, "migrated", {{"version", std::to_string(Migrate(*OpenForMigration(config.store)))}});
+    Log(Level::Info, "migrated", {{"version", std::to_string(Migrate(*OpenForMigration(config.database)))}});
 }
 
 void SetLogLevel(const std::string& name)
@@ -120,17 +120,17 @@ int Run(std::vector<std::string> arguments)
     } else if (command == "migrate" && arguments.size() == 1) {
         RunMigrate(config);
     } else if (command == "import" && arguments.size() == 2) {
-        Import(arguments[1], *OpenStore(config.store));
+        Import(arguments[1], *OpenDatabase(config.database));
     } else if (command == "export" && arguments.size() == 2) {
-        Export(arguments[1], *OpenStore(config.store));
+        Export(arguments[1], *OpenDatabase(config.database));
     } else if (command == "backup" && arguments.size() == 2) {
-        Backup(config.store, arguments[1]);
+        Backup(config.database, arguments[1]);
     } else if (command == "restore" && arguments.size() == 2) {
-        Restore(config.store, arguments[1]);
+        Restore(config.database, arguments[1]);
     } else if (command == "purge" && arguments.size() == 3) {
-        Purge(*OpenStore(config.store), arguments[1], arguments[2]);
+        Purge(*OpenDatabase(config.database), arguments[1], arguments[2]);
     } else if (!RunAccountCommand(
-                   arguments, [&] { return OpenStore(config.store); }, std::cin, std::cout)) {
+                   arguments, [&] { return OpenDatabase(config.database); }, std::cin, std::cout)) {
         std::cerr << Usage;
         return 2;
     }

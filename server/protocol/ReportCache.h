@@ -10,7 +10,7 @@
 
 namespace kel::server {
 
-/// The reports that were last uploaded or asked for, by their ids in the store, as values: a report is parsed
+/// The reports that were last uploaded or asked for, by their ids in the database, as values: a report is parsed
 /// once and not for each request. A stored report never changes, so no entry is out of date. For any thread.
 class ReportCache {
 public:

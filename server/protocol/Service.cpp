@@ -4,12 +4,13 @@
 
 #include "server/base/Fault.h"
 #include "server/base/Log.h"
-#include "server/base/Text.h"
 #include "server/protocol/AnalysisRequest.h"
 #include "server/report/Characters.h"
 #include "server/report/Xml.h"
-#include "server/verdict/Rendering.h"
-#include "server/verdict/Verdict.h"
+#include "server/store/Reports.h"
+#include "verdict/Rendering.h"
+#include "verdict/Verdict.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -42,10 +43,10 @@ Answer Render(const Verdict& verdict, const AnalysisRequest& request)
 
 }  // namespace
 
-Service::Service(Store& store, Metrics& metrics)
-    : store(store),
+Service::Service(Database& database, Metrics& metrics)
+    : database(database),
       metrics(metrics),
-      sets(store),
+      sets(database),
       reports(CacheBytes),
       testFile(std::make_shared<const std::string>(MakeTestFile()))
 {
@@ -53,7 +54,7 @@ Service::Service(Store& store, Metrics& metrics)
 
 PublishedSet Service::Find(const std::string& referrer)
 {
-    auto set = IsReferrer(referrer) ? store.NewestSet(referrer) : std::nullopt;
+    auto set = IsReferrer(referrer) ? RequirementSets(database).Newest(referrer) : std::nullopt;
     if (!set)
         throw Fault(404, "the referrer is not known");
     return *set;
@@ -82,9 +83,9 @@ Answer Service::Upload(std::string body)
     const std::string& session = report->Text(Report::Session);
     const std::string& referrer = report->Text(Report::Referrer);
     const std::string& machine = report->Text(Report::Machine);
-    const std::int64_t id = store.Keep(NewReport{session, IsReferrer(referrer) ? referrer : "",
-                                                 Shortened(report->Text(Report::User), LongestUser),
-                                                 machine.size() <= LongestMachine ? machine : "", body});
+    const std::int64_t id = Reports(database).Add(NewReport{
+        session, IsReferrer(referrer) ? referrer : "", Shortened(report->Text(Report::User), LongestUser),
+        machine.size() <= LongestMachine ? machine : "", body});
     reports.Add(id, report);
     ++metrics.uploads;
     Log(Level::Info, "uploaded",
@@ -108,12 +109,13 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
     Clean(body);
     const AnalysisRequest request = AnalysisRequest::Read(body);
     const PublishedSet set = Find(referrer);
-    const auto id = store.NewestReport(request.session);
+    const auto id = Reports(database).NewestOf(request.session);
     if (!id)
         throw Fault(404, "no report of this session was uploaded");
-    const Verdict verdict = Judge(*sets.Get(set.id), *FindReport(*id));
-    const std::string total(NameOf(verdict.total));
-    KeepVerdict(NewVerdict{*id, set.id, request.item, total, RenderLines(verdict)});
+    const auto report = FindReport(*id);
+    const Verdict verdict = Judge(*sets.Get(set.id), report->Lookup());
+    const std::string total(ToString(verdict.total));
+    SaveVerdict(NewVerdict{*id, set.id, request.item, verdict.total, RenderLines(verdict)});
     metrics.AddVerdict(total);
     Log(Level::Info, "judged",
         {{"session", request.session},
@@ -132,7 +134,7 @@ std::shared_ptr<const Report> Service::FindReport(std::int64_t id)
 {
     if (auto report = reports.Find(id))
         return report;
-    const auto stored = store.FindReport(id);
+    const auto stored = Reports(database).Find(id);
     if (!stored)
         throw Fault(404, "the report has been deleted");
     auto report = std::make_shared<const Report>(Report::Read(stored->body));
@@ -141,10 +143,10 @@ std::shared_ptr<const Report> Service::FindReport(std::int64_t id)
 }
 
 /// The visitor gets the verdict in any case; one that is not stored is missing from the figures.
-void Service::KeepVerdict(const NewVerdict& verdict)
+void Service::SaveVerdict(const NewVerdict& verdict)
 {
     try {
-        store.Keep(verdict);
+        Verdicts(database).Save(verdict);
     } catch (const Fault& fault) {
         ++metrics.verdictsNotKept;
         Log(Level::Error, "verdict-not-kept", {{"reason", fault.what()}});

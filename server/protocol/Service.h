@@ -8,7 +8,8 @@
 #include "server/protocol/ReportCache.h"
 #include "server/protocol/SetCache.h"
 #include "server/report/Report.h"
-#include "server/store/Store.h"
+#include "server/store/RequirementSets.h"
+#include "server/store/Verdicts.h"
 
 namespace kel::server {
 
@@ -16,7 +17,7 @@ namespace kel::server {
 /// throws Fault for a request that is wrong. Characters that XML does not allow are replaced by U+FFFD.
 class Service {
 public:
-    Service(Store& store, Metrics& metrics);
+    Service(Database& database, Metrics& metrics);
 
     /// The ids of the groups that a referrer's requirements need, separated by bars. 404 when it is not
     /// known.
@@ -35,9 +36,9 @@ private:
     PublishedSet Find(const std::string& referrer);
     void Clean(std::string& xml);
     std::shared_ptr<const Report> FindReport(std::int64_t id);
-    void KeepVerdict(const NewVerdict& verdict);
+    void SaveVerdict(const NewVerdict& verdict);
 
-    Store& store;
+    Database& database;
     Metrics& metrics;
     SetCache sets;
     ReportCache reports;

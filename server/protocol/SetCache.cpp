@@ -1,4 +1,5 @@
 #include "server/protocol/SetCache.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -16,7 +17,7 @@ std::shared_ptr<const Requirements> SetCache::Get(std::int64_t set)
         if (found != sets.end())
             return found->second;
     }
-    auto read = std::make_shared<const Requirements>(Requirements::Read(store.SetText(set)));
+    auto read = std::make_shared<const Requirements>(Requirements::Read(RequirementSets(database).Text(set)));
     const std::lock_guard lock(turn);
     if (sets.size() >= Most)
         sets.erase(sets.begin());

@@ -4,8 +4,8 @@
 #include <memory>
 #include <mutex>
 
-#include "server/store/Store.h"
-#include "server/verdict/Requirements.h"
+#include "server/store/Database.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 
@@ -13,13 +13,13 @@ namespace kel::server {
 /// which version is a referrer's newest is asked of the store each time. For any thread.
 class SetCache {
 public:
-    explicit SetCache(Store& store) : store(store) {}
+    explicit SetCache(Database& database) : database(database) {}
 
     /// Throws std::runtime_error when the stored text cannot be read.
     std::shared_ptr<const Requirements> Get(std::int64_t set);
 
 private:
-    Store& store;
+    Database& database;
     std::mutex turn;
     std::map<std::int64_t, std::shared_ptr<const Requirements>> sets;
 };

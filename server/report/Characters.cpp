@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "server/base/Utf8.h"
+#include "verdict/text/Utf8.h"
 
 namespace kel::server {
 
@@ -54,12 +54,6 @@ std::size_t ForbiddenLength(std::string_view text)
 }
 
 }  // namespace
-
-bool IsXmlCharacter(char32_t c)
-{
-    return c >= 0x20 ? (c < 0xD800 || c > 0xDFFF) && c != 0xFFFE && c != 0xFFFF && c <= MaxCharacter
-                     : c == '\t' || c == '\n' || c == '\r';
-}
 
 std::size_t ReplaceForbiddenCharacters(std::string& xml)
 {

@@ -9,14 +9,14 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t LongestSession = 1024;  // bytes; it is the key of an index
+constexpr std::size_t MaxSession = 1024;  // bytes; it is the key of an index
 
 long ReadIndex(std::string_view text)
 {
     long index = 0;
     const auto [end, error] = std::from_chars(text.begin(), text.end(), index);
     if (error != std::errc() || end != text.end())
-        throw Fault(400, "an index is no number");
+        throw Fault(400, "an index is not a number");
     return index;
 }
 
@@ -27,14 +27,14 @@ Report Report::Read(std::string_view xml)
     const pugi::xml_document document = ReadXml(xml);
     const pugi::xml_node root = document.document_element();
     if (std::string_view(root.name()) != "groups")
-        throw Fault(400, "the body is no report");
+        throw Fault(400, "the body is not a report");
     Report report;
     for (const pugi::xml_node& group : root.children("group")) {
         const long index = ReadIndex(group.attribute("index").as_string("0"));
         report.values[{group.attribute("id").value(), index}] = group.child_value("value");
     }
     const std::string& session = report.Text(Session);
-    if (session.empty() || session.size() > LongestSession)
+    if (session.empty() || session.size() > MaxSession)
         throw Fault(400, "the report names no session, or one that is too long");
     return report;
 }
@@ -43,6 +43,14 @@ const std::string* Report::Value(int group) const
 {
     const auto found = values.find({std::to_string(group), 0});
     return found == values.end() ? nullptr : &found->second;
+}
+
+ValueLookup Report::Lookup() const&
+{
+    return [this](int group, int index) -> std::optional<std::string> {
+        const auto found = values.find({std::to_string(group), index});
+        return found == values.end() ? std::nullopt : std::optional(found->second);
+    };
 }
 
 const std::string& Report::Text(int group) const

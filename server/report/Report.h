@@ -5,14 +5,16 @@
 #include <string_view>
 #include <utility>
 
+#include "verdict/Verdict.h"
+
 namespace kel::server {
 
 /// The values of a report, as the control uploads it: texts by the id of their group and their index.
 class Report {
 public:
-    static constexpr int Session = 71424;
-    static constexpr int Referrer = 71218;
-    static constexpr int User = 71206;
+    static constexpr int Session = SessionGroup;
+    static constexpr int Referrer = ReferrerGroup;
+    static constexpr int User = UserGroup;
     static constexpr int Machine = 71207;
 
     /// Reads `<groups><group index="…" id="…"><value>…</value></group>…</groups>`. Of values that share id
@@ -23,6 +25,9 @@ public:
     /// The text of a group's first value; null when the report has none, which is not the same as an empty
     /// one.
     const std::string* Value(int group) const;
+    /// Its values, for judging it; the report has to outlive the function.
+    ValueLookup Lookup() const&;
+    ValueLookup Lookup() && = delete;
     /// The text of a group's first value, empty when there is none.
     const std::string& Text(int group) const;
     std::size_t Count() const { return values.size(); }

@@ -5,9 +5,8 @@
 #include <string>
 
 #include "server/base/Fault.h"
-#include "server/base/Text.h"
-#include "server/base/Utf8.h"
-#include "server/report/Characters.h"
+#include "verdict/text/Text.h"
+#include "verdict/text/Utf8.h"
 
 namespace kel::server {
 
@@ -46,7 +45,7 @@ void CheckCharacters(std::string_view text)
         const std::string_view here = rest;
         const auto character = TakeCodePoint(rest);
         if (!character)
-            throw Fault(BadRequest, "the body is no UTF-8");
+            throw Fault(BadRequest, "the body is not UTF-8");
         if (!IsXmlCharacter(*character))
             throw Fault(BadRequest, "the body has a character that XML does not allow");
         if (*character == '&' &&
@@ -56,16 +55,6 @@ void CheckCharacters(std::string_view text)
 }
 
 }  // namespace
-
-bool IsXmlText(std::string_view text)
-{
-    while (!text.empty()) {
-        const auto character = TakeCodePoint(text);
-        if (!character || !IsXmlCharacter(*character))
-            return false;
-    }
-    return true;
-}
 
 std::size_t CountElements(std::string_view text)
 {
@@ -83,7 +72,7 @@ pugi::xml_document ReadXml(std::string_view text)
     const unsigned options = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_fragment;
     const auto result = document.load_buffer(text.data(), text.size(), options, pugi::encoding_utf8);
     if (!result)
-        throw Fault(BadRequest, std::string("the body is no XML: ") + result.description());
+        throw Fault(BadRequest, std::string("the body is not well-formed XML: ") + result.description());
     int roots = 0;
     for (const pugi::xml_node& node : document) {
         if (node.type() == pugi::node_pcdata && !Trim(node.value()).empty())

@@ -12,7 +12,4 @@ pugi::xml_document ReadXml(std::string_view text);
 /// About how many elements the text has: its tags that do not close one. Costs a fraction of reading it.
 std::size_t CountElements(std::string_view text);
 
-/// Whether the text is UTF-8 of characters that an XML document may hold.
-bool IsXmlText(std::string_view text);
-
 }  // namespace kel::server

@@ -1,10 +1,9 @@
-// The part of SqlStore that reads many reports and verdicts in a few statements.
+// The parts of Reports and Verdicts that read many rows in a few statements.
 #include <algorithm>
 #include <limits>
 #include <map>
 
 #include "server/store/ReportRows.h"
-#include "server/store/SqlStore.h"
 
 namespace kel::server {
 
@@ -20,11 +19,11 @@ std::string SizeColumns(const std::string& text, const std::string& order)
            ")) OVER (ORDER BY " + order + ") AS bytes";
 }
 
-/// With those columns: the large text of the rows that fit into so many bytes, and of the first row in any
+/// With those columns: the large text of the rows that fit into that many bytes, and of the first row in any
 /// case; then 1 for these rows and 0 for the others.
-std::string TextIfItFits(const std::string& text, const std::string& most)
+std::string TextIfItFits(const std::string& text, const std::string& maxBytes)
 {
-    const std::string fits = "CASE WHEN bytes <= " + most + " OR place = 1 THEN ";
+    const std::string fits = "CASE WHEN bytes <= " + maxBytes + " OR place = 1 THEN ";
     return fits + text + " ELSE '' END, " + fits + "1 ELSE 0 END ";
 }
 
@@ -39,15 +38,14 @@ std::string Parameters(std::size_t first, std::size_t count)
 
 }  // namespace
 
-void SqlStore::ForEachReport(const std::vector<std::int64_t>& ids,
-                             const std::function<bool(const FullReport&)>& use)
+void Reports::ForEach(const std::vector<std::int64_t>& ids, const std::function<bool(const FullReport&)>& use)
 {
     const std::string order = ids.empty() || ids.front() <= ids.back() ? "id" : "id DESC";
     for (std::size_t next = 0; next < ids.size();) {
         SqlRows rows;
         std::size_t end = next;
         {
-            const auto connection = readers->Borrow();
+            const auto connection = database.BorrowReader();
             const std::size_t count = connection->LargeRowsAtOnce();
             end = std::min(next + count, ids.size());
             std::vector<SqlValue> values{MaxBytesAtOnce};
@@ -61,21 +59,21 @@ void SqlStore::ForEachReport(const std::vector<std::int64_t>& ids,
                                       Parameters(2, count) + ")) AS sized ON id = found ORDER BY " + order,
                                   values);
         }
-        for (const SqlRow& row : rows) {
-            if (row.Number(7) == 0) {
-                end =
-                    static_cast<std::size_t>(std::find(ids.begin(), ids.end(), row.Number(0)) - ids.begin());
+        for (SqlRow& row : rows) {
+            const FullReport report = ReadReport(row);
+            if (row.Number() == 0) {
+                end = static_cast<std::size_t>(std::find(ids.begin(), ids.end(), report.id) - ids.begin());
                 break;
             }
-            if (!use(ReportOf(row)))
+            if (!use(report))
                 return;
         }
         next = end;
     }
 }
 
-void SqlStore::ForEachRecentVerdict(const std::string& referrer, int count,
-                                    const std::function<bool(const StoredVerdict&)>& use)
+void Verdicts::ForEachRecent(const std::string& referrer, int count,
+                             const std::function<bool(const StoredVerdict&)>& use)
 {
     const std::string order = "verdict.report DESC, verdict.requirement_set DESC";
     std::int64_t report = std::numeric_limits<std::int64_t>::max(), set = 0, id = 0;
@@ -83,8 +81,8 @@ void SqlStore::ForEachRecentVerdict(const std::string& referrer, int count,
         SqlRows rows;
         int asked = 0;
         {
-            const auto connection = readers->Borrow();
-            id = isFirst ? IdOf(*connection, referrer) : id;
+            const auto connection = database.BorrowReader();
+            id = isFirst ? ReferrerId(*connection, referrer) : id;
             asked = std::min(count, static_cast<int>(connection->LargeRowsAtOnce()));
             rows = connection->Query(
                 "SELECT verdict.report, report.session, name, requirement_set.id, version, judged, total, " +
@@ -99,21 +97,24 @@ void SqlStore::ForEachRecentVerdict(const std::string& referrer, int count,
                     order,
                 {id, report, set, std::int64_t{asked}, MaxBytesAtOnce});
         }
-        for (const SqlRow& row : rows) {
-            if (row.Number(8) == 0)
+        bool allFit = true;
+        for (SqlRow& row : rows) {
+            const StoredVerdict verdict = ReadVerdict(row);
+            allFit = row.Number() == 1;
+            if (!allFit)
                 break;
-            if (!use(VerdictOf(row)))
+            if (!use(verdict))
                 return;
-            report = row.Number(0);
-            set = row.Number(3);
+            report = verdict.report;
+            set = verdict.set;
             --count;
         }
-        if (static_cast<int>(rows.size()) < asked && (rows.empty() || rows.back().Number(8) == 1))
+        if (allFit && static_cast<int>(rows.size()) < asked)
             return;
     }
 }
 
-std::vector<Totals> SqlStore::RecentTotals(const std::vector<std::string>& referrers, int count)
+std::vector<Counts> Verdicts::CountRecent(const std::vector<std::string>& referrers, int count)
 {
     constexpr std::size_t AtOnce = 20;  // referrers
     // The same number of subqueries each time: no referrer has the id 0, which stands in the rest.
@@ -124,18 +125,20 @@ std::vector<Totals> SqlStore::RecentTotals(const std::vector<std::string>& refer
                    "referrer = $" +
                    std::to_string(i + 2)) +
                   " ORDER BY report DESC, requirement_set DESC LIMIT $1) AS one";
-    std::vector<Totals> totals(referrers.size());
+    std::vector<Counts> totals(referrers.size());
     for (std::size_t begin = 0; begin < referrers.size(); begin += AtOnce) {
         const std::size_t end = std::min(begin + AtOnce, referrers.size());
         std::vector<SqlValue> names;
         for (std::size_t i = begin; i < begin + AtOnce; ++i)
             names.emplace_back(referrers[std::min(i, end - 1)]);
-        const auto connection = readers->Borrow();
+        const auto connection = database.BorrowReader();
         // Asked for by themselves, so that the database knows how many rows each id has when it plans.
         std::map<std::string, std::int64_t> ids;
-        for (const SqlRow& row : connection->Query(
-                 "SELECT name, id FROM referrer WHERE name IN (" + Parameters(1, AtOnce) + ")", names))
-            ids[row.Text(0)] = row.Number(1);
+        for (SqlRow& row : connection->Query(
+                 "SELECT name, id FROM referrer WHERE name IN (" + Parameters(1, AtOnce) + ")", names)) {
+            const std::string name = row.Text();
+            ids[name] = row.Number();
+        }
         std::vector<SqlValue> values{std::int64_t{count}};
         std::map<std::int64_t, std::size_t> places;
         for (std::size_t i = begin; i < begin + AtOnce; ++i) {
@@ -144,7 +147,7 @@ std::vector<Totals> SqlStore::RecentTotals(const std::vector<std::string>& refer
             if (found != ids.end())
                 places[found->second] = i;
         }
-        const SqlRows rows = connection->Query(
+        SqlRows rows = connection->Query(
             "SELECT referrer, total, count(*) FROM (SELECT recent.referrer, total, row_number() OVER "
             "(PARTITION BY recent.referrer, session ORDER BY recent.report DESC, requirement_set DESC) AS "
             "place "
@@ -153,9 +156,10 @@ std::vector<Totals> SqlStore::RecentTotals(const std::vector<std::string>& refer
                 ") AS recent JOIN report ON report.id = recent.report) AS placed "
                 "WHERE place = 1 GROUP BY referrer, total",
             values);
-        for (const SqlRow& row : rows) {
-            Totals& of = totals[places.at(row.Number(0))];
-            (row.Text(1) == "pass" ? of.pass : row.Text(1) == "fail" ? of.fail : of.unknown) = Small(row, 2);
+        for (SqlRow& row : rows) {
+            Counts& counts = totals[places.at(row.Number())];
+            const Result total = ParseResult(row.Text()).value_or(Result::Unknown);
+            counts[total] = row.Small();
         }
     }
     return totals;

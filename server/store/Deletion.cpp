@@ -12,7 +12,7 @@ constexpr std::chrono::milliseconds Pause{20};
 
 }  // namespace
 
-Deletion Deletion::Run(Store& store, const std::function<int(int)>& deleteSome,
+Deletion Deletion::Run(Database& database, const std::function<int(int)>& deleteSome,
                        const std::function<bool()>& ends, int maxBatches)
 {
     Deletion deletion;
@@ -24,15 +24,16 @@ Deletion Deletion::Run(Store& store, const std::function<int(int)>& deleteSome,
     }
     deletion.isComplete = count == 0;
     if (deletion.reports > 0)
-        store.EndDeletion();
+        database.TruncateWriteAheadLog();
     return deletion;
 }
 
-Deletion Deletion::OfSession(Store& store, const std::string& session, DeletionEntry* entry, int maxBatches)
+Deletion Deletion::OfSession(Database& database, const std::string& session, DeletionEntry* entry,
+                             int maxBatches)
 {
     return Run(
-        store, [&](int most) { return store.DeleteSession(session, most, entry); }, [] { return false; },
-        maxBatches);
+        database, [&](int maxCount) { return Reports(database).DeleteSession(session, maxCount, entry); },
+        [] { return false; }, maxBatches);
 }
 
 }  // namespace kel::server

@@ -4,7 +4,7 @@
 #include <limits>
 #include <string>
 
-#include "server/store/Store.h"
+#include "server/store/Reports.h"
 
 namespace kel::server {
 
@@ -18,11 +18,11 @@ struct Deletion {
     /// Deletes in short batches with pauses, so that other writers get a turn, then removes what was deleted
     /// from the database's log. `deleteSome` deletes up to the given number of reports and returns how many;
     /// `ends` is asked before each batch. Throws what they throw.
-    static Deletion Run(Store& store, const std::function<int(int)>& deleteSome,
+    static Deletion Run(Database& database, const std::function<int(int)>& deleteSome,
                         const std::function<bool()>& ends, int maxBatches = MaxBatches);
 
     /// Deletes a session's reports with their verdicts, and counts them in the audit's entry.
-    static Deletion OfSession(Store& store, const std::string& session, DeletionEntry* entry,
+    static Deletion OfSession(Database& database, const std::string& session, DeletionEntry* entry,
                               int maxBatches = MaxBatches);
 };
 

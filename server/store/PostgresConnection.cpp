@@ -91,14 +91,14 @@ bool PostgresConnection::IsBroken()
 
 bool PostgresConnection::IsWritable()
 {
-    const bool isWritable = Query("SHOW transaction_read_only").at(0).Text(0) == "off";
+    const bool isWritable = Query("SHOW transaction_read_only").at(0).Text() == "off";
     lost = lost || !isWritable;
     return isWritable;
 }
 
 DatabaseSize PostgresConnection::Size()
 {
-    return {Query("SELECT pg_database_size(current_database())").at(0).Number(0), 0};
+    return {Query("SELECT pg_database_size(current_database())").at(0).Number(), 0};
 }
 
 std::span<const char* const> PostgresConnection::Migrations() const
@@ -108,15 +108,15 @@ std::span<const char* const> PostgresConnection::Migrations() const
 
 int PostgresConnection::Version()
 {
-    const SqlRow tables = Query(
-                              "SELECT count(*), count(*) FILTER (WHERE tablename = 'kel_schema') "
-                              "FROM pg_tables WHERE schemaname = current_schema()")
-                              .at(0);
-    if (tables.Number(0) == 0)
+    SqlRow tables = Query(
+                        "SELECT count(*), count(*) FILTER (WHERE tablename = 'kel_schema') "
+                        "FROM pg_tables WHERE schemaname = current_schema()")
+                        .at(0);
+    if (tables.Number() == 0)
         return 0;
-    if (tables.Number(1) == 0)
+    if (tables.Number() == 0)
         throw std::runtime_error("the database is another program's");
-    return static_cast<int>(Query("SELECT version FROM kel_schema").at(0).Number(0));
+    return static_cast<int>(Query("SELECT version FROM kel_schema").at(0).Number());
 }
 
 void PostgresConnection::SetVersion(int version)

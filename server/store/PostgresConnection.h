@@ -34,7 +34,7 @@ public:
     std::string_view AwaitLocked() const override { return " FOR UPDATE"; }
     std::string_view ShareReports() const override { return " FOR KEY SHARE OF report"; }
     std::size_t LargeRowsAtOnce() const override { return 250; }
-    std::int64_t SettledReport() override { return Query("SELECT settled_report()").at(0).Number(0); }
+    std::int64_t LastStableReportId() override { return Query("SELECT settled_report()").at(0).Number(); }
     std::span<const char* const> Migrations() const override;
     int Version() override;
     void SetVersion(int version) override;

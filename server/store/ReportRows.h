@@ -2,8 +2,9 @@
 
 #include <string>
 
-#include "server/store/Records.h"
+#include "server/store/Reports.h"
 #include "server/store/Rows.h"
+#include "server/store/Verdicts.h"
 
 // What the statements about reports and verdicts have in common.
 namespace kel::server {
@@ -13,17 +14,31 @@ inline const std::string VerdictTables =
     "JOIN requirement_set ON requirement_set.id = verdict.requirement_set "
     "JOIN referrer ON referrer.id = verdict.referrer ";
 
-/// A row of report, session, referrer, set, version, time, total, lines.
-inline StoredVerdict VerdictOf(const SqlRow& row)
+/// Reads report, session, referrer, set, version, time, total, lines.
+inline StoredVerdict ReadVerdict(SqlRow& row)
 {
-    return {row.Number(0), row.Text(1),   row.Text(2), row.Number(3),
-            Small(row, 4), row.Number(5), row.Text(6), row.Text(7)};
+    return {row.Number(),
+            row.Text(),
+            row.Text(),
+            row.Number(),
+            row.Small(),
+            row.Number(),
+            ParseResult(row.Text()).value_or(Result::Unknown),
+            row.Text()};
 }
 
-/// A row of id, session, referrer, user, machine, time, body.
-inline FullReport ReportOf(const SqlRow& row)
+/// Reads id, session, referrer, user, machine, time, body.
+inline FullReport ReadReport(SqlRow& row)
 {
-    return {row.Number(0), row.Text(1), row.Text(2), row.Text(3), row.Text(4), row.Number(5), row.Text(6)};
+    return {row.Number(), row.Text(), row.Text(), row.Text(), row.Text(), row.Number(), row.Text()};
+}
+
+/// A referrer's id; 0 when there is none. Asked for by itself, so that the database knows how many rows the
+/// id has when it plans the next statement.
+inline std::int64_t ReferrerId(SqlConnection& connection, const std::string& referrer)
+{
+    SqlRows rows = connection.Query("SELECT id FROM referrer WHERE name = $1", {referrer});
+    return rows.empty() ? 0 : rows[0].Number();
 }
 
 }  // namespace kel::server

@@ -9,7 +9,7 @@ namespace kel::server {
 
 /// The first row made into something, if there is one.
 template <typename Make>
-auto First(const SqlRows& rows, Make make) -> std::optional<decltype(make(rows.front()))>
+auto First(SqlRows rows, Make make) -> std::optional<decltype(make(rows.front()))>
 {
     if (rows.empty())
         return std::nullopt;
@@ -18,18 +18,12 @@ auto First(const SqlRows& rows, Make make) -> std::optional<decltype(make(rows.f
 
 /// Every row made into something.
 template <typename Make>
-auto Each(const SqlRows& rows, Make make)
+auto Each(SqlRows rows, Make make)
 {
     std::vector<decltype(make(rows.front()))> all;
-    for (const SqlRow& row : rows)
+    for (SqlRow& row : rows)
         all.push_back(make(row));
     return all;
-}
-
-/// A column that is a small number.
-inline int Small(const SqlRow& row, std::size_t column)
-{
-    return static_cast<int>(row.Number(column));
 }
 
 }  // namespace kel::server

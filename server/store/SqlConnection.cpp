@@ -3,7 +3,7 @@
 #include <exception>
 
 #include "server/base/Fault.h"
-#include "server/base/Utf8.h"
+#include "verdict/text/Utf8.h"
 
 namespace kel::server {
 
@@ -12,7 +12,7 @@ SqlRows SqlConnection::Query(const std::string& sql, const std::vector<SqlValue>
     for (const SqlValue& value : values) {
         const auto* text = std::get_if<std::string_view>(&value);
         if (text && !IsPlainText(*text))
-            throw Fault(400, "a text is no UTF-8, or has a NUL");
+            throw Fault(400, "a text is not UTF-8, or has a NUL");
     }
     return Run(sql, values);
 }

@@ -14,24 +14,27 @@ namespace kel::server {
 /// A parameter of a statement. A text has to live until the statement ran.
 using SqlValue = std::variant<std::int64_t, std::string_view>;
 
-/// A row of an answer.
+/// A row of an answer, read column by column in the order of the SELECT.
 class SqlRow {
 public:
     explicit SqlRow(std::vector<std::string> columns) : columns(std::move(columns)) {}
 
-    /// Empty for NULL.
-    const std::string& Text(std::size_t column) const { return columns.at(column); }
-    /// 0 for NULL.
-    std::int64_t Number(std::size_t column) const
+    /// The next column; empty for NULL.
+    std::string Text() { return std::move(columns.at(next++)); }
+    /// The next column; 0 for NULL.
+    std::int64_t Number()
     {
-        const std::string& text = columns.at(column);
+        const std::string text = Text();
         std::int64_t number = 0;
         std::from_chars(text.data(), text.data() + text.size(), number);
         return number;
     }
+    /// The next column, where it is small.
+    int Small() { return static_cast<int>(Number()); }
 
 private:
     std::vector<std::string> columns;
+    std::size_t next = 0;
 };
 
 using SqlRows = std::vector<SqlRow>;
@@ -48,39 +51,39 @@ class SqlConnection {
 public:
     virtual ~SqlConnection() = default;
 
-    /// Runs one statement, with $1, $2 and so on for the values; what it answers. Statements are prepared
-    /// once, so their texts come from a small set. Throws Fault 400 for a text that is no UTF-8 or has a NUL,
-    /// which not every database takes.
+    /// Runs one statement, with $1, $2 and so on for the values; its rows. Statements are prepared once, so
+    /// their texts come from a small set. Throws Fault 400 for a text that is not UTF-8 or has a NUL, which
+    /// not every database takes.
     SqlRows Query(const std::string& sql, const std::vector<SqlValue>& values = {});
     /// Runs several statements without values.
     virtual void Execute(const std::string& sql) = 0;
     /// Begins a transaction that may write.
     virtual void Begin() = 0;
-    /// Whether the connection is of no use any more.
+    /// Whether the connection can no longer be used.
     virtual bool IsBroken() = 0;
     /// Whether the database takes writes; one that does not breaks the connection, as another may.
     virtual bool IsWritable() = 0;
     virtual DatabaseSize Size() = 0;
 
-    /// What keeps a column from an index, put before it; empty where the database knows what it does.
-    virtual std::string_view NoIndex() const { return {}; }
-    /// What a SELECT ends with whose rows are about to be deleted, so that two who delete do not wait for
-    /// each other; empty where only one can write.
+    /// A prefix that keeps a column from its index; empty where the database chooses well by itself.
+    virtual std::string_view UnindexedPrefix() const { return {}; }
+    /// The end of a SELECT whose rows are about to be deleted, so that two deletions do not wait for each
+    /// other; empty where only one connection can write.
     virtual std::string_view SkipLocked() const { return {}; }
-    /// What such a SELECT ends with to wait for rows that are locked.
+    /// The end of such a SELECT that waits for locked rows.
     virtual std::string_view AwaitLocked() const { return {}; }
-    /// What a SELECT ends with so that the rows of `report` it reads are not deleted before the statement's
-    /// end; empty where only one can write.
+    /// The end of a SELECT whose rows of `report` must not be deleted before the statement's end; empty where
+    /// only one connection can write.
     virtual std::string_view ShareReports() const { return {}; }
     /// How many rows with large texts are worth one statement: many where each statement costs a journey over
     /// a network, few where the length of a text is only known by reading it.
     virtual std::size_t LargeRowsAtOnce() const = 0;
-    /// Takes what was deleted out of the log that writes go through, unless somebody reads by it; for a
-    /// database that looks after its log itself, nothing.
-    virtual void EmptyLog() {}
-    /// No report will come any more with an id up to this one. Reports that arrive together may be seen in
-    /// another order than that of their ids, and who goes through them by id would miss some.
-    virtual std::int64_t SettledReport() { return std::numeric_limits<std::int64_t>::max(); }
+    /// Removes what was deleted from the write-ahead log, unless somebody reads by it; does nothing for a
+    /// database that looks after its log itself.
+    virtual void TruncateWriteAheadLog() {}
+    /// The greatest id below which no further report will appear. Reports that arrive together may be
+    /// committed in another order than that of their ids, so a reader that pages by id would miss some.
+    virtual std::int64_t LastStableReportId() { return std::numeric_limits<std::int64_t>::max(); }
 
     /// The statements that lead from each version of the tables to the next, from nothing on.
     virtual std::span<const char* const> Migrations() const = 0;

@@ -25,7 +25,7 @@ SqlPool::Lease SqlPool::Borrow()
             ++lent;
             return {*this, std::move(connection)};
         }
-        if (lent < most && steady_clock::now() >= retry) {
+        if (lent < maxCount && steady_clock::now() >= retry) {
             if (auto connection = TryOpen(lock))
                 return {*this, std::move(connection)};
             continue;
@@ -36,8 +36,8 @@ SqlPool::Lease SqlPool::Borrow()
         // While others work, one of theirs will do; where another can be opened, that is tried meanwhile.
         const auto now = steady_clock::now();
         if (now >= end)
-            throw Fault(Unavailable, lent < most ? failure : "database: no connection becomes free");
-        returned.wait_until(lock, lent < most ? std::min(end, retry) : end);
+            throw Fault(Unavailable, lent < maxCount ? failure : "database: no connection becomes free");
+        returned.wait_until(lock, lent < maxCount ? std::min(end, retry) : end);
     }
 }
 

@@ -25,9 +25,13 @@ public:
             : pool(pool), connection(std::move(connection))
         {
         }
-        ~Lease() { pool.Return(std::move(connection)); }
-        Lease(const Lease&) = delete;
-        Lease& operator=(const Lease&) = delete;
+        ~Lease()
+        {
+            if (connection)
+                pool.Return(std::move(connection));
+        }
+        Lease(Lease&&) = default;
+        Lease& operator=(Lease&&) = delete;
 
         SqlConnection& operator*() const { return *connection; }
         SqlConnection* operator->() const { return connection.get(); }
@@ -37,7 +41,7 @@ public:
         std::unique_ptr<SqlConnection> connection;
     };
 
-    SqlPool(Open open, std::size_t most) : open(std::move(open)), most(most) {}
+    SqlPool(Open open, std::size_t maxCount) : open(std::move(open)), maxCount(maxCount) {}
 
     /// Waits some seconds for a connection; throws Fault 503 when none becomes free. Where no other can be
     /// opened, it waits for one of those that are lent, and throws at once when there are none.
@@ -53,7 +57,7 @@ private:
     void Return(std::unique_ptr<SqlConnection> connection);
 
     Open open;
-    std::size_t most;
+    std::size_t maxCount;
     std::mutex turn;
     std::condition_variable returned;
     std::vector<std::unique_ptr<SqlConnection>> free;

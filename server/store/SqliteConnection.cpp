@@ -4,8 +4,8 @@
 #include <stdexcept>
 
 #include "server/base/Fault.h"
-#include "server/base/Text.h"
 #include "server/store/Migrations.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -132,7 +132,7 @@ DatabaseSize SqliteConnection::Size()
     return {(Number("PRAGMA page_count") - unused) * page, unused * page};
 }
 
-void SqliteConnection::EmptyLog()
+void SqliteConnection::TruncateWriteAheadLog()
 {
     // Meanwhile nobody writes: who reads for long, such as a backup, is not waited for.
     sqlite3_busy_timeout(Get(), LogMilliseconds);

@@ -26,9 +26,9 @@ public:
     bool IsBroken() override;
     bool IsWritable() override;
     DatabaseSize Size() override;
-    std::string_view NoIndex() const override { return "+"; }
+    std::string_view UnindexedPrefix() const override { return "+"; }
     std::size_t LargeRowsAtOnce() const override { return 10; }
-    void EmptyLog() override;
+    void TruncateWriteAheadLog() override;
     std::span<const char* const> Migrations() const override;
     int Version() override;
     void SetVersion(int version) override;
@@ -46,7 +46,7 @@ private:
     using Statement = std::unique_ptr<sqlite3_stmt, Finalize>;
 
     sqlite3_stmt* Prepare(const std::string& sql);
-    std::int64_t Number(const std::string& sql) { return Query(sql, {}).at(0).Number(0); }
+    std::int64_t Number(const std::string& sql) { return Query(sql, {}).at(0).Number(); }
     [[noreturn]] void Fail();
     sqlite3* Get() const { return database.get(); }
 

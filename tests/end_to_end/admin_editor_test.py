@@ -65,7 +65,7 @@ class Editing(AdminTest):
         self.assertIn('[\n    {\n      "id": 71063,\n', begun)  # what came in a single line can be edited
         good = requirements((1, "A", "any"), (2, "B", "any"))
         for text, message in ((good, "can be published. Lines: 2."), (good.replace('"B"', "B"), "line 11, column"),
-                           (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: &#x27;odd&#x27; is no"),
+                           (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: unknown comparison"),
                            ("{", "line 1, column 2"), ("{}", "title"), (" \n", "no text"),
                            ('{"title": "]{\\"[{",\n"requirements": [{\n}, {}]}', "line 2, requirement 1"),
                            ("<b>\r\n  &amp;", "line 1, column 1"), ("[" * 100_000, "Not right yet")):

@@ -47,9 +47,9 @@ class Examples(ControlTest):
         self.assertRegex(output, r"\nMemory: at least 2 GB, found [\d.]+ [GT]B: pass\n")
         self.assertRegex(output, "\nTOTAL: (pass|fail|unknown)\n$")
         self.assertEqual(code, 0 if output.endswith("pass\n") else 1)
+        self.service.faults["/service/Analysis/unknown"] = "404"
         for example in ("check.vbs", "check.js"):
-            self.assertEqual(self.run_example(example, "unknown")[:2],
-                             (2, "The analysis service answered: Referrer 'unknown' is not known.\n"))
+            self.assertEqual(self.run_example(example, "unknown")[:2], (2, "The analysis service answered: nothing here\n"))
 
     def test_programs_macros_and_pages_show_the_verdict_and_a_fact(self):
         # Wine's own CreateObject makes no object that wants a site.

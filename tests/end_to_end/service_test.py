@@ -1,23 +1,31 @@
-"""What the development service has for itself: files, texts of errors, requirements that are read at each request."""
+"""What the development service has for itself; the rest is the deployed service's, which it starts."""
 
-from deployed import INFORMATION, LIST, REPORT, UPLOAD, Client
+from deployed import LIST, REPORT, UPLOAD, Client, analysis
 from harness import API_KEY, ServiceTest
+
+WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
 
 
 class Service(Client, ServiceTest):
-    def test_reports_are_files_whose_names_no_session_chooses(self):
-        self.assertEqual(self.ask("POST", UPLOAD, REPORT.format("../..\\x:é"))[0], 200)
-        self.assertEqual([path.parent for path in self.folder.rglob("*.xml")], [self.folder / "sessions"])
-        escaped = REPORT.format("other").replace("<", "&lt;")
-        self.assertEqual(self.ask("POST", INFORMATION, f"<SystemInformation><Data>{escaped}</Data></SystemInformation>")[0], 200)
-        self.assertEqual(len([*self.folder.rglob("*.xml")]), 2)
+    def test_changed_requirements_count_at_the_next_request(self):
+        self.assertEqual(self.ask("GET", WANTED), (404, b""))
+        for group in 1, 2:
+            self.require("r", (group, "M", "any"))
+            self.assertEqual(self.ask("GET", WANTED), (200, b"71424|71218|71206|%d" % group))
+
+    def test_requests_are_recorded_and_handed_on_as_they_came(self):
+        self.require("r", (1, "M", "at least", "4 GB"))
+        body = REPORT.format("\u00e9")
+        self.assertEqual(self.ask("POST", UPLOAD, body), (200, b"OK"))
+        self.assertEqual(self.service.requests[0]["body"], body)
+        self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis("\u00e9"))[1])
 
     def test_requirements_that_cannot_be_read_are_the_services_fault(self):
         (self.folder / "bad.json").write_text('{"title": "T", "requirements": [{"id": "x"}]}')
         with self.assertLogs("analysis_service", "WARNING"):
-            status, text = self.ask("GET", f"{LIST}?refid=bad&apikey={API_KEY}")
+            status, text = self.ask("GET", WANTED)
         self.assertEqual(status, 500)
-        self.assertIn(b"malformed", text)
+        self.assertIn(b"requirement 1: it has no 'label'", text)
 
     def test_it_listens_on_loopback_only(self):
         self.assertEqual(self.service.server_address[0], "127.0.0.1")

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <functional>
+#include <initializer_list>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
@@ -11,14 +12,16 @@
 #include "server/admin/DraftCheck.h"
 #include "server/admin/Form.h"
 #include "server/admin/Html.h"
-#include "server/base/Text.h"
 #include "server/http/Target.h"
 #include "server/protocol/AnalysisRequest.h"
 #include "server/report/Characters.h"
+#include "server/report/Report.h"
 #include "server/report/Xml.h"
-#include "server/verdict/PageStyle.h"
-#include "server/verdict/Rendering.h"
-#include "server/verdict/Tally.h"
+#include "verdict/PageStyle.h"
+#include "verdict/Rendering.h"
+#include "verdict/Tally.h"
+#include "verdict/text/Text.h"
+#include "verdict/text/Utf8.h"
 
 namespace kel::server {
 namespace {
@@ -77,7 +80,7 @@ void TellsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
 
 void Judges(Requirements requirements, const Report& report)
 {
-    const Verdict verdict = Judge(requirements, report);
+    const Verdict verdict = Judge(requirements, report.Lookup());
     TellsWhatItHas(verdict);
     Tally tally;
     tally.Count(verdict);
@@ -89,7 +92,7 @@ void Judges(Requirements requirements, const Report& report)
     for (std::size_t i = 0; i < verdict.lines.size(); ++i)
         Expect(of(tally.lines[i], verdict.lines[i].result) == 2, "a tally of each line");
     std::erase_if(requirements.lines, [](const Requirement& line) { return line.recommended; });
-    Expect(Judge(requirements, report).total == verdict.total, "recommendations without a say");
+    Expect(Judge(requirements, report.Lookup()).total == verdict.total, "recommendations without a say");
 }
 
 // Each reads a text, and hands back what has to hold then. A text is refused by throwing.
@@ -145,22 +148,22 @@ Check ReadRequirements(std::string_view text)
 Check ReadComparison(std::string_view text)
 {
     const std::size_t first = text.find(" | "), second = text.find(" | ", first + 1);
-    const auto comparison = ComparisonOf(text.substr(0, first));
+    const auto comparison = ParseComparison(text.substr(0, first));
     if (second == text.npos || !comparison)
         return {};
     return [=, found = std::string(text.substr(first + 3, second - first - 3))] {
         const std::string needed(text.substr(second + 3));
-        const std::string bare = Lower(Trim(found));
-        const bool isAnswer = *comparison == Comparison::Yes || *comparison == Comparison::No,
-                   isText = *comparison >= Comparison::Equals;
-        Expect(Compare(*comparison, Comparable(&found), needed) != Result::Fail ||
-                   (isAnswer ? bare == "yes" || bare == "no"
-                    : isText ? !bare.empty()
-                             : std::isdigit(bare[0]) != 0),
+        const std::string bare = NormalizeValue(found);
+        const auto isAmong = [name = comparison->name](std::initializer_list<std::string_view> names) {
+            return std::ranges::find(names, name) != names.end();
+        };
+        Expect(Compare(*comparison, bare, needed) != Result::Fail ||
+                   (isAmong({"yes", "no"})                      ? bare == "yes" || bare == "no"
+                    : isAmong({"equals", "one of", "contains"}) ? !bare.empty()
+                                                                : std::isdigit(bare[0]) != 0),
                "what cannot be read never fails");
-        if (*comparison < Comparison::Any && *comparison != Comparison::OneOf &&
-            WhyNeverMet(*comparison, needed).empty())
-            Expect(Compare(*comparison, Comparable(&needed), needed) == Result::Pass,
+        if (!isAmong({"any", "yes", "no", "one of"}) && comparison->unsatisfiableReason(needed).empty())
+            Expect(Compare(*comparison, NormalizeValue(needed), needed) == Result::Pass,
                    "what is needed is enough");
     };
 }

@@ -1,72 +1,58 @@
-// The administration over a store that fails as no database can be made to.
+// The administration over a database that fails as no real one can be made to.
+#include "server/admin/Site.h"
+
 #include <gtest/gtest.h>
 
-#include "server/admin/Site.h"
 #include "server/base/Fault.h"
 #include "server/ops/MetricsPage.h"
-#include "server/store/SqlStore.h"
+#include "tests/server/FakeConnection.h"
 
 namespace kel::server {
 
 namespace {
-
-/// Whoever asks is an editor; the list of products fails.
-class FailingStore : public SqlStore {
-public:
-    explicit FailingStore(std::function<void()> fail)
-        : SqlStore(nullptr, nullptr, nullptr, "", {}), fail(std::move(fail))
-    {
-    }
-
-    std::optional<Login> FindLogin(const std::string&) override
-    {
-        Login login;
-        login.account = "ann";
-        return login;
-    }
-
-    std::vector<Product> Products() override
-    {
-        fail();
-        return {};
-    }
-
-private:
-    std::function<void()> fail;
-};
 
 struct Shown {
     int status;
     std::string body, metrics;
 };
 
-Shown Ask(const std::string& target, std::function<void()> fail)
+/// Asks as an editor; every statement but the one that finds the log-in fails.
+Shown Ask(const std::string& target, const std::function<void()>& fail)
 {
-    FailingStore store(std::move(fail));
-    Site site(store, {});
+    const auto respond = [&](const std::string& sql) {
+        if (sql.find("login_session") == std::string::npos)
+            fail();
+        return SqlRows{SqlRow({"key", "ann", "editor", "token", "9", "browser"})};
+    };
+    const auto pool = std::make_shared<SqlPool>([&] { return std::make_unique<FakeConnection>(respond); }, 1);
+    Database database(pool, pool, pool, "", {});
+    Site site(database, {});
     Metrics metrics;
     Router router(metrics.admin);
     site.AddTo(router);
     const Answer answer = router.Handle({"GET", target, "", {{"Cookie", "__Host-kel=x"}}});
-    return {answer.status, *answer.body, *MetricsPage(metrics, store).body};
+    return {answer.status, *answer.body, *MetricsPage(metrics, database).body};
 }
 
 TEST(Site, AFailureIsTheDatabasesOnlyWhenItIs)
 {
-    const auto database = [] { throw Fault(503, "database: disk I/O error"); };
+    const auto down = [] { throw Fault(503, "database: disk I/O error"); };
     const auto other = [] { throw std::length_error("secret"); };
-    for (const char* target : {"/", "/api/v1/referrers"}) {
+    for (const auto& [target, route] : {std::pair{"/products/demo", "/products/*"},
+                                        {"/api/v1/referrers/demo/draft", "/api/v1/referrers/*/draft"}}) {
+        const std::string count = std::string(",route=\"") + route + "\",status=\"";
         const Shown failed = Ask(target, other);
         EXPECT_EQ(failed.status, 500) << target;
         EXPECT_NE(failed.body.find("The service failed. Its log has the reason."), std::string::npos)
             << target;
         EXPECT_EQ(failed.body.find("secret"), std::string::npos) << target;
         EXPECT_NE(failed.metrics.find("\nkel_database_errors_total 0\n"), std::string::npos) << target;
+        EXPECT_NE(failed.metrics.find(count + "500\"} 1\n"), std::string::npos) << "counted elsewhere";
 
-        const Shown down = Ask(target, database);
-        EXPECT_EQ(down.status, 503) << target;
-        EXPECT_NE(down.body.find("The database did not answer."), std::string::npos) << target;
-        EXPECT_NE(down.metrics.find("\nkel_database_errors_total 1\n"), std::string::npos) << target;
+        const Shown unavailable = Ask(target, down);
+        EXPECT_EQ(unavailable.status, 503) << target;
+        EXPECT_NE(unavailable.body.find("The database did not answer."), std::string::npos) << target;
+        EXPECT_NE(unavailable.metrics.find("\nkel_database_errors_total 1\n"), std::string::npos) << target;
     }
 }
 

@@ -1,4 +1,4 @@
-"""Runs the local analysis service until it is told to stop."""
+"""Runs the development service until it is interrupted."""
 
 import argparse
 import logging
@@ -14,7 +14,7 @@ def main():
     parser = argparse.ArgumentParser(prog="analysis_service", description=__doc__)
     parser.add_argument("--port", type=int, default=0, help="port on loopback; 0 picks a free one")
     parser.add_argument("--port-file", type=Path, help="file that receives the port once the service listens")
-    parser.add_argument("--data", type=Path, required=True, help="folder that keeps the uploaded reports")
+    parser.add_argument("--data", type=Path, required=True, help="folder of the database and the log")
     parser.add_argument("--requirements", type=Path, required=True, help="folder of <referrer>.json files")
     parser.add_argument("--record", type=Path, help="file that receives every request, one JSON line each")
     parser.add_argument("--misbehave", choices=sorted(MISBEHAVIOURS), help="a fault that every answer has")
@@ -32,6 +32,8 @@ def main():
         server.serve_forever()
     except KeyboardInterrupt:
         pass
+    finally:
+        server.server_close()
 
 
 main()

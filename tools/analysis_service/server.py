@@ -1,36 +1,33 @@
-"""The HTTP side: the requests of the control, the bandwidth test file, and faults on demand."""
+"""The HTTP side: records requests, misbehaves on demand, sends the bandwidth test file, and hands on everything else."""
 
 import json
 import logging
 import threading
 import time
 from http.server import BaseHTTPRequestHandler, ThreadingHTTPServer
-from urllib.parse import parse_qs, unquote, urlsplit
+from urllib.parse import urlsplit
 
+from backend import Backend
 from errors import ServiceError
-from misbehaviour import MAX_SECONDS, MISBEHAVIOURS
-from reports import ReportStore, parse_analysis, parse_report, parse_system_information
-from requirements import load_requirements
-from verdict import judge, render
+from misbehaviour import MAX_SECONDS, MISBEHAVIOURS, REDIRECTED_PATH
 
-API_KEY = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53"
 TEST_FILE_PATH = "/global/tests/test_2.bin"
 TEST_FILE_SIZE = 1_000_000
 TEST_FILE_PIECE = 20_000
 TEST_FILE_PAUSE = 0.01  # seconds between pieces, so that loopback looks like a connection of some Mbps
-LARGEST_BODY = 64 * 1024 * 1024
+MAX_BODY = 64 * 1024 * 1024
 
 log = logging.getLogger("analysis_service")
 
 
 class AnalysisServer(ThreadingHTTPServer):
-    """Listens on loopback only. Can be told to misbehave, also while it runs."""
+    """Listens on loopback only. `misbehave` and `faults` can be set while it runs."""
 
     daemon_threads = True
 
     def __init__(self, port, data, requirements, record=None, misbehave=None):
+        self.backend = Backend(data)
         super().__init__(("127.0.0.1", port), Handler)
-        self.reports = ReportStore(data)
         self.requirements = requirements
         self.misbehave = misbehave
         self.longest = MAX_SECONDS
@@ -38,6 +35,10 @@ class AnalysisServer(ThreadingHTTPServer):
         self.requests = []
         self.record_file = record
         self.record_lock = threading.Lock()
+
+    def server_close(self):
+        super().server_close()
+        self.backend.close()
 
     def record(self, request):
         with self.record_lock:
@@ -71,7 +72,7 @@ class Handler(BaseHTTPRequestHandler):
             if fault:
                 MISBEHAVIOURS[fault](self)
                 return
-            self.route(target.path, parse_qs(target.query, keep_blank_values=True), body)
+            self.route(target.path, body)
         except ServiceError as error:
             log.warning("%s %s: %s", self.command, self.path, error)
             self.reply(error.status, str(error))
@@ -83,27 +84,20 @@ class Handler(BaseHTTPRequestHandler):
 
     def read_body(self):
         length = self.headers.get("Content-Length", "0")
-        if not length.isascii() or not length.isdigit() or int(length) > LARGEST_BODY:
+        if not length.isascii() or not length.isdigit() or int(length) > MAX_BODY:
             self.close_connection = True  # the body stays unread, and is not the next request
-            raise ServiceError(400, "The content length is no number or out of range.")
+            raise ServiceError(400, "The content length is not a number or out of range.")
         return self.rfile.read(int(length))
 
-    def route(self, path, query, body):
+    def route(self, path, body):
         if self.command == "GET" and path == TEST_FILE_PATH:
             self.send_test_file()
-        elif self.command == "GET" and path == "/Data/Service.svc/Group/list":
-            self.check_key(query)
-            requirements = self.load(query.get("refid", [""])[0])
-            self.reply(200, "|".join(str(number) for number in requirements.groups()))
-        elif self.command == "POST" and path == "/Data/Service.svc/upload":
-            self.check_key(query)
-            self.upload(parse_report(body))
-        elif self.command == "POST" and path.rstrip("/") == "/SystemInformation":
-            self.upload(parse_system_information(body))
-        elif self.command == "POST" and path.startswith("/service/Analysis/"):
-            self.analyse(unquote(path.removeprefix("/service/Analysis/")), parse_analysis(body))
+        elif path == REDIRECTED_PATH:
+            self.reply(404, "There is no such request.")
         else:
-            raise ServiceError(404, "There is no such request.")
+            self.server.backend.load(self.server.requirements)
+            status, headers, text = self.server.backend.ask(self.requestline, self.headers.items(), body)
+            self.reply(status, text, headers)
 
     def send_test_file(self, until=1.0):
         """Sends this share of the test file at a steady rate."""
@@ -115,31 +109,11 @@ class Handler(BaseHTTPRequestHandler):
             self.wfile.write(bytes(TEST_FILE_PIECE))
             time.sleep(TEST_FILE_PAUSE)
 
-    @staticmethod
-    def check_key(query):
-        if query.get("apikey") != [API_KEY]:
-            raise ServiceError(403, "The key is not known.")
-
-    def load(self, referrer):
-        return load_requirements(self.server.requirements, referrer)
-
-    def upload(self, report):
-        session = self.server.reports.keep(report)
-        log.info("kept the report of session %r: %d values", session, len(report.values))
-        self.reply(200, "OK")
-
-    def analyse(self, referrer, request):
-        requirements = self.load(referrer)
-        report = self.server.reports.find(request.session)
-        result = judge(requirements, report, request)
-        log.info("session %r, referrer %r: %s", request.session, referrer, result.total)
-        content_type, text = render(result, request.format)
-        self.reply(200, text, content_type)
-
-    def reply(self, status, body, content_type="text/plain; charset=utf-8"):
+    def reply(self, status, body, headers=(("Content-Type", "text/plain; charset=utf-8"),)):
         data = body.encode("utf-8") if isinstance(body, str) else body
         self.send_response(status)
-        self.send_header("Content-Type", content_type)
+        for name, value in headers:
+            self.send_header(name, value)
         self.send_header("Content-Length", str(len(data)))
         self.end_headers()
         self.wfile.write(data)

@@ -17,19 +17,23 @@ from server import AnalysisServer, Handler  # noqa: E402
 
 
 class TimedHandler(Handler):
-    """Adds up what its thread works from a request's arrival, or its connection's, until its answer is written."""
+    """Adds up the processor time of its thread and of the service behind it, from the arrival of a request, or of its
+    connection, until its answer is written."""
+
+    def work(self):
+        return time.thread_time() + self.server.backend.seconds()
 
     def setup(self):
-        self.began = time.thread_time()
+        self.began = self.work()
         super().setup()
 
     def parse_request(self):
-        self.began = self.began or time.thread_time()
+        self.began = self.began or self.work()
         return super().parse_request()
 
     def serve(self):
         super().serve()
-        self.server.seconds += time.thread_time() - self.began
+        self.server.seconds += self.work() - self.began
         self.began = None
 
 

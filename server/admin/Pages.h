@@ -1,0 +1,58 @@
+#pragma once
+
+#include "server/admin/AdminRequest.h"
+
+// Every page of the administration, and what programs ask of it. Routes.cpp has their addresses.
+namespace kel::server {
+
+/// The style sheet of all pages.
+Answer ShowStyle(const AdminRequest& request);
+
+/// The form to log in.
+Answer ShowLogIn(const AdminRequest& request);
+/// Begins a log-in; 403 for a wrong name or password, 429 after too many of them.
+Answer LogIn(const AdminRequest& request);
+/// Ends the log-in.
+Answer LogOut(const AdminRequest& request);
+
+/// The products with the results of their newest verdicts, and the newest reports.
+Answer ShowOverview(const AdminRequest& request);
+/// The names of the values that requirements can ask for.
+Answer ShowValues(const AdminRequest& request);
+/// The audit: which account did what.
+Answer ShowAudit(const AdminRequest& request);
+
+/// The list of reports, with filters, page by page.
+Answer ShowReports(const AdminRequest& request);
+/// One report: its sender, its verdicts, its values.
+Answer ShowReport(const AdminRequest& request);
+/// The question before all reports of a report's session are deleted.
+Answer AskToDeleteSession(const AdminRequest& request);
+Answer DeleteSession(const AdminRequest& request);
+
+/// A product's results, by requirement, and the machines of its visitors.
+Answer ShowProduct(const AdminRequest& request);
+/// Leads to the requirements of a product that may not exist yet.
+Answer BeginProduct(const AdminRequest& request);
+/// A product's requirements: the versions and the draft, for editors in a form that changes it.
+Answer ShowRequirements(const AdminRequest& request);
+/// The text of one version.
+Answer ShowVersion(const AdminRequest& request);
+
+/// The editor's buttons: checks, tries or saves the draft, or asks before it is published or dropped.
+Answer EditDraft(const AdminRequest& request);
+Answer PublishDraft(const AdminRequest& request);
+Answer DropDraft(const AdminRequest& request);
+
+/// GET /api/v1/reports: reports with their values, as JSON or CSV.
+Answer ListReports(const AdminRequest& request);
+/// GET /api/v1/referrers: the products with the totals of their newest verdicts.
+Answer ListReferrers(const AdminRequest& request);
+/// GET /api/v1/referrers/NAME/draft: the draft's text; its revision is the ETag.
+Answer ReadDraft(const AdminRequest& request);
+/// PUT /api/v1/referrers/NAME/draft: replaces the draft of the revision in If-Match.
+Answer WriteDraft(const AdminRequest& request);
+/// POST /api/v1/referrers/NAME/publish: publishes the draft of the revision in If-Match.
+Answer PublishRevision(const AdminRequest& request);
+
+}  // namespace kel::server

@@ -1,0 +1,27 @@
+#include "server/admin/ReportsTable.h"
+
+#include "server/admin/Layout.h"
+#include "server/admin/Table.h"
+#include "verdict/text/Text.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr std::size_t MaxSessionBytes = 60;  // that a list shows
+
+}  // namespace
+
+Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines,
+                  const std::string& whenEmpty)
+{
+    Table table(caption, {{"Report"}, {"Received (UTC)"}, {"Product"}, {"Session"}, {"Verdict"}});
+    for (const ReportLine& line : lines) {
+        table.Add({Link(ReportPath(line.id), std::to_string(line.id)), Moment(line.received),
+                   line.referrer.empty() ? Html("–") : Link(ProductPath(line.referrer), line.referrer),
+                   Html::Stored(Shortened(line.session, MaxSessionBytes)), Mark(line.total)});
+    }
+    return table.Done(whenEmpty);
+}
+
+}  // namespace kel::server

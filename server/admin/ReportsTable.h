@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "server/admin/Html.h"
+#include "server/store/Reports.h"
+
+namespace kel::server {
+
+/// A table of reports, or a sentence in its place when there is none.
+Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines,
+                  const std::string& whenEmpty);
+
+}  // namespace kel::server

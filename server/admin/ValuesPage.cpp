@@ -1,0 +1,19 @@
+#include "server/admin/Layout.h"
+#include "server/admin/Pages.h"
+#include "server/admin/Table.h"
+#include "server/admin/ValueNames.h"
+
+namespace kel::server {
+
+Answer ShowValues(const AdminRequest& request)
+{
+    Table table("Values by their ids", {{"Id"}, {"Detector"}, {"What"}});
+    for (const ValueName& value : ValueNames)
+        table.Add({std::to_string(value.id), value.detector, value.name});
+    return Page(request, "Values",
+                Html::Element("p", {{"class", "lead"}},
+                              "What requirements can ask for, by the number that stands in them as \"id\".") +
+                    table.Done(""));
+}
+
+}  // namespace kel::server

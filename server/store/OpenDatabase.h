@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "server/store/Database.h"
+#include "server/store/SqlConnection.h"
+
+namespace kel::server {
+
+/// Where the database is, and how it is opened.
+struct DatabaseSettings {
+    std::string location = "kel.db";  // an SQLite file, or postgresql://user@host/name
+    std::string durability = "normal";
+    std::size_t connections = 4;  // at the same time; an SQLite file has one more, to write by
+    Bounds bounds;
+};
+
+/// Opens a database that has the current version; throws std::runtime_error when there is none.
+std::unique_ptr<Database> OpenDatabase(const DatabaseSettings& settings);
+
+/// One connection, to migrate by; makes the database when it is a file that is not there.
+std::unique_ptr<SqlConnection> OpenForMigration(const DatabaseSettings& settings);
+
+}  // namespace kel::server

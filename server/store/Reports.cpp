@@ -1,0 +1,149 @@
+#include "server/store/Reports.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "server/store/ReportRows.h"
+
+namespace kel::server {
+
+namespace {
+
+/// A statement's conditions and their values, as they are added.
+class Conditions {
+public:
+    /// Adds a condition in which ? stands for the value.
+    void Add(std::string condition, SqlValue value)
+    {
+        values.push_back(value);
+        condition.replace(condition.find('?'), 1, Parameter());
+        text += (text.empty() ? " WHERE " : " AND ") + condition;
+    }
+
+    /// What stands for the last value.
+    std::string Parameter() const { return std::string("$").append(std::to_string(values.size())); }
+
+    std::string text;
+    std::vector<SqlValue> values;
+};
+
+/// Ids follow the time of receipt, except by the clock skew between front ends or after a clock correction
+/// (ms). Without bounds by id a look into the past would walk through everything that is newer.
+constexpr std::int64_t MaxClockSkew = 3'600'000;
+
+ReportLine ReadLine(SqlRow& row)
+{
+    return {row.Number(), row.Text(), row.Text(), row.Number(), ParseResult(row.Text())};
+}
+
+/// The ids that all reports of the filter lie between.
+std::pair<std::int64_t, std::int64_t> Span(SqlConnection& connection, const ReportFilter& filter)
+{
+    std::int64_t after = 0;
+    std::int64_t before = std::numeric_limits<std::int64_t>::max();
+    if (filter.beforeId > 0)
+        before = filter.beforeId;
+    if (filter.afterId >= 0) {
+        after = filter.afterId;
+        const std::int64_t stable = connection.LastStableReportId();
+        before = stable < before ? stable + 1 : before;
+    }
+    if (filter.from > 0) {
+        SqlRows older =
+            connection.Query("SELECT id FROM report WHERE received < $1 ORDER BY received DESC LIMIT 1",
+                             {filter.from - MaxClockSkew});
+        after = older.empty() ? after : std::max(after, older[0].Number());
+    }
+    if (filter.until > 0) {
+        SqlRows newer =
+            connection.Query("SELECT id FROM report WHERE received >= $1 ORDER BY received LIMIT 1",
+                             {filter.until + MaxClockSkew});
+        before = newer.empty() ? before : std::min(before, newer[0].Number());
+    }
+    return {after, before};
+}
+
+}  // namespace
+
+std::int64_t Reports::Add(const NewReport& report)
+{
+    const auto connection = database.BorrowForReport();
+    SqlRows added = connection->Query(
+        "INSERT INTO report (session, referrer, \"user\", machine, received, body) "
+        "SELECT $1, $2, $3, $4, $5, $6 WHERE "
+        "(SELECT count(*) FROM (SELECT 1 FROM report WHERE session = $1 LIMIT $7) AS others) < $7 "
+        "RETURNING id",
+        {report.session, report.referrer, report.user, report.machine, Now(), report.body,
+         database.MaxSessionReports()});
+    if (added.empty())
+        throw NoRoom("the session has as many reports as session_reports allows");
+    return added.at(0).Number();
+}
+
+std::optional<std::int64_t> Reports::NewestOf(const std::string& session)
+{
+    return First(
+        database.Read("SELECT id FROM report WHERE session = $1 ORDER BY id DESC LIMIT 1", {session}),
+        [](SqlRow& row) { return row.Number(); });
+}
+
+std::optional<FullReport> Reports::Find(std::int64_t report)
+{
+    return First(database.Read("SELECT id, session, referrer, \"user\", machine, received, body "
+                               "FROM report WHERE id = $1",
+                               {report}),
+                 ReadReport);
+}
+
+std::vector<ReportLine> Reports::List(const ReportFilter& filter)
+{
+    const auto connection = database.BorrowReader();
+    // A session has few reports. What goes with one is kept from other indexes; and so is the time from its
+    // own, by which the whole span would have to be sorted.
+    const std::string apart(connection->UnindexedPrefix());
+    const bool bySession = !filter.session.empty();
+    const bool byTotal = filter.total.has_value();
+    const std::string total(byTotal ? ToString(*filter.total) : "");
+    const std::string id = byTotal && !bySession ? "verdict.report" : "report.id";
+    const std::string beside = bySession ? apart : "";
+    Conditions conditions;
+    const auto [after, before] = Span(*connection, filter);
+    conditions.Add(id + " > ?", after);
+    conditions.Add(id + " < ?", before);
+    if (bySession)
+        conditions.Add("session = ?", filter.session);
+    if (!filter.referrer.empty())
+        conditions.Add(beside + "report.referrer = ?", filter.referrer);
+    if (byTotal) {
+        conditions.Add(beside + "verdict.total = ?", total);
+        if (!filter.referrer.empty())
+            conditions.Add(beside + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
+        conditions.text +=
+            " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
+            "WHERE other.report = verdict.report)";
+    }
+    if (filter.from > 0)
+        conditions.Add(apart + "received >= ?", filter.from);
+    if (filter.until > 0)
+        conditions.Add(apart + "received < ?", filter.until);
+    conditions.values.emplace_back(std::int64_t{filter.count});
+    const std::string tables = byTotal
+                                   ? "verdict.total FROM verdict JOIN report ON report.id = verdict.report"
+                                   : "(SELECT total FROM verdict WHERE verdict.report = report.id "
+                                     "ORDER BY requirement_set DESC LIMIT 1) FROM report";
+    return Each(
+        connection->Query("SELECT report.id, session, report.referrer, received, " + tables +
+                              conditions.text + " ORDER BY " + id + (filter.afterId >= 0 ? "" : " DESC") +
+                              " LIMIT " + conditions.Parameter(),
+                          conditions.values),
+        ReadLine);
+}
+
+std::int64_t Reports::NewestBefore(std::int64_t time)
+{
+    SqlRows rows = database.Read(
+        "SELECT received FROM report WHERE received < $1 ORDER BY received DESC LIMIT 1", {time});
+    return rows.empty() ? 0 : rows[0].Number();
+}
+
+}  // namespace kel::server

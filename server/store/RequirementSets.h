@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "server/store/Database.h"
+
+namespace kel::server {
+
+/// A published version of a product's requirements. It never changes.
+struct PublishedSet {
+    std::int64_t id = 0;
+    int version = 0;
+    std::int64_t published = 0;
+    std::string author;
+};
+
+/// Requirements that are being written; `revision` grows with each change.
+struct Draft {
+    std::string text;
+    int revision = 0;
+    std::int64_t changed = 0;
+    std::string author;
+};
+
+/// What stands in the list of products.
+struct Product {
+    std::string referrer;
+    int version = 0;  // the newest; 0 when nothing is published
+    std::int64_t published = 0;
+    bool hasDraft = false;
+};
+
+/// Published requirements and their drafts. Every change is one step with its entry in the audit.
+class RequirementSets {
+public:
+    explicit RequirementSets(Database& database) : database(database) {}
+
+    /// All referrers with published requirements or a draft, by name.
+    std::vector<Product> Products();
+    /// The versions of a referrer's requirements, the newest first.
+    std::vector<PublishedSet> Versions(const std::string& referrer);
+    /// The newest requirements of a referrer; nothing when it is not known.
+    std::optional<PublishedSet> Newest(const std::string& referrer);
+    /// The text of published requirements; empty for an unknown id.
+    std::string Text(std::int64_t set);
+    /// Publishes requirements as a referrer's newest version, unless they are the newest already; the
+    /// version. The audit names the account.
+    int Publish(const std::string& referrer, const std::string& text, const std::string& author,
+                const std::string& account);
+
+    std::optional<Draft> FindDraft(const std::string& referrer);
+    /// Writes a draft over the one of that revision (0: there is none yet). The new revision; nothing, and
+    /// nothing is written, when the draft has another revision. An empty text is the same as no draft.
+    std::optional<int> SaveDraft(const std::string& referrer, const std::string& text, int revision,
+                                 const std::string& author);
+    /// Publishes the draft of that revision, and drops it; the version. Nothing when it has another revision.
+    std::optional<int> PublishDraft(const std::string& referrer, int revision, const std::string& author);
+    /// False when the draft has another revision.
+    bool DropDraft(const std::string& referrer, int revision, const std::string& account);
+
+private:
+    Database& database;
+};
+
+}  // namespace kel::server

@@ -1,0 +1,31 @@
+#include "server/store/Verdicts.h"
+
+#include "server/store/ReportRows.h"
+
+namespace kel::server {
+
+void Verdicts::Save(const NewVerdict& verdict)
+{
+    const auto connection = database.BorrowForVerdict();
+    connection->Query(
+        "INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines) "
+        "SELECT report.id, requirement_set.id, requirement_set.referrer, $1, $2, $3, $4 "
+        "FROM report, requirement_set WHERE report.id = $5 AND requirement_set.id = $6" +
+            std::string(connection->ShareReports()) +
+            " ON CONFLICT (report, requirement_set) DO UPDATE "
+            "SET judged = excluded.judged, item = excluded.item, total = excluded.total, lines = "
+            "excluded.lines",
+        {Now(), verdict.item, ToString(verdict.total), verdict.lines, verdict.report, verdict.set});
+}
+
+std::vector<StoredVerdict> Verdicts::OnReport(std::int64_t report)
+{
+    return Each(
+        database.Read(
+            "SELECT verdict.report, report.session, name, requirement_set.id, version, judged, total, lines" +
+                VerdictTables + "WHERE verdict.report = $1 ORDER BY requirement_set.id DESC",
+            {report}),
+        ReadVerdict);
+}
+
+}  // namespace kel::server

@@ -1,0 +1,174 @@
+// The tables of cases beside this file. The service's tests and those of the build for Windows both run them.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "verdict/Comparison.h"
+#include "verdict/Requirements.h"
+#include "verdict/Verdict.h"
+#include "verdict/text/LowerCase.h"
+
+namespace kel {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+Texts Divide(const std::string& text, const std::string& separator)
+{
+    Texts parts;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find(separator, start)) != text.npos; start = end + separator.size())
+        parts.push_back(text.substr(start, end - start));
+    parts.push_back(text.substr(start));
+    return parts;
+}
+
+Texts ReadLines(const std::string& file)
+{
+    std::ifstream stream(KEL_VERDICT_CASES "/" + file, std::ios::binary);
+    Texts lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    EXPECT_FALSE(lines.empty()) << file;
+    return lines;
+}
+
+std::string Repeat(const std::string& text, int times)
+{
+    std::string repeated;
+    for (int i = 0; i < times; ++i)
+        repeated += text;
+    return repeated;
+}
+
+/// A set of requirements of these lines.
+std::string SetOf(const std::string& lines)
+{
+    return R"({"title": "T", "requirements": [)" + lines + "]}";
+}
+
+std::string ReasonAgainst(const std::string& text)
+{
+    try {
+        Requirements::Read(text);
+        return "accepted";
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+}
+
+TEST(Comparison, FollowsTheTable)
+{
+    std::vector<Texts> rows;
+    for (const std::string& line : ReadLines("comparisons.txt"))
+        rows.push_back(Divide(line, " | "));
+    rows.front() = {"at least version", Repeat("9", 5000), "9", "unknown"};  // instead of the columns' names
+    rows.push_back({"contains", Repeat("é", 2049), "é", "unknown"});
+    rows.push_back({"contains", "x" + Repeat("é", 2047), "é", "pass"});
+    for (const Texts& row : rows) {
+        const Comparison* comparison = ParseComparison(row.at(0));
+        ASSERT_TRUE(comparison) << row[0];
+        EXPECT_EQ(ToString(Compare(*comparison, NormalizeValue(row.at(1)), row.at(2))), row.at(3))
+            << row[0] << " | " << row[1] << " | " << row[2];
+    }
+}
+
+TEST(Verdict, JoinsAlternativesAndLeavesRecommendationsOut)
+{
+    const Texts lines = ReadLines("verdicts.txt");
+    std::map<std::string, std::string> named;  // lines of requirements
+    std::size_t number = 0;
+    for (; !lines.at(number).empty(); ++number)
+        named[lines[number].substr(0, lines[number].find(':'))] =
+            lines[number].substr(lines[number].find('{'));
+    const Texts columns = Divide(lines.at(++number), " | ");
+    while (++number < lines.size()) {
+        const Texts cells = Divide(lines[number], " | ");
+        const auto lookup = [&](int group, int index) -> std::optional<std::string> {
+            const std::string& value = cells.at(static_cast<std::size_t>(group - 1));
+            return value == "-" || index != 0 ? std::nullopt : std::optional(value);
+        };
+        for (std::size_t column = 4; column < columns.size(); ++column) {
+            std::string set;
+            for (const std::string& name : Divide(columns[column], ", "))
+                set += (set.empty() ? "" : ", ") + named.at(name);
+            const Verdict verdict = Judge(Requirements::Read(SetOf(set)), lookup);
+            std::string results(ToString(verdict.total));
+            for (const VerdictLine& line : verdict.lines)
+                results.append(" ").append(ToString(line.result));
+            EXPECT_EQ(results, cells.at(column)) << columns[column] << ": " << lines[number];
+            // The values of all alternatives; one that is asked for twice is shown once.
+            const std::string& found = cells.at(columns[column].starts_with("either") ? 3 : 0);
+            if (!columns[column].starts_with("advised")) {
+                EXPECT_EQ(verdict.lines[0].found, found == "-" ? "" : found) << lines[number];
+            }
+        }
+    }
+}
+
+TEST(Verdict, TruncatesLongValuesBetweenCharacters)
+{
+    const std::string value = "x" + Repeat("é", 600);
+    const auto set = Requirements::Read(SetOf(R"({"id": 1, "label": "L", "comparison": "any"})"));
+    EXPECT_EQ(Judge(set, [&](int, int) { return value; }).lines.at(0).found, "x" + Repeat("é", 499) + "…");
+}
+
+TEST(Requirements, RejectWhatTheTableRejects)
+{
+    const std::string line = R"({"id": 1, "label": "", "comparison": "any"})";
+    for (const std::string& row : ReadLines("refused.txt")) {
+        const Texts cells = Divide(row, " | ");
+        std::string text = cells.at(0);
+        if (const std::size_t place = text.find("LONG"); place != text.npos)
+            text.replace(place, 4, std::string(999, 'x'));
+        const bool isWhole = text.find("\"requirements\"") != text.npos || text == "[]";
+        EXPECT_EQ(ReasonAgainst(isWhole ? text : SetOf(line + ", " + text)), cells.at(1)) << cells[0];
+    }
+}
+
+TEST(Requirements, KeepTheirBounds)
+{
+    const std::string line = R"({"id": 1, "label": "", "comparison": "any"})",
+                      condition = R"({"id": 2, "comparison": "any"})";
+    const auto either = [&](int count) {
+        return R"({"label": ")" + Repeat("é", 500) + R"(", "any of": [)" +
+               Repeat(condition + ", ", count - 1) + condition + "]}";
+    };
+    const Requirements most = Requirements::Read(SetOf(Repeat(line + ", ", 499) + either(20)));
+    EXPECT_EQ(most.lines.size(), 500U);
+    EXPECT_EQ(most.Groups(), (std::vector{71424, 71218, 71206, 1, 2}));
+    EXPECT_EQ(ReasonAgainst(SetOf(either(21))), "requirement 1: its 'any of' has 21 entries, not 1 to 20");
+    EXPECT_EQ(ReasonAgainst(SetOf(Repeat(line + ", ", 500) + line)),
+              "its 'requirements' has 501 entries, not 0 to 500");
+    EXPECT_EQ(ReasonAgainst(std::string(1'048'577, ' ')), "it is longer than 1048576 bytes");
+}
+
+TEST(LowerCase, MapsLettersOfEveryScriptOneToOne)
+{
+    const std::pair<const char32_t*, const char32_t*> rows[] = {
+        {U"@AZ[", U"@az["},           // right beside the letters
+        {U"ÀÖ×ØÞß", U"àö×øþß"},       // a sign among letters; one without a lower-case form
+        {U"ĀāĂıİŸ", U"āāăıi\u00FF"},  // alternating; forms before their letters
+        {U"\u01C4\u01C5\u01C6", U"\u01C6\u01C6\u01C6"},  // with a title case
+        {U"ΑΣΩςЀЯЖ", U"ασωςѐяж"},
+        {U"\u13A0\u1E9E\u2126\u212A", U"\uAB70\u00DFωk"},  // far from their letters
+        {U"\uFF21\uFF3A\U00010400\U00010428\U0001E921\U0010FFFF",
+         U"\uFF41\uFF5A\U00010428\U00010428\U0001E943\U0010FFFF"},
+    };
+    for (const auto& [letters, expected] : rows) {
+        for (std::size_t i = 0; letters[i] != 0; ++i)
+            EXPECT_EQ(LowerCase(letters[i]), expected[i])
+                << std::hex << static_cast<std::uint32_t>(letters[i]);
+    }
+    int mapped = 0;
+    for (char32_t c = 0; c <= 0x10FFFF; ++c)
+        mapped += LowerCase(c) != c ? 1 : 0;
+    EXPECT_EQ(mapped, 1433) << "letters of Unicode 14 with a lower-case form";
+}
+
+}  // namespace
+}  // namespace kel

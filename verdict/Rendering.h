@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "verdict/Verdict.h"
+
+namespace kel {
+
+/// The verdict as XML for scripts; a recommendation has an element <recommended/>. Item and schema are the
+/// texts of the analysis request, which the answer repeats.
+std::string RenderXml(const Verdict& verdict, const std::string& item, const std::string& schema);
+
+/// The same as JSON.
+std::string RenderJson(const Verdict& verdict, const std::string& item, const std::string& schema);
+
+/// The verdict as a page of its own, in the style of the check's own page.
+std::string RenderPage(const Verdict& verdict);
+
+/// The lines alone, as the store keeps them: a JSON list of id, found and result, with "recommended" where it
+/// is, and "any of", a list of id, needed, found and result, where a line has alternatives.
+std::string RenderLines(const Verdict& verdict);
+
+}  // namespace kel

@@ -1,0 +1,199 @@
+#include "verdict/Requirements.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <stdexcept>
+
+#include "verdict/text/Text.h"
+#include "verdict/text/Utf8.h"
+
+namespace kel {
+
+namespace {
+
+using nlohmann::json;
+
+constexpr int MaxId = 0x7FFFFFFF;
+constexpr std::size_t MaxEcho = 60;  // bytes of the file that a reason repeats
+
+std::string Quoted(std::string_view text)
+{
+    return "'" + (IsXmlText(text) ? Shortened(text, MaxEcho) : "…") + "'";
+}
+
+/// Throws unless the entry is an object of these names: a misspelt one would change what the line means.
+void CheckNames(const json& entry, std::span<const std::string_view> names)
+{
+    if (!entry.is_object())
+        throw std::runtime_error("it is not an object");
+    for (const auto& item : entry.items()) {
+        if (std::find(names.begin(), names.end(), item.key()) == names.end())
+            throw std::runtime_error("unknown name " + Quoted(item.key()));
+    }
+}
+
+const json& Required(const json& entry, const std::string& name)
+{
+    const auto found = entry.find(name);
+    if (found == entry.end())
+        throw std::runtime_error("it has no '" + name + "'");
+    return *found;
+}
+
+std::string ReadText(const json& entry, const std::string& name)
+{
+    const json& value = Required(entry, name);
+    if (!value.is_string())
+        throw std::runtime_error("its '" + name + "' is not a text");
+    const auto& text = value.get_ref<const std::string&>();
+    if (text.size() > Requirements::MaxText)
+        throw std::runtime_error("its '" + name + "' is longer than " +
+                                 std::to_string(Requirements::MaxText) + " bytes");
+    if (!IsXmlText(text))
+        throw std::runtime_error("its '" + name + "' has a character that XML does not allow");
+    return text;
+}
+
+/// A list of `min` to `max` entries.
+const json& ReadList(const json& entry, const std::string& name, std::size_t min, std::size_t max)
+{
+    const json& list = Required(entry, name);
+    if (!list.is_array())
+        throw std::runtime_error("its '" + name + "' is not a list");
+    if (list.size() < min || list.size() > max)
+        throw std::runtime_error("its '" + name + "' has " + std::to_string(list.size()) + " entries, not " +
+                                 std::to_string(min) + " to " + std::to_string(max));
+    return list;
+}
+
+/// Reads each entry of a list; the reason for a wrong one begins with the kind and its number.
+template <typename Read>
+auto ReadEach(const json& list, const std::string& kind, Read read)
+{
+    std::vector<decltype(read(list))> entries;
+    for (const json& entry : list) {
+        try {
+            entries.push_back(read(entry));
+        } catch (const std::runtime_error& error) {
+            throw std::runtime_error(kind + " " + std::to_string(entries.size() + 1) + ": " + error.what());
+        }
+    }
+    return entries;
+}
+
+Condition ReadCondition(const json& entry)
+{
+    Condition condition;
+    const json& id = Required(entry, "id");
+    if (!id.is_number_integer() || id < 1 || id > MaxId)
+        throw std::runtime_error("its 'id' is not a whole number from 1 to " + std::to_string(MaxId));
+    condition.group = id.get<int>();
+    const std::string name = ReadText(entry, "comparison");
+    condition.comparison = ParseComparison(name);
+    if (!condition.comparison)
+        throw std::runtime_error("unknown comparison " + Quoted(name));
+    if (const auto needed = entry.find("needed"); needed != entry.end())
+        condition.needed = needed->is_number() ? needed->dump() : ReadText(entry, "needed");
+    const std::string_view reason = condition.comparison->unsatisfiableReason(condition.needed);
+    if (!reason.empty())
+        throw std::runtime_error("'" + name + "' " + std::string(reason) + ", not " +
+                                 Quoted(condition.needed));
+    return condition;
+}
+
+Condition ReadAlternative(const json& entry)
+{
+    static constexpr std::string_view Names[] = {"id", "comparison", "needed"};
+    CheckNames(entry, Names);
+    return ReadCondition(entry);
+}
+
+Requirement ReadLine(const json& entry)
+{
+    static constexpr std::string_view Names[] = {"label",      "advice", "recommended", "id",
+                                                 "comparison", "needed", "any of"};
+    static constexpr std::string_view NamesWithAlternatives[] = {"label", "advice", "recommended", "any of"};
+    const bool hasAlternatives = entry.is_object() && entry.contains("any of");
+    CheckNames(entry, hasAlternatives ? std::span<const std::string_view>(NamesWithAlternatives) : Names);
+    Requirement line;
+    line.label = ReadText(entry, "label");
+    if (hasAlternatives)
+        line.anyOf = ReadEach(ReadList(entry, "any of", 1, Requirements::MaxAlternatives), "alternative",
+                              ReadAlternative);
+    else
+        line.anyOf.push_back(ReadCondition(entry));
+    if (entry.contains("advice"))
+        line.advice = ReadText(entry, "advice");
+    if (const auto recommended = entry.find("recommended"); recommended != entry.end()) {
+        if (!recommended->is_boolean())
+            throw std::runtime_error("its 'recommended' is neither true nor false");
+        line.recommended = recommended->get<bool>();
+    }
+    return line;
+}
+
+json Parse(std::string_view text)
+{
+    if (text.size() > Requirements::MaxFile)
+        throw std::runtime_error("it is longer than " + std::to_string(Requirements::MaxFile) + " bytes");
+    if (!IsXmlText(text))
+        throw std::runtime_error("it is not UTF-8, or has a control character");
+    try {
+        return json::parse(text);
+    } catch (const json::exception& error) {
+        // "[…] parse error at line 1, …; last read: '…'", which may end in the middle of a character.
+        const std::string reason = error.what();
+        const std::size_t start = reason.find("] ") + 2;
+        throw std::runtime_error(reason.substr(start, reason.find("; last read") - start));
+    }
+}
+
+}  // namespace
+
+std::string Condition::Text() const
+{
+    std::string text(comparison->name);
+    text.append(" ").append(needed);
+    return std::string(Trim(text));
+}
+
+std::string Requirement::Needed() const
+{
+    std::string text;
+    for (const Condition& condition : anyOf)
+        text += (text.empty() ? "" : ", or ") + condition.Text();
+    return text;
+}
+
+Requirements Requirements::Read(std::string_view text)
+{
+    static constexpr std::string_view Names[] = {"title", "requirements"};
+    const json content = Parse(text);
+    CheckNames(content, Names);
+    return {ReadText(content, "title"),
+            ReadEach(ReadList(content, "requirements", 0, MaxLines), "requirement", ReadLine)};
+}
+
+std::optional<Requirements> Requirements::ReadStored(std::string_view text)
+{
+    try {
+        return Read(text);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+std::vector<int> Requirements::Groups() const
+{
+    std::vector<int> groups{SessionGroup, ReferrerGroup, UserGroup};
+    for (const Requirement& line : lines) {
+        for (const Condition& condition : line.anyOf) {
+            if (std::find(groups.begin(), groups.end(), condition.group) == groups.end())
+                groups.push_back(condition.group);
+        }
+    }
+    return groups;
+}
+
+}  // namespace kel

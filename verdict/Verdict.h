@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "verdict/Requirements.h"
+
+namespace kel {
+
+/// The value of a group by its index, 0 being the first; nothing when the machine's report has no such value.
+using ValueLookup = std::function<std::optional<std::string>(int group, int index)>;
+
+/// One condition, and whether the machine meets it.
+struct VerdictPart {
+    int group = 0;
+    std::string needed;  // with the comparison: "at least 2 GB"
+    std::string found;   // empty when the machine has no such value
+    Result result = Result::Unknown;
+};
+
+/// One requirement, and how the machine meets it.
+struct VerdictLine {
+    int group = 0;  // of the first alternative
+    std::string label;
+    std::string needed;  // with the comparison: "at least 2 GB"; all alternatives: "…, or …"
+    std::string found;   // empty when the machine has no such value; all alternatives: "…; …"
+    Result result = Result::Unknown;
+    std::string advice;
+    bool recommended = false;
+    std::vector<VerdictPart> parts = {};  // the alternatives; a plain line has one
+};
+
+/// Whether a machine meets a product's requirements.
+struct Verdict {
+    static constexpr std::size_t MaxFound = 1000;  // bytes; longer values are truncated
+    /// Bytes of all values in the verdict; values past it are shown as "…". Even with each byte escaped, the
+    /// verdict stays below the 16 MB that a client accepts.
+    static constexpr std::size_t MaxFoundTotal = 524'288;
+
+    std::string title;
+    std::vector<VerdictLine> lines;
+    Result total = Result::Unknown;
+};
+
+/// Judges a machine by its values. A line with alternatives passes when one passes; otherwise it is unknown
+/// when one is unknown. The total fails when a line fails; otherwise it is unknown when a line is unknown.
+/// Recommendations do not affect it; without any other line it is unknown.
+Verdict Judge(const Requirements& requirements, const ValueLookup& lookup);
+
+}  // namespace kel

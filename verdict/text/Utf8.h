@@ -1,0 +1,25 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace kel {
+
+/// Takes the first code point off the text. Nothing, and the text as it was, when it does not begin with one:
+/// empty, cut, overlong, a surrogate, or past U+10FFFF.
+std::optional<char32_t> TakeCodePoint(std::string_view& text);
+
+/// Whether the text is UTF-8 without a NUL.
+bool IsPlainText(std::string_view text);
+
+/// Whether an XML 1.0 document may contain this character.
+bool IsXmlCharacter(char32_t c);
+
+/// Whether the text is UTF-8 of characters that an XML document may contain.
+bool IsXmlText(std::string_view text);
+
+/// Appends the code point's bytes.
+void AppendCodePoint(std::string& text, char32_t codePoint);
+
+}  // namespace kel
