@@ -66,7 +66,8 @@ class Packaged(unittest.TestCase):
             subprocess.run([ROOT / "scripts" / "package_service.sh", version, folder / name], check=True, capture_output=True)
         [now], [again] = ([path.read_bytes() for path in (folder / name).glob("*.deb")] for name in ("now", "again"))
         self.assertTrue(now == again, "the packages differ")
-        shutil.copy(Path(__file__).parent / "crowd.py", folder)
+        for name in ("crowd.py", "deaf.py"):
+            shutil.copy(Path(__file__).parent / name, folder)
         expected = (Path(__file__).parent / "operation.txt").read_text("ascii")
         lines = (line for line in expected.splitlines() if line[:1] in ("", "#", "$"))
         script = "".join(f"printf '%s\\n' {shlex.quote(line)}\n{line.removeprefix('$ ')}\n" for line in lines)
