@@ -268,6 +268,13 @@ class Faults(DataTest):
                 self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 200)
 
     @postgresql
+    def test_a_server_without_room_is_a_full_disk(self):
+        self.database.run("CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+                          "RAISE disk_full; END $$; CREATE TRIGGER fail BEFORE INSERT ON report EXECUTE FUNCTION fail()")
+        self.assertEqual(self.upload("refused"), (503, b""))
+        self.assertIn("event=refused status=507", self.log_text())
+
+    @postgresql
     def test_a_server_that_says_nothing_is_given_up(self):
         self.upload("s")
         for pid in self.database.run("SELECT pid FROM pg_stat_activity WHERE application_name = 'kel_server'"):
