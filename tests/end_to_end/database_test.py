@@ -179,9 +179,10 @@ class Faults(DataTest):
         with self.database.held():
             upload = threading.Thread(target=lambda: answers.append(self.upload("slow")))
             upload.start()
-            time.sleep(0.5)
+            self.await_answer(lambda: b'kel_bodies_bytes{door="public"} 0\n' in self.ask(
+                "GET", "/metrics", address=self.admin)[1], False)
             self.process.terminate()
-            time.sleep(0.5)
+            time.sleep(0.5)  # a stop that does not wait takes less
             self.assertIsNone(self.process.poll())
         upload.join()
         self.assertEqual((answers, self.process.wait(PATIENCE), self.sessions()), ([(200, b"OK")], 0, "slow"))
