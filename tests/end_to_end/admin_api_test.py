@@ -95,6 +95,8 @@ class Programs(AdminTest):
                 self.assertEqual(answer.status, status, text)
                 if status == 200 and verb == "GET":
                     self.assertEqual((answer.headers["ETag"], text), ('"2"', good + " "))
+                if status == 200 and verb == "POST":
+                    self.assertEqual(json.loads(text), {"version": 2})
         [entry] = self.get("referrers")[1]["referrers"]
         self.assertEqual((entry["referrer"], entry["version"], entry["draft"]), ("demo", 2, False))
         done = self.database.run("SELECT account, action, subject FROM audit ORDER BY id")[-3:]
