@@ -21,7 +21,7 @@ class Programs(AdminTest):
 
     def test_reports_are_read_by_and_by(self):
         for number in range(5):
-            cells = {"v1": "=1+1", "v2": "+1", "v3": "-1", "v4": "@a", "v5": 'say "x", y', "v6": "a\nb", "v7": "\ta"}
+            cells = {"v1": "=1+1", "v2": "+1", "v3": "-1", "v4": "@a", "v5": 'say "x", y', "v6": "a\nb", "v7": "\ta", "v8": ""}
             self.upload(f"s{number}", v71063=f"{number}.0 GB", **cells)
         self.judged("s0")
         status, first = self.get("reports?count=2")
@@ -33,7 +33,7 @@ class Programs(AdminTest):
         self.assertEqual(self.get("reports?after=5"), (200, {"reports": [], "last": 5}))
         rows = list(csv.DictReader(io.StringIO(self.get("reports?after=4&format=csv")[1], newline="")))
         self.assertEqual({row["id"]: row["value"] for row in rows if len(row["id"]) == 1},
-                         {"1": "'=1+1", "2": "'+1", "3": "'-1", "4": "'@a", "5": 'say "x", y', "6": "a\nb", "7": "'\ta"})
+                         {"1": "'=1+1", "2": "'+1", "3": "'-1", "4": "'@a", "5": 'say "x", y', "6": "a\nb", "7": "'\ta", "8": ""})
         self.assertEqual({(row["report"], row["session"]) for row in rows}, {("5", "s4")})
         for query in ("after=x", "count=0", "count=-1", "after=-1", "format=xml"):
             self.assertEqual(self.get(f"reports?{query}")[0], 400, query)
@@ -95,6 +95,8 @@ class Programs(AdminTest):
                 self.assertEqual(answer.status, status, text)
                 if status == 200 and verb == "GET":
                     self.assertEqual((answer.headers["ETag"], text), ('"2"', good + " "))
+                if status == 200 and verb == "POST":
+                    self.assertEqual(json.loads(text), {"version": 2})
         [entry] = self.get("referrers")[1]["referrers"]
         self.assertEqual((entry["referrer"], entry["version"], entry["draft"]), ("demo", 2, False))
         done = self.database.run("SELECT account, action, subject FROM audit ORDER BY id")[-3:]

@@ -45,6 +45,7 @@ class Editing(AdminTest):
                 ("another order", (more, other, minimum), [("6", "6"), ("2", "2"), ("4", "4")]),
                 ("a changed minimum", (("M", "5 GB", False), more, other), [("5", "4"), ("6", "6"), ("2", "2")]),
                 ("both changed", (("M", "7 GB", True), ("M", "3 GB", False), other), [("7", "6"), ("3", "4"), ("2", "2")]),
+                ("another kind", (minimum, more, ("N", "4 GB", True)), [("4", "4"), ("6", "6"), ("4", "2")]),
                 ("one line more", (minimum, minimum, more, other), [("4", "4"), ("4", "new"), ("6", "6"), ("2", "2")]),
                 ("one line less", (more, other), [("6", "6"), ("2", "2")])):
             page = PageParser(self.act("try", lines(*draft))[1])

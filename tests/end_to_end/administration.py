@@ -9,6 +9,7 @@ from html.parser import HTMLParser
 from urllib.parse import urlencode
 
 from deployed import SERVER, UPLOAD, DeployedTest, analysis
+from harness import PATIENCE
 
 PASSWORD = "correct horse battery"
 
@@ -74,11 +75,11 @@ class AdminTest(DeployedTest):
 
     def run_command(self, *words, given=""):
         return subprocess.run([SERVER, *words, "--database", self.database.setting], input=given, capture_output=True,
-                              text=True, timeout=20)
+                              text=True, timeout=PATIENCE)
 
     def visit(self, verb, path, body="", cookie=None, **headers):
         """The answer and its text. A body of fields is sent as a form."""
-        connection = http.client.HTTPConnection(self.admin, timeout=20)
+        connection = http.client.HTTPConnection(self.admin, timeout=PATIENCE)
         self.addCleanup(connection.close)
         given = {name.replace("_", "-"): value for name, value in headers.items()}
         if cookie:

@@ -179,9 +179,10 @@ class Faults(DataTest):
         with self.database.held():
             upload = threading.Thread(target=lambda: answers.append(self.upload("slow")))
             upload.start()
-            time.sleep(0.5)
+            self.await_answer(lambda: b'kel_bodies_bytes{door="public"} 0\n' in self.ask(
+                "GET", "/metrics", address=self.admin)[1], False)
             self.process.terminate()
-            time.sleep(0.5)
+            time.sleep(0.5)  # a stop that does not wait takes less
             self.assertIsNone(self.process.poll())
         upload.join()
         self.assertEqual((answers, self.process.wait(PATIENCE), self.sessions()), ([(200, b"OK")], 0, "slow"))
@@ -266,6 +267,13 @@ class Faults(DataTest):
             Postgres.server.start_again()
             for _ in range(8):
                 self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 200)
+
+    @postgresql
+    def test_a_server_without_room_is_a_full_disk(self):
+        self.database.run("CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
+                          "RAISE disk_full; END $$; CREATE TRIGGER fail BEFORE INSERT ON report EXECUTE FUNCTION fail()")
+        self.assertEqual(self.upload("refused"), (503, b""))
+        self.assertIn("event=refused status=507", self.log_text())
 
     @postgresql
     def test_a_server_that_says_nothing_is_given_up(self):

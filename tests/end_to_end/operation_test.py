@@ -27,7 +27,8 @@ class Metrics(DeployedTest):
 
     def test_what_clients_do_is_counted(self):
         self.require("r", (1, "M", "at least", "4 GB"))
-        for verb, path, body in (("POST", UPLOAD, REPORT.format("s")), ("POST", UPLOAD, "x"), ("GET", '/"no', ""),
+        forbidden = REPORT.format("s").replace("</groups>", '<group id="2"><value>\1&#2;</value></group></groups>')
+        for verb, path, body in (("POST", UPLOAD, forbidden), ("POST", UPLOAD, "x"), ("GET", '/"no', ""),
                                  ("POST", "/service/Analysis/r", analysis("s")), ("BREW", UPLOAD, "")):
             self.ask(verb, path, body)
         for rest in (b"Content-Length: 3000000\r\n\r\n", b"\0\r\n\r\n", b"X: " + b"x" * 9000, b"Content-Length: 5\r\n\r\n<"):
@@ -39,6 +40,7 @@ class Metrics(DeployedTest):
         self.assertEqual(self.metrics("refusals_total"), {
             f'kel_http_refusals_total{{door="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
         self.assertEqual([*self.metrics("verdicts_total").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
+        self.assertEqual(self.metrics("replaced"), {"kel_characters_replaced_total": 2})
         times = list(self.metrics("seconds_bucket").values())
         self.assertEqual((times, times[-2:]), (sorted(times), [5, 5]))  # none took ten seconds
 
@@ -66,7 +68,8 @@ class Packaged(unittest.TestCase):
             subprocess.run([ROOT / "scripts" / "package_service.sh", version, folder / name], check=True, capture_output=True)
         [now], [again] = ([path.read_bytes() for path in (folder / name).glob("*.deb")] for name in ("now", "again"))
         self.assertTrue(now == again, "the packages differ")
-        shutil.copy(Path(__file__).parent / "crowd.py", folder)
+        for name in ("crowd.py", "deaf.py"):
+            shutil.copy(Path(__file__).parent / name, folder)
         expected = (Path(__file__).parent / "operation.txt").read_text("ascii")
         lines = (line for line in expected.splitlines() if line[:1] in ("", "#", "$"))
         script = "".join(f"printf '%s\\n' {shlex.quote(line)}\n{line.removeprefix('$ ')}\n" for line in lines)

@@ -264,6 +264,14 @@ class Crowds(DeployedTest):
                 self.await_answer(lambda: re.search(rb'connections{door="public"} (\d)', self.ask(
                     "GET", "/metrics", address=self.admin)[1])[1], count)
 
+    def test_a_client_that_stays_after_a_refusal_is_gone_after_a_time(self):
+        self.stop()
+        self.start("--answer-seconds", "3600")
+        refused = self.connect(HEAD + b"Content-Length: 9999999\r\n\r\n")
+        self.assertEqual(refused.recv(4096)[9:12], b"413")
+        self.await_answer(lambda: re.search(rb'connections{door="public"} (\d)', self.ask(
+            "GET", "/metrics", address=self.admin)[1])[1], b"0")
+
     def deaf(self, data):
         """A client that sends this, and reads nothing."""
         connection = socket.socket()
@@ -393,7 +401,8 @@ class Commands(DeployedTest):
             log = self.command("serve", *words, code=1)
             self.assertIn("no setting 'database", log)
             self.assertNotIn("secret", log)
-        for words in (("--help",), ("serve", "--help"), ("user",), ("user", "add", "x"), ("token", "x"), ("serve", "x"), ()):
+        for words in (("--help",), ("serve", "--help"), ("user",), ("user", "add", "x"), ("token", "x"), ("serve", "x"),
+                      ("serve", "-x"), ()):
             self.assertIn("usage: kel_server", self.command(*words, code=2))
 
     @unittest.skipUnless(KIND == "sqlite", "of a file")

@@ -185,7 +185,10 @@ def measure_hostile(folder, options):
     attacks = [attack for attack in hostile.ATTACKS if options.match in attack[0]]
     rows = hostile.measure(attacks, lambda *settings: service(folder, database, *settings), database, options.seconds,
                            options.rest)
-    return f"{machine()}, {options.seconds:g} s each; attackers and visitor run on the same processors.\n\n" + hostile.table(rows)
+    return (f"{machine()}, {options.seconds:g} s each; attackers and visitor run on the same processors. The largest report has "
+            f"the {hostile.MAX_BODY // 1024} KB that a body may have by default, and {hostile.MAX_GROUPS:,} groups of values. "
+            f"Memory \"afterwards\" is what the service keeps at the end of the attack; in the row about memory, after "
+            f"{options.rest:g} s of attack and {options.rest:g} s of rest.\n\n" + hostile.table(rows))
 
 
 def machine():
@@ -214,7 +217,7 @@ def main():
     parser.add_argument("--reports", type=int, default=1_000_000)
     parser.add_argument("--page", action="store_true")
     parser.add_argument("--hostile", action="store_true")
-    parser.add_argument("--rest", type=float, default=30, help="seconds until memory is looked at again")
+    parser.add_argument("--rest", type=float, default=30, help="seconds of the attack on memory, and as many of rest")
     parser.add_argument("--match", default="", help="only attacks whose names contain this text")
     options = parser.parse_args()
     if options.hostile:

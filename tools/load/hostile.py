@@ -18,6 +18,8 @@ UPLOAD = f"/Data/Service.svc/upload?apikey={KEY}"
 ANALYSIS = "/service/Analysis/demo"
 RATE, BURST = 50, 200  # what the proxy's example lets one address ask a second, and at once
 SMALL = 16 * 1024
+MAX_BODY, MAX_GROUPS = 256 * 1024, 4990  # of a report that is taken with its session and memory
+MAX_FORM = 4 * 1024 * 1024
 
 
 def report(session, groups="", spaces=0):
@@ -35,15 +37,13 @@ def request(method, target, body=b""):
 
 def largest(port):
     """Uploads the most expensive report that the service takes, as the session "large": its body."""
-    for groups, size in (120_000, 2_097_152), (4_990, 262_144):
-        body = report("large", '<group id="z1"/>' * groups)
-        body += b" " * (size - len(body))
-        with closing(http.client.HTTPConnection("127.0.0.1", port, timeout=60)) as connection:
-            with suppress(OSError):  # refused before all of it was sent
-                connection.request("POST", UPLOAD, body)
-            if connection.getresponse().status == 200:
-                return body
-    raise RuntimeError("no large report is taken")
+    body = report("large", '<group id="z1"/>' * MAX_GROUPS)
+    body += b" " * (MAX_BODY - len(body))
+    with closing(http.client.HTTPConnection("127.0.0.1", port, timeout=60)) as connection:
+        connection.request("POST", UPLOAD, body)
+        if connection.getresponse().status != 200:
+            raise RuntimeError("the largest report is not taken")
+    return body
 
 
 class Allowance:
@@ -99,36 +99,38 @@ async def all_of(clients):
     await asyncio.gather(*clients)
 
 
-def verdicts(port, _, count=150, allowance=Allowance):
+def verdicts(port, *_, count=150, allowance=Allowance):
     shared = allowance()
     return [repeat(port, request("POST", ANALYSIS, analysis("large")), shared) for _ in range(count)]
 
 
-def unlimited(port, _):
-    return verdicts(port, _, allowance=lambda: None)
+def unlimited(port, *_):
+    return verdicts(port, allowance=lambda: None)
 
 
-def forgotten(port, _):
+def forgotten(port, *_):
     allowance = Allowance()
     return [forget(port, request("POST", ANALYSIS, analysis("large")), allowance) for _ in range(20)]
 
 
-def bodies(port, body, count=60):
+def bodies(port, body, _=None, count=60):
     return [repeat(port, request("POST", UPLOAD, body), None) for _ in range(count)]
 
 
-def halves(port, body):
+def halves(port, body, _):
     head = f"POST {UPLOAD} HTTP/1.1\r\nHost: localhost\r\nContent-Length: ".encode()
     return ([begin(port, head + b"%d\r\n\r\n" % len(body) + body[:-100]) for _ in range(268_435_456 // len(body) + 50)] +
             [begin(port, head + b"%d\r\n\r\n" % SMALL + body[:SMALL - 100]) for _ in range(1000)])
 
 
-def crowd(port, body):
+def crowd(port, body, admin):
     headers = [begin(port, b"POST / HTTP/1.1\r\nX: " + b"x" * 7900) for _ in range(9500)]
-    return headers + bodies(port, body, 50) + verdicts(port, body)
+    form = request("POST", "/login", b"x" * MAX_FORM)[:-100]
+    forms = [begin(admin, form) for _ in range(128)]
+    return headers + forms + bodies(port, body, count=50) + verdicts(port)
 
 
-def nothing(_port, _body):
+def nothing(*_):
     return []
 
 
@@ -145,11 +147,11 @@ def settle(server, patience=30):
             break
 
 
-def attack(clients, port, body):
+def attack(clients, *target):
     """In a process of its own, until it is ended."""
     limit = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
     resource.setrlimit(resource.RLIMIT_NOFILE, (limit, limit))
-    asyncio.run(all_of(clients(port, body)))
+    asyncio.run(all_of(clients(*target)))
 
 
 @contextmanager
@@ -181,13 +183,12 @@ class Times:
 
 
 def visit(server, seconds, is_read_only):
-    """A visitor's requests, and the operator's checks beside them: their times, and the most memory."""
-    visitor, check, memory, end = Times(), Times(), [], time.monotonic() + seconds
+    """A visitor's requests, and the operator's checks beside them: their times."""
+    visitor, check, end = Times(), Times(), time.monotonic() + seconds
 
     def watch():
         while time.monotonic() < end:
             check.ask(server.admin, "GET", "/readyz")
-            memory.append(server.memory("VmRSS"))
             time.sleep(0.05)
     watcher = threading.Thread(target=watch)
     watcher.start()
@@ -200,7 +201,7 @@ def visit(server, seconds, is_read_only):
             visitor.ask(server.port, "POST", ANALYSIS, analysis(f"v{number}"))
         time.sleep(0.02)
     watcher.join()
-    return visitor, check, max(memory)
+    return visitor, check
 
 
 ATTACKS = (
@@ -208,7 +209,7 @@ ATTACKS = (
     ("the same without a proxy", unlimited, 2), ("verdicts that nobody waits for, within the proxy's limits", forgotten, 2),
     ("60 connections, the largest bodies, without a proxy", bodies, 2),
     ("bodies sent by half: 256 MB large, 1,000 small", halves, 2),
-    ("9,500 headers sent by half, 150 connections for verdicts, 50 for bodies; 16 threads", crowd, 16),
+    ("memory with 16 workers: 9,500 headers and 128 forms sent by half, 150 connections for verdicts, 50 for bodies", crowd, 16),
     ("the database locked by another process, 60 uploads; group lists alone", bodies, 2))
 
 
@@ -226,20 +227,22 @@ def end(server, body):
 
 
 def measure(attacks, start, database, seconds, rest):
-    """A row for each attack. `start` starts a service with the given settings; `rest`: seconds until memory is looked at
-    again."""
+    """A row for each attack. `start` starts a service with the given settings. Where memory is the question, the attack has
+    at least `rest` seconds to take it, and the service as many to give it back."""
     for name, clients, workers in attacks:
-        is_locked = "locked" in name
+        is_locked, patience = "locked" in name, rest if "memory" in name else 0
         with start("--workers", str(workers)) as server:
             body = largest(server.port)
-            attacker = multiprocessing.get_context("fork").Process(target=attack, args=(clients, server.port, body), daemon=True)
+            target = clients, server.port, body, server.admin
+            attacker = multiprocessing.get_context("fork").Process(target=attack, args=target, daemon=True)
             with locked(database) if is_locked else nullcontext():
                 attacker.start()
                 settle(server)
-                visitor, check, peak = visit(server, seconds, is_locked)
+                visitor, check = visit(server, max(seconds, patience), is_locked)
             attacker.kill()
             attacker.join()
-            time.sleep(rest if workers > 2 else 0)
+            peak = server.memory()
+            time.sleep(patience)
             left = server.memory("VmRSS")
             stop = end(server, body)
         yield name, visitor, check, peak, left, stop
