@@ -74,7 +74,7 @@ std::string Records(const FullReport& report, const std::string& total)
 }
 
 /// The draft's revision that the request is for: If-Match: "3".
-int RevisionOf(const AdminRequest& request)
+int ReadRevision(const AdminRequest& request)
 {
     const std::string* match = request.http.Header("If-Match");
     if (!match)
@@ -189,7 +189,7 @@ Answer WriteDraft(const AdminRequest& request)
     const std::string& referrer = request.Referrer();
     const std::string* none = request.http.Header("If-None-Match");
     const bool isNew = none && *none == "*";
-    const int revision = isNew ? 0 : RevisionOf(request);
+    const int revision = isNew ? 0 : ReadRevision(request);
     if (const std::string reason = ValidationError(request.http.body); !reason.empty())
         throw Fault(422, reason);
     const auto written =
@@ -206,7 +206,7 @@ Answer WriteDraft(const AdminRequest& request)
 Answer PublishRevision(const AdminRequest& request)
 {
     const auto publication =
-        Drafts(request.database, request.login.account).Publish(request.Referrer(), RevisionOf(request));
+        Drafts(request.database, request.login.account).Publish(request.Referrer(), ReadRevision(request));
     if (publication.version)
         return JsonAnswer({{"version", *publication.version}});
     throw publication.reason.empty() ? Stale() : Fault(422, publication.reason);

@@ -16,7 +16,7 @@ constexpr int PageRows = 100;
 Answer ShowAudit(const AdminRequest& request)
 {
     const std::int64_t before = std::max(WholeNumber(request.Query("before")), std::int64_t{0});
-    Table table("Who did what, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}});
+    Table table("Audit entries, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}});
     const auto notes = Audit(request.database).Entries(before, PageRows);
     for (const AuditEntry& note : notes)
         table.Add({Moment(note.time), Html::Stored(note.account), note.action,

@@ -11,7 +11,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t LongestLabel = 60;  // bytes
+constexpr std::size_t MaxLabelBytes = 60;  // bytes
 
 /// "8 GB" for a whole power of two.
 std::string BytesText(double bytes)
@@ -25,10 +25,10 @@ std::string BytesText(double bytes)
 
 }  // namespace
 
-Distribution::Place Distribution::PlaceOf(const std::string& value) const
+Distribution::Place Distribution::ToPlace(const std::string& value) const
 {
     if (kind == Kind::Text)
-        return {0, Shortened(Trim(value), LongestLabel)};
+        return {0, Shortened(Trim(value), MaxLabelBytes)};
     const auto quantity = ParseAmount(value);
     if (!quantity || quantity->number > 1e18 ||
         (kind == Kind::Bytes) != (quantity->kind == AmountKind::Bytes))
@@ -42,9 +42,9 @@ Distribution::Place Distribution::PlaceOf(const std::string& value) const
 
 void Distribution::Add(const std::string* value)
 {
-    const Place place = value ? PlaceOf(*value) : Place{};
+    const Place place = value ? ToPlace(*value) : Place{};
     if (place.second.empty())
-        ++untold;
+        ++unreported;
     else
         ++counts[place];
 }
@@ -55,7 +55,7 @@ std::vector<Distribution::Bar> Distribution::Bars() const
     std::stable_sort(places.begin(), places.end(),
                      [](const auto& left, const auto& right) { return left.second > right.second; });
     int other = 0;
-    for (; places.size() > MostBars; places.pop_back())
+    for (; places.size() > MaxBars; places.pop_back())
         other += places.back().second;
     if (kind != Kind::Text)
         std::sort(places.begin(), places.end());
@@ -65,8 +65,8 @@ std::vector<Distribution::Bar> Distribution::Bars() const
         bars.push_back({place.second, count, false});
     if (other > 0)
         bars.push_back({"other", other, true});
-    if (untold > 0)
-        bars.push_back({"not told", untold, true});
+    if (unreported > 0)
+        bars.push_back({"not reported", unreported, true});
     return bars;
 }
 

@@ -21,23 +21,23 @@ public:
         bool isRest = false;  // several values together, or none
     };
 
-    static constexpr std::size_t MostBars = 10;
+    static constexpr std::size_t MaxBars = 10;
 
     explicit Distribution(Kind kind) : kind(kind) {}
 
-    /// Counts a value; null, and one that cannot be read, is "not told".
+    /// Counts a value; null, and one that cannot be read, is "not reported".
     void Add(const std::string* value);
-    /// The most frequent values, then "other" and "not told" where they came.
+    /// The most frequent values, then "other" and "not reported" where they came.
     std::vector<Bar> Bars() const;
 
 private:
     using Place = std::pair<double, std::string>;  // in the order of amounts, and its label
 
-    Place PlaceOf(const std::string& value) const;
+    Place ToPlace(const std::string& value) const;
 
     Kind kind;
     std::map<Place, int> counts;
-    int untold = 0;
+    int unreported = 0;
 };
 
 }  // namespace kel::server

@@ -15,8 +15,8 @@ Html Help()
         {Html::Element("summary", {}, "How requirements are written"),
          Html::Element("p", {},
                        {"A line has the \"id\" of a value (", Link("/values", "all values"),
-                        "), a \"label\", a \"comparison\", what is \"needed\", and an \"advice\" for those "
-                        "who do not meet it."}),
+                        "), a \"label\", a \"comparison\", what is \"needed\", and an \"advice\" that is "
+                        "shown when it is not met."}),
          Html::Element(
              "p", {},
              "Comparisons: at least, at most (an amount such as 4 GB, 2 GHz or 3, or a resolution), at least "
@@ -24,7 +24,7 @@ Html Help()
              "place of "
              "id, comparison and needed a line may have \"any of\", a list of such three, of which one has "
              "to "
-             "hold. A line with \"recommended\": true is told, and has no say in the result.")});
+             "hold. A line with \"recommended\": true is shown but does not affect the result.")});
 }
 
 Html TextArea(const std::string& label, const std::string& name, const std::string& text, bool isFixed)
@@ -67,7 +67,7 @@ Answer DraftConflict(const AdminRequest& request, const std::string& text)
     const auto draft = RequirementSets(request.database).FindDraft(referrer);
     Html content;
     if (draft) {
-        content = Notice("bad", {"Somebody else has changed the draft meanwhile. Nothing was overwritten: "
+        content = Notice("bad", {"Another editor has changed the draft meanwhile. Nothing was overwritten: "
                                  "below are both texts."}) +
                   Html::Element("p", {},
                                 {"Theirs was saved ", Moment(draft->changed), " UTC by ",
@@ -80,7 +80,7 @@ Answer DraftConflict(const AdminRequest& request, const std::string& text)
     content += TextArea(draft ? "Their draft" : "The text in force", "theirs",
                         draft ? draft->text : NewestText(request.database, referrer), true) +
                Html::Element("h2", {}, "Your text") + EditorForm(request, text, draft ? draft->revision : 0);
-    return Page(request, "Somebody was faster", content, 409);
+    return Page(request, "Edit conflict", content, 409);
 }
 
 Html VersionsTable(const AdminRequest& request, const std::string& referrer)

@@ -7,7 +7,7 @@
 
 namespace kel::server {
 
-/// Changes of drafts by an account, from pages and from programs alike. The store puts each change into
+/// Changes of drafts by an account, from pages and from programs alike. The store adds each change to
 /// the audit; each publication is a line of the log.
 class Drafts {
 public:

@@ -1,9 +1,9 @@
 #include "server/admin/DraftCheck.h"
 #include "server/admin/DraftEditor.h"
+#include "server/admin/DraftPreview.h"
 #include "server/admin/Drafts.h"
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Trial.h"
 #include "verdict/text/Text.h"
 #include "server/store/RequirementSets.h"
 
@@ -14,7 +14,7 @@ namespace {
 Html Confirmation(const AdminRequest& request, const std::string& action, int revision,
                   const std::string& text, const Html& button)
 {
-    // The text comes along so that it can be shown again when somebody else is faster.
+    // The text comes along so that it can be shown again after an edit conflict.
     return PostForm(
         request, ProductPath(request.subject) + "/" + action,
         Hidden("revision", std::to_string(revision)) + Hidden("text", text) +
@@ -24,7 +24,7 @@ Html Confirmation(const AdminRequest& request, const std::string& action, int re
 
 Html Wrong(const std::string& why)
 {
-    return Notice("bad", "Not right yet: " + why);
+    return Notice("bad", "Not valid yet: " + why);
 }
 
 Answer AskToPublish(const AdminRequest& request, int revision, const std::string& text)
@@ -32,17 +32,18 @@ Answer AskToPublish(const AdminRequest& request, int revision, const std::string
     const Html content =
         Html::Element("p", {{"class", "lead"}},
                       "The draft is saved. Once it is published, every verdict is by these requirements.") +
-        Trial::Run(request.database, request.subject, Requirements::Read(text)).Show() +
+        DraftPreview::Run(request.database, request.subject, Requirements::Read(text)).Show() +
         Confirmation(request, "publish", revision, text, Button("Publish", "primary"));
     return Page(request, "Publish the draft of " + request.subject, content);
 }
 
 Answer AskToDrop(const AdminRequest& request, int revision)
 {
-    const Html content = Html::Element("p", {{"class", "lead"}},
-                                       "The draft's text goes for good. What is published stays as it is.") +
-                         Confirmation(request, "drop", revision, request.form.Text("text"),
-                                      Button("Drop the draft", "danger"));
+    const Html content =
+        Html::Element("p", {{"class", "lead"}},
+                      "The draft will be permanently deleted. Published versions stay as they are.") +
+        Confirmation(request, "drop", revision, request.form.Text("text"),
+                     Button("Drop the draft", "danger"));
     return Page(request, "Drop the draft of " + request.subject, content);
 }
 
@@ -68,7 +69,7 @@ Answer EditDraft(const AdminRequest& request)
         return DraftEditor(request, text, revision, Wrong(why));
     if (action == "try")
         return DraftEditor(request, text, revision,
-                           Trial::Run(request.database, referrer, Requirements::Read(text)).Show());
+                           DraftPreview::Run(request.database, referrer, Requirements::Read(text)).Show());
     if (action == "publish") {
         const auto saved = drafts.Save(referrer, text, revision);
         return saved ? AskToPublish(request, *saved, text) : DraftConflict(request, text);

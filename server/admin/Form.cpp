@@ -34,7 +34,7 @@ std::optional<Form> Form::Read(std::string_view body)
         body.remove_prefix(std::min(field.size() + 1, body.size()));
         const std::size_t equals = std::min(field.find('='), field.size());
         const std::string_view value = field.substr(std::min(equals + 1, field.size()));
-        if (form.fields.size() == MostFields ||
+        if (form.fields.size() == MaxFields ||
             !form.fields
                  .emplace(Clean(DecodePercent(field.substr(0, equals), true)),
                           WithLineFeeds(Clean(DecodePercent(value, true))))

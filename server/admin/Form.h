@@ -11,7 +11,7 @@ namespace kel::server {
 /// The fields of a form that a browser sent, application/x-www-form-urlencoded.
 class Form {
 public:
-    static constexpr std::size_t MostFields = 32;
+    static constexpr std::size_t MaxFields = 32;
 
     /// Reads a body. Nothing when it has more fields, or one twice. Values are UTF-8 that shows, as Clean
     /// makes it, with line ends as single line feeds.

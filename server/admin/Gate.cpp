@@ -53,7 +53,7 @@ void CheckOrigin(const Request& request, const AdminSettings& settings)
 {
     const std::string origin = LowerHeader(request, "Origin");
     if (!request.Header("Origin"))
-        return;  // no browser, or one that is too old to tell; the token decides
+        return;  // not a browser, or one that is too old to send it; the token decides
     const std::size_t slashes = origin.find("://");
     const std::string host = slashes == std::string::npos ? std::string() : origin.substr(slashes + 3);
     if (host.empty() || (host != LowerHeader(request, "Host") && host != Lower(settings.host)))
@@ -62,7 +62,7 @@ void CheckOrigin(const Request& request, const AdminSettings& settings)
 
 void CheckToken(const AdminRequest& request, const std::string& token)
 {
-    if (request.login.formToken.empty() || !AreSame(request.login.formToken, token))
+    if (request.login.formToken.empty() || !EqualsInConstantTime(request.login.formToken, token))
         throw Fault(403,
                     "The form is not of this log-in; nothing was changed. Load its page again and send it "
                     "once more.");

@@ -25,7 +25,7 @@ public:
     static Html Element(std::string_view name, const Attributes& attributes, const Html& content = {});
     static Html Element(std::string_view name, const Attributes& attributes,
                         std::initializer_list<Html> content);
-    /// A text of a stranger inside of a sentence: its direction stays its own.
+    /// A stored text inside a sentence: its writing direction does not affect the rest.
     static Html Stored(std::string_view text);
 
 private:
@@ -38,8 +38,8 @@ inline Html operator+(Html left, const Html& right)
     return left;
 }
 
-/// The text as UTF-8 that shows: control characters but tabs and line ends, and what is no UTF-8, become
-/// U+FFFD.
+/// The text as printable UTF-8: control characters but tabs and line ends, and bytes that are not UTF-8,
+/// become U+FFFD.
 std::string Clean(std::string_view text);
 
 }  // namespace kel::server

@@ -9,7 +9,7 @@ namespace {
 
 constexpr const char* SiteName = "Analysis service";
 
-Html NavigationOf(const AdminRequest& request)
+Html Navigation(const AdminRequest& request)
 {
     struct Entry {
         const char *path, *label;
@@ -28,11 +28,11 @@ Html NavigationOf(const AdminRequest& request)
     return Html::Element("nav", {{"aria-label", "Pages"}}, Html::Element("ul", {}, list));
 }
 
-Html HeaderOf(const AdminRequest& request)
+Html PageHeader(const AdminRequest& request)
 {
     Html content = Html::Element("a", {{"class", "brand"}, {"href", "/"}}, SiteName);
     if (!request.login.account.empty()) {
-        content += NavigationOf(request);
+        content += Navigation(request);
         Html who = Html::Element(
             "span", {{"class", "who"}},
             {Html::Stored(request.login.account), " (" + std::string(ToString(request.login.role)) + ")"});
@@ -63,7 +63,7 @@ Answer Page(const AdminRequest& request, const std::string& title, const Html& c
     const Html body =
         Html::Element("body", {},
                       {Html::Element("a", {{"class", "skip"}, {"href", "#content"}}, "Skip to the content"),
-                       HeaderOf(request),
+                       PageHeader(request),
                        Html::Element("main", {{"id", "content"}, {"tabindex", "-1"}},
                                      {Html::Element("h1", {}, Html::Stored(title)), content})});
     Answer answer =
@@ -77,7 +77,7 @@ Answer ErrorPage(const AdminRequest& request, int status, const std::string& rea
 {
     const char* title = status == 403   ? "Not allowed"
                         : status == 404 ? "Not found"
-                        : status == 409 ? "Somebody was faster"
+                        : status == 409 ? "Edit conflict"
                         : status == 429 ? "Too many attempts"
                         : status >= 500 ? "The service cannot answer"
                                         : "That did not work";
@@ -121,7 +121,7 @@ Html Mark(std::optional<Result> result)
     return Html::Element("span", {{"class", "mark " + text}}, sign + text);
 }
 
-Html LabelOf(const std::string& label, bool recommended)
+Html LineLabel(const std::string& label, bool recommended)
 {
     const Html text = Html::Stored(label);
     return recommended ? text + " " + Html::Element("span", {{"class", "kind"}}, "Recommended") : text;

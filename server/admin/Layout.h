@@ -32,7 +32,7 @@ Html Notice(const std::string& kind, const Html& text);
 Html Mark(std::optional<Result> result);
 
 /// A requirement's label, with a word when it is a recommendation.
-Html LabelOf(const std::string& label, bool recommended);
+Html LineLabel(const std::string& label, bool recommended);
 
 Html Link(const std::string& path, const Html& text);
 

@@ -27,7 +27,7 @@ Result ResultIn(const nlohmann::json& line)
 }
 
 /// The names of the values that a line asks for, each once.
-std::string ValuesOf(const Requirement& line)
+std::string NamesOfValues(const Requirement& line)
 {
     std::set<int> seen;
     std::string values;
@@ -41,8 +41,8 @@ std::string ValuesOf(const Requirement& line)
 }
 
 /// The places of the recommendations, or of the other lines, those that fail most first.
-std::vector<std::size_t> PlacesOf(const Requirements& requirements, const std::vector<Counts>& counts,
-                                  bool recommended)
+std::vector<std::size_t> SortedPlaces(const Requirements& requirements, const std::vector<Counts>& counts,
+                                      bool recommended)
 {
     std::vector<std::size_t> places;
     for (std::size_t i = 0; i < requirements.lines.size() && i < counts.size(); ++i) {
@@ -56,8 +56,8 @@ std::vector<std::size_t> PlacesOf(const Requirements& requirements, const std::v
     return places;
 }
 
-Html TableOf(const std::string& caption, const std::string& kind, const Requirements& requirements,
-             const std::vector<Counts>& counts, const std::vector<std::size_t>& places)
+Html LineTable(const std::string& caption, const std::string& kind, const Requirements& requirements,
+               const std::vector<Counts>& counts, const std::vector<std::size_t>& places)
 {
     Table table(caption, {{kind},
                           {"Value"},
@@ -69,7 +69,7 @@ Html TableOf(const std::string& caption, const std::string& kind, const Requirem
     for (const std::size_t place : places) {
         const Requirement& line = requirements.lines[place];
         const Counts& count = counts[place];
-        table.Add({LabelOf(line.label, line.recommended), ValuesOf(line), Html::Stored(line.Needed()),
+        table.Add({LineLabel(line.label, line.recommended), NamesOfValues(line), Html::Stored(line.Needed()),
                    Grouped(count.fail), Grouped(count.unknown), Grouped(count.pass),
                    Percentage(count.fail, count.fail + count.unknown + count.pass)});
     }
@@ -109,13 +109,13 @@ Html LineFigures::Show(Database& database) const
                                          " cannot be read by this program.");
             continue;
         }
-        const auto lines = PlacesOf(*requirements, counted.lines, false);
-        const auto recommendations = PlacesOf(*requirements, counted.lines, true);
-        figures += TableOf("Requirements of " + of + "; those that fail most first", "Requirement",
-                           *requirements, counted.lines, lines);
+        const auto lines = SortedPlaces(*requirements, counted.lines, false);
+        const auto recommendations = SortedPlaces(*requirements, counted.lines, true);
+        figures += LineTable("Requirements of " + of + "; those that fail most first", "Requirement",
+                             *requirements, counted.lines, lines);
         if (!recommendations.empty())
-            figures += TableOf("Recommendations of " + of + "; they do not affect the result",
-                               "Recommendation", *requirements, counted.lines, recommendations);
+            figures += LineTable("Recommendations of " + of + "; they do not affect the result",
+                                 "Recommendation", *requirements, counted.lines, recommendations);
     }
     if (left > 0)
         figures += Html::Element("p", {}, "Older versions judged " + Grouped(left) + " of them.");

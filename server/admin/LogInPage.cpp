@@ -51,7 +51,7 @@ Answer ShowLogIn(const AdminRequest& request)
 Answer LogIn(const AdminRequest& request)
 {
     if (request.isSingleSignOn)
-        throw Fault(404, "there is no such page");
+        throw Fault(404, "There is no such page.");
     const std::string name = Shortened(request.form.Text("name"), MaxNameBytes);
     const std::string &next = request.form.Text("next"), &password = request.form.Text("password");
     const auto found = Accounts(request.database).Find(name);
@@ -69,7 +69,7 @@ Answer LogIn(const AdminRequest& request)
         request.sessions.IsPassword(found, password) ? request.sessions.Begin(*found) : std::nullopt;
     if (!cookie) {
         request.throttle.Failed(guest);
-        // What is no name may be a password in the wrong field.
+        // An unknown name may be a password in the wrong field.
         const std::string who = found ? found->name : "unknown name";
         Audit(request.database).Add(who, "log-in failed", "");
         Log(Level::Warning, "log-in-failed", {{"account", who}});
@@ -93,7 +93,7 @@ Answer LogOut(const AdminRequest& request)
     request.sessions.End(request.login);
     Audit(request.database).Add(request.login.account, "logged out", "");
     Answer answer = Redirect("/login");
-    answer.headers.emplace_back("Set-Cookie", Sessions::NoCookie());
+    answer.headers.emplace_back("Set-Cookie", Sessions::ExpiredCookie());
     return answer;
 }
 

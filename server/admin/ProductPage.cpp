@@ -27,7 +27,7 @@ Html Figure(const std::string& name, const std::string& value)
     return Html::Element("div", {}, {Html::Element("b", {}, value), name});
 }
 
-Html FiguresOf(const Counts& totals)
+Html TotalFigures(const Counts& totals)
 {
     const int all = totals.pass + totals.fail + totals.unknown;
     return Html::Element("div", {{"class", "card figures"}},
@@ -63,7 +63,8 @@ Html MachineCharts(Database& database, const std::string& referrer)
         charts += Chart(Pictures[i].title, distributions[i].Bars());
     return Html::Element("p", {{"class", "lead"}},
                          "The charts are of " + recent.Text() +
-                             ". A report has what the requirements ask for; the rest is not told.") +
+                             ". A report has only the values that the requirements ask for; the others are "
+                             "not reported.") +
            Html::Element("div", {{"class", "charts"}}, charts);
 }
 
@@ -76,7 +77,7 @@ Answer ShowProduct(const AdminRequest& request)
     const Html content = Html::Element("p", {{"class", "buttons"}},
                                        {ButtonLink(RequirementsPath(referrer), "Requirements"),
                                         ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
-                         Html::Element("h2", {}, "The last verdicts") + FiguresOf(totals) +
+                         Html::Element("h2", {}, "The last verdicts") + TotalFigures(totals) +
                          LineTables(request.database, referrer) +
                          Html::Element("h2", {}, "What visitors have") +
                          MachineCharts(request.database, referrer);

@@ -17,10 +17,10 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds MaxTime{1};
 constexpr std::size_t ProductsAtOnce = 20;
 
-/// What looking back may take.
-class Allowance {
+/// The bounds of a look back, in time and in bytes.
+class ScanBudget {
 public:
-    /// Whether so many bytes more may be worked on; the first ones in any case.
+    /// Whether that many more bytes may be read; the first ones in any case.
     bool Allows(std::size_t more)
     {
         const bool isFirst = bytes == 0;
@@ -58,7 +58,7 @@ RecentSessions ForEachRecentReport(Database& database, const std::string& referr
     ReportFilter filter;
     filter.referrer = referrer;
     filter.count = RecentCount;
-    Allowance allowance;
+    ScanBudget budget;
     std::set<std::string> seen;
     std::vector<std::int64_t> newest;
     for (const ReportLine& line : Reports(database).List(filter)) {
@@ -67,7 +67,7 @@ RecentSessions ForEachRecentReport(Database& database, const std::string& referr
     }
     RecentSessions recent;
     Reports(database).ForEach(newest, [&](const FullReport& report) {
-        recent.isCut = !allowance.Allows(report.body.size());
+        recent.isCut = !budget.Allows(report.body.size());
         if (recent.isCut)
             return false;
         if (const auto read = ReadStored(report.body)) {
@@ -83,10 +83,10 @@ RecentSessions ForEachRecentVerdict(Database& database, const std::string& refer
                                     const std::function<void(const StoredVerdict&)>& use)
 {
     RecentSessions recent;
-    Allowance allowance;
+    ScanBudget budget;
     std::set<std::string> seen;
     Verdicts(database).ForEachRecent(referrer, RecentCount, [&](const StoredVerdict& verdict) {
-        recent.isCut = !allowance.Allows(verdict.lines.size());
+        recent.isCut = !budget.Allows(verdict.lines.size());
         if (!recent.isCut && seen.insert(verdict.session).second) {
             use(verdict);
             ++recent.count;

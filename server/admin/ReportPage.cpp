@@ -37,7 +37,7 @@ Html Fact(const char* name, const Html& value)
     return Html::Element("dt", {}, name) + Html::Element("dd", {}, value);
 }
 
-Html FactsOf(const FullReport& report)
+Html ReportFacts(const FullReport& report)
 {
     return Html::Element(
         "dl", {{"class", "facts card"}},
@@ -48,9 +48,9 @@ Html FactsOf(const FullReport& report)
          Fact("Machine", TextOrDash(report.machine))});
 }
 
-Html ValuesOf(const Report& report)
+Html ValuesTable(const Report& report)
 {
-    Table table("Values that the control told", {{"Id"}, {"What"}, {"Index", true}, {"Value"}});
+    Table table("Reported values", {{"Id"}, {"What"}, {"Index", true}, {"Value"}});
     std::size_t count = 0;
     for (const auto& [key, value] : report.All()) {
         if (++count > MaxValues)
@@ -92,7 +92,7 @@ Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullRe
             Html found = Mark(result);
             if (result != Result::Pass && !line.advice.empty())
                 found += Html::Element("div", {}, Html::Stored(line.advice));
-            table.Add({LabelOf(line.label, line.recommended), Html::Stored(line.needed),
+            table.Add({LineLabel(line.label, line.recommended), Html::Stored(line.needed),
                        TextOrDash(stored[i].at("found").get<std::string>()), found});
         }
     } catch (const std::exception& error) {
@@ -107,13 +107,13 @@ Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullRe
 Answer ShowReport(const AdminRequest& request)
 {
     const FullReport report = FindReport(request);
-    Html content = FactsOf(report);
+    Html content = ReportFacts(report);
     content += Html::Element("h2", {}, "Verdicts");
     const auto verdicts = Verdicts(request.database).OnReport(report.id);
     for (std::size_t i = 0; i < verdicts.size() && i < MaxVerdicts; ++i)
         content += VerdictTable(request.database, verdicts[i], report);
     if (verdicts.empty())
-        content += Html::Element("p", {{"class", "empty"}}, "Nobody has asked for a verdict on this report.");
+        content += Html::Element("p", {{"class", "empty"}}, "No verdict was requested for this report.");
     ReportFilter filter;
     filter.session = report.session;
     filter.beforeId = report.id;
@@ -121,7 +121,7 @@ Answer ShowReport(const AdminRequest& request)
     content += Html::Element("h2", {}, "Earlier reports of the session") +
                ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter),
                             "There are none.");
-    content += Html::Element("h2", {}, "Values") + ValuesOf(ReadStored(report.body).value_or(Report()));
+    content += Html::Element("h2", {}, "Values") + ValuesTable(ReadStored(report.body).value_or(Report()));
     if (request.IsEditor())
         content += Html::Element(
             "p", {},
@@ -135,7 +135,7 @@ Answer AskToDeleteSession(const AdminRequest& request)
     const Html content =
         Html::Element("p", {},
                       {"All reports of the session ", Html::Stored(Shortened(report.session, MaxValueBytes)),
-                       " and their verdicts go for good."}) +
+                       " and their verdicts will be permanently deleted."}) +
         PostForm(request, ReportPath(report.id) + "/delete",
                  Html::Element("div", {{"class", "buttons"}},
                                {Button("Delete them", "danger"), Link(ReportPath(report.id), "Keep them")}));

@@ -15,7 +15,7 @@ constexpr std::int64_t Day = 86'400'000;  // milliseconds
 constexpr const char* Names[] = {"referrer", "verdict", "from", "until", "session"};
 
 /// The address of the list with the same filters and another place in it.
-std::string AddressOf(const AdminRequest& request, const std::string& place, std::int64_t id)
+std::string ListAddress(const AdminRequest& request, const std::string& place, std::int64_t id)
 {
     std::string address = "/reports?" + place + "=" + std::to_string(id);
     for (const char* name : Names) {
@@ -59,8 +59,8 @@ Answer ShowReports(const AdminRequest& request)
     filter.session = request.Query("session");
     const std::string verdict = request.Query("verdict");
     filter.total = ParseResult(verdict);
-    filter.from = DayOf(request.Query("from")).value_or(0);
-    if (const auto until = DayOf(request.Query("until")))
+    filter.from = ParseDay(request.Query("from")).value_or(0);
+    if (const auto until = ParseDay(request.Query("until")))
         filter.until = *until + Day;
     // A page is a place between ids and not a number of rows, so reports that come in move nothing.
     const std::int64_t before = WholeNumber(request.Query("before")),
@@ -80,14 +80,15 @@ Answer ShowReports(const AdminRequest& request)
         std::reverse(lines.begin(), lines.end());
     Html pages;
     if (!lines.empty() && (before > 0 || (isAscending && goesOn)))
-        pages += Link(AddressOf(request, "after", lines.front().id), "← Newer");
+        pages += Link(ListAddress(request, "after", lines.front().id), "← Newer");
     if (!lines.empty() && (isAscending ? after > 0 : goesOn))
-        pages += Link(AddressOf(request, "before", lines.back().id), "Older →");
+        pages += Link(ListAddress(request, "before", lines.back().id), "Older →");
     Html content;
     if (request.Query("note") == "deleted")
         content += Notice("good", "The session's reports are deleted.");
     if (request.Query("note") == "left")
-        content += Notice("note", "The session has so many reports that some are left. Delete once more.");
+        content += Notice("note",
+                          "The session has more reports than one deletion takes. Delete again for the rest.");
     content += FilterForm(request) + ReportsTable("Reports, the newest first", lines, "No reports here.");
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);

@@ -29,7 +29,7 @@ std::string InLines(const std::string& text)
     return content.is_discarded() ? text : content.dump(2) + "\n";
 }
 
-Html NoticeOf(const AdminRequest& request)
+Html NoteNotice(const AdminRequest& request)
 {
     const std::string note = request.Query("note");
     if (note == "saved")
@@ -68,12 +68,12 @@ Answer ShowRequirements(const AdminRequest& request)
                 Html::Element("h2", {}, "Draft") + Html::Element("pre", {{"tabindex", "0"}}, draft->text);
         return Page(request, "Requirements of " + referrer, content + VersionsTable(request, referrer));
     }
-    Html result = NoticeOf(request);
+    Html result = NoteNotice(request);
     if (const std::string from = request.Query("from"); !from.empty()) {
         const std::string text = VersionText(request.database, referrer, WholeNumber(from));
-        return DraftEditor(
-            request, text, draft ? draft->revision : 0,
-            Notice("note", "This is the text of version " + from + ". It is no draft until it is saved."));
+        return DraftEditor(request, text, draft ? draft->revision : 0,
+                           Notice("note", "This is the text of version " + from +
+                                              ". It becomes the draft once it is saved."));
     }
     if (draft) {
         result += Html::Element(

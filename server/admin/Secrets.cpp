@@ -45,7 +45,7 @@ std::string HashOf(std::string_view secret, std::string_view key)
     return sodium_bin2hex(text.data(), text.size(), hash.data(), hash.size());
 }
 
-bool AreSame(std::string_view left, std::string_view right)
+bool EqualsInConstantTime(std::string_view left, std::string_view right)
 {
     return left.size() == right.size() && sodium_memcmp(left.data(), right.data(), left.size()) == 0;
 }

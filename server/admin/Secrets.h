@@ -9,12 +9,12 @@ namespace kel::server {
 /// none, as all here.
 std::string RandomText();
 
-/// A hash of what RandomText made: from it the secret cannot be told. With a key, also what nobody without
-/// the key could make.
+/// A hash of what RandomText made: the secret cannot be found from it. With a key, nobody else can make
+/// it.
 std::string HashOf(std::string_view secret, std::string_view key = {});
 
-/// Whether the texts are the same, in a time that tells nothing about where they differ.
-bool AreSame(std::string_view left, std::string_view right);
+/// Whether the texts are the same, in a time that does not depend on where they differ.
+bool EqualsInConstantTime(std::string_view left, std::string_view right);
 
 inline constexpr std::size_t MaxPasswordBytes = 1000;
 

@@ -14,7 +14,7 @@ constexpr std::string_view CookieName = "__Host-kel", KnownName = "__Host-kel-kn
 constexpr std::string_view CookieRules = "; Path=/; Secure; HttpOnly; SameSite=Lax";
 constexpr std::int64_t Hour = 3'600'000;  // milliseconds
 
-std::string CookieOf(const Request& request, std::string_view name)
+std::string ReadCookie(const Request& request, std::string_view name)
 {
     const std::string* header = request.Header("Cookie");
     for (std::string_view rest = header ? *header : std::string_view(); !rest.empty();) {
@@ -28,12 +28,12 @@ std::string CookieOf(const Request& request, std::string_view name)
 }
 
 /// Says that this browser's random text was given to the account with its present password.
-std::string KnownMark(const std::string& browser, const Account& account)
+std::string TrustedBrowserMark(const std::string& browser, const Account& account)
 {
     return HashOf(browser, HashOf(account.hash));  // which has a salt of its own
 }
 
-/// What its holder shows; empty when the account has another password by now.
+/// The secret that its holder sends; empty when the account's password has changed meanwhile.
 std::string BeginLogin(Database& database, const Account& account, LoginKind kind, std::int64_t duration)
 {
     std::string secret = RandomText();
@@ -77,7 +77,7 @@ void Sessions::End(const Login& login)
     Accounts(database).EndLogin(login.key);
 }
 
-std::string Sessions::NoCookie()
+std::string Sessions::ExpiredCookie()
 {
     return std::string(CookieName).append("=; Max-Age=0").append(CookieRules);
 }
@@ -87,24 +87,25 @@ std::string Sessions::KnownCookie(const Account& account)
     const std::string browser = RandomText();
     return std::string(KnownName)
         .append("=")
-        .append(browser + "." + KnownMark(browser, account))
+        .append(browser + "." + TrustedBrowserMark(browser, account))
         .append("; Max-Age=31536000")
         .append(CookieRules);
 }
 
 std::string Sessions::KnownBrowser(const Request& request, const Account& account)
 {
-    const std::string cookie = CookieOf(request, KnownName);
+    const std::string cookie = ReadCookie(request, KnownName);
     const std::size_t dot = std::min(cookie.find('.'), cookie.size());
     std::string browser = cookie.substr(0, dot);
-    const bool isKnown = !browser.empty() && AreSame(cookie.substr(dot), "." + KnownMark(browser, account));
+    const bool isKnown = !browser.empty() &&
+                         EqualsInConstantTime(cookie.substr(dot), "." + TrustedBrowserMark(browser, account));
     return isKnown ? browser : std::string();
 }
 
 std::optional<Login> Sessions::Find(const Request& request)
 {
     if (!settings.singleSignOn)
-        return FindKind(database, CookieOf(request, CookieName), LoginKind::Browser);
+        return FindKind(database, ReadCookie(request, CookieName), LoginKind::Browser);
     const std::string* name = request.Header("X-Remote-User");
     const auto account = name && *name == Clean(*name) ? Accounts(database).Find(*name) : std::nullopt;
     if (!account)
@@ -125,7 +126,7 @@ std::string MakeToken(Database& database, const Account& account, int days)
 {
     std::string token = BeginLogin(database, account, LoginKind::Program, std::int64_t{days} * 24 * Hour);
     if (token.empty())
-        throw Fault(409, "the account has another password by now");
+        throw Fault(409, "the password of the account has changed meanwhile; try again");
     return token;
 }
 

@@ -9,22 +9,22 @@
 
 namespace kel::server {
 
-/// Who sends a request, and log-ins as they begin and end. For any thread.
+/// The accounts that send requests, and log-ins as they begin and end. For any thread.
 class Sessions {
 public:
     Sessions(Database& database, const AdminSettings& settings);
 
-    /// Begins a log-in; the value of the Set-Cookie header that carries it. Nothing when the account has
-    /// another password by now than the one that was right.
+    /// Begins a log-in; the value of the Set-Cookie header that carries it. Nothing when the
+    /// account's password has changed meanwhile.
     std::optional<std::string> Begin(const Account& account);
     void End(const Login& login);
     /// The value of the Set-Cookie header that takes the cookie away.
-    static std::string NoCookie();
+    static std::string ExpiredCookie();
 
     /// The value of the Set-Cookie header by which the browser is known the next time as one in which that
-    /// account has logged in. It opens nothing, and is worth nothing once the password is another one.
+    /// account has logged in. It grants no access, and becomes invalid when the password changes.
     static std::string KnownCookie(const Account& account);
-    /// What tells such a browser from others; empty when the request's is none of that account.
+    /// The random text of such a browser; empty when the request comes from another one.
     static std::string KnownBrowser(const Request& request, const Account& account);
 
     /// The log-in of a request by its cookie, or with single sign-on by the proxy's word. Nothing when there
@@ -43,8 +43,8 @@ private:
     std::string unknownsHash;  // stands for the hash of an account that does not exist
 };
 
-/// Makes a token for programs that lasts so many days, of that account. Throws Fault 409 when it has
-/// another password by now.
+/// Makes a token for programs that lasts the given number of days. Throws Fault 409 when the account's
+/// password has changed meanwhile.
 std::string MakeToken(Database& database, const Account& account, int days);
 
 }  // namespace kel::server

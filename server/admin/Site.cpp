@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t MaxStrangersForm = 16 * Limits::Kilobyte;
 constexpr std::size_t MaxNext = 1000;  // bytes of an address that a log-in leads back to
 
-/// A request without a log-in: a browser is sent to log in and comes back, a form and a program are told.
+/// A request without a log-in: a browser is sent to log in and comes back, a form and a program get an error.
 Answer Refuse(const AdminRequest& request, bool isProgram)
 {
     if (request.isSingleSignOn)

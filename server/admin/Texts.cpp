@@ -35,7 +35,7 @@ std::string IsoTime(std::int64_t time)
     return Format(time, "%Y-%m-%dT%H:%M:%S") + milliseconds.data();
 }
 
-std::optional<std::int64_t> DayOf(std::string_view text)
+std::optional<std::int64_t> ParseDay(std::string_view text)
 {
     if (text.size() != 10 || text[4] != '-' || text[7] != '-')
         return std::nullopt;
@@ -44,7 +44,7 @@ std::optional<std::int64_t> DayOf(std::string_view text)
     parts.tm_mon = static_cast<int>(WholeNumber(text.substr(5, 2))) - 1;
     parts.tm_mday = static_cast<int>(WholeNumber(text.substr(8)));
     const std::int64_t time = std::int64_t{timegm(&parts)} * Second;
-    // The 31st of a shorter month, and what is no number, would be another day.
+    // The 31st of a shorter month, and a text that is not a number, would be another day.
     return time >= 0 && Format(time, "%Y-%m-%d") == text ? std::optional(time) : std::nullopt;
 }
 

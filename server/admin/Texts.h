@@ -14,7 +14,7 @@ std::string TimeText(std::int64_t time);
 std::string IsoTime(std::int64_t time);
 
 /// When the day "2026-03-01" begins, UTC. Nothing for any other text.
-std::optional<std::int64_t> DayOf(std::string_view text);
+std::optional<std::int64_t> ParseDay(std::string_view text);
 
 /// The text as it may stand in an address.
 std::string UrlEncode(std::string_view text);

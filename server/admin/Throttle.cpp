@@ -9,7 +9,7 @@ namespace {
 constexpr std::chrono::seconds Minute{60};
 constexpr std::chrono::hours Memory{1};
 constexpr int FirstWait = 4;  // seconds
-constexpr int MostDoublings = 10;
+constexpr int MaxDoublings = 10;
 
 std::chrono::seconds Until(Throttle::Clock::time_point end, Throttle::Clock::time_point now)
 {
@@ -26,8 +26,8 @@ std::chrono::seconds Throttle::Wait(const Guest& guest, Clock::time_point now)
     const auto found = guests.find(guest);
     if (found == guests.end() || found->second.count < FreeFailures)
         return all;
-    const int doublings = std::min(found->second.count - FreeFailures, MostDoublings);
-    const auto wait = std::min(LongestWait, std::chrono::seconds(FirstWait << doublings));
+    const int doublings = std::min(found->second.count - FreeFailures, MaxDoublings);
+    const auto wait = std::min(MaxWait, std::chrono::seconds(FirstWait << doublings));
     return std::max(all, Until(found->second.last + wait, now));
 }
 
@@ -39,7 +39,7 @@ void Throttle::Failed(const Guest& guest, Clock::time_point now)
         recent = 0;
     }
     ++recent;
-    if (guests.size() == MostNames && !guests.contains(guest)) {
+    if (guests.size() == MaxNames && !guests.contains(guest)) {
         guests.erase(std::min_element(guests.begin(), guests.end(), [](const auto& left, const auto& right) {
             return left.second.last < right.second.last;
         }));

@@ -8,7 +8,7 @@
 
 namespace kel::server {
 
-/// Slows those down who guess passwords: for each name, and for all together, so that many names are no way
+/// Slows down guesses of passwords: for each name, and for all together, so that many names do not get
 /// round it. A browser in which the account has logged in before has a count of its own instead, so that
 /// strangers' guesses keep nobody out of there. What it remembers is bounded. For any thread.
 class Throttle {
@@ -17,10 +17,10 @@ public:
 
     static constexpr int FreeFailures = 5;      // of a name, before it has to wait: 4 s, then twice as long
     static constexpr int FailuresAMinute = 30;  // of all names
-    static constexpr std::size_t MostNames = 1000;
-    static constexpr std::chrono::seconds LongestWait{300};
+    static constexpr std::size_t MaxNames = 1000;
+    static constexpr std::chrono::seconds MaxWait{300};
 
-    /// Who tries: a name, or a browser that is known to be of its account, by what only that one has.
+    /// The origin of an attempt: a name, or the random text of a browser in which the account has logged in.
     struct Guest {
         std::string id;
         bool isKnown = false;

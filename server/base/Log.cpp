@@ -11,7 +11,7 @@ namespace kel::server {
 namespace {
 
 constexpr std::array Names{"debug", "info", "warning", "error"};
-constexpr std::size_t LongestValue = 300;  // bytes; a session may be long, a line stays readable
+constexpr std::size_t MaxValueBytes = 300;  // bytes; a session may be long, a line stays readable
 Level lowest = Level::Info;
 
 bool IsPlain(char c)
@@ -22,7 +22,7 @@ bool IsPlain(char c)
 
 void AppendValue(std::string& line, std::string_view value)
 {
-    value = value.substr(0, LongestValue);
+    value = value.substr(0, MaxValueBytes);
     std::string quoted;
     bool plain = !value.empty();
     for (const char c : value) {

@@ -12,7 +12,7 @@ void Histogram::Add(std::chrono::steady_clock::duration time)
     nanoseconds += static_cast<std::uint64_t>(std::chrono::nanoseconds(time).count());
 }
 
-StatusCounts& DoorMetrics::AddRoute(std::string_view method, std::string_view pattern)
+StatusCounts& EndpointMetrics::AddRoute(std::string_view method, std::string_view pattern)
 {
     Route& route = routes.emplace_back();
     route.method = method;

@@ -17,13 +17,13 @@ using Count = std::atomic<std::uint64_t>;
 /// How many requests were answered with each status.
 class StatusCounts {
 public:
-    static constexpr int Least = 100, Most = 599;
+    static constexpr int Min = 100, Max = 599;
 
-    void Add(int status) { ++counts.at(static_cast<std::size_t>(status - Least)); }
-    std::uint64_t Of(int status) const { return counts.at(static_cast<std::size_t>(status - Least)); }
+    void Add(int status) { ++counts.at(static_cast<std::size_t>(status - Min)); }
+    std::uint64_t Of(int status) const { return counts.at(static_cast<std::size_t>(status - Min)); }
 
 private:
-    std::array<Count, Most - Least + 1> counts = {};
+    std::array<Count, Max - Min + 1> counts = {};
 };
 
 /// How many times were so long at most.
@@ -44,21 +44,21 @@ private:
     Count nanoseconds = 0;
 };
 
-/// What one door counts. Its labels are the program's own words: no text of a client becomes one.
-struct DoorMetrics {
+/// What one endpoint counts. Its labels are the program's own words: no text of a client becomes one.
+struct EndpointMetrics {
     struct Route {
         std::string method, pattern;
         StatusCounts counts;
     };
 
-    explicit DoorMetrics(std::string name) : name(std::move(name)) {}
+    explicit EndpointMetrics(std::string name) : name(std::move(name)) {}
 
     /// A route's counts, which stay where they are. For the time before there are threads.
     StatusCounts& AddRoute(std::string_view method, std::string_view pattern);
 
     std::string name;
     Count connections = 0;  // that are open
-    Count turnedAway = 0;   // connections past what the door allows
+    Count turnedAway = 0;   // connections past what the endpoint allows
     Count bodiesBytes = 0;  // of the requests and answers under way
     StatusCounts refused;   // requests that were not read to their end, or whose answer was too large
     Histogram times;        // from a request's last byte until its answer is known
@@ -73,7 +73,7 @@ struct Metrics {
     /// Counts a verdict by the name of its total.
     void AddVerdict(const std::string& total);
 
-    DoorMetrics open{"public"}, admin{"admin"};
+    EndpointMetrics publicEndpoint{"public"}, adminEndpoint{"admin"};
     Count uploads = 0;
     Count replacedCharacters = 0;  // of reports and requests, which XML does not allow
     std::array<Count, Totals.size()> verdicts = {};

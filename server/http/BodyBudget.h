@@ -10,7 +10,7 @@ namespace kel::server {
 class BodyBudget {
 public:
     /// Shows in `total` how much is in use.
-    BodyBudget(std::size_t bytes, Count& total) : most(bytes / 2), total(total) {}
+    BodyBudget(std::size_t bytes, Count& total) : maxBytes(bytes / 2), total(total) {}
 
     /// What one body takes of which half.
     struct Use {
@@ -23,7 +23,7 @@ public:
     {
         std::size_t& used = to.isLarge ? large : small;
         const std::size_t others = used - (from.isLarge == to.isLarge ? from.size : 0);
-        if (to.size > from.size && (to.size > most || others > most - to.size))
+        if (to.size > from.size && (to.size > maxBytes || others > maxBytes - to.size))
             return false;
         (from.isLarge ? large : small) -= from.size;
         used += to.size;
@@ -32,7 +32,7 @@ public:
     }
 
 private:
-    std::size_t most;  // of each half
+    std::size_t maxBytes;  // of each half
     Count& total;
     std::size_t small = 0, large = 0;
 };

@@ -7,7 +7,7 @@
 #include <boost/beast/http/write.hpp>
 
 #include "server/http/Dispatch.h"
-#include "server/http/Places.h"
+#include "server/http/OpenConnection.h"
 #include "server/http/RequestReader.h"
 
 namespace kel::server {
@@ -23,23 +23,23 @@ constexpr std::size_t PieceBytes = 8 * Limits::Kilobyte;
 
 class Connection {
 public:
-    Connection(asio::ip::tcp::socket socket, Door& door)
+    Connection(asio::ip::tcp::socket socket, Endpoint& endpoint)
         : stream(std::move(socket)),
-          buffer(door.limits.headerBytes + PieceBytes),
-          door(door),
-          place(door, stream.socket())
+          buffer(endpoint.limits.headerBytes + PieceBytes),
+          endpoint(endpoint),
+          place(endpoint, stream.socket())
     {
     }
 
     asio::awaitable<void> Serve()
     {
-        // No co_await stands in a condition: GCC 12 makes wrong code of some.
+        // No co_await stands in a condition: GCC 12 miscompiles some.
         for (bool goesOn = true; goesOn;) {
             goesOn = co_await WaitForRequest();
             if (goesOn)
                 goesOn = co_await ServeRequest();
         }
-        co_await TakeLeave();
+        co_await LingeringClose();
     }
 
 private:
@@ -48,11 +48,11 @@ private:
     {
         if (buffer.size() > 0)
             co_return true;
-        if (door.isClosing)
+        if (endpoint.isClosing)
             co_return false;
         error_code error;
-        const Member waiting(door.idle, stream.socket());
-        stream.expires_after(door.limits.idle);
+        const Member waiting(endpoint.idle, stream.socket());
+        stream.expires_after(endpoint.limits.idle);
         const std::size_t count = co_await stream.async_read_some(
             buffer.prepare(PieceBytes / 8), asio::redirect_error(asio::use_awaitable, error));
         buffer.commit(count);
@@ -62,28 +62,28 @@ private:
     /// Whether another request may follow.
     asio::awaitable<bool> ServeRequest()
     {
-        RequestReader reader(stream, buffer, door.limits);
-        BodyLease lease(door.bodies);
+        RequestReader reader(stream, buffer, endpoint.limits);
+        BodyLease lease(endpoint.bodies);
         Request request;
         const int refusal = co_await reader.Read(lease, request);
         if (refusal != 0) {
-            door.Refuse(refusal, "a limit, or not HTTP");
+            endpoint.Refuse(refusal, "a limit, or not HTTP");
             co_await Write(Answer::Empty(refusal), Reply{reader.Version()});
         }
         if (refusal != 0 || !reader.IsComplete())
             co_return false;
         const auto start = std::chrono::steady_clock::now();
         const bool isHead = request.method == "HEAD";
-        Answer answer = co_await Dispatch(door, std::move(request), stream.socket());
-        door.metrics.times.Add(std::chrono::steady_clock::now() - start);
+        Answer answer = co_await Dispatch(endpoint, std::move(request), stream.socket());
+        endpoint.metrics.times.Add(std::chrono::steady_clock::now() - start);
         // A client that reads nothing keeps its answer for a while. The answer to a large body counts as
         // large, so that it does not need the memory that small bodies have taken.
         if (!lease.Resize(answer.body && !answer.isShared ? answer.body->size() : 0)) {
             lease.GiveBack();
             answer = Answer::Empty(503);
-            door.Refuse(answer.status, "the answers and bodies under way are too large together");
+            endpoint.Refuse(answer.status, "the answers and bodies under way are too large together");
         }
-        const bool keep = reader.KeepsAlive() && !door.isClosing;
+        const bool keep = reader.KeepsAlive() && !endpoint.isClosing;
         co_await Write(answer, {reader.Version(), keep, isHead});
         co_return keep;
     }
@@ -111,17 +111,17 @@ private:
         message.keep_alive(reply.keepsAlive);
         message.prepare_payload();
         message.content_length(length);
-        stream.expires_after(door.limits.answer);
+        stream.expires_after(endpoint.limits.answer);
         co_await http::async_write(stream, message, asio::use_awaitable);
     }
 
     /// Reads on for a moment: closing with bytes unread would take the answer back from a client that still
     /// sends.
-    asio::awaitable<void> TakeLeave()
+    asio::awaitable<void> LingeringClose()
     {
         error_code error;
         stream.socket().shutdown(asio::socket_base::shutdown_send, error);
-        stream.expires_after(door.limits.farewell);
+        stream.expires_after(endpoint.limits.linger);
         std::array<char, PieceBytes> piece;
         while (!error)
             co_await stream.async_read_some(asio::buffer(piece),
@@ -130,19 +130,19 @@ private:
 
     beast::tcp_stream stream;
     beast::flat_buffer buffer;  // bounded: chunks' extensions and trailers have no other limit
-    Door& door;
+    Endpoint& endpoint;
     const OpenConnection place;
 };
 
 }  // namespace
 
-asio::awaitable<void> ServeConnection(asio::ip::tcp::socket socket, Door& door)
+asio::awaitable<void> ServeConnection(asio::ip::tcp::socket socket, Endpoint& endpoint)
 {
-    if (door.open.size() >= door.limits.connections) {
-        ++door.metrics.turnedAway;
+    if (endpoint.open.size() >= endpoint.limits.connections) {
+        ++endpoint.metrics.turnedAway;
         co_return;
     }
-    Connection connection(std::move(socket), door);
+    Connection connection(std::move(socket), endpoint);
     co_await connection.Serve();
 }
 

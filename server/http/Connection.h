@@ -5,13 +5,13 @@
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/ip/tcp.hpp>
 
-#include "server/http/Door.h"
+#include "server/http/Endpoint.h"
 
 namespace kel::server {
 
-/// Serves a client's requests one after the other until it leaves, breaks a limit, or the door closes: then
-/// the request that is under way is answered first. Throws boost::system::system_error when the client is
-/// gone.
-boost::asio::awaitable<void> ServeConnection(boost::asio::ip::tcp::socket socket, Door& door);
+/// Serves a client's requests one after the other until it leaves, breaks a limit, or the endpoint closes:
+/// then the request that is under way is answered first. Throws boost::system::system_error when the client
+/// is gone.
+boost::asio::awaitable<void> ServeConnection(boost::asio::ip::tcp::socket socket, Endpoint& endpoint);
 
 }  // namespace kel::server

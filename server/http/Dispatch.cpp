@@ -8,7 +8,7 @@
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
-#include "server/http/Places.h"
+#include "server/http/OpenConnection.h"
 
 namespace kel::server {
 
@@ -44,24 +44,24 @@ bool HasClosed(int socket)
 
 }  // namespace
 
-asio::awaitable<Answer> Dispatch(Door& door, Request request, asio::ip::tcp::socket& socket)
+asio::awaitable<Answer> Dispatch(Endpoint& endpoint, Request request, asio::ip::tcp::socket& socket)
 {
-    const asio::any_io_executor place = door.place(request);
+    const asio::any_io_executor place = endpoint.place(request);
     if (!place)
-        co_return door.handler(request);
+        co_return endpoint.handler(request);
     const asio::any_io_executor network = co_await asio::this_coro::executor;
     const Clock::time_point start = Clock::now();
     const auto task = std::make_shared<Task>(std::move(request));
-    asio::steady_timer done(network, door.limits.queue);
+    asio::steady_timer done(network, endpoint.limits.queue);
     task->done = &done;
-    const Member queued(door.queued, done);
-    asio::post(place, [&door, task, network, start, handle = socket.native_handle()] {
+    const Member queued(endpoint.queued, done);
+    asio::post(place, [&endpoint, task, network, start, handle = socket.native_handle()] {
         if (!task->Claim())
             return;
         // A client may close its side and still read the answer, so a request that did not wait is served.
-        task->hasClientLeft = Clock::now() - start > door.limits.absent && HasClosed(handle);
+        task->hasClientLeft = Clock::now() - start > endpoint.limits.absent && HasClosed(handle);
         if (!task->hasClientLeft)
-            task->answer = door.handler(task->request);
+            task->answer = endpoint.handler(task->request);
         asio::post(network, [task] {
             task->isDone = true;
             task->done->cancel();
@@ -71,14 +71,14 @@ asio::awaitable<Answer> Dispatch(Door& door, Request request, asio::ip::tcp::soc
     co_await done.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
     if (!task->isDone && task->Claim()) {
         task->request = {};  // the queue keeps the task for a while
-        door.Refuse(Unavailable, "it waited too long for a thread");
+        endpoint.Refuse(Unavailable, "it waited too long for a thread");
         co_return Answer::Empty(Unavailable);
     }
     done.expires_at(Clock::time_point::max());
     while (!task->isDone)
         co_await done.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
     if (task->hasClientLeft) {
-        door.Refuse(Unavailable, "its client has left");
+        endpoint.Refuse(Unavailable, "its client has left");
         co_return Answer::Empty(Unavailable);
     }
     co_return std::move(task->answer);

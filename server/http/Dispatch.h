@@ -5,13 +5,14 @@
 #include <boost/asio/awaitable.hpp>
 #include <boost/asio/ip/tcp.hpp>
 
-#include "server/http/Door.h"
+#include "server/http/Endpoint.h"
 
 namespace kel::server {
 
 /// Has the handler work on a request at its place. Answers 503, and the handler never sees the request, if it
 /// waits too long for a thread, or if its client closed the connection and no thread was free at once. For a
 /// coroutine of the network's thread; the socket stays open meanwhile.
-boost::asio::awaitable<Answer> Dispatch(Door& door, Request request, boost::asio::ip::tcp::socket& socket);
+boost::asio::awaitable<Answer> Dispatch(Endpoint& endpoint, Request request,
+                                        boost::asio::ip::tcp::socket& socket);
 
 }  // namespace kel::server

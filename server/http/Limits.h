@@ -20,7 +20,7 @@ struct Limits {
     std::chrono::seconds request{30};          // from its first byte to its last
     std::chrono::seconds idle{30};             // until the first byte of the next
     std::chrono::seconds answer{60};           // a visitor's slow line takes the test file in this time
-    std::chrono::seconds farewell{2};          // for a client that still sends what nobody reads
+    std::chrono::seconds linger{2};            // for a client that still sends what nobody reads
     std::chrono::seconds queue{5};             // for a thread that works on the request
     std::chrono::seconds absent{1};            // the same, once the client has closed its side
     std::chrono::seconds stop{3};              // for what is under way when the service stops

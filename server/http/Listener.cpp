@@ -30,7 +30,7 @@ tcp::acceptor Listen(asio::io_context& context, const std::string& address, std:
     }
 }
 
-/// A client that is gone is no event; anything else that ends a connection is.
+/// A client that leaves is normal; anything else that ends a connection is an error.
 void Report(const std::exception_ptr& end)
 {
     try {
@@ -45,23 +45,24 @@ void Report(const std::exception_ptr& end)
 
 }  // namespace
 
-Listener::Listener(asio::io_context& context, Door::Place place, const std::string& address,
-                   std::uint16_t port, const Limits& limits, DoorMetrics& metrics, Door::Handler handler)
+Listener::Listener(asio::io_context& context, Endpoint::Place place, const std::string& address,
+                   std::uint16_t port, const Limits& limits, EndpointMetrics& metrics,
+                   Endpoint::Handler handler)
     : context(context),
       acceptor(Listen(context, address, port)),
-      door(std::move(handler), limits, std::move(place), metrics)
+      endpoint(std::move(handler), limits, std::move(place), metrics)
 {
     asio::co_spawn(context, Accept(), Report);
 }
 
 asio::awaitable<void> Listener::Accept()
 {
-    while (!door.isClosing) {
+    while (!endpoint.isClosing) {
         error_code error;
         tcp::socket socket = co_await acceptor.async_accept(asio::redirect_error(asio::use_awaitable, error));
         if (!error) {
-            asio::co_spawn(context, ServeConnection(std::move(socket), door), Report);
-        } else if (!door.isClosing) {
+            asio::co_spawn(context, ServeConnection(std::move(socket), endpoint), Report);
+        } else if (!endpoint.isClosing) {
             Log(Level::Warning, "not-accepted", {{"reason", error.message()}});
             asio::steady_timer timer(context, Pause);
             co_await timer.async_wait(asio::use_awaitable);
@@ -71,20 +72,20 @@ asio::awaitable<void> Listener::Accept()
 
 void Listener::Stop()
 {
-    door.isClosing = true;
+    endpoint.isClosing = true;
     error_code ignored;
     acceptor.close(ignored);
     for (tcp::socket* socket :
-         door.idle)  // a request that has arrived, though not been read, is still answered
+         endpoint.idle)  // a request that has arrived, though not been read, is still answered
         socket->shutdown(asio::socket_base::shutdown_receive, ignored);
 }
 
 void Listener::Disconnect()
 {
     error_code ignored;
-    for (tcp::socket* socket : door.open)
+    for (tcp::socket* socket : endpoint.open)
         socket->close(ignored);
-    for (asio::steady_timer* timer : door.queued)
+    for (asio::steady_timer* timer : endpoint.queued)
         timer->cancel();
 }
 

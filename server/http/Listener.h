@@ -7,7 +7,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <string>
 
-#include "server/http/Door.h"
+#include "server/http/Endpoint.h"
 
 namespace kel::server {
 
@@ -15,8 +15,8 @@ namespace kel::server {
 class Listener {
 public:
     /// Listens at once. Port 0 picks a free one. Throws std::runtime_error when that fails.
-    Listener(boost::asio::io_context& context, Door::Place place, const std::string& address,
-             std::uint16_t port, const Limits& limits, DoorMetrics& metrics, Door::Handler handler);
+    Listener(boost::asio::io_context& context, Endpoint::Place place, const std::string& address,
+             std::uint16_t port, const Limits& limits, EndpointMetrics& metrics, Endpoint::Handler handler);
 
     std::uint16_t Port() const { return acceptor.local_endpoint().port(); }
     /// Accepts no more connections, and closes those that wait for a request.
@@ -29,7 +29,7 @@ private:
 
     boost::asio::io_context& context;
     boost::asio::ip::tcp::acceptor acceptor;
-    Door door;
+    Endpoint endpoint;
 };
 
 }  // namespace kel::server

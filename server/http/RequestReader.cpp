@@ -28,7 +28,7 @@ RequestReader::RequestReader(beast::tcp_stream& stream, beast::flat_buffer& buff
     : stream(stream), buffer(buffer), limits(limits), deadline(stream, limits.request)
 {
     // Both: a deadline that passes between two reads stops neither.
-    stream.expires_after(limits.request + limits.farewell);
+    stream.expires_after(limits.request + limits.linger);
     parser.header_limit(static_cast<std::uint32_t>(limits.headerBytes));
     parser.body_limit(limits.bodyBytes);
 }
@@ -37,7 +37,7 @@ asio::awaitable<int> RequestReader::Read(BodyLease& lease, Request& request)
 {
     const error_code error = co_await ReadHeader();
     if (error)
-        co_return StatusOf(error);
+        co_return ToStatus(error);
     if (const int refusal = TakeHeader(request))
         co_return refusal;
     if (Version() == Http11 && beast::iequals(parser.get()[http::field::expect], "100-continue"))
@@ -121,7 +121,7 @@ asio::awaitable<int> RequestReader::ReadBody(BodyLease& lease, std::string& body
         co_await http::async_read(stream, buffer, parser, asio::redirect_error(asio::use_awaitable, error));
         body.resize(before + room - piece.size);
         if (error && error != http::error::need_buffer)
-            co_return StatusOf(error);
+            co_return ToStatus(error);
     }
     lease.Resize(body.size());
     co_return 0;
@@ -134,7 +134,7 @@ asio::awaitable<void> RequestReader::Continue()
 }
 
 /// The status that says what is wrong with the request; 0 if the client has left.
-int RequestReader::StatusOf(const error_code& error) const
+int RequestReader::ToStatus(const error_code& error) const
 {
     if (deadline.IsLate())
         return 408;

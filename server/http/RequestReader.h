@@ -36,7 +36,7 @@ private:
     boost::asio::awaitable<void> Continue();
     int TakeHeader(Request& request) const;
     bool HasKnownFraming() const;
-    int StatusOf(const boost::system::error_code& error) const;
+    int ToStatus(const boost::system::error_code& error) const;
 
     boost::beast::tcp_stream& stream;
     boost::beast::flat_buffer& buffer;

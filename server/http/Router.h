@@ -33,7 +33,7 @@ public:
     using Fallback = std::function<Answer(const Call&, const std::string& allowed)>;
 
     /// Counts every answer there.
-    explicit Router(DoorMetrics& metrics) : metrics(metrics) {}
+    explicit Router(EndpointMetrics& metrics) : metrics(metrics) {}
 
     /// Requests of this method whose path matches the pattern; the first route that fits counts.
     void Add(std::string_view method, std::string_view pattern, Handler handler);
@@ -53,7 +53,7 @@ private:
     Answer Try(const Request& request, StatusCounts*& counts) const noexcept;
     Answer Find(const Request& request, StatusCounts*& counts) const;
 
-    DoorMetrics& metrics;
+    EndpointMetrics& metrics;
     std::vector<Route> routes;
     Fallback fallback;
 };

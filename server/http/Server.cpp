@@ -38,7 +38,7 @@ public:
     {
     }
 
-    Door::Place Choose(PlaceOfRequest place)
+    Endpoint::Place Choose(PlaceOfRequest place)
     {
         return [this, place = std::move(place)](const Request& request) -> asio::any_io_executor {
             switch (place(request)) {
@@ -68,19 +68,19 @@ private:
 
 }  // namespace
 
-void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, PlaceOfRequest publicPlace,
-           RequestHandler adminHandler, PlaceOfRequest adminPlace,
+void Serve(const Endpoints& endpoints, Metrics& metrics, RequestHandler publicHandler,
+           PlaceOfRequest publicPlace, RequestHandler adminHandler, PlaceOfRequest adminPlace,
            const std::function<void(std::uint16_t, std::uint16_t)>& listening)
 {
-    RaiseDescriptorLimit(doors.limits.connections);
+    RaiseDescriptorLimit(endpoints.limits.connections);
     asio::io_context context(1);
-    Threads threads(doors.workers);
-    Limits adminLimits = doors.limits;
-    adminLimits.bodyBytes = std::max(doors.limits.bodyBytes, doors.limits.formBytes);
-    Listener open(context, threads.Choose(std::move(publicPlace)), doors.address, doors.port, doors.limits,
-                  metrics.open, std::move(publicHandler));
-    Listener admin(context, threads.Choose(std::move(adminPlace)), "127.0.0.1", doors.adminPort, adminLimits,
-                   metrics.admin, std::move(adminHandler));
+    Threads threads(endpoints.workers);
+    Limits adminLimits = endpoints.limits;
+    adminLimits.bodyBytes = std::max(endpoints.limits.bodyBytes, endpoints.limits.formBytes);
+    Listener open(context, threads.Choose(std::move(publicPlace)), endpoints.address, endpoints.port,
+                  endpoints.limits, metrics.publicEndpoint, std::move(publicHandler));
+    Listener admin(context, threads.Choose(std::move(adminPlace)), "127.0.0.1", endpoints.adminPort,
+                   adminLimits, metrics.adminEndpoint, std::move(adminHandler));
 
     asio::signal_set signals(context, SIGTERM, SIGINT, SIGHUP);
     signals.async_wait([&](const boost::system::error_code&, int) {
@@ -94,7 +94,7 @@ void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, P
     listening(open.Port(), admin.Port());
     context.run();
     context.restart();
-    context.run_for(doors.limits.stop);  // ends early when the last connection does
+    context.run_for(endpoints.limits.stop);  // ends early when the last connection does
     open.Disconnect();
     admin.Disconnect();
     context.run();

@@ -20,8 +20,8 @@ enum class Place {
 };
 
 /// Where the service listens, and how many threads answer.
-struct Doors {
-    std::string address;  // of the public door
+struct Endpoints {
+    std::string address;  // of the public endpoint
     std::uint16_t port = 0;
     std::uint16_t adminPort = 0;  // on loopback
     unsigned workers =
@@ -32,13 +32,13 @@ struct Doors {
 using RequestHandler = std::function<Answer(const Request&)>;
 using PlaceOfRequest = std::function<Place(const Request&)>;
 
-/// Listens at the public door and at the operator's, calls `listening` with both ports, and serves until
+/// Listens at the public endpoint and at the operator's, calls `listening` with both ports, and serves until
 /// SIGTERM, SIGINT or SIGHUP: what is under way then is answered first, for a few seconds at most, unless a
 /// handler takes longer. A second signal ends at once.
 /// Handlers are called by several threads and do not throw. Throws std::runtime_error when it cannot listen.
 /// Raises the process's limit of open files as far as it goes.
-void Serve(const Doors& doors, Metrics& metrics, RequestHandler publicHandler, PlaceOfRequest publicPlace,
-           RequestHandler adminHandler, PlaceOfRequest adminPlace,
+void Serve(const Endpoints& endpoints, Metrics& metrics, RequestHandler publicHandler,
+           PlaceOfRequest publicPlace, RequestHandler adminHandler, PlaceOfRequest adminPlace,
            const std::function<void(std::uint16_t port, std::uint16_t adminPort)>& listening);
 
 }  // namespace kel::server

@@ -13,30 +13,29 @@ namespace kel::server {
 
 namespace {
 
-std::uint64_t NumberOf(const std::string& text, std::uint64_t least, std::uint64_t most)
+std::uint64_t ParseNumber(const std::string& text, std::uint64_t min, std::uint64_t max)
 {
     std::uint64_t number = 0;
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, number);
-    if (read.ec != std::errc() || read.ptr != end || number < least || number > most)
-        throw std::runtime_error("needs a number from " + std::to_string(least) + " to " +
-                                 std::to_string(most));
+    if (read.ec != std::errc() || read.ptr != end || number < min || number > max)
+        throw std::runtime_error("needs a number from " + std::to_string(min) + " to " + std::to_string(max));
     return number;
 }
 
-std::uint16_t PortOf(const std::string& text)
+std::uint16_t ParsePort(const std::string& text)
 {
-    return static_cast<std::uint16_t>(NumberOf(text, 0, 65535));
+    return static_cast<std::uint16_t>(ParseNumber(text, 0, 65535));
 }
 
-std::chrono::seconds SecondsOf(const std::string& text)
+std::chrono::seconds ParseSeconds(const std::string& text)
 {
-    return std::chrono::seconds(NumberOf(text, 1, 3600));
+    return std::chrono::seconds(ParseNumber(text, 1, 3600));
 }
 
-std::int64_t BytesOf(const std::string& megabytes)
+std::int64_t ParseMegabytes(const std::string& megabytes)
 {
-    return static_cast<std::int64_t>(NumberOf(megabytes, 0, 1'000'000'000)) * Bounds::Megabyte;
+    return static_cast<std::int64_t>(ParseNumber(megabytes, 0, 1'000'000'000)) * Bounds::Megabyte;
 }
 
 /// The beginning that may be a setting's name. The rest may be a password.
@@ -53,11 +52,11 @@ struct Setting {
     std::function<void(Config&, const std::string&)> set;
 };
 
-// docs/service.md tells them all.
+// docs/service.md describes them all.
 const Setting Settings[] = {
-    {"address", [](Config& c, const std::string& text) { c.doors.address = text; }},
-    {"port", [](Config& c, const std::string& text) { c.doors.port = PortOf(text); }},
-    {"admin_port", [](Config& c, const std::string& text) { c.doors.adminPort = PortOf(text); }},
+    {"address", [](Config& c, const std::string& text) { c.endpoints.address = text; }},
+    {"port", [](Config& c, const std::string& text) { c.endpoints.port = ParsePort(text); }},
+    {"admin_port", [](Config& c, const std::string& text) { c.endpoints.adminPort = ParsePort(text); }},
     {"port_file", [](Config& c, const std::string& text) { c.portFile = text; }},
     {"admin_port_file", [](Config& c, const std::string& text) { c.adminPortFile = text; }},
     {"database", [](Config& c, const std::string& text) { c.database.location = text; }},
@@ -68,36 +67,41 @@ const Setting Settings[] = {
          c.database.durability = text;
      }},
     {"database_connections",
-     [](Config& c, const std::string& text) { c.database.connections = NumberOf(text, 1, 100); }},
+     [](Config& c, const std::string& text) { c.database.connections = ParseNumber(text, 1, 100); }},
     {"keep_days",
-     [](Config& c, const std::string& text) { c.keep = std::chrono::days(NumberOf(text, 0, 36'500)); }},
-    {"min_free_mb", [](Config& c, const std::string& text) { c.database.bounds.minFree = BytesOf(text); }},
+     [](Config& c, const std::string& text) { c.keep = std::chrono::days(ParseNumber(text, 0, 36'500)); }},
+    {"min_free_mb",
+     [](Config& c, const std::string& text) { c.database.bounds.minFree = ParseMegabytes(text); }},
     {"max_database_mb",
-     [](Config& c, const std::string& text) { c.database.bounds.maxStored = BytesOf(text); }},
+     [](Config& c, const std::string& text) { c.database.bounds.maxStored = ParseMegabytes(text); }},
     {"session_reports",
      [](Config& c, const std::string& text) {
-         c.database.bounds.sessionReports = static_cast<std::int64_t>(NumberOf(text, 0, 1'000'000));
+         c.database.bounds.sessionReports = static_cast<std::int64_t>(ParseNumber(text, 0, 1'000'000));
      }},
     {"workers",
      [](Config& c, const std::string& text) {
-         c.doors.workers = static_cast<unsigned>(NumberOf(text, 1, 64));
+         c.endpoints.workers = static_cast<unsigned>(ParseNumber(text, 1, 64));
      }},
     {"log_level", [](Config& c, const std::string& text) { c.logLevel = text; }},
     {"connections",
-     [](Config& c, const std::string& text) { c.doors.limits.connections = NumberOf(text, 1, 1'000'000); }},
+     [](Config& c, const std::string& text) {
+         c.endpoints.limits.connections = ParseNumber(text, 1, 1'000'000);
+     }},
     {"body_kb",
      [](Config& c, const std::string& text) {
-         c.doors.limits.bodyBytes = NumberOf(text, 16, 16'384) * Limits::Kilobyte;
+         c.endpoints.limits.bodyBytes = ParseNumber(text, 16, 16'384) * Limits::Kilobyte;
      }},
     {"bodies_mb",
      [](Config& c, const std::string& text) {
-         c.doors.limits.bodiesBytes = NumberOf(text, 4, 65536) * Limits::Megabyte;
+         c.endpoints.limits.bodiesBytes = ParseNumber(text, 4, 65536) * Limits::Megabyte;
      }},
-    {"request_seconds", [](Config& c, const std::string& text) { c.doors.limits.request = SecondsOf(text); }},
-    {"idle_seconds", [](Config& c, const std::string& text) { c.doors.limits.idle = SecondsOf(text); }},
+    {"request_seconds",
+     [](Config& c, const std::string& text) { c.endpoints.limits.request = ParseSeconds(text); }},
+    {"idle_seconds",
+     [](Config& c, const std::string& text) { c.endpoints.limits.idle = ParseSeconds(text); }},
     {"session_hours",
      [](Config& c, const std::string& text) {
-         c.admin.sessionHours = static_cast<int>(NumberOf(text, 1, 720));
+         c.admin.sessionHours = static_cast<int>(ParseNumber(text, 1, 720));
      }},
     {"sso_header",
      [](Config& c, const std::string& text) {
@@ -106,7 +110,8 @@ const Setting Settings[] = {
          c.admin.singleSignOn = text == "on";
      }},
     {"admin_host", [](Config& c, const std::string& text) { c.admin.host = text; }},
-    {"answer_seconds", [](Config& c, const std::string& text) { c.doors.limits.answer = SecondsOf(text); }},
+    {"answer_seconds",
+     [](Config& c, const std::string& text) { c.endpoints.limits.answer = ParseSeconds(text); }},
 };
 
 }  // namespace

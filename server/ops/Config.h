@@ -14,7 +14,7 @@ namespace kel::server {
 
 /// The service's settings. A later source wins: the configuration file, the environment, the command line.
 struct Config {
-    Doors doors{"127.0.0.1", 8080, 8081, 2, {}};
+    Endpoints endpoints{"127.0.0.1", 8080, 8081, 2, {}};
     DatabaseSettings database;
     AdminSettings admin;
     std::string portFile;  // receives the public port once the service listens

@@ -22,7 +22,8 @@ void Import(const std::filesystem::path& folder, Database& database)
         const std::string referrer = entry.path().stem().string();
         try {
             if (!IsReferrer(referrer))
-                throw std::runtime_error("its name is no referrer");
+                throw std::runtime_error(
+                    "its name is not a referrer: 1 to 64 letters, digits, hyphens and underscores");
             std::ifstream file(entry.path(), std::ios::binary);
             std::string text{std::istreambuf_iterator<char>(file), {}};
             Requirements::Read(text);

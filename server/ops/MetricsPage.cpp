@@ -54,7 +54,7 @@ std::string Label(std::string_view name, std::string_view value)
 
 void AppendStatuses(Page& page, const std::string& labels, const StatusCounts& counts)
 {
-    for (int status = StatusCounts::Least; status <= StatusCounts::Most; ++status) {
+    for (int status = StatusCounts::Min; status <= StatusCounts::Max; ++status) {
         if (const std::uint64_t count = counts.Of(status); count > 0)
             page.Sample(labels + "," + Label("status", std::to_string(status)), count);
     }
@@ -73,37 +73,42 @@ void AppendTimes(Page& page, const std::string& labels, const Histogram& times)
     page.Sample(labels, count, "_count");
 }
 
-void AppendDoors(Page& page, const Metrics& metrics)
+void AppendEndpoints(Page& page, const Metrics& metrics)
 {
-    const auto forDoors = [&](auto append) {
-        for (const DoorMetrics* door : {&metrics.open, &metrics.admin})
-            append(Label("door", door->name), *door);
+    const auto forEndpoints = [&](auto append) {
+        for (const EndpointMetrics* endpoint : {&metrics.publicEndpoint, &metrics.adminEndpoint})
+            append(Label("door", endpoint->name), *endpoint);
     };
     page.Metric("kel_http_requests_total", "counter", "Requests that were answered, by route and status.");
-    forDoors([&](const std::string& labels, const DoorMetrics& door) {
-        for (const DoorMetrics::Route& route : door.routes)
+    forEndpoints([&](const std::string& labels, const EndpointMetrics& endpoint) {
+        for (const EndpointMetrics::Route& route : endpoint.routes)
             AppendStatuses(page,
                            labels + "," + Label("method", route.method) + "," + Label("route", route.pattern),
                            route.counts);
     });
-    page.Metric("kel_http_refusals_total", "counter", "Requests refused by the door: a limit, or no HTTP.");
-    forDoors([&](const auto& labels, const auto& door) { AppendStatuses(page, labels, door.refused); });
+    page.Metric("kel_http_refusals_total", "counter",
+                "Requests refused by the endpoint: a limit, or not HTTP.");
+    forEndpoints(
+        [&](const auto& labels, const auto& endpoint) { AppendStatuses(page, labels, endpoint.refused); });
     page.Metric("kel_http_request_seconds", "histogram",
                 "Time from a request's last byte until its answer is known.");
-    forDoors([&](const auto& labels, const auto& door) { AppendTimes(page, labels, door.times); });
+    forEndpoints(
+        [&](const auto& labels, const auto& endpoint) { AppendTimes(page, labels, endpoint.times); });
     page.Metric("kel_connections", "gauge", "Connections that are open.");
-    forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.connections); });
-    page.Metric("kel_connections_refused_total", "counter", "Connections past what the door allows.");
-    forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.turnedAway); });
+    forEndpoints(
+        [&](const auto& labels, const auto& endpoint) { page.Sample(labels, endpoint.connections); });
+    page.Metric("kel_connections_refused_total", "counter", "Connections past what the endpoint allows.");
+    forEndpoints([&](const auto& labels, const auto& endpoint) { page.Sample(labels, endpoint.turnedAway); });
     page.Metric("kel_bodies_bytes", "gauge", "Bytes of the bodies under way, of requests and answers.");
-    forDoors([&](const auto& labels, const auto& door) { page.Sample(labels, door.bodiesBytes); });
+    forEndpoints(
+        [&](const auto& labels, const auto& endpoint) { page.Sample(labels, endpoint.bodiesBytes); });
 }
 
 /// What a route answers when the store fails it.
-std::uint64_t DatabaseErrors(const DoorMetrics& door)
+std::uint64_t DatabaseErrors(const EndpointMetrics& endpoint)
 {
     std::uint64_t count = 0;
-    for (const DoorMetrics::Route& route : door.routes)
+    for (const EndpointMetrics::Route& route : endpoint.routes)
         count += route.counts.Of(503);
     return count;
 }
@@ -113,7 +118,7 @@ std::uint64_t DatabaseErrors(const DoorMetrics& door)
 Answer MetricsPage(const Metrics& metrics, const Database& database)
 {
     Page page;
-    AppendDoors(page, metrics);
+    AppendEndpoints(page, metrics);
     page.Metric("kel_uploads_total", "counter", "Reports that were kept.");
     page.Sample("", metrics.uploads);
     page.Metric("kel_characters_replaced_total", "counter",
@@ -132,7 +137,7 @@ Answer MetricsPage(const Metrics& metrics, const Database& database)
         page.Sample("", static_cast<std::uint64_t>(free));
     }
     page.Metric("kel_database_errors_total", "counter", "Requests that failed because the database did.");
-    page.Sample("", DatabaseErrors(metrics.open) + DatabaseErrors(metrics.admin));
+    page.Sample("", DatabaseErrors(metrics.publicEndpoint) + DatabaseErrors(metrics.adminEndpoint));
     page.Metric("kel_process_start_time_seconds", "gauge", "When the service started, since 1970.");
     page.Sample("", std::chrono::duration<double>(metrics.start.time_since_epoch()).count());
     page.Metric("kel_process_resident_memory_bytes", "gauge", "Memory in use.");

@@ -12,15 +12,15 @@ namespace kel::server {
 
 namespace {
 
-constexpr int LongestDays = 36'500;
+constexpr int MaxDays = 36'500;
 
-std::chrono::hours AgeOf(const std::string& text)
+std::chrono::hours ParseAge(const std::string& text)
 {
     int number = 0;
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, number);
     const std::string_view unit(read.ptr, static_cast<std::size_t>(end - read.ptr));
-    if (read.ec != std::errc() || number < 1 || number > LongestDays || (unit != "d" && unit != "h"))
+    if (read.ec != std::errc() || number < 1 || number > MaxDays || (unit != "d" && unit != "h"))
         throw std::runtime_error("an age is a number of days or hours like 90d or 12h, not '" + text + "'");
     return unit == "d" ? std::chrono::days(number) : std::chrono::hours(number);
 }
@@ -41,7 +41,7 @@ void Purge(Database& database, std::string_view option, const std::string& value
                         std::string(option) + (option == "--older" ? " " + value : "")};
     std::function<int(int)> deleteSome;
     if (option == "--older") {
-        const std::int64_t time = Now() - std::chrono::milliseconds(AgeOf(value)).count();
+        const std::int64_t time = Now() - std::chrono::milliseconds(ParseAge(value)).count();
         deleteSome = [&, time](int most) { return Reports(database).DeleteOlder(time, most, &entry); };
     } else if (option == "--session") {
         deleteSome = [&](int most) { return Reports(database).DeleteSession(value, most, &entry); };

@@ -22,7 +22,7 @@ void CheckKey(const Target& target)
 
 /// The referrer of a group list. The control puts it into the query as it is, so that one with an ampersand
 /// looks like two parameters: whatever is neither referrer nor key belongs to a referrer that cannot exist.
-std::string ReferrerOf(const Target& target)
+std::string ReadReferrer(const Target& target)
 {
     for (const Target::Parameter& parameter : target.query) {
         if (parameter.name != "refid" && parameter.name != "apikey")
@@ -35,10 +35,10 @@ std::string ReferrerOf(const Target& target)
 
 Router PublicRoutes(Service& service, Metrics& metrics)
 {
-    Router router(metrics.open);
+    Router router(metrics.publicEndpoint);
     router.Add("GET", "/Data/Service.svc/Group/list", [&](const Call& call) {
         CheckKey(call.target);
-        return service.GroupList(ReferrerOf(call.target));
+        return service.GroupList(ReadReferrer(call.target));
     });
     router.Add("POST", "/Data/Service.svc/upload", [&](const Call& call) {
         CheckKey(call.target);
@@ -55,7 +55,7 @@ Router PublicRoutes(Service& service, Metrics& metrics)
 
 Router AdminRoutes(Database& database, Metrics& metrics, const AdminSettings& settings)
 {
-    Router router(metrics.admin);
+    Router router(metrics.adminEndpoint);
     const auto add = [&](const char* path, const std::function<Answer()>& answer) {
         router.Add("GET", path, [&settings, answer](const Call& call) {
             CheckHost(call.request, settings);

@@ -35,14 +35,15 @@ using namespace kel::server;  // NOLINT: the program of that house
 
 constexpr const char* Usage =
     "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
-    "  serve        answers the control until it is told to stop\n"
+    "  serve        runs the service\n"
     "  migrate      makes the database, or brings it to this program's version\n"
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
     "  export DIR   writes each referrer's newest requirements to such files\n"
     "  backup FILE  copies an SQLite database while the service runs\n"
     "  restore FILE puts such a copy in the place of the database, while the service does not run\n"
     "  purge --older 90d | --session SESSION | --machine ID\n"
-    "               deletes reports that are older than so many days (d) or hours (h), or of that origin\n"
+    "               deletes reports older than the given days (d) or hours (h), or of one session or "
+    "machine\n"
     "  user add editor|reader NAME\n"
     "               makes an account, or gives it another password and role; the password is a line on\n"
     "               standard input\n"
@@ -50,7 +51,7 @@ constexpr const char* Usage =
     "  token add NAME [DAYS]\n"
     "               prints a new token of that account for programs\n";
 
-/// Under another name first, so that whoever waits for the file never reads half a port.
+/// Under another name first, so that a program that waits for the file never reads half a port.
 void WritePort(const std::string& path, std::uint16_t port)
 {
     if (path.empty())
@@ -76,11 +77,11 @@ void RunServe(const Config& config)
     Router admin = AdminRoutes(*database, metrics, config.admin);
     site.AddTo(admin);
     Serve(
-        config.doors, metrics, [&](const Request& request) { return open.Handle(request); }, PublicPlace,
+        config.endpoints, metrics, [&](const Request& request) { return open.Handle(request); }, PublicPlace,
         [&](const Request& request) { return admin.Handle(request); }, AdminPlace,
         [&](std::uint16_t port, std::uint16_t adminPort) {
             Log(Level::Info, "listening",
-                {{"address", config.doors.address},
+                {{"address", config.endpoints.address},
                  {"port", std::to_string(port)},
                  {"admin_port", std::to_string(adminPort)}});
             WritePort(config.adminPortFile, adminPort);
@@ -113,7 +114,7 @@ int Run(std::vector<std::string> arguments)
     const Config config = Config::Read(arguments, PurgeOptions);
     SetLogLevel(config.logLevel);
     const std::string command = arguments.empty() ? "" : arguments[0];
-    if (command != "export")  // requirements are no secret; what is made otherwise has visitors' data
+    if (command != "export")  // requirements are public; every other file has visitors' data
         umask(S_IRWXG | S_IRWXO);
     if (command == "serve" && arguments.size() == 1) {
         RunServe(config);
@@ -141,8 +142,8 @@ int Run(std::vector<std::string> arguments)
 
 int main(int count, char** arguments)
 {
-    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is as a disk that is full, and no end
-    std::signal(SIGPIPE, SIG_IGN);  // nor is whoever read the log and reads no more
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow counts as a full disk
+    std::signal(SIGPIPE, SIG_IGN);  // the service outlives the reader of its log
     try {
         return Run({arguments + 1, arguments + count});
     } catch (const std::exception& error) {

@@ -9,7 +9,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t LongestText = 1024;  // bytes; the answer repeats some, and a verdict keeps one
+constexpr std::size_t MaxTextBytes = 1024;  // bytes; the answer repeats some, and a verdict keeps one
 
 }  // namespace
 
@@ -18,9 +18,9 @@ AnalysisRequest AnalysisRequest::Read(std::string_view xml)
     const pugi::xml_document document = ReadXml(xml);
     const pugi::xml_node root = document.document_element();
     if (std::string_view(root.name()) != "System")
-        throw Fault(400, "the body is no analysis request");
+        throw Fault(400, "the body is not an analysis request");
     for (const char* name : {"SessionID", "ItemID", "UserID", "Format", "Schema"}) {
-        if (std::strlen(root.child_value(name)) > LongestText)
+        if (std::strlen(root.child_value(name)) > MaxTextBytes)
             throw Fault(400, std::string("the request's ") + name + " is too long");
     }
     return {root.child_value("SessionID"), root.child_value("ItemID"), root.child_value("UserID"),

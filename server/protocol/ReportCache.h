@@ -10,8 +10,9 @@
 
 namespace kel::server {
 
-/// The reports that were last uploaded or asked for, by their ids in the database, as values: a report is parsed
-/// once and not for each request. A stored report never changes, so no entry is out of date. For any thread.
+/// The reports that were last uploaded or asked for, by their ids in the database, as values: a report is
+/// parsed once and not for each request. A stored report never changes, so no entry is out of date. For any
+/// thread.
 class ReportCache {
 public:
     /// Keeps reports of about that many bytes together.

@@ -19,8 +19,9 @@ namespace {
 constexpr std::size_t TestFileBytes = 1'000'000;
 // A report of all values of a machine with dozens of disks and adapters has 1,400 groups.
 constexpr std::size_t MaxGroups = 5'000, MaxElements = 20'000;
-constexpr std::size_t CacheBytes = 33'554'432;                    // 3,000 usual reports
-constexpr std::size_t LongestUser = 1024, LongestMachine = 1024;  // bytes; what is longer identifies nothing
+constexpr std::size_t CacheBytes = 33'554'432;  // 3,000 usual reports
+constexpr std::size_t MaxUserBytes = 1024,
+                      MaxMachineBytes = 1024;  // bytes; what is longer identifies nothing
 
 std::string MakeTestFile()
 {
@@ -84,8 +85,8 @@ Answer Service::Upload(std::string body)
     const std::string& referrer = report->Text(Report::Referrer);
     const std::string& machine = report->Text(Report::Machine);
     const std::int64_t id = Reports(database).Add(NewReport{
-        session, IsReferrer(referrer) ? referrer : "", Shortened(report->Text(Report::User), LongestUser),
-        machine.size() <= LongestMachine ? machine : "", body});
+        session, IsReferrer(referrer) ? referrer : "", Shortened(report->Text(Report::User), MaxUserBytes),
+        machine.size() <= MaxMachineBytes ? machine : "", body});
     reports.Add(id, report);
     ++metrics.uploads;
     Log(Level::Info, "uploaded",
@@ -100,7 +101,7 @@ Answer Service::SystemInformation(std::string body)
     const pugi::xml_node root = document.document_element();
     const pugi::xml_node data = root.child("Data");
     if (std::string_view(root.name()) != "SystemInformation" || !data)
-        throw Fault(400, "the body is no system information");
+        throw Fault(400, "the body is not a SystemInformation document");
     return Upload(data.child_value());
 }
 

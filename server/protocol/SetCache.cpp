@@ -5,7 +5,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t Most = 1000;  // more versions than a service has products; the oldest goes
+constexpr std::size_t MaxSets = 1000;  // more versions than a service has products; the oldest goes
 
 }  // namespace
 
@@ -19,7 +19,7 @@ std::shared_ptr<const Requirements> SetCache::Get(std::int64_t set)
     }
     auto read = std::make_shared<const Requirements>(Requirements::Read(RequirementSets(database).Text(set)));
     const std::lock_guard lock(turn);
-    if (sets.size() >= Most)
+    if (sets.size() >= MaxSets)
         sets.erase(sets.begin());
     sets[set] = read;
     return read;

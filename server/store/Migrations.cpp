@@ -7,15 +7,15 @@ namespace kel::server {
 
 namespace {
 
-int NewestOf(const SqlConnection& connection)
+int NewestVersion(const SqlConnection& connection)
 {
     return static_cast<int>(connection.Migrations().size());
 }
 
-int KnownVersionOf(SqlConnection& connection)
+int RequireKnownVersion(SqlConnection& connection)
 {
     const int version = connection.Version();
-    const int newest = NewestOf(connection);
+    const int newest = NewestVersion(connection);
     if (version > newest) {
         throw std::runtime_error("the database has version " + std::to_string(version) +
                                  ", which is newer than " + std::to_string(newest) +
@@ -30,8 +30,8 @@ int Migrate(SqlConnection& connection)
 {
     for (;;) {
         SqlTransaction transaction(connection, &SqlConnection::BeginMigration);
-        const int version = KnownVersionOf(connection);
-        if (version == NewestOf(connection))
+        const int version = RequireKnownVersion(connection);
+        if (version == NewestVersion(connection))
             return version;
         connection.Execute(connection.Migrations()[static_cast<std::size_t>(version)]);
         connection.SetVersion(version + 1);
@@ -41,7 +41,7 @@ int Migrate(SqlConnection& connection)
 
 void RequireCurrent(SqlConnection& connection)
 {
-    if (KnownVersionOf(connection) < NewestOf(connection))
+    if (RequireKnownVersion(connection) < NewestVersion(connection))
         throw std::runtime_error("the database is older than this program; run the command migrate");
 }
 

@@ -16,7 +16,7 @@ using std::chrono::steady_clock;
 
 constexpr int Unavailable = 503;
 // The server ends a statement first, and the connection stays good.
-constexpr std::chrono::seconds Longest{15}, LongestMigration{24 * 3600};
+constexpr std::chrono::seconds MaxWait{15}, MaxMigrationWait{24 * 3600};
 constexpr std::chrono::milliseconds ProbeInterval{1000};
 // A plan for any value would walk through everything for one that is rare.
 constexpr const char* Settings =
@@ -41,7 +41,7 @@ bool PostgresConnection::IsAddress(std::string_view database)
 PostgresConnection::PostgresConnection(const std::string& address, Patience patience)
     : address(address),
       connection(this->address.Connect()),
-      longest(patience == Patience::Request ? Longest : LongestMigration)
+      maxWait(patience == Patience::Request ? MaxWait : MaxMigrationWait)
 {
     PQsetNoticeReceiver(Get(), Receive, this);
     PQsetnonblocking(Get(), 1);
@@ -145,7 +145,7 @@ PostgresConnection::Result PostgresConnection::Answer(int sent)
 {
     if (sent == 0)
         Fail(PQerrorMessage(Get()));
-    const auto end = steady_clock::now() + longest;
+    const auto end = steady_clock::now() + maxWait;
     Result last;
     std::string error;
     isFull = isUnreplicated = false;
@@ -196,7 +196,7 @@ void PostgresConnection::Wait(steady_clock::time_point end)
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - steady_clock::now());
         if (left.count() <= 0) {
             lost = true;
-            Fail("no answer for " + std::to_string(longest.count()) + " seconds");
+            Fail("no answer for " + std::to_string(maxWait.count()) + " seconds");
         }
         ready = Poll(Get(), events, std::min(left, ProbeInterval));
         if (ready == 0 && address.HasOtherPrimary(Get())) {

@@ -83,11 +83,11 @@ std::int64_t Room::FreeOnDisk() const
     return static_cast<std::int64_t>(disk.f_bavail) * static_cast<std::int64_t>(disk.f_frsize);
 }
 
-bool Room::HasFree(std::int64_t least) const
+bool Room::HasFree(std::int64_t minBytes) const
 {
     // The write-ahead log cannot use what is free inside the file.
     const std::int64_t free = FreeOnDisk();
-    return free < 0 || (free >= reserveBytes / 2 && free + reusable >= least);
+    return free < 0 || (free >= reserveBytes / 2 && free + reusable >= minBytes);
 }
 
 void Room::KeepReserve() const

@@ -30,8 +30,7 @@ public:
     void RequireForReport(SqlConnection& connection);
     /// Throws NoRoom when a verdict must not be stored.
     void RequireForVerdict(SqlConnection& connection);
-    /// Finds out how large the database is, and makes the reserve when it is missing and there is room for
-    /// it.
+    /// Measures the database, and makes the reserve when it is missing and there is room for it.
     void Measure(SqlConnection& connection);
     /// Gives the reserve's room to others; false when there is none.
     bool ReleaseReserve() const;
@@ -46,7 +45,7 @@ private:
 
     void MeasureSometimes(SqlConnection& connection);
     std::int64_t FreeOnDisk() const;
-    bool HasFree(std::int64_t least) const;
+    bool HasFree(std::int64_t minBytes) const;
     bool IsTooLarge() const { return bounds.maxStored > 0 && used >= bounds.maxStored; }
     void KeepReserve() const;
 

@@ -14,7 +14,8 @@ namespace {
 constexpr int Unavailable = 503;
 constexpr int BusyMilliseconds = 10'000;
 constexpr int LogMilliseconds = 200;
-constexpr std::int64_t ApplicationId = 0x4B454C53;  // "KELS": tells the file from other programs' databases
+constexpr std::int64_t ApplicationId =
+    0x4B454C53;  // "KELS": distinguishes the file from other programs' databases
 
 /// Gives up a statement's rows and values at the end, and the lock on the file with them.
 class Use {
@@ -134,7 +135,7 @@ DatabaseSize SqliteConnection::Size()
 
 void SqliteConnection::TruncateWriteAheadLog()
 {
-    // Meanwhile nobody writes: who reads for long, such as a backup, is not waited for.
+    // Nobody can write meanwhile, so a long reader, such as a backup, is not waited for.
     sqlite3_busy_timeout(Get(), LogMilliseconds);
     Query("PRAGMA wal_checkpoint(TRUNCATE)");
     sqlite3_busy_timeout(Get(), BusyMilliseconds);

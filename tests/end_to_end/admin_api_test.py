@@ -19,7 +19,7 @@ class Programs(AdminTest):
         answer, text = self.visit("GET", f"/api/v1/{path}", **(headers or self.bearer))
         return answer.status, json.loads(text) if "json" in answer.headers["Content-Type"] else text
 
-    def test_reports_are_read_by_and_by(self):
+    def test_api_pages_through_all_reports(self):
         for number in range(5):
             cells = {"v1": "=1+1", "v2": "+1", "v3": "-1", "v4": "@a", "v5": 'say "x", y', "v6": "a\nb", "v7": "\ta", "v8": ""}
             self.upload(f"s{number}", v71063=f"{number}.0 GB", **cells)

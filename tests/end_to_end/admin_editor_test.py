@@ -69,7 +69,7 @@ class Editing(AdminTest):
                            (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: unknown comparison"),
                            ("{", "line 1, column 2"), ("{}", "title"), (" \n", "no text"),
                            ('{"title": "]{\\"[{",\n"requirements": [{\n}, {}]}', "line 2, requirement 1"),
-                           ("<b>\r\n  &amp;", "line 1, column 1"), ("[" * 100_000, "Not right yet")):
+                           ("<b>\r\n  &amp;", "line 1, column 1"), ("[" * 100_000, "Not valid yet")):
             status, page = self.act("check", text)
             self.assertIn(message, page)
             self.assertEqual(status, 400 if text.isspace() else 200)

@@ -28,7 +28,7 @@ Shown Ask(const std::string& target, const std::function<void()>& fail)
     Database database(pool, pool, pool, "", {});
     Site site(database, {});
     Metrics metrics;
-    Router router(metrics.admin);
+    Router router(metrics.adminEndpoint);
     site.AddTo(router);
     const Answer answer = router.Handle({"GET", target, "", {{"Cookie", "__Host-kel=x"}}});
     return {answer.status, *answer.body, *MetricsPage(metrics, database).body};

@@ -17,13 +17,13 @@ namespace kel::server {
 
 /// What the connections of one listener share. The network's thread alone changes it; the handler
 /// runs at the request's place.
-struct Door {
+struct Endpoint {
     using Handler = std::function<Answer(const Request&)>;
     /// An executor of other threads; an empty one for the network's own.
     using Place = std::function<boost::asio::any_io_executor(const Request&)>;
     using Sockets = std::unordered_set<boost::asio::ip::tcp::socket*>;
 
-    Door(Handler handler, const Limits& limits, Place place, DoorMetrics& metrics)
+    Endpoint(Handler handler, const Limits& limits, Place place, EndpointMetrics& metrics)
         : handler(std::move(handler)),
           limits(limits),
           place(std::move(place)),
@@ -38,7 +38,7 @@ struct Door {
     Handler handler;
     Limits limits;
     Place place;  // where the handler works on a request
-    DoorMetrics& metrics;
+    EndpointMetrics& metrics;
     BodyBudget bodies;
     Sockets open, idle;  // all connections, and those that wait for a request
     std::unordered_set<boost::asio::steady_timer*> queued;  // of requests until their answers are there

@@ -2,7 +2,7 @@
 
 #include <unordered_set>
 
-#include "server/http/Door.h"
+#include "server/http/Endpoint.h"
 
 namespace kel::server {
 
@@ -26,8 +26,8 @@ private:
 /// One of an endpoint's connections, until its end.
 class OpenConnection {
 public:
-    OpenConnection(Door& door, boost::asio::ip::tcp::socket& socket)
-        : count(door.metrics.connections), member(door.open, socket)
+    OpenConnection(Endpoint& endpoint, boost::asio::ip::tcp::socket& socket)
+        : count(endpoint.metrics.connections), member(endpoint.open, socket)
     {
         ++count;
     }

@@ -1,4 +1,4 @@
-#include "server/admin/Trial.h"
+#include "server/admin/DraftPreview.h"
 
 #include <algorithm>
 #include <optional>
@@ -45,20 +45,20 @@ std::vector<std::optional<std::size_t>> Replaced(const Lines& draft, const Lines
 
 }  // namespace
 
-Trial Trial::Run(Database& database, const std::string& referrer, const Requirements& draft)
+DraftPreview DraftPreview::Run(Database& database, const std::string& referrer, const Requirements& draft)
 {
-    Trial trial;
+    DraftPreview preview;
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
-    trial.sessions = ForEachRecentReport(database, referrer, [&](const Report& report) {
-        trial.draft.Count(Judge(draft, report.Lookup()));
+    preview.sessions = ForEachRecentReport(database, referrer, [&](const Report& report) {
+        preview.draft.Count(Judge(draft, report.Lookup()));
         if (today)
-            trial.today.Count(Judge(*today, report.Lookup()));
+            preview.today.Count(Judge(*today, report.Lookup()));
     });
-    return trial;
+    return preview;
 }
 
-Html Trial::Show() const
+Html DraftPreview::Show() const
 {
     if (sessions.count == 0)
         return Html::Element(
@@ -80,7 +80,7 @@ Html Trial::Show() const
     const auto replaced = Replaced(draft.lines, today.lines);
     for (std::size_t i = 0; i < draft.lines.size(); ++i) {
         const LineTally& line = draft.lines[i];
-        table.Add({LabelOf(line.label, line.recommended), Html::Stored(line.needed), Grouped(line.pass),
+        table.Add({LineLabel(line.label, line.recommended), Html::Stored(line.needed), Grouped(line.pass),
                    Grouped(line.fail),
                    replaced[i] ? Grouped(today.lines[*replaced[i]].fail) : std::string("new"),
                    Grouped(line.unknown)});
@@ -89,7 +89,7 @@ Html Trial::Show() const
     for (std::size_t j = 0; j < today.lines.size(); ++j) {
         if (std::find(replaced.begin(), replaced.end(), j) == replaced.end())
             gone += (gone.IsEmpty() ? Html("No longer asked: ") : Html(", ")) +
-                    LabelOf(today.lines[j].label, today.lines[j].recommended);
+                    LineLabel(today.lines[j].label, today.lines[j].recommended);
     }
     Html figures = Html::Element("p", {{"class", "notice note"}, {"role", "status"}}, sentence) +
                    table.Done("The draft has no line.");

@@ -11,12 +11,12 @@
 namespace kel::server {
 
 /// What a draft would do to the newest reports of its product's last sessions.
-struct Trial {
+struct DraftPreview {
     RecentSessions sessions;
     Tally draft, today;  // today's by the newest published version; empty when there is none
 
     /// Judges the newest reports of the referrer by the draft and by today's requirements.
-    static Trial Run(Database& database, const std::string& referrer, const Requirements& draft);
+    static DraftPreview Run(Database& database, const std::string& referrer, const Requirements& draft);
 
     /// The figures, as sentences and a table.
     Html Show() const;
