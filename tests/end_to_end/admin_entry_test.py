@@ -65,30 +65,29 @@ class Entry(AdminTest):
         entries = [self.visit("POST", "/login", {"name": "Edith", "password": PASSWORD})[0] for _ in range(2)]
         known, other = (re.match("[^;]*", answer.headers.get_all("Set-Cookie")[1])[0] for answer in entries)
 
-        def seconds(name):
-            start = time.monotonic()
-            self.visit("POST", "/login", {**guess, "name": name})
-            return time.monotonic() - start
-        right, unknown = (min(seconds(name) for _ in range(4)) for name in ("Edith", "nobody"))
+        def work_on(name):
+            start = self.work()
+            for _ in range(4):
+                self.visit("POST", "/login", {**guess, "name": name})
+            return self.work() - start
+        right, unknown = work_on("Edith"), work_on("nobody")
         self.assertGreater(unknown, right / 2)  # a name that is refused quickly is not an account
-        self.assertEqual([self.status("POST", "/login", guess) for _ in range(2)], [403, 429])
-        answer, _ = self.visit("POST", "/login", {"name": "Edith", "password": PASSWORD})
-        self.assertEqual(answer.status, 429)
-        self.assertIn(answer.headers["Retry-After"], ("4", "3", "2", "1"))
         self.assertEqual(self.status("GET", "/login"), 200)
-        self.log_in("Rita")  # others are not kept out
-        statuses = [self.status("POST", "/login", {**guess, "name": f"n{number}"}) for number in range(30)]
-        self.assertEqual((statuses.count(403), statuses[-1]), (30 - 9, 429))
-        self.assertEqual(self.status("POST", "/login", {"name": "Rita", "password": PASSWORD}), 429)
-        self.assertEqual(len(self.database.run("SELECT 1 FROM audit WHERE action = 'log-in failed'")), 30)
+
+        def keep_out(name, cookie="a=b", guesser="a=b"):
+            """What the right password gets at once after too many wrong ones."""
+            for _ in range(6):
+                answer, _ = self.visit("POST", "/login", {**guess, "name": name}, Cookie=guesser)
+                self.assertEqual(int(answer.headers["Retry-After"] or 0) > 0, answer.status == 429)
+            return self.status("POST", "/login", {"name": name, "password": PASSWORD}, Cookie=cookie)
+        for name, cookie in (("Edith", "a=b"), ("Edith", known + "x"), ("Edith", "__Host-kel-known=x"), ("Rita", known)):
+            self.await_answer(lambda: keep_out(name, cookie), 429)  # a busy machine may take longer than the wait
         # Where she has been logged in before, all that keeps Edith out is her own failures.
-        for name, cookie, password, status in (
-                ("Edith", known, PASSWORD, 303), ("Edith", known + "x", PASSWORD, 429), ("Rita", known, PASSWORD, 429),
-                ("Edith", "__Host-kel-known=x", PASSWORD, 429), ("Edith", None, PASSWORD, 429),
-                *[("Edith", known, "wrong", 403)] * 5, ("Edith", known, PASSWORD, 429), ("Edith", other, PASSWORD, 303)):
-            self.assertEqual(self.status("POST", "/login", {"name": name, "password": password}, Cookie=cookie or "a=b"), status)
+        self.assertEqual(keep_out("Edith", known), 303)
+        self.await_answer(lambda: keep_out("Edith", known, known), 429)
+        self.assertEqual(keep_out("Edith", other, known), 303)
         self.account("editor", "Edith")
-        self.assertEqual(self.status("POST", "/login", {"name": "Edith", "password": PASSWORD}, Cookie=other), 429)
+        self.await_answer(lambda: keep_out("Edith", other), 429)
 
     def test_other_sites_cannot_use_a_log_in(self):
         cookie, other, reader = self.log_in(), self.log_in(), self.log_in("Rita")
