@@ -30,9 +30,8 @@ std::string TimeText(std::int64_t time)
 
 std::string IsoTime(std::int64_t time)
 {
-    std::array<char, 8> milliseconds{};
-    std::snprintf(milliseconds.data(), milliseconds.size(), ".%03dZ", static_cast<int>(time % Second));
-    return Format(time, "%Y-%m-%dT%H:%M:%S") + milliseconds.data();
+    const std::string milliseconds = std::to_string(Second + time % Second).substr(1);  // with leading zeros
+    return Format(time, "%Y-%m-%dT%H:%M:%S.") + milliseconds + 'Z';
 }
 
 std::optional<std::int64_t> ParseDay(std::string_view text)
