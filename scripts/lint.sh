@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Checks the format of all sources, their includes against scripts/floors.txt, the page of value ids against the
-# catalogue, the C++ (clang-tidy), the shell scripts (shellcheck) and the Python (flake8). Takes C++ files for clang-tidy
-# as arguments, or all. With --quick first, clang-tidy runs its cheap checks only, names among them: all checks take as
-# long as building and testing together.
+# catalogue, the words of all texts against a list of phrases, the C++ (clang-tidy), the shell scripts (shellcheck) and
+# the Python (flake8). Takes C++ files for clang-tidy as arguments, or all. With --quick first, clang-tidy runs its cheap
+# checks only, names among them: all checks take as long as building and testing together.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,6 +10,7 @@ scripts/setup.sh --lint
 scripts/format.sh --check
 python3 scripts/check_includes.py
 python3 tools/catalogue.py --check
+python3 scripts/check_words.py
 git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck --external-sources
 git ls-files -z '*.py' | xargs -0 flake8
 checks=()

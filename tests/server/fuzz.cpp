@@ -1,4 +1,4 @@
-// Hostile texts for each parser of the analysis service, and for what judges and tells what was read. The
+// Hostile texts for each parser of the analysis service, and for what judges and shows what was read. The
 // same for the same KEL_FUZZ_SEED; KEL_FUZZ_COUNT of them for each.
 #include <algorithm>
 #include <fstream>
@@ -55,10 +55,10 @@ std::ptrdiff_t Markup(std::string page)
     return std::ranges::count_if(page, [](char c) { return c == '<' || c == '>' || c == '"' || c == '\''; });
 }
 
-/// A verdict tells in each form what it has, and no text of it becomes markup.
-void TellsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
+/// A verdict shows in each form what it has, and no text of it becomes markup.
+void ShowsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
 {
-    std::vector<std::string> told, expected{verdict.title};
+    std::vector<std::string> shown, expected{verdict.title};
     Verdict plain = verdict;
     plain.title.clear();
     for (VerdictLine& line : plain.lines) {
@@ -70,9 +70,10 @@ void TellsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
     }
     const auto document = ReadXml(RenderXml(verdict, request.item, request.schema));
     for (const auto& element : document.select_nodes("/analysis/title | /analysis/requirement/*"))
-        told.emplace_back(element.node().child_value());
-    Expect(std::ranges::equal(told, expected, {}, Handed, Handed), "texts that arrive");
-    Expect(document.select_nodes("//*").size() == told.size() + verdict.lines.size() + 1, "no more elements");
+        shown.emplace_back(element.node().child_value());
+    Expect(std::ranges::equal(shown, expected, {}, Handed, Handed), "texts that arrive");
+    Expect(document.select_nodes("//*").size() == shown.size() + verdict.lines.size() + 1,
+           "no more elements");
     Expect(Markup(RenderPage(verdict)) == Markup(RenderPage(plain)), "no markup of texts");
     const auto json = nlohmann::json::parse(RenderJson(verdict, request.item, request.schema));
     Expect(json.at("requirements").size() == nlohmann::json::parse(RenderLines(verdict)).size(), "JSON");
@@ -81,7 +82,7 @@ void TellsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
 void Judges(Requirements requirements, const Report& report)
 {
     const Verdict verdict = Judge(requirements, report.Lookup());
-    TellsWhatItHas(verdict);
+    ShowsWhatItHas(verdict);
     Tally tally;
     tally.Count(verdict);
     tally.Count(verdict);
@@ -135,7 +136,7 @@ Check ReadReport(std::string_view text)
 
 Check ReadRequest(std::string_view text)
 {
-    return [request = AnalysisRequest::Read(text)] { TellsWhatItHas({}, request); };
+    return [request = AnalysisRequest::Read(text)] { ShowsWhatItHas({}, request); };
 }
 
 Check ReadRequirements(std::string_view text)

@@ -52,7 +52,7 @@ def _cut_test_file(handler):
 
 
 def _reset_test_file(handler):
-    """Does not tell the length, and resets the connection halfway."""
+    """Does not send the length, and resets the connection halfway."""
     handler.wfile.write(OK + b"\r\n" + bytes(100_000))
     time.sleep(0.5)
     handler.connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
