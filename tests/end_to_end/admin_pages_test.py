@@ -144,7 +144,8 @@ class Pages(AdminTest):
                          [("Processors", "6", "0", "2", "75 %"), ("Memory", "2", "3", "3", "25 %")])
         rows = [row for row in page.cells(0, 1, 2) if row[2].endswith("%")]
         for row in (("up to 512 MB", "1", "5 %"), ("up to 4 GB", "2", "10 %"), ("up to 8 GB", "1", "5 %"),
-                    ("up to 16 GB", "1", "5 %"), ("1920x1080", "7", "35 %"), ("800x600", "1", "5 %"), ("not reported", "15", "75 %"),
+                    ("up to 16 GB", "1", "5 %"), ("1920x1080", "7", "35 %"), ("800x600", "1", "5 %"),
+                    ("not reported", "15", "75 %"),
                     ("not reported", "12", "60 %"), ("other", "2", "10 %")):
             self.assertIn(row, rows)
         kept = [label for label, _, _ in rows]

@@ -92,7 +92,7 @@ class Contract(DeployedTest):
                 self.assertEqual(self.ask(verb, path, body.encode("latin-1")), (int(status), b""))
         for length in (b"x", b"-1", b"99999999999999999999", b"1e3"):
             answers = self.talk(b"POST / HTTP/1.1\r\nContent-Length: " + length + b"\r\n\r\nGET / HTTP/1.1\r\n\r\n")
-            self.assertEqual((answers[:12], answers.count(b"HTTP/1.1 ")), (b"HTTP/1.1 400", 1))  # its body is not taken for a request
+            self.assertEqual((answers[:12], answers.count(b"HTTP/1.1 ")), (b"HTTP/1.1 400", 1))  # the body is not a request
         self.assertEqual(self.ask("GET", WANTED)[0], 200)
 
     def test_one_connection_serves_request_after_request(self):
