@@ -10,15 +10,15 @@ namespace {
 TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
 {
     const std::pair<const wchar_t*, const char*> rows[] = {
-        {L"", "line 1: HKCR"},
-        {L"HKCR { } }", "may follow"},
-        {L"HKCR {\n a\n {\n }\n", "line 5: a name or a closing brace"},
+        {L"", "line 1: HKCR is expected."},
+        {L"HKCR { } }", "line 1: nothing may follow the root key."},
+        {L"HKCR {\n a\n {\n }\n", "line 5: a name or a closing brace is expected."},
         {L"HKCR { NoRemove ForceRemove a }", "a name"},
-        {L"HKCR { k { val a } }", "equals sign"},
-        {L"HKCR { a = s x }", "a text"},
-        {L"HKCR {\n a = s 'x }", "line 2: a closing quote"},
-        {L"HKCR { a = s '%MODULE' }", "percent sign"},
-        {L"HKCR {\n b = s 'x %NAME%' }", "line 2: a known parameter"},
+        {L"HKCR { k { val a } }", "an equals sign is expected."},
+        {L"HKCR { a = s x }", "a text in quotes is expected."},
+        {L"HKCR {\n a = s 'x }", "line 2: a closing quote is missing."},
+        {L"HKCR { a = s '%MODULE' }", "a closing percent sign is missing."},
+        {L"HKCR {\n b = s 'x %NAME%' }", "line 2: a known parameter is expected."},
     };
     for (const auto& [text, message] : rows) {
         const auto parse = [&script = text] { RegistrationScript::Parse(script, {{L"MODULE", L"x"}}); };
