@@ -85,7 +85,7 @@ class Programs(AdminTest):
                 ("GET", draft, "", {}, 404), ("PUT", draft, good, {}, 428), ("PUT", draft, "{", {"If-None-Match": "*"}, 422),
                 ("PUT", draft, good, {"If-Match": '"0"'}, 412), ("PUT", draft, good, {"If-None-Match": "*"}, 201),
                 ("PUT", draft, good, {"If-None-Match": "*"}, 412), ("PUT", draft, good, {"If-Match": '"9"'}, 412),
-                ("PUT", draft, good, {"If-Match": "x1x"}, 412), ("PUT", draft, good, {"If-Match": '"99999999999"'}, 412),
+                ("PUT", draft, good, {"If-Match": "x1x"}, 412), ("PUT", draft, good, {"If-Match": '"4294967297"'}, 412),
                 ("PUT", draft, good, {"If-Match": ""}, 412), ("PUT", draft, good + " ", {"If-Match": '"1"'}, 200),
                 ("PUT", "referrers/%3Cb%3E/draft", good, {"If-None-Match": "*"}, 404), ("GET", draft, "", {}, 200),
                 ("POST", publish, "", {}, 428), ("POST", publish, "", {"If-Match": '"1"'}, 412),

@@ -75,6 +75,10 @@ class Pages(AdminTest):
         for words in (("purge", "--session", "t"), ("purge", "--older", "90d"), ("import", self.folder)):
             self.command(*words)  # of these the import changes nothing
         noted = [row[1:] for row in self.page("/audit", cookie).cells(1, 2, 3)[1:] if row[0] == "command line"]
+        self.database.run("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100) INSERT INTO audit "
+                          "(time, account, action, subject) SELECT 9999999999999, 'later', '', '' FROM n")
+        older = next(link for link in self.page("/audit", cookie).links if "before=" in link)
+        self.assertEqual(self.page(older, cookie).cells(1, 3)[1], ("command line", "--older 90d, 0 reports"))
         self.assertEqual(noted[:3], [("purged", "--older 90d, 0 reports"), ("purged", "--session, 1 reports"),
                                      ("published", "demo, version 1")])
 

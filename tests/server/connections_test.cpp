@@ -51,6 +51,13 @@ TEST_F(StoreTest, ConnectionsHaveTheirSettings)
     EXPECT_EQ(raw->Query("PRAGMA secure_delete").at(0).Number(), 1);
 }
 
+TEST_F(StoreTest, AStatementThatWasNotPreparedIsPreparedAgain)
+{
+    EXPECT_THROW(CountRows("report"), Fault);
+    Open();
+    EXPECT_EQ(CountRows("report"), 0);
+}
+
 TEST_F(StoreTest, ListsOfVerdictsUseAnIndex)
 {
     Open();

@@ -67,8 +67,8 @@ TEST(Comparison, FollowsTheTable)
     for (const std::string& line : ReadLines("comparisons.txt"))
         rows.push_back(Divide(line, " | "));
     rows.front() = {"at least version", Repeat("9", 5000), "9", "unknown"};  // instead of the columns' names
-    rows.push_back({"contains", Repeat("é", 2049), "é", "unknown"});
-    rows.push_back({"contains", "x" + Repeat("é", 2047), "é", "pass"});
+    rows.push_back({"contains", "x" + Repeat("é", 2048), "é", "unknown"});
+    rows.push_back({"contains", Repeat("é", 2048), "é", "pass"});
     for (const Texts& row : rows) {
         const Comparison* comparison = ParseComparison(row.at(0));
         ASSERT_TRUE(comparison) << row[0];
@@ -115,6 +115,14 @@ TEST(Verdict, TruncatesLongValuesBetweenCharacters)
     const std::string value = "x" + Repeat("é", 600);
     const auto set = Requirements::Read(SetOf(R"({"id": 1, "label": "L", "comparison": "any"})"));
     EXPECT_EQ(Judge(set, [&](int, int) { return value; }).lines.at(0).found, "x" + Repeat("é", 499) + "…");
+    std::string lines = R"({"id": 1, "label": "L", "comparison": "any"})";
+    for (int id = 2; id <= 500; ++id)
+        lines += R"(, {"label": "L", "comparison": "any", "id": )" + std::to_string(id) + "}";
+    std::size_t bytes = 0;
+    for (const VerdictLine& line :
+         Judge(Requirements::Read(SetOf(lines)), [&](int, int) { return value.substr(0, 2001); }).lines)
+        bytes += line.found.size();
+    EXPECT_LT(bytes, 524'288U + 1000) << "all values together have no bound";
 }
 
 TEST(Requirements, RejectWhatTheTableRejects)
@@ -138,7 +146,9 @@ TEST(Requirements, KeepTheirBounds)
         return R"({"label": ")" + Repeat("é", 500) + R"(", "any of": [)" +
                Repeat(condition + ", ", count - 1) + condition + "]}";
     };
-    const Requirements most = Requirements::Read(SetOf(Repeat(line + ", ", 499) + either(20)));
+    std::string largest = SetOf(Repeat(line + ", ", 499) + either(20));
+    largest.resize(1'048'576, ' ');
+    const Requirements most = Requirements::Read(largest);
     EXPECT_EQ(most.lines.size(), 500U);
     EXPECT_EQ(most.Groups(), (std::vector{71424, 71218, 71206, 1, 2}));
     EXPECT_EQ(ReasonAgainst(SetOf(either(21))), "requirement 1: its 'any of' has 21 entries, not 1 to 20");
