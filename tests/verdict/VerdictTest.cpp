@@ -115,14 +115,6 @@ TEST(Verdict, TruncatesLongValuesBetweenCharacters)
     const std::string value = "x" + Repeat("é", 600);
     const auto set = Requirements::Read(SetOf(R"({"id": 1, "label": "L", "comparison": "any"})"));
     EXPECT_EQ(Judge(set, [&](int, int) { return value; }).lines.at(0).found, "x" + Repeat("é", 499) + "…");
-    std::string lines = R"({"id": 1, "label": "L", "comparison": "any"})";
-    for (int id = 2; id <= 500; ++id)
-        lines += R"(, {"label": "L", "comparison": "any", "id": )" + std::to_string(id) + "}";
-    std::size_t bytes = 0;
-    for (const VerdictLine& line :
-         Judge(Requirements::Read(SetOf(lines)), [&](int, int) { return value.substr(0, 2001); }).lines)
-        bytes += line.found.size();
-    EXPECT_LT(bytes, 524'288U + 1000) << "all values together have no bound";
 }
 
 TEST(Requirements, RejectWhatTheTableRejects)
