@@ -69,6 +69,19 @@ TEST(Comparison, FollowsTheTable)
     rows.front() = {"at least version", Repeat("9", 5000), "9", "unknown"};  // instead of the columns' names
     rows.push_back({"contains", "x" + Repeat("é", 2048), "é", "unknown"});
     rows.push_back({"contains", Repeat("é", 2048), "é", "pass"});
+    for (const auto& [one, same] : {std::pair{"1 KB", "1024 B"},
+                                    {"1 MB", "1024 KB"},
+                                    {"1 GB", "1024 MB"},
+                                    {"1 TB", "1024 GB"},
+                                    {"1 KHz", "1000 Hz"},
+                                    {"1 MHz", "1000 KHz"},
+                                    {"1 GHz", "1000 MHz"},
+                                    {"1 Kbps", "1024 bps"},
+                                    {"1 Mbps", "1024 Kbps"},
+                                    {"1 Gbps", "1024 Mbps"}}) {
+        for (const char* comparison : {"at least", "at most"})
+            rows.push_back({comparison, one, same, "pass"});
+    }
     for (const Texts& row : rows) {
         const Comparison* comparison = ParseComparison(row.at(0));
         ASSERT_TRUE(comparison) << row[0];
