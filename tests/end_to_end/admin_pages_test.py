@@ -6,7 +6,6 @@ import re
 import unittest
 
 from administration import AdminTest, PageParser, report, requirements
-from databases import KIND
 from deployed import UPLOAD, analysis
 
 HOSTILE = ("<script>alert(1)</script>", '"><img src=x onerror=alert(1)>', "javascript:alert(1)", "</textarea></title><b>'",
@@ -91,17 +90,6 @@ class Pages(AdminTest):
         self.assertEqual(len(page.cells(3)), 2000 + 1)
         self.assertEqual(noted[:3], [("purged", "--older 90d, 0 reports"), ("purged", "--session, 1 reports"),
                                      ("published", "demo, version 1")])
-
-    @unittest.skipUnless(KIND == "sqlite", "of SQLite's files")
-    def test_what_an_editor_deletes_is_nowhere_in_the_files(self):
-        def held():
-            return sum(path.read_bytes().count(b"hidden") for path in self.folder.glob("kel.db*"))
-        self.upload("a", v71207="hidden" * 50)
-        cookie = self.log_in()
-        form = {"token": self.token(cookie)}
-        self.assertGreater(held(), 50)
-        self.assertEqual(self.status("POST", "/reports/1/delete", form, cookie), 303)
-        self.assertEqual(held(), 0)
 
     def test_lines_count_by_themselves_and_by_their_version(self):
         def publish(*lines):
