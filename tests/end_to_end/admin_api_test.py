@@ -41,10 +41,10 @@ class Programs(AdminTest):
         [unreadable] = self.get("reports?count=1")[1]["reports"]
         self.assertEqual((unreadable["session"], unreadable["values"]), ("s0", []))
         for number in range(3):
-            self.upload(f"big{number}", v1="x" * 1_999_000)
+            self.upload(f"big{number}", v1="x" * 1_900_000)
+        self.upload("many", v71206="u", **{f"v1{number}": "" for number in range(4_900)})
         _, answer = self.get("reports?after=5&count=1000")
         self.assertEqual((len(answer["reports"]), answer["last"]), (2, 7))  # an answer has a bound, whatever visitors send
-        self.upload("many", v71206="u", **{f"v1{number}": "" for number in range(4_900)})
         self.database.run(f"UPDATE report SET session = '{'s' * 900}', \"user\" = (SELECT body FROM report WHERE id = 6) "
                           "WHERE id > 8")
         for after, form in ((7, "csv"), (8, "csv"), (8, "json")):
@@ -85,7 +85,7 @@ class Programs(AdminTest):
                 ("GET", draft, "", {}, 404), ("PUT", draft, good, {}, 428), ("PUT", draft, "{", {"If-None-Match": "*"}, 422),
                 ("PUT", draft, good, {"If-Match": '"0"'}, 412), ("PUT", draft, good, {"If-None-Match": "*"}, 201),
                 ("PUT", draft, good, {"If-None-Match": "*"}, 412), ("PUT", draft, good, {"If-Match": '"9"'}, 412),
-                ("PUT", draft, good, {"If-Match": "x1x"}, 412), ("PUT", draft, good, {"If-Match": '"99999999999"'}, 412),
+                ("PUT", draft, good, {"If-Match": "x1x"}, 412), ("PUT", draft, good, {"If-Match": '"4294967297"'}, 412),
                 ("PUT", draft, good, {"If-Match": ""}, 412), ("PUT", draft, good + " ", {"If-Match": '"1"'}, 200),
                 ("PUT", "referrers/%3Cb%3E/draft", good, {"If-None-Match": "*"}, 404), ("GET", draft, "", {}, 200),
                 ("POST", publish, "", {}, 428), ("POST", publish, "", {"If-Match": '"1"'}, 412),

@@ -127,6 +127,7 @@ class Editing(AdminTest):
             texts = [html.unescape(text) for text in re.findall("<textarea[^>]*>\n(.*?)</textarea>", page, re.DOTALL)]
             self.assertEqual((status, texts), (409, ["their <text>", self.stricter]))
             self.assertEqual(PageParser(page).fields["revision"], "1")
+            self.assertRegex(PageParser(page).data, r"Theirs was saved 20[\d :-]+ UTC by Edith")
             self.assertEqual(self.act("save", self.stricter, 1)[0], 303)
         self.assertEqual(self.act("drop", self.stricter, 2)[0], 200)
         self.assertIn("The draft is dropped.", self.after("", "", 2, "drop"))

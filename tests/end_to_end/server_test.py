@@ -417,6 +417,8 @@ class Commands(DeployedTest):
     def test_an_import_is_whole_or_nothing_and_repeats_nothing(self):
         self.require("r", (1, "M", "any"))
         self.assertIn("version=1", self.command("import", self.folder))
+        (self.folder / "empty").mkdir()
+        self.assertIn("no requirement files", self.command("import", self.folder / "empty", code=1))
         self.require("r", (2, "M", "any"))
         self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
         for name, text, reason in (("a", "{", "parse error"), ("a", "\xff", "not UTF-8"), ("a", "[" * 1_000_000, "parse error"),

@@ -21,7 +21,9 @@ class StoreTest : public testing::Test {
 protected:
     void SetUp() override
     {
-        settings.location = std::getenv("KEL_STORE");
+        const char* const store = std::getenv("KEL_STORE");
+        ASSERT_TRUE(store) << "KEL_STORE names no database; EndToEnd.database sets it";
+        settings.location = store;
         if (IsPostgres())
             OpenForMigration(settings)->Execute("DROP SCHEMA public CASCADE; CREATE SCHEMA public");
         for (const char* end : {"", "-wal", "-shm"})

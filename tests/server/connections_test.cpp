@@ -42,6 +42,7 @@ TEST_F(StoreTest, ConnectionsHaveTheirSettings)
     if (IsPostgres()) {
         PostgresConnection connection(settings.location, PostgresConnection::Patience::Request);
         EXPECT_EQ(connection.Query("SHOW statement_timeout").at(0).Text(), "10s");
+        EXPECT_EQ(raw->Query("SHOW statement_timeout").at(0).Text(), "0") << "a migration is cut short";
         return;
     }
     for (const auto& [durability, level] : {std::pair{"normal", 1}, {"full", 2}}) {
@@ -49,6 +50,13 @@ TEST_F(StoreTest, ConnectionsHaveTheirSettings)
         EXPECT_EQ(OpenForMigration(settings)->Query("PRAGMA synchronous").at(0).Number(), level);
     }
     EXPECT_EQ(raw->Query("PRAGMA secure_delete").at(0).Number(), 1);
+}
+
+TEST_F(StoreTest, AStatementThatWasNotPreparedIsPreparedAgain)
+{
+    EXPECT_THROW(CountRows("report"), Fault);
+    Open();
+    EXPECT_EQ(CountRows("report"), 0);
 }
 
 TEST_F(StoreTest, ListsOfVerdictsUseAnIndex)

@@ -1,5 +1,6 @@
 // Published requirements and drafts in the store.
 #include "server/base/Fault.h"
+#include "server/store/Accounts.h"
 #include "tests/server/StoreTest.h"
 
 namespace kel::server {
@@ -36,7 +37,16 @@ TEST_F(StoreTest, ChangesAndTheirAuditEntriesAreOneStep)
 {
     RequirementSets sets(Open());
     Upload("s");
+    sets.SaveDraft("old", "1", 0, "ann");
+    Accounts accounts(*database);
+    accounts.Save({"bob", "h", Role::Reader}, "cli");
     raw->Execute("DROP TABLE audit");
+    EXPECT_THROW(sets.DropDraft("old", 1, "ann"), Fault);
+    EXPECT_TRUE(sets.FindDraft("old")) << "a draft is dropped without an entry";
+    EXPECT_THROW(accounts.Save({"eve", "h", Role::Editor}, "cli"), Fault);
+    EXPECT_FALSE(accounts.Find("eve")) << "an account is written without an entry";
+    EXPECT_THROW(accounts.Remove("bob", "cli"), Fault);
+    EXPECT_TRUE(accounts.Find("bob")) << "an account is removed without an entry";
     EXPECT_THROW(sets.SaveDraft("new", "1", 0, "ann"), Fault);
     EXPECT_THROW(sets.Publish("new", "1", "ann", "ann"), Fault);
     DeletionEntry entry{"ann", "deleted", "s"};

@@ -17,7 +17,10 @@ TEST_F(StoreTest, RecentVerdictsAreOfTheNewestRequirementsFirst)
         Judge(older, "r", Result::Fail, text);
         Judge(newer, "r", Result::Unknown, text);
     }
+    raw->Execute("UPDATE verdict SET judged = 1");
     Judge(newer, "r", Result::Pass, "again");
+    EXPECT_EQ(verdicts.OnReport(newer).at(0).lines, "again") << "an older version is first";
+    EXPECT_GT(verdicts.OnReport(newer).at(0).judged, 1) << "the time of the first judgement stays";
     Judge(1000, "r", Result::Pass, "its report does not exist");
     std::vector<std::pair<std::int64_t, std::string>> recent;
     verdicts.ForEachRecent("r", 100, [&](const StoredVerdict& verdict) {

@@ -67,8 +67,21 @@ TEST(Comparison, FollowsTheTable)
     for (const std::string& line : ReadLines("comparisons.txt"))
         rows.push_back(Divide(line, " | "));
     rows.front() = {"at least version", Repeat("9", 5000), "9", "unknown"};  // instead of the columns' names
-    rows.push_back({"contains", Repeat("é", 2049), "é", "unknown"});
-    rows.push_back({"contains", "x" + Repeat("é", 2047), "é", "pass"});
+    rows.push_back({"contains", "x" + Repeat("é", 2048), "é", "unknown"});
+    rows.push_back({"contains", Repeat("é", 2048), "é", "pass"});
+    for (const auto& [one, same] : {std::pair{"1 KB", "1024 B"},
+                                    {"1 MB", "1024 KB"},
+                                    {"1 GB", "1024 MB"},
+                                    {"1 TB", "1024 GB"},
+                                    {"1 KHz", "1000 Hz"},
+                                    {"1 MHz", "1000 KHz"},
+                                    {"1 GHz", "1000 MHz"},
+                                    {"1 Kbps", "1024 bps"},
+                                    {"1 Mbps", "1024 Kbps"},
+                                    {"1 Gbps", "1024 Mbps"}}) {
+        for (const char* comparison : {"at least", "at most"})
+            rows.push_back({comparison, one, same, "pass"});
+    }
     for (const Texts& row : rows) {
         const Comparison* comparison = ParseComparison(row.at(0));
         ASSERT_TRUE(comparison) << row[0];
@@ -138,7 +151,9 @@ TEST(Requirements, KeepTheirBounds)
         return R"({"label": ")" + Repeat("é", 500) + R"(", "any of": [)" +
                Repeat(condition + ", ", count - 1) + condition + "]}";
     };
-    const Requirements most = Requirements::Read(SetOf(Repeat(line + ", ", 499) + either(20)));
+    std::string largest = SetOf(Repeat(line + ", ", 499) + either(20));
+    largest.resize(1'048'576, ' ');
+    const Requirements most = Requirements::Read(largest);
     EXPECT_EQ(most.lines.size(), 500U);
     EXPECT_EQ(most.Groups(), (std::vector{71424, 71218, 71206, 1, 2}));
     EXPECT_EQ(ReasonAgainst(SetOf(either(21))), "requirement 1: its 'any of' has 21 entries, not 1 to 20");

@@ -1,0 +1,79 @@
+// What the service remembers for a while, within bounds: reports, and failed log-ins.
+#include <gtest/gtest.h>
+
+#include "server/admin/Throttle.h"
+#include "server/protocol/ReportCache.h"
+
+namespace kel::server {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+TEST(ReportCache, KeepsWhatWasAskedForLast)
+{
+    const auto report = std::make_shared<const Report>(Report::Read(
+        "<groups><group id=\"71424\"><value>a session that takes some bytes</value></group></groups>"));
+    ReportCache cache(2 * report->Bytes());
+    for (const int id : {1, 2})
+        cache.Add(id, report);
+    EXPECT_EQ(cache.Find(1), report);
+    cache.Add(3, report);
+    EXPECT_TRUE(cache.Find(1)) << "it was asked for after 2";
+    EXPECT_FALSE(cache.Find(2)) << "there is room for two";
+    cache.Add(4, report);
+    EXPECT_TRUE(cache.Find(1)) << "it was asked for after 3";
+    EXPECT_TRUE(cache.Find(4)) << "the newest is gone";
+}
+
+TEST(Throttle, MakesAGuestWaitTwiceAsLongEachTime)
+{
+    Throttle throttle;
+    Throttle::Clock::time_point now(std::chrono::hours(9));
+    int failure = 0;
+    for (const int wait : {0, 0, 0, 0, 4, 8, 16, 32, 64, 128, 256, 300, 300}) {
+        throttle.Failed({"ann"}, now);
+        EXPECT_EQ(throttle.Wait({"ann"}, now), seconds(wait)) << "after failure " << ++failure;
+    }
+    EXPECT_EQ(throttle.Wait({"ann"}, now + milliseconds(299'001)), seconds(1)) << "not rounded up";
+    EXPECT_EQ(throttle.Wait({"ann"}, now + seconds(300)), seconds(0));
+    EXPECT_EQ(throttle.Wait({"ann", true}, now), seconds(0)) << "a browser of that name";
+    throttle.Failed({"ann"}, now += seconds(3'600));
+    EXPECT_EQ(throttle.Wait({"ann"}, now), seconds(300)) << "forgotten within an hour";
+    throttle.Failed({"ann"}, now += seconds(3'601));
+    EXPECT_EQ(throttle.Wait({"ann"}, now), seconds(0)) << "remembered for more than an hour";
+}
+
+TEST(Throttle, MakesAllButKnownBrowsersWaitForTheEndOfAMinute)
+{
+    Throttle throttle;
+    const Throttle::Clock::time_point now(std::chrono::hours(9));
+    for (int number = 1; number <= 30; ++number) {
+        EXPECT_EQ(throttle.Wait({"ann"}, now), seconds(0)) << "failure " << number;
+        throttle.Failed({std::to_string(number)}, now + seconds(number));
+    }
+    EXPECT_EQ(throttle.Wait({"ann"}, now + seconds(31)), seconds(30));
+    EXPECT_EQ(throttle.Wait({"ann", true}, now + seconds(31)), seconds(0));
+    throttle.Failed({"ann"}, now + seconds(61));
+    EXPECT_EQ(throttle.Wait({"ann"}, now + seconds(61)), seconds(0)) << "a new minute has begun";
+}
+
+TEST(Throttle, ForgetsWhoeverFailedTheLongestAgo)
+{
+    Throttle throttle;
+    Throttle::Clock::time_point now(std::chrono::hours(9));
+    for (const char* name : {"first", "second"}) {
+        now += milliseconds(1);
+        for (int failure = 0; failure < Throttle::FreeFailures; ++failure)
+            throttle.Failed({name, true}, now);
+    }
+    for (std::size_t number = 1; number < Throttle::MaxNames; ++number)
+        throttle.Failed({std::to_string(number), true}, now += milliseconds(1));
+    EXPECT_EQ(throttle.Wait({"first", true}, now), seconds(0));
+    EXPECT_GT(throttle.Wait({"second", true}, now), seconds(0));
+}
+
+}  // namespace
+
+}  // namespace kel::server
