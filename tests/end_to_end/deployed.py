@@ -17,11 +17,18 @@ LIST, UPLOAD = "/Data/Service.svc/Group/list", f"/Data/Service.svc/upload?apikey
 INFORMATION = "/SystemInformation/?refid=r&sessid=s"
 REPORT = ('<groups><group index="0" id="71424"><value>{0}</value></group>'
           '<group index="0" id="1"><value>8.0 GB</value></group></groups>  ')
+HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\n".encode()
 
 
 def analysis(session, message_format="xml"):
     return (f"<System><SessionID>{session}</SessionID><ItemID>i</ItemID><UserID/>"
             f"<Format>{message_format}</Format><Schema>1</Schema></System>")
+
+
+def padded(size, session="s"):
+    """A report of the given number of bytes."""
+    report = REPORT.format(session).strip().encode()
+    return report.replace(b"8.0 GB", b"8.0 GB" + b" " * (size - len(report)))
 
 
 class Client:
