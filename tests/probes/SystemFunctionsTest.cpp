@@ -13,7 +13,11 @@ namespace {
 TEST(SystemFunctions, AreFoundByTheirNames)
 {
     const test::LogCapture log(LogTrace);
-    EXPECT_EQ(OSFunctions::OfSystem().getUserDefaultLCID(), GetUserDefaultLCID());
+    const OSFunctions system = OSFunctions::OfSystem();
+    EXPECT_TRUE(system.getProductInfo);
+    EXPECT_TRUE(system.getNativeSystemInfo);
+    EXPECT_TRUE(system.isWow64Process);
+    EXPECT_EQ(system.getUserDefaultLCID(), GetUserDefaultLCID());
     const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
     graphics.getDriverModel({});
     OSVERSIONINFOW version = {};
