@@ -4,8 +4,8 @@
 #include "server/admin/Drafts.h"
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
-#include "verdict/text/Text.h"
 #include "server/store/RequirementSets.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 

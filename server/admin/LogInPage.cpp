@@ -3,8 +3,8 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/base/Log.h"
-#include "verdict/text/Text.h"
 #include "server/store/Audit.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
