@@ -33,21 +33,29 @@ struct Kind {
 
 constexpr Kind Kinds[] = {
     {L"GPU DirectX",
-     L"card %|Card %|10de|10%|88ef1043|8192|8192|0|c100|c200|66|3100|0\n"
-     L"graphics Card %|PCI\\VEN_10DE&DEV_10%&SUBSYS_88EF1043&REV_A1\\4&%|32.0.15.7628|",
+     L"card key=%|name=Card %|vendor=10de|device=10%|subsystem=88ef1043|dedicated=8192|shared=8192|flags=0|"
+     L"level11=c100|level12=c200|shader=66|wddm=3100|driver=0\n"
+     L"graphics name=Card %|instance=PCI\\VEN_10DE&DEV_10%&SUBSYS_88EF1043&REV_A1\\4&%|version=32.0.15.7628",
      72001},
-    {L"CDRom DVD", L"optical SCSI\\CDROM&VEN_X\\5&%|SCSI\\CdRomX|DVDRAM %|%|11|DVDRAM %|43 10||", 72101},
+    {L"CDRom DVD",
+     L"optical instance=SCSI\\CDROM&VEN_X\\5&%|hardware=SCSI\\CdRomX|name=DVDRAM "
+     L"%|number=%|bus=11|product=DVDRAM %|"
+     L"profiles=43 10",
+     72101},
     {L"Graphics Monitor",
-     L"screen %|%00|0|1920|1080|60000|1001|A|Monitor %|DISPLAY#DELA0BE#5&%&UID|1\n"
+     L"screen picture=%|x=%00|y=0|width=1920|height=1080|rate=60000|per=1001|connector=A|name=Monitor %|"
+     L"instance=DISPLAY#DELA0BE#5&%&UID|hdr=1\n"
      L"edid DISPLAY\\DELA0BE\\5&%&UID|dell-p2415q-dp",
      73101},
     {L"HardDrive",
-     L"disk 17||Disk %|1|1000204886016|still||Disk % in full\n"
+     L"disk bus=17|product=Disk %|revision=1|bytes=1000204886016|seek=still|model=Disk % in full\n"
      L"disk-device SCSI\\DISK&VEN_NVME\\5&%|SCSI\\DiskNVMe____Disk_%|Disk % in full|%",
      72501},
-    {L"LogicalDrive", L"volume @|3|NTFS|900|300", 72601},
+    {L"LogicalDrive", L"volume letter=@|type=3|system=NTFS|gigabytes=900|free=300", 72601},
     {L"NetworkDevice",
-     L"adapter PCI\\VEN_10EC&DEV_81%&SUBSYS_84321043&REV_06\\4&%|Adapter %|6|14|HC|1|1000000000", 72701},
+     L"adapter instance=PCI\\VEN_10EC&DEV_81%&SUBSYS_84321043&REV_06\\4&%|name=Adapter %|type=6|medium=14|"
+     L"flags=HC|state=1|speed=1000000000",
+     72701},
     {L"Sound",
      L"sound HDAUDIO\\FUNC_01&VEN_10EC&DEV_02%\\4&%|Codec %\noutput "
      L"{1}.HDAUDIO\\FUNC_01&VEN_10EC&DEV_02%\\4&%",
