@@ -1,16 +1,17 @@
 #include "server/admin/Api.h"
 
+#include <fmt/format.h>
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "server/admin/Csv.h"
 #include "server/admin/DraftCheck.h"
 #include "server/admin/Drafts.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Recent.h"
-#include "server/admin/Texts.h"
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Csv.h"
+#include "server/admin/kit/Texts.h"
 #include "server/base/Log.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
@@ -109,7 +110,7 @@ std::optional<Answer> RefuseParameters(const Target& target, std::span<const std
             continue;
         const std::string name = Shortened(Clean(parameter.name), MaxNameBytes);
         const std::string reason =
-            "The parameter '" + name + (isKnown ? "' is repeated." : "' is not known.");
+            fmt::format("The parameter '{}' is {}.", name, isKnown ? "repeated" : "not known");
         Log(Level::Warning, "refused", {{"status", "400"}, {"reason", reason}});
         return JsonAnswer({{"error", reason}, {"parameter", name}, {"allowed", allowed}}, 400);
     }

@@ -2,7 +2,7 @@
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Table.h"
+#include "server/admin/kit/Table.h"
 #include "server/store/Audit.h"
 
 namespace kel::server {

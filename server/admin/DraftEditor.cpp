@@ -1,7 +1,7 @@
 #include "server/admin/DraftEditor.h"
 
 #include "server/admin/Layout.h"
-#include "server/admin/Table.h"
+#include "server/admin/kit/Table.h"
 #include "server/store/RequirementSets.h"
 
 namespace kel::server {

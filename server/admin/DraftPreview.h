@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "server/admin/Html.h"
-#include "server/admin/Recent.h"
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Html.h"
 #include "server/store/Database.h"
 #include "verdict/Requirements.h"
 #include "verdict/Tally.h"

@@ -1,4 +1,7 @@
 #include "server/admin/DraftCheck.h"
+
+#include <fmt/format.h>
+
 #include "server/admin/DraftEditor.h"
 #include "server/admin/DraftPreview.h"
 #include "server/admin/Drafts.h"
@@ -75,9 +78,8 @@ Answer EditDraft(const AdminRequest& request)
         return saved ? AskToPublish(request, *saved, text) : DraftConflict(request, text);
     }
     const auto lines = Requirements::Read(text).lines.size();
-    return DraftEditor(
-        request, text, revision,
-        Notice("good", "These requirements can be published. Lines: " + std::to_string(lines) + "."));
+    return DraftEditor(request, text, revision,
+                       Notice("good", fmt::format("These requirements can be published. Lines: {}.", lines)));
 }
 
 Answer PublishDraft(const AdminRequest& request)

@@ -1,3 +1,5 @@
+
+#include <fmt/format.h>
 #include <algorithm>
 
 #include "server/admin/Layout.h"
@@ -58,10 +60,10 @@ Answer LogIn(const AdminRequest& request)
     const std::string browser = found ? Sessions::KnownBrowser(request.http, *found) : std::string();
     const Throttle::Guest guest{browser.empty() ? name : browser, !browser.empty()};
     if (const auto wait = request.throttle.Wait(guest); wait.count() > 0) {
-        Answer answer = Render(request, name, next,
-                               Notice("bad", "Too many log-ins failed. Try again in " +
-                                                 std::to_string(wait.count()) + " seconds."),
-                               429);
+        Answer answer = Render(
+            request, name, next,
+            Notice("bad", fmt::format("Too many log-ins failed. Try again in {} seconds.", wait.count())),
+            429);
         answer.headers.emplace_back("Retry-After", std::to_string(wait.count()));
         return answer;
     }

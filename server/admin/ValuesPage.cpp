@@ -1,7 +1,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Table.h"
 #include "server/admin/ValueNames.h"
+#include "server/admin/kit/Table.h"
 
 namespace kel::server {
 

@@ -1,5 +1,6 @@
 #include "server/store/PostgresConnection.h"
 
+#include <fmt/format.h>
 #include <poll.h>
 
 #include <algorithm>
@@ -121,7 +122,7 @@ int PostgresConnection::Version()
 
 void PostgresConnection::SetVersion(int version)
 {
-    Execute("UPDATE kel_schema SET version = " + std::to_string(version));
+    Execute(fmt::format("UPDATE kel_schema SET version = {}", version));
 }
 
 void PostgresConnection::BeginMigration()
@@ -196,7 +197,7 @@ void PostgresConnection::Wait(steady_clock::time_point end)
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - steady_clock::now());
         if (left.count() <= 0) {
             lost = true;
-            Fail("no answer for " + std::to_string(maxWait.count()) + " seconds");
+            Fail(fmt::format("no answer for {} seconds", maxWait.count()));
         }
         ready = Poll(Get(), events, std::min(left, ProbeInterval));
         if (ready == 0 && address.HasOtherPrimary(Get())) {

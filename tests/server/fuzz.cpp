@@ -8,10 +8,10 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/Generator.h"
-#include "server/admin/Csv.h"
 #include "server/admin/DraftCheck.h"
-#include "server/admin/Form.h"
-#include "server/admin/Html.h"
+#include "server/admin/kit/Csv.h"
+#include "server/admin/kit/Form.h"
+#include "server/admin/kit/Html.h"
 #include "server/http/Target.h"
 #include "server/protocol/AnalysisRequest.h"
 #include "server/report/Characters.h"

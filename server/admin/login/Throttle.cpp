@@ -1,4 +1,4 @@
-#include "server/admin/Throttle.h"
+#include "server/admin/login/Throttle.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "server/admin/Csv.h"
+#include "server/admin/kit/Csv.h"
 
 #include <algorithm>
 #include <string_view>

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "server/admin/AdminRequest.h"
-#include "server/admin/Settings.h"
+#include "server/admin/login/AdminRequest.h"
+#include "server/admin/login/Settings.h"
 
 namespace kel::server {
 

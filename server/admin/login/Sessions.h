@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "server/admin/Settings.h"
+#include "server/admin/login/Settings.h"
 #include "server/base/Exchange.h"
 #include "server/store/Accounts.h"
 

@@ -1,10 +1,10 @@
-#include "server/admin/Gate.h"
+#include "server/admin/login/Gate.h"
 
 #include <arpa/inet.h>
 
 #include <array>
 
-#include "server/admin/Secrets.h"
+#include "server/admin/login/Secrets.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {

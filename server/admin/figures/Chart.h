@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "server/admin/Distribution.h"
-#include "server/admin/Html.h"
+#include "server/admin/figures/Distribution.h"
+#include "server/admin/kit/Html.h"
 
 namespace kel::server {
 

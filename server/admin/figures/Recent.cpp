@@ -1,9 +1,10 @@
-#include "server/admin/Recent.h"
+#include "server/admin/figures/Recent.h"
 
+#include <fmt/format.h>
 #include <chrono>
 #include <set>
 
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Texts.h"
 #include "server/base/Fault.h"
 #include "server/http/Limits.h"
 #include "server/store/Reports.h"
@@ -39,8 +40,8 @@ private:
 
 std::string RecentSessions::Text() const
 {
-    return "the last " + Grouped(count) + " sessions" +
-           (isCut ? " (older ones are left out: they would take too long)" : "");
+    return fmt::format("the last {} sessions{}", Grouped(count),
+                       isCut ? " (older ones are left out: they would take too long)" : "");
 }
 
 std::optional<Report> ReadStored(const std::string& body)

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "server/admin/Form.h"
-#include "server/admin/Html.h"
-#include "server/admin/Sessions.h"
-#include "server/admin/Throttle.h"
+#include "server/admin/kit/Form.h"
+#include "server/admin/kit/Html.h"
+#include "server/admin/login/Sessions.h"
+#include "server/admin/login/Throttle.h"
 #include "server/base/Exchange.h"
 #include "server/base/Fault.h"
 #include "server/http/Target.h"

@@ -1,7 +1,7 @@
-#include "server/admin/Sessions.h"
+#include "server/admin/login/Sessions.h"
 
-#include "server/admin/Html.h"
-#include "server/admin/Secrets.h"
+#include "server/admin/kit/Html.h"
+#include "server/admin/login/Secrets.h"
 #include "server/base/Fault.h"
 #include "verdict/text/Text.h"
 

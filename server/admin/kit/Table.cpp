@@ -1,4 +1,4 @@
-#include "server/admin/Table.h"
+#include "server/admin/kit/Table.h"
 
 namespace kel::server {
 

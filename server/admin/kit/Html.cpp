@@ -1,4 +1,4 @@
-#include "server/admin/Html.h"
+#include "server/admin/kit/Html.h"
 
 #include <algorithm>
 

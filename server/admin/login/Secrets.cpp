@@ -1,4 +1,4 @@
-#include "server/admin/Secrets.h"
+#include "server/admin/login/Secrets.h"
 
 #include <sodium.h>
 

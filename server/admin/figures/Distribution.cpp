@@ -1,9 +1,9 @@
-#include "server/admin/Distribution.h"
+#include "server/admin/figures/Distribution.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Texts.h"
 #include "verdict/Readings.h"
 #include "verdict/text/Text.h"
 

@@ -1,11 +1,11 @@
-#include "server/admin/Form.h"
+#include "server/admin/kit/Form.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <limits>
 
-#include "server/admin/Html.h"
+#include "server/admin/kit/Html.h"
 #include "server/http/Target.h"
 
 namespace kel::server {

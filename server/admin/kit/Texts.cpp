@@ -1,10 +1,10 @@
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Texts.h"
 
 #include <array>
 #include <cstdio>
 #include <ctime>
 
-#include "server/admin/Form.h"
+#include "server/admin/kit/Form.h"
 
 namespace kel::server {
 

@@ -1,9 +1,9 @@
-#include "server/admin/Chart.h"
+#include "server/admin/figures/Chart.h"
 
 #include <algorithm>
 
-#include "server/admin/Table.h"
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Table.h"
+#include "server/admin/kit/Texts.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
