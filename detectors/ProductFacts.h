@@ -2,7 +2,6 @@
 
 #include <span>
 
-#include "detectors/Component.h"
 #include "detectors/StoredFacts.h"
 #include "probes/software/Product.h"
 #include "probes/software/SoftwareFunctions.h"

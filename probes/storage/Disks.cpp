@@ -8,7 +8,6 @@
 #include "probes/storage/DiskModel.h"
 #include "probes/storage/StorageDescriptor.h"
 #include "values/Junk.h"
-#include "values/Text.h"
 
 namespace kel {
 

@@ -6,7 +6,6 @@
 #include "probes/Attempt.h"
 #include "probes/storage/StorageFunctions.h"
 #include "values/Junk.h"
-#include "values/Text.h"
 
 namespace kel {
 

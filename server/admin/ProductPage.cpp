@@ -4,7 +4,6 @@
 #include "server/admin/figures/Chart.h"
 #include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Texts.h"
-#include "verdict/text/Text.h"
 
 namespace kel::server {
 

@@ -8,7 +8,6 @@
 #include <boost/beast/http/write.hpp>
 
 #include "server/http/HeaderCheck.h"
-#include "verdict/text/Text.h"
 
 namespace kel::server {
 

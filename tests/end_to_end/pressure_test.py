@@ -27,7 +27,7 @@ class PressureTest(DeployedTest):
     def crowd(self, count):
         """As many clients, whose uploads the service has."""
         crowd = [self.connect(upload(f"s{number}")) for number in range(count)]
-        self.await_answer(lambda: self.metric('kel_bodies_bytes{door="public"}'), count * len(REPORT.format("s0")))
+        self.await_answer(lambda: self.metric('kel_bodies_bytes{endpoint="public"}'), count * len(REPORT.format("s0")))
         return crowd
 
     def sessions(self):
@@ -49,7 +49,7 @@ class Queues(PressureTest):
             self.assertGreater(time.monotonic() - start, 4)
             self.assertLess(time.monotonic() - start, 9)  # a thread is there after ten
         self.assertEqual([connection.recv(4096)[:12] for connection in crowd[:2]], [b"HTTP/1.1 200"] * 2)
-        self.assertEqual(self.metric('kel_http_refusals_total{door="public",status="503"}'), 3)
+        self.assertEqual(self.metric('kel_http_refusals_total{endpoint="public",status="503"}'), 3)
         self.assertEqual(self.sessions(), ["s0", "s1"])
 
     def test_nobody_works_for_a_client_that_has_left(self):

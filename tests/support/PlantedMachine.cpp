@@ -7,7 +7,6 @@
 #include "probes/cpu/CPUID.h"
 #include "probes/graphics/DisplayConfig.h"
 #include "probes/setup/SetupLib.h"
-#include "probes/sound/SoundEndpoints.h"
 #include "run/store/XMLReport.h"
 #include "support/Edids.h"
 #include "support/LogCapture.h"

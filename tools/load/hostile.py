@@ -142,7 +142,7 @@ def settle(server, patience=30):
         with closing(http.client.HTTPConnection("127.0.0.1", server.admin, timeout=60)) as connection:
             connection.request("GET", "/metrics")
             page = connection.getresponse().read().decode()
-            before, count = count, int(re.search(r'kel_connections{door="public"} (\d+)', page)[1])
+            before, count = count, int(re.search(r'kel_connections{endpoint="public"} (\d+)', page)[1])
         if count <= before + 10:
             break
 

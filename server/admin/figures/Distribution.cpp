@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "server/admin/kit/Texts.h"
 #include "verdict/Readings.h"
 #include "verdict/text/Text.h"
 
