@@ -11,7 +11,7 @@ namespace kel {
 
 namespace {
 
-constexpr UINT MaxAdapters = 16;
+constexpr UINT MaxDxgiAdapters = 16;
 constexpr UINT RemoteFlag = 1;  // DXGI_ADAPTER_FLAG_REMOTE
 constexpr UINT SoftwareFlag = 2;
 
@@ -41,7 +41,7 @@ std::vector<DXGI::Adapter> DXGI::ListAdapters() const
                                                reinterpret_cast<void**>(factory.ReleaseAndGetAddressOf()));
         });
         Microsoft::WRL::ComPtr<IDXGIAdapter1> adapter;
-        for (UINT index = 0; factory && index < MaxAdapters &&
+        for (UINT index = 0; factory && index < MaxDxgiAdapters &&
                              SUCCEEDED(factory->EnumAdapters1(index, adapter.ReleaseAndGetAddressOf()));
              ++index) {
             DXGI_ADAPTER_DESC1 found = {};

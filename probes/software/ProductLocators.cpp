@@ -18,7 +18,7 @@ constexpr const wchar_t* AppPathsKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVe
 constexpr const wchar_t* ClientsKey = L"SOFTWARE\\Clients\\StartMenuInternet";
 constexpr const wchar_t* RegisteredKey = L"SOFTWARE\\RegisteredApplications";
 constexpr const wchar_t* AddressesKey = L"\\URLAssociations";
-constexpr const wchar_t* ClassesKey = L"SOFTWARE\\Classes\\";
+constexpr const wchar_t* ClassKeyPrefix = L"SOFTWARE\\Classes\\";
 constexpr DWORD MaxNames = 1000;    // below one key
 constexpr DWORD MaxInstalled = 32;  // products of one upgrade code
 constexpr DWORD CodeSize = 39;
@@ -173,7 +173,7 @@ void ProductFinder::FindRegistered(const Search& search)
             const OwnedKey addresses = OpenView(functions, view, abilities + AddressesKey);
             const std::wstring id = addresses ? ReadText(addresses.get(), L"https") : std::wstring();
             if (!id.empty() && id.find(L'\\') == std::wstring::npos)
-                AddCommand(search, view, ClassesKey + id);
+                AddCommand(search, view, ClassKeyPrefix + id);
         }
     }
 }

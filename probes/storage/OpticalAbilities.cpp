@@ -51,7 +51,7 @@ constexpr ProfileRange Profiles[] = {
 };
 
 constexpr std::size_t MediaOffset = offsetof(GET_MEDIA_TYPES, MediaInfo);
-constexpr std::size_t MediaTypeOffset = 8;
+constexpr std::size_t MediumOffset = 8;
 constexpr std::size_t CharacteristicsOffset = 28;
 static_assert(MediaOffset == 8 && sizeof(DEVICE_MEDIA_INFO) == 32);
 
@@ -133,7 +133,7 @@ OpticalAbilities ReadMediaTypes(Bytes answer)
         ReadLittleEndian(answer, offsetof(GET_MEDIA_TYPES, MediaInfoCount), sizeof(DWORD)).value_or(0);
     for (std::uint64_t place = 0; place < count; ++place) {
         const std::size_t start = MediaOffset + static_cast<std::size_t>(place) * sizeof(DEVICE_MEDIA_INFO);
-        const auto medium = ReadLittleEndian(answer, start + MediaTypeOffset, sizeof(DWORD));
+        const auto medium = ReadLittleEndian(answer, start + MediumOffset, sizeof(DWORD));
         const auto characteristics = ReadLittleEndian(answer, start + CharacteristicsOffset, sizeof(DWORD));
         if (!medium || !characteristics)
             break;

@@ -12,7 +12,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t MaxNameBytes = 200;  // bytes of a wrong one that the form has again
+constexpr std::size_t MaxRepeatedBytes = 200;  // bytes of a wrong one that the form has again
 constexpr std::size_t MaxPathBytes = 1000;
 
 /// A path of this site, or the overview's: never one that leads to another.
@@ -54,7 +54,7 @@ Answer LogIn(const AdminRequest& request)
 {
     if (request.isSingleSignOn)
         throw Fault(404, "There is no such page.");
-    const std::string name = Shortened(request.form.Text("name"), MaxNameBytes);
+    const std::string name = Shortened(request.form.Text("name"), MaxRepeatedBytes);
     const std::string &next = request.form.Text("next"), &password = request.form.Text("password");
     const auto found = Accounts(request.database).Find(name);
     const std::string browser = found ? Sessions::KnownBrowser(request.http, *found) : std::string();

@@ -15,7 +15,6 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr int Unavailable = 503;
 // The server ends a statement first, and the connection stays good.
 constexpr std::chrono::seconds MaxWait{15}, MaxMigrationWait{24 * 3600};
 constexpr std::chrono::milliseconds ProbeInterval{1000};

@@ -12,7 +12,6 @@ namespace kel::server {
 
 namespace {
 
-constexpr int Unavailable = 503;
 constexpr int BusyMilliseconds = 10'000;
 constexpr int LogMilliseconds = 200;
 constexpr std::int64_t ApplicationId =

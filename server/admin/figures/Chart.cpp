@@ -11,7 +11,7 @@ namespace kel::server {
 namespace {
 
 // In units of the picture, which is as wide as its place.
-constexpr std::size_t MaxLabelBytes = 45;  // bytes; the table has all of it
+constexpr std::size_t MaxBarLabelBytes = 45;  // bytes; the table has all of it
 constexpr int Width = 320, RowHeight = 34, TextBase = 13, BarTop = 18, BarHeight = 10;
 
 std::string Number(int number)
@@ -34,7 +34,7 @@ Html Chart(const std::string& title, const std::vector<Distribution::Bar>& bars)
     for (const Distribution::Bar& bar : bars) {
         const int width = std::max(2, bar.count * Width / most);
         picture += Html::Element("text", {{"x", "0"}, {"y", Number(top + TextBase)}},
-                                 Shortened(bar.label, MaxLabelBytes));
+                                 Shortened(bar.label, MaxBarLabelBytes));
         picture += Html::Element("rect", {{"class", bar.isRest ? "rest" : "bar"},
                                           {"x", "0"},
                                           {"y", Number(top + BarTop)},
