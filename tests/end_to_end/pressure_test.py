@@ -85,7 +85,8 @@ class Queues(PressureTest):
     def test_the_attack_programs_run_and_harm_nobody(self):
         """For a moment; scripts/load.sh --hostile measures."""
         options = "--hostile", "--seconds", "0.5", "--rest", "0", "--match", "waits for"
-        ran = subprocess.run([sys.executable, ROOT / "tools" / "load", *options], capture_output=True, text=True, timeout=PATIENCE)
+        ran = subprocess.run([sys.executable, ROOT / "tools" / "load", *options], capture_output=True, text=True,
+                             timeout=PATIENCE)
         rows = [line.split(" | ") for line in ran.stdout.splitlines() if "nobody waits for" in line]
         self.assertEqual(len(rows), 1, ran.stdout + ran.stderr)
         self.assertRegex(rows[0][2], r"^0 of \d+$")

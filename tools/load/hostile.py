@@ -41,8 +41,8 @@ def largest(port):
     body += b" " * (MAX_BODY - len(body))
     with closing(http.client.HTTPConnection("127.0.0.1", port, timeout=60)) as connection:
         connection.request("POST", UPLOAD, body)
-        if connection.getresponse().status != 200:
-            raise RuntimeError("the largest report is not taken")
+        if (status := connection.getresponse().status) != 200:
+            raise RuntimeError(f"the largest report is not taken: {status}")
     return body
 
 
