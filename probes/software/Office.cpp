@@ -20,7 +20,7 @@ constexpr std::wstring_view OtherProducts[] = {L"Visio", L"Project", L"AccessRun
                                                L"LyncEntry"};
 
 /// The key of each release by the installer of Windows, the newest first.
-constexpr std::pair<const wchar_t*, const wchar_t*> Releases[] = {
+constexpr std::pair<const wchar_t*, const wchar_t*> OfficeReleases[] = {
     {L"SOFTWARE\\Microsoft\\Office\\16.0\\Outlook", L"2016"},
     {L"SOFTWARE\\Microsoft\\Office\\15.0\\Outlook", L"2013"},
     {L"SOFTWARE\\Microsoft\\Office\\14.0\\Outlook", L"2010"},
@@ -73,7 +73,7 @@ OfficeInfo ReadOffice(const SoftwareFunctions& functions)
     info.generation = Name(FindOfficeGeneration(read(L"ProductReleaseIds")));
     if (info.generation.HasValue())
         info.bitness = NameBitness(read(L"Platform"));
-    for (const auto& [key, release] : Releases) {
+    for (const auto& [key, release] : OfficeReleases) {
         const Name bitness = NameBitness(ReadMachineText(functions, key, L"Bitness"));
         if (!bitness.HasValue())
             continue;

@@ -12,8 +12,8 @@ namespace {
 static_assert(sizeof(TpmInfo) == 16);
 
 constexpr const wchar_t* SecureBootKey = L"SYSTEM\\CurrentControlSet\\Control\\SecureBoot\\State";
-constexpr const wchar_t* Uefi = L"UEFI";
-constexpr const wchar_t* Bios = L"BIOS";
+constexpr const wchar_t* UefiKind = L"UEFI";
+constexpr const wchar_t* BiosKind = L"BIOS";
 constexpr DWORD BiosType = 1;
 constexpr DWORD UefiType = 2;
 constexpr std::uint32_t TpmInfoVersion = 1;
@@ -42,12 +42,12 @@ Name ReadKind(const FirmwareFunctions& functions)
     if (functions.getFirmwareType) {
         if (!functions.getFirmwareType(type) || (type != BiosType && type != UefiType))
             return {};
-        return Name(type == UefiType ? Uefi : Bios);
+        return Name(type == UefiType ? UefiKind : BiosKind);
     }
     const DWORD error = functions.getVariableError();
     if (error == ERROR_INVALID_FUNCTION)
-        return Name(Bios);
-    return Name(error == ERROR_NOACCESS || error == ERROR_PRIVILEGE_NOT_HELD ? Uefi : L"");
+        return Name(BiosKind);
+    return Name(error == ERROR_NOACCESS || error == ERROR_PRIVILEGE_NOT_HELD ? UefiKind : L"");
 }
 
 std::optional<bool> ReadSecureBoot(const Name& kind)
@@ -60,7 +60,7 @@ std::optional<bool> ReadSecureBoot(const Name& kind)
         std::memcpy(&number, value->bytes.data(), sizeof(number));
         return number != 0;
     }
-    return kind == Name(Bios) ? std::optional(false) : std::nullopt;
+    return kind == Name(BiosKind) ? std::optional(false) : std::nullopt;
 }
 
 }  // namespace

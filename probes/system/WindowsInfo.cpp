@@ -17,7 +17,7 @@ constexpr const wchar_t* ServicingRestartKey =
     L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Component Based Servicing\\RebootPending";
 constexpr const wchar_t* UpdateRestartKey =
     L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\WindowsUpdate\\Auto Update\\RebootRequired";
-constexpr std::size_t MaxTextSize = 256;  // bytes
+constexpr std::size_t MaxVersionTextSize = 256;  // bytes
 constexpr BYTE Workstation = 1;
 
 struct Machine {
@@ -41,19 +41,19 @@ std::wstring NameMachine(USHORT machine)
     return {};
 }
 
-OwnedKey Open(const wchar_t* key)
+OwnedKey OpenMachineKey(const wchar_t* key)
 {
     return OpenKey(HKEY_LOCAL_MACHINE, key, KEY_READ | KEY_WOW64_64KEY);
 }
 
 void ReadVersionKey(WindowsInfo& info, bool asksRevision)
 {
-    const OwnedKey key = Open(VersionKey);
+    const OwnedKey key = OpenMachineKey(VersionKey);
     if (!key)
         return;
     const auto read = [&key](const wchar_t* name) {
         std::wstring text;
-        ReadStringValue(key.get(), name, MaxTextSize, text);
+        ReadStringValue(key.get(), name, MaxVersionTextSize, text);
         return Name(text);
     };
     info.featureUpdate = read(L"DisplayVersion");
@@ -82,9 +82,9 @@ std::optional<bool> CanAdminister(const OSFunctions& functions)
 /// Every Windows has the key of servicing; one without it does not let it be read.
 std::optional<bool> IsRestartPending()
 {
-    if (Open(ServicingRestartKey) || Open(UpdateRestartKey))
+    if (OpenMachineKey(ServicingRestartKey) || OpenMachineKey(UpdateRestartKey))
         return true;
-    return Open(ServicingKey) ? std::optional(false) : std::nullopt;
+    return OpenMachineKey(ServicingKey) ? std::optional(false) : std::nullopt;
 }
 
 }  // namespace

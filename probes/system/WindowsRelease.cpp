@@ -4,7 +4,7 @@ namespace kel {
 
 namespace {
 
-constexpr BYTE Workstation = 1;
+constexpr BYTE WorkstationType = 1;
 
 /// A release and its build: the first one of a workstation's, the only one of a server's, 0 for any.
 struct Release {
@@ -31,7 +31,7 @@ constexpr Release Servers[] = {
 
 std::wstring NameRelease(const OSVERSIONINFOEXW& version)
 {
-    const bool isClient = version.wProductType == Workstation;
+    const bool isClient = version.wProductType == WorkstationType;
     const auto isBuild = [&](DWORD build) {
         return build == 0 || (isClient ? version.dwBuildNumber >= build : version.dwBuildNumber == build);
     };
