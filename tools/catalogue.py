@@ -23,7 +23,8 @@ def read_values():
 def table_row(value):
     name = value["name"] + ("*" if value["each"] else "") + ("+" if value["gated"] else "")
     kind = value["type"] if value["type"] == "text" else f"`{value['type']}`"
-    cells = (value["id"], name, kind, value["form"], value["source"], f"`kel::{value['detector']}`")
+    form = "; ".join(filter(None, (value["form"], value["exists"] and f"there: {value['exists']}")))
+    cells = (value["id"], name, kind, form, value["source"], f"`kel::{value['detector']}`")
     return "".join(f"| {cell} " if cell else "| " for cell in cells) + "|\n"
 
 
@@ -33,6 +34,12 @@ def make_page(page, values):
         return match[1] + HEAD + "".join(table_row(value) for value in values if value["detector"] in detectors) + match[3]
 
     return TABLE.sub(make_table, page)
+
+
+def find_wrong_companions(values):
+    """Ids of versions whose companion is not a value that says whether the product is there."""
+    existences = {value["id"] for value in values if value["type"] == "Exists" and not value["each"]}
+    return [value["id"] for value in values if value["exists"] and value["exists"] not in existences]
 
 
 def make_names(values):
@@ -63,6 +70,9 @@ def main():
         return 0
     page = PAGE.read_text("utf-8")
     listed = [detector for match in TABLE.finditer(page) for detector in match[2].split()]
+    if wrong := find_wrong_companions(values):
+        print(f"catalogue/values.tsv: the column exists holds no `Exists` of index 0 for: {', '.join(wrong)}", file=sys.stderr)
+        return 1
     missing = sorted({value["detector"] for value in values}.difference(listed))
     if missing:
         print(f"docs/value-ids.md has no table for: {', '.join(missing)}", file=sys.stderr)
