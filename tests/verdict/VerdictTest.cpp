@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -136,6 +137,36 @@ TEST(Verdict, FollowsTheTableOfLines)
         EXPECT_EQ(ToString(line.result), cells.at(4)) << row;
         EXPECT_EQ(line.found, cells.at(3) == "-" ? "" : cells[3]) << row;
         EXPECT_EQ(line.needed, cells.at(2)) << row;
+    }
+}
+
+std::string ReadFile(const std::string& path)
+{
+    std::ifstream stream(KEL_VERDICT_CASES "/" + path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The table of the examples' sets: the set, a whole machine's file, values that it has besides, and the
+/// results of all lines.
+TEST(Examples, JudgeTheWholeMachines)
+{
+    for (const std::string& row : ReadLines("examples.txt")) {
+        const Texts cells = Divide(row, " | ");
+        if (cells.at(0) == "set")
+            continue;
+        Values values;
+        for (const std::string& line : Divide(ReadFile("../machines/" + cells.at(1) + ".txt"), "\n")) {
+            if (line.starts_with("= "))
+                ReadValues(line.substr(2), values);
+        }
+        if (cells.at(2) != "-")
+            ReadValues(cells[2], values);
+        const auto set = Requirements::Read(ReadFile("../../examples/requirements/" + cells[0] + ".json"));
+        const Verdict verdict = Judge(set, LookIn(values));
+        std::string results(ToString(verdict.total));
+        for (const VerdictLine& line : verdict.lines)
+            results.append("; ").append(line.label).append(": ").append(ToString(line.result));
+        EXPECT_EQ(results, cells.at(3)) << cells[0] << " on " << cells[1];
     }
 }
 
