@@ -65,10 +65,10 @@ def make_table(values, advice):
 
 namespace kel {{
 
-static constexpr CatalogueValue Table[] = {{
+static constexpr CatalogueValue CatalogueRows[] = {{
 {"".join(make_row(value) for value in values)}}};
 
-const std::span<const CatalogueValue> CatalogueValues = Table;
+const std::span<const CatalogueValue> CatalogueValues = CatalogueRows;
 
 }}  // namespace kel
 """

@@ -210,6 +210,20 @@ TEST(Verdict, TruncatesLongValuesBetweenCharacters)
     EXPECT_EQ(Judge(set, [&](int, int) { return value; }).lines.at(0).found, "x" + Repeat("é", 499) + "…");
 }
 
+TEST(Verdict, LooksAtABoundedNumberOfDevices)
+{
+    const auto set = Requirements::Read(
+        SetOf(R"({"id": 1, "label": "L", "comparison": "contains", "needed": "device 100", "of": "any"})"));
+    for (const auto& [first, result] : {std::pair{1, Result::Pass}, {0, Result::Fail}}) {
+        const auto lookup = [first = first](int, int index) {
+            return "device " + std::to_string(index + first) + Repeat("x", 900);
+        };
+        const VerdictLine line = Judge(set, lookup).lines.at(0);
+        EXPECT_EQ(line.result, result) << "first device " << first;
+        EXPECT_LT(line.found.size(), 1100U) << "first device " << first;
+    }
+}
+
 TEST(Requirements, RejectWhatTheTableRejects)
 {
     const std::string line = R"({"id": 1, "label": "", "comparison": "any"})";
