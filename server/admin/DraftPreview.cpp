@@ -48,10 +48,11 @@ std::vector<std::optional<std::size_t>> Replaced(const Lines& draft, const Lines
 
 DraftPreview DraftPreview::Run(Database& database, const std::string& referrer, const Requirements& draft)
 {
-    DraftPreview preview;
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
+    DraftPreview preview{{}, {}, {}, {draft, today}};
     preview.sessions = ForEachRecentReport(database, referrer, [&](const Report& report) {
+        preview.values.Count(report);
         preview.draft.Count(Judge(draft, report.Lookup()));
         if (today)
             preview.today.Count(Judge(*today, report.Lookup()));
@@ -63,8 +64,9 @@ Html DraftPreview::Show() const
 {
     if (sessions.count == 0)
         return Html::Element(
-            "p", {{"class", "empty"}},
-            "No machine has been reported for this product yet, so there is nothing to try this on.");
+                   "p", {{"class", "empty"}},
+                   "No machine has been reported for this product yet, so there is nothing to try this on.") +
+               ShowValues();
     const bool hasToday = today.pass + today.fail + today.unknown > 0;
     const auto count = [hasToday](std::int64_t sessionCount, std::string_view result,
                                   std::int64_t countToday) {
@@ -98,7 +100,7 @@ Html DraftPreview::Show() const
                    table.Done("The draft has no line.");
     if (!gone.IsEmpty())
         figures += Html::Element("p", {}, gone);
-    return figures;
+    return figures + ShowValues();
 }
 
 }  // namespace kel::server

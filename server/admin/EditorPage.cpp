@@ -77,9 +77,11 @@ Answer EditDraft(const AdminRequest& request)
         const auto saved = drafts.Save(referrer, text, revision);
         return saved ? AskToPublish(request, *saved, text) : DraftConflict(request, text);
     }
-    const auto lines = Requirements::Read(text).lines.size();
-    return DraftEditor(request, text, revision,
-                       Notice("good", fmt::format("These requirements can be published. Lines: {}.", lines)));
+    const Requirements draft = Requirements::Read(text);
+    return DraftEditor(
+        request, text, revision,
+        Notice("good", fmt::format("These requirements can be published. Lines: {}.", draft.lines.size())) +
+            DraftPreview::Run(request.database, referrer, draft).ShowValues());
 }
 
 Answer PublishDraft(const AdminRequest& request)

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
 
 #include "server/admin/Layout.h"
 #include "server/admin/ValueNames.h"
@@ -30,12 +29,9 @@ Result ResultIn(const nlohmann::json& line)
 /// The names of the values that a line asks for, each once.
 std::string NamesOfValues(const Requirement& line)
 {
-    std::set<int> seen;
     std::string values;
-    for (const Condition& condition : line.anyOf) {
-        if (!seen.insert(condition.group).second)
-            continue;
-        const std::string id = std::to_string(condition.group), name = NameOfValue(id);
+    for (const int group : line.Groups()) {
+        const std::string id = std::to_string(group), name = NameOfValue(id);
         values += (values.empty() ? "" : ", ") + (name.empty() ? id : name);
     }
     return values;
