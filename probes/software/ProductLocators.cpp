@@ -57,6 +57,17 @@ std::wstring FolderOfVersion(std::wstring folder, const std::wstring& version)
     return folder;
 }
 
+/// The first text that a key has under the names of a list.
+std::wstring ReadFirstText(HKEY key, const wchar_t* names)
+{
+    for (const std::wstring_view name : SplitList(names)) {
+        std::wstring text = ReadText(key, std::wstring(name).c_str());
+        if (!text.empty())
+            return text;
+    }
+    return {};
+}
+
 /// The version in a key's own values.
 std::wstring ReadKeyVersion(const Locator& locator, HKEY key)
 {
@@ -187,12 +198,12 @@ void ProductFinder::FindKeys(const Search& search)
         for (const std::wstring& name : ListKeys(functions, view, search.locator.where)) {
             const OwnedKey key = OpenView(functions, view, name);
             if (key && !IsMarkedAbsent(key.get()))
-                AddKey(search, key.get());
+                AddKey(search, view, key.get());
         }
     }
 }
 
-void ProductFinder::AddKey(const Search& search, HKEY key)
+void ProductFinder::AddKey(const Search& search, const RegistryView& view, HKEY key)
 {
     const Locator& locator = search.locator;
     std::wstring version = ReadKeyVersion(locator, key);
@@ -201,12 +212,12 @@ void ProductFinder::AddKey(const Search& search, HKEY key)
     std::wstring path;
     if (*locator.value == L'\0') {
         path = files.FindBelow(FolderOfVersion(locator.folder, version), search.product.programs);
-    } else if (const std::wstring place = ReadText(key, locator.value); !place.empty()) {
+    } else if (const std::wstring place = ReadFirstText(key, locator.value); !place.empty()) {
         path = files.FindNamed(place, search.product.programs);
         if (path.empty())
             path = files.FindBelow(JoinPath(FolderIn(place), locator.folder), search.product.programs);
     }
-    Add(search, path, {version, VersionFrom::File});
+    Add(search, path, {version, VersionFrom::File, L"", view.flag == KEY_WOW64_32KEY});
 }
 
 void ProductFinder::FindValueNames(const Search& search)

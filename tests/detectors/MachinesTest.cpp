@@ -132,7 +132,9 @@ INSTANTIATE_TEST_SUITE_P(Of, Machines,
                                          "controllers.txt", "disk_faults.txt", "optical.txt",
                                          "network_faults.txt", "sound.txt", "entries.txt", "choices.txt",
                                          "processor.txt", "firmware.txt", "faulty_software.txt",
-                                         "browsers.txt", "systems.txt"),
+                                         "browsers.txt", "systems.txt", "windows.txt",
+                                         "processor_features.txt", "chassis.txt", "runtimes.txt",
+                                         "default_browsers.txt", "reader_and_office.txt"),
                          [](const auto& file) {
                              const std::string name = file.param;
                              return name.substr(0, name.find('.'));

@@ -20,7 +20,10 @@ const std::map<std::wstring, std::wstring> FieldNames = {
     {L"note", L"place vendor device level11 megabytes level12 name"},
     {L"optical", L"instance hardware name number bus product profiles media odd"},
     {L"screen", L"picture x y width height rate per connector name instance hdr format adapter"},
-    {L"system", L"major minor build type suite architecture edition pack pack-text r2"},
+    {L"system",
+     L"major minor build type suite architecture edition pack pack-text r2 true native elevation "
+     L"administrators"},
+    {L"topology", L"cores threads efficient packages cache groups"},
     {L"volume", L"letter type system gigabytes free target error"}};
 
 /// The values of `name=value` fields, with bars between them, in the order in which they are planted.

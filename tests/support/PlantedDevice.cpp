@@ -40,8 +40,13 @@ const bool IsClean = RemoveLeftDevices();
 }  // namespace
 
 PlantedDevice::PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId)
+    : PlantedDevice(GUID{deviceClass, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}},
+                    instanceId)
 {
-    const GUID guid = {deviceClass, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
+}
+
+PlantedDevice::PlantedDevice(const GUID& guid, const wchar_t* instanceId)
+{
     set = SetupDiCreateDeviceInfoList(nullptr, nullptr);
     device.cbSize = sizeof(device);
     SetupDiCreateDeviceInfoW(set, instanceId != nullptr ? instanceId : L"KELTEST", &guid, nullptr, nullptr,

@@ -24,6 +24,7 @@ class PlantedDevice {
 public:
     /// @param instanceId what distinguishes the device from others; null for one of the test's own
     explicit PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId = nullptr);
+    PlantedDevice(const GUID& deviceClass, const wchar_t* instanceId);
     PlantedDevice(const PlantedDevice&) = delete;
     PlantedDevice& operator=(const PlantedDevice&) = delete;
     ~PlantedDevice();

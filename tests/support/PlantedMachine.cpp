@@ -1,5 +1,9 @@
 #include "support/PlantedMachine.h"
 
+#include <initguid.h>
+
+#include <devguid.h>
+
 #include <bit>
 #include <functional>
 
@@ -8,6 +12,8 @@
 #include "probes/graphics/DisplayConfig.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/sound/SoundEndpoints.h"
+#include "probes/system/Battery.h"
+#include "probes/system/Memory.h"
 #include "run/store/XMLReport.h"
 #include "support/Edids.h"
 #include "support/LogCapture.h"
@@ -31,6 +37,21 @@ BOOL WINAPI AnswerMemory(MEMORYSTATUSEX* status)
     return TRUE;
 }
 
+BOOL WINAPI AnswerInstalled(ULONGLONG* kilobytes)
+{
+    const std::wstring megabytes = FieldsOf(answering->First(L"memory"), 4)[3];
+    *kilobytes = NumberOf(megabytes) << 10;
+    return !megabytes.empty();
+}
+
+int WINAPI AnswerMetrics(int metric)
+{
+    const Lines fields = FieldsOf(answering->First(L"touch"), 2);
+    return static_cast<int>(metric == SM_MAXIMUMTOUCHES ? NumberOf(fields[0])
+                            : metric == SM_DIGITIZER    ? NumberOf(fields[1], 16)
+                                                        : 0);
+}
+
 BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
 {
     const std::wstring battery = answering->First(L"battery");
@@ -44,6 +65,7 @@ BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
 PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
     : machine(newMachine),
       wmi(newWmi),
+      system(machine),
       software(machine),
       network(machine[L"adapter"]),
       soundDevices(machine[L"sound"])
@@ -69,7 +91,11 @@ void PlantedMachine::PlantBasics()
         std::string bytes;
         for (const std::wstring& byte : Split(fields[3], L' '))
             bytes += static_cast<char>(NumberOf(byte, 16));
-        if (bytes.empty())
+        const bool isNumber = fields[2].starts_with(L'#');
+        const DWORD number = isNumber ? static_cast<DWORD>(NumberOf(fields[2].substr(1))) : 0;
+        if (isNumber)
+            software.machineKeys.Write(fields[0], fields[1].c_str(), REG_DWORD, &number, sizeof(number));
+        else if (bytes.empty())
             software.machineKeys.Write(fields[0], fields[1].c_str(), fields[2]);
         else
             software.machineKeys.Write(fields[0], fields[1].c_str(), REG_BINARY, bytes.data(), bytes.size());
@@ -88,30 +114,21 @@ void PlantedMachine::PlantBasics()
         for (std::size_t place = 0; place < registers.size(); ++place)
             registers[place] = static_cast<std::uint32_t>(NumberOf(fields[place + 1], 16));
     }
-    const Lines fields = FieldsOf(machine.First(L"system"), 10);
-    if (fields[0].empty())
-        return;
-    system.getVersion = [fields](OSVERSIONINFOEXW& version) {
-        version.dwPlatformId = VER_PLATFORM_WIN32_NT;
-        version.dwMajorVersion = static_cast<DWORD>(NumberOf(fields[0]));
-        version.dwMinorVersion = static_cast<DWORD>(NumberOf(fields[1]));
-        version.dwBuildNumber = static_cast<DWORD>(NumberOf(fields[2]));
-        version.wProductType = static_cast<BYTE>(NumberOf(fields[3]));
-        version.wSuiteMask = static_cast<WORD>(NumberOf(fields[4]));
-        version.wServicePackMajor = static_cast<WORD>(NumberOf(fields[7]));
-        wcscpy(version.szCSDVersion, fields[8].c_str());
-        return TRUE;
-    };
-    system.getSystemMetrics = [fields](int metric) {
-        return metric == SM_SERVERR2 && fields[9] == L"R2" ? 1 : 0;
-    };
-    system.getNativeSystemInfo = [fields](SYSTEM_INFO& info) {
-        info.wProcessorArchitecture = static_cast<WORD>(NumberOf(fields[5]));
-    };
-    system.getProductInfo = [fields](DWORD major, DWORD minor, DWORD, DWORD, DWORD* edition) {
-        const bool isAsTold = major == NumberOf(fields[0]) && minor == NumberOf(fields[1]);
-        return *edition = isAsTold ? static_cast<DWORD>(NumberOf(fields[6])) : 0, TRUE;
-    };
+    PlantChassis();
+}
+
+void PlantedMachine::PlantChassis()
+{
+    for (const std::wstring& line : machine[L"device"]) {
+        const Lines fields = FieldsOf(line, 4);
+        const GUID& guid = fields[0] == L"Camera"  ? GUID_DEVCLASS_CAMERA
+                           : fields[0] == L"Image" ? GUID_DEVCLASS_IMAGE
+                                                   : GUID_DEVCLASS_BLUETOOTH;
+        devices.push_back(std::make_unique<PlantedDevice>(guid, fields[1].c_str()));
+        devices.back()->With(SPDRP_SERVICE, fields[2]);
+        if (!fields[3].empty())  // CONFIGFLAG_DISABLED
+            devices.back()->With(SPDRP_CONFIGFLAGS, L"\x1");
+    }
 }
 
 void PlantedMachine::PlantGraphics()
@@ -216,13 +233,17 @@ void PlantedMachine::Run(const Lines& names)
     PlantedGraphics graphics(machine);
     const DisplayConfig config(displays.Functions());
     const StorageFunctions disks = storage.devices.Functions();
-    CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; });
+    CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; },
+               [this] { return NumberOf(machine.First(L"xcr0"), 16); });
     const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
-        {L"CPU", [&] { CPU().Detect(chip); }},
+        {L"CPU", [&] { CPU().Detect(chip, system.processors); }},
         {L"GPU", [&] { GPU().Detect(graphics.adapters); }},
-        {L"Bios", [] { Bios().Detect(); }},
+        {L"Bios", [this] { Bios().Detect(system.firmware); }},
         {L"CDRom", [&] { CDRom().Detect(disks); }},
-        {L"Chassis", [] { Chassis().Detect(&AnswerPower); }},
+        {L"Chassis",
+         [] {
+             Chassis().Detect({&AnswerPower, &AnswerMetrics});
+         }},
         {L"DirectX", [&] { DirectX().Detect(graphics.adapters); }},
         {L"DVD", [&] { DVD().Detect(disks); }},
         {L"Graphics", [&] { kel::Graphics().Detect(config); }},
@@ -230,8 +251,11 @@ void PlantedMachine::Run(const Lines& names)
         {L"LogicalDrive", [this] { LogicalDrive().Detect(storage.volumes.Functions()); }},
         {L"MotherBoard", [] { MotherBoard().Detect(); }},
         {L"NetworkDevice", [this] { NetworkDevice().Detect(network.functions); }},
-        {L"OS", [this] { OS().Detect(system); }},
-        {L"Ram", [] { Ram().Detect(&AnswerMemory); }},
+        {L"OS", [this] { OS().Detect(system.os); }},
+        {L"Ram",
+         [] {
+             Ram().Detect({&AnswerMemory, &AnswerInstalled});
+         }},
         {L"Sound", [] { Sound().Detect({[] { return 7U; }}); }},
         {L"Software", [this] { Software().Detect(software.functions); }},
         {L"Browser", [this] { Browser().Detect(software.functions); }},
