@@ -46,13 +46,14 @@ def find_wrong_companions(values):
 
 
 def find_wrong_advice(values, advice):
-    """Ids of catalogue/requirements.tsv that are not values, or of which nothing or an unknown word is said."""
+    """Ids of catalogue/requirements.tsv that are not values, name others that are not, or say nothing or an unknown word."""
     ids = {value["id"] for value in values}
     return [row["id"] for row in advice
-            if row["id"] not in ids or row["sold as"] not in SOLD or not (row["sold as"] or row["caution"])]
+            if not ids.issuperset([row["id"], *re.findall(r"\b\d{5}\b", row["caution"])])
+            or row["sold as"] not in SOLD or not (row["sold as"] or row["caution"])]
 
 
-def make_table(values, advice):
+def make_rows(values, advice):
     said = {row["id"]: row for row in advice}
 
     def make_row(value):
@@ -83,7 +84,7 @@ def main():
     arguments = parser.parse_args()
     values, advice = read_values(), read_values("requirements.tsv")
     if arguments.table:
-        arguments.table.write_text(make_table(values, advice), "utf-8")
+        arguments.table.write_text(make_rows(values, advice), "utf-8")
         return 0
     page = PAGE.read_text("utf-8")
     listed = [detector for match in TABLE.finditer(page) for detector in match[2].split()]
@@ -91,7 +92,7 @@ def main():
         print(f"catalogue/values.tsv: the column exists holds no `Exists` of index 0 for: {', '.join(wrong)}", file=sys.stderr)
         return 1
     if wrong := find_wrong_advice(values, advice):
-        print(f"catalogue/requirements.tsv: no value, or not a size that things are sold in: {', '.join(wrong)}", file=sys.stderr)
+        print(f"catalogue/requirements.tsv: unknown id or word, or nothing is said of: {', '.join(wrong)}", file=sys.stderr)
         return 1
     missing = sorted({value["detector"] for value in values}.difference(listed))
     if missing:
