@@ -10,7 +10,7 @@ namespace kel {
 
 namespace {
 
-constexpr const wchar_t* ClassKeyVersion = L"DriverVersion";
+constexpr const wchar_t* AdapterVersionValue = L"DriverVersion";
 constexpr const wchar_t* InfoSubkey = L"info";
 constexpr const wchar_t* IntelVendor = L"8086";
 constexpr const wchar_t* AmdVendor = L"1002";
@@ -65,7 +65,7 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
         adapter.description = Name(TidyText(
             ReadFirstText({{hardware, nullptr, L"DeviceDesc"}, {software, nullptr, L"DeviceDesc"}})));
     adapter.driverVersion =
-        KnownVersion(ReadFirstText({{software, nullptr, L"Ver"}, {software, nullptr, ClassKeyVersion}}));
+        KnownVersion(ReadFirstText({{software, nullptr, L"Ver"}, {software, nullptr, AdapterVersionValue}}));
     adapter.chipType = Name(HardwareText(software, L"ChipType", L"HardwareInformation.ChipType"));
     adapter.dacType = Name(HardwareText(software, L"DACType", L"HardwareInformation.DacType"));
     adapter.driverDescription = Name(ReadFirstText({{software, nullptr, L"DriverDesc"}}));
