@@ -25,7 +25,7 @@ struct Version {
     std::vector<std::uint64_t> parts;  // without the zeros at its end
     char letter = 0;                   // behind the last part, in lower case; 0 for none
 
-    auto operator<=>(const Version&) const = default;
+    auto operator<=>(const Version&) const = default;  // NOLINT(modernize-use-nullptr): in what it generates
     std::uint64_t Major() const { return parts.empty() ? 0 : parts.front(); }
 };
 

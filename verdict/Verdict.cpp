@@ -165,7 +165,7 @@ Finding JudgeAlternative(const Alternative& alternative, Values& values)
     std::vector<Result> results;
     std::vector<std::string> found;
     for (int device = 0; device < devices; ++device) {
-        const Finding finding = JudgeDevice(alternative, device, values);
+        Finding finding = JudgeDevice(alternative, device, values);
         if (finding.result == Result::Pass)
             return finding;
         results.push_back(finding.result);
