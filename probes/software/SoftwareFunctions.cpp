@@ -119,7 +119,7 @@ DWORD GetWindowsBuild()
 
 USHORT GetProgramMachine()
 {
-    const bool isArm = ReadNativeMachine(OSFunctions::OfSystem()) == IMAGE_FILE_MACHINE_ARM64;
+    static const bool isArm = ReadNativeMachine(OSFunctions::OfSystem()) == IMAGE_FILE_MACHINE_ARM64;
     return isArm ? IMAGE_FILE_MACHINE_ARM64 : IMAGE_FILE_MACHINE_AMD64;
 }
 

@@ -56,7 +56,9 @@ constexpr Group Groups[] = {
     {0, 0,
      "CreateThread FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW "
      "GetModuleHandleExW GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process "
-     "GlobalMemoryStatusEx GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar "
+     "IsWow64Process2 GetLogicalProcessorInformationEx OpenProcessToken GetTokenInformation "
+     "GetPhysicallyInstalledSystemMemory GlobalMemoryStatusEx GetPwrCapabilities QueryPerformanceFrequency "
+     "MultiByteToWideChar "
      "WideCharToMultiByte StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW "
      "InternetSetStatusCallbackW"},
     {0, 0, "LoadLibraryExW",
