@@ -12,6 +12,7 @@
 #include "probes/cpu/CPUID.h"
 #include "probes/graphics/DisplayConfig.h"
 #include "probes/setup/SetupLib.h"
+#include "probes/sound/SoundEndpoints.h"
 #include "probes/storage/Disks.h"
 #include "probes/system/Battery.h"
 #include "probes/system/Memory.h"
