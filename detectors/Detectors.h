@@ -119,6 +119,11 @@ public:
     bool Detect(const StorageFunctions& functions);
     void Initialize() override;
     static StoredFacts ListFacts();
+
+private:
+    /// @param list lists the disks
+    template <typename List>
+    bool DetectIn(List list);
 };
 
 /// Drive letters, with that of Windows first. File system and sizes are read of fixed and RAM disks only;
@@ -128,9 +133,14 @@ public:
     LogicalDrive() { LogicalDrive::Initialize(); }
 
     bool Detect() override;
-    bool Detect(const VolumeFunctions& functions);
+    bool Detect(const VolumeFunctions& functions, const StorageFunctions& storage);
     void Initialize() override;
     static StoredFacts ListFacts();
+
+private:
+    /// @param listDisks lists the disks that hold the volumes
+    template <typename List>
+    bool DetectIn(const VolumeFunctions& functions, List listDisks);
 };
 
 /// The motherboard: its version from the registry, the other facts from WMI; then the machine's vendor and

@@ -63,6 +63,9 @@ GpuInfo DXGI::Read(const DXGI_ADAPTER_DESC1& found) const
     info.sharedMemory = KnownSize(found.SharedSystemMemory);
     info.driverModel = DriverModel(functions.getDriverModel(found.AdapterLuid));
     info.hasDirect3D = true;
+    info.isIntegrated = functions.isIntegratedByDxCore(found.AdapterLuid);
+    if (!info.isIntegrated)
+        info.isIntegrated = functions.isIntegratedByKernel(found.AdapterLuid);
     info.isSoftware = (found.Flags & (RemoteFlag | SoftwareFlag)) != 0;
     WriteLog(LogTrace, L"DXGI: ", info.description.ToString(), L" ", info.deviceId.ToString(), L" ",
              found.DedicatedVideoMemory, L" ", found.SharedSystemMemory, L" flags ", found.Flags);

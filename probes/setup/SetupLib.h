@@ -47,6 +47,9 @@ public:
     /// @return whether all its entry points are there
     bool Initialize();
 
+    /// Puts other functions into the table, as a test does that answers for one of them.
+    void Change(const boost::function<void(SetupEntryPoints&)>& change) { change(entryPoints); }
+
     /// Each lists one class, appending a record for each device in the system's order. A device at which
     /// something is thrown is logged and left out; the later ones are listed.
     /// @return whether the device set could be opened and walked without that

@@ -26,18 +26,10 @@ bool BeginsWithAny(std::wstring_view text, std::span<const std::wstring_view> st
     return std::ranges::any_of(starts, [text](std::wstring_view start) { return text.starts_with(start); });
 }
 
-/// The flags are a number, whose lower half is the first character here.
-bool IsSwitchedOn(const SetupDevice& device)
-{
-    constexpr wchar_t Disabled = 1;  // CONFIGFLAG_DISABLED
-    std::wstring flags;
-    return !device.GetDeviceProperty(SPDRP_CONFIGFLAGS, flags) || flags.empty() || (flags[0] & Disabled) == 0;
-}
-
 bool IsCamera(const SetupDevice& device)
 {
     const std::wstring service = device.Text(SPDRP_SERVICE).ToString();
-    return IsSwitchedOn(device) && !BeginsWithAny(device.InstanceId(), ForeignBuses) &&
+    return device.IsWorking() && !BeginsWithAny(device.InstanceId(), ForeignBuses) &&
            std::ranges::none_of(StillImageServices, [&service](const wchar_t* stillImage) {
                return IsSameText(service, stillImage);
            });
@@ -46,7 +38,7 @@ bool IsCamera(const SetupDevice& device)
 bool IsRadio(const SetupDevice& device)
 {
     const std::wstring id = device.InstanceId();
-    return IsSwitchedOn(device) && !BeginsWithAny(id, ForeignBuses) && !BeginsWithAny(id, PairedBuses);
+    return device.IsWorking() && !BeginsWithAny(id, ForeignBuses) && !BeginsWithAny(id, PairedBuses);
 }
 
 }  // namespace

@@ -106,7 +106,7 @@ TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
     std::wstring shown;
     for (const GpuInfo& info : std::span(infos).last(2))  // after the system's own
         shown += Joined(info.description, info.driverVersion.value(), info.chipType, info.dacType,
-                        info.driverDescription, info.videoMemory.value(), info.deviceId);
+                        info.driverDescription, info.driverMemory.value(), info.deviceId);
     EXPECT_EQ(shown,
               L"of the device|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03|"
               L"of the driver|1.0|C|D||5.0 GB|PCI\\VEN_1002&DEV_67DF|");

@@ -49,6 +49,7 @@ private:
     void PlantGraphics();
     void PlantDisplays();
     void PlantSound();
+    void Reverse();
 
     const Machine machine;
     FakeWmiData& wmi;
