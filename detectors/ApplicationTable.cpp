@@ -23,19 +23,27 @@ constexpr Locator LibreOffice[] = {
     {Folder, L"%ProgramFiles(x86)%\\LibreOffice"},
 };
 
-// The 64-bit Reader is Acrobat's program without a licence for the other features.
+// The 64-bit Reader is Acrobat's program without a licence for the other features, and has its name. The
+// level of the package says which of both it is; where it is missing, the name decides.
+constexpr const wchar_t* AcrobatKey = L"SOFTWARE\\Adobe\\Adobe Acrobat\\DC\\Installer";
+constexpr Condition IsReader = {AcrobatKey, L"SCAPackageLevel", 1, 1, false};
+constexpr Condition MayBeReader = {AcrobatKey, L"SCAPackageLevel", 0, 1, true};
+constexpr Condition MayBeAcrobat = {AcrobatKey, L"SCAPackageLevel", 2, 0xFFFFFFFF, true};
+
 constexpr Locator AcrobatReader[] = {
-    {DisplayName, L"Adobe Acrobat Reader*", L"Adobe*"},
+    {DisplayName, L"Adobe Acrobat Reader*", L"Adobe*", L"", L"", 0, &MayBeReader},
+    {DisplayName, L"Adobe Acrobat (64-bit)", L"Adobe*", L"", L"", 0, &IsReader},
     {DisplayName, L"Adobe Reader*", L"Adobe*"},
     {AppPath, L"AcroRd32.exe"},
     {Folder, L"%ProgramFiles(x86)%\\Adobe\\Acrobat Reader DC"},
+    {Folder, L"%ProgramFiles%\\Adobe\\Acrobat DC", L"", L"", L"", 0, &IsReader},
 };
 
 constexpr Locator Acrobat[] = {
-    {DisplayName, L"Adobe Acrobat*", L"Adobe*"},
-    {AppPath},
-    {Folder, L"%ProgramFiles%\\Adobe\\Acrobat DC"},
-    {Folder, L"%ProgramFiles(x86)%\\Adobe\\Acrobat DC"},
+    {DisplayName, L"Adobe Acrobat*", L"Adobe*", L"", L"", 0, &MayBeAcrobat},
+    {AppPath, L"", L"", L"", L"", 0, &MayBeAcrobat},
+    {Folder, L"%ProgramFiles%\\Adobe\\Acrobat DC", L"", L"", L"", 0, &MayBeAcrobat},
+    {Folder, L"%ProgramFiles(x86)%\\Adobe\\Acrobat DC", L"", L"", L"", 0, &MayBeAcrobat},
 };
 
 constexpr Locator SevenZip[] = {
@@ -101,6 +109,11 @@ constexpr Locator JavaKit[] = {
     {Key, L"SOFTWARE\\Eclipse Adoptium\\JDK\\*\\hotspot\\MSI", L"Path"},
     {Key, L"SOFTWARE\\Microsoft\\JDK\\*\\hotspot\\MSI", L"Path"},
     {Key, L"SOFTWARE\\Azul Systems\\Zulu\\*", L"InstallationPath"},
+    {Key, L"SOFTWARE\\Azul Systems\\Zulu 32-bit\\*", L"InstallationPath"},
+    {Key, L"SOFTWARE\\BellSoft\\Liberica\\*", L"InstallationPath"},
+    {Key, L"SOFTWARE\\Semeru\\JDK\\*\\openj9\\MSI", L"Path"},
+    {Key, L"SOFTWARE\\Amazon Corretto\\*", L"Path|InstallationPath|JavaHome"},
+    {Key, L"SOFTWARE\\Amazon Corretto\\JDK\\*", L"Path|InstallationPath|JavaHome"},
 };
 
 constexpr Locator VisualStudioCode[] = {

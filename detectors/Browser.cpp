@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
 #include "detectors/ProductFacts.h"
@@ -27,14 +25,34 @@ constexpr FactTable Facts(Fact{73000, &BrowserInfo::isThere}, Fact{73001, &Brows
                           Fact{73002, &BrowserInfo::ofChoice}, Fact{73003, &BrowserInfo::host},
                           Fact{73004, &BrowserInfo::hostVersion});
 
-constexpr const wchar_t* ChoiceKey =
-    L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoice";
+/// Where Windows keeps the choice: since 11 24H2 in the first of them.
+constexpr const wchar_t* ChoiceKeys[] = {
+    L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoiceLatest\\ProgId",
+    L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoiceLatest",
+    L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoice",
+};
+
+constexpr unsigned InternetExplorerId = 73010;
+/// Since Windows 11, what is there of Internet Explorer opens Edge.
+constexpr DWORD BuildWithoutInternetExplorer = 22000;
 
 /// The id of the program that the user has chosen for web addresses; empty without a choice.
 std::wstring ReadChoice(const SoftwareFunctions& functions)
 {
-    const OwnedKey key = OpenView(functions, CurrentUser, ChoiceKey);
-    return key ? ReadText(key.get(), L"ProgId") : std::wstring();
+    std::wstring choice = functions.programId(L"https");
+    for (const wchar_t* name : ChoiceKeys) {
+        if (!choice.empty())
+            break;
+        if (const OwnedKey key = OpenView(functions, CurrentUser, name))
+            choice = ReadText(key.get(), L"ProgId");
+    }
+    return choice;
+}
+
+/// Whether an installation of the row is a browser that a user can open.
+bool IsBrowser(const SoftwareFunctions& functions, const Product& row)
+{
+    return row.existsId != InternetExplorerId || functions.windowsBuild() < BuildWithoutInternetExplorer;
 }
 
 void ReadHost(const SoftwareFunctions& functions, ProductFinder& finder, BrowserInfo& info)
@@ -62,22 +80,23 @@ bool Browser::Detect(const SoftwareFunctions& functions)
         BrowserInfo info;
         std::wstring choice;
         Attempt(L"Error while reading the choice of a browser.", [&] { choice = ReadChoice(functions); });
-        std::vector<std::optional<Installation>> browsers(table.size());
-        for (std::size_t row = 0; row < table.size(); ++row) {
+        std::int32_t count = 0;
+        for (const Product& row : table) {
             Attempt(L"Error while looking for a browser.", [&] {
-                browsers[row] = finder.FindFirst(table[row]);
-                if (browsers[row] && finder.IsProgramId(choice, table[row]))
-                    info.ofChoice = Name(table[row].name);
+                const std::optional<Installation> found = finder.FindFirst(row);
+                if (found)
+                    StoreProduct(L"Browser", row, {&*found, 1});
+                else
+                    StoreProduct(L"Browser", row, {});
+                count += found && IsBrowser(functions, row) ? 1 : 0;
+                if (found && finder.IsProgramId(choice, row))
+                    info.ofChoice = Name(row.name);
             });
         }
-        const auto count =
-            std::ranges::count_if(browsers, [](const auto& found) { return found.has_value(); });
         info.isThere = count > 0;
         info.count = Count(count);
         Attempt(L"Error while reading the host's version.", [&] { ReadHost(functions, finder, info); });
         Facts.Store(info);
-        for (std::size_t row = 0; row < table.size(); ++row)
-            StoreProduct(L"Browser", table[row], browsers[row] ? &*browsers[row] : nullptr);
     });
 }
 

@@ -41,6 +41,7 @@ constexpr Locator Firefox[] = {
     {Registered, L"Firefox-*"},
     {Registered, L"Firefox"},
     {Key, L"SOFTWARE\\Mozilla\\Mozilla Firefox\\*\\Main", L"PathToExe"},
+    {Family, L"Mozilla.Firefox_n80bbvh6b1yt2"},
 };
 
 // Other programs have launchers of the same name.
@@ -74,7 +75,7 @@ constexpr Product Browsers[] = {
     {73010, 73011, L"Internet Explorer", L"iexplore.exe", InternetExplorer, L"", L"IE.HTTP*"},
     {73012, 73013, L"Edge", L"msedge.exe", Edge, L"Edge Beta|Edge Dev|Edge SxS", L"MSEdgeHTM*"},
     {73014, 73015, L"Chrome", L"chrome.exe", Chrome, L"Chrome Beta|Chrome Dev|Chrome SxS", L"ChromeHTML*"},
-    {73016, 73017, L"Firefox", L"firefox.exe", Firefox,
+    {73016, 73017, L"Firefox", L"firefox.exe|VFS\\ProgramFiles\\Firefox Package Root\\firefox.exe", Firefox,
      L"Firefox Beta*|Firefox Developer Edition*|Firefox Nightly*|Nightly*", L"FirefoxURL*|FirefoxHTML*"},
     {73018, 73019, L"Opera", L"launcher.exe|opera.exe", Opera,
      L"Opera beta|Opera developer|Opera GX|Opera Crypto*", L"OperaStable*"},

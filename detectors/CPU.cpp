@@ -21,18 +21,26 @@ constexpr FactTable Facts(Fact{71061, &CpuInfo::name, L"name"}, Fact{71254, &Cpu
                           Fact{71392, &CpuInfo::updateSignature}, Fact{71257, &CpuInfo::multiProcessor},
                           Fact{IsIntelId, &CpuInfo::isIntel}, Fact{71252, &CpuInfo::isAmd},
                           Fact{71253, &CpuInfo::cacheDescriptor40}, Fact{71399, &CpuInfo::reserved2},
-                          Fact{71393, &CpuInfo::chipsetSoftwareVersion}, Fact{NotStored, &CpuInfo::caption});
+                          Fact{71393, &CpuInfo::chipsetSoftwareVersion}, Fact{NotStored, &CpuInfo::caption},
+                          Fact{73420, &CpuInfo::cores}, Fact{73421, &CpuInfo::threads},
+                          Fact{73422, &CpuInfo::packages}, Fact{73423, &CpuInfo::efficientCores},
+                          Fact{73424, &CpuInfo::hasSse42}, Fact{73425, &CpuInfo::hasAvx},
+                          Fact{73426, &CpuInfo::hasAvx2}, Fact{73427, &CpuInfo::hasAvx512},
+                          Fact{73428, &CpuInfo::hasAes}, Fact{73429, &CpuInfo::level},
+                          Fact{73430, &CpuInfo::isVirtualizationOn}, Fact{73431, &CpuInfo::isVirtualMachine},
+                          Fact{73432, &CpuInfo::largestCache}, Fact{NotStored, &CpuInfo::hasHypervisor},
+                          Fact{NotStored, &CpuInfo::firmwareVirtualizes});
 
 }  // namespace
 
 bool CPU::Detect()
 {
-    return Detect(CPUID::Instance());
+    return Detect(CPUID::Instance(), CpuFunctions::OfSystem());
 }
 
-bool CPU::Detect(CPUID& chip)
+bool CPU::Detect(CPUID& chip, const CpuFunctions& functions)
 {
-    return Guarded(L"kel::CPU::Detect", L"Error in CPU detection.", [&chip] {
+    return Guarded(L"kel::CPU::Detect", L"Error in CPU detection.", [&] {
         CpuInfo wmi;
         CpuInfo cpuid;
         CpuInfo system;
@@ -40,6 +48,7 @@ bool CPU::Detect(CPUID& chip)
         WMI::Instance().GetCpuInfo(wmi);
         chip.GetCpuInfo(cpuid);
         GetSystemCpuInfo(system);
+        GetTopology(functions, system);
         Registry::Instance().GetCpuInfo(registry);
         if (wmi.isIntel || cpuid.isIntel || system.isIntel || registry.isIntel)
             AddValue(IsIntelId, Exists(true));

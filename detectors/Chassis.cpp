@@ -1,5 +1,6 @@
 #include "detectors/Detectors.h"
 #include "detectors/Facts.h"
+#include "probes/setup/SetupLib.h"
 #include "probes/system/Battery.h"
 
 namespace kel {
@@ -8,22 +9,36 @@ namespace {
 
 struct ChassisInfo {
     bool isPortable = false;
+    std::optional<std::int32_t> cameras;
+    std::int32_t touchPoints = 0;
+    bool hasPen = false;
+    std::optional<bool> hasBluetooth;
 };
 
-constexpr FactTable Facts(Fact{71094, &ChassisInfo::isPortable});
+constexpr FactTable Facts(Fact{71094, &ChassisInfo::isPortable}, Fact{73470, &ChassisInfo::cameras},
+                          Fact{73471, &ChassisInfo::touchPoints}, Fact{73472, &ChassisInfo::hasPen},
+                          Fact{73473, &ChassisInfo::hasBluetooth});
 
 }  // namespace
 
 bool Chassis::Detect()
 {
-    return Guarded(L"kel::Chassis::Detect", L"Error in Chassis detection.",
-                   [] { Facts.Store(ChassisInfo{HasLongTermBattery()}); });
+    return Detect(ChassisFunctions::OfSystem());
 }
 
-bool Chassis::Detect(BOOLEAN(WINAPI* getCapabilities)(SYSTEM_POWER_CAPABILITIES*))
+bool Chassis::Detect(const ChassisFunctions& functions)
 {
-    return Guarded(L"kel::Chassis::Detect", L"Error in Chassis detection.",
-                   [getCapabilities] { Facts.Store(ChassisInfo{HasLongTermBattery(getCapabilities)}); });
+    return Guarded(L"kel::Chassis::Detect", L"Error in Chassis detection.", [&functions] {
+        SetupLib& devices = SetupLib::Instance();
+        ChassisInfo info;
+        info.isPortable = HasLongTermBattery(functions.getPowerCapabilities);
+        info.cameras = devices.CountCameras();
+        info.touchPoints = functions.getSystemMetrics(SM_MAXIMUMTOUCHES);
+        info.hasPen =
+            (functions.getSystemMetrics(SM_DIGITIZER) & (NID_INTEGRATED_PEN | NID_EXTERNAL_PEN)) != 0;
+        info.hasBluetooth = devices.HasBluetooth();
+        Facts.Store(info);
+    });
 }
 
 StoredFacts Chassis::ListFacts()

@@ -8,7 +8,6 @@
 #include "diag/LogScope.h"
 #include "diag/Timer.h"
 #include "run/store/Session.h"
-#include "values/Value.h"
 
 namespace kel {
 

@@ -36,6 +36,13 @@ std::wstring RatedSpeed(const CpuInfo& info)
     return rated > speed ? std::to_wstring(rated) + L"Hz" : std::wstring();
 }
 
+/// A hypervisor hides from its guests, and from the system beside them, that the firmware has it on.
+std::optional<bool> IsVirtualizationOn(const CpuInfo& info)
+{
+    const bool isOn = info.hasHypervisor.value_or(false) || info.firmwareVirtualizes.value_or(false);
+    return isOn || (info.hasHypervisor && info.firmwareVirtualizes) ? std::optional(isOn) : std::nullopt;
+}
+
 }  // namespace
 
 void FinishCpuInfo(CpuInfo& info)
@@ -44,6 +51,7 @@ void FinishCpuInfo(CpuInfo& info)
     const std::wstring rated = RatedSpeed(info);
     if (!rated.empty())
         info.ratedSpeed = rated;
+    info.isVirtualizationOn = IsVirtualizationOn(info);
 }
 
 }  // namespace kel

@@ -5,7 +5,7 @@
 
 namespace kel {
 
-/// Tidies the name of the merged record and computes its rated speed.
+/// Tidies the name of the merged record, and computes its rated speed and whether virtualization is on.
 void FinishCpuInfo(CpuInfo& info);
 
 }  // namespace kel

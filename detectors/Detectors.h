@@ -16,6 +16,10 @@ namespace kel {
 class GraphicsAdapters;
 class CPUID;
 class DisplayConfig;
+struct ChassisFunctions;
+struct CpuFunctions;
+struct FirmwareFunctions;
+struct MemoryFunctions;
 struct NetworkFunctions;
 struct OSFunctions;
 class SetupLib;
@@ -29,7 +33,7 @@ struct VolumeFunctions;
 class CPU : public Component {
 public:
     bool Detect() override;
-    bool Detect(CPUID& chip);
+    bool Detect(CPUID& chip, const CpuFunctions& functions);
     static StoredFacts ListFacts();
 };
 
@@ -43,10 +47,12 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The BIOS: version and date from the registry, name and manufacturer from WMI.
+/// The BIOS: version and date from the registry, name and manufacturer from WMI; then the kind of the
+/// firmware, Secure Boot and the TPM.
 class Bios : public Component {
 public:
     bool Detect() override;
+    bool Detect(const FirmwareFunctions& functions);
     static StoredFacts ListFacts();
 };
 
@@ -64,11 +70,12 @@ private:
     bool DetectIn(List list);
 };
 
-/// The chassis: whether the machine has a long-term battery, that is, is portable.
+/// The chassis: whether the machine has a long-term battery, that is, is portable; then its cameras, touch
+/// points, pen and Bluetooth. No device is opened.
 class Chassis : public Component {
 public:
     bool Detect() override;
-    bool Detect(BOOLEAN(WINAPI* getCapabilities)(SYSTEM_POWER_CAPABILITIES*));
+    bool Detect(const ChassisFunctions& functions);
     static StoredFacts ListFacts();
 };
 
@@ -112,6 +119,11 @@ public:
     bool Detect(const StorageFunctions& functions);
     void Initialize() override;
     static StoredFacts ListFacts();
+
+private:
+    /// @param list lists the disks
+    template <typename List>
+    bool DetectIn(List list);
 };
 
 /// Drive letters, with that of Windows first. File system and sizes are read of fixed and RAM disks only;
@@ -121,12 +133,18 @@ public:
     LogicalDrive() { LogicalDrive::Initialize(); }
 
     bool Detect() override;
-    bool Detect(const VolumeFunctions& functions);
+    bool Detect(const VolumeFunctions& functions, const StorageFunctions& storage);
     void Initialize() override;
     static StoredFacts ListFacts();
+
+private:
+    /// @param listDisks lists the disks that hold the volumes
+    template <typename List>
+    bool DetectIn(const VolumeFunctions& functions, List listDisks);
 };
 
-/// The motherboard: its version from the registry, the other facts from WMI.
+/// The motherboard: its version from the registry, the other facts from WMI; then the machine's vendor and
+/// model.
 class MotherBoard : public Component {
 public:
     bool Detect() override;
@@ -144,7 +162,8 @@ public:
 };
 
 /// The operating system: display name, release and edition flags, version numbers, locale, machine identifier
-/// and .NET Framework. It writes nothing but the machine identifier.
+/// and .NET Framework as such a host is answered; then what is true in every host. It writes nothing but the
+/// machine identifier.
 class OS : public Component {
 public:
     OS() { OS::Initialize(); }
@@ -158,12 +177,12 @@ private:
     static void GetSupportInformation();
 };
 
-/// Memory: the physical memory that Windows can use, what of it is available, and the process's address
-/// space.
+/// Memory: the physical memory that Windows can use, what of it is available, the process's address space,
+/// and the memory that is installed.
 class Ram : public Component {
 public:
     bool Detect() override;
-    bool Detect(decltype(&GlobalMemoryStatusEx) statusEx);
+    bool Detect(const MemoryFunctions& functions);
     static StoredFacts ListFacts();
 };
 

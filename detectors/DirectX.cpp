@@ -55,6 +55,7 @@ bool DirectX::Detect(GraphicsAdapters& adapters)
             merged.record.shaderModel = first.shaderModel;
             merged.record.driverModel = first.driverModel;
         }
+        merged.record.rayTracing = adapters.RayTracing();
         merged.record.works = adapters.HasDirect3D();
         DirectXFacts.Store(merged, L"DirectX");
     });

@@ -17,17 +17,20 @@ struct DirectXInfo {
     bool has10 = false;
     bool has11 = false;
     bool has12 = false;
+    std::optional<Version> rayTracing;  ///< 0.0 where the adapter has none
 };
 
 // Facts for which the adapter's driver may have to be loaded: they are asked for when they are wanted.
 constexpr unsigned DirectXLevelId = 72203;
 constexpr unsigned ShaderModelId = 72204;
+constexpr unsigned RayTracingId = 73482;
 
 /// The facts of DirectX.
 inline constexpr FactTable DirectXFacts(
     Fact{72200, &DirectXInfo::works}, Fact{72202, &DirectXInfo::runtime, L"runtime"},
     Fact{DirectXLevelId, &DirectXInfo::featureLevel}, Fact{ShaderModelId, &DirectXInfo::shaderModel},
     Fact{72205, &DirectXInfo::driverModel}, Fact{72208, &DirectXInfo::has8}, Fact{72209, &DirectXInfo::has9},
-    Fact{72210, &DirectXInfo::has10}, Fact{72211, &DirectXInfo::has11}, Fact{72212, &DirectXInfo::has12});
+    Fact{72210, &DirectXInfo::has10}, Fact{72211, &DirectXInfo::has11}, Fact{72212, &DirectXInfo::has12},
+    Fact{RayTracingId, &DirectXInfo::rayTracing});
 
 }  // namespace kel

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "values/Text.h"
+#include "values/VirtualNames.h"
 
 namespace kel {
 
@@ -15,6 +16,8 @@ constexpr const wchar_t* Amd = L"1002";
 constexpr const wchar_t* Intel = L"8086";
 constexpr const wchar_t* NoVendor = L"0000";
 constexpr std::uint64_t SmallMemory = 512ULL << 20;
+/// The system keeps at most a tenth of the memory for itself.
+constexpr std::uint64_t MaxReservedPart = 10;
 constexpr std::size_t VersionFields = 4;
 constexpr std::size_t ThirdFieldDigits = 2;
 constexpr std::size_t LastFieldDigits = 4;
@@ -62,7 +65,7 @@ std::optional<Version> VendorDriverVersion(const GpuInfo& adapter)
 
 std::optional<bool> IsIntegrated(const GpuInfo& adapter)
 {
-    if (Bytes(adapter.videoMemory) < SmallMemory && adapter.sharedMemory)
+    if (Bytes(adapter.videoMemory) <= SmallMemory && adapter.sharedMemory)
         return true;
     const std::wstring name = adapter.description.ToString();
     if (adapter.deviceId.Vendor() == Intel && name.find(L"Arc") == std::wstring::npos)
@@ -70,25 +73,38 @@ std::optional<bool> IsIntegrated(const GpuInfo& adapter)
     return adapter.videoMemory ? std::optional(false) : std::nullopt;
 }
 
+void CorrectMemory(GpuInfo& adapter)
+{
+    const std::uint64_t reported = Bytes(adapter.videoMemory);
+    const std::uint64_t written = Bytes(adapter.driverMemory);
+    if (written > reported && written - reported <= reported / MaxReservedPart)
+        adapter.videoMemory = adapter.driverMemory;
+}
+
 void FinishGpuInfo(GpuInfo& adapter)
 {
-    adapter.vendorVersion = VendorDriverVersion(adapter);
-    adapter.isIntegrated = IsIntegrated(adapter);
+    CorrectMemory(adapter);
+    if (!adapter.vendorVersion)
+        adapter.vendorVersion = VendorDriverVersion(adapter);
+    if (!adapter.isIntegrated)
+        adapter.isIntegrated = IsIntegrated(adapter);
     if (!adapter.deviceId.HasValue())
         return;
     const std::wstring& vendor = adapter.deviceId.Vendor();
     adapter.isNvidia = vendor == Nvidia;
     adapter.isAmd = vendor == Amd;
     adapter.isIntel = vendor == Intel;
-    adapter.isVirtual = adapter.deviceId.IsVirtual();
+    adapter.isVirtual = adapter.deviceId.IsVirtual() || IsVirtualName(adapter.description.ToString());
 }
 
 bool IsBetterAdapter(const GpuInfo& one, const GpuInfo& other)
 {
     // The better adapter sorts first, so memory and level are negated.
     const auto rank = [](const GpuInfo& adapter) {
-        return std::tuple(adapter.isVirtual.value_or(false), ~Bytes(adapter.videoMemory),
-                          ~Quantity(adapter.featureLevel), std::wstring(adapter.deviceId.ToString()));
+        return std::tuple(!adapter.hasDirect3D, adapter.isVirtual.value_or(false),
+                          adapter.isIntegrated.value_or(false), ~Bytes(adapter.videoMemory),
+                          ~Quantity(adapter.featureLevel), std::wstring(adapter.deviceId.ToString()),
+                          adapter.instanceId, adapter.luid);
     };
     return rank(one) < rank(other);
 }

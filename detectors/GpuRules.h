@@ -16,14 +16,20 @@ bool IsExcludedAdapter(const GpuInfo& adapter);
 /// versions are not part of the driver's.
 std::optional<Version> VendorDriverVersion(const GpuInfo& adapter);
 
-/// Whether the adapter shares the processor's memory or is part of its chip. This is a guess.
+/// Whether the adapter shares the processor's memory or is part of its chip. This is a guess, for systems
+/// that do not report it.
 std::optional<bool> IsIntegrated(const GpuInfo& adapter);
 
-/// Fills the facts that follow from others: vendor, integrated, virtual.
+/// Takes the amount of memory in the driver's key where it is a little more than the reported one: the system
+/// keeps a part of a card's memory for itself. A much larger amount includes the shared memory.
+void CorrectMemory(GpuInfo& adapter);
+
+/// Fills the facts that follow from others: memory, vendor, integrated, virtual.
 void FinishGpuInfo(GpuInfo& adapter);
 
-/// Whether a program would prefer one adapter to the other: hardware before a virtual machine's, then more
-/// memory, then the higher feature level, then by id.
+/// Whether a program would prefer one adapter to the other: one that a graphics interface lists first,
+/// hardware before a virtual machine's, a card before an integrated one, then more memory, the higher feature
+/// level, and the ids.
 bool IsBetterAdapter(const GpuInfo& one, const GpuInfo& other);
 
 }  // namespace kel

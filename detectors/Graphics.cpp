@@ -22,12 +22,13 @@ struct GraphicsInfo {
     std::optional<Count> bitsPerPixel;
     std::optional<Count> refreshRate;
     Resolution desktop;
+    std::optional<Count> scale;  ///< of the primary display, percent
 };
 
 constexpr FactTable Facts(Fact{72402, &GraphicsInfo::resolution, L"resolution"},
                           Fact{72403, &GraphicsInfo::bitsPerPixel, L"bits for a pixel"},
                           Fact{72404, &GraphicsInfo::refreshRate, L"refresh rate"},
-                          Fact{72405, &GraphicsInfo::desktop, L"desktop"});
+                          Fact{72405, &GraphicsInfo::desktop, L"desktop"}, Fact{73490, &GraphicsInfo::scale});
 
 /// The bounding box of all displays; unknown when the size of one is unknown.
 Resolution Around(const std::vector<DisplayInfo>& displays)
@@ -82,6 +83,8 @@ bool Graphics::Detect(const DisplayConfig& config)
             const DisplayList further = config.ListDevices();
             Facts.Merge(merged, Describe(further.displays), further.source);
         }
+        if (!displays.empty())
+            merged.record.scale = config.GetPrimaryScale();
         Facts.Store(merged, L"Graphics");
     });
 }

@@ -1,14 +1,14 @@
 #include "detectors/GraphicsAdapters.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <utility>
 
 #include "detectors/DirectXFacts.h"
+#include "detectors/GpuJoin.h"
 #include "detectors/GpuRules.h"
 #include "diag/ProcessInstance.h"
 #include "probes/graphics/AdapterCache.h"
-#include "probes/graphics/FeatureLevel.h"
+#include "probes/graphics/VulkanManifest.h"
 #include "probes/setup/SetupLib.h"
 
 namespace kel {
@@ -17,24 +17,21 @@ namespace {
 
 constexpr const wchar_t* FromCache = L"the adapter cache";
 
-bool IsAnyWanted(std::initializer_list<unsigned> ids)
+/// Of what DxDiag reports, the facts that depend on what is wanted; the others do not.
+GpuInfo OnlyGated(const GpuInfo& adapter)
 {
-    return std::ranges::any_of(ids, [](unsigned id) { return Session::Current().IsWanted(GroupID(id)); });
+    GpuInfo gated;
+    gated.videoMemory = adapter.videoMemory;
+    gated.chipType = adapter.chipType;
+    gated.dacType = adapter.dacType;
+    return gated;
 }
 
-/// Two equal cards differ by the graphics interfaces' key, where both sources have it.
-bool IsSame(const GpuInfo& one, const GpuInfo& other)
+void Rank(std::vector<GpuDevice>& devices)
 {
-    if (!one.luid.empty() && !other.luid.empty())
-        return one.luid == other.luid;
-    return one.deviceId.Matches(other.deviceId);
-}
-
-/// Whether a cache entry describes the adapter: an entry may be left over from an adapter that is gone and
-/// whose key another one has now.
-bool IsNoteOf(const GpuInfo& adapter, const GpuInfo& note)
-{
-    return !note.luid.empty() && adapter.luid == note.luid && adapter.deviceId.Matches(note.deviceId);
+    for (GpuDevice& device : devices)
+        FinishGpuInfo(device.record);
+    std::ranges::stable_sort(devices, &IsBetterAdapter, &GpuDevice::record);
 }
 
 bool HasName(const GpuInfo& adapter)
@@ -46,15 +43,6 @@ bool HasName(const GpuInfo& adapter)
 bool IsWithoutId(const GpuInfo& adapter)
 {
     return !adapter.deviceId.HasValue();
-}
-
-/// Drops the excluded adapters, and those that have neither a name nor an id.
-std::vector<GpuInfo> WithoutForeign(std::vector<GpuInfo> adapters)
-{
-    std::erase_if(adapters, [](const GpuInfo& adapter) {
-        return IsExcludedAdapter(adapter) || (!HasName(adapter) && !adapter.deviceId.HasValue());
-    });
-    return adapters;
 }
 
 }  // namespace
@@ -87,17 +75,18 @@ const std::vector<GpuDevice>& GraphicsAdapters::List()
     Devices devices;
     interfaces = probes.dxgi.ListAdapters();
     ListCheaply(devices);
-    if (!isNamed)
+    // The order follows from what is read whatever is wanted, so that index 0 is the same for every page.
+    if (isNamed)
+        Rank(devices);
+    else
         ListByDrivers(devices);
-    areLevelsAsked = !isNamed || IsAnyWanted({GpuLevelId, DirectXLevelId, ShaderModelId});
-    if (areLevelsAsked)
+    if (!isNamed || IsAnyWanted({GpuLevelId, DirectXLevelId, ShaderModelId}))
         AskForLevels(devices);
     AskDxDiag(devices);
-    for (GpuDevice& device : devices)
-        FinishGpuInfo(device.record);
-    std::ranges::stable_sort(devices, &IsBetterAdapter, &GpuDevice::record);
-    if (!devices.empty() && IsAnyWanted({ShaderModelId}))
-        AskForShaderModel(devices.front());
+    if (!isNamed)
+        Rank(devices);
+    if (!devices.empty())
+        AskForFirst(devices.front());
     interfaces.clear();
     listed = std::move(devices);
     isDone = true;
@@ -107,7 +96,7 @@ const std::vector<GpuDevice>& GraphicsAdapters::List()
 bool GraphicsAdapters::HasDirect3D()
 {
     return std::ranges::any_of(List(), [this](const GpuDevice& device) {
-        return device.record.hasDirect3D && (!areLevelsAsked || device.record.featureLevel);
+        return device.record.hasDirect3D && (isNamed || device.record.featureLevel);
     });
 }
 
@@ -119,7 +108,12 @@ void GraphicsAdapters::ListCheaply(Devices& devices)
     for (const DXGI::Adapter& found : interfaces)
         byDxgi.push_back(found.info);
     probes.listDevices(bySetup);
+    for (GpuInfo& adapter : bySetup) {
+        if (!adapter.vulkanManifest.empty())
+            adapter.vulkanVersion = ReadVulkanVersion(probes.functions.readFile(adapter.vulkanManifest));
+    }
     probes.readCache(notes);
+    DropRepeated(byDxgi, bySetup);
     isNamed = std::ranges::any_of(byDxgi, &HasName) || std::ranges::any_of(bySetup, &HasName);
 
     const auto mergeNotes = [&devices](const std::vector<GpuInfo>& merged) {
@@ -130,14 +124,14 @@ void GraphicsAdapters::ListCheaply(Devices& devices)
             }
         }
     };
-    GpuFacts.Join(devices, WithoutForeign(byDxgi), L"DXGI", &IsSame);
+    GpuFacts.Join(devices, WithoutExcluded(byDxgi), L"DXGI", &IsSameAdapter);
     std::vector<GpuInfo> first = notes;
     for (GpuInfo& note : first) {  // the Setup API's name and version have priority
         note.description = Name();
         note.driverVersion.reset();
     }
     mergeNotes(first);
-    GpuFacts.Join(devices, WithoutForeign(bySetup), L"the Setup API", &IsSame);
+    GpuFacts.Join(devices, WithoutExcluded(bySetup), L"the Setup API", &IsSameAdapter);
     mergeNotes(notes);
     for (GpuDevice& device : devices) {
         const DXGI::Adapter* const found = FindInterface(device);
@@ -155,61 +149,7 @@ void GraphicsAdapters::ListByDrivers(Devices& devices) const
     if (probes.directX9.IsThere())
         probes.directX9.GetGpuInfo(adapters);
     std::erase_if(adapters, &IsWithoutId);
-    GpuFacts.Join(devices, WithoutForeign(adapters), L"Direct3D 9", &IsSame);
-}
-
-void GraphicsAdapters::AskForLevels(Devices& devices) const
-{
-    const auto lacksLevel = [](const GpuDevice& device) { return !device.record.featureLevel; };
-    for (GpuDevice& device : devices) {
-        const DXGI::Adapter* const found = FindInterface(device);
-        // Without the interface the system would answer for an adapter of its choice, even a software one.
-        if (found != nullptr && lacksLevel(device))
-            AskForLevel(device, *found);
-    }
-    if (std::ranges::none_of(devices, lacksLevel) || !isNamed || !probes.directX9.IsThere())
-        return;
-    std::vector<GpuInfo> adapters;
-    probes.directX9.GetGpuInfo(adapters);
-    for (GpuDevice& device : devices) {
-        const auto same = std::ranges::find_if(
-            adapters, [&device](const GpuInfo& adapter) { return IsSame(device.record, adapter); });
-        if (same != adapters.end())
-            GpuFacts.Merge(device, *same, L"Direct3D 9");
-    }
-}
-
-void GraphicsAdapters::AskForLevel(GpuDevice& device, const DXGI::Adapter& found) const
-{
-    IDXGIAdapter1* const adapter = found.adapter.Get();
-    const std::wstring name = device.record.description.ToString();
-    const wchar_t* source = L"Direct3D 11";
-    std::uint32_t level = probes.directX11.IsThere() ? probes.directX11.GetFeatureLevel(adapter, name) : 0;
-    if (level == 0 && probes.directX10.IsThere()) {
-        source = L"Direct3D 10";
-        level = probes.directX10.GetFeatureLevel(adapter, name);
-    }
-    if (level >= D3D_FEATURE_LEVEL_11_0 && probes.directX12.IsThere()) {
-        const std::uint32_t higher = probes.directX12.GetFeatureLevel(adapter, name, level);
-        source = higher > level ? L"Direct3D 12" : source;
-        level = std::max(level, higher);
-    }
-    GpuInfo asked;
-    asked.featureLevel = LevelVersion(level);
-    GpuFacts.Merge(device, asked, source);
-}
-
-void GraphicsAdapters::AskForShaderModel(GpuDevice& device) const
-{
-    const DXGI::Adapter* const found = FindInterface(device);
-    GpuInfo asked;
-    const std::optional<Version>& level = device.record.featureLevel;
-    if (found != nullptr && level && !(*level < Version(L"11.0")) && probes.directX12.IsThere())
-        asked.shaderModel = ShaderModelVersion(
-            probes.directX12.GetShaderModel(found->adapter.Get(), device.record.description.ToString()));
-    GpuFacts.Merge(device, asked, L"Direct3D 12");
-    asked.shaderModel = ShaderModelOfLevel(level);
-    GpuFacts.Merge(device, asked, L"the feature level");
+    GpuFacts.Join(devices, WithoutExcluded(adapters), L"Direct3D 9", &IsSameAdapter);
 }
 
 void GraphicsAdapters::AskDxDiag(Devices& devices) const
@@ -221,23 +161,28 @@ void GraphicsAdapters::AskDxDiag(Devices& devices) const
     };
     const bool isNeeded = lacks(GpuMemoryId, &GpuInfo::videoMemory) || lacks(GpuChipId, &GpuInfo::chipType) ||
                           lacks(GpuDacId, &GpuInfo::dacType);
-    if (!isNeeded && (isNamed || !devices.empty()))
+    if (!isNeeded && isNamed)
         return;
     std::vector<GpuInfo> adapters;
     probes.dxDiag.GetGpuInfo(adapters);
     std::erase_if(adapters, &IsWithoutId);
-    for (const GpuInfo& adapter : WithoutForeign(adapters)) {
+    for (const GpuInfo& adapter : WithoutExcluded(adapters)) {
         // DxDiag lists an adapter once for each of its monitors; these are not further adapters.
         bool isKnown = isNamed;
         for (GpuDevice& device : devices) {
-            if (!IsSame(device.record, adapter))
+            if (!IsSameAdapter(device.record, adapter))
                 continue;
             isKnown = true;
-            GpuFacts.Merge(device, adapter, L"DxDiag");
+            GpuFacts.Merge(device, isNamed ? OnlyGated(adapter) : adapter, L"DxDiag");
         }
         if (!isKnown)
             GpuFacts.Merge(devices.emplace_back(), adapter, L"DxDiag");
     }
+}
+
+bool GraphicsAdapters::IsAnyWanted(std::initializer_list<unsigned> ids)
+{
+    return std::ranges::any_of(ids, [](unsigned id) { return Session::Current().IsWanted(GroupID(id)); });
 }
 
 const DXGI::Adapter* GraphicsAdapters::FindInterface(const GpuDevice& device) const

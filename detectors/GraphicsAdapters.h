@@ -2,6 +2,8 @@
 
 #include <boost/core/noncopyable.hpp>
 #include <boost/function.hpp>
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -51,15 +53,22 @@ public:
     /// Whether Direct3D works on one of them, as far as it was asked.
     bool HasDirect3D();
 
+    /// The tier of ray tracing of the first adapter, such as 1.1, and 0.0 for one that has none; nullopt when
+    /// it is not wanted or unknown.
+    std::optional<Version> RayTracing() { return List(), rayTracing; }
+
     const GraphicsProbes& Probes() const { return probes; }
 
 private:
     using Devices = std::vector<GpuDevice>;
 
+    static bool IsAnyWanted(std::initializer_list<unsigned> ids);
+
     void ListCheaply(Devices& devices);
     void ListByDrivers(Devices& devices) const;
     void AskForLevels(Devices& devices) const;
     void AskForLevel(GpuDevice& device, const DXGI::Adapter& found) const;
+    void AskForFirst(GpuDevice& device);
     void AskForShaderModel(GpuDevice& device) const;
     void AskDxDiag(Devices& devices) const;
     const DXGI::Adapter* FindInterface(const GpuDevice& device) const;
@@ -68,7 +77,7 @@ private:
     std::vector<DXGI::Adapter> interfaces;  // while they are being listed
     Devices listed;
     bool isNamed = false;  // whether a cheap source names an adapter, even an excluded one
-    bool areLevelsAsked = false;
+    std::optional<Version> rayTracing;
     bool isDone = false;
 };
 

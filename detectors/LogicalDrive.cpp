@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "detectors/Detectors.h"
+#include "detectors/DiskDrives.h"
 #include "detectors/Facts.h"
 #include "platform/ErrorMode.h"
 #include "probes/storage/Volumes.h"
@@ -27,6 +28,13 @@ constexpr FactTable Totals(Fact{72600, &VolumeTotals::isThere}, Fact{72601, &Vol
 constexpr FactTable Facts(Fact{72602, &VolumeInfo::letter}, Fact{72603, &VolumeInfo::kind},
                           Fact{72604, &VolumeInfo::fileSystem}, Fact{72605, &VolumeInfo::size},
                           Fact{72606, &VolumeInfo::free}, Fact{72607, &VolumeInfo::holdsWindows});
+
+/// What is known of the user's profile.
+struct ProfileInfo {
+    std::optional<Size> free;  ///< on its volume
+};
+
+constexpr FactTable ProfileFacts(Fact{73500, &ProfileInfo::free});
 
 /// By importance.
 constexpr UINT Types[] = {DRIVE_FIXED, DRIVE_RAMDISK, DRIVE_REMOVABLE, DRIVE_CDROM, DRIVE_REMOTE};
@@ -58,23 +66,47 @@ VolumeTotals AddUp(const std::vector<VolumeInfo>& volumes)
     return totals;
 }
 
-}  // namespace
-
-bool LogicalDrive::Detect()
+/// A disk in a USB case, a mounted image and a cloud storage call themselves fixed disks; they are not part
+/// of the machine.
+void MarkLoose(std::vector<VolumeInfo>& volumes, const std::vector<std::int32_t>& looseDisks)
 {
-    return Detect(VolumeFunctions::OfSystem());
+    for (VolumeInfo& volume : volumes) {
+        const bool isLoose =
+            !volume.isVolume || std::ranges::any_of(volume.disks, [&looseDisks](std::int32_t disk) {
+                return std::ranges::count(looseDisks, disk) > 0;
+            });
+        if (volume.type != DRIVE_FIXED || volume.isAlias || !isLoose)
+            continue;
+        volume.type = DRIVE_REMOVABLE;
+        volume.kind = Name(GetVolumeKind(volume.type));
+    }
 }
 
-bool LogicalDrive::Detect(const VolumeFunctions& functions)
+}  // namespace
+
+template <typename List>
+bool LogicalDrive::DetectIn(const VolumeFunctions& functions, List listDisks)
 {
-    return Guarded(L"kel::LogicalDrive::Detect", L"Error in LogicalDrive detection.", [&functions] {
+    return Guarded(L"kel::LogicalDrive::Detect", L"Error in LogicalDrive detection.", [&] {
         const ErrorMode quiet;
-        StoreDefaults(Totals, Facts);
+        StoreDefaults(Totals, Facts, ProfileFacts);
         std::vector<VolumeInfo> volumes = ListVolumes(functions);
+        MarkLoose(volumes, ListLooseDisks(listDisks()));
         std::ranges::stable_sort(volumes, {}, &GetRank);
         Totals.Store(AddUp(volumes));
         StoreList(Facts, volumes, L"LogicalDrive");
+        ProfileFacts.Store({ReadProfileSpace(functions, volumes)});
     });
+}
+
+bool LogicalDrive::Detect()
+{
+    return DetectIn(VolumeFunctions::OfSystem(), &GetDiskDrives);
+}
+
+bool LogicalDrive::Detect(const VolumeFunctions& functions, const StorageFunctions& storage)
+{
+    return DetectIn(functions, [&storage] { return ListDiskDrives(storage); });
 }
 
 void LogicalDrive::Initialize()
@@ -84,7 +116,7 @@ void LogicalDrive::Initialize()
 
 StoredFacts LogicalDrive::ListFacts()
 {
-    return CollectFacts(Totals, Facts);
+    return CollectFacts(Totals, Facts, ProfileFacts);
 }
 
 }  // namespace kel

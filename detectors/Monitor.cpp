@@ -19,7 +19,8 @@ constexpr FactTable Facts(
     Fact{73106, &MonitorInfo::refreshRate, L"refresh rate"}, Fact{73107, &MonitorInfo::diagonal},
     Fact{73108, &MonitorInfo::width}, Fact{73109, &MonitorInfo::height}, Fact{73110, &MonitorInfo::connector},
     Fact{73111, &MonitorInfo::isBuiltIn}, Fact{73112, &MonitorInfo::isHdr}, Fact{73113, &MonitorInfo::year},
-    Fact{NotStored, &MonitorInfo::instance}, Fact{NotStored, &MonitorInfo::isPrimary});
+    Fact{73491, &MonitorInfo::highestRate, L"highest refresh rate"}, Fact{NotStored, &MonitorInfo::instance},
+    Fact{NotStored, &MonitorInfo::isPrimary});
 
 using Devices = std::vector<decltype(Facts)::Device>;
 
@@ -49,6 +50,27 @@ bool AreNamed(const Devices& devices)
     return std::ranges::all_of(devices, [](const auto& device) { return device.record.name.HasValue(); });
 }
 
+/// Whether Windows' own driver serves a monitor, which names any monitor in the system's language.
+bool IsGeneric(const std::vector<MonitorInfo>& present, const std::wstring& instance)
+{
+    return std::ranges::any_of(present, [&instance](const MonitorInfo& monitor) {
+        return monitor.isGeneric && monitor.instance == instance;
+    });
+}
+
+/// An EDID without its size where its mode is not the monitor's: it then describes a part, as of a tiled
+/// monitor.
+MonitorInfo WithoutOtherSize(MonitorInfo edid, const MonitorInfo& monitor)
+{
+    const Resolution& native = monitor.nativeResolution;
+    if (native.HasValue() && edid.nativeResolution.HasValue() && !(native == edid.nativeResolution)) {
+        edid.diagonal.reset();
+        edid.width.reset();
+        edid.height.reset();
+    }
+    return edid;
+}
+
 Devices ListMonitors(const DisplayConfig& config)
 {
     Devices devices;
@@ -56,20 +78,24 @@ Devices ListMonitors(const DisplayConfig& config)
     for (const MonitorInfo& monitor : list.monitors) {
         Facts.Merge(devices.emplace_back(), monitor, list.source);
         if (const std::optional<MonitorInfo> edid = ReadMonitorEdid(monitor.instance))
-            Facts.Merge(devices.back(), *edid, L"EDID");
+            Facts.Merge(devices.back(), WithoutOtherSize(*edid, monitor), L"EDID");
     }
+    std::vector<MonitorInfo> present;
+    if (!AreNamed(devices))
+        SetupLib::Instance().GetMonitorInfo(present);
     if (!AreComplete(devices)) {
-        const DisplayList further = config.ListDevices();
+        DisplayList further = config.ListDevices();
+        for (MonitorInfo& monitor : further.monitors) {
+            if (IsGeneric(present, monitor.instance))
+                monitor.name = Name();
+        }
         MergeSame(devices, further.monitors, further.source);
     }
-    if (!AreNamed(devices)) {
-        std::vector<MonitorInfo> present;
-        SetupLib::Instance().GetMonitorInfo(present);
-        MergeSame(devices, present, L"the Setup API");
-    }
+    MergeSame(devices, present, L"the Setup API");
     std::ranges::stable_sort(devices, [](const auto& one, const auto& other) {
         const auto rank = [](const MonitorInfo& monitor) {
-            return std::tuple(!monitor.isPrimary, std::wstring(monitor.deviceId.ToString()));
+            return std::tuple(!monitor.isPrimary, std::wstring(monitor.deviceId.ToString()),
+                              monitor.instance);
         };
         return rank(one.record) < rank(other.record);
     });

@@ -9,8 +9,8 @@ namespace kel {
 namespace {
 
 constexpr FactTable Facts(Fact{71171, &BoardInfo::manufacturer}, Fact{71170, &BoardInfo::product},
-                          Fact{71356, &BoardInfo::version, L"version"},
-                          Fact{71437, &BoardInfo::hasAaVersion});
+                          Fact{71356, &BoardInfo::version, L"version"}, Fact{71437, &BoardInfo::hasAaVersion},
+                          Fact{73460, &BoardInfo::systemVendor}, Fact{73461, &BoardInfo::systemModel});
 
 }  // namespace
 

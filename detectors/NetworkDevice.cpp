@@ -15,19 +15,21 @@ namespace {
 
 constexpr FactTable AdapterFacts(
     Fact{72702, &NetworkInfo::name, L"name"}, Fact{72703, &NetworkInfo::deviceId},
-    Fact{72704, &NetworkInfo::kind, L"kind"}, Fact{72705, &NetworkInfo::isOnBus},
+    Fact{72704, &NetworkInfo::kind, L"kind"}, Fact{72705, &NetworkInfo::isOnBoard},
     Fact{NetworkDriver, &NetworkInfo::driverVersion}, Fact{72707, &NetworkInfo::isConnected, L"connection"},
     Fact{72708, &NetworkInfo::linkSpeed, L"link speed"}, Fact{NotStored, &NetworkInfo::instanceId},
     Fact{NotStored, &NetworkInfo::enumerator}, Fact{NotStored, &NetworkInfo::isHardware},
-    Fact{NotStored, &NetworkInfo::hasConnector}, Fact{NotStored, &NetworkInfo::isDefaultRoute});
+    Fact{NotStored, &NetworkInfo::hasConnector}, Fact{NotStored, &NetworkInfo::isDefaultRoute},
+    Fact{NotStored, &NetworkInfo::device}, Fact{NotStored, &NetworkInfo::isOff},
+    Fact{NotStored, &NetworkInfo::isInternal}, Fact{NotStored, &NetworkInfo::hasKind});
 using Adapter = decltype(AdapterFacts)::Device;
 
 /// Totals of all adapters.
 struct NetworkSummary {
     bool hasAdapter = false;
     Count count = Count(0);
-    bool hasWired = false;
-    bool hasWireless = false;
+    std::optional<bool> hasWired;  ///< unknown when the kind of an adapter is, as the next
+    std::optional<bool> hasWireless;
 };
 
 constexpr FactTable SummaryFacts(Fact{72700, &NetworkSummary::hasAdapter},
@@ -57,15 +59,30 @@ bool ComesBefore(const Adapter& one, const Adapter& other)
 {
     const auto rank = [](const NetworkInfo& adapter) {
         return std::tuple(!adapter.isDefaultRoute, !adapter.isConnected.value_or(false),
-                          std::wstring(adapter.deviceId.ToString()));
+                          std::wstring(adapter.deviceId.ToString()), adapter.device, adapter.instanceId,
+                          std::wstring(adapter.name.ToString()));
     };
     return rank(one.record) < rank(other.record);
 }
 
-std::vector<Adapter> ListAdapters(const NetworkFunctions& functions)
+/// Whether an adapter is a part of the computer on its PCI bus; nullopt when neither is known.
+std::optional<bool> IsOnBoard(const NetworkInfo& adapter)
+{
+    if (adapter.isInternal == false || (!adapter.enumerator.empty() && adapter.enumerator != L"PCI"))
+        return false;
+    return adapter.enumerator.empty() ? std::nullopt : adapter.isInternal;
+}
+
+/// The physical adapters that work.
+struct AdapterList {
+    std::vector<Adapter> adapters;
+    bool isAnswered = false;  ///< a source gave its list, even an empty one
+};
+
+AdapterList ListAdapters(const NetworkFunctions& functions)
 {
     std::vector<NetworkInfo> devices;
-    SetupLib::Instance().GetNetworkDeviceInfo(devices);
+    const bool hasDevices = SetupLib::Instance().GetNetworkDeviceInfo(devices);
     const std::optional<DWORD> defaultRoute = FindDefaultRoute(functions);
     const std::vector<NetworkInfo> table = ReadInterfaceTable(functions, defaultRoute);
     std::vector<NetworkInfo> addresses = ReadAdapterAddresses(functions, defaultRoute);
@@ -79,19 +96,30 @@ std::vector<Adapter> ListAdapters(const NetworkFunctions& functions)
     AdapterFacts.Join(adapters, devices, L"the Setup API", &IsSame);
     AdapterFacts.Join(adapters, table, L"the interface table", &IsSame);
     AdapterFacts.Join(adapters, addresses, L"the adapters' addresses", &IsSame);
-    std::erase_if(adapters, [](const Adapter& adapter) { return !IsPhysical(adapter.record); });
+    std::erase_if(adapters,
+                  [](const Adapter& adapter) { return adapter.record.isOff || !IsPhysical(adapter.record); });
+    for (Adapter& adapter : adapters)
+        adapter.record.isOnBoard = IsOnBoard(adapter.record);
     std::ranges::stable_sort(adapters, &ComesBefore);
-    return adapters;
+    return {adapters, hasDevices || !table.empty() || !addresses.empty()};
 }
 
-void StoreAdapters(const std::vector<Adapter>& adapters)
+/// Whether an adapter of the kind is there; nullopt when none is known, and one's kind is unknown.
+std::optional<bool> HasKind(const AdapterList& list, const wchar_t* kind)
 {
-    const auto hasKind = [&adapters](const wchar_t* kind) {
-        return std::ranges::any_of(
-            adapters, [kind](const Adapter& adapter) { return adapter.record.kind == Name(kind); });
-    };
-    SummaryFacts.Store({!adapters.empty(), Count(static_cast<std::int64_t>(adapters.size())), hasKind(Wired),
-                        hasKind(Wireless)});
+    const auto isOfKind = [kind](const Adapter& adapter) { return adapter.record.kind == Name(kind); };
+    const auto hasKind = [](const Adapter& adapter) { return adapter.record.hasKind; };
+    if (std::ranges::any_of(list.adapters, isOfKind))
+        return true;
+    return list.isAnswered && std::ranges::all_of(list.adapters, hasKind) ? std::optional(false)
+                                                                          : std::nullopt;
+}
+
+void StoreAdapters(const AdapterList& list)
+{
+    const auto& adapters = list.adapters;
+    SummaryFacts.Store({!adapters.empty(), Count(static_cast<std::int64_t>(adapters.size())),
+                        HasKind(list, Wired), HasKind(list, Wireless)});
     StoreList(AdapterFacts, adapters, L"NetworkDevice");
 }
 

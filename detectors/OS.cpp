@@ -6,6 +6,7 @@
 #include "detectors/OSName.h"
 #include "probes/software/DotNet.h"
 #include "probes/system/OSInfo.h"
+#include "probes/system/WindowsInfo.h"
 #include "values/Hexadecimal.h"
 #include "values/Name.h"
 #include "values/Version.h"
@@ -44,6 +45,15 @@ constexpr FactTable VersionFacts(Fact{71309, &VersionRecord::version}, Fact{7107
                                  Fact{71363, &VersionRecord::suiteMask},
                                  Fact{71362, &VersionRecord::productType},
                                  Fact{71388, &VersionRecord::locale});
+
+constexpr unsigned RevisionId = 73404;
+
+constexpr FactTable WindowsFacts(Fact{73400, &WindowsInfo::version}, Fact{73401, &WindowsInfo::release},
+                                 Fact{73402, &WindowsInfo::featureUpdate}, Fact{73403, &WindowsInfo::edition},
+                                 Fact{RevisionId, &WindowsInfo::revision},
+                                 Fact{73405, &WindowsInfo::architecture}, Fact{73406, &WindowsInfo::isServer},
+                                 Fact{73407, &WindowsInfo::canAdminister},
+                                 Fact{73408, &WindowsInfo::isRestartPending});
 
 VersionRecord RecordOf(const OSInfo& info)
 {
@@ -91,6 +101,7 @@ bool OS::Detect(const OSFunctions& functions)
         if (ReadEmulation(functions) == Emulation::Yes)
             AddValue(Is64BitId, Exists(true));
         GetSupportInformation();
+        WindowsFacts.Store(ReadWindowsInfo(functions, Session::Current().IsWanted(GroupID(RevisionId))));
     });
 }
 
@@ -109,6 +120,7 @@ StoredFacts OS::ListFacts()
     facts.insert(
         facts.end(),
         {{DisplayNameId, TypeName<Name>}, {MachineId, TypeName<Name>}, {DotNetId, TypeName<Version>}});
+    WindowsFacts.List(facts);
     return facts;
 }
 

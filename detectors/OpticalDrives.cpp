@@ -8,6 +8,7 @@
 #include "probes/storage/OpticalDevices.h"
 #include "probes/wmi/WMI.h"
 #include "values/Text.h"
+#include "values/VirtualNames.h"
 
 namespace kel {
 
@@ -58,8 +59,9 @@ Drives ListWmiDrives()
 bool HasVirtualName(const OpticalInfo& drive)
 {
     const std::wstring name = ToUpper(drive.name.ToString());
-    return std::ranges::any_of(
-        VirtualNames, [&name](std::wstring_view part) { return name.find(part) != std::wstring::npos; });
+    return IsVirtualName(name) || std::ranges::any_of(VirtualNames, [&name](std::wstring_view part) {
+               return name.find(part) != std::wstring::npos;
+           });
 }
 
 /// Fills the facts that follow from the merged record. Name and media type count only where the drive did not
@@ -92,10 +94,11 @@ void AddUnlisted(Drives& drives, const Drives& found)
     }
 }
 
-/// Real drives first, then by device id.
+/// Real drives first, then by the ids and the letter.
 auto GetRank(const OpticalDrive& drive)
 {
-    return std::make_tuple(!IsRealDrive(drive), std::wstring(drive.record.deviceId.ToString()));
+    return std::make_tuple(!IsRealDrive(drive), std::wstring(drive.record.deviceId.ToString()),
+                           GetKey(drive.record), std::wstring(drive.record.drive.ToString()));
 }
 
 }  // namespace
@@ -107,6 +110,7 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
     const Drives devices = ListSetupDrives();
     OpticalFacts.Join(drives, devices, L"the Setup API", &IsSameDrive);
     OpticalFacts.Join(drives, ListWmiDrives(), L"WMI", &IsSameDrive);
+    std::erase_if(drives, [](const OpticalDrive& drive) { return drive.record.isOff; });
     // The drives' own answers, in the order of the list.
     Drives answers;
     for (const auto& [drive, sources] : drives) {

@@ -9,13 +9,11 @@
 namespace kel {
 
 /// The facts of each optical drive. Instance id and media type are merged only.
-inline constexpr FactTable OpticalFacts(Fact{72102, &OpticalInfo::name, L"name"},
-                                        Fact{72103, &OpticalInfo::deviceId, L"device id"},
-                                        Fact{72104, &OpticalInfo::drive, L"letter"},
-                                        Fact{72105, &OpticalInfo::writesCds},
-                                        Fact{72106, &OpticalInfo::isVirtual},
-                                        Fact{NotStored, &OpticalInfo::instanceId},
-                                        Fact{NotStored, &OpticalInfo::mediaType});
+inline constexpr FactTable OpticalFacts(
+    Fact{72102, &OpticalInfo::name, L"name"}, Fact{72103, &OpticalInfo::deviceId, L"device id"},
+    Fact{72104, &OpticalInfo::drive, L"letter"}, Fact{72105, &OpticalInfo::writesCds},
+    Fact{72106, &OpticalInfo::isVirtual}, Fact{NotStored, &OpticalInfo::instanceId},
+    Fact{NotStored, &OpticalInfo::isOff}, Fact{NotStored, &OpticalInfo::mediaType});
 using OpticalDrive = decltype(OpticalFacts)::Device;
 
 /// Whether a drive is hardware; a virtual one shows an image.

@@ -21,28 +21,40 @@ const wchar_t* NameOf(VersionFrom from)
     }
 }
 
+void StoreVersion(const Product& product, const Installation& found, int index)
+{
+    if (found.version.empty())
+        Component::AddValue(product.versionId, std::wstring(), index);
+    else
+        Component::AddValue(product.versionId, Version(found.version), index);
+}
+
 }  // namespace
 
-void StoreProduct(const wchar_t* detector, const Product& product, const Installation* found)
+void StoreProduct(const wchar_t* detector, const Product& product, std::span<const Installation> found)
 {
-    if (found != nullptr)
-        WriteLog(LogTrace, detector, L"[0] ", product.name, L" from ", found->source, L", version from ",
-                 found->version.empty() ? L"nowhere" : NameOf(found->from));
-    if (product.existsId != NotStored)
-        Component::AddValue(product.existsId, Exists(found != nullptr));
+    for (std::size_t index = 0; index < found.size(); ++index)
+        WriteLog(LogTrace, detector, L'[', index, L"] ", product.name, L" from ", found[index].source,
+                 L", version from ", found[index].version.empty() ? L"nowhere" : NameOf(found[index].from));
+    for (const unsigned id : {product.existsId, product.companionId}) {
+        if (id != NotStored)
+            Component::AddValue(id, Exists(!found.empty()));
+    }
     if (product.versionId == NotStored)
         return;
-    if (found != nullptr && !found->version.empty())
-        Component::AddValue(product.versionId, Version(found->version));
-    else
+    if (found.empty())
         Component::AddValue(product.versionId, std::wstring());
+    for (std::size_t index = 0; index < found.size(); ++index)
+        StoreVersion(product, found[index], static_cast<int>(index));
 }
 
 void AddFacts(StoredFacts& facts, std::span<const Product> table)
 {
     for (const Product& product : table) {
-        if (product.existsId != NotStored)
-            facts.push_back({product.existsId, TypeName<Exists>});
+        for (const unsigned id : {product.existsId, product.companionId}) {
+            if (id != NotStored)
+                facts.push_back({id, TypeName<Exists>});
+        }
         if (product.versionId != NotStored)
             facts.push_back({product.versionId, TypeName<Version>});
     }
@@ -50,8 +62,16 @@ void AddFacts(StoredFacts& facts, std::span<const Product> table)
 
 void StoreDefaults(std::span<const Product> table)
 {
-    for (const Product& product : table)
-        StoreProduct(L"", product, nullptr);
+    for (const Product& product : table) {
+        for (const unsigned id : {product.existsId, product.versionId}) {
+            if (id != NotStored)
+                Component::AddValue(id, std::wstring());
+        }
+    }
+    for (const Product& product : table) {
+        if (product.companionId != NotStored)
+            Component::AddValue(product.companionId, std::wstring());
+    }
 }
 
 void StoreNewest(const wchar_t* detector, const SoftwareFunctions& functions, std::span<const Product> table)
@@ -59,9 +79,15 @@ void StoreNewest(const wchar_t* detector, const SoftwareFunctions& functions, st
     StoreDefaults(table);
     ProductFinder finder(functions, table);
     for (const Product& product : table) {
-        std::optional<Installation> found;
-        Attempt(L"Error while looking for a product.", [&] { found = finder.FindNewest(product); });
-        StoreProduct(detector, product, found ? &*found : nullptr);
+        Attempt(L"Error while looking for a product.", [&] {
+            std::vector<Installation> found;
+            if (product.hasMajors)
+                found = finder.FindMajors(product);
+            else if (const std::optional<Installation> newest = finder.FindNewest(product))
+                found.push_back(*newest);
+            if (!found.empty() || !finder.IsUncertain(product))
+                StoreProduct(detector, product, found);
+        });
     }
 }
 

@@ -7,6 +7,7 @@
 #include "probes/setup/SetupLib.h"
 #include "values/Junk.h"
 #include "values/Text.h"
+#include "values/VirtualNames.h"
 
 namespace kel {
 
@@ -35,19 +36,19 @@ std::wstring GetClassCode(const std::vector<std::wstring>& ids)
     return {};
 }
 
-/// Real ones first, then NVMe, then unknown kinds, then virtual ones; then by device id.
+/// Real ones first, then NVMe, then unknown kinds, then virtual ones; then by the ids.
 auto GetRank(const ScsiInfo& controller)
 {
     const std::wstring_view kind = controller.kind.ToString();
     const int rank = IsRealController(controller) ? 0 : kind == Nvme.name ? 1 : kind == Virtual ? 3 : 2;
-    return std::make_tuple(rank, std::wstring(controller.deviceId.ToString()));
+    return std::make_tuple(rank, std::wstring(controller.deviceId.ToString()), controller.instanceId);
 }
 
 }  // namespace
 
 std::wstring GetControllerKind(const ScsiInfo& controller)
 {
-    if (controller.deviceId.IsVirtual())
+    if (controller.deviceId.IsVirtual() || IsVirtualName(controller.name.ToString()))
         return Virtual;
     const std::wstring code = GetClassCode(controller.compatibleIds);
     for (const Kind& kind : RealKinds) {

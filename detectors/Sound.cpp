@@ -17,7 +17,7 @@ constexpr FactTable DeviceFacts(Fact{72802, &SoundInfo::name, L"name"},
                                 Fact{72803, &SoundInfo::deviceId, L"device id"},
                                 Fact{SoundDriver, &SoundInfo::driverVersion},
                                 Fact{72805, &SoundInfo::servesDefault},
-                                Fact{NotStored, &SoundInfo::instanceId});
+                                Fact{NotStored, &SoundInfo::instanceId}, Fact{NotStored, &SoundInfo::isOff});
 using Device = decltype(DeviceFacts)::Device;
 
 /// Totals of all devices.
@@ -25,11 +25,17 @@ struct SoundSummary {
     bool hasSound = false;
     Count count = Count(0);
     Count outputs = Count(0);
-    Count inputs = Count(0);
+    std::optional<Count> inputs;  ///< unknown when the sound service does not answer
+};
+
+/// What is known of the inputs.
+struct InputInfo {
+    std::optional<Count> microphones;
 };
 
 constexpr FactTable SummaryFacts(Fact{72800, &SoundSummary::hasSound}, Fact{72801, &SoundSummary::count},
                                  Fact{72807, &SoundSummary::outputs}, Fact{72808, &SoundSummary::inputs});
+constexpr FactTable InputFacts(Fact{73510, &InputInfo::microphones});
 
 /// The buses of devices, the most likely to be used first. Other buses come next, then outputs of graphics
 /// cards, then devices that exist in a driver only.
@@ -60,9 +66,14 @@ bool ComesBefore(const Device& one, const Device& other)
 {
     const auto rank = [](const SoundInfo& device) {
         return std::tuple(!device.servesDefault.value_or(false), RankOf(device),
-                          std::wstring(device.deviceId.ToString()));
+                          std::wstring(device.deviceId.ToString()), device.instanceId);
     };
     return rank(one.record) < rank(other.record);
+}
+
+std::optional<Count> ToCount(std::optional<UINT> number)
+{
+    return number ? std::optional(Count(*number)) : std::nullopt;
 }
 
 std::vector<Device> ListDevices(const SoundEndpoints& endpoints)
@@ -80,6 +91,7 @@ std::vector<Device> ListDevices(const SoundEndpoints& endpoints)
         if (endpoints.isDefaultKnown && !device.record.servesDefault)
             device.record.servesDefault = false;
     }
+    std::erase_if(devices, [](const Device& device) { return device.record.isOff; });
     std::ranges::stable_sort(devices, &ComesBefore);
     return devices;
 }
@@ -94,26 +106,26 @@ bool Sound::Detect()
 bool Sound::Detect(const SoundFunctions& functions)
 {
     return Guarded(L"kel::Sound::Detect", nullptr, [&functions] {
-        StoreDefaults(SummaryFacts, DeviceFacts);
+        StoreDefaults(SummaryFacts, DeviceFacts, InputFacts);
 
         const SoundEndpoints endpoints = ReadSoundEndpoints();
         const std::vector<Device> devices = ListDevices(endpoints);
         const UINT outputs = endpoints.outputs ? *endpoints.outputs : functions.countOutputs();
         WriteLog(LogTrace, L"Sound[0] outputs from ",
                  endpoints.outputs ? L"the endpoints" : L"waveOutGetNumDevs");
-        const UINT inputs = endpoints.inputs.value_or(0);
-        const bool hasSound = !devices.empty() || outputs > 0 || inputs > 0;
+        const bool hasSound = !devices.empty() || outputs > 0 || endpoints.inputs.value_or(0) > 0;
         if (!hasSound)
             WriteLog(LogTrace, L"There is no sound device.");
-        SummaryFacts.Store(
-            {hasSound, Count(static_cast<std::int64_t>(devices.size())), Count(outputs), Count(inputs)});
+        SummaryFacts.Store({hasSound, Count(static_cast<std::int64_t>(devices.size())), Count(outputs),
+                            ToCount(endpoints.inputs)});
         StoreList(DeviceFacts, devices, L"Sound");
+        InputFacts.Store({ToCount(endpoints.microphones)});
     });
 }
 
 StoredFacts Sound::ListFacts()
 {
-    return CollectFacts(SummaryFacts, DeviceFacts);
+    return CollectFacts(SummaryFacts, DeviceFacts, InputFacts);
 }
 
 }  // namespace kel

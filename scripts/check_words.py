@@ -16,6 +16,7 @@ PATTERNS = [(re.compile(pattern), instead) for pattern, instead in (
     (r"\bas ever\b|\bsince ever\b", "as before; always"),
     (r"\bpass(?:es|ed)? over\b", "skip"),
     (r"\b[Mm]akers?\b", "vendor"),
+    (r"\b[Dd]oors?\b", "endpoint"),
     (r"^(?:<{7}|>{7}) ", "nothing: a merge left it"),
 )]
 # Texts of others, or that are fixed; a migration that was released is never edited.

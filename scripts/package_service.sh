@@ -30,7 +30,9 @@ cmake --install build/server --prefix "$root/usr" --strip >/dev/null
 put 644 packaging/server/kel-server.service "$root/lib/systemd/system/kel-server.service"
 put 640 packaging/server/kel.conf "$root/etc/kel/kel.conf"
 put 644 packaging/server/nginx.conf "$doc/examples/nginx.conf"
-put 644 examples/requirements/demo.json "$doc/examples/requirements/demo.json"
+for set in examples/requirements/*.json; do
+  put 644 "$set" "$doc/$set"
+done
 for page in service service-protocol administration value-ids integration deployment; do
   put 644 "docs/$page.md" "$doc/$page.md"
 done

@@ -9,8 +9,8 @@ packages=(
   cmake ninja-build python3 nlohmann-json3-dev
 )
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
-server=(g++ libboost-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake ninja-build
-  python3)
+server=(g++ libboost-dev libfmt-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake
+  ninja-build python3)
 service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab git)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")

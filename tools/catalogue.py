@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The catalogue of values, catalogue/values.tsv, as others need it: the tables of docs/value-ids.md (--write makes them
-anew, --check compares), and the names of the values as C++ for the analysis service (--names FILE)."""
+anew, --check compares), and as C++ for what judges by the values (--table FILE), with what catalogue/requirements.tsv adds."""
 
 import argparse
 import csv
@@ -15,15 +15,19 @@ HEAD = "| id | name | type | unit or form | source | stored by |\n|---|---|---|-
 TABLE = re.compile(r"(<!-- values: ([\w ]+) -->\n).*?(<!-- end -->\n)", re.DOTALL)
 
 
-def read_values():
-    with open(ROOT / "catalogue" / "values.tsv", encoding="utf-8", newline="") as file:
+SOLD = ("", "Memory", "GraphicsMemory", "Disk")  # as verdict/Catalogue.h names them
+
+
+def read_values(name="values.tsv"):
+    with open(ROOT / "catalogue" / name, encoding="utf-8", newline="") as file:
         return list(csv.DictReader(file, delimiter="\t", quoting=csv.QUOTE_NONE))
 
 
 def table_row(value):
     name = value["name"] + ("*" if value["each"] else "") + ("+" if value["gated"] else "")
     kind = value["type"] if value["type"] == "text" else f"`{value['type']}`"
-    cells = (value["id"], name, kind, value["form"], value["source"], f"`kel::{value['detector']}`")
+    form = "; ".join(filter(None, (value["form"], value["exists"] and f"there: {value['exists']}")))
+    cells = (value["id"], name, kind, form, value["source"], f"`kel::{value['detector']}`")
     return "".join(f"| {cell} " if cell else "| " for cell in cells) + "|\n"
 
 
@@ -35,18 +39,39 @@ def make_page(page, values):
     return TABLE.sub(make_table, page)
 
 
-def make_names(values):
-    rows = "".join(f'    {{{value["id"]}, "{value["detector"]}", R"embedded({value["name"]})embedded"}},\n' for value in values)
-    return f"""#include "server/admin/ValueNames.h"
+def find_wrong_companions(values):
+    """Ids of versions whose companion is not a value that says whether the product is there."""
+    existences = {value["id"] for value in values if value["type"] == "Exists" and not value["each"]}
+    return [value["id"] for value in values if value["exists"] and value["exists"] not in existences]
 
-namespace kel::server {{
 
-static constexpr ValueName Names[] = {{
-{rows}}};
+def find_wrong_advice(values, advice):
+    """Ids of catalogue/requirements.tsv that are not values, name others that are not, or say nothing or an unknown word."""
+    ids = {value["id"] for value in values}
+    return [row["id"] for row in advice
+            if not ids.issuperset([row["id"], *re.findall(r"\b\d{5}\b", row["caution"])])
+            or row["sold as"] not in SOLD or not (row["sold as"] or row["caution"])]
 
-const std::span<const ValueName> ValueNames = Names;
 
-}}  // namespace kel::server
+def make_rows(values, advice):
+    said = {row["id"]: row for row in advice}
+
+    def make_row(value):
+        row = said.get(value["id"], {"sold as": "", "caution": ""})
+        texts = ", ".join(f'R"embedded({text})embedded"' for text in (value["detector"], value["name"]))
+        return (f'    {{{value["id"]}, {texts}, {"true" if value["each"] else "false"}, {value["exists"] or 0}, '
+                f'SoldAs::{row["sold as"] or "Nothing"}, R"embedded({row["caution"]})embedded"}},\n')
+
+    return f"""#include "verdict/Catalogue.h"
+
+namespace kel {{
+
+static constexpr CatalogueValue CatalogueRows[] = {{
+{"".join(make_row(value) for value in values)}}};
+
+const std::span<const CatalogueValue> CatalogueValues = CatalogueRows;
+
+}}  // namespace kel
 """
 
 
@@ -55,14 +80,20 @@ def main():
     action = parser.add_mutually_exclusive_group(required=True)
     action.add_argument("--write", action="store_true")
     action.add_argument("--check", action="store_true")
-    action.add_argument("--names", type=Path, metavar="FILE")
+    action.add_argument("--table", type=Path, metavar="FILE")
     arguments = parser.parse_args()
-    values = read_values()
-    if arguments.names:
-        arguments.names.write_text(make_names(values), "utf-8")
+    values, advice = read_values(), read_values("requirements.tsv")
+    if arguments.table:
+        arguments.table.write_text(make_rows(values, advice), "utf-8")
         return 0
     page = PAGE.read_text("utf-8")
     listed = [detector for match in TABLE.finditer(page) for detector in match[2].split()]
+    if wrong := find_wrong_companions(values):
+        print(f"catalogue/values.tsv: the column exists holds no `Exists` of index 0 for: {', '.join(wrong)}", file=sys.stderr)
+        return 1
+    if wrong := find_wrong_advice(values, advice):
+        print(f"catalogue/requirements.tsv: unknown id or word, or nothing is said of: {', '.join(wrong)}", file=sys.stderr)
+        return 1
     missing = sorted({value["detector"] for value in values}.difference(listed))
     if missing:
         print(f"docs/value-ids.md has no table for: {', '.join(missing)}", file=sys.stderr)

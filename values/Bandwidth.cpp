@@ -10,9 +10,9 @@ namespace kel {
 
 namespace {
 
-constexpr std::array<Unit, 3> ParsedUnits = {
+constexpr std::array<Unit, 3> ParsedBandwidthUnits = {
     {{L"KBPS", 1024.0}, {L"MBPS", 1048576.0}, {L"GBPS", 1073741824.0}}};
-constexpr std::array<const wchar_t*, 4> PrintedUnits = {L"bps", L"Kbps", L"Mbps", L"Gbps"};
+constexpr std::array<const wchar_t*, 4> PrintedBandwidthUnits = {L"bps", L"Kbps", L"Mbps", L"Gbps"};
 
 }  // namespace
 
@@ -23,14 +23,14 @@ Bandwidth::Bandwidth(const std::wstring& text)
 
 bool Bandwidth::Initialize(const wchar_t* text)
 {
-    return ReadQuantity(text, ParsedUnits, L"Error while initializing Bandwidth", bitsPerSecond);
+    return ReadQuantity(text, ParsedBandwidthUnits, L"Error while initializing Bandwidth", bitsPerSecond);
 }
 
 const wchar_t* Bandwidth::ToString() const
 {
     static std::wstring text;
-    return WriteQuantity(bitsPerSecond, 1024.0, PrintedUnits, L"Error while formatting bandwidth string.",
-                         text);
+    return WriteQuantity(bitsPerSecond, 1024.0, PrintedBandwidthUnits,
+                         L"Error while formatting bandwidth string.", text);
 }
 
 Bandwidth* Bandwidth::Clone() const

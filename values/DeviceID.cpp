@@ -16,9 +16,10 @@ constexpr std::size_t VendorLetters = 4;
 constexpr std::wstring_view HexadecimalDigits = L"0123456789ABCDEF";
 constexpr std::wstring_view Usb = L"USB";
 constexpr std::wstring_view VirtualBuses[] = {L"ROOT", L"SWD", L"VMBUS"};
-/// Microsoft, VMware, VirtualBox, virtio, Parallels, QEMU, Xen.
-constexpr std::wstring_view VirtualVendors[] = {L"1414", L"15AD", L"80EE", L"1AF4",
-                                                L"1AB8", L"1234", L"5853"};
+constexpr std::wstring_view Microsoft = L"1414";
+/// VMware, VirtualBox, virtio, Parallels, QEMU twice, Xen, Amazon's cloud.
+constexpr std::wstring_view VirtualVendors[] = {L"15AD", L"80EE", L"1AF4", L"1AB8",
+                                                L"1234", L"1B36", L"5853", L"1D0F"};
 
 bool IsHexadecimal(std::wstring_view text)
 {
@@ -136,8 +137,14 @@ std::wstring DeviceID::Bus() const
 bool DeviceID::IsVirtual() const
 {
     const std::wstring bus = Bus();
+    const auto isVirtualVendor = [](std::wstring_view number) {
+        return std::ranges::count(VirtualVendors, number) > 0;
+    };
+    // An emulated chip has a real one's vendor, and the machine's in its subsystem. Microsoft's subsystems
+    // are those of its own computers.
+    const std::wstring_view board = std::wstring_view(subsystem).substr(subsystem.empty() ? 0 : DeviceDigits);
     return std::ranges::count(VirtualBuses, bus) > 0 ||
-           (bus != Usb && std::ranges::count(VirtualVendors, vendor) > 0);
+           (bus != Usb && (vendor == Microsoft || isVirtualVendor(vendor) || isVirtualVendor(board)));
 }
 
 bool DeviceID::Matches(const DeviceID& other) const

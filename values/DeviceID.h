@@ -42,8 +42,8 @@ public:
     /// Whether the id is not empty.
     bool HasValue() const;
 
-    /// Whether the device exists in a driver only, or is a virtual machine's, by the vendor; not for USB
-    /// devices, whose vendors have numbers of another list.
+    /// Whether the device exists in a driver only, or is a virtual machine's, by the vendor or the
+    /// subsystem's vendor; not for USB devices, whose vendors have numbers of another list.
     bool IsVirtual() const;
 
     /// Whether both identify the same kind of device: the same bus, vendor and device, and equal subsystems

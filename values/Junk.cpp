@@ -12,7 +12,13 @@ namespace {
 constexpr std::wstring_view Fillers[] = {
     L"to be filled by o.e.m.",
     L"default string",
+    L"system manufacturer",
     L"system product name",
+    L"product name",
+    L"oem",
+    L"o.e.m.",
+    L"invalid",
+    L"not applicable",
     L"not specified",
     L"generic pnp monitor",
     L"generic non-pnp monitor",

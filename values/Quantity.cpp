@@ -15,7 +15,7 @@ namespace kel {
 namespace {
 
 /// The characters of an unsigned number at the start of a text, without a plus sign before its exponent.
-std::string TakeNumber(std::wstring_view text)
+std::string TakeNumberText(std::wstring_view text)
 {
     std::string number;
     bool hasDigit = false;
@@ -92,7 +92,7 @@ double LeadingNumber(std::wstring_view text)
     if (isNegative || text.starts_with(L'+'))
         text.remove_prefix(1);
 
-    const std::string number = TakeNumber(text);
+    const std::string number = TakeNumberText(text);
     const char* const end = number.data() + number.size();
     double magnitude = 0.0;
     const auto [next, error] = std::from_chars(number.data(), end, magnitude);

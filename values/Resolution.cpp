@@ -13,7 +13,7 @@ constexpr std::uint32_t MaxEdge = 65535;
 constexpr std::wstring_view Blanks = L" \t";
 
 /// Takes a number from the start of a text; 0 when there is none, or one that is too large.
-std::uint32_t TakeNumber(std::wstring_view& rest)
+std::uint32_t TakeDots(std::wstring_view& rest)
 {
     std::uint32_t number = 0;
     while (!rest.empty() && rest.front() >= L'0' && rest.front() <= L'9') {
@@ -55,13 +55,13 @@ bool Resolution::Initialize(const wchar_t* newText)
 {
     std::wstring_view rest = newText != nullptr ? newText : L"";
     SkipBlanks(rest);
-    const std::uint32_t first = TakeNumber(rest);
+    const std::uint32_t first = TakeDots(rest);
     SkipBlanks(rest);
     if (rest.empty() || std::wstring_view(L"xX*").find(rest.front()) == std::wstring_view::npos)
         return Set(0, 0);
     rest.remove_prefix(1);
     SkipBlanks(rest);
-    return Set(first, TakeNumber(rest));
+    return Set(first, TakeDots(rest));
 }
 
 bool Resolution::Covers(const Resolution& required) const

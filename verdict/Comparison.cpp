@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "verdict/NominalSize.h"
 #include "verdict/Readings.h"
 #include "verdict/text/Text.h"
 
@@ -18,19 +19,51 @@ Result PassIf(bool holds)
     return holds ? Result::Pass : Result::Fail;
 }
 
-Result CompareVersions(std::string_view found, std::string_view needed)
+Result CompareVersions(std::string_view found, std::string_view needed,
+                       bool (*holds)(const Version&, const Version&))
 {
     const auto left = ParseVersion(found), right = ParseVersion(needed);
-    return left && right ? PassIf(*left >= *right) : Result::Unknown;
+    return left && right ? PassIf(holds(*left, *right)) : Result::Unknown;
+}
+
+Result CompareAtLeastVersion(std::string_view found, std::string_view needed)
+{
+    return CompareVersions(found, needed,
+                           [](const Version& has, const Version& needs) { return has >= needs; });
+}
+
+Result CompareAtMostVersion(std::string_view found, std::string_view needed)
+{
+    return CompareVersions(found, needed,
+                           [](const Version& has, const Version& needs) { return has <= needs; });
+}
+
+Result CompareCompatibleVersion(std::string_view found, std::string_view needed)
+{
+    return CompareVersions(found, needed, [](const Version& has, const Version& needs) {
+        return has >= needs && has.Major() == needs.Major();
+    });
 }
 
 /// An amount is comparable with an amount of its own kind, and with a needed number that has no unit.
+bool AreComparable(const std::optional<Amount>& found, const std::optional<Amount>& needed)
+{
+    return found && needed && (found->kind == needed->kind || needed->kind == AmountKind::Number);
+}
+
 Result CompareAmounts(std::string_view found, std::string_view needed, bool (*holds)(double, double))
 {
     const auto left = ParseAmount(found), right = ParseAmount(needed);
-    if (!left || !right || (left->kind != right->kind && right->kind != AmountKind::Number))
+    return AreComparable(left, right) ? PassIf(holds(left->number, right->number)) : Result::Unknown;
+}
+
+Result CompareNominalSize(std::string_view found, std::string_view needed, SoldAs soldAs)
+{
+    const auto left = ParseAmount(found), right = ParseAmount(needed, NominalSteps(soldAs));
+    if (!AreComparable(left, right))
         return Result::Unknown;
-    return PassIf(holds(left->number, right->number));
+    const auto nominal = FindNominalSize(*left, soldAs);
+    return PassIf(std::max(left->number, nominal ? nominal->bytes : 0) >= right->number);
 }
 
 /// By amount, or, where screen edges are needed, by whether the screen covers them, upright or lying.
@@ -53,17 +86,27 @@ Result CompareEqual(std::string_view found, std::string_view needed)
     return PassIf(found == needed);
 }
 
-/// Whether the value is one of the needed choices, which commas separate.
-Result CompareOneOf(std::string_view found, std::string_view choices)
+/// Whether the value is one of the choices, which commas separate.
+bool IsAmong(std::string_view found, std::string_view choices)
 {
     for (;;) {
         const std::size_t comma = choices.find(',');
         if (Trim(choices.substr(0, comma)) == found)
-            return Result::Pass;
+            return true;
         if (comma == std::string_view::npos)
-            return Result::Fail;
+            return false;
         choices.remove_prefix(comma + 1);
     }
+}
+
+Result CompareOneOf(std::string_view found, std::string_view choices)
+{
+    return PassIf(IsAmong(found, choices));
+}
+
+Result CompareNoneOf(std::string_view found, std::string_view choices)
+{
+    return PassIf(!IsAmong(found, choices));
 }
 
 Result CompareContains(std::string_view found, std::string_view needed)
@@ -114,11 +157,14 @@ std::string_view NeedsNothing(std::string_view)
 }
 
 constexpr Comparison Comparisons[] = {
-    {"at least version", NeedsVersion, CompareVersions},
-    {"at least", NeedsAmountOrEdges, CompareAtLeast},
+    {"at least version", NeedsVersion, CompareAtLeastVersion},
+    {"compatible version", NeedsVersion, CompareCompatibleVersion},
+    {"at most version", NeedsVersion, CompareAtMostVersion},
+    {"at least", NeedsAmountOrEdges, CompareAtLeast, true},
     {"at most", NeedsAmount, CompareAtMost},
     {"equals", NeedsText, CompareEqual},
     {"one of", NeedsText, CompareOneOf},
+    {"none of", NeedsText, CompareNoneOf},
     {"contains", NeedsText, CompareContains},
     {"any", NeedsNothing, PassAny},
     {"yes", NeedsNothing, CompareYes},
@@ -139,9 +185,14 @@ std::string NormalizeValue(std::string_view value)
     return value.size() <= MaxValue ? Lower(Trim(value)) : std::string();
 }
 
-Result Compare(const Comparison& comparison, std::string_view found, std::string_view needed)
+Result Compare(const Comparison& comparison, std::string_view found, std::string_view needed, SoldAs soldAs)
 {
-    return found.empty() ? Result::Unknown : comparison.compare(found, Lower(Trim(needed)));
+    if (found.empty())
+        return Result::Unknown;
+    const std::string bare = Lower(Trim(needed));
+    return soldAs != SoldAs::Nothing && comparison.comparesNominalSizes
+               ? CompareNominalSize(found, bare, soldAs)
+               : comparison.compare(found, bare);
 }
 
 }  // namespace kel

@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "verdict/Catalogue.h"
 #include "verdict/Result.h"
 
 namespace kel {
@@ -18,6 +19,9 @@ struct Comparison {
     /// Compares a value that is not empty; both texts are as NormalizeValue returns them. Strict: a value
     /// that cannot be read as what is compared is unknown, so only a value that was understood fails.
     Result (*compare)(std::string_view found, std::string_view needed);
+
+    /// Whether a value that falls short of what was sold is compared by its nominal size.
+    bool comparesNominalSizes = false;
 };
 
 /// The comparison of this name; null for any other text.
@@ -27,7 +31,9 @@ const Comparison* ParseComparison(std::string_view name);
 /// blank, and when it is longer than 4 KB.
 std::string NormalizeValue(std::string_view value);
 
-/// The result for a value that NormalizeValue returned; unknown when it is empty.
-Result Compare(const Comparison& comparison, std::string_view found, std::string_view needed);
+/// The result for a value that NormalizeValue returned; unknown when it is empty. With `soldAs`, the value is
+/// at least as large as its nominal size.
+Result Compare(const Comparison& comparison, std::string_view found, std::string_view needed,
+               SoldAs soldAs = SoldAs::Nothing);
 
 }  // namespace kel

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <iterator>
 #include <string>
 
@@ -13,25 +14,35 @@ namespace {
 
 struct AmountUnit {
     std::string_view name;  // in lower case
-    double factor;
     AmountKind kind;
+    int power;  // of the steps of its kind
 };
 
-constexpr double Kibi = 1024;
-constexpr AmountUnit Units[] = {{"", 1, AmountKind::Number},
-                                {"b", 1, AmountKind::Bytes},
-                                {"kb", Kibi, AmountKind::Bytes},
-                                {"mb", Kibi* Kibi, AmountKind::Bytes},
-                                {"gb", Kibi* Kibi* Kibi, AmountKind::Bytes},
-                                {"tb", Kibi* Kibi* Kibi* Kibi, AmountKind::Bytes},
-                                {"hz", 1, AmountKind::Hertz},
-                                {"khz", 1e3, AmountKind::Hertz},
-                                {"mhz", 1e6, AmountKind::Hertz},
-                                {"ghz", 1e9, AmountKind::Hertz},
-                                {"bps", 1, AmountKind::BitsPerSecond},
-                                {"kbps", Kibi, AmountKind::BitsPerSecond},
-                                {"mbps", Kibi* Kibi, AmountKind::BitsPerSecond},
-                                {"gbps", Kibi* Kibi* Kibi, AmountKind::BitsPerSecond}};
+constexpr AmountUnit Units[] = {{"", AmountKind::Number, 0},
+                                {"b", AmountKind::Bytes, 0},
+                                {"kb", AmountKind::Bytes, 1},
+                                {"mb", AmountKind::Bytes, 2},
+                                {"gb", AmountKind::Bytes, 3},
+                                {"tb", AmountKind::Bytes, 4},
+                                {"hz", AmountKind::Hertz, 0},
+                                {"khz", AmountKind::Hertz, 1},
+                                {"mhz", AmountKind::Hertz, 2},
+                                {"ghz", AmountKind::Hertz, 3},
+                                {"bps", AmountKind::BitsPerSecond, 0},
+                                {"kbps", AmountKind::BitsPerSecond, 1},
+                                {"mbps", AmountKind::BitsPerSecond, 2},
+                                {"gbps", AmountKind::BitsPerSecond, 3}};
+
+/// What a unit counts, in base units.
+double Factor(const AmountUnit& unit, ByteSteps steps)
+{
+    const bool isDecimal =
+        unit.kind == AmountKind::Hertz || (unit.kind == AmountKind::Bytes && steps == ByteSteps::Decimal);
+    double factor = 1;
+    for (int i = 0; i < unit.power; ++i)
+        factor *= isDecimal ? 1000 : 1024;
+    return factor;
+}
 
 constexpr std::size_t MaxPart = 18;  // digits of a version's part: what 64 bits always hold
 constexpr std::size_t MaxEdge = 5;   // digits
@@ -58,16 +69,19 @@ std::optional<std::uint64_t> TakeNumber(std::string_view& text, std::size_t max)
 
 }  // namespace
 
-std::optional<Amount> ParseAmount(std::string_view text)
+std::optional<Amount> ParseAmount(std::string_view text, ByteSteps steps)
 {
     text = Trim(text);
     std::string_view rest = text;
     if (TakeDigits(rest).empty())
         return std::nullopt;
+    double lastDigit = 1;
     if (rest.starts_with('.')) {
         rest.remove_prefix(1);
-        if (TakeDigits(rest).empty())
+        const std::string_view decimals = TakeDigits(rest);
+        if (decimals.empty())
             return std::nullopt;
+        lastDigit = std::pow(10, -static_cast<double>(decimals.size()));
     }
     const std::string_view number = text.substr(0, text.size() - rest.size());
     double amount = 0;
@@ -80,27 +94,30 @@ std::optional<Amount> ParseAmount(std::string_view text)
         std::find_if(std::begin(Units), std::end(Units), [&](const AmountUnit& u) { return u.name == name; });
     if (unit == std::end(Units))
         return std::nullopt;
-    return Amount{amount * unit->factor, unit->kind};
+    const double factor = Factor(*unit, steps);
+    return Amount{amount * factor, unit->kind, lastDigit * factor};
 }
 
-std::optional<std::vector<std::uint64_t>> ParseVersion(std::string_view text)
+std::optional<Version> ParseVersion(std::string_view text)
 {
     text = Trim(text);
-    std::vector<std::uint64_t> parts;
+    Version version;
     for (;;) {
         const auto part = TakeNumber(text, MaxPart);
         if (!part)
             return std::nullopt;
-        parts.push_back(*part);
-        if (text.empty())
-            break;
+        version.parts.push_back(*part);
         if (!text.starts_with('.'))
-            return std::nullopt;
+            break;
         text.remove_prefix(1);
     }
-    while (!parts.empty() && parts.back() == 0)
-        parts.pop_back();
-    return parts;
+    if (const std::string letter = Lower(text); letter.size() == 1 && letter >= "a" && letter <= "z")
+        version.letter = letter.front();
+    else if (!text.empty())
+        return std::nullopt;
+    while (!version.parts.empty() && version.parts.back() == 0)
+        version.parts.pop_back();
+    return version;
 }
 
 std::optional<Edges> ParseEdges(std::string_view text)

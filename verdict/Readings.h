@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -13,6 +14,19 @@ enum class AmountKind { Number, Bytes, Hertz, BitsPerSecond };
 struct Amount {
     double number = 0;  // in base units
     AmountKind kind = AmountKind::Number;
+    double lastDigit = 1;  // what a one as the text's last digit counts, in base units
+};
+
+/// What a KB, MB, GB and TB are of: 1024, as the control writes them, or 1000, as disks are sold.
+enum class ByteSteps { Binary, Decimal };
+
+/// A dotted version. 9.0C comes after 9.0B and 9.0, and before 9.0.1.
+struct Version {
+    std::vector<std::uint64_t> parts;  // without the zeros at its end
+    char letter = 0;                   // behind the last part, in lower case; 0 for none
+
+    auto operator<=>(const Version&) const = default;  // NOLINT(modernize-use-nullptr): in what it generates
+    std::uint64_t Major() const { return parts.empty() ? 0 : parts.front(); }
 };
 
 /// The edges of a screen, in pixels.
@@ -22,10 +36,10 @@ struct Edges {
 };
 
 /// A number with or without a unit, such as "7.8 GB", "2400 MHz", "1 Mbps", "4". Nothing for any other text.
-std::optional<Amount> ParseAmount(std::string_view text);
+std::optional<Amount> ParseAmount(std::string_view text, ByteSteps steps = ByteSteps::Binary);
 
-/// The numbers of a dotted version, without the zeros at its end. Nothing for any other text.
-std::optional<std::vector<std::uint64_t>> ParseVersion(std::string_view text);
+/// A dotted version such as "8.0.11" or "9.0C". Nothing for any other text.
+std::optional<Version> ParseVersion(std::string_view text);
 
 /// A resolution such as "1280x720", and any text after it. Nothing for any other text, and when an edge is 0.
 std::optional<Edges> ParseEdges(std::string_view text);

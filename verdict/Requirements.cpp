@@ -5,6 +5,7 @@
 #include <span>
 #include <stdexcept>
 
+#include "verdict/Catalogue.h"
 #include "verdict/text/Text.h"
 #include "verdict/text/Utf8.h"
 
@@ -102,18 +103,46 @@ Condition ReadCondition(const json& entry)
     return condition;
 }
 
-Condition ReadAlternative(const json& entry)
+Condition ReadPlainCondition(const json& entry)
 {
     static constexpr std::string_view Names[] = {"id", "comparison", "needed"};
     CheckNames(entry, Names);
     return ReadCondition(entry);
 }
 
+/// Whether the entry is for any index.
+bool ReadOf(const json& entry)
+{
+    const auto of = entry.find("of");
+    if (of != entry.end() && *of != "any")
+        throw std::runtime_error("its 'of' is not 'any'");
+    return of != entry.end();
+}
+
+Alternative ReadAlternative(const json& entry)
+{
+    static constexpr std::string_view Names[] = {"label", "id", "comparison", "needed", "of"};
+    static constexpr std::string_view NamesWithConditions[] = {"label", "all of", "of"};
+    const bool hasConditions = entry.is_object() && entry.contains("all of");
+    CheckNames(entry, hasConditions ? std::span<const std::string_view>(NamesWithConditions) : Names);
+    Alternative alternative;
+    if (hasConditions)
+        alternative.allOf = ReadEach(ReadList(entry, "all of", 1, Requirements::MaxConditions), "condition",
+                                     ReadPlainCondition);
+    else
+        alternative.allOf.push_back(ReadCondition(entry));
+    alternative.ofAny = ReadOf(entry);
+    if (entry.contains("label"))
+        alternative.label = ReadText(entry, "label");
+    return alternative;
+}
+
 Requirement ReadLine(const json& entry)
 {
     static constexpr std::string_view Names[] = {"label",      "advice", "recommended", "id",
-                                                 "comparison", "needed", "any of"};
-    static constexpr std::string_view NamesWithAlternatives[] = {"label", "advice", "recommended", "any of"};
+                                                 "comparison", "needed", "of",          "any of"};
+    static constexpr std::string_view NamesWithAlternatives[] = {"label", "advice", "recommended", "of",
+                                                                 "any of"};
     const bool hasAlternatives = entry.is_object() && entry.contains("any of");
     CheckNames(entry, hasAlternatives ? std::span<const std::string_view>(NamesWithAlternatives) : Names);
     Requirement line;
@@ -122,7 +151,11 @@ Requirement ReadLine(const json& entry)
         line.anyOf = ReadEach(ReadList(entry, "any of", 1, Requirements::MaxAlternatives), "alternative",
                               ReadAlternative);
     else
-        line.anyOf.push_back(ReadCondition(entry));
+        line.anyOf.push_back({{ReadCondition(entry)}, false, ""});
+    if (ReadOf(entry)) {
+        for (Alternative& alternative : line.anyOf)
+            alternative.ofAny = true;
+    }
     if (entry.contains("advice"))
         line.advice = ReadText(entry, "advice");
     if (const auto recommended = entry.find("recommended"); recommended != entry.end()) {
@@ -131,6 +164,12 @@ Requirement ReadLine(const json& entry)
         line.recommended = recommended->get<bool>();
     }
     return line;
+}
+
+void AddOnce(std::vector<int>& groups, int group)
+{
+    if (std::find(groups.begin(), groups.end(), group) == groups.end())
+        groups.push_back(group);
 }
 
 json Parse(std::string_view text)
@@ -158,12 +197,32 @@ std::string Condition::Text() const
     return std::string(Trim(text));
 }
 
+std::string Alternative::Text() const
+{
+    if (!label.empty())
+        return label;
+    std::string text;
+    for (const Condition& condition : allOf)
+        text += (text.empty() ? "" : " and ") + condition.Text();
+    return text + (ofAny ? " (any of them)" : "");
+}
+
 std::string Requirement::Needed() const
 {
     std::string text;
-    for (const Condition& condition : anyOf)
-        text += (text.empty() ? "" : ", or ") + condition.Text();
+    for (const Alternative& alternative : anyOf)
+        text += (text.empty() ? "" : ", or ") + alternative.Text();
     return text;
+}
+
+std::vector<int> Requirement::Groups() const
+{
+    std::vector<int> groups;
+    for (const Alternative& alternative : anyOf) {
+        for (const Condition& condition : alternative.allOf)
+            AddOnce(groups, condition.group);
+    }
+    return groups;
 }
 
 Requirements Requirements::Read(std::string_view text)
@@ -188,9 +247,11 @@ std::vector<int> Requirements::Groups() const
 {
     std::vector<int> groups{SessionGroup, ReferrerGroup, UserGroup};
     for (const Requirement& line : lines) {
-        for (const Condition& condition : line.anyOf) {
-            if (std::find(groups.begin(), groups.end(), condition.group) == groups.end())
-                groups.push_back(condition.group);
+        for (const int group : line.Groups()) {
+            AddOnce(groups, group);
+            const CatalogueValue* value = FindCatalogueValue(group);
+            if (value && value->existence != 0)
+                AddOnce(groups, value->existence);
         }
     }
     return groups;

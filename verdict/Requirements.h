@@ -13,7 +13,7 @@ namespace kel {
 /// The groups that identify a report, which every report has.
 inline constexpr int SessionGroup = 71424, ReferrerGroup = 71218, UserGroup = 71206;
 
-/// A condition on the first value of a group.
+/// A condition on a value.
 struct Condition {
     int group = 0;
     const Comparison* comparison = nullptr;  // never null in requirements that were read
@@ -23,15 +23,27 @@ struct Condition {
     std::string Text() const;
 };
 
+/// One way to meet a line.
+struct Alternative {
+    std::vector<Condition> allOf;  // at least one; each has to hold
+    bool ofAny = false;            // for any one device or installed version, instead of the first
+    std::string label;             // shown instead of the conditions, unless it is empty
+
+    /// As a visitor reads it: its label, or "contains NVIDIA and at least 6 GB (any of them)".
+    std::string Text() const;
+};
+
 /// One line of a product's requirements.
 struct Requirement {
     std::string label;
-    std::vector<Condition> anyOf;  // at least one; the line passes when one of them holds
-    std::string advice;            // what a visitor can do about it
-    bool recommended = false;      // shown, but without effect on the total
+    std::vector<Alternative> anyOf;  // at least one; the line passes when one of them holds
+    std::string advice;              // what a visitor can do about it
+    bool recommended = false;        // shown, but without effect on the total
 
     /// As a visitor reads it: "at least 6 GB, or at least version 12.0".
     std::string Needed() const;
+    /// The groups that it asks for, each once.
+    std::vector<int> Groups() const;
 };
 
 /// What a product needs.
@@ -40,22 +52,24 @@ struct Requirements {
     static constexpr std::size_t MaxText = 1000;       // bytes; each of title, label, needed, advice
     static constexpr std::size_t MaxLines = 500;
     static constexpr std::size_t MaxAlternatives = 20;  // of a line
+    static constexpr std::size_t MaxConditions = 20;    // of an alternative
 
     std::string title;
     std::vector<Requirement> lines;
 
-    /// Reads the JSON form: {"title": …, "requirements": [{"label", "id", "comparison", "needed", "advice",
-    /// "recommended"}, …]}, the last three optional. Instead of id, comparison and needed a line may have
-    /// "any of", a list of objects of these three. Throws std::runtime_error with the fault and its line: an
-    /// unknown name, a value of the wrong kind, an exceeded bound, a line that no value could satisfy. The
-    /// reason is UTF-8 of at most some hundred bytes.
+    /// Reads the JSON form: {"title": …, "requirements": [{"label", "id", "comparison", "needed", "of",
+    /// "advice", "recommended"}, …]}, the last four optional. Instead of id, comparison and needed a line may
+    /// have "any of", a list of alternatives: objects of "label", "of" and these three, or instead of the
+    /// three "all of", a list of objects of them. "of" is "any". Throws std::runtime_error with the fault and
+    /// its line: an unknown name, a value of the wrong kind, an exceeded bound, a line that no value could
+    /// satisfy. The reason is UTF-8 of at most some hundred bytes.
     static Requirements Read(std::string_view json);
     /// The same for stored requirements, which an older program may have accepted; nothing when they have a
     /// fault.
     static std::optional<Requirements> ReadStored(std::string_view json);
 
-    /// The ids of the groups that a report has to have: session, referrer and user, then those of the lines,
-    /// each once.
+    /// The ids of the groups that a report has to have, each once: session, referrer and user, then those of
+    /// the lines, a version followed by the value that says whether its product is installed.
     std::vector<int> Groups() const;
 };
 

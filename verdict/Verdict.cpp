@@ -1,8 +1,10 @@
 #include "verdict/Verdict.h"
 
 #include <algorithm>
-#include <unordered_map>
+#include <map>
+#include <set>
 
+#include "verdict/NominalSize.h"
 #include "verdict/text/Text.h"
 
 namespace kel {
@@ -11,6 +13,12 @@ namespace {
 
 /// Shown for an absent value beside others that are known.
 constexpr const char* Absent = "–";
+
+/// Found of a version whose product is not there.
+constexpr const char* NotInstalled = "not installed";
+
+// Bytes of what an alternative found: a value of the longest kind with what was added to it.
+constexpr std::size_t MaxShown = Verdict::MaxFound + 50;
 
 Result JoinLines(const std::vector<VerdictLine>& lines)
 {
@@ -24,31 +32,44 @@ Result JoinLines(const std::vector<VerdictLine>& lines)
     return has(Result::Pass) && !has(Result::Unknown) ? Result::Pass : Result::Unknown;
 }
 
-Result JoinParts(const std::vector<VerdictPart>& parts)
+/// Passes when one passes; otherwise unknown when one is unknown.
+Result Best(const std::vector<Result>& results)
 {
     const auto has = [&](Result result) {
-        return std::any_of(parts.begin(), parts.end(),
-                           [=](const VerdictPart& part) { return part.result == result; });
+        return std::find(results.begin(), results.end(), result) != results.end();
     };
     return has(Result::Pass) ? Result::Pass : has(Result::Unknown) ? Result::Unknown : Result::Fail;
 }
 
-/// The values of the parts, once for each group: "4.0 GB; 12.1".
-std::string JoinFound(const std::vector<VerdictPart>& parts)
+/// Fails when one fails; otherwise unknown when one is unknown.
+Result Worst(const std::vector<Result>& results)
+{
+    const auto has = [&](Result result) {
+        return std::find(results.begin(), results.end(), result) != results.end();
+    };
+    return has(Result::Fail) ? Result::Fail : has(Result::Unknown) ? Result::Unknown : Result::Pass;
+}
+
+/// The texts of values: "4.0 GB; 12.1"; empty when none is known.
+std::string JoinFound(const std::vector<std::string>& values, const char* separator)
 {
     std::string found;
-    std::vector<int> shown;
-    bool isKnown = false;
-    for (const VerdictPart& part : parts) {
-        if (std::find(shown.begin(), shown.end(), part.group) != shown.end())
-            continue;
-        if (!shown.empty())
-            found += "; ";
-        shown.push_back(part.group);
-        isKnown = isKnown || !part.found.empty();
-        found += part.found.empty() && parts.size() > 1 ? Absent : part.found;
-    }
+    for (const std::string& value : values)
+        found += (&value == &values.front() ? "" : separator) + (value.empty() ? Absent : value);
+    const bool isKnown = std::any_of(values.begin(), values.end(), [](const auto& v) { return !v.empty(); });
     return isKnown ? found : std::string();
+}
+
+/// The values of the parts, each once.
+std::string JoinFound(const std::vector<VerdictPart>& parts)
+{
+    std::vector<std::string> values;
+    std::set<std::pair<int, std::string>> shown;
+    for (const VerdictPart& part : parts) {
+        if (shown.insert({part.group, part.found}).second)
+            values.push_back(part.found);
+    }
+    return JoinFound(values, "; ");
 }
 
 /// The values that the requirements ask for. Several conditions may ask for the same one, which is prepared
@@ -61,43 +82,114 @@ public:
 
     explicit Values(const ValueLookup& valueLookup) : lookup(valueLookup) {}
 
-    const Value& Get(int group)
+    const Value& Get(int group, int index)
     {
-        const auto known = values.find(group);
+        const auto known = values.find({group, index});
         if (known != values.end())
             return known->second;
-        const std::string text = lookup(group, 0).value_or(std::string());
-        return values.emplace(group, Value{NormalizeValue(text), Shortened(text, Verdict::MaxFound)})
+        const std::string text = lookup(group, index).value_or(std::string());
+        return values
+            .emplace(std::pair(group, index), Value{NormalizeValue(text), Shortened(text, Verdict::MaxFound)})
             .first->second;
     }
 
-    /// The value as a line shows it: "…" once MaxFoundTotal is used up.
-    std::string Show(const Value& value)
+    /// How many indexes the report has of the group, from 0 on; at most MaxIndexes.
+    int Count(int group)
     {
-        std::string shown = Shortened(value.shown, room);
+        const auto [count, isNew] = counts.emplace(group, 0);
+        while (isNew && count->second < Verdict::MaxIndexes && lookup(group, count->second))
+            ++count->second;
+        return count->second;
+    }
+
+    /// The text as a line shows it: "…" once MaxFoundTotal is used up.
+    std::string Show(const std::string& text)
+    {
+        std::string shown = Shortened(text, room);
         room -= std::min(room, shown.size());
         return shown;
     }
 
 private:
     const ValueLookup& lookup;
-    std::unordered_map<int, Value> values;
+    std::map<std::pair<int, int>, Value> values;
+    std::map<int, int> counts;
     std::size_t room = Verdict::MaxFoundTotal;
 };
+
+struct Finding {
+    Result result = Result::Unknown;
+    std::string found;
+};
+
+Finding JudgeCondition(const Condition& condition, int index, Values& values)
+{
+    const CatalogueValue* known = FindCatalogueValue(condition.group);
+    const Values::Value& value = values.Get(condition.group, index);
+    if (Trim(value.shown).empty() && known && known->existence != 0 &&
+        values.Get(known->existence, 0).normalized == "no")
+        return {Result::Fail, NotInstalled};
+    const SoldAs soldAs = known ? known->soldAs : SoldAs::Nothing;
+    Finding finding{Compare(*condition.comparison, value.normalized, condition.needed, soldAs), value.shown};
+    if (condition.comparison->comparesNominalSizes) {
+        const auto figure = ParseAmount(value.normalized);
+        const auto nominal = figure ? FindNominalSize(*figure, soldAs) : std::nullopt;
+        if (nominal && nominal->bytes != figure->number)
+            finding.found += ", sold as " + nominal->text;
+    }
+    return finding;
+}
+
+/// The alternative for one device. Values that have no indexes are the same for all.
+Finding JudgeDevice(const Alternative& alternative, int device, Values& values)
+{
+    std::vector<Result> results;
+    std::vector<std::string> found;
+    for (const Condition& condition : alternative.allOf) {
+        const CatalogueValue* known = FindCatalogueValue(condition.group);
+        const Finding finding = JudgeCondition(condition, known && !known->hasIndexes ? 0 : device, values);
+        results.push_back(finding.result);
+        found.push_back(finding.found);
+    }
+    return {Worst(results), JoinFound(found, " and ")};
+}
+
+/// For any device: the one that passes, or what all have.
+Finding JudgeAlternative(const Alternative& alternative, Values& values)
+{
+    int devices = 1;
+    if (alternative.ofAny) {
+        for (const Condition& condition : alternative.allOf)
+            devices = std::max(devices, values.Count(condition.group));
+    }
+    std::vector<Result> results;
+    std::vector<std::string> found;
+    for (int device = 0; device < devices; ++device) {
+        Finding finding = JudgeDevice(alternative, device, values);
+        if (finding.result == Result::Pass)
+            return finding;
+        results.push_back(finding.result);
+        if (std::find(found.begin(), found.end(), finding.found) == found.end())
+            found.push_back(finding.found);
+    }
+    return {Best(results), JoinFound(found, "; ")};
+}
 
 VerdictLine JudgeLine(const Requirement& requirement, Values& values)
 {
     VerdictLine line;
-    for (const Condition& condition : requirement.anyOf) {
-        const Values::Value& value = values.Get(condition.group);
-        line.parts.push_back({condition.group, condition.Text(), values.Show(value),
-                              Compare(*condition.comparison, value.normalized, condition.needed)});
+    std::vector<Result> results;
+    for (const Alternative& alternative : requirement.anyOf) {
+        const Finding finding = JudgeAlternative(alternative, values);
+        results.push_back(finding.result);
+        line.parts.push_back({alternative.allOf.front().group, alternative.Text(),
+                              values.Show(Shortened(finding.found, MaxShown)), finding.result});
     }
-    line.group = requirement.anyOf.front().group;
+    line.group = line.parts.front().group;
     line.label = requirement.label;
     line.needed = requirement.Needed();
     line.found = JoinFound(line.parts);
-    line.result = JoinParts(line.parts);
+    line.result = Best(results);
     line.advice = requirement.advice;
     line.recommended = requirement.recommended;
     return line;

@@ -4,14 +4,18 @@
 #include <intrin.h>
 #else
 #include <cpuid.h>
+#include <immintrin.h>
 #endif
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <utility>
 
 #include "diag/Log.h"
 #include "diag/ProcessInstance.h"
 #include "probes/Attempt.h"
+#include "probes/cpu/CpuFeatures.h"
 #include "values/Hexadecimal.h"
 #include "values/Text.h"
 
@@ -22,7 +26,16 @@ namespace {
 enum Register { Eax, Ebx, Ecx, Edx };
 
 constexpr std::uint32_t SignatureLeaf = 1;
+constexpr std::uint32_t FeatureLeaf = 7;
+constexpr std::uint32_t HypervisorLeaf = 0x40000000;
+constexpr std::uint32_t PartitionLeaf = 0x40000003;
 constexpr std::uint32_t ExtendedLeaf = 0x80000000;
+constexpr std::uint32_t ExtendedFeatureLeaf = 0x80000001;
+constexpr std::uint32_t UsesSavedState = 1U << 27;  // of ECX of leaf 1
+constexpr std::uint32_t HasHypervisor = 1U << 31;   // the same
+constexpr std::uint32_t CreatesPartitions = 1;      // of EBX
+// "Microsoft Hv" in EBX, ECX and EDX.
+constexpr std::uint32_t HyperV[] = {0x7263694D, 0x666F736F, 0x76482074};
 constexpr std::size_t ShortIdLength = 6;
 constexpr const wchar_t* IntelVendor = L"genuineintel";
 constexpr const wchar_t* AmdVendor = L"authenticamd";
@@ -46,6 +59,15 @@ CpuRegisters RunInstruction(std::uint32_t leaf)
     return registers;
 }
 
+#ifndef _MSC_VER
+__attribute__((target("xsave")))
+#endif
+std::uint64_t
+RunSavedState()
+{
+    return _xgetbv(0);
+}
+
 bool HasByte(std::uint32_t value, int firstByte, std::uint32_t byte)
 {
     for (int shift = firstByte * 8; shift < 32; shift += 8) {
@@ -62,10 +84,13 @@ CPUID& CPUID::Instance()
     return ProcessInstance<CPUID>();
 }
 
-CPUID::CPUID() : CPUID(Leaves(&RunInstruction)) {}
+CPUID::CPUID() : CPUID(Leaves(&RunInstruction), SavedState(&RunSavedState)) {}
 
-CPUID::CPUID(const Leaves& newLeaves)
-    : leaves(newLeaves), maxStandardLeaf(leaves(0)[Eax]), maxExtendedLeaf(leaves(ExtendedLeaf)[Eax])
+CPUID::CPUID(const Leaves& newLeaves, const SavedState& newSavedState)
+    : leaves(newLeaves),
+      savedState(newSavedState),
+      maxStandardLeaf(leaves(0)[Eax]),
+      maxExtendedLeaf(leaves(ExtendedLeaf)[Eax])
 {
 }
 
@@ -95,6 +120,36 @@ void CPUID::ReadCpuInfo(CpuInfo& info)
     WriteLog(LogTrace, L"CPU ID: ", info.cpuId);
     info.cpuIdShort = info.cpuId.substr(info.cpuId.size() - ShortIdLength);
     WriteLog(LogTrace, L"CPU ID Short: ", info.cpuIdShort);
+    ReadFeatures(registers, info);
+}
+
+void CPUID::ReadFeatures(const CpuRegisters& leaf1, CpuInfo& info)
+{
+    FeatureRegisters found;
+    CpuRegisters registers;
+    found.leaf1Ecx = leaf1[Ecx];
+    if (Execute(FeatureLeaf, registers))
+        found.leaf7Ebx = registers[Ebx];
+    if (Execute(ExtendedFeatureLeaf, registers))
+        found.extendedEcx = registers[Ecx];
+    if ((leaf1[Ecx] & UsesSavedState) != 0)
+        found.savedState = savedState();
+    const CpuFeatures features = DecodeFeatures(found);
+    info.hasSse42 = features.hasSse42;
+    info.hasAvx = features.hasAvx;
+    info.hasAvx2 = features.hasAvx2;
+    info.hasAvx512 = features.hasAvx512;
+    info.hasAes = features.hasAes;
+    info.level = features.level;
+    info.hasHypervisor = (leaf1[Ecx] & HasHypervisor) != 0;
+    info.isVirtualMachine = *info.hasHypervisor && !IsHypervisorsHost();
+}
+
+bool CPUID::IsHypervisorsHost()
+{
+    const CpuRegisters first = Read(HypervisorLeaf);
+    return std::equal(first.begin() + Ebx, first.end(), std::begin(HyperV)) && first[Eax] >= PartitionLeaf &&
+           (Read(PartitionLeaf)[Ebx] & CreatesPartitions) != 0;
 }
 
 bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
@@ -105,12 +160,18 @@ bool CPUID::Execute(std::uint32_t leaf, CpuRegisters& registers)
     // knows the values that this gives.
     if (isExtended ? (leaf & 0xFF) > maxExtendedLeaf : leaf > maxStandardLeaf)
         return false;
-    registers = leaves(leaf);
+    registers = Read(leaf);
+    return true;
+}
+
+CpuRegisters CPUID::Read(std::uint32_t leaf)
+{
+    const CpuRegisters registers = leaves(leaf);
     if (Log::Instance().IsEnabled(LogDump))
         WriteLog(LogDump, L"cpuid ", Hexadecimal(leaf, 8), L": ", Hexadecimal(registers[Eax], 8), L' ',
                  Hexadecimal(registers[Ebx], 8), L' ', Hexadecimal(registers[Ecx], 8), L' ',
                  Hexadecimal(registers[Edx], 8));
-    return true;
+    return registers;
 }
 
 std::wstring CPUID::GetVendorString()

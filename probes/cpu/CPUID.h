@@ -21,21 +21,23 @@ struct CpuSignature {
     unsigned type = 0;
 };
 
-/// Reads the processor's own description with the `cpuid` instruction.
+/// Reads the processor's own description with the instructions `cpuid` and `xgetbv`.
 class CPUID : public Source {
 public:
     /// Answers a leaf, with ECX = 0.
     using Leaves = boost::function<CpuRegisters(std::uint32_t)>;
+    /// Answers XGETBV for XCR0, which is asked only where the system uses it.
+    using SavedState = boost::function<std::uint64_t()>;
 
     static CPUID& Instance();
 
     /// Runs the instruction.
     CPUID();
-    /// Reads the leaves from a table in place of the instruction.
-    explicit CPUID(const Leaves& newLeaves);
+    /// Reads the leaves and the state from functions in place of the instructions.
+    explicit CPUID(const Leaves& newLeaves, const SavedState& newSavedState);
 
-    /// Vendor, signature and cache descriptor of the processor. Always true; a refused leaf leaves its fields
-    /// empty.
+    /// Vendor, signature, cache descriptor and instructions of the processor. Always true; a refused leaf
+    /// leaves its fields empty.
     bool GetCpuInfo(CpuInfo& info);
 
     /// Reads a leaf.
@@ -59,8 +61,13 @@ public:
 
 private:
     void ReadCpuInfo(CpuInfo& info);
+    void ReadFeatures(const CpuRegisters& leaf1, CpuInfo& info);
+    CpuRegisters Read(std::uint32_t leaf);
+    /// Whether the hypervisor runs this system beside its guests, as Hyper-V does.
+    bool IsHypervisorsHost();
 
     Leaves leaves;
+    SavedState savedState;
     std::uint32_t maxStandardLeaf;
     std::uint32_t maxExtendedLeaf;
 };

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
+#include "probes/cpu/CpuTopology.h"
 #include "values/Speed.h"
 
 namespace kel {
@@ -29,6 +32,22 @@ struct CpuInfo {
     std::wstring chipsetSoftwareVersion;  ///< version of the chipset's installation software
     std::wstring caption;                 ///< as WMI gives it; no value carries it
     std::wstring ratedSpeed;              ///< performance rating, hertz; no value carries it
+
+    std::optional<std::int32_t> cores;  ///< as in CpuTopology, as are the next three and the cache
+    std::optional<std::int32_t> threads;
+    std::optional<std::int32_t> packages;
+    std::optional<std::int32_t> efficientCores;
+    std::optional<bool> hasSse42;  ///< there, and the system saves its registers, as the next four
+    std::optional<bool> hasAvx;
+    std::optional<bool> hasAvx2;
+    std::optional<bool> hasAvx512;
+    std::optional<bool> hasAes;
+    std::optional<std::int32_t> level;  ///< of x86-64, 1 to 4
+    std::optional<bool> isVirtualizationOn;
+    std::optional<bool> isVirtualMachine;  ///< false of Hyper-V's own host
+    std::optional<Size> largestCache;
+    std::optional<bool> hasHypervisor;        ///< no value carries it
+    std::optional<bool> firmwareVirtualizes;  ///< virtualization is on in the firmware; no value carries it
 };
 
 }  // namespace kel

@@ -8,13 +8,72 @@
 #include <x86intrin.h>
 #endif
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "diag/Timer.h"
+#include "platform/Library.h"
+#include "platform/WindowsVersion.h"
 #include "probes/Attempt.h"
+#include "probes/cpu/CpuTopology.h"
 
 namespace kel {
+
+namespace {
+
+constexpr DWORD VirtualizationFeature = 21;  // PF_VIRT_FIRMWARE_ENABLED
+constexpr DWORD MaxTopologySize = 16 * 1024 * 1024;
+
+std::optional<bool> AskFirmwareVirtualizes()
+{
+    const std::optional<OSVERSIONINFOEXW> version = ReadWindowsVersion();
+    constexpr DWORD Windows8[] = {6, 2};
+    if (!version || version->dwMajorVersion < Windows8[0] ||
+        (version->dwMajorVersion == Windows8[0] && version->dwMinorVersion < Windows8[1]))
+        return {};
+    return IsProcessorFeaturePresent(VirtualizationFeature) != FALSE;
+}
+
+/// The records of all relationships; none when they cannot be read.
+std::vector<std::byte> ReadTopology(const CpuFunctions& functions)
+{
+    DWORD size = 0;
+    if (!functions.getTopology || functions.getTopology(RelationAll, nullptr, &size) ||
+        size > MaxTopologySize)
+        return {};
+    std::vector<std::byte> records(size);
+    auto* const first = reinterpret_cast<SYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX*>(records.data());
+    if (size == 0 || !functions.getTopology(RelationAll, first, &size))
+        return {};
+    return records;
+}
+
+}  // namespace
+
+CpuFunctions CpuFunctions::OfSystem()
+{
+    CpuFunctions functions;
+    if (auto* const get = FindLoadedFunction<decltype(GetLogicalProcessorInformationEx)>(
+            L"kernel32.dll", "GetLogicalProcessorInformationEx"))
+        functions.getTopology = get;
+    functions.firmwareVirtualizes = &AskFirmwareVirtualizes;
+    return functions;
+}
+
+void GetTopology(const CpuFunctions& functions, CpuInfo& info)
+{
+    Attempt(L"Error in CPU topology detection.", [&] {
+        const CpuTopology topology = DecodeTopology(ReadTopology(functions));
+        info.cores = topology.cores;
+        info.threads = topology.threads;
+        info.packages = topology.packages;
+        info.efficientCores = topology.efficientCores;
+        info.largestCache = topology.largestCache;
+        info.firmwareVirtualizes = functions.firmwareVirtualizes();
+    });
+}
 
 bool GetSystemCpuInfo(CpuInfo& info)
 {

@@ -11,7 +11,7 @@ namespace kel {
 
 namespace {
 
-constexpr UINT MaxAdapters = 16;
+constexpr UINT MaxDxgiAdapters = 16;
 constexpr UINT RemoteFlag = 1;  // DXGI_ADAPTER_FLAG_REMOTE
 constexpr UINT SoftwareFlag = 2;
 
@@ -41,7 +41,7 @@ std::vector<DXGI::Adapter> DXGI::ListAdapters() const
                                                reinterpret_cast<void**>(factory.ReleaseAndGetAddressOf()));
         });
         Microsoft::WRL::ComPtr<IDXGIAdapter1> adapter;
-        for (UINT index = 0; factory && index < MaxAdapters &&
+        for (UINT index = 0; factory && index < MaxDxgiAdapters &&
                              SUCCEEDED(factory->EnumAdapters1(index, adapter.ReleaseAndGetAddressOf()));
              ++index) {
             DXGI_ADAPTER_DESC1 found = {};
@@ -63,6 +63,9 @@ GpuInfo DXGI::Read(const DXGI_ADAPTER_DESC1& found) const
     info.sharedMemory = KnownSize(found.SharedSystemMemory);
     info.driverModel = DriverModel(functions.getDriverModel(found.AdapterLuid));
     info.hasDirect3D = true;
+    info.isIntegrated = functions.isIntegratedByDxCore(found.AdapterLuid);
+    if (!info.isIntegrated)
+        info.isIntegrated = functions.isIntegratedByKernel(found.AdapterLuid);
     info.isSoftware = (found.Flags & (RemoteFlag | SoftwareFlag)) != 0;
     WriteLog(LogTrace, L"DXGI: ", info.description.ToString(), L" ", info.deviceId.ToString(), L" ",
              found.DedicatedVideoMemory, L" ", found.SharedSystemMemory, L" flags ", found.Flags);

@@ -24,7 +24,7 @@ public:
     explicit DXGI(GraphicsFunctions newFunctions = GraphicsFunctions::OfSystem());
 
     /// The adapters in DXGI's order, at most 16, with those that draw by software marked: name, id, memory
-    /// (`IDXGIAdapter1::GetDesc1`) and driver model.
+    /// (`IDXGIAdapter1::GetDesc1`), driver model, and whether the system knows them as integrated.
     std::vector<Adapter> ListAdapters() const;
 
     /// The driver's version (`IDXGIAdapter::CheckInterfaceSupport`), for which the driver may be loaded;

@@ -9,9 +9,9 @@ namespace kel {
 
 namespace {
 
-constexpr D3D10_FEATURE_LEVEL1 Levels[] = {D3D10_FEATURE_LEVEL_10_1, D3D10_FEATURE_LEVEL_10_0,
-                                           D3D10_FEATURE_LEVEL_9_3, D3D10_FEATURE_LEVEL_9_2,
-                                           D3D10_FEATURE_LEVEL_9_1};
+constexpr D3D10_FEATURE_LEVEL1 Levels10[] = {D3D10_FEATURE_LEVEL_10_1, D3D10_FEATURE_LEVEL_10_0,
+                                             D3D10_FEATURE_LEVEL_9_3, D3D10_FEATURE_LEVEL_9_2,
+                                             D3D10_FEATURE_LEVEL_9_1};
 
 }  // namespace
 
@@ -26,7 +26,7 @@ DirectX_10::DirectX_10(GraphicsFunctions newFunctions) : Direct3DSource(std::mov
 
 std::uint32_t DirectX_10::GetFeatureLevel(IDXGIAdapter* adapter, const std::wstring& name) const
 {
-    for (const D3D10_FEATURE_LEVEL1 level : Levels) {
+    for (const D3D10_FEATURE_LEVEL1 level : Levels10) {
         // Unlike its successors it cannot answer without making the device.
         Microsoft::WRL::ComPtr<ID3D10Device1> device;
         const LogLevel failureLevel = level == D3D10_FEATURE_LEVEL_9_1 ? LogWarning : LogTrace;

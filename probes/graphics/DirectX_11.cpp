@@ -9,7 +9,7 @@ namespace kel {
 
 namespace {
 
-constexpr D3D_FEATURE_LEVEL Levels[] = {
+constexpr D3D_FEATURE_LEVEL Levels11[] = {
     D3D_FEATURE_LEVEL_12_1, D3D_FEATURE_LEVEL_12_0, D3D_FEATURE_LEVEL_11_1,
     D3D_FEATURE_LEVEL_11_0, D3D_FEATURE_LEVEL_10_1, D3D_FEATURE_LEVEL_10_0,
     D3D_FEATURE_LEVEL_9_3,  D3D_FEATURE_LEVEL_9_2,  D3D_FEATURE_LEVEL_9_1,
@@ -31,7 +31,7 @@ DirectX_11::DirectX_11(GraphicsFunctions newFunctions) : Direct3DSource(std::mov
 std::uint32_t DirectX_11::GetFeatureLevel(IDXGIAdapter* adapter, const std::wstring& name) const
 {
     for (const std::size_t start : Starts) {
-        const auto levels = std::span(Levels).subspan(start);
+        const auto levels = std::span(Levels11).subspan(start);
         D3D_FEATURE_LEVEL level = {};
         const HRESULT result = CallDriver(L"D3D11CreateDevice", name, LogWarning, [&] {
             return functions.createDevice11(adapter, D3D_DRIVER_TYPE_UNKNOWN, nullptr, 0, levels.data(),

@@ -51,22 +51,42 @@ std::uint32_t DirectX_12::GetFeatureLevel(IUnknown* adapter, const std::wstring&
     return highest;
 }
 
-std::uint32_t DirectX_12::GetShaderModel(IUnknown* adapter, const std::wstring& name) const
+void DirectX_12::WithDevice(IUnknown* adapter, const std::wstring& name,
+                            const boost::function<void(ID3D12Device&)>& ask) const
 {
-    std::uint32_t model = 0;
     CallDriver(Create, name, LogWarning, [&] {
         Microsoft::WRL::ComPtr<ID3D12Device> device;
         const HRESULT result =
             functions.createDevice12(adapter, LowestLevel, IID_PPV_ARGS(device.ReleaseAndGetAddressOf()));
-        // A runtime refuses to be asked about a model that it does not know.
-        for (std::uint32_t asked = HighestModel; device && model == 0 && asked >= LowestModel; --asked) {
-            D3D12_FEATURE_DATA_SHADER_MODEL data = {static_cast<D3D_SHADER_MODEL>(asked)};
-            if (SUCCEEDED(device->CheckFeatureSupport(D3D12_FEATURE_SHADER_MODEL, &data, sizeof(data))))
-                model = data.HighestShaderModel;
-        }
+        if (device)
+            ask(*device.Get());
         return result;
     });
+}
+
+std::uint32_t DirectX_12::GetShaderModel(IUnknown* adapter, const std::wstring& name) const
+{
+    std::uint32_t model = 0;
+    WithDevice(adapter, name, [&model](ID3D12Device& device) {
+        // A runtime refuses to be asked about a model that it does not know.
+        for (std::uint32_t asked = HighestModel; model == 0 && asked >= LowestModel; --asked) {
+            D3D12_FEATURE_DATA_SHADER_MODEL data = {static_cast<D3D_SHADER_MODEL>(asked)};
+            if (SUCCEEDED(device.CheckFeatureSupport(D3D12_FEATURE_SHADER_MODEL, &data, sizeof(data))))
+                model = data.HighestShaderModel;
+        }
+    });
     return model;
+}
+
+std::optional<std::uint32_t> DirectX_12::GetRayTracingTier(IUnknown* adapter, const std::wstring& name) const
+{
+    std::optional<std::uint32_t> tier;
+    WithDevice(adapter, name, [&tier](ID3D12Device& device) {
+        D3D12_FEATURE_DATA_D3D12_OPTIONS5 options = {};
+        if (SUCCEEDED(device.CheckFeatureSupport(D3D12_FEATURE_D3D12_OPTIONS5, &options, sizeof(options))))
+            tier = static_cast<std::uint32_t>(options.RaytracingTier);
+    });
+    return tier;
 }
 
 }  // namespace kel

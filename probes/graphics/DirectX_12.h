@@ -1,6 +1,8 @@
 #pragma once
 
+#include <boost/function.hpp>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "probes/graphics/Direct3DSource.h"
@@ -23,6 +25,14 @@ public:
     /// The highest D3D_SHADER_MODEL (0x66 is 6.6) of a device (`ID3D12Device::CheckFeatureSupport`), which is
     /// created for the call and released at once. 0 when it is unknown.
     std::uint32_t GetShaderModel(IUnknown* adapter, const std::wstring& name) const;
+
+    /// The D3D12_RAYTRACING_TIER (11 is 1.1, 0 none) of such a device; nullopt when it is unknown.
+    std::optional<std::uint32_t> GetRayTracingTier(IUnknown* adapter, const std::wstring& name) const;
+
+private:
+    /// Creates a device, calls a function with it and releases it.
+    void WithDevice(IUnknown* adapter, const std::wstring& name,
+                    const boost::function<void(ID3D12Device&)>& ask) const;
 };
 
 }  // namespace kel

@@ -14,7 +14,7 @@ namespace kel {
 
 namespace {
 
-constexpr UINT MaxAdapters = 16;
+constexpr UINT MaxDirect3DAdapters = 16;
 
 std::wstring Widen(const char* text, std::size_t size)
 {
@@ -59,7 +59,7 @@ void DirectX_9::GetGpuInfo(std::vector<GpuInfo>& adapters) const
     CallDriver(L"Direct3DCreate9Ex", L"", LogWarning, [&] {
         Microsoft::WRL::ComPtr<IDirect3D9Ex> direct3D;
         const HRESULT result = functions.createDirect3D9(D3D_SDK_VERSION, &direct3D);
-        for (UINT index = 0; direct3D && index < std::min(direct3D->GetAdapterCount(), MaxAdapters);
+        for (UINT index = 0; direct3D && index < std::min(direct3D->GetAdapterCount(), MaxDirect3DAdapters);
              ++index) {
             const GpuInfo info = Read(*direct3D.Get(), index);
             const auto isSame = [&info](const GpuInfo& other) {

@@ -1,9 +1,11 @@
 #include "probes/graphics/DisplayConfig.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "diag/ProcessInstance.h"
+#include "platform/RegistryValue.h"
 #include "probes/Attempt.h"
 #include "probes/graphics/DisplayRules.h"
 #include "values/Junk.h"
@@ -14,6 +16,19 @@ namespace {
 
 constexpr int QueryAttempts = 5;
 constexpr DWORD MaxPaths = 64;
+constexpr DWORD MaxModes = 4096;
+constexpr const wchar_t* TerminalServer = L"SYSTEM\\CurrentControlSet\\Control\\Terminal Server";
+
+/// DISPLAYCONFIG_GET_ADVANCED_COLOR_INFO_2, which not every platform's headers have.
+struct AdvancedColor2 {
+    DISPLAYCONFIG_DEVICE_INFO_HEADER header;
+    UINT32 flags;
+    UINT32 encoding;
+    UINT32 bitsPerChannel;
+    UINT32 activeMode;
+};
+constexpr auto AdvancedColorInfo2 = static_cast<DISPLAYCONFIG_DEVICE_INFO_TYPE>(15);
+constexpr UINT32 HighDynamicRange = 1U << 4;  // highDynamicRangeSupported
 
 /// A source is identified by its adapter and its number on that adapter.
 bool IsSameSource(const DISPLAYCONFIG_PATH_SOURCE_INFO& one, const DISPLAYCONFIG_PATH_SOURCE_INFO& other)
@@ -55,6 +70,7 @@ Request RequestFor(DISPLAYCONFIG_DEVICE_INFO_TYPE type, const DISPLAYCONFIG_PATH
 void Show(const DisplayInfo& display, MonitorInfo& monitor)
 {
     monitor.currentResolution = display.resolution;
+    monitor.highestRate = display.highestRate;
     monitor.isPrimary = display.isPrimary;
 }
 
@@ -69,7 +85,23 @@ DisplayConfig::DisplayConfig(DisplayFunctions newFunctions) : functions(std::mov
 
 bool DisplayConfig::IsRemote() const
 {
-    return functions.getSystemMetrics(SM_REMOTESESSION) != 0;
+    if (functions.getSystemMetrics(SM_REMOTESESSION) != 0)
+        return true;
+    const OwnedKey key = OpenKey(HKEY_LOCAL_MACHINE, TerminalServer, KEY_READ);
+    const std::optional<RegistryValue> value = key ? ReadValue(key.get(), L"GlassSessionId") : std::nullopt;
+    const std::optional<DWORD> session = functions.getSession();
+    DWORD own = 0;
+    if (!session || !value || value->type != REG_DWORD || value->bytes.size() != sizeof(own))
+        return false;
+    std::memcpy(&own, value->bytes.data(), sizeof(own));
+    return *session != own;
+}
+
+std::optional<Count> DisplayConfig::GetPrimaryScale() const
+{
+    constexpr UINT Unscaled = 96;
+    const std::optional<UINT> dpi = functions.getPrimaryDpi();
+    return dpi ? std::optional(Count((*dpi * 100 + Unscaled / 2) / Unscaled)) : std::nullopt;
 }
 
 DisplayList DisplayConfig::List() const
@@ -116,7 +148,8 @@ DisplayList DisplayConfig::ListPaths() const
     if (!Query(paths, modes))
         return list;
     for (auto path = paths.begin(); path != paths.end(); ++path) {
-        const DisplayInfo display = ReadSource(*path, modes);
+        DisplayInfo display = ReadSource(*path, modes);
+        display.highestRate = FindHighestRate(GetDeviceName(path->sourceInfo).c_str(), display.resolution);
         const auto isShown = [&path](const DISPLAYCONFIG_PATH_INFO& earlier) {
             return IsSameSource(earlier.sourceInfo, path->sourceInfo);
         };
@@ -142,11 +175,48 @@ MonitorInfo DisplayConfig::ReadTarget(const DISPLAYCONFIG_PATH_TARGET_INFO& targ
         monitor.instance = InstanceOfPath(name.monitorDevicePath);
         monitor.deviceId = DeviceID(monitor.instance);
     }
-    auto color = RequestFor<DISPLAYCONFIG_GET_ADVANCED_COLOR_INFO>(
-        DISPLAYCONFIG_DEVICE_INFO_GET_ADVANCED_COLOR_INFO, target);
-    if (functions.displayConfigGetDeviceInfo(&color.header) == ERROR_SUCCESS)
-        monitor.isHdr = color.advancedColorSupported != 0;
+    auto mode = RequestFor<DISPLAYCONFIG_TARGET_PREFERRED_MODE>(
+        DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_PREFERRED_MODE, target);
+    if (functions.displayConfigGetDeviceInfo(&mode.header) == ERROR_SUCCESS)
+        monitor.nativeResolution = KnownMode(mode.width, mode.height);
+    ReadColor(target, monitor);
     return monitor;
+}
+
+void DisplayConfig::ReadColor(const DISPLAYCONFIG_PATH_TARGET_INFO& target, MonitorInfo& monitor) const
+{
+    // The colour management of newer systems sets the old bits for displays without a high dynamic range.
+    auto newer = RequestFor<AdvancedColor2>(AdvancedColorInfo2, target);
+    if (functions.displayConfigGetDeviceInfo(&newer.header) == ERROR_SUCCESS) {
+        monitor.isHdr = (newer.flags & HighDynamicRange) != 0;
+        return;
+    }
+    auto older = RequestFor<DISPLAYCONFIG_GET_ADVANCED_COLOR_INFO>(
+        DISPLAYCONFIG_DEVICE_INFO_GET_ADVANCED_COLOR_INFO, target);
+    if (functions.displayConfigGetDeviceInfo(&older.header) == ERROR_SUCCESS)
+        monitor.isHdr = older.advancedColorSupported != 0;
+}
+
+std::wstring DisplayConfig::GetDeviceName(const DISPLAYCONFIG_PATH_SOURCE_INFO& source) const
+{
+    DISPLAYCONFIG_SOURCE_DEVICE_NAME name = {};
+    name.header = {DISPLAYCONFIG_DEVICE_INFO_GET_SOURCE_NAME, sizeof(name), source.adapterId, source.id};
+    const bool isNamed = functions.displayConfigGetDeviceInfo(&name.header) == ERROR_SUCCESS;
+    return isNamed ? name.viewGdiDeviceName : std::wstring();
+}
+
+std::optional<Count> DisplayConfig::FindHighestRate(const wchar_t* device, const Resolution& resolution) const
+{
+    DWORD highest = 0;
+    DEVMODEW mode = {};
+    mode.dmSize = sizeof(mode);
+    for (DWORD index = 0; *device != L'\0' && resolution.HasValue() && index < MaxModes &&
+                          functions.enumDisplaySettings(device, index, &mode, 0);
+         ++index) {
+        if (mode.dmPelsWidth == resolution.Width() && mode.dmPelsHeight == resolution.Height())
+            highest = std::max(highest, mode.dmDisplayFrequency);
+    }
+    return highest > 1 ? std::optional(Count(highest)) : std::nullopt;
 }
 
 DisplayList DisplayConfig::ListDevices() const
@@ -195,6 +265,7 @@ DisplayInfo DisplayConfig::ReadSettings(const wchar_t* device) const
         display.bitsPerPixel = Count(mode.dmBitsPerPel);
     if (mode.dmDisplayFrequency > 1)  // 0 and 1 stand for the adapter's default
         display.refreshRate = Count(mode.dmDisplayFrequency);
+    display.highestRate = FindHighestRate(device, display.resolution);
     return display;
 }
 

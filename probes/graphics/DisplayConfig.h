@@ -18,6 +18,7 @@ struct DisplayInfo {
     Resolution resolution;
     std::optional<Count> bitsPerPixel;
     std::optional<Count> refreshRate;  ///< a second
+    std::optional<Count> highestRate;  ///< of the modes with this resolution
 };
 
 /// One source's list.
@@ -41,8 +42,13 @@ public:
     /// The list of `EnumDisplayDevicesW`, even when another source lists displays.
     DisplayList ListDevices() const;
 
-    /// Whether the session is remote (`GetSystemMetrics`): its displays are the client's.
+    /// Whether the session is remote: its displays are the client's. `GetSystemMetrics` says so, or the
+    /// session is not the one at the machine's own screen; a session with a virtual graphics adapter shows
+    /// the second alone.
     bool IsRemote() const;
+
+    /// The scale of the primary display in percent; nullopt when it is not known.
+    std::optional<Count> GetPrimaryScale() const;
 
 private:
     DisplayList ListPaths() const;
@@ -50,7 +56,10 @@ private:
     bool Query(std::vector<DISPLAYCONFIG_PATH_INFO>& paths,
                std::vector<DISPLAYCONFIG_MODE_INFO>& modes) const;
     MonitorInfo ReadTarget(const DISPLAYCONFIG_PATH_TARGET_INFO& target) const;
+    void ReadColor(const DISPLAYCONFIG_PATH_TARGET_INFO& target, MonitorInfo& monitor) const;
     DisplayInfo ReadSettings(const wchar_t* device) const;
+    std::wstring GetDeviceName(const DISPLAYCONFIG_PATH_SOURCE_INFO& source) const;
+    std::optional<Count> FindHighestRate(const wchar_t* device, const Resolution& resolution) const;
 
     DisplayFunctions functions;
 };

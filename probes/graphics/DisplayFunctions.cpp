@@ -55,6 +55,28 @@ std::vector<MONITORINFO> ListMonitors()
     return monitors;
 }
 
+std::optional<DWORD> GetSession()
+{
+    DWORD session = 0;
+    return ProcessIdToSessionId(GetCurrentProcessId(), &session) ? std::optional(session) : std::nullopt;
+}
+
+std::optional<UINT> GetPrimaryDpi()
+{
+    using Get = HRESULT WINAPI(HMONITOR, int, UINT*, UINT*);
+    const PhysicalPixels pixels;
+    auto* const get = FindFunction<Get>(LoadSystemLibrary(L"shcore.dll").release(), "GetDpiForMonitor");
+    constexpr int EffectiveDpi = 0;
+    UINT horizontal = 0;
+    UINT vertical = 0;
+    if (!pixels.AreTold() || get == nullptr ||
+        FAILED(
+            get(MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY), EffectiveDpi, &horizontal, &vertical)) ||
+        horizontal == 0)
+        return std::nullopt;
+    return horizontal;
+}
+
 }  // namespace
 
 DisplayFunctions DisplayFunctions::OfSystem()
@@ -65,7 +87,9 @@ DisplayFunctions DisplayFunctions::OfSystem()
             &EnumDisplayDevicesW,
             &EnumDisplaySettingsExW,
             &ListMonitors,
-            &GetSystemMetrics};
+            &GetSystemMetrics,
+            &GetSession,
+            &GetPrimaryDpi};
 }
 
 }  // namespace kel

@@ -77,8 +77,11 @@ std::wstring ReadName(Block block)
 {
     for (std::size_t place = 0; place < DescriptorCount; ++place) {
         const Descriptor text = DescriptorAt(block, place);
-        if (text[0] == 0 && text[1] == 0 && text[2] == 0 && text[3] == NameDescriptor)
-            return TidyText({text.begin() + 5, text.end()});
+        if (text[0] != 0 || text[1] != 0 || text[2] != 0 || text[3] != NameDescriptor)
+            continue;
+        std::wstring name = TidyText({text.begin() + 5, text.end()});
+        if (!name.empty())
+            return name;
     }
     return {};
 }
@@ -109,8 +112,11 @@ void ReadMode(Block block, MonitorInfo& monitor)
             continue;
         const bool isInterlaced = (mode[17] & 0x80) != 0;  // then the lines are those of half a frame
         const int lines = Joined(mode[5], mode[7] >> 4);
-        monitor.nativeResolution = Resolution(static_cast<unsigned>(Joined(mode[2], mode[4] >> 4)),
-                                              static_cast<unsigned>(isInterlaced ? 2 * lines : lines));
+        const Resolution resolution = KnownMode(static_cast<unsigned>(Joined(mode[2], mode[4] >> 4)),
+                                                static_cast<unsigned>(isInterlaced ? 2 * lines : lines));
+        if (!resolution.HasValue())
+            continue;
+        monitor.nativeResolution = resolution;
         exact = {Joined(mode[12], mode[14] >> 4), Joined(mode[13], mode[14])};
         break;
     }

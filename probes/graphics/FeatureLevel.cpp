@@ -47,6 +47,11 @@ std::optional<Version> ShaderModelOfLevel(const std::optional<Version>& level)
     return Version(L"2.0");
 }
 
+Version RayTracingVersion(std::uint32_t tier)
+{
+    return Dotted(tier / 10, tier % 10);
+}
+
 std::optional<Version> ShaderModelVersion(std::uint32_t model)
 {
     if (model == 0)

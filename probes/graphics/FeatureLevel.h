@@ -20,6 +20,9 @@ std::uint32_t LevelOfPixelShaders(DWORD pixelShaderVersion);
 /// The shader model that a feature level guarantees; nullopt without a level.
 std::optional<Version> ShaderModelOfLevel(const std::optional<Version>& level);
 
+/// A D3D12_RAYTRACING_TIER such as 11 as "1.1"; "0.0" for 0.
+Version RayTracingVersion(std::uint32_t tier);
+
 /// A shader model such as 0x51 as "5.1"; nullopt for 0.
 std::optional<Version> ShaderModelVersion(std::uint32_t model);
 

@@ -13,9 +13,12 @@ namespace kel {
 /// One source's facts about a graphics adapter; an empty text or option is unknown.
 struct GpuInfo {
     std::wstring luid;  ///< the graphics interfaces' key until the next start of Windows, hexadecimal
+    std::wstring
+        instanceId;  ///< of the Setup API, in upper case; can distinguish machines, so it is not stored
     Name description;
     DeviceID deviceId;
-    std::optional<Size> videoMemory;  ///< the adapter's own; never 0
+    std::optional<Size> videoMemory;   ///< the adapter's own; never 0
+    std::optional<Size> driverMemory;  ///< the adapter's own or the shared memory, as its driver writes it
     std::optional<Size> sharedMemory;
     std::optional<Version> driverVersion;
     std::optional<Version> vendorVersion;  ///< the vendor's own version of its driver
@@ -30,6 +33,9 @@ struct GpuInfo {
     Name chipType;
     Name dacType;
     Name driverDescription;
+    Name driverDate;              ///< such as "2024-05-01"
+    std::wstring vulkanManifest;  ///< the path of a file that describes the Vulkan driver; not stored
+    std::optional<Version> vulkanVersion;
     bool hasDirect3D = false;  ///< a graphics interface lists it
     bool isSoftware = false;   ///< a graphics interface says that it is a software or a remote one
 };

@@ -2,21 +2,13 @@
 
 #include <string>
 
-#include "platform/ErrorMode.h"
-#include "platform/Library.h"
+#include "probes/graphics/AdapterKind.h"
+#include "probes/graphics/KeptFunction.h"
+#include "probes/graphics/VulkanManifest.h"
 
 namespace kel {
 
 namespace {
-
-/// A function of a library that never unloads; null when either is missing.
-template <typename Function>
-Function* FindKept(const wchar_t* library, const char* name)
-{
-    const ErrorMode quiet;
-    const HMODULE module = LoadSystemLibrary(library).release();
-    return module != nullptr ? FindFunction<Function>(module, name) : nullptr;
-}
 
 /// Looks the function up when it is called, so that a library that is not needed is not loaded.
 template <typename... Arguments>
@@ -34,40 +26,6 @@ boost::function<HRESULT(Arguments...)> Late(const wchar_t* library, const char* 
                                             HRESULT(WINAPI*)(Arguments...))
 {
     return Late<Arguments...>(library, name);
-}
-
-// The display driver interface in "gdi32.dll", which the platform's headers do not declare.
-struct OpenAdapter {
-    LUID luid;
-    UINT adapter;
-};
-struct QueryAdapter {
-    UINT adapter;
-    UINT type;
-    void* data;
-    UINT size;
-};
-static_assert(sizeof(OpenAdapter) == 12 && sizeof(QueryAdapter) == 24);
-constexpr UINT DriverModelQuery = 13;  // KMTQAITYPE_DRIVERVERSION
-constexpr const wchar_t* Kernel = L"gdi32.dll";
-
-/// Asks the kernel for the version of the driver's model, without loading a driver.
-UINT GetDriverModel(LUID luid)
-{
-    using Open = LONG WINAPI(OpenAdapter*);
-    using Query = LONG WINAPI(QueryAdapter*);
-    using Close = LONG WINAPI(const UINT*);
-    auto* const open = FindKept<Open>(Kernel, "D3DKMTOpenAdapterFromLuid");
-    auto* const query = FindKept<Query>(Kernel, "D3DKMTQueryAdapterInfo");
-    auto* const close = FindKept<Close>(Kernel, "D3DKMTCloseAdapter");
-    OpenAdapter opened = {luid, 0};
-    if (open == nullptr || query == nullptr || close == nullptr || open(&opened) < 0)
-        return 0;
-    UINT version = 0;
-    QueryAdapter asked = {opened.adapter, DriverModelQuery, &version, sizeof(version)};
-    const bool isAnswered = query(&asked) >= 0;
-    close(&opened.adapter);
-    return isAnswered ? version : 0;
 }
 
 bool HasLibrary(const wchar_t* name)
@@ -95,7 +53,10 @@ GraphicsFunctions GraphicsFunctions::OfSystem()
             Late(L"d3d11.dll", "D3D11CreateDevice", decltype (&D3D11CreateDevice)()),
             Late(L"d3d12.dll", "D3D12CreateDevice", decltype (&D3D12CreateDevice)()),
             Late<REFCLSID, REFIID, void**>(L"dxdiagn.dll", "DllGetClassObject"),
-            &GetDriverModel,
+            &AskDriverModel,
+            &IsIntegratedByDxCore,
+            &IsIntegratedByKernel,
+            &ReadSmallFile,
             &HasLibrary,
             &GetVersion};
 }

@@ -9,6 +9,8 @@
 #include <windows.h>
 
 #include <boost/function.hpp>
+#include <optional>
+#include <string>
 
 namespace kel {
 
@@ -20,7 +22,13 @@ struct GraphicsFunctions {
     boost::function<decltype(D3D11CreateDevice)> createDevice11;
     boost::function<decltype(D3D12CreateDevice)> createDevice12;
     boost::function<HRESULT(REFCLSID, REFIID, void**)> getDxDiagClass;  ///< dxdiagn's DllGetClassObject
-    boost::function<UINT(LUID)> getDriverModel;        ///< in thousandths, such as 3100; 0 when it is unknown
+    boost::function<UINT(LUID)> getDriverModel;  ///< in thousandths, such as 3100; 0 when it is unknown
+    /// Whether an adapter is part of the processor's chip, by DXCore; nullopt before Windows 10 2004.
+    boost::function<std::optional<bool>(LUID)> isIntegratedByDxCore;
+    /// The same by the kernel, which knows it of the adapters of a machine with both kinds only.
+    boost::function<std::optional<bool>(LUID)> isIntegratedByKernel;
+    /// The first 64 KB of a file on a fixed disk; empty when it cannot be read.
+    boost::function<std::string(const std::wstring& path)> readFile;
     boost::function<bool(const wchar_t*)> hasLibrary;  ///< whether the system's folder has a file of the name
     boost::function<void(OSVERSIONINFOW&)> getVersion;  ///< RtlGetVersion; GetVersionEx answers for old hosts
 

@@ -4,6 +4,13 @@
 
 namespace kel {
 
+Resolution KnownMode(std::uint32_t width, std::uint32_t height)
+{
+    constexpr std::uint32_t MinWidth = 320;
+    constexpr std::uint32_t MinHeight = 200;
+    return width >= MinWidth && height >= MinHeight ? Resolution(width, height) : Resolution();
+}
+
 std::wstring InstanceOfPath(const std::wstring& path)
 {
     const std::wstring prefix = L"\\\\?\\";

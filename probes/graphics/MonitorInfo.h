@@ -26,7 +26,12 @@ struct MonitorInfo {
     std::optional<bool> isHdr;  ///< it can show a high dynamic range
     std::optional<Count> year;  ///< in which it was made
     bool isPrimary = false;
+    std::optional<Count> highestRate;  ///< refreshes a second, of the modes with the current resolution
+    bool isGeneric = false;            ///< Windows' own driver for any monitor names it
 };
+
+/// A monitor's mode; empty for one below 320x200, which no monitor has: descriptors can hold filler bytes.
+Resolution KnownMode(std::uint32_t width, std::uint32_t height);
 
 /// The device instance id of a device interface's path, such as
 /// `\\?\DISPLAY#DEL40A5#5&1&0&UID1#{E6F07B5F-EE97-4A90-B076-33F57BF4EAA7}`, in upper case; empty for a text

@@ -93,6 +93,7 @@ NetworkInfo InfoOf(const MIB_IF_ROW2& row)
     info.name = Name(TidyText({row.Description, wcsnlen(row.Description, std::size(row.Description))}));
     info.instanceId = TextOf(row.InterfaceGuid);
     info.SetKind(KindOf(row.Type, row.PhysicalMediumType));
+    info.hasKind = true;
     info.isHardware = row.InterfaceAndOperStatusFlags.HardwareInterface != 0;
     info.hasConnector = row.InterfaceAndOperStatusFlags.ConnectorPresent != 0;
     info.isConnected = row.MediaConnectState == MediaConnectStateUnknown
@@ -106,9 +107,10 @@ NetworkInfo InfoOf(const IP_ADAPTER_ADDRESSES& adapter)
 {
     NetworkInfo info;
     info.name = Name(adapter.Description != nullptr ? TidyText(adapter.Description) : L"");
-    const std::string_view instanceId = adapter.AdapterName;
+    const std::string_view instanceId = adapter.AdapterName != nullptr ? adapter.AdapterName : "";
     info.instanceId = ToUpper(std::wstring(instanceId.begin(), instanceId.end()));
     info.SetKind(KindOf(adapter.IfType, NdisPhysicalMediumUnspecified));
+    info.hasKind = true;
     info.isConnected = IsUp(adapter.OperStatus);
     info.linkSpeed = SpeedOf(adapter.TransmitLinkSpeed);
     return info;

@@ -13,7 +13,14 @@ namespace kel {
 namespace {
 
 constexpr std::size_t MaxValueSize = 1000;  // bytes
-constexpr DWORD MaxInstanceIdLength = 200;  // characters, with the zero at the end
+constexpr const wchar_t* ComputerContainer = L"{00000000-0000-0000-FFFF-FFFFFFFFFFFF}";
+/// DEVPKEY_Device_ProblemCode, which not every platform's libraries define.
+constexpr DEVPROPKEY ProblemCode = {
+    {0x4340a6c5, 0x93fa, 0x4706, {0x97, 0x2c, 0x7b, 0x64, 0x80, 0x08, 0xa5, 0xa7}}, 3};
+// Not in all compilers' headers.
+constexpr DWORD BaseContainerProperty = 0x24;  // SPDRP_BASE_CONTAINERID
+constexpr DWORD DisabledFlag = 1;              // CONFIGFLAG_DISABLED
+constexpr DWORD MaxInstanceIdLength = 200;     // characters, with the zero at the end
 
 bool IsGiven(const wchar_t* text)
 {
@@ -77,6 +84,23 @@ bool SetupDevice::ReadProperty(DWORD property, std::wstring& characters) const
                static_cast<DWORD>(size * sizeof(wchar_t)), nullptr) != FALSE;
 }
 
+DWORD SetupDevice::ReadNumber(DWORD property) const
+{
+    DWORD number = 0;
+    const bool isRead = entryPoints.getDeviceRegistryProperty(
+        set, &device, property, nullptr, reinterpret_cast<BYTE*>(&number), sizeof(number), nullptr);
+    return isRead ? number : 0;
+}
+
+DWORD SetupDevice::ReadNumber(const DEVPROPKEY& property) const
+{
+    DWORD number = 0;
+    DEVPROPTYPE type = 0;
+    const bool isRead = entryPoints.getDeviceProperty(
+        set, &device, &property, &type, reinterpret_cast<BYTE*>(&number), sizeof(number), nullptr, 0);
+    return isRead && type == DEVPROP_TYPE_UINT32 ? number : 0;
+}
+
 bool SetupDevice::GetDeviceProperty(DWORD property, std::wstring& text) const
 {
     std::wstring characters;
@@ -122,6 +146,17 @@ std::wstring SetupDevice::InstanceId() const
         return {};
     }
     return ToUpper(id.data());
+}
+
+bool SetupDevice::IsWorking() const
+{
+    return (ReadNumber(SPDRP_CONFIGFLAGS) & DisabledFlag) == 0 && ReadNumber(ProblemCode) == 0;
+}
+
+std::optional<bool> SetupDevice::IsInternal() const
+{
+    const std::wstring container = ToUpper(Text(BaseContainerProperty).ToString());
+    return !container.empty() ? std::optional(container == ComputerContainer) : std::nullopt;
 }
 
 bool SetupDevice::OpenDeviceKeys(DeviceKeys& keys) const
@@ -179,6 +214,16 @@ bool ReadRegistrySize(HKEY key, const wchar_t* subkey, const wchar_t* name, Size
         size = Size(NumberOf(value));
         return true;
     });
+}
+
+std::wstring ReadFirstText(std::initializer_list<RegistryPlace> places)
+{
+    std::wstring text;
+    for (const RegistryPlace& place : places) {
+        if (ReadRegistryValue(place.key, place.subkey, place.name, text) && !text.empty())
+            break;
+    }
+    return text;
 }
 
 }  // namespace kel

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,6 +44,14 @@ public:
     /// The device instance id, unique on the machine, in upper case; empty when it cannot be read.
     std::wstring InstanceId() const;
 
+    /// Whether the device is switched on and the system reports no problem with it, such as code 43. One
+    /// whose state cannot be read counts as working.
+    bool IsWorking() const;
+
+    /// Whether the device is part of the computer, by its container; false for one that is plugged in from
+    /// outside, whatever its bus. Nullopt when the system does not report a container.
+    std::optional<bool> IsInternal() const;
+
     /// Opens both keys for reading; false, with a warning in the log, unless both are open.
     bool OpenDeviceKeys(DeviceKeys& keys) const;
 
@@ -51,6 +61,10 @@ public:
 private:
     /// The property's characters, including the zeros at its end.
     bool ReadProperty(DWORD property, std::wstring& characters) const;
+
+    /// A number, 0 when it cannot be read.
+    DWORD ReadNumber(DWORD property) const;
+    DWORD ReadNumber(const DEVPROPKEY& property) const;
 
     const SetupEntryPoints& entryPoints;
     HDEVINFO set;
@@ -67,5 +81,15 @@ bool ReadRegistryValue(HKEY key, const wchar_t* subkey, const wchar_t* name, std
 /// Reads an amount of memory in bytes: a number of 32 or 64 bits, up to 8 binary bytes, lowest first, or a
 /// decimal text. Parameters and result as for ReadRegistryValue.
 bool ReadRegistrySize(HKEY key, const wchar_t* subkey, const wchar_t* name, class Size& size);
+
+/// A place of a value below a device's keys, as ReadRegistryValue takes it.
+struct RegistryPlace {
+    HKEY key;
+    const wchar_t* subkey;
+    const wchar_t* name;
+};
+
+/// The text of the first place that has one, as ReadRegistryValue gives it.
+std::wstring ReadFirstText(std::initializer_list<RegistryPlace> places);
 
 }  // namespace kel

@@ -20,6 +20,7 @@ bool SetupEntryPoints::Load(SetupEntryPoints& table)
     Look(table.module, "SetupDiGetClassDevsW", table.getClassDevs);
     Look(table.module, "SetupDiEnumDeviceInfo", table.enumDeviceInfo);
     Look(table.module, "SetupDiGetDeviceRegistryPropertyW", table.getDeviceRegistryProperty);
+    Look(table.module, "SetupDiGetDevicePropertyW", table.getDeviceProperty);
     Look(table.module, "SetupDiGetDeviceInstanceIdW", table.getDeviceInstanceId);
     Look(table.module, "SetupFindFirstLineW", table.findFirstLine);
     Look(table.module, "SetupFindNextLine", table.findNextLine);
@@ -33,9 +34,9 @@ bool SetupEntryPoints::Load(SetupEntryPoints& table)
 
 bool SetupEntryPoints::IsComplete() const
 {
-    return getClassDevs && enumDeviceInfo && getDeviceRegistryProperty && getDeviceInstanceId &&
-           findFirstLine && findNextLine && getLineText && openInfFile && closeInfFile && openDevRegKey &&
-           destroyDeviceInfoList;
+    return getClassDevs && enumDeviceInfo && getDeviceRegistryProperty && getDeviceProperty &&
+           getDeviceInstanceId && findFirstLine && findNextLine && getLineText && openInfFile &&
+           closeInfFile && openDevRegKey && destroyDeviceInfoList;
 }
 
 }  // namespace kel

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <devpropdef.h>
 #include <setupapi.h>
 
 #include "platform/Library.h"
@@ -15,6 +16,7 @@ struct SetupEntryPoints {
     decltype(&SetupDiGetClassDevsW) getClassDevs = nullptr;
     decltype(&SetupDiEnumDeviceInfo) enumDeviceInfo = nullptr;
     decltype(&SetupDiGetDeviceRegistryPropertyW) getDeviceRegistryProperty = nullptr;
+    decltype(&SetupDiGetDevicePropertyW) getDeviceProperty = nullptr;
     decltype(&SetupDiGetDeviceInstanceIdW) getDeviceInstanceId = nullptr;
     decltype(&SetupFindFirstLineW) findFirstLine = nullptr;
     decltype(&SetupFindNextLine) findNextLine = nullptr;

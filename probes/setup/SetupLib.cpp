@@ -12,7 +12,6 @@ namespace {
 
 static_assert(sizeof(SP_DEVINFO_DATA) == 32);
 
-/// The GUIDs of the classes used differ in their first number only.
 constexpr GUID ClassGuid(DWORD first)
 {
     return {first, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
@@ -71,12 +70,18 @@ bool SetupLib::GetDeviceSet(const GUID& deviceClass, OwnedDeviceSet& set)
 bool SetupLib::Enumerate(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure,
                          const Fill& fill)
 {
+    return Enumerate(operation, ClassGuid(deviceClass), setFailure, fill);
+}
+
+bool SetupLib::Enumerate(const wchar_t* operation, const GUID& deviceClass, const wchar_t* setFailure,
+                         const Fill& fill)
+{
     if (!initialized)
         return false;
     try {
         const LogScope trace((std::wstring(L"kel::SetupLib::") + operation).c_str());
         OwnedDeviceSet set;
-        if (!GetDeviceSet(ClassGuid(deviceClass), set)) {
+        if (!GetDeviceSet(deviceClass, set)) {
             if (setFailure != nullptr)
                 WriteLog(LogError, setFailure);
             return false;

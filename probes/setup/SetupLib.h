@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <boost/function.hpp>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,6 +47,9 @@ public:
     /// @return whether all its entry points are there
     bool Initialize();
 
+    /// Puts other functions into the table, as a test does that answers for one of them.
+    void Change(const boost::function<void(SetupEntryPoints&)>& change) { change(entryPoints); }
+
     /// Each lists one class, appending a record for each device in the system's order. A device at which
     /// something is thrown is logged and left out; the later ones are listed.
     /// @return whether the device set could be opened and walked without that
@@ -57,12 +62,21 @@ public:
     /// Monitors are listed whether they are active or not.
     bool GetMonitorInfo(std::vector<MonitorInfo>& monitors);
 
+    /// The cameras that are present and work, without scanners, which are of the same class; nullopt when the
+    /// list cannot be read.
+    std::optional<std::int32_t> CountCameras();
+    /// Whether a Bluetooth radio is present and works; nullopt when the list cannot be read.
+    std::optional<bool> HasBluetooth();
+
 private:
     using Fill = boost::function<void(const SetupDevice&)>;
 
     /// Calls a function for each device of a class.
     /// @param operation the name of the listing, for the log
     /// @param setFailure the error line when the set cannot be opened; null for none
+    bool Enumerate(const wchar_t* operation, const GUID& deviceClass, const wchar_t* setFailure,
+                   const Fill& fill);
+    /// The same for a class by the first number of its GUID, in which most classes differ alone.
     bool Enumerate(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure, const Fill& fill);
 
     /// Opens the set of the present devices of a class.

@@ -1,6 +1,5 @@
 // The listings of the Setup API probe: the properties and values that fill the fields of each record.
 #include "diag/Log.h"
-#include "probes/setup/InfFile.h"
 #include "probes/setup/SetupLib.h"
 #include "values/Junk.h"
 #include "values/Text.h"
@@ -20,48 +19,31 @@ enum SetupClass : DWORD {
 };
 
 constexpr const wchar_t* DriverVersionValue = L"DriverVersion";
-constexpr const wchar_t* InfoSubkey = L"info";
 constexpr const wchar_t* DriverKeys = L"SYSTEM\\CurrentControlSet\\Control\\Class\\";
 constexpr const wchar_t* ConnectionKeys =
     L"SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\";
-constexpr const wchar_t* IntelVendor = L"8086";
 /// The length of the bus prefix of a disk's hardware id, such as "IDE\Disk".
 constexpr std::size_t BusPrefixLength = 8;
-
-/// A place of a value below a device's keys.
-struct Place {
-    HKEY key;
-    const wchar_t* subkey;
-    const wchar_t* name;
-};
-
-/// The text of the first place that has one.
-std::wstring FirstText(std::initializer_list<Place> places)
-{
-    std::wstring text;
-    for (const Place& place : places) {
-        if (ReadRegistryValue(place.key, place.subkey, place.name, text) && !text.empty())
-            break;
-    }
-    return text;
-}
-
-/// The amount of the first place that has one above 0.
-std::optional<Size> FirstSize(std::initializer_list<Place> places)
-{
-    Size size;
-    for (const Place& place : places) {
-        if (ReadRegistrySize(place.key, place.subkey, place.name, size) && size.Bytes() != 0)
-            return size;
-    }
-    return {};
-}
 
 MediaKind KindOf(const std::wstring& mediaSubType)
 {
     if (mediaSubType == L"2")
         return MediaKind::Wireless;
     return mediaSubType == L"1" ? MediaKind::Lan : MediaKind::Unknown;
+}
+
+/// Whether Windows' own driver for any monitor serves this one. The driver's name is in the system's
+/// language.
+bool IsGenericMonitor(const SetupDevice& device)
+{
+    std::wstring driverKey;
+    if (!device.GetDeviceProperty(SPDRP_DRIVER, driverKey))
+        return false;
+    const OwnedKey driver = OpenKey(HKEY_LOCAL_MACHINE, (DriverKeys + driverKey).c_str(), KEY_READ);
+    const std::optional<RegistryValue> id =
+        driver ? ReadValue(driver.get(), L"MatchingDeviceId") : std::nullopt;
+    const std::wstring matching = id && id->IsString() ? ToUpper(id->Text()) : std::wstring();
+    return matching == L"*PNP09FF" || matching == L"DEFAULT_MONITOR";
 }
 
 }  // namespace
@@ -72,6 +54,8 @@ bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
         std::wstring className;
         if (!device.GetDeviceProperty(SPDRP_CLASS, className) || className != L"DiskDrive")
             return;
+        if (!device.IsWorking())
+            return;
         DiskInfo drive;
         drive.friendlyName = device.Text(SPDRP_FRIENDLYNAME);
         std::wstring id;
@@ -79,6 +63,7 @@ bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
             drive.model = Name(id.substr(BusPrefixLength));
         drive.deviceId = DeviceID(id);
         drive.instanceId = Name(device.InstanceId());
+        drive.isInternal = device.IsInternal();
         drives.push_back(drive);
     });
 }
@@ -86,7 +71,10 @@ bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
 bool SetupLib::GetScsiInfo(std::vector<ScsiInfo>& controllers)
 {
     return Enumerate(L"GetScsiInfo", ScsiControllers, nullptr, [&](const SetupDevice& device) {
+        if (!device.IsWorking())
+            return;
         ScsiInfo controller;
+        controller.instanceId = device.InstanceId();
         controller.name = device.DeviceName();
         controller.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         controller.compatibleIds = device.Texts(SPDRP_COMPATIBLEIDS);
@@ -104,6 +92,7 @@ bool SetupLib::GetCDRomInfo(std::vector<OpticalInfo>& drives)
                          drive.name = device.DeviceName();
                          drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
                          drive.instanceId = Name(device.InstanceId());
+                         drive.isOff = !device.IsWorking();
                          drives.push_back(drive);
                      });
 }
@@ -114,6 +103,7 @@ bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
                      [&](const SetupDevice& device) {
                          SoundInfo sound;
                          sound.instanceId = device.InstanceId();
+                         sound.isOff = !device.IsWorking();
                          const Name name =
                              sound.HasChosenName() ? device.Text(SPDRP_DEVICEDESC) : device.DeviceName();
                          sound.name = Name(TidyText(name.ToString()));
@@ -134,7 +124,10 @@ bool SetupLib::GetNetworkDeviceInfo(std::vector<NetworkInfo>& adapters)
 bool SetupLib::GetGpuInfo(std::vector<GpuInfo>& adapters)
 {
     return Enumerate(L"GetGpuInfo", DisplayAdapters, L"Failed call to GetDeviceSet for GetGpuInfo",
-                     [&](const SetupDevice& device) { adapters.push_back(Gpu(device)); });
+                     [&](const SetupDevice& device) {
+                         if (device.IsWorking())
+                             adapters.push_back(Gpu(device));
+                     });
 }
 
 bool SetupLib::GetMonitorInfo(std::vector<MonitorInfo>& monitors)
@@ -143,7 +136,9 @@ bool SetupLib::GetMonitorInfo(std::vector<MonitorInfo>& monitors)
         MonitorInfo monitor;
         monitor.instance = device.InstanceId();
         monitor.deviceId = DeviceID(monitor.instance);
-        monitor.name = Name(TidyText(device.DeviceName().ToString()));
+        monitor.isGeneric = IsGenericMonitor(device);
+        if (!monitor.isGeneric)
+            monitor.name = Name(TidyText(device.DeviceName().ToString()));
         monitors.push_back(monitor);
     });
 }
@@ -153,7 +148,10 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     NetworkInfo adapter;
     adapter.name = Name(TidyText(device.DeviceName().ToString()));
     adapter.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
-    adapter.enumerator = DeviceID(device.InstanceId()).Bus();
+    adapter.device = device.InstanceId();
+    adapter.enumerator = DeviceID(adapter.device).Bus();
+    adapter.isOff = !device.IsWorking();
+    adapter.isInternal = device.IsInternal();
     std::wstring location;
     device.GetDeviceProperty(SPDRP_LOCATION_INFORMATION, location);
     adapter.isOnBus = ToLower(location).find(L"pci bus 0") != std::wstring::npos;
@@ -162,8 +160,8 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     if (!device.GetDeviceProperty(SPDRP_DRIVER, driverKey))
         return adapter;
     const OwnedKey driver = OpenKey(HKEY_LOCAL_MACHINE, (DriverKeys + driverKey).c_str(), KEY_READ);
-    adapter.driverVersion = KnownVersion(FirstText({{driver.get(), nullptr, DriverVersionValue}}));
-    const std::wstring instance = FirstText({{driver.get(), nullptr, L"NetCFGInstanceID"}});
+    adapter.driverVersion = KnownVersion(ReadFirstText({{driver.get(), nullptr, DriverVersionValue}}));
+    const std::wstring instance = ReadFirstText({{driver.get(), nullptr, L"NetCFGInstanceID"}});
     adapter.instanceId = ToUpper(instance);
     if (instance.empty())
         return adapter;
@@ -172,66 +170,12 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     const std::optional<RegistryValue> value =
         connection ? ReadValue(connection.get(), L"MediaSubType") : std::nullopt;
     if (value && value->type == REG_DWORD) {
-        const std::wstring subType = FirstText({{connection.get(), nullptr, L"MediaSubType"}});
+        const std::wstring subType = ReadFirstText({{connection.get(), nullptr, L"MediaSubType"}});
         adapter.mediaSubType = Name(subType);
         adapter.SetKind(KindOf(subType));
+        adapter.hasKind = adapter.kind.HasValue();
     }
     return adapter;
-}
-
-GpuInfo SetupLib::Gpu(const SetupDevice& device) const
-{
-    GpuInfo adapter;
-    adapter.description = Name(TidyText(device.Text(SPDRP_DEVICEDESC).ToString()));
-    adapter.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
-    DeviceKeys keys;
-    if (!device.OpenDeviceKeys(keys))
-        return adapter;
-    const HKEY hardware = keys.hardware.get();
-    const HKEY software = keys.software.get();
-    if (!adapter.description.HasValue())
-        adapter.description = Name(
-            TidyText(FirstText({{hardware, nullptr, L"DeviceDesc"}, {software, nullptr, L"DeviceDesc"}})));
-    adapter.driverVersion =
-        KnownVersion(FirstText({{software, nullptr, L"Ver"}, {software, nullptr, DriverVersionValue}}));
-    adapter.chipType = Name(FirstText(
-        {{software, InfoSubkey, L"ChipType"}, {software, nullptr, L"HardwareInformation.ChipType"}}));
-    adapter.dacType = Name(
-        FirstText({{software, InfoSubkey, L"DACType"}, {software, nullptr, L"HardwareInformation.DacType"}}));
-    adapter.driverDescription = Name(FirstText({{software, nullptr, L"DriverDesc"}}));
-    WriteLog(LogTrace, L"DriverDesc: ", adapter.driverDescription.ToString());
-    adapter.videoMemory = FirstSize({{software, nullptr, L"HardwareInformation.qwMemorySize"},
-                                     {software, nullptr, L"HardwareInformation.MemorySize"},
-                                     {software, InfoSubkey, L"VideoMemory"}});
-
-    const std::wstring id =
-        FirstText({{hardware, nullptr, L"MatchingDeviceID"}, {software, nullptr, L"MatchingDeviceID"}});
-    WriteLog(LogTrace, L"Got device ID: ", id);
-    // The basic display driver matches any adapter, so the device's own id counts here.
-    if (const DeviceID matching(id); !matching.Vendor().empty() || !adapter.deviceId.HasValue())
-        adapter.deviceId = matching;
-    if (adapter.deviceId.Vendor() == IntelVendor) {
-        WriteLog(LogTrace, L"Is Intel.");
-        adapter.deviceId = RefineID(adapter.deviceId, device, software);
-    }
-    return adapter;
-}
-
-/// Looks the device up in the INF file of its driver, which may have a more exact id than the registry. Only
-/// an id that the device itself has counts, as the file lists related devices, too.
-DeviceID SetupLib::RefineID(const DeviceID& id, const SetupDevice& device, HKEY software) const
-{
-    const std::wstring path = FirstText({{software, nullptr, L"InfPath"}});
-    WriteLog(LogTrace, L"Inf Path: ", path);
-    if (id.Device().empty())
-        return id;  // any id of the vendor would match
-    const InfFile inf(entryPoints, path);
-    const std::wstring found = inf.FindModel(L"ven_" + ToLower(id.Vendor()) + L"&dev_" + ToLower(id.Device()),
-                                             device.Texts(SPDRP_HARDWAREID));
-    if (found.empty())
-        return id;
-    WriteLog(LogTrace, L"Got 2ID: ", found);
-    return DeviceID(found);
 }
 
 }  // namespace kel

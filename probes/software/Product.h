@@ -1,6 +1,8 @@
 // A program as a table describes it, and an installation that was found.
 #pragma once
 
+#include <windows.h>
+
 #include <span>
 #include <string>
 
@@ -16,10 +18,20 @@ enum class FindBy {
     StartMenu,   ///< a browser's entry in the list of Internet clients
     Registered,  ///< a registered application, and what it opens "https" with
     Key,         ///< a key of the vendor's own
+    AllFiles,    ///< a folder that has all of the product's programs
     ValueNames,  ///< a key whose values are named after the installed versions
     Release,     ///< the .NET Framework's key, with its release number
     Folder,      ///< a folder that the product has always had
     Family,      ///< a family of packages
+};
+
+/// A number in the registry on which it depends what a program is.
+struct Condition {
+    const wchar_t* key;
+    const wchar_t* value;
+    DWORD min;
+    DWORD max;
+    bool isMetWithout;  ///< whether it is met where there is no such number
 };
 
 /// One place to look at.
@@ -28,14 +40,16 @@ struct Locator {
     /// The code, key, name, folder or family. Names of entries may be patterns that end in "*"; in a key, "*"
     /// stands for all subkeys; folders begin with a variable of the environment.
     const wchar_t* where = L"";
-    /// For a display name, the publisher, which may be a pattern; for a key, the value that names a folder or
-    /// a file.
+    /// For a display name, the publisher, which may be a pattern; for a key, the values that may name a
+    /// folder or a file, separated by bars.
     const wchar_t* value = L"";
     /// For a key, the folder of the program: relative to the folder that the value names, or an absolute one,
     /// in which "*" stands for the version in the key or in the name of one of its values.
     const wchar_t* folder = L"";
     /// For a key, the values that hold the version where it is not the file's, separated by bars.
     const wchar_t* version = L"";
+    USHORT machine = 0;  ///< the architecture (IMAGE_FILE_MACHINE_...) that the place is of; 0 for any
+    const Condition* condition = nullptr;  ///< under which the place counts; null for always
 };
 
 /// A row of a table. Lists are separated by bars.
@@ -47,6 +61,9 @@ struct Product {
     std::span<const Locator> locators;
     const wchar_t* channels = L"";    ///< folders of previews and other channels; may be patterns
     const wchar_t* programIds = L"";  ///< for a browser, prefixes of its program ids for web addresses
+    /// For a product without `existsId`, the value id of whether it is there; stored behind the table.
+    unsigned companionId = 0;
+    bool hasMajors = false;  ///< the newest version of each major one is stored, newest first
 };
 
 /// The source of a version; earlier ones are better.
@@ -57,6 +74,7 @@ struct Installation {
     std::wstring version;  ///< a dotted number; empty when unknown
     VersionFrom from = VersionFrom::File;
     const wchar_t* source = L"";  ///< how it was found, for the log
+    bool is32Bit = false;         ///< its key is one of 32-bit programs
 };
 
 }  // namespace kel

@@ -29,6 +29,13 @@ public:
     /// before those of installers, and these before those of entries, which use schemes of their own.
     std::optional<Installation> FindNewest(const Product& product);
 
+    /// Of each major version the installation that FindNewest would choose, the highest version first. 32-bit
+    /// ones count where there is no other.
+    std::vector<Installation> FindMajors(const Product& product);
+
+    /// Whether it is unknown that a product is not there, as the installer refused to list its products.
+    bool IsUncertain(const Product& product) const;
+
     /// Whether a program id, such as the user's choice for a protocol, is the product's and not a channel's.
     bool IsProgramId(const std::wstring& id, const Product& product);
 
@@ -52,13 +59,18 @@ private:
     void FindKeys(const Search& search);
     void FindValueNames(const Search& search);
     void FindPackages(const Search& search);
+    void FindAllFiles(const Search& search);
 
     /// Appends the installation of a program file, unless there is none or it is a channel's.
     /// @param known a version from elsewhere: of the kind `File` it replaces the file's, else it is used when
     /// the file has none
     void Add(const Search& search, const std::wstring& path, Installation known = {});
     void AddCommand(const Search& search, const RegistryView& view, const std::wstring& key);
-    void AddKey(const Search& search, HKEY key);
+    void AddKey(const Search& search, const RegistryView& view, HKEY key);
+
+    std::vector<Installation> FindAll(const Product& product);
+    bool IsMet(const Condition& condition);
+    bool IsPackagesId(const std::wstring& id, const Product& product);
 
     std::wstring ReadProperty(const wchar_t* code, const wchar_t* property);
 

@@ -18,7 +18,7 @@ constexpr const wchar_t* AppPathsKey = L"SOFTWARE\\Microsoft\\Windows\\CurrentVe
 constexpr const wchar_t* ClientsKey = L"SOFTWARE\\Clients\\StartMenuInternet";
 constexpr const wchar_t* RegisteredKey = L"SOFTWARE\\RegisteredApplications";
 constexpr const wchar_t* AddressesKey = L"\\URLAssociations";
-constexpr const wchar_t* ClassesKey = L"SOFTWARE\\Classes\\";
+constexpr const wchar_t* ClassKeyPrefix = L"SOFTWARE\\Classes\\";
 constexpr DWORD MaxNames = 1000;    // below one key
 constexpr DWORD MaxInstalled = 32;  // products of one upgrade code
 constexpr DWORD CodeSize = 39;
@@ -55,6 +55,17 @@ std::wstring FolderOfVersion(std::wstring folder, const std::wstring& version)
 {
     ReplaceAll(folder, L"*", version);
     return folder;
+}
+
+/// The first text that a key has under the names of a list.
+std::wstring ReadFirstText(HKEY key, const wchar_t* names)
+{
+    for (const std::wstring_view name : SplitList(names)) {
+        std::wstring text = ReadText(key, std::wstring(name).c_str());
+        if (!text.empty())
+            return text;
+    }
+    return {};
 }
 
 /// The version in a key's own values.
@@ -173,7 +184,7 @@ void ProductFinder::FindRegistered(const Search& search)
             const OwnedKey addresses = OpenView(functions, view, abilities + AddressesKey);
             const std::wstring id = addresses ? ReadText(addresses.get(), L"https") : std::wstring();
             if (!id.empty() && id.find(L'\\') == std::wstring::npos)
-                AddCommand(search, view, ClassesKey + id);
+                AddCommand(search, view, ClassKeyPrefix + id);
         }
     }
 }
@@ -187,12 +198,12 @@ void ProductFinder::FindKeys(const Search& search)
         for (const std::wstring& name : ListKeys(functions, view, search.locator.where)) {
             const OwnedKey key = OpenView(functions, view, name);
             if (key && !IsMarkedAbsent(key.get()))
-                AddKey(search, key.get());
+                AddKey(search, view, key.get());
         }
     }
 }
 
-void ProductFinder::AddKey(const Search& search, HKEY key)
+void ProductFinder::AddKey(const Search& search, const RegistryView& view, HKEY key)
 {
     const Locator& locator = search.locator;
     std::wstring version = ReadKeyVersion(locator, key);
@@ -201,12 +212,12 @@ void ProductFinder::AddKey(const Search& search, HKEY key)
     std::wstring path;
     if (*locator.value == L'\0') {
         path = files.FindBelow(FolderOfVersion(locator.folder, version), search.product.programs);
-    } else if (const std::wstring place = ReadText(key, locator.value); !place.empty()) {
+    } else if (const std::wstring place = ReadFirstText(key, locator.value); !place.empty()) {
         path = files.FindNamed(place, search.product.programs);
         if (path.empty())
             path = files.FindBelow(JoinPath(FolderIn(place), locator.folder), search.product.programs);
     }
-    Add(search, path, {version, VersionFrom::File});
+    Add(search, path, {version, VersionFrom::File, L"", view.flag == KEY_WOW64_32KEY});
 }
 
 void ProductFinder::FindValueNames(const Search& search)

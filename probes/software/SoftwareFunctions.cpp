@@ -1,9 +1,12 @@
 #include "probes/software/SoftwareFunctions.h"
 
 #include <msi.h>
+#include <shlwapi.h>
 
 #include "diag/Log.h"
 #include "platform/Library.h"
+#include "platform/WindowsVersion.h"
+#include "probes/system/WindowsInfo.h"
 
 namespace kel {
 
@@ -95,6 +98,31 @@ std::wstring GetPackageFolder(const wchar_t* fullName)
     return path.substr(0, path.find(L'\0'));
 }
 
+std::wstring GetProgramId(const wchar_t* protocol)
+{
+    static auto* const query =
+        SystemFunction<decltype(AssocQueryStringW)>(L"shlwapi.dll", "AssocQueryStringW");
+    constexpr auto ProgramId = static_cast<ASSOCSTR>(20);  // ASSOCSTR_PROGID
+    constexpr ASSOCF IsProtocol = 0x1000;                  // ASSOCF_IS_PROTOCOL
+    std::wstring id(MAX_PATH, L'\0');
+    DWORD size = MAX_PATH;
+    if (query == nullptr || query(IsProtocol, ProgramId, protocol, nullptr, id.data(), &size) != S_OK)
+        return {};
+    return id.substr(0, id.find(L'\0'));
+}
+
+DWORD GetWindowsBuild()
+{
+    const std::optional<OSVERSIONINFOEXW> version = ReadWindowsVersion();
+    return version ? version->dwBuildNumber : 0;
+}
+
+USHORT GetProgramMachine()
+{
+    static const bool isArm = ReadNativeMachine(OSFunctions::OfSystem()) == IMAGE_FILE_MACHINE_ARM64;
+    return isArm ? IMAGE_FILE_MACHINE_ARM64 : IMAGE_FILE_MACHINE_AMD64;
+}
+
 std::wstring GetHostProgram()
 {
     std::wstring path(MaxTextLength, L'\0');
@@ -116,6 +144,9 @@ SoftwareFunctions SoftwareFunctions::OfSystem()
     functions.productInfo = &GetProductProperty;
     functions.packages = &GetPackages;
     functions.packageFolder = &GetPackageFolder;
+    functions.programId = &GetProgramId;
+    functions.windowsBuild = &GetWindowsBuild;
+    functions.programMachine = &GetProgramMachine;
     functions.hostProgram = &GetHostProgram;
     return functions;
 }

@@ -23,6 +23,9 @@ constexpr HRESULT NotFound = HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
 /// The instance id of the device that an endpoint belongs to, after its kind: "{1}.HDAUDIO\...".
 constexpr PROPERTYKEY DeviceKey = {
     {0xb3f8fa53, 0x0004, 0x438e, {0x90, 0x03, 0x51, 0xa4, 0x6e, 0x13, 0x9b, 0xfc}}, 2};
+/// An endpoint's EndpointFormFactor.
+constexpr PROPERTYKEY FormKey = {
+    {0x1da5d803, 0xd492, 0x4edd, {0x8c, 0x23, 0xe0, 0xc0, 0xff, 0xee, 0x7f, 0x0e}}, 0};
 constexpr std::wstring_view InstanceKind = L"{1}.";
 
 /// A property, cleared when it is done with.
@@ -56,10 +59,23 @@ std::wstring DeviceOf(IMMDevice& endpoint)
                                           : std::wstring();
 }
 
+/// Whether an input is a microphone, alone or in a headset or handset; nullopt when its form is unknown.
+std::optional<bool> IsMicrophone(IMMDevice& endpoint)
+{
+    ComPtr<IPropertyStore> properties;
+    Property property;
+    if (FAILED(endpoint.OpenPropertyStore(STGM_READ, properties.GetAddressOf())) || !properties ||
+        FAILED(properties->GetValue(FormKey, &property.value)) || property.value.vt != VT_UI4)
+        return std::nullopt;
+    const ULONG form = property.value.ulVal;
+    return form == Microphone || form == Headset || form == Handset;
+}
+
 /// Adds the devices of the active endpoints of one direction.
 /// @return how many endpoints there are; nullopt, with a warning in the log, when the service does not answer
 std::optional<UINT> List(IMMDeviceEnumerator& enumerator, EDataFlow direction, SoundEndpoints& endpoints)
 {
+    std::optional<UINT> microphones = 0U;
     ComPtr<IMMDeviceCollection> active;
     UINT count = 0;
     HRESULT result = enumerator.EnumAudioEndpoints(direction, DEVICE_STATE_ACTIVE, active.GetAddressOf());
@@ -69,8 +85,15 @@ std::optional<UINT> List(IMMDeviceEnumerator& enumerator, EDataFlow direction, S
         return std::nullopt;
     for (UINT place = 0; place < count; ++place) {
         ComPtr<IMMDevice> endpoint;
-        if (FAILED(active->Item(place, endpoint.GetAddressOf())) || !endpoint)
+        if (FAILED(active->Item(place, endpoint.GetAddressOf())) || !endpoint) {
+            microphones.reset();
             continue;
+        }
+        if (direction == eCapture && microphones) {
+            const std::optional<bool> isMicrophone = IsMicrophone(*endpoint.Get());
+            microphones =
+                isMicrophone ? std::optional(*microphones + (*isMicrophone ? 1U : 0U)) : std::nullopt;
+        }
         const std::wstring device = DeviceOf(*endpoint.Get());
         if (device.empty() || std::ranges::count(endpoints.devices, device, &SoundInfo::instanceId) > 0)
             continue;
@@ -78,6 +101,8 @@ std::optional<UINT> List(IMMDeviceEnumerator& enumerator, EDataFlow direction, S
         added.instanceId = device;
         added.deviceId = DeviceID(device);
     }
+    if (direction == eCapture)
+        endpoints.microphones = microphones;
     return count;
 }
 

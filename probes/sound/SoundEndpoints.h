@@ -14,8 +14,9 @@ namespace kel {
 struct SoundEndpoints {
     std::optional<UINT> outputs;  ///< how many; nullopt when the service does not answer
     std::optional<UINT> inputs;
-    bool isDefaultKnown = false;     ///< true, too, when there is no default output
-    std::vector<SoundInfo> devices;  ///< that they belong to, each once
+    std::optional<UINT> microphones;  ///< among the inputs; nullopt, too, when one's form is unknown
+    bool isDefaultKnown = false;      ///< true, too, when there is no default output
+    std::vector<SoundInfo> devices;   ///< that they belong to, each once
 };
 
 /// Asks the service (`IMMDeviceEnumerator`). No stream is opened, and names of endpoints are not read, since

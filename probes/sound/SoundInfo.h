@@ -15,6 +15,7 @@ struct SoundInfo {
     std::wstring instanceId;  ///< in upper case; distinguishes equal devices, and can hold a serial number
     DeviceID deviceId;
     std::optional<Version> driverVersion;
+    bool isOff = false;                 ///< switched off, or the system reports a problem with it
     std::optional<bool> servesDefault;  ///< the default output is one of its endpoints
 
     /// Whether its friendly name may be one that its owner chose, as with Bluetooth devices.

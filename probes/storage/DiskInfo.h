@@ -21,6 +21,7 @@ struct DiskInfo {
     std::optional<Size> capacity;        ///< 0 for a drive without a medium
     Name bus;                            ///< such as "NVMe"
     std::optional<bool> isSolidState;
+    std::optional<bool> isInternal;   ///< part of the computer, by its container
     std::optional<bool> isRemovable;  ///< the medium, or the disk with its cable
     std::optional<bool> isVirtual;    ///< made from a file
     std::optional<bool> holdsWindows;

@@ -8,7 +8,6 @@
 #include "probes/storage/DiskModel.h"
 #include "probes/storage/StorageDescriptor.h"
 #include "values/Junk.h"
-#include "values/Text.h"
 
 namespace kel {
 
@@ -100,6 +99,26 @@ DWORD ReadDisk(const StorageDevice& device, DiskInfo& disk)
     return error;
 }
 
+/// The disks of a letter's volume.
+/// @param error why none are known
+std::vector<std::int32_t> AskVolume(const StorageFunctions& functions, const std::wstring& letter,
+                                    DWORD& error)
+{
+    std::vector<std::int32_t> disks;
+    const StorageDevice volume(functions, DevicePrefix + letter);
+    const StorageAnswer extents = volume.Ask(IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS);
+    error = extents.error;
+    for (const std::uint32_t disk : ReadExtentDisks(extents.bytes))
+        disks.push_back(static_cast<std::int32_t>(disk));
+    if (!disks.empty())
+        return disks;
+    // A volume without extents may be a partition, which has its disk's number.
+    const auto found = ReadDeviceNumber(volume.Ask(IOCTL_STORAGE_GET_DEVICE_NUMBER).bytes);
+    if (found && found->type == FILE_DEVICE_DISK)
+        disks.push_back(static_cast<std::int32_t>(found->number));
+    return disks;
+}
+
 }  // namespace
 
 std::vector<DiskInfo> ListDisks(const StorageFunctions& functions)
@@ -138,26 +157,22 @@ std::optional<std::int32_t> ReadDiskNumber(const StorageFunctions& functions, co
     return number;
 }
 
+std::vector<std::int32_t> ReadVolumeDisks(const StorageFunctions& functions, const std::wstring& letter)
+{
+    DWORD error = ERROR_SUCCESS;
+    return AskVolume(functions, letter, error);
+}
+
 std::vector<std::int32_t> ReadWindowsDisks(const StorageFunctions& functions)
 {
     std::vector<std::int32_t> disks;
     Attempt(L"Error in the disks of Windows.", [&] {
         const std::wstring letter = GetWindowsLetter(functions.getSystemWindowsDirectory);
-        if (letter.empty())
-            return;
-        const StorageDevice volume(functions, DevicePrefix + letter);
-        const StorageAnswer extents = volume.Ask(IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS);
-        for (const std::uint32_t disk : ReadExtentDisks(extents.bytes))
-            disks.push_back(static_cast<std::int32_t>(disk));
-        if (!disks.empty())
-            return;
-        // A volume without extents may be a partition, which has its disk's number.
-        const StorageAnswer partition = volume.Ask(IOCTL_STORAGE_GET_DEVICE_NUMBER);
-        const auto found = ReadDeviceNumber(partition.bytes);
-        if (found && found->type == FILE_DEVICE_DISK)
-            disks.push_back(static_cast<std::int32_t>(found->number));
-        else
-            WriteLog(LogWarning, L"The disks of the Windows volume are unknown, error ", extents.error);
+        DWORD error = ERROR_SUCCESS;
+        if (!letter.empty())
+            disks = AskVolume(functions, letter, error);
+        if (!letter.empty() && disks.empty())
+            WriteLog(LogWarning, L"The disks of the Windows volume are unknown, error ", error);
     });
     return disks;
 }

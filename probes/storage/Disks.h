@@ -16,6 +16,10 @@ std::vector<DiskInfo> ListDisks(const StorageFunctions& functions);
 /// The disk number of a disk that the Setup API lists; nullopt when the disk does not answer.
 std::optional<std::int32_t> ReadDiskNumber(const StorageFunctions& functions, const std::wstring& instanceId);
 
+/// The numbers of the disks that hold the volume of a letter, such as "C:": several for a spanned volume,
+/// none when they are unknown. The volume is opened without access rights.
+std::vector<std::int32_t> ReadVolumeDisks(const StorageFunctions& functions, const std::wstring& letter);
+
 /// The numbers of the disks that hold the volume of Windows: several for a spanned volume, none when they are
 /// unknown.
 std::vector<std::int32_t> ReadWindowsDisks(const StorageFunctions& functions);

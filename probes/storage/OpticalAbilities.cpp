@@ -51,7 +51,7 @@ constexpr ProfileRange Profiles[] = {
 };
 
 constexpr std::size_t MediaOffset = offsetof(GET_MEDIA_TYPES, MediaInfo);
-constexpr std::size_t MediaTypeOffset = 8;
+constexpr std::size_t MediumOffset = 8;
 constexpr std::size_t CharacteristicsOffset = 28;
 static_assert(MediaOffset == 8 && sizeof(DEVICE_MEDIA_INFO) == 32);
 
@@ -88,9 +88,21 @@ std::vector<std::wstring> GetWords(const std::wstring& name)
     return words;
 }
 
-bool IsWord(std::wstring_view text, std::wstring_view word)
+/// Whether a mark is followed by nothing, or by a model's number.
+bool EndsMark(std::wstring_view rest)
 {
-    return text.starts_with(word) && (text.size() == word.size() || std::iswdigit(text[word.size()]) != 0);
+    return rest.empty() || std::iswdigit(rest.front()) != 0;
+}
+
+/// Whether a word begins with a mark, or has one that is long enough behind the vendor that is glued to it,
+/// such as in "TSSTCORPDVDROM".
+bool HasMark(std::wstring_view text, std::wstring_view mark)
+{
+    constexpr std::size_t MinInnerMark = 4;
+    if (text.starts_with(mark))
+        return EndsMark(text.substr(mark.size()));
+    const std::size_t place = mark.size() >= MinInnerMark ? text.find(mark) : text.npos;
+    return place != text.npos && EndsMark(text.substr(place + mark.size()));
 }
 
 }  // namespace
@@ -133,7 +145,7 @@ OpticalAbilities ReadMediaTypes(Bytes answer)
         ReadLittleEndian(answer, offsetof(GET_MEDIA_TYPES, MediaInfoCount), sizeof(DWORD)).value_or(0);
     for (std::uint64_t place = 0; place < count; ++place) {
         const std::size_t start = MediaOffset + static_cast<std::size_t>(place) * sizeof(DEVICE_MEDIA_INFO);
-        const auto medium = ReadLittleEndian(answer, start + MediaTypeOffset, sizeof(DWORD));
+        const auto medium = ReadLittleEndian(answer, start + MediumOffset, sizeof(DWORD));
         const auto characteristics = ReadLittleEndian(answer, start + CharacteristicsOffset, sizeof(DWORD));
         if (!medium || !characteristics)
             break;
@@ -154,10 +166,10 @@ unsigned GetAbilitiesOfName(const std::wstring& name)
         // "DVD RW" is two words, and neither is enough alone.
         const std::wstring pair = place + 1 < words.size() ? words[place] + words[place + 1] : std::wstring();
         for (const NameWord& entry : NameWords) {
-            if (IsWord(words[place], entry.word) || pair == entry.word)
+            if (HasMark(words[place], entry.word) || pair == entry.word)
                 abilities |= entry.abilities;
         }
-        if (words[place].starts_with(L"DVD"))
+        if (words[place].find(L"DVD") != std::wstring::npos)
             abilities |= ReadsDvds;
     }
     return abilities;

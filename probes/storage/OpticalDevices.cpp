@@ -15,10 +15,10 @@ namespace kel {
 namespace {
 
 constexpr const wchar_t* DeviceWord = L"CdRom";
-constexpr const wchar_t* DevicePrefix = L"\\\\.\\";
+constexpr const wchar_t* OpticalPrefix = L"\\\\.\\";
 constexpr std::wstring_view KernelPrefix = L"\\Device\\";
 constexpr const wchar_t* OpticalInterface = L"{53f56308-b6bf-11d0-94f2-00a0c91efb8b}";
-constexpr int DeviceProperty = 0;
+constexpr int DescriptorProperty = 0;
 
 // Not in all compilers' headers.
 constexpr DWORD GetConfiguration = CTL_CODE(FILE_DEVICE_CD_ROM, 0x16, METHOD_BUFFERED, FILE_READ_ACCESS);
@@ -74,7 +74,7 @@ bool ReadDevice(const StorageFunctions& functions, const std::wstring& path, Opt
     if (!number || (number->type != FILE_DEVICE_CD_ROM && number->type != FILE_DEVICE_DVD))
         return false;
     drive.drive = Name(FindLetter(functions, number->number));
-    if (const auto descriptor = ReadStorageDescriptor(device.AskProperty(DeviceProperty).bytes)) {
+    if (const auto descriptor = ReadStorageDescriptor(device.AskProperty(DescriptorProperty).bytes)) {
         drive.name = Name(MakeDiskModel(descriptor->vendor, descriptor->product));
         drive.isVirtual = IsVirtualBus(descriptor->bus);
     }
@@ -95,7 +95,7 @@ OpticalInfo ReadOpticalDrive(const StorageFunctions& functions, const std::wstri
         const std::wstring target = letter.empty() ? L"" : GetTarget(functions, letter);
         const std::wstring device =
             target.starts_with(KernelPrefix) ? target.substr(KernelPrefix.size()) : L"";
-        if (!device.starts_with(DeviceWord) || !ReadDevice(functions, DevicePrefix + device, drive))
+        if (!device.starts_with(DeviceWord) || !ReadDevice(functions, OpticalPrefix + device, drive))
             WriteLog(LogWarning, L"An optical drive does not answer.");
     });
     return drive;
@@ -107,7 +107,7 @@ std::vector<OpticalInfo> ListOpticalDevices(const StorageFunctions& functions)
     Attempt(L"Error in the list of optical drives.", [&] {
         for (const std::uint32_t number : ListDeviceNumbers(functions, DeviceWord)) {
             OpticalInfo drive;
-            if (ReadDevice(functions, DevicePrefix + (DeviceWord + std::to_wstring(number)), drive))
+            if (ReadDevice(functions, OpticalPrefix + (DeviceWord + std::to_wstring(number)), drive))
                 drives.push_back(drive);
         }
     });

@@ -12,9 +12,10 @@ namespace kel {
 struct OpticalInfo {
     Name name;
     DeviceID deviceId;
-    Name instanceId;  ///< the key of the drive; can hold a serial number, so no value carries it
-    Name drive;       ///< drive letter, such as "D:"
-    Name mediaType;   ///< as WMI describes it
+    Name instanceId;     ///< the key of the drive; can hold a serial number, so no value carries it
+    bool isOff = false;  ///< switched off, or the system reports a problem with it
+    Name drive;          ///< drive letter, such as "D:"
+    Name mediaType;      ///< as WMI describes it
     OpticalAbilities abilities;
     const wchar_t* abilitySource = L"";  ///< their source, for the log
     std::optional<bool> writesCds;       ///< of the abilities

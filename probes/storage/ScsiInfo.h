@@ -13,6 +13,7 @@ namespace kel {
 /// One source's facts about a SCSI or RAID controller; empty ones are unknown.
 struct ScsiInfo {
     Name name;
+    std::wstring instanceId;  ///< can distinguish equal controllers; not stored
     DeviceID deviceId;
     std::optional<Version> driverVersion;
     std::vector<std::wstring> compatibleIds;  ///< they include the class of a PCI device

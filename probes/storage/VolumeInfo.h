@@ -2,7 +2,9 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "values/Name.h"
 #include "values/Size.h"
@@ -19,7 +21,9 @@ struct VolumeInfo {
     std::optional<Size> size;
     std::optional<Size> free;  ///< for this user, who may have a quota
     std::optional<bool> holdsWindows;
-    bool isAlias = false;  ///< another name for a folder or a letter
+    std::vector<std::int32_t> disks;  ///< the numbers of those that hold it, as far as they are known
+    bool isVolume = true;             ///< false: the letter leads to an image, a cloud storage or the like
+    bool isAlias = false;             ///< another name for a folder or a letter
 };
 
 }  // namespace kel

@@ -1,46 +1,43 @@
 #include "probes/storage/Volumes.h"
 
+#include <shlobj.h>
+
+#include <algorithm>
 #include <array>
+#include <memory>
 
 #include "diag/Log.h"
+#include "platform/Handles.h"
+#include "platform/Library.h"
 #include "probes/Attempt.h"
+#include "probes/storage/Disks.h"
 #include "probes/storage/StorageFunctions.h"
 #include "values/Junk.h"
-#include "values/Text.h"
 
 namespace kel {
 
 namespace {
 
 constexpr int LetterCount = 26;
+/// FOLDERID_LocalAppData, which not every platform's libraries define.
+constexpr GUID LocalAppData = {0xF1B32785, 0x6FBA, 0x4FCF, {0x9D, 0x55, 0x7B, 0x8E, 0x7F, 0x15, 0x70, 0x91}};
 /// The prefix of the target of a letter that is another name for a folder.
 constexpr std::wstring_view AliasPrefix = L"\\??\\";
+/// The prefix of the target of a letter that is a volume of a disk. Drivers of images and cloud storage have
+/// names of their own.
+constexpr std::wstring_view VolumePrefix = L"\\Device\\HarddiskVolume";
 
-const wchar_t* GetKind(UINT type)
+void ReadTarget(const VolumeFunctions& functions, const std::wstring& letter, VolumeInfo& volume)
 {
-    switch (type) {
-        case DRIVE_FIXED:
-            return L"fixed";
-        case DRIVE_REMOVABLE:
-            return L"removable";
-        case DRIVE_CDROM:
-            return L"optical";
-        case DRIVE_REMOTE:
-            return L"remote";
-        case DRIVE_RAMDISK:
-            return L"RAM";
-        default:
-            return L"";
-    }
-}
-
-bool IsAlias(const VolumeFunctions& functions, const std::wstring& letter)
-{
-    std::array<wchar_t, MAX_PATH> target = {};
+    std::array<wchar_t, MAX_PATH> buffer = {};
     // A target that is too long for the buffer is a folder's.
-    if (functions.queryDosDevice(letter.c_str(), target) == 0)
-        return GetLastError() == ERROR_INSUFFICIENT_BUFFER;
-    return std::wstring_view(target.data(), wcsnlen(target.data(), target.size())).starts_with(AliasPrefix);
+    if (functions.queryDosDevice(letter.c_str(), buffer) == 0) {
+        volume.isAlias = GetLastError() == ERROR_INSUFFICIENT_BUFFER;
+        return;
+    }
+    const std::wstring_view target(buffer.data(), wcsnlen(buffer.data(), buffer.size()));
+    volume.isAlias = target.starts_with(AliasPrefix);
+    volume.isVolume = target.starts_with(VolumePrefix);
 }
 
 /// Asks a disk that always has its medium.
@@ -64,6 +61,17 @@ DWORD ReadVolume(const VolumeFunctions& functions, const std::wstring& root, Vol
     return error;
 }
 
+std::wstring GetProfileFolder()
+{
+    auto* const find = FindFunction<decltype(SHGetKnownFolderPath)>(
+        LoadSystemLibrary(L"shell32.dll").release(), "SHGetKnownFolderPath");
+    PWSTR path = nullptr;
+    const bool isFound =
+        find != nullptr && SUCCEEDED(find(LocalAppData, KF_FLAG_DONT_VERIFY, nullptr, &path));
+    const std::unique_ptr<wchar_t, Closer<&CoTaskMemFree>> owner(path);
+    return isFound ? path : std::wstring();
+}
+
 }  // namespace
 
 VolumeFunctions VolumeFunctions::OfSystem()
@@ -81,7 +89,42 @@ VolumeFunctions VolumeFunctions::OfSystem()
         return GetDiskFreeSpaceExW(root, &free, &size, nullptr);
     };
     functions.getSystemWindowsDirectory = storage.getSystemWindowsDirectory;
+    functions.listDisks = [storage](const std::wstring& letter) { return ReadVolumeDisks(storage, letter); };
+    functions.getProfileFolder = &GetProfileFolder;
     return functions;
+}
+
+const wchar_t* GetVolumeKind(UINT type)
+{
+    switch (type) {
+        case DRIVE_FIXED:
+            return L"fixed";
+        case DRIVE_REMOVABLE:
+            return L"removable";
+        case DRIVE_CDROM:
+            return L"optical";
+        case DRIVE_REMOTE:
+            return L"remote";
+        case DRIVE_RAMDISK:
+            return L"RAM";
+        default:
+            return L"";
+    }
+}
+
+std::optional<Size> ReadProfileSpace(const VolumeFunctions& functions, const std::vector<VolumeInfo>& volumes)
+{
+    std::optional<Size> free;
+    Attempt(L"Error in the volume of the profile.", [&] {
+        const std::wstring folder = functions.getProfileFolder();
+        const auto isOfProfile = [&folder](const VolumeInfo& volume) {
+            return ToUpper(folder.substr(0, 2)) == volume.letter.ToString();
+        };
+        // Of a remote volume nothing is known, as it is not asked.
+        if (const auto found = std::ranges::find_if(volumes, isOfProfile); found != volumes.end())
+            free = found->free;
+    });
+    return free;
 }
 
 std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
@@ -104,10 +147,12 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
             Attempt(L"Error in a volume's answers.", [&] {
                 const std::wstring root = letter + L"\\";
                 volume.type = functions.getDriveType(root.c_str());
-                volume.kind = Name(GetKind(volume.type));
-                volume.isAlias = IsAlias(functions, letter);
+                volume.kind = Name(GetVolumeKind(volume.type));
+                ReadTarget(functions, letter, volume);
                 if (volume.type == DRIVE_FIXED || volume.type == DRIVE_RAMDISK)
                     error = ReadVolume(functions, root, volume);
+                if (volume.type == DRIVE_FIXED && volume.isVolume)
+                    volume.disks = functions.listDisks(letter);
             });
             if (error != ERROR_SUCCESS)
                 WriteLog(LogWarning, L"Volume ", letter, L": incomplete answer, error ", error);

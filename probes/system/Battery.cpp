@@ -13,11 +13,12 @@ bool HasLongTermBattery(decltype(&GetPwrCapabilities) getCapabilities)
            capabilities.SystemBatteriesPresent && !capabilities.BatteriesAreShortTerm;
 }
 
-bool HasLongTermBattery()
+ChassisFunctions ChassisFunctions::OfSystem()
 {
-    const OwnedLibrary library = LoadSystemLibrary(L"PowrProf.dll");
-    return library && HasLongTermBattery(
-                          FindFunction<decltype(GetPwrCapabilities)>(library.get(), "GetPwrCapabilities"));
+    const HMODULE library = LoadSystemLibrary(L"PowrProf.dll").release();
+    return {library != nullptr ? FindFunction<decltype(GetPwrCapabilities)>(library, "GetPwrCapabilities")
+                               : nullptr,
+            &GetSystemMetrics};
 }
 
 }  // namespace kel

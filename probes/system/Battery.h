@@ -10,7 +10,13 @@ namespace kel {
 /// @param getCapabilities `GetPwrCapabilities` as found; null gives false, and so does a call that fails
 bool HasLongTermBattery(decltype(&GetPwrCapabilities) getCapabilities);
 
-/// Asks the function in "PowrProf.dll"; false when the library cannot be loaded.
-bool HasLongTermBattery();
+/// The system's functions for the chassis; a test replaces them.
+struct ChassisFunctions {
+    decltype(&GetPwrCapabilities) getPowerCapabilities = nullptr;  ///< may be missing
+    decltype(&GetSystemMetrics) getSystemMetrics = nullptr;
+
+    /// The system's own. "PowrProf.dll" is loaded and stays loaded.
+    static ChassisFunctions OfSystem();
+};
 
 }  // namespace kel

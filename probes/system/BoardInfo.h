@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "values/Name.h"
+
 namespace kel {
 
 /// One source's facts about the motherboard; an empty text is unknown.
@@ -10,6 +12,8 @@ struct BoardInfo {
     std::wstring product;
     std::wstring version;
     bool hasAaVersion = false;  ///< the version begins with "aa", in either case; of the merged record
+    Name systemVendor;          ///< of the machine, not of its board; fillers are dropped
+    Name systemModel;
 };
 
 }  // namespace kel

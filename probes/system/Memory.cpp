@@ -7,24 +7,40 @@ namespace kel {
 static_assert(sizeof(MEMORYSTATUSEX) == 64);
 static_assert(sizeof(MEMORYSTATUS) == 56, "the control is a 64-bit program");
 
-MemoryInfo ReadMemory(decltype(&GlobalMemoryStatusEx) statusEx)
+namespace {
+
+MemoryInfo ReadStatus(const MemoryFunctions& functions)
 {
-    if (statusEx != nullptr) {
+    if (functions.status != nullptr) {
         MEMORYSTATUSEX status = {};
         status.dwLength = sizeof(status);
-        statusEx(&status);
-        return {Size(status.ullTotalPhys), Size(status.ullTotalVirtual), Size(status.ullAvailPhys), {}};
+        functions.status(&status);
+        return {Size(status.ullTotalPhys), Size(status.ullTotalVirtual), Size(status.ullAvailPhys), {}, {}};
     }
     MEMORYSTATUS status = {};
     status.dwLength = sizeof(status);
     GlobalMemoryStatus(&status);
-    return {Size(status.dwTotalPhys), Size(status.dwTotalVirtual), Size(status.dwAvailPhys), {}};
+    return {Size(status.dwTotalPhys), Size(status.dwTotalVirtual), Size(status.dwAvailPhys), {}, {}};
 }
 
-MemoryInfo ReadMemory()
+}  // namespace
+
+MemoryFunctions MemoryFunctions::OfSystem()
 {
-    return ReadMemory(
-        FindLoadedFunction<decltype(GlobalMemoryStatusEx)>(L"kernel32.dll", "GlobalMemoryStatusEx"));
+    constexpr const wchar_t* Kernel = L"kernel32.dll";
+    return {FindLoadedFunction<decltype(GlobalMemoryStatusEx)>(Kernel, "GlobalMemoryStatusEx"),
+            FindLoadedFunction<decltype(GetPhysicallyInstalledSystemMemory)>(
+                Kernel, "GetPhysicallyInstalledSystemMemory")};
+}
+
+MemoryInfo ReadMemory(const MemoryFunctions& functions)
+{
+    constexpr ULONGLONG Kilobyte = 1024;
+    MemoryInfo info = ReadStatus(functions);
+    ULONGLONG kilobytes = 0;
+    if (functions.getInstalled != nullptr && functions.getInstalled(&kilobytes) && kilobytes > 0)
+        info.installed = Size(kilobytes * Kilobyte);
+    return info;
 }
 
 }  // namespace kel

@@ -3,6 +3,8 @@
 #include <cwchar>
 
 #include "platform/Library.h"
+#include "platform/WindowsVersion.h"
+#include "probes/system/ProcessToken.h"
 
 namespace kel {
 
@@ -43,6 +45,11 @@ OSFunctions OSFunctions::OfSystem()
     functions.isWow64Process = Wrap<decltype(functions.isWow64Process)>(
         KernelFunction<BOOL WINAPI(HANDLE, BOOL*)>("IsWow64Process"));
     functions.getUserDefaultLCID = &GetUserDefaultLCID;
+    functions.getTrueVersion = &ReadWindowsVersion;
+    functions.isWow64Process2 = Wrap<decltype(functions.isWow64Process2)>(
+        KernelFunction<BOOL WINAPI(HANDLE, USHORT*, USHORT*)>("IsWow64Process2"));
+    functions.getElevation = &ReadElevation;
+    functions.getAdministrators = &ReadAdministrators;
     return functions;
 }
 

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <boost/function.hpp>
+#include <optional>
 #include <string>
 
 namespace kel {
@@ -33,6 +34,13 @@ struct OSFunctions {
     boost::function<BOOL(DWORD, DWORD, DWORD, DWORD, DWORD*)> getProductInfo;  ///< may be missing
     boost::function<BOOL(HANDLE, BOOL*)> isWow64Process;                       ///< may be missing
     boost::function<LCID()> getUserDefaultLCID;
+    boost::function<std::optional<OSVERSIONINFOEXW>()> getTrueVersion;  ///< RtlGetVersion
+    boost::function<BOOL(HANDLE, USHORT*, USHORT*)> isWow64Process2;    ///< may be missing
+    /// The kind of the process's token: of an administrator before consent, after it, or of anybody else.
+    boost::function<std::optional<TOKEN_ELEVATION_TYPE>()> getElevation;
+    /// The attributes (SE_GROUP_...) of the group Administrators in the process's token; 0 when it is not in
+    /// it.
+    boost::function<std::optional<DWORD>()> getAdministrators;
 
     /// The system's own.
     static OSFunctions OfSystem();

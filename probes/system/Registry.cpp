@@ -5,6 +5,7 @@
 #include "platform/RegistryValue.h"
 #include "probes/Attempt.h"
 #include "values/Hexadecimal.h"
+#include "values/Junk.h"
 
 namespace kel {
 
@@ -67,8 +68,16 @@ void Registry::GetBiosInfo(BiosInfo& info)
 
 void Registry::GetBoardInfo(BoardInfo& info)
 {
-    Attempt(L"Error in Registry board detection.",
-            [&info] { ReadText(HKEY_LOCAL_MACHINE, BoardKey, L"BaseBoardVersion", info.version); });
+    Attempt(L"Error in Registry board detection.", [&info] {
+        ReadText(HKEY_LOCAL_MACHINE, BoardKey, L"BaseBoardVersion", info.version);
+        const auto read = [](const wchar_t* name) {
+            std::wstring text;
+            ReadText(HKEY_LOCAL_MACHINE, BoardKey, name, text);
+            return Name(TidyText(text));
+        };
+        info.systemVendor = read(L"SystemManufacturer");
+        info.systemModel = read(L"SystemProductName");
+    });
 }
 
 bool Registry::ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std::wstring& text, REGSAM access)

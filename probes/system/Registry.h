@@ -23,7 +23,7 @@ public:
     /// The BIOS's version and date, from HARDWARE\DESCRIPTION.
     void GetBiosInfo(BiosInfo& info);
 
-    /// The motherboard's version, from HARDWARE\DESCRIPTION.
+    /// The motherboard's version, and the machine's vendor and model, from HARDWARE\DESCRIPTION.
     void GetBoardInfo(BoardInfo& info);
 
     /// Reads a value as text, whatever its type; see kel::RegistryValue::Text. A number is not converted,

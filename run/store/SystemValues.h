@@ -9,7 +9,6 @@
 
 #include "run/store/SystemValue.h"
 #include "run/store/SystemValueID.h"
-#include "values/SharedText.h"
 #include "values/Value.h"
 
 namespace kel {

@@ -1,16 +1,17 @@
 #include "server/admin/Api.h"
 
+#include <fmt/format.h>
 #include <algorithm>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "server/admin/Csv.h"
 #include "server/admin/DraftCheck.h"
 #include "server/admin/Drafts.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Recent.h"
-#include "server/admin/Texts.h"
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Csv.h"
+#include "server/admin/kit/Texts.h"
 #include "server/base/Log.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
@@ -24,10 +25,10 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr int UsualReports = 100, MaxReports = 1000;
+constexpr int UsualReports = 100, MaxPageReports = 1000;
 constexpr std::size_t MaxAnswerBytes = 4 * Limits::Megabyte;  // what is left follows in the next answer
 constexpr std::size_t MaxCellBytes = 200;                     // of what each row of a report repeats
-constexpr std::size_t MaxNameBytes = 100;                     // of a parameter that an error repeats
+constexpr std::size_t MaxParameterBytes = 100;                // of a parameter that an error repeats
 
 Answer JsonAnswer(const ordered_json& content, int status = 200)
 {
@@ -107,9 +108,9 @@ std::optional<Answer> RefuseParameters(const Target& target, std::span<const std
         const bool isKnown = std::find(allowed.begin(), allowed.end(), parameter.name) != allowed.end();
         if (isKnown && seen.insert(parameter.name).second)
             continue;
-        const std::string name = Shortened(Clean(parameter.name), MaxNameBytes);
+        const std::string name = Shortened(Clean(parameter.name), MaxParameterBytes);
         const std::string reason =
-            "The parameter '" + name + (isKnown ? "' is repeated." : "' is not known.");
+            fmt::format("The parameter '{}' is {}.", name, isKnown ? "repeated" : "not known");
         Log(Level::Warning, "refused", {{"status", "400"}, {"reason", reason}});
         return JsonAnswer({{"error", reason}, {"parameter", name}, {"allowed", allowed}}, 400);
     }
@@ -122,8 +123,9 @@ Answer ListReports(const AdminRequest& request)
                       format = request.Query("format");
     ReportFilter filter;
     filter.afterId = after.empty() ? 0 : WholeNumber(after);
-    filter.count = count.empty() ? UsualReports
-                                 : static_cast<int>(std::min<std::int64_t>(WholeNumber(count), MaxReports));
+    filter.count = count.empty()
+                       ? UsualReports
+                       : static_cast<int>(std::min<std::int64_t>(WholeNumber(count), MaxPageReports));
     if (filter.afterId < 0 || filter.count < 1 || (!format.empty() && format != "csv" && format != "json"))
         throw Fault(400, "'after' and 'count' are whole numbers, and 'format' is json or csv.");
     const bool isCsv = format == "csv";

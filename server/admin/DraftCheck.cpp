@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "server/admin/Form.h"
+#include "server/admin/kit/Form.h"
 #include "verdict/Requirements.h"
 
 namespace kel::server {

@@ -1,7 +1,7 @@
 #include "server/admin/DraftEditor.h"
 
 #include "server/admin/Layout.h"
-#include "server/admin/Table.h"
+#include "server/admin/kit/Table.h"
 #include "server/store/RequirementSets.h"
 
 namespace kel::server {
@@ -19,12 +19,17 @@ Html Help()
                         "shown when it is not met."}),
          Html::Element(
              "p", {},
-             "Comparisons: at least, at most (an amount such as 4 GB, 2 GHz or 3, or a resolution), at least "
-             "version, equals, one of (texts between commas), contains, any (known at all), yes, no. In the "
-             "place of "
-             "id, comparison and needed a line may have \"any of\", a list of such three, of which one has "
-             "to "
-             "hold. A line with \"recommended\": true is shown but does not affect the result.")});
+             "Comparisons: at least, at most (an amount such as 4 GB, 2 GHz or 3; at least also a "
+             "resolution), "
+             "at least version, compatible version (of the same major version), at most version, equals, one "
+             "of, none of (texts between commas), contains, any (known at all), yes, no."),
+         Html::Element(
+             "p", {},
+             "Of a value with several devices the first counts; with \"of\": \"any\" any one may "
+             "hold. In the place of id, comparison and needed a line may have \"any of\", a list of "
+             "such three, of which one has to hold; one of them may be \"all of\", a list of which "
+             "each has to hold. A line with \"recommended\": true is shown but does not affect the "
+             "result.")});
 }
 
 Html TextArea(const std::string& label, const std::string& name, const std::string& text, bool isFixed)

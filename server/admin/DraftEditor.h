@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "server/admin/AdminRequest.h"
+#include "server/admin/login/AdminRequest.h"
 
 namespace kel::server {
 

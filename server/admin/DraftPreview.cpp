@@ -1,12 +1,13 @@
 #include "server/admin/DraftPreview.h"
 
+#include <fmt/format.h>
 #include <algorithm>
 #include <optional>
 #include <vector>
 
 #include "server/admin/Layout.h"
-#include "server/admin/Table.h"
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Table.h"
+#include "server/admin/kit/Texts.h"
 #include "server/store/RequirementSets.h"
 
 namespace kel::server {
@@ -47,10 +48,11 @@ std::vector<std::optional<std::size_t>> Replaced(const Lines& draft, const Lines
 
 DraftPreview DraftPreview::Run(Database& database, const std::string& referrer, const Requirements& draft)
 {
-    DraftPreview preview;
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
+    DraftPreview preview{{}, {}, {}, {draft, today}};
     preview.sessions = ForEachRecentReport(database, referrer, [&](const Report& report) {
+        preview.values.Count(report);
         preview.draft.Count(Judge(draft, report.Lookup()));
         if (today)
             preview.today.Count(Judge(*today, report.Lookup()));
@@ -62,15 +64,18 @@ Html DraftPreview::Show() const
 {
     if (sessions.count == 0)
         return Html::Element(
-            "p", {{"class", "empty"}},
-            "No machine has been reported for this product yet, so there is nothing to try this on.");
+                   "p", {{"class", "empty"}},
+                   "No machine has been reported for this product yet, so there is nothing to try this on.") +
+               ShowValues();
     const bool hasToday = today.pass + today.fail + today.unknown > 0;
-    std::string sentence = "Of " + sessions.Text() + " " + Grouped(draft.pass) + " would pass";
-    sentence += hasToday ? ", today " + Grouped(today.pass) + "." : ".";
-    sentence += " " + Grouped(draft.fail) + " would fail";
-    sentence += hasToday ? ", today " + Grouped(today.fail) + "; " : "; ";
-    sentence += Grouped(draft.unknown) + " would be unknown";
-    sentence += hasToday ? ", today " + Grouped(today.unknown) + "." : ".";
+    const auto count = [hasToday](std::int64_t sessionCount, std::string_view result,
+                                  std::int64_t countToday) {
+        const std::string text = fmt::format("{} would {}", Grouped(sessionCount), result);
+        return hasToday ? fmt::format("{}, today {}", text, Grouped(countToday)) : text;
+    };
+    const std::string sentence =
+        fmt::format("Of {} {}. {}; {}.", sessions.Text(), count(draft.pass, "pass", today.pass),
+                    count(draft.fail, "fail", today.fail), count(draft.unknown, "be unknown", today.unknown));
     Table table("Line by line, with the failures under today's requirements", {{"Requirement"},
                                                                                {"Needed"},
                                                                                {"Pass", true},
@@ -95,7 +100,7 @@ Html DraftPreview::Show() const
                    table.Done("The draft has no line.");
     if (!gone.IsEmpty())
         figures += Html::Element("p", {}, gone);
-    return figures;
+    return figures + ShowValues();
 }
 
 }  // namespace kel::server

@@ -2,8 +2,9 @@
 
 #include <string>
 
-#include "server/admin/Html.h"
-#include "server/admin/Recent.h"
+#include "server/admin/RequestedValues.h"
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Html.h"
 #include "server/store/Database.h"
 #include "verdict/Requirements.h"
 #include "verdict/Tally.h"
@@ -14,12 +15,15 @@ namespace kel::server {
 struct DraftPreview {
     RecentSessions sessions;
     Tally draft, today;  // today's by the newest published version; empty when there is none
+    RequestedValues values;
 
     /// Judges the newest reports of the referrer by the draft and by today's requirements.
     static DraftPreview Run(Database& database, const std::string& referrer, const Requirements& draft);
 
-    /// The figures, as sentences and a table.
+    /// The figures, as sentences and tables.
     Html Show() const;
+    /// The values that the draft asks for, alone.
+    Html ShowValues() const { return values.Show(sessions); }
 };
 
 }  // namespace kel::server

@@ -1,4 +1,7 @@
 #include "server/admin/DraftCheck.h"
+
+#include <fmt/format.h>
+
 #include "server/admin/DraftEditor.h"
 #include "server/admin/DraftPreview.h"
 #include "server/admin/Drafts.h"
@@ -74,10 +77,11 @@ Answer EditDraft(const AdminRequest& request)
         const auto saved = drafts.Save(referrer, text, revision);
         return saved ? AskToPublish(request, *saved, text) : DraftConflict(request, text);
     }
-    const auto lines = Requirements::Read(text).lines.size();
+    const Requirements draft = Requirements::Read(text);
     return DraftEditor(
         request, text, revision,
-        Notice("good", "These requirements can be published. Lines: " + std::to_string(lines) + "."));
+        Notice("good", fmt::format("These requirements can be published. Lines: {}.", draft.lines.size())) +
+            DraftPreview::Run(request.database, referrer, draft).ShowValues());
 }
 
 Answer PublishDraft(const AdminRequest& request)

@@ -1,7 +1,7 @@
 #include "server/admin/Layout.h"
 
 #include "server/admin/Pages.h"
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Texts.h"
 
 namespace kel::server {
 

@@ -3,8 +3,8 @@
 #include <optional>
 #include <string>
 
-#include "server/admin/AdminRequest.h"
-#include "server/admin/Html.h"
+#include "server/admin/kit/Html.h"
+#include "server/admin/login/AdminRequest.h"
 #include "verdict/Result.h"
 
 namespace kel::server {

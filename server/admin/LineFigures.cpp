@@ -1,14 +1,14 @@
 #include "server/admin/LineFigures.h"
 
+#include <fmt/format.h>
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
 
 #include "server/admin/Layout.h"
-#include "server/admin/Table.h"
-#include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
+#include "server/admin/kit/Table.h"
+#include "server/admin/kit/Texts.h"
 #include "server/store/RequirementSets.h"
 #include "verdict/Requirements.h"
 
@@ -29,12 +29,9 @@ Result ResultIn(const nlohmann::json& line)
 /// The names of the values that a line asks for, each once.
 std::string NamesOfValues(const Requirement& line)
 {
-    std::set<int> seen;
     std::string values;
-    for (const Condition& condition : line.anyOf) {
-        if (!seen.insert(condition.group).second)
-            continue;
-        const std::string id = std::to_string(condition.group), name = NameOfValue(id);
+    for (const int group : line.Groups()) {
+        const std::string id = std::to_string(group), name = NameOfValue(id);
         values += (values.empty() ? "" : ", ") + (name.empty() ? id : name);
     }
     return values;
@@ -101,24 +98,25 @@ Html LineFigures::Show(Database& database) const
             left += counted.sessions;
             continue;
         }
-        const std::string of = "version " + std::to_string(counted.number) + ", which judged " +
-                               Grouped(counted.sessions) + " of them";
+        const std::string of =
+            fmt::format("version {}, which judged {} of them", counted.number, Grouped(counted.sessions));
         const auto requirements = Requirements::ReadStored(RequirementSets(database).Text(set));
         if (!requirements) {
-            figures += Notice("bad", "The requirements of version " + std::to_string(counted.number) +
-                                         " cannot be read by this program.");
+            figures +=
+                Notice("bad", fmt::format("The requirements of version {} cannot be read by this program.",
+                                          counted.number));
             continue;
         }
         const auto lines = SortedPlaces(*requirements, counted.lines, false);
         const auto recommendations = SortedPlaces(*requirements, counted.lines, true);
-        figures += LineTable("Requirements of " + of + "; those that fail most first", "Requirement",
+        figures += LineTable(fmt::format("Requirements of {}; those that fail most first", of), "Requirement",
                              *requirements, counted.lines, lines);
         if (!recommendations.empty())
-            figures += LineTable("Recommendations of " + of + "; they do not affect the result",
+            figures += LineTable(fmt::format("Recommendations of {}; they do not affect the result", of),
                                  "Recommendation", *requirements, counted.lines, recommendations);
     }
     if (left > 0)
-        figures += Html::Element("p", {}, "Older versions judged " + Grouped(left) + " of them.");
+        figures += Html::Element("p", {}, fmt::format("Older versions judged {} of them.", Grouped(left)));
     return figures;
 }
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "server/admin/Html.h"
+#include "server/admin/kit/Html.h"
 #include "server/store/Verdicts.h"
 #include "verdict/Tally.h"
 

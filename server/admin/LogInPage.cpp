@@ -1,3 +1,5 @@
+
+#include <fmt/format.h>
 #include <algorithm>
 
 #include "server/admin/Layout.h"
@@ -10,7 +12,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t MaxNameBytes = 200;  // bytes of a wrong one that the form has again
+constexpr std::size_t MaxRepeatedBytes = 200;  // bytes of a wrong one that the form has again
 constexpr std::size_t MaxPathBytes = 1000;
 
 /// A path of this site, or the overview's: never one that leads to another.
@@ -52,16 +54,16 @@ Answer LogIn(const AdminRequest& request)
 {
     if (request.isSingleSignOn)
         throw Fault(404, "There is no such page.");
-    const std::string name = Shortened(request.form.Text("name"), MaxNameBytes);
+    const std::string name = Shortened(request.form.Text("name"), MaxRepeatedBytes);
     const std::string &next = request.form.Text("next"), &password = request.form.Text("password");
     const auto found = Accounts(request.database).Find(name);
     const std::string browser = found ? Sessions::KnownBrowser(request.http, *found) : std::string();
     const Throttle::Guest guest{browser.empty() ? name : browser, !browser.empty()};
     if (const auto wait = request.throttle.Wait(guest); wait.count() > 0) {
-        Answer answer = Render(request, name, next,
-                               Notice("bad", "Too many log-ins failed. Try again in " +
-                                                 std::to_string(wait.count()) + " seconds."),
-                               429);
+        Answer answer = Render(
+            request, name, next,
+            Notice("bad", fmt::format("Too many log-ins failed. Try again in {} seconds.", wait.count())),
+            429);
         answer.headers.emplace_back("Retry-After", std::to_string(wait.count()));
         return answer;
     }

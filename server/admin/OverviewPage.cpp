@@ -1,9 +1,9 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Recent.h"
 #include "server/admin/ReportsTable.h"
-#include "server/admin/Table.h"
-#include "server/admin/Texts.h"
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Table.h"
+#include "server/admin/kit/Texts.h"
 #include "server/store/Reports.h"
 #include "server/store/RequirementSets.h"
 

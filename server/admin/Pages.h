@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/admin/AdminRequest.h"
+#include "server/admin/login/AdminRequest.h"
 
 // Every page of the administration, and what programs ask of it. Routes.cpp has their addresses.
 namespace kel::server {

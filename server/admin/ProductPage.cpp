@@ -1,10 +1,9 @@
-#include "server/admin/Chart.h"
 #include "server/admin/Layout.h"
 #include "server/admin/LineFigures.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Recent.h"
-#include "server/admin/Texts.h"
-#include "verdict/text/Text.h"
+#include "server/admin/figures/Chart.h"
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Texts.h"
 
 namespace kel::server {
 

@@ -1,12 +1,14 @@
+
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
-#include "server/admin/Recent.h"
 #include "server/admin/ReportsTable.h"
-#include "server/admin/Table.h"
-#include "server/admin/Texts.h"
 #include "server/admin/ValueNames.h"
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Table.h"
+#include "server/admin/kit/Texts.h"
 #include "server/base/Log.h"
 #include "server/report/Report.h"
 #include "server/store/Deletion.h"
@@ -61,8 +63,8 @@ Html ValuesTable(const Report& report)
     Html values = table.Done("The report has no value.");
     if (count > MaxValues)
         values += Html::Element("p", {},
-                                "The first " + Grouped(MaxValues) + " of " +
-                                    Grouped(static_cast<std::int64_t>(report.Count())) + " values.");
+                                fmt::format("The first {} of {} values.", Grouped(MaxValues),
+                                            Grouped(static_cast<std::int64_t>(report.Count()))));
     return values;
 }
 
@@ -76,8 +78,8 @@ FullReport FindReport(const AdminRequest& request)
 
 Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullReport& report)
 {
-    Table table("By version " + std::to_string(verdict.version) + " of " + verdict.referrer + ", " +
-                    TimeText(verdict.judged) + " UTC",
+    Table table(fmt::format("By version {} of {}, {} UTC", verdict.version, verdict.referrer,
+                            TimeText(verdict.judged)),
                 {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}});
     try {
         // The stored lines have what was found; the requirements say what was needed.
@@ -126,7 +128,7 @@ Answer ShowReport(const AdminRequest& request)
         content += Html::Element(
             "p", {},
             ButtonLink(ReportPath(report.id) + "/delete", "Delete all reports of this session…", "danger"));
-    return Page(request, "Report " + std::to_string(report.id), content);
+    return Page(request, fmt::format("Report {}", report.id), content);
 }
 
 Answer AskToDeleteSession(const AdminRequest& request)

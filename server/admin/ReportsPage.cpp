@@ -3,7 +3,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/admin/ReportsTable.h"
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Texts.h"
 #include "server/store/Reports.h"
 
 namespace kel::server {

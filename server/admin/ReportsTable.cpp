@@ -1,7 +1,7 @@
 #include "server/admin/ReportsTable.h"
 
 #include "server/admin/Layout.h"
-#include "server/admin/Table.h"
+#include "server/admin/kit/Table.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "server/admin/Html.h"
+#include "server/admin/kit/Html.h"
 #include "server/store/Reports.h"
 
 namespace kel::server {

@@ -1,3 +1,5 @@
+
+#include <fmt/format.h>
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
@@ -71,9 +73,11 @@ Answer ShowRequirements(const AdminRequest& request)
     Html result = NoteNotice(request);
     if (const std::string from = request.Query("from"); !from.empty()) {
         const std::string text = VersionText(request.database, referrer, WholeNumber(from));
-        return DraftEditor(request, text, draft ? draft->revision : 0,
-                           Notice("note", "This is the text of version " + from +
-                                              ". It becomes the draft once it is saved."));
+        return DraftEditor(
+            request, text, draft ? draft->revision : 0,
+            Notice(
+                "note",
+                fmt::format("This is the text of version {}. It becomes the draft once it is saved.", from)));
     }
     if (draft) {
         result += Html::Element(
@@ -97,7 +101,7 @@ Answer ShowVersion(const AdminRequest& request)
     if (request.IsEditor())
         links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Take into the draft") + links;
     return Page(
-        request, "Version " + number + " of " + referrer,
+        request, fmt::format("Version {} of {}", number, referrer),
         Html::Element("pre", {{"tabindex", "0"}}, text) + Html::Element("p", {{"class", "buttons"}}, links));
 }
 

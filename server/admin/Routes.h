@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "server/admin/AdminRequest.h"
+#include "server/admin/login/AdminRequest.h"
 
 namespace kel::server {
 

@@ -1,9 +1,11 @@
 #include "server/admin/Site.h"
 
+#include <fmt/format.h>
+
 #include "server/admin/Api.h"
-#include "server/admin/Gate.h"
 #include "server/admin/Layout.h"
-#include "server/admin/Texts.h"
+#include "server/admin/kit/Texts.h"
+#include "server/admin/login/Gate.h"
 #include "server/base/Log.h"
 #include "server/http/Limits.h"
 #include "verdict/Requirements.h"
@@ -33,7 +35,7 @@ Answer Refuse(const AdminRequest& request, bool isProgram)
 
 Answer NotAllowed(const AdminRequest& request, bool isProgram, const std::string& allowed)
 {
-    const std::string reason = "This page answers to " + allowed + " alone.";
+    const std::string reason = fmt::format("This page answers to {} alone.", allowed);
     Answer answer = isProgram ? ProgramError(405, reason) : ErrorPage(request, 405, reason);
     answer.headers.emplace_back("Allow", allowed);
     return answer;

@@ -3,9 +3,9 @@
 #include <string>
 
 #include "server/admin/Routes.h"
-#include "server/admin/Sessions.h"
-#include "server/admin/Settings.h"
-#include "server/admin/Throttle.h"
+#include "server/admin/login/Sessions.h"
+#include "server/admin/login/Settings.h"
+#include "server/admin/login/Throttle.h"
 #include "server/http/Router.h"
 
 namespace kel::server {

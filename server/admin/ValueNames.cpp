@@ -1,19 +1,18 @@
 #include "server/admin/ValueNames.h"
 
-#include <map>
+#include <charconv>
+
+#include "verdict/Catalogue.h"
 
 namespace kel::server {
 
 std::string NameOfValue(std::string_view id)
 {
-    static const auto names = [] {
-        std::map<std::string, std::string, std::less<>> all;
-        for (const ValueName& value : ValueNames)
-            all[std::to_string(value.id)] = std::string(value.detector).append(": ").append(value.name);
-        return all;
-    }();
-    const auto found = names.find(id);
-    return found == names.end() ? std::string() : found->second;
+    int number = 0;
+    const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
+    const CatalogueValue* value =
+        error == std::errc() && end == id.data() + id.size() ? FindCatalogueValue(number) : nullptr;
+    return value ? std::string(value->detector).append(": ").append(value->name) : std::string();
 }
 
 }  // namespace kel::server

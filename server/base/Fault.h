@@ -5,6 +5,9 @@
 
 namespace kel::server {
 
+/// The status of what a client may try again later.
+inline constexpr int Unavailable = 503;
+
 /// A request that cannot be served: an HTTP status for the client, a reason for the log.
 class Fault : public std::runtime_error {
 public:

@@ -19,13 +19,11 @@ namespace beast = boost::beast;
 namespace http = beast::http;
 using boost::system::error_code;
 
-constexpr std::size_t PieceBytes = 8 * Limits::Kilobyte;
-
 class Connection {
 public:
     Connection(asio::ip::tcp::socket socket, Endpoint& endpoint)
         : stream(std::move(socket)),
-          buffer(endpoint.limits.headerBytes + PieceBytes),
+          buffer(endpoint.limits.headerBytes + Limits::Piece),
           endpoint(endpoint),
           place(endpoint, stream.socket())
     {
@@ -54,7 +52,7 @@ private:
         const Member waiting(endpoint.idle, stream.socket());
         stream.expires_after(endpoint.limits.idle);
         const std::size_t count = co_await stream.async_read_some(
-            buffer.prepare(PieceBytes / 8), asio::redirect_error(asio::use_awaitable, error));
+            buffer.prepare(Limits::Piece / 8), asio::redirect_error(asio::use_awaitable, error));
         buffer.commit(count);
         co_return !error && count > 0;
     }
@@ -122,7 +120,7 @@ private:
         error_code error;
         stream.socket().shutdown(asio::socket_base::shutdown_send, error);
         stream.expires_after(endpoint.limits.linger);
-        std::array<char, PieceBytes> piece;
+        std::array<char, Limits::Piece> piece;
         while (!error)
             co_await stream.async_read_some(asio::buffer(piece),
                                             asio::redirect_error(asio::use_awaitable, error));

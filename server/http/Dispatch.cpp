@@ -8,6 +8,7 @@
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
+#include "server/base/Fault.h"
 #include "server/http/OpenConnection.h"
 
 namespace kel::server {
@@ -16,8 +17,6 @@ namespace {
 
 namespace asio = boost::asio;
 using Clock = std::chrono::steady_clock;
-
-constexpr int Unavailable = 503;
 
 /// A request in a queue. A thread works on it, or the connection gives it up, whichever claims it first.
 struct Task {

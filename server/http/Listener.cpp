@@ -1,5 +1,6 @@
 #include "server/http/Listener.h"
 
+#include <fmt/format.h>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/redirect_error.hpp>
@@ -25,8 +26,8 @@ tcp::acceptor Listen(asio::io_context& context, const std::string& address, std:
     try {
         return {context, {asio::ip::make_address(address), port}};
     } catch (const std::exception& error) {
-        throw std::runtime_error("cannot listen at " + address + ", port " + std::to_string(port) + ": " +
-                                 error.what());
+        throw std::runtime_error(
+            fmt::format("cannot listen at {}, port {}: {}", address, port, error.what()));
     }
 }
 

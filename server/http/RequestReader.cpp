@@ -7,8 +7,8 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/write.hpp>
 
+#include "server/base/Fault.h"
 #include "server/http/HeaderCheck.h"
-#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -19,7 +19,6 @@ namespace beast = boost::beast;
 namespace http = beast::http;
 using boost::system::error_code;
 
-constexpr std::size_t PieceBytes = 8 * Limits::Kilobyte;
 constexpr unsigned Http11 = 11;
 
 }  // namespace
@@ -62,7 +61,7 @@ asio::awaitable<error_code> RequestReader::ReadHeader()
             break;
         if (buffer.size() == buffer.max_size())
             co_return http::error::buffer_overflow;
-        const std::size_t room = std::min(PieceBytes / 8, buffer.max_size() - buffer.size());
+        const std::size_t room = std::min(Limits::Piece / 8, buffer.max_size() - buffer.size());
         const std::size_t count = co_await stream.async_read_some(
             buffer.prepare(room), asio::redirect_error(asio::use_awaitable, error));
         if (error)
@@ -104,13 +103,12 @@ bool RequestReader::HasKnownFraming() const
 
 asio::awaitable<int> RequestReader::ReadBody(BodyLease& lease, std::string& body)
 {
-    constexpr int Unavailable = 503;
     const std::size_t length = static_cast<std::size_t>(parser.content_length().value_or(0));
-    body.reserve(std::min(length, 32 * PieceBytes));  // pages that nothing is written to take no memory
+    body.reserve(std::min(length, 32 * Limits::Piece));  // pages that nothing is written to take no memory
     lease.Expect(length);
     while (!parser.is_done()) {
         const std::size_t before = body.size();
-        const std::size_t room = length > before ? std::min(PieceBytes, length - before) : PieceBytes;
+        const std::size_t room = length > before ? std::min(Limits::Piece, length - before) : Limits::Piece;
         if (!lease.Resize(before + room))
             co_return Unavailable;
         body.resize(before + room);

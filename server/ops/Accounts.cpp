@@ -1,14 +1,15 @@
 #include "server/ops/Accounts.h"
 
+#include <fmt/format.h>
 #include <algorithm>
 #include <istream>
 #include <ostream>
 #include <stdexcept>
 
-#include "server/admin/Form.h"
-#include "server/admin/Html.h"
-#include "server/admin/Secrets.h"
-#include "server/admin/Sessions.h"
+#include "server/admin/kit/Form.h"
+#include "server/admin/kit/Html.h"
+#include "server/admin/login/Secrets.h"
+#include "server/admin/login/Sessions.h"
 #include "server/store/Accounts.h"
 #include "server/store/Audit.h"
 
@@ -24,7 +25,7 @@ void AddUser(const std::string& roleText, const std::string& name, Database& dat
 {
     const auto role = ParseRole(roleText);
     if (!role)
-        throw std::runtime_error("a role is editor or reader, not '" + roleText + "'");
+        throw std::runtime_error(fmt::format("a role is editor or reader, not '{}'", roleText));
     if (name.empty() || name.size() > MaxNameBytes || name != Clean(name) ||
         name.find_first_of("\t\r\n") != name.npos)
         throw std::runtime_error("a name has 1 to 64 bytes and no control characters");
@@ -36,7 +37,8 @@ void AddUser(const std::string& roleText, const std::string& name, Database& dat
         std::count_if(password.begin(), password.end(), [](char c) { return (c & 0xC0) != 0x80; });
     if (characters < MinPasswordCharacters || password.size() > MaxPasswordBytes ||
         password != Clean(password))
-        throw std::runtime_error("the password, a line on standard input, needs at least 12 characters");
+        throw std::runtime_error(fmt::format(
+            "the password, a line on standard input, needs at least {} characters", MinPasswordCharacters));
     Accounts(database).Save(Account{name, HashPassword(password), *role}, CommandLine);
 }
 
@@ -49,19 +51,19 @@ void ListUsers(Database& database, std::ostream& output)
 void RemoveUser(const std::string& name, Database& database)
 {
     if (!Accounts(database).Remove(name, CommandLine))
-        throw std::runtime_error("there is no account '" + name + "'");
+        throw std::runtime_error(fmt::format("there is no account '{}'", name));
 }
 
 void AddToken(const std::string& name, const std::string& daysText, Database& database, std::ostream& output)
 {
     const std::int64_t days = daysText.empty() ? UsualDays : WholeNumber(daysText);
     if (days < 1 || days > MaxDays)
-        throw std::runtime_error("a token lasts 1 to 3650 days");
+        throw std::runtime_error(fmt::format("a token lasts 1 to {} days", MaxDays));
     const auto account = Accounts(database).Find(name);
     if (!account)
-        throw std::runtime_error("there is no account '" + name + "'");
+        throw std::runtime_error(fmt::format("there is no account '{}'", name));
     output << MakeToken(database, *account, static_cast<int>(days)) << '\n';
-    Audit(database).Add(CommandLine, "token made", name + ", " + std::to_string(days) + " days");
+    Audit(database).Add(CommandLine, "token made", fmt::format("{}, {} days", name, days));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "server/ops/Config.h"
 
+#include <fmt/format.h>
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
@@ -19,7 +20,7 @@ std::uint64_t ParseNumber(const std::string& text, std::uint64_t min, std::uint6
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, number);
     if (read.ec != std::errc() || read.ptr != end || number < min || number > max)
-        throw std::runtime_error("needs a number from " + std::to_string(min) + " to " + std::to_string(max));
+        throw std::runtime_error(fmt::format("needs a number from {} to {}", min, max));
     return number;
 }
 
@@ -122,11 +123,11 @@ void Config::Set(std::string name, const std::string& value)
     const auto* setting = std::find_if(std::begin(Settings), std::end(Settings),
                                        [&](const Setting& row) { return row.name == name; });
     if (setting == std::end(Settings))
-        throw std::runtime_error("there is no setting '" + NameIn(name) + "'");
+        throw std::runtime_error(fmt::format("there is no setting '{}'", NameIn(name)));
     try {
         setting->set(*this, value);
     } catch (const std::exception& error) {
-        throw std::runtime_error("setting '" + name + "' " + error.what() + ", not '" + value + "'");
+        throw std::runtime_error(fmt::format("setting '{}' {}, not '{}'", name, error.what(), value));
     }
 }
 
@@ -134,14 +135,14 @@ void Config::ReadFile(const std::string& path)
 {
     std::ifstream file(path);
     if (!file)
-        throw std::runtime_error("the configuration file " + path + " cannot be read");
+        throw std::runtime_error(fmt::format("the configuration file {} cannot be read", path));
     for (std::string line; std::getline(file, line);) {
         const std::string_view text = Trim(line);
         if (text.empty() || text.starts_with('#'))
             continue;
         const std::size_t equals = text.find('=');
         if (equals == std::string_view::npos)
-            throw std::runtime_error(path + ": the line of '" + NameIn(text) + "' has no '='");
+            throw std::runtime_error(fmt::format("{}: the line of '{}' has no '='", path, NameIn(text)));
         Set(std::string(Trim(text.substr(0, equals))), std::string(Trim(text.substr(equals + 1))));
     }
 }
@@ -167,7 +168,7 @@ Config Config::Read(std::vector<std::string>& arguments, std::span<const std::st
             continue;
         }
         if (argument + 1 == arguments.end())
-            throw std::runtime_error("--" + NameIn(argument->substr(2)) + " needs a value");
+            throw std::runtime_error(fmt::format("--{} needs a value", NameIn(argument->substr(2))));
         if (std::find(commandOptions.begin(), commandOptions.end(), *argument) != commandOptions.end()) {
             argument += 2;
             continue;

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "server/admin/Settings.h"
+#include "server/admin/login/Settings.h"
 #include "server/http/Server.h"
 #include "server/store/OpenDatabase.h"
 

@@ -1,5 +1,6 @@
 #include "server/ops/Import.h"
 
+#include <fmt/format.h>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -29,7 +30,7 @@ void Import(const std::filesystem::path& folder, Database& database)
             Requirements::Read(text);
             sets[referrer] = std::move(text);
         } catch (const std::exception& error) {
-            throw std::runtime_error(entry.path().string() + ": " + error.what());
+            throw std::runtime_error(fmt::format("{}: {}", entry.path().string(), error.what()));
         }
     }
     if (sets.empty())

@@ -77,7 +77,7 @@ void AppendEndpoints(Page& page, const Metrics& metrics)
 {
     const auto forEndpoints = [&](auto append) {
         for (const EndpointMetrics* endpoint : {&metrics.publicEndpoint, &metrics.adminEndpoint})
-            append(Label("door", endpoint->name), *endpoint);
+            append(Label("endpoint", endpoint->name), *endpoint);
     };
     page.Metric("kel_http_requests_total", "counter", "Requests that were answered, by route and status.");
     forEndpoints([&](const std::string& labels, const EndpointMetrics& endpoint) {

@@ -1,5 +1,6 @@
 #include "server/ops/Purge.h"
 
+#include <fmt/format.h>
 #include <charconv>
 #include <chrono>
 #include <stdexcept>
@@ -12,7 +13,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr int MaxDays = 36'500;
+constexpr int MaxAge = 36'500;
 
 std::chrono::hours ParseAge(const std::string& text)
 {
@@ -20,8 +21,9 @@ std::chrono::hours ParseAge(const std::string& text)
     const char* end = text.data() + text.size();
     const auto read = std::from_chars(text.data(), end, number);
     const std::string_view unit(read.ptr, static_cast<std::size_t>(end - read.ptr));
-    if (read.ec != std::errc() || number < 1 || number > MaxDays || (unit != "d" && unit != "h"))
-        throw std::runtime_error("an age is a number of days or hours like 90d or 12h, not '" + text + "'");
+    if (read.ec != std::errc() || number < 1 || number > MaxAge || (unit != "d" && unit != "h"))
+        throw std::runtime_error(
+            fmt::format("an age is a number of days or hours like 90d or 12h, not '{}'", text));
     return unit == "d" ? std::chrono::days(number) : std::chrono::hours(number);
 }
 

@@ -1,6 +1,7 @@
 #include "server/ops/Restore.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -101,7 +102,7 @@ void Restore(const DatabaseSettings& settings, const std::string& file)
     try {
         version = Prepare(unfinished.path, file);
     } catch (const std::exception& error) {
-        throw std::runtime_error(file + " cannot be restored: " + error.what());
+        throw std::runtime_error(fmt::format("{} cannot be restored: {}", file, error.what()));
     }
     GiveToOwner(unfinished.path, database);
     Sync(unfinished.path);

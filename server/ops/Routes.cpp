@@ -1,6 +1,6 @@
 #include "server/ops/Routes.h"
 
-#include "server/admin/Gate.h"
+#include "server/admin/login/Gate.h"
 #include "server/base/Fault.h"
 #include "server/ops/Health.h"
 #include "server/ops/MetricsPage.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/admin/Settings.h"
+#include "server/admin/login/Settings.h"
 #include "server/base/Metrics.h"
 #include "server/http/Router.h"
 #include "server/http/Server.h"

@@ -1,3 +1,4 @@
+#include <fmt/format.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -100,8 +101,8 @@ void SetLogLevel(const std::string& name)
     constexpr std::array Names{"debug", "info", "warning", "error"};
     const auto* found = std::find(Names.begin(), Names.end(), name);
     if (found == Names.end())
-        throw std::runtime_error("setting 'log_level' needs debug, info, warning or error, not '" + name +
-                                 "'");
+        throw std::runtime_error(
+            fmt::format("setting 'log_level' needs debug, info, warning or error, not '{}'", name));
     kel::server::SetLogLevel(static_cast<Level>(found - Names.begin()));
 }
 

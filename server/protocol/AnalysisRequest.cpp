@@ -1,5 +1,6 @@
 #include "server/protocol/AnalysisRequest.h"
 
+#include <fmt/format.h>
 #include <cstring>
 
 #include "server/base/Fault.h"
@@ -21,7 +22,7 @@ AnalysisRequest AnalysisRequest::Read(std::string_view xml)
         throw Fault(400, "the body is not an analysis request");
     for (const char* name : {"SessionID", "ItemID", "UserID", "Format", "Schema"}) {
         if (std::strlen(root.child_value(name)) > MaxTextBytes)
-            throw Fault(400, std::string("the request's ") + name + " is too long");
+            throw Fault(400, fmt::format("the request's {} is too long", name));
     }
     return {root.child_value("SessionID"), root.child_value("ItemID"), root.child_value("UserID"),
             root.child_value("Format"), root.child_value("Schema")};

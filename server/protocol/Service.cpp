@@ -1,5 +1,6 @@
 #include "server/protocol/Service.h"
 
+#include <fmt/format.h>
 #include <random>
 
 #include "server/base/Fault.h"
@@ -77,10 +78,10 @@ Answer Service::Upload(std::string body)
     Clean(body);
     // Before it is parsed: as a tree, tiny elements take many times their bytes.
     if (CountElements(body) > MaxElements)
-        throw Fault(413, "the report has more than " + std::to_string(MaxElements) + " elements");
+        throw Fault(413, fmt::format("the report has more than {} elements", MaxElements));
     const auto report = std::make_shared<const Report>(Report::Read(body));
     if (report->Count() > MaxGroups)
-        throw Fault(413, "the report has more than " + std::to_string(MaxGroups) + " groups");
+        throw Fault(413, fmt::format("the report has more than {} groups", MaxGroups));
     const std::string& session = report->Text(Report::Session);
     const std::string& referrer = report->Text(Report::Referrer);
     const std::string& machine = report->Text(Report::Machine);

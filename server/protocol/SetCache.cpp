@@ -1,13 +1,8 @@
 #include "server/protocol/SetCache.h"
+
 #include "server/store/RequirementSets.h"
 
 namespace kel::server {
-
-namespace {
-
-constexpr std::size_t MaxSets = 1000;  // more versions than a service has products; the oldest goes
-
-}  // namespace
 
 std::shared_ptr<const Requirements> SetCache::Get(std::int64_t set)
 {
@@ -19,7 +14,7 @@ std::shared_ptr<const Requirements> SetCache::Get(std::int64_t set)
     }
     auto read = std::make_shared<const Requirements>(Requirements::Read(RequirementSets(database).Text(set)));
     const std::lock_guard lock(turn);
-    if (sets.size() >= MaxSets)
+    if (sets.size() >= maxSets)
         sets.erase(sets.begin());
     sets[set] = read;
     return read;

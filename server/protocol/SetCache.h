@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -13,13 +14,19 @@ namespace kel::server {
 /// which version is a referrer's newest is asked of the store each time. For any thread.
 class SetCache {
 public:
-    explicit SetCache(Database& database) : database(database) {}
+    static constexpr std::size_t MaxSets = 1000;  // more versions than a service has products
+
+    explicit SetCache(Database& database, std::size_t maxSets = MaxSets)
+        : database(database), maxSets(maxSets)
+    {
+    }
 
     /// Throws std::runtime_error when the stored text cannot be read.
     std::shared_ptr<const Requirements> Get(std::int64_t set);
 
 private:
     Database& database;
+    const std::size_t maxSets;  // past it the oldest version goes
     std::mutex turn;
     std::map<std::int64_t, std::shared_ptr<const Requirements>> sets;
 };

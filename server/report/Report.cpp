@@ -1,9 +1,11 @@
 #include "server/report/Report.h"
 
 #include <charconv>
+#include <limits>
 
 #include "server/base/Fault.h"
 #include "server/report/Xml.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -58,6 +60,17 @@ const std::string& Report::Text(int group) const
     static const std::string nothing;
     const std::string* value = Value(group);
     return value ? *value : nothing;
+}
+
+bool Report::Has(int group) const
+{
+    const std::string id = std::to_string(group);
+    for (auto value = values.lower_bound({id, std::numeric_limits<long>::min()});
+         value != values.end() && value->first.first == id; ++value) {
+        if (!Trim(value->second).empty())
+            return true;
+    }
+    return false;
 }
 
 std::size_t Report::Bytes() const

@@ -30,6 +30,8 @@ public:
     ValueLookup Lookup() && = delete;
     /// The text of a group's first value, empty when there is none.
     const std::string& Text(int group) const;
+    /// Whether a value of the group, of any index, is not blank.
+    bool Has(int group) const;
     std::size_t Count() const { return values.size(); }
     /// About how much memory it takes.
     std::size_t Bytes() const;

@@ -1,5 +1,7 @@
 #include "server/store/Accounts.h"
 
+#include <fmt/format.h>
+
 #include "server/store/Audit.h"
 #include "server/store/Rows.h"
 
@@ -45,7 +47,7 @@ void Accounts::Save(const Account& account, const std::string& by)
             "ON CONFLICT (name) DO UPDATE SET hash = excluded.hash, role = excluded.role",
             {account.name, account.hash, role});
         connection.Query("DELETE FROM login_session WHERE account = $1", {account.name});
-        return Audit::AddEntry(connection, by, "account written", account.name + ", " + role);
+        return Audit::AddEntry(connection, by, "account written", fmt::format("{}, {}", account.name, role));
     });
 }
 

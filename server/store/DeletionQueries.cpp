@@ -1,5 +1,8 @@
 // The part of Reports that deletes them.
 #include "server/store/Audit.h"
+
+#include <fmt/format.h>
+
 #include "server/store/Reports.h"
 
 namespace kel::server {
@@ -10,7 +13,7 @@ namespace {
 DeletionEntry Written(SqlConnection& connection, DeletionEntry entry, int count)
 {
     entry.reports += count;
-    const std::string subject = entry.subject + ", " + std::to_string(entry.reports) + " reports";
+    const std::string subject = fmt::format("{}, {} reports", entry.subject, entry.reports);
     if (entry.id == 0)
         entry.id = Audit::AddEntry(connection, entry.account, entry.action, subject);
     else if (count > 0)

@@ -1,5 +1,6 @@
 #include "server/store/Migrations.h"
 
+#include <fmt/format.h>
 #include <stdexcept>
 #include <string>
 
@@ -17,9 +18,9 @@ int RequireKnownVersion(SqlConnection& connection)
     const int version = connection.Version();
     const int newest = NewestVersion(connection);
     if (version > newest) {
-        throw std::runtime_error("the database has version " + std::to_string(version) +
-                                 ", which is newer than " + std::to_string(newest) +
-                                 ", the newest that this program knows");
+        throw std::runtime_error(fmt::format(
+            "the database has version {}, which is newer than {}, the newest that this program knows",
+            version, newest));
     }
     return version;
 }

@@ -9,8 +9,6 @@ namespace kel::server {
 
 namespace {
 
-constexpr int Unavailable = 503;
-
 std::unique_ptr<SqliteConnection> ConnectSqlite(const DatabaseSettings& settings, SqliteConnection::Mode mode)
 {
     return std::make_unique<SqliteConnection>(settings.location, mode,

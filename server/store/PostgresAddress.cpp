@@ -19,7 +19,6 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr int Unavailable = 503;
 constexpr std::chrono::seconds ConnectLimit{5};
 constexpr milliseconds ProbeLimit{1000};
 

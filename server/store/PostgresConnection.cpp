@@ -1,5 +1,6 @@
 #include "server/store/PostgresConnection.h"
 
+#include <fmt/format.h>
 #include <poll.h>
 
 #include <algorithm>
@@ -14,7 +15,6 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr int Unavailable = 503;
 // The server ends a statement first, and the connection stays good.
 constexpr std::chrono::seconds MaxWait{15}, MaxMigrationWait{24 * 3600};
 constexpr std::chrono::milliseconds ProbeInterval{1000};
@@ -121,7 +121,7 @@ int PostgresConnection::Version()
 
 void PostgresConnection::SetVersion(int version)
 {
-    Execute("UPDATE kel_schema SET version = " + std::to_string(version));
+    Execute(fmt::format("UPDATE kel_schema SET version = {}", version));
 }
 
 void PostgresConnection::BeginMigration()
@@ -196,7 +196,7 @@ void PostgresConnection::Wait(steady_clock::time_point end)
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - steady_clock::now());
         if (left.count() <= 0) {
             lost = true;
-            Fail("no answer for " + std::to_string(maxWait.count()) + " seconds");
+            Fail(fmt::format("no answer for {} seconds", maxWait.count()));
         }
         ready = Poll(Get(), events, std::min(left, ProbeInterval));
         if (ready == 0 && address.HasOtherPrimary(Get())) {

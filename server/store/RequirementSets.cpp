@@ -1,5 +1,7 @@
 #include "server/store/RequirementSets.h"
 
+#include <fmt/format.h>
+
 #include "server/store/Audit.h"
 #include "server/store/Rows.h"
 
@@ -38,7 +40,7 @@ int PublishNow(SqlConnection& connection, const std::string& referrer, const std
         "INSERT INTO requirement_set (referrer, version, published, text, author) "
         "SELECT id, $1, $2, $3, $4 FROM referrer WHERE name = $5",
         {std::int64_t{version}, Now(), text, author, referrer});
-    Audit::AddEntry(connection, account, "published", referrer + ", version " + std::to_string(version));
+    Audit::AddEntry(connection, account, "published", fmt::format("{}, version {}", referrer, version));
     return version;
 }
 

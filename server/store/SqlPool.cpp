@@ -8,9 +8,8 @@ namespace {
 
 using std::chrono::steady_clock;
 
-constexpr int Unavailable = 503;
 constexpr std::chrono::seconds Patience{10};
-constexpr std::chrono::seconds Pause{1};
+constexpr std::chrono::seconds RetryPause{1};
 
 }  // namespace
 
@@ -68,7 +67,7 @@ std::unique_ptr<SqlConnection> SqlPool::TryOpen(std::unique_lock<std::mutex>& lo
     }
     lock.lock();
     if (!connection) {
-        retry = steady_clock::now() + Pause;
+        retry = steady_clock::now() + RetryPause;
         failure = std::move(reason);
         --lent;
         returned.notify_all();

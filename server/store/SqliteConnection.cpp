@@ -1,5 +1,6 @@
 #include "server/store/SqliteConnection.h"
 
+#include <fmt/format.h>
 #include <cerrno>
 #include <stdexcept>
 
@@ -11,7 +12,6 @@ namespace kel::server {
 
 namespace {
 
-constexpr int Unavailable = 503;
 constexpr int BusyMilliseconds = 10'000;
 constexpr int LogMilliseconds = 200;
 constexpr std::int64_t ApplicationId =
@@ -75,8 +75,8 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
     const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
     database.reset(opened);
     if (result != SQLITE_OK)
-        throw Fault(Unavailable,
-                    "database: " + path + ": " + (opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));
+        throw Fault(Unavailable, fmt::format("database: {}: {}", path,
+                                             opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));
     sqlite3_busy_timeout(opened, BusyMilliseconds);
     sqlite3_create_function(opened, "octet_length", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                             OctetLength, nullptr, nullptr);
@@ -157,8 +157,7 @@ int SqliteConnection::Version()
 
 void SqliteConnection::SetVersion(int version)
 {
-    Execute("PRAGMA application_id = " + std::to_string(ApplicationId) +
-            "; PRAGMA user_version = " + std::to_string(version));
+    Execute(fmt::format("PRAGMA application_id = {}; PRAGMA user_version = {}", ApplicationId, version));
 }
 
 sqlite3_stmt* SqliteConnection::Prepare(const std::string& sql)

@@ -17,7 +17,7 @@ namespace kel::test {
 /// The built DLL, loaded from outside as the COM loader does.
 class ControlDll {
 public:
-    ControlDll() : library(LoadLibraryW(KEL_DLL_PATH)) {}
+    explicit ControlDll(const wchar_t* path = KEL_DLL_PATH) : library(LoadLibraryW(path)) {}
 
     HMODULE Handle() const { return library.get(); }
 

@@ -54,11 +54,23 @@ constexpr Group Groups[] = {
     {OutOfMemory, Handle, "RegOpenKeyExW RegCreateKeyExW BCryptOpenAlgorithmProvider"},
     {Never, -Handle, "RegCloseKey InternetCloseHandle BCryptCloseAlgorithmProvider"},
     {0, 0,
-     "CreateThread FindResourceW LoadLibraryExW LoadResource LockResource SizeofResource GetModuleHandleW "
+     "CreateThread FindResourceW LoadResource LockResource SizeofResource GetModuleHandleW "
      "GetModuleHandleExW GetModuleFileNameW GetProcAddress GetVersionExW GetProductInfo IsWow64Process "
-     "GlobalMemoryStatusEx GetPwrCapabilities QueryPerformanceFrequency MultiByteToWideChar "
+     "IsWow64Process2 GetLogicalProcessorInformationEx OpenProcessToken GetTokenInformation "
+     "GetPhysicallyInstalledSystemMemory GlobalMemoryStatusEx GetPwrCapabilities QueryPerformanceFrequency "
+     "MultiByteToWideChar "
      "WideCharToMultiByte StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW "
      "InternetSetStatusCallbackW"},
+    {0, 0, "LoadLibraryExW",
+     [](const Word* a) {
+         const auto flags = static_cast<DWORD>(a[2]);
+         if (EdgeFaults::refusesSystemFlag && flags == LOAD_LIBRARY_SEARCH_SYSTEM32) {
+             ++EdgeFaults::refusals;
+             SetLastError(ERROR_INVALID_PARAMETER);
+             return Word(0);
+         }
+         return reinterpret_cast<Word>(LoadLibraryExW(At<wchar_t>(a[0]), nullptr, flags));
+     }},
     {OutOfMemory, 0,
      "RegQueryValueExW RegEnumKeyExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW "
      "RegOverridePredefKey BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid "
@@ -168,7 +180,7 @@ void Hook(void** slot, std::string_view name)
 /// Called by the loader before a module runs, with flags, path, name and address.
 void CALLBACK HookImports(ULONG, const Word* loaded, void*)
 {
-    if (std::wstring_view(At<UNICODE_STRING>(loaded[2])->Buffer) != L"Detection.dll")
+    if (!std::wstring_view(At<UNICODE_STRING>(loaded[2])->Buffer).starts_with(L"Detection"))
         return;
     const Word module = loaded[3];
     const auto offset = static_cast<Word>(At<IMAGE_DOS_HEADER>(module)->e_lfanew);

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include "detectors/OpticalDrives.h"
 #include "support/Machines.h"
 #include "support/ShowAnswers.h"
 #include "support/StorageAnswers.h"

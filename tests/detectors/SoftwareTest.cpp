@@ -27,14 +27,21 @@ void ExpectOnlyPlacesOfTables(const test::PlantedSoftware& planted)
 {
     constexpr const wchar_t* AppPaths = L"software\\microsoft\\windows\\currentversion\\app paths\\";
     std::set<std::wstring> programs,
-        places = {L"software\\clients\\startmenuinternet", L"software\\registeredapplications",
-                  L"software\\microsoft\\windows\\shell\\associations\\urlassociations\\https\\userchoice"};
+        places = {
+            L"software\\clients\\startmenuinternet", L"software\\registeredapplications",
+            L"software\\microsoft\\windows\\shell\\associations\\urlassociations\\https\\userchoice",
+            L"software\\microsoft\\windows\\shell\\associations\\urlassociations\\https\\userchoicelatest",
+            L"software\\microsoft\\windows\\shell\\associations\\urlassociations\\https\\userchoicelatest\\"
+            L"progid"};
     for (const auto table : {BrowserTable(), ApplicationTable(), RuntimeTable()}) {
         for (const Product& product : table) {
             for (const std::wstring_view program : SplitList(product.programs))
                 programs.insert(ToLower(std::wstring(FileNameOf(program))));
-            for (const Locator& locator : product.locators)
+            for (const Locator& locator : product.locators) {
+                if (locator.condition != nullptr)
+                    places.insert(ToLower(locator.condition->key));
                 places.insert(ToLower(locator.where).substr(0, ToLower(locator.where).find(L"\\*")));
+            }
         }
     }
     for (const std::wstring& path : planted.files)
@@ -111,9 +118,15 @@ TEST_F(FaultySoftware, GivesWhatTheOtherSourcesHaveWhenOneFails)
     expected.emplace_back(L"73229[0]=4.4");
     const test::LogCapture log(2);
     EXPECT_EQ(test::FindSoftware(planted.functions), expected);
-    EXPECT_EQ(log.Lines(), (Lines{L"WARN The installer cannot list its products: 1601",
-                                  L"ERR Error while looking for a product."}));
-    EXPECT_EQ(refused, 1);
+    const std::wstring warning = L"WARN The installer cannot list its products: 1601";
+    EXPECT_EQ(log.Lines(), (Lines{warning, warning, L"ERR Error while looking for a product."}));
+    EXPECT_EQ(refused, 2);  // once in each detector
+    const test::TestSession session;
+    Software().Detect(planted.functions);
+    Applications().Detect(planted.functions);
+    EXPECT_EQ(session.Text(73552), L"No");
+    EXPECT_EQ(session.Text(73553), L"");  // of the installer alone
+    EXPECT_EQ(session.Text(73240), L"");  // of which reading threw
 }
 
 TEST(Applications, AskEachOfTenThousandEntriesForItsNameOnly)

@@ -101,6 +101,21 @@ class Editing(AdminTest):
         self.assertEqual(self.act("save", "{", 0)[0], 303)  # work that is not done can be saved, not published
         self.assertEqual(self.act("", "{", 3, "publish")[0], 400)
 
+    def test_the_values_of_a_draft_are_explained(self):
+        self.upload("blank", v71063=" ")
+        draft = requirements((71063, "M", "any"), (71254, "P", "any"), (71072, "V", "any"), (71296, "C", "any"),
+                             (71390, "F", "any"), (4711, "X", "any")).replace('"P",', '"P", "of": "any",')
+        for action in "check", "try":
+            rows = {row[0]: row[1:] for row in PageParser(self.act(action, draft)[1]).cells(0, 2, 3)}
+            for number, reported, notes in (
+                    ("71063", "8 of 9", ("Use 73440",)), ("71254", "8 of 9", ('"of": "any" has no effect',)),
+                    ("71072", "0 of 9", ("Use 73400", "Not asked for by")), ("71296", "0 of 9", ("On ARM64", "73405")),
+                    ("71390", "0 of 9", ("On ARM64", "73405")), ("4711", "0 of 9", ("only a page can set it",))):
+                self.assertEqual(rows[number][0], reported, f"{action} {number}")
+                for note in notes:
+                    self.assertIn(note, rows[number][1], f"{action} {number}")
+            self.assertNotIn("Not asked for by", rows["71063"][1], action)
+
     def test_what_takes_long_is_left_out(self):
         self.upload("large", v71060="\u00e9" * 64_000)
         self.judged("large")

@@ -46,7 +46,7 @@ class Crowds(DeployedTest):
 
     def test_connections_are_counted_and_their_places_given_back(self):
         crowd = [self.connect() for _ in range(220)]
-        self.ask("GET", "/healthz", address=self.admin)  # a door of its own, open to the operator
+        self.ask("GET", "/healthz", address=self.admin)  # an endpoint of its own, open to the operator
         self.await_answer(self.status_or_nothing, b"")
         for connection in crowd:
             connection.close()
@@ -75,7 +75,7 @@ class Crowds(DeployedTest):
         for size, bodies, small, large in ((250_000, 8 * 250_384, 200, 503), (16_000, 128 * 16_384, 503, 200)):
             halves = [self.connect(HEAD + b"Content-Length: %d\r\n\r\n" % (size + 384) + b" " * size)
                       for _ in range(2_097_152 // size)]
-            self.await_answer(lambda: int(re.search(rb'bodies_bytes{door="public"} (\d+)', self.ask(
+            self.await_answer(lambda: int(re.search(rb'bodies_bytes{endpoint="public"} (\d+)', self.ask(
                 "GET", "/metrics", address=self.admin)[1])[1]), bodies)
             self.assertEqual(self.ask("POST", UPLOAD, padded(100_000))[0], large)
             self.assertEqual(self.ask("POST", UPLOAD, padded(16_384))[0], small)
@@ -104,7 +104,7 @@ class Crowds(DeployedTest):
         self.start("--answer-seconds", "1")
         with self.deaf(b"GET /global/tests/test_2.bin HTTP/1.1\r\nHost: x\r\n\r\n" * 20):
             for count in (b"1", b"0"):  # it is there, and then it is not
-                self.await_answer(lambda: re.search(rb'connections{door="public"} (\d)', self.ask(
+                self.await_answer(lambda: re.search(rb'connections{endpoint="public"} (\d)', self.ask(
                     "GET", "/metrics", address=self.admin)[1])[1], count)
 
     def test_a_client_that_stays_after_a_refusal_is_gone_after_a_time(self):
@@ -112,7 +112,7 @@ class Crowds(DeployedTest):
         self.start("--answer-seconds", "3600")
         refused = self.connect(HEAD + b"Content-Length: 9999999\r\n\r\n")
         self.assertEqual(refused.recv(4096)[9:12], b"413")
-        self.await_answer(lambda: re.search(rb'connections{door="public"} (\d)', self.ask(
+        self.await_answer(lambda: re.search(rb'connections{endpoint="public"} (\d)', self.ask(
             "GET", "/metrics", address=self.admin)[1])[1], b"0")
 
     def deaf(self, data):

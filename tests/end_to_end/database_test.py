@@ -187,7 +187,7 @@ class Faults(DataTest):
         with self.database.held():
             upload = threading.Thread(target=lambda: answers.append(self.upload("slow")))
             upload.start()
-            self.await_answer(lambda: b'kel_bodies_bytes{door="public"} 0\n' in self.ask(
+            self.await_answer(lambda: b'kel_bodies_bytes{endpoint="public"} 0\n' in self.ask(
                 "GET", "/metrics", address=self.admin)[1], False)
             self.process.terminate()
             time.sleep(0.5)  # a stop that does not wait takes less

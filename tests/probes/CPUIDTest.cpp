@@ -14,10 +14,12 @@ namespace {
 
 CPUID Chip(const std::map<std::uint32_t, CpuRegisters>& leaves)
 {
-    return CPUID([leaves](std::uint32_t leaf) {
-        const auto found = leaves.find(leaf);
-        return found != leaves.end() ? found->second : CpuRegisters{};
-    });
+    return CPUID(
+        [leaves](std::uint32_t leaf) {
+            const auto found = leaves.find(leaf);
+            return found != leaves.end() ? found->second : CpuRegisters{};
+        },
+        [] { return 0; });
 }
 
 /// What is reported of a chip with a vendor's 12 characters in leaf 0.

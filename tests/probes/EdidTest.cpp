@@ -47,7 +47,11 @@ TEST(Edid, LeavesOutWhatAMonitorDoesNotSay)
 {
     using Changes = std::map<std::size_t, BYTE>;
     const Changes noMode = {{54, 0}, {55, 0}, {72, 0}, {73, 0}, {90, 0}, {91, 0}, {108, 0}, {109, 0}};
+    Changes filler = noMode;
+    for (std::size_t place = 54; place < 72; ++place)
+        filler[place] = 1;  // 1x1
     const std::pair<Changes, const wchar_t*> rows[] = {
+        {filler, L"DISPLAY\\DELA0BE||240|530|300|2016"},
         {{{71, 0x9E}, {59, 0x1C}, {61, 0x20}}, L"DISPLAY\\DELA0BE|3840x1080|238|527|296|2016"},  // interlaced
         {noMode, L"DISPLAY\\DELA0BE||240|530|300|2016"},
         {{{21, 0}, {22, 0}}, L"DISPLAY\\DELA0BE|3840x2160||||2016"},             // a projector
@@ -75,6 +79,17 @@ TEST(Edid, LeavesOutWhatAMonitorDoesNotSay)
         place[2] = 1;  // no text, by its first three bytes
         EXPECT_STREQ(ReadEdid(test::Summed(bytes))->name.ToString(), L"");
     }
+    // A second name counts where the first is blank.
+    Bytes two = Sample();
+    const char* text = "\n            ";
+    for (std::size_t place = 54; place < 126; place += 18) {
+        if (two[place] != 0 || (two[place + 3] != 0xFC && two[place + 3] != 0xFF))
+            continue;
+        two[place + 3] = 0xFC;
+        std::copy_n(text, 13, two.begin() + static_cast<int>(place) + 5);
+        text = "Second\n      ";
+    }
+    EXPECT_STREQ(ReadEdid(test::Summed(two))->name.ToString(), L"Second");
 }
 
 TEST(Edid, IsTheOverrideBeforeTheMonitorsOwn)

@@ -36,7 +36,7 @@ std::wstring Joined(const Values&... values)
     return ((std::wstring(values.ToString()) + L"|") + ...);
 }
 
-/// What all six listings return, "1" for true.
+/// What all listings return, "1" for true, and whether the last two know an answer.
 std::string AskAll(SetupLib& library)
 {
     std::vector<DiskInfo> disks;
@@ -48,7 +48,8 @@ std::string AskAll(SetupLib& library)
     std::string results;
     for (const bool result :
          {library.GetHardDriveInfo(disks), library.GetGpuInfo(adapters), library.GetScsiInfo(controllers),
-          library.GetCDRomInfo(drives), library.GetNetworkDeviceInfo(networks), library.GetSoundInfo(sounds)})
+          library.GetCDRomInfo(drives), library.GetNetworkDeviceInfo(networks), library.GetSoundInfo(sounds),
+          library.CountCameras().has_value(), library.HasBluetooth().has_value()})
         results += result ? '1' : '0';
     return results;
 }
@@ -105,7 +106,7 @@ TEST(SetupLib, ListsDisplayAdaptersWithTheirFallbacks)
     std::wstring shown;
     for (const GpuInfo& info : std::span(infos).last(2))  // after the system's own
         shown += Joined(info.description, info.driverVersion.value(), info.chipType, info.dacType,
-                        info.driverDescription, info.videoMemory.value(), info.deviceId);
+                        info.driverDescription, info.driverMemory.value(), info.deviceId);
     EXPECT_EQ(shown,
               L"of the device|4.1|Chip|Dac|Driver|6.0 GB|PCI\\VEN_10DE&DEV_1C03|"
               L"of the driver|1.0|C|D||5.0 GB|PCI\\VEN_1002&DEV_67DF|");
@@ -179,19 +180,19 @@ TEST(SetupLib, ReportsAFailureOfEachCallAndGoesOn)
                        error = L" key: 3758096900";
     const std::tuple<SetupLib::Loader, DWORD, const char*, std::wstring> rows[] = {
         // how it is loaded, how calls fail, what the listings return, and lines that are written
-        {[](Table&) { return SetLastError(126), false; }, 0, "000000",
+        {[](Table&) { return SetLastError(126), false; }, 0, "00000000",
          L"ERR Failure to load setupapi.dll: 126" + init},
-        {[](Table&) { return true; }, 0, "000000",
+        {[](Table&) { return true; }, 0, "00000000",
          L"ERR Error getting proc addresses from Setup library." + init},
-        {[](Table&) -> bool { throw 1; }, 0, "000000", L"ERR Error initializing Setup library." + init},
-        {With(&Table::getClassDevs, &NoSet), 5, "000000",
+        {[](Table&) -> bool { throw 1; }, 0, "00000000", L"ERR Error initializing Setup library." + init},
+        {With(&Table::getClassDevs, &NoSet), 5, "00000000",
          L"WARN SetupDiGetClassDevs failed with error: 5" + noSet + L"GetGpuInfo" + noSet + L"GetCDRomInfo" +
              sound + sound},
-        {With(&Table::getClassDevs, &NoSet), 0, "000000", L"ERR Error in call to SetupDiGetClassDevs."},
-        {With(&Table::getDeviceRegistryProperty, &NoProperty), 31, "111111",
+        {With(&Table::getClassDevs, &NoSet), 0, "00000000", L"ERR Error in call to SetupDiGetClassDevs."},
+        {With(&Table::getDeviceRegistryProperty, &NoProperty), 31, "11111111",
          L"WARN SetupDiGetDeviceRegistryProperty failed with error: 31" + noKey + L"hardware" + error +
              noKey + L"software" + error},
-        {With(&Table::getDeviceRegistryProperty, &NoProperty), 0, "000111",
+        {With(&Table::getDeviceRegistryProperty, &NoProperty), 0, "00011111",
          L"ERR Error in GetHardDriveInfo;ERR Error in GetGpuInfo;ERR Error in GetScsiInfo"},
     };
     for (const auto& [load, how, expected, lines] : rows) {

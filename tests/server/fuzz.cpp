@@ -8,10 +8,10 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/Generator.h"
-#include "server/admin/Csv.h"
 #include "server/admin/DraftCheck.h"
-#include "server/admin/Form.h"
-#include "server/admin/Html.h"
+#include "server/admin/kit/Csv.h"
+#include "server/admin/kit/Form.h"
+#include "server/admin/kit/Html.h"
 #include "server/http/Target.h"
 #include "server/protocol/AnalysisRequest.h"
 #include "server/report/Characters.h"
@@ -159,11 +159,12 @@ Check ReadComparison(std::string_view text)
             return std::ranges::find(names, name) != names.end();
         };
         Expect(Compare(*comparison, bare, needed) != Result::Fail ||
-                   (isAmong({"yes", "no"})                      ? bare == "yes" || bare == "no"
-                    : isAmong({"equals", "one of", "contains"}) ? !bare.empty()
-                                                                : std::isdigit(bare[0]) != 0),
+                   (isAmong({"yes", "no"})                                 ? bare == "yes" || bare == "no"
+                    : isAmong({"equals", "one of", "none of", "contains"}) ? !bare.empty()
+                                                                           : std::isdigit(bare[0]) != 0),
                "what cannot be read never fails");
-        if (!isAmong({"any", "yes", "no", "one of"}) && comparison->unsatisfiableReason(needed).empty())
+        if (!isAmong({"any", "yes", "no", "one of", "none of"}) &&
+            comparison->unsatisfiableReason(needed).empty())
             Expect(Compare(*comparison, NormalizeValue(needed), needed) == Result::Pass,
                    "what is needed is enough");
     };

@@ -1,7 +1,7 @@
 // What the service remembers for a while, within bounds: reports, and failed log-ins.
 #include <gtest/gtest.h>
 
-#include "server/admin/Throttle.h"
+#include "server/admin/login/Throttle.h"
 #include "server/protocol/ReportCache.h"
 
 namespace kel::server {

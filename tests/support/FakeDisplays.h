@@ -3,10 +3,13 @@
 
 #include <cstring>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "probes/graphics/DisplayFunctions.h"
+#include "support/Split.h"
+#include "values/Resolution.h"
 
 namespace kel::test {
 
@@ -22,6 +25,9 @@ struct Screen {
     int isHdr = -1;         ///< -1: the system does not report it
     UINT32 pixelFormat = DISPLAYCONFIG_PIXELFORMAT_32BPP;
     LUID adapter = {};  ///< sources are numbered on each from 0
+    Resolution preferred = {};
+    int isHdr2 = -1;          ///< by the newer request
+    std::wstring modes = {};  ///< such as "1920x1080@144", with blanks between them
 };
 
 struct FakeDisplays {
@@ -29,6 +35,9 @@ struct FakeDisplays {
     bool hasPaths = true, hasDevices = true;
     int shortAnswers = 0;  ///< how often a monitor is plugged in between two calls
     bool isRemote = false;
+    std::wstring deviceName = L"Generic PnP Monitor";  ///< of each, by its driver
+    std::optional<DWORD> session;
+    std::optional<UINT> dpi;  ///< of the primary display
 
     std::wstring PathOf(const Screen& screen) const
     {
@@ -69,6 +78,8 @@ struct FakeDisplays {
             return ERROR_SUCCESS;
         };
         functions.displayConfigGetDeviceInfo = [this](DISPLAYCONFIG_DEVICE_INFO_HEADER* header) -> LONG {
+            if (header->type == DISPLAYCONFIG_DEVICE_INFO_GET_SOURCE_NAME)
+                return GiveSourceName(reinterpret_cast<DISPLAYCONFIG_SOURCE_DEVICE_NAME&>(*header));
             const Screen& screen = screens[header->id];
             if (std::memcmp(&header->adapterId, &screen.adapter, sizeof(LUID)) != 0)
                 return ERROR_INVALID_PARAMETER;
@@ -78,7 +89,17 @@ struct FakeDisplays {
                 wcscpy(out.monitorDevicePath, PathOf(screen).c_str());
                 return ERROR_SUCCESS;
             }
-            if (screen.isHdr < 0)
+            if (header->type == DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_PREFERRED_MODE) {
+                auto& mode = *reinterpret_cast<DISPLAYCONFIG_TARGET_PREFERRED_MODE*>(header);
+                mode.width = screen.preferred.Width();
+                mode.height = screen.preferred.Height();
+                return screen.preferred.HasValue() ? ERROR_SUCCESS : ERROR_NOT_SUPPORTED;
+            }
+            if (static_cast<int>(header->type) == 15 && screen.isHdr2 >= 0) {
+                reinterpret_cast<UINT32*>(header + 1)[0] = screen.isHdr2 != 0 ? 0x1F : 0x0F;
+                return ERROR_SUCCESS;
+            }
+            if (screen.isHdr < 0 || header->type != DISPLAYCONFIG_DEVICE_INFO_GET_ADVANCED_COLOR_INFO)
                 return ERROR_NOT_SUPPORTED;
             reinterpret_cast<DISPLAYCONFIG_GET_ADVANCED_COLOR_INFO*>(header)->advancedColorSupported =
                 screen.isHdr != 0;
@@ -95,13 +116,15 @@ struct FakeDisplays {
             if (adapter == nullptr)
                 return TRUE;
             const Screen& screen = screens[std::stoul(adapter)];
-            wcscpy(out->DeviceString, L"Generic PnP Monitor");
+            wcscpy(out->DeviceString, deviceName.c_str());
             wcscpy(out->DeviceID, PathOf(screen).c_str());
             out->StateFlags = DISPLAY_DEVICE_ACTIVE;
             return TRUE;
         };
-        functions.enumDisplaySettings = [this](LPCWSTR adapter, DWORD, DEVMODEW* mode, DWORD) {
+        functions.enumDisplaySettings = [this](LPCWSTR adapter, DWORD number, DEVMODEW* mode, DWORD) {
             const Screen& screen = screens[std::stoul(adapter)];
+            if (number != ENUM_CURRENT_SETTINGS)
+                return GiveMode(screen, number, *mode);
             mode->dmPosition = {screen.x, screen.y};
             mode->dmPelsWidth = screen.width;
             mode->dmPelsHeight = screen.height;
@@ -120,7 +143,36 @@ struct FakeDisplays {
             return monitors;
         };
         functions.getSystemMetrics = [this](int index) { return index == SM_REMOTESESSION && isRemote; };
+        functions.getSession = [this] { return session; };
+        functions.getPrimaryDpi = [this] { return dpi; };
         return functions;
+    }
+
+private:
+    /// A source's device has the number of the first screen that shows it.
+    LONG GiveSourceName(DISPLAYCONFIG_SOURCE_DEVICE_NAME& name) const
+    {
+        for (std::size_t place = 0; place < screens.size(); ++place) {
+            if (screens[place].source != name.header.id ||
+                std::memcmp(&screens[place].adapter, &name.header.adapterId, sizeof(LUID)) != 0)
+                continue;
+            wcscpy(name.viewGdiDeviceName, std::to_wstring(place).c_str());
+            return ERROR_SUCCESS;
+        }
+        return ERROR_INVALID_PARAMETER;
+    }
+
+    static BOOL GiveMode(const Screen& screen, DWORD number, DEVMODEW& mode)
+    {
+        const Lines modes = Split(screen.modes, L' ');
+        if (number >= modes.size())
+            return FALSE;
+        Resolution resolution;
+        resolution.Initialize(modes[number].c_str());
+        mode.dmPelsWidth = resolution.Width();
+        mode.dmPelsHeight = resolution.Height();
+        mode.dmDisplayFrequency = std::stoul(modes[number].substr(modes[number].find(L'@') + 1));
+        return TRUE;
     }
 };
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <list>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +22,8 @@ struct Card {
     UINT level11, level12, model;  ///< the highest that its driver has
     UINT driverModel;
     std::uint64_t version;  ///< of the driver, as DXGI reports it
+    std::optional<bool> isIntegratedByDxCore = {}, isIntegratedByKernel = {};
+    UINT rayTracing = 0;  ///< its tier; above 100 the device does not say
 };
 
 class FakeGraphics {
@@ -29,7 +32,7 @@ public:
     {
         factory.Answer(
             12, +[](Object* self, UINT index, IDXGIAdapter1** out) -> HRESULT {
-                return index < self->owner->adapters.size() ? self->owner->At(index).Give(out)
+                return index < self->owner->adapters.size() ? self->owner->Listed(index).Give(out)
                                                             : HRESULT{DXGI_ERROR_NOT_FOUND};
             });
         for (const Card& card : cards) {
@@ -57,7 +60,12 @@ public:
         }
         SetUpDirect3D9();
         device12.Answer(
-            13, +[](Object* self, D3D12_FEATURE, D3D_SHADER_MODEL* model, UINT) -> HRESULT {
+            13, +[](Object* self, D3D12_FEATURE feature, D3D_SHADER_MODEL* model, UINT) -> HRESULT {
+                if (feature == D3D12_FEATURE_D3D12_OPTIONS5) {
+                    reinterpret_cast<D3D12_FEATURE_DATA_D3D12_OPTIONS5*>(model)->RaytracingTier =
+                        static_cast<D3D12_RAYTRACING_TIER>(self->card.rayTracing);
+                    return self->card.rayTracing < 100 ? S_OK : E_INVALIDARG;
+                }
                 if (*model > 0x66)
                     return E_INVALIDARG;  // a runtime that does not know later ones
                 *model = static_cast<D3D_SHADER_MODEL>(self->card.model);
@@ -111,6 +119,16 @@ public:
         functions.getDriverModel = [this](LUID luid) {
             return luid.HighPart == 7 ? At(luid.LowPart - 1).card.driverModel : 0;
         };
+        functions.isIntegratedByDxCore = [this](LUID luid) {
+            return At(luid.LowPart - 1).card.isIntegratedByDxCore;
+        };
+        functions.isIntegratedByKernel = [this](LUID luid) {
+            return At(luid.LowPart - 1).card.isIntegratedByKernel;
+        };
+        functions.readFile = [this](const std::wstring& path) {
+            const std::wstring text = files[path];
+            return std::string(text.begin(), text.end());
+        };
         functions.hasLibrary = [this](const wchar_t* name) {
             return libraries.find(std::wstring(name) + L",") != std::wstring::npos;
         };
@@ -144,8 +162,12 @@ public:
             newestLevel = std::stoul(value, nullptr, 16);
         else if (key == L"no DXGI")
             hasDxgi = false;
+        else if (key == L"reversed")
+            isReversed = true;
         else if (key == L"broken")
             isBroken = true;
+        else if (key.starts_with(L"file "))
+            files[key.substr(5)] = value;
         else
             diagnosis[key] = value;
     }
@@ -162,6 +184,9 @@ private:
 
     Object& At(std::size_t index) { return *std::next(adapters.begin(), static_cast<int>(index)); }
 
+    /// In the order in which the interfaces list them.
+    Object& Listed(std::size_t index) { return At(isReversed ? adapters.size() - 1 - index : index); }
+
     const Card& Find(IUnknown* adapter)
     {
         for (const Object& object : adapters) {
@@ -177,7 +202,7 @@ private:
             4, +[](Object* self) { return static_cast<UINT>(self->owner->adapters.size()); });
         direct3D9.Answer(
             5, +[](Object* self, UINT index, DWORD, D3DADAPTER_IDENTIFIER9* out) -> HRESULT {
-                const Card& card = self->owner->At(index).card;
+                const Card& card = self->owner->Listed(index).card;
                 std::ranges::copy(std::string(card.name.begin(), card.name.end()), out->Description);
                 out->VendorId = card.vendor;
                 out->DeviceId = card.device;
@@ -193,7 +218,7 @@ private:
             });
         direct3D9.Answer(
             21, +[](Object* self, UINT index, LUID* out) -> HRESULT {
-                *out = self->owner->At(index).luid;
+                *out = self->owner->Listed(index).luid;
                 return S_OK;
             });
     }
@@ -237,8 +262,9 @@ private:
     DWORD system = 100;                         // Windows' version, ten times
     UINT newestLevel = D3D_FEATURE_LEVEL_12_1;  // that the runtime knows
     bool hasDxgi = true;
+    bool isReversed = false;
     bool isBroken = false;  // Direct3D 11's driver throws
-    std::map<std::wstring, std::wstring> diagnosis;
+    std::map<std::wstring, std::wstring> diagnosis, files;
     ULONG held = 0;
     std::list<Object> adapters;
     Object factory{*this}, direct3D9{*this}, device10{*this}, device12{*this}, diagnosisClass{*this},

@@ -27,6 +27,14 @@ HRESULT OpenPropertyStore(Endpoint* self, DWORD, IPropertyStore** result)
         value.pwszVal = texts[property].data();
         (*result)->SetValue(keys[property], value);
     }
+    if (!self->content.form.empty()) {
+        constexpr PROPERTYKEY FormKey = {
+            {0x1da5d803, 0xd492, 0x4edd, {0x8c, 0x23, 0xe0, 0xc0, 0xff, 0xee, 0x7f, 0x0e}}, 0};
+        PROPVARIANT value = {};
+        value.vt = VT_UI4;
+        value.ulVal = std::stoul(self->content.form);
+        (*result)->SetValue(FormKey, value);
+    }
     return S_OK;
 }
 

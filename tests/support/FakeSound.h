@@ -12,7 +12,8 @@ namespace kel::test {
 
 struct FakeEndpoint {
     EDataFlow direction;
-    std::wstring device;  ///< as its property has it; empty when it has none
+    std::wstring device;     ///< as its property has it; empty when it has none
+    std::wstring form = {};  ///< the number of its form factor
 };
 
 struct FakeSoundData : FakeServiceData {

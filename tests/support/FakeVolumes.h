@@ -24,7 +24,8 @@ struct FakeVolume {
 struct FakeVolumes {
     std::map<wchar_t, FakeVolume> volumes;
     std::wstring windows = L"C:\\Windows";
-    std::wstring opened;  ///< the letter of each call that opens a volume
+    std::wstring profile;  ///< the folder of the user's local data
+    std::wstring opened;   ///< the letter of each call that opens a volume
 
     VolumeFunctions Functions()
     {
@@ -57,6 +58,8 @@ struct FakeVolumes {
             std::ranges::copy(windows, buffer.begin());
             return static_cast<UINT>(windows.size());
         };
+        functions.getProfileFolder = [this] { return profile; };
+        functions.listDisks = [](const std::wstring&) { return std::vector<std::int32_t>(); };
         return functions;
     }
 

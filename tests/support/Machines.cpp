@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
 #include <stdexcept>
 
 #include "values/Text.h"
@@ -12,16 +13,36 @@ namespace {
 
 /// The words whose fields have names, and the order in which they are planted.
 const std::map<std::wstring, std::wstring> FieldNames = {
-    {L"adapter", L"instance name type medium flags state speed"},
-    {L"card", L"key name vendor device subsystem dedicated shared flags level11 level12 shader wddm driver"},
+    {L"adapter", L"instance name type medium flags state speed container problem"},
+    {L"card",
+     L"key name vendor device subsystem dedicated shared flags level11 level12 shader wddm driver dxcore "
+     L"kernel rays"},
     {L"disk", L"bus vendor product revision bytes seek odd model"},
     {L"drive", L"number bus product profiles media odd"},
-    {L"graphics", L"name instance version matching megabytes qword-megabytes"},
+    {L"graphics",
+     L"name instance version matching megabytes qword-megabytes problem date vulkan radeon chip"},
     {L"note", L"place vendor device level11 megabytes level12 name"},
-    {L"optical", L"instance hardware name number bus product profiles media odd"},
-    {L"screen", L"picture x y width height rate per connector name instance hdr format adapter"},
-    {L"system", L"major minor build type suite architecture edition pack pack-text r2"},
-    {L"volume", L"letter type system gigabytes free target error"}};
+    {L"optical", L"instance hardware name number bus product profiles media odd problem"},
+    {L"screen",
+     L"picture x y width height rate per connector name instance hdr format adapter preferred hdr2 modes"},
+    {L"system",
+     L"major minor build type suite architecture edition pack pack-text r2 true native elevation "
+     L"administrators"},
+    {L"topology", L"cores threads efficient packages cache groups"},
+    {L"volume", L"letter type system gigabytes free target error disk"}};
+
+/// The words in the first column of the page about machines.
+std::set<std::wstring> ReadWords()
+{
+    std::set<std::wstring> words = {L"=", L"+", L"ids"};
+    for (const std::wstring& row : ReadRows("README.md")) {
+        const Lines marked =
+            Split(row.starts_with(L"| `") ? row.substr(2, row.find(L'|', 2) - 2) : L"", L'`');
+        for (const std::wstring& word : marked)
+            words.insert(word);
+    }
+    return words;
+}
 
 /// The values of `name=value` fields, with bars between them, in the order in which they are planted.
 std::wstring InOrder(const std::wstring& line, const std::wstring& names)
@@ -72,6 +93,9 @@ void Machine::Add(const std::wstring& text)
         const std::size_t blank = line.find(L' ');
         const std::wstring word = line.substr(0, blank);
         const std::wstring fields = blank == std::wstring::npos ? L"" : line.substr(blank + 1);
+        static const std::set<std::wstring> words = ReadWords();
+        if (!words.contains(word))
+            throw std::runtime_error("unknown word in: " + Narrow(line));
         const auto names = FieldNames.find(word);
         lines[word].push_back(names == FieldNames.end() ? fields : InOrder(fields, names->second));
     }

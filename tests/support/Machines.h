@@ -20,7 +20,11 @@ public:
     /// What a word says is stored, as "id[index]=text" lines.
     Lines Stored(const wchar_t* word) const;
 
+    /// Puts a line in the place of a word's lines.
+    void Set(const wchar_t* word, const std::wstring& line) { lines[word] = {line}; }
+
     /// Adds a line, or several.
+    /// @throws std::runtime_error for a word or a field that tests/machines/README.md does not have
     void Add(const std::wstring& text);
 
 private:

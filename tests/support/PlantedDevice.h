@@ -24,12 +24,20 @@ class PlantedDevice {
 public:
     /// @param instanceId what distinguishes the device from others; null for one of the test's own
     explicit PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId = nullptr);
+    PlantedDevice(const GUID& deviceClass, const wchar_t* instanceId);
     PlantedDevice(const PlantedDevice&) = delete;
     PlantedDevice& operator=(const PlantedDevice&) = delete;
     ~PlantedDevice();
 
     /// Sets a text property (SPDRP_...). A list of texts has its zeros inside.
     PlantedDevice& With(DWORD property, const std::wstring& text);
+
+    /// Switches it off ("off"), or gives it a problem code; nothing when empty.
+    PlantedDevice& InState(const std::wstring& state);
+
+    /// Puts it into the computer's own container ("own") or into one of its own ("other"); in none when
+    /// empty.
+    PlantedDevice& InContainer(const std::wstring& container);
 
     /// Makes the device's key, or its driver's, and writes a string into it, or into a subkey.
     PlantedDevice& Device(const wchar_t* name, const std::wstring& text)
@@ -42,6 +50,11 @@ public:
     }
     /// The same with a 64-bit number, as 8 binary bytes.
     PlantedDevice& Driver(const wchar_t* name, ULONGLONG number, const wchar_t* subkey);
+    /// The same with a text as bytes.
+    PlantedDevice& DriverBytes(const wchar_t* name, const std::wstring& text)
+    {
+        return Write(DIREG_DRV, name, REG_BINARY, text.c_str(), (text.size() + 1) * sizeof(wchar_t), nullptr);
+    }
 
 private:
     PlantedDevice& Write(DWORD kind, const wchar_t* name, const std::wstring& text, const wchar_t* subkey);

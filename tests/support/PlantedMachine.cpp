@@ -1,5 +1,10 @@
 #include "support/PlantedMachine.h"
 
+#include <initguid.h>
+
+#include <devguid.h>
+
+#include <algorithm>
 #include <bit>
 #include <functional>
 
@@ -8,6 +13,9 @@
 #include "probes/graphics/DisplayConfig.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/sound/SoundEndpoints.h"
+#include "probes/storage/Disks.h"
+#include "probes/system/Battery.h"
+#include "probes/system/Memory.h"
 #include "run/store/XMLReport.h"
 #include "support/Edids.h"
 #include "support/LogCapture.h"
@@ -22,6 +30,17 @@ namespace {
 /// What the functions without a place for data of the test's answer.
 const Machine* answering = nullptr;
 
+bool areDevicesReversed = false;
+
+/// The system's function, in the system's order or the opposite one.
+BOOL WINAPI EnumDevices(HDEVINFO set, DWORD index, SP_DEVINFO_DATA* device)
+{
+    DWORD count = 0;
+    while (areDevicesReversed && SetupDiEnumDeviceInfo(set, count, device))
+        ++count;
+    return SetupDiEnumDeviceInfo(set, index < count ? count - 1 - index : index, device);
+}
+
 BOOL WINAPI AnswerMemory(MEMORYSTATUSEX* status)
 {
     const Lines fields = FieldsOf(answering->First(L"memory"), 3);
@@ -29,6 +48,21 @@ BOOL WINAPI AnswerMemory(MEMORYSTATUSEX* status)
     status->ullTotalVirtual = NumberOf(fields[1]) << 20;
     status->ullAvailPhys = NumberOf(fields[2]) << 20;
     return TRUE;
+}
+
+BOOL WINAPI AnswerInstalled(ULONGLONG* kilobytes)
+{
+    const std::wstring megabytes = FieldsOf(answering->First(L"memory"), 4)[3];
+    *kilobytes = NumberOf(megabytes) << 10;
+    return !megabytes.empty();
+}
+
+int WINAPI AnswerMetrics(int metric)
+{
+    const Lines fields = FieldsOf(answering->First(L"touch"), 2);
+    return static_cast<int>(metric == SM_MAXIMUMTOUCHES ? NumberOf(fields[0])
+                            : metric == SM_DIGITIZER    ? NumberOf(fields[1], 16)
+                                                        : 0);
 }
 
 BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
@@ -44,6 +78,7 @@ BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
 PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
     : machine(newMachine),
       wmi(newWmi),
+      system(machine),
       software(machine),
       network(machine[L"adapter"]),
       soundDevices(machine[L"sound"])
@@ -53,6 +88,21 @@ PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
     PlantDisplays();
     PlantSound();
     storage.Plant(machine, wmi);
+    areDevicesReversed = !machine[L"reversed"].empty();
+    SetupLib::Instance().Change([](SetupEntryPoints& table) { table.enumDeviceInfo = &EnumDevices; });
+    if (areDevicesReversed)
+        Reverse();
+}
+
+/// The Setup API's devices and the graphics cards are reversed where they are listed.
+void PlantedMachine::Reverse()
+{
+    network.Reverse();
+    std::ranges::reverse(displays.screens);
+    std::ranges::reverse(sound.endpoints);
+    if (sound.defaultOutput >= 0)
+        sound.defaultOutput = static_cast<int>(sound.endpoints.size()) - 1 - sound.defaultOutput;
+    std::ranges::reverse(wmi.objects[L"SELECT * FROM Win32_DiskDrive"]);
 }
 
 void PlantedMachine::PlantBasics()
@@ -69,7 +119,11 @@ void PlantedMachine::PlantBasics()
         std::string bytes;
         for (const std::wstring& byte : Split(fields[3], L' '))
             bytes += static_cast<char>(NumberOf(byte, 16));
-        if (bytes.empty())
+        const bool isNumber = fields[2].starts_with(L'#');
+        const DWORD number = isNumber ? static_cast<DWORD>(NumberOf(fields[2].substr(1))) : 0;
+        if (isNumber)
+            software.machineKeys.Write(fields[0], fields[1].c_str(), REG_DWORD, &number, sizeof(number));
+        else if (bytes.empty())
             software.machineKeys.Write(fields[0], fields[1].c_str(), fields[2]);
         else
             software.machineKeys.Write(fields[0], fields[1].c_str(), REG_BINARY, bytes.data(), bytes.size());
@@ -88,30 +142,21 @@ void PlantedMachine::PlantBasics()
         for (std::size_t place = 0; place < registers.size(); ++place)
             registers[place] = static_cast<std::uint32_t>(NumberOf(fields[place + 1], 16));
     }
-    const Lines fields = FieldsOf(machine.First(L"system"), 10);
-    if (fields[0].empty())
-        return;
-    system.getVersion = [fields](OSVERSIONINFOEXW& version) {
-        version.dwPlatformId = VER_PLATFORM_WIN32_NT;
-        version.dwMajorVersion = static_cast<DWORD>(NumberOf(fields[0]));
-        version.dwMinorVersion = static_cast<DWORD>(NumberOf(fields[1]));
-        version.dwBuildNumber = static_cast<DWORD>(NumberOf(fields[2]));
-        version.wProductType = static_cast<BYTE>(NumberOf(fields[3]));
-        version.wSuiteMask = static_cast<WORD>(NumberOf(fields[4]));
-        version.wServicePackMajor = static_cast<WORD>(NumberOf(fields[7]));
-        wcscpy(version.szCSDVersion, fields[8].c_str());
-        return TRUE;
-    };
-    system.getSystemMetrics = [fields](int metric) {
-        return metric == SM_SERVERR2 && fields[9] == L"R2" ? 1 : 0;
-    };
-    system.getNativeSystemInfo = [fields](SYSTEM_INFO& info) {
-        info.wProcessorArchitecture = static_cast<WORD>(NumberOf(fields[5]));
-    };
-    system.getProductInfo = [fields](DWORD major, DWORD minor, DWORD, DWORD, DWORD* edition) {
-        const bool isAsTold = major == NumberOf(fields[0]) && minor == NumberOf(fields[1]);
-        return *edition = isAsTold ? static_cast<DWORD>(NumberOf(fields[6])) : 0, TRUE;
-    };
+    PlantChassis();
+}
+
+void PlantedMachine::PlantChassis()
+{
+    for (const std::wstring& line : machine[L"device"]) {
+        const Lines fields = FieldsOf(line, 4);
+        const GUID& guid = fields[0] == L"Camera"  ? GUID_DEVCLASS_CAMERA
+                           : fields[0] == L"Image" ? GUID_DEVCLASS_IMAGE
+                                                   : GUID_DEVCLASS_BLUETOOTH;
+        devices.push_back(std::make_unique<PlantedDevice>(guid, fields[1].c_str()));
+        devices.back()->With(SPDRP_SERVICE, fields[2]);
+        if (!fields[3].empty())  // CONFIGFLAG_DISABLED
+            devices.back()->With(SPDRP_CONFIGFLAGS, L"\x1");
+    }
 }
 
 void PlantedMachine::PlantGraphics()
@@ -120,13 +165,21 @@ void PlantedMachine::PlantGraphics()
     if (const std::wstring release = machine.First(L"release"); !release.empty())
         software.machineKeys.Write(directX, L"Version", release);
     for (const std::wstring& line : machine[L"graphics"]) {
-        const Lines fields = FieldsOf(line, 6);
+        const Lines fields = FieldsOf(line, 11);
         devices.push_back(std::make_unique<PlantedDevice>(DisplayClass, fields[1].c_str()));
         devices.back()
             ->With(SPDRP_HARDWAREID, DeviceID(fields[1]).ToString())
             .With(SPDRP_DEVICEDESC, fields[0])
             .Device(L"MatchingDeviceId", fields[3])
-            .Driver(L"DriverVersion", fields[2]);
+            .Driver(L"DriverVersion", fields[2])
+            .InState(fields[6]);
+        constexpr const wchar_t* Texts[] = {L"DriverDate", L"VulkanDriverName", L"RadeonSoftwareVersion"};
+        for (std::size_t text = 0; text < std::size(Texts); ++text) {
+            if (!fields[7 + text].empty())
+                devices.back()->Driver(Texts[text], fields[7 + text]);
+        }
+        if (!fields[10].empty())
+            devices.back()->DriverBytes(L"HardwareInformation.ChipType", fields[10]);
         constexpr const wchar_t* Amounts[] = {L"HardwareInformation.qwMemorySize",
                                               L"HardwareInformation.MemorySize"};
         for (std::size_t amount = 0; amount < 2; ++amount) {
@@ -154,7 +207,7 @@ void PlantedMachine::PlantGraphics()
 void PlantedMachine::PlantDisplays()
 {
     for (const std::wstring& line : machine[L"screen"]) {
-        const Lines fields = FieldsOf(line, 13);
+        const Lines fields = FieldsOf(line, 16);
         const auto number = [&fields](std::size_t place, int base = 10) {
             return static_cast<UINT32>(NumberOf(fields[place], base));
         };
@@ -170,6 +223,10 @@ void PlantedMachine::PlantDisplays()
                                     fields[10].empty() ? -1 : std::stoi(fields[10]),
                                     fields[11].empty() ? DISPLAYCONFIG_PIXELFORMAT_32BPP : number(11),
                                     std::bit_cast<LUID>(NumberOf(fields[12], 16))});
+        Screen& screen = displays.screens.back();
+        screen.preferred.Initialize(fields[13].c_str());
+        screen.isHdr2 = fields[14].empty() ? -1 : std::stoi(fields[14]);
+        screen.modes = fields[15];
     }
     for (const std::wstring& what : machine[L"displays"]) {
         displays.isRemote |= what == L"remote";
@@ -177,10 +234,22 @@ void PlantedMachine::PlantDisplays()
         displays.hasDevices &= what != L"without devices";
         displays.shortAnswers += what == L"one more between two calls";
     }
+    if (const std::wstring name = machine.First(L"device-name"); !name.empty())
+        displays.deviceName = name;
+    if (const std::wstring dpi = machine.First(L"dpi"); !dpi.empty())
+        displays.dpi = static_cast<UINT>(NumberOf(dpi));
+    if (const Lines sessions = FieldsOf(machine.First(L"session"), 2); !sessions[0].empty()) {
+        const auto own = static_cast<DWORD>(NumberOf(sessions[1]));
+        displays.session = static_cast<DWORD>(NumberOf(sessions[0]));
+        software.machineKeys.Write(L"SYSTEM\\CurrentControlSet\\Control\\Terminal Server", L"GlassSessionId",
+                                   REG_DWORD, &own, sizeof(own));
+    }
     for (const std::wstring& line : machine[L"monitor"]) {
-        const Lines fields = FieldsOf(line, 2);
+        const Lines fields = FieldsOf(line, 3);
         devices.push_back(std::make_unique<PlantedDevice>(MonitorClass, fields[0].c_str()));
         devices.back()->With(SPDRP_FRIENDLYNAME, fields[1]);
+        if (!fields[2].empty())
+            devices.back()->Device(L"x", L"").Driver(L"MatchingDeviceId", fields[2]);
     }
     static const std::vector<Edid> edids = ReadEdids();
     for (const std::wstring& line : machine[L"edid"]) {
@@ -200,7 +269,7 @@ void PlantedMachine::PlantSound()
     for (const std::wstring& output : machine[L"output"])
         sound.endpoints.push_back({eRender, output});
     for (const std::wstring& input : machine[L"input"])
-        sound.endpoints.push_back({eCapture, input});
+        sound.endpoints.push_back({eCapture, FieldsOf(input, 2)[0], FieldsOf(input, 2)[1]});
     const auto failure = [this](const wchar_t* word, HRESULT otherwise) {
         const std::wstring field = machine.First(word);
         return field.empty() ? otherwise : static_cast<HRESULT>(NumberOf(field, 16));
@@ -216,22 +285,31 @@ void PlantedMachine::Run(const Lines& names)
     PlantedGraphics graphics(machine);
     const DisplayConfig config(displays.Functions());
     const StorageFunctions disks = storage.devices.Functions();
-    CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; });
+    VolumeFunctions volumes = storage.volumes.Functions();
+    volumes.listDisks = [&disks](const std::wstring& letter) { return ReadVolumeDisks(disks, letter); };
+    CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; },
+               [this] { return NumberOf(machine.First(L"xcr0"), 16); });
     const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
-        {L"CPU", [&] { CPU().Detect(chip); }},
+        {L"CPU", [&] { CPU().Detect(chip, system.processors); }},
         {L"GPU", [&] { GPU().Detect(graphics.adapters); }},
-        {L"Bios", [] { Bios().Detect(); }},
+        {L"Bios", [this] { Bios().Detect(system.firmware); }},
         {L"CDRom", [&] { CDRom().Detect(disks); }},
-        {L"Chassis", [] { Chassis().Detect(&AnswerPower); }},
+        {L"Chassis",
+         [] {
+             Chassis().Detect({&AnswerPower, &AnswerMetrics});
+         }},
         {L"DirectX", [&] { DirectX().Detect(graphics.adapters); }},
         {L"DVD", [&] { DVD().Detect(disks); }},
         {L"Graphics", [&] { kel::Graphics().Detect(config); }},
         {L"HardDrive", [&] { HardDrive().Detect(disks); }},
-        {L"LogicalDrive", [this] { LogicalDrive().Detect(storage.volumes.Functions()); }},
+        {L"LogicalDrive", [&] { LogicalDrive().Detect(volumes, disks); }},
         {L"MotherBoard", [] { MotherBoard().Detect(); }},
         {L"NetworkDevice", [this] { NetworkDevice().Detect(network.functions); }},
-        {L"OS", [this] { OS().Detect(system); }},
-        {L"Ram", [] { Ram().Detect(&AnswerMemory); }},
+        {L"OS", [this] { OS().Detect(system.os); }},
+        {L"Ram",
+         [] {
+             Ram().Detect({&AnswerMemory, &AnswerInstalled});
+         }},
         {L"Sound", [] { Sound().Detect({[] { return 7U; }}); }},
         {L"Software", [this] { Software().Detect(software.functions); }},
         {L"Browser", [this] { Browser().Detect(software.functions); }},

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "probes/cpu/CPUID.h"
-#include "probes/system/OSInfo.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeSound.h"
 #include "support/FakeWmi.h"
@@ -12,6 +11,7 @@
 #include "support/PlantedNetwork.h"
 #include "support/PlantedSoftware.h"
 #include "support/PlantedStorage.h"
+#include "support/PlantedSystem.h"
 
 namespace kel::test {
 
@@ -45,12 +45,15 @@ public:
 
 private:
     void PlantBasics();
+    void PlantChassis();
     void PlantGraphics();
     void PlantDisplays();
     void PlantSound();
+    void Reverse();
 
     const Machine machine;
     FakeWmiData& wmi;
+    const PlantedSystem system;
     PlantedSoftware software;  // with the registry, in which the devices stand
     std::vector<std::unique_ptr<PlantedDevice>> devices;
     PlantedNetwork network;
@@ -58,7 +61,6 @@ private:
     FakeSoundData sound;
     PlantedStorage storage;
     FakeDisplays displays;
-    OSFunctions system = OSFunctions::OfSystem();
     std::map<std::uint32_t, CpuRegisters> leaves;
     std::wstring calls;
     ULONG held = 0;

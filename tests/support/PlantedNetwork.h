@@ -3,6 +3,7 @@
 
 #include <ws2tcpip.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -18,18 +19,20 @@ namespace kel::test {
 
 /// Adapters, for the Setup API and in tables of functions. A line: instance id of its device (none for an
 /// interface without one), name, type and medium of the interface, flags (hardware H, connector C, filter F,
-/// on the board B, default route R), state, speed. Drivers are 1.0.0, 1.0.1 and so on.
+/// on the board by its location B, default route R, no name among the addresses N), state, speed. Drivers
+/// are 1.0.0, 1.0.1 and so on.
 struct PlantedNetwork {
     explicit PlantedNetwork(const Lines& lines)
     {
         for (const std::wstring& line : lines) {
-            const Lines fields = Split(line, L'|');
+            const Lines fields = FieldsOf(line, 9);
             const auto has = [&fields](wchar_t flag) { return fields[4].find(flag) != std::wstring::npos; };
             const std::wstring place = std::to_wstring(table.size());
             auto& row = table.emplace_back();
             row.InterfaceIndex = row.InterfaceGuid.Data1 = static_cast<DWORD>(table.size() - 1);
             names.push_back("{" + Narrow(Hexadecimal(row.InterfaceIndex, 8)) +
                             "-0000-0000-0000-000000000000}");
+            isNameless.push_back(has(L'N'));
             wcscpy(row.Alias, L"Anna's network");
             wcscpy(row.Description, fields[1].c_str());
             memcpy(row.PhysicalAddress, "\x02\x11\x22\x33\x44\x55", row.PhysicalAddressLength = 6);
@@ -48,7 +51,7 @@ struct PlantedNetwork {
                 *devices.emplace_back(std::make_unique<PlantedDevice>(NetworkClass, fields[0].c_str()));
             device.With(SPDRP_DEVICEDESC, fields[1]).With(SPDRP_HARDWAREID, DeviceID(fields[0]).ToString());
             device.With(SPDRP_LOCATION_INFORMATION, has(L'B') ? L"PCI bus 0, device 31" : L"Port 1");
-            device.Driver(L"DriverVersion", L"1.0." + place);
+            device.Driver(L"DriverVersion", L"1.0." + place).InContainer(fields[7]).InState(fields[8]);
             device.Driver(L"NetCfgInstanceId", {names.back().begin(), names.back().end()});
         }
         functions.getTable = [this](MIB_IF_TABLE2** result) {
@@ -95,6 +98,9 @@ struct PlantedNetwork {
         longRoute = machine.First(L"long-route");
     }
 
+    /// Lists the interfaces in the opposite order.
+    void Reverse() { std::ranges::reverse(table); }
+
     bool isMisused = false;  ///< a call would have asked for lists, or sent something
     NetworkFunctions functions;
     DWORD route = 99;  ///< one that is not in the table
@@ -120,7 +126,7 @@ private:
             IP_ADAPTER_ADDRESSES& one = list[place] = {};
             one.Next = place + 1 < table.size() ? &list[place + 1] : nullptr;
             one.IfIndex = one.Ipv6IfIndex = row.InterfaceIndex;
-            one.AdapterName = names[place].data();
+            one.AdapterName = isNameless[row.InterfaceIndex] ? nullptr : names[row.InterfaceIndex].data();
             one.Description = row.Description;
             one.FriendlyName = one.DnsSuffix = row.Alias;
             one.FirstUnicastAddress = &unicast;
@@ -138,6 +144,7 @@ private:
     DWORD routeError = NO_ERROR;
     std::wstring longRoute;  ///< the interface that long addresses are reached by
     std::vector<std::string> names;
+    std::vector<bool> isNameless;
 };
 
 /// Sound devices, for the Setup API; the first one for WMI, too. A line: instance id, name, and the hardware
@@ -146,15 +153,15 @@ struct PlantedSound {
     explicit PlantedSound(const Lines& lines)
     {
         for (const std::wstring& line : lines) {
-            Lines fields = Split(line, L'|');
-            fields.resize(3);
+            const Lines fields = FieldsOf(line, 4);
             const std::wstring place = std::to_wstring(devices.size());
             auto& device =
                 *devices.emplace_back(std::make_unique<PlantedDevice>(SoundClass, fields[0].c_str()));
             device.With(SPDRP_HARDWAREID, !fields[2].empty() ? fields[2] : DeviceID(fields[0]).ToString());
             device.With(SPDRP_DEVICEDESC, fields[1])
                 .Device(L"x", L"")
-                .Driver(L"DriverVersion", L"1.0." + place);
+                .Driver(L"DriverVersion", L"1.0." + place)
+                .InState(fields[3]);
             const bool isBluetooth = fields[0].starts_with(L"BTH");
             if (isBluetooth)
                 device.With(SPDRP_FRIENDLYNAME, L"Anna's headset");

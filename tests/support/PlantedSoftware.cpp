@@ -79,6 +79,13 @@ PlantedSoftware::PlantedSoftware(const Machine& machine)
     };
     functions.packages = [lookUp](const wchar_t* family) { return lookUp(family, 0); };
     functions.packageFolder = [lookUp](const wchar_t* fullName) { return lookUp(fullName, 1).front(); };
+    functions.programId = [id = machine.First(L"https")](const wchar_t*) { return id; };
+    functions.windowsBuild = [build = NumberOf(machine.First(L"build"))] {
+        return static_cast<DWORD>(build);
+    };
+    functions.programMachine = [isArm = !machine[L"arm64"].empty()]() -> USHORT {
+        return isArm ? IMAGE_FILE_MACHINE_ARM64 : IMAGE_FILE_MACHINE_AMD64;
+    };
     functions.hostProgram = [host = machine.First(L"host")] { return host; };
 }
 

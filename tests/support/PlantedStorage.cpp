@@ -47,10 +47,10 @@ void PlantedStorage::Plant(const Machine& machine, FakeWmiData& wmi)
     PlantOpticalDrives(machine);
     PlantVolumes(machine);
     for (const std::wstring& line : machine[L"controller"]) {
-        const Lines fields = FieldsOf(line, 5);
+        const Lines fields = FieldsOf(line, 6);
         PlantedDevice& device =
             List(ScsiClass, fields[0] + L"\\3&11583659&0&E8" + fields[4], fields[0], fields[1]);
-        device.Device(L"x", L"").Driver(L"DriverVersion", fields[3]);
+        device.Device(L"x", L"").Driver(L"DriverVersion", fields[3]).InState(fields[5]);
         if (!fields[2].empty())
             device.With(SPDRP_COMPATIBLEIDS, std::wstring(L"first\0", 6) + fields[2] + L'\0');
     }
@@ -89,8 +89,8 @@ void PlantedStorage::PlantDisks(const Machine& machine, FakeWmiData& wmi)
         devices.devices[L"\\\\.\\C:"].answers[ExtentsRequest] = Extents(windowsDisks);
     }
     for (const std::wstring& line : machine[L"disk-device"]) {
-        const Lines fields = FieldsOf(line, 4);
-        List(DiskClass, fields[0], fields[1], fields[2]);
+        const Lines fields = FieldsOf(line, 6);
+        List(DiskClass, fields[0], fields[1], fields[2]).InContainer(fields[4]).InState(fields[5]);
         if (!fields[3].empty())
             devices.InterfaceOf(fields[0], L"53f56307").answers[NumberRequest] =
                 Number(FILE_DEVICE_DISK, static_cast<std::uint32_t>(NumberOf(fields[3])));
@@ -120,8 +120,8 @@ void PlantedStorage::PlantFaults(const Machine& machine)
 void PlantedStorage::PlantOpticalDrives(const Machine& machine)
 {
     for (const std::wstring& line : machine[L"optical"]) {
-        Lines fields = FieldsOf(line, 9);
-        List(OpticalClass, fields[0], fields[1], fields[2]);
+        Lines fields = FieldsOf(line, 10);
+        List(OpticalClass, fields[0], fields[1], fields[2]).InState(fields[9]);
         FakeDevice& drive = devices.InterfaceOf(fields[0], L"53f56308");
         fields.erase(fields.begin(), fields.begin() + 3);
         Describe(drive, fields);
@@ -139,7 +139,7 @@ void PlantedStorage::PlantOpticalDrives(const Machine& machine)
 void PlantedStorage::PlantVolumes(const Machine& machine)
 {
     for (const std::wstring& line : machine[L"volume"]) {
-        const Lines fields = FieldsOf(line, 7);
+        const Lines fields = FieldsOf(line, 8);
         FakeVolume& volume = volumes.volumes[fields[0][0]];
         volume.type = static_cast<UINT>(NumberOf(fields[1]));
         volume.fileSystem = fields[2];
@@ -150,7 +150,11 @@ void PlantedStorage::PlantVolumes(const Machine& machine)
         volume.throws = fields[6] == L"throws";
         if (!fields[6].empty() && !volume.throws)
             volume.error = static_cast<DWORD>(NumberOf(fields[6]));
+        if (!fields[7].empty())
+            devices.devices[L"\\\\.\\" + fields[0] + L":"].answers[ExtentsRequest] =
+                Extents({static_cast<std::uint32_t>(NumberOf(fields[7]))});
     }
+    volumes.profile = machine.First(L"profile");
     if (const std::wstring folder = machine.First(L"windows-folder"); !folder.empty())
         volumes.windows = devices.windows = folder;
 }

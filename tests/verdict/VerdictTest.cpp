@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "verdict/Comparison.h"
+#include "verdict/NominalSize.h"
 #include "verdict/Requirements.h"
 #include "verdict/Verdict.h"
 #include "verdict/text/LowerCase.h"
@@ -82,11 +84,89 @@ TEST(Comparison, FollowsTheTable)
         for (const char* comparison : {"at least", "at most"})
             rows.push_back({comparison, one, same, "pass"});
     }
+    const std::map<std::string, SoldAs> kinds{{"Nothing", SoldAs::Nothing},
+                                              {"Memory", SoldAs::Memory},
+                                              {"GraphicsMemory", SoldAs::GraphicsMemory},
+                                              {"Disk", SoldAs::Disk}};
     for (const Texts& row : rows) {
-        const Comparison* comparison = ParseComparison(row.at(0));
+        // Behind the comparison there may be what is sold, and in the last column its nominal size.
+        std::string name = row.at(0);
+        const auto kind = kinds.find(name.substr(name.rfind(' ') + 1));
+        const SoldAs soldAs = kind == kinds.end() ? SoldAs::Nothing : kind->second;
+        if (kind != kinds.end())
+            name.erase(name.rfind(' '));
+        const Comparison* comparison = ParseComparison(name);
         ASSERT_TRUE(comparison) << row[0];
-        EXPECT_EQ(ToString(Compare(*comparison, NormalizeValue(row.at(1)), row.at(2))), row.at(3))
+        EXPECT_EQ(ToString(Compare(*comparison, NormalizeValue(row.at(1)), row.at(2), soldAs)), row.at(3))
             << row[0] << " | " << row[1] << " | " << row[2];
+        const auto nominal = FindNominalSize(ParseAmount(row[1]).value_or(Amount{}), soldAs);
+        EXPECT_EQ(nominal ? nominal->text : "", row.size() > 4 ? row[4] : "") << row[0] << " | " << row[1];
+    }
+}
+
+using Values = std::map<std::pair<int, int>, std::string>;
+
+/// Values as "71063[0]=7.8 GB; 72004[1]=128.0 MB".
+void ReadValues(const std::string& text, Values& values)
+{
+    for (const std::string& entry : Divide(text, "; ")) {
+        const std::size_t bracket = entry.find('['), equals = entry.find("]=");
+        ASSERT_NE(equals, entry.npos) << entry;
+        values[{std::stoi(entry), std::stoi(entry.substr(bracket + 1))}] = entry.substr(equals + 2);
+    }
+}
+
+ValueLookup LookIn(const Values& values)
+{
+    return [&](int group, int index) -> std::optional<std::string> {
+        const auto found = values.find({group, index});
+        return found == values.end() ? std::nullopt : std::optional(found->second);
+    };
+}
+
+TEST(Verdict, FollowsTheTableOfLines)
+{
+    for (const std::string& row : ReadLines("lines.txt")) {
+        const Texts cells = Divide(row, " | ");
+        if (!cells.at(0).starts_with("{"))
+            continue;
+        Values values;
+        ReadValues(cells.at(1), values);
+        const auto set = Requirements::Read(SetOf(R"({"label": "L", )" + cells[0].substr(1)));
+        const VerdictLine line = Judge(set, LookIn(values)).lines.at(0);
+        EXPECT_EQ(ToString(line.result), cells.at(4)) << row;
+        EXPECT_EQ(line.found, cells.at(3) == "-" ? "" : cells[3]) << row;
+        EXPECT_EQ(line.needed, cells.at(2)) << row;
+    }
+}
+
+std::string ReadFile(const std::string& path)
+{
+    std::ifstream stream(KEL_VERDICT_CASES "/" + path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The table of the examples' sets: the set, a whole machine's file, values that it has besides, and the
+/// results of all lines.
+TEST(Examples, JudgeTheWholeMachines)
+{
+    for (const std::string& row : ReadLines("examples.txt")) {
+        const Texts cells = Divide(row, " | ");
+        if (cells.at(0) == "set")
+            continue;
+        Values values;
+        for (const std::string& line : Divide(ReadFile("../machines/" + cells.at(1) + ".txt"), "\n")) {
+            if (line.starts_with("= "))
+                ReadValues(line.substr(2), values);
+        }
+        if (cells.at(2) != "-")
+            ReadValues(cells[2], values);
+        const auto set = Requirements::Read(ReadFile("../../examples/requirements/" + cells[0] + ".json"));
+        const Verdict verdict = Judge(set, LookIn(values));
+        std::string results(ToString(verdict.total));
+        for (const VerdictLine& line : verdict.lines)
+            results.append("; ").append(line.label).append(": ").append(ToString(line.result));
+        EXPECT_EQ(results, cells.at(3)) << cells[0] << " on " << cells[1];
     }
 }
 
@@ -130,6 +210,20 @@ TEST(Verdict, TruncatesLongValuesBetweenCharacters)
     EXPECT_EQ(Judge(set, [&](int, int) { return value; }).lines.at(0).found, "x" + Repeat("é", 499) + "…");
 }
 
+TEST(Verdict, LooksAtABoundedNumberOfDevices)
+{
+    const auto set = Requirements::Read(
+        SetOf(R"({"id": 1, "label": "L", "comparison": "contains", "needed": "device 100", "of": "any"})"));
+    for (const auto& [first, result] : {std::pair{1, Result::Pass}, {0, Result::Fail}}) {
+        const auto lookup = [first = first](int, int index) {
+            return "device " + std::to_string(index + first) + Repeat("x", 900);
+        };
+        const VerdictLine line = Judge(set, lookup).lines.at(0);
+        EXPECT_EQ(line.result, result) << "first device " << first;
+        EXPECT_LT(line.found.size(), 1100U) << "first device " << first;
+    }
+}
+
 TEST(Requirements, RejectWhatTheTableRejects)
 {
     const std::string line = R"({"id": 1, "label": "", "comparison": "any"})";
@@ -156,6 +250,11 @@ TEST(Requirements, KeepTheirBounds)
     const Requirements most = Requirements::Read(largest);
     EXPECT_EQ(most.lines.size(), 500U);
     EXPECT_EQ(most.Groups(), (std::vector{71424, 71218, 71206, 1, 2}));
+    const std::string versions = R"({"label": "", "any of": [{"all of": [{"id": 73227, "comparison": "any"},
+        {"id": 73226, "comparison": "yes"}]}, {"id": 73015, "comparison": "any"}]})";
+    EXPECT_EQ(Requirements::Read(SetOf(versions)).Groups(),
+              (std::vector{71424, 71218, 71206, 73227, 73226, 73015, 73014}))
+        << "each version with what says whether it is installed";
     EXPECT_EQ(ReasonAgainst(SetOf(either(21))), "requirement 1: its 'any of' has 21 entries, not 1 to 20");
     EXPECT_EQ(ReasonAgainst(SetOf(Repeat(line + ", ", 500) + line)),
               "its 'requirements' has 501 entries, not 0 to 500");

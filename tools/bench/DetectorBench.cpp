@@ -12,6 +12,7 @@
 #include "diag/Log.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/storage/StorageFunctions.h"
+#include "probes/storage/Volumes.h"
 #include "support/PlantedMachine.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
@@ -136,8 +137,9 @@ void Here(const Lines& names, const std::wstring& wanted)
          }},
         {L"DVD", [] { DVD().Detect(StorageFunctions::OfSystem()); }},
         {L"Graphics", [] { Graphics().Detect(); }},
-        {L"HardDrive", [] { HardDrive().Detect(); }},
-        {L"LogicalDrive", [] { LogicalDrive().Detect(); }},
+        {L"HardDrive", [] { HardDrive().Detect(StorageFunctions::OfSystem()); }},
+        {L"LogicalDrive",
+         [] { LogicalDrive().Detect(VolumeFunctions::OfSystem(), StorageFunctions::OfSystem()); }},
         {L"NetworkDevice", [] { NetworkDevice().Detect(); }},
         {L"Sound", [] { Sound().Detect(); }},
         {L"Software", [] { Software().Detect(); }},

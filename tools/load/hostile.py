@@ -41,8 +41,8 @@ def largest(port):
     body += b" " * (MAX_BODY - len(body))
     with closing(http.client.HTTPConnection("127.0.0.1", port, timeout=60)) as connection:
         connection.request("POST", UPLOAD, body)
-        if connection.getresponse().status != 200:
-            raise RuntimeError("the largest report is not taken")
+        if (status := connection.getresponse().status) != 200:
+            raise RuntimeError(f"the largest report is not taken: {status}")
     return body
 
 
@@ -142,7 +142,7 @@ def settle(server, patience=30):
         with closing(http.client.HTTPConnection("127.0.0.1", server.admin, timeout=60)) as connection:
             connection.request("GET", "/metrics")
             page = connection.getresponse().read().decode()
-            before, count = count, int(re.search(r'kel_connections{door="public"} (\d+)', page)[1])
+            before, count = count, int(re.search(r'kel_connections{endpoint="public"} (\d+)', page)[1])
         if count <= before + 10:
             break
 

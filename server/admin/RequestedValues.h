@@ -1,0 +1,36 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Html.h"
+#include "server/report/Report.h"
+#include "verdict/Requirements.h"
+
+namespace kel::server {
+
+/// The values that a draft asks for: how many machines report each, and what an author should know of it.
+class RequestedValues {
+public:
+    /// Machines report only what the requirements in force ask for, if there are any.
+    RequestedValues(const Requirements& draft, const std::optional<Requirements>& inForce);
+
+    /// Counts what a machine reports.
+    void Count(const Report& report);
+
+    /// A table with a row for each value. The sessions are those that were counted.
+    Html Show(const RecentSessions& sessions) const;
+
+private:
+    struct Value {
+        int id;
+        int reports = 0;
+        std::string note;
+    };
+
+    std::vector<Value> values;
+};
+
+}  // namespace kel::server

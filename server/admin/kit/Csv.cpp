@@ -1,0 +1,46 @@
+#include "server/admin/kit/Csv.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace kel::server {
+
+namespace {
+
+constexpr std::string_view OtherSeparators = ";\t\r\n";
+// Some spreadsheets take the full-width signs for the usual ones.
+constexpr std::string_view FormulaSigns[] = {"=", "+", "-", "@", "＝", "＋", "－", "＠"};
+
+/// Whether a spreadsheet could compute a cell that begins so. Blanks and quotes do not keep every reader from
+/// it.
+bool BeginsFormula(std::string_view text)
+{
+    text.remove_prefix(std::min(text.find_first_not_of(" \""), text.size()));
+    return std::any_of(std::begin(FormulaSigns), std::end(FormulaSigns),
+                       [=](std::string_view sign) { return text.starts_with(sign); });
+}
+
+}  // namespace
+
+std::string CsvRecord(const std::vector<std::string>& cells)
+{
+    std::string record;
+    for (const std::string& cell : cells) {
+        if (!record.empty())
+            record += ',';
+        record += '"';
+        if (!cell.empty() && std::string_view("\t\r\n").find(cell.front()) != std::string_view::npos)
+            record += '\'';
+        bool isBegin = true;
+        for (std::string_view rest = cell; !rest.empty(); rest.remove_prefix(1)) {
+            if (isBegin && BeginsFormula(rest))
+                record += '\'';
+            record.append(rest.front() == '"' ? 2 : 1, rest.front());
+            isBegin = OtherSeparators.find(rest.front()) != std::string_view::npos;
+        }
+        record += '"';
+    }
+    return record + "\r\n";
+}
+
+}  // namespace kel::server

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "server/admin/kit/Html.h"
+
+namespace kel::server {
+
+/// A table whose rows become cards on a narrow screen. The first cell of a row is its heading.
+class Table {
+public:
+    struct Column {
+        std::string name;
+        bool isNumber = false;
+    };
+
+    Table(std::string caption, std::vector<Column> columns);
+
+    /// A cell for each column.
+    void Add(const std::vector<Html>& cells);
+    /// The table, or a sentence in its place when it has no row.
+    Html Done(const std::string& whenEmpty) const;
+
+private:
+    std::string caption;
+    std::vector<Column> columns;
+    Html rows;
+};
+
+}  // namespace kel::server

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <span>
+
+namespace kel {
+
+/// Things that are sold in usual sizes, of which a machine reports a little less; see FindNominalSize.
+enum class SoldAs { Nothing, Memory, GraphicsMemory, Disk };
+
+/// What the folder `catalogue` says of a value. The build makes the table from it.
+struct CatalogueValue {
+    int id;
+    const char* detector;
+    const char* name;
+    bool hasIndexes;      // one for each device or installed version
+    int existence;        // id of the value that says whether this version's product is installed; 0: none
+    SoldAs soldAs;        // "at least" compares the nominal size
+    const char* caution;  // where the value misleads, and which one to use instead; empty for most
+};
+
+/// All values, in the order of the catalogue.
+extern const std::span<const CatalogueValue> CatalogueValues;
+
+/// Null for an id that the catalogue lacks, such as one that only a page sets.
+const CatalogueValue* FindCatalogueValue(int id);
+
+}  // namespace kel
