@@ -231,7 +231,8 @@ def measure(attacks, start, database, seconds, rest):
     at least `rest` seconds to take it, and the service as many to give it back."""
     for name, clients, workers in attacks:
         is_locked, patience = "locked" in name, rest if "memory" in name else 0
-        with start("--workers", str(workers)) as server:
+        # Without the bound of a session, which would end the attack of the largest bodies after a second.
+        with start("--workers", str(workers), "--session-reports", "0") as server:
             body = largest(server.port)
             target = clients, server.port, body, server.admin
             attacker = multiprocessing.get_context("fork").Process(target=attack, args=target, daemon=True)
