@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include "platform/ErrorMode.h"
 #include "platform/Handles.h"
 
 namespace kel {
@@ -30,6 +31,16 @@ template <typename Function>
 Function* FindLoadedFunction(const wchar_t* library, const char* name) noexcept
 {
     return FindFunction<Function>(GetModuleHandleW(library), name);
+}
+
+/// A function of one of the system's libraries, which it loads and never unloads: unloading a graphics
+/// library crashes hosts. Null when either is missing.
+template <typename Function>
+Function* PermanentFunction(const wchar_t* library, const char* name)
+{
+    const ErrorMode quiet;
+    const HMODULE module = LoadSystemLibrary(library).release();
+    return module != nullptr ? FindFunction<Function>(module, name) : nullptr;
 }
 
 /// The module that holds this code: the control's DLL.

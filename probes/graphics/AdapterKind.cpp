@@ -3,7 +3,7 @@
 #include <unknwn.h>
 #include <wrl/client.h>
 
-#include "probes/graphics/KeptFunction.h"
+#include "platform/Library.h"
 
 namespace kel {
 
@@ -33,9 +33,9 @@ UINT AskKernel(LUID luid, UINT type)
     using Open = LONG WINAPI(OpenAdapter*);
     using Query = LONG WINAPI(QueryAdapter*);
     using Close = LONG WINAPI(const UINT*);
-    auto* const open = FindKept<Open>(Kernel, "D3DKMTOpenAdapterFromLuid");
-    auto* const query = FindKept<Query>(Kernel, "D3DKMTQueryAdapterInfo");
-    auto* const close = FindKept<Close>(Kernel, "D3DKMTCloseAdapter");
+    auto* const open = PermanentFunction<Open>(Kernel, "D3DKMTOpenAdapterFromLuid");
+    auto* const query = PermanentFunction<Query>(Kernel, "D3DKMTQueryAdapterInfo");
+    auto* const close = PermanentFunction<Close>(Kernel, "D3DKMTCloseAdapter");
     OpenAdapter opened = {luid, 0};
     if (open == nullptr || query == nullptr || close == nullptr || open(&opened) < 0)
         return 0;
@@ -79,7 +79,7 @@ UINT AskDriverModel(LUID luid)
 std::optional<bool> IsIntegratedByDxCore(LUID luid)
 {
     auto* const create =
-        FindKept<HRESULT WINAPI(REFIID, void**)>(L"dxcore.dll", "DXCoreCreateAdapterFactory");
+        PermanentFunction<HRESULT WINAPI(REFIID, void**)>(L"dxcore.dll", "DXCoreCreateAdapterFactory");
     Microsoft::WRL::ComPtr<CoreFactory> factory;
     Microsoft::WRL::ComPtr<CoreAdapter> adapter;
     bool isIntegrated = false;

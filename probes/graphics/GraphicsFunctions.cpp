@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "platform/Library.h"
 #include "probes/graphics/AdapterKind.h"
-#include "probes/graphics/KeptFunction.h"
 #include "probes/graphics/VulkanManifest.h"
 
 namespace kel {
@@ -15,7 +15,7 @@ template <typename... Arguments>
 boost::function<HRESULT(Arguments...)> Late(const wchar_t* library, const char* name)
 {
     return [library, name](Arguments... arguments) {
-        auto* const function = FindKept<HRESULT WINAPI(Arguments...)>(library, name);
+        auto* const function = PermanentFunction<HRESULT WINAPI(Arguments...)>(library, name);
         return function != nullptr ? function(arguments...) : E_NOTIMPL;
     };
 }
@@ -37,7 +37,7 @@ bool HasLibrary(const wchar_t* name)
 
 void GetVersion(OSVERSIONINFOW& version)
 {
-    auto* const get = FindKept<LONG WINAPI(OSVERSIONINFOW*)>(L"ntdll.dll", "RtlGetVersion");
+    auto* const get = PermanentFunction<LONG WINAPI(OSVERSIONINFOW*)>(L"ntdll.dll", "RtlGetVersion");
     version.dwOSVersionInfoSize = sizeof(version);
     if (get != nullptr)
         get(&version);

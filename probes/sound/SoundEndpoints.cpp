@@ -126,10 +126,7 @@ void FindDefault(IMMDeviceEnumerator& enumerator, SoundEndpoints& endpoints)
 /// Loads the library for it, which is costly and seldom needed.
 UINT CountOutputs()
 {
-    const HMODULE library = LoadSystemLibrary(L"winmm.dll").release();
-    auto* const count = library != nullptr
-                            ? FindFunction<decltype(waveOutGetNumDevs)>(library, "waveOutGetNumDevs")
-                            : nullptr;
+    auto* const count = PermanentFunction<decltype(waveOutGetNumDevs)>(L"winmm.dll", "waveOutGetNumDevs");
     return count != nullptr ? count() : 0;
 }
 
