@@ -61,7 +61,7 @@ for entry in json.load(open(f"{folder}/compile_commands.json", encoding="ascii")
     parts = {os.path.relpath(name) for name in re.findall(r'#include "([^"]+)"', open(unit, encoding="utf-8").read())}
     if parts & names:
         names = names - parts | {unit}
-print(*sorted(names), sep="\n")
+sys.stdout.writelines(f"{name}\n" for name in sorted(names))
 EOF
 }
 mapfile -t server < <(united build/lint_server "${server[@]}")
