@@ -22,23 +22,17 @@ void StoreDrives(const std::vector<OpticalDrive>& drives)
 
 }  // namespace
 
-template <typename List>
-bool CDRom::DetectIn(List list)
-{
-    return Guarded(L"kel::CDRom::Detect", L"Error in CDRom detection.", [&list] {
-        StoreDefaults(Totals, OpticalFacts);
-        StoreDrives(list());
-    });
-}
-
 bool CDRom::Detect()
 {
-    return DetectIn(&GetOpticalDrives);
+    return Detect(GetOpticalDrives());
 }
 
-bool CDRom::Detect(const StorageFunctions& functions)
+bool CDRom::Detect(OpticalDrives& optical)
 {
-    return DetectIn([&functions] { return ListOpticalDrives(functions); });
+    return Guarded(L"kel::CDRom::Detect", L"Error in CDRom detection.", [&optical] {
+        StoreDefaults(Totals, OpticalFacts);
+        StoreDrives(optical.List());
+    });
 }
 
 StoredFacts CDRom::ListFacts()

@@ -34,23 +34,17 @@ DvdInfo AddUp(const std::vector<OpticalDrive>& drives)
 
 }  // namespace
 
-template <typename List>
-bool DVD::DetectIn(List list)
-{
-    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [&list] {
-        Facts.Store(AddUp({}));
-        Facts.Store(AddUp(list()));
-    });
-}
-
 bool DVD::Detect()
 {
-    return DetectIn(&GetOpticalDrives);
+    return Detect(GetOpticalDrives());
 }
 
-bool DVD::Detect(const StorageFunctions& functions)
+bool DVD::Detect(OpticalDrives& optical)
 {
-    return DetectIn([&functions] { return ListOpticalDrives(functions); });
+    return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [&optical] {
+        Facts.Store(AddUp({}));
+        Facts.Store(AddUp(optical.List()));
+    });
 }
 
 StoredFacts DVD::ListFacts()

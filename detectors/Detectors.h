@@ -8,6 +8,9 @@
 #include <span>
 
 #include "detectors/Component.h"
+#include "detectors/DiskDrives.h"
+#include "detectors/OpticalDrives.h"
+#include "detectors/ScsiControllers.h"
 #include "detectors/StoredFacts.h"
 #include "probes/software/Product.h"
 
@@ -22,10 +25,8 @@ struct FirmwareFunctions;
 struct MemoryFunctions;
 struct NetworkFunctions;
 struct OSFunctions;
-class SetupLib;
 struct SoftwareFunctions;
 struct SoundFunctions;
-struct StorageFunctions;
 struct VolumeFunctions;
 
 /// The processor, merged from `cpuid`, the registry, WMI and the operating system. Measuring the clock takes
@@ -61,13 +62,8 @@ public:
 class CDRom : public Component {
 public:
     bool Detect() override;
-    bool Detect(const StorageFunctions& functions);
+    bool Detect(OpticalDrives& optical);
     static StoredFacts ListFacts();
-
-private:
-    /// @param list lists the devices
-    template <typename List>
-    bool DetectIn(List list);
 };
 
 /// The chassis: whether the machine has a long-term battery, that is, is portable; then its cameras, touch
@@ -92,13 +88,8 @@ public:
 class DVD : public Component {
 public:
     bool Detect() override;
-    bool Detect(const StorageFunctions& functions);
+    bool Detect(OpticalDrives& optical);
     static StoredFacts ListFacts();
-
-private:
-    /// @param list lists the devices
-    template <typename List>
-    bool DetectIn(List list);
 };
 
 /// The displays: how many are active, the primary one's picture, and the whole desktop.
@@ -116,14 +107,9 @@ public:
     HardDrive() { HardDrive::Initialize(); }
 
     bool Detect() override;
-    bool Detect(const StorageFunctions& functions);
+    bool Detect(DiskDrives& disks);
     void Initialize() override;
     static StoredFacts ListFacts();
-
-private:
-    /// @param list lists the disks
-    template <typename List>
-    bool DetectIn(List list);
 };
 
 /// Drive letters, with that of Windows first. File system and sizes are read of fixed and RAM disks only;
@@ -133,14 +119,9 @@ public:
     LogicalDrive() { LogicalDrive::Initialize(); }
 
     bool Detect() override;
-    bool Detect(const VolumeFunctions& functions, const StorageFunctions& storage);
+    bool Detect(const VolumeFunctions& functions, DiskDrives& disks);
     void Initialize() override;
     static StoredFacts ListFacts();
-
-private:
-    /// @param listDisks lists the disks that hold the volumes
-    template <typename List>
-    bool DetectIn(const VolumeFunctions& functions, List listDisks);
 };
 
 /// The motherboard: its version from the registry, the other facts from WMI; then the machine's vendor and
@@ -247,13 +228,8 @@ private:
 class SCSI : public Component {
 public:
     bool Detect() override;
-    bool Detect(SetupLib& library);
+    bool Detect(ScsiControllers& listed);
     static StoredFacts ListFacts();
-
-private:
-    /// @param list lists the devices
-    template <typename List>
-    bool DetectIn(List list);
 };
 
 }  // namespace kel

@@ -86,6 +86,11 @@ auto GetRank(const DiskDrive& drive)
                            disk.number.value_or(-1));
 }
 
+std::vector<DiskDrive> ListOfSystem()
+{
+    return ListDiskDrives(StorageFunctions::OfSystem());
+}
+
 }  // namespace
 
 std::vector<DiskDrive> ListDiskDrives(const StorageFunctions& functions)
@@ -112,9 +117,9 @@ std::vector<DiskDrive> ListDiskDrives(const StorageFunctions& functions)
     return drives;
 }
 
-const std::vector<DiskDrive>& GetDiskDrives()
+DiskDrives& GetDiskDrives()
 {
-    static const std::vector<DiskDrive> drives = ListDiskDrives(StorageFunctions::OfSystem());
+    static DiskDrives drives(&ListOfSystem);
     return drives;
 }
 

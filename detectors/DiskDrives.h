@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "detectors/Facts.h"
+#include "detectors/ListedOnce.h"
 #include "probes/storage/DiskInfo.h"
 #include "probes/storage/StorageFunctions.h"
 
@@ -24,8 +25,10 @@ using DiskDrive = decltype(DiskFacts)::Device;
 /// hold Windows first, then fixed ones. Virtual disks are among them.
 std::vector<DiskDrive> ListDiskDrives(const StorageFunctions& functions);
 
+using DiskDrives = ListedOnce<DiskDrive>;
+
 /// The disks of this machine, listed once in the process.
-const std::vector<DiskDrive>& GetDiskDrives();
+DiskDrives& GetDiskDrives();
 
 /// Whether a disk does not count: one without a medium, a floppy, or a disk made of a file, unless it holds
 /// Windows.

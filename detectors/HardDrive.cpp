@@ -37,26 +37,20 @@ DiskTotals AddUp(const std::vector<DiskDrive>& drives)
 
 }  // namespace
 
-template <typename List>
-bool HardDrive::DetectIn(List list)
+bool HardDrive::Detect()
 {
-    return Guarded(L"kel::HardDrive::Detect", L"Error in HardDrive detection.", [&list] {
+    return Detect(GetDiskDrives());
+}
+
+bool HardDrive::Detect(DiskDrives& disks)
+{
+    return Guarded(L"kel::HardDrive::Detect", L"Error in HardDrive detection.", [&disks] {
         StoreDefaults(Totals, DiskFacts);
-        std::vector<DiskDrive> drives = list();
+        std::vector<DiskDrive> drives = disks.List();
         std::erase_if(drives, [](const DiskDrive& drive) { return IsLeftOut(drive.record); });
         Totals.Store(AddUp(drives));
         StoreList(DiskFacts, drives, L"HardDrive");
     });
-}
-
-bool HardDrive::Detect()
-{
-    return DetectIn(&GetDiskDrives);
-}
-
-bool HardDrive::Detect(const StorageFunctions& functions)
-{
-    return DetectIn([&functions] { return ListDiskDrives(functions); });
 }
 
 void HardDrive::Initialize()

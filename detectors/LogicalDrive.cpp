@@ -84,29 +84,23 @@ void MarkLoose(std::vector<VolumeInfo>& volumes, const std::vector<std::int32_t>
 
 }  // namespace
 
-template <typename List>
-bool LogicalDrive::DetectIn(const VolumeFunctions& functions, List listDisks)
+bool LogicalDrive::Detect()
+{
+    return Detect(VolumeFunctions::OfSystem(), GetDiskDrives());
+}
+
+bool LogicalDrive::Detect(const VolumeFunctions& functions, DiskDrives& disks)
 {
     return Guarded(L"kel::LogicalDrive::Detect", L"Error in LogicalDrive detection.", [&] {
         const ErrorMode quiet;
         StoreDefaults(Totals, Facts, ProfileFacts);
         std::vector<VolumeInfo> volumes = ListVolumes(functions);
-        MarkLoose(volumes, ListLooseDisks(listDisks()));
+        MarkLoose(volumes, ListLooseDisks(disks.List()));
         std::ranges::stable_sort(volumes, {}, &GetRank);
         Totals.Store(AddUp(volumes));
         StoreList(Facts, volumes, L"LogicalDrive");
         ProfileFacts.Store({ReadProfileSpace(functions, volumes)});
     });
-}
-
-bool LogicalDrive::Detect()
-{
-    return DetectIn(VolumeFunctions::OfSystem(), &GetDiskDrives);
-}
-
-bool LogicalDrive::Detect(const VolumeFunctions& functions, const StorageFunctions& storage)
-{
-    return DetectIn(functions, [&storage] { return ListDiskDrives(storage); });
 }
 
 void LogicalDrive::Initialize()

@@ -101,6 +101,11 @@ auto GetRank(const OpticalDrive& drive)
                            GetKey(drive.record), std::wstring(drive.record.drive.ToString()));
 }
 
+std::vector<OpticalDrive> ListOfSystem()
+{
+    return ListOpticalDrives(StorageFunctions::OfSystem());
+}
+
 }  // namespace
 
 std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
@@ -131,9 +136,9 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
     return drives;
 }
 
-const std::vector<OpticalDrive>& GetOpticalDrives()
+OpticalDrives& GetOpticalDrives()
 {
-    static const std::vector<OpticalDrive> drives = ListOpticalDrives(StorageFunctions::OfSystem());
+    static OpticalDrives drives(&ListOfSystem);
     return drives;
 }
 

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "detectors/Facts.h"
+#include "detectors/ListedOnce.h"
 #include "probes/storage/OpticalInfo.h"
 #include "probes/storage/StorageFunctions.h"
 
@@ -26,7 +27,9 @@ inline bool IsRealDrive(const OpticalDrive& drive)
 /// listed, not volumes, as an empty drive has no volume.
 std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions);
 
+using OpticalDrives = ListedOnce<OpticalDrive>;
+
 /// The drives of this machine, listed once in the process.
-const std::vector<OpticalDrive>& GetOpticalDrives();
+OpticalDrives& GetOpticalDrives();
 
 }  // namespace kel

@@ -15,25 +15,19 @@ constexpr FactTable Facts(Fact{73302, &ScsiInfo::name}, Fact{73303, &ScsiInfo::d
 
 }  // namespace
 
-template <typename List>
-bool SCSI::DetectIn(List list)
+bool SCSI::Detect()
 {
-    return Guarded(L"kel::SCSI::Detect", L"Error in SCSI detection.", [&list] {
+    return Detect(GetScsiControllers());
+}
+
+bool SCSI::Detect(ScsiControllers& listed)
+{
+    return Guarded(L"kel::SCSI::Detect", L"Error in SCSI detection.", [&listed] {
         StoreDefaults(Totals, Facts);
-        const std::vector<ScsiInfo>& controllers = list();
+        const std::vector<ScsiInfo>& controllers = listed.List();
         Totals.Store(ListTotals(std::ranges::count_if(controllers, &IsRealController)));
         StoreList(Facts, controllers, L"SCSI");
     });
-}
-
-bool SCSI::Detect()
-{
-    return DetectIn(&GetScsiControllers);
-}
-
-bool SCSI::Detect(SetupLib& library)
-{
-    return DetectIn([&library] { return ListScsiControllers(library); });
 }
 
 StoredFacts SCSI::ListFacts()

@@ -44,6 +44,11 @@ auto GetRank(const ScsiInfo& controller)
     return std::make_tuple(rank, std::wstring(controller.deviceId.ToString()), controller.instanceId);
 }
 
+std::vector<ScsiInfo> ListOfSystem()
+{
+    return ListScsiControllers(SetupLib::Instance());
+}
+
 }  // namespace
 
 std::wstring GetControllerKind(const ScsiInfo& controller)
@@ -76,9 +81,9 @@ std::vector<ScsiInfo> ListScsiControllers(SetupLib& library)
     return controllers;
 }
 
-const std::vector<ScsiInfo>& GetScsiControllers()
+ScsiControllers& GetScsiControllers()
 {
-    static const std::vector<ScsiInfo> controllers = ListScsiControllers(SetupLib::Instance());
+    static ScsiControllers controllers(&ListOfSystem);
     return controllers;
 }
 

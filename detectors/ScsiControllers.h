@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "detectors/ListedOnce.h"
 #include "probes/storage/ScsiInfo.h"
 
 namespace kel {
@@ -15,8 +16,10 @@ std::wstring GetControllerKind(const ScsiInfo& controller);
 /// Lists the controllers with their kinds: SCSI, SAS and RAID first, virtual ones last.
 std::vector<ScsiInfo> ListScsiControllers(SetupLib& library);
 
+using ScsiControllers = ListedOnce<ScsiInfo>;
+
 /// The controllers of this machine, listed once in the process.
-const std::vector<ScsiInfo>& GetScsiControllers();
+ScsiControllers& GetScsiControllers();
 
 /// Whether a controller is a real one for disks that SCSI commands reach: SCSI, SAS or RAID.
 bool IsRealController(const ScsiInfo& controller);

@@ -36,7 +36,7 @@ std::optional<Version> StoredVersion(unsigned id)
 /// The detector of these controllers runs later and uses the same list.
 std::optional<Version> ScsiDriver()
 {
-    const std::vector<ScsiInfo>& controllers = GetScsiControllers();
+    const std::vector<ScsiInfo>& controllers = GetScsiControllers().List();
     return controllers.empty() ? std::nullopt : controllers.front().driverVersion;
 }
 

@@ -175,9 +175,7 @@ void ProductFinder::Find(const Search& search)
 {
     const std::size_t known = search.found.size();
     const USHORT machine = search.locator.machine;
-    const Condition* const condition = search.locator.condition;
-    if ((machine != 0 && machine != functions.programMachine()) ||
-        (condition != nullptr && !IsMet(*condition)))
+    if (machine != 0 && machine != functions.programMachine())
         return;
     switch (search.locator.by) {
         case FindBy::UpgradeCode:
@@ -213,6 +211,10 @@ void ProductFinder::Find(const Search& search)
             FindPackages(search);
             break;
     }
+    // Few products are there, so that their condition is cheaper to read last.
+    const Condition* const condition = search.locator.condition;
+    if (search.found.size() > known && condition != nullptr && !IsMet(*condition))
+        search.found.erase(search.found.begin() + static_cast<std::ptrdiff_t>(known), search.found.end());
     for (std::size_t added = known; added < search.found.size(); ++added)
         search.found[added].source = NameOf(search.locator.by);
 }
@@ -221,7 +223,8 @@ void ProductFinder::Add(const Search& search, const std::wstring& path, Installa
 {
     if (path.empty() || IsOfChannel(search.product, path))
         return;
-    if (known.from != VersionFrom::File || known.version.empty()) {
+    const bool isVersionStored = search.product.versionId != 0;
+    if (isVersionStored && (known.from != VersionFrom::File || known.version.empty())) {
         const std::wstring version = files.ReadVersion(path);
         if (!version.empty())
             known = {version, VersionFrom::File, L"", known.is32Bit};

@@ -12,21 +12,10 @@ namespace kel {
 
 namespace {
 
-constexpr DWORD MaxRecordSize = 1024 * 1024;  // bytes; real ones have a few thousand
-constexpr DWORD MaxTextLength = 32768;        // characters, of an expanded text and of a path
+constexpr DWORD RecordSize = 1024;      // bytes; the version stands in the first hundred
+constexpr DWORD MaxTextLength = 32768;  // characters, of an expanded text and of a path
 constexpr UINT32 MaxPackages = 64;
 constexpr UINT32 MaxNamesLength = 64 * 1024;  // characters, of all packages of a family
-
-/// A function of a library that is loaded for it and stays loaded; null when an older system lacks either.
-template <typename Function>
-Function* SystemFunction(const wchar_t* library, const char* name)
-{
-    const HMODULE module = LoadSystemLibrary(library).release();
-    const FARPROC function = module != nullptr ? GetProcAddress(module, name) : nullptr;
-    if (function == nullptr)
-        WriteLog(LogTrace, L"The system has no function ", name);
-    return reinterpret_cast<Function*>(reinterpret_cast<void*>(function));
-}
 
 std::wstring Expand(const std::wstring& text)
 {
@@ -40,18 +29,11 @@ std::wstring Expand(const std::wstring& text)
 
 std::vector<BYTE> ReadVersionRecord(const wchar_t* path)
 {
-    static auto* const getSize =
-        SystemFunction<DWORD WINAPI(LPCWSTR, LPDWORD)>(L"version.dll", "GetFileVersionInfoSizeW");
     static auto* const getRecord =
-        SystemFunction<BOOL WINAPI(LPCWSTR, DWORD, DWORD, LPVOID)>(L"version.dll", "GetFileVersionInfoW");
-    if (getSize == nullptr || getRecord == nullptr)
-        return {};
-    DWORD unused = 0;
-    const DWORD size = getSize(path, &unused);
-    if (size == 0 || size > MaxRecordSize)
-        return {};
-    std::vector<BYTE> record(size);
-    if (!getRecord(path, 0, size, record.data()))
+        PermanentFunction<BOOL WINAPI(LPCWSTR, DWORD, DWORD, LPVOID)>(L"version.dll", "GetFileVersionInfoW");
+    // The system cuts a record that does not fit. Asking for its size would open the file twice.
+    std::vector<BYTE> record(RecordSize);
+    if (getRecord == nullptr || !getRecord(path, 0, RecordSize, record.data()))
         record.clear();
     return record;
 }
@@ -59,14 +41,14 @@ std::vector<BYTE> ReadVersionRecord(const wchar_t* path)
 UINT GetRelatedProduct(const wchar_t* upgradeCode, DWORD index, wchar_t* product)
 {
     static auto* const enumerate =
-        SystemFunction<decltype(MsiEnumRelatedProductsW)>(L"msi.dll", "MsiEnumRelatedProductsW");
+        PermanentFunction<decltype(MsiEnumRelatedProductsW)>(L"msi.dll", "MsiEnumRelatedProductsW");
     return enumerate != nullptr ? enumerate(upgradeCode, 0, index, product) : ERROR_NO_MORE_ITEMS;
 }
 
 UINT GetProductProperty(const wchar_t* product, const wchar_t* property, wchar_t* text, DWORD* size)
 {
     static auto* const getInfo =
-        SystemFunction<decltype(MsiGetProductInfoW)>(L"msi.dll", "MsiGetProductInfoW");
+        PermanentFunction<decltype(MsiGetProductInfoW)>(L"msi.dll", "MsiGetProductInfoW");
     return getInfo != nullptr ? getInfo(product, property, text, size) : ERROR_UNKNOWN_PROPERTY;
 }
 
@@ -101,7 +83,7 @@ std::wstring GetPackageFolder(const wchar_t* fullName)
 std::wstring GetProgramId(const wchar_t* protocol)
 {
     static auto* const query =
-        SystemFunction<decltype(AssocQueryStringW)>(L"shlwapi.dll", "AssocQueryStringW");
+        PermanentFunction<decltype(AssocQueryStringW)>(L"shlwapi.dll", "AssocQueryStringW");
     constexpr auto ProgramId = static_cast<ASSOCSTR>(20);  // ASSOCSTR_PROGID
     constexpr ASSOCF IsProtocol = 0x1000;                  // ASSOCF_IS_PROTOCOL
     std::wstring id(MAX_PATH, L'\0');

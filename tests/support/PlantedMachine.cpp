@@ -287,22 +287,25 @@ void PlantedMachine::Run(const Lines& names)
     const StorageFunctions disks = storage.devices.Functions();
     VolumeFunctions volumes = storage.volumes.Functions();
     volumes.listDisks = [&disks](const std::wstring& letter) { return ReadVolumeDisks(disks, letter); };
+    OpticalDrives opticalDrives([&disks] { return ListOpticalDrives(disks); });
+    DiskDrives diskDrives([&disks] { return ListDiskDrives(disks); });
+    ScsiControllers controllers([] { return ListScsiControllers(SetupLib::Instance()); });
     CPUID chip([this](std::uint32_t leaf) { return leaves[leaf]; },
                [this] { return NumberOf(machine.First(L"xcr0"), 16); });
     const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
         {L"CPU", [&] { CPU().Detect(chip, system.processors); }},
         {L"GPU", [&] { GPU().Detect(graphics.adapters); }},
         {L"Bios", [this] { Bios().Detect(system.firmware); }},
-        {L"CDRom", [&] { CDRom().Detect(disks); }},
+        {L"CDRom", [&] { CDRom().Detect(opticalDrives); }},
         {L"Chassis",
          [] {
              Chassis().Detect({&AnswerPower, &AnswerMetrics});
          }},
         {L"DirectX", [&] { DirectX().Detect(graphics.adapters); }},
-        {L"DVD", [&] { DVD().Detect(disks); }},
+        {L"DVD", [&] { DVD().Detect(opticalDrives); }},
         {L"Graphics", [&] { kel::Graphics().Detect(config); }},
-        {L"HardDrive", [&] { HardDrive().Detect(disks); }},
-        {L"LogicalDrive", [&] { LogicalDrive().Detect(volumes, disks); }},
+        {L"HardDrive", [&] { HardDrive().Detect(diskDrives); }},
+        {L"LogicalDrive", [&] { LogicalDrive().Detect(volumes, diskDrives); }},
         {L"MotherBoard", [] { MotherBoard().Detect(); }},
         {L"NetworkDevice", [this] { NetworkDevice().Detect(network.functions); }},
         {L"OS", [this] { OS().Detect(system.os); }},
@@ -315,7 +318,7 @@ void PlantedMachine::Run(const Lines& names)
         {L"Browser", [this] { Browser().Detect(software.functions); }},
         {L"Monitor", [&] { Monitor().Detect(config); }},
         {L"Applications", [this] { Applications().Detect(software.functions); }},
-        {L"SCSI", [] { SCSI().Detect(SetupLib::Instance()); }},
+        {L"SCSI", [&] { SCSI().Detect(controllers); }},
     };
     for (const auto& [name, detect] : detectors) {
         if (names.empty() || std::ranges::count(names, name) != 0)

@@ -10,9 +10,10 @@
 #include "detectors/Detectors.h"
 #include "detectors/GraphicsAdapters.h"
 #include "diag/Log.h"
+#include "probes/graphics/AdapterKind.h"
+#include "probes/graphics/DisplayConfig.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/storage/StorageFunctions.h"
-#include "probes/storage/Volumes.h"
 #include "support/PlantedMachine.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
@@ -120,7 +121,7 @@ bool Planted(const Lines& names, int count)
 }
 
 /// Those of these detectors, or all, on this machine. The first run, which loads libraries, does not count;
-/// what detectors keep for later calls is made anew.
+/// lists that several detectors share are made anew by the first of them.
 void Here(const Lines& names, const std::wstring& wanted)
 {
     const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
@@ -129,24 +130,31 @@ void Here(const Lines& names, const std::wstring& wanted)
              GraphicsAdapters adapters;
              GPU().Detect(adapters);
          }},
-        {L"CDRom", [] { CDRom().Detect(StorageFunctions::OfSystem()); }},
-        {L"DirectX",
+        {L"CDRom",
          [] {
-             GraphicsAdapters adapters;
-             DirectX().Detect(adapters);
+             OpticalDrives drives([] { return ListOpticalDrives(StorageFunctions::OfSystem()); });
+             CDRom().Detect(drives);
          }},
-        {L"DVD", [] { DVD().Detect(StorageFunctions::OfSystem()); }},
+        {L"DirectX", [] { DirectX().Detect(); }},
+        {L"DVD", [] { DVD().Detect(); }},
         {L"Graphics", [] { Graphics().Detect(); }},
-        {L"HardDrive", [] { HardDrive().Detect(StorageFunctions::OfSystem()); }},
-        {L"LogicalDrive",
-         [] { LogicalDrive().Detect(VolumeFunctions::OfSystem(), StorageFunctions::OfSystem()); }},
+        {L"HardDrive",
+         [] {
+             DiskDrives drives([] { return ListDiskDrives(StorageFunctions::OfSystem()); });
+             HardDrive().Detect(drives);
+         }},
+        {L"LogicalDrive", [] { LogicalDrive().Detect(); }},
         {L"NetworkDevice", [] { NetworkDevice().Detect(); }},
         {L"Sound", [] { Sound().Detect(); }},
         {L"Software", [] { Software().Detect(); }},
         {L"Browser", [] { Browser().Detect(); }},
         {L"Monitor", [] { Monitor().Detect(); }},
         {L"Applications", [] { Applications().Detect(); }},
-        {L"SCSI", [] { SCSI().Detect(SetupLib::Instance()); }},
+        {L"SCSI",
+         [] {
+             ScsiControllers controllers([] { return ListScsiControllers(SetupLib::Instance()); });
+             SCSI().Detect(controllers);
+         }},
     };
     test::TestSession session;
     session.wanted.Assign(wanted, L"");
@@ -172,9 +180,13 @@ bool Probes()
     measure("dxgi", [&] { adapters = probes.dxgi.ListAdapters(); });
     measure("cache", [&] { probes.readCache(listed); });
     measure("setup", [&] { probes.listDevices(listed); });
+    measure("paths", [] { DisplayConfig::Instance().List(); });
     if (adapters.empty())
         return false;
     IDXGIAdapter1* const adapter = adapters.front().adapter.Get();
+    DXGI_ADAPTER_DESC1 description = {};
+    adapter->GetDesc1(&description);
+    measure("dxcore", [&] { IsIntegratedByDxCore(description.AdapterLuid); });
     measure("d3d9", [&] { probes.directX9.GetGpuInfo(listed); });
     measure("d3d10", [&] { probes.directX10.GetFeatureLevel(adapter, L""); });
     measure("d3d11", [&] { probes.directX11.GetFeatureLevel(adapter, L""); });
