@@ -24,7 +24,7 @@ public:
             set(previous);
     }
 
-    bool AreTold() const { return previous != nullptr; }
+    bool AreReported() const { return previous != nullptr; }
 
 private:
     /// DPI_AWARENESS_CONTEXT_PER_MONITOR_AWARE, which not every platform's headers have.
@@ -48,7 +48,7 @@ std::vector<MONITORINFO> ListMonitors()
     std::vector<MONITORINFO> monitors;
     const PhysicalPixels pixels;
     EnumDisplayMonitors(nullptr, nullptr, &Append, reinterpret_cast<LPARAM>(&monitors));
-    if (!pixels.AreTold()) {
+    if (!pixels.AreReported()) {
         for (MONITORINFO& monitor : monitors)
             monitor.rcMonitor = {};
     }
@@ -65,11 +65,11 @@ std::optional<UINT> GetPrimaryDpi()
 {
     using Get = HRESULT WINAPI(HMONITOR, int, UINT*, UINT*);
     const PhysicalPixels pixels;
-    auto* const get = FindFunction<Get>(LoadSystemLibrary(L"shcore.dll").release(), "GetDpiForMonitor");
+    auto* const get = PermanentFunction<Get>(L"shcore.dll", "GetDpiForMonitor");
     constexpr int EffectiveDpi = 0;
     UINT horizontal = 0;
     UINT vertical = 0;
-    if (!pixels.AreTold() || get == nullptr ||
+    if (!pixels.AreReported() || get == nullptr ||
         FAILED(
             get(MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY), EffectiveDpi, &horizontal, &vertical)) ||
         horizontal == 0)

@@ -120,16 +120,14 @@ NetworkInfo InfoOf(const IP_ADAPTER_ADDRESSES& adapter)
 
 NetworkFunctions NetworkFunctions::OfSystem()
 {
+    constexpr const wchar_t* Library = L"iphlpapi.dll";
     NetworkFunctions functions;
-    const HMODULE library = LoadSystemLibrary(L"iphlpapi.dll").release();
-    if (library == nullptr) {
-        WriteLog(LogWarning, L"Failure to load iphlpapi.dll: ", GetLastError());
-        return functions;
-    }
-    functions.getTable = FindFunction<decltype(GetIfTable2)>(library, "GetIfTable2");
-    functions.freeTable = FindFunction<decltype(FreeMibTable)>(library, "FreeMibTable");
-    functions.getAddresses = FindFunction<decltype(GetAdaptersAddresses)>(library, "GetAdaptersAddresses");
-    functions.getBestInterface = FindFunction<decltype(GetBestInterfaceEx)>(library, "GetBestInterfaceEx");
+    functions.getTable = PermanentFunction<decltype(GetIfTable2)>(Library, "GetIfTable2");
+    functions.freeTable = PermanentFunction<decltype(FreeMibTable)>(Library, "FreeMibTable");
+    functions.getAddresses =
+        PermanentFunction<decltype(GetAdaptersAddresses)>(Library, "GetAdaptersAddresses");
+    functions.getBestInterface =
+        PermanentFunction<decltype(GetBestInterfaceEx)>(Library, "GetBestInterfaceEx");
     return functions;
 }
 

@@ -63,8 +63,8 @@ DWORD ReadVolume(const VolumeFunctions& functions, const std::wstring& root, Vol
 
 std::wstring GetProfileFolder()
 {
-    auto* const find = FindFunction<decltype(SHGetKnownFolderPath)>(
-        LoadSystemLibrary(L"shell32.dll").release(), "SHGetKnownFolderPath");
+    auto* const find =
+        PermanentFunction<decltype(SHGetKnownFolderPath)>(L"shell32.dll", "SHGetKnownFolderPath");
     PWSTR path = nullptr;
     const bool isFound =
         find != nullptr && SUCCEEDED(find(LocalAppData, KF_FLAG_DONT_VERIFY, nullptr, &path));

@@ -15,9 +15,7 @@ bool HasLongTermBattery(decltype(&GetPwrCapabilities) getCapabilities)
 
 ChassisFunctions ChassisFunctions::OfSystem()
 {
-    const HMODULE library = LoadSystemLibrary(L"PowrProf.dll").release();
-    return {library != nullptr ? FindFunction<decltype(GetPwrCapabilities)>(library, "GetPwrCapabilities")
-                               : nullptr,
+    return {PermanentFunction<decltype(GetPwrCapabilities)>(L"PowrProf.dll", "GetPwrCapabilities"),
             &GetSystemMetrics};
 }
 

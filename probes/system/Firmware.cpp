@@ -29,8 +29,7 @@ DWORD AskVariable()
 std::uint32_t AskTpm(TpmInfo& info)
 {
     using GetDeviceInfo = std::uint32_t WINAPI(std::uint32_t size, void* info);
-    static const HMODULE library = LoadSystemLibrary(L"tbs.dll").release();
-    static auto* const get = FindFunction<GetDeviceInfo>(library, "Tbsi_GetDeviceInfo");
+    static auto* const get = PermanentFunction<GetDeviceInfo>(L"tbs.dll", "Tbsi_GetDeviceInfo");
     return get != nullptr ? get(sizeof(info), &info) : ERROR_CALL_NOT_IMPLEMENTED;
 }
 

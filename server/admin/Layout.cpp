@@ -2,6 +2,7 @@
 
 #include "server/admin/Pages.h"
 #include "server/admin/kit/Texts.h"
+#include "server/base/Embedded.h"
 
 namespace kel::server {
 

@@ -9,9 +9,6 @@
 
 namespace kel::server {
 
-/// The text of admin.css, which the build puts in.
-extern const char* const AdminStyle;
-
 /// A whole page. Its title is the heading, too.
 Answer Page(const AdminRequest& request, const std::string& title, const Html& content, int status = 200);
 

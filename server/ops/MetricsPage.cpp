@@ -3,7 +3,7 @@
 #include <charconv>
 #include <string_view>
 
-#include "server/base/Version.h"
+#include "server/base/Embedded.h"
 #include "server/ops/Memory.h"
 
 namespace kel::server {

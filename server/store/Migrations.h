@@ -1,14 +1,8 @@
 #pragma once
 
-#include <span>
-
 #include "server/store/SqlConnection.h"
 
 namespace kel::server {
-
-/// The statements of migrations/sqlite/*.sql and migrations/postgres/*.sql in their order, which the build
-/// puts in. The first one leads from nothing to version 1; both databases have the same versions.
-extern const std::span<const char*const> SqliteMigrations, PostgresMigrations;
 
 /// Brings the database to the newest version, each step by itself entirely or not at all; the version. Waits
 /// for another process that does the same. Throws std::runtime_error for a newer one, and for a database that

@@ -6,8 +6,8 @@
 #include <algorithm>
 #include <stdexcept>
 
+#include "server/base/Embedded.h"
 #include "server/base/Fault.h"
-#include "server/store/Migrations.h"
 
 namespace kel::server {
 

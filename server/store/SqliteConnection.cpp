@@ -4,8 +4,8 @@
 #include <cerrno>
 #include <stdexcept>
 
+#include "server/base/Embedded.h"
 #include "server/base/Fault.h"
-#include "server/store/Migrations.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
