@@ -10,7 +10,7 @@ namespace {
 
 using namespace test;
 
-TEST(OpticalAbilities, AreToldByRealNames)
+TEST(OpticalAbilities, FollowFromRealNames)
 {
     int names = 0;
     for (const std::wstring& row : ReadRows("real_optical_drives.txt")) {

@@ -65,7 +65,7 @@ class Contract(DeployedTest):
         self.assertIn("<found>\x7f\u0085\ufffd\t\U0010ffff</found>",
                       self.ask("POST", "/service/Analysis/r", analysis("other"))[1].decode())
 
-    def test_a_verdict_is_told_in_three_formats(self):
+    def test_a_verdict_comes_in_three_formats(self):
         self.require("f", (1, "M", "at least", "4 GB", "not shown"), (2, "<b>", "equals", "'\"&é", "Do <i>"))
         self.ask("POST", UPLOAD, REPORT.format("s"))
         requests = (analysis("s", name).replace("<ItemID>i", "<ItemID>&quot;é") for name in ("2.0", "HTML", "json"))

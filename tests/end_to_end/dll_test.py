@@ -33,7 +33,7 @@ class Dll(unittest.TestCase):
         wine("regsvr32", "/s", windows_path(DLL))
         self.assertEqual(wine(PROGRAMS / "plain_program.exe", "multithreaded")[:2], (0, "00000000 visitor\n"))
 
-    def test_regsvr32_registers_for_whom_it_is_told(self):
+    def test_regsvr32_registers_for_the_users_asked_for(self):
         refused = 5  # what regsvr32 says of a call that failed
         wine("regsvr32", "/s", "/u", "/n", "/i:user", windows_path(DLL))
         for arguments, result, for_all, for_user in (

@@ -95,7 +95,7 @@ class Bodies(DeployedTest):
             with self.subTest(path):
                 self.assertRegex(answers, rb"^HTTP/1.1 40[45] [^\n]*\n([\w-]+: [^\n]*\n)+\r\nHTTP/1.1 404 ")
 
-    def test_a_client_that_asks_first_is_told_to_go_on(self):
+    def test_a_client_that_asks_first_gets_100_continue(self):
         report = REPORT.format("s").encode()
         connection = self.connect(HEAD + b"Expect: 100-continue\r\nContent-Length: %d\r\n\r\n" % len(report))
         self.assertEqual(connection.recv(4096), b"HTTP/1.1 100 Continue\r\n\r\n")

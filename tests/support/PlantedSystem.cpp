@@ -120,8 +120,8 @@ PlantedSystem::PlantedSystem(const Machine& machine)
         info.wProcessorArchitecture = static_cast<WORD>(NumberOf(fields[5]));
     };
     os.getProductInfo = [fields](DWORD major, DWORD minor, DWORD, DWORD, DWORD* edition) {
-        const bool isAsTold = major == NumberOf(fields[0]) && minor == NumberOf(fields[1]);
-        return *edition = isAsTold ? static_cast<DWORD>(NumberOf(fields[6])) : 0, TRUE;
+        const bool isPlanted = major == NumberOf(fields[0]) && minor == NumberOf(fields[1]);
+        return *edition = isPlanted ? static_cast<DWORD>(NumberOf(fields[6])) : 0, TRUE;
     };
 }
 
