@@ -36,7 +36,8 @@ public:
     explicit Verdicts(Database& database) : database(database) {}
 
     /// Saves a verdict; a later one on the same report by the same set replaces it. When the report has been
-    /// deleted meanwhile, nothing happens. Throws NoRoom when less than half of the room for reports is left.
+    /// deleted meanwhile, nothing happens. Throws NoRoom when less than half of the room that reports need is
+    /// free.
     void Save(const NewVerdict& verdict);
     /// The verdicts on a report, the newest requirements first.
     std::vector<StoredVerdict> OnReport(std::int64_t report);
