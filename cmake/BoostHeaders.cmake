@@ -1,4 +1,4 @@
-# Boost is used for its headers only. A link of its own keeps the host's other headers off the path.
+# Only Boost's headers are used. A link to them alone keeps the host's other headers off the include path.
 add_library(boost_headers INTERFACE)
 if(MINGW)
   find_path(KEL_BOOST_ROOT boost/version.hpp PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH REQUIRED)

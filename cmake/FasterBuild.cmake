@@ -1,8 +1,8 @@
-# The headers that most sources include, compiled once for a target: reading them takes half of a compilation. Sources
-# name what they use all the same, which the linter checks: it reads them without this.
+# The headers that most sources include, compiled once per target: reading them takes half of a compilation. Sources
+# still have to include what they use; the linter, which runs without this, checks that.
 set(KEL_PRECOMPILED algorithm array cstdint map memory optional span sstream string string_view utility vector)
 
-# Precompiles them for a target's C++ sources, with further ones.
+# Precompiles these headers, and any further arguments, for a target's C++ sources.
 function(kel_precompile target)
   foreach(header IN LISTS KEL_PRECOMPILED ARGN)
     target_precompile_headers(${target} PRIVATE "$<$<COMPILE_LANGUAGE:CXX>:<${header}$<ANGLE-R>>")
@@ -11,9 +11,9 @@ endfunction()
 
 option(KEL_UNITY "Compile the sources of a folder as one" ON)
 
-# Compiles a target's sources by folder instead of one by one, which takes half the time: each header is read once for the
-# folder. Names in unnamed namespaces are therefore unique in a folder; folders for which they are not are named after the
-# target, and their sources are compiled by themselves. With -DKEL_UNITY=OFF all are.
+# Compiles a target's sources by folder instead of one by one, which takes half the time: each header is read once per
+# folder. Names in unnamed namespaces therefore have to be unique in a folder; the arguments after the target name the
+# folders where they are not, whose sources are compiled separately. With -DKEL_UNITY=OFF all sources are.
 function(kel_unite target)
   if(NOT KEL_UNITY)
     return()
@@ -29,7 +29,7 @@ function(kel_unite target)
   endforeach()
   set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
   if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-    # A source is a header of the folder's, whose unnamed namespaces GCC takes for those of several sources.
+    # The combined source includes the others, and GCC warns about unnamed namespaces in included files.
     target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
   endif()
 endfunction()

@@ -13,7 +13,7 @@ namespace kel {
 /// The class factory of the control's one class.
 class ClassFactory final : public IClassFactory {
 public:
-    /// Makes a factory and queries it.
+    /// Creates a factory and queries it for an interface.
     /// @return E_OUTOFMEMORY or E_NOINTERFACE when that fails
     static HRESULT Create(REFIID riid, void** result) noexcept;
 

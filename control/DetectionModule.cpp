@@ -17,10 +17,10 @@ namespace kel {
 
 namespace {
 
-/// The class shows nothing, and so needs no OLE flags.
+/// The class shows nothing at run time, and needs no other OLE flag.
 constexpr unsigned MiscStatus = OLEMISC_INVISIBLEATRUNTIME;
 
-/// The control runs in its caller's process only; its application id is its class id.
+/// The control runs only in its caller's process; its application id is its class id.
 constexpr const wchar_t* ApplicationId = L"{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}";
 
 std::wstring ScriptText()

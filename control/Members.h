@@ -1,5 +1,5 @@
-// Common parts of the control's members: their turn, their trace, texts in and out, and the end of every
-// exception.
+// Common parts of the control's members: their turn, their trace, conversion of texts, and the handler that
+// stops every exception.
 #pragma once
 
 #include <windows.h>
@@ -23,7 +23,7 @@ inline constexpr const wchar_t* CaughtException = L"Caught exception.";
 /// Thrown by a member that has logged its failure already.
 struct AlreadyLogged {};
 
-/// The whole text of a string from outside, also its zeros; null is the empty text.
+/// The whole text of a string from outside, including its zeros; null is the empty text.
 inline std::wstring TextOf(BSTR text)
 {
     return text != nullptr ? std::wstring(text, SysStringLen(text)) : std::wstring();
@@ -41,7 +41,7 @@ inline HRESULT ReturnText(const std::wstring& text, BSTR* result) noexcept
 
 /// Runs the body of a member during its turn. Any exception is logged and ends here. A member that does not
 /// get its turn does nothing.
-/// @param scopeName the trace scope that it runs in and fails in; null for none
+/// @param scopeName the trace scope in which it runs and logs a failure; null for none
 template <std::invocable Body>
 HRESULT Guarded(const wchar_t* scopeName, Body body, const wchar_t* errorLine = CaughtException) noexcept
 {

@@ -25,10 +25,10 @@ private:
 /// @throws RegistrationError when the result is a failure
 void CheckRegistration(HRESULT result, const char* message);
 
-/// Applies a registration script to the registry and takes it back.
+/// Applies a registration script to the registry, and removes what it wrote.
 class Registrar {
 public:
-    /// @param rootKey the key below which the script's keys stand; must outlive this object
+    /// @param rootKey the key below which the script's keys are written; must outlive this object
     explicit Registrar(HKEY rootKey) : root(rootKey) {}
 
     /// Writes the script's keys and values. When a step fails, the keys that it wrote are removed, including
@@ -36,8 +36,8 @@ public:
     /// @throws RegistrationError
     void Register(const std::vector<ScriptKey>& keys) const;
 
-    /// Removes the keys that the script wrote: forced ones whole, others when nothing is left below them.
-    /// Values in a key that stays are kept.
+    /// Removes the keys that the script wrote: forced ones with their contents, others when nothing is left
+    /// below them. Values in a key that stays are kept.
     /// @throws RegistrationError
     void Unregister(const std::vector<ScriptKey>& keys) const;
 

@@ -14,11 +14,11 @@ struct ScriptValue {
     std::wstring text;
 };
 
-/// What registration and unregistration do with a key beyond creating it, and removing it when it is empty.
+/// What registration and unregistration do with a key besides creating it, and removing it when it is empty.
 enum class KeyRule {
     Plain,
     NoRemove,     ///< the key stays on unregistration
-    ForceRemove,  ///< the key is removed whole on unregistration, and before registration
+    ForceRemove,  ///< the key is removed with its contents on unregistration, and before registration
 };
 
 /// A key of a registration script.

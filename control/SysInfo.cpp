@@ -87,7 +87,7 @@ ULONG CSysInfo::Release()
 
 ITypeInfo* CSysInfo::TypeInfo() noexcept
 {
-    // Without a turn: names can be looked up while another apartment's run takes its time.
+    // Takes no turn: names can be looked up during another apartment's run.
     if (!typeInfo)
         typeInfo = LoadSysInfoTypeInfo();
     return typeInfo.Get();

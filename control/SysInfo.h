@@ -19,7 +19,7 @@ class CSysInfo final : public ISysInfo,
                        public IPersistPropertyBag,
                        public IObjectSafety {
 public:
-    /// Makes an object and queries it.
+    /// Creates an object and queries it for an interface.
     /// @param outer the aggregating object, or null; with one, only IUnknown may be asked for
     static HRESULT Create(IUnknown* outer, REFIID riid, void** result) noexcept;
 
@@ -89,7 +89,7 @@ private:
     explicit CSysInfo(IUnknown* newOuter);
     ~CSysInfo() = default;
     HRESULT FindInterface(REFIID riid, void** result);
-    /// What serves IDispatch, loaded on first use; null when it cannot be loaded.
+    /// The type information behind IDispatch, loaded on first use; null when it cannot be loaded.
     ITypeInfo* TypeInfo() noexcept;
 
     ModuleLock moduleLock;

@@ -155,7 +155,7 @@ HRESULT CSysInfo::put_Debug(BSTR text)
 
 HRESULT CSysInfo::get_Version(BSTR* version)
 {
-    // Without a turn: a text that never changes can be read while another apartment's run takes its time.
+    // Takes no turn: a text that never changes can be read during another apartment's run.
     if (version != nullptr)
         *version = nullptr;
     try {

@@ -89,7 +89,7 @@ HRESULT CSysInfo::Save(IPropertyBag* bag, BOOL /*clearDirty*/, BOOL /*saveAll*/)
     HRESULT result = E_OUTOFMEMORY;  // unless all is written
     Guarded([bag, &result] {
         const System& system = System::Instance();
-        // No session: all visitors of a page that a designer saves would share it.
+        // No session id: all visitors of a page that a design tool saves would share it.
         const std::pair<const wchar_t*, std::wstring> texts[] = {
             {ReferrerKey, system.ReferrerID()},
             {UserKey, system.UserID()},

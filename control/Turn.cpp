@@ -19,7 +19,7 @@ public:
     ~Exclusive() { ReleaseSRWLockExclusive(&guard); }
 };
 
-/// Takes a turn out of a list.
+/// Removes a turn from a list.
 void Remove(Turn*& first, Turn* Turn::*next, const Turn* removed) noexcept
 {
     Turn** place = &first;
@@ -33,8 +33,7 @@ bool WaitInApartment(HANDLE event, DWORD milliseconds) noexcept
 {
     DWORD index = 0;
     const HRESULT result = CoWaitForMultipleHandles(0, milliseconds, 1, &event, &index);
-    if (FAILED(result) &&
-        result != RPC_S_CALLPENDING)  // a thread that has not begun COM has no calls to serve
+    if (FAILED(result) && result != RPC_S_CALLPENDING)  // a thread without COM has no calls to serve
         return WaitForSingleObject(event, milliseconds) == WAIT_OBJECT_0;
     return SUCCEEDED(result);
 }
@@ -84,8 +83,8 @@ bool Turn::CanAcquire() const noexcept
     return true;
 }
 
-/// Every waiting thread looks again when a turn ends: each knows best whether it may begin, and one that is
-/// serving a call must not delay the others.
+/// When a turn ends, every waiting thread checks for itself whether it may begin, so that a thread that is
+/// serving a call does not delay the others.
 void Turn::Wait(std::chrono::milliseconds limit) noexcept
 {
     changed.reset(CreateEventW(nullptr, FALSE, FALSE, nullptr));

@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// A member's turn. The session, the probes and the log are one for the process and not locked, and a host
+/// A member's turn. The session, the probes and the log exist once per process and are not locked, and a host
 /// may use the control from several apartments: while one has its turn, the members called in others wait.
 ///
 /// A turn begins at once inside another one of the same thread, as when a page calls in while a detector

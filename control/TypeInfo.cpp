@@ -18,7 +18,7 @@ Microsoft::WRL::ComPtr<ITypeInfo> LoadSysInfoTypeInfo() noexcept
         typeInfo.Reset();
     }
     if (!typeInfo) {
-        // The log is not locked: without a turn, as while another apartment's run takes its time, no line.
+        // The log is not locked: without a turn, as during another apartment's run, nothing is logged.
         if (const Turn turn(std::chrono::milliseconds::zero()); turn)
             ReportFailure(LogError, L"The type library cannot be loaded.");
     }

@@ -15,7 +15,7 @@ class TypeLibraryRegistrar {
 public:
     explicit TypeLibraryRegistrar(bool forCurrentUser) noexcept;
 
-    /// @param path the DLL's
+    /// @param path the path of the DLL
     /// @throws RegistrationError
     void Register(std::wstring path) const;
 

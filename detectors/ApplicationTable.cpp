@@ -6,7 +6,7 @@ namespace {
 
 using enum FindBy;
 
-// One installation holds the whole suite; the program files show which parts of it are there.
+// One installation holds the whole suite; the program files show which parts are installed.
 constexpr Locator Office[] = {
     {DisplayName, L"Microsoft 365*", L"Microsoft Corporation"},
     {DisplayName, L"Microsoft Office*", L"Microsoft Corporation"},
@@ -23,8 +23,8 @@ constexpr Locator LibreOffice[] = {
     {Folder, L"%ProgramFiles(x86)%\\LibreOffice"},
 };
 
-// The 64-bit Reader is Acrobat's program without a licence for the other features, and has its name. The
-// level of the package says which of both it is; where it is missing, the name decides.
+// The 64-bit Reader is Acrobat's program without a licence for the other features, and has Acrobat's name.
+// The level of the package says which of the two it is; without a level, the name decides.
 constexpr const wchar_t* AcrobatKey = L"SOFTWARE\\Adobe\\Adobe Acrobat\\DC\\Installer";
 constexpr Condition IsReader = {AcrobatKey, L"SCAPackageLevel", 1, 1, false};
 constexpr Condition MayBeReader = {AcrobatKey, L"SCAPackageLevel", 0, 1, true};

@@ -15,7 +15,7 @@ constexpr FactTable OfficeFacts(Fact{73530, &OfficeInfo::generation}, Fact{73531
 /// Word, Excel, PowerPoint, Outlook, Access.
 constexpr unsigned OfficePrograms[] = {73210, 73212, 73214, 73216, 73218};
 
-/// Whether one of them is stored as there.
+/// Whether one of them is stored as installed.
 bool HasOffice()
 {
     return std::ranges::any_of(OfficePrograms, [](unsigned id) {

@@ -25,7 +25,7 @@ constexpr FactTable Facts(Fact{73000, &BrowserInfo::isThere}, Fact{73001, &Brows
                           Fact{73002, &BrowserInfo::ofChoice}, Fact{73003, &BrowserInfo::host},
                           Fact{73004, &BrowserInfo::hostVersion});
 
-/// Where Windows keeps the choice: since 11 24H2 in the first of them.
+/// The keys in which Windows keeps the choice; since 11 24H2, it is in the first one.
 constexpr const wchar_t* ChoiceKeys[] = {
     L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoiceLatest\\ProgId",
     L"SOFTWARE\\Microsoft\\Windows\\Shell\\Associations\\UrlAssociations\\https\\UserChoiceLatest",
@@ -33,7 +33,7 @@ constexpr const wchar_t* ChoiceKeys[] = {
 };
 
 constexpr unsigned InternetExplorerId = 73010;
-/// Since Windows 11, what is there of Internet Explorer opens Edge.
+/// Since Windows 11, the remaining parts of Internet Explorer open Edge.
 constexpr DWORD BuildWithoutInternetExplorer = 22000;
 
 /// The id of the program that the user has chosen for web addresses; empty without a choice.

@@ -6,7 +6,7 @@ namespace {
 
 using enum FindBy;
 
-// Its key holds the version that the program shows; the value's name is new in version 10.
+// Its key holds the version that the program shows; since version 10 the value has another name.
 constexpr Locator InternetExplorer[] = {
     {Key, L"SOFTWARE\\Microsoft\\Internet Explorer", L"", L"%ProgramFiles%\\Internet Explorer",
      L"svcVersion|Version"},

@@ -58,7 +58,7 @@ bool CPU::Detect(CPUID& chip, const CpuFunctions& functions)
         Facts.Merge(merged, registry, L"the registry");
         Facts.Merge(merged, wmi, L"WMI");
         Facts.Merge(merged, system, L"the system");
-        // The last source decides the rating, even without one: FinishCpuInfo starts from it.
+        // The last source decides the rating, even if it has none: FinishCpuInfo starts from it.
         merged.record.ratedSpeed = system.ratedSpeed;
         FinishCpuInfo(merged.record);
         Facts.Store(merged, L"CPU");

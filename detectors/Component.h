@@ -17,7 +17,7 @@ public:
     virtual ~Component() = default;
 
     /// Reads the machine and stores the detector's values in the current session.
-    /// @return true, also after a failure, which is logged
+    /// @return true, even after a failure, which is logged
     virtual bool Detect() = 0;
 
     /// One-time preparation.
@@ -32,7 +32,7 @@ public:
     }
 
 protected:
-    /// Warns in the log of a detector that took too long. The processor's takes two seconds on a healthy
+    /// Logs a warning for a detector that took too long. The processor's takes two seconds on a healthy
     /// Windows: the clock measurement takes one, and WMI's processor query another.
     static void WarnIfSlow(const wchar_t* scopeName, std::int64_t milliseconds)
     {
@@ -43,7 +43,7 @@ protected:
 
     /// Runs the body of a Detect in a trace scope of the given name. When the body throws, what it has stored
     /// stays, and the error line is logged.
-    /// @param errorLine null for a detector without a line of its own
+    /// @param errorLine null for a detector without an error line
     template <std::invocable Body>
     static bool Guarded(const wchar_t* scopeName, const wchar_t* errorLine, Body body)
     {

@@ -28,7 +28,7 @@ constexpr Row RowOf(const char* name)
     return {name, &Make<Detector>, &Detector::ListFacts};
 }
 
-/// The order in which they run.
+/// The detectors in the order in which they run.
 constexpr Row Rows[] = {
     RowOf<CPU>("CPU"),
     RowOf<GPU>("GPU"),

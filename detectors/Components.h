@@ -19,7 +19,7 @@ public:
     /// Builds the list and runs every detector, one after the other; once per process.
     void DetectAll();
 
-    /// What a detector stores.
+    /// The facts that a detector stores.
     struct Listed {
         const char* detector;  ///< its class
         StoredFacts facts;

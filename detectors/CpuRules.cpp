@@ -36,7 +36,7 @@ std::wstring RatedSpeed(const CpuInfo& info)
     return rated > speed ? std::to_wstring(rated) + L"Hz" : std::wstring();
 }
 
-/// A hypervisor hides from its guests, and from the system beside them, that the firmware has it on.
+/// A hypervisor hides from its guests, and from its host system, that the firmware has virtualization on.
 std::optional<bool> IsVirtualizationOn(const CpuInfo& info)
 {
     const bool isOn = info.hasHypervisor.value_or(false) || info.firmwareVirtualizes.value_or(false);

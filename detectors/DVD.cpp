@@ -5,7 +5,8 @@ namespace kel {
 
 namespace {
 
-/// What any real drive can do. Empty where no drive has the ability and one drive's answer is unknown.
+/// Whether any real drive has each ability. Empty when no drive is known to have it and one drive's answer is
+/// unknown.
 struct DvdInfo {
     std::optional<bool> readsDvds;
     std::optional<bool> writesDvds;

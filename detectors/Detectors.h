@@ -1,5 +1,5 @@
-// The twenty detectors, in the order in which they run. Each reads its sources in `Detect`; a further
-// overload takes what a test puts in the place of the machine's own. `ListFacts` lists what a detector
+// The twenty detectors, in the order in which they run. Each reads its sources in `Detect`; another overload
+// takes sources with which a test replaces the machine's own. `ListFacts` lists the facts that a detector
 // stores.
 #pragma once
 
@@ -57,8 +57,8 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// Optical drives: name, letter, whether one writes CDs or shows an image. Merged from the Setup API, WMI and
-/// the drives' own answers; no medium is read.
+/// Optical drives: name, letter, whether one writes CDs or is a mounted image. Merged from the Setup API, WMI
+/// and the drives' own answers; no medium is read.
 class CDRom : public Component {
 public:
     bool Detect() override;
@@ -75,8 +75,8 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// DirectX: the runtime that Windows has, which versions of Direct3D are there, and what the first adapter
-/// and its driver can do.
+/// DirectX: the runtime that Windows has, the available versions of Direct3D, and what the first adapter and
+/// its driver can do.
 class DirectX : public Component {
 public:
     bool Detect() override;
@@ -92,7 +92,7 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The displays: how many are active, the primary one's picture, and the whole desktop.
+/// The displays: the number of active ones, the primary one's picture, and the whole desktop.
 class Graphics : public Component {
 public:
     bool Detect() override;
@@ -112,7 +112,7 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// Drive letters, with that of Windows first. File system and sizes are read of fixed and RAM disks only;
+/// Drive letters, with that of Windows first. File system and sizes are read only for fixed and RAM disks;
 /// labels and shares are never read.
 class LogicalDrive : public Component {
 public:
@@ -132,9 +132,9 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The network: its physical adapters, merged from the Setup API and the system's interfaces, that of the
-/// default route first; then the download rate of the connection, measured only when the service wants it,
-/// since it costs the visitor a download.
+/// The network: its physical adapters, merged from the Setup API and the system's interfaces, the one with
+/// the default route first; then the download rate of the connection, measured only when the service wants
+/// it, since it costs the visitor a download.
 class NetworkDevice : public Component {
 public:
     bool Detect() override;
@@ -143,8 +143,8 @@ public:
 };
 
 /// The operating system: display name, release and edition flags, version numbers, locale, machine identifier
-/// and .NET Framework as such a host is answered; then what is true in every host. It writes nothing but the
-/// machine identifier.
+/// and .NET Framework as the system reports them to this host; then facts that are correct in every host. It
+/// writes nothing but the machine identifier.
 class OS : public Component {
 public:
     OS() { OS::Initialize(); }
@@ -158,8 +158,8 @@ private:
     static void GetSupportInformation();
 };
 
-/// Memory: the physical memory that Windows can use, what of it is available, the process's address space,
-/// and the memory that is installed.
+/// Memory: the physical memory that Windows can use, how much of it is available, the process's address
+/// space, and the installed memory.
 class Ram : public Component {
 public:
     bool Detect() override;
@@ -167,8 +167,8 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// Sound: its devices, merged from the Setup API, WMI and the system's endpoints, that of the default output
-/// first, and how many outputs and inputs are active.
+/// Sound: its devices, merged from the Setup API, WMI and the system's endpoints, the one with the default
+/// output first, and the numbers of active outputs and inputs.
 class Sound : public Component {
 public:
     bool Detect() override;
@@ -208,7 +208,7 @@ public:
     static StoredFacts ListFacts();
 };
 
-/// The applications of a table: which are there, and their versions. It does not look for others.
+/// The applications of a table: which are installed, and their versions. It does not look for others.
 class Applications : public Component {
 public:
     Applications() { Applications::Initialize(); }

@@ -5,14 +5,14 @@
 
 namespace kel {
 
-/// What is known of DirectX; the adapter is the one that a program would use.
+/// The facts about DirectX; the adapter is the one that a program would use.
 struct DirectXInfo {
     bool works = false;              ///< Direct3D, on an adapter that is not software
     std::optional<Version> runtime;  ///< that Windows has, such as 12.0
     std::optional<Version> featureLevel;
     std::optional<Version> shaderModel;
     std::optional<Version> driverModel;
-    bool has8 = false;  ///< the version of Direct3D is there
+    bool has8 = false;  ///< this version of Direct3D is available; likewise the next ones
     bool has9 = false;
     bool has10 = false;
     bool has11 = false;

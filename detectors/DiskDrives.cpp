@@ -56,8 +56,8 @@ void DropCutModels(Disks& disks, const Disks& others)
     }
 }
 
-/// Merges what a source lists. Where known disks have numbers, a disk without one is dropped: it is one of
-/// them, but it is unknown which.
+/// Merges what a source lists. When the known disks have numbers, a disk without one is dropped: it is one of
+/// them, but not known which.
 void Add(std::vector<DiskDrive>& drives, Disks listed, const wchar_t* source)
 {
     const bool hasNumbers =

@@ -1,4 +1,4 @@
-// The ids of driver versions that the software detector repeats: what other detectors store before it runs.
+// The ids of driver versions that other detectors store first, and the software detector repeats.
 #pragma once
 
 namespace kel {

@@ -61,7 +61,7 @@ public:
 
     explicit constexpr FactTable(Fact<Record, Members>... facts) : rows(facts...) {}
 
-    /// Takes from a source what the target lacks; a flag that is set in the source is set in the target.
+    /// Copies from a source what the target lacks; a flag that is set in the source is set in the target.
     void Merge(Device& target, const Record& source, const wchar_t* sourceName) const
     {
         ForEach([&](const auto& fact, std::size_t row) {
@@ -72,9 +72,9 @@ public:
         });
     }
 
-    /// Merges the records that one more source lists into the devices. A record goes into the device that it
-    /// describes, unless another record of this source went there, or else becomes a device of its own.
-    /// @param isSame whether two records describe one device; false when they do not show it
+    /// Merges the records of another source into the devices. A record is merged into the device that it
+    /// describes, unless another record of this source already was; otherwise it becomes a new device.
+    /// @param isSame whether two records describe the same device; false when it is not certain
     template <typename Predicate>
     void Join(std::vector<Device>& devices, const std::vector<Record>& listed, const wchar_t* sourceName,
               Predicate isSame) const

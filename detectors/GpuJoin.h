@@ -18,7 +18,7 @@ bool IsNoteOf(const GpuInfo& adapter, const GpuInfo& note);
 std::vector<GpuInfo> WithoutExcluded(std::vector<GpuInfo> adapters);
 
 /// Sorts the adapters that DXGI lists by their keys, and drops those that it lists again under a later key,
-/// as in a remote session: of one id it keeps as many as are present.
+/// as in a remote session: for each id it keeps as many as are present.
 /// @param present the working adapters of the Setup API; an id that is not among them is not limited
 void DropRepeated(std::vector<GpuInfo>& listed, const std::vector<GpuInfo>& present);
 

@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// Whether the adapter does not count: one that draws by software, shows the picture of a remote session, or
-/// is a display on USB.
+/// Whether the adapter does not count: a software renderer, one that shows the picture of a remote session,
+/// or a USB display.
 bool IsExcludedAdapter(const GpuInfo& adapter);
 
 /// NVIDIA's own version in the driver's, such as 576.28 in 32.0.15.7628; nullopt for other vendors, whose own
@@ -20,7 +20,7 @@ std::optional<Version> VendorDriverVersion(const GpuInfo& adapter);
 /// that do not report it.
 std::optional<bool> IsIntegrated(const GpuInfo& adapter);
 
-/// Takes the amount of memory in the driver's key where it is a little more than the reported one: the system
+/// Uses the amount of memory in the driver's key when it is a little more than the reported one: the system
 /// keeps a part of a card's memory for itself. A much larger amount includes the shared memory.
 void CorrectMemory(GpuInfo& adapter);
 

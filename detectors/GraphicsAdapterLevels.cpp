@@ -1,4 +1,4 @@
-// What the list of graphics adapters asks Direct3D for, which loads a driver.
+// The facts that the list of graphics adapters asks Direct3D for, which loads a driver.
 #include <algorithm>
 
 #include "detectors/DirectXFacts.h"
@@ -13,7 +13,8 @@ void GraphicsAdapters::AskForLevels(Devices& devices) const
     const auto lacksLevel = [](const GpuDevice& device) { return !device.record.featureLevel; };
     for (GpuDevice& device : devices) {
         const DXGI::Adapter* const found = FindInterface(device);
-        // Without the interface the system would answer for an adapter of its choice, even a software one.
+        // Without the interface the system would answer for an adapter of its own choice, even a software
+        // one.
         if (found != nullptr && lacksLevel(device))
             AskForLevel(device, *found);
     }

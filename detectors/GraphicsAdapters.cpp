@@ -17,7 +17,7 @@ namespace {
 
 constexpr const wchar_t* FromCache = L"the adapter cache";
 
-/// Of what DxDiag reports, the facts that depend on what is wanted; the others do not.
+/// Only those of DxDiag's facts that depend on what is wanted.
 GpuInfo OnlyGated(const GpuInfo& adapter)
 {
     GpuInfo gated;
@@ -75,7 +75,7 @@ const std::vector<GpuDevice>& GraphicsAdapters::List()
     Devices devices;
     interfaces = probes.dxgi.ListAdapters();
     ListCheaply(devices);
-    // The order follows from what is read whatever is wanted, so that index 0 is the same for every page.
+    // The order uses only facts that are always read, so that index 0 is the same for every page.
     if (isNamed)
         Rank(devices);
     else

@@ -18,7 +18,7 @@
 
 namespace kel {
 
-/// The probes of the graphics adapters, the cheap before the costly.
+/// The probes of the graphics adapters, cheap ones before costly ones.
 struct GraphicsProbes {
     using List = boost::function<void(std::vector<GpuInfo>&)>;
 
@@ -44,8 +44,8 @@ public:
 
     explicit GraphicsAdapters(GraphicsProbes newProbes = GraphicsProbes::OfSystem());
 
-    /// The adapters that draw by hardware, or that a virtual machine offers; first the one that a program
-    /// would use. A Direct3D device and DxDiag load a driver's code, and are used only when the current
+    /// The adapters that are hardware, or that a virtual machine offers; first the one that a program would
+    /// use. A Direct3D device and DxDiag load a driver's code, and are used only when the current
     /// session wants a fact that needs them, or when no cheaper source names an adapter. DXGI may load a
     /// driver as well, for a driver version that no other source has.
     const std::vector<GpuDevice>& List();

@@ -11,7 +11,7 @@ namespace {
 struct DiskTotals {
     bool isThere = false;
     std::int32_t count = 0;
-    std::optional<Size> capacity;  ///< unknown when that of one is
+    std::optional<Size> capacity;  ///< unknown when one disk's capacity is
 };
 
 constexpr FactTable Totals(Fact{72500, &DiskTotals::isThere}, Fact{72501, &DiskTotals::count},

@@ -29,7 +29,7 @@ constexpr FactTable Facts(Fact{72602, &VolumeInfo::letter}, Fact{72603, &VolumeI
                           Fact{72604, &VolumeInfo::fileSystem}, Fact{72605, &VolumeInfo::size},
                           Fact{72606, &VolumeInfo::free}, Fact{72607, &VolumeInfo::holdsWindows});
 
-/// What is known of the user's profile.
+/// The facts about the user's profile.
 struct ProfileInfo {
     std::optional<Size> free;  ///< on its volume
 };
@@ -66,8 +66,8 @@ VolumeTotals AddUp(const std::vector<VolumeInfo>& volumes)
     return totals;
 }
 
-/// A disk in a USB case, a mounted image and a cloud storage call themselves fixed disks; they are not part
-/// of the machine.
+/// A disk in a USB case, a mounted image and a cloud storage report themselves as fixed disks; they are not
+/// part of the machine.
 void MarkLoose(std::vector<VolumeInfo>& volumes, const std::vector<std::int32_t>& looseDisks)
 {
     for (VolumeInfo& volume : volumes) {

@@ -26,7 +26,7 @@ std::wstring ReadStoredIdentifier(const OwnedKey& key)
     return text;
 }
 
-/// Whether the value is too long to be read. It is not ours then, and is kept.
+/// Whether the value is too long to be read. Then the control did not write it, so it is kept.
 bool IsTooLong(const OwnedKey& key)
 {
     DWORD size = 0;

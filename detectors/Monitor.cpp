@@ -50,7 +50,7 @@ bool AreNamed(const Devices& devices)
     return std::ranges::all_of(devices, [](const auto& device) { return device.record.name.HasValue(); });
 }
 
-/// Whether Windows' own driver serves a monitor, which names any monitor in the system's language.
+/// Whether a monitor uses Windows' generic driver, whose name is in the system's language.
 bool IsGeneric(const std::vector<MonitorInfo>& present, const std::wstring& instance)
 {
     return std::ranges::any_of(present, [&instance](const MonitorInfo& monitor) {
@@ -58,8 +58,8 @@ bool IsGeneric(const std::vector<MonitorInfo>& present, const std::wstring& inst
     });
 }
 
-/// An EDID without its size where its mode is not the monitor's: it then describes a part, as of a tiled
-/// monitor.
+/// The EDID, without its size when its mode is not the monitor's: it then describes only a part of the
+/// monitor, such as a tile.
 MonitorInfo WithoutOtherSize(MonitorInfo edid, const MonitorInfo& monitor)
 {
     const Resolution& native = monitor.nativeResolution;

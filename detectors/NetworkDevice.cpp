@@ -28,7 +28,7 @@ using Adapter = decltype(AdapterFacts)::Device;
 struct NetworkSummary {
     bool hasAdapter = false;
     Count count = Count(0);
-    std::optional<bool> hasWired;  ///< unknown when the kind of an adapter is, as the next
+    std::optional<bool> hasWired;  ///< unknown when an adapter's kind is; likewise the next
     std::optional<bool> hasWireless;
 };
 
@@ -65,7 +65,8 @@ bool ComesBefore(const Adapter& one, const Adapter& other)
     return rank(one.record) < rank(other.record);
 }
 
-/// Whether an adapter is a part of the computer on its PCI bus; nullopt when neither is known.
+/// Whether an adapter is on the board, that is, internal and on the PCI bus; nullopt when one of the two is
+/// unknown and the other is true.
 std::optional<bool> IsOnBoard(const NetworkInfo& adapter)
 {
     if (adapter.isInternal == false || (!adapter.enumerator.empty() && adapter.enumerator != L"PCI"))
@@ -104,7 +105,7 @@ AdapterList ListAdapters(const NetworkFunctions& functions)
     return {adapters, hasDevices || !table.empty() || !addresses.empty()};
 }
 
-/// Whether an adapter of the kind is there; nullopt when none is known, and one's kind is unknown.
+/// Whether there is an adapter of the kind; nullopt when none is known to be, and the kind of one is unknown.
 std::optional<bool> HasKind(const AdapterList& list, const wchar_t* kind)
 {
     const auto isOfKind = [kind](const Adapter& adapter) { return adapter.record.kind == Name(kind); };

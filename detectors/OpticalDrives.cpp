@@ -16,7 +16,7 @@ namespace {
 
 using Drives = std::vector<OpticalInfo>;
 
-/// Parts of the names of virtual drives that show an image, in upper case.
+/// Parts of the names of virtual drives, which show an image, in upper case.
 constexpr std::wstring_view VirtualNames[] = {L"VIRTUAL", L"CLONEDRIVE", L"DTSOFT", L"AXV CD", L"IMDISK"};
 
 std::wstring GetKey(const OpticalInfo& drive)

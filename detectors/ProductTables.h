@@ -1,5 +1,5 @@
-// What the detectors of software look for: a row for each product. A new product is a new row, and its ids go
-// into catalogue/values.tsv; no other code knows of it.
+// What the detectors of software look for: a row for each product. A new product takes a new row, and rows
+// for its ids in catalogue/values.tsv; no other code changes.
 #pragma once
 
 #include <span>

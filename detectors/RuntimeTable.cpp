@@ -7,8 +7,8 @@ namespace {
 
 using enum FindBy;
 
-// Some installers leave the key out, and programs bring the files alone. Where the key says that the runtime
-// was removed, a file that stayed does not count.
+// Some installers do not write the key, and some programs ship only the files. If the key says that the
+// runtime was removed, a remaining file does not count.
 constexpr Condition NotRemoved(const wchar_t* key)
 {
     return {key, L"Installed", 1, 0xFFFFFFFF, true};
@@ -44,7 +44,8 @@ constexpr Locator Cpp2010[] = {
     {Key, Cpp2010Key, L"", L"%SystemRoot%\\System32"},
     {Folder, L"%SystemRoot%\\System32", L"", L"", L"", 0, &Cpp2010NotRemoved},
 };
-// Its files are side by side with those of other versions, in folders that the installer alone knows.
+// Its files are installed side by side with those of other versions, in folders that only the installer
+// knows.
 constexpr Locator Cpp2008[] = {{UpgradeCode, L"{FDA45DDF-8E17-336F-A3ED-356B7B7C688A}"}};
 
 constexpr Locator Framework4[] = {
@@ -121,7 +122,7 @@ constexpr Locator PowerShell[] = {
 
 constexpr Locator MediaFeatures[] = {{Folder, L"%SystemRoot%\\System32"}};
 
-// Two libraries that the installer of June 2010 adds, and nothing of Windows.
+// Two libraries that come with the installer of June 2010, and not with Windows.
 constexpr Locator DirectX2010[] = {{AllFiles, L"%SystemRoot%\\System32"}};
 
 constexpr bool EachMajor = true;

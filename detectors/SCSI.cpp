@@ -8,7 +8,7 @@ namespace kel {
 
 namespace {
 
-/// Of the real controllers.
+/// Totals of the real controllers.
 constexpr FactTable Totals(Fact{73300, &ListTotals::isThere}, Fact{73301, &ListTotals::count});
 constexpr FactTable Facts(Fact{73302, &ScsiInfo::name}, Fact{73303, &ScsiInfo::deviceId},
                           Fact{73304, &ScsiInfo::driverVersion}, Fact{73305, &ScsiInfo::kind});

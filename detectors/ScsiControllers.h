@@ -10,7 +10,7 @@ namespace kel {
 class SetupLib;
 
 /// The kind of a controller, by the class code among its compatible ids; "virtual" for one that a driver or a
-/// virtual machine makes. Empty for every other class.
+/// virtual machine emulates. Empty for every other class.
 std::wstring GetControllerKind(const ScsiInfo& controller);
 
 /// Lists the controllers with their kinds: SCSI, SAS and RAID first, virtual ones last.

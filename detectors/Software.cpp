@@ -33,7 +33,7 @@ std::optional<Version> StoredVersion(unsigned id)
     return value != nullptr ? VersionOf(value->Text()) : std::nullopt;
 }
 
-/// The detector of these controllers runs later and uses the same list.
+/// Reads the list itself: the detector of these controllers runs later, and uses the same list.
 std::optional<Version> ScsiDriver()
 {
     const std::vector<ScsiInfo>& controllers = GetScsiControllers().List();

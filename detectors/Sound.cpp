@@ -28,7 +28,7 @@ struct SoundSummary {
     std::optional<Count> inputs;  ///< unknown when the sound service does not answer
 };
 
-/// What is known of the inputs.
+/// The facts about the inputs.
 struct InputInfo {
     std::optional<Count> microphones;
 };

@@ -1,5 +1,5 @@
-// Late-bound: no reference and no interop assembly. Build for x64 (csc -platform:x64 Check.cs): a program for any processor
-// may start as a 32-bit one, which cannot load the control.
+// Late-bound: needs no reference and no interop assembly. Build for x64 (csc -platform:x64 Check.cs): a program for any
+// processor may start as a 32-bit process, which cannot load the control.
 using System;
 using System.Reflection;
 using System.Text.RegularExpressions;
@@ -11,7 +11,7 @@ static class Check
         return control.GetType().InvokeMember(member, how, null, control, arguments);
     }
 
-    [STAThread]  // the control lives in a single-threaded apartment; from another one, calls go the long way
+    [STAThread]  // the control lives in a single-threaded apartment; calls from any other kind are marshalled
     static int Main(string[] arguments)
     {
         Type type = Type.GetTypeFromProgID("KELDetection_TAMS64.SysInfo");

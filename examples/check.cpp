@@ -1,5 +1,5 @@
-// Through the generated header: Detection.h and Detection_i.c come from the type library's source when the
-// control is built. A 64-bit program; the thread enters a single-threaded apartment, in which the control
+// Uses the generated header: building the control makes Detection.h and Detection_i.c from the type library's
+// source. Build it as a 64-bit program; the thread enters a single-threaded apartment, in which the control
 // lives.
 #include <windows.h>
 
@@ -22,7 +22,7 @@ int wmain(int count, wchar_t** arguments)
     }
     control->put_ReferrerID(_bstr_t(count > 1 ? arguments[1] : L"demo"));
     control->put_UserID(_bstr_t(L"visitor"));
-    _bstr_t answer;  // empty or missing when there is none
+    _bstr_t answer;  // empty or null when there is none
     _bstr_t memory;
     control->get_Analysis(_bstr_t(L"requirements"), _bstr_t(L"xml"), _bstr_t(L"1.0"), answer.GetAddress());
     control->get_Value(_bstr_t(L"71063"), memory.GetAddress());

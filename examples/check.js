@@ -10,7 +10,7 @@ if (!verdict) {
   WScript.Quit(2);
 }
 
-// A flat text, so plain searching does.
+// The text is flat, so a plain search is enough.
 function textOf(element, name) {
   var match = new RegExp("<" + name + ">([^<]*)</" + name + ">").exec(element);
   var text = match ? match[1] : "";

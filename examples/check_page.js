@@ -1,7 +1,7 @@
-// The check's page: the control's verdict, or a rough answer of what the browser itself reports. The verdict came over plain
-// HTTP: its texts go into text nodes, and nothing of it becomes markup.
+// The check's page: the control's verdict, or a rough answer from what the browser itself reports. The verdict came over
+// plain HTTP: its texts go into text nodes, and no part of it becomes markup.
 (function () {
-  // What the browser can judge by itself on Windows when there is no control: a name, what is needed, and what it found.
+  // What the browser can judge by itself on Windows when there is no control: a name, what is needed, and what is found.
   var ROUGH = [
     ["Processors", "at least 2", function () { return navigator.hardwareConcurrency; }, 2],
     ["Memory class (GB)", "at least 2", function () { return navigator.deviceMemory; }, 2],

@@ -1,4 +1,4 @@
-// Owner types for the handles of the platform. A header that brings a kind of its own has its alias.
+// Owner types for the platform's handles. Headers for other kinds of handles declare their own aliases.
 #pragma once
 
 #include <windows.h>

@@ -40,7 +40,7 @@ OwnedLibrary LoadSystemLibrary(const wchar_t* name, decltype(&LoadLibraryExW) lo
 
 FARPROC FindProcedure(HMODULE library, const char* name) noexcept
 {
-    // The system takes null for the host's program.
+    // To the system, a null library means the host's program.
     const FARPROC procedure = library != nullptr ? GetProcAddress(library, name) : nullptr;
     if (procedure == nullptr)
         ReportFailure(LogWarning, L"The system has no function ", name);

@@ -4,7 +4,7 @@
 
 namespace kel {
 
-/// Runs an operation of a probe. An exception is logged as one error line and ends here, so that the detector
+/// Runs an operation of a probe. An exception is caught and logged as one error line, so that the detector
 /// keeps the facts of its other sources.
 /// @return whether the operation completed
 template <typename Body>

@@ -57,7 +57,7 @@ System::System()
 void System::Initialize()
 {
     const LogScope trace(L"kel::System::Initialize");
-    // Seeded here: a generator that seeds itself loses its memory when the system has no entropy to give.
+    // Seeded here: a generator that seeds itself leaks memory when the system has no entropy to give.
     boost::random::mt19937 twister;
     boost::uuids::detail::random_provider entropy;
     twister.seed(entropy);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Measures what the control costs, beside plain programs that ask WMI for the same: prints one table and writes it to
+# Measures what the control costs, compared with plain programs that ask WMI for the same: prints one table and writes it to
 # build/bench/bench.json. --page also puts it into docs/generated/performance.md; --runs N sets how often
 # everything is run; --quick runs everything once, to see that it works.
 set -euo pipefail
@@ -11,8 +11,8 @@ scripts/build.sh release Detection
 cmake --preset release -DKEL_BENCH=ON >/dev/null
 cmake --build --preset release
 source scripts/wine_env.sh
-# All on one processor, Wine's server too: a call into the server otherwise waits, or does not, for another processor
-# to wake up, and the same line of debugger output takes 7 or 65 microseconds.
+# Everything runs on one processor, including Wine's server: otherwise a call into the server may have to wait for another
+# processor to wake up, and the same line of debugger output takes 7 or 65 microseconds.
 taskset --cpu-list --pid 0 $$ >/dev/null
 remove_prefix
 start_wine

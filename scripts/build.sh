@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds one preset (release, debug or checked; release by default), or targets of it. Output in build/<preset>/. With
-# "server", the analysis service instead, natively, into build/server/; there "server_fuzz" is a target to be named.
+# Builds one preset (release, debug or checked; release by default), or targets of it, into build/<preset>/. With "server",
+# builds the analysis service instead, natively, into build/server/; its target "server_fuzz" is built only when named.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

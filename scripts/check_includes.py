@@ -13,8 +13,8 @@ FREE = ("tests", "tools", "examples")  # these may include everything
 
 
 def read_edges(text):
-    """For each folder those that it may include, in the order of the file. A folder's first line stands below the lines of
-    the folders that it includes, so that no edge leads up."""
+    """For each folder those that it may include, in the order of the file. A folder's first line comes after the lines of the
+    folders that it includes, so that no edge leads up."""
     edges = {}
     for line in text.splitlines():
         if not line or line.startswith("#"):
@@ -35,7 +35,7 @@ def sources():
 
 
 def check(files, edges):
-    """The faults of a set of files, each a name and the project's files that it includes."""
+    """The faults of a set of files, which is given as their names with the project's files that each includes."""
     faults, used = [], set()
     for name, included in files.items():
         folder = str(Path(name).parent)
@@ -64,7 +64,7 @@ def check(files, edges):
 
 
 def test_check():
-    """The check finds what it is for."""
+    """The check finds each kind of fault."""
     edges = {"low": [], "high": ["low"]}
     for files, fault in (({"low/a.h": ["high/b.h"], "high/b.h": ["low/c.h"]}, "low/a.h: may not include high/b.h"),
                          ({"high/a.h": ["low/b.h", "high/a.h"]}, "high/a.h: includes itself, directly or through others"),

@@ -5,7 +5,7 @@ import re
 import subprocess
 import sys
 
-# What to search for, and what to write instead.
+# Patterns to search for, and what to write instead.
 PATTERNS = [(re.compile(pattern), instead) for pattern, instead in (
     (r"\b(?<!there )(?<!There )(?:is|was) no (?!longer|such|more than|host)", "is not a"),
     (r"\b(?:Most|Longest|Largest|Least)[A-Z]\w*", "Max… or Min… for a bound"),
@@ -19,7 +19,7 @@ PATTERNS = [(re.compile(pattern), instead) for pattern, instead in (
     (r"\b[Dd]oors?\b", "endpoint"),
     (r"^(?:<{7}|>{7}) ", "nothing: a merge left it"),
 )]
-# Texts of others, or that are fixed; a migration that was released is never edited.
+# Other people's texts, and fixed ones; a migration that was released is never edited.
 EXCEPTIONS = re.compile(r"Music Maker|m=Maker|Publisher=Maker|Manufacturer=\"Maker\"")
 SKIPPED = re.compile(r"^(scripts/check_words\.py|server/store/migrations/|docs/generated/|.*\.(png|ico|bin)$)")
 

@@ -34,8 +34,8 @@ echo
 http_proxy="http://127.0.0.1:$(cat "$output/port")" \
   wine cscript //nologo "Z:${PWD//\//\\}\\examples\\check.js" demo "Z:${output//\//\\}" 2>/dev/null || true
 echo
-# A machine that fails a requirement has shown the control's work just as well; only no answer at all is an error.
-# The script host's exit code does not distinguish the two: a script error ends it with 0.
+# A machine that fails a requirement shows that the control works just as well; only a missing answer is an error. The
+# script host's exit code does not distinguish the two: a script error ends it with 0.
 for file in report.xml analysis.html; do
   if [ ! -s "$output/$file" ]; then
     echo "There is no $file. What the service saw stands in $output/service.log" >&2

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs a command on a copy of this machine, an overlay that ends with it: to try a package, say. The current folder is
-# the machine's own, the network a loopback of the copy's. Then lists the files that are left on the copy, but for the
-# books that the system keeps of packages and users. Without root it needs the package uidmap and a range in
-# /etc/subuid. Usage: scripts/in_copy.sh COMMAND [ARGUMENT...]
+# Runs a command on a copy of this machine, for example to try a package. The copy is an overlay that ends with the command.
+# The current folder is the machine's own; the network is only the copy's loopback. Afterwards lists the files that are
+# left on the copy, except the system's records of packages and users. Without root it needs the package uidmap and a
+# range in /etc/subuid. Usage: scripts/in_copy.sh COMMAND [ARGUMENT...]
 set -euo pipefail
 
 fail() {
@@ -17,7 +17,7 @@ if [ "${1:-}" != --inside ]; then
 fi
 shift
 
-place=/media  # covered for this process and its children alone
+place=/media  # covered only for this process and its children
 copy=$place/root
 prepare() {
   mount -t tmpfs copy $place && mkdir $place/upper $place/work $copy &&
@@ -29,7 +29,7 @@ prepare || fail
 code=0
 path=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin
 chroot $copy env --ignore-environment --chdir="$PWD" LC_ALL=C PATH=$path "$@" || code=$?
-# Folders count by their name alone: an overlay has those, too, that only lie above a change.
+# Folders are matched only by name, as an overlay also has those that merely contain a change.
 find $place/upper -mindepth 1 \( -type f -o -type l -o -type d -name '*kel*' \) -printf '/%P\n' | sort |
   grep -Ev '^/((var/lib/dpkg|var/log|var/cache|run)/|etc/(\.pwd\.lock|(passwd|g?shadow|group|sub[ug]id)-?)$)' || true
 exit "$code"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Checks the format of all sources, their includes against scripts/floors.txt, the page of value ids against the
 # catalogue, the words of all texts against a list of phrases, the C++ (clang-tidy), the shell scripts (shellcheck) and
-# the Python (flake8). Takes C++ files for clang-tidy as arguments, or all. With --quick first, clang-tidy runs its cheap
-# checks only, names among them: all checks take as long as building and testing together.
+# the Python (flake8). Takes C++ files for clang-tidy as arguments, or all. With --quick first, clang-tidy runs only its
+# cheap checks, including names: all checks take as long as building and testing together.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -18,8 +18,8 @@ if [ "${1:-}" = --quick ]; then
   checks=(--checks='-*,readability-identifier-naming,modernize-use-override,modernize-use-nullptr,misc-unused-using-decls,bugprone-use-after-move,cppcoreguidelines-slicing,performance-unnecessary-value-param,performance-for-range-copy')
   shift
 fi
-# Without precompiled headers: the linter's compiler cannot read another one's, and a missing include shows. The quick
-# checks read the sources of a folder as one, as the build does.
+# Without precompiled headers: the linter cannot read another compiler's, and missing includes are found this way. The
+# quick checks read the sources of a folder as one, as the build does.
 unity=OFF filter=()
 if [ ${#checks[@]} -gt 0 ] && [ $# -eq 0 ]; then
   unity=ON filter=(--header-filter='/(diag|platform|values|run|probes|detectors|service|control|verdict|server|tests|tools|examples)/.*')
@@ -27,7 +27,7 @@ fi
 scripts/setup.sh
 scripts/setup.sh --server
 cmake --preset release -B build/lint -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON -DKEL_UNITY=$unity >/dev/null
-cmake --build build/lint --target type_library  # the header that it writes
+cmake --build build/lint --target type_library  # for the header that it writes
 cmake -S server -B build/lint_server -G Ninja -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON -DKEL_UNITY=$unity >/dev/null
 
 # The system folders of the cross-compiler, as it lists them; clang brings its own builtin ones.
@@ -41,7 +41,7 @@ files=("$@")
 [ ${#files[@]} -gt 0 ] || mapfile -t files < <(git ls-files '*.cpp' ':!tests/end_to_end/program.cpp')
 control=() server=()
 for file in "${files[@]}"; do
-  # Clang 14 finds no coroutines in GCC's library, and so none of Asio's.
+  # Clang 14 finds no coroutines in GCC's library, so it cannot read Asio's.
   case $file in
     server/http/Connection.cpp | server/http/Dispatch.cpp | server/http/HeaderCheck.cpp | server/http/Listener.cpp) continue ;;
     server/http/RequestReader.cpp | server/http/Server.cpp) continue ;;
@@ -49,7 +49,7 @@ for file in "${files[@]}"; do
   case $file in verdict/* | server/* | tests/verdict/* | tests/server/* | tools/load/*) server+=("$file") ;; *) control+=("$file") ;; esac
 done
 count=$((${#control[@]} + ${#server[@]}))
-# Replaces the files that a build compiles as one by what it compiles. Those of server/http stay single, for the reason above.
+# Replaces the files that a build compiles as one by the combined source. Those of server/http stay single, for the reason above.
 united() {
   python3 - "$1" "${@:2}" <<'EOF'
 import json, os, re, sys

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the analysis service and makes its Debian package, build/service-package/kel-server_VERSION_amd64.deb; the same
-# sources and tools give the same bytes. Arguments: another version than that of CMakeLists.txt, and another folder.
+# sources and tools give the same bytes. Optional arguments: a version other than that of CMakeLists.txt, and a folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 umask 022
@@ -14,7 +14,7 @@ if ! [[ $version =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]]; then
   echo "'$version' is not a version of three numbers." >&2
   exit 2
 fi
-# What is newer than this gets this time in the package.
+# Files that are newer than this get this time in the package.
 SOURCE_DATE_EPOCH=${SOURCE_DATE_EPOCH:-$(sed -n 's/^EPOCH = \([0-9]*\).*/\1/p' tools/packaging/stamp.py)}
 export SOURCE_DATE_EPOCH
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes a release: checks that the version is a new one everywhere, builds, tests, packages, and prints what to tag.
+# Makes a release: checks that the version is new everywhere, builds, tests, packages, and prints what to tag.
 # Usage: scripts/release.sh VERSION, three numbers.
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --package or
-# --test, also those of that script, and with --display those of a virtual display. With --server, those of the analysis
-# service alone, with --service-package, those of its package. Does nothing when all are there.
+# --test, also those of that script, and with --display those of a virtual display. With --server, only those of the
+# analysis service; with --service-package, those of its package. Does nothing when all are installed.
 set -euo pipefail
 
 packages=(
@@ -29,7 +29,7 @@ done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
 echo "Installing: ${missing[*]}"
-as_root=(env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1)  # a package that is a service is not started
+as_root=(env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1)  # services in packages are not started
 [ "$(id -u)" -eq 0 ] || as_root=(sudo "${as_root[@]}")
 "${as_root[@]}" apt-get update -q
 "${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"

@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# Signs files in place, when a certificate is given by the environment; says "unsigned" otherwise.
+# Signs files in place when the environment names a certificate; prints "unsigned" otherwise.
 #   KEL_SIGN_CERTIFICATES  file with the certificate and its chain (PEM)
 #   KEL_SIGN_KEY           file with the key, or a PKCS#11 address of it
-#   KEL_SIGN_CERTIFICATE   PKCS#11 address of the certificate, in place of the file
-#   KEL_SIGN_MODULE        the PKCS#11 module, where the key is in a token
+#   KEL_SIGN_CERTIFICATE   PKCS#11 address of the certificate, instead of the file
+#   KEL_SIGN_MODULE        the PKCS#11 module, if the key is in a token
 #   KEL_SIGN_PIN_FILE      file with the key's passphrase or the token's PIN
-#   KEL_SIGN_TIMESTAMP     address of a time-stamp service; signatures without one end with the certificate
+#   KEL_SIGN_TIMESTAMP     address of a time-stamp service; without one, signatures expire with the certificate
 set -euo pipefail
 
 if [ -z "${KEL_SIGN_KEY:-}" ]; then
@@ -21,7 +21,7 @@ options=(-h sha256 -n Detection -key "$KEL_SIGN_KEY")
 [ -z "${KEL_SIGN_TIMESTAMP:-}" ] || options+=(-ts "$KEL_SIGN_TIMESTAMP")
 for file in "$@"; do
   signed=$(mktemp "$file.XXXXXX")
-  rm "$signed"  # the tool writes a new file only
+  rm "$signed"  # the tool writes only new files
   osslsigncode sign "${options[@]}" -in "$file" -out "$signed" >/dev/null
   mv "$signed" "$file"
   echo "signed: $file"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The tests that take minutes, in the checked preset. Goes on after a step that fails, and fails at the end.
+# Runs the tests that take minutes, in the checked preset. Continues after a step that fails, and fails at the end.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -3,22 +3,22 @@
 export WINEPREFIX="$PWD/build/wine"
 export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
-# Wine's Direct3D 12 ends a program where the display has no Vulkan driver: without KEL_DISPLAY there is no display.
+# Wine's Direct3D 12 ends a program when the display has no Vulkan driver, so there is no display without KEL_DISPLAY.
 [ -n "${KEL_DISPLAY:-}" ] || unset DISPLAY
 
-# Ends what an interrupted run has left running in the prefix, and removes it.
+# Ends programs that an interrupted run has left in the prefix, and removes the prefix.
 remove_prefix() {
   wineserver -k 2>/dev/null || true  # there may be none
   rm -rf "$WINEPREFIX"
 }
 
-# Starts the server, making the prefix first when there is no complete one; the server ends with the script.
+# Starts the server, after creating the prefix if there is no complete one; the server ends with the script.
 start_wine() {
   [ -e "$WINEPREFIX/complete" ] || remove_prefix
   mkdir -p "$WINEPREFIX"
   wineserver -p 2>/dev/null || true  # it may be running already
   trap 'wineserver -k || true' EXIT
-  # The system's own processes start with the first program and keep its output open; give them none to hold.
+  # The system's own processes start with the first program and keep its output open; give them none.
   wineboot </dev/null >/dev/null 2>&1
   touch "$WINEPREFIX/complete"
 }

@@ -15,7 +15,7 @@ AnalysisRequest::AnalysisRequest()
     Session& session = Session::Current();
     SetPlaceholder(L"^session_id", session.SessionID());
     SetPlaceholder(L"^user_id", session.UserID());
-    // The template may have a place for the report; the present one has not.
+    // A template may have a place for the report; the present one does not.
     std::wstring report;
     XMLReport(session.Values()).GetReport(XMLReport::StandardOption, report);
     SetPlaceholder(L"^sys_info", report);

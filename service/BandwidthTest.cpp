@@ -19,7 +19,7 @@ namespace kel {
 namespace {
 
 constexpr const wchar_t* TestFile = L"http://" KEL_CONTENT_HOST L"/global/tests/test_2.bin";
-/// A spare path, for the case that the first host is given up.
+/// A spare path, in case the first host is given up.
 [[maybe_unused]] constexpr const wchar_t* SecondTestFile =
     L"http://content2.keldane.example/global/tests/test_1.bin";
 constexpr DWORD OpenFlags =
@@ -29,7 +29,7 @@ constexpr std::size_t BufferSize = 5001;
 constexpr DWORD MaxReadSize = 5000;
 constexpr const wchar_t* Success = L"200";
 
-/// Filled by the exchange's thread. At the time limit the waiting thread takes it as it is.
+/// Filled by the exchange's thread. At the time limit the waiting thread uses what is there.
 struct Download {
     std::wstring status;
     bool isWhole = false;
@@ -38,7 +38,7 @@ struct Download {
     std::int64_t stop = 0;
 };
 
-/// A download that was cut short looks like one that ended, but for its announced length.
+/// Whether the download has the announced length, if there is one. Nothing else shows that it was cut short.
 bool IsWhole(HINTERNET file, std::uint64_t total)
 {
     DWORD length = 0;

@@ -7,8 +7,8 @@
 namespace kel {
 
 /// The rate of a download in bits per second, as "16000000 bps". Less than a millisecond counts as one.
-/// @param start reading of the performance counter, as `stop`
-/// @param frequency of the counter, a second
+/// @param start reading of the performance counter, like `stop`
+/// @param frequency counts of the counter per second
 /// @return the empty text when the counter did not work: a number below 1, or a stop that is not later
 std::wstring DownloadRate(std::uint64_t bytes, std::int64_t start, std::int64_t stop, std::int64_t frequency);
 

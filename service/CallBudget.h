@@ -26,10 +26,10 @@ public:
             current = nullptr;
     }
 
-    /// The budget of the call that is under way. There has to be one.
+    /// The budget of the current call. There has to be one.
     static CallBudget& Current() { return *current; }
 
-    /// Runs an exchange on a thread of its own, within the rest of the budget.
+    /// Runs an exchange on its own thread, within the rest of the budget.
     /// @return null when it ended in time, else the stage that it was in
     /// @throws as RunWithin
     const char* Run(std::function<void(InternetSession&)> exchange);

@@ -1,4 +1,4 @@
-// The part of an exchange that runs on a thread of its own.
+// The part of an exchange that runs on its own thread.
 #pragma once
 
 #include <windows.h>
@@ -22,11 +22,11 @@ struct HttpRequest {
 
 /// The answer, as far as the exchange went.
 struct HttpAnswer {
-    Timer timer;  ///< of the sending, up to the answer's headers
+    Timer timer;  ///< from sending to the answer's headers
     DWORD sendError = ERROR_SUCCESS;
     std::optional<std::wstring> status;      ///< nullopt when WinINet does not return it
     std::optional<std::wstring> statusText;  ///< the same
-    std::string body;                        ///< as it came; the service's are UTF-8
+    std::string body;                        ///< as received; the service sends UTF-8
     const char* failure = nullptr;           ///< why the body does not count
     const char* lateIn = nullptr;            ///< the stage in which a single wait ended at its limit
 
@@ -34,12 +34,12 @@ struct HttpAnswer {
     void LogStatus() const;
 };
 
-/// Whether an address, as WinINet reports the one that answered, is of a host. Case does not count.
+/// Whether an address, as WinINet reports the one that answered, belongs to a host. Case is ignored.
 bool IsOfHost(const std::wstring& address, const std::wstring& host);
 
 /// Sends a request and reads its answer, through WinINet.
 /// @param request not changed; WinINet's declaration lacks a const
-/// @param internet where the handles are kept; when nobody waits any more, the answer is incomplete
+/// @param internet keeps the handles; when it is abandoned, the answer is incomplete
 /// @throws std::runtime_error when the request cannot be made
 void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer);
 

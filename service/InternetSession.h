@@ -24,14 +24,14 @@ struct ExchangeStage {
     static constexpr const char* Reading = "reading";
 };
 
-/// One exchange through WinINet, as the thread that makes its calls sees it. That thread alone uses the
-/// handles and closes them: closing one under a call of another thread is not safe on every system. Another
-/// thread may ask for the stage, and say that nobody waits any more.
+/// One exchange through WinINet, as the thread that makes its calls sees it. Only that thread uses and closes
+/// the handles: closing one under another thread's call is not safe on every system. Other threads may ask
+/// for the stage, and abandon the exchange.
 ///
-/// WinINet follows redirects by itself. Where it knows no end, as under Wine, a server that redirects for
-/// ever would cost the host a socket each time, hundreds a second. Redirects of requests that are opened
-/// with `Context` are therefore slowed down after the tenth: each waits twice as long as the one before, up
-/// to a minute.
+/// WinINet follows redirects by itself. Where it does not limit their number, as under Wine, a server that
+/// redirects endlessly would cost the host a socket each time, hundreds a second. Redirects of requests that
+/// are opened with `Context` are therefore slowed down after the tenth: each waits twice as long as the one
+/// before, up to a minute.
 class InternetSession {
 public:
     InternetSession() = default;
@@ -45,11 +45,11 @@ public:
     /// Bounds each single wait of the session or of a request: for a connection, to send, to receive.
     void LimitWaits(HINTERNET handle, std::chrono::milliseconds limit);
 
-    /// Keeps the user's logon from the server that a request goes to, for it would go out in the clear. To be
-    /// called before the request is sent; Wine and systems before Windows 7 refuse it.
+    /// Keeps the user's logon from the server that a request goes to, since it would be sent unencrypted.
+    /// Call this before the request is sent; Wine and systems before Windows 7 refuse it.
     static void SuppressLogon(HINTERNET request);
 
-    /// What a request of the session has to be opened with.
+    /// The context with which a request of the session has to be opened.
     DWORD_PTR Context() { return reinterpret_cast<DWORD_PTR>(this); }
 
     /// Takes ownership of a handle and returns it; null for null, and for an abandoned exchange.
@@ -58,10 +58,10 @@ public:
     /// Closes all handles, the youngest first.
     void Close() noexcept;
 
-    /// Notes that a stage, or another wait in it, begins.
+    /// Records that a stage, or another wait in it, begins.
     void Enter(const char* newStage);
 
-    /// Whether a call that has failed just now waited for as long as it may since the stage was entered.
+    /// Whether a call that has just failed waited up to its limit since the stage was entered.
     /// @param error the call's error code; not meaningful under Wine
     bool HasWaitedTooLong(DWORD error) const;
 

@@ -15,7 +15,7 @@ bool IsControlOrBlank(char byte)
 
 bool IsDelimiter(char byte)
 {
-    // None is the second byte of a character in a code page that a system can have.
+    // None of these is the second byte of a character in any code page that a system can have.
     constexpr std::string_view Delimiters = "#%&+/;=?";
     return IsControlOrBlank(byte) || Delimiters.find(byte) != std::string_view::npos;
 }

@@ -49,7 +49,7 @@ void Start(const std::shared_ptr<Job>& job)
         --running;
         throw ExchangeNotStarted("Can't start an Internet exchange.");
     }
-    static_cast<void>(context.release());  // the thread's own from here on
+    static_cast<void>(context.release());  // the thread owns it from here on
 }
 
 }  // namespace
@@ -61,7 +61,7 @@ const char* RunWithin(std::chrono::milliseconds limit, std::function<void(Intern
     const auto job = std::make_shared<Job>();
     job->exchange = std::move(exchange);
     Start(job);
-    // Not for the thread's end, which has to wait for the loader's lock.
+    // Waits for the exchange and not for the thread's end, which needs the loader's lock.
     if (WaitForSingleObject(job->done.get(), static_cast<DWORD>(limit.count())) != WAIT_OBJECT_0) {
         job->session.Abandon();
         return job->session.Stage();

@@ -1,4 +1,4 @@
-// Bounds the time that an exchange may take of the thread that waits for it.
+// Bounds the time for which a thread waits for an exchange.
 #pragma once
 
 #include <chrono>
@@ -15,10 +15,9 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Runs an exchange on a thread of its own and waits for it. The platform's own timeouts bound single waits
-/// only, and a server that sends a byte now and then stays within them without end. At the limit the exchange
-/// is abandoned; it ends when its current call returns. It must own everything that it uses, and cannot write
-/// to the log.
+/// Runs an exchange on its own thread and waits for it. The platform's own timeouts bound only single waits,
+/// and a server that sends a byte now and then never exceeds them. At the limit the exchange is abandoned; it
+/// ends when its current call returns. It must own everything that it uses, and cannot write to the log.
 /// @return null when the exchange ended in time; else its stage, and its data still belong to it
 /// @throws the exchange's exception; ExchangeNotStarted when no thread can be created, or when four exchanges
 /// of this process have not ended yet

@@ -16,7 +16,7 @@ int ToLength(std::size_t length)
     return static_cast<int>(length);
 }
 
-/// @throws std::runtime_error for the size 0, with which a conversion fails
+/// @throws std::runtime_error for the size 0, by which a conversion reports failure
 int RequireSize(int size)
 {
     if (size == 0)

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The catalogue of values, catalogue/values.tsv, as others need it: the tables of docs/value-ids.md (--write makes them
-anew, --check compares), and as C++ for what judges by the values (--table FILE), with what catalogue/requirements.tsv adds."""
+"""Converts the catalogue of values, catalogue/values.tsv: into the tables of docs/value-ids.md (--write writes them, --check
+compares), and into C++ for verdicts (--table FILE), with the additions of catalogue/requirements.tsv."""
 
 import argparse
 import csv
@@ -11,7 +11,7 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parents[1]
 PAGE = ROOT / "docs" / "value-ids.md"
 HEAD = "| id | name | type | unit or form | source | stored by |\n|---|---|---|---|---|---|\n"
-# A table stands between these marks; the first names the detectors whose values it lists.
+# A table is between these marks; the first one names the detectors whose values it lists.
 TABLE = re.compile(r"(<!-- values: ([\w ]+) -->\n).*?(<!-- end -->\n)", re.DOTALL)
 
 
@@ -40,13 +40,13 @@ def make_page(page, values):
 
 
 def find_wrong_companions(values):
-    """Ids of versions whose companion is not a value that says whether the product is there."""
+    """Ids of versions whose companion is not a value that says whether the product is installed."""
     existences = {value["id"] for value in values if value["type"] == "Exists" and not value["each"]}
     return [value["id"] for value in values if value["exists"] and value["exists"] not in existences]
 
 
 def find_wrong_advice(values, advice):
-    """Ids of catalogue/requirements.tsv that are not values, name others that are not, or say nothing or an unknown word."""
+    """Ids of catalogue/requirements.tsv that are not values, or whose rows name such ids, are empty or have an unknown word."""
     ids = {value["id"] for value in values}
     return [row["id"] for row in advice
             if not ids.issuperset([row["id"], *re.findall(r"\b\d{5}\b", row["caution"])])

@@ -24,7 +24,7 @@ inline constexpr LowerCaseRange LowerCaseRanges[] = {
 
 
 def distances():
-    """Each letter's distance from its lower-case form; a single character, as "İ" has two in full case mapping."""
+    """Each letter's distance from its lower-case form, which is one character: "İ" would have two in full case mapping."""
     letters = ((number, chr(number).lower()[0]) for number in range(0x110000))
     return {number: ord(lower) - number for number, lower in letters if ord(lower) != number}
 

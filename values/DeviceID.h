@@ -16,8 +16,8 @@ namespace kel {
 class DeviceID : public Value {
 public:
     DeviceID() = default;
-    /// @param id a hardware id, or a device instance id, whose instance part is dropped: it can be a serial
-    /// number; so is the address in an id of a Bluetooth device
+    /// @param id a hardware id, or a device instance id, whose instance part is dropped, as it can be a
+    /// serial number; the address in the id of a Bluetooth device is dropped, too
     explicit DeviceID(const std::wstring& id);
     DeviceID(const DeviceID&) = default;
     DeviceID& operator=(const DeviceID&) = default;
@@ -42,8 +42,8 @@ public:
     /// Whether the id is not empty.
     bool HasValue() const;
 
-    /// Whether the device exists in a driver only, or is a virtual machine's, by the vendor or the
-    /// subsystem's vendor; not for USB devices, whose vendors have numbers of another list.
+    /// Whether the vendor, or the subsystem's vendor, shows that the device exists only in a driver or
+    /// belongs to a virtual machine. False for USB devices, whose vendor numbers come from another list.
     bool IsVirtual() const;
 
     /// Whether both identify the same kind of device: the same bus, vendor and device, and equal subsystems

@@ -4,8 +4,8 @@
 
 namespace kel {
 
-/// A text by firmware or a driver, up to its first control character and without blanks around it; empty for
-/// a filler that vendors leave in place of a name, such as "Default string".
+/// A text from firmware or a driver, up to its first control character and without blanks around it; empty
+/// for a placeholder that vendors leave in place of a name, such as "Default string".
 std::wstring TidyText(const std::wstring& text);
 
 }  // namespace kel

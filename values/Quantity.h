@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// Truncates toward zero. Below zero, and what is not a number, gives 0; too large gives the largest value.
+/// Truncates toward zero. Negative numbers and NaN give 0; numbers that are too large give the largest value.
 std::uint64_t TruncateToUnsigned(double number);
 
 /// Reads a floating-point number from the start of a text as a stream does: leading white space skipped; 0.0
@@ -36,7 +36,7 @@ bool ReadQuantity(const wchar_t* text, std::span<const Unit> units, const wchar_
 /// @param step the ratio of each unit to the one before it
 /// @param units the names of the units, smallest first
 /// @param error the line for the log when writing fails
-/// @param text holds what is returned
+/// @param text holds the returned text
 const wchar_t* WriteQuantity(std::uint64_t amount, double step, std::span<const wchar_t* const> units,
                              const wchar_t* error, std::wstring& text) noexcept;
 

@@ -11,7 +11,7 @@ namespace kel {
 /// Copies share one buffer; the last owner frees it.
 using SharedText = _bstr_t;
 
-/// A text of its own from a zero-terminated string; null gives the empty text.
+/// A new text from a zero-terminated string; null gives the empty text.
 SharedText MakeText(const wchar_t* text);
 
 /// The buffer of a text; empty when it has none.

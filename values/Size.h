@@ -16,7 +16,7 @@ public:
 
     std::uint64_t Bytes() const { return bytes; }
 
-    /// Adds an amount; what would be too large becomes the largest.
+    /// Adds an amount; a sum that would be too large becomes the largest amount.
     Size& operator+=(const Size& other);
 
     /// Reads a text such as "2 GB" or "1.5kb"; without a unit the number counts bytes. The first of KB, MB,

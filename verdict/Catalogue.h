@@ -4,10 +4,10 @@
 
 namespace kel {
 
-/// Things that are sold in usual sizes, of which a machine reports a little less; see FindNominalSize.
+/// Things that are sold in usual sizes, while a machine reports a little less; see FindNominalSize.
 enum class SoldAs { Nothing, Memory, GraphicsMemory, Disk };
 
-/// What the folder `catalogue` says of a value. The build makes the table from it.
+/// What the folder `catalogue` says about a value. The build generates the table from it.
 struct CatalogueValue {
     int id;
     const char* detector;

@@ -11,7 +11,7 @@ namespace kel {
 
 namespace {
 
-// Bytes. No real value is nearly as long, and each line of the requirements takes time for it.
+// Bytes. Real values are far shorter, and each line of the requirements would spend time on a longer one.
 constexpr std::size_t MaxValue = 4096;
 
 Result PassIf(bool holds)
@@ -66,7 +66,7 @@ Result CompareNominalSize(std::string_view found, std::string_view needed, SoldA
     return PassIf(std::max(left->number, nominal ? nominal->bytes : 0) >= right->number);
 }
 
-/// By amount, or, where screen edges are needed, by whether the screen covers them, upright or lying.
+/// Compares amounts or, where a resolution is needed, whether the screen covers it in either orientation.
 Result CompareAtLeast(std::string_view found, std::string_view needed)
 {
     const auto right = ParseEdges(needed);

@@ -8,8 +8,8 @@
 
 namespace kel {
 
-/// A way to compare the value that a machine has with the text that a requirement needs. There is one of each
-/// name.
+/// A way to compare the value that a machine has with the text that a requirement needs. There is one object
+/// for each name.
 struct Comparison {
     std::string_view name;  // as requirements have it: "at least version"
 
@@ -17,10 +17,10 @@ struct Comparison {
     std::string_view (*unsatisfiableReason)(std::string_view needed);
 
     /// Compares a value that is not empty; both texts are as NormalizeValue returns them. Strict: a value
-    /// that cannot be read as what is compared is unknown, so only a value that was understood fails.
+    /// that cannot be read as the kind that is compared is unknown, so only values that were understood fail.
     Result (*compare)(std::string_view found, std::string_view needed);
 
-    /// Whether a value that falls short of what was sold is compared by its nominal size.
+    /// Whether a value that is smaller than the size that was sold is compared by its nominal size.
     bool comparesNominalSizes = false;
 };
 

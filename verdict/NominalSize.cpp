@@ -17,7 +17,7 @@ constexpr int DiskSizes[] = {4,     8,     16,    32,    60,    64,    80,    12
                              2400,  3000,  3200,  3840,  4000,  4096,  5000,  6000, 6400, 7680, 8000, 10000,
                              12000, 14000, 15360, 16000, 18000, 20000, 22000, 24000};
 
-// What a disk's capacity may exceed its nominal size by.
+// The factor by which a disk's capacity may exceed its nominal size.
 constexpr double MaxExcess = 1.001;
 constexpr double MinShare = 7.0 / 8;
 

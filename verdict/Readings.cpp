@@ -33,7 +33,7 @@ constexpr AmountUnit Units[] = {{"", AmountKind::Number, 0},
                                 {"mbps", AmountKind::BitsPerSecond, 2},
                                 {"gbps", AmountKind::BitsPerSecond, 3}};
 
-/// What a unit counts, in base units.
+/// The size of a unit in base units.
 double Factor(const AmountUnit& unit, ByteSteps steps)
 {
     const bool isDecimal =
@@ -44,11 +44,11 @@ double Factor(const AmountUnit& unit, ByteSteps steps)
     return factor;
 }
 
-constexpr std::size_t MaxPart = 18;  // digits of a version's part: what 64 bits always hold
+constexpr std::size_t MaxPart = 18;  // digits of a version's part that always fit into 64 bits
 constexpr std::size_t MaxEdge = 5;   // digits
 constexpr std::string_view Digits = "0123456789";
 
-/// Takes the digits at its beginning off the text.
+/// Removes the digits at the beginning of the text and returns them.
 std::string_view TakeDigits(std::string_view& text)
 {
     const std::string_view digits = text.substr(0, std::min(text.find_first_not_of(Digits), text.size()));
@@ -56,7 +56,8 @@ std::string_view TakeDigits(std::string_view& text)
     return digits;
 }
 
-/// Takes a whole number of at most `max` digits off the text; nothing when there is none, or a longer one.
+/// Removes a whole number of at most `max` digits from the beginning of the text and returns it; nothing when
+/// there is none, or a longer one.
 std::optional<std::uint64_t> TakeNumber(std::string_view& text, std::size_t max)
 {
     const std::string_view digits = TakeDigits(text);

@@ -8,16 +8,16 @@
 
 namespace kel {
 
-/// What an amount counts; Number when it has no unit.
+/// What an amount measures; Number when it has no unit.
 enum class AmountKind { Number, Bytes, Hertz, BitsPerSecond };
 
 struct Amount {
     double number = 0;  // in base units
     AmountKind kind = AmountKind::Number;
-    double lastDigit = 1;  // what a one as the text's last digit counts, in base units
+    double lastDigit = 1;  // the value of a 1 as the text's last digit, in base units
 };
 
-/// What a KB, MB, GB and TB are of: 1024, as the control writes them, or 1000, as disks are sold.
+/// The ratio between KB, MB, GB and TB: 1024, as the control writes them, or 1000, as disks are sold.
 enum class ByteSteps { Binary, Decimal };
 
 /// A dotted version. 9.0C comes after 9.0B and 9.0, and before 9.0.1.
@@ -25,7 +25,7 @@ struct Version {
     std::vector<std::uint64_t> parts;  // without the zeros at its end
     char letter = 0;                   // behind the last part, in lower case; 0 for none
 
-    auto operator<=>(const Version&) const = default;  // NOLINT(modernize-use-nullptr): in what it generates
+    auto operator<=>(const Version&) const = default;  // NOLINT(modernize-use-nullptr): in generated code
     std::uint64_t Major() const { return parts.empty() ? 0 : parts.front(); }
 };
 

@@ -13,11 +13,11 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
 /// The same as JSON.
 std::string RenderJson(const Verdict& verdict, const std::string& item, const std::string& schema);
 
-/// The verdict as a page of its own, in the style of the check's own page.
+/// The verdict as a complete page, in the style of the example page.
 std::string RenderPage(const Verdict& verdict);
 
-/// The lines alone, as the store keeps them: a JSON list of id, found and result, with "recommended" where it
-/// is, and "any of", a list of id, needed, found and result, where a line has alternatives.
+/// Only the lines, as the store keeps them: a JSON list of id, found and result, with "recommended" for a
+/// recommendation, and "any of", a list of id, needed, found and result, for a line with alternatives.
 std::string RenderLines(const Verdict& verdict);
 
 }  // namespace kel

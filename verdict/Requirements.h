@@ -59,10 +59,10 @@ struct Requirements {
 
     /// Reads the JSON form: {"title": …, "requirements": [{"label", "id", "comparison", "needed", "of",
     /// "advice", "recommended"}, …]}, the last four optional. Instead of id, comparison and needed a line may
-    /// have "any of", a list of alternatives: objects of "label", "of" and these three, or instead of the
-    /// three "all of", a list of objects of them. "of" is "any". Throws std::runtime_error with the fault and
-    /// its line: an unknown name, a value of the wrong kind, an exceeded bound, a line that no value could
-    /// satisfy. The reason is UTF-8 of at most some hundred bytes.
+    /// have "any of", a list of alternatives: objects with "label", "of" and either these three or "all of",
+    /// a list of objects with these three. "of" is "any". Throws std::runtime_error with the fault and its
+    /// line: an unknown name, a value of the wrong kind, an exceeded bound, a line that no value could
+    /// satisfy. The message is UTF-8 and at most some hundred bytes long.
     static Requirements Read(std::string_view json);
     /// The same for stored requirements, which an older program may have accepted; nothing when they have a
     /// fault.

@@ -14,10 +14,10 @@ namespace {
 /// Shown for an absent value beside others that are known.
 constexpr const char* Absent = "–";
 
-/// Found of a version whose product is not there.
+/// Shown as the value of a version whose product is missing.
 constexpr const char* NotInstalled = "not installed";
 
-// Bytes of what an alternative found: a value of the longest kind with what was added to it.
+// Bytes of an alternative's found text: the longest value and what is added to it.
 constexpr std::size_t MaxShown = Verdict::MaxFound + 50;
 
 Result JoinLines(const std::vector<VerdictLine>& lines)
@@ -93,7 +93,7 @@ public:
             .first->second;
     }
 
-    /// How many indexes the report has of the group, from 0 on; at most MaxIndexes.
+    /// The number of the group's indexes in the report, counted from 0; at most MaxIndexes.
     int Count(int group)
     {
         const auto [count, isNew] = counts.emplace(group, 0);
@@ -154,7 +154,7 @@ Finding JudgeDevice(const Alternative& alternative, int device, Values& values)
     return {Worst(results), JoinFound(found, " and ")};
 }
 
-/// For any device: the one that passes, or what all have.
+/// The alternative for any device: the one that passes, or else the values of all.
 Finding JudgeAlternative(const Alternative& alternative, Values& values)
 {
     int devices = 1;

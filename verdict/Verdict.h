@@ -17,9 +17,9 @@ using ValueLookup = std::function<std::optional<std::string>(int group, int inde
 struct VerdictPart {
     int group = 0;       // of its first condition
     std::string needed;  // with the comparison: "at least 2 GB"
-    /// Empty when the machine has no such value; "7.8 GB, sold as 8 GB"; "not installed" of a version whose
-    /// product is not there; of several conditions "… and …"; of several devices that all do not meet it
-    /// "…; …".
+    /// Such as "7.8 GB, sold as 8 GB". Empty when the machine has no such value; "not installed" for a
+    /// version whose product is missing; "… and …" for several conditions; "…; …" for several devices when
+    /// none of them meets it.
     std::string found;
     Result result = Result::Unknown;
 };
@@ -39,7 +39,7 @@ struct VerdictLine {
 /// Whether a machine meets a product's requirements.
 struct Verdict {
     static constexpr std::size_t MaxFound = 1000;  // bytes; longer values are truncated
-    static constexpr int MaxIndexes = 100;         // of a value, that are judged
+    static constexpr int MaxIndexes = 100;         // of a value; further ones are not judged
     /// Bytes of all values in the verdict; values past it are shown as "…". Even with each byte escaped, the
     /// verdict stays below the 16 MB that a client accepts.
     static constexpr std::size_t MaxFoundTotal = 524'288;
@@ -51,9 +51,10 @@ struct Verdict {
 
 /// Judges a machine by its values. A condition on a version whose product is not installed fails. An
 /// alternative with several conditions fails when one fails; otherwise it is unknown when one is unknown. A
-/// line with alternatives passes when one passes; otherwise it is unknown when one is unknown; so does an
-/// alternative that may hold for any device. The total fails when a line fails; otherwise it is unknown when
-/// a line is unknown. Recommendations do not affect it; without any other line it is unknown.
+/// line with alternatives passes when one passes; otherwise it is unknown when one is unknown. The same goes
+/// for the devices of an alternative that may hold for any device. The total fails when a line fails;
+/// otherwise it is unknown when a line is unknown. Recommendations do not affect it; without any other line
+/// it is unknown.
 Verdict Judge(const Requirements& requirements, const ValueLookup& lookup);
 
 }  // namespace kel

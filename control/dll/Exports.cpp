@@ -39,7 +39,7 @@ STDAPI DllInstall(BOOL install, LPCWSTR commandLine)
 {
     const wchar_t* const text = commandLine != nullptr ? commandLine : L"";
     const bool forCurrentUser = _wcsicmp(text, L"user") == 0;
-    // Not for all users instead: a mistyped "user" would take their registration away.
+    // Does not fall back to all users: a mistyped "user" would remove their registration.
     if (!forCurrentUser && *text != L'\0')
         return E_INVALIDARG;
     CDetectionModule& module = CDetectionModule::Instance();

@@ -26,14 +26,14 @@ class CPUID : public Source {
 public:
     /// Answers a leaf, with ECX = 0.
     using Leaves = boost::function<CpuRegisters(std::uint32_t)>;
-    /// Answers XGETBV for XCR0, which is asked only where the system uses it.
+    /// Answers XGETBV for XCR0, which is called only where the system uses it.
     using SavedState = boost::function<std::uint64_t()>;
 
     static CPUID& Instance();
 
     /// Runs the instruction.
     CPUID();
-    /// Reads the leaves and the state from functions in place of the instructions.
+    /// Reads the leaves and the state from functions instead of the instructions.
     explicit CPUID(const Leaves& newLeaves, const SavedState& newSavedState);
 
     /// Vendor, signature, cache descriptor and instructions of the processor. Always true; a refused leaf
@@ -63,7 +63,7 @@ private:
     void ReadCpuInfo(CpuInfo& info);
     void ReadFeatures(const CpuRegisters& leaf1, CpuInfo& info);
     CpuRegisters Read(std::uint32_t leaf);
-    /// Whether the hypervisor runs this system beside its guests, as Hyper-V does.
+    /// Whether this system is the hypervisor's host and not one of its guests, as with Hyper-V.
     bool IsHypervisorsHost();
 
     Leaves leaves;

@@ -33,11 +33,11 @@ constexpr std::uint32_t Bmi1 = Bits({3}), Avx2 = Bits({5}), Bmi2 = Bits({8}), Av
 
 constexpr std::uint32_t Lahf = Bits({0}), Lzcnt = Bits({5});  // of the extended leaf
 
-// The halves of the AVX registers; besides, the masks and the further halves of AVX-512.
+// The halves of the AVX registers, then the masks and the further halves of AVX-512.
 constexpr std::uint64_t AvxState = Bits({1, 2});
 constexpr std::uint64_t Avx512State = AvxState | Bits({5, 6, 7});
 
-/// What a level of x86-64 adds to the one below it.
+/// The instructions that a level of x86-64 adds to the one below it.
 struct Level {
     std::uint32_t leaf1Ecx;
     std::uint32_t leaf7Ebx;

@@ -1,4 +1,4 @@
-// What programs may use of the processor, from the registers of `cpuid`.
+// The processor's instructions that programs can use, from the registers of `cpuid`.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ struct FeatureRegisters {
     std::uint64_t savedState = 0;   ///< XCR0; 0 where the system does not use it
 };
 
-/// Instructions that are there and usable.
+/// Instructions that the processor has and programs can use.
 struct CpuFeatures {
     bool hasSse42 = false;
     bool hasAvx = false;
@@ -24,7 +24,7 @@ struct CpuFeatures {
     int level = 1;  ///< of x86-64, 1 to 4, by the lists of the psABI
 };
 
-/// Decodes the registers of a 64-bit processor, which is of level 1 at least.
+/// Decodes the registers of a 64-bit processor, which has at least level 1.
 CpuFeatures DecodeFeatures(const FeatureRegisters& registers);
 
 }  // namespace kel

@@ -37,14 +37,14 @@ struct CpuInfo {
     std::optional<std::int32_t> threads;
     std::optional<std::int32_t> packages;
     std::optional<std::int32_t> efficientCores;
-    std::optional<bool> hasSse42;  ///< there, and the system saves its registers, as the next four
+    std::optional<bool> hasSse42;  ///< usable: the system saves its registers; likewise the next four
     std::optional<bool> hasAvx;
     std::optional<bool> hasAvx2;
     std::optional<bool> hasAvx512;
     std::optional<bool> hasAes;
     std::optional<std::int32_t> level;  ///< of x86-64, 1 to 4
     std::optional<bool> isVirtualizationOn;
-    std::optional<bool> isVirtualMachine;  ///< false of Hyper-V's own host
+    std::optional<bool> isVirtualMachine;  ///< false for Hyper-V's own host
     std::optional<Size> largestCache;
     std::optional<bool> hasHypervisor;        ///< no value carries it
     std::optional<bool> firmwareVirtualizes;  ///< virtualization is on in the firmware; no value carries it

@@ -13,8 +13,8 @@ namespace {
 
 using Record = SYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX;
 
-// The places of what is read; the records are of different lengths. The class of efficiency stands behind the
-// flags, also where the platform's headers do not name it.
+// The offsets of the fields that are read; the records have different lengths. The efficiency class follows
+// the flags, even where the platform's headers do not declare it.
 constexpr std::size_t SizeAt = offsetof(Record, Size);
 constexpr std::size_t EfficiencyAt = offsetof(Record, Processor.Flags) + 1;
 constexpr std::size_t GroupCountAt = offsetof(Record, Processor.GroupCount);

@@ -8,7 +8,7 @@
 
 namespace kel {
 
-/// Cores, threads and caches of all processor groups; what no record reports is empty.
+/// Cores, threads and caches of all processor groups; a fact that no record reports is empty.
 struct CpuTopology {
     std::optional<std::int32_t> cores;
     std::optional<std::int32_t> threads;

@@ -105,7 +105,8 @@ float MeasureMegahertz()
     while (now > 0 && now - start < frequency)
         now = Timer::ReadCounter();
     const std::uint64_t last = __rdtsc();
-    // The counter goes back when the machine wakes up or the thread moves to a processor that is behind.
+    // The counter can go backwards when the machine wakes up or the thread moves to a processor that lags
+    // behind.
     return now > 0 && last > first ? static_cast<float>(last - first) / 1000000.0F : 0.0F;
 }
 

@@ -7,8 +7,8 @@
 namespace kel {
 
 /// Appends what Windows has cached about the graphics adapters (the keys below HKLM
-/// `SOFTWARE\Microsoft\DirectX`): key, id, name, memory, driver version and level. Entries of adapters that
-/// are gone stay in the cache, and another adapter may have their key since.
+/// `SOFTWARE\Microsoft\DirectX`): key, id, name, memory, driver version and level. Entries of removed
+/// adapters stay in the cache, and another adapter may have received their key since.
 void ReadAdapterCache(std::vector<GpuInfo>& adapters);
 
 }  // namespace kel

@@ -27,7 +27,7 @@ constexpr UINT HybridDiscrete = 1U << 4;
 constexpr UINT HybridIntegrated = 1U << 5;
 constexpr const wchar_t* Kernel = L"gdi32.dll";
 
-/// A number that the kernel has of an adapter; 0 when it has none.
+/// A number that the kernel reports for an adapter; 0 when it reports none.
 UINT AskKernel(LUID luid, UINT type)
 {
     using Open = LONG WINAPI(OpenAdapter*);
@@ -46,7 +46,7 @@ UINT AskKernel(LUID luid, UINT type)
     return isAnswered ? answer : 0;
 }
 
-// DXCore's interfaces as far as they are called, which the platform's headers do not declare.
+// The parts of DXCore's interfaces that are called; the platform's headers do not declare them.
 constexpr IID FactoryId = {0x78ee5945, 0xc36e, 0x4b13, {0xa6, 0x69, 0x00, 0x5d, 0xd1, 0x1c, 0x0f, 0x06}};
 constexpr IID AdapterId = {0xf0db4c7f, 0xfe5a, 0x42a2, {0xbd, 0x62, 0xf2, 0xa6, 0xcf, 0x6f, 0xc8, 0x3e}};
 constexpr UINT32 IntegratedProperty = 12;  // DXCoreAdapterProperty::IsIntegrated

@@ -27,7 +27,7 @@ DirectX_10::DirectX_10(GraphicsFunctions newFunctions) : Direct3DSource(std::mov
 std::uint32_t DirectX_10::GetFeatureLevel(IDXGIAdapter* adapter, const std::wstring& name) const
 {
     for (const D3D10_FEATURE_LEVEL1 level : Levels10) {
-        // Unlike its successors it cannot answer without making the device.
+        // Unlike its successors, Direct3D 10 cannot answer without creating the device.
         Microsoft::WRL::ComPtr<ID3D10Device1> device;
         const LogLevel failureLevel = level == D3D10_FEATURE_LEVEL_9_1 ? LogWarning : LogTrace;
         const HRESULT result = CallDriver(L"D3D10CreateDevice1", name, failureLevel, [&] {

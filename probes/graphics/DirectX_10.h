@@ -16,7 +16,7 @@ public:
 
     /// The highest D3D_FEATURE_LEVEL, up to 10.1, for which `D3D10CreateDevice1` creates a device, which is
     /// released at once; 0 for none.
-    /// @param name the adapter's, for the log
+    /// @param name the adapter's name, for the log
     std::uint32_t GetFeatureLevel(IDXGIAdapter* adapter, const std::wstring& name) const;
 };
 

@@ -16,7 +16,7 @@ public:
 
     /// The D3D_FEATURE_LEVEL, up to 12.1, that `D3D11CreateDevice` reports without creating a device; 0 for
     /// none.
-    /// @param name the adapter's, for the log
+    /// @param name the adapter's name, for the log
     std::uint32_t GetFeatureLevel(IDXGIAdapter* adapter, const std::wstring& name) const;
 };
 

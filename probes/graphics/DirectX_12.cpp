@@ -68,7 +68,7 @@ std::uint32_t DirectX_12::GetShaderModel(IUnknown* adapter, const std::wstring& 
 {
     std::uint32_t model = 0;
     WithDevice(adapter, name, [&model](ID3D12Device& device) {
-        // A runtime refuses to be asked about a model that it does not know.
+        // A runtime refuses a query about a model that it does not know.
         for (std::uint32_t asked = HighestModel; model == 0 && asked >= LowestModel; --asked) {
             D3D12_FEATURE_DATA_SHADER_MODEL data = {static_cast<D3D_SHADER_MODEL>(asked)};
             if (SUCCEEDED(device.CheckFeatureSupport(D3D12_FEATURE_SHADER_MODEL, &data, sizeof(data))))

@@ -18,7 +18,7 @@ public:
 
     /// The highest D3D_FEATURE_LEVEL of at least 11.0 that `D3D12CreateDevice` accepts without creating a
     /// device; 0 when the adapter does not support Direct3D 12.
-    /// @param name the adapter's, for the log
+    /// @param name the adapter's name, for the log
     /// @param known a level that the adapter is known to have; lower ones are not tried
     std::uint32_t GetFeatureLevel(IUnknown* adapter, const std::wstring& name, std::uint32_t known) const;
 

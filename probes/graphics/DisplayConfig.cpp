@@ -66,7 +66,7 @@ Request RequestFor(DISPLAYCONFIG_DEVICE_INFO_TYPE type, const DISPLAYCONFIG_PATH
     return request;
 }
 
-/// A monitor's facts that are the display's.
+/// Copies the display's facts into the monitor.
 void Show(const DisplayInfo& display, MonitorInfo& monitor)
 {
     monitor.currentResolution = display.resolution;
@@ -185,7 +185,7 @@ MonitorInfo DisplayConfig::ReadTarget(const DISPLAYCONFIG_PATH_TARGET_INFO& targ
 
 void DisplayConfig::ReadColor(const DISPLAYCONFIG_PATH_TARGET_INFO& target, MonitorInfo& monitor) const
 {
-    // The colour management of newer systems sets the old bits for displays without a high dynamic range.
+    // The colour management of newer systems sets the old bits even for displays without high dynamic range.
     auto newer = RequestFor<AdvancedColor2>(AdvancedColorInfo2, target);
     if (functions.displayConfigGetDeviceInfo(&newer.header) == ERROR_SUCCESS) {
         monitor.isHdr = (newer.flags & HighDynamicRange) != 0;

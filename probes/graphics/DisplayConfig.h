@@ -42,9 +42,9 @@ public:
     /// The list of `EnumDisplayDevicesW`, even when another source lists displays.
     DisplayList ListDevices() const;
 
-    /// Whether the session is remote: its displays are the client's. `GetSystemMetrics` says so, or the
-    /// session is not the one at the machine's own screen; a session with a virtual graphics adapter shows
-    /// the second alone.
+    /// Whether the session is remote: its displays are the client's. Either `GetSystemMetrics` says so, or
+    /// the session is not the one at the machine's own screen; with a virtual graphics adapter, only the
+    /// latter shows it.
     bool IsRemote() const;
 
     /// The scale of the primary display in percent; nullopt when it is not known.

@@ -12,7 +12,7 @@ namespace kel {
 /// The refresh rate in Hz, rounded: 59.94 is 60. Nullopt for 0 and for a zero denominator.
 std::optional<Count> RefreshRate(DISPLAYCONFIG_RATIONAL rate);
 
-/// Bits per pixel. Nullopt for a format that no desktop has.
+/// Bits per pixel. Nullopt for formats that desktops do not use.
 std::optional<Count> BitsPerPixel(DISPLAYCONFIG_PIXELFORMAT format);
 
 /// The name of a connector such as "HDMI"; "internal" for built-in monitors, empty for an unknown connector.

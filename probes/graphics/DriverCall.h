@@ -9,8 +9,8 @@
 
 namespace kel {
 
-/// Makes a call that may run a graphics driver in this process. The log has a line before the call, for the
-/// case that the driver crashes the host, and one after a call that fails or throws; the caller goes on.
+/// Makes a call that may run a graphics driver in this process. The log has a line before the call, in case
+/// the driver crashes the host, and one after a call that fails or throws; the caller continues.
 /// @param failureLevel the level of the line after a failure: LogTrace where a failure is a normal answer
 /// @return the call's result; E_FAIL when it threw
 template <typename Call>

@@ -34,10 +34,10 @@ struct Extent {
     bool operator==(const Extent&) const = default;
 };
 
-/// Sizes that are an aspect ratio, as some monitors give instead.
+/// Aspect ratios that some monitors report instead of a size.
 constexpr Extent Ratios[] = {{1600, 900}, {1600, 1000}, {160, 90}, {160, 100}};
 
-/// A number of 12 bits, the highest four of which are in a half of another byte.
+/// A 12-bit number whose highest four bits are in one half of another byte.
 constexpr int Joined(BYTE low, int half)
 {
     return low | (half & 0xF) << 8;
@@ -110,7 +110,7 @@ void ReadMode(Block block, MonitorInfo& monitor)
         const Descriptor mode = DescriptorAt(block, place);
         if (mode[0] == 0 && mode[1] == 0)
             continue;
-        const bool isInterlaced = (mode[17] & 0x80) != 0;  // then the lines are those of half a frame
+        const bool isInterlaced = (mode[17] & 0x80) != 0;  // the lines are then those of half a frame
         const int lines = Joined(mode[5], mode[7] >> 4);
         const Resolution resolution = KnownMode(static_cast<unsigned>(Joined(mode[2], mode[4] >> 4)),
                                                 static_cast<unsigned>(isInterlaced ? 2 * lines : lines));

@@ -37,7 +37,7 @@ struct GpuInfo {
     std::wstring vulkanManifest;  ///< the path of a file that describes the Vulkan driver; not stored
     std::optional<Version> vulkanVersion;
     bool hasDirect3D = false;  ///< a graphics interface lists it
-    bool isSoftware = false;   ///< a graphics interface says that it is a software or a remote one
+    bool isSoftware = false;   ///< a graphics interface reports it as a software or remote adapter
 };
 
 /// An amount of memory as a source gives it; 0 is unknown.

@@ -25,12 +25,13 @@ struct GraphicsFunctions {
     boost::function<UINT(LUID)> getDriverModel;  ///< in thousandths, such as 3100; 0 when it is unknown
     /// Whether an adapter is part of the processor's chip, by DXCore; nullopt before Windows 10 2004.
     boost::function<std::optional<bool>(LUID)> isIntegratedByDxCore;
-    /// The same by the kernel, which knows it of the adapters of a machine with both kinds only.
+    /// The same as reported by the kernel, which knows it only on machines with both kinds of adapters.
     boost::function<std::optional<bool>(LUID)> isIntegratedByKernel;
     /// The first 64 KB of a file on a fixed disk; empty when it cannot be read.
     boost::function<std::string(const std::wstring& path)> readFile;
     boost::function<bool(const wchar_t*)> hasLibrary;  ///< whether the system's folder has a file of the name
-    boost::function<void(OSVERSIONINFOW&)> getVersion;  ///< RtlGetVersion; GetVersionEx answers for old hosts
+    boost::function<void(OSVERSIONINFOW&)>
+        getVersion;  ///< RtlGetVersion, as GetVersionEx depends on the host
 
     /// The system's own. A library is loaded at the first call of its function, from the system's folder, and
     /// stays loaded: unloading graphics libraries crashes hosts. A function that is missing answers

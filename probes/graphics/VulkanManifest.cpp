@@ -16,7 +16,7 @@ constexpr std::string_view Blanks = " \t\r\n";
 constexpr std::size_t MaxVersionLength = 32;
 constexpr DWORD MaxFileSize = 64 * 1024;  // bytes
 
-/// Removes blanks and then one character from the start of a text; false when another one stands there.
+/// Removes blanks and then the given character from the start of a text; false when another one is there.
 bool Skip(std::string_view& text, char character)
 {
     text.remove_prefix(std::min(text.find_first_not_of(Blanks), text.size()));

@@ -13,8 +13,8 @@ namespace kel {
 /// untrusted; nullopt when it has no such version.
 std::optional<Version> ReadVulkanVersion(std::string_view manifest);
 
-/// Reads the first 64 KB of a file on a fixed disk. A path that is not one of a drive, or leads to a drive of
-/// another kind, gives an empty text, as does a file that cannot be read.
+/// Reads the first 64 KB of a file on a fixed disk. Returns an empty text for a path without a drive letter
+/// or on another kind of drive, and for a file that cannot be read.
 std::string ReadSmallFile(const std::wstring& path);
 
 }  // namespace kel

@@ -38,7 +38,7 @@ MediaKind KindOf(IFTYPE type, NDIS_PHYSICAL_MEDIUM medium)
         case NdisPhysicalMediumNative802_11:
         case NdisPhysicalMediumWirelessWan:
             return MediaKind::Wireless;
-        case NdisPhysicalMediumBluetooth:  // its interface type is Ethernet's
+        case NdisPhysicalMediumBluetooth:  // its interface type is that of Ethernet
             return MediaKind::Unknown;
         default:
             break;

@@ -28,12 +28,12 @@ struct NetworkFunctions {
     static NetworkFunctions OfSystem();
 };
 
-/// The number of the interface that has the default route; nullopt without one. The question names an address
-/// of the ranges for documentation, to which nothing is sent.
+/// The number of the interface that has the default route; nullopt without one. The query uses an address
+/// from the documentation ranges, to which nothing is sent.
 std::optional<DWORD> FindDefaultRoute(const NetworkFunctions& functions);
 
-/// Lists the interfaces (`GetIfTable2`) without those of filters, which repeat an adapter's. Addresses are
-/// not read.
+/// Lists the interfaces (`GetIfTable2`) without those of filters, which repeat an adapter's interface.
+/// Addresses are not read.
 /// @param defaultRoute as FindDefaultRoute gives it
 /// @return none, with a warning in the log, when the system gives no table
 std::vector<NetworkInfo> ReadInterfaceTable(const NetworkFunctions& functions,

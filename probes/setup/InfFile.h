@@ -9,7 +9,7 @@
 
 namespace kel {
 
-/// Closes an INF file with the function that the library gave.
+/// Closes an INF file with the library's function.
 struct InfCloser {
     decltype(&SetupCloseInfFile) close = nullptr;
     void operator()(void* file) const noexcept { close(file); }

@@ -68,7 +68,7 @@ private:
 
     const SetupEntryPoints& entryPoints;
     HDEVINFO set;
-    mutable SP_DEVINFO_DATA device;  // the system's functions take it as if they might change it
+    mutable SP_DEVINFO_DATA device;  // the system's declarations lack a const
 };
 
 /// Reads a value of at most 1000 bytes as text: a string, the first string of a list, or a 32-bit number in

@@ -10,7 +10,7 @@
 namespace kel {
 
 /// The functions of the Setup API that the control uses, looked up by name at run time; missing ones are
-/// null. A test fills a table of its own.
+/// null. A test fills its own table.
 struct SetupEntryPoints {
     OwnedLibrary module;
     decltype(&SetupDiGetClassDevsW) getClassDevs = nullptr;

@@ -1,4 +1,4 @@
-// The listing of graphics adapters by the Setup API: what their drivers' keys have.
+// The listing of graphics adapters by the Setup API, with the values in their drivers' keys.
 #include "diag/Log.h"
 #include "probes/setup/DriverDate.h"
 #include "probes/setup/InfFile.h"
@@ -27,7 +27,7 @@ std::optional<Size> FirstSize(std::initializer_list<RegistryPlace> places)
     return {};
 }
 
-/// A text that most drivers do not have, which is not worth a warning. Of a list the first.
+/// A text, or the first one of a list. Most drivers lack it, so a missing one is not worth a warning.
 std::wstring QuietText(HKEY key, const wchar_t* name)
 {
     const std::optional<RegistryValue> value = ReadValue(key, name);

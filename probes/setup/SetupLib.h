@@ -22,7 +22,7 @@
 
 namespace kel {
 
-/// Closes a device set with the function that the library gave.
+/// Closes a device set with the library's function.
 struct DeviceSetCloser {
     decltype(&SetupDiDestroyDeviceInfoList) destroy = nullptr;
     void operator()(void* set) const noexcept { destroy(set); }
@@ -47,12 +47,12 @@ public:
     /// @return whether all its entry points are there
     bool Initialize();
 
-    /// Puts other functions into the table, as a test does that answers for one of them.
+    /// Changes the table, so that a test can replace single functions.
     void Change(const boost::function<void(SetupEntryPoints&)>& change) { change(entryPoints); }
 
-    /// Each lists one class, appending a record for each device in the system's order. A device at which
-    /// something is thrown is logged and left out; the later ones are listed.
-    /// @return whether the device set could be opened and walked without that
+    /// Each lists one class, appending a record for each device in the system's order. A device that causes
+    /// an exception is logged and left out; the later ones are listed.
+    /// @return whether the device set could be opened and walked without an exception
     bool GetHardDriveInfo(std::vector<DiskInfo>& drives);
     bool GetGpuInfo(std::vector<GpuInfo>& adapters);
     bool GetScsiInfo(std::vector<ScsiInfo>& controllers);
@@ -76,7 +76,7 @@ private:
     /// @param setFailure the error line when the set cannot be opened; null for none
     bool Enumerate(const wchar_t* operation, const GUID& deviceClass, const wchar_t* setFailure,
                    const Fill& fill);
-    /// The same for a class by the first number of its GUID, in which most classes differ alone.
+    /// The same for a class by the first number of its GUID; most classes differ only in that number.
     bool Enumerate(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure, const Fill& fill);
 
     /// Opens the set of the present devices of a class.

@@ -1,4 +1,4 @@
-// What the Setup API probe answers of whole classes, without a record for each device.
+// What the Setup API probe reports about whole classes, without a record for each device.
 #include <algorithm>
 #include <span>
 #include <string_view>
@@ -16,7 +16,7 @@ constexpr GUID Bluetooth = {0xe0cbf06c, 0xcd8b, 0x4647, {0xbb, 0x8a, 0x26, 0x3b,
 
 /// The drivers of scanners and still cameras, which have the class of cameras.
 constexpr const wchar_t* StillImageServices[] = {L"usbscan", L"WSDScan", L"scsiscan", L"serscan"};
-/// The buses on which devices of a network and those of software stand.
+/// The buses of network devices and software devices.
 constexpr std::wstring_view ForeignBuses[] = {L"SWD\\", L"ROOT\\", L"UMB\\"};
 /// The start of the ids of devices that are paired with the radio, whether they are near or not.
 constexpr std::wstring_view PairedBuses[] = {L"BTH"};
@@ -26,7 +26,7 @@ bool BeginsWithAny(std::wstring_view text, std::span<const std::wstring_view> st
     return std::ranges::any_of(starts, [text](std::wstring_view start) { return text.starts_with(start); });
 }
 
-/// The flags are a number, whose lower half is the first character here.
+/// The flags are a number, read here as text: its lower half is the first character.
 bool IsSwitchedOn(const SetupDevice& device)
 {
     constexpr wchar_t Disabled = 1;  // CONFIGFLAG_DISABLED

@@ -32,8 +32,7 @@ MediaKind KindOf(const std::wstring& mediaSubType)
     return mediaSubType == L"1" ? MediaKind::Lan : MediaKind::Unknown;
 }
 
-/// Whether Windows' own driver for any monitor serves this one. The driver's name is in the system's
-/// language.
+/// Whether this monitor uses Windows' generic monitor driver, whose name is in the system's language.
 bool IsGenericMonitor(const SetupDevice& device)
 {
     std::wstring driverKey;

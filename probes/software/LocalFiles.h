@@ -20,7 +20,7 @@ public:
 
     /// The first of a product's programs that a folder has; empty when it has none.
     /// @param folder may begin with a variable; empty for none
-    /// @param programs paths below the folder, separated by bars; each also counts by its file name alone
+    /// @param programs paths below the folder, separated by bars; each is also tried by its file name only
     std::wstring FindBelow(std::wstring_view folder, std::wstring_view programs);
 
     /// The program that a command names, if its file name is one of the product's and the file exists.

@@ -13,12 +13,12 @@ struct OfficeInfo {
     Name bitness;     ///< "64-bit" or "32-bit"
 };
 
-/// Reads the keys of the suite's installers. They outlive it: whether one of its programs is there has to be
-/// known from elsewhere.
+/// Reads the keys of the suite's installers. The keys remain after the suite is removed, so the caller has to
+/// check that one of its programs is installed.
 OfficeInfo ReadOffice(const SoftwareFunctions& functions);
 
 /// The newest generation among the names of installed products, such as "O365ProPlusRetail,VisioProRetail".
-/// Products that are sold beside the suite do not count; empty when there is no other.
+/// Products that are sold separately from the suite do not count; empty when there are no others.
 std::wstring FindOfficeGeneration(const std::wstring& productIds);
 
 }  // namespace kel

@@ -25,13 +25,13 @@ enum class FindBy {
     Family,      ///< a family of packages
 };
 
-/// A number in the registry on which it depends what a program is.
+/// A number in the registry that decides which product a program is.
 struct Condition {
     const wchar_t* key;
     const wchar_t* value;
     DWORD min;
     DWORD max;
-    bool isMetWithout;  ///< whether it is met where there is no such number
+    bool isMetWithout;  ///< whether it is met when there is no such number
 };
 
 /// One place to look at.
@@ -43,25 +43,25 @@ struct Locator {
     /// For a display name, the publisher, which may be a pattern; for a key, the values that may name a
     /// folder or a file, separated by bars.
     const wchar_t* value = L"";
-    /// For a key, the folder of the program: relative to the folder that the value names, or an absolute one,
+    /// For a key, the folder of the program: relative to the folder that the value names, or an absolute path
     /// in which "*" stands for the version in the key or in the name of one of its values.
     const wchar_t* folder = L"";
     /// For a key, the values that hold the version where it is not the file's, separated by bars.
     const wchar_t* version = L"";
-    USHORT machine = 0;  ///< the architecture (IMAGE_FILE_MACHINE_...) that the place is of; 0 for any
-    const Condition* condition = nullptr;  ///< under which the place counts; null for always
+    USHORT machine = 0;  ///< the architecture (IMAGE_FILE_MACHINE_...) of the place; 0 for any
+    const Condition* condition = nullptr;  ///< the place counts only if it is met; null for always
 };
 
 /// A row of a table. Lists are separated by bars.
 struct Product {
-    unsigned existsId;   ///< the value id of whether the product is there; 0 for none
+    unsigned existsId;   ///< the value id for whether the product is installed; 0 for none
     unsigned versionId;  ///< the value id of its version; 0 for none
     const wchar_t* name;
     const wchar_t* programs;  ///< paths below the folder of an installation; one of them has to exist
     std::span<const Locator> locators;
     const wchar_t* channels = L"";    ///< folders of previews and other channels; may be patterns
     const wchar_t* programIds = L"";  ///< for a browser, prefixes of its program ids for web addresses
-    /// For a product without `existsId`, the value id of whether it is there; stored behind the table.
+    /// For a product without `existsId`, the value id for whether it is installed; stored after the table.
     unsigned companionId = 0;
     bool hasMajors = false;  ///< the newest version of each major one is stored, newest first
 };

@@ -12,8 +12,8 @@
 
 namespace kel {
 
-/// Looks for the products of a table, only at the places that the table names. Keys outlive programs: where a
-/// place names a file, the product counts only if the file exists.
+/// Looks for the products of a table, only at the places that the table names. Keys may remain after a
+/// program is removed: where a place names a file, the product counts only if the file exists.
 class ProductFinder {
 public:
     /// @param newFunctions must outlive this object, as must the products
@@ -29,14 +29,16 @@ public:
     /// before those of installers, and these before those of entries, which use schemes of their own.
     std::optional<Installation> FindNewest(const Product& product);
 
-    /// Of each major version the installation that FindNewest would choose, the highest version first. 32-bit
-    /// ones count where there is no other.
+    /// For each major version the installation that FindNewest would choose, the highest version first.
+    /// 32-bit installations count only when there are no others.
     std::vector<Installation> FindMajors(const Product& product);
 
-    /// Whether it is unknown that a product is not there, as the installer refused to list its products.
+    /// Whether a product that was not found may still be installed, as the installer refused to list its
+    /// products.
     bool IsUncertain(const Product& product) const;
 
-    /// Whether a program id, such as the user's choice for a protocol, is the product's and not a channel's.
+    /// Whether a program id, such as the user's choice for a protocol, belongs to the product and not to
+    /// another channel.
     bool IsProgramId(const std::wstring& id, const Product& product);
 
     /// The version of a file on a fixed drive; empty when it has none.
@@ -61,7 +63,7 @@ private:
     void FindPackages(const Search& search);
     void FindAllFiles(const Search& search);
 
-    /// Appends the installation of a program file, unless there is none or it is a channel's.
+    /// Appends the installation of a program file, unless there is none or it belongs to another channel.
     /// @param known a version from elsewhere: of the kind `File` it replaces the file's, else it is used when
     /// the file has none
     void Add(const Search& search, const std::wstring& path, Installation known = {});

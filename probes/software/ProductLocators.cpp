@@ -1,4 +1,4 @@
-// The places at which the product finder looks, a function for each kind.
+// The places where the product finder looks, with a function for each kind.
 #include <algorithm>
 
 #include "diag/Log.h"
@@ -191,8 +191,7 @@ void ProductFinder::FindRegistered(const Search& search)
 
 void ProductFinder::FindKeys(const Search& search)
 {
-    // A key without a folder of its own belongs to the installation for all users, whatever a user's key
-    // holds.
+    // A key that names no folder belongs to the installation for all users, whatever a user's key holds.
     const bool isOfAll = *search.locator.value == L'\0';
     for (const RegistryView& view : isOfAll ? MachineFirst : UserFirst) {
         for (const std::wstring& name : ListKeys(functions, view, search.locator.where)) {
@@ -227,7 +226,7 @@ void ProductFinder::FindValueNames(const Search& search)
         if (!key)
             continue;
         for (const std::wstring& name : ListValues(key.get(), MaxNames)) {
-            // An unreleased version has a word at its end.
+            // An unreleased version ends in a word.
             if (name != ReadDottedNumber(name))
                 continue;
             const std::wstring folder = FolderOfVersion(search.locator.folder, name);

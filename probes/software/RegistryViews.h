@@ -10,10 +10,10 @@
 
 namespace kel {
 
-/// One of the three.
+/// One of the three places.
 struct RegistryView {
     HKEY root;
-    REGSAM flag;  ///< KEY_WOW64_64KEY or KEY_WOW64_32KEY; 0 where the user has one view for both
+    REGSAM flag;  ///< KEY_WOW64_64KEY or KEY_WOW64_32KEY; 0 for the user, who has one view for both
 };
 
 inline const RegistryView Machine64 = {HKEY_LOCAL_MACHINE, KEY_WOW64_64KEY};

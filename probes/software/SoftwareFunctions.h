@@ -27,10 +27,10 @@ struct SoftwareFunctions {
     /// The full names of the packages of a family that this user has.
     boost::function<std::vector<std::wstring>(const wchar_t* family)> packages;
     boost::function<std::wstring(const wchar_t* fullName)> packageFolder;
-    /// The program id that the user's addresses of a protocol open with, as the shell resolves it; empty
+    /// The program id with which the user opens addresses of a protocol, as the shell resolves it; empty
     /// without one.
     boost::function<std::wstring(const wchar_t* protocol)> programId;
-    boost::function<DWORD()> windowsBuild;  ///< the build of Windows, true in every host; 0 when unknown
+    boost::function<DWORD()> windowsBuild;  ///< the build of Windows, correct in every host; 0 when unknown
     /// The architecture of the programs that count (IMAGE_FILE_MACHINE_...): x64, or ARM64 on such a machine.
     boost::function<USHORT()> programMachine;
     boost::function<std::wstring()> hostProgram;  ///< the path of the program that this process runs

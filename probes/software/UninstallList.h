@@ -29,7 +29,7 @@ public:
     {
     }
 
-    /// The entries that a locator of the kind UninstallKey or DisplayName means.
+    /// The entries that match a locator of the kind UninstallKey or DisplayName.
     std::vector<UninstallEntry> Find(const Locator& locator);
 
 private:

@@ -16,7 +16,7 @@ constexpr std::size_t MaxFieldDigits = 9;
 constexpr std::size_t PackageFields = 4;
 constexpr std::size_t PackageParts = 5;  // name, version, architecture, resource, publisher
 
-/// Takes the field at the front off a dotted number; 0 when there is none.
+/// Removes the first field of a dotted number and returns it; 0 when there is none.
 std::uint32_t TakeField(std::wstring_view& version)
 {
     std::uint32_t field = 0;

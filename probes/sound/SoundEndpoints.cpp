@@ -28,7 +28,7 @@ constexpr PROPERTYKEY FormKey = {
     {0x1da5d803, 0xd492, 0x4edd, {0x8c, 0x23, 0xe0, 0xc0, 0xff, 0xee, 0x7f, 0x0e}}, 0};
 constexpr std::wstring_view InstanceKind = L"{1}.";
 
-/// A property, cleared when it is done with.
+/// A property, cleared by the destructor.
 struct Property {
     PROPVARIANT value = {};
 
@@ -72,7 +72,7 @@ std::optional<bool> IsMicrophone(IMMDevice& endpoint)
 }
 
 /// Adds the devices of the active endpoints of one direction.
-/// @return how many endpoints there are; nullopt, with a warning in the log, when the service does not answer
+/// @return the number of endpoints; nullopt, with a warning in the log, when the service does not answer
 std::optional<UINT> List(IMMDeviceEnumerator& enumerator, EDataFlow direction, SoundEndpoints& endpoints)
 {
     std::optional<UINT> microphones = 0U;
@@ -123,7 +123,7 @@ void FindDefault(IMMDeviceEnumerator& enumerator, SoundEndpoints& endpoints)
         info.servesDefault = info.instanceId == device;
 }
 
-/// Loads the library for it, which is costly and seldom needed.
+/// Loads its library at the first call, since that is costly and seldom needed.
 UINT CountOutputs()
 {
     auto* const count = PermanentFunction<decltype(waveOutGetNumDevs)>(L"winmm.dll", "waveOutGetNumDevs");

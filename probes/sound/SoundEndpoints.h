@@ -12,11 +12,11 @@ namespace kel {
 
 /// The active endpoints, such as speakers and microphones, as the system's sound service lists them.
 struct SoundEndpoints {
-    std::optional<UINT> outputs;  ///< how many; nullopt when the service does not answer
+    std::optional<UINT> outputs;  ///< their number; nullopt when the service does not answer
     std::optional<UINT> inputs;
-    std::optional<UINT> microphones;  ///< among the inputs; nullopt, too, when one's form is unknown
-    bool isDefaultKnown = false;      ///< true, too, when there is no default output
-    std::vector<SoundInfo> devices;   ///< that they belong to, each once
+    std::optional<UINT> microphones;  ///< among the inputs; also nullopt when the form of an input is unknown
+    bool isDefaultKnown = false;      ///< also true when there is no default output
+    std::vector<SoundInfo> devices;   ///< the devices of the endpoints, each once
 };
 
 /// Asks the service (`IMMDeviceEnumerator`). No stream is opened, and names of endpoints are not read, since
@@ -27,7 +27,7 @@ SoundEndpoints ReadSoundEndpoints();
 struct SoundFunctions {
     boost::function<UINT()> countOutputs;  ///< waveOutGetNumDevs; 0 without "winmm.dll"
 
-    /// The system's own, whose library is loaded when it is first asked, and stays.
+    /// The system's own; its library is loaded at the first call and stays loaded.
     static SoundFunctions OfSystem();
 };
 

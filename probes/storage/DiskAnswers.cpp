@@ -36,7 +36,7 @@ std::optional<DiskGeometry> ReadDiskGeometry(Bytes answer)
     const auto size = ReadLittleEndian(answer, DiskSizeOffset, sizeof(std::uint64_t));
     if (!media || !size || *size > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max()))
         return std::nullopt;
-    // All media types but these are of floppies.
+    // All other media types are floppies.
     return DiskGeometry{*size, *media != Unknown && *media != RemovableMedia && *media != FixedMedia};
 }
 

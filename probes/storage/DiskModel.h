@@ -5,8 +5,8 @@
 
 namespace kel {
 
-/// Vendor and product as one text with single blanks. A vendor that is a bus or a filler ("NVMe", "ATA",
-/// "Generic"), or with which the product starts, is dropped.
+/// Vendor and product as one text with single blanks. The vendor is dropped when it is a bus or a placeholder
+/// ("NVMe", "ATA", "Generic"), or when the product starts with it.
 std::wstring MakeDiskModel(const std::wstring& vendor, const std::wstring& product);
 
 /// The name of a disk or an optical drive from WMI or the Setup API, without such a vendor at its start and

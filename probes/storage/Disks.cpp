@@ -58,7 +58,8 @@ void TakeDescriptor(const StorageDescriptor& descriptor, const OptionalAnswers& 
         disk.firmware = Version(firmware);
 }
 
-/// Without a descriptor, a removable medium is enough; a removable cable is not, as the bus is unknown.
+/// Without a descriptor, a removable medium makes the disk removable; a removable cable does not, as the bus
+/// is unknown.
 void ApplyOptionalAnswers(const OptionalAnswers& optional, DiskInfo& disk)
 {
     if (optional.seekPenalty)
@@ -112,7 +113,7 @@ std::vector<std::int32_t> AskVolume(const StorageFunctions& functions, const std
         disks.push_back(static_cast<std::int32_t>(disk));
     if (!disks.empty())
         return disks;
-    // A volume without extents may be a partition, which has its disk's number.
+    // A volume without extents may be a partition, whose device number is that of its disk.
     const auto found = ReadDeviceNumber(volume.Ask(IOCTL_STORAGE_GET_DEVICE_NUMBER).bytes);
     if (found && found->type == FILE_DEVICE_DISK)
         disks.push_back(static_cast<std::int32_t>(found->number));

@@ -9,7 +9,7 @@ namespace kel {
 
 /// Asks each disk that Windows lists for model, capacity, bus, kind and firmware. Disks are opened without
 /// access rights, so that none is woken or read; the capacity of a sleeping disk is not read. A disk that
-/// cannot be opened has its number only, with a warning in the log; one that was removed meanwhile is left
+/// cannot be opened has only its number, with a warning in the log; one that was removed meanwhile is left
 /// out.
 std::vector<DiskInfo> ListDisks(const StorageFunctions& functions);
 

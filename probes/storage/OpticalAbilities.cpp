@@ -15,7 +15,7 @@ namespace kel {
 
 namespace {
 
-// The abilities of each kind of drive: a burner reads what it burns, and burns the older media as well.
+// The abilities of each kind of drive: a burner reads what it burns, and also burns the older media.
 constexpr unsigned Combo = WritesCds | ReadsDvds;
 constexpr unsigned DvdWriter = Combo | WritesDvds;
 constexpr unsigned BdReader = ReadsDvds | ReadsBluRay;
@@ -94,8 +94,8 @@ bool EndsMark(std::wstring_view rest)
     return rest.empty() || std::iswdigit(rest.front()) != 0;
 }
 
-/// Whether a word begins with a mark, or has one that is long enough behind the vendor that is glued to it,
-/// such as in "TSSTCORPDVDROM".
+/// Whether a word begins with a mark, or has a mark of sufficient length after a vendor that is joined to it,
+/// as in "TSSTCORPDVDROM".
 bool HasMark(std::wstring_view text, std::wstring_view mark)
 {
     constexpr std::size_t MinInnerMark = 4;

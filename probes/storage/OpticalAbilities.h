@@ -18,7 +18,7 @@ enum OpticalAbility : unsigned {
     AllAbilities = 63,
 };
 
-/// Which abilities of a drive are known, and which of them it has.
+/// The abilities of a drive that are known, and those that it has.
 struct OpticalAbilities {
     unsigned known = 0;
     unsigned has = 0;
@@ -37,8 +37,8 @@ struct OpticalAbilities {
     }
 };
 
-/// Reads the answer to IOCTL_CDROM_GET_CONFIGURATION for feature 0, the list of profiles: all abilities are
-/// known then. Unknown profiles are ignored. A truncated list makes only the abilities that it holds known.
+/// Reads the answer to IOCTL_CDROM_GET_CONFIGURATION for feature 0, the list of profiles, which makes all
+/// abilities known. Unknown profiles are ignored. A truncated list makes only the abilities in it known.
 /// @return nothing known for an answer without a profile
 OpticalAbilities ReadProfiles(Bytes answer);
 

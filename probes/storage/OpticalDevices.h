@@ -9,13 +9,13 @@ namespace kel {
 
 /// Asks an optical drive for its name, letter and abilities. The device is opened, never its volume; the
 /// requests work with an empty tray, and neither move it nor read a medium.
-/// @param instanceId the drive's, as the Setup API or WMI has it
-/// @param letter the drive's, where it is known; leads to the device when the instance id does not
+/// @param instanceId the drive's id, as the Setup API or WMI has it
+/// @param letter the drive's letter, if it is known; used when the instance id does not lead to the device
 OpticalInfo ReadOpticalDrive(const StorageFunctions& functions, const std::wstring& instanceId,
                              const std::wstring& letter);
 
-/// Asks all drives that Windows lists as devices. They have no id that would match them with the drives of
-/// other sources.
+/// Asks all drives that Windows lists as devices. They have no id by which other sources' drives could be
+/// matched.
 std::vector<OpticalInfo> ListOpticalDevices(const StorageFunctions& functions);
 
 }  // namespace kel

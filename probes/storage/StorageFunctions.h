@@ -38,7 +38,7 @@ std::wstring GetWindowsLetter(const boost::function<UINT(std::span<wchar_t>)>& g
 /// lists them: ascending, each once, at most 256.
 std::vector<std::uint32_t> ListDeviceNumbers(const StorageFunctions& functions, std::wstring_view word);
 
-/// The path of a device as one of a class of interfaces. The system is not asked.
+/// The path of a device's interface of a class, made without asking the system.
 /// @param instanceId may be empty; then the path is empty, too
 /// @param interfaceClass a GUID in braces
 std::wstring MakeInterfacePath(std::wstring instanceId, const wchar_t* interfaceClass);

@@ -21,7 +21,7 @@ struct VolumeInfo {
     std::optional<Size> size;
     std::optional<Size> free;  ///< for this user, who may have a quota
     std::optional<bool> holdsWindows;
-    std::vector<std::int32_t> disks;  ///< the numbers of those that hold it, as far as they are known
+    std::vector<std::int32_t> disks;  ///< the numbers of the disks that hold it, as far as known
     bool isVolume = true;             ///< false: the letter leads to an image, a cloud storage or the like
     bool isAlias = false;             ///< another name for a folder or a letter
 };

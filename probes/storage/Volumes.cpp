@@ -23,14 +23,14 @@ constexpr int LetterCount = 26;
 constexpr GUID LocalAppData = {0xF1B32785, 0x6FBA, 0x4FCF, {0x9D, 0x55, 0x7B, 0x8E, 0x7F, 0x15, 0x70, 0x91}};
 /// The prefix of the target of a letter that is another name for a folder.
 constexpr std::wstring_view AliasPrefix = L"\\??\\";
-/// The prefix of the target of a letter that is a volume of a disk. Drivers of images and cloud storage have
-/// names of their own.
+/// The prefix of the target of a letter that is a volume of a disk. Drivers of images and cloud storage use
+/// other names.
 constexpr std::wstring_view VolumePrefix = L"\\Device\\HarddiskVolume";
 
 void ReadTarget(const VolumeFunctions& functions, const std::wstring& letter, VolumeInfo& volume)
 {
     std::array<wchar_t, MAX_PATH> buffer = {};
-    // A target that is too long for the buffer is a folder's.
+    // A target that is too long for the buffer is a folder.
     if (functions.queryDosDevice(letter.c_str(), buffer) == 0) {
         volume.isAlias = GetLastError() == ERROR_INSUFFICIENT_BUFFER;
         return;
@@ -120,7 +120,7 @@ std::optional<Size> ReadProfileSpace(const VolumeFunctions& functions, const std
         const auto isOfProfile = [&folder](const VolumeInfo& volume) {
             return ToUpper(folder.substr(0, 2)) == volume.letter.ToString();
         };
-        // Of a remote volume nothing is known, as it is not asked.
+        // Nothing is known about a remote volume, as it is not asked.
         if (const auto found = std::ranges::find_if(volumes, isOfProfile); found != volumes.end())
             free = found->free;
     });

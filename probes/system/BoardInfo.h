@@ -12,7 +12,7 @@ struct BoardInfo {
     std::wstring product;
     std::wstring version;
     bool hasAaVersion = false;  ///< the version begins with "aa", in either case; of the merged record
-    Name systemVendor;          ///< of the machine, not of its board; fillers are dropped
+    Name systemVendor;          ///< of the machine, not of its board; placeholders are dropped
     Name systemModel;
 };
 

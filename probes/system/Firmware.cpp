@@ -33,8 +33,8 @@ std::uint32_t AskTpm(TpmInfo& info)
     return get != nullptr ? get(sizeof(info), &info) : ERROR_CALL_NOT_IMPLEMENTED;
 }
 
-/// Windows 7 has no function for the type: there a BIOS does not know the request for a variable, and UEFI
-/// refuses it.
+/// Windows 7 has no function for the type. There the error of a request for a variable shows it: a BIOS does
+/// not know the request, UEFI refuses it.
 Name ReadKind(const FirmwareFunctions& functions)
 {
     DWORD type = 0;

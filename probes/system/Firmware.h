@@ -32,7 +32,7 @@ struct FirmwareFunctions {
     static FirmwareFunctions OfSystem();
 };
 
-/// The kind of the firmware and what depends on it; unknown facts are empty.
+/// The kind of the firmware, and facts that depend on it; unknown ones are empty.
 struct FirmwareInfo {
     Name kind;  ///< "UEFI" or "BIOS"
     std::optional<bool> hasSecureBoot;
@@ -40,7 +40,7 @@ struct FirmwareInfo {
     std::optional<Version> tpmVersion;
 };
 
-/// Reads the facts. No TPM is asked for anything else, and no firmware variable is read.
+/// Reads the facts. The TPM is asked for nothing else, and no firmware variable is read.
 FirmwareInfo ReadFirmware(const FirmwareFunctions& functions);
 
 }  // namespace kel

@@ -36,10 +36,10 @@ struct OSFunctions {
     boost::function<LCID()> getUserDefaultLCID;
     boost::function<std::optional<OSVERSIONINFOEXW>()> getTrueVersion;  ///< RtlGetVersion
     boost::function<BOOL(HANDLE, USHORT*, USHORT*)> isWow64Process2;    ///< may be missing
-    /// The kind of the process's token: of an administrator before consent, after it, or of anybody else.
+    /// The kind of the process's token: an administrator's before or after consent, or anybody else's.
     boost::function<std::optional<TOKEN_ELEVATION_TYPE>()> getElevation;
-    /// The attributes (SE_GROUP_...) of the group Administrators in the process's token; 0 when it is not in
-    /// it.
+    /// The attributes (SE_GROUP_...) of the group Administrators in the process's token; 0 when the token
+    /// lacks the group.
     boost::function<std::optional<DWORD>()> getAdministrators;
 
     /// The system's own.

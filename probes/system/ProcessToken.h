@@ -1,4 +1,4 @@
-// What the process's token says of its user.
+// What the process's token says about its user.
 #pragma once
 
 #include <windows.h>

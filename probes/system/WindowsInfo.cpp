@@ -57,7 +57,7 @@ void ReadVersionKey(WindowsInfo& info, bool asksRevision)
         return Name(text);
     };
     info.featureUpdate = read(L"DisplayVersion");
-    // ReleaseId stays at 2009 since DisplayVersion is there.
+    // ReleaseId has stayed at 2009 since DisplayVersion exists.
     if (!info.featureUpdate.HasValue())
         info.featureUpdate = read(L"ReleaseId");
     info.edition = read(L"EditionID");
@@ -69,7 +69,8 @@ void ReadVersionKey(WindowsInfo& info, bool asksRevision)
     }
 }
 
-/// UAC leaves the group Administrators in the token of one, but only to deny; the user's consent enables it.
+/// For an administrator, UAC leaves the group Administrators in the token as deny-only; the user's consent
+/// enables it.
 std::optional<bool> CanAdminister(const OSFunctions& functions)
 {
     const std::optional<DWORD> attributes = functions.getAdministrators();
@@ -79,7 +80,7 @@ std::optional<bool> CanAdminister(const OSFunctions& functions)
     return type ? std::optional(*type == TokenElevationTypeLimited) : std::nullopt;
 }
 
-/// Every Windows has the key of servicing; one without it does not let it be read.
+/// Every Windows has the key of servicing; if it cannot be opened, the answer is unknown.
 std::optional<bool> IsRestartPending()
 {
     if (OpenMachineKey(ServicingRestartKey) || OpenMachineKey(UpdateRestartKey))

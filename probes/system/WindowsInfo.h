@@ -11,14 +11,14 @@
 
 namespace kel {
 
-/// What is true of Windows in every host, with or without a manifest. Unknown facts are empty.
+/// Facts about Windows that are correct in every host, with or without a manifest. Unknown ones are empty.
 struct WindowsInfo {
     std::optional<Version> version;  ///< major.minor.build
     Name release;                    ///< such as "Windows 11"; see NameRelease
     Name featureUpdate;              ///< such as "23H2"
     Name edition;                    ///< such as "Professional"
     std::optional<std::int32_t> revision;
-    Name architecture;  ///< the machine's own, also in an emulated process: "x64", "ARM64" or "x86"
+    Name architecture;  ///< the machine's own, even in an emulated process: "x64", "ARM64" or "x86"
     std::optional<bool> isServer;
     std::optional<bool> canAdminister;  ///< the user has administrator's rights, or gets them by consent
     std::optional<bool> isRestartPending;
@@ -29,7 +29,7 @@ struct WindowsInfo {
 /// @param asksRevision whether the revision of the build is read
 WindowsInfo ReadWindowsInfo(const OSFunctions& functions, bool asksRevision);
 
-/// The machine's own architecture (IMAGE_FILE_MACHINE_...), also for an emulated process; 0 for another one
+/// The machine's own architecture (IMAGE_FILE_MACHINE_...), even for an emulated process; 0 for any other
 /// than x64, ARM64 and x86.
 USHORT ReadNativeMachine(const OSFunctions& functions);
 

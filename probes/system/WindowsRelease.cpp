@@ -6,7 +6,7 @@ namespace {
 
 constexpr BYTE WorkstationType = 1;
 
-/// A release and its build: the first one of a workstation's, the only one of a server's, 0 for any.
+/// A release and its build: for a workstation the first build, for a server the only one; 0 for any.
 struct Release {
     DWORD major;
     DWORD minor;

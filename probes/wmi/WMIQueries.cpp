@@ -17,7 +17,7 @@ namespace {
 constexpr ULONG FirstOnly = 1;
 constexpr ULONG AtMost = 200;
 
-/// A property that is read for the log only.
+/// A property that is read only for the log.
 using Ignored = std::monostate;
 
 /// A property, and the member that takes it: a text, a signed number, or a clock speed in MHz.
@@ -71,7 +71,7 @@ void Take(const VARIANT& value, Speed& speed)
 }
 
 /// Fills a record from the properties that an object has.
-/// @throws _com_error for a property that cannot be converted; what was filled before stays filled
+/// @throws _com_error for a property that cannot be converted; members that were filled before stay filled
 template <typename Record, std::size_t Count>
 void Fill(IWbemClassObject* object, const Row<Record> (&rows)[Count], Record& record)
 {

@@ -16,7 +16,7 @@ public:
     /// @param store must outlive this object
     explicit XMLReport(const SystemValues& store) : values(store) {}
 
-    /// Replaces the text by the report.
+    /// Replaces the text with the report.
     /// @param option accepted and without effect; callers pass StandardOption
     void GetReport(int option, std::wstring& report) const;
 

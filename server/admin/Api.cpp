@@ -26,9 +26,9 @@ namespace {
 using nlohmann::ordered_json;
 
 constexpr int UsualReports = 100, MaxPageReports = 1000;
-constexpr std::size_t MaxAnswerBytes = 4 * Limits::Megabyte;  // what is left follows in the next answer
-constexpr std::size_t MaxCellBytes = 200;                     // of what each row of a report repeats
-constexpr std::size_t MaxParameterBytes = 100;                // of a parameter that an error repeats
+constexpr std::size_t MaxAnswerBytes = 4 * Limits::Megabyte;  // the next answer has the rest
+constexpr std::size_t MaxCellBytes = 200;       // of each text that every row of a report repeats
+constexpr std::size_t MaxParameterBytes = 100;  // of a parameter that an error repeats
 
 Answer JsonAnswer(const ordered_json& content, int status = 200)
 {
@@ -43,7 +43,7 @@ std::string Quoted(const std::string& text)
     return ordered_json(text).dump(-1, ' ', false, ordered_json::error_handler_t::replace);
 }
 
-/// Text at once: as objects, a report of tiny values would take many times its memory.
+/// Builds the text directly: as objects, a report of tiny values would take many times its memory.
 std::string Entry(const FullReport& report, const std::string& total)
 {
     std::string entry =
@@ -63,7 +63,7 @@ std::string Records(const FullReport& report, const std::string& total)
 {
     std::string records;
     const Report read = ReadStored(report.body).value_or(Report());
-    // Together they stay below the bound however many values share them.
+    // Repeated for every value, they stay below the bound together.
     const std::size_t longest =
         std::min(MaxCellBytes, MaxAnswerBytes / 4 / std::max<std::size_t>(read.Count(), 1));
     const std::string session = Shortened(report.session, longest), user = Shortened(report.user, longest),

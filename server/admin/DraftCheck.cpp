@@ -9,7 +9,7 @@ namespace kel::server {
 
 namespace {
 
-/// Takes a JSON text off, whose opening quote is gone already.
+/// Removes a JSON text, whose opening quote is already removed, and returns it.
 std::string TakeString(std::string_view& rest)
 {
     std::string text;
@@ -56,7 +56,7 @@ std::string ValidationError(const std::string& text)
         return {};
     } catch (const std::exception& error) {
         std::string reason = error.what();
-        // The JSON library's own mark says nothing to an editor; its parser names the line.
+        // The JSON library's prefix means nothing to an editor; its parser's message names the line.
         if (reason.starts_with("[json.exception."))
             reason.erase(0, std::min(reason.find("] ") + 2, reason.size()));
         constexpr std::string_view Begin = "requirement ";

@@ -6,7 +6,7 @@
 
 namespace kel::server {
 
-/// The page with a text in the editor, a result above it, and the revision that a change is for.
+/// The page with a text in the editor, a result above it, and the revision that a change replaces.
 Answer DraftEditor(const AdminRequest& request, const std::string& text, int revision, const Html& result,
                    int status = 200);
 

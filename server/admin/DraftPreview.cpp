@@ -16,8 +16,8 @@ namespace {
 
 using Lines = std::vector<LineTally>;
 
-/// For each line of the draft the place of the one in force that it replaces: the same line, or else one of
-/// the same label, first of the same kind, each in the order of the file. Nothing for a new line.
+/// For each line of the draft, the place of the published line that it replaces: the same line, or else one
+/// with the same label, preferably of the same kind, in the order of the file. Nothing for a new line.
 std::vector<std::optional<std::size_t>> Replaced(const Lines& draft, const Lines& today)
 {
     using IsPair = bool (*)(const LineTally&, const LineTally&);

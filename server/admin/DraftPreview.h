@@ -14,7 +14,7 @@ namespace kel::server {
 /// What a draft would do to the newest reports of its product's last sessions.
 struct DraftPreview {
     RecentSessions sessions;
-    Tally draft, today;  // today's by the newest published version; empty when there is none
+    Tally draft, today;  // `today` is by the newest published version; empty when there is none
     RequestedValues values;
 
     /// Judges the newest reports of the referrer by the draft and by today's requirements.
@@ -22,7 +22,7 @@ struct DraftPreview {
 
     /// The figures, as sentences and tables.
     Html Show() const;
-    /// The values that the draft asks for, alone.
+    /// Only the values that the draft asks for.
     Html ShowValues() const { return values.Show(sessions); }
 };
 

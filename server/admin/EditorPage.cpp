@@ -17,7 +17,7 @@ namespace {
 Html Confirmation(const AdminRequest& request, const std::string& action, int revision,
                   const std::string& text, const Html& button)
 {
-    // The text comes along so that it can be shown again after an edit conflict.
+    // The form includes the text so that it can be shown again after an edit conflict.
     return PostForm(
         request, ProductPath(request.subject) + "/" + action,
         Hidden("revision", std::to_string(revision)) + Hidden("text", text) +

@@ -9,17 +9,17 @@
 
 namespace kel::server {
 
-/// A whole page. Its title is the heading, too.
+/// A whole page. Its title is also the heading.
 Answer Page(const AdminRequest& request, const std::string& title, const Html& content, int status = 200);
 
-/// A page with a sentence that says why something is not done, and what was typed for it, so that it is not
+/// A page with a sentence that says why something was not done, and with the typed text, so that it is not
 /// lost.
 Answer ErrorPage(const AdminRequest& request, int status, const std::string& reason);
 
 /// 303 to a path of this site.
 Answer Redirect(std::string path);
 
-/// The headers that keep a browser from doing anything with an answer but to show it.
+/// Adds the headers that keep a browser from doing anything with an answer except showing it.
 void AddSafety(Answer& answer);
 
 /// A sentence that stands out. Kinds: note, good, bad.
@@ -43,7 +43,7 @@ std::string ProductPath(const std::string& referrer);
 std::string RequirementsPath(const std::string& referrer);
 std::string ReportPath(std::int64_t report);
 
-/// A form that posts, with the token that proves that it is the service's own.
+/// A form that posts, with the token that proves that it comes from the service.
 Html PostForm(const AdminRequest& request, const std::string& path, const Html& content);
 
 /// An input field under its label. Further attributes may follow.

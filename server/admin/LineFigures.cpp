@@ -37,7 +37,7 @@ std::string NamesOfValues(const Requirement& line)
     return values;
 }
 
-/// The places of the recommendations, or of the other lines, those that fail most first.
+/// The places of the recommendations, or of the other lines, in descending order of failures.
 std::vector<std::size_t> SortedPlaces(const Requirements& requirements, const std::vector<Counts>& counts,
                                       bool recommended)
 {

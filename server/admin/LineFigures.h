@@ -13,11 +13,11 @@ namespace kel::server {
 /// How a product's sessions met each line of its requirements, by the version that judged them.
 class LineFigures {
 public:
-    /// Counts a stored verdict, line by line. A line counts for its place in its own version alone: several
-    /// lines may ask for one value, and other versions may ask for other things.
+    /// Counts a stored verdict, line by line. A line counts only for its place in its own version: several
+    /// lines may ask for the same value, and other versions may ask for other things.
     void Add(const StoredVerdict& verdict);
 
-    /// A table for each of the newest versions, the lines that fail most first, and one for its
+    /// For each of the newest versions a table of its lines, in descending order of failures, and one of its
     /// recommendations. Reads the texts of these versions.
     Html Show(Database& database) const;
 
@@ -28,7 +28,7 @@ private:
         std::vector<Counts> lines;
     };
 
-    std::map<std::int64_t, Version> versions;  // by their sets
+    std::map<std::int64_t, Version> versions;  // by the ids of their sets
 };
 
 }  // namespace kel::server

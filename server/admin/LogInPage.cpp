@@ -12,10 +12,10 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t MaxRepeatedBytes = 200;  // bytes of a wrong one that the form has again
+constexpr std::size_t MaxRepeatedBytes = 200;  // bytes of a wrong name that the form repeats
 constexpr std::size_t MaxPathBytes = 1000;
 
-/// A path of this site, or the overview's: never one that leads to another.
+/// The path if it is on this site, else the overview's: never one that leads to another site.
 std::string LocalPath(const std::string& path)
 {
     const bool isLocal =
@@ -27,7 +27,7 @@ std::string LocalPath(const std::string& path)
 Answer Render(const AdminRequest& request, const std::string& name, const std::string& next,
               const Html& notice, int status)
 {
-    // The focus is where the next word goes.
+    // The focus is on the first empty field.
     Html::Attributes nameIs{{"autocomplete", "username"}, {"required", ""}};
     Html::Attributes passwordIs{{"autocomplete", "current-password"}, {"required", ""}};
     (name.empty() ? nameIs : passwordIs).emplace_back("autofocus", "");
@@ -71,15 +71,14 @@ Answer LogIn(const AdminRequest& request)
         request.sessions.IsPassword(found, password) ? request.sessions.Begin(*found) : std::nullopt;
     if (!cookie) {
         request.throttle.Failed(guest);
-        // An unknown name may be a password in the wrong field.
+        // An unknown name is not stored, as it may be a password in the wrong field.
         const std::string who = found ? found->name : "unknown name";
         Audit(request.database).Add(who, "log-in failed", "");
         Log(Level::Warning, "log-in-failed", {{"account", who}});
         return Render(request, name, next, Notice("bad", "Name or password is wrong."), 403);
     }
     request.throttle.Succeeded(guest);
-    // The browser is about to lose the cookie of the log-in that it had; nobody else needs that to stay
-    // valid.
+    // The browser's previous log-in ends: its cookie is about to be replaced, and nothing else uses it.
     if (!request.login.account.empty())
         request.sessions.End(request.login);
     Answer answer = Redirect(LocalPath(next));

@@ -2,7 +2,7 @@
 
 #include "server/admin/login/AdminRequest.h"
 
-// Every page of the administration, and what programs ask of it. Routes.cpp has their addresses.
+// Every page of the administration, and the requests of programs. Routes.cpp has their addresses.
 namespace kel::server {
 
 /// The style sheet of all pages.
@@ -10,7 +10,7 @@ Answer ShowStyle(const AdminRequest& request);
 
 /// The form to log in.
 Answer ShowLogIn(const AdminRequest& request);
-/// Begins a log-in; 403 for a wrong name or password, 429 after too many of them.
+/// Begins a log-in; 403 for a wrong name or password, 429 after too many attempts.
 Answer LogIn(const AdminRequest& request);
 /// Ends the log-in.
 Answer LogOut(const AdminRequest& request);
@@ -26,13 +26,13 @@ Answer ShowAudit(const AdminRequest& request);
 Answer ShowReports(const AdminRequest& request);
 /// One report: its sender, its verdicts, its values.
 Answer ShowReport(const AdminRequest& request);
-/// The question before all reports of a report's session are deleted.
+/// Asks for confirmation before all reports of a report's session are deleted.
 Answer AskToDeleteSession(const AdminRequest& request);
 Answer DeleteSession(const AdminRequest& request);
 
 /// A product's results, by requirement, and the machines of its visitors.
 Answer ShowProduct(const AdminRequest& request);
-/// Leads to the requirements of a product that may not exist yet.
+/// Redirects to the requirements of a product that may not exist yet.
 Answer BeginProduct(const AdminRequest& request);
 /// A product's requirements: the versions and the draft, for editors in a form that changes it.
 Answer ShowRequirements(const AdminRequest& request);

@@ -26,8 +26,8 @@ namespace {
 constexpr int MaxReports = 20;               // of the session
 constexpr std::size_t MaxVerdicts = 5;       // the newest
 constexpr std::size_t MaxValues = 2000;      // that a page shows
-constexpr std::size_t MaxValueBytes = 1000;  // bytes that it shows of one
-constexpr int MaxBatches = 25;               // of a deletion, some seconds
+constexpr std::size_t MaxValueBytes = 1000;  // bytes of a value that a page shows
+constexpr int MaxBatches = 25;               // of a deletion, which take some seconds
 
 Html TextOrDash(const std::string& text)
 {
@@ -82,7 +82,7 @@ Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullRe
                             TimeText(verdict.judged)),
                 {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}});
     try {
-        // The stored lines have what was found; the requirements say what was needed.
+        // The stored lines have the found values; the requirements have the needed ones.
         const Report values = Report::Read(report.body);
         const Verdict read =
             Judge(Requirements::Read(RequirementSets(database).Text(verdict.set)), values.Lookup());

@@ -14,7 +14,7 @@ constexpr int PageRows = 50;
 constexpr std::int64_t Day = 86'400'000;  // milliseconds
 constexpr const char* Names[] = {"referrer", "verdict", "from", "until", "session"};
 
-/// The address of the list with the same filters and another place in it.
+/// The address of another page of the list, with the same filters.
 std::string ListAddress(const AdminRequest& request, const std::string& place, std::int64_t id)
 {
     std::string address = "/reports?" + place + "=" + std::to_string(id);
@@ -62,7 +62,7 @@ Answer ShowReports(const AdminRequest& request)
     filter.from = ParseDay(request.Query("from")).value_or(0);
     if (const auto until = ParseDay(request.Query("until")))
         filter.until = *until + Day;
-    // A page is a place between ids and not a number of rows, so reports that come in move nothing.
+    // A page begins at an id and not at a row number, so new reports do not shift it.
     const std::int64_t before = WholeNumber(request.Query("before")),
                        after = WholeNumber(request.Query("after"));
     filter.beforeId = std::max(before, std::int64_t{0});

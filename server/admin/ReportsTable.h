@@ -8,7 +8,7 @@
 
 namespace kel::server {
 
-/// A table of reports, or a sentence in its place when there is none.
+/// A table of reports, or a sentence instead when there are none.
 Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines,
                   const std::string& whenEmpty);
 

@@ -16,7 +16,7 @@ bool Contains(const std::vector<int>& groups, int group)
     return std::find(groups.begin(), groups.end(), group) != groups.end();
 }
 
-/// Whether the line is for any index of a value that has one alone.
+/// Whether the line asks for any index of a value that has only one.
 bool IsOfAnyInVain(const Requirement& line, int group)
 {
     const CatalogueValue* known = FindCatalogueValue(group);

@@ -11,16 +11,16 @@
 
 namespace kel::server {
 
-/// The values that a draft asks for: how many machines report each, and what an author should know of it.
+/// The values that a draft asks for: how many machines report each, and what an author should know about it.
 class RequestedValues {
 public:
-    /// Machines report only what the requirements in force ask for, if there are any.
+    /// `inForce` are the published requirements, if there are any: machines report only what they ask for.
     RequestedValues(const Requirements& draft, const std::optional<Requirements>& inForce);
 
     /// Counts what a machine reports.
     void Count(const Report& report);
 
-    /// A table with a row for each value. The sessions are those that were counted.
+    /// A table with a row for each value. `sessions` are the ones that were counted.
     Html Show(const RecentSessions& sessions) const;
 
 private:

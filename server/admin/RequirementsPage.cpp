@@ -22,7 +22,7 @@ constexpr const char* Template =
     "  ]\n"
     "}\n";
 
-/// The text as somebody can edit it: programs write requirements into a single line.
+/// The text in lines, for editing: programs write requirements into a single line.
 std::string InLines(const std::string& text)
 {
     if (text.empty() || std::find(text.begin(), text.end() - 1, '\n') != text.end() - 1)

@@ -7,7 +7,7 @@
 
 namespace kel::server {
 
-/// Who may open a page: anyone, every account, or editors.
+/// The access that a page needs: none, any account, or an editor.
 enum class Access { Open, Reader, Editor };
 
 /// The address of a page.

@@ -15,9 +15,10 @@ namespace kel::server {
 namespace {
 
 constexpr std::size_t MaxStrangersForm = 16 * Limits::Kilobyte;
-constexpr std::size_t MaxNext = 1000;  // bytes of an address that a log-in leads back to
+constexpr std::size_t MaxNext = 1000;  // bytes of an address to which a log-in returns
 
-/// A request without a log-in: a browser is sent to log in and comes back, a form and a program get an error.
+/// Answers a request without a log-in: a browser is sent to the log-in page, which leads back; a form and a
+/// program get an error.
 Answer Refuse(const AdminRequest& request, bool isProgram)
 {
     if (request.isSingleSignOn)
@@ -61,7 +62,7 @@ Answer FaultAnswer(const AdminRequest& request, bool isProgram, int status, cons
 {
     Log(status < 500 ? Level::Warning : Level::Error, status == 500 ? "failed" : "refused",
         {{"status", std::to_string(status)}, {"target", request.http.target}, {"reason", reason}});
-    // The reason of a failure is for the log alone.
+    // The reason for a failure goes only to the log.
     const std::string shown = status < 500    ? reason
                               : status == 500 ? "The service failed. Its log has the reason."
                               : status == NoRoom::Code
@@ -86,7 +87,7 @@ void Site::AddTo(Router& router)
         [this](const Call& call, const std::string& allowed) { return Handle(call, nullptr, allowed); });
 }
 
-/// Without a route: 405 with the allowed methods, or 404 where there is none.
+/// Without a route: 405 with the allowed methods, or 404 when there are none.
 Answer Site::Handle(const Call& call, const Route* route, const std::string& allowed)
 {
     AdminRequest request{call.request, call.target, call.subject,         database,
@@ -124,7 +125,7 @@ Answer Site::Respond(AdminRequest& request, const Route& route, bool isProgram, 
         CheckOrigin(request.http, settings);
     if (!isOpen && request.login.account.empty())
         return Refuse(request, isProgram);
-    // What a stranger sends is not even read before all that.
+    // A body is not even read before these checks.
     if (isChange && !isProgram)
         request.form = ReadForm(request.http, isOpen);
     if (isChange && !hasToken && !isOpen) {
@@ -133,7 +134,7 @@ Answer Site::Respond(AdminRequest& request, const Route& route, bool isProgram, 
     }
     if (route.access == Access::Editor && !request.IsEditor())
         throw Fault(403, "Only editors may do that.");
-    // A program whose parameter was ignored would take the answer for the one that it asked for.
+    // If a parameter were ignored, the program would take the answer for the one that it asked for.
     if (auto refusal = isProgram ? RefuseParameters(request.target, route.parameters) : std::nullopt)
         return *std::move(refusal);
     return route.page(request);

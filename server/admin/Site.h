@@ -10,7 +10,7 @@
 
 namespace kel::server {
 
-/// The administration: hands a request to its page, once its sender may make it. For any thread.
+/// The administration: passes a request to its page, once the sender's rights are checked. For any thread.
 class Site {
 public:
     Site(Database& database, AdminSettings settings);

@@ -11,7 +11,7 @@ namespace kel::server {
 /// Names and values of headers.
 using Headers = std::vector<std::pair<std::string, std::string>>;
 
-/// A request as it came.
+/// A request as received.
 struct Request {
     std::string method;
     std::string target;  // the bytes of the request line
@@ -29,21 +29,21 @@ struct Request {
     }
 };
 
-/// The headers that any answer depends on. The control's requests have none of them but the type.
+/// The headers that answers can depend on. The control's requests have only the type.
 inline constexpr std::string_view KnownHeaders[] = {"Authorization", "Content-Type", "Cookie",
                                                     "Host",          "If-Match",     "If-None-Match",
                                                     "Origin",        "X-Form-Token", "X-Remote-User"};
 
-/// What goes back. An answer without a body has no content type; the body may be shared by many answers.
+/// The answer to a request. One without a body has no content type; many answers may share a body.
 struct Answer {
     int status = 200;
     std::string contentType;
     std::shared_ptr<const std::string> body;
     Headers headers = {};
-    bool isShared = false;  // whether the body is there anyway, and costs this answer no memory
+    bool isShared = false;  // whether the body exists anyway, and costs this answer no memory
 
-    /// An answer with a status alone. The text of any answer to the control reaches a visitor's script, so an
-    /// error has none.
+    /// An answer with only a status. The text of any answer to the control reaches a visitor's script, so an
+    /// error has no text.
     static Answer Empty(int status) { return {status, {}, nullptr}; }
     /// 200 with a body.
     static Answer Of(std::string contentType, std::string body)

@@ -5,7 +5,7 @@
 
 namespace kel::server {
 
-/// The status of what a client may try again later.
+/// The status of a failure after which a client may try again later.
 inline constexpr int Unavailable = 503;
 
 /// A request that cannot be served: an HTTP status for the client, a reason for the log.

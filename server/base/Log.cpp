@@ -11,7 +11,7 @@ namespace kel::server {
 namespace {
 
 constexpr std::array Names{"debug", "info", "warning", "error"};
-constexpr std::size_t MaxValueBytes = 300;  // bytes; a session may be long, a line stays readable
+constexpr std::size_t MaxValueBytes = 300;  // bytes, to keep lines readable; a session may be longer
 Level lowest = Level::Info;
 
 bool IsPlain(char c)

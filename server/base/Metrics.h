@@ -14,7 +14,7 @@ namespace kel::server {
 /// A number that any thread may change.
 using Count = std::atomic<std::uint64_t>;
 
-/// How many requests were answered with each status.
+/// The number of requests that were answered with each status.
 class StatusCounts {
 public:
     static constexpr int Min = 100, Max = 599;
@@ -26,15 +26,15 @@ private:
     std::array<Count, Max - Min + 1> counts = {};
 };
 
-/// How many times were so long at most.
+/// The number of durations in each of several ranges.
 class Histogram {
 public:
-    /// In seconds; one more place is for what took longer.
+    /// In seconds; one more place counts what took longer.
     static constexpr std::array Bounds{0.001, 0.0025, 0.005, 0.01, 0.025, 0.05, 0.1,
                                        0.25,  0.5,    1.0,   2.5,  5.0,   10.0};
 
     void Add(std::chrono::steady_clock::duration time);
-    /// Those that a bound is the first to hold, by its place.
+    /// The number of durations above the previous bound and up to this one, by its place.
     std::uint64_t At(std::size_t place) const { return counts.at(place); }
     /// In seconds.
     double Sum() const { return static_cast<double>(nanoseconds) / 1e9; }
@@ -44,7 +44,7 @@ private:
     Count nanoseconds = 0;
 };
 
-/// What one endpoint counts. Its labels are the program's own words: no text of a client becomes one.
+/// The counters of one endpoint. Their labels are the program's own words: no text of a client becomes one.
 struct EndpointMetrics {
     struct Route {
         std::string method, pattern;
@@ -53,15 +53,15 @@ struct EndpointMetrics {
 
     explicit EndpointMetrics(std::string name) : name(std::move(name)) {}
 
-    /// A route's counts, which stay where they are. For the time before there are threads.
+    /// Adds a route's counts, whose address never changes. Call this only before there are threads.
     StatusCounts& AddRoute(std::string_view method, std::string_view pattern);
 
     std::string name;
-    Count connections = 0;  // that are open
-    Count turnedAway = 0;   // connections past what the endpoint allows
-    Count bodiesBytes = 0;  // of the requests and answers under way
+    Count connections = 0;  // open ones
+    Count turnedAway = 0;   // connections beyond the limit of the endpoint
+    Count bodiesBytes = 0;  // of the requests and answers in progress
     StatusCounts refused;   // requests that were not read to their end, or whose answer was too large
-    Histogram times;        // from a request's last byte until its answer is known
+    Histogram times;        // from a request's last byte until its answer is ready
     std::deque<Route> routes;
     StatusCounts& unrouted = AddRoute("other", "other");
 };
@@ -75,7 +75,7 @@ struct Metrics {
 
     EndpointMetrics publicEndpoint{"public"}, adminEndpoint{"admin"};
     Count uploads = 0;
-    Count replacedCharacters = 0;  // of reports and requests, which XML does not allow
+    Count replacedCharacters = 0;  // in reports and requests, because XML does not allow them
     std::array<Count, Totals.size()> verdicts = {};
     Count verdictsNotKept = 0;  // answered, and not stored
     std::chrono::system_clock::time_point start = std::chrono::system_clock::now();

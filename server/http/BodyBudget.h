@@ -6,13 +6,13 @@
 namespace kel::server {
 
 /// The memory for the bodies of an endpoint. One half is for small bodies and one for the others, so that
-/// clients that send large ones slowly leave room for usual reports. For the network's thread.
+/// clients that send large ones slowly leave room for usual reports. For the network thread.
 class BodyBudget {
 public:
-    /// Shows in `total` how much is in use.
+    /// Keeps the bytes in use in `total`.
     BodyBudget(std::size_t bytes, Count& total) : maxBytes(bytes / 2), total(total) {}
 
-    /// What one body takes of which half.
+    /// The memory that one body takes, and from which half.
     struct Use {
         std::size_t size = 0;
         bool isLarge = false;
@@ -45,7 +45,7 @@ public:
     BodyLease(const BodyLease&) = delete;
     BodyLease& operator=(const BodyLease&) = delete;
 
-    /// Says how long the body is going to be, if it is known before anything is taken.
+    /// Announces the length of the body, if it is known before anything is taken.
     void Expect(std::size_t size) { use.isLarge = size > Limits::SmallBody; }
 
     /// False, and nothing changes, if the budget does not have that much.

@@ -41,7 +41,7 @@ public:
     }
 
 private:
-    /// Whether a request begins. Waiting for one costs nothing but the connection.
+    /// Waits for a request; false if none begins. Waiting costs nothing but the connection.
     asio::awaitable<bool> WaitForRequest()
     {
         if (buffer.size() > 0)
@@ -57,7 +57,7 @@ private:
         co_return !error && count > 0;
     }
 
-    /// Whether another request may follow.
+    /// Serves one request; returns whether another may follow.
     asio::awaitable<bool> ServeRequest()
     {
         RequestReader reader(stream, buffer, endpoint.limits);
@@ -74,8 +74,8 @@ private:
         const bool isHead = request.method == "HEAD";
         Answer answer = co_await Dispatch(endpoint, std::move(request), stream.socket());
         endpoint.metrics.times.Add(std::chrono::steady_clock::now() - start);
-        // A client that reads nothing keeps its answer for a while. The answer to a large body counts as
-        // large, so that it does not need the memory that small bodies have taken.
+        // The answer of a client that does not read stays in memory for a while. The answer to a large body
+        // counts as large, so that it does not compete with small bodies for memory.
         if (!lease.Resize(answer.body && !answer.isShared ? answer.body->size() : 0)) {
             lease.GiveBack();
             answer = Answer::Empty(503);
@@ -86,11 +86,11 @@ private:
         co_return keep;
     }
 
-    /// How an answer goes out, whatever it is.
+    /// How an answer is sent.
     struct Reply {
         unsigned version;
         bool keepsAlive = false;
-        bool isHead = false;  // the answer's header alone
+        bool isHead = false;  // send only the answer's header
     };
 
     asio::awaitable<void> Write(const Answer& answer, Reply reply)
@@ -113,8 +113,8 @@ private:
         co_await http::async_write(stream, message, asio::use_awaitable);
     }
 
-    /// Reads on for a moment: closing with bytes unread would take the answer back from a client that still
-    /// sends.
+    /// Continues to read for a moment: closing with unread bytes would reset the connection, and a client
+    /// that still sends would lose the answer.
     asio::awaitable<void> LingeringClose()
     {
         error_code error;
@@ -127,7 +127,7 @@ private:
     }
 
     beast::tcp_stream stream;
-    beast::flat_buffer buffer;  // bounded: chunks' extensions and trailers have no other limit
+    beast::flat_buffer buffer;  // bounded: chunk extensions and trailers have no other limit
     Endpoint& endpoint;
     const OpenConnection place;
 };

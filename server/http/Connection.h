@@ -9,9 +9,9 @@
 
 namespace kel::server {
 
-/// Serves a client's requests one after the other until it leaves, breaks a limit, or the endpoint closes:
-/// then the request that is under way is answered first. Throws boost::system::system_error when the client
-/// is gone.
+/// Serves a client's requests one after the other until it leaves or exceeds a limit, or the endpoint closes;
+/// in that case the current request is answered first. Throws boost::system::system_error when the client is
+/// gone.
 boost::asio::awaitable<void> ServeConnection(boost::asio::ip::tcp::socket socket, Endpoint& endpoint);
 
 }  // namespace kel::server

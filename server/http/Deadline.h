@@ -9,14 +9,14 @@
 
 namespace kel::server {
 
-/// Ends what a stream waits for after a time, and leaves it open: its own time limit would close it, and a
-/// late client could not get an answer.
+/// Ends a stream's wait after a time, and leaves the stream open: the stream's own time limit would close it,
+/// and a late client could not get an answer.
 class Deadline {
 public:
     Deadline(boost::beast::tcp_stream& stream, std::chrono::seconds time)
         : timer(stream.get_executor(), time), isLate(std::make_shared<bool>(false))
     {
-        // The handler may be on its way already when this object ends; the pointer shows it.
+        // The handler may already be queued when this object is destroyed; the pointer shows that.
         timer.async_wait([&stream, isLate = std::weak_ptr(isLate)](const boost::system::error_code& error) {
             const auto late = isLate.lock();
             if (error || !late)

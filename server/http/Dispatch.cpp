@@ -18,7 +18,8 @@ namespace {
 namespace asio = boost::asio;
 using Clock = std::chrono::steady_clock;
 
-/// A request in a queue. A thread works on it, or the connection gives it up, whichever claims it first.
+/// A request in a queue. Either a thread works on it or the connection gives it up, whichever claims it
+/// first.
 struct Task {
     explicit Task(Request request) : request(std::move(request)) {}
 
@@ -27,7 +28,7 @@ struct Task {
     Request request;
     Answer answer;
     bool hasClientLeft = false;
-    bool isDone = false;  // the network's thread alone sees this change
+    bool isDone = false;  // only for the network thread
     asio::steady_timer* done = nullptr;
 
 private:
@@ -57,7 +58,7 @@ asio::awaitable<Answer> Dispatch(Endpoint& endpoint, Request request, asio::ip::
     asio::post(place, [&endpoint, task, network, start, handle = socket.native_handle()] {
         if (!task->Claim())
             return;
-        // A client may close its side and still read the answer, so a request that did not wait is served.
+        // A client may close its side and still read the answer, so a request that has not waited is served.
         task->hasClientLeft = Clock::now() - start > endpoint.limits.absent && HasClosed(handle);
         if (!task->hasClientLeft)
             task->answer = endpoint.handler(task->request);

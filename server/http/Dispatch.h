@@ -9,9 +9,9 @@
 
 namespace kel::server {
 
-/// Has the handler work on a request at its place. Answers 503, and the handler never sees the request, if it
-/// waits too long for a thread, or if its client closed the connection and no thread was free at once. For a
-/// coroutine of the network's thread; the socket stays open meanwhile.
+/// Passes a request to the handler on the threads of its place. Answers 503, and the handler never sees the
+/// request, if it waits too long for a thread, or if its client closed the connection and no thread was free
+/// at once. For a coroutine of the network thread; the socket stays open meanwhile.
 boost::asio::awaitable<Answer> Dispatch(Endpoint& endpoint, Request request,
                                         boost::asio::ip::tcp::socket& socket);
 

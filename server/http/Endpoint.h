@@ -15,11 +15,11 @@
 
 namespace kel::server {
 
-/// What the connections of one listener share. The network's thread alone changes it; the handler
-/// runs at the request's place.
+/// What the connections of one listener share. Only the network thread changes it; the handler runs on the
+/// threads of the request's place.
 struct Endpoint {
     using Handler = std::function<Answer(const Request&)>;
-    /// An executor of other threads; an empty one for the network's own.
+    /// An executor of other threads; an empty one stands for the network thread.
     using Place = std::function<boost::asio::any_io_executor(const Request&)>;
     using Sockets = std::unordered_set<boost::asio::ip::tcp::socket*>;
 
@@ -40,8 +40,8 @@ struct Endpoint {
     Place place;  // where the handler works on a request
     EndpointMetrics& metrics;
     BodyBudget bodies;
-    Sockets open, idle;  // all connections, and those that wait for a request
-    std::unordered_set<boost::asio::steady_timer*> queued;  // of requests until their answers are there
+    Sockets open, idle;                                     // all connections; those that wait for a request
+    std::unordered_set<boost::asio::steady_timer*> queued;  // of requests until they are answered
     bool isClosing = false;
 };
 

@@ -4,11 +4,11 @@
 
 namespace kel::server {
 
-/// Looks at the bytes of a request's header as they come, for folded lines: the parser joins such a line with
-/// the one before, and a proxy may have read it as a header of its own.
+/// Checks the bytes of a request's header, as they arrive, for folded lines: the parser joins such a line
+/// with the one before, while a proxy may have read it as a separate header.
 class HeaderCheck {
 public:
-    /// False once a line begins with a blank. What follows the header's end is not looked at.
+    /// False once a line begins with a blank. Bytes after the header's end are ignored.
     bool Accept(std::string_view bytes);
 
 private:

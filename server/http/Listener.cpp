@@ -77,7 +77,7 @@ void Listener::Stop()
     error_code ignored;
     acceptor.close(ignored);
     for (tcp::socket* socket :
-         endpoint.idle)  // a request that has arrived, though not been read, is still answered
+         endpoint.idle)  // a request that has arrived but is not read yet is still answered
         socket->shutdown(asio::socket_base::shutdown_receive, ignored);
 }
 

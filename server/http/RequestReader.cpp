@@ -26,7 +26,7 @@ constexpr unsigned Http11 = 11;
 RequestReader::RequestReader(beast::tcp_stream& stream, beast::flat_buffer& buffer, const Limits& limits)
     : stream(stream), buffer(buffer), limits(limits), deadline(stream, limits.request)
 {
-    // Both: a deadline that passes between two reads stops neither.
+    // A second limit besides the deadline, which stops no read when it passes between two of them.
     stream.expires_after(limits.request + limits.linger);
     parser.header_limit(static_cast<std::uint32_t>(limits.headerBytes));
     parser.body_limit(limits.bodyBytes);
@@ -71,7 +71,7 @@ asio::awaitable<error_code> RequestReader::ReadHeader()
     co_return error_code();
 }
 
-/// Takes what the handler needs. Returns the status to refuse the request with, or 0.
+/// Copies what the handler needs. Returns the status with which to refuse the request, or 0.
 int RequestReader::TakeHeader(Request& request) const
 {
     constexpr int BadRequest = 400;
@@ -91,7 +91,7 @@ int RequestReader::TakeHeader(Request& request) const
     return Version() == Http11 && !request.Header("Host") ? BadRequest : 0;
 }
 
-/// Whether it is certain where the body ends, for this parser and for any other.
+/// Whether the end of the body is certain, for this parser and for any other.
 bool RequestReader::HasKnownFraming() const
 {
     const auto [first, last] = parser.get().equal_range(http::field::transfer_encoding);
@@ -104,7 +104,7 @@ bool RequestReader::HasKnownFraming() const
 asio::awaitable<int> RequestReader::ReadBody(BodyLease& lease, std::string& body)
 {
     const std::size_t length = static_cast<std::size_t>(parser.content_length().value_or(0));
-    body.reserve(std::min(length, 32 * Limits::Piece));  // pages that nothing is written to take no memory
+    body.reserve(std::min(length, 32 * Limits::Piece));  // unwritten pages take no memory
     lease.Expect(length);
     while (!parser.is_done()) {
         const std::size_t before = body.size();
@@ -131,7 +131,7 @@ asio::awaitable<void> RequestReader::Continue()
     co_await http::async_write(stream, answer, asio::use_awaitable);
 }
 
-/// The status that says what is wrong with the request; 0 if the client has left.
+/// The status for what is wrong with the request; 0 if the client has left.
 int RequestReader::ToStatus(const error_code& error) const
 {
     if (deadline.IsLate())

@@ -18,11 +18,11 @@ namespace kel::server {
 /// Reads one request from a connection, within the limits.
 class RequestReader {
 public:
-    /// `buffer` has what was received and not yet read; what follows the request stays in it.
+    /// `buffer` holds bytes that were received but not yet read; those after the request stay in it.
     RequestReader(boost::beast::tcp_stream& stream, boost::beast::flat_buffer& buffer, const Limits& limits);
 
-    /// Reads the request; its body takes the lease's memory. Returns the status to refuse it with, or 0: then
-    /// it is complete, or the client has left.
+    /// Reads the request; its body takes the lease's memory. Returns the status with which to refuse it, or 0
+    /// when it is complete or the client has left.
     boost::asio::awaitable<int> Read(BodyLease& lease, Request& request);
     bool IsComplete() const { return parser.is_done(); }
     /// Whether the client expects another request to follow.

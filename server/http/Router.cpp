@@ -30,7 +30,7 @@ Answer Router::Handle(const Request& request) const noexcept
     Answer answer = Try(request, counts);
     counts->Add(answer.status);
     if (answer.status == NoRoom::Code)
-        answer.status = 503;  // what a client knows
+        answer.status = 503;  // clients do not know 507
     return answer;
 }
 

@@ -12,7 +12,7 @@
 
 namespace kel::server {
 
-/// A request whose path was read.
+/// A request whose target has been parsed.
 struct Call {
     const Request& request;
     const Target& target;
@@ -23,7 +23,8 @@ struct Call {
 /// pattern without a star. Nothing when the path does not match.
 std::optional<std::string> MatchPath(std::string_view pattern, std::string_view path);
 
-/// Finds what answers a request, and turns every failure into a status without a body and a line in the log.
+/// Finds the handler of a request, and turns every failure into a status without a body and a line in the
+/// log.
 class Router {
 public:
     /// Throws Fault.
@@ -32,15 +33,16 @@ public:
     /// path has, empty for an unknown path. Throws Fault.
     using Fallback = std::function<Answer(const Call&, const std::string& allowed)>;
 
-    /// Counts every answer there.
+    /// Counts every answer in `metrics`.
     explicit Router(EndpointMetrics& metrics) : metrics(metrics) {}
 
-    /// Requests of this method whose path matches the pattern; the first route that fits counts.
+    /// Adds a handler for requests of this method whose path matches the pattern; the first route that
+    /// matches counts.
     void Add(std::string_view method, std::string_view pattern, Handler handler);
     /// Without one, a request that has no route gets 404.
     void SetFallback(Fallback newFallback) { fallback = std::move(newFallback); }
 
-    /// Never throws. The status of a Fault, 500 for every other exception.
+    /// Never throws: answers a Fault with its status, and every other exception with 500.
     Answer Handle(const Request& request) const noexcept;
 
 private:

@@ -18,7 +18,7 @@ namespace asio = boost::asio;
 
 namespace {
 
-/// A connection takes a descriptor; the usual limit for programs that never asked is 1,024.
+/// Each connection takes a descriptor, and the default limit of a process is 1,024.
 void RaiseDescriptorLimit(std::size_t connections)
 {
     rlimit limit{};
@@ -30,7 +30,7 @@ void RaiseDescriptorLimit(std::size_t connections)
             {{"limit", std::to_string(limit.rlim_max)}, {"connections", std::to_string(connections)}});
 }
 
-/// The threads of each place but the network's.
+/// The threads of each place except the network's.
 class Threads {
 public:
     explicit Threads(unsigned count)

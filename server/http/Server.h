@@ -10,16 +10,16 @@
 
 namespace kel::server {
 
-/// The threads that work on a request. What is cheap never waits for what is not.
+/// The threads that work on a request. Cheap requests never wait for expensive ones.
 enum class Place {
-    Network,    // the network's own thread, for what takes no time
-    Readers,    // for short questions to the database
+    Network,    // the network thread, for requests that take no time
+    Readers,    // for short database queries
     Workers,    // for reports and verdicts
     Bulk,       // for large bodies, few at the same time
     Operators,  // one thread, for the administration
 };
 
-/// Where the service listens, and how many threads answer.
+/// The addresses at which the service listens, and the number of threads.
 struct Endpoints {
     std::string address;  // of the public endpoint
     std::uint16_t port = 0;
@@ -33,10 +33,10 @@ using RequestHandler = std::function<Answer(const Request&)>;
 using PlaceOfRequest = std::function<Place(const Request&)>;
 
 /// Listens at the public endpoint and at the operator's, calls `listening` with both ports, and serves until
-/// SIGTERM, SIGINT or SIGHUP: what is under way then is answered first, for a few seconds at most, unless a
-/// handler takes longer. A second signal ends at once.
+/// SIGTERM, SIGINT or SIGHUP. Requests in progress are then answered first, within a few seconds, unless a
+/// handler takes longer. A second signal ends the process at once.
 /// Handlers are called by several threads and do not throw. Throws std::runtime_error when it cannot listen.
-/// Raises the process's limit of open files as far as it goes.
+/// Raises the process's limit of open files as far as the system allows.
 void Serve(const Endpoints& endpoints, Metrics& metrics, RequestHandler publicHandler,
            PlaceOfRequest publicPlace, RequestHandler adminHandler, PlaceOfRequest adminPlace,
            const std::function<void(std::uint16_t port, std::uint16_t adminPort)>& listening);

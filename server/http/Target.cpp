@@ -8,7 +8,7 @@ namespace kel::server {
 
 namespace {
 
-/// Takes scheme and host off a whole address.
+/// Removes scheme and host from an absolute address.
 std::string_view WithoutHost(std::string_view text)
 {
     constexpr std::string_view Scheme = "http://";

@@ -7,24 +7,24 @@
 
 namespace kel::server {
 
-/// The text with each percent sign and its two digits replaced by their byte; one without them stays itself.
-/// A form has a plus sign for each blank.
+/// The text with each percent sign and its two digits replaced by their byte; a percent sign without digits
+/// stays. In a form, each plus sign becomes a blank.
 std::string DecodePercent(std::string_view text, bool isForm = false);
 
-/// The target of a request line, read as bytes: clients put texts of any code page in it, and whole addresses
-/// when they think of the service as a proxy.
+/// The target of a request line, read as bytes: clients use texts of any code page in it, and absolute
+/// addresses when they take the service for a proxy.
 struct Target {
     struct Parameter {
         std::string name, value;
     };
 
     std::string path;              // percent-decoded, without host
-    std::vector<Parameter> query;  // percent-decoded, in their order
+    std::vector<Parameter> query;  // percent-decoded, in order
 
     /// Nothing when the target has no path.
     static std::optional<Target> Read(std::string_view text);
 
-    /// The value of a parameter that stands in the query once; nothing otherwise.
+    /// The value of a parameter that the query has exactly once; nothing otherwise.
     std::optional<std::string> Only(std::string_view name) const;
 };
 

@@ -14,8 +14,8 @@ namespace kel::server {
 inline constexpr const char* CommandLine = "command line";
 
 /// Runs a command on accounts: `user add ROLE NAME` (the password is the input's first line), `user remove
-/// NAME`, `user list`, `token add NAME [DAYS]`. False, and no database is opened, for other words; throws
-/// std::runtime_error when it cannot be done.
+/// NAME`, `user list`, `token add NAME [DAYS]`. For other words returns false, and opens no database. Throws
+/// std::runtime_error when the command fails.
 bool RunAccountCommand(const std::vector<std::string>& words,
                        const std::function<std::unique_ptr<Database>()>& open, std::istream& input,
                        std::ostream& output);

@@ -22,7 +22,7 @@ void Backup(const DatabaseSettings& settings, const std::string& file)
     const NewFile unfinished(file);
     connection.Query("VACUUM INTO $1", {unfinished.path});
     Sync(unfinished.path);
-    // Unlike a change of the name, a link replaces no file that somebody has made meanwhile.
+    // Unlike renaming, a link does not replace a file that was created meanwhile.
     std::filesystem::create_hard_link(unfinished.path, file);
     SyncFolderOf(file);
     Log(Level::Info, "copied", {{"file", file}, {"version", std::to_string(version)}});

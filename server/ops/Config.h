@@ -22,11 +22,10 @@ struct Config {
     std::string logLevel = "info";
     std::chrono::days keep{400};  // reports; 0: always
 
-    /// Takes `--config FILE` and `--name value` for any setting off the arguments; what remains are the
-    /// command, its operands, and with their values those of `commandOptions`. In the file a line is `name =
-    /// value`, empty, or a comment that begins with
-    /// #; in the environment a setting is KEL_NAME. Throws std::runtime_error for a name or value that is
-    /// none.
+    /// Removes `--config FILE` and `--name value` for any setting from the arguments; the command, its
+    /// operands, and `commandOptions` with their values remain. In the file a line is `name = value`, empty,
+    /// or a comment that begins with #; in the environment a setting is KEL_NAME. Throws std::runtime_error
+    /// for an unknown name and for an invalid value.
     static Config Read(std::vector<std::string>& arguments, std::span<const std::string_view> commandOptions);
 
 private:

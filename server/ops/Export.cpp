@@ -14,7 +14,7 @@ void Export(const std::filesystem::path& folder, Database& database)
     for (const Product& product : RequirementSets(database).Products()) {
         const auto set = RequirementSets(database).Newest(product.referrer);
         if (!set)
-            continue;  // a draft alone
+            continue;  // it has only a draft
         const std::filesystem::path path = folder / (product.referrer + ".json");
         std::ofstream file(path, std::ios::binary);
         file << RequirementSets(database).Text(set->id);

@@ -5,8 +5,8 @@
 
 namespace kel::server {
 
-/// Whether reports can be taken: 200 when the database answers a question, which writes nothing, takes writes
-/// and has room; 503 with a word otherwise. The log has the reason.
+/// Whether reports can be stored: 200 when the database answers a query that writes nothing, accepts writes
+/// and has room; otherwise 503 with a short text. The log has the reason.
 Answer Readiness(Database& database);
 
 }  // namespace kel::server

@@ -11,11 +11,11 @@ namespace kel::server {
 namespace {
 
 constexpr std::chrono::seconds Pause{5};
-constexpr std::size_t MaxUnused = 33'554'432;  // bytes; below that it is not worth the work
-constexpr int MaxArenas = 4;                   // each keeps free memory of its own
-constexpr int MappedBytes = 131'072;  // from this size on, memory goes back to the system when it is freed
+constexpr std::size_t MaxUnused = 33'554'432;  // bytes; less is not worth the work
+constexpr int MaxArenas = 4;                   // each keeps its own free memory
+constexpr int MappedBytes = 131'072;           // such blocks are returned to the system when freed
 
-/// Bytes that the process holds and does not use. The program and its stacks are among them.
+/// Bytes in memory beyond those allocated on the heap. They include the program and its stacks.
 std::size_t UnusedMemory()
 {
     const struct mallinfo2 heap = mallinfo2();
@@ -29,7 +29,7 @@ std::size_t UnusedMemory()
 HeapTrimmer::HeapTrimmer()
 {
     mallopt(M_ARENA_MAX, MaxArenas);
-    mallopt(M_MMAP_THRESHOLD, MappedBytes);  // a fixed one: by default it grows with what is freed
+    mallopt(M_MMAP_THRESHOLD, MappedBytes);  // by default the threshold grows with freed blocks
     thread = std::jthread([this](const std::stop_token& stop) { Run(stop); });
 }
 

@@ -7,9 +7,9 @@
 
 namespace kel::server {
 
-/// Returns memory that the process no longer uses to the system, on a thread of its own until its end: after
-/// a crowd has left, the allocator would keep most of what it took. Changes how the allocator works, so make
-/// it before there are other threads.
+/// Returns memory that the process no longer uses to the system, on its own thread, while the object exists:
+/// after a crowd has left, the allocator would otherwise keep most of the memory. Changes the allocator's
+/// settings, so create it before there are other threads.
 class HeapTrimmer {
 public:
     HeapTrimmer();
@@ -19,7 +19,7 @@ private:
 
     std::mutex turn;
     std::condition_variable_any wake;
-    std::jthread thread;  // the last: it ends before what it uses
+    std::jthread thread;  // the last member: it ends before those that it uses
 };
 
 }  // namespace kel::server

@@ -7,7 +7,8 @@
 namespace kel::server {
 
 /// Publishes the requirements of a folder's <referrer>.json files, each as its referrer's newest version
-/// unless it is that already. When one of them is wrong, std::runtime_error names it, and none is published.
+/// unless it is that already. When one of them is invalid, publishes none and throws std::runtime_error with
+/// its name.
 void Import(const std::filesystem::path& folder, Database& database);
 
 }  // namespace kel::server

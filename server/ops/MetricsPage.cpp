@@ -10,7 +10,7 @@ namespace kel::server {
 
 namespace {
 
-/// The page as it grows.
+/// The page while it is being built.
 class Page {
 public:
     /// Begins a metric; its samples follow.
@@ -21,7 +21,7 @@ public:
         text.append("\n# TYPE ").append(name).append(" ").append(type).append("\n");
     }
 
-    /// Labels as they stand between the braces.
+    /// `labels` as they are written between the braces.
     void Sample(std::string_view labels, double value, std::string_view suffix = "")
     {
         text.append(name).append(suffix);
@@ -104,7 +104,7 @@ void AppendEndpoints(Page& page, const Metrics& metrics)
         [&](const auto& labels, const auto& endpoint) { page.Sample(labels, endpoint.bodiesBytes); });
 }
 
-/// What a route answers when the store fails it.
+/// The number of answers of routes whose database failed.
 std::uint64_t DatabaseErrors(const EndpointMetrics& endpoint)
 {
     std::uint64_t count = 0;

@@ -4,8 +4,8 @@
 
 namespace kel::server {
 
-/// An empty file of a name that nobody else has, beside another, until the end. Throws std::runtime_error
-/// when it cannot be made.
+/// An empty file with a unique name beside another one; the destructor deletes it. Throws std::runtime_error
+/// when it cannot be created.
 class NewFile {
 public:
     explicit NewFile(const std::string& beside);
@@ -16,7 +16,7 @@ public:
     std::string path;
 };
 
-/// Writes a file, or what a folder lists, to the disk. Throws std::runtime_error when that fails.
+/// Flushes a file, or a folder's entries, to the disk. Throws std::runtime_error when that fails.
 void Sync(const std::string& path);
 
 /// The same for the folder that a file is in.

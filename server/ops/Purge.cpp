@@ -38,7 +38,7 @@ int PurgeOlder(Database& database, std::int64_t time, const std::function<bool()
 
 void Purge(Database& database, std::string_view option, const std::string& value)
 {
-    // Not whose: that is to be forgotten.
+    // The entry does not name the session or machine, which is to be forgotten.
     DeletionEntry entry{CommandLine, "purged",
                         std::string(option) + (option == "--older" ? " " + value : "")};
     std::function<int(int)> deleteSome;

@@ -19,8 +19,8 @@ namespace kel::server {
 
 namespace {
 
-/// Keeps all others from opening a database, by one of its files. SQLite holds a lock on them while a
-/// database is open.
+/// Locks one of a database's files, so that no other process opens the database. SQLite itself locks them
+/// while a database is open.
 class Lock {
 public:
     explicit Lock(const std::string& path) : file(open(path.c_str(), O_RDWR | O_CLOEXEC))
@@ -47,8 +47,8 @@ private:
     int file;
 };
 
-/// Gives a file to the owner of the database, or of its folder where there is none: root may restore, and the
-/// service has to write.
+/// Gives a file to the owner of the database, or of its folder if there is no database: root may restore, but
+/// the service has to write.
 void GiveToOwner(const std::string& path, const std::string& database)
 {
     struct stat owner {};
@@ -59,7 +59,7 @@ void GiveToOwner(const std::string& path, const std::string& database)
         throw std::runtime_error(path + " cannot be given to its owner");
 }
 
-/// Checks a copy, and brings it to this program's version; which one it had.
+/// Checks a copy, and brings it to this program's version. Returns the version that it had.
 int Prepare(const std::string& copy, const std::string& file)
 {
     SqliteConnection connection(copy, SqliteConnection::Mode::Existing, SqliteConnection::Durability::Full);
@@ -72,7 +72,7 @@ int Prepare(const std::string& copy, const std::string& file)
     SqlTransaction transaction(connection);
     Audit::AddEntry(connection, CommandLine, "restored", std::filesystem::path(file).filename());
     transaction.Commit();
-    // Everything is in the one file then.
+    // Afterwards everything is in the one file.
     if (connection.Query("PRAGMA journal_mode = DELETE").at(0).Text() != "delete")
         throw std::runtime_error("its write-ahead log cannot be emptied");
     return version;
@@ -106,7 +106,8 @@ void Restore(const DatabaseSettings& settings, const std::string& file)
     }
     GiveToOwner(unfinished.path, database);
     Sync(unfinished.path);
-    // The database first: the rest of it would be applied to the copy.
+    // Removes the old database's log, too, which would be applied to the copy; the database itself goes
+    // first.
     for (const char* end : {"", "-wal", "-shm", "-journal"})
         std::filesystem::remove(database + end);
     std::filesystem::rename(unfinished.path, database);

@@ -45,8 +45,8 @@ void Retention::Run(const std::stop_token& stop)
     }
 }
 
-/// Now, or less. After a jump, the newest report that is not of the last days shows how late it was before:
-/// ages are counted from twice the doubt after it, so that it stays itself.
+/// The present time, or an earlier one. After a jump, the newest report from before the last days shows what
+/// time it was: ages are counted from twice `doubt` after that report, so that the report itself is kept.
 std::int64_t Retention::TrustedTime()
 {
     const auto clockWas = std::exchange(clock, std::chrono::system_clock::now());

@@ -10,10 +10,10 @@
 
 namespace kel::server {
 
-/// Deletes reports that are older than an age, at once and then every hour, on a thread of its own until its
-/// end. Several front ends of one database may do so at the same time. What fails is logged, and tried again.
-/// A clock that is wrong does not delete everything: where it seems to have jumped, ages are counted from the
-/// reports that came before, until a week has passed.
+/// Deletes reports that are older than an age, at once and then every hour, on its own thread while it
+/// exists. Several front ends of one database may do so at the same time. Failures are logged, and tried
+/// again. A wrong clock does not cause everything to be deleted: when it seems to have jumped, ages are
+/// counted from the reports before the jump, until a week has passed.
 class Retention {
 public:
     Retention(Database& database, std::chrono::hours age);
@@ -24,14 +24,13 @@ private:
 
     Database& database;
     const std::chrono::milliseconds age;
-    const std::chrono::milliseconds doubt;  // how long a clock has to go on for what it says to be believed
-    std::chrono::system_clock::time_point clock;   // at the last look
+    const std::chrono::milliseconds doubt;         // how long a clock has to run without a jump to be trusted
+    std::chrono::system_clock::time_point clock;   // at the last check
     std::chrono::steady_clock::time_point steady;  // then
-    std::chrono::steady_clock::time_point
-        trusted;  // when the clock will have gone on without a jump for so long
+    std::chrono::steady_clock::time_point trusted;  // when the clock will have run that long without a jump
     std::mutex turn;
     std::condition_variable_any wake;
-    std::jthread thread;  // the last: it ends before what it uses
+    std::jthread thread;  // the last member: it ends before those that it uses
 };
 
 }  // namespace kel::server

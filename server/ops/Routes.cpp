@@ -9,7 +9,7 @@ namespace kel::server {
 
 namespace {
 
-// Stands in every control, and so authenticates nobody: it keeps strays out.
+// Every control contains it, so it authenticates nobody; it only keeps out stray requests.
 constexpr std::string_view ApiKey = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
 
 constexpr const char* TestFilePath = "/global/tests/test_2.bin";
@@ -20,8 +20,9 @@ void CheckKey(const Target& target)
         throw Fault(403, "the key is not known");
 }
 
-/// The referrer of a group list. The control puts it into the query as it is, so that one with an ampersand
-/// looks like two parameters: whatever is neither referrer nor key belongs to a referrer that cannot exist.
+/// The referrer of a group list. The control puts it into the query unescaped, so that one with an ampersand
+/// looks like two parameters: any parameter that is neither the referrer nor the key is part of a referrer
+/// that cannot exist.
 std::string ReadReferrer(const Target& target)
 {
     for (const Target::Parameter& parameter : target.query) {
@@ -62,7 +63,7 @@ Router AdminRoutes(Database& database, Metrics& metrics, const AdminSettings& se
             return answer();
         });
     };
-    // Says no more than that the process answers: a restart mends no database.
+    // Shows only that the process answers: a restart does not repair a database.
     add("/healthz", [] { return Answer::Of("text/plain; charset=utf-8", "ok\n"); });
     add("/readyz", [&] { return Readiness(database); });
     add("/metrics", [&] { return MetricsPage(metrics, database); });

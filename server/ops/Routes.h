@@ -12,14 +12,14 @@ namespace kel::server {
 /// The requests of the public endpoint: the control's.
 Router PublicRoutes(Service& service, Metrics& metrics);
 
-/// The checks at the operator's endpoint; like the pages there they answer to no foreign host name.
+/// The checks at the operator's endpoint; like the pages there, they do not answer to a foreign host name.
 Router AdminRoutes(Database& database, Metrics& metrics, const AdminSettings& settings);
 
-/// The threads that answer a request at the public endpoint: group lists and the test file wait for no
-/// report.
+/// The threads that answer a request at the public endpoint: group lists and the test file do not wait for
+/// reports.
 Place PublicPlace(const Request& request);
 
-/// Those that answer one at the operator's endpoint: nobody's long work keeps a check waiting.
+/// The threads that answer a request at the operator's endpoint: no long request keeps a check waiting.
 Place AdminPlace(const Request& request);
 
 }  // namespace kel::server

@@ -32,7 +32,7 @@
 
 namespace {
 
-using namespace kel::server;  // NOLINT: the program of that house
+using namespace kel::server;  // NOLINT: this is the program of that namespace
 
 constexpr const char* Usage =
     "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
@@ -52,7 +52,7 @@ constexpr const char* Usage =
     "  token add NAME [DAYS]\n"
     "               prints a new token of that account for programs\n";
 
-/// Under another name first, so that a program that waits for the file never reads half a port.
+/// Writes the file under another name first, so that a program that waits for it never reads half a port.
 void WritePort(const std::string& path, std::uint16_t port)
 {
     if (path.empty())
@@ -143,8 +143,8 @@ int Run(std::vector<std::string> arguments)
 
 int main(int count, char** arguments)
 {
-    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow counts as a full disk
-    std::signal(SIGPIPE, SIG_IGN);  // the service outlives the reader of its log
+    std::signal(SIGXFSZ, SIG_IGN);  // a file at the size limit counts as a full disk
+    std::signal(SIGPIPE, SIG_IGN);  // the service keeps running when the reader of its log ends
     try {
         return Run({arguments + 1, arguments + count});
     } catch (const std::exception& error) {

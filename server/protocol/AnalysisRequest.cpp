@@ -10,7 +10,8 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::size_t MaxTextBytes = 1024;  // bytes; the answer repeats some, and a verdict keeps one
+constexpr std::size_t MaxTextBytes =
+    1024;  // bytes; the answer repeats some of the texts, and a verdict stores one
 
 }  // namespace
 

@@ -5,12 +5,12 @@
 
 namespace kel::server {
 
-/// What an analysis asks for. The texts are a page's own, and may be anything.
+/// The contents of an analysis request. Pages choose the texts, which may be anything.
 struct AnalysisRequest {
     std::string session, item, user, format, schema;
 
-    /// Reads `<System><SessionID>…</SessionID><ItemID/><UserID/><Format/><Schema/></System>`; what it lacks
-    /// is empty. Throws Fault 400 when the text is not such a request, or one of the five is longer than 1
+    /// Reads `<System><SessionID>…</SessionID><ItemID/><UserID/><Format/><Schema/></System>`; a missing text
+    /// is empty. Throws Fault 400 when the body is not such a request, or one of the five is longer than 1
     /// KB.
     static AnalysisRequest Read(std::string_view xml);
 };

@@ -18,11 +18,11 @@ namespace kel::server {
 namespace {
 
 constexpr std::size_t TestFileBytes = 1'000'000;
-// A report of all values of a machine with dozens of disks and adapters has 1,400 groups.
+// A report with all values of a machine with dozens of disks and adapters has 1,400 groups.
 constexpr std::size_t MaxGroups = 5'000, MaxElements = 20'000;
 constexpr std::size_t CacheBytes = 33'554'432;  // 3,000 usual reports
 constexpr std::size_t MaxUserBytes = 1024,
-                      MaxMachineBytes = 1024;  // bytes; what is longer identifies nothing
+                      MaxMachineBytes = 1024;  // bytes; a longer text does not identify a machine
 
 std::string MakeTestFile()
 {
@@ -76,7 +76,7 @@ Answer Service::GroupList(const std::string& referrer)
 Answer Service::Upload(std::string body)
 {
     Clean(body);
-    // Before it is parsed: as a tree, tiny elements take many times their bytes.
+    // Checked before parsing: in a tree, tiny elements take many times their bytes.
     if (CountElements(body) > MaxElements)
         throw Fault(413, fmt::format("the report has more than {} elements", MaxElements));
     const auto report = std::make_shared<const Report>(Report::Read(body));

@@ -13,23 +13,23 @@
 
 namespace kel::server {
 
-/// The control's requests, once their targets are read. Every operation may be called by any thread and
-/// throws Fault for a request that is wrong. Characters that XML does not allow are replaced by U+FFFD.
+/// The control's requests, after their targets are parsed. Every operation may be called by any thread and
+/// throws Fault for an invalid request. Characters that XML does not allow are replaced with U+FFFD.
 class Service {
 public:
     Service(Database& database, Metrics& metrics);
 
-    /// The ids of the groups that a referrer's requirements need, separated by bars. 404 when it is not
-    /// known.
+    /// The ids of the groups that a referrer's requirements need, separated by bars. 404 for an unknown
+    /// referrer.
     Answer GroupList(const std::string& referrer);
     /// Keeps a report. 413 when it has too many elements or values.
     Answer Upload(std::string body);
-    /// Keeps a report that comes escaped inside of <SystemInformation><Data>.
+    /// Keeps a report that is sent escaped inside <SystemInformation><Data>.
     Answer SystemInformation(std::string body);
-    /// Judges the newest report of the session that the request names: XML, or HTML or JSON where it asks for
-    /// them. 404 when the referrer or the session is not known.
+    /// Judges the newest report of the session that the request names. The answer is XML, or HTML or JSON if
+    /// the request asks for it. 404 when the referrer or the session is unknown.
     Answer Analysis(const std::string& referrer, std::string body);
-    /// The file that the control times: a megabyte that no line compresses.
+    /// The file whose download the control times: a megabyte that cannot be compressed on the way.
     Answer TestFile() const;
 
 private:

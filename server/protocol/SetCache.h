@@ -10,8 +10,8 @@
 
 namespace kel::server {
 
-/// Published requirements, read. A published version never changes, so what is here is never out of date;
-/// which version is a referrer's newest is asked of the store each time. For any thread.
+/// Parsed requirements. A published version never changes, so no entry is out of date; the store is asked
+/// each time which version is a referrer's newest. For any thread.
 class SetCache {
 public:
     static constexpr std::size_t MaxSets = 1000;  // more versions than a service has products
@@ -26,7 +26,7 @@ public:
 
 private:
     Database& database;
-    const std::size_t maxSets;  // past it the oldest version goes
+    const std::size_t maxSets;  // beyond it the oldest version is dropped
     std::mutex turn;
     std::map<std::int64_t, std::shared_ptr<const Requirements>> sets;
 };

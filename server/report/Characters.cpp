@@ -34,13 +34,13 @@ std::optional<Reference> ParseReference(std::string_view text)
     return Reference{number, end + 1};
 }
 
-/// The length of the forbidden character that the text begins with; 0 if it begins with another one.
+/// The length of the forbidden character at the beginning of the text; 0 if it begins with another one.
 std::size_t ForbiddenLength(std::string_view text)
 {
     const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
     if (text.front() == '&') {
         const auto reference = ParseReference(text);
-        // A number beyond the last character stands for nothing, so the reader refuses it.
+        // A number beyond the last character is not replaced: the reader refuses it.
         const bool isForbidden =
             reference && reference->number <= MaxCharacter && !IsXmlCharacter(reference->number);
         return isForbidden ? reference->length : 0;

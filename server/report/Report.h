@@ -9,7 +9,7 @@
 
 namespace kel::server {
 
-/// The values of a report, as the control uploads it: texts by the id of their group and their index.
+/// The values of a report as the control uploads it: texts by the id of their group and their index.
 class Report {
 public:
     static constexpr int Session = SessionGroup;
@@ -18,14 +18,14 @@ public:
     static constexpr int Machine = 71207;
 
     /// Reads `<groups><group index="…" id="…"><value>…</value></group>…</groups>`. Of values that share id
-    /// and index the last counts; a group without an index has 0. Throws Fault 400 when the text is no
+    /// and index the last counts; a group without an index has 0. Throws Fault 400 when the text is not a
     /// report, or names no session.
     static Report Read(std::string_view xml);
 
     /// The text of a group's first value; null when the report has none, which is not the same as an empty
     /// one.
     const std::string* Value(int group) const;
-    /// Its values, for judging it; the report has to outlive the function.
+    /// A look-up of its values for a verdict; the report has to outlive it.
     ValueLookup Lookup() const&;
     ValueLookup Lookup() && = delete;
     /// The text of a group's first value, empty when there is none.
@@ -39,7 +39,7 @@ public:
     using Values = std::map<std::pair<std::string, long>, std::string>;
     /// All of them, by id and index.
     const Values& All() const& { return values; }
-    const Values& All() && = delete;  // they would be gone
+    const Values& All() && = delete;  // the reference would dangle
 
 private:
     Values values;

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int BadRequest = 400;
 
-/// Whether a reference, what stands between & and ;, is one of the five names or a character's number.
+/// Whether a reference, the text between & and ;, is one of the five names or a character's number.
 bool IsReference(std::string_view name)
 {
     for (const std::string_view known : {"lt", "gt", "amp", "quot", "apos"}) {
@@ -30,7 +30,7 @@ bool IsReference(std::string_view name)
     return !name.empty() && error == std::errc() && end == name.end() && IsXmlCharacter(number);
 }
 
-/// What the parser lets pass, though XML does not allow it.
+/// Refuses what the parser accepts although XML does not allow it.
 void CheckCharacters(std::string_view text)
 {
     if (text.find("<!") != std::string_view::npos)
@@ -68,7 +68,7 @@ pugi::xml_document ReadXml(std::string_view text)
 {
     CheckCharacters(text);
     pugi::xml_document document;
-    // As a fragment, so that the parser keeps what stands beside the root element, and it can be refused.
+    // As a fragment, so that the parser keeps anything beside the root element, which can then be refused.
     const unsigned options = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_fragment;
     const auto result = document.load_buffer(text.data(), text.size(), options, pugi::encoding_utf8);
     if (!result)

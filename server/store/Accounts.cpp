@@ -73,7 +73,8 @@ bool Accounts::AddLogin(const Login& login)
 {
     return database.Change([&](SqlConnection& connection) {
         connection.Query("DELETE FROM login_session WHERE ends <= $1", {Now()});
-        // A change of the password at the same time waits here or is waited for, and then ends the log-in.
+        // A concurrent change of the password waits for this update, and then ends the log-in; or this update
+        // waits for the change, and finds another hash.
         const SqlRows same =
             connection.Query("UPDATE account SET hash = hash WHERE name = $1 AND hash = $2 RETURNING name",
                              {login.account, login.hash});

@@ -10,7 +10,7 @@
 
 namespace kel::server {
 
-/// What an account may do: see everything, or also change and delete.
+/// What an account may do: read everything, or also change and delete.
 enum class Role { Reader, Editor };
 
 /// "reader" or "editor".
@@ -33,10 +33,10 @@ struct Login {
     std::string key;  // a hash of the secret that the browser or program holds
     std::string account;
     Role role = Role::Reader;  // the account's, when the log-in is looked up
-    std::string formToken;     // which forms of this log-in carry
+    std::string formToken;     // which the forms of this log-in contain
     std::int64_t ends = 0;
     LoginKind kind = LoginKind::Browser;
-    std::string hash = {};  // the account's, that the password was compared with; only to add the log-in
+    std::string hash = {};  // the account's hash that the password was compared with; only used by AddLogin
 };
 
 /// Accounts of the administration and their log-ins.
@@ -44,8 +44,8 @@ class Accounts {
 public:
     explicit Accounts(Database& database) : database(database) {}
 
-    /// Adds an account, or gives the one of that name another hash and role, which ends its log-ins. `by` is
-    /// for the audit.
+    /// Adds an account, or gives the one with that name another hash and role, which ends its log-ins. The
+    /// audit names `by`.
     void Save(const Account& account, const std::string& by);
     std::optional<Account> Find(const std::string& name);
     /// All accounts, by name.

@@ -36,7 +36,7 @@ std::int64_t Audit::AddEntry(SqlConnection& connection, const std::string& accou
     SqlRows added = connection.Query(
         "INSERT INTO audit (time, account, action, subject) VALUES ($1, $2, $3, $4) RETURNING id",
         {Now(), account, action, subject});
-    // Ids ascend with the time. Ten at once are enough, as most often there is none.
+    // Ids ascend with time. Ten at once are enough, as usually none has expired.
     connection.Query(
         "DELETE FROM audit WHERE id IN (SELECT id FROM audit ORDER BY id LIMIT 10) AND time < $1",
         {Now() - Year});

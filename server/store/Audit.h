@@ -21,10 +21,10 @@ public:
     explicit Audit(Database& database) : database(database) {}
 
     void Add(const std::string& account, const std::string& action, const std::string& subject);
-    /// The entries before the one of that id (0: the newest), the newest first.
+    /// The entries before the one with that id (0: the newest), the newest first.
     std::vector<AuditEntry> Entries(std::int64_t beforeId, int count);
 
-    /// Adds an entry as a part of a transaction; its id. Deletes some of those that are older than a year.
+    /// Adds an entry as a part of a transaction, and returns its id. Deletes some entries older than a year.
     static std::int64_t AddEntry(SqlConnection& connection, const std::string& account,
                                  const std::string& action, const std::string& subject);
 

@@ -11,16 +11,16 @@ namespace {
 
 constexpr std::int64_t MaxBytesAtOnce = 4 * 1024 * 1024;
 
-/// Columns of a subquery that say of each row with a large text, in this order, where it stands and how many
-/// bytes these texts have up to it.
+/// Columns of a subquery with, for each row in this order, its place, and the bytes of the large texts up to
+/// and including its own.
 std::string SizeColumns(const std::string& text, const std::string& order)
 {
     return "row_number() OVER (ORDER BY " + order + ") AS place, sum(octet_length(" + text +
            ")) OVER (ORDER BY " + order + ") AS bytes";
 }
 
-/// With those columns: the large text of the rows that fit into that many bytes, and of the first row in any
-/// case; then 1 for these rows and 0 for the others.
+/// With those columns: the large texts of the rows that fit into that many bytes, and always that of the
+/// first row; then 1 for these rows and 0 for the others.
 std::string TextIfItFits(const std::string& text, const std::string& maxBytes)
 {
     const std::string fits = "CASE WHEN bytes <= " + maxBytes + " OR place = 1 THEN ";
@@ -49,7 +49,7 @@ void Reports::ForEach(const std::vector<std::int64_t>& ids, const std::function<
             const std::size_t count = connection->LargeRowsAtOnce();
             end = std::min(next + count, ids.size());
             std::vector<SqlValue> values{MaxBytesAtOnce};
-            // The number of parameters is the same each time, so that there are few statements to prepare.
+            // The number of parameters is always the same, so that few different statements are prepared.
             for (std::size_t i = next; i < next + count; ++i)
                 values.emplace_back(ids[std::min(i, end - 1)]);
             rows =
@@ -117,7 +117,7 @@ void Verdicts::ForEachRecent(const std::string& referrer, int count,
 std::vector<Counts> Verdicts::CountRecent(const std::vector<std::string>& referrers, int count)
 {
     constexpr std::size_t AtOnce = 20;  // referrers
-    // The same number of subqueries each time: no referrer has the id 0, which stands in the rest.
+    // Always the same number of subqueries: unused ones get the id 0, which no referrer has.
     std::string newest;
     for (std::size_t i = 0; i < AtOnce; ++i)
         newest += (i == 0 ? "" : " UNION ALL ") +
@@ -132,7 +132,7 @@ std::vector<Counts> Verdicts::CountRecent(const std::vector<std::string>& referr
         for (std::size_t i = begin; i < begin + AtOnce; ++i)
             names.emplace_back(referrers[std::min(i, end - 1)]);
         const auto connection = database.BorrowReader();
-        // Asked for by themselves, so that the database knows how many rows each id has when it plans.
+        // A separate query, so that the database knows how many rows each id has when it plans the next one.
         std::map<std::string, std::int64_t> ids;
         for (SqlRow& row : connection->Query(
                  "SELECT name, id FROM referrer WHERE name IN (" + Parameters(1, AtOnce) + ")", names)) {

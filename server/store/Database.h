@@ -16,28 +16,28 @@ namespace kel::server {
 enum class DatabaseState { Ready, ReadOnly, NoRoom };
 
 /// The service's database: connections, lent for a statement or a transaction, and the room that is left. The
-/// classes beside it have the statements, which are written so that each kind of database takes them. Any
-/// thread may call. Everything throws Fault 503 when the database fails, NoRoom when there is no room, and
-/// 400 for a text that is not UTF-8 or has a NUL.
+/// classes beside it have the statements, which both kinds of database understand. Any thread may call.
+/// Everything throws Fault 503 when the database fails, NoRoom when there is no room, and Fault 400 for a
+/// text that is not UTF-8 or has a NUL.
 class Database {
 public:
-    /// `quick` is for what must not wait for other reads, such as the published requirements. Two or all
-    /// three may be one pool. `file` is that of SQLite.
+    /// `quick` is for reads that must not wait for others, such as those of the published requirements. Two
+    /// or all three may be the same pool. `file` is the SQLite file.
     Database(std::shared_ptr<SqlPool> quick, std::shared_ptr<SqlPool> readers,
              std::shared_ptr<SqlPool> writers, const std::string& file, const Bounds& bounds);
 
-    /// Asks the database, and writes nothing.
+    /// Queries the database, and writes nothing.
     DatabaseState State();
-    /// Whether reports are taken, as far as is known without asking the database. Never throws or waits.
+    /// Whether reports are accepted, as far as is known without asking the database. Never throws or waits.
     bool HasRoom() const { return room.TakesReports(); }
     /// Bytes that are free for an SQLite file; -1 for a server.
     std::int64_t FreeBytes() const { return room.Free(); }
-    /// How many reports one session may have.
+    /// The maximum number of reports of one session.
     std::int64_t MaxSessionReports() const { return maxSessionReports; }
 
     SqlPool::Lease BorrowQuick() { return quick->Borrow(); }
     SqlPool::Lease BorrowReader() { return readers->Borrow(); }
-    /// A connection to write a report by. Throws NoRoom when there is no room for one.
+    /// A connection to write a report with. Throws NoRoom when there is no room for one.
     SqlPool::Lease BorrowForReport();
     /// The same for a verdict, which needs less room.
     SqlPool::Lease BorrowForVerdict();
@@ -46,11 +46,11 @@ public:
     {
         return readers->Borrow()->Query(sql, values);
     }
-    /// Makes an operator's change in one transaction: where the disk is full, once more in the reserve's
-    /// room. Returns what `work` returns; false, or what converts to it, undoes the change.
+    /// Makes an operator's change in one transaction. When the disk is full, releases the reserve and tries
+    /// once more. Returns what `work` returns; a result that converts to false undoes the change.
     template <typename Work>
     auto Change(Work work) -> decltype(work(std::declval<SqlConnection&>()));
-    /// Removes what was deleted from the write-ahead log, unless somebody reads by it.
+    /// Removes deleted data from the write-ahead log, unless a reader still uses it.
     void TruncateWriteAheadLog();
 
 private:

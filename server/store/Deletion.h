@@ -8,16 +8,16 @@
 
 namespace kel::server {
 
-/// What a deletion did.
+/// The result of a deletion.
 struct Deletion {
     static constexpr int MaxBatches = std::numeric_limits<int>::max();
 
     int reports = 0;         // deleted
-    bool isComplete = true;  // false: it ended early and reports are left
+    bool isComplete = true;  // false: it ended early, and reports are left
 
-    /// Deletes in short batches with pauses, so that other writers get a turn, then removes what was deleted
+    /// Deletes in short batches with pauses, so that other writers get a turn, then removes the deleted data
     /// from the database's log. `deleteSome` deletes up to the given number of reports and returns how many;
-    /// `ends` is asked before each batch. Throws what they throw.
+    /// `ends` is called before each batch. Throws what they throw.
     static Deletion Run(Database& database, const std::function<int(int)>& deleteSome,
                         const std::function<bool()>& ends, int maxBatches = MaxBatches);
 

@@ -9,7 +9,7 @@ namespace kel::server {
 
 namespace {
 
-/// Adds reports to the entry of a deletion, inside of its transaction.
+/// Adds a number of reports to the entry of a deletion, inside its transaction.
 DeletionEntry Written(SqlConnection& connection, DeletionEntry entry, int count)
 {
     entry.reports += count;
@@ -51,14 +51,14 @@ int Reports::Delete(const std::string& condition, SqlValue value, int maxCount, 
                     .size());
         };
         int count = run(connection.SkipLocked());
-        // What is left may be in use by a verdict, or by another deletion.
+        // The remaining reports may be in use by a verdict, or by another deletion.
         if (count == 0 && !connection.SkipLocked().empty())
             count = run(connection.AwaitLocked());
         if (entry)
             written = Written(connection, *entry, count);
         return std::optional(count);
     };
-    // What is overwritten goes through the write-ahead log: where there is little room, less at a time.
+    // Overwritten data go through the write-ahead log: when there is little room, delete fewer at a time.
     for (;; maxCount = maxCount / 4 + 1) {
         try {
             const int count = *database.Change(deleteSome);

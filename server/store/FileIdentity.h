@@ -6,7 +6,7 @@
 
 namespace kel::server {
 
-/// Which file a path leads to; equal for two paths to one file. All of those that are missing are equal.
+/// The file that a path leads to; equal for two paths to the same file. All missing files are equal.
 struct FileIdentity {
     dev_t device = 0;
     ino_t inode = 0;

@@ -17,8 +17,8 @@ std::unique_ptr<SqliteConnection> ConnectSqlite(const DatabaseSettings& settings
                                                   : SqliteConnection::Durability::Normal);
 }
 
-/// Opens what is already in use. On a full disk there may be no room for the index of the write-ahead log: it
-/// gets the reserve's then.
+/// Opens an existing file. On a full disk there may be no room for the index of the write-ahead log, so the
+/// reserve is released for it.
 std::unique_ptr<SqliteConnection> ConnectToFile(const DatabaseSettings& settings)
 {
     try {
@@ -40,21 +40,22 @@ std::unique_ptr<Database> OpenDatabase(const DatabaseSettings& settings)
         if (isServer)
             return std::make_unique<PostgresConnection>(settings.location,
                                                         PostgresConnection::Patience::Request);
-        // The write-ahead log beside another file is not that file's. To open it would apply the log to it.
+        // The write-ahead log beside a replaced file belongs to the old one; opening would apply it to the
+        // new one.
         if (FileIdentity::Of(settings.location) != file)
             throw Fault(Unavailable, "database: the file was removed or replaced; put it back, or restart");
         return ConnectToFile(settings);
     };
-    const std::size_t quickCount = (settings.connections + 2) / 4;  // a quarter; none of a single connection
+    const std::size_t quickCount = (settings.connections + 2) / 4;  // a quarter; none if there is only one
     auto readers = std::make_shared<SqlPool>(open, settings.connections - quickCount);
     auto quick = quickCount > 0 ? std::make_shared<SqlPool>(open, quickCount) : readers;
     auto writers = readers;
     if (!isServer) {
-        // One writer: they would wait for each other in any case, and here they do so without polling.
+        // One writer: several would wait for each other anyway; in the pool they wait without polling.
         writers = std::make_shared<SqlPool>(open, 1);
         SqlPool::Join({quick, readers, writers});
     }
-    // The connection stays open: a restore sees that the database is in use.
+    // The connection stays open, so that a restore sees that the database is in use.
     RequireCurrent(*writers->Borrow());
     return std::make_unique<Database>(std::move(quick), std::move(readers), std::move(writers),
                                       isServer ? std::string() : settings.location, settings.bounds);

@@ -12,14 +12,14 @@ namespace kel::server {
 struct DatabaseSettings {
     std::string location = "kel.db";  // an SQLite file, or postgresql://user@host/name
     std::string durability = "normal";
-    std::size_t connections = 4;  // at the same time; an SQLite file has one more, to write by
+    std::size_t connections = 4;  // at the same time; an SQLite file has one more, for writing
     Bounds bounds;
 };
 
-/// Opens a database that has the current version; throws std::runtime_error when there is none.
+/// Opens a database, which has to have the current version; throws std::runtime_error otherwise.
 std::unique_ptr<Database> OpenDatabase(const DatabaseSettings& settings);
 
-/// One connection, to migrate by; makes the database when it is a file that is not there.
+/// One connection for a migration; creates the database if it is a missing file.
 std::unique_ptr<SqlConnection> OpenForMigration(const DatabaseSettings& settings);
 
 }  // namespace kel::server

@@ -22,7 +22,7 @@ using std::chrono::steady_clock;
 constexpr std::chrono::seconds ConnectLimit{5};
 constexpr milliseconds ProbeLimit{1000};
 
-/// The parts of a list with commas; the last is repeated for every further place.
+/// The part at a place of a comma-separated list; the last one is repeated for every further place.
 std::string Part(const std::string& list, std::size_t place)
 {
     std::istringstream parts(list);
@@ -32,7 +32,7 @@ std::string Part(const std::string& list, std::size_t place)
     return part;
 }
 
-/// Each line without what stands between its quotes.
+/// The text without what is between quotes in each line.
 std::string WithoutQuotes(const std::string& text)
 {
     std::string left;
@@ -46,7 +46,7 @@ std::string WithoutQuotes(const std::string& text)
     return left;
 }
 
-/// Whether the text has a password, or could have one that was mistyped.
+/// Whether the address has a password, or may have a mistyped one.
 bool MayHaveSecrets(const std::string& address)
 {
     const std::size_t at = address.rfind('@'), user = address.find("://") + 3;
@@ -117,7 +117,7 @@ bool PostgresAddress::HasOtherPrimary(PGconn* connection) const
                        differs(PQport(primary.get()), PQport(connection)));
 }
 
-/// Asks all hosts; the first that connects, or null and why none does.
+/// Tries all hosts at once; returns the first that connects, or null and the reasons.
 PostgresHandle PostgresAddress::Race(milliseconds time, std::string& reasons) const
 {
     const auto end = steady_clock::now() + time;
@@ -151,12 +151,12 @@ PostgresHandle PostgresAddress::Race(milliseconds time, std::string& reasons) co
     return nullptr;
 }
 
-/// Begins a connection to one of the hosts; with one that has no name, connects as the address says.
+/// Begins a connection to one of the hosts; a host without a name stands for the whole address.
 PGconn* PostgresAddress::Start(const Host& host) const
 {
     const bool isOne = !host.name.empty() || !host.address.empty();
     const std::string seconds = std::to_string(ConnectLimit.count());
-    // The address may say otherwise of what stands before it.
+    // The address overrides the parameters before it.
     const std::array<const char*, 12> names{"connect_timeout",
                                             "fallback_application_name",
                                             "keepalives_idle",
@@ -183,7 +183,7 @@ PGconn* PostgresAddress::Start(const Host& host) const
                  : PQconnectdbParams(names.data(), texts.data(), 1);
 }
 
-/// Where there is a password, what the library quotes may be a piece of it.
+/// When there is a password, texts that the library quotes may be parts of it.
 std::string PostgresAddress::WithoutSecrets(const std::string& reason) const
 {
     const std::string text = hasSecrets ? WithoutQuotes(reason) : reason;

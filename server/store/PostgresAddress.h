@@ -20,12 +20,11 @@ public:
     /// Throws std::runtime_error when libpq cannot read it.
     explicit PostgresAddress(std::string address);
 
-    /// A new connection. Where the address names several hosts and wants the one that writes, all are asked
-    /// at the same time: one that hangs keeps nobody waiting. Throws Fault 503 when none connects within some
-    /// seconds; the reason has no part of a password.
+    /// A new connection. When the address names several hosts and asks for the one that accepts writes, all
+    /// are tried at the same time, so that one that hangs does not delay the others. Throws Fault 503 when
+    /// none connects within some seconds; the reason has no part of a password.
     PostgresHandle Connect() const;
-    /// Whether another of its hosts than that of the connection is the one that writes now. Takes a second at
-    /// most.
+    /// Whether a host other than the connection's now accepts writes. Takes at most a second.
     bool HasOtherPrimary(PGconn* connection) const;
 
 private:
@@ -38,7 +37,7 @@ private:
     std::string WithoutSecrets(const std::string& reason) const;
 
     std::string address;
-    std::vector<Host> hosts;  // of an address that wants the one that writes; otherwise none
+    std::vector<Host> hosts;  // if the address asks for the one that accepts writes; otherwise none
     std::chrono::seconds limit;
     bool hasSecrets = false;
 };

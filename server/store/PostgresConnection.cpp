@@ -15,16 +15,16 @@ namespace {
 
 using std::chrono::steady_clock;
 
-// The server ends a statement first, and the connection stays good.
+// Longer than the server's statement_timeout, after which the connection stays usable.
 constexpr std::chrono::seconds MaxWait{15}, MaxMigrationWait{24 * 3600};
 constexpr std::chrono::milliseconds ProbeInterval{1000};
-// A plan for any value would walk through everything for one that is rare.
+// A generic plan would scan everything for a rare value.
 constexpr const char* Settings =
     "SET statement_timeout = '10s'; SET idle_in_transaction_session_timeout = '30s'; "
     "SET plan_cache_mode = force_custom_plan";
 constexpr const char* MigrationLock = "SELECT pg_advisory_xact_lock(1262832723)";  // "KELS"
 
-/// The events of these that have come; waits until then or the end.
+/// Waits for one of these events, for at most that time. Returns those that occurred.
 int Poll(PGconn* connection, short events, std::chrono::milliseconds time)
 {
     pollfd socket{PQsocket(connection), events, 0};
@@ -84,7 +84,7 @@ void PostgresConnection::Execute(const std::string& sql)
 
 bool PostgresConnection::IsBroken()
 {
-    // A connection that rests has nothing to read but its end.
+    // An idle connection becomes readable only when it ends.
     return lost || PQstatus(Get()) != CONNECTION_OK || PQtransactionStatus(Get()) != PQTRANS_IDLE ||
            Poll(Get(), POLLIN, {}) != 0;
 }
@@ -140,7 +140,7 @@ const std::string& PostgresConnection::Prepare(const std::string& sql)
     return names.emplace(sql, name).first->second;
 }
 
-/// What the server answers to what was sent: the last result, or a Fault for the first that is an error.
+/// The server's answer: the last result. Throws a Fault for the first one that is an error.
 PostgresConnection::Result PostgresConnection::Answer(int sent)
 {
     if (sent == 0)
@@ -169,26 +169,27 @@ PostgresConnection::Result PostgresConnection::Answer(int sent)
     return last;
 }
 
-/// Notes what an error says of the connection.
+/// Records what an error means for the connection.
 void PostgresConnection::Take(const PGresult* error)
 {
     const char* field = PQresultErrorField(error, PG_DIAG_SQLSTATE);
     const std::string_view state = field ? field : "";
-    // Another server, or this one once it is back, may do what this one cannot: it only reads, or is going.
+    // The server is read-only or shutting down; another one, or this one after a restart, may accept the
+    // request.
     lost = lost || state == "25006" || state.starts_with("57P0");
     isFull = state == "53100";
 }
 
 void PostgresConnection::Receive(void* connection, const PGresult* notice)
 {
-    // The server ends the wait for a synchronous standby when the statement's time is over. It has committed
-    // then, and warns that it could lose what it has.
+    // The server ends the wait for a synchronous standby at the statement's time limit. By then it has
+    // committed, and warns that the commit could be lost.
     const char* source = PQresultErrorField(notice, PG_DIAG_SOURCE_FUNCTION);
     if (source && std::string_view(source) == "SyncRepWaitForLSN")
         static_cast<PostgresConnection*>(connection)->isUnreplicated = true;
 }
 
-/// Waits until the connection has something to read, or can take more of what is to be sent.
+/// Waits until the connection is readable, or can send more.
 void PostgresConnection::Wait(steady_clock::time_point end)
 {
     const auto events = static_cast<short>(PQflush(Get()) == 1 ? POLLIN | POLLOUT : POLLIN);

@@ -13,8 +13,8 @@
 
 namespace kel::server {
 
-/// A connection to a PostgreSQL server. Every wait has a limit: for a connection,
-/// for a statement, and for a network that has gone silent.
+/// A connection to a PostgreSQL server. Every wait has a limit: for a connection, for a statement, and for a
+/// network that has gone silent.
 class PostgresConnection final : public SqlConnection {
 public:
     /// How long a statement may take; a migration may take as long as it needs.
@@ -62,8 +62,8 @@ private:
     std::unordered_map<std::string, std::string> names;  // of the prepared statements
     std::chrono::seconds maxWait;
     bool lost = false;
-    bool isFull = false;          // the server's disk, when the statement failed
-    bool isUnreplicated = false;  // what the statement committed has not reached the standby
+    bool isFull = false;          // the statement failed because the server's disk is full
+    bool isUnreplicated = false;  // the statement's commit has not reached the standby
 };
 
 }  // namespace kel::server

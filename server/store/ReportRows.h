@@ -6,7 +6,7 @@
 #include "server/store/Rows.h"
 #include "server/store/Verdicts.h"
 
-// What the statements about reports and verdicts have in common.
+// Common parts of the statements about reports and verdicts.
 namespace kel::server {
 
 inline const std::string VerdictTables =
@@ -33,8 +33,8 @@ inline FullReport ReadReport(SqlRow& row)
     return {row.Number(), row.Text(), row.Text(), row.Text(), row.Text(), row.Number(), row.Text()};
 }
 
-/// A referrer's id; 0 when there is none. Asked for by itself, so that the database knows how many rows the
-/// id has when it plans the next statement.
+/// A referrer's id; 0 when there is none. This is a separate query, so that the database knows how many rows
+/// the id has when it plans the next statement.
 inline std::int64_t ReferrerId(SqlConnection& connection, const std::string& referrer)
 {
     SqlRows rows = connection.Query("SELECT id FROM referrer WHERE name = $1", {referrer});

@@ -9,7 +9,7 @@ namespace kel::server {
 
 namespace {
 
-/// A statement's conditions and their values, as they are added.
+/// A statement's conditions and their values.
 class Conditions {
 public:
     /// Adds a condition in which ? stands for the value.
@@ -20,7 +20,7 @@ public:
         text += (text.empty() ? " WHERE " : " AND ") + condition;
     }
 
-    /// What stands for the last value.
+    /// The placeholder of the last value.
     std::string Parameter() const { return std::string("$").append(std::to_string(values.size())); }
 
     std::string text;
@@ -28,7 +28,7 @@ public:
 };
 
 /// Ids follow the time of receipt, except by the clock skew between front ends or after a clock correction
-/// (ms). Without bounds by id a look into the past would walk through everything that is newer.
+/// (ms). Without bounds on ids a query for old reports would scan everything that is newer.
 constexpr std::int64_t MaxClockSkew = 3'600'000;
 
 ReportLine ReadLine(SqlRow& row)
@@ -36,7 +36,7 @@ ReportLine ReadLine(SqlRow& row)
     return {row.Number(), row.Text(), row.Text(), row.Number(), ParseResult(row.Text())};
 }
 
-/// The ids that all reports of the filter lie between.
+/// The range of ids that contains all reports of the filter.
 std::pair<std::int64_t, std::int64_t> Span(SqlConnection& connection, const ReportFilter& filter)
 {
     std::int64_t after = 0;
@@ -98,8 +98,8 @@ std::optional<FullReport> Reports::Find(std::int64_t report)
 std::vector<ReportLine> Reports::List(const ReportFilter& filter)
 {
     const auto connection = database.BorrowReader();
-    // A session has few reports. What goes with one is kept from other indexes; and so is the time from its
-    // own, by which the whole span would have to be sorted.
+    // A session has few reports, so the other conditions of its query must not use their indexes; nor must
+    // the time, since the whole range of ids would then have to be sorted.
     const std::string apart(connection->UnindexedPrefix());
     const bool bySession = !filter.session.empty();
     const bool byTotal = filter.total.has_value();

@@ -14,13 +14,13 @@ namespace kel::server {
 /// A report as it arrived.
 struct NewReport {
     std::string session;
-    std::string referrer;  // empty when it names none that could exist
+    std::string referrer;  // empty when the report names none, or one that cannot exist
     std::string user;
     std::string machine;  // the machine's identifier; empty when the report has none
     std::string body;
 };
 
-/// A report with all that is stored of it.
+/// A report with everything that is stored about it.
 struct FullReport {
     std::int64_t id = 0;
     std::string session, referrer, user, machine;
@@ -36,30 +36,30 @@ struct ReportLine {
     std::optional<Result> total;  // of its verdict by the newest requirements that judged it
 };
 
-/// Which reports to list; what is empty or 0 does not restrict them. With both a referrer and a total, the
-/// verdict has to be by that referrer's requirements.
+/// Which reports to list; a member that is empty or 0 does not restrict them. With both a referrer and a
+/// total, the verdict has to be by that referrer's requirements.
 struct ReportFilter {
     std::string referrer = {}, session = {};
     std::optional<Result> total = {};
     std::int64_t from = 0, until = 0;  // received from this time on, and before that
-    std::int64_t beforeId = 0;         // the page after the report of that id
+    std::int64_t beforeId = 0;         // the page after the report with that id
     std::int64_t afterId = -1;         // from 0 on: reports with a greater id, the oldest first
     int count = 50;
 };
 
-/// The audit's one entry of a deletion that may take several calls. Its subject ends with the count so far.
+/// The audit's only entry for a deletion that may take several calls. Its subject ends with the count so far.
 struct DeletionEntry {
     std::string account, action, subject;
     std::int64_t id = 0;  // once it is written
     int reports = 0;
 };
 
-/// The stored reports. Every operation is done entirely or not at all.
+/// The stored reports. Every operation is a transaction.
 class Reports {
 public:
     explicit Reports(Database& database) : database(database) {}
 
-    /// Adds a report; its id. Throws NoRoom also past one of the bounds that are set.
+    /// Adds a report, and returns its id. Also throws NoRoom when one of the configured bounds is exceeded.
     std::int64_t Add(const NewReport& report);
     /// The id of a session's newest report.
     std::optional<std::int64_t> NewestOf(const std::string& session);
@@ -68,14 +68,14 @@ public:
     /// oldest first.
     std::vector<ReportLine> List(const ReportFilter& filter);
     /// Passes the reports of these ids that still exist to `use`, in the order of the ids, which ascend or
-    /// descend, until it returns false. Few statements: each reads many reports, 4 MB at most.
+    /// descend, until it returns false. Each statement reads many reports, at most 4 MB.
     void ForEach(const std::vector<std::int64_t>& ids, const std::function<bool(const FullReport&)>& use);
-    /// When the newest report that came before that time was received; 0 when none did.
+    /// The time of receipt of the newest report before that time; 0 when there is none.
     std::int64_t NewestBefore(std::int64_t time);
 
     // Each deletes at most `maxCount` reports with their verdicts, and returns how many. A deletion that
-    // takes several calls passes the same entry of the audit to each; without one, the audit does not mention
-    // it.
+    // takes several calls passes the same audit entry to each; without one, the audit does not mention the
+    // deletion.
 
     int DeleteOlder(std::int64_t time, int maxCount, DeletionEntry* entry);
     int DeleteSession(const std::string& session, int maxCount, DeletionEntry* entry);

@@ -30,7 +30,7 @@ int PublishNow(SqlConnection& connection, const std::string& referrer, const std
                const std::string& author, const std::string& account)
 {
     connection.Query("INSERT INTO referrer (name) VALUES ($1) ON CONFLICT DO NOTHING", {referrer});
-    // Another publication for the same referrer at the same time waits here.
+    // A concurrent publication for the same referrer waits here.
     connection.Query("UPDATE referrer SET name = name WHERE name = $1", {referrer});
     const auto newest = First(connection.Query(SelectSets + " LIMIT 1", {referrer}), ReadSet);
     if (newest && SelectText(connection, newest->id) == text)
@@ -44,7 +44,7 @@ int PublishNow(SqlConnection& connection, const std::string& referrer, const std
     return version;
 }
 
-/// Empties a draft of that revision, as a part of a transaction; false when it has another one meanwhile.
+/// Empties the draft of that revision, as a part of a transaction; false when it has another one meanwhile.
 bool Empty(SqlConnection& connection, const std::string& referrer, int revision)
 {
     return !connection

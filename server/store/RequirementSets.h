@@ -25,7 +25,7 @@ struct Draft {
     std::string author;
 };
 
-/// What stands in the list of products.
+/// An entry in the list of products.
 struct Product {
     std::string referrer;
     int version = 0;  // the newest; 0 when nothing is published
@@ -33,7 +33,7 @@ struct Product {
     bool hasDraft = false;
 };
 
-/// Published requirements and their drafts. Every change is one step with its entry in the audit.
+/// Published requirements and their drafts. Every change and its audit entry are one transaction.
 class RequirementSets {
 public:
     explicit RequirementSets(Database& database) : database(database) {}
@@ -42,21 +42,22 @@ public:
     std::vector<Product> Products();
     /// The versions of a referrer's requirements, the newest first.
     std::vector<PublishedSet> Versions(const std::string& referrer);
-    /// The newest requirements of a referrer; nothing when it is not known.
+    /// The newest requirements of a referrer; nothing for an unknown one.
     std::optional<PublishedSet> Newest(const std::string& referrer);
     /// The text of published requirements; empty for an unknown id.
     std::string Text(std::int64_t set);
-    /// Publishes requirements as a referrer's newest version, unless they are the newest already; the
+    /// Publishes requirements as a referrer's newest version, unless they are the newest already. Returns the
     /// version. The audit names the account.
     int Publish(const std::string& referrer, const std::string& text, const std::string& author,
                 const std::string& account);
 
     std::optional<Draft> FindDraft(const std::string& referrer);
-    /// Writes a draft over the one of that revision (0: there is none yet). The new revision; nothing, and
-    /// nothing is written, when the draft has another revision. An empty text is the same as no draft.
+    /// Replaces the draft of that revision (0: there is none yet). Returns the new revision; returns nothing,
+    /// and writes nothing, when the draft has another revision. An empty text is the same as no draft.
     std::optional<int> SaveDraft(const std::string& referrer, const std::string& text, int revision,
                                  const std::string& author);
-    /// Publishes the draft of that revision, and drops it; the version. Nothing when it has another revision.
+    /// Publishes the draft of that revision, drops it, and returns the version. Nothing when it has another
+    /// revision.
     std::optional<int> PublishDraft(const std::string& referrer, int revision, const std::string& author);
     /// False when the draft has another revision.
     bool DropDraft(const std::string& referrer, int revision, const std::string& account);

@@ -13,9 +13,9 @@ namespace kel::server {
 
 namespace {
 
-// Enough to delete by: the write-ahead log takes it, some megabytes before it is used again from its start.
+// Enough for deletions: the write-ahead log grows by some megabytes before it is reused from its start.
 constexpr std::int64_t MaxReserve = 16 * Bounds::Megabyte;
-// A file's size is known at once; a server adds up those of many.
+// The size of a file is known at once; a server adds up the sizes of many.
 constexpr std::chrono::milliseconds FileInterval{100}, ServerInterval{10'000};
 
 }  // namespace
@@ -85,7 +85,7 @@ std::int64_t Room::FreeOnDisk() const
 
 bool Room::HasFree(std::int64_t minBytes) const
 {
-    // The write-ahead log cannot use what is free inside the file.
+    // The write-ahead log cannot use free space inside the file.
     const std::int64_t free = FreeOnDisk();
     return free < 0 || (free >= reserveBytes / 2 && free + reusable >= minBytes);
 }

@@ -7,7 +7,7 @@
 
 namespace kel::server {
 
-/// The first row made into something, if there is one.
+/// The first row, converted by `make`, if there is one.
 template <typename Make>
 auto First(SqlRows rows, Make make) -> std::optional<decltype(make(rows.front()))>
 {
@@ -16,7 +16,7 @@ auto First(SqlRows rows, Make make) -> std::optional<decltype(make(rows.front())
     return make(rows.front());
 }
 
-/// Every row made into something.
+/// Every row, converted by `make`.
 template <typename Make>
 auto Each(SqlRows rows, Make make)
 {

@@ -24,7 +24,7 @@ SqlTransaction::~SqlTransaction()
     try {
         connection.Execute("ROLLBACK");
     } catch (const std::exception&) {
-        // The connection has gone, and the transaction with it.
+        // The connection is lost, and the transaction with it.
     }
 }
 

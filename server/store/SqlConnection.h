@@ -11,7 +11,7 @@
 
 namespace kel::server {
 
-/// A parameter of a statement. A text has to live until the statement ran.
+/// A parameter of a statement. A text has to live until the statement has run.
 using SqlValue = std::variant<std::int64_t, std::string_view>;
 
 /// A row of an answer, read column by column in the order of the SELECT.
@@ -39,21 +39,21 @@ private:
 
 using SqlRows = std::vector<SqlRow>;
 
-/// Bytes of a database.
+/// The size of a database in bytes.
 struct DatabaseSize {
-    std::int64_t used = 0;      // what is stored takes
-    std::int64_t reusable = 0;  // left by what was deleted, for what is stored next; 0 when not known
+    std::int64_t used = 0;      // by stored data
+    std::int64_t reusable = 0;  // freed by deletions, for new data; 0 when not known
 };
 
 /// A connection to a database, for one thread at a time. Everything throws Fault 503 with the database's own
-/// words when it fails, NoRoom when the disk is full.
+/// message when it fails, NoRoom when the disk is full.
 class SqlConnection {
 public:
     virtual ~SqlConnection() = default;
 
-    /// Runs one statement, with $1, $2 and so on for the values; its rows. Statements are prepared once, so
-    /// their texts come from a small set. Throws Fault 400 for a text that is not UTF-8 or has a NUL, which
-    /// not every database takes.
+    /// Runs one statement, with $1, $2 and so on for the values, and returns its rows. Statements are
+    /// prepared once, so their texts have to come from a small set. Throws Fault 400 for a text that is not
+    /// UTF-8 or has a NUL, which not every database accepts.
     SqlRows Query(const std::string& sql, const std::vector<SqlValue>& values = {});
     /// Runs several statements without values.
     virtual void Execute(const std::string& sql) = 0;
@@ -61,11 +61,12 @@ public:
     virtual void Begin() = 0;
     /// Whether the connection can no longer be used.
     virtual bool IsBroken() = 0;
-    /// Whether the database takes writes; one that does not breaks the connection, as another may.
+    /// Whether the database accepts writes. If it does not, the connection counts as broken, as another
+    /// server may accept them.
     virtual bool IsWritable() = 0;
     virtual DatabaseSize Size() = 0;
 
-    /// A prefix that keeps a column from its index; empty where the database chooses well by itself.
+    /// A prefix that keeps the database from using a column's index; empty where it chooses well by itself.
     virtual std::string_view UnindexedPrefix() const { return {}; }
     /// The end of a SELECT whose rows are about to be deleted, so that two deletions do not wait for each
     /// other; empty where only one connection can write.
@@ -75,17 +76,17 @@ public:
     /// The end of a SELECT whose rows of `report` must not be deleted before the statement's end; empty where
     /// only one connection can write.
     virtual std::string_view ShareReports() const { return {}; }
-    /// How many rows with large texts are worth one statement: many where each statement costs a journey over
-    /// a network, few where the length of a text is only known by reading it.
+    /// How many rows with large texts one statement should read: many where each statement costs a network
+    /// round trip, few where the length of a text is only known by reading it.
     virtual std::size_t LargeRowsAtOnce() const = 0;
-    /// Removes what was deleted from the write-ahead log, unless somebody reads by it; does nothing for a
-    /// database that looks after its log itself.
+    /// Removes deleted data from the write-ahead log, unless a reader still uses it; does nothing for a
+    /// database that manages its log itself.
     virtual void TruncateWriteAheadLog() {}
     /// The greatest id below which no further report will appear. Reports that arrive together may be
     /// committed in another order than that of their ids, so a reader that pages by id would miss some.
     virtual std::int64_t LastStableReportId() { return std::numeric_limits<std::int64_t>::max(); }
 
-    /// The statements that lead from each version of the tables to the next, from nothing on.
+    /// The statements that lead from each version of the tables to the next, starting from nothing.
     virtual std::span<const char* const> Migrations() const = 0;
     /// The version of the tables, 0 for an empty database. Throws std::runtime_error when it is another
     /// program's.
@@ -98,7 +99,7 @@ protected:
     virtual SqlRows Run(const std::string& sql, const std::vector<SqlValue>& values) = 0;
 };
 
-/// What happens until Commit is one step; without it, none of it happened.
+/// A transaction: everything until Commit takes effect together, or not at all without it.
 class SqlTransaction {
 public:
     explicit SqlTransaction(SqlConnection& connection, void (SqlConnection::*begin)() = &SqlConnection::Begin)

@@ -15,7 +15,7 @@ constexpr std::chrono::seconds RetryPause{1};
 
 SqlPool::Lease SqlPool::Borrow()
 {
-    // Closed when the lock is given up: that takes a while.
+    // Destroyed after the lock is released, since closing takes a while.
     std::vector<std::unique_ptr<SqlConnection>> broken;
     const auto end = steady_clock::now() + Patience;
     std::unique_lock lock(turn);
@@ -29,10 +29,10 @@ SqlPool::Lease SqlPool::Borrow()
                 return {*this, std::move(connection)};
             continue;
         }
-        // A database that does not answer costs one request now and then its patience, not every one.
+        // While the database does not answer, only one request now and then waits for it, not every one.
         if (lent == 0)
             throw Fault(Unavailable, failure);
-        // While others work, one of theirs will do; where another can be opened, that is tried meanwhile.
+        // While connections are lent, wait for one of them, and try to open another from time to time.
         const auto now = steady_clock::now();
         if (now >= end)
             throw Fault(Unavailable, lent < maxCount ? failure : "database: no connection becomes free");
@@ -40,7 +40,7 @@ SqlPool::Lease SqlPool::Borrow()
     }
 }
 
-/// The lock is held, before and after.
+/// The lock is held before and after.
 std::unique_ptr<SqlConnection> SqlPool::TakeFree(std::vector<std::unique_ptr<SqlConnection>>& broken)
 {
     while (!free.empty()) {
@@ -53,7 +53,7 @@ std::unique_ptr<SqlConnection> SqlPool::TakeFree(std::vector<std::unique_ptr<Sql
     return nullptr;
 }
 
-/// Counts the connection as lent, and opens it without the lock. Null when it cannot be opened.
+/// Counts a connection as lent, and opens it with the lock released. Null when it cannot be opened.
 std::unique_ptr<SqlConnection> SqlPool::TryOpen(std::unique_lock<std::mutex>& lock)
 {
     ++lent;

@@ -12,13 +12,12 @@
 
 namespace kel::server {
 
-/// Connections to a database, opened as they are needed and lent to one thread at a time. A broken one is
-/// replaced.
+/// Connections to a database, opened on demand and lent to one thread at a time. Broken ones are replaced.
 class SqlPool {
 public:
     using Open = std::function<std::unique_ptr<SqlConnection>()>;
 
-    /// A connection until the lease ends.
+    /// A connection that is returned when the lease ends.
     class Lease {
     public:
         Lease(SqlPool& pool, std::unique_ptr<SqlConnection> connection)
@@ -43,11 +42,11 @@ public:
 
     SqlPool(Open open, std::size_t maxCount) : open(std::move(open)), maxCount(maxCount) {}
 
-    /// Waits some seconds for a connection; throws Fault 503 when none becomes free. Where no other can be
-    /// opened, it waits for one of those that are lent, and throws at once when there are none.
+    /// Waits some seconds for a connection; throws Fault 503 when none becomes free. When no other can be
+    /// opened, it waits for one of those that are lent, and throws at once when none is lent.
     Lease Borrow();
-    /// A connection that breaks in one of the pools breaks those that rest in the others: SQLite shares
-    /// what it knows of a file among all connections of a process.
+    /// Joins pools: when a connection breaks in one of them, the idle ones in the others count as broken,
+    /// too, since SQLite shares its state of a file among all connections of a process.
     static void Join(const std::vector<std::shared_ptr<SqlPool>>& pools);
 
 private:
@@ -62,7 +61,7 @@ private:
     std::condition_variable returned;
     std::vector<std::unique_ptr<SqlConnection>> free;
     std::size_t lent = 0;
-    std::chrono::steady_clock::time_point retry;  // until then opening fails with what it failed with
+    std::chrono::steady_clock::time_point retry;  // until then opening fails with the last failure
     std::string failure;
     std::vector<SqlPool*> joined = {this};
 };

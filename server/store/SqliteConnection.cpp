@@ -17,7 +17,7 @@ constexpr int LogMilliseconds = 200;
 constexpr std::int64_t ApplicationId =
     0x4B454C53;  // "KELS": distinguishes the file from other programs' databases
 
-/// Gives up a statement's rows and values at the end, and the lock on the file with them.
+/// Resets a statement at the end of its use, which releases its values and the lock on the file.
 class Use {
 public:
     explicit Use(sqlite3_stmt* statement) : statement(statement) {}
@@ -56,7 +56,7 @@ std::string Column(sqlite3_stmt* statement, int column)
                 : std::string();
 }
 
-/// What the other database and newer versions of this one have, too.
+/// SQL's octet_length, which PostgreSQL and newer versions of SQLite have.
 void OctetLength(sqlite3_context* context, int, sqlite3_value** values)
 {
     sqlite3_result_int(context, sqlite3_value_bytes(*values));
@@ -66,7 +66,7 @@ void OctetLength(sqlite3_context* context, int, sqlite3_value** values)
 
 SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durability durability) : path(path)
 {
-    // Another kind of address, or a mistyped one, may have a password, which is not repeated.
+    // Another kind of address, or a mistyped one, may contain a password, so it is not repeated.
     if (LooksLikeAddress(path))
         throw std::runtime_error("the database is neither a file nor an address of PostgreSQL");
     sqlite3* opened = nullptr;
@@ -80,7 +80,7 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
     sqlite3_busy_timeout(opened, BusyMilliseconds);
     sqlite3_create_function(opened, "octet_length", 1, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
                             OctetLength, nullptr, nullptr);
-    // Deleted data are overwritten, whatever the library was built for.
+    // Deleted data are overwritten, whatever the library's build options are.
     Execute("PRAGMA journal_mode = WAL; PRAGMA foreign_keys = ON; PRAGMA secure_delete = ON");
     Execute(durability == Durability::Full ? "PRAGMA synchronous = FULL" : "PRAGMA synchronous = NORMAL");
     identity = FileIdentity::Of(path);
@@ -135,7 +135,7 @@ DatabaseSize SqliteConnection::Size()
 
 void SqliteConnection::TruncateWriteAheadLog()
 {
-    // Nobody can write meanwhile, so a long reader, such as a backup, is not waited for.
+    // Writers are blocked meanwhile, so do not wait for a long reader, such as a backup.
     sqlite3_busy_timeout(Get(), LogMilliseconds);
     Query("PRAGMA wal_checkpoint(TRUNCATE)");
     sqlite3_busy_timeout(Get(), BusyMilliseconds);
@@ -176,7 +176,7 @@ sqlite3_stmt* SqliteConnection::Prepare(const std::string& sql)
 
 void SqliteConnection::Fail()
 {
-    // What a file that could not be written was when it was opened would stay so for this connection.
+    // For this connection, a file that was not writable when it was opened would stay so.
     const int code = sqlite3_errcode(Get());
     broken = broken || code == SQLITE_READONLY || code == SQLITE_IOERR || code == SQLITE_CANTOPEN ||
              code == SQLITE_CORRUPT || code == SQLITE_NOTADB;

@@ -22,7 +22,7 @@ public:
 
     void Execute(const std::string& sql) override;
     void Begin() override { Execute("BEGIN IMMEDIATE"); }
-    /// Also when the file has been removed or replaced: what is written to it then is lost.
+    /// Also true when the file has been removed or replaced, since writes to it would be lost.
     bool IsBroken() override;
     bool IsWritable() override;
     DatabaseSize Size() override;
@@ -54,7 +54,7 @@ private:
     std::unique_ptr<sqlite3, Close> database;
     FileIdentity identity;
     std::unordered_map<std::string, Statement> statements;
-    bool broken = false;  // what the file is has changed, and another connection may see more
+    bool broken = false;  // the state of the file has changed, and a new connection may work
 };
 
 }  // namespace kel::server

@@ -35,18 +35,19 @@ class Verdicts {
 public:
     explicit Verdicts(Database& database) : database(database) {}
 
-    /// Saves a verdict; a later one of the same report and set replaces it. When the report has been deleted
-    /// meanwhile, nothing happens. Throws NoRoom where room for reports has been short for long.
+    /// Saves a verdict; a later one on the same report by the same set replaces it. When the report has been
+    /// deleted meanwhile, nothing happens. Throws NoRoom when less than half of the room that reports need is
+    /// free.
     void Save(const NewVerdict& verdict);
     /// The verdicts on a report, the newest requirements first.
     std::vector<StoredVerdict> OnReport(std::int64_t report);
-    /// Passes the newest verdicts by a referrer's requirements of any version, `count` at most, to `use`, the
-    /// newest report and the newest requirements first, until it returns false. Few statements: each reads
-    /// many verdicts, 4 MB at most.
+    /// Passes the newest verdicts by any version of a referrer's requirements, at most `count`, to `use`, the
+    /// newest report and the newest requirements first, until it returns false. Each statement reads many
+    /// verdicts, at most 4 MB.
     void ForEachRecent(const std::string& referrer, int count,
                        const std::function<bool(const StoredVerdict&)>& use);
-    /// For each of the referrers: how many sessions have which total in their newest verdict, among the
-    /// `count` newest verdicts by the referrer's requirements.
+    /// For each of the referrers, counts the sessions by the total of their newest verdict, among the `count`
+    /// newest verdicts by the referrer's requirements.
     std::vector<Counts> CountRecent(const std::vector<std::string>& referrers, int count);
 
 private:

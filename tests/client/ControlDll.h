@@ -49,8 +49,8 @@ private:
     OwnedLibrary library;
 };
 
-/// The text that a member gives, with its zeros; the empty text for none. The member returns S_OK, or that a
-/// fault did not let the text be allocated.
+/// The text that a member returns, with its zeros; the empty text for none. The member has to return S_OK, or
+/// E_OUTOFMEMORY when a fault prevented the text's allocation.
 template <typename Member, typename... Texts>
 std::wstring Get(const Microsoft::WRL::ComPtr<ISysInfo>& control, Member member, Texts... texts)
 {

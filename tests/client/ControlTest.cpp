@@ -34,7 +34,7 @@ struct Control : testing::Test {
     }
 };
 
-TEST_F(Control, HasItsMembersInTheSlotsAndUnderTheIdsThatClientsWereBuiltWith)
+TEST_F(Control, KeepsVtableSlotsAndDispatchIds)
 {
     IID built = {};
     IIDFromString(L"{6F1D2B84-3A5C-4E97-B0D8-52C7A9E4F613}", &built);
@@ -64,7 +64,7 @@ TEST_F(Control, HasItsMembersInTheSlotsAndUnderTheIdsThatClientsWereBuiltWith)
               L"11 Debug get 1\n11 Debug put 1\n12 Configure call 1\n");
 }
 
-TEST_F(Control, CountsObjectsAndLocksAndLendsItsInterfacesToAnAggregatingObject)
+TEST_F(Control, CountsObjectsAndLocksAndSupportsAggregation)
 {
     EXPECT_EQ(dll.CanUnload(), S_FALSE);
     dll.Factory()->LockServer(TRUE);
@@ -89,7 +89,7 @@ TEST_F(Control, CountsObjectsAndLocksAndLendsItsInterfacesToAnAggregatingObject)
     EXPECT_EQ(dll.CanUnload(), S_OK);
 }
 
-TEST_F(Control, TellsTheSafetyOptionsThatAreSet)
+TEST_F(Control, ReportsItsSafetyOptions)
 {
     ComPtr<IObjectSafety> safety;
     control->QueryInterface(IID_IObjectSafety, reinterpret_cast<void**>(safety.GetAddressOf()));
@@ -121,7 +121,7 @@ TEST_F(Control, KeepsItsSite)
     }
 }
 
-TEST_F(Control, LoadsWhatAPageGivesAndSavesNoSession)
+TEST_F(Control, LoadsPageParametersAndSavesNoSession)
 {
     const auto persist = As<IPersistPropertyBag>();
     test::PropertyBag bag, saved;
@@ -132,7 +132,8 @@ TEST_F(Control, LoadsWhatAPageGivesAndSavesNoSession)
     bag.values = {{L"LOGGING", L"5"}, {L"SESSION_ID", 42L}, {L"REFERRER_ID", L"demo"}, {L"DEBUG", L"0"}};
     EXPECT_EQ(persist->Load(&bag, nullptr), S_OK);
     EXPECT_EQ(Get(&ISysInfo::get_Logging), L"0");
-    bag.values = {{L"USER_ID", L"visitor"}, {L"DEBUG", dll.Factory().Get()}};  // no text can be made of that
+    bag.values = {{L"USER_ID", L"visitor"},
+                  {L"DEBUG", dll.Factory().Get()}};  // cannot be converted to a text
     std::map<std::wstring, _variant_t> expected = {{L"REFERRER_ID", L"demo"}, {L"USER_ID", L"visitor"}};
     for (const bool isDebug : {false, true}) {
         if (isDebug) {
@@ -151,7 +152,7 @@ TEST_F(Control, LoadsWhatAPageGivesAndSavesNoSession)
     EXPECT_EQ(classId, CLSID_SysInfo);
 }
 
-TEST_F(Control, GivesBackWhatItsPropertiesWereSetTo)
+TEST_F(Control, ReturnsThePropertiesThatWereSet)
 {
     const auto check = [this](const char* name, auto put, auto get,
                               std::initializer_list<std::pair<const wchar_t*, const wchar_t*>> rows) {
@@ -169,7 +170,7 @@ TEST_F(Control, GivesBackWhatItsPropertiesWereSetTo)
           {{L"12", L"7"}, {L"3x", L"3"}, {L"-2", L"-2"}, {L"abc", L"0"}});
 }
 
-TEST_F(Control, TakesNullPointersAndHugeTexts)
+TEST_F(Control, AcceptsNullPointersAndHugeTexts)
 {
     for (const HRESULT result :
          {control->put_SessionID(nullptr), control->put_UserID(nullptr), control->get_Version(nullptr),
@@ -201,7 +202,7 @@ TEST_F(Control, RegistersNothingWhenANameIsLookedUp)
     EXPECT_EQ(classes.Dump(), L"[]\n");
 }
 
-TEST_F(Control, IsRefusedToWhoAsksForWhatItIsNot)
+TEST_F(Control, RejectsUnknownClassesAndInterfaces)
 {
     const auto factory = dll.Factory();
     const auto getClassObject = dll.Entry<decltype(DllGetClassObject)>("DllGetClassObject");

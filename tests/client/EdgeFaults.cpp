@@ -23,7 +23,7 @@ namespace {
 using Word = std::uintptr_t;  // an argument or a result of any type
 using Any = Word(Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word, Word);
 
-constexpr std::string_view Answer = "71060|71063|71069|71207";  // of the service, to whatever it is asked
+constexpr std::string_view Answer = "71060|71063|71069|71207";  // of the service to every request
 Word now = 0, unread = 0;
 bool forbidsLogon = false;  // the request that is sent next
 std::array<char, 40> chosen = {};
@@ -37,7 +37,7 @@ T* At(Word address)
     return reinterpret_cast<T*>(address);
 }
 
-/// Functions that return the same when they fail, what they open or close, and what answers in their place.
+/// Functions that return the same when they fail, what they open or close, and what replaces them.
 struct Group {
     Word failure;
     long opens;
@@ -81,8 +81,8 @@ constexpr Group Groups[] = {
          const std::wstring_view line = At<wchar_t>(*a);
          return Word(broken += !line.empty() && line.find(L" | ") != line.rfind(L" | "));
      }},
-    // Wine's own look for the display device in the registry, where a scratch key stands, and use what they
-    // did not find.
+    // Wine's own functions look for the display device in the registry, where a scratch key is, and use it
+    // without checking that it was found.
     {Never, 0, "CreateDXGIFactory1 Direct3DCreate9Ex DllGetClassObject",
      [](const Word*) { return OutOfMemory; }},
     {0, Handle, "InternetOpenUrlW",
@@ -114,14 +114,14 @@ struct Function {
     const Group* group;
     Any* original = nullptr;
     bool isCalled = false;
-    long calls = 0;  ///< that could have failed
+    long calls = 0;  ///< those that could have failed
 };
 std::vector<Function> functions;
 
 void Hook(void** slot, std::string_view name);
 
-/// Takes the place of a function, with more arguments than any has. The one call that was chosen fails, or
-/// each allocation from the one chosen on.
+/// Replaces a function, and takes more arguments than any has. The chosen call fails, or each allocation from
+/// the chosen one on.
 template <std::size_t Slot>
 Word Stub(Word a, Word b, Word c, Word d, Word e, Word f, Word g, Word h, Word i, Word j, Word k, Word l)
 {
@@ -160,7 +160,7 @@ constexpr std::array<Any*, sizeof...(Slots)> Stubs(std::index_sequence<Slots...>
     return {&Stub<Slots>...};
 }
 
-/// Hooks a slot of a table of functions. A name that is not known leaves it as it is.
+/// Hooks a slot of a table of functions. An unknown name leaves it unchanged.
 void Hook(void** slot, std::string_view name)
 {
     static constexpr auto AllStubs = Stubs(std::make_index_sequence<80>());
@@ -219,7 +219,7 @@ void EdgeFaults::Arm(const char* fault)
 
 void EdgeFaults::Report()
 {
-    // The thread of the last exchange gives back what it has after the work is done.
+    // The thread of the last exchange releases what it has only after the work is done.
     for (long before = -1; before != open; Sleep(200))
         before = open;
     std::cout << "\nopen=" << open << " broken=" << broken << " failed=" << failed << " any=" << allocations;

@@ -5,9 +5,9 @@
 
 namespace kel::test {
 
-/// Stands between the DLL and the system, and makes calls fail. As the DLL is loaded, before it runs, its
-/// imports are hooked, and later what it looks up by name; it is the DLL that ships. The analysis service is
-/// answered from here, and the clock runs fast.
+/// Sits between the DLL and the system, and makes calls fail. The imports of the DLL, which is the one that
+/// ships, are hooked while it is loaded, before it runs; functions that it looks up by name are hooked later.
+/// The stubs also answer for the analysis service, and the clock runs fast.
 struct EdgeFaults {
     /// Takes effect when the DLL is loaded next.
     static void Install();
@@ -17,8 +17,8 @@ struct EdgeFaults {
     /// seventh on; null for none
     static void Arm(const char* fault = std::getenv("KEL_FAULT"));
 
-    /// Prints what is open and not whole, what failed last, and how often each function was called when it
-    /// could have failed: -1 for one that was never called.
+    /// Prints what is open and what is incomplete, what failed last, and how often each function was called
+    /// when it could have failed: -1 for one that was never called.
     static void Report();
 
     static bool FailsTexts() { return isLasting || failed == "SysAllocStringLen"; }

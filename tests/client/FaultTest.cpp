@@ -1,6 +1,5 @@
-// The control when the system fails it: in an allocation, or in a call of the system's that can fail. The
-// machine is examined once in a process, so each process has one fault, KEL_FAULT; fault_sweep.py starts
-// them.
+// The control when an allocation or a system call fails. The machine is examined once per process, so each
+// process has one fault, KEL_FAULT; fault_sweep.py starts the processes.
 #include <windows.h>
 
 #include <comutil.h>
@@ -42,7 +41,7 @@ struct Fault : testing::Test {
         EXPECT_EQ(EdgeFaults::withLogon, 0);
     }
 
-    /// Takes the fault away, and loads the DLL if it could not be loaded.
+    /// Removes the fault, and loads the DLL if it could not be loaded.
     void Recover()
     {
         EdgeFaults::isArmed = false;
@@ -54,7 +53,7 @@ struct Fault : testing::Test {
 };
 
 /// Uses a control, also through IDispatch.
-/// @return what it gave
+/// @return its texts
 std::wstring Use(const Control& control)
 {
     _bstr_t first;  // empty after a failure, and missing only where it could not be allocated
@@ -85,7 +84,7 @@ void Fault::CheckControl(const wchar_t* identifier)
     if (!control)
         control = dll->Create();
     EXPECT_EQ(Use(control), L"4.5.1.0me71060|71063|71069|71207 reported");
-    // One value of each detector that no source leaves empty.
+    // For each detector, one value that no source leaves empty.
     constexpr const wchar_t* Values[] = {L"71253", L"71094", L"71437", L"71069", L"71207", L"71382"};
     const auto isLost = [&](auto id) { return Get(control, &ISysInfo::get_Value, id).empty(); };
     const std::ptrdiff_t mayBeLost = EdgeFaults::failed.empty() ? 0 : EdgeFaults::isLasting ? 6 : 1;
@@ -143,7 +142,7 @@ TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
     EXPECT_EQ(install(true), S_OK);
     const std::wstring whole = classes();
     EXPECT_NE(FindResourceW(dll->Handle(), MAKEINTRESOURCEW(102), MAKEINTRESOURCEW(2)), nullptr);
-    // The classes of all users are those again, and not the user's.
+    // HKEY_CLASSES_ROOT stands for the classes of all users again, and not for the user's.
     EXPECT_NE(OpenKey(HKEY_CLASSES_ROOT, L"CLSID\\{4590F811-1D3A-11D0-891F-00AA004B2E24}", KEY_READ),
               nullptr);
     EXPECT_EQ(install(false), S_OK);

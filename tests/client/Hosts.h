@@ -1,4 +1,4 @@
-// What hosts of the control bring along: an apartment, a script's way to a member, an aggregating object, a
+// What hosts of the control provide: an apartment, a script's access to members, an aggregating object, a
 // property bag.
 #pragma once
 
@@ -16,7 +16,7 @@
 
 namespace kel::test {
 
-/// A COM apartment as long as it lives.
+/// A COM apartment while it exists.
 struct Apartment {
     explicit Apartment(DWORD kind = COINIT_APARTMENTTHREADED) { CoInitializeEx(nullptr, kind); }
     Apartment(const Apartment&) = delete;
@@ -80,7 +80,7 @@ public:
     {
         const VARTYPE asked = value->vt;
         if (asked == VT_BSTR && value->bstrVal != nullptr)
-            return E_UNEXPECTED;  // whose string that is, each host answers in its own way
+            return E_UNEXPECTED;  // hosts differ in who owns such a string
         const auto found = values.find(name);
         return found != values.end() ? VariantChangeType(value, &found->second, 0, asked) : E_INVALIDARG;
     }

@@ -1,4 +1,4 @@
-// The control in a host that lives long, and in one with two apartments.
+// The control in a long-lived host, and in one with two apartments.
 #include <windows.h>
 
 #include <comutil.h>
@@ -22,8 +22,8 @@ namespace {
 using Microsoft::WRL::ComPtr;
 using test::Get;
 
-/// What this process holds: the next handle and the next index for thread-local data, which are given out
-/// from the lowest, and private bytes.
+/// What this process holds: the next handle and the next index for thread-local data, of which the lowest
+/// free ones are assigned, and private bytes.
 std::array<std::size_t, 3> Holdings()
 {
     const HANDLE handle = CreateEventW(nullptr, TRUE, FALSE, nullptr);
@@ -35,8 +35,8 @@ std::array<std::size_t, 3> Holdings()
     return {reinterpret_cast<std::size_t>(handle), index, memory.PagefileUsage};
 }
 
-/// Creates and uses the given number of controls, every other one aggregated, and releases them in no order.
-/// The log, which grows by design, is left as it is.
+/// Creates and uses the given number of controls, every other one aggregated, and releases them in random
+/// order. The log, which grows by design, is left as it is.
 void Live(const test::ControlDll& dll, int count)
 {
     const std::wstring groups = L"<groups><group id='71465'><value>mine</value></group></groups>";
@@ -57,7 +57,7 @@ void Live(const test::ControlDll& dll, int count)
     }
 }
 
-TEST(Life, StaysInTheProcessOnceASessionLives)
+TEST(Life, KeepsTheModuleLoadedOnceASessionExists)
 {
     EXPECT_EQ(test::ControlDll().CanUnload(), S_OK);
     EXPECT_EQ(GetModuleHandleW(L"Detection.dll"), nullptr);
@@ -87,7 +87,7 @@ TEST(Life, KeepsALogLevelThatWasSetBeforeTheFirstSession)
     }
 }
 
-TEST(Life, OfTenThousandControlsLeavesNothing)
+TEST(Life, LeavesNothingAfterTenThousandControls)
 {
     const test::Apartment apartment;
     const test::ControlDll dll;
@@ -97,7 +97,7 @@ TEST(Life, OfTenThousandControlsLeavesNothing)
     const auto [handleAfter, indexAfter, bytesAfter] = Holdings();
     EXPECT_LE(handleAfter, handle);
     EXPECT_EQ(indexAfter, index);
-    // Were each control to leave 16 bytes, it would show; the system's allocator moves by some pages.
+    // If each control left 16 bytes, it would show; the system's allocator fluctuates by some pages.
     EXPECT_LE(bytesAfter, bytes + std::size_t{128} * 1024);
     EXPECT_EQ(dll.CanUnload(), S_OK);
 }
@@ -110,7 +110,7 @@ struct Apartments : testing::Test {
 
 TEST_F(Apartments, TakeTurns)
 {
-    // So long that one is likely to begin while the other copies.
+    // Long texts, so that one apartment is likely to begin while the other copies.
     const std::wstring wholes[] = {std::wstring(100'000, L'a'), std::wstring(100'000, L'b')};
     const auto use = [&](const std::wstring& whole) {
         const test::Apartment apartment;

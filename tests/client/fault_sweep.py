@@ -1,4 +1,4 @@
-"""A fault at every edge: each run of a test has a process of its own, and one call of the control's fails in it."""
+"""A fault at every edge: each run of a test is a separate process, in which one of the control's calls fails."""
 
 import os
 import re
@@ -10,11 +10,11 @@ from pathlib import Path
 WINE = Path(__file__).resolve().parents[2] / "scripts" / "wine_run.sh"
 TESTS = os.environ.get("KEL_CLIENT_TESTS", "build/release/tests/client_tests.exe")
 STRIDE = int(os.environ.get("KEL_FAULT_STRIDE", 0))  # over the calls of each function; 0: some of each
-HANDLE = 100000  # what counts as one open handle
+HANDLE = 100000  # the weight of one open handle
 
 
 class Run:
-    """A test with a fault, and what it reported; without a report when its process did not get so far."""
+    """A test with a fault, and what it reported; nothing when its process ended before."""
 
     def __init__(self, test, fault=""):
         self.fault = fault
@@ -30,13 +30,13 @@ class Run:
 
 
 def spread(count):
-    """Some of the numbers up to a count: the first, and of many others at even distances."""
+    """Some of the numbers up to a count: the first, and others at even distances."""
     return range(1, count + 1, STRIDE or max(1, count // (1 + abs(count) // 100)))
 
 
 class Sweep(unittest.TestCase):
     def sweep(self, test, lasting=False, like={}):
-        """Has a test done again and again, leaving out the functions that a like one called as often: the calls in it."""
+        """Repeats a test, without the functions that a similar test called as often. Returns the calls in it."""
         clean = Run(test)
         self.assertTrue(clean.is_well, clean.output)
         self.assertLess(clean.open, HANDLE, "a handle stays open")
@@ -54,7 +54,7 @@ class Sweep(unittest.TestCase):
         print(f"{test}: {len(faults)} of {possible} calls")
         return clean.calls
 
-    def test_the_control_works_after_each_call_that_failed(self):
+    def test_the_control_works_after_each_failed_call(self):
         known = self.sweep("LeavesAControlThatWorks")
         runs = (known, self.sweep("LeavesAControlThatWorksOnANewMachine", like=known),
                 self.sweep("LeavesAControlThatWorksOnANewMachine", lasting=True),

@@ -22,7 +22,7 @@ struct Members : testing::Test {
     _bstr_t text;
 };
 
-TEST_F(Members, TraceTheStepsOfARunInTheirOrder)
+TEST_F(Members, TraceTheStepsOfARunInOrder)
 {
     const test::LogCapture log(4);
     control->get_System(nullptr, text.GetAddress());
@@ -55,7 +55,7 @@ TEST_F(Members, TraceTheStepsOfARunInTheirOrder)
               L"CSysInfo::Configure kel::System::SetConfiguration kel::SystemValues::AddValues ");
 }
 
-TEST_F(Members, LogTheLevelAndWhatFailsInThem)
+TEST_F(Members, LogTheLevelAndTheirFailures)
 {
     static_cast<void>(System::Instance());
     const test::LogCapture log(4);

@@ -26,7 +26,7 @@ TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
     }
 }
 
-TEST(Registrar, WritesTheScriptAndTakesItBack)
+TEST(Registrar, WritesTheScriptAndRemovesItAgain)
 {
     const test::ScratchKey root;
     root.Write(L"Kept", L"other", L"stays");

@@ -9,7 +9,7 @@
 namespace kel {
 namespace {
 
-/// What the catalogue says of an id.
+/// What the catalogue says about an id.
 struct Entry {
     std::string detector;
     std::string type;
@@ -53,14 +53,14 @@ Catalogue ListDetectors()
     return catalogue;
 }
 
-/// One entry of an id, or that there is none or several.
+/// The entry of an id, or a text that says that there is none or several.
 Entry Only(const Catalogue& catalogue, unsigned id)
 {
     const auto count = catalogue.count(id);
     return count == 1 ? catalogue.find(id)->second : Entry{std::to_string(count) + " entries", ""};
 }
 
-TEST(Catalogue, HasWhatTheDetectorsStore)
+TEST(Catalogue, ListsEveryStoredFact)
 {
     const Catalogue written = ReadCatalogue(), stored = ListDetectors();
     ASSERT_FALSE(written.empty()) << KEL_CATALOGUE;

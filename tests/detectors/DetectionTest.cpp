@@ -15,7 +15,7 @@ struct BrokenSession : test::TestSession {
     SystemValues& Values() override { throw 1; }
 };
 
-TEST(Detectors, FailEachWithItsLineAndTheNextRuns)
+TEST(Detectors, LogOneLineEachWhenTheyFailAndTheNextRuns)
 {
     BrokenSession session;
     session.wanted.Assign(L"71069", L"");

@@ -10,7 +10,7 @@
 namespace kel {
 namespace {
 
-TEST(Memory, ComesFromTheNewerFunctionOrTheOlder)
+TEST(Memory, IsReadByTheNewerFunctionOrTheOlderOne)
 {
     const MemoryInfo newer = ReadMemory({[](MEMORYSTATUSEX* status) -> BOOL {
         EXPECT_EQ(status->dwLength, 64U);
@@ -47,7 +47,7 @@ BOOLEAN WINAPI Capabilities(SYSTEM_POWER_CAPABILITIES* capabilities)
     return Succeeds;
 }
 
-TEST(Chassis, IsPortableOnALongTermBatteryOnly)
+TEST(Chassis, IsPortableOnlyWithALongTermBattery)
 {
     EXPECT_TRUE(HasLongTermBattery(&Capabilities<true, true, false>));
     EXPECT_FALSE(HasLongTermBattery(&Capabilities<true, true, true>));

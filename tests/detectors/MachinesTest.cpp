@@ -15,15 +15,15 @@ using test::Lines;
 /// The machine's own processors, locale and identifier, which no test plants.
 constexpr unsigned OfThisMachine[] = {71207, 71254, 71257, 71388};
 
-/// What people choose and what distinguishes one machine from its equals: planted in device ids, names of
-/// networks, endpoints, folders, programs and shares, in WMI's objects, in EDIDs (as a number and as a text),
-/// and as addresses.
+/// Names that people choose, and data that distinguish a machine from others of its model: planted in device
+/// ids, names of networks, endpoints, folders, programs and shares, in WMI's objects, in EDIDs (as a number
+/// and as a text), and as addresses.
 constexpr const wchar_t* Personal[] = {L"ANNA",       L"SERIAL-4711",  L"0211223344", L"0211-22", L"02-11-22",
                                        L"02:11:22",   L"G3D7F68O0LLB", L"810306626",  L"DIARY",   L"44.55",
                                        L"FILESERVER", L"TSCLIENT",     L"C:\\",       L"\\\\",    L"192.0.2"};
 
-/// Of what was stored, the lines whose ids are in one of the ranges that a machine was described with last;
-/// all without any.
+/// The stored lines whose ids are in one of the ranges that a machine's last description names; all if it
+/// names none.
 Lines Chosen(const Lines& stored, const Lines& described)
 {
     const std::wstring ranges = described.empty() ? L"" : described.back();
@@ -39,7 +39,7 @@ Lines Chosen(const Lines& stored, const Lines& described)
     return chosen;
 }
 
-/// As one text, of which a failure shows the lines that differ.
+/// The lines as one text, so that a failure shows those that differ.
 std::string Join(const Lines& lines)
 {
     std::string joined;
@@ -48,7 +48,7 @@ std::string Join(const Lines& lines)
     return joined;
 }
 
-/// Of the log, errors and warnings, but for what the key of a display driver lacks.
+/// The errors and warnings of the log, without those about missing values of a display driver's key.
 Lines Complaints(Lines log)
 {
     std::erase_if(log, [](const std::wstring& line) {
@@ -58,7 +58,7 @@ Lines Complaints(Lines log)
     return log;
 }
 
-/// The log but for the lines about what no test plants.
+/// The log without the lines about what no test plants.
 Lines WithoutThisMachine(Lines log)
 {
     std::erase_if(log, [](const std::wstring& line) {
@@ -68,7 +68,7 @@ Lines WithoutThisMachine(Lines log)
     return log;
 }
 
-/// Disks and volumes are asked without rights, and of volumes only the one of Windows and other fixed ones.
+/// Disks and volumes are opened without access rights, and only the volume of Windows and other fixed ones.
 void ExpectOnlyHarmless(const Lines& opened, const Lines& volumes)
 {
     for (const std::wstring& path : opened) {
@@ -94,7 +94,7 @@ std::set<unsigned> ListIds()
 
 struct Machines : testing::TestWithParam<const char*> {};
 
-TEST_P(Machines, ComeOutLineForLineAndTwiceTheSame)
+TEST_P(Machines, StoreTheExpectedValuesOnEveryRun)
 {
     test::FakeWmiData wmi;
     const test::FakeWmi fakeWmi(wmi);
@@ -129,7 +129,7 @@ TEST_P(Machines, ComeOutLineForLineAndTwiceTheSame)
     }
 }
 
-/// The ids that are detected only when they are wanted, but for the one that downloads.
+/// The ids that are detected only when they are wanted, except the one that takes a download.
 std::set<unsigned> ListGated()
 {
     std::set<unsigned> gated;
@@ -142,7 +142,7 @@ std::set<unsigned> ListGated()
     return gated;
 }
 
-/// What a machine stores of the facts that do not depend on what is wanted.
+/// The facts of a machine that do not depend on what is wanted.
 std::string StoreUngated(const test::Machine& machine, test::FakeWmiData& wmi,
                          const std::set<unsigned>& gated)
 {
@@ -151,7 +151,7 @@ std::string StoreUngated(const test::Machine& machine, test::FakeWmiData& wmi,
     return Join(stored);
 }
 
-TEST_P(Machines, StoreTheSameInTheOppositeOrderAndWhateverIsWanted)
+TEST_P(Machines, StoreTheSameInOppositeOrderAndForAnyWantedIds)
 {
     test::FakeWmiData wmi;
     const test::FakeWmi fakeWmi(wmi);

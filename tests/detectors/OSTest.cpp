@@ -23,7 +23,7 @@ OSInfo Info(DWORD major, DWORD minor, ProductType type, Architecture architectur
     return {true, 2, major, minor, 1, L"", 0, 0, suite, type, architecture, edition, false, 0};
 }
 
-TEST(OSName, IsCutAtItsLongest)
+TEST(OSName, IsTruncatedToItsMaximumLength)
 {
     OSInfo info = Info(5, 2, Server, X86);
     info.servicePack.assign(300, L'x');
@@ -31,7 +31,7 @@ TEST(OSName, IsCutAtItsLongest)
     EXPECT_EQ(BuildDisplayName(info).text, start + std::wstring(255 - start.size(), L'x'));
 }
 
-TEST(OSName, IsMissingForForeignSystems)
+TEST(OSName, IsEmptyForUnknownSystems)
 {
     OSInfo info = Info(4, 0, Workstation, X86);
     testing::internal::CaptureStdout();
@@ -68,7 +68,7 @@ TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)
     EXPECT_EQ(GetMachineIdentifier(), L"xyz");
     user.Write(key, L"Run", REG_DWORD, L"7", sizeof(DWORD));
     EXPECT_TRUE(std::regex_match(GetMachineIdentifier(), form));
-    for (const std::size_t length : {32767U, 32768U}) {  // the second is too long to be read, and somebody's
+    for (const std::size_t length : {32767U, 32768U}) {  // the second is too long to be read, so it is kept
         const std::wstring own(length, L'x');
         user.Write(key, L"Run", own);
         EXPECT_EQ(GetMachineIdentifier() == own, length == 32767U);

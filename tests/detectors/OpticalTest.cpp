@@ -10,7 +10,7 @@ namespace {
 
 using namespace test;
 
-TEST(OpticalAbilities, FollowFromRealNames)
+TEST(OpticalAbilities, AreReadFromRealNames)
 {
     int names = 0;
     for (const std::wstring& row : ReadRows("real_optical_drives.txt")) {
@@ -33,7 +33,7 @@ TEST(OpticalAbilities, FollowFromRealNames)
     }
 }
 
-TEST(OpticalAbilities, AreThoseOfAsManyMediaAsAreCounted)
+TEST(OpticalAbilities, AreReadFromTheCountedMediaOnly)
 {
     std::string answer = MediaTypes(FILE_DEVICE_CD_ROM, {{CD_R, MEDIA_WRITE_ONCE}, {DVD_ROM, 0}});
     EXPECT_EQ(ShowAbilities(ReadMediaTypes(std::as_bytes(std::span(answer))).has), L"Cd");

@@ -22,7 +22,7 @@ using testing::Contains, testing::Not;
 
 constexpr const wchar_t* ListKey = L"software\\microsoft\\windows\\currentversion\\uninstall";
 
-/// Of files, only programs of the tables; of keys, only their places.
+/// Expects that only files and keys were read that the tables name.
 void ExpectOnlyPlacesOfTables(const test::PlantedSoftware& planted)
 {
     constexpr const wchar_t* AppPaths = L"software\\microsoft\\windows\\currentversion\\app paths\\";
@@ -52,7 +52,7 @@ void ExpectOnlyPlacesOfTables(const test::PlantedSoftware& planted)
     }
 }
 
-TEST(Applications, LookForNoOthersAndStoreNothingOfThem)
+TEST(Applications, IgnoreProgramsOutsideTheTables)
 {
     test::Machine machine;
     machine.Add(
@@ -90,7 +90,7 @@ struct FaultySoftware : testing::Test {
     test::PlantedSoftware planted{machine};
 };
 
-TEST_F(FaultySoftware, GivesNoValueOfAWrongType)
+TEST_F(FaultySoftware, IgnoresValuesOfAWrongType)
 {
     for (const DWORD type :
          std::initializer_list<DWORD>{REG_NONE, REG_BINARY, REG_DWORD, REG_MULTI_SZ, REG_QWORD, 0xFFFF0007}) {
@@ -99,7 +99,7 @@ TEST_F(FaultySoftware, GivesNoValueOfAWrongType)
     }
 }
 
-TEST_F(FaultySoftware, GivesWhatTheOtherSourcesHaveWhenOneFails)
+TEST_F(FaultySoftware, KeepsOtherSourcesWhenOneFails)
 {
     int refused = 0;
     planted.functions.relatedProduct = [&refused](auto...) -> UINT {
@@ -129,7 +129,7 @@ TEST_F(FaultySoftware, GivesWhatTheOtherSourcesHaveWhenOneFails)
     EXPECT_EQ(session.Text(73240), L"");  // of which reading threw
 }
 
-TEST(Applications, AskEachOfTenThousandEntriesForItsNameOnly)
+TEST(Applications, ReadOnlyTheNamesOfTenThousandOtherEntries)
 {
     test::PlantedSoftware planted{test::Machine()};
     const auto open = planted.functions.openKey;

@@ -10,7 +10,7 @@
 namespace kel {
 namespace {
 
-TEST(Volumes, AgreeWithTheSystemButForTheLabelAndLeaveTheErrorModeAsItWas)
+TEST(Volumes, AgreeWithTheSystemAndRestoreTheErrorMode)
 {
     ASSERT_TRUE(SetVolumeLabelW(L"C:\\", L"SERIAL-4711"));
     const test::TestSession session;
@@ -36,7 +36,7 @@ TEST(Volumes, AgreeWithTheSystemButForTheLabelAndLeaveTheErrorModeAsItWas)
     SetThreadErrorMode(before, nullptr);
 }
 
-TEST(Volumes, AreNoneAfterAnErrorInTheirList)
+TEST(Volumes, AreEmptyAfterAnErrorInTheirList)
 {
     VolumeFunctions functions = VolumeFunctions::OfSystem();
     functions.getLogicalDrives = []() -> DWORD { throw 1; };

@@ -18,7 +18,7 @@ using testing::EndsWith;
 
 std::wstring debugged;
 
-/// Sees the debugger output as a debugger does; some systems pass its narrow form only.
+/// Receives the debugger output as a debugger does; some systems pass only its narrow form.
 LONG CALLBACK NoteDebugged(EXCEPTION_POINTERS* pointers)
 {
     constexpr DWORD WideOutput = 0x4001000A, NarrowOutput = 0x40010006;
@@ -32,7 +32,7 @@ LONG CALLBACK NoteDebugged(EXCEPTION_POINTERS* pointers)
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-TEST(Log, WritesLinesOfItsLevelAlsoAfterATextThatCannotBeWritten)
+TEST(Log, WritesLinesOfItsLevelEvenAfterAFailedWrite)
 {
     Log log;
     log.Write(LogError, L"no level is set");
@@ -79,7 +79,7 @@ TEST(Log, PrefixesLinesWithTimeSecondsWordAndIndentation)
     EXPECT_THAT(log.Prefix(LogError), EndsWith(L" | . "));
 }
 
-TEST(LogScope, IndentsByAtMostTenAndWritesItsExitLineThoughTracingWasTurnedOff)
+TEST(LogScope, IndentsAtMostTenStepsAndAlwaysWritesItsExitLine)
 {
     const test::LogCapture log(LogMark);
     {
@@ -95,7 +95,7 @@ TEST(LogScope, IndentsByAtMostTenAndWritesItsExitLineThoughTracingWasTurnedOff)
     EXPECT_EQ(log.Lines().size(), 22U);
 }
 
-TEST(Log, WritesItsSecondsAsAStreamWouldAndLeavesTheLocaleAlone)
+TEST(Log, WritesSecondsLikeAStreamAndLeavesTheLocaleAlone)
 {
     for (std::uint64_t number = 0; number < 1ULL << 32; number += 1 + number / 700 + number % 3) {
         const auto milliseconds = static_cast<std::uint32_t>(number);

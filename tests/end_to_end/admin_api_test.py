@@ -50,7 +50,7 @@ class Programs(AdminTest):
         for after, form in ((7, "csv"), (8, "csv"), (8, "json")):
             self.assertLess(len(str(self.get(f"reports?after={after}&format={form}"))), 5_000_000, (after, form))
 
-    def test_no_cell_computes_whatever_separates(self):
+    def test_no_cell_is_computed_with_any_separator(self):
         texts = ("=1", "+1", "-1", "@a", "\uff1d1", "\uff0b1", "\uff0d1", "\uff20a", ' =1', '"=1')
         values = [*texts, *(f"x{separator}{text}" for separator in ";\t\n" for text in texts)]
         for number, value in enumerate(values):
@@ -63,7 +63,7 @@ class Programs(AdminTest):
                 for cell in row:
                     self.assertNotRegex(cell, '^[ "]*[-=+@\uff1d\uff0b\uff0d\uff20]', f"separated by {separator!r}")
 
-    def test_parameters_that_are_not_known_or_repeated_are_refused(self):
+    def test_unknown_and_repeated_parameters_are_refused(self):
         listed = ["after", "count", "format"]
         for path, name, allowed in (
                 ("reports?referrer=demo", "referrer", listed), ("reports?after=0&After=1", "After", listed),
@@ -108,7 +108,7 @@ class Programs(AdminTest):
         self.assertEqual(answer.status, 422)
         self.assertIn("line 1", json.loads(text)["error"])
 
-    def test_programs_need_a_token_of_somebody_who_may(self):
+    def test_programs_need_a_token_with_the_right_role(self):
         reader = {"Authorization": "bearer " + self.run_command("token", "add", "Rita", "1").stdout.strip()}
         cookie = self.log_in()
         form = self.token(cookie)

@@ -61,7 +61,7 @@ class Editing(AdminTest):
             kept = [(size,)] if status == 303 else []
             self.assertEqual(self.database.run("SELECT length(text) FROM draft"), kept, size)
 
-    def test_a_draft_is_checked_and_keeps_what_was_typed(self):
+    def test_a_draft_is_checked_and_keeps_the_typed_text(self):
         begun = self.page("/products/demo/requirements", self.cookie).data
         self.assertIn('[\n    {\n      "id": 71063,\n', begun)  # what came in a single line can be edited
         good = requirements((1, "A", "any"), (2, "B", "any"))
@@ -77,7 +77,7 @@ class Editing(AdminTest):
             self.assertEqual(kept, text.replace("\r\n", "\n"))
         self.assertEqual(self.database.run("SELECT * FROM draft"), [])
 
-    def test_a_draft_is_tried_published_and_judges(self):
+    def test_a_draft_is_tried_and_published_and_judges(self):
         self.assertEqual(self.judged("s5"), "pass")
         _, page = self.act("try", self.stricter)
         self.assertIn("Of the last 8 sessions 2 would pass, today 4. 6 would fail, today 4; 0 would be unknown, today 0.", page)
@@ -116,7 +116,7 @@ class Editing(AdminTest):
                     self.assertIn(note, rows[number][1], f"{action} {number}")
             self.assertNotIn("Not asked for by", rows["71063"][1], action)
 
-    def test_what_takes_long_is_left_out(self):
+    def test_figures_that_take_too_long_are_left_out(self):
         self.upload("large", v71060="\u00e9" * 64_000)
         self.judged("large")
         self.database.run("DELETE FROM report WHERE id < 10")
@@ -133,7 +133,7 @@ class Editing(AdminTest):
             self.assertLess(time.monotonic() - start, 10)
             self.assertRegex(page, r"the last \d{1,3} sessions \(older ones are left out")
 
-    def test_two_editors_lose_nothing(self):
+    def test_conflicting_edits_are_not_lost(self):
         for action, revision, path in (("save", 0, "requirements"), ("save", 7, "requirements"), ("publish", 0, "requirements"),
                                        ("", 7, "publish"), ("", 7, "drop")):
             self.database.run("DELETE FROM draft")

@@ -15,7 +15,7 @@ SAFETY = {"Content-Security-Policy": "default-src 'none'; style-src 'self'; img-
 class Entry(AdminTest):
     settings = ("--session-hours", "7")
 
-    def test_only_who_has_an_account_gets_in(self):
+    def test_only_accounts_can_log_in(self):
         for name, password, status in (("Edith", "wrong", 403), ("edith", PASSWORD, 403), ("", "", 403), ("Edith", "", 403),
                                        ("Edith", PASSWORD + " ", 403), ("Edith", "x" * 5000, 403), ("Edith", PASSWORD, 303)):
             self.assertEqual(self.status("POST", "/login", {"name": name, "password": password}), status, (name, password))
@@ -63,7 +63,7 @@ class Entry(AdminTest):
         self.assertEqual(self.status("POST", "/login", {"name": "Rita", "password": "wrong"}, second), 403)
         self.assertEqual(self.status("GET", "/", cookie=second), 200)  # a log-in that failed ends nothing
 
-    def test_guesses_get_slower(self):
+    def test_guesses_are_slowed_down(self):
         guess = {"name": "Edith", "password": "wrong"}
         entries = [self.visit("POST", "/login", {"name": "Edith", "password": PASSWORD})[0] for _ in range(2)]
         known, other = (re.match("[^;]*", answer.headers.get_all("Set-Cookie")[1])[0] for answer in entries)
@@ -158,7 +158,7 @@ class Entry(AdminTest):
             self.assertFalse({"/audit", "/new", "/products/demo/publish", "/reports/1/delete"} & set(page.links), path)
         self.assertEqual(self.status("GET", "/products/unknown/requirements", cookie=cookie), 404)
 
-    def test_every_answer_is_kept_from_doing_harm(self):
+    def test_every_answer_has_safe_headers(self):
         cookie = self.log_in()
         for path, status in (("/", 200), ("/style.css", 200), ("/login", 303), ("/nothing", 404), ("/reports/9", 404),
                              ("/reports/x", 404), ("/reports/-1", 404), ("/products/%3Cb%3E", 404), ("/products/", 404),
@@ -180,7 +180,7 @@ class Entry(AdminTest):
         answer, text = self.visit("GET", "/reports", cookie=cookie)
         self.assertEqual((answer.status, "Try again in a moment" in text, "gone" in text), (503, True, False))
 
-    def test_commands_refuse_what_is_no_account(self):
+    def test_commands_refuse_invalid_accounts(self):
         for role, name, password, reason in (("owner", "A", PASSWORD, "editor or reader"), ("reader", "", PASSWORD, "a name has"),
                                              ("reader", "a\nb", PASSWORD, "a name has"),
                                              ("reader", "a\tb", PASSWORD, "a name has"),

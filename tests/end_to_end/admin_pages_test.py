@@ -13,7 +13,7 @@ HOSTILE = ("<script>alert(1)</script>", '"><img src=x onerror=alert(1)>', "javas
 
 
 class Pages(AdminTest):
-    def test_reports_are_filtered_and_paged_while_others_come_in(self):
+    def test_reports_are_filtered_and_paged_during_uploads(self):
         for number in range(1, 121):
             self.upload(f"s{number % 60}", "demo" if number % 2 else "<b>", v71063=f"{number % 8}.0 GB", v71254="8")
         for number in range(60):
@@ -47,7 +47,7 @@ class Pages(AdminTest):
         newer = next(link for link in self.page(f"/reports?referrer=demo&before={21}", cookie).links if "after=" in link)
         self.assertEqual(ids(newer), list(range(119, 20, -2)))
 
-    def test_a_report_shows_what_is_kept_and_its_session_can_be_deleted(self):
+    def test_a_report_shows_all_stored_data_and_its_session_can_be_deleted(self):
         self.upload("s", v71206="u1", v71207="m1", v71063="2.0 GB", v71254="8", v999="odd", v72510="No")
         self.judged("s")
         self.upload("s", v71063="8.0 GB")
@@ -91,7 +91,7 @@ class Pages(AdminTest):
         self.assertEqual(noted[:3], [("purged", "--older 90d, 0 reports"), ("purged", "--session, 1 reports"),
                                      ("published", "demo, version 1")])
 
-    def test_lines_count_by_themselves_and_by_their_version(self):
+    def test_lines_are_counted_separately_and_by_version(self):
         def publish(*lines):
             text = json.dumps({"title": "T", "requirements": [dict(zip(names, line)) for line in lines]})
             (self.folder / "demo.json").write_text(text)
@@ -162,7 +162,7 @@ class Pages(AdminTest):
         self.assertNotIn("too long here", products.data)
         self.assertEqual(products.cells(0, 3, 4, 5, 6)[1], ("demo", "1", "6", "1", "13 %"))
 
-    def test_stored_texts_come_out_as_texts(self):
+    def test_stored_texts_never_become_markup(self):
         names = ["plain"]
         for kind, texts in (("clean", ["plain"] * len(HOSTILE)), ("hostile", HOSTILE)):
             if kind == "hostile":

@@ -65,7 +65,7 @@ class Contract(DeployedTest):
         self.assertIn("<found>\x7f\u0085\ufffd\t\U0010ffff</found>",
                       self.ask("POST", "/service/Analysis/r", analysis("other"))[1].decode())
 
-    def test_a_verdict_comes_in_three_formats(self):
+    def test_a_verdict_has_three_formats(self):
         self.require("f", (1, "M", "at least", "4 GB", "not shown"), (2, "<b>", "equals", "'\"&é", "Do <i>"))
         self.ask("POST", UPLOAD, REPORT.format("s"))
         requests = (analysis("s", name).replace("<ItemID>i", "<ItemID>&quot;é") for name in ("2.0", "HTML", "json"))
@@ -86,7 +86,7 @@ class Contract(DeployedTest):
         self.assertEqual(content["requirements"][1], {"result": "unknown", "label": "<b>", "needed": "equals '\"&é", "found": "",
                                                       "advice": "Do <i>"})
 
-    def test_wrong_requests_get_an_error_and_the_service_goes_on(self):
+    def test_invalid_requests_get_an_error_and_the_service_continues(self):
         for verb, path, body, status in WRONG:
             with self.subTest(f"{verb} {path} {body}"):
                 self.assertEqual(self.ask(verb, path, body.encode("latin-1")), (int(status), b""))

@@ -20,7 +20,7 @@ from harness import PATIENCE
 class Crowds(DeployedTest):
     settings = ("--request-seconds", "2", "--idle-seconds", "2", "--connections", "220", "--bodies-mb", "4")
 
-    def test_slow_and_idle_clients_cost_the_others_nothing(self):
+    def test_slow_and_idle_clients_do_not_affect_others(self):
         slow = [self.connect(HEAD + b"Content-Length: 1000\r\n\r\n<") for _ in range(200)]
         idle = [self.connect() for _ in range(10)]
         start = time.monotonic()
@@ -44,7 +44,7 @@ class Crowds(DeployedTest):
         except OSError:
             pass  # the service has closed
 
-    def test_connections_are_counted_and_their_places_given_back(self):
+    def test_connections_are_counted_and_released(self):
         crowd = [self.connect() for _ in range(220)]
         self.ask("GET", "/healthz", address=self.admin)  # an endpoint of its own, open to the operator
         self.await_answer(self.status_or_nothing, b"")
@@ -52,7 +52,7 @@ class Crowds(DeployedTest):
             connection.close()
         self.await_answer(self.status_or_nothing, b"404")
 
-    def test_as_many_files_may_be_open_as_the_system_allows(self):
+    def test_the_limit_of_open_files_is_raised(self):
         soft, hard = resource.getrlimit(resource.RLIMIT_NOFILE)
         self.addCleanup(resource.setrlimit, resource.RLIMIT_NOFILE, (soft, hard))
         resource.setrlimit(resource.RLIMIT_NOFILE, (300, hard))
@@ -68,7 +68,7 @@ class Crowds(DeployedTest):
         except ConnectionError:
             return b""
 
-    def test_bodies_under_way_have_a_bound_together(self):
+    def test_bodies_in_progress_share_a_bound(self):
         self.stop()
         self.start("--request-seconds", "30")
         # Each kind has half of the room. A body takes it for each 8 KB before they come.
@@ -83,7 +83,7 @@ class Crowds(DeployedTest):
                 half.close()
             self.await_answer(lambda: [self.ask("POST", UPLOAD, padded(count))[0] for count in (16_384, 100_000)], [200, 200])
 
-    def test_answers_under_way_have_the_same_bound(self):
+    def test_answers_in_progress_share_the_same_bound(self):
         values = "".join(f'<group id="{group}"><value>{chr(34) * 1000}</value></group>' for group in range(1, 21))
         self.ask("POST", UPLOAD, f'<groups><group id="71424"><value>s</value></group>{values}</groups>')
         line = {"label": "M", "any of": [{"id": group, "comparison": "any"} for group in range(1, 21)]}
@@ -99,7 +99,7 @@ class Crowds(DeployedTest):
             self.await_answer(lambda: self.ask("POST", "/service/Analysis/fits", request), (503, b""))
         self.await_answer(lambda: self.ask("POST", "/service/Analysis/fits", request)[0], 200)
 
-    def test_a_client_that_reads_nothing_is_gone_after_a_time(self):
+    def test_a_client_that_does_not_read_is_disconnected(self):
         self.stop()
         self.start("--answer-seconds", "1")
         with self.deaf(b"GET /global/tests/test_2.bin HTTP/1.1\r\nHost: x\r\n\r\n" * 20):
@@ -107,7 +107,7 @@ class Crowds(DeployedTest):
                 self.await_answer(lambda: re.search(rb'connections{endpoint="public"} (\d)', self.ask(
                     "GET", "/metrics", address=self.admin)[1])[1], count)
 
-    def test_a_client_that_stays_after_a_refusal_is_gone_after_a_time(self):
+    def test_a_client_that_stays_after_a_refusal_is_disconnected(self):
         self.stop()
         self.start("--answer-seconds", "3600")
         refused = self.connect(HEAD + b"Content-Length: 9999999\r\n\r\n")
@@ -123,7 +123,7 @@ class Crowds(DeployedTest):
         connection.sendall(data)
         return connection
 
-    def test_the_door_opens_again_when_there_are_files_again(self):
+    def test_accepts_again_once_descriptors_are_free(self):
         limits = resource.prlimit(self.process.pid, resource.RLIMIT_NOFILE)
         resource.prlimit(self.process.pid, resource.RLIMIT_NOFILE, (5, limits[1]))
         waiting = self.connect(b"GET / HTTP/1.0\r\n\r\n")
@@ -135,7 +135,7 @@ class Crowds(DeployedTest):
 class Thousands(DeployedTest):
     settings = ("--request-seconds", "60", "--idle-seconds", "60", "--connections", "25000")
 
-    def test_ten_thousand_clients_that_wait_or_dawdle_cost_the_others_nothing(self):
+    def test_ten_thousand_idle_and_slow_clients_do_not_affect_others(self):
         limits = resource.getrlimit(resource.RLIMIT_NOFILE)
         self.addCleanup(resource.setrlimit, resource.RLIMIT_NOFILE, limits)
         resource.setrlimit(resource.RLIMIT_NOFILE, (limits[1], limits[1]))
@@ -156,7 +156,7 @@ class Thousands(DeployedTest):
 
 
 class Ends(DeployedTest):
-    def test_a_signal_lets_requests_under_way_finish(self):
+    def test_a_signal_lets_requests_in_progress_finish(self):
         for number in (signal.SIGTERM, signal.SIGINT, signal.SIGHUP):
             report = REPORT.format("late").encode()
             half = self.connect(HEAD + b"Content-Length: %d\r\n\r\n" % len(report) + report[:50])
@@ -172,7 +172,7 @@ class Ends(DeployedTest):
             self.assertEqual(self.process.wait(PATIENCE), 0)
             self.start()
 
-    def test_a_log_that_nobody_reads_any_more_is_no_end(self):
+    def test_survives_a_closed_log_pipe(self):
         self.stop()
         reader, writer = os.pipe()
         with open(writer, "wb") as self.log:
@@ -181,7 +181,7 @@ class Ends(DeployedTest):
         for _ in range(2):
             self.assertEqual(self.ask("GET", "/")[0], 404)
 
-    def test_a_second_signal_waits_for_nobody(self):
+    def test_a_second_signal_ends_at_once(self):
         self.connect(HEAD + b"Content-Length: 10\r\n\r\n")
         self.ask("GET", "/")
 

@@ -43,7 +43,7 @@ class Commands(DataTest):
                          [("r.json", (self.folder / "r.json").read_bytes())])
         self.assertIn("version=2", self.command("import", folder))
 
-    def test_a_purge_deletes_what_it_says_and_its_verdicts_while_uploads_go_on(self):
+    def test_a_purge_deletes_reports_and_verdicts_during_uploads(self):
         self.require("r", (1, "M", "any"))
         for session, days, machine in (("a", 91, ""), ("b", 89, ""), ("c", 0.6, "m&apos;1"), ("d", 0, "m&apos;1"), ("e", 0, "")):
             self.upload(session, days, machine)
@@ -93,7 +93,7 @@ class Commands(DataTest):
         self.assertIn(b'result="pass"', self.ask("POST", "/service/Analysis/r", analysis("0"))[1])
 
     @sqlite
-    def test_what_is_deleted_is_nowhere_in_the_files_and_they_are_their_owners_alone(self):
+    def test_deleted_data_leave_the_files_and_only_the_owner_reads_them(self):
         self.upload("a", machine="hidden" * 50)
         held = sum((path.read_bytes().count(b"hidden") for path in self.folder.glob("kel.db*")))
         self.assertGreater(held, 50)
@@ -103,7 +103,7 @@ class Commands(DataTest):
         self.assertEqual((self.folder / "port").stat().st_mode & 0o777, 0o644)
 
     @postgresql
-    def test_a_server_is_not_copied_here(self):
+    def test_a_postgres_database_is_not_copied(self):
         self.assertIn("pg_dump", self.command("backup", self.folder / "copy", code=1))
 
     @sqlite
@@ -153,7 +153,7 @@ class Commands(DataTest):
 
 
 class Retention(DataTest):
-    def test_what_is_too_old_goes_by_itself(self):
+    def test_old_reports_are_deleted_automatically(self):
         self.upload("old", 8)
         self.upload("young", 6)
         self.start("--keep-days", "0")
@@ -195,7 +195,7 @@ class Faults(DataTest):
         upload.join()
         self.assertEqual((answers, self.process.wait(PATIENCE), self.sessions()), ([(200, b"OK")], 0, "slow"))
 
-    def test_a_page_that_takes_long_keeps_no_check_waiting(self):
+    def test_a_slow_page_does_not_delay_checks(self):
         with self.database.held():
             page = threading.Thread(target=self.ask, args=("POST", "/login", "name=x&password=y", self.admin))
             page.start()
@@ -226,7 +226,7 @@ class Faults(DataTest):
         self.database.check()
 
     @sqlite
-    def test_a_file_that_cannot_be_written_is_served_and_written_when_it_can(self):
+    def test_a_read_only_file_is_served_and_written_once_writable(self):
         self.require("r", (1, "M", "any"))
         self.upload("s")
         self.stop()
@@ -246,7 +246,7 @@ class Faults(DataTest):
         self.assertEqual(self.sessions(), "st")
 
     @sqlite
-    def test_a_file_that_is_removed_or_replaced_takes_nothing(self):
+    def test_a_removed_or_replaced_file_accepts_nothing(self):
         self.upload("s")
         path, away, copy = self.database.path, self.folder / "away.db", self.folder / "copy.db"
         self.command("backup", copy)
@@ -260,7 +260,7 @@ class Faults(DataTest):
         self.assertEqual(self.sessions(), "st")
 
     @postgresql
-    def test_a_server_that_goes_and_comes_back_is_used_again(self):
+    def test_a_restarted_server_is_used_again(self):
         self.require("r", (1, "M", "any"))
         for number in (signal.SIGINT, signal.SIGQUIT):  # an end, a crash
             self.upload("s")
@@ -277,14 +277,14 @@ class Faults(DataTest):
                 self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 200)
 
     @postgresql
-    def test_a_server_without_room_is_a_full_disk(self):
+    def test_a_full_server_counts_as_a_full_disk(self):
         self.database.run("CREATE FUNCTION fail() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
                           "RAISE disk_full; END $$; CREATE TRIGGER fail BEFORE INSERT ON report EXECUTE FUNCTION fail()")
         self.assertEqual(self.upload("refused"), (503, b""))
         self.assertIn("event=refused status=507", self.log_text())
 
     @postgresql
-    def test_a_server_that_says_nothing_is_given_up(self):
+    def test_a_silent_server_is_given_up(self):
         self.upload("s")
         for pid in self.database.run("SELECT pid FROM pg_stat_activity WHERE application_name = 'kel_server'"):
             os.kill(*pid, signal.SIGSTOP)

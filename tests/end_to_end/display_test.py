@@ -27,7 +27,7 @@ class Display(ControlTest):
         make_prefix(cls)
         super().setUpClass()
 
-    def test_the_adapter_and_the_screen_are_reported(self):
+    def test_the_adapter_and_the_screen_are_reported_correctly(self):
         self.require("demo", *((number, "", "any") for number in EXPECTED))
         texts = self.run_script('control.ReferrerID = "demo";' + "".join(
             f"WScript.Echo(control.Value('{number}'));" for number in EXPECTED))

@@ -43,7 +43,7 @@ class Relay:
 
 @unittest.skipUnless(KIND == "postgresql", "an SQLite file is not far away")
 class Distance(AdminTest):
-    def test_pages_keep_their_sessions_and_ask_in_few_statements(self):
+    def test_pages_cover_all_sessions_with_few_statements(self):
         self.upload("s", v71063="8.0 GB", v71254="8")
         self.judged("s")
         for table, columns in (("report", 'session || i, referrer, "user", received, body'),

@@ -12,7 +12,7 @@ SYSTEM_LIBRARIES = {"kernel32.dll", "advapi32.dll", "ole32.dll", "oleaut32.dll",
 
 
 class Dll(unittest.TestCase):
-    def test_it_is_the_file_that_systems_and_installers_expect(self):
+    def test_the_file_has_what_systems_and_installers_expect(self):
         headers = subprocess.run(["x86_64-w64-mingw32-objdump", "-pt", DLL], capture_output=True, check=True, text=True).stdout
         exports = re.findall(r"^\s*\[ *\d+\](?: \+base\[ *\d+\] +[0-9a-f]+)? (\w+)$", headers, re.MULTILINE)
         self.assertEqual(sorted(exports), ["DllCanUnloadNow", "DllGetClassObject", "DllInstall", "DllRegisterServer",
@@ -29,11 +29,11 @@ class Dll(unittest.TestCase):
         if is_release:
             self.assertLess(len(content), 1700 * 1024)
 
-    def test_a_multithreaded_host_creates_it_and_asks_it_by_name(self):
+    def test_a_multithreaded_host_creates_it_and_calls_it_by_name(self):
         wine("regsvr32", "/s", windows_path(DLL))
         self.assertEqual(wine(PROGRAMS / "plain_program.exe", "multithreaded")[:2], (0, "00000000 visitor\n"))
 
-    def test_regsvr32_registers_for_the_users_asked_for(self):
+    def test_regsvr32_registers_for_the_requested_users(self):
         refused = 5  # what regsvr32 says of a call that failed
         wine("regsvr32", "/s", "/u", "/n", "/i:user", windows_path(DLL))
         for arguments, result, for_all, for_user in (

@@ -42,7 +42,7 @@ class Examples(ControlTest):
         self.assertIn('id="71063"', (self.folder / "report.xml").read_text(encoding="ascii"))
         self.assertIn('<th scope="row">Memory</th>', (self.folder / "analysis.html").read_text(encoding="ascii"))
 
-    def test_vbscript_tells_the_same_and_the_exit_code_tells_the_total(self):
+    def test_vbscript_shows_the_same_and_its_exit_code_the_total(self):
         code, output, *_ = self.run_example("check.vbs")
         self.assertRegex(output, r"\nMemory: at least 2 GB, found [\d.]+ [GT]B(, sold as \d+ GB)?: pass\n")
         self.assertRegex(output, "\nTOTAL: (pass|fail|unknown)\n$")

@@ -98,7 +98,7 @@ class Failover(DeployedTest):
     def test_a_primary_that_is_frozen_loses_nothing(self):
         self.check(self.primary.signal_all, signal.SIGSTOP)
 
-    def test_a_server_that_cannot_keep_an_upload_acknowledges_none(self):
+    def test_an_upload_that_cannot_be_kept_is_not_acknowledged(self):
         self.standby.signal_all(signal.SIGSTOP)
         kept = []
         upload = threading.Thread(target=lambda: kept.append(self.upload("unconfirmed")))

@@ -27,7 +27,7 @@ class Journey(AdminTest):
         browser.click("main button.primary")
         browser.await_text("The draft is published.")
 
-    def test_what_an_editor_publishes_is_the_next_verdict(self):
+    def test_published_requirements_decide_the_next_verdict(self):
         browser = Browser(self)
         browser.go(f"http://{self.admin}/")
         browser.press("Edith" + TAB + PASSWORD + ENTER, "name")

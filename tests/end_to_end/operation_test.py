@@ -44,7 +44,7 @@ class Metrics(DeployedTest):
         times = list(self.metrics("seconds_bucket").values())
         self.assertEqual((times, times[-2:]), (sorted(times), [5, 5]))  # none took ten seconds
 
-    def test_what_is_under_way_comes_and_goes(self):
+    def test_in_flight_gauges_return_to_zero(self):
         crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_000) for _ in range(100)]
         self.await_answer(lambda: [*self.metrics("bodies").values(), *self.metrics("connections{").values()], [100 * 16_384, 100])
         self.assertEqual((self.connect().recv(1), self.metrics("connections_refused").popitem()[1]), (b"", 1))
@@ -52,7 +52,7 @@ class Metrics(DeployedTest):
             connection.close()
         self.await_answer(lambda: [*self.metrics("bodies").values(), *self.metrics("connections{").values()], [0, 0])
 
-    def test_a_service_without_its_database_lives_and_is_not_ready(self):
+    def test_a_service_without_its_database_runs_but_is_not_ready(self):
         self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (200, b"ready\n"))
         self.database.run("ALTER TABLE requirement_set RENAME TO gone")
         self.ask("GET", f"{LIST}?refid=r&apikey={API_KEY}")

@@ -95,7 +95,7 @@ class Packages(unittest.TestCase):
         self.assertEqual({key: self.registry(key) for key in self.clean}, self.clean)
         self.assertEqual((self.dlls(), self.entries()), ([], []))
 
-    def test_it_can_be_installed_repaired_upgraded_and_removed_for_all_and_for_a_user(self):
+    def test_it_installs_repairs_upgrades_and_uninstalls_for_all_and_for_one_user(self):
         # Wine does not look for a class below the user's own keys.
         for kind, root, place, version in (("", "HKLM", "/Program Files/Detection/Detection.dll", "4.5.1.0"),
                                            ("-user", "HKCU", "/Local/Programs/Detection/Detection.dll", "")):
@@ -138,7 +138,7 @@ class Packages(unittest.TestCase):
         self.assertEqual(remove(now), 0)
         self.check_clean()
 
-    def test_a_program_carries_it_with_an_empty_registry(self):
+    def test_a_program_uses_it_without_registration(self):
         """Beside the program, by the manifest of the archive; without the program's own manifest there is no class."""
         with zipfile.ZipFile(self.now["Detection-4.5.1-x64.zip"]) as zipped:
             zipped.extractall(self.folder / "program")
@@ -200,7 +200,7 @@ class Packages(unittest.TestCase):
                 path.write_bytes(content)
                 self.assertEqual(run(*verify, path).returncode, 1)
 
-    def test_a_product_is_there_by_its_upgrade_code_and_with_its_file(self):
+    def test_a_product_is_found_by_its_upgrade_code_and_its_file(self):
         product = self.folder / "product.msi"
         subprocess.run(["wixl", "-a", "x64", "-o", product, Path(__file__).parent / "product.wxs"], cwd=PROGRAMS, check=True)
         wine("regsvr32", "/s", windows_path(DLL))

@@ -35,7 +35,7 @@ class PressureTest(DeployedTest):
 
 
 class Queues(PressureTest):
-    def test_cheap_requests_pass_those_that_wait_and_a_long_wait_ends(self):
+    def test_cheap_requests_overtake_waiting_ones_and_long_waits_end(self):
         self.require("r", (1, "M", "any"))
         self.ask("GET", WANTED)
         with self.database.held("report"):  # both threads wait for it
@@ -51,7 +51,7 @@ class Queues(PressureTest):
         self.assertEqual(self.metric('kel_http_refusals_total{endpoint="public",status="503"}'), 3)
         self.assertEqual(self.sessions(), ["s0", "s1"])
 
-    def test_nobody_works_for_a_client_that_has_left(self):
+    def test_no_work_is_done_for_a_client_that_has_left(self):
         with self.database.held("report"):
             crowd = self.crowd(4)
             crowd[2].close()
@@ -60,7 +60,7 @@ class Queues(PressureTest):
         self.assertEqual(self.sessions(), ["s0", "s1", "s3"])
         self.assertIn("its client has left", self.log_text())
 
-    def test_a_report_is_read_once(self):
+    def test_a_report_is_parsed_once(self):
         self.require("r", (1, "M", "any"))
         self.ask("POST", UPLOAD, REPORT.format("s"))
         self.database.run(f"UPDATE report SET body = '{REPORT.format('s').replace('8.0', '7.0')}'")
@@ -75,14 +75,14 @@ class Queues(PressureTest):
         self.database.run("DELETE FROM report")
         self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 404)
 
-    def test_what_is_kept_of_reports_has_a_bound(self):
+    def test_the_report_cache_has_a_bound(self):
         values = "".join(f'<group id="{group}"><value>{"x" * 50_000}</value></group>' for group in range(2, 7))
         before = self.metric("kel_process_resident_memory_bytes")
         for number in range(400):  # 100 MB
             self.ask("POST", UPLOAD, REPORT.format(number).replace("</groups>", values + "</groups>"))
         self.assertLess(self.metric("kel_process_resident_memory_bytes") - before, 80_000_000)
 
-    def test_the_attack_programs_run_and_harm_nobody(self):
+    def test_the_attack_programs_run_without_harm(self):
         """For a moment; scripts/load.sh --hostile measures."""
         options = "--hostile", "--seconds", "0.5", "--rest", "0", "--match", "waits for"
         ran = subprocess.run([sys.executable, ROOT / "tools" / "load", *options], capture_output=True, text=True,
@@ -95,7 +95,7 @@ class Queues(PressureTest):
 class Ends(PressureTest):
     settings = ("--request-seconds", "3600", "--idle-seconds", "3600", "--answer-seconds", "3600")
 
-    def test_a_stop_waits_for_no_client(self):
+    def test_a_stop_does_not_wait_for_clients(self):
         self.require("r", (1, "M", "any"))
         half = self.connect(upload("half")[:-5])
         deaf = self.connect(b"GET /global/tests/test_2.bin HTTP/1.1\r\nHost: x\r\n\r\n" * 20)
@@ -108,7 +108,7 @@ class Ends(PressureTest):
                 while client.recv(65536):
                     pass
 
-    def test_a_stop_waits_for_no_request_that_no_thread_has_begun(self):
+    def test_a_stop_does_not_wait_for_queued_requests(self):
         with self.database.held("report"):
             self.crowd(4)
             self.process.terminate()
@@ -118,7 +118,7 @@ class Ends(PressureTest):
 
 
 class Sizes(DeployedTest):
-    def test_a_verdict_is_never_larger_than_the_control_takes(self):
+    def test_a_verdict_never_exceeds_what_the_control_accepts(self):
         ways = [{"id": group, "comparison": "contains", "needed": "'" * 40} for group in range(1, 21)]
         self.require("r", *[{"label": "'" * 20, "any of": ways}] * 500)
         values = "".join(f'<group id="{group}"><value>{chr(34) * 1000}</value></group>' for group in range(1, 21))

@@ -96,7 +96,7 @@ class SmallDisk(Rooms):
     def log_in(self):
         return self.ask("POST", "/login", "name=ann&password=a long password", self.admin)[0]
 
-    def test_reports_stop_while_there_is_room_for_all_else(self):
+    def test_reports_stop_while_other_data_still_have_room(self):
         count = self.upload_until_refused(400)
         self.assertGreater(count, 50)
         self.assertGreater(self.free(), 12 * MEGABYTE)  # the log takes some of it
@@ -110,7 +110,7 @@ class SmallDisk(Rooms):
         self.await_answer(lambda: self.upload_large("large0"), (200, b"OK"))  # in the room inside the file
         self.assertEqual(self.ask("GET", "/readyz", address=self.admin)[0], 200)
 
-    def test_a_disk_that_others_fill_keeps_nobody_from_deleting(self):
+    def test_deletions_work_on_a_disk_that_others_fill(self):
         for number in range(20):
             self.assertEqual(self.upload_large(f"large{number}")[0], 200)
         self.fill()

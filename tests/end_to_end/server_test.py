@@ -37,7 +37,7 @@ class Bodies(DeployedTest):
                 self.assertEqual(self.ask("POST", UPLOAD, body), (status, b"OK" if status == 200 else b""))
                 self.assertLess(self.work() - start, 5)
 
-    def test_other_ways_to_send_have_the_same_bounds(self):
+    def test_other_transfer_codings_have_the_same_bounds(self):
         report = REPORT.format("s").encode()
         piece = b"10000\r\n" + b" " * 65536 + b"\r\n"
         for name, data, status in (
@@ -95,7 +95,7 @@ class Bodies(DeployedTest):
             with self.subTest(path):
                 self.assertRegex(answers, rb"^HTTP/1.1 40[45] [^\n]*\n([\w-]+: [^\n]*\n)+\r\nHTTP/1.1 404 ")
 
-    def test_a_client_that_asks_first_gets_100_continue(self):
+    def test_a_client_that_expects_100_continue_gets_it(self):
         report = REPORT.format("s").encode()
         connection = self.connect(HEAD + b"Expect: 100-continue\r\nContent-Length: %d\r\n\r\n" % len(report))
         self.assertEqual(connection.recv(4096), b"HTTP/1.1 100 Continue\r\n\r\n")
@@ -137,7 +137,7 @@ class Bodies(DeployedTest):
         self.assertEqual(lines, [{"id": 1, "found": "8.0 GB; –", "result": "pass", "any of": parts},
                                  {"id": 2, "found": "", "result": "unknown", "recommended": True}])
 
-    def test_a_verdict_takes_no_long_time_and_no_long_texts(self):
+    def test_a_verdict_is_quick_and_its_texts_are_bounded(self):
         line = {"label": "M", "any of": [{"id": 1, "comparison": "contains", "needed": "x"}] * 20}
         self.require("r", *[line] * 500)
         for size in (4096, 65_536):
@@ -193,7 +193,7 @@ class Commands(DeployedTest):
             self.assertIn("usage: kel_server", self.command(*words, code=2))
 
     @unittest.skipUnless(KIND == "sqlite", "of a file")
-    def test_a_file_that_is_no_database_is_not_served(self):
+    def test_a_file_that_is_not_a_database_is_not_served(self):
         self.stop()
         (self.folder / "kel.db").write_text("no database at all, but a text of some length")
         self.assertIn("not a database", self.command("serve", code=1))
@@ -201,7 +201,7 @@ class Commands(DeployedTest):
         self.assertIn("unable to open", self.command("serve", code=1))
         self.assertFalse((self.folder / "kel.db").exists())
 
-    def test_an_import_is_whole_or_nothing_and_repeats_nothing(self):
+    def test_an_import_is_all_or_nothing_and_repeats_nothing(self):
         self.require("r", (1, "M", "any"))
         self.assertIn("version=1", self.command("import", self.folder))
         (self.folder / "empty").mkdir()
@@ -220,7 +220,7 @@ class Commands(DeployedTest):
                 self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
                 path.unlink()
 
-    def test_the_database_has_no_more_connections_than_are_set(self):
+    def test_the_database_has_at_most_the_configured_connections(self):
         self.require("r", (1, "M", "any"))
         self.stop()
         self.start("--workers", "8", "--database-connections", "1")
@@ -255,7 +255,7 @@ class Commands(DeployedTest):
             self.assertIn(reason, self.command("serve", *arguments, code=1))
         self.command("dance", code=2)
 
-    def test_the_operators_door_answers_no_control(self):
+    def test_the_operators_endpoint_does_not_answer_controls(self):
         self.assertEqual(self.ask("GET", WANTED, address=self.admin)[0], 404)
 
 

@@ -12,7 +12,7 @@ from harness import PATIENCE, PROGRAMS, ROOT
 
 # Tests that plant devices, files and registry keys.
 PLANTING = ("Software.ReadsRealKeysFilesAndVersions", "InfFiles.RefineTheIdOfAnIntelAdapter",
-            "SetupLib.TakesADisksModelFromItsFirstHardwareId", "SetupLib.TakesTheKindOfANetworkFromItsConnection")
+            "SetupLib.ReadsADisksModelFromItsFirstHardwareId", "SetupLib.ReadsTheKindOfANetworkFromItsConnection")
 
 
 class Interrupted(unittest.TestCase):
@@ -41,7 +41,7 @@ class Interrupted(unittest.TestCase):
             self.assertLess(time.monotonic(), end, path)
             time.sleep(0.01)
 
-    def test_what_is_left_does_not_matter(self):
+    def test_leftovers_do_not_matter(self):
         making = self.start("start_wine")
         self.await_file(self.prefix / ".update-timestamp")
         os.killpg(making.pid, signal.SIGKILL)

@@ -58,7 +58,7 @@ class Wire(ControlTest):
         for text in ('id="71424"><value>new<', 'id="71218"><value>late<', 'id="71063"'):
             self.assertIn(text, self.service.requests[2]["body"])
 
-    def test_writes_only_wanted_groups_though_all_are_detected(self):
+    def test_uploads_only_wanted_groups_though_all_are_detected(self):
         output = self.run_as(
             "demo", 'control.Configure("<groups><group id=\'5\' index=\'1\'><value>second</value></group>'
             '<group id=\'5\'><value>v</value></group></groups>");'
@@ -87,7 +87,7 @@ class Wire(ControlTest):
                 self.assertRegex(request["line"], "^GET http://content.keldane.example[:/]")
                 self.assertLessEqual({("User-Agent", "KEL"), ("Pragma", "no-cache")}, {*map(tuple, request["headers"])})
 
-    def test_without_a_service_the_facts_stay(self):
+    def test_facts_remain_without_a_service(self):
         self.service.shutdown()
         self.service.server_close()
         output = self.run_as("demo", 'WScript.Echo("[" + control.Analysis("i", "xml", "1") + "]");'

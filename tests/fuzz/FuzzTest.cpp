@@ -133,7 +133,7 @@ const struct Target {
 
 class Fuzz : public testing::TestWithParam<Target> {};
 
-TEST_P(Fuzz, GivesAnAnswerThatItMayGive)
+TEST_P(Fuzz, AnswersWithinItsRules)
 {
     const Target& target = GetParam();
     const std::uint64_t seed = Setting("KEL_FUZZ_SEED", 71060), count = Setting("KEL_FUZZ_COUNT", 2000);

@@ -33,7 +33,7 @@ CpuInfo Describe(const std::wstring& vendor, std::uint32_t maxLeaf, CpuRegisters
     return info;
 }
 
-TEST(CPUID, DecodesProcessorsOfManyMakersAndAges)
+TEST(CPUID, DecodesProcessorsOfManyVendorsAndAges)
 {
     const auto rows = test::ReadRows("processors.txt");
     ASSERT_GE(rows.size(), 20U);
@@ -55,7 +55,7 @@ TEST(CPUID, DecodesProcessorsOfManyMakersAndAges)
     EXPECT_FALSE(refused.cacheDescriptor40);
 }
 
-TEST(CPUID, LooksForTheCacheDescriptorEverywhereButInTheCount)
+TEST(CPUID, FindsTheCacheDescriptorInEveryByteButTheCount)
 {
     const auto has = [](const CpuRegisters& registers) {
         return Chip({{0, {2, 0, 0, 0}}, {2, registers}}).HasCacheDescriptor40();

@@ -27,7 +27,7 @@ Bytes Sample()
     return std::ranges::find(edids, "dell-p2415q-dp", &test::Edid::source)->bytes;
 }
 
-TEST(Edid, IsReadAsAnotherProgramReadsItAndNotWhenItIsCutOrAnyByteIsWrong)
+TEST(Edid, MatchesAnotherReaderAndIsRejectedWhenTruncatedOrChanged)
 {
     const auto edids = test::ReadEdids();
     ASSERT_GE(edids.size(), 40U);
@@ -43,7 +43,7 @@ TEST(Edid, IsReadAsAnotherProgramReadsItAndNotWhenItIsCutOrAnyByteIsWrong)
     }
 }
 
-TEST(Edid, LeavesOutWhatAMonitorDoesNotSay)
+TEST(Edid, LeavesUnreportedFactsEmpty)
 {
     using Changes = std::map<std::size_t, BYTE>;
     const Changes noMode = {{54, 0}, {55, 0}, {72, 0}, {73, 0}, {90, 0}, {91, 0}, {108, 0}, {109, 0}};
@@ -92,7 +92,7 @@ TEST(Edid, LeavesOutWhatAMonitorDoesNotSay)
     EXPECT_STREQ(ReadEdid(test::Summed(two))->name.ToString(), L"Second");
 }
 
-TEST(Edid, IsTheOverrideBeforeTheMonitorsOwn)
+TEST(Edid, PrefersTheOverrideToTheMonitorsOwn)
 {
     const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
     const std::wstring instance = L"DISPLAY\\DEL40A5\\5&1&0&UID1";

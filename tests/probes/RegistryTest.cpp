@@ -13,7 +13,7 @@ namespace {
 
 using Lines = std::vector<std::wstring>;
 
-TEST(Registry, GivesTextsAndSizesOfEachType)
+TEST(Registry, ReadsTextsAndSizesOfEachType)
 {
     const test::ScratchKey key;
     const ULONGLONG refused = ~0ULL;
@@ -73,7 +73,7 @@ TEST(Registry, GivesTextsAndSizesOfEachType)
     EXPECT_EQ(log.Lines().back(), L"WARN Error with CRegKey");
 }
 
-TEST(RegistryNames, AreAtMostAsManyAsAskedFor)
+TEST(RegistryNames, AreLimitedToTheRequestedCount)
 {
     const test::ScratchKey key;
     for (const wchar_t* name : {L"a", L"b", L"c"}) {
@@ -86,7 +86,7 @@ TEST(RegistryNames, AreAtMostAsManyAsAskedFor)
     }
 }
 
-TEST(Registry, WarnsOfWhatTheProcessorsKeyLacks)
+TEST(Registry, WarnsAboutMissingValuesOfTheProcessorsKey)
 {
     const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
     const std::wstring key = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";

@@ -54,7 +54,7 @@ std::string AskAll(SetupLib& library)
     return results;
 }
 
-TEST(SetupLib, TakesADisksModelFromItsFirstHardwareId)
+TEST(SetupLib, ReadsADisksModelFromItsFirstHardwareId)
 {
     PlantedDevice shortId(Disks), list(Disks);
     shortId.With(SPDRP_HARDWAREID, L"1234567");
@@ -64,7 +64,7 @@ TEST(SetupLib, TakesADisksModelFromItsFirstHardwareId)
     EXPECT_EQ(Joined(disks[0].model, disks[1].model), L"|9 first|");
 }
 
-TEST(SetupLib, TakesTheKindOfANetworkFromItsConnection)
+TEST(SetupLib, ReadsTheKindOfANetworkFromItsConnection)
 {
     const std::wstring connections =
         L"SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\";
@@ -156,7 +156,7 @@ SetupLib::Loader With(Function* Table::*function, Function* other)
     };
 }
 
-TEST(SetupLib, ListsTheDevicesBehindOneThatFails)
+TEST(SetupLib, ListsTheDevicesAfterOneThatFails)
 {
     PlantedDevice first(Disks), broken(Disks), last(Disks);
     first.With(SPDRP_FRIENDLYNAME, L"first");
@@ -170,7 +170,7 @@ TEST(SetupLib, ListsTheDevicesBehindOneThatFails)
     EXPECT_EQ(log.Lines(), Lines{L"ERR Error in GetHardDriveInfo"});
 }
 
-TEST(SetupLib, ReportsAFailureOfEachCallAndGoesOn)
+TEST(SetupLib, LogsTheFailureOfEachCallAndContinues)
 {
     PlantedDevice disk(Disks), keyless(Scsis), driverless(Scsis);
     driverless.Device(L"x", L"");

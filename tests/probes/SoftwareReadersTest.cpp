@@ -14,7 +14,7 @@ namespace {
 using Lines = std::vector<std::wstring>;
 using Row = std::pair<const wchar_t*, const wchar_t*>;
 
-TEST(FileVersion, IsReadFromWholeRecordsOnly)
+TEST(FileVersion, IsReadOnlyFromCompleteRecords)
 {
     const std::vector<BYTE> record = test::MakeVersionRecord(L"120.0.6099.65535");
     for (std::size_t length = 0; length < record.size(); ++length)
@@ -32,7 +32,7 @@ TEST(FileVersion, IsReadFromWholeRecordsOnly)
     }
 }
 
-TEST(Commands, NameTheirProgram)
+TEST(Commands, NameTheirPrograms)
 {
     const auto rows = test::ReadRows("commands.txt");
     ASSERT_GE(rows.size(), 13U);
@@ -44,7 +44,7 @@ TEST(Commands, NameTheirProgram)
     EXPECT_EQ(ProgramsOf(L".exe .exe .exe .exe .exe .exe .exe .exe .exe .exe").size(), 8U);
 }
 
-TEST(Paths, AreOfFilesOnDriveLettersOnly)
+TEST(Paths, AreAcceptedOnlyOnDriveLetters)
 {
     for (const wchar_t* path : {L"C:\\a", L"d:\\Program Files (x86)\\a+b.exe", L"C:\\\u00FC\\a"})
         EXPECT_TRUE(IsPlainPath(path)) << path;

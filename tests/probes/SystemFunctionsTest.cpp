@@ -46,7 +46,7 @@ void CALLBACK NoteMode(ULONG reason, const void*, void*)
         modeWhileLoading = GetThreadErrorMode();
 }
 
-TEST(Library, IsLoadedWithoutABoxOfTheSystem)
+TEST(Library, IsLoadedWithoutAnErrorBox)
 {
     using Register = LONG NTAPI(ULONG flags, decltype(&NoteMode), void* context, void** cookie);
     void* cookie = nullptr;

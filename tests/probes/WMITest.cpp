@@ -64,7 +64,7 @@ TEST(WMI, WaitsForAtMostTwoHundredObjectsAndReleasesThemAll)
     EXPECT_EQ(data.references, 0U);
 }
 
-TEST(WMI, KeepsWhatItHasWhenACallFailsOrAValueCannotBeConverted)
+TEST(WMI, KeepsEarlierFactsWhenACallOrConversionFails)
 {
     test::FakeWmiData refusing, blanketless, failing, none, odd;
     refusing.connect = E_ACCESSDENIED;

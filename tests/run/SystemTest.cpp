@@ -44,7 +44,7 @@ TEST(ConfigurationTags, TakesTheFirstElementAndLogsTheSearch)
     }
 }
 
-TEST(System, StartsWithARandomSessionOnlyAndReadsItsConfiguration)
+TEST(System, StartsWithOnlyARandomSessionAndReadsItsConfiguration)
 {
     const System first;
     System system;
@@ -71,7 +71,7 @@ TEST(System, StartsWithARandomSessionOnlyAndReadsItsConfiguration)
     EXPECT_THAT(log.Lines(), testing::ElementsAre(L"TRACE config= "));
 }
 
-TEST(System, UploadsOnceThoughAPageIsLetInWhileADetectorWaits)
+TEST(System, UploadsOnceWhenAPageCallsInWhileADetectorWaits)
 {
     System system;
     test::FakeWmiData data;
@@ -91,7 +91,7 @@ TEST(System, UploadsOnceThoughAPageIsLetInWhileADetectorWaits)
               std::ranges::find(lines, L"MARK Entering: kel::SCSI::Detect"));
 }
 
-TEST(System, KeepsAnUploadDueThatCouldNotBegin)
+TEST(System, KeepsAnUploadDueWhenItCouldNotBegin)
 {
     const auto mayEnd = std::make_shared<std::atomic<bool>>(false);
     const auto occupy = [mayEnd](InternetSession&) {
@@ -178,7 +178,7 @@ TEST(GroupID, ComparesByTheNumberReadFromItsText)
     }
 }
 
-TEST(SystemValues, KeepsTheFirstPlaceOfAnIdAndNamesTheOneThatIsMissing)
+TEST(SystemValues, KeepsTheFirstPlaceOfAnIdAndNamesAMissingOne)
 {
     SystemValues values;
     values.AddValue(ID(2), std::wstring(L"two"));

@@ -8,7 +8,7 @@ namespace kel::server {
 
 namespace {
 
-TEST_F(StoreTest, LogInsAreOfAccountsWithTheSamePassword)
+TEST_F(StoreTest, LogInsNeedTheAccountsPresentPassword)
 {
     Accounts accounts(Open());
     accounts.Save({"ann", "h1", Role::Editor}, "cli");

@@ -37,7 +37,7 @@ Config Read(std::vector<std::string> arguments)
     return Config::Read(arguments, {});
 }
 
-TEST(Config, EachNumberHasItsDefaultItsBoundsAndItsPlace)
+TEST(Config, EachNumberHasItsDefaultAndBoundsAndSetsItsMember)
 {
     for (const Row& row : Rows) {
         EXPECT_EQ(row.get(Read({})), row.usual) << row.name;

@@ -11,7 +11,7 @@ namespace {
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 
-TEST(ReportCache, KeepsWhatWasAskedForLast)
+TEST(ReportCache, KeepsTheReportsThatWereUsedLast)
 {
     const auto report = std::make_shared<const Report>(Report::Read(
         "<groups><group id=\"71424\"><value>a session that takes some bytes</value></group></groups>"));
@@ -59,7 +59,7 @@ TEST(Throttle, MakesAllButKnownBrowsersWaitForTheEndOfAMinute)
     EXPECT_EQ(throttle.Wait({"ann"}, now + seconds(61)), seconds(0)) << "a new minute has begun";
 }
 
-TEST(Throttle, ForgetsWhoeverFailedTheLongestAgo)
+TEST(Throttle, ForgetsTheOldestFailures)
 {
     Throttle throttle;
     Throttle::Clock::time_point now(std::chrono::hours(9));

@@ -141,7 +141,7 @@ TEST_F(StoreTest, ReportsAndVerdictsOfAnySizeComeInOrder)
     EXPECT_EQ(read(ids, 100), left);
 }
 
-TEST_F(StoreTest, DeletionsTakeVerdictsAlongAndKeepTheirBound)
+TEST_F(StoreTest, DeletionsIncludeVerdictsAndRespectTheirBound)
 {
     Reports reports(Open());
     RequirementSets(*database).Publish("r", "1", "", "");

@@ -7,7 +7,7 @@ namespace kel::server {
 
 namespace {
 
-TEST_F(StoreTest, PublishedVersionsCountUpAndRepeatNothing)
+TEST_F(StoreTest, VersionsAscendAndRepeatedTextsAreNotPublished)
 {
     RequirementSets sets(Open());
     EXPECT_FALSE(sets.Newest("r"));
@@ -33,7 +33,7 @@ TEST_F(StoreTest, OneOfTwoEditorsWins)
     EXPECT_EQ(Together(8, [&](int) { return sets.PublishDraft("n", 1, "").has_value(); }), 1);
 }
 
-TEST_F(StoreTest, ChangesAndTheirAuditEntriesAreOneStep)
+TEST_F(StoreTest, ChangesAndTheirAuditEntriesAreOneTransaction)
 {
     RequirementSets sets(Open());
     Upload("s");

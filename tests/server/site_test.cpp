@@ -34,7 +34,7 @@ Shown Ask(const std::string& target, const std::function<void()>& fail)
     return {answer.status, *answer.body, *MetricsPage(metrics, database).body};
 }
 
-TEST(Site, AFailureIsTheDatabasesOnlyWhenItIs)
+TEST(Site, OnlyDatabaseFailuresAreReportedAsSuch)
 {
     const auto down = [] { throw Fault(503, "database: disk I/O error"); };
     const auto other = [] { throw std::length_error("secret"); };

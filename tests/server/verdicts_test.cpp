@@ -7,7 +7,7 @@ namespace kel::server {
 
 namespace {
 
-TEST_F(StoreTest, RecentVerdictsAreOfTheNewestRequirementsFirst)
+TEST_F(StoreTest, RecentVerdictsStartWithTheNewestRequirements)
 {
     Verdicts verdicts(Open());
     RequirementSets sets(*database);

@@ -53,7 +53,7 @@ struct Blocked {
     }
 };
 
-TEST(Exchange, IsLeftToItselfWithItsHandlesUntilItEnds)
+TEST(Exchange, KeepsItsHandlesWhenAbandonedUntilItEnds)
 {
     auto blocked = std::make_shared<Blocked>();
     const std::weak_ptr<Blocked> watched = blocked;
@@ -120,7 +120,7 @@ TEST(Exchange, IsSkippedAfterOneOfTheSameCallEndedAtALimit)
     EXPECT_TRUE(request.HasBegun());
 }
 
-TEST(Requests, EncodeControlCharactersAndBlanksOfIdsOnlyAndFillInPlaceholdersOfTexts)
+TEST(Requests, EncodeControlCharactersInIdsAndFillInPlaceholders)
 {
     test::TestSession session;
     session.sessionID = L"s s";
@@ -205,7 +205,7 @@ TEST(Answer, CountsOnlyFromTheServicesHost)
         EXPECT_FALSE(IsOfHost(other, L"a.example")) << other;
 }
 
-TEST(Answer, HasItsStatusInTheLogAsAWarningFrom400On)
+TEST(Answer, IsLoggedAsAWarningFromStatus400On)
 {
     HttpAnswer answer;
     const test::LogCapture log;
@@ -223,7 +223,7 @@ TEST(Answer, HasItsStatusInTheLogAsAWarningFrom400On)
                                      L"WARN Can't get status.", L"WARN Can't get data.", L"TRACE Status:  "));
 }
 
-TEST(Utf8, ReplacesWhatIsMalformedAndKeepsZeros)
+TEST(Utf8, ReplacesMalformedBytesAndKeepsZeros)
 {
     EXPECT_EQ(ToUtf8(L"\u20ac\xd83d\xde00 \xd83d"), "\xe2\x82\xac\xf0\x9f\x98\x80 \xef\xbf\xbd");
     EXPECT_EQ(FromUtf8("\xe2\x82\xac\xf0\x9f\x98\x80\xff!"), L"\u20ac\xd83d\xde00\ufffd!");

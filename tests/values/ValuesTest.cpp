@@ -40,7 +40,7 @@ void CheckRows(Quantity quantity, std::uint64_t (Quantity::*amount)() const, std
     }
 }
 
-TEST(Quantities, ReadAndPrintAmountsInTheStepsOfTheirUnits)
+TEST(Quantities, ReadAndPrintAmountsInTheirUnits)
 {
     const Row sizes[] = {
         {L"", 0, L"0.0 B"},          {L"1048575", 1048575, L"1024.0 KB"},
@@ -146,7 +146,7 @@ TEST(Name, KeepsTextsUnchangedUpToTheFirstZeroAndComparesThemExactly)
     EXPECT_THROW(static_cast<void>(Name(L"text") == Name(SharedText())), _com_error);  // without a buffer
 }
 
-TEST(Resolution, ReadsTwoEdgesAndCoversWhatFitsUprightOrLying)
+TEST(Resolution, ReadsTwoEdgesAndCoversEitherOrientation)
 {
     const std::pair<const wchar_t*, const wchar_t*> rows[] = {
         {L" 1920 x\t1080", L"1920x1080"},  {L"1920*1080x3", L"1920x1080"},
@@ -244,7 +244,7 @@ TEST(DeviceID, ReadsTheIdsOfRealHardware)
     EXPECT_EQ(text(0, 1, 2, 3) + text(0x10005, 1, 2, 3) + text(1, 0x10000, 2, 3) + text(1, 2, 3, 0x100), L"");
 }
 
-TEST(DeviceID, TellsVirtualDevicesAndThoseOfOneKind)
+TEST(DeviceID, DetectsVirtualDevicesAndMatchingKinds)
 {
     for (const wchar_t* id : {L"ROOT\\SPACEPORT\\0000", L"swd\\x", L"VMBUS\\{GUID}\\{GUID}",
                               L"PCI\\VEN_15AD&DEV_07C0", L"HDAUDIO\\FUNC_01&VEN_1AF4&DEV_0022"})

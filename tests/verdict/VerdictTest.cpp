@@ -237,7 +237,7 @@ TEST(Requirements, RejectWhatTheTableRejects)
     }
 }
 
-TEST(Requirements, KeepTheirBounds)
+TEST(Requirements, EnforceTheirBounds)
 {
     const std::string line = R"({"id": 1, "label": "", "comparison": "any"})",
                       condition = R"({"id": 2, "comparison": "any"})";

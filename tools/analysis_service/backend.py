@@ -1,4 +1,4 @@
-"""The deployed service as a process of its own, which answers what the development service does not answer itself."""
+"""The deployed service as a separate process, which answers what the development service does not answer itself."""
 
 import http.client
 import os
@@ -59,7 +59,7 @@ class Backend:
                 self.imported = files
 
     def ask(self, request_line, headers, body):
-        """The status, the headers and the body of the answer to a request, which is passed on as it came."""
+        """The status, the headers and the body of the answer to a request, which is forwarded unchanged."""
         kept = [f"{name}: {value}" for name, value in headers if name.lower() != "connection"]
         lines = [request_line, *kept, "Connection: close"]
         with socket.create_connection(("127.0.0.1", self.port), ANSWER_SECONDS) as connection:

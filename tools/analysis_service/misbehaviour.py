@@ -1,4 +1,4 @@
-"""What a service may do wrong, by name. Each is one answer; it ends by itself, and when the client leaves."""
+"""The faults that a service can have, by name. Each is one answer, which ends by itself, or when the client leaves."""
 
 import gzip
 import select
@@ -8,7 +8,7 @@ import time
 
 OK = b"HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\n"
 TEXT = b"71063|71094"
-MAX_SECONDS = 75  # seconds that an answer without an end goes on
+MAX_SECONDS = 75  # seconds after which an endless answer stops
 PIECE = b"71063|71094|" * 4096
 REDIRECTED_PATH = "/elsewhere"
 
@@ -19,7 +19,7 @@ def close(handler):
 
 
 def _raw(*pieces, stay=0):
-    """Sends these bytes as they are and closes the connection, after some seconds or when the client leaves."""
+    """Sends these bytes unchanged and closes the connection, after some seconds or when the client leaves."""
     def answer(handler):
         for piece in pieces:
             handler.wfile.write(piece)
@@ -70,7 +70,7 @@ def _late_test_file(handler):
 
 
 def _redirect(status, location=None):
-    """Sends the client elsewhere; without a location, back to where it came from."""
+    """Redirects the client; without a location, to the same address."""
     def answer(handler):
         handler.send_response(status)
         handler.send_header("Location", location or handler.path)

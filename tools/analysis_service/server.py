@@ -1,4 +1,4 @@
-"""The HTTP side: records requests, misbehaves on demand, sends the bandwidth test file, and hands on everything else."""
+"""The HTTP side: records requests, misbehaves on demand, sends the bandwidth test file, and forwards everything else."""
 
 import json
 import logging
@@ -31,7 +31,7 @@ class AnalysisServer(ThreadingHTTPServer):
         self.requirements = requirements
         self.misbehave = misbehave
         self.longest = MAX_SECONDS
-        self.faults = {}  # path -> a misbehaviour for that path alone
+        self.faults = {}  # path -> a misbehaviour for that path only
         self.requests = []
         self.record_file = record
         self.record_lock = threading.Lock()
@@ -66,7 +66,7 @@ class Handler(BaseHTTPRequestHandler):
             body = self.read_body()
             self.server.record({"line": self.requestline, "headers": self.headers.items(),
                                 "body": body.decode("utf-8", "replace")})
-            # The control comes through a proxy setting, so the target is a whole address.
+            # The control connects through a proxy setting, so the target is an absolute address.
             target = urlsplit(self.path)
             fault = self.server.misbehave or self.server.faults.get(target.path)
             if fault:

@@ -1,5 +1,5 @@
-// Measures the built control through COM. Prints one figure a line; the driver runs it many times. Its first
-// argument says what is measured; main() names them all.
+// Measures the built control through COM. Prints one figure per line; the driver runs it many times. Its
+// first argument says what is measured; main() lists the choices.
 #include <windows.h>
 
 #include <comutil.h>
@@ -42,8 +42,8 @@ Control Created(const test::ControlDll& dll)
     return control;
 }
 
-/// What a line of debugger output costs: the first of a process, which finds the debugger's mutex, and each
-/// later one.
+/// The cost of a line of debugger output: of a process's first one, which opens the debugger's mutex, and of
+/// each later one.
 void PrintOutputCost(const char* name, int repetitions)
 {
     Print(name, TimedEach(repetitions, [] {
@@ -97,7 +97,7 @@ void Again()
     });
     print("sysinfo.loud", L"7", [&] { ReadReport(control); });
 
-    // Each character of this text comes into the log twice.
+    // Each character of this text is logged twice.
     SetLevel(control, L"7");
     const _bstr_t longText(std::wstring(LongText, L'x').c_str());
     control->Configure(longText);
@@ -105,7 +105,7 @@ void Again()
     print("sysinfo.long", L"0", [&] { ReadReport(control); });
 }
 
-/// One Configure, and the same once more, which replaces each value.
+/// One Configure, and the same again, which replaces each value.
 void Configure(int groups, const std::string& level)
 {
     const test::ControlDll dll;
@@ -135,7 +135,8 @@ std::pair<DWORD, int> Holdings()
     return {handles, threads};
 }
 
-/// What many controls leave in a process that has the graphics libraries, which the first report loads.
+/// The handles and threads that many controls leave in a process with the graphics libraries, which the first
+/// report loads.
 void Life()
 {
     const test::ControlDll dll;

@@ -1,6 +1,6 @@
-// Measures the detectors of devices and software: on machines that the tests' support plants, with few
-// devices and with many, and on this one; and what asks for graphics adapters. Its first argument says what
-// is measured; main() names them all. The log is off.
+// Measures the detectors of devices and software on machines that the tests' support plants, with few devices
+// and with many, and on this one; and the code that asks for graphics adapters. Its first argument says what
+// is measured; main() lists the choices. The log is off.
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
@@ -26,7 +26,7 @@ using test::Lines;
 constexpr int Repetitions = 5;
 constexpr const wchar_t* NoDetector = L"-";
 
-/// Devices of one kind: the lines of one, with its number in the places of "%" and a letter in that of "@".
+/// Devices of one kind: the lines of one device, with "%" for its number and "@" for a letter.
 struct Kind {
     const wchar_t* detectors;
     const wchar_t* lines;
@@ -91,9 +91,9 @@ void Plant(test::Machine& machine, const Kind& kind, int count)
         machine.Add(L"has " + cards);
 }
 
-/// Detectors on a machine with the given number of devices of their kinds. The first run, which loads
-/// libraries, does not count, nor does what the fakes cost without a detector.
-/// @return whether that many devices were found, where a fact holds the count
+/// Measures detectors on a machine with the given number of devices of their kinds. The first run, which
+/// loads libraries, does not count, nor does the time of the fakes without a detector.
+/// @return whether that many devices were found, if a fact holds the count
 bool Planted(const Lines& names, int count)
 {
     test::Machine machine;
@@ -120,8 +120,8 @@ bool Planted(const Lines& names, int count)
     return areFound;
 }
 
-/// Those of these detectors, or all, on this machine. The first run, which loads libraries, does not count;
-/// lists that several detectors share are made anew by the first of them.
+/// Measures these detectors, or all, on this machine. The first run, which loads libraries, does not count;
+/// lists that several detectors share are rebuilt by the first of them.
 void Here(const Lines& names, const std::wstring& wanted)
 {
     const std::pair<const wchar_t*, std::function<void()>> detectors[] = {
@@ -166,8 +166,9 @@ void Here(const Lines& names, const std::wstring& wanted)
     }
 }
 
-/// What asks for the graphics adapters here: the first call, which loads its library, and later ones.
-/// @return whether there is an adapter, without which there is nothing to ask for
+/// Measures the probes that ask for the graphics adapters: the first call, which loads the library, and later
+/// ones.
+/// @return whether there is an adapter, without which nothing can be measured
 bool Probes()
 {
     const GraphicsProbes probes = GraphicsProbes::OfSystem();

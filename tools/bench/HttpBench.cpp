@@ -1,5 +1,5 @@
-// The other yardstick: two plain exchanges with the analysis service, such as a first Detect has, and nothing
-// else.
+// The other yardstick: two plain exchanges with the analysis service, like those of a first Detect, and
+// nothing else.
 #include <array>
 #include <cstdlib>
 #include <string>
@@ -18,7 +18,7 @@ constexpr DWORD Flags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_NO_CACHE_WRITE | IN
 
 /// Sends a request and reads the answer.
 /// @param path to which the key is added
-/// @return whether there was one
+/// @return whether there was an answer
 bool Exchange(const wchar_t* verb, const std::wstring& path, std::string body)
 {
     const OwnedInternet session(InternetOpenW(L"KEL", INTERNET_OPEN_TYPE_PRECONFIG, nullptr, nullptr, 0));

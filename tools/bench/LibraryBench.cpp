@@ -1,4 +1,4 @@
-// Measures what the control's library does inside: rendering a report, and writing a log line.
+// Measures parts of the control's library: rendering a report, and writing a log line.
 #include <string>
 
 #include "Measure.h"

@@ -13,7 +13,7 @@ constexpr ULONG_PTR MaxTextLength = 200;  // characters; the beginning identifie
 
 std::vector<LineClock::Line> lines;
 
-/// Keeps a line's beginning up to its line break; all that is looked for in it is plain ASCII.
+/// Keeps the beginning of a line, up to its line break; only plain ASCII is searched in it.
 template <typename Character>
 void Keep(double now, ULONG_PTR sizeWithTerminator, ULONG_PTR address)
 {

@@ -7,8 +7,8 @@
 
 namespace kel::bench {
 
-/// Notes when each line of debugger output is written in this process, so that the log of the control shows
-/// how long each of its steps takes. The output goes on its way afterwards.
+/// Records when each line of debugger output is written in this process, so that the control's log shows how
+/// long each of its steps takes. The output itself is not affected.
 class LineClock {
 public:
     /// A line and the time at which it was written.

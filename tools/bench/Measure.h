@@ -1,4 +1,4 @@
-// What the measuring programs share: the clock, and the lines that they print their figures in.
+// Common parts of the benchmarks: the clock, and the format of the lines with their figures.
 #pragma once
 
 #include <windows.h>

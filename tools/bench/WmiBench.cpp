@@ -1,4 +1,4 @@
-// The yardstick: a plain program that asks WMI for what the control asks it for, and nothing else.
+// The yardstick: a plain program that makes the same WMI queries as the control, and does nothing else.
 #include <wbemidl.h>
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-"""Measures what the control costs, beside plain programs that ask WMI for the same."""
+"""Measures what the control costs, compared with plain programs that ask WMI for the same."""
 
 import argparse
 import tempfile
@@ -30,7 +30,7 @@ def measure_first_run(programs, rows):
 
 
 def measure(programs, rows, times):
-    """One round: everything side by side; several times what the machine's other work disturbs most."""
+    """One round: everything side by side; figures that other work on the machine disturbs most are taken several times."""
     for _ in range(times):
         measure_first_run(programs, rows)
     rows.add_all("", programs.run("control_bench", "quiet")[0])
@@ -66,7 +66,7 @@ def main():
         (Path(folder) / "bench.json").write_text(REQUIREMENTS)
         (Path(folder) / "graphics.json").write_text(GRAPHICS)
         with Programs(Path(folder)) as programs:
-            programs.run("wmi_bench")  # what happens once per Wine server shall not fall to the first round
+            programs.run("wmi_bench")  # so that work which happens once per Wine server is not in the first round
             for turn in range(1 if arguments.quick else max(arguments.runs, 7)):
                 measure(programs, rows, 1 if arguments.quick else 3)
                 print(f"round {turn + 1} done", flush=True)

@@ -9,14 +9,14 @@ DEVICES, LETTERS, ENTRIES = (1, 10, 100), (1, 10, 26), (1, 100, 10000)
 SIZES = {**dict.fromkeys(("GPU", "CDRom", "DirectX", "DVD", "Graphics", "HardDrive"), DEVICES), "LogicalDrive": LETTERS,
          **dict.fromkeys(("NetworkDevice", "Sound"), DEVICES), **dict.fromkeys(("Software", "Browser"), ENTRIES),
          "Monitor": DEVICES, "Applications": ENTRIES, "SCSI": DEVICES}
-# The facts for which a driver's code is run, by what is asked for them.
+# The facts for which a driver's code runs, with what it is asked for.
 GATES = {"": "nothing", "72008,72203": "the feature level", "72204": "the shader model", "72014,72015": "chip and DAC"}
 PROBES = {"dxgi": "DXGI", "cache": "the adapter cache", "setup": "the Setup API", "d3d9": "Direct3D 9",
           "d3d10": "Direct3D 10", "d3d11": "Direct3D 11", "d3d12": "Direct3D 12", "model": "the shader model",
           "dxdiag": "DxDiag",
           "dxcore": "DXCore, for one adapter", "paths": "`QueryDisplayConfig`"}
 UNGATED = ("dxgi", "cache", "setup", "dxcore", "paths")
-FLOOR = 1  # milliseconds, as which less counts where growth is judged
+FLOOR = 1  # milliseconds; smaller figures count as this when growth is judged
 
 LABELS = {
     "Detectors on this machine, their libraries loaded": {
@@ -56,7 +56,7 @@ def measure_graphics(programs, rows):
 
 @contextmanager
 def display(programs):
-    """A virtual display, on which a Wine server of its own runs: a server keeps the display that it saw first."""
+    """A virtual display with a separate Wine server, since a server keeps the display that it saw first."""
     with tempfile.TemporaryDirectory() as prefix, subprocess.Popen(
             ["Xvfb", "-displayfd", "1", "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True) as server:
@@ -81,7 +81,7 @@ def measure(programs, rows, quick):
 
 
 def growth(rows, name, less, more, floor=0):
-    """What ten times as many cost, at the rate of two sizes."""
+    """The cost of ten times as many devices, at the rate between two sizes."""
     ratio = rows.median(f"planted.{name}.{more}") / max(rows.median(f"planted.{name}.{less}"), floor)
     return ratio ** (1 / math.log10(more / less))
 
@@ -97,7 +97,7 @@ def planted_markdown(rows, shown):
 
 
 def aims(rows):
-    """Each as what is aimed at, what was measured, its unit, and the limit."""
+    """The aims, each with its name, the measured figure, its unit, and the limit."""
     planted = {name: rows.median(f"planted.{name}.{sizes[1]}") for name, sizes in SIZES.items()}
     here = {name: rows.median(f"here.{name}") for name in SIZES}
     factors = {(name, less, more): growth(rows, name, less, more, FLOOR) for name, sizes in SIZES.items()

@@ -1,1 +1,1 @@
-' What a script host takes by itself.
+' Shows what a script host costs by itself.

@@ -1,4 +1,4 @@
-"""Takes the first Detect apart by the times of its log lines."""
+"""Splits the first Detect into parts by the times of its log lines."""
 
 import re
 
@@ -9,7 +9,7 @@ DETECTORS = ("CPU GPU Bios CDRom Chassis DirectX DVD Graphics HardDrive LogicalD
 
 
 def scopes(lines, output):
-    """Milliseconds that each traced scope took, less its debugger output; scopes of one name are added up.
+    """Milliseconds that each traced scope took, less its debugger output; scopes with the same name are added up.
 
     A line is timed when it is handed to the debugger: from a scope's entry line to its exit line lies the output
     of the entry line and of all lines between.

@@ -17,8 +17,8 @@ from server import AnalysisServer, Handler  # noqa: E402
 
 
 class TimedHandler(Handler):
-    """Adds up the processor time of its thread and of the service behind it, from the arrival of a request, or of its
-    connection, until its answer is written."""
+    """Adds up the processor time of its thread and of the service behind it, from the arrival of a request or connection
+    until the answer is written."""
 
     def work(self):
         return time.thread_time() + self.server.backend.seconds()
@@ -38,7 +38,7 @@ class TimedHandler(Handler):
 
 
 class Programs:
-    """Lives as long as its service does."""
+    """Runs the programs against a local service."""
 
     def __init__(self, folder):
         self.service = AnalysisServer(0, folder / "sessions", folder)
@@ -57,7 +57,7 @@ class Programs:
         self.thread.join()
 
     def service_milliseconds(self):
-        """What the service took for the program that ran last."""
+        """The service's time, in milliseconds, for the program that ran last."""
         return 1000 * self.service.seconds
 
     def wine(self, *arguments):
@@ -84,7 +84,7 @@ class Programs:
 
 
 def cabinet_size(folder):
-    """Bytes of the DLL in a cabinet of its own."""
+    """The size in bytes of a cabinet with only the DLL."""
     cabinet = folder / "Detection.cab"
     cabinet.unlink(missing_ok=True)
     subprocess.run(["gcab", "--create", "--zip", "--nopath", str(cabinet), str(DLL)], check=True)
@@ -92,7 +92,7 @@ def cabinet_size(folder):
 
 
 def machine():
-    """Where the figures were taken."""
+    """The machine on which the figures were taken."""
     processor = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text())
     wine = subprocess.run(["wine", "--version"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True).stdout
     commit = subprocess.run(["git", "-C", str(ROOT), "rev-parse", "--short", "HEAD"], stdout=subprocess.PIPE,

@@ -76,7 +76,7 @@ LABELS = {
 
 
 def shown(value):
-    """Three significant digits, all of those before the point, and at most three after it."""
+    """Three significant digits, or all digits before the point if there are more, and at most three after it."""
     value = round(value, 3) + 0.0  # no negative zero
     if abs(value) >= 100 or value == 0:
         return f"{value:,.0f}"
@@ -125,7 +125,7 @@ class Rows:
 
 
 class Aims:
-    """What was aimed at, judged by the medians. Nothing fails when an aim is missed."""
+    """The aims, judged by the medians. Nothing fails when an aim is missed."""
 
     def __init__(self, rows):
         growth = max(rows.median(f"growth.quiet.{groups}") for groups in GROUPS[1:])
@@ -159,7 +159,7 @@ def save(path, about, rows, aims):
 
 
 def write_page(path, about, rows, aims):
-    """Replaces what stands between the page's marks."""
+    """Replaces the text between the page's marks."""
     page = path.read_text(encoding="utf-8")
     for name, lines in (("figures", [about + ".", "", *rows.markdown()]), ("aims", aims.markdown())):
         page = re.sub(rf"(<!-- {name} -->\n).*?(<!-- end of {name} -->)",

@@ -13,7 +13,7 @@ public:
     Client(const Client&) = delete;
     Client& operator=(const Client&) = delete;
 
-    /// Sends a request and reads the answer to its end: its status.
+    /// Sends a request, reads the answer to its end, and returns its status.
     int Ask(const std::string& method, const std::string& target, const std::string& body);
     /// The body of the last answer.
     const std::string& Body() const { return body; }

@@ -1,6 +1,6 @@
-"""Measures the analysis service under load, side by side with an empty service of the same library: prints a table, and with
---page writes it to docs/generated/load.md. --seconds N: how long each load lasts; --reports N: the largest store. --hostile:
-measures what a visitor gets beside attacks, instead."""
+"""Measures the analysis service under load, side by side with an empty service with the same library: prints a table, and
+with --page writes it to docs/generated/load.md. --seconds N: how long each load lasts; --reports N: the largest store.
+--hostile: measures instead what a visitor gets during attacks."""
 
 import argparse
 import http.client
@@ -49,7 +49,7 @@ class Server:
         self.port, self.admin = (int(path.read_text()) for path in (self.ports * 2)[:2])
 
     def memory(self, field="VmHWM"):
-        """In megabytes, the most of all time; "VmRSS": now."""
+        """Memory in megabytes: by default the peak, with "VmRSS" the present use."""
         status = Path(f"/proc/{self.process.pid}/status").read_text("ascii")
         return int(re.search(rf"{field}:\s*(\d+)", status)[1]) / 1024
 
@@ -96,7 +96,7 @@ def varied(body, number):
 
 
 def fill(path, most):
-    """Stores reports with their verdicts until there is the given number, each like one that was judged."""
+    """Stores copies of a judged report, with its verdict, until there are the given number of reports."""
     with sqlite3.connect(path) as database:
         there = database.execute("SELECT count(*) FROM report").fetchone()[0]
         body, lines = database.execute("SELECT body, lines FROM report JOIN verdict ON report = id LIMIT 1").fetchone()
@@ -153,7 +153,7 @@ def measure_sqlite(folder, seconds, most, rows, times):
 
 
 def measure_postgres(folder, seconds, rows):
-    """With a server whose commits are on the disk."""
+    """Measures with a PostgreSQL server that writes each commit to the disk."""
     server = databases.Server()
     subprocess.run(server.psql("postgres", "CREATE DATABASE load"), check=True)
     prepare(server.address("load"))
@@ -164,7 +164,7 @@ def measure_postgres(folder, seconds, rows):
 
 
 def aims(rows, times):
-    """What the service is to reach with SQLite, and whether it did."""
+    """The aims of the service with SQLite, and whether they were met."""
     first, *others = (figures for name, figures in rows if name.startswith("SQLite"))
     slowest = max(figures[kind][1] for figures in (first, *others) for kind in KINDS)
     slower = max(others[-1][kind][0] / first[kind][0] for kind in KINDS)
@@ -244,7 +244,7 @@ def measure_load(options):
 
 
 def write_page(table, is_hostile):
-    """Writes one of the page's two parts, and keeps the other."""
+    """Replaces one of the page's two parts, and keeps the other."""
     page = ROOT / "docs" / "generated" / "load.md"
     heading = "\n## Beside attacks\n\n"
     begin = ("# Figures of the analysis service under load\n\nWritten by `scripts/load.sh --page`. What they mean: "

@@ -1,4 +1,4 @@
-// A service that reads every request and answers it with nothing: what the library itself costs.
+// A service that reads every request and does nothing, to show what the library itself costs.
 #include <fstream>
 #include <string>
 

@@ -16,9 +16,9 @@ KEY = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53"
 LIST = f"/Data/Service.svc/Group/list?refid=demo&apikey={KEY}"
 UPLOAD = f"/Data/Service.svc/upload?apikey={KEY}"
 ANALYSIS = "/service/Analysis/demo"
-RATE, BURST = 50, 200  # what the proxy's example lets one address ask a second, and at once
+RATE, BURST = 50, 200  # requests that the example proxy allows one address per second, and at once
 SMALL = 16 * 1024
-MAX_BODY, MAX_GROUPS = 256 * 1024, 4990  # of a report that is taken with its session and memory
+MAX_BODY, MAX_GROUPS = 256 * 1024, 4990  # of a report that is accepted with its session and memory
 MAX_FORM = 4 * 1024 * 1024
 
 
@@ -36,7 +36,7 @@ def request(method, target, body=b""):
 
 
 def largest(port):
-    """Uploads the most expensive report that the service takes, as the session "large": its body."""
+    """Uploads the most expensive report that the service accepts, as the session "large", and returns its body."""
     body = report("large", '<group id="z1"/>' * MAX_GROUPS)
     body += b" " * (MAX_BODY - len(body))
     with closing(http.client.HTTPConnection("127.0.0.1", port, timeout=60)) as connection:
@@ -47,7 +47,7 @@ def largest(port):
 
 
 class Allowance:
-    """Lets a burst of requests through at once, and then a number a second."""
+    """Allows a burst of requests at once, and then a number per second."""
 
     def __init__(self, rate=RATE, burst=BURST):
         self.rate, self.burst, self.start, self.used = rate, burst, time.monotonic(), 0
@@ -58,7 +58,7 @@ class Allowance:
 
 
 async def repeat(port, data, allowance):
-    """One client that asks the same again and again."""
+    """One client that repeats the same request."""
     while True:
         with suppress(OSError, asyncio.IncompleteReadError):
             reader, writer = await asyncio.open_connection("127.0.0.1", port)
@@ -135,7 +135,7 @@ def nothing(*_):
 
 
 def settle(server, patience=30):
-    """Waits until no more attackers come."""
+    """Waits until no more attackers arrive."""
     count, end = 0, time.monotonic() + patience
     while time.monotonic() < end:
         time.sleep(1)
@@ -148,7 +148,7 @@ def settle(server, patience=30):
 
 
 def attack(clients, *target):
-    """In a process of its own, until it is ended."""
+    """Runs an attack in this process until it is ended."""
     limit = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
     resource.setrlimit(resource.RLIMIT_NOFILE, (limit, limit))
     asyncio.run(all_of(clients(*target)))
@@ -163,7 +163,7 @@ def locked(database):
 
 
 class Times:
-    """What requests took, in seconds, and how many were not answered with 200."""
+    """The durations of requests in seconds, and the number of those that were not answered with 200."""
 
     def __init__(self):
         self.seconds, self.failures = [], 0
@@ -183,7 +183,7 @@ class Times:
 
 
 def visit(server, seconds, is_read_only):
-    """A visitor's requests, and the operator's checks beside them: their times."""
+    """Makes a visitor's requests and, in parallel, the operator's checks, and returns their times."""
     visitor, check, end = Times(), Times(), time.monotonic() + seconds
 
     def watch():
@@ -214,11 +214,11 @@ ATTACKS = (
 
 
 def end(server, body):
-    """Seconds that the service takes to end beside a client that sends half of a body and one that reads no answer."""
+    """Seconds that the service takes to end while one client has sent half a body and another does not read its answer."""
     with closing(socket.create_connection(("127.0.0.1", server.port))) as half, \
             closing(socket.create_connection(("127.0.0.1", server.port))) as deaf:
         for client, data in (half, request("POST", UPLOAD, body)[:-9]), (deaf, request("GET", "/global/tests/test_2.bin") * 9):
-            with suppress(OSError):  # it is refused where attackers still hold all memory
+            with suppress(OSError):  # it is refused while attackers still hold all memory
                 client.sendall(data)
         start = time.monotonic()
         server.process.terminate()
@@ -227,11 +227,11 @@ def end(server, body):
 
 
 def measure(attacks, start, database, seconds, rest):
-    """A row for each attack. `start` starts a service with the given settings. Where memory is the question, the attack has
-    at least `rest` seconds to take it, and the service as many to give it back."""
+    """A row for each attack. `start` starts a service with the given settings. When memory is measured, the attack has at
+    least `rest` seconds to take it, and the service the same time to release it."""
     for name, clients, workers in attacks:
         is_locked, patience = "locked" in name, rest if "memory" in name else 0
-        # Without the bound of a session, which would end the attack of the largest bodies after a second.
+        # Without the bound on a session's reports, which would end the attack with the largest bodies after a second.
         with start("--workers", str(workers), "--session-reports", "0") as server:
             body = largest(server.port)
             target = clients, server.port, body, server.admin

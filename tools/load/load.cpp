@@ -1,9 +1,9 @@
-// Visitors, as many at a time as asked for: each run is a group list, an upload and an analysis, on kept
-// connections. Prints one line of JSON: runs a second, failures, and for each kind of request the median, the
-// 99th percentile and the longest time in milliseconds.
+// The given number of concurrent visitors: each run is a group list, an upload and an analysis, on kept
+// connections. Prints one line of JSON: runs per second, failures, and for each kind of request the median,
+// the 99th percentile and the longest time in milliseconds.
 //     kel_load SECONDS CONNECTIONS REFERRER REPORT PORT...
-// The connections are dealt out to the ports. In the file REPORT the text SESSION stands for the run's own
-// session.
+// The connections are distributed over the ports. In the file REPORT the text SESSION is replaced with the
+// run's session.
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -36,7 +36,7 @@ std::string Replace(std::string text, const std::string& what, const std::string
     return at == std::string::npos ? text : text.replace(at, what.size(), by);
 }
 
-/// One visitor after another until the end, over one connection.
+/// Runs one visitor after another until the end, over one connection.
 Visitors Visit(std::uint16_t port, Clock::time_point end, const std::string& name,
                const std::string& referrer, const std::string& report)
 {

@@ -1,4 +1,4 @@
-"""Makes the packages out of a built DLL: two installers, an archive, and on demand a cabinet. Signs the DLL in them and
+"""Makes the packages from a built DLL: two installers, an archive, and on demand a cabinet. Signs the DLL in them and
 the packages when a certificate is given (scripts/sign.sh)."""
 
 import argparse
@@ -49,7 +49,7 @@ def sign(*paths):
 
 
 def archived_sources():
-    """The documents and examples. In a working copy only tracked files: others may be anybody's notes."""
+    """The documents and examples. From a working copy only tracked files, as others may be private notes."""
     if (ROOT / ".git").exists():
         listed = subprocess.run(["git", "ls-files", "-z", "--error-unmatch", "examples", *DOCUMENTS], cwd=ROOT, check=True,
                                 stdout=subprocess.PIPE, text=True).stdout
@@ -59,7 +59,7 @@ def archived_sources():
 
 
 def archive(version, dll, target):
-    """The archive: the DLL, the manifest, the examples, the licences of what is linked in, and what it is made of."""
+    """The archive: the DLL, the manifest, the documents and examples, the licences of linked libraries, and the SBOM."""
     content = dll.read_bytes()
     files = {"Detection.dll": content, "Detection.manifest": assembly.manifest(version).encode(),
              "Detection.cdx.json": bill.bill(version, digest(content)).encode(), **bill.licences()}
@@ -75,7 +75,7 @@ def archive(version, dll, target):
 
 
 def cabinet(version, dll, work, target):
-    """The cabinet for a page's codebase, which only the old engine's mode reads."""
+    """The cabinet for a page's codebase, which only the old engine reads."""
     inf = work / "Detection.inf"
     inf.write_text(CABINET_INF.format(class_id=registration.class_id(), version=version.replace(".", ",")))
     os.utime(inf, (EPOCH, EPOCH))

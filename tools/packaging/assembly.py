@@ -1,4 +1,4 @@
-"""The manifest by which a program carries the control privately, without registration."""
+"""The manifest with which a program uses its own copy of the control, without registration."""
 
 import re
 

@@ -1,4 +1,4 @@
-"""What is linked into the DLL: its licence texts, and a bill of materials (CycloneDX)."""
+"""The licence texts of what is linked into the DLL, and a bill of materials (CycloneDX)."""
 
 import datetime
 import json
@@ -8,7 +8,7 @@ from pathlib import Path
 
 from stamp import EPOCH
 
-# component, what it is, the Debian package that brings it, and the one that carries its copyright file
+# component, description, the Debian package that contains it, and the one that contains its copyright file
 LINKED = [
     ("libstdc++ and libgcc", "GCC's runtime libraries", "g++-mingw-w64-x86-64-posix", "gcc-mingw-w64-base",
      "GPL-3.0-or-later WITH GCC-exception-3.1"),

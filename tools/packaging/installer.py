@@ -10,7 +10,7 @@ import registration
 from stamp import EPOCH, faked
 
 NAMESPACE = uuid.UUID("6b0d7d0e-6c1b-4f0a-9f57-0a4a1f3c1d52")
-# Never change these: an upgrade finds what it replaces by these.
+# Never change these: by them an upgrade finds the package that it replaces.
 UPGRADE_CODES = {"machine": "7E3F2C51-9A64-4F0B-8D17-51C6E2A9B3D4", "user": "C2A8D6F4-1B75-4E39-A0C8-9D3E7F615B28"}
 COMPONENTS = {"machine": "0F5B8E63-D2A7-4C1E-9B46-83E0C7A1F5D2", "user": "94D1C7B0-3E5A-4862-BF19-6A2C8E07D5F3",
               "machine32": "B86A2E19-5C40-4D7B-A3F2-17E9D4C0685A"}
@@ -27,7 +27,7 @@ def _registry(rows, root):
     lines = []
     for row in rows:
         key = quoteattr("Software\\Classes\\" + row.key)
-        # An empty key is named by "*", which also takes it away again.
+        # An empty key is written with the name "*", which also removes it on uninstallation.
         name = ' Name="*"' if row.text is None else f" Name={quoteattr(row.name)}" if row.name else ""
         value = quoteattr(row.text or "")
         lines.append(f"        <RegistryValue Root=\"{root}\" Key={key}{name} Type=\"string\" Value={value}/>")
@@ -35,7 +35,7 @@ def _registry(rows, root):
 
 
 def source(scope, version, product_code):
-    """The installer's source in the language of the tool that makes it."""
+    """The installer's source in the language of the tool that builds it."""
     wide, narrow = registration.rows("[#DetectionDll]", "[INSTALLFOLDER]")
     root = "HKLM" if scope == "machine" else "HKCU"
     folder, between = FOLDERS[scope]
@@ -85,7 +85,7 @@ def build(scope, version, work, target):
         # The tool writes no file version; a row without one beside a versioned file could keep the old file.
         f"UPDATE `File` SET `Version`='{version}.0', `Language`='1033' WHERE `File`='DetectionDll'",
         "DELETE FROM `MsiFileHash` WHERE `File_`='DetectionDll'",
-        # Its upgrades replace lower versions only.
+        # The tool's own upgrade row replaces only lower versions.
         "DELETE FROM `Upgrade` WHERE `ActionProperty`='WIX_UPGRADE_DETECTED'",
         "INSERT INTO `Upgrade` (`UpgradeCode`, `VersionMax`, `Attributes`, `ActionProperty`) VALUES "
         f"('{{{UPGRADE_CODES[scope]}}}', '{version}', {MIGRATE_FEATURES | VERSION_MAX_INCLUSIVE}, 'WIX_UPGRADE_DETECTED')")

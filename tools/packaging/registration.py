@@ -1,5 +1,5 @@
-"""What registering the DLL writes, as rows for an installer: made from the registration script and the type library's
-source, so that the two cannot drift apart."""
+"""The keys that registering the DLL writes, as rows for an installer: made from the registration script and the type
+library's source, so that the installer and the registration cannot differ."""
 
 import re
 from dataclasses import dataclass
@@ -12,7 +12,7 @@ AUTOMATION_MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
 
 @dataclass(frozen=True)
 class Row:
-    """A value below the classes' root; without a name the default one, without a text an empty key."""
+    """A value below the classes root; without a name the default value, without a text an empty key."""
 
     key: str
     name: str | None
@@ -20,7 +20,7 @@ class Row:
 
 
 class ScriptError(Exception):
-    """The registration script has a form that is not known here."""
+    """The registration script has a form that this module does not know."""
 
 
 def _tokens(script):
@@ -79,7 +79,7 @@ def script_rows(script, parameters):
 
 
 def type_library_rows(source, module, folder):
-    """What the system writes for the type library that an IDL source describes, and for its dual interface."""
+    """The keys that the system writes for the type library that an IDL source describes, and for its dual interface."""
     def find(pattern):
         return re.search(pattern, source, re.DOTALL)[1]
 
@@ -106,7 +106,7 @@ def class_id():
 
 
 def rows(module, folder):
-    """All rows for a DLL at a path: those for 64-bit programs, and the interface's, which 32-bit ones want as well."""
+    """All rows for a DLL at a path: those for 64-bit programs, and the interface's, which 32-bit programs need as well."""
     script = (ROOT / "control" / "dll" / "Detection.rgs").read_text("ascii")
     source = (ROOT / "control" / "Detection.idl").read_text("ascii")
     library, interface = type_library_rows(source, module, folder)

@@ -6,8 +6,8 @@
 
 namespace kel {
 
-/// Takes the first code point off the text. Nothing, and the text as it was, when it does not begin with one:
-/// empty, cut, overlong, a surrogate, or past U+10FFFF.
+/// Removes the first code point from the text and returns it. When the text does not begin with one (empty,
+/// truncated, overlong, a surrogate, or past U+10FFFF), returns nothing and leaves the text unchanged.
 std::optional<char32_t> TakeCodePoint(std::string_view& text);
 
 /// Whether the text is UTF-8 without a NUL.

@@ -10,8 +10,8 @@ namespace kel::server {
 
 namespace {
 
-// In units of the picture, which is as wide as its place.
-constexpr std::size_t MaxBarLabelBytes = 45;  // bytes; the table has all of it
+// In units of the picture, which is scaled to the available width.
+constexpr std::size_t MaxBarLabelBytes = 45;  // bytes; the table has the whole label
 constexpr int Width = 320, RowHeight = 34, TextBase = 13, BarTop = 18, BarHeight = 10;
 
 std::string Number(int number)

@@ -34,7 +34,7 @@ Distribution::Place Distribution::ToPlace(const std::string& value) const
         return {};
     if (kind == Kind::Number)
         return {quantity->number, std::to_string(std::llround(quantity->number))};
-    // What the system may use is a little less than what is installed, so a step takes in what is below it.
+    // The system can use a little less than what is installed, so a step includes the amounts below it.
     const double step = std::exp2(std::ceil(std::log2(std::max(quantity->number, 1.0))));
     return {step, "up to " + BytesText(step)};
 }

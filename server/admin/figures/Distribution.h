@@ -7,18 +7,18 @@
 
 namespace kel::server {
 
-/// How often which value of one kind came.
+/// How often each value of one kind occurred.
 class Distribution {
 public:
     enum class Kind {
         Bytes,   // in steps that double
-        Number,  // each by itself, in its order
-        Text     // each by itself, the most frequent first
+        Number,  // each separately, in ascending order
+        Text     // each separately, the most frequent first
     };
     struct Bar {
         std::string label;
         int count = 0;
-        bool isRest = false;  // several values together, or none
+        bool isRest = false;  // "other" or "not reported"
     };
 
     static constexpr std::size_t MaxBars = 10;
@@ -27,7 +27,7 @@ public:
 
     /// Counts a value; null, and one that cannot be read, is "not reported".
     void Add(const std::string* value);
-    /// The most frequent values, then "other" and "not reported" where they came.
+    /// The most frequent values, then "other" and "not reported" if they occurred.
     std::vector<Bar> Bars() const;
 
 private:

@@ -18,10 +18,10 @@ using Clock = std::chrono::steady_clock;
 constexpr std::chrono::seconds MaxTime{1};
 constexpr std::size_t ProductsAtOnce = 20;
 
-/// The bounds of a look back, in time and in bytes.
+/// The bounds of reading recent reports, in time and in bytes.
 class ScanBudget {
 public:
-    /// Whether that many more bytes may be read; the first ones in any case.
+    /// Whether that many more bytes may be read; always true for the first ones.
     bool Allows(std::size_t more)
     {
         const bool isFirst = bytes == 0;

@@ -11,23 +11,24 @@
 
 namespace kel::server {
 
-/// How many of the newest reports or verdicts the figures look at. Of each session the newest counts.
+/// The number of newest reports or verdicts that figures are based on. Only the newest of each session
+/// counts.
 inline constexpr int RecentCount = 1000;
 
-/// What figures are of.
+/// The sessions that figures are based on.
 struct RecentSessions {
     int count = 0;
-    bool isCut = false;  // there are older ones, which would have taken too long
+    bool isCut = false;  // older ones were left out, as they would have taken too long
 
-    /// "the last 12 sessions", and what was left out.
+    /// "the last 12 sessions", and whether older ones were left out.
     std::string Text() const;
 };
 
-/// Reads a stored report; nothing when it is one that this program's rules refuse.
+/// Reads a stored report; nothing when this program's rules refuse it.
 std::optional<Report> ReadStored(const std::string& body);
 
-/// Passes the newest report of each of a product's last sessions to `use`, but for those that cannot be read.
-/// Stops after a second, or when visitors sent large ones.
+/// Passes the newest report of each of a product's last sessions to `use`, except those that cannot be read.
+/// Stops after a second, or after 32 MB.
 RecentSessions ForEachRecentReport(Database& database, const std::string& referrer,
                                    const std::function<void(const Report&)>& use);
 
@@ -35,7 +36,7 @@ RecentSessions ForEachRecentReport(Database& database, const std::string& referr
 RecentSessions ForEachRecentVerdict(Database& database, const std::string& referrer,
                                     const std::function<void(const StoredVerdict&)>& use);
 
-/// The totals of each product's recent sessions; of the first products alone when all would take over a
+/// The totals of each product's recent sessions; only of the first products when all would take over a
 /// second.
 std::vector<Counts> RecentTotals(Database& database, const std::vector<Product>& products);
 

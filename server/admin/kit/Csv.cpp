@@ -8,11 +8,11 @@ namespace kel::server {
 namespace {
 
 constexpr std::string_view OtherSeparators = ";\t\r\n";
-// Some spreadsheets take the full-width signs for the usual ones.
+// Some spreadsheets treat full-width signs like the usual ones.
 constexpr std::string_view FormulaSigns[] = {"=", "+", "-", "@", "＝", "＋", "－", "＠"};
 
-/// Whether a spreadsheet could compute a cell that begins so. Blanks and quotes do not keep every reader from
-/// it.
+/// Whether a spreadsheet could compute a cell that begins this way. Some readers do so even after blanks and
+/// quotes.
 bool BeginsFormula(std::string_view text)
 {
     text.remove_prefix(std::min(text.find_first_not_of(" \""), text.size()));

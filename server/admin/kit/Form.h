@@ -13,20 +13,20 @@ class Form {
 public:
     static constexpr std::size_t MaxFields = 32;
 
-    /// Reads a body. Nothing when it has more fields, or one twice. Values are UTF-8 that shows, as Clean
-    /// makes it, with line ends as single line feeds.
+    /// Reads a body. Nothing when it has too many fields, or one twice. Values are printable UTF-8, as Clean
+    /// returns it, with line ends as single line feeds.
     static std::optional<Form> Read(std::string_view body);
 
-    /// The value of a field; empty when it is not there.
+    /// The value of a field; empty when it is missing.
     const std::string& Text(const std::string& name) const;
-    /// The value as a whole number from 0 on; -1 when it is none.
+    /// The value as a whole number from 0 on; -1 when it is not one.
     int Number(const std::string& name) const;
 
 private:
     std::map<std::string, std::string> fields;
 };
 
-/// The text as a whole number from 0 on; -1 when it is none.
+/// The text as a whole number from 0 on; -1 when it is not one.
 std::int64_t WholeNumber(std::string_view text);
 
 }  // namespace kel::server

@@ -8,7 +8,7 @@
 
 namespace kel::server {
 
-/// A piece of a page. Whatever text becomes one is escaped on the way, so that nothing stored can be markup.
+/// A piece of a page. Every text that becomes one is escaped, so that no stored text can be markup.
 class Html {
 public:
     Html() = default;
@@ -38,8 +38,8 @@ inline Html operator+(Html left, const Html& right)
     return left;
 }
 
-/// The text as printable UTF-8: control characters but tabs and line ends, and bytes that are not UTF-8,
-/// become U+FFFD.
+/// The text as printable UTF-8: control characters other than tabs and line ends, and bytes that are not
+/// UTF-8, become U+FFFD.
 std::string Clean(std::string_view text);
 
 }  // namespace kel::server

@@ -19,7 +19,7 @@ public:
 
     /// A cell for each column.
     void Add(const std::vector<Html>& cells);
-    /// The table, or a sentence in its place when it has no row.
+    /// The table, or a sentence instead when it has no rows.
     Html Done(const std::string& whenEmpty) const;
 
 private:

@@ -13,7 +13,7 @@
 
 namespace kel::server {
 
-/// A request to the administration whose sender may make it, and what a page answers it with.
+/// A request to the administration whose sender has the rights for it, and what a page needs to answer it.
 struct AdminRequest {
     const Request& http;
     const Target& target;

@@ -53,7 +53,7 @@ void CheckOrigin(const Request& request, const AdminSettings& settings)
 {
     const std::string origin = LowerHeader(request, "Origin");
     if (!request.Header("Origin"))
-        return;  // not a browser, or one that is too old to send it; the token decides
+        return;  // not a browser, or one that is too old to send an origin; the token decides
     const std::size_t slashes = origin.find("://");
     const std::string host = slashes == std::string::npos ? std::string() : origin.substr(slashes + 3);
     if (host.empty() || (host != LowerHeader(request, "Host") && host != Lower(settings.host)))

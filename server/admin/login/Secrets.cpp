@@ -9,7 +9,7 @@ namespace kel::server {
 
 namespace {
 
-/// The library's own start, once for the process.
+/// Initializes the library, once per process.
 void Start()
 {
     static const bool started = sodium_init() >= 0;

@@ -5,12 +5,12 @@
 
 namespace kel::server {
 
-/// 32 random bytes as letters, digits, hyphens and underscores. Throws std::runtime_error when the system has
-/// none, as all here.
+/// 32 random bytes as letters, digits, hyphens and underscores. Like all functions here, throws
+/// std::runtime_error when the library cannot start.
 std::string RandomText();
 
-/// A hash of what RandomText made: the secret cannot be found from it. With a key, nobody else can make
-/// it.
+/// A hash of a text from RandomText, from which the secret cannot be found. With a key, only its holder can
+/// make the hash.
 std::string HashOf(std::string_view secret, std::string_view key = {});
 
 /// Whether the texts are the same, in a time that does not depend on where they differ.

@@ -9,7 +9,8 @@ namespace kel::server {
 
 namespace {
 
-// The browser keeps a cookie of this prefix for this host alone, and sends it where nobody listens.
+// The browser keeps a cookie with this prefix for this host only, and sends it only where it cannot be
+// overheard.
 constexpr std::string_view CookieName = "__Host-kel", KnownName = "__Host-kel-known";
 constexpr std::string_view CookieRules = "; Path=/; Secure; HttpOnly; SameSite=Lax";
 constexpr std::int64_t Hour = 3'600'000;  // milliseconds
@@ -27,13 +28,14 @@ std::string ReadCookie(const Request& request, std::string_view name)
     return {};
 }
 
-/// Says that this browser's random text was given to the account with its present password.
+/// Proves that this browser's random text was given to the account with its present password.
 std::string TrustedBrowserMark(const std::string& browser, const Account& account)
 {
-    return HashOf(browser, HashOf(account.hash));  // which has a salt of its own
+    return HashOf(browser, HashOf(account.hash));  // the account's hash is salted
 }
 
-/// The secret that its holder sends; empty when the account's password has changed meanwhile.
+/// Adds a log-in and returns the secret that its holder sends; empty when the account's password has changed
+/// meanwhile.
 std::string BeginLogin(Database& database, const Account& account, LoginKind kind, std::int64_t duration)
 {
     std::string secret = RandomText();
@@ -42,7 +44,7 @@ std::string BeginLogin(Database& database, const Account& account, LoginKind kin
     return isKept ? secret : std::string();
 }
 
-/// The log-in that the secret is of, if that is one of this kind.
+/// The log-in that has this secret, if it is of this kind.
 std::optional<Login> FindKind(Database& database, std::string_view secret, LoginKind kind)
 {
     auto login = secret.empty() ? std::nullopt : Accounts(database).FindLogin(HashOf(secret));

@@ -8,9 +8,9 @@
 
 namespace kel::server {
 
-/// Slows down guesses of passwords: for each name, and for all together, so that many names do not get
-/// round it. A browser in which the account has logged in before has a count of its own instead, so that
-/// strangers' guesses keep nobody out of there. What it remembers is bounded. For any thread.
+/// Slows down guesses of passwords: for each name, and for all names together, so that guesses at many names
+/// are slowed down, too. A browser in which the account has logged in before has a separate count, so that
+/// strangers' guesses do not lock the user out there. Its memory is bounded. For any thread.
 class Throttle {
 public:
     using Clock = std::chrono::steady_clock;
@@ -31,7 +31,7 @@ public:
         }
     };
 
-    /// How long to wait before the guest may try to log in; 0 when it may be now.
+    /// How long the guest has to wait before the next attempt; 0 for not at all.
     std::chrono::seconds Wait(const Guest& guest, Clock::time_point now = Clock::now());
     void Failed(const Guest& guest, Clock::time_point now = Clock::now());
     void Succeeded(const Guest& guest);
@@ -44,7 +44,7 @@ private:
 
     std::mutex turn;
     std::map<Guest, Failures> guests;
-    Clock::time_point minute;  // when the minute began in which `recent` failed
+    Clock::time_point minute;  // the start of the minute in which `recent` attempts failed
     int recent = 0;
 };
 
