@@ -64,10 +64,10 @@ std::string Records(const FullReport& report, const std::string& total)
     std::string records;
     const Report read = ReadStored(report.body).value_or(Report());
     // Repeated for every value, they stay below the bound together.
-    const std::size_t longest =
+    const std::size_t maxBytes =
         std::min(MaxCellBytes, MaxAnswerBytes / 4 / std::max<std::size_t>(read.Count(), 1));
-    const std::string session = Shortened(report.session, longest), user = Shortened(report.user, longest),
-                      machine = Shortened(report.machine, longest);
+    const std::string session = Shortened(report.session, maxBytes), user = Shortened(report.user, maxBytes),
+                      machine = Shortened(report.machine, maxBytes);
     for (const auto& [key, value] : read.All())
         records += CsvRecord({std::to_string(report.id), IsoTime(report.received), session, report.referrer,
                               user, machine, total, key.first, std::to_string(key.second), value});

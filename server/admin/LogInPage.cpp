@@ -72,9 +72,9 @@ Answer LogIn(const AdminRequest& request)
     if (!cookie) {
         request.throttle.Failed(guest);
         // An unknown name is not stored, as it may be a password in the wrong field.
-        const std::string who = found ? found->name : "unknown name";
-        Audit(request.database).Add(who, "log-in failed", "");
-        Log(Level::Warning, "log-in-failed", {{"account", who}});
+        const std::string user = found ? found->name : "unknown name";
+        Audit(request.database).Add(user, "log-in failed", "");
+        Log(Level::Warning, "log-in-failed", {{"account", user}});
         return Render(request, name, next, Notice("bad", "Name or password is wrong."), 403);
     }
     request.throttle.Succeeded(guest);

@@ -100,12 +100,12 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
     const auto connection = database.BorrowReader();
     // A session has few reports, so the other conditions of its query must not use their indexes; nor must
     // the time, since the whole range of ids would then have to be sorted.
-    const std::string apart(connection->UnindexedPrefix());
+    const std::string unindexed(connection->UnindexedPrefix());
     const bool bySession = !filter.session.empty();
     const bool byTotal = filter.total.has_value();
     const std::string total(byTotal ? ToString(*filter.total) : "");
     const std::string id = byTotal && !bySession ? "verdict.report" : "report.id";
-    const std::string beside = bySession ? apart : "";
+    const std::string prefix = bySession ? unindexed : "";
     Conditions conditions;
     const auto [after, before] = Span(*connection, filter);
     conditions.Add(id + " > ?", after);
@@ -113,19 +113,19 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
     if (bySession)
         conditions.Add("session = ?", filter.session);
     if (!filter.referrer.empty())
-        conditions.Add(beside + "report.referrer = ?", filter.referrer);
+        conditions.Add(prefix + "report.referrer = ?", filter.referrer);
     if (byTotal) {
-        conditions.Add(beside + "verdict.total = ?", total);
+        conditions.Add(prefix + "verdict.total = ?", total);
         if (!filter.referrer.empty())
-            conditions.Add(beside + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
+            conditions.Add(prefix + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
         conditions.text +=
             " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
             "WHERE other.report = verdict.report)";
     }
     if (filter.from > 0)
-        conditions.Add(apart + "received >= ?", filter.from);
+        conditions.Add(unindexed + "received >= ?", filter.from);
     if (filter.until > 0)
-        conditions.Add(apart + "received < ?", filter.until);
+        conditions.Add(unindexed + "received < ?", filter.until);
     conditions.values.emplace_back(std::int64_t{filter.count});
     const std::string tables = byTotal
                                    ? "verdict.total FROM verdict JOIN report ON report.id = verdict.report"

@@ -28,7 +28,7 @@ struct EdgeFaults {
     static inline std::wstring status = L"200";  ///< of all answers of the service
     static inline std::string sent;              ///< the body of the last request that had one
     static inline bool refusesSystemFlag =
-        false;                        ///< as Windows 7 before it knew the flag of the system's folder
+        false;                        ///< like Windows 7 without the flag for the system's folder
     static inline int refusals = 0;   ///< calls with that flag
     static inline int withLogon = 0;  ///< connections and requests that may send the user's logon
 };

@@ -111,20 +111,20 @@ struct Apartments : testing::Test {
 TEST_F(Apartments, TakeTurns)
 {
     // Long texts, so that one apartment is likely to begin while the other copies.
-    const std::wstring wholes[] = {std::wstring(100'000, L'a'), std::wstring(100'000, L'b')};
-    const auto use = [&](const std::wstring& whole) {
+    const std::wstring texts[] = {std::wstring(100'000, L'a'), std::wstring(100'000, L'b')};
+    const auto use = [&](const std::wstring& given) {
         const test::Apartment apartment;
         const auto control = dll.Create();
-        const _bstr_t text(whole.c_str()), tags((L"<user_id>" + whole + L"</user_id>").c_str());
+        const _bstr_t text(given.c_str()), tags((L"<user_id>" + given + L"</user_id>").c_str());
         for (const ULONGLONG end = GetTickCount64() + 3000; GetTickCount64() < end;) {
             control->put_UserID(text);
             const std::wstring read = Get(control, &ISysInfo::get_UserID);
-            ASSERT_TRUE(read == wholes[0] || read == wholes[1]) << read.substr(0, 100);
+            ASSERT_TRUE(read == texts[0] || read == texts[1]) << read.substr(0, 100);
             control->Configure(tags);
         }
     };
-    std::thread other(use, wholes[0]);
-    use(wholes[1]);
+    std::thread other(use, texts[0]);
+    use(texts[1]);
     other.join();
 }
 

@@ -1,4 +1,4 @@
-"""What programs ask of the administration: reports, products, drafts."""
+"""The administration's API for programs: reports, products, drafts."""
 
 import csv
 import io

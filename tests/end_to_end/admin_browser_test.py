@@ -28,7 +28,7 @@ class InABrowser(AdminTest):
         self.assertEqual(browser.run("return document.querySelectorAll('textarea, main button').length"), 0)
 
     def check_looks(self, browser):
-        """No page scrolls sideways on a telephone; on each the style is in force, and the first stop leads past the menu."""
+        """No page scrolls sideways on a phone; each has the style, and its first tab stop skips the menu."""
         self.upload("s2")
         self.upload("w" * 1000, v71063="8.0 GB", v71254="8", v71060="M" * 300, v72402="1920x1080", v71206="W" * 500)
         self.judged("w" * 1000)

@@ -26,7 +26,7 @@ class Editing(AdminTest):
         return answer.status, page
 
     def after(self, *arguments):
-        """What the page says that an action leads to."""
+        """The text of the page that an action leads to."""
         form = dict(zip(("do", "text", "revision", "path"), arguments))
         path = form.pop("path", "requirements")
         answer, _ = self.visit("POST", f"/products/demo/{path}", {**self.fields, **form}, self.cookie)

@@ -1,4 +1,4 @@
-"""The administration: who gets in, and what keeps others out."""
+"""Access to the administration: log-ins, single sign-on, and the protection against everything else."""
 
 import re
 import socket
@@ -78,14 +78,14 @@ class Entry(AdminTest):
         self.assertEqual(self.status("GET", "/login"), 200)
 
         def keep_out(name, cookie="a=b", guesser="a=b"):
-            """What the right password gets at once after too many wrong ones."""
+            """The status for the right password right after too many wrong ones."""
             for _ in range(6):
                 answer, _ = self.visit("POST", "/login", {**guess, "name": name}, Cookie=guesser)
                 self.assertEqual(int(answer.headers["Retry-After"] or 0) > 0, answer.status == 429)
             return self.status("POST", "/login", {"name": name, "password": PASSWORD}, Cookie=cookie)
         for name, cookie in (("Edith", "a=b"), ("Edith", known + "x"), ("Edith", "__Host-kel-known=x"), ("Rita", known)):
             self.await_answer(lambda: keep_out(name, cookie), 429)  # a busy machine may take longer than the wait
-        # Where she has been logged in before, all that keeps Edith out is her own failures.
+        # In a browser in which she has logged in before, only her own failures keep Edith out.
         self.assertEqual(keep_out("Edith", known), 303)
         self.await_answer(lambda: keep_out("Edith", known, known), 429)
         self.assertEqual(keep_out("Edith", other, known), 303)

@@ -1,4 +1,4 @@
-"""The administration's pages: reports, products, and texts of strangers on all of them."""
+"""The administration's pages: reports, products, and strangers' texts on all of them."""
 
 import html
 import json
@@ -188,7 +188,7 @@ class Pages(AdminTest):
             self.assertGreater(hostile.data.count(text), 20, text)
 
     def walk(self, name="Edith"):
-        """All pages that links lead to, as one, and what the editor's buttons show."""
+        """All pages that links lead to, and those of the editor's buttons, as one."""
         cookie = self.log_in(name)
         whole, waiting, seen = PageParser(""), ["/", "/nothing", "/reports?session=%22%3E%3Cb%3E&from=%27"], set()
         while waiting:

@@ -1,4 +1,4 @@
-"""The administration under test: its accounts, its pages as a browser reads them, and reports to show there."""
+"""The administration under test: its accounts, its pages as a browser reads them, and reports to show on them."""
 
 import html
 import http.client
@@ -27,7 +27,7 @@ def requirements(*lines, title="T"):
 
 
 class PageParser(HTMLParser):
-    """What a page consists of: kinds of elements with their attributes, the addresses it leads to, rows and texts."""
+    """The contents of a page: kinds of elements with their attributes, link addresses, rows and texts."""
 
     def __init__(self, text):
         super().__init__()

@@ -1,4 +1,4 @@
-// What a page's script finds in a browser; each text that it shows is a line of output.
+// The objects that a page's script uses in a browser; each text that it shows is a line of output.
 var window = {};
 var place = {
   appendChild: function (node) { return node; },

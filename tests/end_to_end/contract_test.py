@@ -1,4 +1,4 @@
-"""What the control may expect of an analysis service."""
+"""The behaviour that the control relies on in an analysis service."""
 
 import http.client
 import json
@@ -51,7 +51,7 @@ class Contract(DeployedTest):
         self.require("r", (1, "M", "equals", "a\ufffdb"))
         for number, form in enumerate((b"\0", b"\x01", b"\x1f", b"&#0;", b"&#31;", b"&#x0001F;", b"\xed\xa0\x80", b"&#xD800;",
                                        b"&#57343;", b"\xef\xbf\xbe", b"\xef\xbf\xbf", b"&#xFFFE;", b"&#65535;")):
-            session = b"%d\x02" % number  # the page's own text, in both requests
+            session = b"%d\x02" % number  # the page's text, in both requests
             report = REPORT.format("SESSION").encode().replace(b"SESSION", session).replace(b"8.0 GB", b"a" + form + b"b")
             escaped = escape(report.decode("latin-1")).encode("latin-1")
             inner = b"<SystemInformation><Data>%b</Data></SystemInformation>" % escaped

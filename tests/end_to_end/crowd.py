@@ -1,4 +1,4 @@
-"""Requests through the proxy that are all under way at once, and a service behind it that answers when it has them all.
+"""Concurrent requests through the proxy, and a service behind it that answers only once it has them all.
 Prints whether all were answered. They are as many as the proxy's example is for, or as this machine's limit of
 descriptors allows, since the proxy needs two for each."""
 

@@ -1,4 +1,4 @@
-"""The deployed service under many and slow clients, and its end."""
+"""The deployed service with many and slow clients, and how it ends."""
 
 import http.client
 import os
@@ -62,7 +62,7 @@ class Crowds(DeployedTest):
         self.assertEqual("few-descriptors" in self.log_text(), hard < 1_000_000)
 
     def status_or_nothing(self):
-        """What a new client gets: nothing when there is no place."""
+        """The answer to a new client: nothing when the service has no room for it."""
         try:
             return self.talk(b"GET / HTTP/1.0\r\n\r\n")[9:12]
         except ConnectionError:
@@ -71,7 +71,7 @@ class Crowds(DeployedTest):
     def test_bodies_in_progress_share_a_bound(self):
         self.stop()
         self.start("--request-seconds", "30")
-        # Each kind has half of the room. A body takes it for each 8 KB before they come.
+        # Each kind has half of the memory. A body takes 8 KB at a time, before it is read.
         for size, bodies, small, large in ((250_000, 8 * 250_384, 200, 503), (16_000, 128 * 16_384, 503, 200)):
             halves = [self.connect(HEAD + b"Content-Length: %d\r\n\r\n" % (size + 384) + b" " * size)
                       for _ in range(2_097_152 // size)]
@@ -116,7 +116,7 @@ class Crowds(DeployedTest):
             "GET", "/metrics", address=self.admin)[1])[1], b"0")
 
     def deaf(self, data):
-        """A client that sends this, and reads nothing."""
+        """A client that sends this, and does not read the answer."""
         connection = socket.socket()
         connection.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
         connection.connect(("127.0.0.1", int(self.address.split(":")[1])))

@@ -21,7 +21,7 @@ sqlite, postgresql = (unittest.skipUnless(KIND == kind, f"of {kind}") for kind i
 
 class DataTest(DeployedTest):
     def upload(self, session, days=0, machine=""):
-        """An upload that is so old."""
+        """An upload of that age."""
         report = REPORT.format(session).replace("</groups>", f'<group id="71207"><value>{machine}</value></group></groups>')
         status = self.ask("POST", UPLOAD, report)
         if days:
@@ -190,7 +190,7 @@ class Faults(DataTest):
             self.await_answer(lambda: b'kel_bodies_bytes{endpoint="public"} 0\n' in self.ask(
                 "GET", "/metrics", address=self.admin)[1], False)
             self.process.terminate()
-            time.sleep(0.5)  # a stop that does not wait takes less
+            time.sleep(0.5)  # a stop that did not wait would take less
             self.assertIsNone(self.process.poll())
         upload.join()
         self.assertEqual((answers, self.process.wait(PATIENCE), self.sessions()), ([(200, b"OK")], 0, "slow"))
@@ -208,7 +208,7 @@ class Faults(DataTest):
         page.join()
 
     def refused(self, reason):
-        """An upload fails and says nothing, the log says why."""
+        """An upload fails without a text; the log has the reason."""
         self.assertEqual(self.upload("refused"), (503, b""))
         self.assertRegex(self.log_text().splitlines()[-1], f'level=error event=refused status=503 .*"database: .*({reason})')
 
@@ -269,7 +269,7 @@ class Faults(DataTest):
             self.refused("No such file|refused")
             self.assertEqual(self.ask("GET", "/readyz", address=self.admin)[0], 503)
             Postgres.server.start_again()
-            time.sleep(1.1)  # what could not be opened is tried again
+            time.sleep(1.1)  # until opening is tried again
             self.assertEqual(self.upload("s"), (200, b"OK"))
             Postgres.server.stop(number)  # which breaks all connections, and no request meets one
             Postgres.server.start_again()

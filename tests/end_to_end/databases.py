@@ -1,4 +1,4 @@
-"""The databases that a service under test keeps its data in: SQLite, or a PostgreSQL server of the tests' own."""
+"""The databases of a service under test: SQLite, or a PostgreSQL server that the tests start."""
 
 import atexit
 import contextlib
@@ -32,12 +32,12 @@ class Sqlite:
             return connection.execute(sql).fetchall()
 
     def connections(self, pid):
-        """Those that read; one more writes."""
+        """The number of connections that read; one more writes."""
         return sum(os.path.realpath(file) == str(self.path) for file in Path(f"/proc/{pid}/fd").iterdir()) - 1
 
     @contextlib.contextmanager
     def held(self, _=""):
-        """Nobody else can write meanwhile."""
+        """Keeps everything else from writing meanwhile."""
         with contextlib.closing(sqlite3.connect(self.path, isolation_level=None)) as connection:
             connection.execute("BEGIN IMMEDIATE")
             yield
@@ -57,7 +57,7 @@ class Server:
         if os.geteuid() == 0:
             self.user = ["--reuid=postgres", "--regid=postgres", "--clear-groups"]
             shutil.chown(self.folder, "postgres")
-        # A language that sorts otherwise than by bytes.
+        # A language that does not sort by bytes.
         make = (["initdb", "-U", "kel", "-A", "trust", "-N", "--locale=C.UTF-8", "--locale-provider=icu", "--icu-locale=en-US"]
                 if primary is None else ["pg_basebackup", "-R", "-c", "fast", "-d", primary.address("postgres")])
         subprocess.run(self.command(*make, "-D", self.folder / "data"), check=True, cwd="/", stdout=subprocess.DEVNULL)
@@ -80,7 +80,7 @@ class Server:
             time.sleep(0.02)
 
     def stop(self, number=signal.SIGINT):
-        """With SIGQUIT as a crash does it."""
+        """Stops the server; with SIGQUIT, as in a crash."""
         self.process.send_signal(number)
         self.process.wait(PATIENCE)
 
@@ -113,7 +113,7 @@ class Postgres:
         self.setting = self.server.address(self.name)
 
     def check(self):
-        """The server looks after itself."""
+        """Nothing to do: the server manages its files itself."""
 
     def run(self, sql):
         output = subprocess.run(self.server.psql(self.name, sql), check=True, capture_output=True, text=True).stdout

@@ -1,4 +1,4 @@
-"""Visitors that ask the proxy for the test file and read nothing. Prints how much of the proxy's memory each of them takes."""
+"""Visitors that request the test file from the proxy and do not read it. Prints the proxy's memory for each of them."""
 
 import re
 import socket
@@ -19,7 +19,7 @@ def ask():
 
 
 def memory():
-    """Of the proxy's only worker, in KB."""
+    """The memory of the proxy's only worker, in KB."""
     worker = subprocess.run(["pgrep", "-P", Path("/run/nginx.pid").read_text().strip()], capture_output=True, text=True).stdout
     return int(re.search(r"VmRSS:\s*(\d+)", Path(f"/proc/{worker.strip()}/status").read_text())[1])
 

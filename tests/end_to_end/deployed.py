@@ -1,4 +1,4 @@
-"""The service that people deploy, as a process with a database of its own."""
+"""The deployed service, as a process with its own database."""
 
 import http.client
 import os
@@ -32,10 +32,10 @@ def padded(size, session="s"):
 
 
 class Client:
-    """What a test of either service says to it; `address` and `addCleanup` are the test's."""
+    """The requests that tests of both services make; the test provides `address` and `addCleanup`."""
 
     def ask(self, verb, path, body="", address=None):
-        """One request on a connection of its own: its status and the bytes of the answer."""
+        """Makes one request on a new connection, and returns its status and the bytes of the answer."""
         connection = http.client.HTTPConnection(address or self.address, timeout=PATIENCE)
         self.addCleanup(connection.close)
         connection.request(verb, path, body.encode() if isinstance(body, str) else body)
@@ -50,12 +50,12 @@ class Client:
         return connection
 
     def talk(self, data):
-        """What comes back for these bytes until the service closes."""
+        """Sends these bytes, and returns everything until the service closes the connection."""
         return b"".join(iter(lambda connection=self.connect(data): connection.recv(65536), b""))
 
 
 class DeployedTest(Client, unittest.TestCase):
-    """Has a folder, and in there a database that a service on loopback uses."""
+    """Has a folder with a database, which a service on loopback uses."""
 
     settings = ()
 
@@ -67,7 +67,7 @@ class DeployedTest(Client, unittest.TestCase):
         self.start()
 
     def command(self, *arguments, code=0):
-        """Runs a command to its end: its log."""
+        """Runs a command to its end, and returns its log."""
         ran = subprocess.run([SERVER, *arguments, "--database", self.database.setting], capture_output=True, text=True,
                              timeout=PATIENCE)
         self.assertEqual(ran.returncode, code, ran.stderr)
@@ -89,14 +89,14 @@ class DeployedTest(Client, unittest.TestCase):
         self.address, self.admin = (f"127.0.0.1:{(self.folder / name).read_text()}" for name in ("port", "admin"))
 
     def await_answer(self, ask, expected):
-        """The service notices in its own time what other clients did."""
+        """Waits until the service has noticed what other clients did."""
         end = time.monotonic() + PATIENCE
         while (answer := ask()) != expected and time.monotonic() < end:
             time.sleep(0.02)
         self.assertEqual(answer, expected)
 
     def work(self):
-        """The seconds of a processor that the service has taken, however busy the machine is."""
+        """The service's processor time in seconds, which does not depend on how busy the machine is."""
         fields = Path(f"/proc/{self.process.pid}/stat").read_text("ascii").rsplit(")", 1)[1].split()
         return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 

@@ -17,7 +17,7 @@ EXPECTED = {72000: "Yes", 72001: "1", 72002: r"\w.*", 72004: r"[\d.]+ [GMT]B", 7
 class Display(ControlTest):
     @classmethod
     def setUpClass(cls):
-        # A Wine server keeps the display that it saw first, so this one is a server of its own.
+        # A Wine server keeps the display that it saw first, so this test has a separate server.
         server = cls.enterClassContext(subprocess.Popen(
             ["Xvfb", "-displayfd", "1", "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL))

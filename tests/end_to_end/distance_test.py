@@ -11,7 +11,7 @@ from databases import KIND
 
 
 class Relay:
-    """Stands between a service and its PostgreSQL server: what is sent arrives after a delay. Counts the journeys there."""
+    """Sits between a service and its PostgreSQL server: data arrive after a delay. Counts the round trips."""
 
     def __init__(self, test, server, delay):
         self.server, self.delay, self.journeys = f"{server.folder}/.s.PGSQL.5432", delay, 0
@@ -65,7 +65,7 @@ class Distance(AdminTest):
                 ("trial", ("POST", "/products/demo/requirements", form, cookie), ["Of the last 1,000 sessions 1,000 would"], 40),
                 ("products", ("GET", "/", "", cookie), ["product100"], 30),
                 ("reports", ("GET", "/api/v1/reports?count=1000", "", cookie), ['"session":"s999"'], 40)):
-            for _ in range(5):  # a page has a second, in which a busy machine may do something else
+            for _ in range(5):  # a page has one second, which may be too short on a busy machine
                 before = relay.journeys
                 answer, text = self.visit(*ask)
                 if all(sentence in text for sentence in found):

@@ -34,7 +34,7 @@ class Dll(unittest.TestCase):
         self.assertEqual(wine(PROGRAMS / "plain_program.exe", "multithreaded")[:2], (0, "00000000 visitor\n"))
 
     def test_regsvr32_registers_for_the_requested_users(self):
-        refused = 5  # what regsvr32 says of a call that failed
+        refused = 5  # regsvr32's exit code for a call that failed
         wine("regsvr32", "/s", "/u", "/n", "/i:user", windows_path(DLL))
         for arguments, result, for_all, for_user in (
                 ("", 0, True, False), ("/n /i:usr", refused, True, False), ("/u /n /i:usr", refused, True, False),

@@ -1,4 +1,4 @@
-"""The examples in their hosts, as far as those are here, against the demo's requirements."""
+"""The examples in the hosts that are available here, against the demo's requirements."""
 
 import base64
 import json
@@ -13,9 +13,9 @@ from pathlib import Path
 from harness import CLASS_ID, CSCRIPT, EXAMPLES, PROGRAMS, ROOT, ControlTest, windows_path, wine
 from webdriver import Browser
 
-# What a page's script needs of a browser; each text node is a line of output.
+# The objects of a browser that a page's script needs; each text node is a line of output.
 BROWSER = (Path(__file__).parent / "browser.js").read_text("ascii")
-WINDOWS, LINUX, IPHONE, MAC, ANDROID = (  # what a browser says of its system: its agent and its platform
+WINDOWS, LINUX, IPHONE, MAC, ANDROID = (  # a browser's agent and platform on each system
     (f"Mozilla/5.0 ({system}) AppleWebKit/537.36 (KHTML, like Gecko) Safari/537.36", platform) for system, platform in (
         ("Windows NT 10.0; Win64; x64", "Win32"), ("X11; Linux x86_64", "Linux x86_64"),
         ("iPhone; CPU iPhone OS 17_0 like Mac OS X", "iPhone"), ("Macintosh; Intel Mac OS X 10_15_7", "MacIntel"),
@@ -52,7 +52,7 @@ class Examples(ControlTest):
             self.assertEqual(self.run_example(example, "unknown")[:2], (2, "The analysis service answered: nothing here\n"))
 
     def test_programs_macros_and_pages_show_the_verdict_and_a_fact(self):
-        # Wine's own CreateObject makes no object that wants a site.
+        # Wine's own CreateObject refuses objects that take a site.
         module = (EXAMPLES / "check.bas").read_text("ascii").replace("CreateObject(", "WScript.CreateObject(")
         application = re.search("<script>(.*)</script>", (EXAMPLES / "check.hta").read_text("utf-8"), re.DOTALL)[1]
         page = 'control.ReferrerID = "demo";' + (EXAMPLES / "check_page.js").read_text("utf-8")
@@ -71,7 +71,7 @@ class Examples(ControlTest):
 
 
 class Page(unittest.TestCase):
-    """The page in a real browser, with a control's answer and without. Pictures are left to be looked at."""
+    """The page in a real browser, with a control's answer and without. Leaves pictures for people to check."""
 
     def setUp(self):
         self.folder = ROOT / "build" / "page"

@@ -1,4 +1,4 @@
-"""The deployed service before a PostgreSQL primary with a standby: the primary ends, and the standby takes over."""
+"""The deployed service with a PostgreSQL primary and a standby: the primary fails, and the standby takes over."""
 
 import http.client
 import os
@@ -12,7 +12,7 @@ import unittest.mock
 from databases import KIND, Server
 from deployed import REPORT, UPLOAD, DeployedTest
 
-LIMIT = 60  # seconds: of what takes one or two
+LIMIT = 60  # seconds, for steps that take one or two
 
 
 @unittest.skipUnless(KIND == "postgresql", "of PostgreSQL")
@@ -40,7 +40,7 @@ class Failover(DeployedTest):
             server.process.wait(20)
 
     def upload(self, session):
-        """Whether it is acknowledged."""
+        """Whether the upload is acknowledged."""
         try:
             return self.ask("POST", UPLOAD, REPORT.format(session)) == (200, b"OK")
         except (OSError, http.client.HTTPException):

@@ -1,4 +1,4 @@
-"""What the end-to-end tests share: Windows programs, the built DLL, and the local analysis service in this process."""
+"""Common parts of the end-to-end tests: Windows programs, the built DLL, and the local analysis service in this process."""
 
 import contextlib
 import json
@@ -21,7 +21,7 @@ from server import AnalysisServer  # noqa: E402
 
 DLL = Path(os.environ.get("KEL_DLL", ROOT / "build" / "release" / "Detection.dll"))
 PROGRAMS = DLL.parent / "tests"
-# By its path: Wine starts a bare name through a process of its own.
+# By its path: Wine would start a bare name through another process.
 CSCRIPT = (r"C:\windows\system32\cscript.exe", "//nologo")
 NO_SERVICE = "http://127.0.0.1:9"  # refuses at once, whatever the machine's network does
 PATIENCE = 300  # seconds to wait for anything that an idle machine does within 30
@@ -31,11 +31,11 @@ CLASS_ID = "{3D7C6027-9644-4282-BC8F-AC0BABB38FDB}"
 
 
 class Ran(NamedTuple):
-    """What became of a Windows program."""
+    """The result of running a Windows program."""
 
     code: int
     output: str
-    memory: float  # the most that it had in use, in MB
+    memory: float  # its peak, in MB
     seconds: float
 
 
@@ -44,7 +44,7 @@ def windows_path(path):
 
 
 def peak_memory(pid):
-    """The most memory that the process had in use so far, in MB; 0 when it is gone."""
+    """The peak memory of the process so far, in MB; 0 when it has ended."""
     with contextlib.suppress(OSError):
         if match := re.search(r"VmHWM:\s*(\d+) kB", Path(f"/proc/{pid}/status").read_text()):
             return int(match[1]) / 1024
@@ -54,14 +54,14 @@ def peak_memory(pid):
 def wine(*arguments, proxy=NO_SERVICE, log=None):
     """Runs a Windows program. Debugger output goes to the file `log`."""
     ran = run_once(arguments, proxy, log)
-    # Seldom, Wine ends a process at its start without a word when others start beside it.
+    # Rarely, Wine ends a process at its start without output when others start at the same time.
     return ran if ran.code != 1 or ran.output or ran.seconds > 1 else run_once(arguments, proxy, log)
 
 
 def run_once(arguments, proxy, log):
     environment = os.environ | ({"WINEDEBUG": "warn+seh"} if log else {}) | {"http_proxy": proxy}
     start, memory = time.monotonic(), 0
-    # Not through a pipe: what the program leaves running would hold it open.
+    # Not through a pipe: programs that this one leaves running would hold it open.
     with tempfile.TemporaryFile() as output, \
             subprocess.Popen(["wine", *map(str, arguments)], env=environment, stdin=subprocess.DEVNULL, stdout=output,
                              stderr=log or subprocess.DEVNULL) as process:
@@ -75,7 +75,7 @@ def run_once(arguments, proxy, log):
 
 
 def make_prefix(case):
-    """Gives a class of tests a folder, and its programs a Wine prefix of their own in there."""
+    """Gives a class of tests a folder, with a separate Wine prefix for its programs."""
     case.folder = Path(case.enterClassContext(tempfile.TemporaryDirectory()))
     case.enterClassContext(mock.patch.dict(os.environ, {"WINEPREFIX": str(case.folder / "prefix")}))
     case.addClassCleanup(subprocess.run, ["wineserver", "-k"])
@@ -83,14 +83,14 @@ def make_prefix(case):
 
 
 def write_requirements(folder, referrer, requirements):
-    """Writes a referrer's requirements, each an id, a label, a comparison, what it needs, and an advice, or a line."""
+    """Writes a referrer's requirements, each as an id, a label, a comparison, a needed text and an advice, or as a line."""
     names = ("id", "label", "comparison", "needed", "advice")
     lines = [requirement if isinstance(requirement, dict) else dict(zip(names, requirement)) for requirement in requirements]
     (folder / f"{referrer}.json").write_text(json.dumps({"title": "T<", "requirements": lines}))
 
 
 class ServiceTest(unittest.TestCase):
-    """Has a folder of its own, and a service on loopback that takes its requirements from there."""
+    """Has a folder, and a service on loopback that takes its requirements from there."""
 
     def setUp(self):
         self.folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
@@ -110,7 +110,7 @@ class ServiceTest(unittest.TestCase):
 
 
 class ControlTest(ServiceTest):
-    """Has the control registered, too, and requirements for the referrer "demo"."""
+    """Also has the registered control, and requirements for the referrer "demo"."""
 
     logs = False  # whether `log` holds the control's log after a script has run
 
@@ -124,7 +124,7 @@ class ControlTest(ServiceTest):
         self.require("demo", (71063, "Memory", "at least", "1 MB"), (71094, "Battery", "no"))
 
     def run_script(self, text, language="js"):
-        """Runs a script with `control` made: the lines it wrote. A script error fails the test."""
+        """Runs a script in which `control` exists, and returns the lines it wrote. A script error fails the test."""
         make = f'var control = new ActiveXObject("{PROG_ID}");\n' if language == "js" else \
             f'Dim control\nSet control = WScript.CreateObject("{PROG_ID}")\n'
         script = self.folder / f"test.{language}"

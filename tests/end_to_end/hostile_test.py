@@ -1,4 +1,4 @@
-"""A hostile service: whatever it answers, a member returns in time, within memory, and the facts stay."""
+"""A hostile service: whatever it answers, members return in time and within memory, and the facts remain."""
 
 import os
 import sys

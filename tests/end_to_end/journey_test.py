@@ -11,7 +11,7 @@ class Journey(AdminTest):
     setUpClass = ControlTest.setUpClass
 
     def check_machine(self):
-        """What a script gets of the control."""
+        """The values that a script gets from the control."""
         script = self.folder / "check.js"
         script.write_text(f'var control = new ActiveXObject("{PROG_ID}"); control.ReferrerID = "demo";'
                           r'control.UserID = "Zo\u00eb>"; WScript.Echo(control.Analysis("i", "xml", "1"));', "ascii")

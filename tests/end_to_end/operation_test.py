@@ -1,4 +1,4 @@
-"""The deployed service in its operator's hands: its metrics, its package, and the proxy before it."""
+"""The deployed service as an operator uses it: its metrics, its package, and the proxy in front of it."""
 
 import re
 import shlex

@@ -1,4 +1,4 @@
-"""Packages in a Wine prefix of their own: ours installed, upgraded, repaired and taken away, and another vendor's."""
+"""Packages in a separate Wine prefix: ours are installed, upgraded, repaired and removed, and another vendor's is found."""
 
 import os
 import shutil
@@ -15,13 +15,13 @@ from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall"
-OLDER_REFUSED = 1603 & 0xFF  # an exit code is a byte here
+OLDER_REFUSED = 1603 & 0xFF  # an exit code has one byte here
 UNATTENDED = ("/qn", "/norestart")
-ARCHIVER = "Value(73226) + control.Value(73227)"  # whether it is there, and its version
+ARCHIVER = "Value(73226) + control.Value(73227)"  # whether it is installed, and its version
 
 
 def package(output, *arguments, dll=DLL):
-    """Makes the packages: their paths by name."""
+    """Makes the packages, and returns their paths by name."""
     subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", dll, "--output", output, *arguments],
                    check=True, capture_output=True)
     return {path.name: path for path in Path(output).iterdir() if path.is_file()}
@@ -70,7 +70,7 @@ class Packages(unittest.TestCase):
         return wine(*CSCRIPT, windows_path(script)).output.strip()
 
     def registry(self, key):
-        """All values below a key, as the system exports them, without the installer's own books."""
+        """All values below a key, as the system exports them, without the installer's own records."""
         path = self.folder / "export.reg"
         path.unlink(missing_ok=True)
         wine("reg", "export", key, windows_path(path), "/y")
@@ -86,7 +86,7 @@ class Packages(unittest.TestCase):
         return [str(path) for path in (self.folder / "prefix").glob("drive_c/**/Detection.dll")]
 
     def added(self, folder):
-        """What came to the classes, with a mark for a folder."""
+        """The changes to the classes, with a mark for a folder."""
         path = folder.replace("\\", r"\\")
         return {key: {name: text.replace(path + r"\\", path).replace(path, "@") for name, text in named.items()}
                 for key, named in self.registry(CLASSES).items() if key not in self.clean[CLASSES]}
@@ -111,7 +111,7 @@ class Packages(unittest.TestCase):
                     self.assertEqual(self.registry(key) == clean, not key.startswith(root))
                 # With this key, the control would keep its identifier of the machine.
                 self.assertEqual(self.registry(r"HKCU\Software\Keldane"), {})
-                # One for another host, then the first one again: each replaces the other.
+                # A package for another host, then the first one again: each replaces the other.
                 for packages, content in ((self.other, self.other_dll), (self.now, DLL)):
                     self.assertEqual(install(packages[now.name]), 0)
                     [dll] = map(Path, self.dlls())
@@ -139,7 +139,7 @@ class Packages(unittest.TestCase):
         self.check_clean()
 
     def test_a_program_uses_it_without_registration(self):
-        """Beside the program, by the manifest of the archive; without the program's own manifest there is no class."""
+        """The DLL is beside the program, with the archive's manifest; without the program's own manifest there is no class."""
         with zipfile.ZipFile(self.now["Detection-4.5.1-x64.zip"]) as zipped:
             zipped.extractall(self.folder / "program")
         for name, expected in (("private_program", "00000000 visitor\n"), ("plain_program", "80040154 \n")):

@@ -1,4 +1,4 @@
-"""The deployed service beside clients that take more than their share, and at its end."""
+"""The deployed service with clients that take more than their share, and how it ends."""
 
 import contextlib
 import re
@@ -25,7 +25,7 @@ class PressureTest(DeployedTest):
         return int(float(re.search(rf"^{re.escape(name)} (\S+)$", page, re.M)[1]))
 
     def crowd(self, count):
-        """As many clients, whose uploads the service has."""
+        """The given number of clients, whose uploads the service has received."""
         crowd = [self.connect(upload(f"s{number}")) for number in range(count)]
         self.await_answer(lambda: self.metric('kel_bodies_bytes{endpoint="public"}'), count * len(REPORT.format("s0")))
         return crowd
@@ -83,7 +83,7 @@ class Queues(PressureTest):
         self.assertLess(self.metric("kel_process_resident_memory_bytes") - before, 80_000_000)
 
     def test_the_attack_programs_run_without_harm(self):
-        """For a moment; scripts/load.sh --hostile measures."""
+        """Only for a moment; scripts/load.sh --hostile measures them."""
         options = "--hostile", "--seconds", "0.5", "--rest", "0", "--match", "waits for"
         ran = subprocess.run([sys.executable, ROOT / "tools" / "load", *options], capture_output=True, text=True,
                              timeout=PATIENCE)

@@ -1,5 +1,5 @@
-// A program that uses the control by its members' names. One copy of it carries the control privately, by its
-// manifest. With an argument it is a multithreaded one.
+// A program that uses the control by its members' names. One copy of the program has a manifest with which it
+// uses its own copy of the control. With an argument it is multithreaded.
 #include <windows.h>
 
 #include <comutil.h>

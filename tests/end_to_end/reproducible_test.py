@@ -1,4 +1,4 @@
-"""Two builds of one source, in two folders, give the same DLL."""
+"""Two builds of the same source, in two folders, give the same DLL."""
 
 import shutil
 import subprocess

@@ -1,4 +1,4 @@
-"""The deployed service where room is short: on a small file system that fills up, and at the bounds that are set."""
+"""The deployed service when room is short: on a small file system that fills up, and at the configured bounds."""
 
 import os
 import subprocess
@@ -21,7 +21,7 @@ class Rooms(DataTest):
         return self.ask("POST", UPLOAD, REPORT.format(session) + LARGE)
 
     def upload_until_refused(self, most):
-        """How many large reports, each of another session, are taken before one is not."""
+        """The number of large reports, each of another session, that are accepted before one is refused."""
         for number in range(most):
             if (answer := self.upload_large(f"large{number}"))[0] != 200:
                 self.assertEqual(answer, (503, b""))
@@ -29,7 +29,7 @@ class Rooms(DataTest):
         return most
 
     def assert_no_room(self, reason):
-        """The log and the operator's pages say it."""
+        """The log and the operator's pages report it."""
         self.assertRegex(self.log_text().splitlines()[-1], f"level=error event=refused status=507 .*{reason}")
         self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"there is no room for reports\n"))
         metrics = self.ask("GET", "/metrics", address=self.admin)[1].decode()
@@ -78,14 +78,14 @@ class SmallDisk(Rooms):
         return disk.f_bavail * disk.f_frsize
 
     def fill(self):
-        """Others take what is left."""
+        """Lets other programs take the remaining space."""
         with open(self.small / "others", "ab") as file:
             while self.free():
                 os.posix_fallocate(file.fileno(), file.tell(), self.free())
                 file.seek(0, os.SEEK_END)
 
     def reserve_after_upload(self):
-        """Whether the reserve is there; uploads make it again, ten times a second at most."""
+        """Whether the reserve exists; uploads create it again, at most ten times a second."""
         self.upload_large("large0")
         return (self.small / "kel.db-reserve").exists()
 

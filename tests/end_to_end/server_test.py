@@ -54,7 +54,7 @@ class Bodies(DeployedTest):
                 self.assertEqual(self.statuses(data), [status])
 
     def statuses(self, data):
-        """Those of the answers to what a client sends at once."""
+        """The statuses of the answers to everything that a client sends at once."""
         connection = self.connect(data)
         connection.shutdown(socket.SHUT_WR)
         answers = b"".join(iter(lambda: connection.recv(65536), b""))
@@ -84,7 +84,7 @@ class Bodies(DeployedTest):
                 ("no way to go on", HEAD.replace(b"1.1", b"1.0") + b"Expect: 100-continue\r\nContent-Length: 1\r\n\r\n<", [400])):
             with self.subTest(name):
                 self.assertEqual(self.statuses(data), expected)
-        # A header behind the body reaches no handler.
+        # A header after the body does not reach the handler.
         trailer = b"0\r\nHost: second\r\nX-Remote-User: x\r\n\r\n"
         self.assertEqual(self.statuses(CHUNKED + body[:-5] + trailer + next_request), [400, 404])
 

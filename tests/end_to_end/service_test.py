@@ -1,4 +1,4 @@
-"""What the development service has for itself; the rest is the deployed service's, which it starts."""
+"""The development service's own behaviour; the rest is that of the deployed service, which it starts."""
 
 from deployed import LIST, REPORT, UPLOAD, Client, analysis
 from harness import API_KEY, ServiceTest

@@ -1,4 +1,4 @@
-"""A run of the tests begins the same, wherever an earlier one was interrupted."""
+"""A run of the tests starts from the same state, wherever an earlier run was interrupted."""
 
 import os
 import signal
@@ -24,8 +24,8 @@ class Interrupted(unittest.TestCase):
         self.addCleanup(subprocess.run, ["wineserver", "-k"], env={**os.environ, "WINEPREFIX": str(self.prefix)})
 
     def start(self, script):
-        """Starts a script with Wine's environment in a session of its own. Its output goes to a file, for the Wine server
-        holds it open."""
+        """Starts a script with Wine's environment in a new session. Its output goes to a file, since the Wine server holds
+        it open."""
         command = f"cd {self.folder}; set -eu; source {ROOT}/scripts/wine_env.sh; {script}"
         self.output = self.enterContext(open(self.folder / "output.txt", "w+", encoding="utf-8"))
         return subprocess.Popen(["bash", "-c", command], start_new_session=True, stdout=self.output, stderr=self.output)

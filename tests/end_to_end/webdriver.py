@@ -15,7 +15,7 @@ TAB, ENTER = "\ue004", "\ue007"
 
 
 class Browser:
-    """One window. `case` is the test that it ends with, and that says which folder is its own."""
+    """One window. It closes at the end of the test `case`, which also gives it a folder."""
 
     def __init__(self, case):
         self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
@@ -45,19 +45,19 @@ class Browser:
         self.ask("POST", self.find(selector) + "/click", {})
 
     def write(self, selector, text):
-        """In the place of what the field has."""
+        """Replaces the text of a field."""
         field = self.find(selector)
         self.ask("POST", field + "/clear", {})
         self.ask("POST", field + "/value", {"text": text})
 
     def press(self, keys, where=None):
-        """Keys for whatever has the focus, once that is the field of the id `where`."""
+        """Sends keys to the element with the focus, once that is the field with the id `where`."""
         self.await_text(where or "", script="return document.activeElement.id")
         strokes = [{"type": kind, "value": key} for key in keys for kind in ("keyDown", "keyUp")]
         self.ask("POST", "/actions", {"actions": [{"type": "key", "id": "keyboard", "actions": strokes}]})
 
     def await_text(self, text, selector="main", script=None):
-        """Until a page shows the text; keys and clicks lead to it in the browser's own time."""
+        """Waits until a page shows the text, since keys and clicks take effect with a delay."""
         script = script or f"const e = document.querySelector({json.dumps(selector)}); return e ? e.innerText : '';"
         end = time.monotonic() + PATIENCE
         while text not in (shown := self.run(script)):
@@ -69,7 +69,7 @@ class Browser:
         return self.ask("POST", "/execute/sync", {"script": script, "args": []})
 
     def resize(self, width, dark=False):
-        """The page as on a screen of that width; `dark`: as the system wants its colours."""
+        """Shows the page on a screen of that width; `dark` sets the system's colour mode."""
         for command, parameters in (
                 ("Emulation.setDeviceMetricsOverride",
                  {"width": width, "height": 900, "deviceScaleFactor": 1, "mobile": width < 600}),

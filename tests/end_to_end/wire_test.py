@@ -1,4 +1,4 @@
-"""What the control puts on the wire, and what it makes of the answers."""
+"""What the control sends, and how it handles the answers."""
 
 import os
 import time

@@ -1,4 +1,4 @@
-// Hostile input for each parser of texts, and for the readers of what devices answer.
+// Hostile input for each parser of texts, and for the readers of devices' answers.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,7 +20,7 @@ namespace {
 
 using namespace test;
 
-/// What the walk of a groups text answers, worked out a second time in the simplest way.
+/// The entries of a groups text, computed a second time in the simplest way.
 Text GroupsByTheRule(const Text& text)
 {
     const auto token = [](const Text& group, const Text& name) {
@@ -82,7 +82,7 @@ bool FindsEachOfItsIds(const Text& bytes)
     return std::ranges::all_of(All(text, L"([^|,]+)"), isFound);
 }
 
-/// What is read is what an EDID can say; header and sum are put right where it is long enough.
+/// What is read is possible in an EDID; header and checksum are corrected if it is long enough.
 bool IsOfMonitor(const Text& text)
 {
     std::vector<BYTE> edid(text.begin(), text.end());
@@ -105,12 +105,12 @@ Texts MonitorAnswers()
     return answers;
 }
 
-/// What a parser is given, and whether its answer is one that it may give. Nothing may be thrown.
+/// The input of a parser, and whether its answer is allowed. Nothing may be thrown.
 const struct Target {
     const char* name;
     const wchar_t* samples;  ///< real texts, separated by ";;"
     bool (*holds)(const Text&);
-    Texts answers = {};  ///< in the place of texts, bytes as characters
+    Texts answers = {};  ///< instead of texts: bytes as characters
 } Targets[] = {
     {"Groups",
      L"<x><groups><group id=\"71060\"><value>Windows 7</value></group><group index='3' id=\"7\"></group>;;"

@@ -24,14 +24,14 @@ inline std::string Narrow(const Text& text)
     return {text.begin(), text.end()};
 }
 
-/// What the environment sets, such as KEL_FUZZ_SEED.
+/// A number from the environment, such as KEL_FUZZ_SEED.
 inline std::uint64_t Setting(const char* name, std::uint64_t otherwise)
 {
     const char* value = std::getenv(name);
     return value != nullptr ? std::strtoull(value, nullptr, 10) : otherwise;
 }
 
-/// What the group of a pattern holds, each time that it matches.
+/// The text of a pattern's group, for each match.
 inline Texts All(const Text& text, const Text& pattern)
 {
     static std::map<Text, std::wregex> regexes;
@@ -39,8 +39,8 @@ inline Texts All(const Text& text, const Text& pattern)
     return {std::wsregex_token_iterator(text.begin(), text.end(), regex, 1), {}};
 }
 
-/// Makes hostile texts of 0 to some thousand characters out of real ones and pieces of their grammar, put
-/// together and mutated at random. The same seed gives the same texts.
+/// Makes hostile texts of 0 to some thousand characters from real ones and pieces of their grammar, joined
+/// and mutated at random. The same seed gives the same texts.
 struct Generator {
     std::mt19937_64 engine;
     Texts samples, pieces;
@@ -62,7 +62,7 @@ struct Generator {
 
     Text Piece()
     {
-        // What parsers get wrong: the edges of 16, 32 and 64 bits, and zeros, blanks of all kinds, letters
+        // Typical problems of parsers: the limits of 16, 32 and 64 bits, zeros, blanks of all kinds, letters
         // and digits outside ASCII, lone surrogates.
         static const Texts edges = {L"65536",       L"-1",         L"2147483648",
                                     L"-2147483649", L"4294967296", L"18446744073709551615"};

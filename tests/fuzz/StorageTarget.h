@@ -1,4 +1,4 @@
-// What storage devices answer, as a target of the fuzz test.
+// The answers of storage devices, as a target of the fuzz test.
 #pragma once
 
 #include <algorithm>
@@ -31,7 +31,7 @@ inline Texts Numbers()
     return numbers;
 }
 
-/// Whether what is read is in the answer, is what the readers promise, and does not come from behind it.
+/// Whether what is read lies within the answer, not behind it, and is what the readers promise.
 inline bool IsOfStorage(const Text& text)
 {
     const std::string answer = Narrow(text);

@@ -22,7 +22,7 @@ CPUID Chip(const std::map<std::uint32_t, CpuRegisters>& leaves)
         [] { return 0; });
 }
 
-/// What is reported of a chip with a vendor's 12 characters in leaf 0.
+/// What is reported for a chip with a vendor's 12 characters in leaf 0.
 CpuInfo Describe(const std::wstring& vendor, std::uint32_t maxLeaf, CpuRegisters signature)
 {
     std::uint32_t parts[3] = {};
@@ -38,7 +38,7 @@ TEST(CPUID, DecodesProcessorsOfManyVendorsAndAges)
     const auto rows = test::ReadRows("processors.txt");
     ASSERT_GE(rows.size(), 20U);
     for (const std::wstring& row : rows) {
-        const auto fields = test::Split(row, L';');  // chip, vendor, signature, what is stored
+        const auto fields = test::Split(row, L';');  // chip, vendor, signature, stored values
         const CpuInfo info = Describe(fields[1], 1, {std::stoul(fields[2], nullptr, 16), 0, 0, 1});
         EXPECT_EQ(
             info.vendor + L" " + info.family + L" " + info.model + L" " + info.stepping + L" " + info.type,

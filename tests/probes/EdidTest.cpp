@@ -20,7 +20,7 @@ std::wstring Show(const Bytes& bytes)
     return monitor ? test::ShowEdid(*monitor) : L"(none)";
 }
 
-/// One with a name, a mode and a size, whose extension was not recorded.
+/// An EDID with a name, a mode and a size, whose extension was not recorded.
 Bytes Sample()
 {
     const auto edids = test::ReadEdids();

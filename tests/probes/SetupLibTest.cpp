@@ -135,7 +135,7 @@ BOOL WINAPI NoProperty(HDEVINFO, PSP_DEVINFO_DATA, DWORD, PDWORD, PBYTE, DWORD, 
     return Fail(FALSE);
 }
 
-/// The system's function, but for the property "broken".
+/// The system's function, except for the property "broken".
 BOOL WINAPI ThrowAtBroken(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD property, PDWORD type, PBYTE data,
                           DWORD size, PDWORD needed)
 {
@@ -145,7 +145,7 @@ BOOL WINAPI ThrowAtBroken(HDEVINFO set, PSP_DEVINFO_DATA device, DWORD property,
     return isRead;
 }
 
-/// Loads the library, and puts another function in the place of one.
+/// Loads the library, and replaces one function.
 template <typename Function>
 SetupLib::Loader With(Function* Table::*function, Function* other)
 {

@@ -9,7 +9,7 @@
 namespace kel {
 namespace {
 
-/// Of the functions that are looked up when they are needed, Wine lacks three.
+/// Wine lacks three of the functions that are looked up on demand.
 TEST(SystemFunctions, AreFoundByTheirNames)
 {
     const test::LogCapture log(LogTrace);

@@ -19,7 +19,7 @@ const std::wstring Processors = L"SELECT * FROM Win32_Processor", Drives = L"SEL
 /// A value that has no text and no number.
 const test::FakeProperty Unconvertible = {_variant_t(1L, VT_ERROR)};
 
-/// What all six queries answer, and what they return, "1" for true.
+/// The answers of all six queries, and their return values, "1" for true.
 struct Answers {
     WMI wmi;
     CpuInfo cpu;

@@ -195,7 +195,7 @@ TEST(SystemValues, KeepsTheFirstPlaceOfAnIdAndNamesAMissingOne)
 
 TEST(SystemValues, ReadsGroupsTexts)
 {
-    // The fuzz test has the rules; these are what a reader would not expect.
+    // The fuzz test has the rules; these are the cases that a reader would not expect.
     const std::pair<const wchar_t*, const wchar_t*> rows[] = {
         {L"x<groups><group index='3' id='1'><value>a &lt; b</value></group>", L"1[3]=a &lt; b;"},
         {L"<groups><group id = \"12x\" index=x><value> v </value></group>", L"12x[0]= v ;"},
@@ -203,7 +203,7 @@ TEST(SystemValues, ReadsGroupsTexts)
         {L"<groups><group id=\"\"></group><group id=\"2\"><value>b</value></group>", L"2[0]=b;"},
         // A group without a value takes the next one's.
         {L"<groups><group id=\"1\"></group><group id=\"2\"><value>b</value></group>", L"1[0]=b;2[0]=b;"},
-        // Without an id of its own, a group looks at the text before it, and after it only up to its end.
+        // A group without an id takes one from the text before it, but not from the text after its end.
         {L"<groups>id=7 index=1<value>v</value><group ></group>", L"7[1]=v;"},
         {L"<groups><group x=\"1\"></group><group id=\"2\"></group>", L"2[0]=;"},
     };
@@ -222,7 +222,7 @@ TEST(SystemValues, ReadsGroupsTexts)
 
 TEST(SystemValues, ReadsHugeTextsInReasonableTime)
 {
-    // Each text made a search of its own go through all the rest for every group.
+    // Each of these texts once made a search scan the whole rest for every group.
     const std::wstring blanks(500000, L'=');
     std::wstring many = L"<groups>", valued = many;
     for (int i = 0; i < 20000; ++i)

@@ -16,7 +16,7 @@ namespace kel::server {
 
 inline constexpr std::int64_t Minute = 60'000;
 
-/// A test in the database that KEL_STORE names, emptied before: a file, or a PostgreSQL server's.
+/// A test in the database that KEL_STORE names, a file or a PostgreSQL server's, which is emptied first.
 class StoreTest : public testing::Test {
 protected:
     void SetUp() override
@@ -64,7 +64,7 @@ protected:
     std::unique_ptr<Database> database;
 };
 
-/// The sum of the results of that many threads.
+/// The sum of the results of the given number of threads.
 template <typename Do>
 int Together(int count, Do work)
 {

@@ -1,4 +1,4 @@
-// The settings that are numbers: their defaults, their bounds, and where each goes.
+// The settings that are numbers: their defaults, their bounds, and the member that each one sets.
 #include "server/ops/Config.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Hostile texts for each parser of the analysis service, and for what judges and shows what was read. The
-// same for the same KEL_FUZZ_SEED; KEL_FUZZ_COUNT of them for each.
+// Hostile texts for each parser of the analysis service, and for the verdicts and pages made from what was
+// read. The same KEL_FUZZ_SEED gives the same texts; KEL_FUZZ_COUNT is their number for each parser.
 #include <algorithm>
 #include <fstream>
 #include <functional>
@@ -42,7 +42,7 @@ std::string Encoded(const std::string& text)
     return encoded;
 }
 
-/// Without line ends, of which XML parsers have their own.
+/// The text without line ends, which XML parsers normalize.
 std::string Handed(std::string text)
 {
     std::erase_if(text, [](char c) { return c == '\r' || c == '\n'; });
@@ -55,7 +55,7 @@ std::ptrdiff_t Markup(std::string page)
     return std::ranges::count_if(page, [](char c) { return c == '<' || c == '>' || c == '"' || c == '\''; });
 }
 
-/// A verdict shows in each form what it has, and no text of it becomes markup.
+/// Each form of a verdict shows its contents, and no text in it becomes markup.
 void ShowsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
 {
     std::vector<std::string> shown, expected{verdict.title};
@@ -96,7 +96,7 @@ void Judges(Requirements requirements, const Report& report)
     Expect(Judge(requirements, report.Lookup()).total == verdict.total, "recommendations without a say");
 }
 
-// Each reads a text, and hands back what has to hold then. A text is refused by throwing.
+// Each reads a text, and returns a check of what has to hold. A text is refused by throwing.
 using Check = std::function<void()>;
 
 Check ReadTarget(std::string_view text)
@@ -170,7 +170,7 @@ Check ReadComparison(std::string_view text)
     };
 }
 
-/// A form's fields, as they are shown, exported, and looked into for the line of a fault.
+/// A form's fields: as shown, as exported, and as searched for the line of a fault.
 Check ReadForm(std::string_view text)
 {
     const auto form = Form::Read(text);
@@ -191,7 +191,7 @@ Check ReadForm(std::string_view text)
     };
 }
 
-/// Whether all texts of a parser went well, and enough were accepted.
+/// Whether all texts of a parser passed, and enough of them were accepted.
 bool Runs(const std::string& name, Check (*read)(std::string_view))
 {
     const std::uint64_t seed = test::Setting("KEL_FUZZ_SEED", 71060),

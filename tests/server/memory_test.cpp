@@ -1,4 +1,4 @@
-// What the service remembers for a while, within bounds: reports, and failed log-ins.
+// Data that the service keeps for a while, within bounds: reports, and failed log-ins.
 #include <gtest/gtest.h>
 
 #include "server/admin/login/Throttle.h"

@@ -1,4 +1,4 @@
-// Reports in the store: lists, pages, many at once, and deletion.
+// Reports in the store: lists, pages, concurrent use, and deletion.
 #include "server/store/Reports.h"
 
 #include <algorithm>

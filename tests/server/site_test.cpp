@@ -1,4 +1,4 @@
-// The administration over a database that fails as no real one can be made to.
+// The administration with a database that fails in ways that a real one cannot be made to.
 #include "server/admin/Site.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ struct Shown {
     std::string body, metrics;
 };
 
-/// Asks as an editor; every statement but the one that finds the log-in fails.
+/// Makes a request as an editor; every statement fails, except the one that finds the log-in.
 Shown Ask(const std::string& target, const std::function<void()>& fail)
 {
     const auto respond = [&](const std::string& sql) {

@@ -62,7 +62,7 @@ TEST(Exchange, KeepsItsHandlesWhenAbandonedUntilItEnds)
         stages.push_back(std::async(std::launch::async, [&blocked] { return blocked->Run(blocked); }));
     for (std::future<const char*>& stage : stages)
         EXPECT_STREQ(stage.get(), ExchangeStage::Sending);
-    EXPECT_TRUE(IsOpen(blocked->handle));  // nobody but the exchange closes it
+    EXPECT_TRUE(IsOpen(blocked->handle));  // only the exchange closes it
     EXPECT_THROW(blocked->Run(blocked), ExchangeNotStarted);
     const test::LogCapture log(LogError);
     EXPECT_EQ(RunBandwidthTest(), L"");
@@ -139,7 +139,7 @@ TEST(Requests, EncodeControlCharactersInIdsAndFillInPlaceholders)
     EXPECT_TRUE(analysis.Body().starts_with(L"<System><SessionID>s s</SessionID><ItemID>itemxml</ItemID>"));
 }
 
-/// What goes out for a text in a code page.
+/// The bytes that are sent for a text in a code page.
 std::string Sent(std::wstring_view text, UINT codePage)
 {
     std::array<char, 16> bytes;
@@ -154,7 +154,7 @@ bool IsDelimiter(char byte)
     return code <= ' ' || code == 0x7F || std::string_view("%?&#/=+;").find(byte) != std::string_view::npos;
 }
 
-/// Whether a character of such bytes went into a path as this text: as it is, or percent-encoded.
+/// Whether a character with these bytes may be in a path as this text: unchanged, or percent-encoded.
 bool IsRightIn(std::wstring_view path, wchar_t character, const std::string& bytes)
 {
     if (std::ranges::none_of(bytes, &IsDelimiter))

@@ -28,7 +28,7 @@ inline std::wstring ShowEdid(const MonitorInfo& monitor)
     return shown;
 }
 
-/// Puts the sum right, after the bytes were changed.
+/// Corrects the checksum after a change.
 inline Bytes Summed(Bytes bytes)
 {
     bytes[127] = static_cast<BYTE>(-std::accumulate(bytes.begin(), bytes.begin() + 127, 0));

@@ -1,4 +1,4 @@
-// Displays that are not here, behind the system's own functions.
+// Fake displays behind the system's own functions.
 #pragma once
 
 #include <cstring>
@@ -44,7 +44,7 @@ struct FakeDisplays {
         return L"\\\\?\\" + screen.instance + L"#{e6f07b5f-ee97-4a90-b076-33f57bf4eaa7}";
     }
 
-    /// Functions that answer for the screens, as long as the object lives.
+    /// Functions that answer for the screens, while the object exists.
     DisplayFunctions Functions()
     {
         DisplayFunctions functions;

@@ -1,4 +1,4 @@
-// Graphics adapters that are not here, behind the system's own interfaces.
+// Fake graphics adapters behind the system's own interfaces.
 #pragma once
 
 #include <algorithm>
@@ -148,10 +148,11 @@ public:
         return shown;
     }
 
-    /// What is still held of all that was given.
+    /// The references that are still held on all objects that were returned.
     ULONG References() const { return held; }
 
-    /// Changes what is reported: of the system, or, by its name, a property of DxDiag's one display device.
+    /// Changes what is reported about the system, or, by its name, a property of DxDiag's only display
+    /// device.
     void Set(const std::wstring& key, const std::wstring& value)
     {
         if (key == L"libraries")

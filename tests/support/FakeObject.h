@@ -8,11 +8,11 @@
 
 namespace kel::test {
 
-/// A COM object of any interface, as its callers see it: a table of functions. A test gives those that are
-/// called; the others fail. It belongs to the test, which sees by the count that nothing keeps it.
+/// A COM object of any interface, as its callers see it: a table of functions. A test sets those that are
+/// called; the others fail. The test owns the object, and sees by the count that nothing keeps it.
 struct FakeObject {
-    /// @param newReferences counts what is held of this object and its fellows
-    /// @param newInterface which it answers for, beside IUnknown
+    /// @param newReferences counts the references on this object and its siblings
+    /// @param newInterface the interface that it answers for, besides IUnknown
     explicit FakeObject(ULONG& newReferences, const IID& newInterface = IID_IUnknown)
         : references(&newReferences), interfaceId(newInterface)
     {
@@ -52,7 +52,7 @@ struct FakeObject {
     IID interfaceId;
 };
 
-/// What a fake service answers from, with all objects that it handed out.
+/// The data of a fake service, with all objects that it has returned.
 struct FakeServiceData {
     ULONG references = 0;  ///< on the objects, all together
     std::vector<std::shared_ptr<FakeObject>> made;
@@ -80,8 +80,7 @@ Object& Make(Data& data, const IID& iid, const Content& content, std::size_t slo
     return *made;
 }
 
-/// Puts a class factory of the test's in the place of the system's, in this process and in an apartment, as
-/// long as it lives.
+/// Replaces the system's class factory with a test's, in this process and in an apartment, while it exists.
 class FakeClass {
 public:
     FakeClass(const CLSID& clsid, FakeObject& factory)

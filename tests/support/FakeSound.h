@@ -21,10 +21,10 @@ struct FakeSoundData : FakeServiceData {
     int defaultOutput = -1;  ///< place of the endpoint; below 0 there is none
     HRESULT enumerate = S_OK;
     HRESULT getDefault = HRESULT_FROM_WIN32(ERROR_NOT_FOUND);  ///< where there is none
-    bool isMisused = false;  ///< an endpoint was activated, or another asked for than is looked for
+    bool isMisused = false;  ///< an endpoint was activated, or the wrong kind of endpoint was requested
 };
 
-/// Takes the place of the system's own, as long as it lives.
+/// Replaces the system's enumerator while it exists.
 class FakeSound {
 public:
     explicit FakeSound(FakeSoundData& data);

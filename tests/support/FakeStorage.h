@@ -14,10 +14,10 @@
 
 namespace kel::test {
 
-/// A request: the control code, and of a property its number, else -1.
+/// A request: the control code, and the number of the property, or -1 for other requests.
 using Request = std::pair<DWORD, int>;
 
-/// Whether a drive was reached without the mode in which the system shows no box for it.
+/// Whether a drive was accessed without the mode in which the system shows no error box.
 struct ErrorModeCheck {
     static inline bool isMissed = false;
 
@@ -27,7 +27,7 @@ struct ErrorModeCheck {
     }
 };
 
-/// What a fake device answers. A request that it has no answer for is refused.
+/// The answers of a fake device. A request without an answer is refused.
 struct FakeDevice {
     std::map<Request, std::string> answers;
     std::map<Request, DWORD> errors;  ///< of requests that are refused for another reason
@@ -45,7 +45,7 @@ struct FakeStorage {
     int open = 0;
     DWORD listError = ERROR_SUCCESS;
 
-    /// What answers under the path of an interface that a device has.
+    /// The device under the path of one of its interfaces.
     /// @param number the first number of the interface's GUID
     FakeDevice& InterfaceOf(std::wstring instanceId, const std::wstring& number)
     {
@@ -118,7 +118,7 @@ private:
         SetLastError(error != device.errors.end() ? error->second : ERROR_NOT_SUPPORTED);
         if (error != device.errors.end() || answer == device.answers.end())
             return FALSE;
-        // Like the system: what fits, and that there is more.
+        // Like the system, returns what fits, and that there is more.
         size = static_cast<DWORD>(std::min(answer->second.size(), output.size()));
         std::ranges::copy(std::as_bytes(std::span(answer->second)).first(size), output.begin());
         SetLastError(ERROR_MORE_DATA);

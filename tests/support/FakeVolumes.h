@@ -9,7 +9,7 @@
 
 namespace kel::test {
 
-/// A drive letter as a fake system answers for it.
+/// A drive letter, as a fake system reports it.
 struct FakeVolume {
     UINT type = DRIVE_FIXED;
     std::wstring fileSystem = {};  ///< empty: it cannot be read

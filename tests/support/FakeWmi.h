@@ -13,7 +13,7 @@
 
 namespace kel::test {
 
-/// A property as a fake object answers it. CIM_EMPTY: the object does not have it.
+/// A property of a fake object. CIM_EMPTY: the object does not have it.
 struct FakeProperty {
     _variant_t value;
     CIMTYPE type = CIM_STRING;
@@ -21,19 +21,19 @@ struct FakeProperty {
 
 using WmiProperties = std::map<std::wstring, FakeProperty>;
 
-/// What the fake WMI of a test answers: objects by query, and where it fails.
+/// The answers of a test's fake WMI: objects by query, and its failures.
 struct FakeWmiData : FakeServiceData {
     std::map<std::wstring, std::vector<WmiProperties>> objects;
     HRESULT connect = S_OK;
     HRESULT query = S_OK;
     bool refusesBlanket = false;
-    std::function<void()> whileAsked = [] {};  ///< what a page does that is let in meanwhile
+    std::function<void()> whileAsked = [] {};  ///< the calls of a page that the host lets in meanwhile
     std::vector<std::wstring> queries;
     HRESULT next = S_OK;     ///< a failure comes after the objects
-    std::wstring arguments;  ///< what else the calls were given
+    std::wstring arguments;  ///< the other arguments of the calls
 };
 
-/// Puts a fake locator in the place of WMI's own, as long as it lives.
+/// Replaces WMI's own locator with a fake one while it exists.
 class FakeWmi {
 public:
     explicit FakeWmi(FakeWmiData& data);

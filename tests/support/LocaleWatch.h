@@ -9,7 +9,7 @@
 
 namespace kel::test {
 
-/// A host with a locale of its own, which another thread looks at as long as this lives. Fails where it was
+/// A host with its own locale, which another thread watches while this exists. Fails if the locale was
 /// switched.
 class LocaleWatch {
 public:

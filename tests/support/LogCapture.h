@@ -8,7 +8,7 @@
 
 namespace kel::test {
 
-/// Turns the log on while it lives and returns what was written since it was made.
+/// Turns the log on while it exists, and returns what was written since its construction.
 class LogCapture {
 public:
     explicit LogCapture(int level = LogMaximum) { Log::Instance().SetLevel(level); }

@@ -9,18 +9,17 @@
 
 namespace kel::test {
 
-/// Of a machine, the lines of each word that one begins with; its name stands under "machine", and what is
-/// stored of it under "=".
+/// A machine's lines by their first word; its name is under "machine", and its stored values are under "=".
 class Machine {
 public:
     /// The lines of a word, in order; an empty list is not an error.
     const Lines& operator[](const wchar_t* word) const;
     /// The first line of a word; empty when there is none.
     std::wstring First(const wchar_t* word) const;
-    /// What a word says is stored, as "id[index]=text" lines.
+    /// The stored values that a word lists, as "id[index]=text" lines.
     Lines Stored(const wchar_t* word) const;
 
-    /// Puts a line in the place of a word's lines.
+    /// Replaces a word's lines with one line.
     void Set(const wchar_t* word, const std::wstring& line) { lines[word] = {line}; }
 
     /// Adds a line, or several.
@@ -31,13 +30,13 @@ private:
     std::map<std::wstring, Lines> lines;
 };
 
-/// Of stored lines, those that say more than "No", "0" or nothing.
+/// The stored lines that say more than "No", "0" or nothing.
 Lines FoundIn(Lines stored);
 
-/// The machines of a file. What stands before the first goes for each.
+/// The machines of a file. Lines before the first machine apply to each of them.
 std::vector<Machine> ReadMachines(const char* file);
 
-/// The lines of a file in tests/machines, but for empty ones and comments.
+/// The lines of a file in tests/machines, without empty ones and comments.
 Lines ReadRows(const char* file);
 
 }  // namespace kel::test

@@ -19,10 +19,10 @@ enum DeviceClass : DWORD {
     ScsiClass = 0x4D36E97B
 };
 
-/// A device of a setup class, planted through the Setup API and taken away when the object is destroyed.
+/// A device of a setup class, planted through the Setup API and removed by the destructor.
 class PlantedDevice {
 public:
-    /// @param instanceId what distinguishes the device from others; null for one of the test's own
+    /// @param instanceId distinguishes the device from others; null for a generated one
     explicit PlantedDevice(DeviceClass deviceClass, const wchar_t* instanceId = nullptr);
     PlantedDevice(const GUID& deviceClass, const wchar_t* instanceId);
     PlantedDevice(const PlantedDevice&) = delete;
@@ -35,11 +35,11 @@ public:
     /// Switches it off ("off"), or gives it a problem code; nothing when empty.
     PlantedDevice& InState(const std::wstring& state);
 
-    /// Puts it into the computer's own container ("own") or into one of its own ("other"); in none when
-    /// empty.
+    /// Puts it into the computer's own container ("own") or into a container of its own ("other"); into none
+    /// when empty.
     PlantedDevice& InContainer(const std::wstring& container);
 
-    /// Makes the device's key, or its driver's, and writes a string into it, or into a subkey.
+    /// Creates the device's key, or its driver's, and writes a string into it or into a subkey.
     PlantedDevice& Device(const wchar_t* name, const std::wstring& text)
     {
         return Write(DIREG_DEV, name, text, nullptr);

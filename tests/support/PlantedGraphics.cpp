@@ -12,7 +12,7 @@ std::optional<bool> YesNo(const std::wstring& field)
     return field.empty() ? std::nullopt : std::optional(field == L"yes");
 }
 
-/// Of the cards that are described, those that the machine has, in its order.
+/// The described cards that the machine has, in its order.
 std::vector<Card> CardsOf(const Machine& machine)
 {
     std::map<std::wstring, Card> known;

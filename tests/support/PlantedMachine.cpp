@@ -27,7 +27,7 @@ namespace kel::test {
 
 namespace {
 
-/// What the functions without a place for data of the test's answer.
+/// The answers of functions that have no parameter for a test's data.
 const Machine* answering = nullptr;
 
 bool areDevicesReversed = false;

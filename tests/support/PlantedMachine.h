@@ -15,7 +15,7 @@
 
 namespace kel::test {
 
-/// What the detectors did with a machine.
+/// The results of running the detectors on a machine.
 struct Detected {
     Lines stored;            ///< "id[index]=text"
     Lines log;               ///< at all levels
@@ -23,8 +23,8 @@ struct Detected {
     std::wstring letters;    ///< of volumes that were opened
     std::wstring report;     ///< with all ids wanted
     std::wstring calls;      ///< that load a graphics driver, such as "11:2 12:3"
-    ULONG held = 0;          ///< references on graphics and sound objects, and storage devices, that stay
-    bool isMisused = false;  ///< a function was asked what it must not be, or with the error mode as it was
+    ULONG held = 0;          ///< references that remain on graphics and sound objects and storage devices
+    bool isMisused = false;  ///< a function was called for something forbidden, or without the error mode
 };
 
 /// A machine with all its parts: devices for the Setup API, the registry, WMI's objects, and functions that
@@ -37,10 +37,10 @@ public:
     PlantedMachine(const PlantedMachine&) = delete;
     PlantedMachine& operator=(const PlantedMachine&) = delete;
 
-    /// Runs the detectors in a session of their own: all, or those that the description names.
+    /// Runs the detectors in a new session: all, or those that the description names.
     Detected Detect();
 
-    /// Runs the detectors of these names in the current session; all without any.
+    /// Runs the detectors with these names in the current session; all if there are no names.
     void Run(const Lines& names);
 
 private:

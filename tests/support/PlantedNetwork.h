@@ -108,7 +108,7 @@ struct PlantedNetwork {
     std::vector<std::unique_ptr<PlantedDevice>> devices;
 
 private:
-    /// Of each interface what the table says, but for its medium.
+    /// The table's facts about each interface, except its medium.
     ULONG ListAddresses(ULONG family, ULONG flags, IP_ADAPTER_ADDRESSES* list, ULONG* size)
     {
         constexpr ULONG WithoutLists = 0x2F;

@@ -10,10 +10,10 @@
 
 namespace kel::test {
 
-/// A version record as a program's resources have it.
+/// A version record, as in a program's resources.
 std::vector<BYTE> MakeVersionRecord(const std::wstring& version);
 
-/// Plants a machine's software in the registry and in a table of functions, which notes what it is asked for.
+/// Plants a machine's software in the registry and in a table of functions, which records the requests.
 ///
 /// "64", "32" and "CU" are registry keys of a view: the path below SOFTWARE, and values as "name=text" or
 /// "name=#number"; "U:" in front of the path is the list of programs, "A:" App Paths. "file" is a path and a
@@ -36,7 +36,7 @@ private:
     void PlantKey(const std::wstring& view, const std::wstring& line, DWORD type);
 };
 
-/// Runs the three detectors and gives what they found, as "id[index]=text" lines.
+/// Runs the three detectors and returns what they found, as "id[index]=text" lines.
 Lines FindSoftware(const SoftwareFunctions& functions);
 
 }  // namespace kel::test

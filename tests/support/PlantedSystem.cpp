@@ -8,7 +8,7 @@ namespace kel::test {
 
 namespace {
 
-/// The records of as many cores, packages and caches as the machine has.
+/// The records of the machine's cores, packages and caches.
 std::vector<SYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX> MakeTopology(const Machine& machine)
 {
     std::vector<SYSTEM_LOGICAL_PROCESSOR_INFORMATION_EX> records;

@@ -8,8 +8,8 @@
 
 namespace kel::test {
 
-/// A registry key of the test's own below HKEY_CURRENT_USER, gone with all below it when the object is
-/// destroyed. It can stand in for a predefined key meanwhile.
+/// A test's own registry key below HKEY_CURRENT_USER, which the destructor removes with everything below it.
+/// It can stand in for a predefined key meanwhile.
 class ScratchKey {
 public:
     /// @param predefined the key to stand for in this process, such as HKEY_LOCAL_MACHINE, if any
@@ -20,7 +20,7 @@ public:
 
     HKEY Key() const { return key.get(); }
 
-    /// Writes a value into a subkey, which is made when it is missing: any content, or a zero-terminated
+    /// Writes a value into a subkey, which is created when it is missing: any content, or a zero-terminated
     /// string.
     void Write(const std::wstring& subkey, const wchar_t* name, DWORD type, const void* data,
                std::size_t size) const;

@@ -22,7 +22,7 @@ inline std::wstring ShowAbilities(unsigned abilities)
 
 enum AnswerKind { OfDevice, OfFlag, OfGeometry, OfNumber, OfHotplug, OfExtents, OfProfiles, OfMediaTypes };
 
-/// What each reader of storage answers takes from the same bytes, by AnswerKind; "-" for nothing.
+/// What each reader of storage answers reads from the same bytes, by AnswerKind; "-" for nothing.
 inline std::array<std::wstring, 8> ShowAnswers(Bytes answer)
 {
     const auto text = [](auto number) { return std::to_wstring(number); };
@@ -49,7 +49,7 @@ inline std::array<std::wstring, 8> ShowAnswers(Bytes answer)
     return shown;
 }
 
-/// The same, when it does not change with what lies behind the answer; else texts that nothing is equal to.
+/// The same if it does not depend on the bytes behind the answer; otherwise texts that nothing is equal to.
 inline std::array<std::wstring, 8> ShowBounded(const std::string& answer)
 {
     const auto shown = [&answer](char behind) {

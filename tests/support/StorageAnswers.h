@@ -40,7 +40,7 @@ inline std::string Big(std::integral auto number, int size)
     return {bytes.rbegin(), bytes.rend()};
 }
 
-/// A STORAGE_DEVICE_DESCRIPTOR with its texts behind it; one that is null has the offset 0.
+/// A STORAGE_DEVICE_DESCRIPTOR followed by its texts; a null text has the offset 0.
 inline std::string Descriptor(int bus, const char* vendor, const char* product, const char* revision,
                               bool isRemovable = false, const char* serial = "SERIAL-4711")
 {
@@ -91,7 +91,7 @@ inline std::string Profiles(const std::vector<int>& profiles)
     return Big(8 + list.size(), 4) + Big(0, 4) + Big(0x000003, 3) + Big(list.size(), 1) + list;
 }
 
-/// GET_MEDIA_TYPES, of each medium its type and characteristics.
+/// GET_MEDIA_TYPES, with the type and characteristics of each medium.
 inline std::string MediaTypes(int device, const std::vector<std::pair<int, int>>& media)
 {
     std::string bytes = Little(device, 4) + Little(media.size(), 4);

@@ -8,7 +8,7 @@
 
 namespace kel::test {
 
-/// A name that nothing of this process or another has.
+/// A name that nothing else in this or another process has.
 inline std::wstring NewName()
 {
     static unsigned made = 0;
@@ -24,7 +24,7 @@ inline void EndIfInterrupted()
         TerminateProcess(GetCurrentProcess(), 130);
 }
 
-/// A new folder of the test's own, removed with its content when the object is destroyed.
+/// A new folder for a test, removed with its contents by the destructor.
 class TestFolder {
 public:
     TestFolder() { std::filesystem::create_directory(path); }

@@ -9,7 +9,7 @@
 
 namespace kel::test {
 
-/// A session without network and hardware; current as long as it lives.
+/// A session without network and hardware, which is current while it exists.
 class TestSession : public Session {
 public:
     TestSession() { MakeCurrent(); }
@@ -31,7 +31,7 @@ public:
         return value != nullptr ? value->Text() : L"(none)";
     }
 
-    /// The same of several numbers, each with a bar after it.
+    /// The same for several numbers, each with a bar after it.
     std::wstring Texts(std::initializer_list<unsigned> numbers) const
     {
         std::wstring texts;
@@ -40,7 +40,7 @@ public:
         return texts;
     }
 
-    /// What is stored under the numbers of a range, in the store's order, as "number[index]=text" lines.
+    /// The values stored under the numbers of a range, in the store's order, as "number[index]=text" lines.
     std::vector<std::wstring> Lines(unsigned first, unsigned last) const
     {
         std::vector<std::wstring> lines;

@@ -26,7 +26,7 @@ using namespace std::string_literals;
 constexpr std::uint64_t Largest = std::numeric_limits<std::uint64_t>::max();
 constexpr double Huge = std::numeric_limits<double>::max();
 
-/// A text, the amount in it, and how that prints.
+/// A text, the amount in it, and the printed form.
 using Row = std::tuple<const wchar_t*, std::uint64_t, const wchar_t*>;
 
 /// Reads each text over an older amount, and prints it.

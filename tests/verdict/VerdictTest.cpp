@@ -1,4 +1,4 @@
-// The tables of cases beside this file. The service's tests and those of the build for Windows both run them.
+// Runs the tables of cases beside this file, in the service's tests and in those of the build for Windows.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -89,7 +89,7 @@ TEST(Comparison, FollowsTheTable)
                                               {"GraphicsMemory", SoldAs::GraphicsMemory},
                                               {"Disk", SoldAs::Disk}};
     for (const Texts& row : rows) {
-        // Behind the comparison there may be what is sold, and in the last column its nominal size.
+        // The comparison may be followed by what is sold, and the last column may have its nominal size.
         std::string name = row.at(0);
         const auto kind = kinds.find(name.substr(name.rfind(' ') + 1));
         const SoldAs soldAs = kind == kinds.end() ? SoldAs::Nothing : kind->second;
@@ -146,8 +146,8 @@ std::string ReadFile(const std::string& path)
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/// The table of the examples' sets: the set, a whole machine's file, values that it has besides, and the
-/// results of all lines.
+/// The table of the examples' sets: the set, a whole machine's file, additional values, and the results of
+/// all lines.
 TEST(Examples, JudgeTheWholeMachines)
 {
     for (const std::string& row : ReadLines("examples.txt")) {

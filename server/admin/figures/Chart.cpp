@@ -23,16 +23,16 @@ std::string Number(int number)
 
 Html Chart(const std::string& title, const std::vector<Distribution::Bar>& bars)
 {
-    int most = 1, all = 0;
+    int maxCount = 1, all = 0;
     for (const Distribution::Bar& bar : bars) {
-        most = std::max(most, bar.count);
+        maxCount = std::max(maxCount, bar.count);
         all += bar.count;
     }
     Html picture = Html::Element("title", {}, title);
     Table table("Figures", {{"Value"}, {"Sessions", true}, {"Share", true}});
     int top = 0;
     for (const Distribution::Bar& bar : bars) {
-        const int width = std::max(2, bar.count * Width / most);
+        const int width = std::max(2, bar.count * Width / maxCount);
         picture += Html::Element("text", {{"x", "0"}, {"y", Number(top + TextBase)}},
                                  Shortened(bar.label, MaxBarLabelBytes));
         picture += Html::Element("rect", {{"class", bar.isRest ? "rest" : "bar"},
