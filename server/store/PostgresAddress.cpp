@@ -1,5 +1,6 @@
 #include "server/store/PostgresAddress.h"
 
+#include <fmt/format.h>
 #include <poll.h>
 
 #include <algorithm>
@@ -132,7 +133,8 @@ PostgresHandle PostgresAddress::Race(milliseconds time, std::string& reasons) co
                                0});
         const auto left = std::chrono::duration_cast<milliseconds>(end - steady_clock::now());
         if (left.count() <= 0 || poll(sockets.data(), sockets.size(), static_cast<int>(left.count())) == 0) {
-            reasons += "no host connects in time\n";
+            reasons +=
+                fmt::format("no host connects within {:.3g} s\n", static_cast<double>(time.count()) / 1000);
             return nullptr;
         }
         for (std::size_t i = sockets.size(); i-- > 0;) {

@@ -77,45 +77,6 @@ class Editing(AdminTest):
             self.assertEqual(kept, text.replace("\r\n", "\n"))
         self.assertEqual(self.database.run("SELECT * FROM draft"), [])
 
-    def test_a_draft_is_tried_and_published_and_judges(self):
-        self.assertEqual(self.judged("s5"), "pass")
-        _, page = self.act("try", self.stricter)
-        self.assertIn("Of the last 8 sessions 2 would pass, today 4. 6 would fail, today 4; 0 would be unknown, today 0.", page)
-        self.assertEqual(PageParser(page).cells(0, 2, 3, 4, 5)[1:3],
-                         [("Memory", "2", "6", "4", "0"), ("System Recommended", "0", "0", "new", "8")])
-        self.assertIn("No longer asked: Processors", PageParser(page).data)
-        self.assertIn("The draft is saved.", self.after("save", self.stricter))
-        self.assertEqual(self.judged("s5"), "pass")
-        status, page = self.act("publish", self.stricter, 1)
-        self.assertEqual((status, "today 4" in page), (200, True))
-        self.assertIn("The draft is published.", self.after("", self.stricter, 1, "publish"))
-        self.assertEqual(self.judged("s5"), "fail")
-        versions = self.page("/products/demo/requirements", self.cookie).cells(0, 2, 3)[1:]
-        self.assertEqual(versions, [("2", "Edith", "view version 2"), ("1", "import", "view version 1")])
-        self.assertIn("at least", self.page("/products/demo/version?number=1", self.cookie).data)
-        old = self.page("/products/demo/requirements?from=1", self.cookie)
-        self.assertIn("Processors", old.data)
-        self.assertEqual((old.fields["revision"], self.database.run("SELECT text FROM draft")), ("0", [("",)]))
-        noted = [row for row, in self.database.run("SELECT action || ': ' || subject FROM audit WHERE account = 'Edith'")][1:]
-        self.assertEqual(noted, ["saved draft: demo", "published: demo, version 2"])
-        self.assertEqual(self.act("save", "{", 0)[0], 303)  # work that is not done can be saved, not published
-        self.assertEqual(self.act("", "{", 3, "publish")[0], 400)
-
-    def test_the_values_of_a_draft_are_explained(self):
-        self.upload("blank", v71063=" ")
-        draft = requirements((71063, "M", "any"), (71254, "P", "any"), (71072, "V", "any"), (71296, "C", "any"),
-                             (71390, "F", "any"), (4711, "X", "any")).replace('"P",', '"P", "of": "any",')
-        for action in "check", "try":
-            rows = {row[0]: row[1:] for row in PageParser(self.act(action, draft)[1]).cells(0, 2, 3)}
-            for number, reported, notes in (
-                    ("71063", "8 of 9", ("Use 73440",)), ("71254", "8 of 9", ('"of": "any" has no effect',)),
-                    ("71072", "0 of 9", ("Use 73400", "Not asked for by")), ("71296", "0 of 9", ("On ARM64", "73405")),
-                    ("71390", "0 of 9", ("On ARM64", "73405")), ("4711", "0 of 9", ("only a page can set it",))):
-                self.assertEqual(rows[number][0], reported, f"{action} {number}")
-                for note in notes:
-                    self.assertIn(note, rows[number][1], f"{action} {number}")
-            self.assertNotIn("Not asked for by", rows["71063"][1], action)
-
     def test_figures_that_take_too_long_are_left_out(self):
         self.upload("large", v71060="\u00e9" * 64_000)
         self.judged("large")
@@ -148,18 +109,6 @@ class Editing(AdminTest):
         self.assertIn("The draft is dropped.", self.after("", "", 2, "drop"))
         self.assertEqual(self.act("", "mine", 2, "publish")[0], 409)
         self.assertEqual(len(self.database.run("SELECT id FROM requirement_set")), 1)
-
-    def test_a_product_begins_with_a_draft(self):
-        answer, _ = self.visit("GET", "/new?referrer=new-1", cookie=self.cookie)
-        self.assertEqual((answer.status, answer.headers["Location"]), (303, "/products/new-1/requirements"))
-        page = self.page("/products/new-1/requirements", self.cookie)
-        text = page.data[page.data.index("{"):page.data.rindex("}") + 1]
-        form = {**self.fields, "text": text, "do": "publish"}
-        self.assertIn("nothing to try", self.visit("POST", "/products/new-1/requirements", form, self.cookie)[1])
-        self.assertIn(("new-1", "–", "draft"), self.page("/", self.cookie).cells(0, 1, 7))
-        self.assertEqual(self.status("POST", "/products/new-1/publish", {**self.fields, "revision": 1}, self.cookie), 303)
-        self.upload("n", "new-1", v71063="8.0 GB")
-        self.assertEqual(self.judged("n", "new-1"), "pass")
 
 
 if __name__ == "__main__":

@@ -54,14 +54,6 @@ class Pages(AdminTest):
         self.upload("t")
         cookie = self.log_in()
         page = self.page("/reports/1", cookie)
-        self.assertEqual(page.cells(0, 1, 2, 3)[1:3], [("Memory", "at least 4 GB", "2.0 GB", "✗ failAdd memory."),
-                                                       ("Processors", "at least 4", "8", "✓ pass")])
-        for row in (("71063", "Ram: total physical memory", "0", "2.0 GB"), ("999", "", "0", "odd"),
-                    ("72510", "HardDrive: holds Windows", "0", "No"), ("71207", "OS: machine identifier", "0", "m1")):
-            self.assertIn(row, page.cells(0, 1, 2, 3))
-        self.assertIn("/reports/1", self.page("/reports/2", cookie).links)
-        self.assertIn("No verdict was requested", self.page("/reports/3", cookie).data)
-        self.assertNotIn("/reports/2", page.links)
         asked = self.page("/reports/2/delete", cookie)
         self.assertIn("/reports/2/delete", asked.links)
         form = {"token": asked.fields["token"]}
@@ -157,10 +149,6 @@ class Pages(AdminTest):
         self.assertEqual(sum(label.startswith("System") for label in kept), 10)
         self.assertLess(kept.index("up to 512 MB"), kept.index("up to 4 GB"))
         self.assertEqual([label for label in kept if label in ("0", "1", "9", "12")], ["0", "1", "9", "12"])
-        products = self.page("/", cookie)
-        self.assertIn("from the latest 1,000 verdicts of each", products.data)
-        self.assertNotIn("too long here", products.data)
-        self.assertEqual(products.cells(0, 3, 4, 5, 6)[1], ("demo", "1", "6", "1", "13 %"))
 
     def test_stored_texts_never_become_markup(self):
         names = ["plain"]

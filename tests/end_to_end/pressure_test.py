@@ -35,6 +35,8 @@ class PressureTest(DeployedTest):
 
 
 class Queues(PressureTest):
+    settings = ("--database-connections", "2")  # of which one stays for short reads
+
     def test_cheap_requests_overtake_waiting_ones_and_long_waits_end(self):
         self.require("r", (1, "M", "any"))
         self.ask("GET", WANTED)

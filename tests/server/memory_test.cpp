@@ -1,7 +1,12 @@
-// Data that the service keeps for a while, within bounds: reports, and failed log-ins.
+// What the service keeps for a while, within bounds: reports, failed log-ins, and memory that it does not
+// use.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "server/admin/login/Throttle.h"
+#include "server/ops/HeapTrimmer.h"
+#include "server/ops/Memory.h"
 #include "server/protocol/ReportCache.h"
 
 namespace kel::server {
@@ -25,6 +30,23 @@ TEST(ReportCache, KeepsTheReportsThatWereUsedLast)
     cache.Add(4, report);
     EXPECT_TRUE(cache.Find(1)) << "it was asked for after 3";
     EXPECT_TRUE(cache.Find(4)) << "the newest is gone";
+}
+
+TEST(HeapTrimmer, ReturnsWhatACrowdHasLeft)
+{
+    const HeapTrimmer trimmer;
+    const std::size_t before = ResidentMemory();
+    std::vector<std::unique_ptr<std::string>> crowd, left;
+    for (int i = 0; i < 3000; ++i) {
+        crowd.push_back(std::make_unique<std::string>(50'000, 'x'));
+        if (i % 100 == 0)
+            left.push_back(std::make_unique<std::string>(50'000, 'x'));  // the heap does not end before it
+    }
+    crowd.clear();
+    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (ResidentMemory() > before + 50'000'000 && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(milliseconds(20));
+    EXPECT_LT(ResidentMemory(), before + 50'000'000);
 }
 
 TEST(Throttle, MakesAGuestWaitTwiceAsLongEachTime)
