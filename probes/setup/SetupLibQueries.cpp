@@ -152,10 +152,6 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     adapter.enumerator = DeviceID(adapter.device).Bus();
     adapter.isOff = !device.IsWorking();
     adapter.isInternal = device.IsInternal();
-    std::wstring location;
-    device.GetDeviceProperty(SPDRP_LOCATION_INFORMATION, location);
-    adapter.isOnBus = ToLower(location).find(L"pci bus 0") != std::wstring::npos;
-
     std::wstring driverKey;
     if (!device.GetDeviceProperty(SPDRP_DRIVER, driverKey))
         return adapter;
@@ -170,9 +166,7 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     const std::optional<RegistryValue> value =
         connection ? ReadValue(connection.get(), L"MediaSubType") : std::nullopt;
     if (value && value->type == REG_DWORD) {
-        const std::wstring subType = ReadFirstText({{connection.get(), nullptr, L"MediaSubType"}});
-        adapter.mediaSubType = Name(subType);
-        adapter.SetKind(KindOf(subType));
+        adapter.SetKind(KindOf(ReadFirstText({{connection.get(), nullptr, L"MediaSubType"}})));
         adapter.hasKind = adapter.kind.HasValue();
     }
     return adapter;
