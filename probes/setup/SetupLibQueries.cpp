@@ -22,8 +22,6 @@ constexpr const wchar_t* DriverVersionValue = L"DriverVersion";
 constexpr const wchar_t* DriverKeys = L"SYSTEM\\CurrentControlSet\\Control\\Class\\";
 constexpr const wchar_t* ConnectionKeys =
     L"SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\";
-/// The length of the bus prefix of a disk's hardware id, such as "IDE\Disk".
-constexpr std::size_t BusPrefixLength = 8;
 
 MediaKind KindOf(const std::wstring& mediaSubType)
 {
@@ -58,10 +56,7 @@ bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
             return;
         DiskInfo drive;
         drive.friendlyName = device.Text(SPDRP_FRIENDLYNAME);
-        std::wstring id;
-        if (device.GetDeviceProperty(SPDRP_HARDWAREID, id) && id.size() >= BusPrefixLength)
-            drive.model = Name(id.substr(BusPrefixLength));
-        drive.deviceId = DeviceID(id);
+        drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         drive.instanceId = Name(device.InstanceId());
         drive.isInternal = device.IsInternal();
         drives.push_back(drive);

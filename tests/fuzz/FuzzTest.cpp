@@ -111,16 +111,9 @@ bool IsOfProcessors(const Text& text)
            found.efficientCores.value_or(0) < found.cores.value_or(1);
 }
 
-bool IsOfManifest(const Text& text)
+bool Matches(const Text& text, const Text& pattern)
 {
-    const auto version = ReadVulkanVersion(Narrow(text));
-    return !version || All(version->ToString(), L"^([0-9][0-9.]{0,31})$").size() == 1;
-}
-
-bool IsDate(const Text& text)
-{
-    const Text date = ReadDriverDate(text);
-    return date.empty() || All(date, L"^([1-9]\\d{3}-[01]\\d-[0-3]\\d)$").size() == 1;
+    return !All(text, L"^(" + pattern + L")$").empty();
 }
 
 Texts MonitorAnswers()
@@ -156,9 +149,12 @@ const struct Target {
     {"Manifest",
      L"{\"file_format_version\": \"1.0.0\", \"ICD\": {\"library_path\": \".\\\\vulkan.dll\", "
      L"\"api_version\": "
-     L"\"1.3.242\"}};;\"api_version\":\"1.2.\";;\"api_version\" : \"1\"",
-     IsOfManifest},
-    {"DriverDate", L"5-1-2024;;12-31-1999;;1-2-3", IsDate},
+     L"\"1.3.242\"}};;\"api_version\":\"1.2.\";;\"api_version\" : \"11111111111111111111111111111111\"",
+     [](const Text& text) {
+         return Matches(ReadVulkanVersion(Narrow(text)).value_or(Version()).ToString(), L"[0-9][0-9.]{0,31}");
+     }},
+    {"DriverDate", L"5-1-2024;;12-31-1999;;1-2-3",
+     [](const Text& text) { return Matches(ReadDriverDate(text), L"|[1-9]\\d{3}-[01]\\d-[0-3]\\d"); }},
     {"Topology",
      nullptr,
      IsOfProcessors,

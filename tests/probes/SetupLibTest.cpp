@@ -53,16 +53,6 @@ std::string AskAll(SetupLib& library)
     return results;
 }
 
-TEST(SetupLib, TakesADisksModelFromItsFirstHardwareId)
-{
-    PlantedDevice shortId(Disks), list(Disks);
-    shortId.With(SPDRP_HARDWAREID, L"1234567");
-    list.With(SPDRP_HARDWAREID, L"123456789 first\0second\0"s);
-    const auto disks = List(&SetupLib::GetHardDriveInfo);
-    ASSERT_EQ(disks.size(), 2U);
-    EXPECT_EQ(Joined(disks[0].model, disks[1].model), L"|9 first|");
-}
-
 TEST(SetupLib, TakesTheKindOfANetworkFromItsConnection)
 {
     const std::wstring connections =
