@@ -47,7 +47,7 @@ bool CPU::Detect(CPUID& chip, const CpuFunctions& functions)
         CpuInfo registry;
         WMI::Instance().GetCpuInfo(wmi);
         chip.GetCpuInfo(cpuid);
-        GetSystemCpuInfo(system);
+        GetSystemCpuInfo(functions, system);
         GetTopology(functions, system);
         Registry::Instance().GetCpuInfo(registry);
         if (wmi.isIntel || cpuid.isIntel || system.isIntel || registry.isIntel)

@@ -59,8 +59,7 @@ bool ComesBefore(const Adapter& one, const Adapter& other)
 {
     const auto rank = [](const NetworkInfo& adapter) {
         return std::tuple(!adapter.isDefaultRoute, !adapter.isConnected.value_or(false),
-                          std::wstring(adapter.deviceId.ToString()), adapter.device, adapter.instanceId,
-                          std::wstring(adapter.name.ToString()));
+                          std::wstring(adapter.deviceId.ToString()), adapter.device, adapter.instanceId);
     };
     return rank(one.record) < rank(other.record);
 }
@@ -69,9 +68,9 @@ bool ComesBefore(const Adapter& one, const Adapter& other)
 /// unknown and the other is true.
 std::optional<bool> IsOnBoard(const NetworkInfo& adapter)
 {
-    if (adapter.isInternal == false || (!adapter.enumerator.empty() && adapter.enumerator != L"PCI"))
-        return false;
-    return adapter.enumerator.empty() ? std::nullopt : adapter.isInternal;
+    if (adapter.enumerator.empty())
+        return {};
+    return adapter.enumerator == L"PCI" ? adapter.isInternal : std::optional(false);
 }
 
 /// The physical adapters that work.

@@ -59,6 +59,7 @@ CpuFunctions CpuFunctions::OfSystem()
             L"kernel32.dll", "GetLogicalProcessorInformationEx"))
         functions.getTopology = get;
     functions.firmwareVirtualizes = &AskFirmwareVirtualizes;
+    functions.measureMegahertz = &MeasureMegahertz;
     return functions;
 }
 
@@ -75,12 +76,12 @@ void GetTopology(const CpuFunctions& functions, CpuInfo& info)
     });
 }
 
-bool GetSystemCpuInfo(CpuInfo& info)
+bool GetSystemCpuInfo(const CpuFunctions& functions, CpuInfo& info)
 {
-    Attempt(L"Error in system CPU detection.", [&info] {
+    Attempt(L"Error in system CPU detection.", [&] {
         SYSTEM_INFO system = {};
         GetSystemInfo(&system);
-        info = DescribeProcessors(system.dwNumberOfProcessors, MeasureMegahertz());
+        info = DescribeProcessors(system.dwNumberOfProcessors, functions.measureMegahertz());
     });
     return true;
 }

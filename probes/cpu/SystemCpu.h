@@ -17,6 +17,8 @@ struct CpuFunctions {
         getTopology;
     /// Whether virtualization is on in the firmware; nullopt before Windows 8, which does not know it.
     boost::function<std::optional<bool>()> firmwareVirtualizes;
+    /// MeasureMegahertz, which takes a second.
+    boost::function<float()> measureMegahertz;
 
     /// The system's own.
     static CpuFunctions OfSystem();
@@ -25,15 +27,14 @@ struct CpuFunctions {
 /// Cores, threads and caches, and virtualization in the firmware.
 void GetTopology(const CpuFunctions& functions, CpuInfo& info);
 
-/// The number of logical processors (`GetSystemInfo`) and the measured clock. Always true. Spins for one
-/// second.
-bool GetSystemCpuInfo(CpuInfo& info);
+/// The number of logical processors (`GetSystemInfo`) and the measured clock. Always true.
+bool GetSystemCpuInfo(const CpuFunctions& functions, CpuInfo& info);
 
 /// The same from given figures; a fraction of a MHz is dropped.
 CpuInfo DescribeProcessors(DWORD count, float megahertz);
 
-/// The rate of the time-stamp counter in MHz, measured against `QueryPerformanceCounter` for one second; 0
-/// when that counter does not work.
+/// The rate of the time-stamp counter in MHz, measured against `QueryPerformanceCounter`; 0 when that counter
+/// does not work. Spins for one second.
 float MeasureMegahertz();
 
 }  // namespace kel

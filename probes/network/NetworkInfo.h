@@ -23,12 +23,9 @@ inline constexpr const wchar_t* Wireless = L"wireless";
 struct NetworkInfo {
     Name name;
     DeviceID deviceId;
-    std::optional<bool> isOnBus;    ///< on PCI bus 0 by the location's English text
     std::optional<bool> isOnBoard;  ///< part of the computer, on any PCI bus
     std::optional<Version> driverVersion;
     std::wstring instanceId;  ///< of the network configuration, a GUID in braces, in upper case
-    Name mediaSubType;        ///< decimal
-    MediaKind mediaKind = MediaKind::Unknown;
     bool hasKind = false;     ///< the kind is known, even if it is neither of the two
     Name kind;                ///< empty when unknown, and for other kinds such as Bluetooth
     std::wstring device;      ///< its instance id in upper case; can hold an address, so it is not stored
@@ -44,7 +41,6 @@ struct NetworkInfo {
     /// Sets the number and the text of the kind.
     void SetKind(MediaKind newKind)
     {
-        mediaKind = newKind;
         kind = newKind == MediaKind::Lan ? Wired : newKind == MediaKind::Wireless ? Wireless : L"";
     }
 };

@@ -22,8 +22,6 @@ constexpr const wchar_t* DriverVersionValue = L"DriverVersion";
 constexpr const wchar_t* DriverKeys = L"SYSTEM\\CurrentControlSet\\Control\\Class\\";
 constexpr const wchar_t* ConnectionKeys =
     L"SYSTEM\\CurrentControlSet\\Control\\Network\\{4D36E972-E325-11CE-BFC1-08002BE10318}\\";
-/// The length of the bus prefix of a disk's hardware id, such as "IDE\Disk".
-constexpr std::size_t BusPrefixLength = 8;
 
 MediaKind KindOf(const std::wstring& mediaSubType)
 {
@@ -57,10 +55,7 @@ bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
             return;
         DiskInfo drive;
         drive.friendlyName = device.Text(SPDRP_FRIENDLYNAME);
-        std::wstring id;
-        if (device.GetDeviceProperty(SPDRP_HARDWAREID, id) && id.size() >= BusPrefixLength)
-            drive.model = Name(id.substr(BusPrefixLength));
-        drive.deviceId = DeviceID(id);
+        drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         drive.instanceId = Name(device.InstanceId());
         drive.isInternal = device.IsInternal();
         drives.push_back(drive);
@@ -151,10 +146,6 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     adapter.enumerator = DeviceID(adapter.device).Bus();
     adapter.isOff = !device.IsWorking();
     adapter.isInternal = device.IsInternal();
-    std::wstring location;
-    device.GetDeviceProperty(SPDRP_LOCATION_INFORMATION, location);
-    adapter.isOnBus = ToLower(location).find(L"pci bus 0") != std::wstring::npos;
-
     std::wstring driverKey;
     if (!device.GetDeviceProperty(SPDRP_DRIVER, driverKey))
         return adapter;
@@ -169,9 +160,7 @@ NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const
     const std::optional<RegistryValue> value =
         connection ? ReadValue(connection.get(), L"MediaSubType") : std::nullopt;
     if (value && value->type == REG_DWORD) {
-        const std::wstring subType = ReadFirstText({{connection.get(), nullptr, L"MediaSubType"}});
-        adapter.mediaSubType = Name(subType);
-        adapter.SetKind(KindOf(subType));
+        adapter.SetKind(KindOf(ReadFirstText({{connection.get(), nullptr, L"MediaSubType"}})));
         adapter.hasKind = adapter.kind.HasValue();
     }
     return adapter;

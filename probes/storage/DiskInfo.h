@@ -12,7 +12,7 @@ namespace kel {
 
 /// One source's facts about a disk; empty ones are unknown.
 struct DiskInfo {
-    Name model;         ///< vendor and model; from the Setup API the hardware id without its bus prefix
+    Name model;         ///< vendor and model
     Name friendlyName;  ///< as the Setup API has it
     Name deviceName;    ///< such as \\.\PHYSICALDRIVE0
     Name instanceId;    ///< of the Setup API; can hold a serial number, so no value carries it

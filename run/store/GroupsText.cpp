@@ -45,7 +45,7 @@ bool GroupsText::Next(GroupEntry& entry)
     const std::size_t index = indexName.FindFrom(text, position);
     const std::size_t open = valueOpen.FindFrom(text, position);
     const std::size_t end = groupClose.FindFrom(text, position);
-    if (end == None || end == 0)
+    if (end == None)
         return false;
 
     entry.id = Token(id, idName.Length(), end);
@@ -58,7 +58,7 @@ bool GroupsText::Next(GroupEntry& entry)
 
 std::wstring GroupsText::Token(std::size_t name, std::size_t nameLength, std::size_t groupEnd) const
 {
-    if (name == None || name == 0)
+    if (name == None)
         return {};
     // The group's end begins with a separator, so a token that begins in the group also ends there.
     const std::wstring_view group = text.substr(0, groupEnd);
@@ -72,7 +72,7 @@ const SharedText& GroupsText::ValueAt(std::size_t open)
 {
     // Groups that take the same value share its text, which may be as long as the whole.
     if (open != valueStart || open == None) {
-        const std::size_t close = open == None || open == 0 ? None : valueClose.FindFrom(text, open);
+        const std::size_t close = open == None ? None : valueClose.FindFrom(text, open);
         const std::size_t start = open + valueOpen.Length();
         value = MakeText(close == None ? L"" : std::wstring(text.substr(start, close - start)).c_str());
         valueStart = open;

@@ -172,21 +172,20 @@ TEST_P(Machines, StoreTheSameInOppositeOrderAndForAnyWantedIds)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, Machines,
-                         testing::Values("gaming_laptop.txt", "old_desktop.txt", "virtual_machine.txt",
-                                         "tablet.txt", "bare_server.txt", "graphics.txt", "displays.txt",
-                                         "networks.txt", "volumes.txt", "disks.txt", "real_disks.txt",
-                                         "controllers.txt", "disk_faults.txt", "optical.txt",
-                                         "network_faults.txt", "sound.txt", "entries.txt", "choices.txt",
-                                         "processor.txt", "firmware.txt", "faulty_software.txt",
-                                         "browsers.txt", "systems.txt", "windows.txt",
-                                         "processor_features.txt", "chassis.txt", "runtimes.txt",
-                                         "default_browsers.txt", "reader_and_office.txt", "real_graphics.txt",
-                                         "plugged_disks.txt", "real_devices.txt", "real_displays.txt"),
-                         [](const auto& file) {
-                             const std::string name = file.param;
-                             return name.substr(0, name.find('.'));
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    Of, Machines,
+    testing::Values("gaming_laptop.txt", "old_desktop.txt", "virtual_machine.txt", "tablet.txt",
+                    "bare_server.txt", "graphics.txt", "displays.txt", "networks.txt", "volumes.txt",
+                    "disks.txt", "real_disks.txt", "controllers.txt", "disk_faults.txt", "optical.txt",
+                    "network_faults.txt", "sound.txt", "entries.txt", "choices.txt", "processor.txt",
+                    "firmware.txt", "faulty_software.txt", "browsers.txt", "systems.txt", "windows.txt",
+                    "processor_features.txt", "chassis.txt", "runtimes.txt", "default_browsers.txt",
+                    "reader_and_office.txt", "places.txt", "real_graphics.txt", "plugged_disks.txt",
+                    "real_devices.txt", "real_displays.txt"),
+    [](const auto& file) {
+        const std::string name = file.param;
+        return name.substr(0, name.find('.'));
+    });
 
 }  // namespace
 }  // namespace kel

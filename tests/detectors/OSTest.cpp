@@ -88,8 +88,10 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
               L"(none)|(none)|(none)|(none)|(none)|No|");
     EXPECT_EQ(session.Text(71207).size(), 36U);
     none.isWow64Process.clear();
+    none.isWow64Process2.clear();
+    none.getNativeSystemInfo.clear();
     EXPECT_TRUE(OS().Detect(none));
-    EXPECT_EQ(session.Text(71264), L"No");
+    EXPECT_EQ(session.Texts({71264, 73405}), L"No|x64|");
 
     OSFunctions emulating = whole;
     emulating.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE; };

@@ -39,6 +39,8 @@ TEST(OpticalAbilities, AreReadFromTheCountedMediaOnly)
     EXPECT_EQ(ShowAbilities(ReadMediaTypes(std::as_bytes(std::span(answer))).has), L"Cd");
     answer.replace(4, 4, Little(1, 4));
     EXPECT_EQ(ShowAbilities(ReadMediaTypes(std::as_bytes(std::span(answer))).has), L"C");
+    answer.replace(4, 4, Little(9, 4)).pop_back();
+    EXPECT_EQ(ShowAbilities(ReadMediaTypes(std::as_bytes(std::span(answer))).has), L"C");
 }
 
 }  // namespace

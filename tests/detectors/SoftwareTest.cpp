@@ -129,7 +129,7 @@ TEST_F(FaultySoftware, KeepsOtherSourcesWhenOneFails)
     EXPECT_EQ(session.Text(73240), L"");  // of which reading threw
 }
 
-TEST(Applications, ReadOnlyTheNamesOfTenThousandOtherEntries)
+TEST(Applications, ReadOnlyTheNamesOfTwentyThousandOtherEntries)
 {
     test::PlantedSoftware planted{test::Machine()};
     const auto open = planted.functions.openKey;
@@ -143,10 +143,10 @@ TEST(Applications, ReadOnlyTheNamesOfTenThousandOtherEntries)
     const int without = std::exchange(opened, 0);
     planted.machineKeys.Make(ListKey);
     const OwnedKey list = OpenKey(HKEY_LOCAL_MACHINE, ListKey, KEY_ALL_ACCESS);
-    for (int entry = 0; entry < 10000; ++entry)
+    for (int entry = 0; entry < 20001; ++entry)
         RegSetKeyValueW(list.get(), std::to_wstring(entry).c_str(), L"DisplayName", REG_SZ, L"Program", 16);
     Applications().Detect(planted.functions);
-    EXPECT_EQ(opened, without + 10000);
+    EXPECT_EQ(opened, without + 20000);
 }
 
 TEST(Software, ReadsRealKeysFilesAndVersions)

@@ -7,7 +7,10 @@
 #include "diag/Log.h"
 #include "fuzz/Generator.h"
 #include "fuzz/StorageTarget.h"
+#include "probes/cpu/CpuTopology.h"
 #include "probes/graphics/Edid.h"
+#include "probes/graphics/VulkanManifest.h"
+#include "probes/setup/DriverDate.h"
 #include "run/System.h"
 #include "run/store/GroupsText.h"
 #include "service/Utf8.h"
@@ -97,6 +100,22 @@ bool IsOfMonitor(const Text& text)
            monitor->width.has_value() == monitor->diagonal.has_value();
 }
 
+/// No more is counted than records fit in.
+bool IsOfProcessors(const Text& text)
+{
+    const std::string answer = Narrow(text);
+    const CpuTopology found = DecodeTopology(std::as_bytes(std::span(answer)));
+    const auto most = static_cast<std::int32_t>(answer.size() / 8);
+    return found.cores.value_or(1) > 0 && found.cores.value_or(0) + found.packages.value_or(0) <= most &&
+           found.threads.value_or(0) <= 64 * most &&
+           found.efficientCores.value_or(0) < found.cores.value_or(1);
+}
+
+bool Matches(const Text& text, const Text& pattern)
+{
+    return !All(text, L"^(" + pattern + L")$").empty();
+}
+
 Texts MonitorAnswers()
 {
     Texts answers;
@@ -127,6 +146,20 @@ const struct Target {
      L"71060|71063,71424;;|,7||;; 12x,-1;;<html>502</html>;;\xEF\xBB\xBF,\xC3\xA9;;"
      L"71060|\xF0\x9F\x98\x80|7;;\xED\xA0\x80,\xC0\x80|\xF4\x90\x80\x80,\xE2\x82\xAC",
      FindsEachOfItsIds},
+    {"Manifest",
+     L"{\"file_format_version\": \"1.0.0\", \"ICD\": {\"library_path\": \".\\\\vulkan.dll\", "
+     L"\"api_version\": "
+     L"\"1.3.242\"}};;\"api_version\":\"1.2.\";;\"api_version\" : \"11111111111111111111111111111111\"",
+     [](const Text& text) {
+         return Matches(ReadVulkanVersion(Narrow(text)).value_or(Version()).ToString(), L"[0-9][0-9.]{0,31}");
+     }},
+    {"DriverDate", L"5-1-2024;;12-31-1999;;1-2-3",
+     [](const Text& text) { return Matches(ReadDriverDate(text), L"|[1-9]\\d{3}-[01]\\d-[0-3]\\d"); }},
+    {"Topology",
+     nullptr,
+     IsOfProcessors,
+     {Wide(Little(0, 4) + Little(48, 4) + Little(0x100, 22) + Little(1, 2) + Little(3, 16) + Little(3, 4) +
+           Little(48, 4) + Little(0, 40) + Little(2, 4) + Little(48, 4) + Little(0x800000000, 40))}},
     {"Storage", nullptr, IsOfStorage, StorageAnswers()},
     {"Monitor", nullptr, IsOfMonitor, MonitorAnswers()},
 };

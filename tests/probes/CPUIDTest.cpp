@@ -112,7 +112,7 @@ TEST(SystemCpu, MeasuresTheTimeStampCounter)
 TEST(SystemCpu, CountsTheProcessorsAndMeasuresTheirSpeed)
 {
     CpuInfo info;
-    EXPECT_TRUE(GetSystemCpuInfo(info));
+    EXPECT_TRUE(GetSystemCpuInfo(CpuFunctions::OfSystem(), info));
     SYSTEM_INFO system = {};
     GetSystemInfo(&system);
     EXPECT_EQ(info.processorCount, std::to_wstring(system.dwNumberOfProcessors));

@@ -86,27 +86,5 @@ TEST(RegistryNames, AreLimitedToTheRequestedCount)
     }
 }
 
-TEST(Registry, WarnsAboutMissingValuesOfTheProcessorsKey)
-{
-    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
-    const std::wstring key = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
-    const std::wstring missing = L"WARN Registry value is missing: ", chipset = L"SOFTWARE\\Intel\\Infinst ";
-    const DWORD number = 2400;
-    machine.Write(key, L"~MHz", REG_DWORD, &number, sizeof(number));
-    machine.Write(key, L"Update Signature", REG_BINARY, "1234", 4);
-    const test::LogCapture log(3);
-    CpuInfo info;
-    EXPECT_TRUE(Registry::Instance().GetCpuInfo(info));
-    EXPECT_FALSE(info.speed.HasValue());  // a speed is not read from a number value
-    EXPECT_EQ(
-        log.Lines(),
-        (Lines{missing + key + L" ProcessorNameString", L"TRACE Name = L", missing + key + L" Platform ID",
-               L"WARN Registry value is missing or not usable: " + key + L" Update Signature",
-               missing + chipset + L"version", missing + chipset + L"infver"}));
-    machine.Write(key, L"Update Signature", L"12345");
-    Registry::Instance().GetCpuInfo(info);
-    EXPECT_EQ(info.updateSignature, L"");
-}
-
 }  // namespace
 }  // namespace kel

@@ -20,6 +20,16 @@ TEST(SystemFunctions, AreFoundByTheirNames)
     EXPECT_EQ(system.getUserDefaultLCID(), GetUserDefaultLCID());
     const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
     graphics.getDriverModel({});
+    void* none = nullptr;
+    IDirect3D9Ex* direct3D = nullptr;
+    IMalloc* noAdapter = nullptr;  // refused, as an adapter that is null is not where there is no display
+    EXPECT_EQ(CoGetMalloc(1, &noAdapter), S_OK);
+    graphics.createDxgiFactory(IID_NULL, &none);
+    graphics.createDirect3D9(0, &direct3D);
+    graphics.createDevice10(nullptr, {}, nullptr, 0, {}, 0, nullptr);
+    graphics.createDevice11(nullptr, {}, nullptr, 0, nullptr, 0, 0, nullptr, nullptr, nullptr);
+    graphics.createDevice12(noAdapter, {}, IID_NULL, nullptr);
+    graphics.getDxDiagClass(IID_NULL, IID_NULL, &none);
     OSVERSIONINFOW version = {};
     graphics.getVersion(version);
     EXPECT_GE(version.dwMajorVersion, 6U);

@@ -43,6 +43,7 @@ BOOL WINAPI EnumDevices(HDEVINFO set, DWORD index, SP_DEVINFO_DATA* device)
 
 BOOL WINAPI AnswerMemory(MEMORYSTATUSEX* status)
 {
+    EXPECT_EQ(status->dwLength, sizeof(*status));
     const Lines fields = FieldsOf(answering->First(L"memory"), 3);
     status->ullTotalPhys = NumberOf(fields[0]) << 20;
     status->ullTotalVirtual = NumberOf(fields[1]) << 20;
@@ -70,7 +71,7 @@ BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
     const std::wstring battery = answering->First(L"battery");
     capabilities->SystemBatteriesPresent = !battery.empty();
     capabilities->BatteriesAreShortTerm = battery == L"short";
-    return TRUE;
+    return battery != L"refused";
 }
 
 }  // namespace

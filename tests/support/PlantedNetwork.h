@@ -19,8 +19,7 @@ namespace kel::test {
 
 /// Adapters, for the Setup API and in tables of functions. A line: instance id of its device (none for an
 /// interface without one), name, type and medium of the interface, flags (hardware H, connector C, filter F,
-/// on the board by its location B, default route R, no name among the addresses N), state, speed. Drivers
-/// are 1.0.0, 1.0.1 and so on.
+/// default route R, no name among the addresses N), state, speed. Drivers are 1.0.0, 1.0.1 and so on.
 struct PlantedNetwork {
     explicit PlantedNetwork(const Lines& lines)
     {
@@ -50,7 +49,6 @@ struct PlantedNetwork {
             auto& device =
                 *devices.emplace_back(std::make_unique<PlantedDevice>(NetworkClass, fields[0].c_str()));
             device.With(SPDRP_DEVICEDESC, fields[1]).With(SPDRP_HARDWAREID, DeviceID(fields[0]).ToString());
-            device.With(SPDRP_LOCATION_INFORMATION, has(L'B') ? L"PCI bus 0, device 31" : L"Port 1");
             device.Driver(L"DriverVersion", L"1.0." + place).InContainer(fields[7]).InState(fields[8]);
             device.Driver(L"NetCfgInstanceId", {names.back().begin(), names.back().end()});
         }

@@ -50,6 +50,9 @@ CpuFunctions MakeProcessors(const Machine& machine)
     functions.firmwareVirtualizes = [on = machine.First(L"virtualization")]() -> std::optional<bool> {
         return on.empty() ? std::nullopt : std::optional(on == L"on");
     };
+    functions.measureMegahertz = [clock = NumberOf(machine.First(L"clock"))] {
+        return static_cast<float>(clock);
+    };
     return functions;
 }
 

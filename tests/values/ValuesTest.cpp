@@ -212,6 +212,10 @@ TEST(Version, PacksItsFieldsAndKeepsItsText)
         EXPECT_EQ(log.Lines(), std::vector<std::wstring>(errorLines, L"ERR Error in Version::Quantity."));
         EXPECT_STREQ(Version(text).ToString(), text);
     }
+    Version version;
+    EXPECT_TRUE(version.Set(std::wstring(L"1.2")));
+    EXPECT_EQ(version, Version(L"1.2"));
+    EXPECT_EQ(version = L"3.4", Version(L"3.4"));
     EXPECT_STREQ(Version(nullptr).ToString(), L"");
     EXPECT_STREQ(Version().ToString(), L"0.0");
     EXPECT_STREQ(Version(std::int64_t{42}).ToString(), L"42");
