@@ -6,6 +6,7 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <ctime>
 #include <memory>
+#include <utility>
 
 #include "BuildSettings.h"
 #include "diag/Log.h"
@@ -98,6 +99,17 @@ void System::Detect()
         detectorsInitialised = true;
     }
     UploadReport();
+    Log::Instance().flush();
+}
+
+void System::DetectLocally(std::vector<unsigned> groups)
+{
+    const LogScope trace(L"kel::System::DetectLocally");
+    if (detectorsInitialised)
+        return;
+    wanted.Assign(std::move(groups));
+    components.DetectAll();
+    detectorsInitialised = true;
     Log::Instance().flush();
 }
 

@@ -7,12 +7,12 @@
 #include <stdexcept>
 #include <utility>
 
-#include "BuildSettings.h"
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "service/CallBudget.h"
 #include "service/HttpExchange.h"
 #include "service/RunWithin.h"
+#include "service/ServiceHost.h"
 #include "service/Utf8.h"
 #include "values/Text.h"
 
@@ -68,7 +68,7 @@ std::string Ask(HttpRequest request)
 }  // namespace
 
 WebService::WebService(const wchar_t* requestVerb, std::wstring requestPath, std::wstring requestBody)
-    : host(KEL_SERVICE_HOST),
+    : host(ServiceHost()),
       verb(requestVerb),
       path(std::move(requestPath)),
       contentType(L"application/xml"),

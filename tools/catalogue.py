@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The catalogue of values, catalogue/values.tsv, as others need it: the tables of docs/value-ids.md (--write makes them
-anew, --check compares), and as C++ for what judges by the values (--table FILE), with what catalogue/requirements.tsv adds."""
+anew, --check compares), and as C++ for what judges by the values or shows them (--table FILE), with what
+catalogue/requirements.tsv and areas.tsv add."""
 
 import argparse
 import csv
@@ -53,12 +54,13 @@ def find_wrong_advice(values, advice):
             or row["sold as"] not in SOLD or not (row["sold as"] or row["caution"])]
 
 
-def make_rows(values, advice):
+def make_rows(values, advice, areas):
     said = {row["id"]: row for row in advice}
 
     def make_row(value):
         row = said.get(value["id"], {"sold as": "", "caution": ""})
-        texts = ", ".join(f'R"embedded({text})embedded"' for text in (value["detector"], value["name"]))
+        texts = ", ".join(f'R"embedded({text})embedded"' for text in
+                          (value["detector"], areas[value["detector"]], value["name"]))
         return (f'    {{{value["id"]}, {texts}, {"true" if value["each"] else "false"}, {value["exists"] or 0}, '
                 f'SoldAs::{row["sold as"] or "Nothing"}, R"embedded({row["caution"]})embedded"}},\n')
 
@@ -83,8 +85,12 @@ def main():
     action.add_argument("--table", type=Path, metavar="FILE")
     arguments = parser.parse_args()
     values, advice = read_values(), read_values("requirements.tsv")
+    areas = {row["detector"]: row["area"] for row in read_values("areas.tsv")}
+    if missing := sorted({value["detector"] for value in values}.difference(areas)):
+        print(f"catalogue/areas.tsv has no area for: {', '.join(missing)}", file=sys.stderr)
+        return 1
     if arguments.table:
-        arguments.table.write_text(make_rows(values, advice), "utf-8")
+        arguments.table.write_text(make_rows(values, advice, areas), "utf-8")
         return 0
     page = PAGE.read_text("utf-8")
     listed = [detector for match in TABLE.finditer(page) for detector in match[2].split()]

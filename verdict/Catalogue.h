@@ -11,6 +11,7 @@ enum class SoldAs { Nothing, Memory, GraphicsMemory, Disk };
 struct CatalogueValue {
     int id;
     const char* detector;
+    const char* area;  // what of a machine the detector examines: "processor"
     const char* name;
     bool hasIndexes;      // one for each device or installed version
     int existence;        // id of the value that says whether this version's product is installed; 0: none

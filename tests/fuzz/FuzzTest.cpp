@@ -8,6 +8,9 @@
 #include "fuzz/Generator.h"
 #include "fuzz/StorageTarget.h"
 #include "probes/graphics/Edid.h"
+#include "program/files/ReadSnapshot.h"
+#include "program/files/SupportFile.h"
+#include "program/text/UserError.h"
 #include "run/System.h"
 #include "run/store/GroupsText.h"
 #include "service/Utf8.h"
@@ -105,6 +108,18 @@ Texts MonitorAnswers()
     return answers;
 }
 
+/// A file is read, and what was read is kept in another one; or it is refused in one line.
+bool IsReadOrRefused(const Text& text)
+{
+    try {
+        const program::Snapshot snapshot = program::ReadSnapshot(Narrow(text));
+        return program::ReadSnapshot(WriteSupportFile(snapshot)).facts.size() == snapshot.facts.size();
+    } catch (const program::UserError& error) {
+        const std::string reason = error.what();
+        return !reason.empty() && reason.size() < 200 && reason.find('\n') == std::string::npos;
+    }
+}
+
 /// What a parser is given, and whether its answer is one that it may give. Nothing may be thrown.
 const struct Target {
     const char* name;
@@ -127,6 +142,18 @@ const struct Target {
      L"71060|71063,71424;;|,7||;; 12x,-1;;<html>502</html>;;\xEF\xBB\xBF,\xC3\xA9;;"
      L"71060|\xF0\x9F\x98\x80|7;;\xED\xA0\x80,\xC0\x80|\xF4\x90\x80\x80,\xE2\x82\xAC",
      FindsEachOfItsIds},
+    {"Files",
+     L"{\"kel\":1,\"time\":\"t\",\"verdict\":{\"result\":\"pass\",\"title\":\"T\",\"requirements\":[{"
+     L"\"result\":"
+     L"\"fail\",\"label\":\"M\",\"needed\":\"any\",\"found\":\"\",\"recommended\":true,\"any "
+     L"of\":[]}]},\"values\":"
+     L"[{\"id\":71063,\"index\":0,\"value\":\"7.8 GB\",\"reason\":\"\"}],\"log\":[\"a\"]};;"
+     L"{\"reports\":[{\"id\":1,\"received\":\"t\",\"values\":[{\"id\":\"5\",\"index\":1,\"value\":"
+     L"\"\\u20ac\"}]}],"
+     L"\"last\":1};;<groups><group index=\"0\" id=\"71063\"><value>7.8 &amp; GB</value></group><group "
+     L"id=\"5\"/>"
+     L"</groups>  ;;<?xml version=\"1.0\"?><!DOCTYPE a [<!ENTITY b \"c\">]><groups>&b;<![CDATA[x]]></groups>",
+     IsReadOrRefused},
     {"Storage", nullptr, IsOfStorage, StorageAnswers()},
     {"Monitor", nullptr, IsOfMonitor, MonitorAnswers()},
 };
