@@ -119,6 +119,7 @@ std::optional<Options> ReadCommandLine(std::vector<std::string> arguments)
     app.footer(Footer);
     app.set_version_flag("--version", "kel " KEL_VERSION_TEXT);
     app.require_subcommand(0, 1);
+    app.allow_windows_style_options(false);  // a path may begin with a slash
     AddFacts(app, options);
     AddCheck(app, options);
     AddReport(app, options);

@@ -49,7 +49,7 @@ int ExplainFile(const Options& options)
         return code;
     }
     WriteOrigin(output, snapshot);
-    WriteFacts(output, snapshot.facts, true);
+    WriteFacts(output, snapshot, true);
     if (snapshot.verdict) {
         output.WriteLine();
         WriteVerdict(output, *snapshot.verdict);

@@ -47,8 +47,10 @@ std::string NameOf(const Fact& fact)
     return isIndexed ? name + " [" + std::to_string(fact.index) + "]" : name;
 }
 
-int WriteFacts(Output& output, const std::vector<Fact>& facts, bool showsEmpty)
+int WriteFacts(Output& output, const Snapshot& snapshot, bool showsEmpty)
 {
+    std::vector<Fact> facts = snapshot.facts;
+    facts.insert(facts.end(), snapshot.missing.begin(), snapshot.missing.end());
     int leftOut = 0;
     for (const std::string& area : Areas()) {
         Table table({"", "", ""});

@@ -17,8 +17,8 @@ std::string AreaOf(int id);
 std::string NameOf(const Fact& fact);
 
 /// Writes facts by area, in the catalogue's order of areas.
-/// @param showsEmpty also those without a text, with the reason where it is known
+/// @param showsEmpty also those without a text and those that are missing, with the reason where it is known
 /// @return how many were left out
-int WriteFacts(Output& output, const std::vector<Fact>& facts, bool showsEmpty);
+int WriteFacts(Output& output, const Snapshot& snapshot, bool showsEmpty);
 
 }  // namespace kel::program

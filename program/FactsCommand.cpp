@@ -61,15 +61,18 @@ int ShowFacts(const Options& options)
     if (std::count(options.subjects.begin(), options.subjects.end(), std::to_string(BandwidthGroup)) > 0)
         groups.push_back(BandwidthGroup);
     Snapshot snapshot = ReadMachine(groups);
-    if (!asked.empty())
-        std::erase_if(snapshot.facts, [&](const Fact& fact) { return !asked.contains(fact.id); });
+    if (!asked.empty()) {
+        const auto isOther = [&](const Fact& fact) { return !asked.contains(fact.id); };
+        std::erase_if(snapshot.facts, isOther);
+        std::erase_if(snapshot.missing, isOther);
+    }
     Output& output = Output::Standard();
     if (options.asJson) {
         output.Write(WriteSupportFile(snapshot));
     } else if (options.asCsv) {
         WriteCsv(output, snapshot.facts);
     } else {
-        const int leftOut = WriteFacts(output, snapshot.facts, options.showsReasons);
+        const int leftOut = WriteFacts(output, snapshot, options.showsReasons);
         if (leftOut > 0)
             output.WriteLine(std::to_string(leftOut) + " more are empty: \"kel facts --why\" shows why.");
     }

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "diag/Log.h"
 #include "program/Commands.h"
 #include "program/VerdictText.h"
 #include "program/files/File.h"
@@ -9,7 +8,6 @@
 #include "program/machine/Machine.h"
 #include "program/text/Output.h"
 #include "program/text/Table.h"
-#include "service/Utf8.h"
 
 namespace kel::program {
 
@@ -20,7 +18,6 @@ void ListContent(const Snapshot& snapshot, const std::string& path)
 {
     const auto isEmpty = [](const Fact& fact) { return fact.text.empty(); };
     const auto empty = std::count_if(snapshot.facts.begin(), snapshot.facts.end(), isEmpty);
-    const auto lines = std::count(snapshot.log.begin(), snapshot.log.end(), '\n');
     Table table({"", ""});
     table.AddRow({{"time"}, {snapshot.time}});
     table.AddRow({{"version"}, {snapshot.version}});
@@ -32,7 +29,6 @@ void ListContent(const Snapshot& snapshot, const std::string& path)
     if (snapshot.verdict)
         table.AddRow(
             {{"verdict"}, {snapshot.verdict->title + ": " + std::string(ToString(snapshot.verdict->total))}});
-    table.AddRow({{"log"}, {std::to_string(lines) + " lines of what was read from where"}});
     Output& output = Output::Standard();
     output.WriteLine(path + " holds:", Colour::Strong);
     table.Write(output, 2);
@@ -43,11 +39,9 @@ void ListContent(const Snapshot& snapshot, const std::string& path)
 
 int WriteReport(const Options& options)
 {
-    Log::Instance().SetLevel(LogMaximum);
     std::optional<Requirements> requirements;
     const bool isJudged = !options.product.empty() || !options.requirements.empty();
-    Snapshot snapshot = isJudged ? JudgeMachine(options, requirements) : ReadMachine(AllGroups());
-    snapshot.log = ToUtf8(Log::Instance().GetText());
+    const Snapshot snapshot = isJudged ? JudgeMachine(options, requirements) : ReadMachine(AllGroups());
     ListContent(snapshot, options.files.front());
     WriteFile(options.files.front(), WriteSupportFile(snapshot));
     return 0;

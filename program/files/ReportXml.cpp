@@ -4,6 +4,7 @@
 #include <wrl/client.h>
 #include <xmllite.h>
 
+#include <algorithm>
 #include <charconv>
 #include <map>
 #include <string>
@@ -13,7 +14,7 @@
 #include "program/text/Characters.h"
 #include "program/text/UserError.h"
 #include "service/Utf8.h"
-#include "values/Text.h"
+#include "verdict/text/Text.h"
 
 namespace kel::program {
 
@@ -130,12 +131,21 @@ private:
 
 std::vector<Fact> ReadReportXml(std::string_view xml)
 {
-    const ComPtr<IStream> stream = MakeStream(XmlText(xml));
+    if (xml.starts_with("<?xml"))  // the text may have had another encoding before
+        xml.remove_prefix(std::min(xml.find("?>"), xml.size() - 2) + 2);
+    const std::string clean = XmlText(Trim(xml));
+    // Wine's reader adds the ends that a document lacks, and ends the process where the last character is not
+    // ASCII.
+    if (!clean.ends_with("</groups>") && clean != "<groups/>")
+        throw UserError(NotAReport);
+    const ComPtr<IStream> stream = MakeStream(clean);
     const ComPtr<IXmlReader> reader = MakeReader(stream.Get());
     GroupReader groups;
     HRESULT result = S_OK;
     XmlNodeType type = XmlNodeType_None;
-    while ((result = reader->Read(&type)) == S_OK) {
+    // Each node takes a byte at least. Wine's reader returns empty ones without end where a text is cut off.
+    std::size_t nodes = 0;
+    while ((result = reader->Read(&type)) == S_OK && ++nodes <= clean.size()) {
         if (type == XmlNodeType_Element) {
             const bool isEmpty = reader->IsEmptyElement();
             groups.Begin(reader.Get(), LocalName(reader.Get()));
@@ -150,7 +160,8 @@ std::vector<Fact> ReadReportXml(std::string_view xml)
             groups.AddText({text, length});
         }
     }
-    Require(result);
+    if (result != S_FALSE)  // the end of a document that is well-formed
+        throw UserError(NotAReport);
     return groups.Facts();
 }
 

@@ -10,9 +10,11 @@ namespace kel::program {
 
 const Fact* Snapshot::Find(int id, int index) const
 {
-    for (const Fact& fact : facts) {
-        if (fact.id == id && fact.index == index)
-            return &fact;
+    for (const std::vector<Fact>* list : {&facts, &missing}) {
+        for (const Fact& fact : *list) {
+            if (fact.id == id && fact.index == index)
+                return &fact;
+        }
     }
     return nullptr;
 }

@@ -23,11 +23,12 @@ struct Snapshot {
     std::string windows;
     std::string host;  // the program's file name
     std::string product;
-    std::vector<Fact> facts;  // in the order in which they were stored
+    std::vector<Fact> facts;    // in the order in which they were stored
+    std::vector<Fact> missing;  // values of the catalogue that were not stored, with their reasons
     std::optional<Verdict> verdict;
     std::string log;
 
-    /// The fact; null when there is none.
+    /// The fact, also a missing one; null when there is none.
     const Fact* Find(int id, int index = 0) const;
     /// Its text; empty when there is none.
     std::string Text(int id) const;

@@ -28,14 +28,15 @@ constexpr struct {
                {"host", &Snapshot::host},
                {"product", &Snapshot::product}};
 
-ordered_json WriteFact(const Fact& fact)
+ordered_json WriteFact(const Fact& fact, bool isStored)
 {
     ordered_json entry{{"id", fact.id}, {"index", fact.index}};
     if (const CatalogueValue* known = FindCatalogueValue(fact.id)) {
         entry["area"] = known->area;
         entry["name"] = known->name;
     }
-    entry["value"] = fact.text;
+    if (isStored)
+        entry["value"] = fact.text;
     if (!fact.reason.empty())
         entry["reason"] = fact.reason;
     return entry;
@@ -74,7 +75,9 @@ std::string WriteSupportFile(const Snapshot& snapshot)
         content["verdict"] = ordered_json::parse(RenderJson(*snapshot.verdict, "requirements", "1.0"));
     content["values"] = ordered_json::array();
     for (const Fact& fact : snapshot.facts)
-        content["values"].push_back(WriteFact(fact));
+        content["values"].push_back(WriteFact(fact, true));
+    for (const Fact& fact : snapshot.missing)
+        content["missing"].push_back(WriteFact(fact, false));
     if (!snapshot.log.empty())
         content["log"] = SplitLines(snapshot.log);
     return content.dump(1, ' ', false, ordered_json::error_handler_t::replace) + "\n";
@@ -91,6 +94,8 @@ Snapshot ReadSupportFile(const json& content)
         if (content.contains("verdict") && !(snapshot.verdict = ReadVerdict(content.at("verdict"))))
             throw UserError("The verdict in the file is damaged. Ask for the file again.");
         snapshot.facts = ReadFacts(content.at("values"));
+        for (const json& entry : content.value("missing", json::array()))
+            snapshot.missing.push_back({ReadId(entry.at("id")), 0, "", entry.value("reason", "")});
         for (const json& line : content.value("log", json::array()))
             snapshot.log += line.get<std::string>() + "\n";
         return snapshot;

@@ -12,7 +12,8 @@ namespace kel::program {
 inline constexpr const char* SupportFileMark = "kel";
 
 /// UTF-8, a member of the snapshot each: time, version, windows, host, product, verdict and log are left out
-/// where they are empty. A value has id, index, area, name, value, and reason where that is known.
+/// where they are empty. A value has id, index, area, name, value, and reason where that is known; a missing
+/// one has no value.
 std::string WriteSupportFile(const Snapshot& snapshot);
 
 /// @throws UserError when the content is not such a file

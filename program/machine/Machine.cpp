@@ -5,6 +5,8 @@
 #include <array>
 #include <cstdio>
 #include <nlohmann/json.hpp>
+#include <set>
+#include <string_view>
 #include <utility>
 
 #include "BuildSettings.h"
@@ -25,7 +27,8 @@ namespace kel::program {
 namespace {
 
 constexpr int ReleaseId = 73401, WindowsVersionId = 73400, HostProgramId = 73003;
-constexpr std::size_t MaxEcho = 100;  // bytes of an answer that an error repeats
+constexpr std::string_view SessionArea = "session";  // what a page sets, which this program does not
+constexpr std::size_t MaxEcho = 100;                 // bytes of an answer that an error repeats
 
 std::string NowAsText()
 {
@@ -37,6 +40,24 @@ std::string NowAsText()
     return text.data();
 }
 
+std::string FindReason(const SystemValueID& id)
+{
+    const auto reason = System::Instance().Values().FindReason(id);
+    return reason ? ToUtf8(reason->ToString()) : std::string();
+}
+
+void AddMissing(Snapshot& snapshot)
+{
+    std::set<int> stored;
+    for (const Fact& fact : snapshot.facts)
+        stored.insert(fact.id);
+    for (const CatalogueValue& value : CatalogueValues) {
+        const SystemValueID id{GroupID(static_cast<unsigned>(value.id))};
+        if (value.area != SessionArea && !stored.contains(value.id))
+            snapshot.missing.push_back({value.id, 0, "", FindReason(id)});
+    }
+}
+
 Snapshot TakeSnapshot()
 {
     Snapshot snapshot;
@@ -45,8 +66,9 @@ Snapshot TakeSnapshot()
     for (const SystemValue& value : System::Instance().Values()) {
         const SystemValueID& id = value.ID();
         snapshot.facts.push_back(
-            {static_cast<int>(id.Group().Number()), id.Index(), ToUtf8(value.Text()), std::string()});
+            {static_cast<int>(id.Group().Number()), id.Index(), ToUtf8(value.Text()), FindReason(id)});
     }
+    AddMissing(snapshot);
     snapshot.windows = std::string(Trim(snapshot.Text(ReleaseId) + " " + snapshot.Text(WindowsVersionId)));
     snapshot.host = snapshot.Text(HostProgramId);
     return snapshot;

@@ -1,11 +1,17 @@
 """kel.exe beside the control: the same values and verdicts; alone, without a service; its files and its exit codes."""
 
+import contextlib
 import csv
+import fcntl
 import json
 import os
+import pty
 import re
+import select
+import struct
 import subprocess
 import tempfile
+import termios
 from html import escape
 
 from deployed import UPLOAD, Client, analysis
@@ -33,6 +39,21 @@ def kel(*arguments, proxy=NO_SERVICE, debug="-all"):
     if debug == "-all":
         texts[1] = re.sub(r"(?m)^(wine: |ALSA lib ).*\n", "", texts[1])
     return code, *texts
+
+
+def console(*arguments):
+    """What kel.exe writes to a console of 60 columns, with the terminal's own codes."""
+    screen, terminal = pty.openpty()
+    fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 40, 60, 0, 0))
+    with subprocess.Popen(["wine", KEL, *map(str, arguments)], stdin=terminal, stdout=terminal, stderr=terminal) as process:
+        os.close(terminal)
+        written = b""
+        with contextlib.suppress(OSError):  # at its end
+            while select.select([screen], [], [], PATIENCE)[0] and (more := os.read(screen, 65536)):
+                written += more
+        process.kill()
+    os.close(screen)
+    return written.decode("utf-8")
 
 
 def values(facts):
@@ -102,7 +123,7 @@ class Program(Client, ControlTest):
             line, found, *_ = row.split(" | ")
             requirements.append({"label": line[:60], **json.loads(line)})
             groups += re.findall(r"(\d+)\[(\d+)\]=([^;]*)", found)
-        groups.append((71424, 0, "offline"))
+        groups += [(71424, 0, "offline"), (9, 0, "\u6f22" * 3000)]  # more than a buffer of the reader
         report = self.folder / "r\u00e9port.xml"
         report.write_text("<groups>" + "".join(f'<group index="{index}" id="{number}"><value>{escape(text)}\x02</value></group>'
                                                for number, index, text in groups).replace("offline\x02", "offline")
@@ -130,6 +151,18 @@ class Program(Client, ControlTest):
         code, _, trace = kel("check", "demo", debug="+winsock,+wininet")
         self.assertEqual(code, 3)
         self.assertRegex(trace, sockets)  # the trace shows one
+
+    def test_a_console_gets_progress_colours_and_its_own_width(self):
+        write_requirements(self.folder, "own", [(71063, "Zo\u00eb " + "wide " * 30, "at least", "1 MB")])
+        arguments = ("check", "--requirements", windows_path(self.folder / "own.json"))
+        written = console(*arguments)
+        self.assertIn("Reading: processor", written)
+        self.assertRegex(written, r"\x1b\[[\d;]*m\s*pass")
+        self.assertIn("Zo\u00eb", written)
+        self.assertLess(max(map(len, re.findall("(?:wide ?)+", written))), 25)
+        _, output, error = kel(*arguments)
+        self.assertEqual((output.count("\x1b"), error), (0, ""))
+        self.assertGreater(max(map(len, re.findall("(?:wide ?)+", output))), 25)
 
     def test_exit_codes_and_what_is_wrong_in_one_line(self):
         folder = self.folder / "files"
@@ -166,7 +199,6 @@ class Program(Client, ControlTest):
         content = json.loads(file.read_text("utf-8"))
         self.assertEqual((content["product"], content["host"], content["verdict"]["result"]), ("demo", "kel.exe", "pass"))
         self.assertRegex(output, rf"values +{len(content['values'])}, \d+ of them empty")
-        self.assertIn("Entering: kel::System::Detect", "\n".join(content["log"]))
         content["values"][0]["value"] = "Zo\u00eb \u6f22\u5b57"
         other.write_text(json.dumps(content), "utf-8")
         code, output, _ = kel("explain", windows_path(other))

@@ -89,18 +89,20 @@ TEST(ProgramCommandLine, WrongArgumentsAreRefusedInOneLine)
 {
     const std::pair<std::vector<std::string>, const char*> rows[] = {
         {{"fact"}, "fact"},
-        {{"facts", "--json", "--csv"}, "--csv excludes --json"},
+        {{"facts", "--json", "--csv"}, "--json excludes --csv"},
         {{"check"}, "A product, or --requirements with a file, is required"},
         {{"check", "a b"}, "\"a b\" is not a product"},
         {{"check", "demo", "--requirements", "f"}, "excludes"},
         {{"check", "demo", "--service", "host:80"}, "not the name of a host"},
         {{"report"}, "file is required"},
         {{"compare", "a"}, "files"},
+        {{"explain", "/folder/file"}, ""},
         {{"facts", "explain"}, ""},  // a word that is a command, too, is a subject here
     };
     for (const auto& [arguments, expected] : rows) {
         const std::string reason = Refusal([&] { ReadCommandLine(arguments); });
         EXPECT_THAT(reason, HasSubstr(expected)) << testing::PrintToString(arguments);
+        EXPECT_EQ(reason.empty(), *expected == '\0') << reason;
         EXPECT_EQ(reason.find('\n'), std::string::npos) << reason;
     }
 }
@@ -113,6 +115,7 @@ TEST(ProgramFiles, ASupportFileHoldsTheWholeSnapshot)
                       "kel.exe",
                       "demo",
                       {{71063, 0, "7.8 \u20AC", ""}, {72504, 1, "", "not there"}, {5, 0, "\x02", ""}},
+                      {{71069, 0, "", "not asked for"}},
                       Verdict{"T", {{0, "M", "any", "7", Result::Fail, "Add.", true, {}}}, Result::Unknown},
                       "one\ntwo\n"};
     const std::string text = WriteSupportFile(snapshot);
@@ -162,12 +165,15 @@ TEST(ProgramFiles, OtherFilesAreRefusedInOneLine)
         {"{}", "neither"},
         {R"({"kel":2,"values":[]})", "newer"},
         {R"({"kel":1,"values":[{"id":5}]})", "damaged"},
-        {R"({"kel":1,"values":[]})" + std::string(1, '\0'), "damaged"},
+        {R"({"kel":1,"values":[]}x)", "damaged"},
         {R"({"kel":1,"verdict":{},"values":[]})", "verdict"},
         {R"({"kel":1,"values":[{"id":5,"val)", "cut off at byte 32"},
         {R"({"reports":[]})", "no reports"},
         {std::string(R"({"kel":)") + std::string(100000, '['), "nested"},
         {"<groups><group", "not a report"},
+        {"<groups>\u20AC", "not a report"},  // for which Wine's reader ends the process
+        {"<groups><group id=\"5\"><value>7</value>", "not a report"},
+        {"<groups><group id=\"5\"><value>7", "not a report"},  // of which Wine's reader finds no end
         {"<html/>", "not a report"},
         {"<!DOCTYPE groups [<!ENTITY a \"b\">]><groups>&a;</groups>", "not a report"},
     };
