@@ -39,7 +39,10 @@ bool DVD::DetectIn(List list)
 {
     return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [&list] {
         Facts.Store(AddUp({}));
-        Facts.Store(AddUp(list()));
+        const std::vector<OpticalDrive>& drives = list();
+        Facts.Store(AddUp(drives));
+        for (const OpticalDrive& drive : drives)
+            Facts.NoteFailures(drive.record.failure);
     });
 }
 

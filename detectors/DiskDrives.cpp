@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "diag/SourceFailures.h"
 #include "platform/ErrorMode.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/storage/DiskModel.h"
@@ -114,8 +115,9 @@ std::vector<DiskDrive> ListDiskDrives(const StorageFunctions& functions)
 
 const std::vector<DiskDrive>& GetDiskDrives()
 {
-    static const std::vector<DiskDrive> drives = ListDiskDrives(StorageFunctions::OfSystem());
-    return drives;
+    static const ReadOnce<std::vector<DiskDrive>> drives(
+        [] { return ListDiskDrives(StorageFunctions::OfSystem()); });
+    return drives.Get();
 }
 
 bool IsLeftOut(const DiskInfo& disk)

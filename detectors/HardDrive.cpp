@@ -45,6 +45,8 @@ bool HardDrive::DetectIn(List list)
         std::vector<DiskDrive> drives = list();
         std::erase_if(drives, [](const DiskDrive& drive) { return IsLeftOut(drive.record); });
         Totals.Store(AddUp(drives));
+        for (const DiskDrive& drive : drives)
+            Totals.NoteFailures(drive.record.failure);
         StoreList(DiskFacts, drives, L"HardDrive");
     });
 }

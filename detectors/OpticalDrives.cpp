@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "diag/SourceFailures.h"
 #include "platform/ErrorMode.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/storage/DiskModel.h"
@@ -133,8 +134,9 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
 
 const std::vector<OpticalDrive>& GetOpticalDrives()
 {
-    static const std::vector<OpticalDrive> drives = ListOpticalDrives(StorageFunctions::OfSystem());
-    return drives;
+    static const ReadOnce<std::vector<OpticalDrive>> drives(
+        [] { return ListOpticalDrives(StorageFunctions::OfSystem()); });
+    return drives.Get();
 }
 
 }  // namespace kel

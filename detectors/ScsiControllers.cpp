@@ -4,6 +4,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "diag/SourceFailures.h"
 #include "probes/setup/SetupLib.h"
 #include "values/Junk.h"
 #include "values/Text.h"
@@ -78,8 +79,9 @@ std::vector<ScsiInfo> ListScsiControllers(SetupLib& library)
 
 const std::vector<ScsiInfo>& GetScsiControllers()
 {
-    static const std::vector<ScsiInfo> controllers = ListScsiControllers(SetupLib::Instance());
-    return controllers;
+    static const ReadOnce<std::vector<ScsiInfo>> controllers(
+        [] { return ListScsiControllers(SetupLib::Instance()); });
+    return controllers.Get();
 }
 
 }  // namespace kel

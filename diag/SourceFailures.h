@@ -23,7 +23,7 @@ struct Failures {
     bool AreNone() const { return sources.empty() && !hasException; }
 };
 
-/// Collects what could not be read while it exists: probes note it where they see it, whoever asked them. A
+/// Collects what could not be read while it exists: probes note it where they see it, for every caller. A
 /// scope inside another one keeps what it collects. Not locked: detectors run on one thread.
 class FailureScope {
 public:

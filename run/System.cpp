@@ -14,6 +14,7 @@
 #include "diag/ProcessInstance.h"
 #include "platform/Library.h"
 #include "run/ConfigurationTags.h"
+#include "run/LogStart.h"
 #include "run/store/XMLReport.h"
 #include "service/GroupListRequest.h"
 #include "service/WebServiceUpload.h"
@@ -83,7 +84,7 @@ void System::SetConfiguration(const std::wstring& text)
     if (ExtractTag(text, L"<referrer_id>", L"</referrer_id>", value))
         referrerID = value;
     if (ExtractTag(text, L"<logging>", L"</logging>", value))
-        Log::Instance().SetLevel(ToInteger(value));
+        SetLogLevel(ToInteger(value));
 }
 
 void System::Detect()

@@ -60,8 +60,9 @@ def make_rows(values, advice, areas):
     def make_row(value):
         row = said.get(value["id"], {"sold as": "", "caution": ""})
         texts = ", ".join(f'R"embedded({text})embedded"' for text in
-                          (value["detector"], areas[value["detector"]], value["name"]))
-        return (f'    {{{value["id"]}, {texts}, {"true" if value["each"] else "false"}, {value["exists"] or 0}, '
+                          (value["detector"], areas[value["detector"]], value["name"], value["source"]))
+        flags = ", ".join("true" if value[column] else "false" for column in ("each", "gated"))
+        return (f'    {{{value["id"]}, {texts}, {flags}, {value["exists"] or 0}, '
                 f'SoldAs::{row["sold as"] or "Nothing"}, R"embedded({row["caution"]})embedded"}},\n')
 
     return f"""#include "verdict/Catalogue.h"

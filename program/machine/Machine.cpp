@@ -26,7 +26,7 @@ namespace kel::program {
 
 namespace {
 
-constexpr int ReleaseId = 73401, WindowsVersionId = 73400, HostProgramId = 73003;
+constexpr int ReleaseId = 73401, WindowsVersionId = 73400, HostProgramId = 73003, ExchangeStateId = 73390;
 constexpr std::string_view SessionArea = "session";  // what a page sets, which this program does not
 constexpr std::size_t MaxEcho = 100;                 // bytes of an answer that an error repeats
 
@@ -112,10 +112,11 @@ Snapshot CheckByService(const std::string& product)
     snapshot.product = product;
     snapshot.verdict = ReadVerdict(nlohmann::json::parse(answer, nullptr, false));
     if (!snapshot.verdict)
-        throw UserError(
-            "The service at " + ToUtf8(ServiceHost()) + " gave no verdict for \"" + product + "\": " +
-            (answer.empty() ? "no answer. Check the connection and the proxy, or use --requirements."
-                            : "it answered \"" + Printable(Shortened(answer, MaxEcho)) + "\"."));
+        throw UserError("The service at " + ToUtf8(ServiceHost()) + " gave no verdict for \"" + product +
+                        "\": " + snapshot.Text(ExchangeStateId) +
+                        (answer.empty()
+                             ? ". Check the product, the connection and the proxy, or use --requirements."
+                             : ": \"" + Printable(Shortened(answer, MaxEcho)) + "\"."));
     return snapshot;
 }
 

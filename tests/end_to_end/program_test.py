@@ -3,6 +3,7 @@
 import contextlib
 import csv
 import fcntl
+import getpass
 import json
 import os
 import pty
@@ -176,7 +177,7 @@ class Program(Client, ControlTest):
                 (("check", "--requirements", path["wrong.json"]), 3, "requirement 1: 'at least' needs a number"),
                 (("explain", path["cut.json"]), 3, "cut off"),
                 (("explain", path["none.json"]), 3, "no such file"),
-                (("check", "unknown"), 3, "gave no verdict"),
+                (("check", "unknown"), 3, "gave no verdict for \"unknown\": unknown product"),
                 (("check", "demo", "--service", "nowhere.example"), 0, "Total: pass"),  # the proxy serves every host
                 (("facts", "nothing"), 3, "Areas: session, processor"),
                 (("nothing",), 3, "kel --help"),
@@ -199,6 +200,9 @@ class Program(Client, ControlTest):
         content = json.loads(file.read_text("utf-8"))
         self.assertEqual((content["product"], content["host"], content["verdict"]["result"]), ("demo", "kel.exe", "pass"))
         self.assertRegex(output, rf"values +{len(content['values'])}, \d+ of them empty")
+        log = "\n".join(content["log"])
+        self.assertIn("Entering: kel::System::Detect", log)
+        self.assertNotRegex(log, rf"(?i)\b{getpass.getuser()}\b")
         content["values"][0]["value"] = "Zo\u00eb \u6f22\u5b57"
         other.write_text(json.dumps(content), "utf-8")
         code, output, _ = kel("explain", windows_path(other))

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "diag/SourceFailures.h"
 #include "platform/RegistryNames.h"
+#include "platform/RegistryValue.h"
 #include "probes/setup/SetupDevice.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
@@ -66,7 +68,7 @@ TEST(Registry, GivesTextsAndSizesOfEachType)
     EXPECT_FALSE(ReadRegistryValue(key.Key(), L"missing", L"string", text));
     EXPECT_FALSE(ReadRegistryValue(key.Key(), L"", L"string", text));  // stands in the subkey
     EXPECT_EQ(text, L"");
-    const test::LogCapture log(2);
+    const test::LogCapture log(3);
     Log::Instance().exceptions(std::ios::badbit);  // raised by the name that is none
     EXPECT_FALSE(ReadRegistryValue(key.Key(), nullptr, nullptr, text));
     Log::Instance().exceptions(std::ios::goodbit);
@@ -86,11 +88,24 @@ TEST(RegistryNames, AreAtMostAsManyAsAskedFor)
     }
 }
 
-TEST(Registry, WarnsOfWhatTheProcessorsKeyLacks)
+TEST(Registry, NotesKeysThatCannotBeReadAndNotMissingOnes)
+{
+    const test::ScratchKey key;
+    const FailureScope scope;
+    EXPECT_FALSE(OpenKey(key.Key(), L"missing", KEY_READ));
+    EXPECT_FALSE(ReadValue(key.Key(), L"missing"));
+    EXPECT_TRUE(scope.Found().AreNone());
+    EXPECT_FALSE(OpenKey(nullptr, L"unreadable", KEY_READ));
+    ASSERT_EQ(scope.Found().sources.size(), 1U);
+    EXPECT_EQ(scope.Found().sources[0].source, L"registry unreadable");
+    EXPECT_EQ(scope.Found().sources[0].error, DWORD{ERROR_INVALID_HANDLE});
+}
+
+TEST(Registry, LogsWhatTheProcessorsKeyLacks)
 {
     const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
     const std::wstring key = L"HARDWARE\\DESCRIPTION\\System\\CentralProcessor\\0";
-    const std::wstring missing = L"WARN Registry value is missing: ", chipset = L"SOFTWARE\\Intel\\Infinst ";
+    const std::wstring missing = L"TRACE Registry value is missing: ", chipset = L"SOFTWARE\\Intel\\Infinst ";
     const DWORD number = 2400;
     machine.Write(key, L"~MHz", REG_DWORD, &number, sizeof(number));
     machine.Write(key, L"Update Signature", REG_BINARY, "1234", 4);
@@ -101,7 +116,7 @@ TEST(Registry, WarnsOfWhatTheProcessorsKeyLacks)
     EXPECT_EQ(
         log.Lines(),
         (Lines{missing + key + L" ProcessorNameString", L"TRACE Name = L", missing + key + L" Platform ID",
-               L"WARN Registry value is missing or not usable: " + key + L" Update Signature",
+               L"TRACE Registry value is missing or not usable: " + key + L" Update Signature",
                missing + chipset + L"version", missing + chipset + L"infver"}));
     machine.Write(key, L"Update Signature", L"12345");
     Registry::Instance().GetCpuInfo(info);
