@@ -6,7 +6,9 @@
 #include "control/SysInfo.h"
 #include "diag/Log.h"
 #include "platform/Library.h"
+#include "run/LogStart.h"
 #include "run/System.h"
+#include "run/store/FixedGroups.h"
 #include "run/store/XMLReport.h"
 #include "service/AnalysisRequest.h"
 #include "values/Text.h"
@@ -17,7 +19,7 @@ HRESULT CSysInfo::Detect()
 {
     return Guarded([] {
         // Every run logs in full, whatever level was set; support cases depend on it.
-        Log::Instance().SetLevel(99);
+        SetLogLevel(99);
         Guarded(L"CSysInfo::Detect", [] { System::Instance().Detect(); });
     });
 }
@@ -79,8 +81,11 @@ HRESULT CSysInfo::get_Value(BSTR id, BSTR* value)
     return GuardedResult(value, [this, id] {
         text.clear();
         const SystemValueID valueId{GroupID(TextOf(id))};
-        static_cast<ISysInfo*>(this)->Detect();
-        text = System::Instance().Values().GetValue(valueId).Text();
+        SystemValues& values = System::Instance().Values();
+        // A run may begin an exchange, whose state would take the place of the one that is asked for.
+        if (valueId.Group().Number() != ExchangeStateGroup || !values.Exists(valueId))
+            static_cast<ISysInfo*>(this)->Detect();
+        text = values.GetValue(valueId).Text();
         return text;
     });
 }
@@ -106,7 +111,7 @@ HRESULT CSysInfo::put_Logging(BSTR level)
         [level] {
             const int number = ToInteger(TextOf(level));
             WriteLog(LogTrace, L"Setting level to: ", number);
-            Log::Instance().SetLevel(number);
+            SetLogLevel(number);
             // There may be no session yet, which would keep the module loaded, and the level with it.
             PinThisModule();
         },

@@ -82,6 +82,7 @@ bool Browser::Detect(const SoftwareFunctions& functions)
         Attempt(L"Error while reading the choice of a browser.", [&] { choice = ReadChoice(functions); });
         std::int32_t count = 0;
         for (const Product& row : table) {
+            const FailureScope scope;
             Attempt(L"Error while looking for a browser.", [&] {
                 const std::optional<Installation> found = finder.FindFirst(row);
                 if (found)
@@ -92,6 +93,7 @@ bool Browser::Detect(const SoftwareFunctions& functions)
                 if (found && finder.IsProgramId(choice, row))
                     info.ofChoice = Name(row.name);
             });
+            NoteProduct(row, scope.Found());
         }
         info.isThere = count > 0;
         info.count = Count(count);

@@ -3,9 +3,12 @@
 #include <boost/core/noncopyable.hpp>
 #include <concepts>
 #include <string>
+#include <string_view>
 
+#include "detectors/EmptyValues.h"
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "diag/SourceFailures.h"
 #include "diag/Timer.h"
 #include "run/store/Session.h"
 
@@ -41,22 +44,34 @@ protected:
             WriteLog(LogWarning, scopeName, L" took ", milliseconds, L" milliseconds");
     }
 
+    /// The detector in the name of its Detect, such as "Bios" in "kel::Bios::Detect".
+    static std::wstring_view DetectorOf(std::wstring_view scopeName)
+    {
+        constexpr std::wstring_view Start = L"kel::";
+        constexpr std::wstring_view End = L"::Detect";
+        return scopeName.substr(Start.size(), scopeName.size() - Start.size() - End.size());
+    }
+
     /// Runs the body of a Detect in a trace scope of the given name. When the body throws, what it has stored
-    /// stays, and the error line is logged.
+    /// stays, and the error line is logged. Then notes why values are empty.
+    /// @param scopeName "kel::", the detector's class and "::Detect"
     /// @param errorLine null for a detector without an error line
     template <std::invocable Body>
     static bool Guarded(const wchar_t* scopeName, const wchar_t* errorLine, Body body)
     {
         const LogScope trace(scopeName);
+        const FailureScope scope;
         Timer timer;
         timer.Start();
         try {
             body();
         } catch (...) {
+            FailureScope::NoteException();
             if (errorLine != nullptr)
                 ReportFailure(LogError, errorLine);
         }
         timer.Stop();
+        NoteReasons(DetectorOf(scopeName), scope.Found());
         WarnIfSlow(scopeName, timer.ElapsedMilliseconds());
         return true;
     }

@@ -90,8 +90,11 @@ void Components::DetectAll()
     static bool isDone = false;
     RunOnce(isDone, [this] {
         Init();
-        for (Component* detector : detectors)
-            detector->Detect();
+        for (std::size_t place = 0; place < detectors.size(); ++place) {
+            if (listener)
+                listener(Rows[place].name);
+            detectors[place]->Detect();
+        }
     });
 }
 

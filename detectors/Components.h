@@ -1,6 +1,8 @@
 #pragma once
 
 #include <boost/core/noncopyable.hpp>
+#include <functional>
+#include <utility>
 #include <vector>
 
 #include "detectors/Component.h"
@@ -19,6 +21,10 @@ public:
     /// Builds the list and runs every detector, one after the other; once per process.
     void DetectAll();
 
+    /// What is called with the class of each detector before it runs. The control has no such function.
+    using Listener = std::function<void(const char* detector)>;
+    static void SetListener(Listener newListener) { listener = std::move(newListener); }
+
     /// The facts that a detector stores.
     struct Listed {
         const char* detector;  ///< its class
@@ -29,6 +35,7 @@ public:
     static std::vector<Listed> ListFacts();
 
 private:
+    inline static Listener listener;
     std::vector<Component*> detectors;
 };
 

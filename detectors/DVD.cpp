@@ -44,7 +44,10 @@ bool DVD::Detect(OpticalDrives& optical)
 {
     return Guarded(L"kel::DVD::Detect", L"Error in DVD detection.", [&optical] {
         Facts.Store(AddUp({}));
-        Facts.Store(AddUp(optical.List()));
+        const std::vector<OpticalDrive>& drives = optical.List();
+        Facts.Store(AddUp(drives));
+        for (const OpticalDrive& drive : drives)
+            Facts.NoteFailures(drive.record.failure);
     });
 }
 

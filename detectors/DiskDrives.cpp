@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <tuple>
 
+#include "diag/SourceFailures.h"
 #include "platform/ErrorMode.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/storage/DiskModel.h"

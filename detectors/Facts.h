@@ -70,6 +70,10 @@ public:
             target.record.*fact.member = source.*fact.member;
             target.sources[row] = sourceName;
         });
+        if constexpr (requires { source.failure; }) {
+            if (!target.record.failure.HasValue())
+                target.record.failure = source.failure;
+        }
     }
 
     /// Merges the records of another source into the devices. A record is merged into the device that it
@@ -92,13 +96,23 @@ public:
         }
     }
 
-    /// Stores a record under an index: unknown members as an empty text, flags that are not set as "No".
+    /// Stores a record under an index: unknown members as an empty text, flags that are not set as "No". A
+    /// failure in the reading of the record explains what is empty.
     void Store(const Record& record, int index = 0) const
     {
         ForEach([&](const auto& fact, std::size_t) {
             if (fact.id != NotStored)
                 StoreMember(fact.id, index, record.*fact.member);
         });
+        if constexpr (requires { record.failure; })
+            NoteFailures(record.failure, index);
+    }
+
+    /// Notes for the facts that are empty that their source has failed, unless it has not.
+    void NoteFailures(const SourceFailure& failure, int index = 0) const
+    {
+        if (failure.HasValue())
+            ForEach([&](const auto& fact, std::size_t) { NoteFailure(fact.id, index, failure); });
     }
 
     /// The same for a merged record; the log shows the source of each fact that has a name.

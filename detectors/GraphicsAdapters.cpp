@@ -70,8 +70,15 @@ GraphicsAdapters::GraphicsAdapters(GraphicsProbes newProbes) : probes(std::move(
 
 const std::vector<GpuDevice>& GraphicsAdapters::List()
 {
-    if (isDone)
-        return listed;
+    if (!isDone)
+        Read();
+    FailureScope::Note(failures);
+    return listed;
+}
+
+void GraphicsAdapters::Read()
+{
+    const FailureScope scope;
     Devices devices;
     interfaces = probes.dxgi.ListAdapters();
     ListCheaply(devices);
@@ -89,8 +96,8 @@ const std::vector<GpuDevice>& GraphicsAdapters::List()
         AskForFirst(devices.front());
     interfaces.clear();
     listed = std::move(devices);
+    failures = scope.Found();
     isDone = true;
-    return listed;
 }
 
 bool GraphicsAdapters::HasDirect3D()

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "detectors/GpuFacts.h"
+#include "diag/SourceFailures.h"
 #include "probes/graphics/DXDiag.h"
 #include "probes/graphics/DXGI.h"
 #include "probes/graphics/DirectX_10.h"
@@ -64,6 +65,7 @@ private:
 
     static bool IsAnyWanted(std::initializer_list<unsigned> ids);
 
+    void Read();
     void ListCheaply(Devices& devices);
     void ListByDrivers(Devices& devices) const;
     void AskForLevels(Devices& devices) const;
@@ -76,6 +78,7 @@ private:
     GraphicsProbes probes;
     std::vector<DXGI::Adapter> interfaces;  // while they are being listed
     Devices listed;
+    Failures failures;     // of the listing, for each detector that asks
     bool isNamed = false;  // whether a cheap source names an adapter, even an excluded one
     std::optional<Version> rayTracing;
     bool isDone = false;

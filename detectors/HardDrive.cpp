@@ -49,6 +49,8 @@ bool HardDrive::Detect(DiskDrives& disks)
         std::vector<DiskDrive> drives = disks.List();
         std::erase_if(drives, [](const DiskDrive& drive) { return IsLeftOut(drive.record); });
         Totals.Store(AddUp(drives));
+        for (const DiskDrive& drive : drives)
+            Totals.NoteFailures(drive.record.failure);
         StoreList(DiskFacts, drives, L"HardDrive");
     });
 }

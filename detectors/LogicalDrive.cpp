@@ -99,7 +99,10 @@ bool LogicalDrive::Detect(const VolumeFunctions& functions, DiskDrives& disks)
         std::ranges::stable_sort(volumes, {}, &GetRank);
         Totals.Store(AddUp(volumes));
         StoreList(Facts, volumes, L"LogicalDrive");
-        ProfileFacts.Store({ReadProfileSpace(functions, volumes)});
+        const VolumeInfo* const profile = FindProfileVolume(functions, volumes);
+        ProfileFacts.Store({profile != nullptr ? profile->free : std::nullopt});
+        if (profile != nullptr)
+            ProfileFacts.NoteFailures(profile->failure);
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "diag/SourceFailures.h"
 #include "platform/ErrorMode.h"
 #include "probes/setup/SetupLib.h"
 #include "probes/storage/DiskModel.h"

@@ -48,6 +48,22 @@ void StoreProduct(const wchar_t* detector, const Product& product, std::span<con
         StoreVersion(product, found[index], static_cast<int>(index));
 }
 
+void NoteProduct(const Product& product, const Failures& failures) noexcept
+{
+    if (failures.AreNone())
+        return;
+    Attempt(L"Error while looking for a product.", [&] {
+        SystemValues& values = Session::Current().Values();
+        Reason reason = {Reason::Kind::DetectorFailed, {}};
+        if (!failures.sources.empty())
+            reason = {Reason::Kind::NotReadable, failures.sources.front()};
+        for (const unsigned id : {product.existsId, product.companionId, product.versionId}) {
+            if (id != NotStored && values.FindReason(SystemValueID(GroupID(id))))
+                values.SetReason(SystemValueID(GroupID(id)), reason);
+        }
+    });
+}
+
 void AddFacts(StoredFacts& facts, std::span<const Product> table)
 {
     for (const Product& product : table) {
@@ -79,6 +95,7 @@ void StoreNewest(const wchar_t* detector, const SoftwareFunctions& functions, st
     StoreDefaults(table);
     ProductFinder finder(functions, table);
     for (const Product& product : table) {
+        const FailureScope scope;
         Attempt(L"Error while looking for a product.", [&] {
             std::vector<Installation> found;
             if (product.hasMajors)
@@ -88,6 +105,7 @@ void StoreNewest(const wchar_t* detector, const SoftwareFunctions& functions, st
             if (!found.empty() || !finder.IsUncertain(product))
                 StoreProduct(detector, product, found);
         });
+        NoteProduct(product, scope.Found());
     }
 }
 

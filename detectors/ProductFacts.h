@@ -3,6 +3,7 @@
 #include <span>
 
 #include "detectors/StoredFacts.h"
+#include "diag/SourceFailures.h"
 #include "probes/software/Product.h"
 #include "probes/software/SoftwareFunctions.h"
 
@@ -12,6 +13,9 @@ namespace kel {
 /// or its version is unknown. The log shows the sources of both.
 /// @param found the installations that count, one for each index; none when the product is not installed
 void StoreProduct(const wchar_t* detector, const Product& product, std::span<const Installation> found);
+
+/// Notes why values of a product are empty, when something failed while it was looked for.
+void NoteProduct(const Product& product, const Failures& failures) noexcept;
 
 /// Adds the facts that are stored about the products of a table to a list.
 void AddFacts(StoredFacts& facts, std::span<const Product> table);

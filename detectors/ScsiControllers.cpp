@@ -4,6 +4,7 @@
 #include <string_view>
 #include <tuple>
 
+#include "diag/SourceFailures.h"
 #include "probes/setup/SetupLib.h"
 #include "values/Junk.h"
 #include "values/Text.h"

@@ -57,6 +57,9 @@ bool Software::Detect(const SoftwareFunctions& functions)
         drivers.network = StoredVersion(NetworkDriver);
         Attempt(L"Error in the list of controllers.", [&drivers] { drivers.scsi = ScsiDriver(); });
         Facts.Store(drivers);
+        NoteOrigin(72900, GpuDriver);
+        NoteOrigin(72901, SoundDriver);
+        NoteOrigin(72902, NetworkDriver);
         StoreNewest(L"Software", functions, RuntimeTable());
     });
 }

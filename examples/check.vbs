@@ -7,16 +7,12 @@ If WScript.Arguments.Count > 0 Then control.ReferrerID = WScript.Arguments(0)
 control.UserID = "visitor"
 
 verdict = control.Analysis("requirements", "xml", "1.0")
-If verdict = "" Then
-  WScript.Echo "The analysis service gave no answer."
-  WScript.Quit 2
-End If
-
 Set pattern = New RegExp
 pattern.Pattern = "<analysis result=""(\w+)"""
 Set total = pattern.Execute(verdict)
 If total.Count = 0 Then
-  WScript.Echo "The analysis service answered: " & verdict
+  WScript.Echo "No verdict: " & control.Value("73390") ' how the last exchange ended
+  If verdict <> "" Then WScript.Echo "The analysis service answered: " & verdict
   WScript.Quit 2
 End If
 

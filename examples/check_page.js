@@ -14,6 +14,17 @@
     unknown: "Not sure: not all could be found out."
   };
 
+  // Why there is no verdict, by what the control says of the last exchange (its value 73390), and what to do.
+  var TROUBLES = [
+    [/^not reached: (\d+)/, "The analysis service was not reached.",
+      "Error $1. Please check the connection to the Internet, and try again."],
+    [/^unknown product/, "The analysis service does not know this product.", "Please inform the owner of this page."],
+    [/^another host answered/, "Another host answered in the place of the analysis service.",
+      "A network may ask you to log in first, or a proxy stands in between. Please log in there, and try again."],
+    [/^cut/, "The answer of the analysis service was cut off.", "Please try again."],
+    [/^/, "The analysis service gave no verdict.", "Please try again later."]
+  ];
+
   function byId(id) { return document.getElementById(id); }
 
   function add(parent, kind, text, name) {
@@ -55,12 +66,21 @@
     if (advice && result != "pass") add(mark, "span", advice, "advice");
   }
 
-  function showVerdict(verdict) {
+  function showTrouble(state) {
+    for (var i = 0; i < TROUBLES.length; ++i) {
+      var match = TROUBLES[i][0].exec(state);
+      if (!match) continue;
+      say("total", TROUBLES[i][1], "total unknown");
+      say("note", TROUBLES[i][2].replace("$1", match[1]));
+      return;
+    }
+  }
+
+  function showVerdict(verdict, state) {
     var total = /^<analysis result="(pass|fail|unknown)" [\s\S]*<\/analysis>$/.exec(verdict);
     var line = /<requirement result="(\w+)">([\s\S]*?)<\/requirement>/g;
     if (!total) {  // nothing, or another answer, such as a proxy's error page
-      say("total", "The analysis service gave no verdict.", "total unknown");
-      say("note", "Please try again later.");
+      showTrouble(state);
       if (window.console) window.console.log("Instead of a verdict: " + verdict);
       return;
     }
@@ -101,14 +121,15 @@
   }
 
   window.onload = function () {
-    var control = byId("control"), verdict;
+    var control = byId("control"), verdict, state;
     try {
       verdict = control.Analysis("requirements", "xml", "1.0");
+      state = control.Value("73390") || "";
     } catch (error) {
       if (/Windows NT/.test(navigator.userAgent)) showRough();
       else showOtherSystem();
       return;
     }
-    showVerdict(verdict);
+    showVerdict(verdict, state);
   };
 }());

@@ -42,8 +42,8 @@ FARPROC FindProcedure(HMODULE library, const char* name) noexcept
 {
     // To the system, a null library means the host's program.
     const FARPROC procedure = library != nullptr ? GetProcAddress(library, name) : nullptr;
-    if (procedure == nullptr)
-        ReportFailure(LogWarning, L"The system has no function ", name);
+    if (procedure == nullptr)  // normal: each is optional, as older systems lack it
+        ReportFailure(LogTrace, L"The system has no function ", name);
     return procedure;
 }
 

@@ -15,7 +15,7 @@ using OwnedLibrary = std::unique_ptr<std::remove_pointer_t<HMODULE>, Closer<&Fre
 /// @param load the system's function, unless a test answers for it
 OwnedLibrary LoadSystemLibrary(const wchar_t* name, decltype(&LoadLibraryExW) load = &LoadLibraryExW);
 
-/// Looks a function up by its name; null, with a warning in the log, when the library does not have it.
+/// Looks a function up by its name; null, with a line in the log, when the library does not have it.
 /// @param library null for a library that is not there
 FARPROC FindProcedure(HMODULE library, const char* name) noexcept;
 

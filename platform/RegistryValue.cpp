@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "diag/SourceFailures.h"
+
 namespace kel {
 
 namespace {
@@ -9,12 +11,27 @@ namespace {
 constexpr std::size_t FirstSize = 256;
 constexpr int ReadAttempts = 5;
 
+/// Notes why a key or value cannot be read, unless it is not there.
+void NoteUnreadable(const wchar_t* name, LSTATUS status) noexcept
+{
+    if (status == ERROR_SUCCESS || status == ERROR_FILE_NOT_FOUND || status == ERROR_PATH_NOT_FOUND)
+        return;
+    try {
+        FailureScope::Note(std::wstring(L"registry ") + (name != nullptr ? name : L""),
+                           static_cast<std::uint32_t>(status));
+    } catch (...) {
+        FailureScope::NoteException();
+    }
+}
+
 }  // namespace
 
 OwnedKey OpenKey(HKEY parent, const wchar_t* name, REGSAM access) noexcept
 {
     HKEY key = nullptr;
-    return RegOpenKeyExW(parent, name, 0, access, &key) == ERROR_SUCCESS ? OwnedKey(key) : OwnedKey();
+    const LSTATUS status = RegOpenKeyExW(parent, name, 0, access, &key);
+    NoteUnreadable(name, status);
+    return status == ERROR_SUCCESS ? OwnedKey(key) : OwnedKey();
 }
 
 std::wstring RegistryValue::Text() const
@@ -35,8 +52,10 @@ std::optional<RegistryValue> ReadValue(HKEY key, const wchar_t* name)
     for (int attempt = 0; attempt < ReadAttempts; ++attempt) {
         auto size = static_cast<DWORD>(value.bytes.size());
         const LSTATUS status = RegQueryValueExW(key, name, nullptr, &value.type, value.bytes.data(), &size);
-        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA)
+        if (status != ERROR_SUCCESS && status != ERROR_MORE_DATA) {
+            NoteUnreadable(name, status);
             break;
+        }
         value.bytes.resize(size);
         if (status == ERROR_SUCCESS)
             return value;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 
 namespace kel {
 
@@ -15,6 +16,7 @@ bool Attempt(const wchar_t* errorLine, Body body) noexcept
         return true;
     } catch (...) {
         ReportFailure(LogError, errorLine);
+        FailureScope::NoteException();
         return false;
     }
 }

@@ -6,6 +6,7 @@
 #include <boost/uuid/uuid_io.hpp>
 #include <ctime>
 #include <memory>
+#include <utility>
 
 #include "BuildSettings.h"
 #include "diag/Log.h"
@@ -13,6 +14,7 @@
 #include "diag/ProcessInstance.h"
 #include "platform/Library.h"
 #include "run/ConfigurationTags.h"
+#include "run/LogStart.h"
 #include "run/store/XMLReport.h"
 #include "service/GroupListRequest.h"
 #include "service/WebServiceUpload.h"
@@ -82,7 +84,7 @@ void System::SetConfiguration(const std::wstring& text)
     if (ExtractTag(text, L"<referrer_id>", L"</referrer_id>", value))
         referrerID = value;
     if (ExtractTag(text, L"<logging>", L"</logging>", value))
-        Log::Instance().SetLevel(ToInteger(value));
+        SetLogLevel(ToInteger(value));
 }
 
 void System::Detect()
@@ -98,6 +100,17 @@ void System::Detect()
         detectorsInitialised = true;
     }
     UploadReport();
+    Log::Instance().flush();
+}
+
+void System::DetectLocally(std::vector<unsigned> groups)
+{
+    const LogScope trace(L"kel::System::DetectLocally");
+    if (detectorsInitialised)
+        return;
+    wanted.Assign(std::move(groups));
+    components.DetectAll();
+    detectorsInitialised = true;
     Log::Instance().flush();
 }
 

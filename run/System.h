@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "detectors/Components.h"
 #include "run/UploadInterval.h"
@@ -32,6 +33,10 @@ public:
     /// call only stores the identifiers, and leaves the upload to the run in progress.
     /// @throws any exception of a step; the control's members catch it
     void Detect();
+
+    /// Examines the machine (once per process) without any exchange with the service: these groups count as
+    /// wanted, no identifier is stored and nothing is uploaded.
+    void DetectLocally(std::vector<unsigned> groups);
 
     /// Keeps a non-empty text only.
     void SetReferrerID(const std::wstring& text);

@@ -1,6 +1,7 @@
 #include "run/WantedGroups.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace kel {
 
@@ -16,6 +17,13 @@ void WantedGroups::Assign(const std::wstring& answer, const std::wstring& referr
     std::ranges::sort(numbers);
     fetched = true;
     fetchedFor = referrer;
+}
+
+void WantedGroups::Assign(std::vector<unsigned> groups)
+{
+    numbers = std::move(groups);
+    std::ranges::sort(numbers);
+    fetched = false;
 }
 
 }  // namespace kel

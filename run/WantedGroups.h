@@ -19,6 +19,9 @@ public:
     /// Takes the service's answer: group ids separated by "|" or ",".
     void Assign(const std::wstring& answer, const std::wstring& referrer);
 
+    /// Takes groups that were not fetched for any referrer.
+    void Assign(std::vector<unsigned> groups);
+
 private:
     std::vector<unsigned> numbers;  // in order; a hostile answer has millions
     bool fetched = false;

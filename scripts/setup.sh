@@ -6,7 +6,7 @@ set -euo pipefail
 
 packages=(
   g++-mingw-w64-x86-64-posix mingw-w64-tools wine wine64 libwine-dev libboost-dev googletest
-  cmake ninja-build python3 nlohmann-json3-dev
+  cmake ninja-build python3 nlohmann-json3-dev libcli11-dev
 )
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
 server=(g++ libboost-dev libfmt-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake

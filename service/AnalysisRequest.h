@@ -17,6 +17,9 @@ public:
     void SetMessageFormat(const std::wstring& text) { SetPlaceholder(L"^message_format", text); }
     /// The version of that format.
     void SetFormatVersion(const std::wstring& text) { SetPlaceholder(L"^format_version", text); }
+
+protected:
+    AnswerForm FormOf(const std::string& answer) const override { return FormOfVerdict(answer); }
 };
 
 }  // namespace kel

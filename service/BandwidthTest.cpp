@@ -10,9 +10,11 @@
 
 #include "BuildSettings.h"
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "diag/Timer.h"
 #include "service/ExchangeLimits.h"
 #include "service/RunWithin.h"
+#include "values/Text.h"
 
 namespace kel {
 
@@ -37,16 +39,6 @@ struct Download {
     std::atomic<std::int64_t> start = 0;
     std::int64_t stop = 0;
 };
-
-/// Whether the download has the announced length, if there is one. Nothing else shows that it was cut short.
-bool IsWhole(HINTERNET file, std::uint64_t total)
-{
-    DWORD length = 0;
-    DWORD size = sizeof(length);
-    return !HttpQueryInfoW(file, HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER, &length, &size,
-                           nullptr) ||
-           total == length;
-}
 
 /// Reads to the end; false when a read fails.
 bool ReadAll(HINTERNET file, const InternetSession& internet, std::vector<char>& buffer, Download& download)
@@ -81,7 +73,7 @@ void Fetch(InternetSession& internet, Download& download)
     download.start = Timer::ReadCounter();
     const bool isRead = ReadAll(file, internet, buffer, download);
     download.stop = Timer::ReadCounter();
-    download.isWhole = isRead && IsWhole(file, download.bytes);
+    download.isWhole = isRead && InternetSession::IsWhole(file, download.bytes);
 }
 
 /// The rate of one download; empty when it failed.
@@ -94,13 +86,17 @@ std::wstring Measure()
         const std::uint64_t bytes = download->bytes;
         WriteLog(LogWarning, L"The bandwidth test was stopped after ", ExchangeLimits::Download.count(),
                  L" seconds. Bytes that came so far and count: ", bytes);
+        FailureScope::Note(L"download of the test file", ERROR_TIMEOUT);
         return bytes == 0 ? std::wstring()
                           : DownloadRate(bytes, download->start, Timer::ReadCounter(), Timer::Frequency());
     }
     if (!download->status.empty() && download->status != Success)
         WriteLog(LogWarning, L"The bandwidth test has failed. Status: ", download->status);
-    if (!download->isWhole)
+    if (!download->isWhole) {
+        FailureScope::Note(L"download of the test file",
+                           download->status == Success ? ERROR_SUCCESS : ToUnsigned(download->status));
         return {};
+    }
     return DownloadRate(download->bytes, download->start, download->stop, Timer::Frequency());
 }
 

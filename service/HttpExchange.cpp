@@ -30,7 +30,7 @@ HINTERNET Require(HINTERNET handle, const char* failure)
     return handle;
 }
 
-HINTERNET Open(const HttpRequest& request, InternetSession& internet)
+HINTERNET OpenRequest(const HttpRequest& request, InternetSession& internet)
 {
     const HINTERNET session = Require(internet.Open(), "Can't open Internet.");
     const HINTERNET connection =
@@ -75,12 +75,16 @@ void ReadBody(HINTERNET request, InternetSession& internet, HttpAnswer& answer)
         if (!InternetQueryDataAvailable(request, &count, 0, 0) ||
             !InternetReadFile(request, piece.data(), std::min(count, PieceSize), &count)) {
             NoteLongWait(internet, GetLastError(), answer);
+            answer.isCut = true;
             return;
         }
-        if (count == 0 || internet.IsAbandoned())
+        if (count == 0 || internet.IsAbandoned()) {
+            answer.isCut = !InternetSession::IsWhole(request, answer.body.size());
             return;
+        }
         if (answer.body.size() + count > ExchangeLimits::Answer) {
             answer.failure = "The service's answer is too long.";
+            answer.isCut = true;
             return;
         }
         answer.body.append(piece.data(), count);
@@ -113,7 +117,13 @@ bool IsOfHost(const std::wstring& address, const std::wstring& host)
 
 void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer)
 {
-    const HINTERNET opened = Open(request, internet);
+    HINTERNET opened = nullptr;
+    try {
+        opened = OpenRequest(request, internet);
+    } catch (const std::runtime_error&) {
+        answer.openError = GetLastError();
+        throw;
+    }
     answer.timer.Start();
     const BOOL sent = HttpSendRequestW(opened, request.headers.empty() ? nullptr : request.headers.c_str(),
                                        static_cast<DWORD>(request.headers.size()),
@@ -131,7 +141,8 @@ void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer
     // browser would not let it read, such as a host of the local network.
     if (!IsOfHost(AnsweringAddress(opened), request.host))
         answer.failure = "The answer came from another host than the service's.";
-    else
+    answer.isOfOtherHost = answer.failure != nullptr;
+    if (!answer.isOfOtherHost)
         ReadBody(opened, internet, answer);
 }
 

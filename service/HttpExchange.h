@@ -27,6 +27,9 @@ struct HttpAnswer {
     std::optional<std::wstring> status;      ///< nullopt when WinINet does not return it
     std::optional<std::wstring> statusText;  ///< the same
     std::string body;                        ///< as received; the service sends UTF-8
+    DWORD openError = ERROR_SUCCESS;         ///< why no request could be made
+    bool isOfOtherHost = false;              ///< the answer came from another host than the request's
+    bool isCut = false;                      ///< the body ended early, or was too long
     const char* failure = nullptr;           ///< why the body does not count
     const char* lateIn = nullptr;            ///< the stage in which a single wait ended at its limit
 

@@ -77,6 +77,15 @@ std::optional<std::wstring> InternetSession::QueryInfo(HINTERNET request, DWORD 
     return {};
 }
 
+bool InternetSession::IsWhole(HINTERNET request, std::uint64_t length)
+{
+    DWORD announced = 0;
+    DWORD size = sizeof(announced);
+    return !HttpQueryInfoW(request, HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER, &announced, &size,
+                           nullptr) ||
+           length == announced;
+}
+
 void CALLBACK InternetSession::Follow(HINTERNET, DWORD_PTR context, DWORD status, LPVOID information, DWORD)
 {
     auto& session = *reinterpret_cast<InternetSession*>(context);

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -67,6 +68,10 @@ public:
 
     /// A text of the answer's headers, by the number of the query; nullopt when they lack it.
     static std::optional<std::wstring> QueryInfo(HINTERNET request, DWORD what);
+
+    /// Whether an answer is as long as its headers say; true when they do not say it. One that was cut looks
+    /// like one that ended otherwise.
+    static bool IsWhole(HINTERNET request, std::uint64_t length);
 
     /// The stage of the exchange.
     const char* Stage() const { return stage; }

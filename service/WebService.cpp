@@ -7,12 +7,16 @@
 #include <stdexcept>
 #include <utility>
 
-#include "BuildSettings.h"
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "run/store/FixedGroups.h"
+#include "run/store/Session.h"
 #include "service/CallBudget.h"
 #include "service/HttpExchange.h"
+#include "service/InternetError.h"
+#include "service/Proxy.h"
 #include "service/RunWithin.h"
+#include "service/ServiceHost.h"
 #include "service/Utf8.h"
 #include "values/Text.h"
 
@@ -38,37 +42,20 @@ void LogHeaders(const std::wstring& headers)
     }
 }
 
-/// The body of the answer.
-/// @throws std::runtime_error when there is no valid one, ExchangeNotStarted among them
-std::string Ask(HttpRequest request)
+/// A path without the key, which every client has, but which belongs into no log.
+std::wstring WithoutKey(std::wstring path)
 {
-    const auto answer = std::make_shared<HttpAnswer>();
-    CallBudget& budget = CallBudget::Current();
-    const char* const late =
-        budget.Run([request = std::move(request), answer](InternetSession& internet) mutable {
-            Perform(request, internet, *answer);
-        });
-    if (late != nullptr)
-        throw std::runtime_error(std::string(TookTooLong) + late);
-    if (answer->lateIn != nullptr)
-        budget.End(answer->lateIn);
-    if (answer->sendError != ERROR_SUCCESS) {
-        if (answer->lateIn != nullptr)
-            WriteLog(LogError, TookTooLong, answer->lateIn);
-        WriteLog(LogError, L"Can't send Internet request. Error: ", answer->sendError);
-        throw std::runtime_error("Can't send Internet request.");
-    }
-    WriteLog(LogTrace, L"Elapsed milliseconds: ", answer->timer.ElapsedMilliseconds());
-    answer->LogStatus();
-    if (answer->failure != nullptr)
-        throw std::runtime_error(answer->failure);
-    return std::move(answer->body);
+    constexpr std::wstring_view Parameter = L"apikey=";
+    const std::size_t start = path.find(Parameter);
+    if (start != std::wstring::npos)
+        path.erase(start - 1, path.find(L'&', start) - start + 1);
+    return path;
 }
 
 }  // namespace
 
 WebService::WebService(const wchar_t* requestVerb, std::wstring requestPath, std::wstring requestBody)
-    : host(KEL_SERVICE_HOST),
+    : host(ServiceHost()),
       verb(requestVerb),
       path(std::move(requestPath)),
       contentType(L"application/xml"),
@@ -96,6 +83,8 @@ void WebService::Call() noexcept
         } catch (const std::exception& error) {
             WriteLog(LogError, error.what());
         }
+        if (hasBegun || !state.empty())
+            Session::Current().Values().AddValue(ExchangeStateGroup, state);
     } catch (...) {
         ReportFailure(LogError, L"The request to the analysis service failed.");
     }
@@ -104,15 +93,84 @@ void WebService::Call() noexcept
 void WebService::Exchange()
 {
     HttpRequest request{host, verb, path, L"", ToUtf8(body)};
+    const std::wstring what = Describe();
+    WriteLog(LogTrace, L"Request: ", what);
     if (!request.body.empty()) {
         request.headers = HeaderTemplate;
         ReplaceAll(request.headers, L"^content_type", contentType);
         request.headers += std::to_wstring(request.body.size());
         LogHeaders(request.headers);
     }
-    result = FromUtf8(Ask(std::move(request)));
+    state =
+        ExchangeState::NotReached(ERROR_NOT_ENOUGH_MEMORY);  // the only failure without a state of its own
+    try {
+        result = FromUtf8(Ask(std::move(request)));
+    } catch (...) {
+        WriteLog(LogError, L"The request has failed: ", what, L": ", state, errorText);
+        throw;
+    }
     WriteLog(LogTrace, L"Result: ", result);
     WriteLog(LogTrace, L"Successfully sent data.");
+}
+
+/// The body of the answer.
+/// @throws std::runtime_error when there is no valid one, ExchangeNotStarted among them
+std::string WebService::Ask(HttpRequest request)
+{
+    const auto answer = std::make_shared<HttpAnswer>();
+    CallBudget& budget = CallBudget::Current();
+    const char* late = nullptr;
+    try {
+        late = budget.Run([request = std::move(request), answer](InternetSession& internet) mutable {
+            Perform(request, internet, *answer);
+        });
+    } catch (const ExchangeNotStarted&) {
+        EndUnreached(ERROR_INTERNET_OUT_OF_HANDLES);
+        throw;
+    } catch (...) {
+        EndUnreached(answer->openError);
+        throw;
+    }
+    if (late != nullptr) {
+        if (late == ExchangeStage::Reading)
+            End(ExchangeState::Cut);
+        else
+            EndUnreached(ERROR_INTERNET_TIMEOUT);
+        throw std::runtime_error(std::string(TookTooLong) + late);
+    }
+    if (answer->lateIn != nullptr)
+        budget.End(answer->lateIn);
+    if (answer->sendError != ERROR_SUCCESS) {
+        if (answer->lateIn != nullptr)
+            WriteLog(LogError, TookTooLong, answer->lateIn);
+        EndUnreached(answer->sendError);
+        WriteLog(LogError, L"Can't send Internet request. Error: ", answer->sendError);
+        throw std::runtime_error("Can't send Internet request.");
+    }
+    End(ExchangeState::Of(*answer, FormOf(answer->body)));
+    WriteLog(LogTrace, L"Elapsed milliseconds: ", answer->timer.ElapsedMilliseconds());
+    answer->LogStatus();
+    if (answer->failure != nullptr)
+        throw std::runtime_error(answer->failure);
+    return std::move(answer->body);
+}
+
+void WebService::End(const wchar_t* newState)
+{
+    state = newState;
+    errorText.clear();
+}
+
+void WebService::EndUnreached(DWORD error)
+{
+    state = ExchangeState::NotReached(error);
+    const std::wstring text = InternetErrorText(error);
+    errorText = text.empty() ? L"" : L", " + text;
+}
+
+std::wstring WebService::Describe() const
+{
+    return verb + L' ' + host + WithoutKey(path) + L", proxy " + DescribeProxy();
 }
 
 void WebService::SetPlaceholder(const wchar_t* placeholder, const std::wstring& text)

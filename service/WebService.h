@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <string>
 
+#include "service/ExchangeState.h"
+
 namespace kel {
 
 /// A request to the analysis service: one blocking HTTP exchange through WinINet. Each kind of request fills
@@ -15,7 +17,7 @@ public:
 
     /// Sends the request and reads the answer, within the time that the member's call has left for exchanges;
     /// skips both after an exchange of that call ended at a limit. Throws nothing: a failure is logged and
-    /// leaves the result as it was.
+    /// leaves the result as it was. How an exchange ended is stored in the session, under ExchangeStateGroup.
     void Call() noexcept;
 
     /// Whether the last call got as far as an exchange, even a failed one: it was not skipped, and the
@@ -35,8 +37,16 @@ protected:
     /// Puts a text in place of a placeholder of the body.
     void SetPlaceholder(const wchar_t* placeholder, const std::wstring& text);
 
+    /// What an answer to this kind of request is, judged by its text.
+    virtual AnswerForm FormOf(const std::string& answer) const { return FormOfText(answer); }
+
 private:
     void Exchange();
+    std::string Ask(HttpRequest request);
+    void End(const wchar_t* newState);
+    void EndUnreached(DWORD error);
+    /// The request without its key, and the proxy that it goes through, for the log.
+    std::wstring Describe() const;
 
     std::wstring host;
     std::wstring verb;
@@ -44,6 +54,8 @@ private:
     std::wstring contentType;
     std::wstring body;
     std::wstring result;
+    std::wstring state;      ///< of the last exchange
+    std::wstring errorText;  ///< of its error, after a comma; empty without one
     bool hasBegun = false;
 };
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Converts the catalogue of values, catalogue/values.tsv: into the tables of docs/value-ids.md (--write writes them, --check
-compares), and into C++ for verdicts (--table FILE), with the additions of catalogue/requirements.tsv."""
+compares), and into C++ for verdicts and for programs that show values (--table FILE), with the additions of
+catalogue/requirements.tsv and areas.tsv."""
 
 import argparse
 import csv
@@ -53,13 +54,15 @@ def find_wrong_advice(values, advice):
             or row["sold as"] not in SOLD or not (row["sold as"] or row["caution"])]
 
 
-def make_rows(values, advice):
+def make_rows(values, advice, areas):
     said = {row["id"]: row for row in advice}
 
     def make_row(value):
         row = said.get(value["id"], {"sold as": "", "caution": ""})
-        texts = ", ".join(f'R"embedded({text})embedded"' for text in (value["detector"], value["name"]))
-        return (f'    {{{value["id"]}, {texts}, {"true" if value["each"] else "false"}, {value["exists"] or 0}, '
+        texts = ", ".join(f'R"embedded({text})embedded"' for text in
+                          (value["detector"], areas[value["detector"]], value["name"], value["source"]))
+        flags = ", ".join("true" if value[column] else "false" for column in ("each", "gated"))
+        return (f'    {{{value["id"]}, {texts}, {flags}, {value["exists"] or 0}, '
                 f'SoldAs::{row["sold as"] or "Nothing"}, R"embedded({row["caution"]})embedded"}},\n')
 
     return f"""#include "verdict/Catalogue.h"
@@ -83,8 +86,12 @@ def main():
     action.add_argument("--table", type=Path, metavar="FILE")
     arguments = parser.parse_args()
     values, advice = read_values(), read_values("requirements.tsv")
+    areas = {row["detector"]: row["area"] for row in read_values("areas.tsv")}
+    if missing := sorted({value["detector"] for value in values}.difference(areas)):
+        print(f"catalogue/areas.tsv has no area for: {', '.join(missing)}", file=sys.stderr)
+        return 1
     if arguments.table:
-        arguments.table.write_text(make_rows(values, advice), "utf-8")
+        arguments.table.write_text(make_rows(values, advice, areas), "utf-8")
         return 0
     page = PAGE.read_text("utf-8")
     listed = [detector for match in TABLE.finditer(page) for detector in match[2].split()]

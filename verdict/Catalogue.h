@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <string_view>
 
 namespace kel {
 
@@ -11,12 +12,18 @@ enum class SoldAs { Nothing, Memory, GraphicsMemory, Disk };
 struct CatalogueValue {
     int id;
     const char* detector;
+    const char* area;  // what of a machine the detector examines: "processor"
     const char* name;
+    const char* source;   // where the detector reads it; NoSource for one that is always empty
     bool hasIndexes;      // one for each device or installed version
+    bool isGated;         // read only when it is wanted
     int existence;        // id of the value that says whether this version's product is installed; 0: none
     SoldAs soldAs;        // "at least" compares the nominal size
     const char* caution;  // where the value misleads, and which one to use instead; empty for most
 };
+
+/// The source of a value that has none.
+constexpr std::string_view NoSource = "none";
 
 /// All values, in the order of the catalogue.
 extern const std::span<const CatalogueValue> CatalogueValues;

@@ -20,7 +20,7 @@ Result PassIf(bool holds)
 }
 
 Result CompareVersions(std::string_view found, std::string_view needed,
-                       bool (*holds)(const Version&, const Version&))
+                       bool (*holds)(const DottedVersion&, const DottedVersion&))
 {
     const auto left = ParseVersion(found), right = ParseVersion(needed);
     return left && right ? PassIf(holds(*left, *right)) : Result::Unknown;
@@ -29,18 +29,18 @@ Result CompareVersions(std::string_view found, std::string_view needed,
 Result CompareAtLeastVersion(std::string_view found, std::string_view needed)
 {
     return CompareVersions(found, needed,
-                           [](const Version& has, const Version& needs) { return has >= needs; });
+                           [](const DottedVersion& has, const DottedVersion& needs) { return has >= needs; });
 }
 
 Result CompareAtMostVersion(std::string_view found, std::string_view needed)
 {
     return CompareVersions(found, needed,
-                           [](const Version& has, const Version& needs) { return has <= needs; });
+                           [](const DottedVersion& has, const DottedVersion& needs) { return has <= needs; });
 }
 
 Result CompareCompatibleVersion(std::string_view found, std::string_view needed)
 {
-    return CompareVersions(found, needed, [](const Version& has, const Version& needs) {
+    return CompareVersions(found, needed, [](const DottedVersion& has, const DottedVersion& needs) {
         return has >= needs && has.Major() == needs.Major();
     });
 }

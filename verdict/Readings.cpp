@@ -99,10 +99,10 @@ std::optional<Amount> ParseAmount(std::string_view text, ByteSteps steps)
     return Amount{amount * factor, unit->kind, lastDigit * factor};
 }
 
-std::optional<Version> ParseVersion(std::string_view text)
+std::optional<DottedVersion> ParseVersion(std::string_view text)
 {
     text = Trim(text);
-    Version version;
+    DottedVersion version;
     for (;;) {
         const auto part = TakeNumber(text, MaxPart);
         if (!part)

@@ -21,11 +21,12 @@ struct Amount {
 enum class ByteSteps { Binary, Decimal };
 
 /// A dotted version. 9.0C comes after 9.0B and 9.0, and before 9.0.1.
-struct Version {
+struct DottedVersion {
     std::vector<std::uint64_t> parts;  // without the zeros at its end
     char letter = 0;                   // behind the last part, in lower case; 0 for none
 
-    auto operator<=>(const Version&) const = default;  // NOLINT(modernize-use-nullptr): in generated code
+    auto operator<=>(const DottedVersion&) const =
+        default;  // NOLINT(modernize-use-nullptr): in what it generates
     std::uint64_t Major() const { return parts.empty() ? 0 : parts.front(); }
 };
 
@@ -39,7 +40,7 @@ struct Edges {
 std::optional<Amount> ParseAmount(std::string_view text, ByteSteps steps = ByteSteps::Binary);
 
 /// A dotted version such as "8.0.11" or "9.0C". Nothing for any other text.
-std::optional<Version> ParseVersion(std::string_view text);
+std::optional<DottedVersion> ParseVersion(std::string_view text);
 
 /// A resolution such as "1280x720", and any text after it. Nothing for any other text, and when an edge is 0.
 std::optional<Edges> ParseEdges(std::string_view text);

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "diag/SourceFailures.h"
 #include "diag/Timer.h"
 #include "platform/Library.h"
 #include "platform/WindowsVersion.h"
@@ -66,7 +67,11 @@ CpuFunctions CpuFunctions::OfSystem()
 void GetTopology(const CpuFunctions& functions, CpuInfo& info)
 {
     Attempt(L"Error in CPU topology detection.", [&] {
-        const CpuTopology topology = DecodeTopology(ReadTopology(functions));
+        const std::vector<std::byte> records = ReadTopology(functions);
+        if (records.empty())
+            FailureScope::Note(L"GetLogicalProcessorInformationEx",
+                               functions.getTopology ? GetLastError() : ERROR_PROC_NOT_FOUND);
+        const CpuTopology topology = DecodeTopology(records);
         info.cores = topology.cores;
         info.threads = topology.threads;
         info.packages = topology.packages;

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "diag/ProcessInstance.h"
+#include "diag/SourceFailures.h"
 #include "platform/RegistryValue.h"
 #include "probes/Attempt.h"
 #include "probes/graphics/DisplayRules.h"
@@ -101,6 +102,8 @@ std::optional<Count> DisplayConfig::GetPrimaryScale() const
 {
     constexpr UINT Unscaled = 96;
     const std::optional<UINT> dpi = functions.getPrimaryDpi();
+    if (!dpi)
+        FailureScope::Note(L"GetDpiForMonitor", ERROR_SUCCESS);
     return dpi ? std::optional(Count((*dpi * 100 + Unscaled / 2) / Unscaled)) : std::nullopt;
 }
 
@@ -135,8 +138,10 @@ bool DisplayConfig::Query(std::vector<DISPLAYCONFIG_PATH_INFO>& paths,
         paths.resize(std::min<std::size_t>(pathCount, paths.size()));
         modes.resize(std::min<std::size_t>(modeCount, modes.size()));
     }
-    if (result != ERROR_SUCCESS)
+    if (result != ERROR_SUCCESS) {
         WriteLog(LogWarning, L"QueryDisplayConfig failed with error: ", result);
+        FailureScope::Note(L"QueryDisplayConfig", static_cast<std::uint32_t>(result));
+    }
     return result == ERROR_SUCCESS;
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "platform/ErrorMode.h"
 #include "probes/Attempt.h"
 #include "values/Hexadecimal.h"
@@ -24,9 +25,12 @@ HRESULT CallDriver(const std::wstring& function, const std::wstring& adapter, Lo
         const ErrorMode quiet;
         result = call();
     });
-    if (isDone && FAILED(result))
+    if (isDone && FAILED(result)) {
         WriteLog(failureLevel, what, L" failed with error: ",
                  Hexadecimal(static_cast<std::uint32_t>(result), 8));
+        if (failureLevel <= LogWarning)
+            FailureScope::Note(what, static_cast<std::uint32_t>(result));
+    }
     return result;
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "platform/RegistryValue.h"
 #include "values/Hexadecimal.h"
 #include "values/Junk.h"
@@ -159,6 +160,7 @@ std::optional<MonitorInfo> ReadMonitorEdid(const std::wstring& instance)
         if (std::optional<MonitorInfo> monitor = ReadEdid(value->bytes))
             return monitor;
         WriteLog(LogWarning, L"A monitor's EDID is not valid: ", DeviceID(instance).ToString());
+        FailureScope::Note(L"registry EDID", ERROR_INVALID_DATA);
     }
     return {};
 }

@@ -9,6 +9,7 @@
 #include <span>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "platform/Library.h"
 #include "probes/Attempt.h"
 #include "values/Junk.h"
@@ -155,14 +156,17 @@ std::vector<NetworkInfo> ReadInterfaceTable(const NetworkFunctions& functions,
                                             std::optional<DWORD> defaultRoute)
 {
     std::vector<NetworkInfo> interfaces;
-    if (!functions.getTable || !functions.freeTable)
+    if (!functions.getTable || !functions.freeTable) {
+        FailureScope::Note(L"GetIfTable2", ERROR_PROC_NOT_FOUND);
         return interfaces;
+    }
     Attempt(L"Error in reading the interface table.", [&] {
         MIB_IF_TABLE2* read = nullptr;
         const DWORD error = functions.getTable(&read);
         const std::unique_ptr<MIB_IF_TABLE2, boost::function<void(void*)>> table(read, functions.freeTable);
         if (error != NO_ERROR || !table) {
             WriteLog(LogWarning, L"GetIfTable2 failed with error: ", error);
+            FailureScope::Note(L"GetIfTable2", error);
             return;
         }
         for (const MIB_IF_ROW2& row : std::span(&table->Table[0], table->NumEntries)) {
@@ -179,8 +183,10 @@ std::vector<NetworkInfo> ReadAdapterAddresses(const NetworkFunctions& functions,
                                               std::optional<DWORD> defaultRoute)
 {
     std::vector<NetworkInfo> adapters;
-    if (!functions.getAddresses)
+    if (!functions.getAddresses) {
+        FailureScope::Note(L"GetAdaptersAddresses", ERROR_PROC_NOT_FOUND);
         return adapters;
+    }
     Attempt(L"Error in reading the adapters' addresses.", [&] {
         std::vector<IP_ADAPTER_ADDRESSES> buffer;  // of this type for its alignment
         ULONG size = FirstSize;
@@ -191,8 +197,10 @@ std::vector<NetworkInfo> ReadAdapterAddresses(const NetworkFunctions& functions,
             error = functions.getAddresses(AF_UNSPEC, WithoutLists, nullptr, buffer.data(), &size);
         }
         if (error != NO_ERROR) {
-            if (error != ERROR_NO_DATA)
+            if (error != ERROR_NO_DATA) {
                 WriteLog(LogWarning, L"GetAdaptersAddresses failed with error: ", error);
+                FailureScope::Note(L"GetAdaptersAddresses", error);
+            }
             return;
         }
         for (const IP_ADAPTER_ADDRESSES* adapter = buffer.data(); adapter != nullptr;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "values/Size.h"
 #include "values/Text.h"
 
@@ -57,7 +58,8 @@ bool ConvertValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert 
         const std::optional<RegistryValue> value = ReadValue(below ? below.get() : key, name);
         if (value && value->bytes.size() <= MaxValueSize && convert(*value))
             return true;
-        WriteLog(LogWarning, L"Can't handle Registry value for: ", name);
+        // That a value is missing is normal: most have further places.
+        WriteLog(value ? LogWarning : LogTrace, L"Can't handle Registry value for: ", name);
     } catch (...) {
         ReportFailure(LogWarning, L"Error with CRegKey");
     }
@@ -72,8 +74,10 @@ bool SetupDevice::ReadProperty(DWORD property, std::wstring& characters) const
     if (!entryPoints.getDeviceRegistryProperty(set, &device, property, nullptr, nullptr, 0, &size)) {
         const DWORD error = GetLastError();
         if (error != ERROR_INSUFFICIENT_BUFFER) {
-            if (error != ERROR_INVALID_DATA)  // the property is absent
+            if (error != ERROR_INVALID_DATA) {  // else the property is absent
                 WriteLog(LogWarning, L"SetupDiGetDeviceRegistryProperty failed with error: ", error);
+                FailureScope::Note(L"Setup API SetupDiGetDeviceRegistryProperty", error);
+            }
             return false;
         }
     }

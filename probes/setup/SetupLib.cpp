@@ -5,6 +5,7 @@
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "diag/ProcessInstance.h"
+#include "diag/SourceFailures.h"
 
 namespace kel {
 
@@ -39,7 +40,8 @@ bool SetupLib::Initialize()
         if (initialized)
             return true;
         if (!loader(entryPoints)) {
-            WriteLog(LogError, L"Failure to load setupapi.dll: ", GetLastError());
+            loadError = GetLastError();
+            WriteLog(LogError, L"Failure to load setupapi.dll: ", loadError);
             return false;
         }
         initialized = entryPoints.IsComplete();
@@ -56,13 +58,16 @@ bool SetupLib::GetDeviceSet(const GUID& deviceClass, OwnedDeviceSet& set)
     try {
         const HDEVINFO opened = entryPoints.getClassDevs(&deviceClass, nullptr, nullptr, DIGCF_PRESENT);
         if (opened == INVALID_HANDLE_VALUE) {
-            WriteLog(LogWarning, L"SetupDiGetClassDevs failed with error: ", GetLastError());
+            const DWORD error = GetLastError();
+            WriteLog(LogWarning, L"SetupDiGetClassDevs failed with error: ", error);
+            FailureScope::Note(L"Setup API SetupDiGetClassDevs", error);
             return false;
         }
         set = OwnedDeviceSet(opened, {entryPoints.destroyDeviceInfoList});
         return true;
     } catch (...) {
         ReportFailure(LogError, L"Error in call to SetupDiGetClassDevs.");
+        FailureScope::NoteException();
         return false;
     }
 }
@@ -76,8 +81,10 @@ bool SetupLib::Enumerate(const wchar_t* operation, DWORD deviceClass, const wcha
 bool SetupLib::Enumerate(const wchar_t* operation, const GUID& deviceClass, const wchar_t* setFailure,
                          const Fill& fill)
 {
-    if (!initialized)
+    if (!initialized) {
+        FailureScope::Note(L"Setup API", loadError);
         return false;
+    }
     try {
         const LogScope trace((std::wstring(L"kel::SetupLib::") + operation).c_str());
         OwnedDeviceSet set;
@@ -95,11 +102,13 @@ bool SetupLib::Enumerate(const wchar_t* operation, const GUID& deviceClass, cons
             } catch (...) {
                 isWhole = false;
                 ReportFailure(LogError, L"Error in ", operation);
+                FailureScope::NoteException();
             }
         }
         return isWhole;
     } catch (...) {
         ReportFailure(LogError, L"Error in ", operation);
+        FailureScope::NoteException();
         return false;
     }
 }

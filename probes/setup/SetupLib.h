@@ -89,6 +89,7 @@ private:
     Loader loader;
     SetupEntryPoints entryPoints;
     bool initialized = false;
+    DWORD loadError = ERROR_PROC_NOT_FOUND;  ///< why it is not
 };
 
 }  // namespace kel

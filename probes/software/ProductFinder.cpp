@@ -118,9 +118,9 @@ std::vector<Installation> ProductFinder::FindMajors(const Product& product)
 
 bool ProductFinder::IsUncertain(const Product& product) const
 {
-    return isInstallerRefused && std::ranges::any_of(product.locators, [](const Locator& locator) {
-               return locator.by == FindBy::UpgradeCode;
-           });
+    return installerError != ERROR_SUCCESS &&
+           std::ranges::any_of(product.locators,
+                               [](const Locator& locator) { return locator.by == FindBy::UpgradeCode; });
 }
 
 bool ProductFinder::IsMet(const Condition& condition)

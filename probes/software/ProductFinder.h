@@ -79,7 +79,7 @@ private:
     const SoftwareFunctions& functions;
     LocalFiles files;
     UninstallList uninstallList;
-    bool isInstallerRefused = false;
+    UINT installerError = ERROR_SUCCESS;  ///< with which the installer refused to list its products
 };
 
 }  // namespace kel

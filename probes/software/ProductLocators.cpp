@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "platform/RegistryNames.h"
 #include "probes/software/Command.h"
 #include "probes/software/DotNet.h"
@@ -93,15 +94,15 @@ bool IsMarkedAbsent(HKEY key)
 
 void ProductFinder::FindInstalled(const Search& search)
 {
-    for (DWORD index = 0; index < MaxInstalled && !isInstallerRefused; ++index) {
+    for (DWORD index = 0; index < MaxInstalled && installerError == ERROR_SUCCESS; ++index) {
         wchar_t code[CodeSize] = {};
         const UINT status = functions.relatedProduct(search.locator.where, index, code);
         if (status == ERROR_NO_MORE_ITEMS)
             return;
         if (status != ERROR_SUCCESS) {
             WriteLog(LogWarning, L"The installer cannot list its products: ", status);
-            isInstallerRefused = true;
-            return;
+            installerError = status;
+            break;
         }
         code[CodeSize - 1] = L'\0';
         const Installation installed = {ReadDottedNumber(ReadProperty(code, L"VersionString")),
@@ -112,6 +113,8 @@ void ProductFinder::FindInstalled(const Search& search)
         else if (!installed.version.empty())  // a product that is only advertised has none
             search.found.push_back(installed);
     }
+    if (installerError != ERROR_SUCCESS)
+        FailureScope::Note(L"the Windows Installer", installerError);
 }
 
 std::wstring ProductFinder::ReadProperty(const wchar_t* code, const wchar_t* property)

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "platform/Library.h"
 #include "probes/Attempt.h"
 #include "values/Hexadecimal.h"
@@ -40,8 +41,10 @@ struct Property {
 
 bool IsGiven(HRESULT result, const wchar_t* call)
 {
-    if (FAILED(result))
+    if (FAILED(result)) {
         WriteLog(LogWarning, call, L" failed: 0x", Hexadecimal(static_cast<DWORD>(result), 8));
+        FailureScope::Note(L"sound endpoints", static_cast<std::uint32_t>(result));
+    }
     return SUCCEEDED(result);
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 
+#include "diag/SourceFailures.h"
 #include "values/DeviceID.h"
 #include "values/Name.h"
 #include "values/Size.h"
@@ -26,6 +27,7 @@ struct DiskInfo {
     std::optional<bool> isVirtual;    ///< made from a file
     std::optional<bool> holdsWindows;
     std::optional<Version> firmware;
+    SourceFailure failure;  ///< why its own answers are incomplete
 };
 
 }  // namespace kel

@@ -3,6 +3,7 @@
 #include <winioctl.h>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "probes/Attempt.h"
 #include "probes/storage/DiskAnswers.h"
 #include "probes/storage/DiskModel.h"
@@ -129,6 +130,7 @@ std::vector<DiskInfo> ListDisks(const StorageFunctions& functions)
         for (const std::uint32_t number : ListDeviceNumbers(functions, DiskWord)) {
             DiskInfo disk;
             disk.number = static_cast<std::int32_t>(number);
+            const FailureScope scope;
             DWORD error = ERROR_SUCCESS;
             Attempt(L"Error in a disk's answers.", [&] {
                 const StorageDevice device(functions, DevicePrefix + (DiskWord + std::to_wstring(number)));
@@ -136,6 +138,8 @@ std::vector<DiskInfo> ListDisks(const StorageFunctions& functions)
             });
             if (error != ERROR_SUCCESS)
                 WriteLog(LogWarning, L"Disk ", number, L": incomplete answer, error ", error);
+            if (error != ERROR_SUCCESS || scope.Found().hasException)
+                disk.failure = {L"disk " + std::to_wstring(number), error};
             if (!IsGone(error))
                 disks.push_back(disk);
         }
@@ -172,8 +176,10 @@ std::vector<std::int32_t> ReadWindowsDisks(const StorageFunctions& functions)
         DWORD error = ERROR_SUCCESS;
         if (!letter.empty())
             disks = AskVolume(functions, letter, error);
-        if (!letter.empty() && disks.empty())
+        if (!letter.empty() && disks.empty()) {
             WriteLog(LogWarning, L"The disks of the Windows volume are unknown, error ", error);
+            FailureScope::Note(L"IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS", error);
+        }
     });
     return disks;
 }

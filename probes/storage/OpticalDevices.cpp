@@ -95,8 +95,10 @@ OpticalInfo ReadOpticalDrive(const StorageFunctions& functions, const std::wstri
         const std::wstring target = letter.empty() ? L"" : GetTarget(functions, letter);
         const std::wstring device =
             target.starts_with(KernelPrefix) ? target.substr(KernelPrefix.size()) : L"";
-        if (!device.starts_with(DeviceWord) || !ReadDevice(functions, OpticalPrefix + device, drive))
+        if (!device.starts_with(DeviceWord) || !ReadDevice(functions, OpticalPrefix + device, drive)) {
             WriteLog(LogWarning, L"An optical drive does not answer.");
+            drive.failure = {L"optical drive " + letter, 0};
+        }
     });
     return drive;
 }

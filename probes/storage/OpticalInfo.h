@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "diag/SourceFailures.h"
 #include "probes/storage/OpticalAbilities.h"
 #include "values/DeviceID.h"
 #include "values/Name.h"
@@ -20,6 +21,7 @@ struct OpticalInfo {
     const wchar_t* abilitySource = L"";  ///< their source, for the log
     std::optional<bool> writesCds;       ///< of the abilities
     std::optional<bool> isVirtual;       ///< shows an image instead of a medium
+    SourceFailure failure;               ///< why its own answers are missing
 };
 
 }  // namespace kel

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -52,8 +53,10 @@ std::vector<wchar_t> ListNames(const StorageFunctions& functions)
         const DWORD error = length > 0 ? ERROR_SUCCESS : GetLastError();
         if (error == ERROR_INSUFFICIENT_BUFFER)
             continue;
-        if (error != ERROR_SUCCESS)
+        if (error != ERROR_SUCCESS) {
             WriteLog(LogWarning, L"The system cannot list its devices, error ", error);
+            FailureScope::Note(L"QueryDosDeviceW", error);
+        }
         names.resize(std::min<std::size_t>(length, room));
         return names;
     }

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "diag/Log.h"
+#include "diag/SourceFailures.h"
 #include "platform/Handles.h"
 #include "platform/Library.h"
 #include "probes/Attempt.h"
@@ -112,19 +113,18 @@ const wchar_t* GetVolumeKind(UINT type)
     }
 }
 
-std::optional<Size> ReadProfileSpace(const VolumeFunctions& functions, const std::vector<VolumeInfo>& volumes)
+const VolumeInfo* FindProfileVolume(const VolumeFunctions& functions, const std::vector<VolumeInfo>& volumes)
 {
-    std::optional<Size> free;
+    const VolumeInfo* volume = nullptr;
     Attempt(L"Error in the volume of the profile.", [&] {
         const std::wstring folder = functions.getProfileFolder();
-        const auto isOfProfile = [&folder](const VolumeInfo& volume) {
-            return ToUpper(folder.substr(0, 2)) == volume.letter.ToString();
+        const auto isOfProfile = [&folder](const VolumeInfo& found) {
+            return ToUpper(folder.substr(0, 2)) == found.letter.ToString();
         };
-        // Nothing is known about a remote volume, as it is not asked.
         if (const auto found = std::ranges::find_if(volumes, isOfProfile); found != volumes.end())
-            free = found->free;
+            volume = &*found;
     });
-    return free;
+    return volume;
 }
 
 std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
@@ -132,8 +132,11 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
     std::vector<VolumeInfo> volumes;
     Attempt(L"Error in the list of volumes.", [&] {
         const DWORD drives = functions.getLogicalDrives();
-        if (drives == 0)
-            WriteLog(LogWarning, L"The system cannot list its volumes, error ", GetLastError());
+        if (drives == 0) {
+            const DWORD error = GetLastError();
+            WriteLog(LogWarning, L"The system cannot list its volumes, error ", error);
+            FailureScope::Note(L"GetLogicalDrives", error);
+        }
         const std::wstring windows = GetWindowsLetter(functions.getSystemWindowsDirectory);
         for (int place = 0; place < LetterCount; ++place) {
             if ((drives >> place & 1) == 0)
@@ -143,6 +146,7 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
             volume.letter = Name(letter);
             if (!windows.empty())
                 volume.holdsWindows = letter == windows;
+            const FailureScope scope;
             DWORD error = ERROR_SUCCESS;
             Attempt(L"Error in a volume's answers.", [&] {
                 const std::wstring root = letter + L"\\";
@@ -156,6 +160,8 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
             });
             if (error != ERROR_SUCCESS)
                 WriteLog(LogWarning, L"Volume ", letter, L": incomplete answer, error ", error);
+            if (error != ERROR_SUCCESS || scope.Found().hasException)
+                volume.failure = {L"volume " + letter, error};
         }
     });
     return volumes;

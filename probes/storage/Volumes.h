@@ -40,9 +40,8 @@ const wchar_t* GetVolumeKind(UINT type);
 /// volume has no sizes, with a warning in the log.
 std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions);
 
-/// The space that is free to this user on the volume of the user's profile; nullopt when it is not among the
-/// volumes or was not read.
-std::optional<Size> ReadProfileSpace(const VolumeFunctions& functions,
-                                     const std::vector<VolumeInfo>& volumes);
+/// The volume of the user's profile; null when it is unknown. Of a remote one nothing is known, as it is not
+/// asked.
+const VolumeInfo* FindProfileVolume(const VolumeFunctions& functions, const std::vector<VolumeInfo>& volumes);
 
 }  // namespace kel

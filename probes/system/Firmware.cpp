@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "diag/SourceFailures.h"
 #include "platform/Library.h"
 #include "platform/RegistryValue.h"
 
@@ -39,14 +40,20 @@ Name ReadKind(const FirmwareFunctions& functions)
 {
     DWORD type = 0;
     if (functions.getFirmwareType) {
-        if (!functions.getFirmwareType(type) || (type != BiosType && type != UefiType))
+        const bool isRead = functions.getFirmwareType(type) != FALSE;
+        if (!isRead)
+            FailureScope::Note(L"GetFirmwareType", GetLastError());
+        if (!isRead || (type != BiosType && type != UefiType))
             return {};
         return Name(type == UefiType ? UefiKind : BiosKind);
     }
     const DWORD error = functions.getVariableError();
     if (error == ERROR_INVALID_FUNCTION)
         return Name(BiosKind);
-    return Name(error == ERROR_NOACCESS || error == ERROR_PRIVILEGE_NOT_HELD ? UefiKind : L"");
+    if (error == ERROR_NOACCESS || error == ERROR_PRIVILEGE_NOT_HELD)
+        return Name(UefiKind);
+    FailureScope::Note(L"GetFirmwareEnvironmentVariableW", error);
+    return {};
 }
 
 std::optional<bool> ReadSecureBoot(const Name& kind)
@@ -83,6 +90,8 @@ FirmwareInfo ReadFirmware(const FirmwareFunctions& functions)
     const std::uint32_t status = functions.getTpm(tpm);
     if (status == ERROR_SUCCESS || status == TpmNotFound)
         info.hasTpm = status == ERROR_SUCCESS;
+    else
+        FailureScope::Note(L"Tbsi_GetDeviceInfo", status);
     if (status == ERROR_SUCCESS && (tpm.tpmVersion == 1 || tpm.tpmVersion == 2))
         info.tpmVersion = Version(tpm.tpmVersion == 1 ? L"1.2" : L"2.0");
     return info;

@@ -1,5 +1,6 @@
 #include "probes/system/Memory.h"
 
+#include "diag/SourceFailures.h"
 #include "platform/Library.h"
 
 namespace kel {
@@ -38,7 +39,10 @@ MemoryInfo ReadMemory(const MemoryFunctions& functions)
     constexpr ULONGLONG Kilobyte = 1024;
     MemoryInfo info = ReadStatus(functions);
     ULONGLONG kilobytes = 0;
-    if (functions.getInstalled != nullptr && functions.getInstalled(&kilobytes) && kilobytes > 0)
+    if (functions.getInstalled == nullptr || !functions.getInstalled(&kilobytes))
+        FailureScope::Note(L"GetPhysicallyInstalledSystemMemory",
+                           functions.getInstalled != nullptr ? GetLastError() : ERROR_PROC_NOT_FOUND);
+    else if (kilobytes > 0)
         info.installed = Size(kilobytes * Kilobyte);
     return info;
 }

@@ -2,6 +2,7 @@
 
 #include <cwchar>
 
+#include "diag/SourceFailures.h"
 #include "platform/Library.h"
 #include "platform/WindowsVersion.h"
 #include "probes/system/ProcessToken.h"
@@ -59,8 +60,10 @@ OSInfo ReadOSInfo(const OSFunctions& functions)
     OSVERSIONINFOEXW version = {};
     version.dwOSVersionInfoSize = sizeof(version);
     info.hasVersion = functions.getVersion(version) != FALSE;
-    if (!info.hasVersion)
+    if (!info.hasVersion) {
+        FailureScope::Note(L"GetVersionExW", GetLastError());
         return info;
+    }
     info.platform = version.dwPlatformId;
     info.major = version.dwMajorVersion;
     info.minor = version.dwMinorVersion;

@@ -24,7 +24,7 @@ std::wstring UpdateSignature()
     const std::optional<RegistryValue> value = key ? ReadValue(key.get(), L"Update Signature") : std::nullopt;
     if (value && value->type == REG_BINARY && value->bytes.size() > RevisionByte)
         return Hexadecimal(value->bytes[RevisionByte], 2);
-    WriteLog(LogWarning, L"Registry value is missing or not usable: ", ProcessorKey, L" Update Signature");
+    WriteLog(LogTrace, L"Registry value is missing or not usable: ", ProcessorKey, L" Update Signature");
     return {};
 }
 
@@ -87,7 +87,7 @@ bool Registry::ReadText(HKEY root, const wchar_t* key, const wchar_t* name, std:
     if (value)
         text = value->Text();
     else
-        WriteLog(LogWarning, L"Registry value is missing: ", key, L' ', name);
+        WriteLog(LogTrace, L"Registry value is missing: ", key, L' ', name);
     return value.has_value();
 }
 

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <string>
 
+#include "diag/SourceFailures.h"
 #include "platform/RegistryValue.h"
 #include "probes/system/WindowsRelease.h"
 
@@ -118,9 +119,13 @@ WindowsInfo ReadWindowsInfo(const OSFunctions& functions, bool asksRevision)
                                std::to_wstring(version->dwBuildNumber));
         info.release = Name(NameRelease(*version));
         info.isServer = version->wProductType != Workstation;
+    } else {
+        FailureScope::Note(L"RtlGetVersion", ERROR_SUCCESS);
     }
     info.architecture = Name(NameMachine(ReadNativeMachine(functions)));
     info.canAdminister = CanAdminister(functions);
+    if (!info.canAdminister)
+        FailureScope::Note(L"GetTokenInformation", ERROR_SUCCESS);
     info.isRestartPending = IsRestartPending();
     return info;
 }

@@ -7,6 +7,7 @@
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "diag/ProcessInstance.h"
+#include "diag/SourceFailures.h"
 #include "probes/Attempt.h"
 #include "probes/Variant.h"
 #include "values/Hexadecimal.h"
@@ -37,17 +38,16 @@ WMI::WMI()
 void WMI::Init()
 {
     const LogScope trace(L"kel::WMI::Init");
-    HRESULT result = E_FAIL;
     try {
-        result = Connect();
+        connected = Connect();
     } catch (...) {
-        result = E_OUTOFMEMORY;
+        connected = E_OUTOFMEMORY;
     }
-    initialised = SUCCEEDED(result);
+    initialised = SUCCEEDED(connected);
     if (!initialised) {
         services.Reset();
         locator.Reset();
-        WriteLog(LogWarning, L"WMI cannot be reached: ", Show(result));
+        WriteLog(LogWarning, L"WMI cannot be reached: ", Show(connected));
     }
     WriteLog(LogTrace, initialised ? L"WMI inited ok." : L"WMI init failure.");
 }
@@ -65,6 +65,12 @@ HRESULT WMI::Connect()
     return result;
 }
 
+void WMI::NoteFailure(std::wstring_view wql, HRESULT result)
+{
+    const std::wstring name(wql.substr(wql.rfind(L' ') + 1));
+    FailureScope::Note(L"WMI " + name, static_cast<std::uint32_t>(result));
+}
+
 bool WMI::Query(const wchar_t* wql, IEnumWbemClassObject** result)
 {
     if (!initialised)
@@ -76,9 +82,12 @@ bool WMI::Query(const wchar_t* wql, IEnumWbemClassObject** result)
     } catch (...) {
         status = E_OUTOFMEMORY;
     }
-    if (FAILED(status))
-        Attempt(L"WMI refused a query.",
-                [&] { WriteLog(LogWarning, L"WMI refused: ", wql, L": ", Show(status)); });
+    if (FAILED(status)) {
+        Attempt(L"WMI refused a query.", [&] {
+            WriteLog(LogWarning, L"WMI refused: ", wql, L": ", Show(status));
+            NoteFailure(wql, status);
+        });
+    }
     return SUCCEEDED(status);
 }
 
@@ -117,6 +126,8 @@ std::vector<ComPtr<IWbemClassObject>> WMI::Read(const wchar_t* wql, ULONG count)
             continue;
         *objects.emplace_back().GetAddressOf() = object;
     }
+    if (FAILED(result))
+        NoteFailure(wql, result);
     if (objects.empty())  // not a failure in itself: many machines have no optical drive
         WriteLog(SUCCEEDED(result) ? LogTrace : LogWarning, L"WMI has no object: ", wql, L": ", Show(result));
     return objects;

@@ -5,6 +5,7 @@
 
 #include <wrl/client.h>
 
+#include <string_view>
 #include <vector>
 
 #include "probes/Source.h"
@@ -51,6 +52,8 @@ public:
 
 private:
     void Init();
+    /// Notes that the class of a query could not be read.
+    static void NoteFailure(std::wstring_view wql, HRESULT result);
     /// @return the first result that is a failure, or S_OK
     HRESULT Connect();
 
@@ -61,6 +64,7 @@ private:
     std::vector<Microsoft::WRL::ComPtr<IWbemClassObject>> Read(const wchar_t* wql, ULONG count);
 
     bool initialised = false;
+    HRESULT connected = E_FAIL;  ///< how connecting ended
     Microsoft::WRL::ComPtr<IWbemLocator> locator;
     Microsoft::WRL::ComPtr<IWbemServices> services;
 };

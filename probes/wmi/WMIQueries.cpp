@@ -5,6 +5,7 @@
 
 #include "diag/Log.h"
 #include "diag/LogScope.h"
+#include "diag/SourceFailures.h"
 #include "probes/Variant.h"
 #include "probes/wmi/WMI.h"
 #include "values/Junk.h"
@@ -99,14 +100,17 @@ template <typename TakeObject>
 bool WMI::ForEach(const wchar_t* wql, ULONG count, const wchar_t* errorLine, TakeObject take)
 {
     bool isRead = false;
-    if (!initialised)
-        return isRead;
     try {
+        if (!initialised) {
+            NoteFailure(wql, connected);
+            return isRead;
+        }
         for (const auto& object : Read(wql, count)) {
             isRead = true;
             take(object.Get());
         }
     } catch (...) {
+        FailureScope::NoteException();
         if (errorLine != nullptr)
             ReportFailure(LogError, errorLine);
     }

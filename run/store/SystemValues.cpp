@@ -44,6 +44,7 @@ void SystemValues::AddValue(const SystemValueID& id, const boost::shared_ptr<con
         ReplaceValue(added);
     else
         values.push_back(added);
+    reasons.erase(Key(id));
 }
 
 void SystemValues::AddValue(const SystemValueID& id, const std::wstring& text)
@@ -88,6 +89,20 @@ const SystemValue* SystemValues::TryGetValue(const SystemValueID& id) const
 {
     const auto found = std::ranges::find_if(values, HasID(id));
     return found != values.end() ? &*found : nullptr;
+}
+
+void SystemValues::SetReason(const SystemValueID& id, const Reason& reason)
+{
+    reasons[Key(id)] = reason;
+}
+
+std::optional<Reason> SystemValues::FindReason(const SystemValueID& id) const
+{
+    const SystemValue* const value = TryGetValue(id);
+    if (value != nullptr && !value->Text().empty())
+        return {};
+    const auto found = reasons.find(Key(id));
+    return found != reasons.end() ? found->second : Reason();
 }
 
 }  // namespace kel

@@ -3,12 +3,17 @@
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 #include <concepts>
+#include <cstdint>
+#include <map>
 #include <new>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "run/store/SystemValue.h"
 #include "run/store/SystemValueID.h"
+#include "values/Reason.h"
 #include "values/Value.h"
 
 namespace kel {
@@ -62,11 +67,27 @@ public:
     /// The value, or null when there is none.
     const SystemValue* TryGetValue(const SystemValueID& id) const;
 
+    /// Notes why a value is empty or missing, until a value is added under its id.
+    void SetReason(const SystemValueID& id, const Reason& reason);
+
+    /// Whether SetReason was called since a value was last added under the id.
+    bool HasReason(const SystemValueID& id) const { return reasons.contains(Key(id)); }
+
+    /// Why a value is empty or missing, NotThere unless another reason was noted; nullopt for a value that
+    /// has a text.
+    std::optional<Reason> FindReason(const SystemValueID& id) const;
+
     std::vector<SystemValue>::const_iterator begin() const { return values.begin(); }
     std::vector<SystemValue>::const_iterator end() const { return values.end(); }
 
 private:
+    static std::pair<unsigned, std::int32_t> Key(const SystemValueID& id)
+    {
+        return {id.Group().Number(), id.Index()};
+    }
+
     std::vector<SystemValue> values;
+    std::map<std::pair<unsigned, std::int32_t>, Reason> reasons;  // beside the values, by group and index
 };
 
 }  // namespace kel

@@ -18,6 +18,8 @@ constexpr std::array<unsigned, 3> AlwaysWritten = {MachineIdentifierGroup, Serve
 
 bool IsWritten(const GroupID& group)
 {
+    if (group.Number() == ExchangeStateGroup)
+        return false;
     return Session::Current().IsWanted(group) || std::ranges::count(AlwaysWritten, group.Number()) != 0;
 }
 

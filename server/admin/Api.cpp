@@ -10,13 +10,13 @@
 #include "server/admin/Drafts.h"
 #include "server/admin/Pages.h"
 #include "server/admin/figures/Recent.h"
-#include "server/admin/kit/Csv.h"
 #include "server/admin/kit/Texts.h"
 #include "server/base/Log.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
 #include "server/store/Reports.h"
 #include "server/store/RequirementSets.h"
+#include "verdict/text/Csv.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {

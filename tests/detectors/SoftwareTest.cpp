@@ -127,6 +127,9 @@ TEST_F(FaultySoftware, KeepsOtherSourcesWhenOneFails)
     EXPECT_EQ(session.Text(73552), L"No");
     EXPECT_EQ(session.Text(73553), L"");  // of the installer alone
     EXPECT_EQ(session.Text(73240), L"");  // of which reading threw
+    EXPECT_EQ(session.Why(73553), L"not readable: the Windows Installer, error 1601");
+    EXPECT_EQ(session.Why(73240), L"the detector failed");
+    EXPECT_EQ(session.Why(73523), L"not there");
 }
 
 TEST(Applications, ReadOnlyTheNamesOfTwentyThousandOtherEntries)

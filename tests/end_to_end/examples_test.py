@@ -49,7 +49,8 @@ class Examples(ControlTest):
         self.assertEqual(code, 0 if output.endswith("pass\n") else 1)
         self.service.faults["/service/Analysis/unknown"] = "404"
         for example in ("check.vbs", "check.js"):
-            self.assertEqual(self.run_example(example, "unknown")[:2], (2, "The analysis service answered: nothing here\n"))
+            self.assertEqual(self.run_example(example, "unknown")[:2],
+                             (2, "No verdict: answered\nThe analysis service answered: nothing here\n"))
 
     def test_programs_macros_and_pages_show_the_verdict_and_a_fact(self):
         # Wine's own CreateObject refuses objects that take a site.
@@ -78,11 +79,12 @@ class Page(unittest.TestCase):
         shutil.copytree(EXAMPLES, self.folder, dirs_exist_ok=True)
         self.browser = Browser(self)
 
-    def show(self, name, answer=None, system=WINDOWS):
+    def show(self, name, answer=None, system=WINDOWS, state="answered"):
         """The page's rows, and its total, note and offer, None where hidden; with a control that answers, or without one."""
         page = (EXAMPLES / "check.html").read_text("utf-8")
         if answer is not None:
-            control = f"document.getElementById('control').Analysis = function () {{ return {json.dumps(answer)}; }};"
+            control = f"""control.Analysis = function () {{ return {json.dumps(answer)}; }};
+                control.Value = function (id) {{ return id == "73390" ? {json.dumps(state)} : ""; }};"""
             page = page.replace("</object>", f"</object><script>{control}</script>")
         (self.folder / f"{name}.html").write_text(page, "utf-8")
         self.browser.command("Emulation.setUserAgentOverride", dict(zip(("userAgent", "platform"), system)))
@@ -111,6 +113,17 @@ class Page(unittest.TestCase):
             with self.subTest(name):
                 self.assertEqual(self.show("no-verdict", answer),
                                  [[], "The analysis service gave no verdict.", "Please try again later.", None])
+
+    def test_it_says_why_there_is_no_verdict(self):
+        for state, total, note in (
+                ("not reached: 12007", "The analysis service was not reached.", "Error 12007."),
+                ("unknown product", "The analysis service does not know this product.", "inform the owner"),
+                ("another host answered", "Another host answered in the place of the analysis service.", "log in"),
+                ("cut", "The answer of the analysis service was cut off.", "Please try again.")):
+            with self.subTest(state):
+                rows, *shown = self.show("trouble", "<html>", state=state)
+                self.assertEqual((rows, shown[0]), ([], total))
+                self.assertIn(note, shown[1])
 
     def test_without_a_control_on_windows_it_says_that_the_answer_is_rough_and_offers_the_package(self):
         rows, total, note, offer = self.show("rough")

@@ -154,9 +154,9 @@ class Packages(unittest.TestCase):
         with zipfile.ZipFile(again["Detection-4.5.1-x64.zip"]) as zipped:
             zipped.extractall(folder)
         subprocess.run(["sha256sum", "--quiet", "--check", "SHA256SUMS"], cwd=folder, check=True)
-        self.assertLessEqual({"Detection.dll", "Detection.manifest", "Detection.cdx.json", "examples", "licences"},
+        self.assertLessEqual({"Detection.dll", "kel.exe", "Detection.manifest", "Detection.cdx.json", "examples", "licences"},
                              set(os.listdir(folder)))
-        self.assertEqual(len(os.listdir(Path(folder) / "licences")), 3)
+        self.assertEqual(len(os.listdir(Path(folder) / "licences")), 5)
 
     @unittest.skipUnless((ROOT / ".git").exists(), "not a working copy")
     def test_an_archive_has_tracked_files_only(self):

@@ -1,6 +1,7 @@
 """What the control sends, and how it handles the answers."""
 
 import os
+import re
 import time
 import urllib.request
 from unittest import mock
@@ -87,10 +88,36 @@ class Wire(ControlTest):
                 self.assertRegex(request["line"], "^GET http://content.keldane.example[:/]")
                 self.assertLessEqual({("User-Agent", "KEL"), ("Pragma", "no-cache")}, {*map(tuple, request["headers"])})
 
+    def test_a_page_reads_how_the_last_exchange_ended(self):
+        self.require("demo", (71063, "Memory", "any"), (73390, "Exchange", "any"))
+        faults = {"demo": None, "nobody": None, "half": "cut", "far": "redirect-host", "guest": "log-in-page"}
+        self.service.faults = {f"/service/Analysis/{referrer}": fault for referrer, fault in faults.items()}
+        states = self.run_script("".join(
+            f'control.ReferrerID = "{referrer}"; var answer = control.Analysis("i", "xml", "1");'
+            'WScript.Echo(control.Value("73390"));'
+            for referrer in faults))
+        self.assertEqual(dict(zip(faults, states)), {
+            "demo": "answered", "nobody": "unknown product", "half": "cut", "far": "another host answered",
+            "guest": "another host answered"})
+        self.assertNotIn("73390", self.service.requests[1]["body"])
+
     def test_facts_remain_without_a_service(self):
+        self.logs = True
         self.service.shutdown()
         self.service.server_close()
         output = self.run_as("demo", 'WScript.Echo("[" + control.Analysis("i", "xml", "1") + "]");'
                              'WScript.Echo(control.Value("71063") != "" && control.Value("71424") == control.SessionID);'
-                             'WScript.Echo(control.SysInfo.indexOf("<groups>"));')
-        self.assertEqual(output, ["[]", "-1", "0"])
+                             'WScript.Echo(control.SysInfo.indexOf("<groups>")); WScript.Echo(control.Value("73390"));')
+        self.assertEqual(output, ["[]", "-1", "0", "not reached: 12029"])
+        self.assertRegex(self.log, r"ERR   \| .*The request has failed: GET analysis\.keldane\.example/Data/Service\.svc/"
+                                   r"Group/list\?refid=demo, proxy 127\.0\.0\.1:\d+: not reached: 12029, the host does not")
+
+    def test_the_log_begins_with_the_process_and_has_no_key_and_few_warnings(self):
+        self.logs = True
+        self.run_as("demo", 'var answer = control.Analysis("i", "xml", "1");')
+        self.assertRegex(self.log, r"^[\d:]{8}  000000  TRACE \| \d{4}-\d\d-\d\d, process \d+ C:.*cscript\.exe, "
+                                   r"version [\d.]+ Z:.*Detection\.dll\n")
+        warnings = re.findall(r"  (?:WARN|ERR)  .*", self.log)
+        self.assertLessEqual(len(warnings), 2, warnings)
+        self.assertIn("Request: POST analysis.keldane.example/Data/Service.svc/upload, proxy 127.0.0.1:", self.log)
+        self.assertNotIn(API_KEY, self.log)

@@ -11,6 +11,9 @@
 #include "probes/graphics/Edid.h"
 #include "probes/graphics/VulkanManifest.h"
 #include "probes/setup/DriverDate.h"
+#include "program/files/ReadSnapshot.h"
+#include "program/files/SupportFile.h"
+#include "program/text/UserError.h"
 #include "run/System.h"
 #include "run/store/GroupsText.h"
 #include "service/Utf8.h"
@@ -124,6 +127,18 @@ Texts MonitorAnswers()
     return answers;
 }
 
+/// A file is read, and what was read is kept in another one; or it is refused in one line.
+bool IsReadOrRefused(const Text& text)
+{
+    try {
+        const program::Snapshot snapshot = program::ReadSnapshot(Narrow(text));
+        return program::ReadSnapshot(WriteSupportFile(snapshot)).facts.size() == snapshot.facts.size();
+    } catch (const program::UserError& error) {
+        const std::string reason = error.what();
+        return !reason.empty() && reason.size() < 200 && reason.find('\n') == std::string::npos;
+    }
+}
+
 /// The input of a parser, and whether its answer is allowed. Nothing may be thrown.
 const struct Target {
     const char* name;
@@ -160,6 +175,18 @@ const struct Target {
      IsOfProcessors,
      {Wide(Little(0, 4) + Little(48, 4) + Little(0x100, 22) + Little(1, 2) + Little(3, 16) + Little(3, 4) +
            Little(48, 4) + Little(0, 40) + Little(2, 4) + Little(48, 4) + Little(0x800000000, 40))}},
+    {"Files",
+     L"{\"kel\":1,\"time\":\"t\",\"verdict\":{\"result\":\"pass\",\"title\":\"T\",\"requirements\":[{"
+     L"\"result\":"
+     L"\"fail\",\"label\":\"M\",\"needed\":\"any\",\"found\":\"\",\"recommended\":true,\"any "
+     L"of\":[]}]},\"values\":"
+     L"[{\"id\":71063,\"index\":0,\"value\":\"7.8 GB\",\"reason\":\"\"}],\"log\":[\"a\"]};;"
+     L"{\"reports\":[{\"id\":1,\"received\":\"t\",\"values\":[{\"id\":\"5\",\"index\":1,\"value\":"
+     L"\"\\u20ac\"}]}],"
+     L"\"last\":1};;<groups><group index=\"0\" id=\"71063\"><value>7.8 &amp; GB</value></group><group "
+     L"id=\"5\"/>"
+     L"</groups>  ;;<?xml version=\"1.0\"?><!DOCTYPE a [<!ENTITY b \"c\">]><groups>&b;<![CDATA[x]]></groups>",
+     IsReadOrRefused},
     {"Storage", nullptr, IsOfStorage, StorageAnswers()},
     {"Monitor", nullptr, IsOfMonitor, MonitorAnswers()},
 };

@@ -57,8 +57,8 @@ TEST(Library, WarnsOfAFunctionThatIsMissing)
     EXPECT_NE(FindLoadedFunction<void()>(L"kernel32.dll", "GetVersionExW"), nullptr);
     EXPECT_EQ(FindLoadedFunction<void()>(L"kernel32.dll", "NoFunction"), nullptr);
     EXPECT_EQ(FindLoadedFunction<void()>(L"no library", "OfNoLibrary"), nullptr);
-    EXPECT_EQ(log.Lines(), (std::vector<std::wstring>{L"WARN The system has no function NoFunction",
-                                                      L"WARN The system has no function OfNoLibrary"}));
+    EXPECT_EQ(log.Lines(), (std::vector<std::wstring>{L"TRACE The system has no function NoFunction",
+                                                      L"TRACE The system has no function OfNoLibrary"}));
 }
 
 }  // namespace

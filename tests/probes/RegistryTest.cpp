@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "diag/SourceFailures.h"
 #include "platform/RegistryNames.h"
+#include "platform/RegistryValue.h"
 #include "probes/setup/SetupDevice.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
@@ -66,7 +68,7 @@ TEST(Registry, ReadsTextsAndSizesOfEachType)
     EXPECT_FALSE(ReadRegistryValue(key.Key(), L"missing", L"string", text));
     EXPECT_FALSE(ReadRegistryValue(key.Key(), L"", L"string", text));  // stands in the subkey
     EXPECT_EQ(text, L"");
-    const test::LogCapture log(2);
+    const test::LogCapture log(3);
     Log::Instance().exceptions(std::ios::badbit);  // raised by the name that is none
     EXPECT_FALSE(ReadRegistryValue(key.Key(), nullptr, nullptr, text));
     Log::Instance().exceptions(std::ios::goodbit);
@@ -84,6 +86,19 @@ TEST(RegistryNames, AreLimitedToTheRequestedCount)
         EXPECT_EQ(ListSubkeys(key.Key(), maxCount).size(), std::min<DWORD>(maxCount, 3)) << maxCount;
         EXPECT_EQ(ListValues(key.Key(), maxCount).size(), std::min<DWORD>(maxCount, 3)) << maxCount;
     }
+}
+
+TEST(Registry, NotesKeysThatCannotBeReadAndNotMissingOnes)
+{
+    const test::ScratchKey key;
+    const FailureScope scope;
+    EXPECT_FALSE(OpenKey(key.Key(), L"missing", KEY_READ));
+    EXPECT_FALSE(ReadValue(key.Key(), L"missing"));
+    EXPECT_TRUE(scope.Found().AreNone());
+    EXPECT_FALSE(OpenKey(nullptr, L"unreadable", KEY_READ));
+    ASSERT_EQ(scope.Found().sources.size(), 1U);
+    EXPECT_EQ(scope.Found().sources[0].source, L"registry unreadable");
+    EXPECT_EQ(scope.Found().sources[0].error, DWORD{ERROR_INVALID_HANDLE});
 }
 
 }  // namespace

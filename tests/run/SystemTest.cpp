@@ -253,9 +253,10 @@ TEST(XMLReport, WritesWantedValuesInTheStoresOrder)
         return text;
     };
     EXPECT_EQ(report(), L"<groups></groups>  ");
-    session.wanted.Assign(L"5|7,0abc", L"referrer");
+    session.wanted.Assign(L"5|7,0abc,73390", L"referrer");
     session.values.AddValue(7, L"a<b&c>\"'");
     session.values.AddValue(6, L"not wanted");
+    session.values.AddValue(73390, L"for the page alone");
     session.values.AddValue(SystemValueID(GroupID(std::wstring(L"abc")), 2), std::wstring(L"by number 0"));
     session.values.AddValue(ID(5, -1), boost::make_shared<const Unprintable>());
     for (const unsigned fixed : {71466U, 71207U, 71465U, 71206U})  // the last one is not

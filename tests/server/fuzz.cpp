@@ -9,7 +9,6 @@
 
 #include "fuzz/Generator.h"
 #include "server/admin/DraftCheck.h"
-#include "server/admin/kit/Csv.h"
 #include "server/admin/kit/Form.h"
 #include "server/admin/kit/Html.h"
 #include "server/http/Target.h"
@@ -20,6 +19,7 @@
 #include "verdict/PageStyle.h"
 #include "verdict/Rendering.h"
 #include "verdict/Tally.h"
+#include "verdict/text/Csv.h"
 #include "verdict/text/Text.h"
 #include "verdict/text/Utf8.h"
 

@@ -102,6 +102,7 @@ TEST(Exchange, IsInTheStageThatWinINetReports)
 
 TEST(Exchange, IsSkippedAfterOneOfTheSameCallEndedAtALimit)
 {
+    const test::TestSession session;
     WebServiceUpload request(L"x");
     const test::LogCapture log(LogWarning);
     {
@@ -203,6 +204,40 @@ TEST(Answer, CountsOnlyFromTheServicesHost)
     for (const wchar_t* other : {L"", L"a.example", L"http://a.example@b.example",
                                  L"http://b.example/a.example", L"http://a.example.b.example/"})
         EXPECT_FALSE(IsOfHost(other, L"a.example")) << other;
+}
+
+TEST(Answer, ShowsWhoAnsweredAndWhetherItIsWhole)
+{
+    const std::string xml = "<analysis result=\"pass\"><title>T</title></analysis>",
+                      page = "<!DOCTYPE html>\n<html>", verdict = page + "<p class=\"total pass\"></html>\n";
+    const struct {
+        const char* name;
+        const wchar_t* status;
+        std::string body;
+        const wchar_t* state;
+    } rows[] = {
+        {"a verdict", L"200", xml, ExchangeState::Answered},
+        {"as JSON", L"200", "{\"result\":\"pass\"}", ExchangeState::Answered},
+        {"as a page", L"200", verdict, ExchangeState::Answered},
+        {"half a verdict", L"200", xml.substr(0, 40), ExchangeState::Cut},
+        {"half a page", L"200", verdict.substr(0, 50), ExchangeState::Cut},
+        {"half of JSON", L"200", "{\"result\":", ExchangeState::Cut},
+        {"another page", L"200", "\n" + page + "</html>", ExchangeState::OtherHost},
+        {"a proxy's error", L"502", "<h1>Bad Gateway</h1>", ExchangeState::OtherHost},
+        {"a proxy's log-in", L"407", "", ExchangeState::OtherHost},
+        {"no such product", L"404", "the referrer is not known", ExchangeState::UnknownProduct},
+        {"none in a group list", L"404", "", ExchangeState::UnknownProduct},
+        {"no report", L"404", "no report of this session was uploaded", ExchangeState::Answered},
+        {"too busy", L"503", "busy", ExchangeState::Answered},
+    };
+    for (const auto& row : rows) {
+        HttpAnswer answer;
+        answer.status = row.status;
+        answer.body = row.body;
+        EXPECT_STREQ(ExchangeState::Of(answer, FormOfVerdict(row.body)), row.state) << row.name;
+    }
+    EXPECT_EQ(FormOfText("71063|71094"), AnswerForm::Own);
+    EXPECT_EQ(FormOfText(xml), AnswerForm::Foreign);
 }
 
 TEST(Answer, IsLoggedAsAWarningFromStatus400On)

@@ -22,6 +22,7 @@
 #include "support/PlantedGraphics.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
+#include "verdict/Catalogue.h"
 
 namespace kel::test {
 
@@ -76,6 +77,23 @@ BOOLEAN WINAPI AnswerPower(SYSTEM_POWER_CAPABILITIES* capabilities)
 
 }  // namespace
 
+/// Why values are empty: those of the store, and those of the catalogue that it lacks.
+static Lines ListReasons(const SystemValues& values)
+{
+    std::vector<SystemValueID> ids;
+    for (const SystemValue& value : values)
+        ids.push_back(value.ID());
+    for (const CatalogueValue& value : CatalogueValues)
+        ids.emplace_back(GroupID(static_cast<unsigned>(value.id)));
+    Lines reasons;
+    for (const SystemValueID& id : ids) {
+        if (const std::optional<Reason> reason = values.FindReason(id))
+            reasons.push_back(id.Group().Text() + L"[" + std::to_wstring(id.Index()) + L"]=" +
+                              reason->ToString());
+    }
+    return reasons;
+}
+
 PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
     : machine(newMachine),
       wmi(newWmi),
@@ -109,6 +127,8 @@ void PlantedMachine::Reverse()
 void PlantedMachine::PlantBasics()
 {
     wmi.objects.clear();
+    const std::wstring refused = machine.First(L"no-wmi");
+    wmi.query = static_cast<HRESULT>(NumberOf(refused, 16));
     network.Break(machine);
     software.userKeys.Make(L"software\\Keldane");  // in which the machine's identifier is kept
     const std::wstring diskClass = machine.First(L"disk-class");
@@ -339,6 +359,7 @@ Detected PlantedMachine::Detect()
     Detected detected;
     detected.log = log.Lines();
     detected.stored = session.Lines(0, 73999);
+    detected.reasons = ListReasons(session.values);
     std::wstring all;
     for (const unsigned number : session.Numbers())
         all += std::to_wstring(number) + L",";

@@ -18,6 +18,7 @@ namespace kel::test {
 /// The results of running the detectors on a machine.
 struct Detected {
     Lines stored;            ///< "id[index]=text"
+    Lines reasons;           ///< "id[index]=reason" of empty and missing values
     Lines log;               ///< at all levels
     Lines opened;            ///< paths of storage devices, with " for reading" where they were
     std::wstring letters;    ///< of volumes that were opened

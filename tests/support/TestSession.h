@@ -40,6 +40,13 @@ public:
         return texts;
     }
 
+    /// Why the value under a group number, index 0, is empty; "(a text)" when it is not.
+    std::wstring Why(unsigned number) const
+    {
+        const std::optional<Reason> reason = values.FindReason(SystemValueID(GroupID(number)));
+        return reason ? reason->ToString() : L"(a text)";
+    }
+
     /// The values stored under the numbers of a range, in the store's order, as "number[index]=text" lines.
     std::vector<std::wstring> Lines(unsigned first, unsigned last) const
     {

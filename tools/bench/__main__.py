@@ -6,7 +6,7 @@ from pathlib import Path
 
 import devices
 from figures import CLOCK, GROUPS, first_run
-from programs import DLL, ROOT, Programs, cabinet_size, machine
+from programs import BUILD, DLL, ROOT, Programs, cabinet_size, machine
 from table import Aims, Rows, save, write_page
 
 REQUIREMENTS = """{"title": "Bench", "requirements": [
@@ -45,6 +45,7 @@ def measure(programs, rows, times):
     rows.add_all("", programs.run("library_bench")[0])
     for script in ("empty", "facts", "control"):
         rows.add(f"script.{script}", programs.script_milliseconds(script))
+    rows.add("script.program", programs.milliseconds(str(BUILD / "kel.exe"), "facts", "--json"))
 
 
 def main():

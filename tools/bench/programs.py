@@ -78,8 +78,12 @@ class Programs:
 
     def script_milliseconds(self, name):
         script = "Z:" + str(ROOT / "tools" / "bench" / f"{name}.vbs").replace("/", "\\")
+        return self.milliseconds("cscript", "//nologo", script)
+
+    def milliseconds(self, *arguments):
+        """A whole process, from its start to its end."""
         start = time.perf_counter()
-        self.wine("cscript", "//nologo", script)
+        self.wine(*arguments)
         return 1000 * (time.perf_counter() - start)
 
 

@@ -49,6 +49,7 @@ LABELS = {
         "script.empty": ("an empty VBScript", "ms"),
         "script.facts": ("a VBScript that asks WMI for the facts", "ms"),
         "script.control": ("a VBScript that asks the control (with its second)", "ms"),
+        "script.program": ("`kel facts`, with the values that load a graphics driver", "ms"),
     },
     **devices.LABELS,
     "Reads after the first": {

@@ -1,5 +1,5 @@
-"""Makes the packages from a built DLL: two installers, an archive, and on demand a cabinet. Signs the DLL in them and
-the packages when a certificate is given (scripts/sign.sh)."""
+"""Makes the packages from a built DLL and program: two installers, an archive, and on demand a cabinet of the DLL. Signs
+the DLL and the program in them, and the packages, when a certificate is given (scripts/sign.sh)."""
 
 import argparse
 import datetime
@@ -19,7 +19,8 @@ import registration
 from stamp import EPOCH, faked
 
 ROOT = registration.ROOT
-DOCUMENTS = ("README.md", "CHANGELOG.md", "docs/integration.md", "docs/deployment.md", "docs/scripting.md", "docs/value-ids.md")
+DOCUMENTS = ("README.md", "CHANGELOG.md", "docs/program.md",
+             "docs/integration.md", "docs/deployment.md", "docs/scripting.md", "docs/value-ids.md")
 CABINET_INF = """[version]
 signature="$CHICAGO$"
 AdvancedINF=2.0
@@ -58,11 +59,20 @@ def archived_sources():
     return [*DOCUMENTS, *(str(path.relative_to(ROOT)) for path in examples if path.is_file())]
 
 
-def archive(version, dll, target):
-    """The archive: the DLL, the manifest, the documents and examples, the licences of linked libraries, and the SBOM."""
+def headers(folder):
+    """What a program in C or C++ is compiled with, without the path of the folder that it was generated in."""
+    texts = {name: (folder / name).read_bytes() for name in ("Detection.h", "Detection_i.c")}
+    return {f"include/{name}": text[text.index(b"\n") + 1:].lstrip() for name, text in texts.items()}
+
+
+def archive(version, dll, program, interface, target):
+    """The archive: the DLL, the program, the headers, the manifest, the documents and examples, the licences of linked
+    libraries, and the SBOM."""
     content = dll.read_bytes()
-    files = {"Detection.dll": content, "Detection.manifest": assembly.manifest(version).encode(),
-             "Detection.cdx.json": bill.bill(version, digest(content)).encode(), **bill.licences()}
+    files = {"Detection.dll": content, "kel.exe": program.read_bytes(),
+             "Detection.manifest": assembly.manifest(version).encode(),
+             "Detection.cdx.json": bill.bill(version, digest(content)).encode(), **bill.licences(),
+             **headers(interface)}
     files |= {name: (ROOT / name).read_bytes() for name in archived_sources()}
     files["SHA256SUMS"] = "".join(f"{digest(files[name])}  {name}\n" for name in sorted(files)).encode()
     date = datetime.datetime.fromtimestamp(EPOCH, datetime.timezone.utc).timetuple()[:6]
@@ -85,6 +95,8 @@ def cabinet(version, dll, work, target):
 def main():
     parser = argparse.ArgumentParser(prog="packaging", description=__doc__)
     parser.add_argument("--dll", type=Path, default=ROOT / "build" / "release" / "Detection.dll")
+    parser.add_argument("--program", type=Path, default=ROOT / "build" / "release" / "kel.exe")
+    parser.add_argument("--headers", type=Path, default=ROOT / "build" / "release" / "control")
     parser.add_argument("--output", type=lambda text: Path(text).resolve(), default=ROOT / "build" / "package")
     parser.add_argument("--version", default=built_version(), help="three numbers; the DLL's otherwise")
     parser.add_argument("--cab", action="store_true", help="make the cabinet, too")
@@ -95,17 +107,18 @@ def main():
     work = output / "work"
     shutil.rmtree(work, ignore_errors=True)
     work.mkdir(parents=True)
-    dll, icon = work / "Detection.dll", work / "Detection.ico"
+    dll, program, icon = work / "Detection.dll", work / "kel.exe", work / "Detection.ico"
     shutil.copyfile(arguments.dll, dll)
-    sign(dll)
+    shutil.copyfile(arguments.program, program)
+    sign(dll, program)
     shutil.copyfile(ROOT / "packaging" / "Detection.ico", icon)
-    for path in (dll, icon):
+    for path in (dll, program, icon):
         os.utime(path, (EPOCH, EPOCH))
     base = output / f"Detection-{version}-x64"
     made = [Path(f"{base}.msi"), Path(f"{base}-user.msi"), Path(f"{base}.zip")]
     installer.build("machine", version, work, made[0])
     installer.build("user", version, work, made[1])
-    archive(version, dll, made[2])
+    archive(version, dll, program, arguments.headers, made[2])
     if arguments.cab:
         made.append(Path(f"{base}.cab"))
         cabinet(version, dll, work, made[-1])

@@ -1,4 +1,4 @@
-"""The licence texts of what is linked into the DLL, and a bill of materials (CycloneDX)."""
+"""The licence texts of what is linked into the DLL and the program, and a bill of materials (CycloneDX)."""
 
 import datetime
 import json
@@ -15,6 +15,8 @@ LINKED = [
     ("mingw-w64 runtime and winpthreads", "start-up code, import libraries, threads", "mingw-w64-x86-64-dev",
      "mingw-w64-common", "ZPL-2.1 AND MIT"),
     ("Boost headers", "header-only libraries", "libboost1.74-dev", "libboost1.74-dev", "BSL-1.0"),
+    ("JSON for Modern C++", "header-only library, of the program", "nlohmann-json3-dev", "nlohmann-json3-dev", "MIT"),
+    ("CLI11", "header-only library, of the program", "libcli11-dev", "libcli11-dev", "BSD-3-Clause"),
 ]
 
 

@@ -63,6 +63,7 @@ def source(scope, version, product_code):
       <Directory Id="{folder}">{opened}<Directory Id="INSTALLFOLDER" Name="Detection">
       <Component Id="Control" Guid="{COMPONENTS[scope]}" Win64="yes">
         <File Id="DetectionDll" Name="Detection.dll" Source="Detection.dll"{'' if user else ' KeyPath="yes"'}/>
+        <File Id="KelExe" Name="kel.exe" Source="kel.exe"/>
 {marker}{_registry(wide, root)}
       </Component>
 {component32}      </Directory>{closed}</Directory>
@@ -74,25 +75,26 @@ def source(scope, version, product_code):
 
 
 def build(scope, version, work, target):
-    """Makes one package of the DLL and the icon in a folder; the same inputs give the same bytes.
+    """Makes one package of the DLL, the program and the icon in a folder; the same inputs give the same bytes.
 
     Packages with different contents, such as DLLs for different hosts, are different products even if their version is
     the same: the later one replaces the earlier one. With one code for both, the system would keep the earlier DLL.
     """
-    dll, icon = work / "Detection.dll", work / "Detection.ico"
+    dll, program, icon = work / "Detection.dll", work / "kel.exe", work / "Detection.ico"
     wxs = work / f"{scope}.wxs"
     queries = (
         # The tool writes no file version; a row without one beside a versioned file could keep the old file.
-        f"UPDATE `File` SET `Version`='{version}.0', `Language`='1033' WHERE `File`='DetectionDll'",
-        "DELETE FROM `MsiFileHash` WHERE `File_`='DetectionDll'",
+        f"UPDATE `File` SET `Version`='{version}.0', `Language`='1033'",
+        *(f"DELETE FROM `MsiFileHash` WHERE `File_`='{file}'" for file in ("DetectionDll", "KelExe")),
         # The tool's own upgrade row replaces only lower versions.
         "DELETE FROM `Upgrade` WHERE `ActionProperty`='WIX_UPGRADE_DETECTED'",
         "INSERT INTO `Upgrade` (`UpgradeCode`, `VersionMax`, `Attributes`, `ActionProperty`) VALUES "
         f"('{{{UPGRADE_CODES[scope]}}}', '{version}', {MIGRATE_FEATURES | VERSION_MAX_INCLUSIVE}, 'WIX_UPGRADE_DETECTED')")
-    inputs = (source(scope, version, "").encode(), *map(str.encode, queries), dll.read_bytes(), icon.read_bytes())
+    files = (dll, program, icon)
+    inputs = (source(scope, version, "").encode(), *map(str.encode, queries), *(path.read_bytes() for path in files))
     content = hashlib.sha256(b"".join(inputs)).hexdigest()
     wxs.write_text(source(scope, version, _code("product", content)))
-    for path in (wxs, dll, icon):
+    for path in (wxs, *files):
         os.utime(path, (EPOCH, EPOCH))
     target.unlink(missing_ok=True)
     subprocess.run([*faked(), "wixl", "-a", "x64", "-o", str(target), wxs.name], cwd=work, check=True)

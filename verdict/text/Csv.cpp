@@ -1,9 +1,9 @@
-#include "server/admin/kit/Csv.h"
+#include "verdict/text/Csv.h"
 
 #include <algorithm>
 #include <string_view>
 
-namespace kel::server {
+namespace kel {
 
 namespace {
 
@@ -43,4 +43,4 @@ std::string CsvRecord(const std::vector<std::string>& cells)
     return record + "\r\n";
 }
 
-}  // namespace kel::server
+}  // namespace kel

@@ -1,0 +1,144 @@
+#include "program/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "BuildSettings.h"
+#include "program/text/Output.h"
+#include "program/text/UserError.h"
+#include "verdict/text/Text.h"
+
+namespace kel::program {
+
+namespace {
+
+constexpr const char* Footer =
+    "Exit codes: 0 pass, or no difference; 1 fail, or a difference; 2 unknown;\n"
+    "3 wrong arguments, files or answers, with one line that says what to do.\n"
+    "Only \"check PRODUCT\", \"report --product\" and the value 71069 use the network.";
+
+/// A name of a host: no port, no path, no address of the wide form.
+std::string CheckHost(const std::string& text)
+{
+    const bool isHost =
+        !text.empty() && text.size() <= 253 && std::all_of(text.begin(), text.end(), [](char c) {
+            return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' ||
+                   c == '-';
+        });
+    return isHost ? "" : "\"" + text + "\" is not the name of a host; it has no port and no path";
+}
+
+std::string CheckProduct(const std::string& text)
+{
+    return IsReferrer(text) ? "" : "\"" + text + "\" is not a product: letters, digits, \"-\" and \"_\"";
+}
+
+void AddFacts(CLI::App& app, Options& options)
+{
+    CLI::App* facts = app.add_subcommand("facts", "Show the facts of this machine");
+    facts->add_option("subject", options.subjects,
+                      "Areas (such as memory) or ids (such as 71063); all if none");
+    CLI::Option* json = facts->add_flag("--json", options.asJson, "As JSON");
+    facts->add_flag("--csv", options.asCsv, "As CSV")->excludes(json);
+    facts->add_flag("--why", options.showsReasons, "Also the empty values, and why they are empty");
+    facts->callback([&options] { options.command = Command::Facts; });
+}
+
+void AddCheck(CLI::App& app, Options& options)
+{
+    CLI::App* check = app.add_subcommand("check", "Compare this machine with what a product needs");
+    CLI::Option* product = check->add_option("product", options.product, "Whose requirements the service has")
+                               ->check(CheckProduct);
+    CLI::Option* file = check->add_option("--requirements", options.requirements,
+                                          "A file of requirements instead: nothing leaves the machine");
+    file->excludes(product);
+    check->add_option("--html", options.html, "Write the verdict as a page to this file, too");
+    check->add_flag("--json", options.asJson, "As JSON");
+    check->add_option("--service", options.service, "The host of another service")
+        ->check(CheckHost)
+        ->excludes(file);
+    check->callback([&options, product, file] {
+        options.command = Command::Check;
+        if (product->empty() && file->empty())
+            throw CLI::RequiredError("A product, or --requirements with a file,");
+    });
+}
+
+void AddReport(CLI::App& app, Options& options)
+{
+    CLI::App* report = app.add_subcommand("report", "Write what support needs to know into one file");
+    report->add_option("file", options.files, "The file to write")->required()->expected(1);
+    CLI::Option* product =
+        report->add_option("--product", options.product, "With the service's verdict for it")
+            ->check(CheckProduct);
+    CLI::Option* file =
+        report->add_option("--requirements", options.requirements, "With the verdict by this file");
+    file->excludes(product);
+    report->add_option("--service", options.service, "The host of another service")
+        ->check(CheckHost)
+        ->excludes(file);
+    report->callback([&options] { options.command = Command::Report; });
+}
+
+void AddExplain(CLI::App& app, Options& options)
+{
+    CLI::App* explain =
+        app.add_subcommand("explain", "Show what a file says: each value, each line, and why");
+    explain
+        ->add_option("file", options.files, "A file of \"kel report\", a report of the control, or an export")
+        ->required()
+        ->expected(1);
+    explain->add_option("--requirements", options.requirements, "Judge it by this file of requirements");
+    explain->add_flag("--json", options.asJson, "The verdict alone, as JSON");
+    explain->callback([&options] { options.command = Command::Explain; });
+}
+
+void AddCompare(CLI::App& app, Options& options)
+{
+    CLI::App* compare = app.add_subcommand("compare", "Show what differs between two such files");
+    compare->add_option("files", options.files, "Two files")->required()->expected(2);
+    compare->callback([&options] { options.command = Command::Compare; });
+}
+
+/// One line, in the words of this program.
+std::string OneLine(std::string reason)
+{
+    std::replace(reason.begin(), reason.end(), '\n', ' ');
+    return reason + ". \"kel --help\" lists the commands.";
+}
+
+}  // namespace
+
+std::optional<Options> ReadCommandLine(std::vector<std::string> arguments)
+{
+    Options options;
+    CLI::App app("Machine inventory: what this machine has, and whether it meets a product's requirements.",
+                 "kel");
+    app.footer(Footer);
+    app.set_version_flag("--version", "kel " KEL_VERSION_TEXT);
+    app.require_subcommand(0, 1);
+    app.allow_windows_style_options(false);  // a path may begin with a slash
+    AddFacts(app, options);
+    AddCheck(app, options);
+    AddReport(app, options);
+    AddExplain(app, options);
+    AddCompare(app, options);
+    std::reverse(arguments.begin(), arguments.end());  // as the library takes them
+    try {
+        app.parse(std::move(arguments));
+    } catch (const CLI::CallForHelp&) {
+        const auto chosen = app.get_subcommands();
+        Output::Standard().Write(chosen.empty() ? app.help() : chosen.front()->help());
+        return std::nullopt;
+    } catch (const CLI::CallForVersion& version) {
+        Output::Standard().WriteLine(version.what());
+        return std::nullopt;
+    } catch (const CLI::ParseError& error) {
+        throw UserError(OneLine(error.what()));
+    }
+    return options;
+}
+
+}  // namespace kel::program

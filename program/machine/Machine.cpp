@@ -1,0 +1,123 @@
+#include "program/machine/Machine.h"
+
+#include <windows.h>
+
+#include <array>
+#include <cstdio>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "BuildSettings.h"
+#include "program/files/VerdictJson.h"
+#include "program/machine/Progress.h"
+#include "program/text/Characters.h"
+#include "program/text/UserError.h"
+#include "run/System.h"
+#include "service/AnalysisRequest.h"
+#include "service/CallBudget.h"
+#include "service/ServiceHost.h"
+#include "service/Utf8.h"
+#include "verdict/Catalogue.h"
+#include "verdict/text/Text.h"
+
+namespace kel::program {
+
+namespace {
+
+constexpr int ReleaseId = 73401, WindowsVersionId = 73400, HostProgramId = 73003, ExchangeStateId = 73390;
+constexpr std::string_view SessionArea = "session";  // what a page sets, which this program does not
+constexpr std::size_t MaxEcho = 100;                 // bytes of an answer that an error repeats
+
+std::string NowAsText()
+{
+    SYSTEMTIME now;
+    GetSystemTime(&now);
+    std::array<char, 32> text = {};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02dZ", now.wYear, now.wMonth, now.wDay,
+                  now.wHour, now.wMinute, now.wSecond);
+    return text.data();
+}
+
+std::string FindReason(const SystemValueID& id)
+{
+    const auto reason = System::Instance().Values().FindReason(id);
+    return reason ? ToUtf8(reason->ToString()) : std::string();
+}
+
+void AddMissing(Snapshot& snapshot)
+{
+    std::set<int> stored;
+    for (const Fact& fact : snapshot.facts)
+        stored.insert(fact.id);
+    for (const CatalogueValue& value : CatalogueValues) {
+        const SystemValueID id{GroupID(static_cast<unsigned>(value.id))};
+        if (value.area != SessionArea && !stored.contains(value.id))
+            snapshot.missing.push_back({value.id, 0, "", FindReason(id)});
+    }
+}
+
+Snapshot TakeSnapshot()
+{
+    Snapshot snapshot;
+    snapshot.time = NowAsText();
+    snapshot.version = KEL_VERSION_TEXT;
+    for (const SystemValue& value : System::Instance().Values()) {
+        const SystemValueID& id = value.ID();
+        snapshot.facts.push_back(
+            {static_cast<int>(id.Group().Number()), id.Index(), ToUtf8(value.Text()), FindReason(id)});
+    }
+    AddMissing(snapshot);
+    snapshot.windows = std::string(Trim(snapshot.Text(ReleaseId) + " " + snapshot.Text(WindowsVersionId)));
+    snapshot.host = snapshot.Text(HostProgramId);
+    return snapshot;
+}
+
+}  // namespace
+
+std::vector<unsigned> AllGroups()
+{
+    std::vector<unsigned> groups;
+    for (const CatalogueValue& value : CatalogueValues) {
+        if (value.id != BandwidthGroup)
+            groups.push_back(static_cast<unsigned>(value.id));
+    }
+    return groups;
+}
+
+Snapshot ReadMachine(std::vector<unsigned> groups)
+{
+    const Progress progress;
+    System::Instance().DetectLocally(std::move(groups));
+    return TakeSnapshot();
+}
+
+Snapshot CheckByService(const std::string& product)
+{
+    const CallBudget budget;  // of all exchanges together, as of a member of the control
+    System& system = System::Instance();
+    system.SetReferrerID(FromUtf8(product));
+    {
+        const Progress progress;
+        system.Detect();
+    }
+    AnalysisRequest request;
+    request.SetItemID(L"requirements");
+    request.SetMessageFormat(L"json");
+    request.SetFormatVersion(L"1.0");
+    request.Call();
+    const std::string answer = ToUtf8(request.GetResult());
+    Snapshot snapshot = TakeSnapshot();
+    snapshot.product = product;
+    snapshot.verdict = ReadVerdict(nlohmann::json::parse(answer, nullptr, false));
+    if (!snapshot.verdict)
+        throw UserError("The service at " + ToUtf8(ServiceHost()) + " gave no verdict for \"" + product +
+                        "\": " + snapshot.Text(ExchangeStateId) +
+                        (answer.empty()
+                             ? ". Check the product, the connection and the proxy, or use --requirements."
+                             : ": \"" + Printable(Shortened(answer, MaxEcho)) + "\"."));
+    return snapshot;
+}
+
+}  // namespace kel::program
