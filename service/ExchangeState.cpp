@@ -1,5 +1,7 @@
 #include "service/ExchangeState.h"
 
+#include "values/Text.h"
+
 namespace kel {
 
 namespace {
@@ -42,7 +44,8 @@ const wchar_t* ExchangeState::Of(const HttpAnswer& answer, AnswerForm form)
 {
     if (answer.isOfOtherHost || form == AnswerForm::Foreign || answer.status == ProxyAuthentication)
         return OtherHost;
-    if (answer.isCut || form == AnswerForm::CutOff)
+    // Wine reports the status 0 where the host ended the connection before it answered.
+    if (answer.isCut || form == AnswerForm::CutOff || ToInteger(answer.status.value_or(L"")) == 0)
         return Cut;
     const std::string_view text = answer.body;
     if (answer.status == NotFound && (text.empty() || text.find(UnknownReferrer) != text.npos))

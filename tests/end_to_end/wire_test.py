@@ -90,14 +90,14 @@ class Wire(ControlTest):
 
     def test_a_page_reads_how_the_last_exchange_ended(self):
         self.require("demo", (71063, "Memory", "any"), (73390, "Exchange", "any"))
-        faults = {"demo": None, "nobody": None, "half": "cut", "far": "redirect-host", "guest": "log-in-page"}
+        faults = {"demo": None, "nobody": None, "half": "cut", "gone": "close", "far": "redirect-host", "guest": "log-in-page"}
         self.service.faults = {f"/service/Analysis/{referrer}": fault for referrer, fault in faults.items()}
         states = self.run_script("".join(
             f'control.ReferrerID = "{referrer}"; var answer = control.Analysis("i", "xml", "1");'
             'WScript.Echo(control.Value("73390"));'
             for referrer in faults))
         self.assertEqual(dict(zip(faults, states)), {
-            "demo": "answered", "nobody": "unknown product", "half": "cut", "far": "another host answered",
+            "demo": "answered", "nobody": "unknown product", "half": "cut", "gone": "cut", "far": "another host answered",
             "guest": "another host answered"})
         self.assertNotIn("73390", self.service.requests[1]["body"])
 

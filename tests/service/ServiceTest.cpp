@@ -236,6 +236,8 @@ TEST(Answer, ShowsWhoAnsweredAndWhetherItIsWhole)
         answer.body = row.body;
         EXPECT_STREQ(ExchangeState::Of(answer, FormOfVerdict(row.body)), row.state) << row.name;
     }
+    EXPECT_STREQ(ExchangeState::Of(HttpAnswer(), AnswerForm::Own),
+                 ExchangeState::Cut);  // before its first line
     EXPECT_EQ(FormOfText("71063|71094"), AnswerForm::Own);
     EXPECT_EQ(FormOfText(xml), AnswerForm::Foreign);
 }
