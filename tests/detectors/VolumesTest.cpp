@@ -22,8 +22,8 @@ TEST(Volumes, AgreeWithTheSystemAndRestoreTheErrorMode)
     ULARGE_INTEGER size = {}, free = {};
     GetDiskFreeSpaceExW(L"C:\\", &free, &size, nullptr);
     const std::wstring total = Size(size.QuadPart).ToString(), left = Size(free.QuadPart).ToString();
-    EXPECT_EQ(session.Texts({72602, 72603, 72604, 72605, 72606, 72607}),
-              L"C:|fixed|NTFS|" + total + L"|" + left + L"|Yes|");
+    EXPECT_EQ(session.Texts({72602, 72603, 72604, 72605, 72606, 72607, 73500}),
+              L"C:|fixed|NTFS|" + total + L"|" + left + L"|Yes|" + left + L"|");
     for (const SystemValue& value : session.values)
         EXPECT_EQ(value.Text().find(L"4711"), std::wstring::npos) << value.Text();
     try {

@@ -19,7 +19,8 @@ namespace kel::test {
 
 /// Adapters, for the Setup API and in tables of functions. A line: instance id of its device (none for an
 /// interface without one), name, type and medium of the interface, flags (hardware H, connector C, filter F,
-/// default route R, no name among the addresses N), state, speed. Drivers are 1.0.0, 1.0.1 and so on.
+/// default route R, no name among the addresses N, none of the device D), state, speed. Drivers are 1.0.0,
+/// 1.0.1 and so on.
 struct PlantedNetwork {
     explicit PlantedNetwork(const Lines& lines)
     {
@@ -48,7 +49,8 @@ struct PlantedNetwork {
                 continue;
             auto& device =
                 *devices.emplace_back(std::make_unique<PlantedDevice>(NetworkClass, fields[0].c_str()));
-            device.With(SPDRP_DEVICEDESC, fields[1]).With(SPDRP_HARDWAREID, DeviceID(fields[0]).ToString());
+            device.With(SPDRP_DEVICEDESC, has(L'D') ? L"" : fields[1])
+                .With(SPDRP_HARDWAREID, DeviceID(fields[0]).ToString());
             device.Driver(L"DriverVersion", L"1.0." + place).InContainer(fields[7]).InState(fields[8]);
             device.Driver(L"NetCfgInstanceId", {names.back().begin(), names.back().end()});
         }
