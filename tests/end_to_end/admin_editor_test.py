@@ -53,7 +53,9 @@ class Editing(AdminTest):
             self.assertEqual("No longer asked: M" in page.data, name == "one line less", name)
 
     def test_a_long_draft_with_many_quotes_is_saved_and_one_that_is_too_long_gets_a_page(self):
-        for size, status, message in ((900_000, 303, ""), (1_048_576, 303, ""), (1_048_577, 413, "Go back in the browser")):
+        too_long = ("A draft has 1 MB at most; nothing was saved. "
+                    "Go back in the browser, where the text still is, and shorten it.")
+        for size, status, message in ((900_000, 303, ""), (1_048_576, 303, ""), (1_048_577, 413, too_long)):
             self.database.run("DELETE FROM draft")
             answer, page = self.act("save", '"' * size)
             self.assertEqual(answer, status, size)

@@ -51,7 +51,7 @@ class Bounds(Rooms):
         for number in range(6):
             self.upload_large(f"large{number}")  # more than there is room for; the size is looked at ten times a second
         self.await_answer(lambda: self.upload_large("late"), (503, b""))
-        self.assert_no_room("max_database_mb")
+        self.assert_no_room("the database has reached max_database_mb")
         if KIND == "sqlite":  # what is free inside of the file counts as free
             for number in range(6):
                 self.command("purge", "--session", f"large{number}")
@@ -100,7 +100,7 @@ class SmallDisk(Rooms):
         count = self.upload_until_refused(400)
         self.assertGreater(count, 50)
         self.assertGreater(self.free(), 12 * MEGABYTE)  # the log takes some of it
-        self.assert_no_room("min_free_mb")
+        self.assert_no_room("less than min_free_mb is free")
         self.assertEqual((self.verdict(), self.log_in()), ((200, True), 303))
         self.assertEqual(self.database.run("SELECT count(*) FROM verdict"), [(1,)])
         self.command("purge", "--older", "1h")
@@ -111,14 +111,14 @@ class SmallDisk(Rooms):
         self.assertEqual(self.ask("GET", "/readyz", address=self.admin)[0], 200)
         self.fill()
         self.assertEqual(self.upload_large("large0"), (503, b""))  # the write-ahead log cannot use that room
-        self.assert_no_room("min_free_mb")
+        self.assert_no_room("less than min_free_mb is free")
 
     def test_deletions_work_on_a_disk_that_others_fill(self):
         for number in range(20):
             self.assertEqual(self.upload_large(f"large{number}")[0], 200)
         self.fill()
         self.assertEqual(self.upload_large("late"), (503, b""))
-        self.assert_no_room("min_free_mb")
+        self.assert_no_room("less than min_free_mb is free")
         self.assertEqual(self.verdict(), (200, True))
         self.assertIn("event=verdict-not-kept", self.log_text())
         self.assertIn(b"\nkel_verdicts_not_kept_total 1\n", self.ask("GET", "/metrics", address=self.admin)[1])
