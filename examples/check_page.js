@@ -11,7 +11,7 @@
   var TOTALS = {
     pass: "Yes: this machine meets the requirements.",
     fail: "No: this machine does not meet all requirements.",
-    unknown: "Not sure: not all could be found out."
+    unknown: "Not sure: some facts could not be determined."
   };
 
   // Why there is no verdict, by what the control says of the last exchange (its value 73390), and what to do.

@@ -47,7 +47,7 @@ done
 # script host's exit code does not distinguish the two: a script error ends it with 0.
 for file in report.xml analysis.html; do
   if [ ! -s "$output/$file" ]; then
-    echo "There is no $file. What the service saw stands in $output/service.log" >&2
+    echo "There is no $file. See the service's log: $output/service.log" >&2
     exit 1
   fi
 done

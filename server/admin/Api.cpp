@@ -79,7 +79,7 @@ int ReadRevision(const AdminRequest& request)
 {
     const std::string* match = request.http.Header("If-Match");
     if (!match)
-        throw Fault(428, "The request has to say with If-Match which draft it is for.");
+        throw Fault(428, "If-Match has to name the revision of the draft.");
     const bool isQuoted = match->size() > 2 && match->front() == '"' && match->back() == '"';
     const std::int64_t revision =
         isQuoted ? WholeNumber(std::string_view(*match).substr(1, match->size() - 2)) : -1;

@@ -21,7 +21,7 @@ Answer ShowAudit(const AdminRequest& request)
     for (const AuditEntry& note : notes)
         table.Add({Moment(note.time), Html::Stored(note.account), note.action,
                    note.subject.empty() ? Html("–") : Html::Stored(note.subject)});
-    Html content = table.Done("Nothing was noted.");
+    Html content = table.Done("No entries.");
     if (notes.size() == MaxEntries)
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More entries"}},
                                  Link("/audit?before=" + std::to_string(notes.back().id), "Older →"));

@@ -25,7 +25,7 @@ Html Help()
              "of, none of (texts between commas), contains, any (known at all), yes, no."),
          Html::Element(
              "p", {},
-             "Of a value with several devices the first counts; with \"of\": \"any\" any one may "
+             "If a value has several devices, the first one counts; with \"of\": \"any\" any one may "
              "hold. In the place of id, comparison and needed a line may have \"any of\", a list of "
              "such three, of which one has to hold; one of them may be \"all of\", a list of which "
              "each has to hold. A line with \"recommended\": true is shown but does not affect the "
@@ -82,7 +82,7 @@ Answer DraftConflict(const AdminRequest& request, const std::string& text)
             "bad",
             "The draft was published or dropped meanwhile. Nothing was overwritten: below are both texts.");
     }
-    content += TextArea(draft ? "Their draft" : "The text in force", "theirs",
+    content += TextArea(draft ? "Their draft" : "The published text", "theirs",
                         draft ? draft->text : NewestText(request.database, referrer), true) +
                Html::Element("h2", {}, "Your text") + EditorForm(request, text, draft ? draft->revision : 0);
     return Page(request, "Edit conflict", content, 409);

@@ -34,7 +34,7 @@ Answer AskToPublish(const AdminRequest& request, int revision, const std::string
 {
     const Html content =
         Html::Element("p", {{"class", "lead"}},
-                      "The draft is saved. Once it is published, every verdict is by these requirements.") +
+                      "The draft is saved. Once it is published, every verdict uses these requirements.") +
         DraftPreview::Run(request.database, request.subject, Requirements::Read(text)).Show() +
         Confirmation(request, "publish", revision, text, Button("Publish", "primary"));
     return Page(request, "Publish the draft of " + request.subject, content);

@@ -81,7 +81,7 @@ Answer ErrorPage(const AdminRequest& request, int status, const std::string& rea
                         : status == 409 ? "Edit conflict"
                         : status == 429 ? "Too many attempts"
                         : status >= 500 ? "The service cannot answer"
-                                        : "That did not work";
+                                        : "The request failed";
     Html content = Notice("bad", reason) + Html::Element("p", {}, Link("/", "To the overview"));
     if (const std::string& text = request.form.Text("text"); !text.empty() && request.IsEditor())
         content += Html::Element("label", {{"for", "typed"}}, "What you typed, to copy it") +

@@ -70,7 +70,7 @@ Html LineTable(const std::string& caption, const std::string& kind, const Requir
                    Grouped(count.fail), Grouped(count.unknown), Grouped(count.pass),
                    Percentage(count.fail, count.fail + count.unknown + count.pass)});
     }
-    return table.Done("There are none.");
+    return table.Done("None.");
 }
 
 }  // namespace

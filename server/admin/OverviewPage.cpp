@@ -67,7 +67,7 @@ Answer ShowOverview(const AdminRequest& request)
         content += NewProductForm();
     content += Html::Element("h2", {}, "Newest reports") +
                ReportsTable("The last ten; all of them are under Reports",
-                            Reports(request.database).List(filter), "No report has come in yet.");
+                            Reports(request.database).List(filter), "No reports yet.");
     return Page(request, "Overview", content);
 }
 

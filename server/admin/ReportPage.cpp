@@ -122,7 +122,7 @@ Answer ShowReport(const AdminRequest& request)
     filter.count = MaxReports;
     content += Html::Element("h2", {}, "Earlier reports of the session") +
                ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter),
-                            "There are none.");
+                            "None.");
     content += Html::Element("h2", {}, "Values") + ValuesTable(ReadStored(report.body).value_or(Report()));
     if (request.IsEditor())
         content += Html::Element(

@@ -50,7 +50,7 @@ RequestedValues::RequestedValues(const Requirements& draft, const std::optional<
                     {group, 0,
                      known ? known->caution : "The control has no such value: only a page can set it."});
                 if (!Contains(asked, group))
-                    Append(value->note, "Not asked for by the requirements in force.");
+                    Append(value->note, "The published requirements do not ask for it.");
             }
             constexpr std::string_view InVain = "It has one value, so \"of\": \"any\" has no effect.";
             if (IsOfAnyInVain(line, group) && value->note.find(InVain) == std::string::npos)

@@ -35,11 +35,11 @@ Html NoteNotice(const AdminRequest& request)
 {
     const std::string note = request.Query("note");
     if (note == "saved")
-        return Notice("good", "The draft is saved. Visitors notice nothing until it is published.");
+        return Notice("good", "Draft saved. It takes effect when it is published.");
     if (note == "dropped")
         return Notice("good", "The draft is dropped.");
     if (note == "published")
-        return Notice("good", "The draft is published. The next verdict is by these requirements.");
+        return Notice("good", "The draft is published. The next verdict uses these requirements.");
     return {};
 }
 
@@ -88,7 +88,7 @@ Answer ShowRequirements(const AdminRequest& request)
     result += Html::Element(
         "p", {{"class", "lead"}},
         newest.empty() ? "Nothing is published for this product yet. This is an example to begin with."
-                       : "There is no draft. This is the text in force, to begin one with.");
+                       : "There is no draft. The published text is shown as a starting point.");
     return DraftEditor(request, newest.empty() ? Template : InLines(newest), 0, result);
 }
 
@@ -99,7 +99,7 @@ Answer ShowVersion(const AdminRequest& request)
     const std::string text = VersionText(request.database, referrer, WholeNumber(number));
     Html links = Link(RequirementsPath(referrer), "To the requirements");
     if (request.IsEditor())
-        links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Take into the draft") + links;
+        links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Load into the draft") + links;
     return Page(
         request, fmt::format("Version {} of {}", number, referrer),
         Html::Element("pre", {{"tabindex", "0"}}, text) + Html::Element("p", {{"class", "buttons"}}, links));

@@ -22,9 +22,9 @@ constexpr std::size_t MaxNext = 1000;  // bytes of an address to which a log-in 
 Answer Refuse(const AdminRequest& request, bool isProgram)
 {
     if (request.isSingleSignOn)
-        throw Fault(403, "The proxy names no account that exists here.");
+        throw Fault(403, "The account that the proxy names does not exist.");
     if (isProgram)
-        throw Fault(401, "There is no log-in, or it has ended.");
+        throw Fault(401, "You are not logged in, or your log-in has ended.");
     if (request.http.method != "GET")
         throw Fault(
             403,
@@ -36,7 +36,7 @@ Answer Refuse(const AdminRequest& request, bool isProgram)
 
 Answer NotAllowed(const AdminRequest& request, bool isProgram, const std::string& allowed)
 {
-    const std::string reason = fmt::format("This page answers to {} alone.", allowed);
+    const std::string reason = fmt::format("This page accepts only {}.", allowed);
     Answer answer = isProgram ? ProgramError(405, reason) : ErrorPage(request, 405, reason);
     answer.headers.emplace_back("Allow", allowed);
     return answer;

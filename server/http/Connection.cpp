@@ -79,7 +79,7 @@ private:
         if (!lease.Resize(answer.body && !answer.isShared ? answer.body->size() : 0)) {
             lease.GiveBack();
             answer = Answer::Empty(503);
-            endpoint.Refuse(answer.status, "the answers and bodies under way are too large together");
+            endpoint.Refuse(answer.status, "answers and bodies in progress exceed bodies_mb");
         }
         const bool keep = reader.KeepsAlive() && !endpoint.isClosing;
         co_await Write(answer, {reader.Version(), keep, isHead});

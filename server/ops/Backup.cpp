@@ -15,7 +15,7 @@ void Backup(const DatabaseSettings& settings, const std::string& file)
     if (PostgresConnection::IsAddress(settings.location))
         throw std::runtime_error("a PostgreSQL database is copied with pg_dump");
     if (std::filesystem::exists(file))
-        throw std::runtime_error(file + " is there already");
+        throw std::runtime_error(file + " already exists");
     SqliteConnection connection(settings.location, SqliteConnection::Mode::Existing,
                                 SqliteConnection::Durability::Normal);
     const int version = connection.Version();

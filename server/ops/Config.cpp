@@ -123,7 +123,7 @@ void Config::Set(std::string name, const std::string& value)
     const auto* setting = std::find_if(std::begin(Settings), std::end(Settings),
                                        [&](const Setting& row) { return row.name == name; });
     if (setting == std::end(Settings))
-        throw std::runtime_error(fmt::format("there is no setting '{}'", NameIn(name)));
+        throw std::runtime_error(fmt::format("unknown setting '{}'", NameIn(name)));
     try {
         setting->set(*this, value);
     } catch (const std::exception& error) {

@@ -25,7 +25,7 @@ Answer Readiness(Database& database)
             case DatabaseState::Ready:
                 return Answer::Of(Type, "ready\n");
             case DatabaseState::ReadOnly:
-                return NotReady("the database takes no writes", "it is read-only");
+                return NotReady("the database does not accept writes", "it is read-only");
             default:
                 return NotReady("there is no room for reports", "min_free_mb or max_database_mb");
         }

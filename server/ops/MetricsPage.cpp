@@ -91,7 +91,7 @@ void AppendEndpoints(Page& page, const Metrics& metrics)
     forEndpoints(
         [&](const auto& labels, const auto& endpoint) { AppendStatuses(page, labels, endpoint.refused); });
     page.Metric("kel_http_request_seconds", "histogram",
-                "Time from a request's last byte until its answer is known.");
+                "Time from a request's last byte until its answer is ready.");
     forEndpoints(
         [&](const auto& labels, const auto& endpoint) { AppendTimes(page, labels, endpoint.times); });
     page.Metric("kel_connections", "gauge", "Connections that are open.");
@@ -99,7 +99,7 @@ void AppendEndpoints(Page& page, const Metrics& metrics)
         [&](const auto& labels, const auto& endpoint) { page.Sample(labels, endpoint.connections); });
     page.Metric("kel_connections_refused_total", "counter", "Connections past what the endpoint allows.");
     forEndpoints([&](const auto& labels, const auto& endpoint) { page.Sample(labels, endpoint.turnedAway); });
-    page.Metric("kel_bodies_bytes", "gauge", "Bytes of the bodies under way, of requests and answers.");
+    page.Metric("kel_bodies_bytes", "gauge", "Bytes of the bodies in progress, of requests and answers.");
     forEndpoints(
         [&](const auto& labels, const auto& endpoint) { page.Sample(labels, endpoint.bodiesBytes); });
 }

@@ -13,7 +13,7 @@ NewFile::NewFile(const std::string& beside) : path(beside + ".XXXXXX")
 {
     const int file = mkstemp(path.data());
     if (file < 0)
-        throw std::runtime_error(path + " cannot be made");
+        throw std::runtime_error(path + " cannot be created");
     close(file);
 }
 

@@ -54,7 +54,7 @@ void GiveToOwner(const std::string& path, const std::string& database)
     struct stat owner {};
     const std::string folder = std::filesystem::absolute(database).parent_path();
     if (stat(database.c_str(), &owner) != 0 && stat(folder.c_str(), &owner) != 0)
-        throw std::runtime_error(folder + " is not there");
+        throw std::runtime_error(folder + " does not exist");
     if (geteuid() == 0 && chown(path.c_str(), owner.st_uid, owner.st_gid) != 0)
         throw std::runtime_error(path + " cannot be given to its owner");
 }
@@ -93,7 +93,7 @@ void Restore(const DatabaseSettings& settings, const std::string& file)
     for (const char* end : {"-wal", "-journal"}) {
         if (std::filesystem::exists(file + end))
             throw std::runtime_error(file + end +
-                                     " is there: the file is a database in use, and no copy of one");
+                                     " is there: the file is a database in use, not a copy");
     }
     const Lock lock(database), sharedLock(database + "-shm");
     const NewFile unfinished(database);

@@ -61,7 +61,7 @@ std::int64_t Retention::TrustedTime()
         return now;
     Log(Level::Warning, "clock-doubted",
         {{"days", std::to_string(std::chrono::floor<std::chrono::days>(milliseconds(now - newest)).count())},
-         {"reason", "no report came for that long, or the clock has jumped"}});
+         {"reason", "no report was received for that long, or the clock has jumped"}});
     return latest;
 }
 

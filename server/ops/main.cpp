@@ -37,11 +37,11 @@ using namespace kel::server;  // NOLINT: this is the program of that namespace
 constexpr const char* Usage =
     "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
     "  serve        runs the service\n"
-    "  migrate      makes the database, or brings it to this program's version\n"
+    "  migrate      creates the database, or upgrades it to this program's version\n"
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
     "  export DIR   writes each referrer's newest requirements to such files\n"
     "  backup FILE  copies an SQLite database while the service runs\n"
-    "  restore FILE puts such a copy in the place of the database, while the service does not run\n"
+    "  restore FILE replaces the database with such a copy while the service is stopped\n"
     "  purge --older 90d | --session SESSION | --machine ID\n"
     "               deletes reports older than the given days (d) or hours (h), or of one session or "
     "machine\n"

@@ -84,7 +84,7 @@ class Commands(DataTest):
         writer.join()
         self.assertEqual([*self.folder.glob("copy.db*")], [copy])
         self.assertEqual(copy.stat().st_mode & 0o777, 0o600)
-        self.assertIn("there already", self.command("backup", copy, code=1))
+        self.assertIn("already exists", self.command("backup", copy, code=1))
         self.stop()
         self.database.path = self.database.setting = copy
         self.database.check()
@@ -239,7 +239,7 @@ class Faults(DataTest):
             self.start()
         self.refused("readonly")
         self.assertEqual(self.ask("POST", "/service/Analysis/r", analysis("s"))[0], 200)  # a verdict that is not kept
-        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"the database takes no writes\n"))
+        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"the database does not accept writes\n"))
         for path in self.folder.glob("kel.db*"):
             path.chmod(0o600)
         self.assertEqual(self.upload("t"), (200, b"OK"))

@@ -116,7 +116,7 @@ class Failover(DeployedTest):
         several, self.database.setting = self.address, self.standby.address("kel")
         self.start()
         self.assertFalse(self.upload("standby alone"))
-        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"the database takes no writes\n"))
+        self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"the database does not accept writes\n"))
         self.standby.ask("postgres", "SELECT pg_promote()")
         for name, self.address in (("alone, promoted", self.address), ("of several, promoted", several)):
             self.wait_for(lambda session=name: self.upload(session))
