@@ -98,6 +98,7 @@ TEST_F(Members, GiveAnEmptyReportAndNoVerdictWhenTheRunThrows)
     EXPECT_EQ(control->get_SysInfo(text.GetAddress()), S_OK);
     ASSERT_NE(text.GetBSTR(), nullptr);
     EXPECT_EQ(text.length(), 0U);
+    EXPECT_THAT(log.Lines(), testing::Contains(L"ERR Caught exception."));
     BSTR verdict = text;
     EXPECT_EQ(control->get_Analysis(nullptr, nullptr, nullptr, &verdict), S_OK);
     EXPECT_EQ(verdict, nullptr);

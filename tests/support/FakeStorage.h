@@ -27,6 +27,9 @@ struct ErrorModeCheck {
     }
 };
 
+/// In the place of an error of opening: an exception.
+constexpr DWORD Throws = 0xFFFFFFFF;
+
 /// The answers of a fake device. A request without an answer is refused.
 struct FakeDevice {
     std::map<Request, std::string> answers;
@@ -64,6 +67,8 @@ struct FakeStorage {
             opened.push_back(path + std::wstring(access != 0 ? L" for reading" : L""));
             const auto device = devices.find(path);
             DWORD error = device == devices.end() ? ERROR_FILE_NOT_FOUND : device->second.openError;
+            if (error == Throws)
+                throw 1;
             if (error == ERROR_SUCCESS && access != 0 && !device->second.isReadable)
                 error = ERROR_ACCESS_DENIED;
             SetLastError(error);

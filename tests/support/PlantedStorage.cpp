@@ -28,7 +28,9 @@ void Describe(FakeDevice& drive, const Lines& fields)
     if (fields[5] == L"cut")
         drive.answers[ConfigurationRequest].resize(16);
     drive.isReadable = fields[5] != L"locked";
-    drive.openError = fields[5] == L"gone" ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+    drive.openError = fields[5] == L"gone"     ? ERROR_FILE_NOT_FOUND
+                      : fields[5] == L"throws" ? Throws
+                                               : ERROR_SUCCESS;
 }
 
 }  // namespace
