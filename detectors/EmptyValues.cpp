@@ -1,7 +1,6 @@
 #include "detectors/EmptyValues.h"
 
 #include <algorithm>
-#include <array>
 
 #include "diag/Log.h"
 #include "run/store/Session.h"
@@ -14,8 +13,8 @@ namespace {
 /// How a failure's source begins, and what the catalogue calls the sources that it stands for. A source that
 /// is not listed is a function, which the catalogue names as it is.
 struct SourceWords {
-    std::wstring_view start;
-    std::array<std::string_view, 4> words;
+    const wchar_t* start;
+    const char* words[4];  // null behind the last one
 };
 
 constexpr SourceWords Sources[] = {
@@ -39,7 +38,7 @@ constexpr SourceWords Sources[] = {
 
 bool Mentions(std::string_view source, std::string_view word)
 {
-    return !word.empty() && source.find(word) != source.npos;
+    return source.find(word) != source.npos;
 }
 
 /// Whether a value may come from the source that failed.
@@ -47,11 +46,11 @@ bool IsFrom(std::string_view source, const SourceFailure& failure)
 {
     for (const SourceWords& row : Sources) {
         if (failure.source.starts_with(row.start))
-            return std::ranges::any_of(row.words,
-                                       [source](std::string_view word) { return Mentions(source, word); });
+            return std::ranges::any_of(
+                row.words, [source](const char* word) { return word != nullptr && Mentions(source, word); });
     }
     const std::wstring_view function = std::wstring_view(failure.source).substr(0, failure.source.find(L' '));
-    return Mentions(source, std::string(function.begin(), function.end()));
+    return !function.empty() && Mentions(source, std::string(function.begin(), function.end()));
 }
 
 SystemValueID MakeId(unsigned id, int index = 0)
@@ -73,12 +72,12 @@ void NoteReason(const CatalogueValue& value, int index, const Failures& failures
         return;
     SystemValues& values = Session::Current().Values();
     const auto failure = std::ranges::find_if(
-        failures.sources, [&value](const SourceFailure& found) { return IsFrom(value.source, found); });
+        failures.sources, [&value](const SourceFailure& found) { return IsFrom(value.Source(), found); });
     if (value.isGated && !Session::Current().IsWanted(id.Group()))
         values.SetReason(id, {Reason::Kind::NotAskedFor, {}});
     else if (failure != failures.sources.end())
         values.SetReason(id, {Reason::Kind::NotReadable, *failure});
-    else if (failures.hasException && value.source != NoSource)
+    else if (failures.hasException && value.Source() != NoSource)
         values.SetReason(id, {Reason::Kind::DetectorFailed, {}});
 }
 
@@ -89,7 +88,7 @@ void LogValue(const CatalogueValue& value, int index)
     const SystemValues& values = Session::Current().Values();
     const std::optional<Reason> reason = values.FindReason(id);
     const std::wstring place = value.hasIndexes ? L"[" + std::to_wstring(index) + L"]" : L"";
-    WriteLog(LogTrace, L"Value ", value.id, place, L' ', value.name, reason ? L" is empty, " : L": ",
+    WriteLog(LogTrace, L"Value ", value.id, place, L' ', value.Name(), reason ? L" is empty, " : L": ",
              reason ? reason->ToString() : values.GetValue(id).Text());
 }
 
@@ -101,7 +100,7 @@ void NoteReasons(std::wstring_view detector, const Failures& failures) noexcept
         const std::string name(detector.begin(), detector.end());
         const SystemValues& values = Session::Current().Values();
         for (const CatalogueValue& value : CatalogueValues) {
-            if (value.detector != name)
+            if (value.Detector() != name)
                 continue;
             const auto id = static_cast<unsigned>(value.id);
             int index = 0;
@@ -120,7 +119,7 @@ void NoteReasons(std::wstring_view detector, const Failures& failures) noexcept
 void NoteFailure(unsigned id, int index, const SourceFailure& failure)
 {
     const CatalogueValue* const value = FindCatalogueValue(static_cast<int>(id));
-    if (value != nullptr && IsFrom(value->source, failure) && LacksReason(MakeId(id, index)))
+    if (value != nullptr && IsFrom(value->Source(), failure) && LacksReason(MakeId(id, index)))
         Session::Current().Values().SetReason(MakeId(id, index), {Reason::Kind::NotReadable, failure});
 }
 

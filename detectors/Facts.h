@@ -53,6 +53,12 @@ struct Merged {
     std::array<const wchar_t*, Count> sources{};  // null where no source has the fact
 };
 
+/// Logs from which source a fact of a device is.
+inline void LogSource(const wchar_t* detector, int index, const wchar_t* fact, const wchar_t* source)
+{
+    WriteLog(LogTrace, detector, L'[', index, L"] ", fact, L" from ", source);
+}
+
 /// All facts of a detector, in the order in which they are stored.
 template <typename Record, typename... Members>
 class FactTable {
@@ -112,7 +118,12 @@ public:
     void NoteFailures(const SourceFailure& failure, int index = 0) const
     {
         if (failure.HasValue())
-            ForEach([&](const auto& fact, std::size_t) { NoteFailure(fact.id, index, failure); });
+            std::apply(
+                [&](const auto&... facts) {
+                    for (const unsigned id : {facts.id...})
+                        NoteFailure(id, index, failure);
+                },
+                rows);
     }
 
     /// The same for a merged record; the log shows the source of each fact that has a name.
@@ -120,7 +131,7 @@ public:
     {
         ForEach([&](const auto& fact, std::size_t row) {
             if (*fact.name != L'\0' && device.sources[row] != nullptr)
-                WriteLog(LogTrace, detector, L'[', index, L"] ", fact.name, L" from ", device.sources[row]);
+                LogSource(detector, index, fact.name, device.sources[row]);
         });
         Store(device.record, index);
     }

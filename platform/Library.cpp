@@ -47,6 +47,13 @@ FARPROC FindProcedure(HMODULE library, const char* name) noexcept
     return procedure;
 }
 
+FARPROC FindPermanentProcedure(const wchar_t* library, const char* name)
+{
+    const ErrorMode quiet;
+    const HMODULE module = LoadSystemLibrary(library).release();
+    return module != nullptr ? FindProcedure(module, name) : nullptr;
+}
+
 HMODULE ThisModule()
 {
     return FindThisModule(GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT, "The module's handle is unknown.");

@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include "platform/ErrorMode.h"
 #include "platform/Handles.h"
 
 namespace kel {
@@ -33,14 +32,15 @@ Function* FindLoadedFunction(const wchar_t* library, const char* name) noexcept
     return FindFunction<Function>(GetModuleHandleW(library), name);
 }
 
-/// A function of one of the system's libraries, which it loads and never unloads: unloading a graphics
-/// library crashes hosts. Null when either is missing.
+/// Looks a function up in one of the system's libraries, which it loads and never unloads: unloading a
+/// graphics library crashes hosts. Null when either is missing.
+FARPROC FindPermanentProcedure(const wchar_t* library, const char* name);
+
+/// The same for a function of a known type.
 template <typename Function>
 Function* PermanentFunction(const wchar_t* library, const char* name)
 {
-    const ErrorMode quiet;
-    const HMODULE module = LoadSystemLibrary(library).release();
-    return module != nullptr ? FindFunction<Function>(module, name) : nullptr;
+    return reinterpret_cast<Function*>(reinterpret_cast<void*>(FindPermanentProcedure(library, name)));
 }
 
 /// The module that holds this code: the control's DLL.

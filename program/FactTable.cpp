@@ -17,8 +17,8 @@ std::vector<std::string> Areas()
 {
     std::vector<std::string> areas;
     for (const CatalogueValue& value : CatalogueValues) {
-        if (std::find(areas.begin(), areas.end(), value.area) == areas.end())
-            areas.emplace_back(value.area);
+        if (std::find(areas.begin(), areas.end(), value.Area()) == areas.end())
+            areas.emplace_back(value.Area());
     }
     areas.emplace_back(OtherArea);
     return areas;
@@ -36,13 +36,13 @@ Cell TextCell(const Fact& fact)
 std::string AreaOf(int id)
 {
     const CatalogueValue* known = FindCatalogueValue(id);
-    return known != nullptr ? known->area : OtherArea;
+    return known != nullptr ? known->Area() : OtherArea;
 }
 
 std::string NameOf(const Fact& fact)
 {
     const CatalogueValue* known = FindCatalogueValue(fact.id);
-    const std::string name = known != nullptr ? known->name : "";
+    const std::string name = known != nullptr ? known->Name() : "";
     const bool isIndexed = known != nullptr ? known->hasIndexes : fact.index != 0;
     return isIndexed ? name + " [" + std::to_string(fact.index) + "]" : name;
 }

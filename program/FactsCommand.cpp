@@ -27,10 +27,10 @@ std::vector<int> ReadSubject(const std::string& subject)
         ids.push_back(id);
     std::string areas;
     for (const CatalogueValue& value : CatalogueValues) {
-        if (value.area == subject)
+        if (value.Area() == subject)
             ids.push_back(value.id);
-        if (areas.find(value.area) == std::string::npos)
-            areas += (areas.empty() ? "" : ", ") + std::string(value.area);
+        if (areas.find(value.Area()) == std::string::npos)
+            areas += (areas.empty() ? "" : ", ") + std::string(value.Area());
     }
     if (ids.empty())
         throw UserError("\"" + subject + "\" is neither an id nor an area. Areas: " + areas + ".");
@@ -43,7 +43,7 @@ void WriteCsv(Output& output, const std::vector<Fact>& facts)
     for (const Fact& fact : facts) {
         const CatalogueValue* known = FindCatalogueValue(fact.id);
         output.Write(CsvRecord({std::to_string(fact.id), std::to_string(fact.index), AreaOf(fact.id),
-                                known != nullptr ? known->name : "", fact.text, fact.reason}));
+                                known != nullptr ? known->Name() : "", fact.text, fact.reason}));
     }
 }
 

@@ -54,23 +54,44 @@ def find_wrong_advice(values, advice):
             or row["sold as"] not in SOLD or not (row["sold as"] or row["caution"])]
 
 
+class Texts:
+    """One array for all texts, in which a row has the place of each of its own: no pointers, and no text twice."""
+
+    def __init__(self):
+        self.places, self.literals, self.size = {}, [], 0
+
+    def place(self, text):
+        if text not in self.places:
+            self.places[text] = self.size
+            self.literals.append(f'    R"embedded({text})embedded" "\\0"\n')
+            self.size += len(text.encode()) + 1
+        return self.places[text]
+
+
 def make_rows(values, advice, areas):
     said = {row["id"]: row for row in advice}
+    texts = Texts()
 
     def make_row(value):
         row = said.get(value["id"], {"sold as": "", "caution": ""})
-        texts = ", ".join(f'R"embedded({text})embedded"' for text in
-                          (value["detector"], areas[value["detector"]], value["name"], value["source"]))
+        places = ", ".join(str(texts.place(text)) for text in
+                           (value["detector"], areas[value["detector"]], value["name"], value["source"], row["caution"]))
         flags = ", ".join("true" if value[column] else "false" for column in ("each", "gated"))
-        return (f'    {{{value["id"]}, {texts}, {flags}, {value["exists"] or 0}, '
-                f'SoldAs::{row["sold as"] or "Nothing"}, R"embedded({row["caution"]})embedded"}},\n')
+        return (f'    {{{value["id"]}, {value["exists"] or 0}, {places}, {flags}, '
+                f'SoldAs::{row["sold as"] or "Nothing"}}},\n')
 
+    rows = "".join(make_row(value) for value in values)
+    if texts.size > 0xFFFF:
+        sys.exit("The texts of the catalogue are too long for their places.")
     return f"""#include "verdict/Catalogue.h"
 
 namespace kel {{
 
+const char CatalogueTexts[] =
+{"".join(texts.literals)};
+
 static constexpr CatalogueValue CatalogueRows[] = {{
-{"".join(make_row(value) for value in values)}}};
+{rows}}};
 
 const std::span<const CatalogueValue> CatalogueValues = CatalogueRows;
 

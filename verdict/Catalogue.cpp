@@ -1,19 +1,14 @@
 #include "verdict/Catalogue.h"
 
-#include <unordered_map>
+#include <algorithm>
 
 namespace kel {
 
 const CatalogueValue* FindCatalogueValue(int id)
 {
-    static const auto values = [] {
-        std::unordered_map<int, const CatalogueValue*> all;
-        for (const CatalogueValue& value : CatalogueValues)
-            all[value.id] = &value;
-        return all;
-    }();
-    const auto found = values.find(id);
-    return found == values.end() ? nullptr : found->second;
+    const auto found = std::find_if(CatalogueValues.begin(), CatalogueValues.end(),
+                                    [id](const CatalogueValue& value) { return value.id == id; });
+    return found == CatalogueValues.end() ? nullptr : &*found;
 }
 
 }  // namespace kel

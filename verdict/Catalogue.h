@@ -1,25 +1,35 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
 #include <string_view>
 
 namespace kel {
 
 /// Things that are sold in usual sizes, while a machine reports a little less; see FindNominalSize.
-enum class SoldAs { Nothing, Memory, GraphicsMemory, Disk };
+enum class SoldAs : std::uint8_t { Nothing, Memory, GraphicsMemory, Disk };
 
-/// What the folder `catalogue` says about a value. The build generates the table from it.
+/// All texts of the catalogue, each with its zero.
+extern const char CatalogueTexts[];
+
+/// What the folder `catalogue` says about a value. The build generates the table from it; small, as each
+/// module has it.
 struct CatalogueValue {
     int id;
-    const char* detector;
-    const char* area;  // what of a machine the detector examines: "processor"
-    const char* name;
-    const char* source;   // where the detector reads it; NoSource for one that is always empty
-    bool hasIndexes;      // one for each device or installed version
-    bool isGated;         // read only when it is wanted
-    int existence;        // id of the value that says whether this version's product is installed; 0: none
-    SoldAs soldAs;        // "at least" compares the nominal size
-    const char* caution;  // where the value misleads, and which one to use instead; empty for most
+    int existence;  ///< id of the value that says whether this version's product is installed; 0: none
+    std::uint16_t detectorPlace, areaPlace, namePlace, sourcePlace, cautionPlace;  ///< in CatalogueTexts
+    bool hasIndexes;  ///< one for each device or installed version
+    bool isGated;     ///< read only when it is wanted
+    SoldAs soldAs;    ///< "at least" compares the nominal size
+
+    const char* Detector() const { return CatalogueTexts + detectorPlace; }
+    /// The part of the machine that the detector examines: "processor".
+    const char* Area() const { return CatalogueTexts + areaPlace; }
+    const char* Name() const { return CatalogueTexts + namePlace; }
+    /// Where the detector reads it; NoSource for one that is always empty.
+    const char* Source() const { return CatalogueTexts + sourcePlace; }
+    /// Where the value misleads, and which one to use instead; empty for most.
+    const char* Caution() const { return CatalogueTexts + cautionPlace; }
 };
 
 /// The source of a value that has none.

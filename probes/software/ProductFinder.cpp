@@ -214,7 +214,7 @@ void ProductFinder::Find(const Search& search)
     // Few products are there, so that their condition is cheaper to read last.
     const Condition* const condition = search.locator.condition;
     if (search.found.size() > known && condition != nullptr && !IsMet(*condition))
-        search.found.erase(search.found.begin() + static_cast<std::ptrdiff_t>(known), search.found.end());
+        search.found.resize(known);
     for (std::size_t added = known; added < search.found.size(); ++added)
         search.found[added].source = NameOf(search.locator.by);
 }

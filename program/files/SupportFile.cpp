@@ -32,8 +32,8 @@ ordered_json WriteFact(const Fact& fact, bool isStored)
 {
     ordered_json entry{{"id", fact.id}, {"index", fact.index}};
     if (const CatalogueValue* known = FindCatalogueValue(fact.id)) {
-        entry["area"] = known->area;
-        entry["name"] = known->name;
+        entry["area"] = known->Area();
+        entry["name"] = known->Name();
     }
     if (isStored)
         entry["value"] = fact.text;

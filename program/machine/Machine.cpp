@@ -53,7 +53,7 @@ void AddMissing(Snapshot& snapshot)
         stored.insert(fact.id);
     for (const CatalogueValue& value : CatalogueValues) {
         const SystemValueID id{GroupID(static_cast<unsigned>(value.id))};
-        if (value.area != SessionArea && !stored.contains(value.id))
+        if (value.Area() != SessionArea && !stored.contains(value.id))
             snapshot.missing.push_back({value.id, 0, "", FindReason(id)});
     }
 }

@@ -16,8 +16,8 @@ constexpr std::size_t LineLength = 39;  // of the longest line, and one more
 std::string AreaOf(const std::string& detector)
 {
     const auto found = std::ranges::find_if(
-        CatalogueValues, [&](const CatalogueValue& value) { return value.detector == detector; });
-    return found != CatalogueValues.end() ? found->area : detector;
+        CatalogueValues, [&](const CatalogueValue& value) { return value.Detector() == detector; });
+    return found != CatalogueValues.end() ? found->Area() : detector;
 }
 
 void Show(const std::string& text)

@@ -120,9 +120,9 @@ Answer ShowReport(const AdminRequest& request)
     filter.session = report.session;
     filter.beforeId = report.id;
     filter.count = MaxReports;
-    content += Html::Element("h2", {}, "Earlier reports of the session") +
-               ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter),
-                            "None.");
+    content +=
+        Html::Element("h2", {}, "Earlier reports of the session") +
+        ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter), "None.");
     content += Html::Element("h2", {}, "Values") + ValuesTable(ReadStored(report.body).value_or(Report()));
     if (request.IsEditor())
         content += Html::Element(

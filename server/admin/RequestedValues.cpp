@@ -48,7 +48,7 @@ RequestedValues::RequestedValues(const Requirements& draft, const std::optional<
                 value = values.insert(
                     value,
                     {group, 0,
-                     known ? known->caution : "The control has no such value: only a page can set it."});
+                     known ? known->Caution() : "The control has no such value: only a page can set it."});
                 if (!Contains(asked, group))
                     Append(value->note, "The published requirements do not ask for it.");
             }

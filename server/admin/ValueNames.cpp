@@ -12,7 +12,7 @@ std::string NameOfValue(std::string_view id)
     const auto [end, error] = std::from_chars(id.data(), id.data() + id.size(), number);
     const CatalogueValue* value =
         error == std::errc() && end == id.data() + id.size() ? FindCatalogueValue(number) : nullptr;
-    return value ? std::string(value->detector).append(": ").append(value->name) : std::string();
+    return value ? std::string(value->Detector()).append(": ").append(value->Name()) : std::string();
 }
 
 }  // namespace kel::server

@@ -9,7 +9,7 @@ Answer ShowValues(const AdminRequest& request)
 {
     Table table("Values by their ids", {{"Id"}, {"Detector"}, {"What"}, {"Note"}});
     for (const CatalogueValue& value : CatalogueValues)
-        table.Add({std::to_string(value.id), value.detector, value.name, value.caution});
+        table.Add({std::to_string(value.id), value.Detector(), value.Name(), value.Caution()});
     return Page(request, "Values",
                 Html::Element("p", {{"class", "lead"}},
                               "What requirements can ask for, by the number that stands in them as \"id\".") +

@@ -92,8 +92,7 @@ void Restore(const DatabaseSettings& settings, const std::string& file)
         throw std::runtime_error(file + " is the database itself");
     for (const char* end : {"-wal", "-journal"}) {
         if (std::filesystem::exists(file + end))
-            throw std::runtime_error(file + end +
-                                     " is there: the file is a database in use, not a copy");
+            throw std::runtime_error(file + end + " is there: the file is a database in use, not a copy");
     }
     const Lock lock(database), sharedLock(database + "-shm");
     const NewFile unfinished(database);

@@ -27,7 +27,7 @@ class Dll(unittest.TestCase):
         is_release = DLL.parent.name == "release"
         self.assertEqual("no symbols" in headers, is_release)
         if is_release:
-            self.assertLess(len(content), 1800 * 1024)
+            self.assertLess(len(content), 1750 * 1024)
 
     def test_a_multithreaded_host_creates_it_and_calls_it_by_name(self):
         wine("regsvr32", "/s", windows_path(DLL))
