@@ -87,13 +87,18 @@ def make_rows(values, advice, areas):
 
 namespace kel {{
 
-const char CatalogueTexts[] =
+static constexpr char Texts[] =
 {"".join(texts.literals)};
 
 static constexpr CatalogueValue CatalogueRows[] = {{
 {rows}}};
 
 const std::span<const CatalogueValue> CatalogueValues = CatalogueRows;
+
+const char* CatalogueText(std::uint16_t place)
+{{
+    return Texts + place;
+}}
 
 }}  // namespace kel
 """

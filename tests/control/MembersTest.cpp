@@ -62,10 +62,10 @@ TEST_F(Members, LogTheLevelAndTheirFailures)
     control->put_ReferrerID(_bstr_t(L"r"));
     control->put_Logging(_bstr_t(L"3"));
     EXPECT_THAT(log.Lines(),
-                testing::ElementsAre(L"MARK Entering: CSysInfo::put_ReferrerID",
-                                     L"MARK Exiting: CSysInfo::put_ReferrerID",
-                                     L"MARK Entering: CSysInfo::put_Logging", L"TRACE Setting level to: 3",
-                                     L"MARK Exiting: CSysInfo::put_Logging"));
+                testing::ElementsAre(
+                    L"MARK Entering: CSysInfo::put_ReferrerID", L"MARK Exiting: CSysInfo::put_ReferrerID",
+                    L"MARK Entering: CSysInfo::put_Logging", L"TRACE Setting level to: 3",
+                    testing::HasSubstr(L", process "), L"MARK Exiting: CSysInfo::put_Logging"));
     const _bstr_t old(L"old");
     BSTR value = old;
     EXPECT_EQ(control->get_Value(_bstr_t(L"1"), &value), S_OK);

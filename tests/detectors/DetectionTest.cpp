@@ -40,7 +40,7 @@ struct SlowDetector : Component {
 
     bool Detect() override
     {
-        return Guarded(L"slow", nullptr, [] { Sleep(5100); });
+        return Guarded(L"kel::Slow::Detect", nullptr, [] { Sleep(5100); });
     }
 };
 
@@ -51,7 +51,7 @@ TEST(Detectors, WarnWhenTheyTakeOverFiveSeconds)
     SlowDetector::WarnIfSlow(L"late", 5001);
     EXPECT_EQ(log.Lines(), Lines{L"WARN late took 5001 milliseconds"});
     SlowDetector().Detect();
-    EXPECT_THAT(log.Lines().back(), testing::StartsWith(L"WARN slow took 5"));
+    EXPECT_THAT(log.Lines().back(), testing::StartsWith(L"WARN kel::Slow::Detect took 5"));
 }
 
 TEST(CpuRules, DescribeWhatIsMeasured)

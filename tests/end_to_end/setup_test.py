@@ -12,7 +12,7 @@ from harness import PATIENCE, PROGRAMS, ROOT
 
 # Tests that plant devices, files and registry keys.
 PLANTING = ("Software.ReadsRealKeysFilesAndVersions", "InfFiles.RefineTheIdOfAnIntelAdapter",
-            "SetupLib.ReadsADisksModelFromItsFirstHardwareId", "SetupLib.ReadsTheKindOfANetworkFromItsConnection")
+            "SetupLib.ListsDisplayAdaptersWithTheirFallbacks", "SetupLib.ReadsTheKindOfANetworkFromItsConnection")
 
 
 class Interrupted(unittest.TestCase):
