@@ -36,7 +36,7 @@ void WriteRow(Output& output, const std::vector<Cell>& cells, const std::vector<
 
 }  // namespace
 
-Cell::Cell(std::string cellText, Colour cellColour) : text(Printable(cellText)), colour(cellColour) {}
+Cell::Cell(const std::string& cellText, Colour cellColour) : text(Printable(cellText)), colour(cellColour) {}
 
 void Table::Write(Output& output, int indent) const
 {

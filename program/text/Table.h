@@ -9,7 +9,7 @@ namespace kel::program {
 
 /// A text of a table, and how a console shows it.
 struct Cell {
-    Cell(std::string cellText, Colour cellColour = Colour::Plain);
+    Cell(const std::string& cellText, Colour cellColour = Colour::Plain);
 
     std::string text;  // printable
     Colour colour;
