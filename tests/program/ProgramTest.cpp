@@ -100,7 +100,7 @@ TEST(ProgramCommandLine, WrongArgumentsAreRefusedInOneLine)
         {{"facts", "explain"}, ""},  // a word that is a command, too, is a subject here
     };
     for (const auto& [arguments, expected] : rows) {
-        const std::string reason = Refusal([&] { ReadCommandLine(arguments); });
+        const std::string reason = Refusal([&words = arguments] { ReadCommandLine(words); });
         EXPECT_THAT(reason, HasSubstr(expected)) << testing::PrintToString(arguments);
         EXPECT_EQ(reason.empty(), *expected == '\0') << reason;
         EXPECT_EQ(reason.find('\n'), std::string::npos) << reason;
@@ -178,7 +178,8 @@ TEST(ProgramFiles, OtherFilesAreRefusedInOneLine)
         {"<!DOCTYPE groups [<!ENTITY a \"b\">]><groups>&a;</groups>", "not a report"},
     };
     for (const auto& [bytes, expected] : rows)
-        EXPECT_THAT(Refusal([&] { ReadSnapshot(bytes); }), HasSubstr(expected)) << bytes.substr(0, 60);
+        EXPECT_THAT(Refusal([&file = bytes] { ReadSnapshot(file); }), HasSubstr(expected))
+            << bytes.substr(0, 60);
     EXPECT_THAT(Refusal([] { ReadSnapshotFile("C:\\no such folder\\file"); }), HasSubstr("no such file"));
 }
 
