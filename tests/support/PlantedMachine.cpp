@@ -44,7 +44,8 @@ BOOL WINAPI EnumDevices(HDEVINFO set, DWORD index, SP_DEVINFO_DATA* device)
 
 BOOL WINAPI AnswerMemory(MEMORYSTATUSEX* status)
 {
-    EXPECT_EQ(status->dwLength, sizeof(*status));
+    if (status->dwLength != sizeof(*status))
+        return FALSE;
     const Lines fields = FieldsOf(answering->First(L"memory"), 3);
     status->ullTotalPhys = NumberOf(fields[0]) << 20;
     status->ullTotalVirtual = NumberOf(fields[1]) << 20;
