@@ -10,7 +10,9 @@ from pathlib import Path
 WINE = Path(__file__).resolve().parents[2] / "scripts" / "wine_run.sh"
 TESTS = os.environ.get("KEL_CLIENT_TESTS", "build/release/tests/client_tests.exe")
 STRIDE = int(os.environ.get("KEL_FAULT_STRIDE", 0))  # over the calls of each function; 0: some of each
+MAX_FAULTS = 40  # of one function, as most of the thousands of calls are those of log lines
 HANDLE = 100000  # the weight of one open handle
+REASONS = 16  # blocks of memory, two a value, in which the store keeps why values are empty after a fault
 
 
 class Run:
@@ -30,8 +32,8 @@ class Run:
 
 
 def spread(count):
-    """Some of the numbers up to a count: the first, and others at even distances."""
-    return range(1, count + 1, STRIDE or max(1, count // (1 + abs(count) // 100)))
+    """Some of the numbers up to a count: the first, and others at even distances, one for each hundred, at most MAX_FAULTS."""
+    return range(1, count + 1, STRIDE or max(1, count // min(MAX_FAULTS, 1 + abs(count) // 100)))
 
 
 class Sweep(unittest.TestCase):
@@ -47,9 +49,10 @@ class Sweep(unittest.TestCase):
                 with self.subTest(test=test, KEL_FAULT=run.fault):
                     self.assertTrue(run.is_well and run.failed, run.output)
                     left = run.open
-                    for _ in range(3):  # what is lost is lost each time; the machine's own threads and interfaces vary
-                        left = left if left <= clean.open + 1 else min(left, Run(test, run.fault).open)
-                    self.assertTrue(0 <= left <= clean.open + 1, f"{left} of {clean.open}")
+                    allowed = clean.open + 1 + REASONS
+                    for _ in range(3):  # a leak occurs each time; the machine's own threads and interfaces vary
+                        left = left if left <= allowed else min(left, Run(test, run.fault).open)
+                    self.assertTrue(0 <= left <= allowed, f"{left} of {clean.open}")
         possible = clean.allocations if lasting else sum(count for count in clean.calls.values() if count > 0)
         print(f"{test}: {len(faults)} of {possible} calls")
         return clean.calls
