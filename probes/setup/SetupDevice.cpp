@@ -58,8 +58,7 @@ bool ConvertValue(HKEY key, const wchar_t* subkey, const wchar_t* name, Convert 
         const std::optional<RegistryValue> value = ReadValue(below ? below.get() : key, name);
         if (value && value->bytes.size() <= MaxValueSize && convert(*value))
             return true;
-        // That a value is missing is normal: most have further places.
-        WriteLog(value ? LogWarning : LogTrace, L"Can't handle Registry value for: ", name);
+        WriteLog(LogWarning, L"Can't handle Registry value for: ", name);
     } catch (...) {
         ReportFailure(LogWarning, L"Error with CRegKey");
     }

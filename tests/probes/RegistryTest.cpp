@@ -69,6 +69,8 @@ TEST(Registry, ReadsTextsAndSizesOfEachType)
     EXPECT_FALSE(ReadRegistryValue(key.Key(), L"", L"string", text));  // stands in the subkey
     EXPECT_EQ(text, L"");
     const test::LogCapture log(3);
+    EXPECT_FALSE(ReadRegistryValue(key.Key(), L"sub", L"missing", text));
+    EXPECT_EQ(log.Lines().back(), L"WARN Can't handle Registry value for: missing");
     Log::Instance().exceptions(std::ios::badbit);  // raised by the name that is none
     EXPECT_FALSE(ReadRegistryValue(key.Key(), nullptr, nullptr, text));
     Log::Instance().exceptions(std::ios::goodbit);
