@@ -118,7 +118,8 @@ class Wire(ControlTest):
         self.assertRegex(self.log, r"^[\d:]{8}  000000  TRACE \| \d{4}-\d\d-\d\d, process \d+ C:.*cscript\.exe, "
                                    r"version [\d.]+ Z:.*Detection\.dll\n")
         # That a device's key lacks a value is a warning by contract, although it is normal.
-        warnings = [line for line in re.findall(r"  (?:WARN|ERR)  .*", self.log) if "Can't handle Registry value for: " not in line]
+        prescribed = "Can't handle Registry value for: "
+        warnings = [line for line in re.findall(r"  (?:WARN|ERR)  .*", self.log) if prescribed not in line]
         self.assertLessEqual(len(warnings), 2, warnings)
         self.assertIn("Request: POST analysis.keldane.example/Data/Service.svc/upload, proxy 127.0.0.1:", self.log)
         self.assertNotIn(API_KEY, self.log)
