@@ -44,7 +44,8 @@ void SystemValues::AddValue(const SystemValueID& id, const boost::shared_ptr<con
         ReplaceValue(added);
     else
         values.push_back(added);
-    reasons.erase(Key(id));
+    if (HasReason(id))
+        noted.erase(FindNoted(id));
 }
 
 void SystemValues::AddValue(const SystemValueID& id, const std::wstring& text)
@@ -93,7 +94,20 @@ const SystemValue* SystemValues::TryGetValue(const SystemValueID& id) const
 
 void SystemValues::SetReason(const SystemValueID& id, const Reason& reason)
 {
-    reasons[Key(id)] = reason;
+    const auto known = std::ranges::find(reasons, reason);
+    const auto place = static_cast<std::size_t>(known - reasons.begin());
+    if (known == reasons.end())
+        reasons.push_back(reason);
+    if (HasReason(id))
+        noted.erase(FindNoted(id));
+    noted.push_back({id.Group().Number(), id.Index(), place});
+}
+
+std::vector<SystemValues::NotedReason>::const_iterator SystemValues::FindNoted(const SystemValueID& id) const
+{
+    return std::ranges::find_if(noted, [&id](const NotedReason& reason) {
+        return reason.group == id.Group().Number() && reason.index == id.Index();
+    });
 }
 
 std::optional<Reason> SystemValues::FindReason(const SystemValueID& id) const
@@ -101,8 +115,8 @@ std::optional<Reason> SystemValues::FindReason(const SystemValueID& id) const
     const SystemValue* const value = TryGetValue(id);
     if (value != nullptr && !value->Text().empty())
         return {};
-    const auto found = reasons.find(Key(id));
-    return found != reasons.end() ? found->second : Reason();
+    const auto found = FindNoted(id);
+    return found != noted.end() ? reasons.at(found->place) : Reason();
 }
 
 }  // namespace kel

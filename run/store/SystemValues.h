@@ -3,12 +3,11 @@
 #include <boost/make_shared.hpp>
 #include <boost/shared_ptr.hpp>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
-#include <map>
 #include <new>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "run/store/SystemValue.h"
@@ -71,7 +70,7 @@ public:
     void SetReason(const SystemValueID& id, const Reason& reason);
 
     /// Whether SetReason was called since a value was last added under the id.
-    bool HasReason(const SystemValueID& id) const { return reasons.contains(Key(id)); }
+    bool HasReason(const SystemValueID& id) const { return FindNoted(id) != noted.end(); }
 
     /// Why a value is empty or missing, NotThere unless another reason was noted; nullopt for a value that
     /// has a text.
@@ -81,13 +80,18 @@ public:
     std::vector<SystemValue>::const_iterator end() const { return values.end(); }
 
 private:
-    static std::pair<unsigned, std::int32_t> Key(const SystemValueID& id)
-    {
-        return {id.Group().Number(), id.Index()};
-    }
+    /// Where in `reasons` the reason of an id stands.
+    struct NotedReason {
+        unsigned group;
+        std::int32_t index;
+        std::size_t place;
+    };
+
+    std::vector<NotedReason>::const_iterator FindNoted(const SystemValueID& id) const;
 
     std::vector<SystemValue> values;
-    std::map<std::pair<unsigned, std::int32_t>, Reason> reasons;  // beside the values, by group and index
+    std::vector<NotedReason> noted;  // beside the values, at most one per id
+    std::vector<Reason> reasons;     // each of them once: one failure empties many values
 };
 
 }  // namespace kel
