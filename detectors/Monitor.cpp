@@ -20,7 +20,7 @@ constexpr FactTable Facts(
     Fact{73108, &MonitorInfo::width}, Fact{73109, &MonitorInfo::height}, Fact{73110, &MonitorInfo::connector},
     Fact{73111, &MonitorInfo::isBuiltIn}, Fact{73112, &MonitorInfo::isHdr}, Fact{73113, &MonitorInfo::year},
     Fact{73491, &MonitorInfo::highestRate, L"highest refresh rate"}, Fact{NotStored, &MonitorInfo::instance},
-    Fact{NotStored, &MonitorInfo::isPrimary});
+    Fact{NotStored, &MonitorInfo::isPrimary}, Fact{NotStored, &MonitorInfo::display});
 
 using Devices = std::vector<decltype(Facts)::Device>;
 
@@ -92,6 +92,11 @@ Devices ListMonitors(const DisplayConfig& config)
         MergeSame(devices, further.monitors, further.source);
     }
     MergeSame(devices, present, L"the Setup API");
+    for (auto& device : devices) {
+        MonitorInfo modes;
+        modes.highestRate = config.FindHighestRate(device.record.display, device.record.currentResolution);
+        Facts.Merge(device, modes, L"the display's modes");
+    }
     std::ranges::stable_sort(devices, [](const auto& one, const auto& other) {
         const auto rank = [](const MonitorInfo& monitor) {
             return std::tuple(!monitor.isPrimary, std::wstring(monitor.deviceId.ToString()),

@@ -170,7 +170,13 @@ void WebService::EndUnreached(DWORD error)
 
 std::wstring WebService::Describe() const
 {
-    return verb + L' ' + host + WithoutKey(path) + L", proxy " + DescribeProxy();
+    std::wstring text = verb;
+    text += L' ';
+    text += host;
+    text += WithoutKey(path);
+    text += L", proxy ";
+    text += DescribeProxy();
+    return text;
 }
 
 void WebService::SetPlaceholder(const wchar_t* placeholder, const std::wstring& text)

@@ -1,15 +1,15 @@
 #include "values/Hexadecimal.h"
 
-#include <iomanip>
-#include <sstream>
-
 namespace kel {
 
 std::wstring Hexadecimal(std::uint64_t number, int digits)
 {
-    std::wostringstream text;
-    text << std::hex << std::uppercase << std::setfill(L'0') << std::setw(digits) << number;
-    return text.str();
+    std::wstring text;
+    do {
+        text.insert(text.begin(), L"0123456789ABCDEF"[number % 16]);
+        number /= 16;
+    } while (number != 0 || static_cast<int>(text.size()) < digits);
+    return text;
 }
 
 }  // namespace kel

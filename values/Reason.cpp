@@ -8,9 +8,15 @@ namespace {
 
 constexpr std::uint32_t FailureBit = 0x80000000;  // of an HRESULT
 
-std::wstring ErrorText(std::uint32_t error)
+std::wstring ReadFailureText(const SourceFailure& failure)
 {
-    return (error & FailureBit) != 0 ? L"0x" + Hexadecimal(error, 8) : std::to_wstring(error);
+    std::wstring text = L"not readable: " + failure.source;
+    if (failure.error == 0)
+        return text;
+    text += L", error ";
+    text += (failure.error & FailureBit) != 0 ? L"0x" + Hexadecimal(failure.error, 8)
+                                              : std::to_wstring(failure.error);
+    return text;
 }
 
 }  // namespace
@@ -19,8 +25,7 @@ std::wstring Reason::ToString() const
 {
     switch (kind) {
         case Kind::NotReadable:
-            return L"not readable: " + failure.source +
-                   (failure.error != 0 ? L", error " + ErrorText(failure.error) : L"");
+            return ReadFailureText(failure);
         case Kind::NotAskedFor:
             return L"not asked for";
         case Kind::DetectorFailed:

@@ -16,6 +16,7 @@
 #include "diag/SourceFailures.h"
 #include "diag/Timer.h"
 #include "platform/Library.h"
+#include "platform/LibraryPreload.h"
 #include "platform/WindowsVersion.h"
 #include "probes/Attempt.h"
 #include "probes/cpu/CpuTopology.h"
@@ -26,6 +27,17 @@ namespace {
 
 constexpr DWORD VirtualizationFeature = 21;  // PF_VIRT_FIRMWARE_ENABLED
 constexpr DWORD MaxTopologySize = 16 * 1024 * 1024;
+
+/// What the detectors after this one load, and takes a while to load.
+constexpr const wchar_t* LaterLibraries[] = {L"dxgi.dll",  L"msi.dll",     L"mmdevapi.dll", L"iphlpapi.dll",
+                                             L"winmm.dll", L"shell32.dll", nullptr};
+
+/// The measurement takes a second, in which the libraries are loaded.
+float MeasureWhileLoading()
+{
+    const LibraryPreload libraries(LaterLibraries);
+    return MeasureMegahertz();
+}
 
 std::optional<bool> AskFirmwareVirtualizes()
 {
@@ -60,7 +72,7 @@ CpuFunctions CpuFunctions::OfSystem()
             L"kernel32.dll", "GetLogicalProcessorInformationEx"))
         functions.getTopology = get;
     functions.firmwareVirtualizes = &AskFirmwareVirtualizes;
-    functions.measureMegahertz = &MeasureMegahertz;
+    functions.measureMegahertz = &MeasureWhileLoading;
     return functions;
 }
 

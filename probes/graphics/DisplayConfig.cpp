@@ -71,7 +71,6 @@ Request RequestFor(DISPLAYCONFIG_DEVICE_INFO_TYPE type, const DISPLAYCONFIG_PATH
 void Show(const DisplayInfo& display, MonitorInfo& monitor)
 {
     monitor.currentResolution = display.resolution;
-    monitor.highestRate = display.highestRate;
     monitor.isPrimary = display.isPrimary;
 }
 
@@ -153,8 +152,7 @@ DisplayList DisplayConfig::ListPaths() const
     if (!Query(paths, modes))
         return list;
     for (auto path = paths.begin(); path != paths.end(); ++path) {
-        DisplayInfo display = ReadSource(*path, modes);
-        display.highestRate = FindHighestRate(GetDeviceName(path->sourceInfo).c_str(), display.resolution);
+        const DisplayInfo display = ReadSource(*path, modes);
         const auto isShown = [&path](const DISPLAYCONFIG_PATH_INFO& earlier) {
             return IsSameSource(earlier.sourceInfo, path->sourceInfo);
         };
@@ -162,6 +160,7 @@ DisplayList DisplayConfig::ListPaths() const
             list.displays.push_back(display);
         MonitorInfo monitor = ReadTarget(path->targetInfo);
         Show(display, monitor);
+        monitor.display = GetDeviceName(path->sourceInfo);
         list.monitors.push_back(monitor);
     }
     return list;
@@ -210,13 +209,14 @@ std::wstring DisplayConfig::GetDeviceName(const DISPLAYCONFIG_PATH_SOURCE_INFO& 
     return isNamed ? name.viewGdiDeviceName : std::wstring();
 }
 
-std::optional<Count> DisplayConfig::FindHighestRate(const wchar_t* device, const Resolution& resolution) const
+std::optional<Count> DisplayConfig::FindHighestRate(const std::wstring& display,
+                                                    const Resolution& resolution) const
 {
     DWORD highest = 0;
     DEVMODEW mode = {};
     mode.dmSize = sizeof(mode);
-    for (DWORD index = 0; *device != L'\0' && resolution.HasValue() && index < MaxModes &&
-                          functions.enumDisplaySettings(device, index, &mode, 0);
+    for (DWORD index = 0; !display.empty() && resolution.HasValue() && index < MaxModes &&
+                          functions.enumDisplaySettings(display.c_str(), index, &mode, 0);
          ++index) {
         if (mode.dmPelsWidth == resolution.Width() && mode.dmPelsHeight == resolution.Height())
             highest = std::max(highest, mode.dmDisplayFrequency);
@@ -250,6 +250,7 @@ DisplayList DisplayConfig::ListDevices() const
             monitor.instance = InstanceOfPath(device.DeviceID);
             monitor.deviceId = DeviceID(monitor.instance);
             monitor.refreshRate = display.refreshRate;
+            monitor.display = adapter.DeviceName;
             Show(display, monitor);
             list.monitors.push_back(monitor);
         }
@@ -270,7 +271,6 @@ DisplayInfo DisplayConfig::ReadSettings(const wchar_t* device) const
         display.bitsPerPixel = Count(mode.dmBitsPerPel);
     if (mode.dmDisplayFrequency > 1)  // 0 and 1 stand for the adapter's default
         display.refreshRate = Count(mode.dmDisplayFrequency);
-    display.highestRate = FindHighestRate(device, display.resolution);
     return display;
 }
 

@@ -18,7 +18,6 @@ struct DisplayInfo {
     Resolution resolution;
     std::optional<Count> bitsPerPixel;
     std::optional<Count> refreshRate;  ///< a second
-    std::optional<Count> highestRate;  ///< of the modes with this resolution
 };
 
 /// One source's list.
@@ -50,6 +49,10 @@ public:
     /// The scale of the primary display in percent; nullopt when it is not known.
     std::optional<Count> GetPrimaryScale() const;
 
+    /// The highest refresh rate of a display's modes with a resolution; nullopt when it is not known. It
+    /// takes milliseconds, as a display has hundreds of modes.
+    std::optional<Count> FindHighestRate(const std::wstring& display, const Resolution& resolution) const;
+
 private:
     DisplayList ListPaths() const;
     DisplayList ListMonitors() const;
@@ -59,7 +62,6 @@ private:
     void ReadColor(const DISPLAYCONFIG_PATH_TARGET_INFO& target, MonitorInfo& monitor) const;
     DisplayInfo ReadSettings(const wchar_t* device) const;
     std::wstring GetDeviceName(const DISPLAYCONFIG_PATH_SOURCE_INFO& source) const;
-    std::optional<Count> FindHighestRate(const wchar_t* device, const Resolution& resolution) const;
 
     DisplayFunctions functions;
 };

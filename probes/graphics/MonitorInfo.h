@@ -27,6 +27,7 @@ struct MonitorInfo {
     std::optional<Count> year;  ///< in which it was made
     bool isPrimary = false;
     std::optional<Count> highestRate;  ///< refreshes a second, of the modes with the current resolution
+    std::wstring display;              ///< that shows its picture, such as "\\\\.\\DISPLAY1"
     bool isGeneric = false;            ///< Windows' own driver for any monitor names it
 };
 

@@ -18,11 +18,6 @@ std::uint32_t ReadPart(std::wstring_view text, std::size_t maxDigits, std::uint3
     return number >= min && number <= max ? number : 0;
 }
 
-std::wstring TwoDigits(std::uint32_t number)
-{
-    return (number < 10 ? L"0" : L"") + std::to_wstring(number);
-}
-
 }  // namespace
 
 std::wstring ReadDriverDate(const std::wstring& text)
@@ -35,7 +30,12 @@ std::wstring ReadDriverDate(const std::wstring& text)
     const std::uint32_t year = ReadPart(parts[2], 4, 1980, 9999);
     if (month == 0 || day == 0 || year == 0)
         return {};
-    return std::to_wstring(year) + L"-" + TwoDigits(month) + L"-" + TwoDigits(day);
+    std::wstring date = std::to_wstring(year);
+    for (const std::uint32_t part : {month, day}) {
+        date += part < 10 ? L"-0" : L"-";
+        date += std::to_wstring(part);
+    }
+    return date;
 }
 
 }  // namespace kel

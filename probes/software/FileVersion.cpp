@@ -34,9 +34,13 @@ std::wstring ReadFixedVersion(std::span<const BYTE> record)
         (read.fixed.dwFileVersionMS == 0 && read.fixed.dwFileVersionLS == 0))
         return {};
     std::wstring text;
-    for (const DWORD part : {read.fixed.dwFileVersionMS, read.fixed.dwFileVersionLS})
-        text +=
-            (text.empty() ? L"" : L".") + std::to_wstring(part >> 16) + L"." + std::to_wstring(part & 0xFFFF);
+    const DWORD high = read.fixed.dwFileVersionMS;
+    const DWORD low = read.fixed.dwFileVersionLS;
+    for (const DWORD part : {high >> 16, high & 0xFFFF, low >> 16, low & 0xFFFF}) {
+        if (!text.empty())
+            text += L'.';
+        text += std::to_wstring(part);
+    }
     return text;
 }
 

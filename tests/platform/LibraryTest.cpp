@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/LibraryPreload.h"
 #include "support/LogCapture.h"
 
 namespace kel {
@@ -59,6 +60,16 @@ TEST(Library, WarnsOfAFunctionThatIsMissing)
     EXPECT_EQ(FindLoadedFunction<void()>(L"no library", "OfNoLibrary"), nullptr);
     EXPECT_EQ(log.Lines(), (std::vector<std::wstring>{L"TRACE The system has no function NoFunction",
                                                       L"TRACE The system has no function OfNoLibrary"}));
+}
+
+TEST(Library, IsLoadedAheadAndStaysLoaded)
+{
+    static constexpr const wchar_t* Names[] = {L"no library", L"wsnmp32.dll", nullptr};
+    ASSERT_EQ(GetModuleHandleW(L"wsnmp32.dll"), nullptr);
+    {
+        const LibraryPreload libraries(Names);
+    }
+    EXPECT_NE(GetModuleHandleW(L"wsnmp32.dll"), nullptr);
 }
 
 }  // namespace

@@ -15,11 +15,13 @@
 #include "service/CallBudget.h"
 #include "service/HttpExchange.h"
 #include "service/PathText.h"
+#include "service/Proxy.h"
 #include "service/RunWithin.h"
 #include "service/SystemInformationRequest.h"
 #include "service/Utf8.h"
 #include "service/WebServiceUpload.h"
 #include "support/LogCapture.h"
+#include "support/ScratchKey.h"
 #include "support/TestSession.h"
 
 namespace kel {
@@ -265,6 +267,29 @@ TEST(Utf8, ReplacesMalformedBytesAndKeepsZeros)
     EXPECT_EQ(ToUtf8(L"\u20ac\xd83d\xde00 \xd83d"), "\xe2\x82\xac\xf0\x9f\x98\x80 \xef\xbf\xbd");
     EXPECT_EQ(FromUtf8("\xe2\x82\xac\xf0\x9f\x98\x80\xff!"), L"\u20ac\xd83d\xde00\ufffd!");
     EXPECT_EQ(ToUtf8(L"").size() + FromUtf8("").size() + FromUtf8(std::string_view("a\0b", 3)).size(), 3U);
+}
+
+TEST(Proxy, IsTheOneOfTheUsersSettings)
+{
+    struct Settings {
+        const char* name;
+        DWORD isOn;
+        const wchar_t* script;
+        const wchar_t* expected;
+    };
+    constexpr Settings Users[] = {
+        {"a proxy", 1, L"", L"proxy.example:8080"},
+        {"a proxy and a script", 1, L"http://pac.example/p.pac", L"by the script http://pac.example/p.pac"},
+        {"a proxy that is switched off", 0, L"", L"127.0.0.1:9"},  // the environment's
+    };
+    for (const Settings& user : Users) {
+        const test::ScratchKey key(HKEY_CURRENT_USER);
+        const std::wstring settings = L"Software\\Microsoft\\Windows\\CurrentVersion\\Internet Settings";
+        key.Write(settings, L"ProxyEnable", REG_DWORD, &user.isOn, sizeof(user.isOn));
+        key.Write(settings, L"ProxyServer", L"proxy.example:8080");
+        key.Write(settings, L"AutoConfigURL", user.script);
+        EXPECT_EQ(DescribeProxy(), user.expected) << user.name;
+    }
 }
 
 }  // namespace
