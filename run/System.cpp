@@ -94,8 +94,8 @@ void System::Detect()
     if (isDetecting)
         return;
     const ScopedFlag detecting(isDetecting);
+    FetchWantedGroups();
     if (!detectorsInitialised) {
-        FetchWantedGroups();
         components.DetectAll();
         detectorsInitialised = true;
     }
@@ -116,8 +116,10 @@ void System::DetectLocally(std::vector<unsigned> groups)
 
 void System::SetReferrerID(const std::wstring& text)
 {
-    if (!text.empty())
-        referrerID = text;
+    if (text.empty())
+        return;
+    referrerID = text;
+    wanted.Reset();
 }
 
 void System::SetSessionID(const std::wstring& text)
@@ -125,6 +127,7 @@ void System::SetSessionID(const std::wstring& text)
     if (text.empty())
         return;
     sessionID = text;
+    wanted.Reset();
     upload.Reset();
 }
 
@@ -143,11 +146,14 @@ void System::StoreIdentifiers()
 
 void System::FetchWantedGroups()
 {
-    if (wanted.IsFetchedFor(referrerID))
+    const std::int64_t now = std::time(nullptr);
+    if (!wanted.IsDue(referrerID, now))
         return;
     GroupListRequest request;
     request.Call();
-    wanted.Assign(request.GetResult(), referrerID);
+    wanted.Assign(request.GetResult(), referrerID, request.IsAnswered());
+    if (request.HasBegun())
+        wanted.MarkSent(now);
 }
 
 void System::UploadReport()
@@ -161,7 +167,7 @@ void System::UploadReport()
     WebServiceUpload request(report);
     request.Call();
     if (request.HasBegun())
-        upload.MarkUploaded(now);
+        upload.MarkSent(now);
 }
 
 }  // namespace kel

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "detectors/Components.h"
-#include "run/UploadInterval.h"
+#include "run/RequestInterval.h"
 #include "run/WantedGroups.h"
 #include "run/store/Session.h"
 #include "run/store/SystemValues.h"
@@ -28,8 +28,10 @@ public:
     /// without a tag keep their values.
     void SetConfiguration(const std::wstring& text);
 
-    /// Stores the identifiers, examines the machine (once per process), and uploads the report when it is
-    /// due; an upload that could not begin stays due. A page may call again while a detector waits: such a
+    /// Stores the identifiers, fetches the wanted groups when they are due, examines the machine (once per
+    /// process), and uploads the report when it is due; a request that could not begin stays due. Groups that
+    /// are fetched later do not start a detector again: values that it reads only when they are wanted stay
+    /// empty. A page may call again while a detector waits: such a
     /// call only stores the identifiers, and leaves the upload to the run in progress.
     /// @throws any exception of a step; the control's members catch it
     void Detect();
@@ -38,9 +40,9 @@ public:
     /// wanted, no identifier is stored and nothing is uploaded.
     void DetectLocally(std::vector<unsigned> groups);
 
-    /// Keeps a non-empty text only.
+    /// Keeps a non-empty text only. Wanted groups that the service did not send are due at once.
     void SetReferrerID(const std::wstring& text);
-    /// Keeps a non-empty text only, and makes the next upload due at once.
+    /// The same, and makes the next upload due at once.
     void SetSessionID(const std::wstring& text);
     void SetUserID(const std::wstring& text) { userID = text; }
     void SetDebug(const std::wstring& text) { debug = text; }
@@ -68,7 +70,7 @@ private:
     std::wstring debug;
     bool isDetecting = false;
     bool detectorsInitialised = false;
-    UploadInterval upload;
+    RequestInterval upload;
     WantedGroups wanted;
     Components components;
     SystemValues values;

@@ -5,7 +5,7 @@
 
 namespace kel {
 
-void WantedGroups::Assign(const std::wstring& answer, const std::wstring& referrer)
+void WantedGroups::Assign(const std::wstring& answer, const std::wstring& referrer, bool answered)
 {
     constexpr const wchar_t* Separators = L"|,";
     numbers.clear();
@@ -15,15 +15,16 @@ void WantedGroups::Assign(const std::wstring& answer, const std::wstring& referr
         start = answer.find_first_not_of(Separators, end);
     }
     std::ranges::sort(numbers);
-    fetched = true;
     fetchedFor = referrer;
+    isAnswered = answered;
+    attempt.Reset();
 }
 
 void WantedGroups::Assign(std::vector<unsigned> groups)
 {
     numbers = std::move(groups);
     std::ranges::sort(numbers);
-    fetched = false;
+    fetchedFor.reset();
 }
 
 }  // namespace kel

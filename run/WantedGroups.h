@@ -1,9 +1,12 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "run/RequestInterval.h"
 #include "run/store/GroupID.h"
 
 namespace kel {
@@ -13,19 +16,33 @@ class WantedGroups {
 public:
     bool Contains(const GroupID& group) const { return std::ranges::binary_search(numbers, group.Number()); }
 
-    /// Whether the groups were fetched for this referrer.
-    bool IsFetchedFor(const std::wstring& referrer) const { return fetched && fetchedFor == referrer; }
+    /// Whether the groups have to be fetched for this referrer: they were fetched for none or another one, or
+    /// the service did not answer and the time for another attempt has come.
+    /// @param now seconds since 1970
+    bool IsDue(const std::wstring& referrer, std::int64_t now) const
+    {
+        return fetchedFor != referrer || (!isAnswered && attempt.IsDue(now));
+    }
 
-    /// Takes the service's answer: group ids separated by "|" or ",".
-    void Assign(const std::wstring& answer, const std::wstring& referrer);
+    /// Takes the answer: group ids separated by "|" or ",".
+    /// @param answered whether it is the service's
+    void Assign(const std::wstring& answer, const std::wstring& referrer, bool answered);
+
+    /// Records a request for the groups, whatever comes of it.
+    /// @param now seconds since 1970
+    void MarkSent(std::int64_t now) { attempt.MarkSent(now); }
+
+    /// Makes another attempt due at once, if the service has not answered yet.
+    void Reset() { attempt.Reset(); }
 
     /// Takes groups that were not fetched for any referrer.
     void Assign(std::vector<unsigned> groups);
 
 private:
-    std::vector<unsigned> numbers;  // in order; a hostile answer has millions
-    bool fetched = false;
-    std::wstring fetchedFor;
+    std::vector<unsigned> numbers;           // in order; a hostile answer has millions
+    std::optional<std::wstring> fetchedFor;  // the referrer, which may be empty
+    bool isAnswered = false;
+    RequestInterval attempt;
 };
 
 }  // namespace kel

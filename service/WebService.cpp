@@ -90,6 +90,11 @@ void WebService::Call() noexcept
     }
 }
 
+bool WebService::IsAnswered() const
+{
+    return state == ExchangeState::Answered || state == ExchangeState::UnknownProduct;
+}
+
 void WebService::Exchange()
 {
     HttpRequest request{host, verb, path, L"", ToUtf8(body)};

@@ -24,6 +24,9 @@ public:
     /// exchange could be started.
     bool HasBegun() const { return hasBegun; }
 
+    /// Whether the analysis service answered the last call, and its whole answer arrived.
+    bool IsAnswered() const;
+
     /// The text of the answer, whatever its status; empty before a call and after a failed one.
     const std::wstring& GetResult() const { return result; }
 

@@ -18,7 +18,7 @@ struct BrokenSession : test::TestSession {
 TEST(Detectors, LogOneLineEachWhenTheyFailAndTheNextRuns)
 {
     BrokenSession session;
-    session.wanted.Assign(L"71069", L"");
+    session.wanted.Assign(L"71069", L"", true);
     const test::LogCapture log(1);
     Components().DetectAll();
     Components().DetectAll();  // once per process, for any caller

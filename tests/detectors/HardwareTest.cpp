@@ -56,7 +56,7 @@ TEST(NetworkDevice, MeasuresOnlyWhatIsWanted)
     const test::LogCapture log(3);
     EXPECT_TRUE(NetworkDevice().Detect());
     EXPECT_EQ(session.Text(71069), L"(none)");
-    session.wanted.Assign(L"71069", L"");
+    session.wanted.Assign(L"71069", L"", true);
     EXPECT_TRUE(NetworkDevice().Detect());  // the proxy of the tests refuses
     EXPECT_EQ(session.Text(71069), L"0.0 bps");
     const std::vector<std::wstring> lines = log.Lines();

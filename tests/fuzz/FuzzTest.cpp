@@ -83,7 +83,7 @@ bool FindsEachOfItsIds(const Text& bytes)
 {
     const Text text = FromUtf8(Narrow(bytes));
     WantedGroups wanted;
-    wanted.Assign(text, L"");
+    wanted.Assign(text, L"", true);
     const auto isFound = [&wanted](const Text& id) { return wanted.Contains(GroupID(id)); };
     return std::ranges::all_of(All(text, L"([^|,]+)"), isFound);
 }

@@ -124,11 +124,11 @@ TEST(System, KeepsAnUploadDueWhenItCouldNotBegin)
     EXPECT_EQ(uploads(), 3);
 }
 
-TEST(UploadInterval, LetsTenMinutesPassUnlessReset)
+TEST(RequestInterval, LetsTenMinutesPassUnlessReset)
 {
-    UploadInterval upload;
+    RequestInterval upload;
     EXPECT_TRUE(upload.IsDue(0));
-    upload.MarkUploaded(1000);
+    upload.MarkSent(1000);
     EXPECT_FALSE(upload.IsDue(1599));
     EXPECT_TRUE(upload.IsDue(1600));
     EXPECT_FALSE(upload.IsDue(0));  // the clock was put back
@@ -139,16 +139,55 @@ TEST(UploadInterval, LetsTenMinutesPassUnlessReset)
 TEST(WantedGroups, AreSplitAndRememberedForTheirReferrer)
 {
     WantedGroups wanted;
-    EXPECT_FALSE(wanted.IsFetchedFor(L""));
+    EXPECT_TRUE(wanted.IsDue(L"", 1000));
     const std::pair<const wchar_t*, const char*> rows[] = {
         {L"1|2,3", "01110000"}, {L"|,7||", "00000001"}, {L"", "00000000"}, {L"<html>", "10000000"}};
     for (const auto& [answer, expected] : rows) {
-        wanted.Assign(answer, L"r");
+        wanted.Assign(answer, L"r", true);
         for (unsigned number = 0; number < 8; ++number)
             EXPECT_EQ(wanted.Contains(GroupID(number)), expected[number] == '1') << answer;
     }
-    EXPECT_TRUE(wanted.IsFetchedFor(L"r"));
-    EXPECT_FALSE(wanted.IsFetchedFor(L"other"));
+    EXPECT_FALSE(wanted.IsDue(L"r", 1000));
+    EXPECT_TRUE(wanted.IsDue(L"other", 1000));
+}
+
+TEST(WantedGroups, AreDueAgainWithoutAnAnswer)
+{
+    WantedGroups wanted;
+    wanted.Assign(L"", L"r", false);
+    EXPECT_TRUE(wanted.IsDue(L"r", 1000)) << "the request could not begin";
+    wanted.MarkSent(1000);
+    EXPECT_FALSE(wanted.IsDue(L"r", 1599));
+    EXPECT_TRUE(wanted.IsDue(L"r", 1600));
+    wanted.Reset();
+    EXPECT_TRUE(wanted.IsDue(L"r", 1001));
+    wanted.Assign(L"1", L"r", true);
+    wanted.Reset();
+    EXPECT_FALSE(wanted.IsDue(L"r", 9000)) << "the service has answered";
+}
+
+TEST(System, AsksForGroupsAgainWithoutAnAnswerAndForAnotherReferrer)
+{
+    System system;
+    test::FakeWmiData data;
+    const test::FakeWmi fake(data);
+    const test::LogCapture log(LogTrace);
+    const auto requests = [&log, &system] {
+        system.Detect();
+        return std::ranges::count_if(
+            log.Lines(), [](const std::wstring& line) { return line.starts_with(L"TRACE Request: GET "); });
+    };
+    EXPECT_EQ(requests(), 1);  // the proxy of the tests refuses
+    EXPECT_EQ(requests(), 1);
+    system.SetReferrerID(L"");
+    EXPECT_EQ(requests(), 1);
+    system.SetReferrerID(L"product");
+    EXPECT_EQ(requests(), 2);
+    system.SetReferrerID(L"product");
+    EXPECT_EQ(requests(), 3);
+    system.SetSessionID(L"session");
+    EXPECT_EQ(requests(), 4);
+    EXPECT_EQ(requests(), 4);
 }
 
 /// The store's content as "id[index]=text" items, in order.
@@ -253,7 +292,7 @@ TEST(XMLReport, WritesWantedValuesInTheStoresOrder)
         return text;
     };
     EXPECT_EQ(report(), L"<groups></groups>  ");
-    session.wanted.Assign(L"5|7,0abc,73390", L"referrer");
+    session.wanted.Assign(L"5|7,0abc,73390", L"referrer", true);
     session.values.AddValue(7, L"a<b&c>\"'");
     session.values.AddValue(6, L"not wanted");
     session.values.AddValue(73390, L"for the page alone");

@@ -232,7 +232,7 @@ void PlantedMachine::Run(const Lines& names)
 Detected PlantedMachine::Detect()
 {
     TestSession session;
-    session.wanted.Assign(machine.First(L"wanted"), L"");
+    session.wanted.Assign(machine.First(L"wanted"), L"", true);
     const LogCapture log(LogMaximum);
     Run(Split(machine.First(L"detectors"), L' '));
 
@@ -243,7 +243,7 @@ Detected PlantedMachine::Detect()
     std::wstring all;
     for (const unsigned number : session.Numbers())
         all += std::to_wstring(number) + L",";
-    session.wanted.Assign(all, L"");
+    session.wanted.Assign(all, L"", true);
     XMLReport(session.values).GetReport(XMLReport::StandardOption, detected.report);
     detected.opened = storage.devices.opened;
     detected.letters = storage.volumes.opened;
