@@ -19,11 +19,14 @@ constexpr const char* Footer =
     "3 wrong arguments, files or answers, with one line that says what to do.\n"
     "Only \"check PRODUCT\", \"report --product\" and the value 71069 use the network.";
 
-/// A name of a host: no port, no path, no address of the wide form.
+/// A name of a host, perhaps after a scheme: no port, no path, no address of the wide form.
 std::string CheckHost(const std::string& text)
 {
+    std::string_view host = text;
+    for (const std::string_view scheme : {"https://", "http://"})
+        host.remove_prefix(host.starts_with(scheme) ? scheme.size() : 0);
     const bool isHost =
-        !text.empty() && text.size() <= 253 && std::all_of(text.begin(), text.end(), [](char c) {
+        !host.empty() && host.size() <= 253 && std::all_of(host.begin(), host.end(), [](char c) {
             return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' ||
                    c == '-';
         });
@@ -56,7 +59,9 @@ void AddCheck(CLI::App& app, Options& options)
     file->excludes(product);
     check->add_option("--html", options.html, "Write the verdict as a page to this file, too");
     check->add_flag("--json", options.asJson, "As JSON");
-    check->add_option("--service", options.service, "The host of another service")
+    check
+        ->add_option("--service", options.service,
+                     "The host of another service; https://HOST for one with a certificate")
         ->check(CheckHost)
         ->excludes(file);
     check->callback([&options, product, file] {
@@ -76,7 +81,9 @@ void AddReport(CLI::App& app, Options& options)
     CLI::Option* file =
         report->add_option("--requirements", options.requirements, "With the verdict by this file");
     file->excludes(product);
-    report->add_option("--service", options.service, "The host of another service")
+    report
+        ->add_option("--service", options.service,
+                     "The host of another service; https://HOST for one with a certificate")
         ->check(CheckHost)
         ->excludes(file);
     report->callback([&options] { options.command = Command::Report; });

@@ -15,7 +15,6 @@ namespace kel {
 
 namespace {
 
-constexpr INTERNET_PORT Port = 80;
 constexpr DWORD ConnectFlags = INTERNET_FLAG_NO_AUTH;
 static_assert(ConnectFlags == 0x40000);
 constexpr DWORD RequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT |
@@ -33,15 +32,17 @@ HINTERNET Require(HINTERNET handle, const char* failure)
 HINTERNET OpenRequest(const HttpRequest& request, InternetSession& internet)
 {
     const HINTERNET session = Require(internet.Open(), "Can't open Internet.");
+    const INTERNET_PORT port = request.isSecure ? INTERNET_DEFAULT_HTTPS_PORT : INTERNET_DEFAULT_HTTP_PORT;
+    const DWORD flags = RequestFlags | (request.isSecure ? INTERNET_FLAG_SECURE : 0);
     const HINTERNET connection =
-        Require(internet.Keep(InternetConnectW(session, request.host.c_str(), Port, L"", L"",
+        Require(internet.Keep(InternetConnectW(session, request.host.c_str(), port, L"", L"",
                                                INTERNET_SERVICE_HTTP, ConnectFlags, 0)),
                 "Can't open Internet connection.");
     const wchar_t* acceptTypes[] = {L"text/*", nullptr};
-    const HINTERNET opened = Require(
-        internet.Keep(HttpOpenRequestW(connection, request.verb.c_str(), request.path.c_str(), L"HTTP/1.1",
-                                       nullptr, acceptTypes, RequestFlags, internet.Context())),
-        "Can't open Internet request.");
+    const HINTERNET opened =
+        Require(internet.Keep(HttpOpenRequestW(connection, request.verb.c_str(), request.path.c_str(),
+                                               L"HTTP/1.1", nullptr, acceptTypes, flags, internet.Context())),
+                "Can't open Internet request.");
     internet.LimitWaits(opened, ExchangeLimits::Wait);
     InternetSession::SuppressLogon(opened);
     return opened;
@@ -104,12 +105,14 @@ void HttpAnswer::LogStatus() const
              statusText.value_or(L""));
 }
 
-bool IsOfHost(const std::wstring& address, const std::wstring& host)
+bool IsOfHost(const std::wstring& address, const std::wstring& host, bool isSecure)
 {
     URL_COMPONENTSW parts = {};
     parts.dwStructSize = sizeof(parts);
     parts.dwHostNameLength = 1;  // asks for a pointer into the address
     if (!InternetCrackUrlW(address.c_str(), 0, 0, &parts) || parts.lpszHostName == nullptr)
+        return false;
+    if (isSecure && parts.nScheme != INTERNET_SCHEME_HTTPS)
         return false;
     const std::wstring found(parts.lpszHostName, parts.dwHostNameLength);
     return _wcsicmp(found.c_str(), host.c_str()) == 0;
@@ -139,7 +142,7 @@ void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer
     answer.statusText = InternetSession::QueryInfo(opened, HTTP_QUERY_STATUS_TEXT);
     // WinINet follows redirects, with the user's cookies. A page must not read through the control what its
     // browser would not let it read, such as a host of the local network.
-    if (!IsOfHost(AnsweringAddress(opened), request.host))
+    if (!IsOfHost(AnsweringAddress(opened), request.host, request.isSecure))
         answer.failure = "The answer came from another host than the service's.";
     answer.isOfOtherHost = answer.failure != nullptr;
     if (!answer.isOfOtherHost)

@@ -11,13 +11,14 @@
 
 namespace kel {
 
-/// A request on port 80.
+/// A request by HTTP, to port 80, or by HTTPS, to port 443.
 struct HttpRequest {
     std::wstring host;
     std::wstring verb;
     std::wstring path;
-    std::wstring headers;  ///< empty for none
-    std::string body;      ///< UTF-8; empty for none
+    std::wstring headers;   ///< empty for none
+    std::string body;       ///< UTF-8; empty for none
+    bool isSecure = false;  ///< by HTTPS; a certificate that the system does not trust fails it
 };
 
 /// The answer, as far as the exchange went.
@@ -38,7 +39,8 @@ struct HttpAnswer {
 };
 
 /// Whether an address, as WinINet reports the one that answered, belongs to a host. Case is ignored.
-bool IsOfHost(const std::wstring& address, const std::wstring& host);
+/// @param isSecure only an address of HTTPS does then
+bool IsOfHost(const std::wstring& address, const std::wstring& host, bool isSecure = false);
 
 /// Sends a request and reads its answer, through WinINet.
 /// @param request not changed; WinINet's declaration lacks a const

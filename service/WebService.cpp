@@ -56,6 +56,7 @@ std::wstring WithoutKey(std::wstring path)
 
 WebService::WebService(const wchar_t* requestVerb, std::wstring requestPath, std::wstring requestBody)
     : host(ServiceHost()),
+      isSecure(IsServiceSecure()),
       verb(requestVerb),
       path(std::move(requestPath)),
       contentType(L"application/xml"),
@@ -97,7 +98,7 @@ bool WebService::IsAnswered() const
 
 void WebService::Exchange()
 {
-    HttpRequest request{host, verb, path, L"", ToUtf8(body)};
+    HttpRequest request{host, verb, path, L"", ToUtf8(body), isSecure};
     const std::wstring what = Describe();
     WriteLog(LogTrace, L"Request: ", what);
     if (!request.body.empty()) {
@@ -176,7 +177,7 @@ void WebService::EndUnreached(DWORD error)
 std::wstring WebService::Describe() const
 {
     std::wstring text = verb;
-    text += L' ';
+    text += isSecure ? L" https://" : L" ";
     text += host;
     text += WithoutKey(path);
     text += L", proxy ";

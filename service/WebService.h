@@ -52,6 +52,7 @@ private:
     std::wstring Describe() const;
 
     std::wstring host;
+    bool isSecure;
     std::wstring verb;
     std::wstring path;
     std::wstring contentType;

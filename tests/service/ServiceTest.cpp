@@ -206,6 +206,8 @@ TEST(Answer, CountsOnlyFromTheServicesHost)
     for (const wchar_t* other : {L"", L"a.example", L"http://a.example@b.example",
                                  L"http://b.example/a.example", L"http://a.example.b.example/"})
         EXPECT_FALSE(IsOfHost(other, L"a.example")) << other;
+    EXPECT_TRUE(IsOfHost(L"https://a.example/x", L"a.example", true));
+    EXPECT_FALSE(IsOfHost(L"http://a.example/x", L"a.example", true)) << "a redirect to plain HTTP";
 }
 
 TEST(Answer, ShowsWhoAnsweredAndWhetherItIsWhole)
