@@ -6,11 +6,11 @@
 
 #include "program/Commands.h"
 #include "program/FactTable.h"
-#include "program/files/SupportFile.h"
 #include "program/machine/Machine.h"
 #include "program/text/Output.h"
 #include "program/text/UserError.h"
 #include "verdict/Catalogue.h"
+#include "verdict/files/SupportFile.h"
 #include "verdict/text/Csv.h"
 
 namespace kel::program {

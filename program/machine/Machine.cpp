@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "BuildSettings.h"
-#include "program/files/VerdictJson.h"
 #include "program/machine/Progress.h"
 #include "program/text/Characters.h"
 #include "program/text/UserError.h"
@@ -20,6 +19,7 @@
 #include "service/ServiceHost.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
+#include "verdict/files/VerdictJson.h"
 #include "verdict/text/Text.h"
 
 namespace kel::program {

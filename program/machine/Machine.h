@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "program/files/Snapshot.h"
+#include "verdict/files/Snapshot.h"
 
 namespace kel::program {
 
