@@ -14,7 +14,7 @@ Function CheckMachine(Referrer)
   Verdict = Control.Analysis("requirements", "xml", "1.0")
   Start = InStr(Verdict, "<analysis result=""")
   If Start = 0 Then
-    CheckMachine = "Verdict: no answer"
+    CheckMachine = "No verdict: " & Control.Value("73390") ' how the last exchange ended
   Else
     Verdict = Mid(Verdict, Start + Len("<analysis result="""))
     CheckMachine = "Verdict: " & Left(Verdict, InStr(Verdict, """") - 1)

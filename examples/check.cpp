@@ -24,19 +24,23 @@ int wmain(int count, wchar_t** arguments)
     control->put_UserID(_bstr_t(L"visitor"));
     _bstr_t answer;  // empty or null when there is none
     _bstr_t memory;
+    _bstr_t state;  // how the last exchange ended
     control->get_Analysis(_bstr_t(L"requirements"), _bstr_t(L"xml"), _bstr_t(L"1.0"), answer.GetAddress());
     control->get_Value(_bstr_t(L"71063"), memory.GetAddress());
+    control->get_Value(_bstr_t(L"73390"), state.GetAddress());
     const std::wstring verdict = answer.length() != 0 ? static_cast<const wchar_t*>(answer) : L"";
     const std::wstring mark = L"<analysis result=\"";
     const std::size_t start = verdict.find(mark);
-    const std::wstring total =
-        start == std::wstring::npos
-            ? L"no answer"
-            : verdict.substr(start + mark.size(),
-                             verdict.find(L'"', start + mark.size()) - start - mark.size());
-    std::printf("Verdict: %ls\nMemory: %ls\n", total.c_str(),
-                memory.length() != 0 ? memory.GetBSTR() : L"unknown");
+    std::wstring total;
+    if (start != std::wstring::npos) {
+        total = verdict.substr(start + mark.size());
+        total = total.substr(0, total.find(L'"'));
+        std::printf("Verdict: %ls\n", total.c_str());
+    } else {
+        std::printf("No verdict: %ls\n", state.length() != 0 ? state.GetBSTR() : L"no exchange");
+    }
+    std::printf("Memory: %ls\n", memory.length() != 0 ? memory.GetBSTR() : L"unknown");
     control.Reset();
     CoUninitialize();
-    return total == L"pass" ? 0 : 1;
+    return total.empty() ? 2 : total == L"pass" ? 0 : 1;
 }

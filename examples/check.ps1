@@ -16,7 +16,11 @@ try {
 $control.ReferrerID = $Referrer
 $control.UserID = 'visitor'
 $verdict = $control.Analysis('requirements', 'xml', '1.0')
-if ($verdict -match '<analysis result="(\w+)"') { $total = $Matches[1] } else { $total = 'no answer' }
+if ($verdict -notmatch '<analysis result="(\w+)"') {
+    "No verdict: $($control.Value('73390'))"  # how the last exchange ended
+    exit 2
+}
+$total = $Matches[1]
 "Verdict: $total"
 "Memory: $($control.Value('71063'))"
 if ($total -eq 'pass') { exit 0 } else { exit 1 }

@@ -19,9 +19,12 @@ def main():
     control.UserID = "visitor"
     verdict = control.Analysis("requirements", "xml", "1.0") or ""
     total = re.search(r'<analysis result="(\w+)"', verdict)
-    print("Verdict:", total[1] if total else "no answer")
+    if not total:
+        print("No verdict:", control.Value("73390"))  # how the last exchange ended
+        return 2
+    print("Verdict:", total[1])
     print("Memory:", control.Value("71063"))
-    return 0 if total and total[1] == "pass" else 1
+    return 0 if total[1] == "pass" else 1
 
 
 sys.exit(main())

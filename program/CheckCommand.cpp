@@ -21,7 +21,7 @@ Snapshot JudgeMachine(const Options& options, std::optional<Requirements>& requi
     requirements = ReadRequirements(options.requirements);
     std::vector<unsigned> groups;
     for (const int group : requirements->Groups()) {
-        if (group != BandwidthGroup)  // measured by a download, and nothing may leave the machine
+        if (!UsesNetwork(group))  // nothing may leave the machine
             groups.push_back(static_cast<unsigned>(group));
     }
     Snapshot snapshot = ReadMachine(groups);

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "program/CommandLine.h"
-#include "program/files/Snapshot.h"
 #include "verdict/Requirements.h"
 #include "verdict/Result.h"
+#include "verdict/files/Snapshot.h"
 
 namespace kel::program {
 

@@ -39,14 +39,6 @@ std::string AreaOf(int id)
     return known != nullptr ? known->Area() : OtherArea;
 }
 
-std::string NameOf(const Fact& fact)
-{
-    const CatalogueValue* known = FindCatalogueValue(fact.id);
-    const std::string name = known != nullptr ? known->Name() : "";
-    const bool isIndexed = known != nullptr ? known->hasIndexes : fact.index != 0;
-    return isIndexed ? name + " [" + std::to_string(fact.index) + "]" : name;
-}
-
 int WriteFacts(Output& output, const Snapshot& snapshot, bool showsEmpty)
 {
     std::vector<Fact> facts = snapshot.facts;

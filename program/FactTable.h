@@ -4,17 +4,13 @@
 #include <string>
 #include <vector>
 
-#include "program/files/Snapshot.h"
 #include "program/text/Output.h"
+#include "verdict/files/Snapshot.h"
 
 namespace kel::program {
 
 /// The area of a value, such as "memory"; "other" for an id that the catalogue lacks.
 std::string AreaOf(int id);
-
-/// The name of a value: "GPU: name [1]" with its index where there are several; empty for an id that the
-/// catalogue lacks.
-std::string NameOf(const Fact& fact);
 
 /// Writes facts by area, in the catalogue's order of areas.
 /// @param showsEmpty also those without a text and those that are missing, with the reason where it is known

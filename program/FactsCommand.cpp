@@ -6,11 +6,11 @@
 
 #include "program/Commands.h"
 #include "program/FactTable.h"
-#include "program/files/SupportFile.h"
 #include "program/machine/Machine.h"
 #include "program/text/Output.h"
 #include "program/text/UserError.h"
 #include "verdict/Catalogue.h"
+#include "verdict/files/SupportFile.h"
 #include "verdict/text/Csv.h"
 
 namespace kel::program {
@@ -57,9 +57,12 @@ int ShowFacts(const Options& options)
         asked.insert(ids.begin(), ids.end());
     }
     std::vector<unsigned> groups = AllGroups();
-    // A whole area does not start a download.
-    if (std::count(options.subjects.begin(), options.subjects.end(), std::to_string(BandwidthGroup)) > 0)
-        groups.push_back(BandwidthGroup);
+    // A whole area does not use the network; an id does.
+    for (const int id : asked) {
+        if (UsesNetwork(id) &&
+            std::count(options.subjects.begin(), options.subjects.end(), std::to_string(id)) > 0)
+            groups.push_back(static_cast<unsigned>(id));
+    }
     Snapshot snapshot = ReadMachine(groups);
     if (!asked.empty()) {
         const auto isOther = [&](const Fact& fact) { return !asked.contains(fact.id); };

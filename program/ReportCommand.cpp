@@ -6,12 +6,12 @@
 #include "program/Commands.h"
 #include "program/VerdictText.h"
 #include "program/files/File.h"
-#include "program/files/SupportFile.h"
 #include "program/machine/Machine.h"
 #include "program/text/Output.h"
 #include "program/text/Table.h"
 #include "run/LogStart.h"
 #include "service/Utf8.h"
+#include "verdict/files/SupportFile.h"
 
 namespace kel::program {
 

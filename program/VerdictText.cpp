@@ -1,14 +1,12 @@
 #include "program/VerdictText.h"
 
-#include <algorithm>
 #include <exception>
 
-#include "program/FactTable.h"
 #include "program/files/File.h"
 #include "program/text/Characters.h"
 #include "program/text/Table.h"
 #include "program/text/UserError.h"
-#include "verdict/Catalogue.h"
+#include "verdict/files/EmptyValues.h"
 
 namespace kel::program {
 
@@ -22,27 +20,6 @@ Colour ColourOf(Result result)
 std::string Label(const VerdictLine& line)
 {
     return line.label + (line.recommended ? " (recommended)" : "");
-}
-
-/// Why a value is empty, as far as the snapshot shows it.
-std::string FindReason(const Fact* fact, int group, const Snapshot& snapshot)
-{
-    const CatalogueValue* known = FindCatalogueValue(group);
-    if (known != nullptr && known->existence != 0 && snapshot.Text(known->existence) == "No")
-        return "not installed";
-    if (fact == nullptr)
-        return "it is not among the values";
-    return fact->reason.empty() ? "the reason is not known" : fact->reason;
-}
-
-/// A line about a value that is empty; empty when it is not.
-std::string ReasonFor(int group, const Snapshot& snapshot)
-{
-    const Fact* fact = snapshot.Find(group);
-    if (fact != nullptr && !fact->text.empty())
-        return "";
-    return NameOf(fact != nullptr ? *fact : Fact{group, 0, "", ""}) + " (" + std::to_string(group) +
-           "): " + FindReason(fact, group, snapshot);
 }
 
 }  // namespace
@@ -85,14 +62,8 @@ void WriteReasons(Output& output, const Requirements& requirements, const Verdic
                   const Snapshot& snapshot)
 {
     Table table({"", ""});
-    for (std::size_t place = 0; place < std::min(requirements.lines.size(), verdict.lines.size()); ++place) {
-        if (verdict.lines[place].result == Result::Pass)
-            continue;
-        for (const int group : requirements.lines[place].Groups()) {
-            if (const std::string reason = ReasonFor(group, snapshot); !reason.empty())
-                table.AddRow({{verdict.lines[place].label + ":"}, {reason}});
-        }
-    }
+    for (const EmptyValue& value : FindEmptyValues(requirements, verdict, snapshot))
+        table.AddRow({{value.label + ":"}, {value.Text()}});
     if (table.IsEmpty())
         return;
     output.WriteLine();

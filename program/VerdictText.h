@@ -3,10 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "program/files/Snapshot.h"
 #include "program/text/Output.h"
 #include "verdict/Requirements.h"
 #include "verdict/Verdict.h"
+#include "verdict/files/Snapshot.h"
 
 namespace kel::program {
 

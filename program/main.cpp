@@ -35,7 +35,7 @@ int Run(const Options& options)
 int Fail(const std::string& reason) noexcept
 {
     try {
-        Output::Error().WriteLine("kel: " + Printable(reason), Colour::Bad);
+        Output::Error().WriteLine("kel: " + kel::Printable(reason), Colour::Bad);
         Output::Error().Flush();
     } catch (...) {
         // There is nobody to read it; the exit code remains.

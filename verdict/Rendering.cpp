@@ -81,7 +81,7 @@ std::string RenderJson(const Verdict& verdict, const std::string& item, const st
     return content.dump();
 }
 
-std::string RenderPage(const Verdict& verdict)
+std::string RenderPage(const Verdict& verdict, const SupportNote* note)
 {
     const std::string total(ToString(verdict.total));
     std::string page =
@@ -94,7 +94,10 @@ std::string RenderPage(const Verdict& verdict)
         "<th scope=\"col\">Result</th></tr></thead>\n<tbody>\n";
     for (const VerdictLine& line : verdict.lines)
         page += RenderRow(line);
-    return page + "</tbody></table></main></body></html>\n";
+    page += "</tbody></table>\n";
+    if (note != nullptr)
+        page += RenderNote(*note);
+    return page + "</main></body></html>\n";
 }
 
 std::string RenderLines(const Verdict& verdict)

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "verdict/SupportNote.h"
 #include "verdict/Verdict.h"
 
 namespace kel {
@@ -14,7 +15,8 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
 std::string RenderJson(const Verdict& verdict, const std::string& item, const std::string& schema);
 
 /// The verdict as a complete page, in the style of the example page.
-std::string RenderPage(const Verdict& verdict);
+/// @param note null for a page without one
+std::string RenderPage(const Verdict& verdict, const SupportNote* note = nullptr);
 
 /// Only the lines, as the store keeps them: a JSON list of id, found and result, with "recommended" for a
 /// recommendation, and "any of", a list of id, needed, found and result, for a line with alternatives.

@@ -1,15 +1,11 @@
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
-#include "program/files/Snapshot.h"
+#include "verdict/files/Snapshot.h"
 
 namespace kel::program {
-
-/// Bytes. A support file with a long log has some megabytes, an answer of the service's export at most four.
-inline constexpr std::size_t MaxSnapshotFile = std::size_t{32} << 20;
 
 /// Reads the text of a support file, of a report of the control, or of the service's export, whose newest
 /// report counts. UTF-8, or UTF-16 as PowerShell writes it.

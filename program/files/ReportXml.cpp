@@ -11,10 +11,10 @@
 #include <utility>
 
 #include "platform/Library.h"
-#include "program/text/Characters.h"
-#include "program/text/UserError.h"
 #include "service/Utf8.h"
+#include "verdict/files/FileError.h"
 #include "verdict/text/Text.h"
+#include "verdict/text/Utf8.h"
 
 namespace kel::program {
 
@@ -29,7 +29,7 @@ constexpr const char* NotAReport =
 void Require(HRESULT result)
 {
     if (FAILED(result))
-        throw UserError(NotAReport);
+        throw FileError(NotAReport);
 }
 
 ComPtr<IStream> MakeStream(const std::string& bytes)
@@ -47,7 +47,7 @@ ComPtr<IXmlReader> MakeReader(IStream* stream)
     static auto* const create =
         PermanentFunction<decltype(CreateXmlReader)>(L"xmllite.dll", "CreateXmlReader");
     if (create == nullptr)
-        throw UserError("This Windows lacks xmllite.dll, which reads XML. Use a file that kel report wrote.");
+        throw FileError("This Windows lacks xmllite.dll, which reads XML. Use a file that kel report wrote.");
     ComPtr<IXmlReader> reader;
     Require(create(__uuidof(IXmlReader), reinterpret_cast<void**>(reader.GetAddressOf()), nullptr));
     Require(reader->SetProperty(XmlReaderProperty_DtdProcessing, DtdProcessing_Prohibit));
@@ -86,7 +86,7 @@ public:
     {
         ++depth;
         if (depth == 1 && name != L"groups")
-            throw UserError(NotAReport);
+            throw FileError(NotAReport);
         if (depth == 2 && name == L"group")
             Add(ReadNumber(reader, L"id", -1), ReadNumber(reader, L"index", 0));
         isInValue = depth == 3 && name == L"value";
@@ -137,7 +137,7 @@ std::vector<Fact> ReadReportXml(std::string_view xml)
     // Wine's reader adds the ends that a document lacks, and ends the process where the last character is not
     // ASCII.
     if (!clean.ends_with("</groups>") && clean != "<groups/>")
-        throw UserError(NotAReport);
+        throw FileError(NotAReport);
     const ComPtr<IStream> stream = MakeStream(clean);
     const ComPtr<IXmlReader> reader = MakeReader(stream.Get());
     GroupReader groups;
@@ -161,7 +161,7 @@ std::vector<Fact> ReadReportXml(std::string_view xml)
         }
     }
     if (result != S_FALSE)  // the end of a document that is well-formed
-        throw UserError(NotAReport);
+        throw FileError(NotAReport);
     return groups.Facts();
 }
 

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "BuildSettings.h"
-#include "program/files/VerdictJson.h"
 #include "program/machine/Progress.h"
 #include "program/text/Characters.h"
 #include "program/text/UserError.h"
@@ -20,6 +19,7 @@
 #include "service/ServiceHost.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
+#include "verdict/files/VerdictJson.h"
 #include "verdict/text/Text.h"
 
 namespace kel::program {
@@ -27,6 +27,7 @@ namespace kel::program {
 namespace {
 
 constexpr int ReleaseId = 73401, WindowsVersionId = 73400, HostProgramId = 73003, ExchangeStateId = 73390;
+constexpr std::string_view NetworkArea = "network";
 constexpr std::string_view SessionArea = "session";  // what a page sets, which this program does not
 constexpr std::size_t MaxEcho = 100;                 // bytes of an answer that an error repeats
 
@@ -76,11 +77,17 @@ Snapshot TakeSnapshot()
 
 }  // namespace
 
+bool UsesNetwork(int group)
+{
+    const CatalogueValue* known = FindCatalogueValue(group);
+    return known != nullptr && known->isGated && known->Area() == NetworkArea;
+}
+
 std::vector<unsigned> AllGroups()
 {
     std::vector<unsigned> groups;
     for (const CatalogueValue& value : CatalogueValues) {
-        if (value.id != BandwidthGroup)
+        if (!UsesNetwork(value.id))
             groups.push_back(static_cast<unsigned>(value.id));
     }
     return groups;

@@ -3,17 +3,18 @@
 #include <string>
 #include <vector>
 
-#include "program/files/Snapshot.h"
+#include "verdict/files/Snapshot.h"
 
 namespace kel::program {
 
-/// The bandwidth of the connection, which a download measures.
-inline constexpr int BandwidthGroup = 71069;
+/// Whether reading a value uses the network, as the bandwidth's measurement by a download does: the catalogue
+/// has such a value as a gated one of the network.
+bool UsesNetwork(int group);
 
-/// All values of the catalogue but the bandwidth.
+/// All values of the catalogue that are read without using the network.
 std::vector<unsigned> AllGroups();
 
-/// Reads this machine, once per process. Nothing is sent or received, unless the groups have the bandwidth.
+/// Reads this machine, once per process. Nothing is sent or received, unless a group uses the network.
 /// @param groups those that are read although they cost a graphics driver or a download
 Snapshot ReadMachine(std::vector<unsigned> groups);
 

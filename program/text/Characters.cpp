@@ -16,8 +16,6 @@ struct Range {
     char32_t first, last;
 };
 
-constexpr Range Controls[] = {{0, 0x1F},        {0x7F, 0x9F},     {0x061C, 0x061C}, {0x200E, 0x200F},
-                              {0x2028, 0x202E}, {0x2066, 0x2069}, {0xFEFF, 0xFEFF}};
 constexpr Range Combining[] = {{0x0300, 0x036F}, {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x064B, 0x065F},
                                {0x0E31, 0x0E31}, {0x0E34, 0x0E3A}, {0x0E47, 0x0E4E}, {0x1AB0, 0x1AFF},
                                {0x200B, 0x200D}, {0x20D0, 0x20F0}, {0xFE00, 0xFE0F}, {0xFE20, 0xFE2F}};
@@ -46,29 +44,7 @@ char32_t Take(std::string_view& text)
     return Replacement;
 }
 
-template <typename IsKept>
-std::string Replaced(std::string_view text, IsKept isKept)
-{
-    std::string kept;
-    kept.reserve(text.size());
-    while (!text.empty()) {
-        const char32_t c = Take(text);
-        AppendCodePoint(kept, isKept(c) ? c : Replacement);
-    }
-    return kept;
-}
-
 }  // namespace
-
-std::string Printable(std::string_view text)
-{
-    return Replaced(text, [](char32_t c) { return !IsIn(Controls, c); });
-}
-
-std::string XmlText(std::string_view text)
-{
-    return Replaced(text, &IsXmlCharacter);
-}
 
 int Columns(std::string_view text)
 {

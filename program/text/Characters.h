@@ -1,17 +1,11 @@
 // What texts of any source need before a console shows them.
 #pragma once
 
-#include <string>
 #include <string_view>
 
+#include "verdict/text/Printable.h"
+
 namespace kel::program {
-
-/// The text with a replacement character for each control character, each character that changes the
-/// direction of writing, and each byte that is not UTF-8: a value or a file cannot control the console.
-std::string Printable(std::string_view text);
-
-/// The text with a replacement character for what XML does not allow, as the service keeps reports.
-std::string XmlText(std::string_view text);
 
 /// The columns that a printable text takes on a console: two for each wide character, none for a combining
 /// one.

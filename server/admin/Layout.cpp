@@ -15,8 +15,11 @@ Html Navigation(const AdminRequest& request)
     struct Entry {
         const char *path, *label;
     };
-    constexpr Entry Entries[] = {
-        {"/", "Overview"}, {"/reports", "Reports"}, {"/values", "Values"}, {"/audit", "Audit"}};
+    constexpr Entry Entries[] = {{"/", "Overview"},
+                                 {"/reports", "Reports"},
+                                 {"/check", "Check a file"},
+                                 {"/values", "Values"},
+                                 {"/audit", "Audit"}};
     Html list;
     for (const Entry& entry : Entries) {
         if (entry.path == std::string_view("/audit") && !request.IsEditor())

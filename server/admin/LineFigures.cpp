@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <optional>
 
+#include "server/admin/FailingLine.h"
 #include "server/admin/Layout.h"
 #include "server/admin/ValueNames.h"
 #include "server/admin/kit/Table.h"
@@ -17,14 +17,6 @@ namespace kel::server {
 namespace {
 
 constexpr int MaxVersions = 3;  // that a page shows
-
-Result ResultIn(const nlohmann::json& line)
-{
-    const auto found = line.is_object() ? line.find("result") : line.end();
-    if (found == line.end() || !found->is_string())
-        return Result::Unknown;
-    return ParseResult(found->get_ref<const std::string&>()).value_or(Result::Unknown);
-}
 
 /// The names of the values that a line asks for, each once.
 std::string NamesOfValues(const Requirement& line)
@@ -80,12 +72,10 @@ void LineFigures::Add(const StoredVerdict& verdict)
     Version& version = versions[verdict.set];
     version.number = verdict.version;
     ++version.sessions;
-    const auto lines = nlohmann::json::parse(verdict.lines, nullptr, false);
-    if (!lines.is_array())
-        return;
-    version.lines.resize(std::max(version.lines.size(), lines.size()));
-    for (std::size_t i = 0; i < lines.size(); ++i)
-        version.lines[i].Add(ResultIn(lines[i]));
+    const std::vector<Result> results = ResultsOfLines(verdict);
+    version.lines.resize(std::max(version.lines.size(), results.size()));
+    for (std::size_t i = 0; i < results.size(); ++i)
+        version.lines[i].Add(results[i]);
 }
 
 Html LineFigures::Show(Database& database) const

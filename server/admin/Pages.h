@@ -24,11 +24,18 @@ Answer ShowAudit(const AdminRequest& request);
 
 /// The list of reports, with filters, page by page.
 Answer ShowReports(const AdminRequest& request);
-/// One report: its sender, its verdicts, its values.
+/// One report: its sender, its verdicts, its values, and other reports of its machine.
 Answer ShowReport(const AdminRequest& request);
+/// A report's XML, as it arrived.
+Answer DownloadReport(const AdminRequest& request);
 /// Asks for confirmation before all reports of a report's session are deleted.
 Answer AskToDeleteSession(const AdminRequest& request);
 Answer DeleteSession(const AdminRequest& request);
+
+/// The form to judge a file of a machine's values, without keeping it.
+Answer ShowCheck(const AdminRequest& request);
+/// Judges the file, and keeps it as a report if that is asked for.
+Answer CheckFile(const AdminRequest& request);
 
 /// A product's results, by requirement, and the machines of its visitors.
 Answer ShowProduct(const AdminRequest& request);

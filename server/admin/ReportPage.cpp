@@ -1,11 +1,13 @@
 
 #include <fmt/format.h>
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/admin/ReportsTable.h"
 #include "server/admin/ValueNames.h"
+#include "server/admin/VerdictTable.h"
 #include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
@@ -17,37 +19,31 @@
 #include "server/store/Verdicts.h"
 #include "verdict/Requirements.h"
 #include "verdict/Verdict.h"
+#include "verdict/text/SessionNumber.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
 
 namespace {
 
-constexpr int MaxReports = 20;               // of the session
+constexpr int MaxReports = 20;               // of the session, and of the machine
 constexpr std::size_t MaxVerdicts = 5;       // the newest
 constexpr std::size_t MaxValues = 2000;      // that a page shows
 constexpr std::size_t MaxValueBytes = 1000;  // bytes of a value that a page shows
 constexpr int MaxBatches = 25;               // of a deletion, which take some seconds
 
-Html TextOrDash(const std::string& text)
-{
-    return text.empty() ? Html("–") : Html::Stored(Shortened(text, MaxValueBytes));
-}
-
-Html Fact(const char* name, const Html& value)
-{
-    return Html::Element("dt", {}, name) + Html::Element("dd", {}, value);
-}
-
 Html ReportFacts(const FullReport& report)
 {
     return Html::Element(
         "dl", {{"class", "facts card"}},
-        {Fact("Received (UTC)", Moment(report.received)),
-         Fact("Product",
-              report.referrer.empty() ? Html("–") : Link(ProductPath(report.referrer), report.referrer)),
-         Fact("Session", TextOrDash(report.session)), Fact("User", TextOrDash(report.user)),
-         Fact("Machine", TextOrDash(report.machine))});
+        {DescriptionEntry("Received (UTC)", Moment(report.received)),
+         DescriptionEntry("Product", report.referrer.empty()
+                                         ? Html("–")
+                                         : Link(ProductPath(report.referrer), report.referrer)),
+         DescriptionEntry("Session", TextOrDash(report.session)),
+         DescriptionEntry("Session's number", TextOrDash(SessionNumber(report.session))),
+         DescriptionEntry("User", TextOrDash(report.user)),
+         DescriptionEntry("Machine", TextOrDash(report.machine))});
 }
 
 Html ValuesTable(const Report& report)
@@ -76,32 +72,77 @@ FullReport FindReport(const AdminRequest& request)
     return *report;
 }
 
-Html VerdictTable(Database& database, const StoredVerdict& verdict, const FullReport& report)
+/// The stored lines have the found values; the requirements have the needed ones.
+Html StoredVerdictTable(Database& database, const StoredVerdict& verdict, const FullReport& report)
 {
-    Table table(fmt::format("By version {} of {}, {} UTC", verdict.version, verdict.referrer,
-                            TimeText(verdict.judged)),
-                {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}});
+    const std::string caption = fmt::format("By version {} of {}, {} UTC", verdict.version, verdict.referrer,
+                                            TimeText(verdict.judged));
     try {
-        // The stored lines have the found values; the requirements have the needed ones.
         const Report values = Report::Read(report.body);
-        const Verdict read =
+        Verdict read =
             Judge(Requirements::Read(RequirementSets(database).Text(verdict.set)), values.Lookup());
         const auto stored = nlohmann::json::parse(verdict.lines);
-        for (std::size_t i = 0; i < read.lines.size() && i < stored.size(); ++i) {
-            const VerdictLine& line = read.lines[i];
-            const Result result =
+        read.lines.resize(std::min(read.lines.size(), stored.size()));
+        for (std::size_t i = 0; i < read.lines.size(); ++i) {
+            read.lines[i].result =
                 ParseResult(stored[i].at("result").get<std::string>()).value_or(Result::Unknown);
-            Html found = Mark(result);
-            if (result != Result::Pass && !line.advice.empty())
-                found += Html::Element("div", {}, Html::Stored(line.advice));
-            table.Add({LineLabel(line.label, line.recommended), Html::Stored(line.needed),
-                       TextOrDash(stored[i].at("found").get<std::string>()), found});
+            read.lines[i].found = stored[i].at("found").get<std::string>();
         }
+        read.total = verdict.total;
+        return VerdictTable(caption, read);
     } catch (const std::exception& error) {
         return Notice("bad", std::string("The verdict cannot be read: ") + error.what());
     }
-    return Html::Element("p", {}, {"Result: ", Mark(verdict.total)}) +
-           table.Done("The requirements have no line.");
+}
+
+/// The verdict by the newest requirements, which is not stored.
+Html TodaysVerdictTable(Database& database, const PublishedSet& set, const FullReport& report)
+{
+    const std::string caption =
+        fmt::format("By today's requirements, version {} of {}; this verdict is not stored", set.version,
+                    report.referrer);
+    try {
+        const Report values = Report::Read(report.body);
+        return VerdictTable(
+            caption, Judge(Requirements::Read(RequirementSets(database).Text(set.id)), values.Lookup()));
+    } catch (const std::exception& error) {
+        return Notice("bad", std::string("The report cannot be judged: ") + error.what());
+    }
+}
+
+/// The verdicts on a report, and today's if it is asked for or offered.
+Html ShowVerdicts(const AdminRequest& request, const FullReport& report)
+{
+    const auto verdicts = Verdicts(request.database).OnReport(report.id);
+    const auto today =
+        report.referrer.empty() ? std::nullopt : RequirementSets(request.database).Newest(report.referrer);
+    const bool isOutdated = today && (verdicts.empty() || verdicts.front().set != today->id);
+    Html content = Html::Element("h2", {}, "Verdicts");
+    if (isOutdated && request.Query("judge") == "today")
+        content += TodaysVerdictTable(request.database, *today, report);
+    else if (isOutdated)
+        content += Html::Element(
+            "p", {}, ButtonLink(ReportPath(report.id) + "?judge=today", "Judge by today's requirements"));
+    for (std::size_t i = 0; i < verdicts.size() && i < MaxVerdicts; ++i)
+        content += StoredVerdictTable(request.database, verdicts[i], report);
+    if (verdicts.empty())
+        content += Html::Element("p", {{"class", "empty"}}, "No verdict was requested for this report.");
+    return content;
+}
+
+Html ReportsOfMachine(Database& database, const FullReport& report)
+{
+    std::vector<ReportLine> lines;
+    if (!report.machine.empty()) {
+        ReportFilter filter;
+        filter.machine = report.machine;
+        filter.count = MaxReports + 1;
+        lines = Reports(database).List(filter);
+        std::erase_if(lines, [&](const ReportLine& line) { return line.id == report.id; });
+        lines.resize(std::min<std::size_t>(lines.size(), MaxReports));
+    }
+    return Html::Element("h2", {}, "Other reports of the machine") +
+           ReportsTable("Other reports of the same machine, the newest first", lines, "None.");
 }
 
 }  // namespace
@@ -110,12 +151,9 @@ Answer ShowReport(const AdminRequest& request)
 {
     const FullReport report = FindReport(request);
     Html content = ReportFacts(report);
-    content += Html::Element("h2", {}, "Verdicts");
-    const auto verdicts = Verdicts(request.database).OnReport(report.id);
-    for (std::size_t i = 0; i < verdicts.size() && i < MaxVerdicts; ++i)
-        content += VerdictTable(request.database, verdicts[i], report);
-    if (verdicts.empty())
-        content += Html::Element("p", {{"class", "empty"}}, "No verdict was requested for this report.");
+    content += Html::Element("p", {{"class", "buttons"}},
+                             ButtonLink(ReportPath(report.id) + "/xml", "Download the XML"));
+    content += ShowVerdicts(request, report);
     ReportFilter filter;
     filter.session = report.session;
     filter.beforeId = report.id;
@@ -123,12 +161,22 @@ Answer ShowReport(const AdminRequest& request)
     content +=
         Html::Element("h2", {}, "Earlier reports of the session") +
         ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter), "None.");
+    content += ReportsOfMachine(request.database, report);
     content += Html::Element("h2", {}, "Values") + ValuesTable(ReadStored(report.body).value_or(Report()));
     if (request.IsEditor())
         content += Html::Element(
             "p", {},
             ButtonLink(ReportPath(report.id) + "/delete", "Delete all reports of this session…", "danger"));
     return Page(request, fmt::format("Report {}", report.id), content);
+}
+
+Answer DownloadReport(const AdminRequest& request)
+{
+    const FullReport report = FindReport(request);
+    Answer answer = Answer::Of("text/xml; charset=utf-8", report.body);
+    answer.headers.emplace_back("Content-Disposition",
+                                fmt::format("attachment; filename=\"report-{}.xml\"", report.id));
+    return answer;
 }
 
 Answer AskToDeleteSession(const AdminRequest& request)

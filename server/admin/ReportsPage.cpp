@@ -1,10 +1,13 @@
 #include <algorithm>
+#include <utility>
 
+#include "server/admin/FailingLine.h"
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/admin/ReportsTable.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/Reports.h"
+#include "verdict/text/SessionNumber.h"
 
 namespace kel::server {
 
@@ -12,7 +15,8 @@ namespace {
 
 constexpr int PageRows = 50;
 constexpr std::int64_t Day = 86'400'000;  // milliseconds
-constexpr const char* Names[] = {"referrer", "verdict", "from", "until", "session"};
+constexpr const char* Names[] = {"referrer", "verdict", "from",    "until",
+                                 "session",  "user",    "machine", "line"};
 
 /// The address of another page of the list, with the same filters.
 std::string ListAddress(const AdminRequest& request, const std::string& place, std::int64_t id)
@@ -46,8 +50,32 @@ Html FilterForm(const AdminRequest& request)
         {Field("Product", "referrer", request.Query("referrer")), VerdictField(request.Query("verdict")),
          Field("From", "from", request.Query("from"), "date"),
          Field("Until", "until", request.Query("until"), "date"),
-         Field("Session", "session", request.Query("session")),
+         Field("Session, or its number", "session", request.Query("session")),
+         Field("User", "user", request.Query("user")), Field("Machine", "machine", request.Query("machine")),
+         Field("Failing line of the product", "line", request.Query("line")),
          Html::Element("div", {{"class", "field"}}, Button("Show", "primary"))});
+}
+
+/// The filter for a session: the text can be its short number.
+void FilterBySession(ReportFilter& filter, const std::string& text)
+{
+    filter.beginnings = SessionBeginnings(Trim(text));
+    if (filter.beginnings.empty())
+        filter.session = text;
+}
+
+/// The filter for the label of a line that fails, and a sentence about it.
+Html FilterByLine(const AdminRequest& request, ReportFilter& filter, const std::string& label)
+{
+    if (label.empty())
+        return {};
+    filter.ids.emplace();
+    if (filter.referrer.empty())
+        return Notice("bad", "A line belongs to a product: fill in the product, too.");
+    FailingReports found = FailingReports::Find(request.database, filter.referrer, label);
+    filter.ids = std::move(found.ids);
+    return Notice("note", {"Reports in whose verdict the line " + Html::Stored(label) + " fails, of " +
+                           found.searched.Text() + "."});
 }
 
 }  // namespace
@@ -56,7 +84,10 @@ Answer ShowReports(const AdminRequest& request)
 {
     ReportFilter filter;
     filter.referrer = request.Query("referrer");
-    filter.session = request.Query("session");
+    filter.user = request.Query("user");
+    filter.machine = request.Query("machine");
+    FilterBySession(filter, request.Query("session"));
+    const Html lineNotice = FilterByLine(request, filter, request.Query("line"));
     const std::string verdict = request.Query("verdict");
     filter.total = ParseResult(verdict);
     filter.from = ParseDay(request.Query("from")).value_or(0);
@@ -89,7 +120,8 @@ Answer ShowReports(const AdminRequest& request)
     if (request.Query("note") == "left")
         content += Notice("note",
                           "The session has more reports than one deletion takes. Delete again for the rest.");
-    content += FilterForm(request) + ReportsTable("Reports, the newest first", lines, "No reports here.");
+    content += FilterForm(request) + lineNotice +
+               ReportsTable("Reports, the newest first", lines, "No reports here.");
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);
     return Page(request, "Reports", content);

@@ -47,7 +47,8 @@ Form ReadForm(const Request& request, bool isOfStranger)
 {
     if (isOfStranger && request.body.size() > MaxStrangersForm)
         throw Fault(413, "The form is too long.");
-    auto form = Form::Read(request.body);
+    const std::string* type = request.Header("Content-Type");
+    auto form = Form::Read(request.body, type ? *type : std::string());
     if (!form)
         throw Fault(400, "The form cannot be read.");
     if (form->Text("text").size() > Requirements::MaxFile)

@@ -20,11 +20,10 @@ StatusCounts& EndpointMetrics::AddRoute(std::string_view method, std::string_vie
     return route.counts;
 }
 
-void Metrics::AddVerdict(const std::string& total)
+void Metrics::AddVerdict(Result total)
 {
     const auto* found = std::find(Totals.begin(), Totals.end(), total);
-    if (found != Totals.end())
-        ++verdicts.at(static_cast<std::size_t>(found - Totals.begin()));
+    ++verdicts.at(static_cast<std::size_t>(found - Totals.begin()));
 }
 
 }  // namespace kel::server

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "verdict/Result.h"
+
 namespace kel::server {
 
 /// A number that any thread may change.
@@ -68,10 +70,10 @@ struct EndpointMetrics {
 
 /// What the service has counted since it started.
 struct Metrics {
-    static constexpr std::array Totals{"pass", "fail", "unknown"};
+    static constexpr std::array Totals{Result::Pass, Result::Fail, Result::Unknown};
 
-    /// Counts a verdict by the name of its total.
-    void AddVerdict(const std::string& total);
+    /// Counts a verdict by its total.
+    void AddVerdict(Result total);
 
     EndpointMetrics publicEndpoint{"public"}, adminEndpoint{"admin"};
     Count uploads = 0;

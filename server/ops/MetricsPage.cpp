@@ -126,7 +126,7 @@ Answer MetricsPage(const Metrics& metrics, const Database& database)
     page.Sample("", metrics.replacedCharacters);
     page.Metric("kel_verdicts_total", "counter", "Verdicts, by their total.");
     for (std::size_t i = 0; i < Metrics::Totals.size(); ++i)
-        page.Sample(Label("total", Metrics::Totals.at(i)), metrics.verdicts.at(i));
+        page.Sample(Label("total", ToString(Metrics::Totals.at(i))), metrics.verdicts.at(i));
     page.Metric("kel_verdicts_not_kept_total", "counter", "Verdicts that were answered but not stored.");
     page.Sample("", metrics.verdictsNotKept);
     page.Metric("kel_room_for_reports", "gauge", "1 while there is room for reports, else 0.");

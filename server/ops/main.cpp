@@ -11,6 +11,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "server/admin/Site.h"
@@ -22,6 +23,7 @@
 #include "server/ops/Export.h"
 #include "server/ops/HeapTrimmer.h"
 #include "server/ops/Import.h"
+#include "server/ops/JudgeFile.h"
 #include "server/ops/Purge.h"
 #include "server/ops/Restore.h"
 #include "server/ops/Retention.h"
@@ -40,6 +42,9 @@ constexpr const char* Usage =
     "  migrate      creates the database, or upgrades it to this program's version\n"
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
     "  export DIR   writes each referrer's newest requirements to such files\n"
+    "  judge PRODUCT FILE [--json]\n"
+    "               judges kel's support file, or a report's XML, by a product's newest requirements, or by\n"
+    "               a file of requirements; ends with 0 (pass), 1 (fail), 2 (unknown) or 3 (an error)\n"
     "  backup FILE  copies an SQLite database while the service runs\n"
     "  restore FILE replaces the database with such a copy while the service is stopped\n"
     "  purge --older 90d | --session SESSION | --machine ID\n"
@@ -51,6 +56,9 @@ constexpr const char* Usage =
     "  user remove NAME, user list\n"
     "  token add NAME [DAYS]\n"
     "               prints a new token of that account for programs\n";
+
+/// Its exit code 1 is a verdict, so that its errors have another one.
+constexpr std::string_view JudgeCommand = "judge";
 
 /// Writes the file under another name first, so that a program that waits for it never reads half a port.
 void WritePort(const std::string& path, std::uint16_t port)
@@ -112,6 +120,8 @@ int Run(std::vector<std::string> arguments)
         std::cerr << Usage;
         return 2;
     }
+    const bool isJudge = !arguments.empty() && arguments[0] == JudgeCommand;
+    const bool asJson = isJudge && std::erase(arguments, "--json") > 0;
     const Config config = Config::Read(arguments, PurgeOptions);
     SetLogLevel(config.logLevel);
     const std::string command = arguments.empty() ? "" : arguments[0];
@@ -125,6 +135,9 @@ int Run(std::vector<std::string> arguments)
         Import(arguments[1], *OpenDatabase(config.database));
     } else if (command == "export" && arguments.size() == 2) {
         Export(arguments[1], *OpenDatabase(config.database));
+    } else if (isJudge && arguments.size() == 3) {
+        return JudgeFile(
+            arguments[1], arguments[2], asJson, [&] { return OpenDatabase(config.database); }, std::cout);
     } else if (command == "backup" && arguments.size() == 2) {
         Backup(config.database, arguments[1]);
     } else if (command == "restore" && arguments.size() == 2) {
@@ -134,7 +147,7 @@ int Run(std::vector<std::string> arguments)
     } else if (!RunAccountCommand(
                    arguments, [&] { return OpenDatabase(config.database); }, std::cin, std::cout)) {
         std::cerr << Usage;
-        return 2;
+        return isJudge ? JudgeFailed : 2;
     }
     return 0;
 }
@@ -149,6 +162,6 @@ int main(int count, char** arguments)
         return Run({arguments + 1, arguments + count});
     } catch (const std::exception& error) {
         Log(Level::Error, "ended", {{"reason", error.what()}});
-        return 1;
+        return count > 1 && arguments[1] == JudgeCommand ? JudgeFailed : 1;
     }
 }

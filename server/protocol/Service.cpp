@@ -1,16 +1,17 @@
 #include "server/protocol/Service.h"
 
-#include <fmt/format.h>
 #include <random>
 
 #include "server/base/Fault.h"
 #include "server/base/Log.h"
 #include "server/protocol/AnalysisRequest.h"
+#include "server/protocol/Intake.h"
 #include "server/report/Characters.h"
 #include "server/report/Xml.h"
 #include "server/store/Reports.h"
 #include "verdict/Rendering.h"
 #include "verdict/Verdict.h"
+#include "verdict/text/SessionNumber.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
@@ -18,11 +19,7 @@ namespace kel::server {
 namespace {
 
 constexpr std::size_t TestFileBytes = 1'000'000;
-// A report with all values of a machine with dozens of disks and adapters has 1,400 groups.
-constexpr std::size_t MaxGroups = 5'000, MaxElements = 20'000;
 constexpr std::size_t CacheBytes = 33'554'432;  // 3,000 usual reports
-constexpr std::size_t MaxUserBytes = 1024,
-                      MaxMachineBytes = 1024;  // bytes; a longer text does not identify a machine
 
 std::string MakeTestFile()
 {
@@ -33,11 +30,11 @@ std::string MakeTestFile()
     return file;
 }
 
-Answer Render(const Verdict& verdict, const AnalysisRequest& request)
+Answer Render(const Verdict& verdict, const AnalysisRequest& request, const SupportNote& note)
 {
     const std::string format = Lower(request.format);
     if (format == "html")
-        return Answer::Of("text/html; charset=utf-8", RenderPage(verdict));
+        return Answer::Of("text/html; charset=utf-8", RenderPage(verdict, &note));
     if (format == "json")
         return Answer::Of("application/json", RenderJson(verdict, request.item, request.schema));
     return Answer::Of("text/xml; charset=utf-8", RenderXml(verdict, request.item, request.schema));
@@ -76,22 +73,13 @@ Answer Service::GroupList(const std::string& referrer)
 Answer Service::Upload(std::string body)
 {
     Clean(body);
-    // Checked before parsing: in a tree, tiny elements take many times their bytes.
-    if (CountElements(body) > MaxElements)
-        throw Fault(413, fmt::format("the report has more than {} elements", MaxElements));
-    const auto report = std::make_shared<const Report>(Report::Read(body));
-    if (report->Count() > MaxGroups)
-        throw Fault(413, fmt::format("the report has more than {} groups", MaxGroups));
-    const std::string& session = report->Text(Report::Session);
-    const std::string& referrer = report->Text(Report::Referrer);
-    const std::string& machine = report->Text(Report::Machine);
-    const std::int64_t id = Reports(database).Add(NewReport{
-        session, IsReferrer(referrer) ? referrer : "", Shortened(report->Text(Report::User), MaxUserBytes),
-        machine.size() <= MaxMachineBytes ? machine : "", body});
-    reports.Add(id, report);
+    const Intake intake = Intake::Check(body);
+    reports.Add(Reports(database).Add(intake.entry), intake.report);
     ++metrics.uploads;
     Log(Level::Info, "uploaded",
-        {{"session", session}, {"referrer", referrer}, {"values", std::to_string(report->Count())}});
+        {{"session", intake.entry.session},
+         {"referrer", intake.report->Text(Report::Referrer)},
+         {"values", std::to_string(intake.report->Count())}});
     return Answer::Of("text/plain; charset=utf-8", "OK");
 }
 
@@ -116,15 +104,16 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
         throw Fault(404, "no report of this session was uploaded");
     const auto report = FindReport(*id);
     const Verdict verdict = Judge(*sets.Get(set.id), report->Lookup());
-    const std::string total(ToString(verdict.total));
+    const std::string version = std::to_string(set.version);
     SaveVerdict(NewVerdict{*id, set.id, request.item, verdict.total, RenderLines(verdict)});
-    metrics.AddVerdict(total);
+    metrics.AddVerdict(verdict.total);
     Log(Level::Info, "judged",
         {{"session", request.session},
          {"referrer", referrer},
-         {"version", std::to_string(set.version)},
-         {"total", total}});
-    return Render(verdict, request);
+         {"version", version},
+         {"total", std::string(ToString(verdict.total))}});
+    return Render(verdict, request,
+                  {SessionNumber(request.session), Now(), referrer + ", version " + version});
 }
 
 void Service::Clean(std::string& xml)

@@ -24,7 +24,7 @@ long ReadIndex(std::string_view text)
 
 }  // namespace
 
-Report Report::Read(std::string_view xml)
+Report Report::ReadValues(std::string_view xml)
 {
     const pugi::xml_document document = ReadXml(xml);
     const pugi::xml_node root = document.document_element();
@@ -35,6 +35,12 @@ Report Report::Read(std::string_view xml)
         const long index = ReadIndex(group.attribute("index").as_string("0"));
         report.values[{group.attribute("id").value(), index}] = group.child_value("value");
     }
+    return report;
+}
+
+Report Report::Read(std::string_view xml)
+{
+    Report report = ReadValues(xml);
     const std::string& session = report.Text(Session);
     if (session.empty() || session.size() > MaxSession)
         throw Fault(400, "the report names no session, or one that is too long");

@@ -21,6 +21,8 @@ public:
     /// and index the last counts; a group without an index has 0. Throws Fault 400 when the text is not a
     /// report, or names no session.
     static Report Read(std::string_view xml);
+    /// The same, also for a report that names no session.
+    static Report ReadValues(std::string_view xml);
 
     /// The text of a group's first value; null when the report has none, which is not the same as an empty
     /// one.

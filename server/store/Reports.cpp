@@ -20,6 +20,36 @@ public:
         text += (text.empty() ? " WHERE " : " AND ") + condition;
     }
 
+    /// Adds a condition on an id: it is one of these, of which there are at most `max`. The statement's text
+    /// depends on `max` alone.
+    void AddOneOf(const std::string& column, const std::vector<std::int64_t>& ids, std::size_t max)
+    {
+        std::string list;
+        for (std::size_t i = 0; i < max; ++i) {
+            values.emplace_back(i < ids.size() ? ids[i] : ids.empty() ? -1 : ids.back());
+            list += (i == 0 ? "" : ", ") + Parameter();
+        }
+        text += " AND " + column + " IN (" + list + ")";
+    }
+
+    /// Adds a condition on an id of a report: its session begins with one of the texts, of which there are at
+    /// most `max` and which end with an ASCII character. They and their ends have to outlive the conditions.
+    void AddBeginnings(const std::string& column, const std::vector<std::string>& begins,
+                       const std::vector<std::string>& ends)
+    {
+        std::string list;
+        for (std::size_t i = 0; i < ReportFilter::MaxBeginnings; ++i) {
+            const std::size_t place = std::min(i, begins.size() - 1);
+            values.emplace_back(begins[place]);
+            list += (i == 0 ? "SELECT id FROM report WHERE session >= "
+                            : " UNION SELECT id FROM report WHERE session >= ") +
+                    Parameter();
+            values.emplace_back(ends[place]);
+            list += " AND session < " + Parameter();
+        }
+        text += " AND " + column + " IN (" + list + ")";
+    }
+
     /// The placeholder of the last value.
     std::string Parameter() const { return std::string("$").append(std::to_string(values.size())); }
 
@@ -98,20 +128,32 @@ std::optional<FullReport> Reports::Find(std::int64_t report)
 std::vector<ReportLine> Reports::List(const ReportFilter& filter)
 {
     const auto connection = database.BorrowReader();
-    // A session has few reports, so the other conditions of its query must not use their indexes; nor must
-    // the time, since the whole range of ids would then have to be sorted.
+    // A session, a user and a machine have few reports, so the other conditions of their query must not use
+    // their indexes; nor must the time, since the whole range of ids would then have to be sorted.
     const std::string unindexed(connection->UnindexedPrefix());
-    const bool bySession = !filter.session.empty();
+    const bool isOfFew = !filter.session.empty() || !filter.beginnings.empty() || !filter.user.empty() ||
+                         !filter.machine.empty() || filter.ids;
     const bool byTotal = filter.total.has_value();
     const std::string total(byTotal ? ToString(*filter.total) : "");
-    const std::string id = byTotal && !bySession ? "verdict.report" : "report.id";
-    const std::string prefix = bySession ? unindexed : "";
+    const std::string id = byTotal && !isOfFew ? "verdict.report" : "report.id";
+    const std::string prefix = isOfFew ? unindexed : "";
     Conditions conditions;
     const auto [after, before] = Span(*connection, filter);
     conditions.Add(id + " > ?", after);
     conditions.Add(id + " < ?", before);
-    if (bySession)
+    std::vector<std::string> ends = filter.beginnings;
+    for (std::string& end : ends)
+        ++end.back();
+    if (!filter.beginnings.empty())
+        conditions.AddBeginnings("report.id", filter.beginnings, ends);
+    if (filter.ids)
+        conditions.AddOneOf("report.id", *filter.ids, ReportFilter::MaxIds);
+    if (!filter.session.empty())
         conditions.Add("session = ?", filter.session);
+    if (!filter.user.empty())
+        conditions.Add("\"user\" <> '' AND \"user\" = ?", filter.user);
+    if (!filter.machine.empty())
+        conditions.Add("machine <> '' AND machine = ?", filter.machine);
     if (!filter.referrer.empty())
         conditions.Add(prefix + "report.referrer = ?", filter.referrer);
     if (byTotal) {

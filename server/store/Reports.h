@@ -39,7 +39,11 @@ struct ReportLine {
 /// Which reports to list; a member that is empty or 0 does not restrict them. With both a referrer and a
 /// total, the verdict has to be by that referrer's requirements.
 struct ReportFilter {
-    std::string referrer = {}, session = {};
+    static constexpr std::size_t MaxIds = 1000, MaxBeginnings = 4;
+
+    std::string referrer = {}, session = {}, user = {}, machine = {};
+    std::vector<std::string> beginnings = {};           // of the session, one of them
+    std::optional<std::vector<std::int64_t>> ids = {};  // only these; at most MaxIds
     std::optional<Result> total = {};
     std::int64_t from = 0, until = 0;  // received from this time on, and before that
     std::int64_t beforeId = 0;         // the page after the report with that id

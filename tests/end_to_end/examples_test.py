@@ -65,6 +65,12 @@ class Examples(ControlTest):
                 (self.run_script(BROWSER + application + "window.onload();"), verdict_line),
                 (self.run_script(BROWSER + page + "window.onload();"), shown)):
             self.assertRegex("\n".join(output), pattern)
+        self.service.faults["/service/Analysis/demo"] = "404"
+        for name, output in (
+                ("check.cpp", wine(PROGRAMS / "check_example.exe", proxy=f"http://{self.address}").output.splitlines()),
+                ("check.bas", self.run_script(module + '\nWScript.Echo CheckMachine("demo")', "vbs")),
+                ("check.hta", self.run_script(BROWSER + application + "window.onload();"))):
+            self.assertRegex("\n".join(output), "No verdict: answered", name)
         for text in (f'classid="clsid:{CLASS_ID[1:-1]}"', '<param name="REFERRER_ID" value="demo">'):
             self.assertIn(text, (EXAMPLES / "check.html").read_text("utf-8"))
         py_compile.compile(str(EXAMPLES / "check.py"), cfile=str(self.folder / "x.pyc"), doraise=True)

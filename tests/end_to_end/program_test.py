@@ -9,14 +9,17 @@ import os
 import pty
 import re
 import select
+import shutil
 import struct
 import subprocess
 import tempfile
 import termios
 from html import escape
+from pathlib import Path
 
 from deployed import UPLOAD, Client, analysis
-from harness import DLL, NO_SERVICE, PATIENCE, ROOT, ControlTest, windows_path, wine, write_requirements
+from harness import (DLL, NO_SERVICE, PATIENCE, ROOT, ControlTest, ServiceTest, make_prefix, windows_path, wine,
+                     write_requirements)
 
 KEL = DLL.parent / "kel.exe"
 # What changes from one second to the next, or is the program's own.
@@ -27,11 +30,11 @@ IDENTIFIERS = (71424, 71218, 71206)
 PLAIN = (71063, "Memory", "at least", "1 MB")
 
 
-def kel(*arguments, proxy=NO_SERVICE, debug="-all"):
+def kel(*arguments, proxy=NO_SERVICE, debug="-all", program=KEL):
     """The exit code of kel.exe, and what it writes to its output and to standard error, as pipes and files get it; without what
     Wine itself says on the latter, unless it is asked to."""
     with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as error:
-        code = subprocess.run(["wine", KEL, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=output, stderr=error,
+        code = subprocess.run(["wine", program, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=output, stderr=error,
                               env=os.environ | {"http_proxy": proxy, "WINEDEBUG": debug}, timeout=PATIENCE).returncode
         texts = []
         for file in (output, error):
@@ -154,13 +157,16 @@ class Program(Client, ControlTest):
         self.assertRegex(trace, sockets)  # the trace shows one
 
     def test_a_console_gets_progress_colours_and_its_own_width(self):
-        write_requirements(self.folder, "own", [(71063, "Zo\u00eb " + "wide " * 30, "at least", "1 MB")])
+        write_requirements(self.folder, "own", [(71063, "Zo\u00eb " + "wide " * 30, "at least", "1 MB"),
+                                                (71254, "\u6f22\u5b57" * 30, "at least", "1")])
         arguments = ("check", "--requirements", windows_path(self.folder / "own.json"))
         written = console(*arguments)
         self.assertIn("Reading: processor", written)
         self.assertRegex(written, r"\x1b\[[\d;]*m\s*pass")
         self.assertIn("Zo\u00eb", written)
         self.assertLess(max(map(len, re.findall("(?:wide ?)+", written))), 25)
+        wide = max(map(len, re.findall("(?:\u6f22|\u5b57)+", written)))
+        self.assertLess(wide, 13)  # of two columns each
         _, output, error = kel(*arguments)
         self.assertEqual((output.count("\x1b"), error), (0, ""))
         self.assertGreater(max(map(len, re.findall("(?:wide ?)+", output))), 25)
@@ -212,3 +218,27 @@ class Program(Client, ControlTest):
         self.assertEqual(kel("compare", windows_path(file), windows_path(file))[:2], (0, "All values are the same.\r\n"))
         code, output, _ = kel("compare", windows_path(file), windows_path(other))
         self.assertEqual((code, len(re.findall(r"(?m)^\d{5} ", output))), (1, 1))
+
+
+class PlantedMachine(ServiceTest):
+    """A machine that has serial numbers, addresses and names in the places that are read."""
+
+    @classmethod
+    def setUpClass(cls):
+        make_prefix(cls)
+
+    def test_a_support_file_has_none_of_the_planted_texts(self):
+        self.require("demo", PLAIN)
+        home, file = Path(os.environ["WINEPREFIX"], "drive_c", "users", "Planted Person"), self.folder / "support.json"
+        home.mkdir()
+        for name in ("kel.exe", "chrome.exe"):
+            shutil.copy(KEL, home / name)
+        wine("reg", "import", windows_path(Path(__file__).parent / "planted.reg"))
+        code, output, error = kel("report", windows_path(file), "--product", "demo", proxy=f"http://{self.address}",
+                                  program=r"C:\users\Planted Person\kel.exe")
+        self.assertEqual((code, error), (0, ""), output)
+        text = file.read_text("utf-8").lower()
+        for planted in ("planted", "0211223344", "127.0.0.1", getpass.getuser() + "\\"):
+            self.assertNotIn(planted, text)
+        for shown in ("headset of the desk", "card of the desk", "chrome from app paths", "<path 1>", "proxy <address 1>"):
+            self.assertIn(shown, text)  # so the places were read

@@ -12,7 +12,6 @@
 #include "probes/graphics/VulkanManifest.h"
 #include "probes/setup/DriverDate.h"
 #include "program/files/ReadSnapshot.h"
-#include "program/files/SupportFile.h"
 #include "program/text/UserError.h"
 #include "run/System.h"
 #include "run/store/GroupsText.h"
@@ -20,6 +19,7 @@
 #include "support/Edids.h"
 #include "values/DeviceID.h"
 #include "values/Size.h"
+#include "verdict/files/SupportFile.h"
 
 namespace kel {
 namespace {

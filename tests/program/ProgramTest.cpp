@@ -9,11 +9,11 @@
 #include "program/CommandLine.h"
 #include "program/files/File.h"
 #include "program/files/ReadSnapshot.h"
-#include "program/files/SupportFile.h"
 #include "program/text/Characters.h"
 #include "program/text/Table.h"
 #include "program/text/UserError.h"
 #include "support/TestFolder.h"
+#include "verdict/files/SupportFile.h"
 
 namespace kel::program {
 namespace {

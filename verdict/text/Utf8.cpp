@@ -11,6 +11,7 @@ struct Form {
 };
 
 constexpr char32_t MaxCharacter = 0x10FFFF;
+constexpr char32_t Replacement = 0xFFFD;
 
 constexpr Form Forms[] = {
     {0x80, 0x00, 1, 0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
@@ -67,6 +68,45 @@ bool IsXmlText(std::string_view text)
             return false;
     }
     return true;
+}
+
+std::string ReplaceCharacters(std::string_view text, bool (*isKept)(char32_t))
+{
+    std::string kept;
+    kept.reserve(text.size());
+    while (!text.empty()) {
+        const auto found = TakeCodePoint(text);
+        if (!found)
+            text.remove_prefix(1);
+        AppendCodePoint(kept, found && isKept(*found) ? *found : Replacement);
+    }
+    return kept;
+}
+
+std::string XmlText(std::string_view text)
+{
+    return ReplaceCharacters(text, &IsXmlCharacter);
+}
+
+std::string FromUtf16(std::string_view bytes)
+{
+    std::string text;
+    const auto unitAt = [bytes](std::size_t at) {
+        const auto byte = [bytes](std::size_t place) -> char32_t {
+            return static_cast<unsigned char>(bytes[place]);
+        };
+        return at + 1 < bytes.size() ? byte(at) | byte(at + 1) << 8 : 0;
+    };
+    for (std::size_t at = 0; at + 1 < bytes.size(); at += 2) {
+        const char32_t unit = unitAt(at), next = unitAt(at + 2);
+        if (unit >= 0xD800 && unit < 0xDC00 && next >= 0xDC00 && next < 0xE000) {
+            AppendCodePoint(text, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
+            at += 2;
+        } else {
+            AppendCodePoint(text, unit >= 0xD800 && unit < 0xE000 ? Replacement : unit);
+        }
+    }
+    return text;
 }
 
 void AppendCodePoint(std::string& text, char32_t codePoint)

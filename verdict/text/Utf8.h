@@ -19,6 +19,15 @@ bool IsXmlCharacter(char32_t c);
 /// Whether the text is UTF-8 of characters that an XML document may contain.
 bool IsXmlText(std::string_view text);
 
+/// The text with U+FFFD for each character that is not kept, and for each byte that is not UTF-8.
+std::string ReplaceCharacters(std::string_view text, bool (*isKept)(char32_t));
+
+/// The text with U+FFFD for what an XML document may not contain.
+std::string XmlText(std::string_view text);
+
+/// UTF-8 of a text in UTF-16, given as bytes, the low one first. Halves of a pair become U+FFFD.
+std::string FromUtf16(std::string_view bytes);
+
 /// Appends the code point's bytes.
 void AppendCodePoint(std::string& text, char32_t codePoint);
 

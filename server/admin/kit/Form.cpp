@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "server/admin/kit/Html.h"
+#include "server/admin/kit/Multipart.h"
 #include "server/http/Target.h"
 
 namespace kel::server {
@@ -24,9 +25,32 @@ std::string WithLineFeeds(std::string text)
     return lines;
 }
 
+const std::string& Find(const std::map<std::string, std::string>& texts, const std::string& name)
+{
+    static const std::string nothing;
+    const auto found = texts.find(name);
+    return found == texts.end() ? nothing : found->second;
+}
+
 }  // namespace
 
-std::optional<Form> Form::Read(std::string_view body)
+std::optional<Form> Form::Read(std::string_view body, std::string_view contentType)
+{
+    if (!IsMultipart(contentType))
+        return ReadFields(body);
+    const auto parts = ReadParts(body, contentType, MaxFields);
+    Form form;
+    for (const FormPart& part : parts.value_or(std::vector<FormPart>())) {
+        const bool isNew =
+            part.isFile ? form.files.emplace(Clean(part.name), part.content).second
+                        : form.fields.emplace(Clean(part.name), WithLineFeeds(Clean(part.content))).second;
+        if (!isNew)
+            return std::nullopt;
+    }
+    return parts ? std::optional(form) : std::nullopt;
+}
+
+std::optional<Form> Form::ReadFields(std::string_view body)
 {
     Form form;
     while (!body.empty()) {
@@ -46,9 +70,12 @@ std::optional<Form> Form::Read(std::string_view body)
 
 const std::string& Form::Text(const std::string& name) const
 {
-    static const std::string nothing;
-    const auto found = fields.find(name);
-    return found == fields.end() ? nothing : found->second;
+    return Find(fields, name);
+}
+
+const std::string& Form::File(const std::string& name) const
+{
+    return Find(files, name);
 }
 
 int Form::Number(const std::string& name) const

@@ -10,7 +10,6 @@ namespace kel::server {
 namespace {
 
 constexpr std::string_view Voids[] = {"br", "input", "link", "meta"};
-constexpr char32_t Replacement = 0xFFFD;
 
 bool IsControl(char32_t c)
 {
@@ -21,15 +20,7 @@ bool IsControl(char32_t c)
 
 std::string Clean(std::string_view text)
 {
-    std::string clean;
-    clean.reserve(text.size());
-    while (!text.empty()) {
-        const auto found = TakeCodePoint(text);
-        if (!found)
-            text.remove_prefix(1);
-        AppendCodePoint(clean, found && !IsControl(*found) ? *found : Replacement);
-    }
-    return clean;
+    return ReplaceCharacters(text, [](char32_t c) { return !IsControl(c); });
 }
 
 Html::Html(std::string_view text) : markup(Escape(Clean(text))) {}

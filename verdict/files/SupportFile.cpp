@@ -1,15 +1,15 @@
-#include "program/files/SupportFile.h"
+#include "verdict/files/SupportFile.h"
 
 #include <charconv>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "program/files/VerdictJson.h"
-#include "program/text/UserError.h"
 #include "verdict/Catalogue.h"
 #include "verdict/Rendering.h"
+#include "verdict/files/FileError.h"
+#include "verdict/files/VerdictJson.h"
 
-namespace kel::program {
+namespace kel {
 
 namespace {
 
@@ -87,12 +87,12 @@ Snapshot ReadSupportFile(const json& content)
 {
     try {
         if (content.at(SupportFileMark) != Form)
-            throw UserError("The file is of another version of kel. Read it with a newer one.");
+            throw FileError("The file is of another version of kel. Read it with a newer one.");
         Snapshot snapshot;
         for (const auto& member : Members)
             snapshot.*member.text = content.value(member.name, "");
         if (content.contains("verdict") && !(snapshot.verdict = ReadVerdict(content.at("verdict"))))
-            throw UserError("The verdict in the file is damaged. Ask for the file again.");
+            throw FileError("The verdict in the file is damaged. Ask for the file again.");
         snapshot.facts = ReadFacts(content.at("values"));
         for (const json& entry : content.value("missing", json::array()))
             snapshot.missing.push_back({ReadId(entry.at("id")), 0, "", entry.value("reason", "")});
@@ -100,7 +100,7 @@ Snapshot ReadSupportFile(const json& content)
             snapshot.log += line.get<std::string>() + "\n";
         return snapshot;
     } catch (const json::exception&) {
-        throw UserError("The file is not one of kel's, or is damaged. Ask for the file again.");
+        throw FileError("The file is not one of kel's, or is damaged. Ask for the file again.");
     }
 }
 
@@ -116,8 +116,8 @@ std::vector<Fact> ReadFacts(const json& values)
         }
         return facts;
     } catch (const json::exception&) {
-        throw UserError("The values in the file are damaged. Ask for the file again.");
+        throw FileError("The values in the file are damaged. Ask for the file again.");
     }
 }
 
-}  // namespace kel::program
+}  // namespace kel

@@ -6,7 +6,7 @@
 
 #include "verdict/Verdict.h"
 
-namespace kel::program {
+namespace kel {
 
 /// A value of a machine. Texts are UTF-8.
 struct Fact {
@@ -15,6 +15,10 @@ struct Fact {
     std::string text;
     std::string reason;  // why the text is empty; empty when that is not known
 };
+
+/// The name of a value: "GPU: name [1]" with its index where there are several; empty for an id that the
+/// catalogue lacks.
+std::string NameOf(const Fact& fact);
 
 /// What is known of a machine: read from it, or from a file.
 struct Snapshot {
@@ -37,4 +41,4 @@ struct Snapshot {
     ValueLookup Lookup() const&;
 };
 
-}  // namespace kel::program
+}  // namespace kel

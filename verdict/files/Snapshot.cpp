@@ -1,12 +1,21 @@
-#include "program/files/Snapshot.h"
+#include "verdict/files/Snapshot.h"
 
 #include <map>
 #include <memory>
 #include <utility>
 
-#include "program/text/Characters.h"
+#include "verdict/Catalogue.h"
+#include "verdict/text/Utf8.h"
 
-namespace kel::program {
+namespace kel {
+
+std::string NameOf(const Fact& fact)
+{
+    const CatalogueValue* known = FindCatalogueValue(fact.id);
+    const std::string name = known != nullptr ? known->Name() : "";
+    const bool isIndexed = known != nullptr ? known->hasIndexes : fact.index != 0;
+    return isIndexed ? name + " [" + std::to_string(fact.index) + "]" : name;
+}
 
 const Fact* Snapshot::Find(int id, int index) const
 {
@@ -38,4 +47,4 @@ ValueLookup Snapshot::Lookup() const&
     };
 }
 
-}  // namespace kel::program
+}  // namespace kel

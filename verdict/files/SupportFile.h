@@ -1,12 +1,12 @@
-// The program's own form of a snapshot: JSON, which `kel report` writes, and `kel facts --json`.
+// The own form of a snapshot: JSON, which `kel report` writes, and `kel facts --json`.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
-#include "program/files/Snapshot.h"
+#include "verdict/files/Snapshot.h"
 
-namespace kel::program {
+namespace kel {
 
 /// The member that every such file has first, and the number of its form.
 inline constexpr const char* SupportFileMark = "kel";
@@ -16,11 +16,11 @@ inline constexpr const char* SupportFileMark = "kel";
 /// one has no value.
 std::string WriteSupportFile(const Snapshot& snapshot);
 
-/// @throws UserError when the content is not such a file
+/// @throws FileError when the content is not such a file
 Snapshot ReadSupportFile(const nlohmann::json& content);
 
 /// The values of a list as such a file and the service's export have it; ids may be texts.
-/// @throws UserError for another content
+/// @throws FileError for another content
 std::vector<Fact> ReadFacts(const nlohmann::json& values);
 
-}  // namespace kel::program
+}  // namespace kel

@@ -5,10 +5,10 @@
 
 #include "verdict/Verdict.h"
 
-namespace kel::program {
+namespace kel {
 
 /// Reads a verdict as RenderJson of verdict/ writes it, which is what the service answers. Nothing for
 /// anything else. The lines have no groups.
 std::optional<Verdict> ReadVerdict(const nlohmann::json& content);
 
-}  // namespace kel::program
+}  // namespace kel

@@ -1,9 +1,9 @@
-#include "program/files/VerdictJson.h"
+#include "verdict/files/VerdictJson.h"
 
 #include <nlohmann/json.hpp>
 #include <string>
 
-namespace kel::program {
+namespace kel {
 
 namespace {
 
@@ -42,4 +42,4 @@ std::optional<Verdict> ReadVerdict(const json& content)
     }
 }
 
-}  // namespace kel::program
+}  // namespace kel

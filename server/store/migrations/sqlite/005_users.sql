@@ -1,0 +1,2 @@
+-- Support looks for a user's reports.
+CREATE INDEX report_by_user ON report (user) WHERE user <> '';
