@@ -1,7 +1,9 @@
+#include <fmt/format.h>
 #include <algorithm>
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ReportQuery.h"
 #include "server/admin/ReportsTable.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/Reports.h"
@@ -11,19 +13,6 @@ namespace kel::server {
 namespace {
 
 constexpr int PageRows = 50;
-constexpr std::int64_t Day = 86'400'000;  // milliseconds
-constexpr const char* Names[] = {"referrer", "verdict", "from", "until", "session"};
-
-/// The address of another page of the list, with the same filters.
-std::string ListAddress(const AdminRequest& request, const std::string& place, std::int64_t id)
-{
-    std::string address = "/reports?" + place + "=" + std::to_string(id);
-    for (const char* name : Names) {
-        if (const std::string value = request.Query(name); !value.empty())
-            address.append("&").append(name).append("=").append(UrlEncode(value));
-    }
-    return address;
-}
 
 Html VerdictField(const std::string& chosen)
 {
@@ -39,29 +28,51 @@ Html VerdictField(const std::string& chosen)
                           Html::Element("select", {{"id", "verdict"}, {"name", "verdict"}}, options)});
 }
 
-Html FilterForm(const AdminRequest& request)
+Html FilterForm(const ReportQuery& query)
 {
+    Html hidden;
+    const auto keep = [&](const char* name, const std::string& value) {
+        if (!value.empty())
+            hidden += Hidden(name, value);
+    };
+    if (query.version > 0)
+        keep("version", std::to_string(query.version));
+    if (query.line > 0)
+        keep("line", std::to_string(query.line));
+    keep("result", query.result);
+    keep("once", query.isOnce ? "1" : "");
     return Html::Element(
         "form", {{"method", "get"}, {"action", "/reports"}, {"class", "card filter"}},
-        {Field("Product", "referrer", request.Query("referrer")), VerdictField(request.Query("verdict")),
-         Field("From", "from", request.Query("from"), "date"),
-         Field("Until", "until", request.Query("until"), "date"),
-         Field("Session", "session", request.Query("session")),
-         Html::Element("div", {{"class", "field"}}, Button("Show", "primary"))});
+        {Field("Product", "referrer", query.referrer), VerdictField(query.verdict),
+         Field("From", "from", query.period.From(), "date"),
+         Field("Until", "until", query.period.Until(), "date"), Field("Session", "session", query.session),
+         hidden, Html::Element("div", {{"class", "field"}}, Button("Show", "primary"))});
+}
+
+/// What the form does not show of the filter, with a link to the list without it.
+Html Restriction(const ReportQuery& query)
+{
+    std::string text;
+    if (query.line > 0)
+        text = fmt::format("line {} of version {} is {}", query.line, query.version, query.result);
+    else if (query.version > 0)
+        text = fmt::format("version {} judged them", query.version);
+    if (query.isOnce)
+        text += std::string(text.empty() ? "" : ", and ") + "the newest verdict of their session is theirs";
+    if (text.empty())
+        return {};
+    ReportQuery without{query.referrer, query.session, query.verdict};
+    without.period = query.period;
+    return Html::Element("p", {{"class", "lead"}},
+                         {"Only reports where " + text + ". ", Link(without.Address(), "Show all"), "."});
 }
 
 }  // namespace
 
 Answer ShowReports(const AdminRequest& request)
 {
-    ReportFilter filter;
-    filter.referrer = request.Query("referrer");
-    filter.session = request.Query("session");
-    const std::string verdict = request.Query("verdict");
-    filter.total = ParseResult(verdict);
-    filter.from = ParseDay(request.Query("from")).value_or(0);
-    if (const auto until = ParseDay(request.Query("until")))
-        filter.until = *until + Day;
+    const ReportQuery query = ReportQuery::Read(request);
+    ReportFilter filter = query.Filter();
     // A page begins at an id and not at a row number, so new reports do not shift it.
     const std::int64_t before = WholeNumber(request.Query("before")),
                        after = WholeNumber(request.Query("after"));
@@ -71,7 +82,7 @@ Answer ShowReports(const AdminRequest& request)
     const bool isAscending = filter.afterId >= 0;
 
     std::vector<ReportLine> lines;
-    if (verdict.empty() || filter.total)  // no report has another verdict
+    if (query.problem.empty())
         lines = Reports(request.database).List(filter);
     const bool goesOn = lines.size() > PageRows;
     if (goesOn)
@@ -80,16 +91,19 @@ Answer ShowReports(const AdminRequest& request)
         std::reverse(lines.begin(), lines.end());
     Html pages;
     if (!lines.empty() && (before > 0 || (isAscending && goesOn)))
-        pages += Link(ListAddress(request, "after", lines.front().id), "← Newer");
+        pages += Link(fmt::format("{}&after={}", query.Address(), lines.front().id), "← Newer");
     if (!lines.empty() && (isAscending ? after > 0 : goesOn))
-        pages += Link(ListAddress(request, "before", lines.back().id), "Older →");
+        pages += Link(fmt::format("{}&before={}", query.Address(), lines.back().id), "Older →");
     Html content;
     if (request.Query("note") == "deleted")
         content += Notice("good", "The session's reports are deleted.");
     if (request.Query("note") == "left")
         content += Notice("note",
                           "The session has more reports than one deletion takes. Delete again for the rest.");
-    content += FilterForm(request) + ReportsTable("Reports, the newest first", lines, "No reports here.");
+    if (!query.problem.empty())
+        content += Notice("bad", query.problem);
+    content += FilterForm(query) + Restriction(query) +
+               ReportsTable("Reports, the newest first", lines, "No reports here.");
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);
     return Page(request, "Reports", content);

@@ -63,6 +63,14 @@ std::pair<std::int64_t, std::int64_t> Span(SqlConnection& connection, const Repo
     return {after, before};
 }
 
+/// The id of a version of the filter's referrer; 0 when there is none.
+std::int64_t SetId(SqlConnection& connection, const ReportFilter& filter)
+{
+    SqlRows rows = connection.Query("SELECT id FROM requirement_set WHERE referrer = $1 AND version = $2",
+                                    {ReferrerId(connection, filter.referrer), std::int64_t{filter.version}});
+    return rows.empty() ? 0 : rows[0].Number();
+}
+
 }  // namespace
 
 std::int64_t Reports::Add(const NewReport& report)
@@ -102,9 +110,12 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
     // the time, since the whole range of ids would then have to be sorted.
     const std::string unindexed(connection->UnindexedPrefix());
     const bool bySession = !filter.session.empty();
-    const bool byTotal = filter.total.has_value();
-    const std::string total(byTotal ? ToString(*filter.total) : "");
-    const std::string id = byTotal && !bySession ? "verdict.report" : "report.id";
+    // These say which of a report's verdicts it is; otherwise it is the one by the newest requirements.
+    const bool isGiven = filter.version > 0 || filter.isOnce;
+    const bool byVerdict = filter.total || filter.line > 0 || isGiven;
+    const std::string total(filter.total ? ToString(*filter.total) : "");
+    const std::string lineResult(filter.lineResult ? ToString(*filter.lineResult) : "");
+    const std::string id = byVerdict && !bySession ? "verdict.report" : "report.id";
     const std::string prefix = bySession ? unindexed : "";
     Conditions conditions;
     const auto [after, before] = Span(*connection, filter);
@@ -112,22 +123,30 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
     conditions.Add(id + " < ?", before);
     if (bySession)
         conditions.Add("session = ?", filter.session);
-    if (!filter.referrer.empty())
+    if (!filter.referrer.empty() && !isGiven)
         conditions.Add(prefix + "report.referrer = ?", filter.referrer);
-    if (byTotal) {
+    if (filter.total)
         conditions.Add(prefix + "verdict.total = ?", total);
-        if (!filter.referrer.empty())
-            conditions.Add(prefix + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
+    if (byVerdict && !filter.referrer.empty())
+        conditions.Add(prefix + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
+    if (filter.version > 0)
+        conditions.Add("requirement_set = ?", SetId(*connection, filter));
+    if (filter.isOnce)
+        conditions.text += " AND counted = 1";
+    if (byVerdict && !isGiven)
         conditions.text +=
             " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
             "WHERE other.report = verdict.report)";
+    if (filter.line > 0) {
+        conditions.values.emplace_back(std::int64_t{filter.line} - 1);
+        conditions.Add(connection->LineResult(conditions.Parameter()) + " = ?", lineResult);
     }
     if (filter.from > 0)
         conditions.Add(unindexed + "received >= ?", filter.from);
     if (filter.until > 0)
         conditions.Add(unindexed + "received < ?", filter.until);
     conditions.values.emplace_back(std::int64_t{filter.count});
-    const std::string tables = byTotal
+    const std::string tables = byVerdict
                                    ? "verdict.total FROM verdict JOIN report ON report.id = verdict.report"
                                    : "(SELECT total FROM verdict WHERE verdict.report = report.id "
                                      "ORDER BY requirement_set DESC LIMIT 1) FROM report";

@@ -36,11 +36,15 @@ struct ReportLine {
     std::optional<Result> total;  // of its verdict by the newest requirements that judged it
 };
 
-/// Which reports to list; a member that is empty or 0 does not restrict them. With both a referrer and a
-/// total, the verdict has to be by that referrer's requirements.
+/// Which reports to list; a member that is empty or 0 does not restrict them. With a referrer, the verdict
+/// that the other members restrict has to be by that referrer's requirements.
 struct ReportFilter {
     std::string referrer = {}, session = {};
-    std::optional<Result> total = {};
+    std::optional<Result> total = {};  // of the verdict by the newest requirements, or by those of `version`
+    int version = 0;                   // of the referrer's requirements
+    int line = 0;                      // of the verdict, from 1 on, which has `lineResult`
+    std::optional<Result> lineResult = {};
+    bool isOnce = false;               // only the verdict that counts for its session (see DayCounts)
     std::int64_t from = 0, until = 0;  // received from this time on, and before that
     std::int64_t beforeId = 0;         // the page after the report with that id
     std::int64_t afterId = -1;         // from 0 on: reports with a greater id, the oldest first
