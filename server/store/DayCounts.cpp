@@ -10,14 +10,18 @@ namespace {
 
 const std::string Sums = "sum(pass), sum(fail), sum(unknown) ";
 
-const std::string SelectVersions =
-    "SELECT name, version, requirement_set, published, " + Sums +
-    "FROM day_verdicts JOIN requirement_set ON requirement_set.id = requirement_set "
-    "JOIN referrer ON referrer.id = day_verdicts.referrer WHERE day >= $1 AND day < $2 ";
-
-const std::string GroupVersions =
-    "GROUP BY name, version, requirement_set, published HAVING sum(pass + fail + unknown) > 0 "
-    "ORDER BY name, version DESC";
+/// The versions of the rows of day_verdicts that meet the condition, summed up before their names are looked
+/// up.
+std::string VersionsWhere(const std::string& condition)
+{
+    return "SELECT name, version, set_id, published, pass, fail, unknown FROM (SELECT requirement_set AS "
+           "set_id, "
+           "sum(pass) AS pass, sum(fail) AS fail, sum(unknown) AS unknown FROM day_verdicts WHERE " +
+           condition +
+           " GROUP BY requirement_set) AS summed JOIN requirement_set ON requirement_set.id = set_id "
+           "JOIN referrer ON referrer.id = requirement_set.referrer WHERE pass + fail + unknown > 0 ORDER BY "
+           "name, version DESC";
+}
 
 Counts ReadCounts(SqlRow& row)
 {
@@ -46,14 +50,14 @@ std::vector<DayCount> DayCounts::ByDay(const std::string& referrer, const Days& 
 std::vector<VersionCount> DayCounts::ByVersion(const std::string& referrer, const Days& days)
 {
     const auto connection = database.BorrowReader();
-    return Each(connection->Query(SelectVersions + "AND day_verdicts.referrer = $3 " + GroupVersions,
+    return Each(connection->Query(VersionsWhere("day >= $1 AND day < $2 AND referrer = $3"),
                                   {days.from, days.until, ReferrerId(*connection, referrer)}),
                 ReadVersion);
 }
 
 std::vector<VersionCount> DayCounts::OfAllProducts(const Days& days)
 {
-    return Each(database.Read(SelectVersions + GroupVersions, {days.from, days.until}), ReadVersion);
+    return Each(database.Read(VersionsWhere("day >= $1 AND day < $2"), {days.from, days.until}), ReadVersion);
 }
 
 std::vector<Counts> DayCounts::Lines(std::int64_t set, const Days& days)
@@ -73,10 +77,11 @@ std::vector<Counts> DayCounts::Lines(std::int64_t set, const Days& days)
 std::map<std::string, std::int64_t> DayCounts::Reports(const Days& days)
 {
     std::map<std::string, std::int64_t> reports;
-    for (SqlRow& row : database.Read("SELECT coalesce(name, ''), sum(reports) FROM day_reports "
-                                     "LEFT JOIN referrer ON referrer.id = day_reports.referrer "
-                                     "WHERE day >= $1 AND day < $2 GROUP BY 1",
-                                     {days.from, days.until})) {
+    for (SqlRow& row :
+         database.Read("SELECT coalesce(name, ''), total FROM (SELECT referrer AS named, sum(reports) "
+                       "AS total FROM day_reports WHERE day >= $1 AND day < $2 GROUP BY referrer) "
+                       "AS summed LEFT JOIN referrer ON referrer.id = named",
+                       {days.from, days.until})) {
         const std::string name = row.Text();
         reports[name] = row.Number();
     }

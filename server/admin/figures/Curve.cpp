@@ -12,11 +12,11 @@ namespace kel::server {
 namespace {
 
 // In units of the picture, which is scaled to the available width.
-constexpr int PictureWidth = 720, PictureHeight = 200;
-constexpr int Left = 44, Right = 8, Top = 18, CurveHeight = 96, BarsTop = 124, BarsHeight = 44,
-              TextLine = 194;
-constexpr int MinMarkDistance = 34;          // between the labels of two publications
-constexpr int MaxDays = 92, MaxWeeks = 104;  // that have a step each
+constexpr int PictureWidth = 600, PictureHeight = 208;
+constexpr int Left = 60, Right = 8, Top = 26, CurveHeight = 96, BarsTop = 132, BarsHeight = 44,
+              TextLine = 200;
+constexpr int MinMarkDistance = 40;          // between the labels of two publications
+constexpr int MaxDays = 31, MaxWeeks = 104;  // that have a step each
 
 std::string Units(double number)
 {
@@ -88,7 +88,7 @@ Html Curve::Bars(const Address& address) const
     int maxCount = 1;
     for (const Step& step : steps)
         maxCount = std::max(maxCount, step.sessions.All());
-    Html bars = Text(Left - 6, BarsTop + 10, "end", Grouped(maxCount));
+    Html bars = Text(Left - 6, BarsTop + 16, "end", Grouped(maxCount));
     for (const Step& step : steps) {
         const int count = step.sessions.All();
         if (count == 0)
