@@ -11,9 +11,11 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "server/admin/Site.h"
+#include "server/base/Embedded.h"
 #include "server/base/Log.h"
 #include "server/http/Server.h"
 #include "server/ops/Accounts.h"
@@ -34,11 +36,15 @@ namespace {
 
 using namespace kel::server;  // NOLINT: this is the program of that namespace
 
+constexpr std::string_view CheckOption = "--check";
+
 constexpr const char* Usage =
     "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
     "  serve        runs the service\n"
     "  migrate      creates the database, or upgrades it to this program's version\n"
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
+    "  import --check DIR\n"
+    "               says what is wrong with these files, and publishes nothing\n"
     "  export DIR   writes each referrer's newest requirements to such files\n"
     "  backup FILE  copies an SQLite database while the service runs\n"
     "  restore FILE replaces the database with such a copy while the service is stopped\n"
@@ -50,7 +56,8 @@ constexpr const char* Usage =
     "               standard input\n"
     "  user remove NAME, user list\n"
     "  token add NAME [DAYS]\n"
-    "               prints a new token of that account for programs\n";
+    "               prints a new token of that account for programs\n"
+    "  --help, --version\n";
 
 /// Writes the file under another name first, so that a program that waits for it never reads half a port.
 void WritePort(const std::string& path, std::uint16_t port)
@@ -108,11 +115,20 @@ void SetLogLevel(const std::string& name)
 
 int Run(std::vector<std::string> arguments)
 {
-    if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
-        std::cerr << Usage;
-        return 2;
+    const auto asksFor = [&](const char* option) {
+        return std::find(arguments.begin(), arguments.end(), option) != arguments.end();
+    };
+    if (asksFor("--help")) {
+        std::cout << Usage;
+        return 0;
     }
-    const Config config = Config::Read(arguments, PurgeOptions);
+    if (asksFor("--version")) {
+        std::cout << "kel_server " << Version << '\n';
+        return 0;
+    }
+    std::vector<std::string_view> commandOptions(PurgeOptions.begin(), PurgeOptions.end());
+    commandOptions.emplace_back(CheckOption);
+    const Config config = Config::Read(arguments, commandOptions);
     SetLogLevel(config.logLevel);
     const std::string command = arguments.empty() ? "" : arguments[0];
     if (command != "export")  // requirements are public; every other file has visitors' data
@@ -123,6 +139,8 @@ int Run(std::vector<std::string> arguments)
         RunMigrate(config);
     } else if (command == "import" && arguments.size() == 2) {
         Import(arguments[1], *OpenDatabase(config.database));
+    } else if (command == "import" && arguments.size() == 3 && arguments[1] == CheckOption) {
+        CheckImport(arguments[2]);
     } else if (command == "export" && arguments.size() == 2) {
         Export(arguments[1], *OpenDatabase(config.database));
     } else if (command == "backup" && arguments.size() == 2) {
