@@ -7,7 +7,7 @@ namespace kel {
 
 void Tally::Count(const Verdict& verdict)
 {
-    if (pass + fail + unknown == 0) {
+    if (All() == 0) {
         for (const VerdictLine& line : verdict.lines)
             lines.push_back({{}, line.label, line.needed, line.recommended});
     }

@@ -16,6 +16,7 @@ struct Counts {
         return result == Result::Pass ? pass : result == Result::Fail ? fail : unknown;
     }
     void Add(Result result) { ++(*this)[result]; }
+    int All() const { return pass + fail + unknown; }
 };
 
 /// How machines meet one requirement.

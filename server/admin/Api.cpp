@@ -9,13 +9,16 @@
 #include "server/admin/DraftCheck.h"
 #include "server/admin/Drafts.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ReportQuery.h"
 #include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Texts.h"
 #include "server/base/Log.h"
 #include "server/http/Limits.h"
 #include "server/report/Report.h"
+#include "server/store/DayCounts.h"
 #include "server/store/Reports.h"
 #include "server/store/RequirementSets.h"
+#include "server/store/Verdicts.h"
 #include "verdict/text/Csv.h"
 #include "verdict/text/Text.h"
 
@@ -121,7 +124,10 @@ Answer ListReports(const AdminRequest& request)
 {
     const std::string after = request.Query("after"), count = request.Query("count"),
                       format = request.Query("format");
-    ReportFilter filter;
+    const ReportQuery query = ReportQuery::Read(request);
+    if (!query.problem.empty())
+        throw Fault(400, query.problem);
+    ReportFilter filter = query.Filter();
     filter.afterId = after.empty() ? 0 : WholeNumber(after);
     filter.count = count.empty()
                        ? UsualReports
@@ -156,22 +162,39 @@ Answer ListReports(const AdminRequest& request)
     return Answer::Of("application/json", text + "],\"last\":" + std::to_string(last) + "}");
 }
 
+Answer ReadReport(const AdminRequest& request)
+{
+    const auto report = Reports(request.database).Find(request.Id());
+    if (!report)
+        throw Fault(404, "There is no such report.");
+    const auto verdicts = Verdicts(request.database).OnReport(report->id);
+    const std::string total(verdicts.empty() ? "" : ToString(verdicts.front().total));
+    return Answer::Of("application/json", Entry(*report, total));
+}
+
 Answer ListReferrers(const AdminRequest& request)
 {
+    if (const std::string problem = Period::Problem(request); !problem.empty())
+        throw Fault(400, problem);
+    const Days days = Period::Read(request, Period::All).Range();
+    std::map<std::string, ordered_json> sessions;
+    for (const VersionCount& version : DayCounts(request.database).OfAllProducts(days)) {
+        sessions[version.referrer].push_back({{"version", version.version},
+                                              {"pass", version.sessions.pass},
+                                              {"fail", version.sessions.fail},
+                                              {"unknown", version.sessions.unknown}});
+    }
+    auto reports = DayCounts(request.database).Reports(days);
     ordered_json entries = ordered_json::array();
-    const std::vector<Product> products = RequirementSets(request.database).Products();
-    const auto totals = RecentTotals(request.database, products);
-    for (std::size_t i = 0; i < products.size(); ++i) {
-        const Product& product = products[i];
-        ordered_json recent;  // null when it would have taken too long
-        if (i < totals.size())
-            recent = {{"pass", totals[i].pass}, {"fail", totals[i].fail}, {"unknown", totals[i].unknown}};
+    for (const Product& product : RequirementSets(request.database).Products()) {
+        const auto judged = sessions.find(product.referrer);
         entries.push_back(
             {{"referrer", product.referrer},
              {"version", product.version},
              {"published", product.version > 0 ? ordered_json(IsoTime(product.published)) : ordered_json()},
              {"draft", product.hasDraft},
-             {"recent", recent}});
+             {"reports", reports[product.referrer]},
+             {"sessions", judged == sessions.end() ? ordered_json::array() : judged->second}});
     }
     return JsonAnswer({{"referrers", entries}});
 }

@@ -51,7 +51,9 @@ DraftPreview DraftPreview::Run(Database& database, const std::string& referrer, 
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
     DraftPreview preview{{}, {}, {}, {draft, today}};
-    preview.sessions = ForEachRecentReport(database, referrer, [&](const Report& report) {
+    ReportFilter ofProduct;
+    ofProduct.referrer = referrer;
+    preview.sessions = ForEachRecentReport(database, ofProduct, [&](const Report& report) {
         preview.values.Count(report);
         preview.draft.Count(Judge(draft, report.Lookup()));
         if (today)
@@ -67,7 +69,7 @@ Html DraftPreview::Show() const
                    "p", {{"class", "empty"}},
                    "No machine has been reported for this product yet, so there is nothing to try this on.") +
                ShowValues();
-    const bool hasToday = today.pass + today.fail + today.unknown > 0;
+    const bool hasToday = today.All() > 0;
     const auto count = [hasToday](std::int64_t sessionCount, std::string_view result,
                                   std::int64_t countToday) {
         const std::string text = fmt::format("{} would {}", Grouped(sessionCount), result);

@@ -1,24 +1,14 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "server/admin/figures/Recent.h"
+#include "server/store/Reports.h"
 
 namespace kel::server {
 
-/// Reports whose verdict has a failing line.
-struct FailingReports {
-    std::vector<std::int64_t> ids;  // the newest first
-    RecentSessions searched;
-
-    /// Searches the newest verdicts of a product's last sessions for those in which a line of this label
-    /// fails; upper and lower case are the same.
-    static FailingReports Find(Database& database, const std::string& referrer, const std::string& label);
-};
-
-/// The results of a stored verdict's lines, in the order of the requirements.
-std::vector<Result> ResultsOfLines(const StoredVerdict& verdict);
+/// Where a product's versions, the newest MaxLines of those that have it, have a line of this label; upper
+/// and lower case are the same.
+std::vector<LineOfSet> FindLines(Database& database, const std::string& referrer, const std::string& label);
 
 }  // namespace kel::server

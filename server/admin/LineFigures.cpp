@@ -2,21 +2,16 @@
 
 #include <fmt/format.h>
 #include <algorithm>
-#include <optional>
 
-#include "server/admin/FailingLine.h"
 #include "server/admin/Layout.h"
 #include "server/admin/ValueNames.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/RequirementSets.h"
-#include "verdict/Requirements.h"
 
 namespace kel::server {
 
 namespace {
-
-constexpr int MaxVersions = 3;  // that a page shows
 
 /// The names of the values that a line asks for, each once.
 std::string NamesOfValues(const Requirement& line)
@@ -29,7 +24,14 @@ std::string NamesOfValues(const Requirement& line)
     return values;
 }
 
-/// The places of the recommendations, or of the other lines, in descending order of failures.
+/// The sessions that do not meet a line: for a visitor, unknown is as bad as fail.
+int Unmet(const Counts& count)
+{
+    return count.fail + count.unknown;
+}
+
+/// The places of the recommendations, or of the other lines, in descending order of sessions that do not meet
+/// them.
 std::vector<std::size_t> SortedPlaces(const Requirements& requirements, const std::vector<Counts>& counts,
                                       bool recommended)
 {
@@ -39,14 +41,42 @@ std::vector<std::size_t> SortedPlaces(const Requirements& requirements, const st
             places.push_back(i);
     }
     std::stable_sort(places.begin(), places.end(), [&](std::size_t left, std::size_t right) {
-        return std::pair(counts[left].fail, counts[left].unknown) >
-               std::pair(counts[right].fail, counts[right].unknown);
+        return std::pair(Unmet(counts[left]), counts[left].fail) >
+               std::pair(Unmet(counts[right]), counts[right].fail);
     });
     return places;
 }
 
-Html LineTable(const std::string& caption, const std::string& kind, const Requirements& requirements,
-               const std::vector<Counts>& counts, const std::vector<std::size_t>& places)
+}  // namespace
+
+LineFigures::LineFigures(Database& database, const VersionCount& version, const ReportQuery& query)
+    : version(version),
+      query(query.OfVersion(version.version)),
+      requirements(Requirements::ReadStored(RequirementSets(database).Text(version.set))),
+      counts(DayCounts(database).Lines(version.set, query.period.Range()))
+{
+    if (!requirements)
+        return;
+    lines = SortedPlaces(*requirements, counts, false);
+    recommendations = SortedPlaces(*requirements, counts, true);
+}
+
+Html LineFigures::Sentence() const
+{
+    if (lines.empty() || Unmet(counts[lines.front()]) == 0)
+        return {};
+    const std::size_t place = lines.front();
+    const Counts& count = counts[place];
+    const int line = static_cast<int>(place) + 1;
+    return Html::Element("p", {},
+                         {"What stops most of the others: ", Html::Stored(requirements->lines[place].label),
+                          ", which ", CountLink(query.WithLine(line, "fail"), count.fail), " fail and ",
+                          CountLink(query.WithLine(line, "unknown"), count.unknown),
+                          fmt::format(" leave unknown, by version {}.", version.version)});
+}
+
+Html LineFigures::LineTable(const std::string& caption, const std::string& kind,
+                            const std::vector<std::size_t>& places) const
 {
     Table table(caption, {{kind},
                           {"Value"},
@@ -54,60 +84,35 @@ Html LineTable(const std::string& caption, const std::string& kind, const Requir
                           {"Fail", true},
                           {"Unknown", true},
                           {"Pass", true},
-                          {"Failing", true}});
+                          {"Not met", true}});
     for (const std::size_t place : places) {
-        const Requirement& line = requirements.lines[place];
+        const Requirement& line = requirements->lines[place];
         const Counts& count = counts[place];
+        const auto link = [&](const char* result, int number) {
+            return CountLink(query.WithLine(static_cast<int>(place) + 1, result), number);
+        };
         table.Add({LineLabel(line.label, line.recommended), NamesOfValues(line), Html::Stored(line.Needed()),
-                   Grouped(count.fail), Grouped(count.unknown), Grouped(count.pass),
-                   Percentage(count.fail, count.fail + count.unknown + count.pass)});
+                   link("fail", count.fail), link("unknown", count.unknown), link("pass", count.pass),
+                   Percentage(Unmet(count), Unmet(count) + count.pass)});
     }
     return table.Done("None.");
 }
 
-}  // namespace
-
-void LineFigures::Add(const StoredVerdict& verdict)
+Html LineFigures::Tables() const
 {
-    Version& version = versions[verdict.set];
-    version.number = verdict.version;
-    ++version.sessions;
-    const std::vector<Result> results = ResultsOfLines(verdict);
-    version.lines.resize(std::max(version.lines.size(), results.size()));
-    for (std::size_t i = 0; i < results.size(); ++i)
-        version.lines[i].Add(results[i]);
-}
-
-Html LineFigures::Show(Database& database) const
-{
-    Html figures;
-    int shown = 0, left = 0;
-    for (auto version = versions.rbegin(); version != versions.rend(); ++version) {
-        const auto& [set, counted] = *version;
-        if (++shown > MaxVersions) {
-            left += counted.sessions;
-            continue;
-        }
-        const std::string of =
-            fmt::format("version {}, which judged {} of them", counted.number, Grouped(counted.sessions));
-        const auto requirements = Requirements::ReadStored(RequirementSets(database).Text(set));
-        if (!requirements) {
-            figures +=
-                Notice("bad", fmt::format("The requirements of version {} cannot be read by this program.",
-                                          counted.number));
-            continue;
-        }
-        const auto lines = SortedPlaces(*requirements, counted.lines, false);
-        const auto recommendations = SortedPlaces(*requirements, counted.lines, true);
-        figures += LineTable(fmt::format("Requirements of {}; those that fail most first", of), "Requirement",
-                             *requirements, counted.lines, lines);
-        if (!recommendations.empty())
-            figures += LineTable(fmt::format("Recommendations of {}; they do not affect the result", of),
-                                 "Recommendation", *requirements, counted.lines, recommendations);
+    if (!requirements) {
+        return Notice("bad", fmt::format("The requirements of version {} cannot be read by this program.",
+                                         version.version));
     }
-    if (left > 0)
-        figures += Html::Element("p", {}, fmt::format("Older versions judged {} of them.", Grouped(left)));
-    return figures;
+    Html tables =
+        LineTable(fmt::format("Requirements of version {}; those first that most sessions do not meet",
+                              version.version),
+                  "Requirement", lines);
+    if (!recommendations.empty())
+        tables += LineTable(
+            fmt::format("Recommendations of version {}; they do not affect the result", version.version),
+            "Recommendation", recommendations);
+    return tables;
 }
 
 }  // namespace kel::server

@@ -1,34 +1,38 @@
 #pragma once
 
-#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "server/admin/ReportQuery.h"
 #include "server/admin/kit/Html.h"
-#include "server/store/Verdicts.h"
-#include "verdict/Tally.h"
+#include "server/store/DayCounts.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 
-/// How a product's sessions met each line of its requirements, by the version that judged them.
+/// How sessions met each line of one version of a product's requirements: a table of its lines, those first
+/// that most sessions do not meet, and one of its recommendations. Each number links to its reports, which
+/// are some of `query`. Several lines may ask for the same value, and other versions for other things, so
+/// that a row is never of more than one line of one version.
 class LineFigures {
 public:
-    /// Counts a stored verdict, line by line. A line counts only for its place in its own version: several
-    /// lines may ask for the same value, and other versions may ask for other things.
-    void Add(const StoredVerdict& verdict);
+    /// Reads the text of the version, and its counts in the period of the query.
+    LineFigures(Database& database, const VersionCount& version, const ReportQuery& query);
 
-    /// For each of the newest versions a table of its lines, in descending order of failures, and one of its
-    /// recommendations. Reads the texts of these versions.
-    Html Show(Database& database) const;
+    /// The line that most sessions do not meet, as a sentence; nothing when all meet all.
+    Html Sentence() const;
+    Html Tables() const;
 
 private:
-    struct Version {
-        int number = 0;
-        int sessions = 0;
-        std::vector<Counts> lines;
-    };
+    Html LineTable(const std::string& caption, const std::string& kind,
+                   const std::vector<std::size_t>& places) const;
 
-    std::map<std::int64_t, Version> versions;  // by the ids of their sets
+    VersionCount version;
+    ReportQuery query;
+    std::optional<Requirements> requirements;         // nothing when this program cannot read them
+    std::vector<Counts> counts;                       // by line
+    std::vector<std::size_t> lines, recommendations;  // places, in the order of the tables
 };
 
 }  // namespace kel::server

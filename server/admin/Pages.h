@@ -15,7 +15,7 @@ Answer LogIn(const AdminRequest& request);
 /// Ends the log-in.
 Answer LogOut(const AdminRequest& request);
 
-/// The products with the results of their newest verdicts, and the newest reports.
+/// The products with the results of a period's sessions, and the newest reports.
 Answer ShowOverview(const AdminRequest& request);
 /// The names of the values that requirements can ask for.
 Answer ShowValues(const AdminRequest& request);
@@ -37,7 +37,8 @@ Answer ShowCheck(const AdminRequest& request);
 /// Judges the file, and keeps it as a report if that is asked for.
 Answer CheckFile(const AdminRequest& request);
 
-/// A product's results, by requirement, and the machines of its visitors.
+/// A product's results in a period: over time, by version and by requirement, and the machines of its
+/// visitors.
 Answer ShowProduct(const AdminRequest& request);
 /// Redirects to the requirements of a product that may not exist yet.
 Answer BeginProduct(const AdminRequest& request);
@@ -51,9 +52,11 @@ Answer EditDraft(const AdminRequest& request);
 Answer PublishDraft(const AdminRequest& request);
 Answer DropDraft(const AdminRequest& request);
 
-/// GET /api/v1/reports: reports with their values, as JSON or CSV.
+/// GET /api/v1/reports: reports with their values, as JSON or CSV, with the filters of the page.
 Answer ListReports(const AdminRequest& request);
-/// GET /api/v1/referrers: the products with the totals of their newest verdicts.
+/// GET /api/v1/reports/ID: one report with its values.
+Answer ReadReport(const AdminRequest& request);
+/// GET /api/v1/referrers: the products with the sessions of a period, by the version that judged them.
 Answer ListReferrers(const AdminRequest& request);
 /// GET /api/v1/referrers/NAME/draft: the draft's text; its revision is the ETag.
 Answer ReadDraft(const AdminRequest& request);

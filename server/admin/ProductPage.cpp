@@ -1,13 +1,23 @@
+#include <fmt/format.h>
+#include <algorithm>
+
 #include "server/admin/Layout.h"
 #include "server/admin/LineFigures.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ReportQuery.h"
 #include "server/admin/figures/Chart.h"
+#include "server/admin/figures/Curve.h"
 #include "server/admin/figures/Recent.h"
+#include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
+#include "server/store/DayCounts.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
 namespace {
+
+constexpr std::size_t MaxVersions = 3;  // whose lines a page shows
 
 struct Picture {
     int id;
@@ -21,49 +31,114 @@ constexpr Picture Pictures[] = {{71063, "Memory", Distribution::Kind::Bytes},
                                 {72402, "Resolution of the primary display", Distribution::Kind::Text},
                                 {71060, "System", Distribution::Kind::Text}};
 
-Html Figure(const std::string& name, const std::string& value)
+Counts Sum(const std::vector<VersionCount>& versions)
+{
+    Counts sum;
+    for (const VersionCount& version : versions) {
+        sum.pass += version.sessions.pass;
+        sum.fail += version.sessions.fail;
+        sum.unknown += version.sessions.unknown;
+    }
+    return sum;
+}
+
+Html Figure(const std::string& name, const Html& value)
 {
     return Html::Element("div", {}, {Html::Element("b", {}, value), name});
 }
 
-Html TotalFigures(const Counts& totals)
+Html TotalFigures(const Counts& totals, const ReportQuery& sessions)
 {
-    const int all = totals.pass + totals.fail + totals.unknown;
     return Html::Element("div", {{"class", "card figures"}},
-                         {Figure("sessions", Grouped(all)), Figure("pass", Grouped(totals.pass)),
-                          Figure("fail", Grouped(totals.fail)), Figure("unknown", Grouped(totals.unknown)),
-                          Figure("passing", Percentage(totals.pass, all))});
+                         {Figure("sessions", CountLink(sessions, totals.All())),
+                          Figure("pass", CountLink(sessions.With("pass"), totals.pass)),
+                          Figure("fail", CountLink(sessions.With("fail"), totals.fail)),
+                          Figure("unknown", CountLink(sessions.With("unknown"), totals.unknown)),
+                          Figure("passing", Percentage(totals.pass, totals.All()))});
 }
 
-Html LineTables(Database& database, const std::string& referrer)
+/// How many of the visitors can run the product, and whether that is changing.
+Html Answered(Database& database, const std::string& referrer, const Counts& totals, const Period& period)
 {
-    LineFigures figures;
-    const RecentSessions recent =
-        ForEachRecentVerdict(database, referrer, [&](const StoredVerdict& verdict) { figures.Add(verdict); });
-    if (recent.count == 0)
-        return Html::Element("p", {{"class", "empty"}}, "There is no verdict yet.");
-    return Html::Element("p", {{"class", "lead"}}, "The tables are of " + recent.Text() + ".") +
-           figures.Show(database);
+    std::string text = fmt::format("{} of {} sessions {} pass", Percentage(totals.pass, totals.All()),
+                                   Grouped(totals.All()), period.Text());
+    if (period.HasBefore()) {
+        const Counts before = Sum(DayCounts(database).ByVersion(referrer, period.Before().Range()));
+        text += before.All() == 0 ? fmt::format("; {} had none", period.BeforeText())
+                                  : fmt::format("; {} it was {} of {}", period.BeforeText(),
+                                                Percentage(before.pass, before.All()), Grouped(before.All()));
+    }
+    return Html::Element("p", {{"class", "answer"}}, text + ".");
 }
 
-Html MachineCharts(Database& database, const std::string& referrer)
+Html VersionTable(const std::vector<VersionCount>& versions, const ReportQuery& sessions)
+{
+    Table table("Sessions by the version that judged them", {{"Version"},
+                                                             {"Published (UTC)"},
+                                                             {"Sessions", true},
+                                                             {"Pass", true},
+                                                             {"Fail", true},
+                                                             {"Unknown", true},
+                                                             {"Passing", true}});
+    for (const VersionCount& version : versions) {
+        const ReportQuery of = sessions.OfVersion(version.version);
+        const Counts& count = version.sessions;
+        table.Add({Link(fmt::format("{}/version?number={}", ProductPath(version.referrer), version.version),
+                        std::to_string(version.version)),
+                   Moment(version.published), CountLink(of, count.All()),
+                   CountLink(of.With("pass"), count.pass), CountLink(of.With("fail"), count.fail),
+                   CountLink(of.With("unknown"), count.unknown), Percentage(count.pass, count.All())});
+    }
+    return table.Done("None.");
+}
+
+Html VerdictFigures(Database& database, const std::vector<VersionCount>& versions,
+                    const ReportQuery& sessions)
+{
+    const std::string& referrer = sessions.referrer;
+    const Counts totals = Sum(versions);
+    const Curve curve(DayCounts(database).ByDay(referrer, sessions.period.Range()), sessions.period.Range());
+    Html sentence, tables;
+    for (std::size_t i = 0; i < std::min(versions.size(), MaxVersions); ++i) {
+        const LineFigures lines(database, versions[i], sessions);
+        sentence = i == 0 ? lines.Sentence() : sentence;
+        tables += lines.Tables();
+    }
+    if (versions.size() > 1)
+        tables = VersionTable(versions, sessions) + tables;
+    return Answered(database, referrer, totals, sessions.period) + sentence + TotalFigures(totals, sessions) +
+           curve.Show(RequirementSets(database).Versions(referrer),
+                      [&](std::int64_t from, std::int64_t until) {
+                          return ReportQuery::SessionsOf(referrer, Period::Between(from, until)).Address();
+                      }) +
+           tables;
+}
+
+/// The machines of the sessions that the other figures are of, as far as their reports are still stored.
+Html MachineCharts(Database& database, const ReportQuery& sessions, int all)
 {
     std::vector<Distribution> distributions;
     for (const Picture& picture : Pictures)
         distributions.emplace_back(picture.kind);
-    const RecentSessions recent = ForEachRecentReport(database, referrer, [&](const Report& report) {
+    const RecentSessions recent = ForEachRecentReport(database, sessions.Filter(), [&](const Report& report) {
         for (std::size_t i = 0; i < distributions.size(); ++i)
             distributions[i].Add(report.Value(Pictures[i].id));
     });
     if (recent.count == 0)
-        return Html::Element("p", {{"class", "empty"}}, "No report names this product yet.");
+        return Html::Element("p", {{"class", "empty"}},
+                             "The reports of these sessions are no longer stored.");
     Html charts;
     for (std::size_t i = 0; i < distributions.size(); ++i)
         charts += Chart(Pictures[i].title, distributions[i].Bars());
-    return Html::Element("p", {{"class", "lead"}},
-                         "The charts are of " + recent.Text() +
-                             ". A report has only the values that the requirements ask for; the others are "
-                             "not reported.") +
+    const std::string of = recent.count == all
+                               ? "these sessions"
+                               : fmt::format("{} of these {} sessions, the newest with a readable report",
+                                             Grouped(recent.count), Grouped(all));
+    return Html::Element(
+               "p", {{"class", "lead"}},
+               fmt::format("The charts are of {}. A report has only the values that the requirements "
+                           "ask for; the others are not reported.",
+                           of)) +
            Html::Element("div", {{"class", "charts"}}, charts);
 }
 
@@ -72,14 +147,22 @@ Html MachineCharts(Database& database, const std::string& referrer)
 Answer ShowProduct(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
-    const Counts totals = Verdicts(request.database).CountRecent({referrer}, RecentCount).front();
-    const Html content = Html::Element("p", {{"class", "buttons"}},
-                                       {ButtonLink(RequirementsPath(referrer), "Requirements"),
-                                        ButtonLink("/reports?referrer=" + UrlEncode(referrer), "Reports")}) +
-                         Html::Element("h2", {}, "The last verdicts") + TotalFigures(totals) +
-                         LineTables(request.database, referrer) +
-                         Html::Element("h2", {}, "What visitors have") +
-                         MachineCharts(request.database, referrer);
+    const ReportQuery sessions = ReportQuery::SessionsOf(referrer, Period::Read(request, Period::Usual));
+    const auto versions = DayCounts(request.database).ByVersion(referrer, sessions.period.Range());
+    ReportQuery reports = sessions;
+    reports.isOnce = false;
+    Html content = Html::Element("p", {{"class", "buttons"}},
+                                 {ButtonLink(RequirementsPath(referrer), "Requirements"),
+                                  ButtonLink(reports.Address(), "Reports")}) +
+                   sessions.period.Choice(ProductPath(referrer));
+    if (versions.empty()) {
+        content += Html::Element("p", {{"class", "empty"}},
+                                 fmt::format("No session was judged {}.", sessions.period.Text()));
+    } else {
+        content += VerdictFigures(request.database, versions, sessions) +
+                   Html::Element("h2", {}, "What visitors have") +
+                   MachineCharts(request.database, sessions, Sum(versions).All());
+    }
     return Page(request, referrer, content);
 }
 

@@ -6,7 +6,10 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::string_view ReportParameters[] = {"after", "count", "format"};
+constexpr std::string_view ReportParameters[] = {"after",   "count",   "format", "referrer", "session",
+                                                 "verdict", "version", "line",   "result",   "once",
+                                                 "period",  "from",    "until"};
+constexpr std::string_view PeriodParameters[] = {"period", "from", "until"};
 
 constexpr Route Rows[] = {
     {"GET", "/style.css", Access::Open, ShowStyle},
@@ -31,7 +34,8 @@ constexpr Route Rows[] = {
     {"POST", "/products/*/publish", Access::Editor, PublishDraft},
     {"POST", "/products/*/drop", Access::Editor, DropDraft},
     {"GET", "/api/v1/reports", Access::Reader, ListReports, ReportParameters},
-    {"GET", "/api/v1/referrers", Access::Reader, ListReferrers},
+    {"GET", "/api/v1/reports/*", Access::Reader, ReadReport},
+    {"GET", "/api/v1/referrers", Access::Reader, ListReferrers, PeriodParameters},
     {"GET", "/api/v1/referrers/*/draft", Access::Reader, ReadDraft},
     {"PUT", "/api/v1/referrers/*/draft", Access::Editor, WriteDraft},
     {"POST", "/api/v1/referrers/*/publish", Access::Editor, PublishRevision},

@@ -11,4 +11,8 @@ namespace kel::server {
 /// its name.
 void Import(const std::filesystem::path& folder, Database& database);
 
+/// Logs for each file that Import would read whether it is valid, and what is wrong with it; publishes
+/// nothing and needs no database. Throws std::runtime_error when one is not valid.
+void CheckImport(const std::filesystem::path& folder);
+
 }  // namespace kel::server

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "server/admin/Site.h"
+#include "server/base/Embedded.h"
 #include "server/base/Log.h"
 #include "server/http/Server.h"
 #include "server/ops/Accounts.h"
@@ -36,11 +37,15 @@ namespace {
 
 using namespace kel::server;  // NOLINT: this is the program of that namespace
 
+constexpr std::string_view CheckOption = "--check";
+
 constexpr const char* Usage =
     "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
     "  serve        runs the service\n"
     "  migrate      creates the database, or upgrades it to this program's version\n"
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
+    "  import --check DIR\n"
+    "               says what is wrong with these files, and publishes nothing\n"
     "  export DIR   writes each referrer's newest requirements to such files\n"
     "  judge PRODUCT FILE [--json]\n"
     "               judges kel's support file, or a report's XML, by a product's newest requirements, or by\n"
@@ -55,7 +60,8 @@ constexpr const char* Usage =
     "               standard input\n"
     "  user remove NAME, user list\n"
     "  token add NAME [DAYS]\n"
-    "               prints a new token of that account for programs\n";
+    "               prints a new token of that account for programs\n"
+    "  --help, --version\n";
 
 /// Its exit code 1 is a verdict, so that its errors have another one.
 constexpr std::string_view JudgeCommand = "judge";
@@ -116,13 +122,22 @@ void SetLogLevel(const std::string& name)
 
 int Run(std::vector<std::string> arguments)
 {
-    if (std::find(arguments.begin(), arguments.end(), "--help") != arguments.end()) {
-        std::cerr << Usage;
-        return 2;
+    const auto asksFor = [&](const char* option) {
+        return std::find(arguments.begin(), arguments.end(), option) != arguments.end();
+    };
+    if (asksFor("--help")) {
+        std::cout << Usage;
+        return 0;
+    }
+    if (asksFor("--version")) {
+        std::cout << "kel_server " << Version << '\n';
+        return 0;
     }
     const bool isJudge = !arguments.empty() && arguments[0] == JudgeCommand;
     const bool asJson = isJudge && std::erase(arguments, "--json") > 0;
-    const Config config = Config::Read(arguments, PurgeOptions);
+    std::vector<std::string_view> commandOptions(PurgeOptions.begin(), PurgeOptions.end());
+    commandOptions.emplace_back(CheckOption);
+    const Config config = Config::Read(arguments, commandOptions);
     SetLogLevel(config.logLevel);
     const std::string command = arguments.empty() ? "" : arguments[0];
     if (command != "export")  // requirements are public; every other file has visitors' data
@@ -133,6 +148,8 @@ int Run(std::vector<std::string> arguments)
         RunMigrate(config);
     } else if (command == "import" && arguments.size() == 2) {
         Import(arguments[1], *OpenDatabase(config.database));
+    } else if (command == "import" && arguments.size() == 3 && arguments[1] == CheckOption) {
+        CheckImport(arguments[2]);
     } else if (command == "export" && arguments.size() == 2) {
         Export(arguments[1], *OpenDatabase(config.database));
     } else if (isJudge && arguments.size() == 3) {

@@ -42,7 +42,10 @@ int Migrate(SqlConnection& connection)
 
 void RequireCurrent(SqlConnection& connection)
 {
-    if (RequireKnownVersion(connection) < NewestVersion(connection))
+    const int version = RequireKnownVersion(connection);
+    if (version == 0)
+        throw std::runtime_error("the database is empty; create its tables with the command migrate");
+    if (version < NewestVersion(connection))
         throw std::runtime_error("the database is older than this program; run the command migrate");
 }
 

@@ -20,18 +20,6 @@ public:
         text += (text.empty() ? " WHERE " : " AND ") + condition;
     }
 
-    /// Adds a condition on an id: it is one of these, of which there are at most `max`. The statement's text
-    /// depends on `max` alone.
-    void AddOneOf(const std::string& column, const std::vector<std::int64_t>& ids, std::size_t max)
-    {
-        std::string list;
-        for (std::size_t i = 0; i < max; ++i) {
-            values.emplace_back(i < ids.size() ? ids[i] : ids.empty() ? -1 : ids.back());
-            list += (i == 0 ? "" : ", ") + Parameter();
-        }
-        text += " AND " + column + " IN (" + list + ")";
-    }
-
     /// Adds a condition on an id of a report: its session begins with one of the texts, of which there are at
     /// most `max` and which end with an ASCII character. They and their ends have to outlive the conditions.
     void AddBeginnings(const std::string& column, const std::vector<std::string>& begins,
@@ -48,6 +36,20 @@ public:
             list += " AND session < " + Parameter();
         }
         text += " AND " + column + " IN (" + list + ")";
+    }
+
+    /// Adds a condition on a verdict: one of the lines fails. The statement's text is the same for any lines.
+    void AddFailing(const SqlConnection& connection, const std::vector<LineOfSet>& lines)
+    {
+        std::string any;
+        for (std::size_t i = 0; i < ReportFilter::MaxLines; ++i) {
+            const LineOfSet line = i < lines.size() ? lines[i] : LineOfSet{0, 1};  // no version has the id 0
+            values.emplace_back(line.set);
+            any += (i == 0 ? "(requirement_set = " : " OR (requirement_set = ") + Parameter();
+            values.emplace_back(std::int64_t{line.line} - 1);
+            any += " AND " + connection.LineResult(Parameter()) + " = 'fail')";
+        }
+        text += " AND (" + any + ")";
     }
 
     /// The placeholder of the last value.
@@ -93,6 +95,14 @@ std::pair<std::int64_t, std::int64_t> Span(SqlConnection& connection, const Repo
     return {after, before};
 }
 
+/// The id of a version of the filter's referrer; 0 when there is none.
+std::int64_t SetId(SqlConnection& connection, const ReportFilter& filter)
+{
+    SqlRows rows = connection.Query("SELECT id FROM requirement_set WHERE referrer = $1 AND version = $2",
+                                    {ReferrerId(connection, filter.referrer), std::int64_t{filter.version}});
+    return rows.empty() ? 0 : rows[0].Number();
+}
+
 }  // namespace
 
 std::int64_t Reports::Add(const NewReport& report)
@@ -132,10 +142,13 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
     // their indexes; nor must the time, since the whole range of ids would then have to be sorted.
     const std::string unindexed(connection->UnindexedPrefix());
     const bool isOfFew = !filter.session.empty() || !filter.beginnings.empty() || !filter.user.empty() ||
-                         !filter.machine.empty() || filter.ids;
-    const bool byTotal = filter.total.has_value();
-    const std::string total(byTotal ? ToString(*filter.total) : "");
-    const std::string id = byTotal && !isOfFew ? "verdict.report" : "report.id";
+                         !filter.machine.empty();
+    // These say which of a report's verdicts it is; otherwise it is the one by the newest requirements.
+    const bool isGiven = filter.version > 0 || filter.isOnce;
+    const bool byVerdict = filter.total || filter.line > 0 || filter.failing || isGiven;
+    const std::string total(filter.total ? ToString(*filter.total) : "");
+    const std::string lineResult(filter.lineResult ? ToString(*filter.lineResult) : "");
+    const std::string id = byVerdict && !isOfFew ? "verdict.report" : "report.id";
     const std::string prefix = isOfFew ? unindexed : "";
     Conditions conditions;
     const auto [after, before] = Span(*connection, filter);
@@ -146,30 +159,38 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
         ++end.back();
     if (!filter.beginnings.empty())
         conditions.AddBeginnings("report.id", filter.beginnings, ends);
-    if (filter.ids)
-        conditions.AddOneOf("report.id", *filter.ids, ReportFilter::MaxIds);
     if (!filter.session.empty())
         conditions.Add("session = ?", filter.session);
     if (!filter.user.empty())
         conditions.Add("\"user\" <> '' AND \"user\" = ?", filter.user);
     if (!filter.machine.empty())
         conditions.Add("machine <> '' AND machine = ?", filter.machine);
-    if (!filter.referrer.empty())
+    if (!filter.referrer.empty() && !isGiven)
         conditions.Add(prefix + "report.referrer = ?", filter.referrer);
-    if (byTotal) {
+    if (filter.total)
         conditions.Add(prefix + "verdict.total = ?", total);
-        if (!filter.referrer.empty())
-            conditions.Add(prefix + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
+    if (byVerdict && !filter.referrer.empty())
+        conditions.Add(prefix + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
+    if (filter.version > 0)
+        conditions.Add("requirement_set = ?", SetId(*connection, filter));
+    if (filter.isOnce)
+        conditions.text += " AND counted = 1";
+    if (byVerdict && !isGiven)
         conditions.text +=
             " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
             "WHERE other.report = verdict.report)";
+    if (filter.line > 0) {
+        conditions.values.emplace_back(std::int64_t{filter.line} - 1);
+        conditions.Add(connection->LineResult(conditions.Parameter()) + " = ?", lineResult);
     }
+    if (filter.failing)
+        conditions.AddFailing(*connection, *filter.failing);
     if (filter.from > 0)
         conditions.Add(unindexed + "received >= ?", filter.from);
     if (filter.until > 0)
         conditions.Add(unindexed + "received < ?", filter.until);
     conditions.values.emplace_back(std::int64_t{filter.count});
-    const std::string tables = byTotal
+    const std::string tables = byVerdict
                                    ? "verdict.total FROM verdict JOIN report ON report.id = verdict.report"
                                    : "(SELECT total FROM verdict WHERE verdict.report = report.id "
                                      "ORDER BY requirement_set DESC LIMIT 1) FROM report";

@@ -36,15 +36,25 @@ struct ReportLine {
     std::optional<Result> total;  // of its verdict by the newest requirements that judged it
 };
 
-/// Which reports to list; a member that is empty or 0 does not restrict them. With both a referrer and a
-/// total, the verdict has to be by that referrer's requirements.
+/// A line of a version of requirements.
+struct LineOfSet {
+    std::int64_t set = 0;
+    int line = 0;  // from 1 on
+};
+
+/// Which reports to list; a member that is empty or 0 does not restrict them. With a referrer, the verdict
+/// that the other members restrict has to be by that referrer's requirements.
 struct ReportFilter {
-    static constexpr std::size_t MaxIds = 1000, MaxBeginnings = 4;
+    static constexpr std::size_t MaxLines = 8, MaxBeginnings = 4;
 
     std::string referrer = {}, session = {}, user = {}, machine = {};
-    std::vector<std::string> beginnings = {};           // of the session, one of them
-    std::optional<std::vector<std::int64_t>> ids = {};  // only these; at most MaxIds
-    std::optional<Result> total = {};
+    std::vector<std::string> beginnings = {};  // of the session, one of them
+    std::optional<Result> total = {};  // of the verdict by the newest requirements, or by those of `version`
+    int version = 0;                   // of the referrer's requirements
+    int line = 0;                      // of the verdict, from 1 on, which has `lineResult`
+    std::optional<Result> lineResult = {};
+    std::optional<std::vector<LineOfSet>> failing = {};  // one of these fails; at most MaxLines
+    bool isOnce = false;               // only the verdict that counts for its session (see DayCounts)
     std::int64_t from = 0, until = 0;  // received from this time on, and before that
     std::int64_t beforeId = 0;         // the page after the report with that id
     std::int64_t afterId = -1;         // from 0 on: reports with a greater id, the oldest first

@@ -74,6 +74,9 @@ SqliteConnection::SqliteConnection(const std::string& path, Mode mode, Durabilit
         SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | (mode == Mode::Create ? SQLITE_OPEN_CREATE : 0);
     const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
     database.reset(opened);
+    if (result != SQLITE_OK && mode == Mode::Existing && FileIdentity::Of(path) == FileIdentity())
+        throw Fault(Unavailable,
+                    fmt::format("database: there is no file {}; create it with the command migrate", path));
     if (result != SQLITE_OK)
         throw Fault(Unavailable, fmt::format("database: {}: {}", path,
                                              opened ? sqlite3_errmsg(opened) : sqlite3_errstr(result)));

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <vector>
 
 #include "server/store/Database.h"
-#include "verdict/Tally.h"
+#include "verdict/Result.h"
 
 namespace kel::server {
 
@@ -41,14 +40,6 @@ public:
     void Save(const NewVerdict& verdict);
     /// The verdicts on a report, the newest requirements first.
     std::vector<StoredVerdict> OnReport(std::int64_t report);
-    /// Passes the newest verdicts by any version of a referrer's requirements, at most `count`, to `use`, the
-    /// newest report and the newest requirements first, until it returns false. Each statement reads many
-    /// verdicts, at most 4 MB.
-    void ForEachRecent(const std::string& referrer, int count,
-                       const std::function<bool(const StoredVerdict&)>& use);
-    /// For each of the referrers, counts the sessions by the total of their newest verdict, among the `count`
-    /// newest verdicts by the referrer's requirements.
-    std::vector<Counts> CountRecent(const std::vector<std::string>& referrers, int count);
 
 private:
     Database& database;

@@ -9,7 +9,7 @@ import time
 import unittest
 import unittest.mock
 
-from databases import KIND
+from databases import KIND, Database
 from deployed import HEAD, LIST, REPORT, UPLOAD, DeployedTest, analysis, padded
 from harness import API_KEY
 
@@ -165,9 +165,9 @@ class Bodies(DeployedTest):
 class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
         self.stop()
-        self.assertIn("version=4", self.command("migrate"))
-        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 3"),
-                                      (self.database.version % 0, ("serve",), "run the command migrate"),
+        self.assertIn("version=5", self.command("migrate"))
+        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 5"),
+                                      (self.database.version % 1, ("serve",), "run the command migrate"),
                                       (self.database.foreign, ("serve", "migrate"), "another program's")):
             self.database.run(sql)
             for command in commands:
@@ -198,9 +198,12 @@ class Commands(DeployedTest):
         self.stop()
         (self.folder / "kel.db").write_text("no database at all, but a text of some length")
         self.assertIn("not a database", self.command("serve", code=1))
-        (self.folder / "kel.db").unlink()
-        self.assertIn("unable to open", self.command("serve", code=1))
-        self.assertFalse((self.folder / "kel.db").exists())
+
+    def test_a_database_that_was_not_migrated_says_what_to_do(self):
+        (folder := self.folder / "new").mkdir()
+        self.database = Database(folder)
+        self.assertIn("with the command migrate", self.command("serve", code=1))
+        self.assertEqual(list(folder.iterdir()), [])
 
     def test_an_import_is_all_or_nothing_and_repeats_nothing(self):
         self.require("r", (1, "M", "any"))

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "server/base/Fault.h"
+#include "server/store/DayCounts.h"
 #include "server/store/Migrations.h"
 #include "server/store/PostgresConnection.h"
 #include "tests/server/FakeConnection.h"
@@ -84,14 +85,24 @@ TEST_F(StoreTest, AnOlderDatabaseComesToTheNewestVersionWithItsData)
     raw->Execute(
         "INSERT INTO referrer (name) VALUES ('other'), ('r');"
         "INSERT INTO requirement_set (referrer, version, published, text) VALUES (2, 1, 5, '{}');"
-        "INSERT INTO report (session, referrer, \"user\", received, body) VALUES ('s', 'r', '', 6, 'b');"
+        "INSERT INTO report (session, referrer, \"user\", received, body) VALUES ('s', 'r', '', 6, 'b'), "
+        "('s', 'none', '', 86400000, 'b');"
         "INSERT INTO verdict (report, requirement_set, judged, item, total, lines) VALUES (1, 1, 7, 'i', "
-        "'fail', '[]')");
+        "'fail', '[{\"result\":\"pass\"},1]'); "
+        "INSERT INTO verdict SELECT 2, requirement_set, judged, item, total, lines FROM verdict");
     EXPECT_THROW(OpenDatabase(settings), std::runtime_error);
     Together(4, [&](int) { return Migrate(*OpenForMigration(settings)); });
     Open();
     EXPECT_EQ(Verdicts(*database).OnReport(1).at(0).total, Result::Fail);
-    EXPECT_EQ(Verdicts(*database).CountRecent({"r"}, 5).at(0).fail, 1);
+    DayCounts counts(*database);
+    const auto days = counts.ByDay("r", {});
+    ASSERT_EQ(days.size(), 1U) << "a session counts twice";
+    EXPECT_EQ(days[0].day, 1);
+    EXPECT_EQ(days[0].sessions.fail, 1);
+    EXPECT_EQ(counts.Lines(1, {}).at(0).pass, 1);
+    EXPECT_EQ(counts.Lines(1, {}).at(1).unknown, 1);
+    EXPECT_EQ(counts.Reports({1, 2})[""], 1);
+    EXPECT_EQ(counts.Reports({0, 1})["r"], 1);
     EXPECT_EQ(Reports(*database).Find(1)->body, "b");
     EXPECT_EQ(RequirementSets(*database).Newest("r")->published, 5);
     EXPECT_EQ(RequirementSets(*database).Publish("r", "2", "ann", "ann"), 2);

@@ -1,54 +1,69 @@
 // Verdicts in the store.
 #include "server/store/Verdicts.h"
 
+#include <fmt/format.h>
+
+#include "server/store/DayCounts.h"
 #include "tests/server/StoreTest.h"
 
 namespace kel::server {
 
 namespace {
 
-TEST_F(StoreTest, RecentVerdictsStartWithTheNewestRequirements)
+TEST_F(StoreTest, ALaterVerdictOnAReportByTheSameRequirementsReplacesIt)
 {
-    Verdicts verdicts(Open());
-    RequirementSets sets(*database);
-    const std::int64_t older = Upload("s", "r"), newer = Upload("s", "r");
+    RequirementSets sets(Open());
+    const std::int64_t report = Upload("s", "r");
     for (const char* text : {"1", "2"}) {
         sets.Publish("r", text, "", "");
-        Judge(older, "r", Result::Fail, text);
-        Judge(newer, "r", Result::Unknown, text);
+        Judge(report, "r", Result::Fail, text);
     }
     raw->Execute("UPDATE verdict SET judged = 1");
-    Judge(newer, "r", Result::Pass, "again");
-    EXPECT_EQ(verdicts.OnReport(newer).at(0).lines, "again") << "an older version is first";
-    EXPECT_GT(verdicts.OnReport(newer).at(0).judged, 1) << "the time of the first judgement stays";
+    Judge(report, "r", Result::Pass, "again");
     Judge(1000, "r", Result::Pass, "its report does not exist");
-    std::vector<std::pair<std::int64_t, std::string>> recent;
-    verdicts.ForEachRecent("r", 100, [&](const StoredVerdict& verdict) {
-        EXPECT_EQ(verdict.version, verdict.lines == "1" ? 1 : 2) << verdict.report;
-        EXPECT_EQ(verdict.total == Result::Pass, verdict.lines == "again") << verdict.report;
-        return recent.emplace_back(verdict.report, verdict.lines), true;
-    });
-    const decltype(recent) expected{{newer, "again"}, {newer, "1"}, {older, "2"}, {older, "1"}};
-    EXPECT_EQ(recent, expected);
+    const auto verdicts = Verdicts(*database).OnReport(report);
+    ASSERT_EQ(verdicts.size(), 2U);
+    EXPECT_EQ(verdicts[0].lines, "again") << "an older version is first";
+    EXPECT_GT(verdicts[0].judged, 1) << "the time of the first judgement stays";
+    EXPECT_EQ(verdicts[1].lines, "1");
 }
 
-TEST_F(StoreTest, EachSessionCountsOnceWithinTheWindow)
+TEST_F(StoreTest, EachSessionCountsOnceWithItsNewestVerdict)
 {
-    Verdicts verdicts(Open());
-    RequirementSets(*database).Publish("r", "1", "", "");
-    Judge(Upload("s", "r"), "r", Result::Fail);
-    Judge(Upload("s", "r"), "r", Result::Pass);
-    const auto counts = [&](int count) { return verdicts.CountRecent({"r"}, count).at(0); };
-    EXPECT_EQ(counts(100).pass, 1);
-    EXPECT_EQ(counts(100).fail, 0) << "an older verdict of the session counts";
+    DayCounts counts(Open());
+    RequirementSets sets(*database);
+    sets.Publish("r", "1", "", "");
+    const auto all = [&] {
+        std::string text;
+        for (const auto& [referrer, version, set, published, sessions] : counts.ByVersion("r", {}))
+            text += fmt::format("v{} {}/{}/{} ", version, sessions.pass, sessions.fail, sessions.unknown);
+        return text;
+    };
+    std::vector<std::int64_t> reports;
+    for (int i = 0; i < 8; ++i)
+        reports.push_back(Upload("s", "r"));
+    Together(8, [&](int i) {
+        Judge(reports[static_cast<std::size_t>(i)], "r", i == 7 ? Result::Pass : Result::Fail,
+              R"([{"result":"fail"}])");
+        return 1;
+    });
+    EXPECT_EQ(all(), "v1 1/0/0 ") << "verdicts at the same time";
+    Judge(reports[7], "r", Result::Unknown, R"([{"result":"pass"},{"result":"none"},"odd"])");
+    EXPECT_EQ(all(), "v1 0/0/1 ") << "the same report again";
+    const auto lines = counts.Lines(1, {});
+    ASSERT_EQ(lines.size(), 3U);
+    EXPECT_EQ(lines[0].pass, 1) << "the replaced lines still count";
+    EXPECT_EQ(lines[1].unknown + lines[2].unknown, 2) << "a result that is none";
+    sets.Publish("r", "2", "", "");
+    Judge(reports[3], "r", Result::Fail);
+    EXPECT_EQ(all(), "v1 0/0/1 ") << "an older report by newer requirements";
+    Judge(reports[7], "r", Result::Pass, "odd");
+    EXPECT_EQ(all(), "v2 1/0/0 ") << "the same report by newer requirements";
     Judge(Upload("t", "r"), "r", Result::Fail);
-    EXPECT_EQ(counts(2).pass, 1);
-    EXPECT_EQ(counts(2).fail, 1);
-    EXPECT_EQ(counts(1).pass, 0) << "a verdict outside of the window counts";
-    std::vector<std::string> many(45, "nobody");  // more than one statement takes
-    many.back() = "r";
-    EXPECT_EQ(verdicts.CountRecent(many, 2).at(0).pass, 0);
-    EXPECT_EQ(verdicts.CountRecent(many, 2).at(44).pass, 1);
+    Reports(*database).DeleteSession("s", 100, nullptr);
+    EXPECT_EQ(all(), "v2 1/1/0 ") << "a deletion changes the counts";
+    EXPECT_EQ(counts.Reports({})["r"], 9);
+    EXPECT_TRUE(counts.ByDay("r", {0, Now() / DayLength - 1}).empty());
 }
 
 }  // namespace

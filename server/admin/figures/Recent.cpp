@@ -7,7 +7,6 @@
 #include "server/admin/kit/Texts.h"
 #include "server/base/Fault.h"
 #include "server/http/Limits.h"
-#include "server/store/Reports.h"
 
 namespace kel::server {
 
@@ -16,7 +15,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds MaxTime{1};
-constexpr std::size_t ProductsAtOnce = 20;
 
 /// The bounds of reading recent reports, in time and in bytes.
 class ScanBudget {
@@ -53,11 +51,9 @@ std::optional<Report> ReadStored(const std::string& body)
     }
 }
 
-RecentSessions ForEachRecentReport(Database& database, const std::string& referrer,
+RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
                                    const std::function<void(const Report&)>& use)
 {
-    ReportFilter filter;
-    filter.referrer = referrer;
     filter.count = RecentCount;
     ScanBudget budget;
     std::set<std::string> seen;
@@ -78,37 +74,6 @@ RecentSessions ForEachRecentReport(Database& database, const std::string& referr
         return true;
     });
     return recent;
-}
-
-RecentSessions ForEachRecentVerdict(Database& database, const std::string& referrer,
-                                    const std::function<void(const StoredVerdict&)>& use)
-{
-    RecentSessions recent;
-    ScanBudget budget;
-    std::set<std::string> seen;
-    Verdicts(database).ForEachRecent(referrer, RecentCount, [&](const StoredVerdict& verdict) {
-        recent.isCut = !budget.Allows(verdict.lines.size());
-        if (!recent.isCut && seen.insert(verdict.session).second) {
-            use(verdict);
-            ++recent.count;
-        }
-        return !recent.isCut;
-    });
-    return recent;
-}
-
-std::vector<Counts> RecentTotals(Database& database, const std::vector<Product>& products)
-{
-    std::vector<Counts> totals;
-    const auto end = Clock::now() + MaxTime;
-    while (totals.size() < products.size() && (totals.empty() || Clock::now() < end)) {
-        std::vector<std::string> referrers;
-        for (std::size_t i = totals.size(); i < products.size() && referrers.size() < ProductsAtOnce; ++i)
-            referrers.push_back(products[i].referrer);
-        const auto more = Verdicts(database).CountRecent(referrers, RecentCount);
-        totals.insert(totals.end(), more.begin(), more.end());
-    }
-    return totals;
 }
 
 }  // namespace kel::server

@@ -34,6 +34,11 @@ std::string IsoTime(std::int64_t time)
     return Format(time, "%Y-%m-%dT%H:%M:%S.") + milliseconds + 'Z';
 }
 
+std::string DayText(std::int64_t time)
+{
+    return Format(time, "%Y-%m-%d");
+}
+
 std::optional<std::int64_t> ParseDay(std::string_view text)
 {
     if (text.size() != 10 || text[4] != '-' || text[7] != '-')
@@ -44,7 +49,7 @@ std::optional<std::int64_t> ParseDay(std::string_view text)
     parts.tm_mday = static_cast<int>(WholeNumber(text.substr(8)));
     const std::int64_t time = std::int64_t{timegm(&parts)} * Second;
     // The 31st of a shorter month, and a text that is not a number, would be another day.
-    return time >= 0 && Format(time, "%Y-%m-%d") == text ? std::optional(time) : std::nullopt;
+    return time >= 0 && DayText(time) == text ? std::optional(time) : std::nullopt;
 }
 
 std::string UrlEncode(std::string_view text)

@@ -13,6 +13,9 @@ std::string TimeText(std::int64_t time);
 /// The same for programs: "2026-03-01T14:05:09.123Z".
 std::string IsoTime(std::int64_t time);
 
+/// The day of a time: "2026-03-01". UTC.
+std::string DayText(std::int64_t time);
+
 /// When the day "2026-03-01" begins, UTC. Nothing for any other text.
 std::optional<std::int64_t> ParseDay(std::string_view text);
 

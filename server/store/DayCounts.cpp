@@ -1,0 +1,91 @@
+#include "server/store/DayCounts.h"
+
+#include <algorithm>
+
+#include "server/store/ReportRows.h"
+
+namespace kel::server {
+
+namespace {
+
+const std::string Sums = "sum(pass), sum(fail), sum(unknown) ";
+
+/// The versions of the rows of day_verdicts that meet the condition, summed up before their names are looked
+/// up.
+std::string VersionsWhere(const std::string& condition)
+{
+    return "SELECT name, version, set_id, published, pass, fail, unknown FROM (SELECT requirement_set AS "
+           "set_id, "
+           "sum(pass) AS pass, sum(fail) AS fail, sum(unknown) AS unknown FROM day_verdicts WHERE " +
+           condition +
+           " GROUP BY requirement_set) AS summed JOIN requirement_set ON requirement_set.id = set_id "
+           "JOIN referrer ON referrer.id = requirement_set.referrer WHERE pass + fail + unknown > 0 ORDER BY "
+           "name, version DESC";
+}
+
+Counts ReadCounts(SqlRow& row)
+{
+    return {row.Small(), row.Small(), row.Small()};
+}
+
+VersionCount ReadVersion(SqlRow& row)
+{
+    return {row.Text(), row.Small(), row.Number(), row.Number(), ReadCounts(row)};
+}
+
+}  // namespace
+
+std::vector<DayCount> DayCounts::ByDay(const std::string& referrer, const Days& days)
+{
+    const auto connection = database.BorrowReader();
+    return Each(connection->Query("SELECT day, " + Sums +
+                                      "FROM day_verdicts WHERE day >= $1 AND day < $2 AND referrer = $3 "
+                                      "GROUP BY day HAVING sum(pass + fail + unknown) > 0 ORDER BY day",
+                                  {days.from, days.until, ReferrerId(*connection, referrer)}),
+                [](SqlRow& row) {
+                    return DayCount{row.Number(), ReadCounts(row)};
+                });
+}
+
+std::vector<VersionCount> DayCounts::ByVersion(const std::string& referrer, const Days& days)
+{
+    const auto connection = database.BorrowReader();
+    return Each(connection->Query(VersionsWhere("day >= $1 AND day < $2 AND referrer = $3"),
+                                  {days.from, days.until, ReferrerId(*connection, referrer)}),
+                ReadVersion);
+}
+
+std::vector<VersionCount> DayCounts::OfAllProducts(const Days& days)
+{
+    return Each(database.Read(VersionsWhere("day >= $1 AND day < $2"), {days.from, days.until}), ReadVersion);
+}
+
+std::vector<Counts> DayCounts::Lines(std::int64_t set, const Days& days)
+{
+    std::vector<Counts> lines;
+    for (SqlRow& row : database.Read("SELECT line, " + Sums +
+                                         "FROM day_lines WHERE requirement_set = $1 AND day >= $2 "
+                                         "AND day < $3 GROUP BY line ORDER BY line",
+                                     {set, days.from, days.until})) {
+        const auto line = static_cast<std::size_t>(row.Number());
+        lines.resize(std::max(lines.size(), line + 1));
+        lines[line] = ReadCounts(row);
+    }
+    return lines;
+}
+
+std::map<std::string, std::int64_t> DayCounts::Reports(const Days& days)
+{
+    std::map<std::string, std::int64_t> reports;
+    for (SqlRow& row :
+         database.Read("SELECT coalesce(name, ''), total FROM (SELECT referrer AS named, sum(reports) "
+                       "AS total FROM day_reports WHERE day >= $1 AND day < $2 GROUP BY referrer) "
+                       "AS summed LEFT JOIN referrer ON referrer.id = named",
+                       {days.from, days.until})) {
+        const std::string name = row.Text();
+        reports[name] = row.Number();
+    }
+    return reports;
+}
+
+}  // namespace kel::server

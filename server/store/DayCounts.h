@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "server/store/Database.h"
+#include "verdict/Tally.h"
+
+namespace kel::server {
+
+/// A day in milliseconds.
+inline constexpr std::int64_t DayLength = 86'400'000;
+
+/// Days since 1970, UTC: from the first one until, and without, the last one.
+struct Days {
+    std::int64_t from = 0, until = std::numeric_limits<std::int64_t>::max() / DayLength;
+};
+
+/// The sessions of a product by the total of their newest verdict, on the day of its report.
+struct DayCount {
+    std::int64_t day = 0;
+    Counts sessions;
+};
+
+/// The sessions whose newest verdict is by one version of a product's requirements.
+struct VersionCount {
+    std::string referrer;
+    int version = 0;
+    std::int64_t set = 0, published = 0;
+    Counts sessions;
+};
+
+/// The counts that uploads and verdicts keep by day (migrations/*/004_counts.sql). They cover all reports
+/// that ever arrived; deleting reports does not change them.
+class DayCounts {
+public:
+    explicit DayCounts(Database& database) : database(database) {}
+
+    /// The days on which a product has sessions, in their order.
+    std::vector<DayCount> ByDay(const std::string& referrer, const Days& days);
+    /// The versions by which a product's sessions were judged, the newest first.
+    std::vector<VersionCount> ByVersion(const std::string& referrer, const Days& days);
+    /// The same for all products, ordered by name, then with the newest version first.
+    std::vector<VersionCount> OfAllProducts(const Days& days);
+    /// For a published set, the results of each line, in the order of the lines.
+    std::vector<Counts> Lines(std::int64_t set, const Days& days);
+    /// How many reports arrived: for each product, and under "" for those without one.
+    std::map<std::string, std::int64_t> Reports(const Days& days);
+
+private:
+    Database& database;
+};
+
+}  // namespace kel::server
