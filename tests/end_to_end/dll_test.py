@@ -31,7 +31,7 @@ class Dll(unittest.TestCase):
         for path in (DLL, DLL.parent / "kel.exe"):
             headers = subprocess.run(["x86_64-w64-mingw32-objdump", "-ph", path], capture_output=True, check=True, text=True)
             for protection in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"):
-                self.assertIn(protection, headers.stdout, path.name)
+                self.assertTrue(protection in headers.stdout, f"{path.name}: {protection}")
             sections = re.findall(r"^ +\d+ (\S+) .*\n +(.*)$", headers.stdout, re.MULTILINE)
             self.assertIn(".reloc", dict(sections), path.name)  # without it the file always has the same address
             for name, flags in sections:
