@@ -16,6 +16,7 @@ from unittest import mock
 from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
+ACTIVE_SETUP = r"HKLM\Software\Microsoft\Active Setup\Installed Components\{5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2}"
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall"
 # Exit codes have one byte here.
 FAILED, NEWER_INSTALLED = 1603 & 0xFF, 1638 & 0xFF
@@ -166,9 +167,13 @@ class Packages(unittest.TestCase):
         by_hand = shutil.copyfile(DLL, self.folder / "Detection.dll")
         self.assertEqual(wine("regsvr32", "/s", windows_path(by_hand)).code, 0)
         self.assertEqual(self.added(windows_path(self.folder)), registered)
-        self.assertEqual(install(now), 0)  # over an earlier registration
+        self.assertEqual(self.registry(ACTIVE_SETUP), {})
+        self.assertEqual(install(now, "IDENTIFIER=1"), 0)  # over an earlier registration
         self.assertEqual(self.ask("Version"), "4.5.1.0")
+        self.assertEqual([values.get('"StubPath"') for values in self.registry(ACTIVE_SETUP).values()],
+                         [r'"reg add HKCU\\Software\\Keldane /f"'])
         self.assertEqual(remove(now), 0)
+        self.assertEqual(self.registry(ACTIVE_SETUP), {})
         self.check_clean()
 
     def test_a_program_uses_it_without_registration(self):

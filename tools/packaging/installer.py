@@ -38,6 +38,17 @@ def _properties(product, size):
     return "\n".join(f'    <Property Id="{name}" Value={quoteattr(value)}/>' for name, value in properties.items())
 
 
+def _identifier(product):
+    """The component behind the property IDENTIFIER=1: at a user's next log-on, the system's Active Setup creates the key in
+    which the control keeps the machine's identifier, once for each user."""
+    code = product.component_code("identifier")
+    key = f"Software\\Microsoft\\Active Setup\\Installed Components\\{{{code}}}"
+    values = (("StubPath", r"reg add HKCU\Software\Keldane /f"), ("Version", "1,0"))
+    rows = "\n".join(f'        <RegistryValue Root="HKLM" Key="{key}" Name="{name}" Type="string" Value="{value}"/>'
+                     for name, value in values)
+    return f'      <Component Id="Identifier" Guid="{code}" Win64="yes">\n{rows}\n      </Component>\n'
+
+
 def source(product, scope, size):
     """The installer's source in the language of the tool that builds it.
 
@@ -51,10 +62,10 @@ def source(product, scope, size):
     user = scope == "user"
     marker = (f'        <RegistryValue Root="HKCU" Key="Software\\{product.name}" Name="Installed" Type="string"'
               ' Value="1" KeyPath="yes"/>\n        <RemoveFolder Id="RemoveInstall" On="uninstall"/>\n') if user else ""
-    component32 = "" if user else (
+    components = "" if user else (
         f'      <Component Id="Interface32" Guid="{product.component_code("machine32")}" Win64="no">\n'
-        f'{_registry(narrow, root)}\n      </Component>\n')
-    reference32 = "" if user else '<ComponentRef Id="Interface32"/>'
+        f'{_registry(narrow, root)}\n      </Component>\n' + _identifier(product))
+    references = "" if user else '<ComponentRef Id="Interface32"/><ComponentRef Id="Identifier"/>'
     return f"""<?xml version="1.0" encoding="utf-8"?>
 <Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
   <Product Id="{product.product_code(scope)}" Name="{product.display_name(scope)}" Language="1033"
@@ -72,9 +83,9 @@ def source(product, scope, size):
         <File Id="KelExe" Name="kel.exe" Source="kel.exe"/>
 {marker}{_registry(wide, root)}
       </Component>
-{component32}      </Directory>{closed}</Directory>
+{components}      </Directory>{closed}</Directory>
     </Directory>
-    <Feature Id="Main" Level="1"><ComponentRef Id="Control"/>{reference32}</Feature>
+    <Feature Id="Main" Level="1"><ComponentRef Id="Control"/>{references}</Feature>
   </Product>
 </Wix>
 """
@@ -93,6 +104,9 @@ def build(product, scope, work, target):
         "INSERT INTO `Upgrade` (`UpgradeCode`, `VersionMax`, `Attributes`, `ActionProperty`) VALUES "
         f"('{{{product.upgrade_code(scope)}}}', '{product.version}', {MIGRATE_FEATURES | VERSION_MAX_INCLUSIVE}, "
         "'WIX_UPGRADE_DETECTED')",
+        # The tool does not know conditions of components. A removal has no property, and Wine asks again then. In the package
+        # for one user, this changes nothing.
+        "UPDATE `Component` SET `Condition`='IDENTIFIER = 1 OR REMOVE = \"ALL\"' WHERE `Component`='Identifier'",
         # The entry of "Apps" shows the folder, which is known only during the installation.
         "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
         f"('SetLocation', {SET_PROPERTY}, 'ARPINSTALLLOCATION', '[INSTALLFOLDER]')",
