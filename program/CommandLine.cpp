@@ -124,7 +124,7 @@ std::optional<Options> ReadCommandLine(std::vector<std::string> arguments)
     CLI::App app("Machine inventory: what this machine has, and whether it meets a product's requirements.",
                  "kel");
     app.footer(Footer);
-    app.set_version_flag("--version", "kel " KEL_VERSION_TEXT);
+    app.set_version_flag("--version", "kel " KEL_VERSION_TEXT "\n" KEL_SERVICE_TEXT);
     app.require_subcommand(0, 1);
     app.allow_windows_style_options(false);  // a path may begin with a slash
     AddFacts(app, options);

@@ -22,6 +22,8 @@ scripts/lint.sh
 scripts/test.sh --checked
 scripts/package.sh
 scripts/package_service.sh
-(cd build/package && cat SHA256SUMS)
-(cd build/service-package && sha256sum "kel-server_${version}_amd64.deb")
-echo "To publish: git tag -a v$version -m 'Detection $version' $(git rev-parse HEAD), and these files."
+# One folder holds all that is published, and its sums.
+deb=kel-server_${version}_amd64.deb
+cp "build/service-package/$deb" build/package/
+(cd build/package && sha256sum "$deb" >>SHA256SUMS && sha256sum --check SHA256SUMS && cat SHA256SUMS)
+echo "To publish: git tag -a v$version -m 'Detection $version' $(git rev-parse HEAD), and the files in build/package/."

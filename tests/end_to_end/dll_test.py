@@ -19,8 +19,6 @@ class Dll(unittest.TestCase):
                                            "DllUnregisterServer"])
         imports = {name.lower() for name in re.findall(r"DLL Name: (\S+)", headers)}
         self.assertTrue(imports and imports <= SYSTEM_LIBRARIES, imports)
-        for protection in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"):
-            self.assertIn(protection, headers)
         content = DLL.read_bytes()
         self.assertIn(struct.pack("<2I4H", 0xFEEF04BD, 0x10000, 5, 4, 0, 1), content)  # the version of the file
         self.assertIn("OLESelfRegister".encode("utf-16-le"), content)  # older installers ask before they register
@@ -28,6 +26,16 @@ class Dll(unittest.TestCase):
         self.assertEqual("no symbols" in headers, is_release)
         if is_release:
             self.assertLess(len(content), 1750 * 1024)
+
+    def test_the_binaries_have_the_mitigations_of_the_tool_chain(self):
+        for path in (DLL, DLL.parent / "kel.exe"):
+            headers = subprocess.run(["x86_64-w64-mingw32-objdump", "-ph", path], capture_output=True, check=True, text=True)
+            for protection in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"):
+                self.assertTrue(protection in headers.stdout, f"{path.name}: {protection}")
+            sections = re.findall(r"^ +\d+ (\S+) .*\n +(.*)$", headers.stdout, re.MULTILINE)
+            self.assertIn(".reloc", dict(sections), path.name)  # without it the file always has the same address
+            for name, flags in sections:
+                self.assertFalse("CODE" in flags and "READONLY" not in flags, f"{path.name}: code in {name} can be written")
 
     def test_a_multithreaded_host_creates_it_and_calls_it_by_name(self):
         wine("regsvr32", "/s", windows_path(DLL))

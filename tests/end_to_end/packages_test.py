@@ -1,8 +1,10 @@
 """Packages in a separate Wine prefix: ours are installed, upgraded, repaired and removed, and another vendor's is found."""
 
+import hashlib
+import json
 import os
-import shutil
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -14,17 +16,28 @@ from unittest import mock
 from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
+ACTIVE_SETUP = r"HKLM\Software\Microsoft\Active Setup\Installed Components\{5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2}"
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall"
-OLDER_REFUSED = 1603 & 0xFF  # an exit code has one byte here
+# Exit codes have one byte here.
+FAILED, NEWER_INSTALLED = 1603 & 0xFF, 1638 & 0xFF
+INSTALL_SCRIPT = ROOT / "packaging" / "fleet" / "install.js"
+LINK = re.compile(r"\[[^\]]*\]\(([^)#\s]*)(?:#([^)\s]*))?\)")
 UNATTENDED = ("/qn", "/norestart")
 ARCHIVER = "Value(73226) + control.Value(73227)"  # whether it is installed, and its version
 
 
-def package(output, *arguments, dll=DLL):
-    """Makes the packages, and returns their paths by name."""
-    subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", dll, "--output", output, *arguments],
-                   check=True, capture_output=True)
-    return {path.name: path for path in Path(output).iterdir() if path.is_file()}
+def package(output, *arguments, folder=DLL.parent):
+    """Makes the packages of the DLL and the program in a folder, and returns their paths by name."""
+    subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", folder / "Detection.dll", "--program",
+                    folder / "kel.exe", "--output", output, *arguments], check=True, capture_output=True)
+    return {str(path.relative_to(output)): path for path in Path(output).rglob("*") if path.is_file() and
+            path.parent.name != "work"}
+
+
+def setUpModule():
+    global NOW
+    folder = Path(unittest.enterModuleContext(tempfile.TemporaryDirectory()))
+    NOW = package(folder, "--version", "4.5.1", "--cab")
 
 
 def install(path, *options):
@@ -47,19 +60,21 @@ def exported(text):
 
 
 class Packages(unittest.TestCase):
-    """Has a prefix, and the packages of this version, of this version for another host, and of the next version."""
+    """Has a prefix, and the packages of this version, of this version for another host, and of the next version for that one."""
 
     @classmethod
     def setUpClass(cls):
         make_prefix(cls)
-        cls.now = package(cls.folder / "now", "--version", "4.5.1", "--cab")
-        cls.other_dll = cls.folder / "other.dll"
-        hosts = (name.encode("utf-16-le") for name in ("keldane.example", "another.example"))
-        cls.other_dll.write_bytes(DLL.read_bytes().replace(*hosts))
-        cls.other = package(cls.folder / "other", "--version", "4.5.1", dll=cls.other_dll)
-        cls.next = package(cls.folder / "next", "--version", "4.6.0")
+        cls.other_folder = cls.folder / "for another host"
+        cls.other_folder.mkdir()
+        hosts = [name.encode("utf-16-le") for name in ("analysis.keldane.example", "analysis.another.example")]
+        for name in ("Detection.dll", "kel.exe"):
+            (cls.other_folder / name).write_bytes((DLL.parent / name).read_bytes().replace(*hosts))
+        cls.other = package(cls.folder / "other", "--version", "4.5.1", folder=cls.other_folder)
+        cls.next = package(cls.folder / "next", "--version", "4.6.0", folder=cls.other_folder)
 
-    def setUp(self):
+    def record(self):
+        """Records the registry, which later checks compare with."""
         self.ask("Version")  # the script host registers itself when it first runs
         self.clean = {key: self.registry(key) for key in (CLASSES, USER_CLASSES)}
 
@@ -78,9 +93,15 @@ class Packages(unittest.TestCase):
         return {name: named for name, named in values.items() if "\\classes\\installer" not in name}
 
     def entries(self):
-        """The versions that the system lists as installed."""
-        return [values['"DisplayVersion"'] for root in ("HKLM", "HKCU") for values in self.registry(root + UNINSTALL).values()
-                if values.get('"DisplayName"') == '"Detection"']
+        """What the system lists as installed of this publisher."""
+        return [{name.strip('"'): text.strip('"').replace(r"\\", "\\") for name, text in values.items()}
+                for root in ("HKLM", "HKCU") for values in self.registry(root + UNINSTALL).values()
+                if values.get('"Publisher"') == '"Keldane"']
+
+    def installed(self):
+        """The versions and hosts that it lists, and the version that a script shows."""
+        return ([f"{entry['DisplayVersion']} {entry['Comments'].rpartition(' ')[2]}" for entry in self.entries()],
+                self.ask("Version"))
 
     def dlls(self):
         return [str(path) for path in (self.folder / "prefix").glob("drive_c/**/Detection.dll")]
@@ -96,78 +117,143 @@ class Packages(unittest.TestCase):
         self.assertEqual((self.dlls(), self.entries()), ([], []))
 
     def test_it_installs_repairs_upgrades_and_uninstalls_for_all_and_for_one_user(self):
+        self.record()
         # Wine does not look for a class below the user's own keys.
-        for kind, root, place, version in (("", "HKLM", "/Program Files/Detection/Detection.dll", "4.5.1.0"),
-                                           ("-user", "HKCU", "/Local/Programs/Detection/Detection.dll", "")):
+        for kind, root, place, name, version in (
+                ("", "HKLM", r"C:\Program Files\Detection", "Detection", "4.5.1.0"),
+                ("-user", "HKCU", r"\Local\Programs\Detection", "Detection (user)", "")):
             with self.subTest(root):
-                now, newer = self.now[f"Detection-4.5.1-x64{kind}.msi"], self.next[f"Detection-4.6.0-x64{kind}.msi"]
+                now, newer = NOW[f"Detection-4.5.1-x64{kind}.msi"], self.next[f"Detection-4.6.0-x64{kind}.msi"]
                 for options in ((), ("REINSTALL=ALL", "REINSTALLMODE=amus")):
                     self.assertEqual(install(now, *options), 0)
-                    self.assertEqual((self.entries(), self.ask("Version")), (['"4.5.1"'], version))
+                    self.assertEqual(self.installed(), (["4.5.1 analysis.keldane.example"], version))
                     [dll] = self.dlls()
-                    self.assertTrue(dll.endswith(place))
                     os.unlink(dll)  # what a repair brings back
+                [entry] = self.entries()
+                self.assertTrue(dll.endswith(place[2:].replace("\\", "/") + "/Detection.dll"), dll)
+                self.assertTrue(entry.pop("InstallLocation").endswith(place + "\\"))
+                self.assertGreater(int(entry["Size"]), 3000)  # in KB
+                self.assertLessEqual({"DisplayName": name, "Contact": "Keldane, https://keldane.example/detection",
+                                      "HelpLink": "https://keldane.example/detection/help",
+                                      "URLInfoAbout": "https://keldane.example/detection"}.items(), entry.items())
                 for key, clean in self.clean.items():
                     self.assertEqual(self.registry(key) == clean, not key.startswith(root))
                 # With this key, the control would keep its identifier of the machine.
                 self.assertEqual(self.registry(r"HKCU\Software\Keldane"), {})
                 # A package for another host, then the first one again: each replaces the other.
-                for packages, content in ((self.other, self.other_dll), (self.now, DLL)):
+                for packages, folder, host in ((self.other, self.other_folder, "another"), (NOW, DLL.parent, "keldane")):
                     self.assertEqual(install(packages[now.name]), 0)
                     [dll] = map(Path, self.dlls())
-                    self.assertTrue(dll.read_bytes() == content.read_bytes(), f"{content} is not installed")
-                    self.assertEqual((self.entries(), self.ask("Version")), (['"4.5.1"'], version))
-                self.assertEqual(install(newer), 0)
-                self.assertEqual(install(now), OLDER_REFUSED)
-                self.assertEqual((self.entries(), self.ask("Version")), (['"4.6.0"'], version))
+                    self.assertTrue(dll.read_bytes() == (folder / dll.name).read_bytes(), f"{folder} is not installed")
+                    self.assertEqual(self.installed(), ([f"4.5.1 analysis.{host}.example"], version))
+                self.assertEqual(self.run_install_script(newer), 0)
+                self.assertEqual(install(now), FAILED)
+                self.assertEqual(self.run_install_script(now), NEWER_INSTALLED)
+                self.assertEqual(self.installed(), (["4.6.0 analysis.another.example"], version))
                 self.assertEqual(remove(newer), 0)
                 self.check_clean()
         self.assertEqual(self.registry(r"HKCU\Software\Detection"), {})
 
+    def run_install_script(self, path):
+        return wine(*CSCRIPT, windows_path(INSTALL_SCRIPT), windows_path(path)).code
+
     def test_an_installer_registers_it_as_a_person_does(self):
         registered = exported((Path(__file__).parent / "registered.reg").read_text("ascii"))
-        now = self.now["Detection-4.5.1-x64.msi"]
+        self.record()
+        now = NOW["Detection-4.5.1-x64.msi"]
         self.assertEqual(install(now), 0)
         self.assertEqual(self.added(r"C:\Program Files\Detection"), registered)
         self.assertEqual(remove(now), 0)
         by_hand = shutil.copyfile(DLL, self.folder / "Detection.dll")
         self.assertEqual(wine("regsvr32", "/s", windows_path(by_hand)).code, 0)
         self.assertEqual(self.added(windows_path(self.folder)), registered)
-        self.assertEqual(install(now), 0)  # over an earlier registration
+        self.assertEqual(self.registry(ACTIVE_SETUP), {})
+        self.assertEqual(install(now, "IDENTIFIER=1"), 0)  # over an earlier registration
         self.assertEqual(self.ask("Version"), "4.5.1.0")
+        self.assertEqual([values.get('"StubPath"') for values in self.registry(ACTIVE_SETUP).values()],
+                         [r'"reg add HKCU\\Software\\Keldane /f"'])
         self.assertEqual(remove(now), 0)
+        self.assertEqual(self.registry(ACTIVE_SETUP), {})
         self.check_clean()
 
     def test_a_program_uses_it_without_registration(self):
         """The DLL is beside the program, with the archive's manifest; without the program's own manifest there is no class."""
-        with zipfile.ZipFile(self.now["Detection-4.5.1-x64.zip"]) as zipped:
+        with zipfile.ZipFile(NOW["Detection-4.5.1-x64.zip"]) as zipped:
             zipped.extractall(self.folder / "program")
         for name, expected in (("private_program", "00000000 visitor\n"), ("plain_program", "80040154 \n")):
             program = shutil.copy(PROGRAMS / f"{name}.exe", self.folder / "program")
             self.assertEqual(wine(program).output, expected)
 
-    def test_packages_are_the_same_each_time_and_hold_what_they_say(self):
-        again = package(self.folder / "again", "--version", "4.5.1", "--cab")
-        self.assertEqual({name: path.read_bytes() for name, path in self.now.items()},
-                         {name: path.read_bytes() for name, path in again.items()})
-        folder = self.enterContext(tempfile.TemporaryDirectory())
-        with zipfile.ZipFile(again["Detection-4.5.1-x64.zip"]) as zipped:
-            zipped.extractall(folder)
-        subprocess.run(["sha256sum", "--quiet", "--check", "SHA256SUMS"], cwd=folder, check=True)
-        self.assertLessEqual({"Detection.dll", "kel.exe", "Detection.manifest", "Detection.cdx.json", "examples", "licences"},
-                             set(os.listdir(folder)))
-        self.assertEqual(len(os.listdir(Path(folder) / "licences")), 5)
+    def test_a_product_is_found_by_its_upgrade_code_and_its_file(self):
+        product = self.folder / "product.msi"
+        subprocess.run(["wixl", "-a", "x64", "-o", product, Path(__file__).parent / "product.wxs"], cwd=PROGRAMS, check=True)
+        wine("regsvr32", "/s", windows_path(DLL))
+        self.addCleanup(wine, "regsvr32", "/s", "/u", windows_path(DLL))
+        self.assertEqual(self.ask(ARCHIVER), "No")
+        self.assertEqual(install(product), 0)
+        self.assertEqual(self.ask(ARCHIVER), "Yes24.8.1")  # the installer's books
+        self.assertEqual(remove(product), 0)
+        self.assertEqual(self.ask(ARCHIVER), "No")
+        self.assertEqual(install(product, r"ARPINSTALLLOCATION=C:\Program Files\Archiver"), 0)
+        self.assertEqual(self.ask(ARCHIVER), "Yes4.3.2.1")  # the file that they lead to
+        [program] = (self.folder / "prefix").glob("drive_c/**/7zFM.exe")
+        program.unlink()
+        self.assertEqual(self.ask(ARCHIVER), "No")
+        self.assertEqual(remove(product), 0)
 
-    @unittest.skipUnless((ROOT / ".git").exists(), "not a working copy")
-    def test_an_archive_has_tracked_files_only(self):
-        note = ROOT / "examples" / "a note.txt"
-        self.addCleanup(note.unlink)
-        note.write_text("untracked")
-        packages = package(self.folder / "tracked", "--version", "4.5.1")
-        with zipfile.ZipFile(packages["Detection-4.5.1-x64.zip"]) as zipped:
-            names = {name for name in zipped.namelist() if name.startswith("examples/")}
-        tracked = subprocess.run(["git", "ls-files", "-z", "examples"], cwd=ROOT, check=True, capture_output=True, text=True)
-        self.assertEqual(names, set(tracked.stdout.split("\0")[:-1]))
+
+class Files(unittest.TestCase):
+    """What the packages hold."""
+
+    def setUp(self):
+        self.folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+
+    def extract(self, archive):
+        with zipfile.ZipFile(archive) as zipped:
+            zipped.extractall(self.folder / "archive")
+        return self.folder / "archive"
+
+    def test_packages_are_the_same_each_time_and_ignore_untracked_files(self):
+        if (ROOT / ".git").exists():
+            note = ROOT / "examples" / "a note.txt"
+            self.addCleanup(note.unlink)
+            note.write_text("untracked")
+        again = package(self.folder / "again", "--version", "4.5.1", "--cab")
+        self.assertEqual({name: path.read_bytes() for name, path in NOW.items()},
+                         {name: path.read_bytes() for name, path in again.items()})
+
+    def test_the_archive_is_whole(self):
+        folder = self.extract(NOW["Detection-4.5.1-x64.zip"])
+        subprocess.run(["sha256sum", "--quiet", "--check", "SHA256SUMS"], cwd=folder, check=True)
+        self.assertLessEqual({"Detection.dll", "kel.exe", "Detection.manifest", "Detection.cdx.json", "fleet", "examples"},
+                             set(os.listdir(folder)))
+        notices = (folder / "licences.txt").read_text("utf-8")
+        for needed in ("Runtime Library Exception", "the mingw-w64 project", "Boost Software License", "Niels Lohmann",
+                       "University of Cincinnati"):
+            self.assertIn(needed, notices)
+        self.assertLess(len(notices), 20_000)
+        self.assertTrue((folder / "docs" / "security.md").exists())
+        for page in folder.rglob("*.md"):
+            for target, anchor in LINK.findall(page.read_text("utf-8")):
+                if ":" not in target:
+                    file = page.parent / target if target else page
+                    self.assertTrue(file.exists(), f"{page}: {target}")
+                    headings = re.findall(r"^#+ (.*)", file.read_text("utf-8"), re.MULTILINE) if anchor else []
+                    anchors = {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
+                    self.assertLessEqual({anchor} - {""}, anchors, f"{page}: {target}#{anchor}")
+
+    def test_installers_never_restart_the_machine_and_have_the_published_codes(self):
+        codes = json.loads((self.extract(NOW["Detection-4.5.1-x64.zip"]) / "fleet" / "codes.json").read_text())
+        manifest = NOW["winget/Keldane.Detection.installer.yaml"].read_text()
+        for package_codes in codes["packages"]:
+            path = NOW[package_codes["package"]]
+            table = subprocess.run(["msiinfo", "export", path, "Property"], check=True, capture_output=True, text=True).stdout
+            properties = dict(line.split("\t") for line in table.splitlines())
+            self.assertEqual((package_codes["productCode"], package_codes["upgradeCode"]),
+                             (properties["ProductCode"], properties["UpgradeCode"]))
+            self.assertEqual(properties["REBOOT"], "ReallySuppress")
+            self.assertIn(f"ProductCode: '{properties['ProductCode']}'", manifest)
+            self.assertIn(f"InstallerSha256: {hashlib.sha256(path.read_bytes()).hexdigest().upper()}\n", manifest)
 
     def test_no_documented_command_restarts_the_machine(self):
         for page in (ROOT / "docs").glob("*.md"):
@@ -187,8 +273,9 @@ class Packages(unittest.TestCase):
         sums = run("sha256sum", "--check", "SHA256SUMS", cwd=self.folder / "signed")
         signed.pop("SHA256SUMS")
         self.assertEqual(sorted(sums.stdout.splitlines()), sorted(f"{name}: OK" for name in signed))
-        with zipfile.ZipFile(signed.pop("Detection-4.5.1-x64.zip")) as zipped:
-            signed["Detection.dll"] = Path(zipped.extract("Detection.dll", self.folder))
+        archive = self.extract(signed["Detection-4.5.1-x64.zip"])
+        signed = {name: path for name, path in signed.items() if path.suffix in (".msi", ".cab")}
+        signed |= {name: archive / name for name in ("Detection.dll", "kel.exe")}
         run("msiextract", "-C", self.folder / "extracted", signed["Detection-4.5.1-x64.msi"])
         [signed["the installer's DLL"]] = (self.folder / "extracted").rglob("Detection.dll")
         verify = ("osslsigncode", "verify", "-CAfile", certificate, "-in")
@@ -199,20 +286,3 @@ class Packages(unittest.TestCase):
                 content[len(content) // 2] ^= 1
                 path.write_bytes(content)
                 self.assertEqual(run(*verify, path).returncode, 1)
-
-    def test_a_product_is_found_by_its_upgrade_code_and_its_file(self):
-        product = self.folder / "product.msi"
-        subprocess.run(["wixl", "-a", "x64", "-o", product, Path(__file__).parent / "product.wxs"], cwd=PROGRAMS, check=True)
-        wine("regsvr32", "/s", windows_path(DLL))
-        self.addCleanup(wine, "regsvr32", "/s", "/u", windows_path(DLL))
-        self.assertEqual(self.ask(ARCHIVER), "No")
-        self.assertEqual(install(product), 0)
-        self.assertEqual(self.ask(ARCHIVER), "Yes24.8.1")  # the installer's books
-        self.assertEqual(remove(product), 0)
-        self.assertEqual(self.ask(ARCHIVER), "No")
-        self.assertEqual(install(product, r"ARPINSTALLLOCATION=C:\Program Files\Archiver"), 0)
-        self.assertEqual(self.ask(ARCHIVER), "Yes4.3.2.1")  # the file that they lead to
-        [program] = (self.folder / "prefix").glob("drive_c/**/7zFM.exe")
-        program.unlink()
-        self.assertEqual(self.ask(ARCHIVER), "No")
-        self.assertEqual(remove(product), 0)

@@ -188,7 +188,7 @@ class Program(Client, ControlTest):
                 (("facts", "nothing"), 3, "Areas: session, processor"),
                 (("nothing",), 3, "kel --help"),
                 (("--help",), 0, "Exit codes"),
-                (("--version",), 0, "kel 4.5.1.0")):
+                (("--version",), 0, "kel 4.5.1.0\nService: analysis.keldane.example")):
             with self.subTest(arguments):
                 self.require("demo", PLAIN)
                 code, output, error = self.kel(*arguments)

@@ -14,13 +14,15 @@ from zipfile import ZIP_DEFLATED, ZipFile, ZipInfo
 
 import assembly
 import bill
+import documents
+import fleet
 import installer
 import registration
+from product import read_product
 from stamp import EPOCH, faked
 
 ROOT = registration.ROOT
-DOCUMENTS = ("README.md", "CHANGELOG.md", "docs/program.md",
-             "docs/integration.md", "docs/deployment.md", "docs/scripting.md", "docs/value-ids.md")
+SITE = "https://keldane.example/detection"
 CABINET_INF = """[version]
 signature="$CHICAGO$"
 AdvancedINF=2.0
@@ -49,31 +51,21 @@ def sign(*paths):
     subprocess.run([ROOT / "scripts" / "sign.sh", *paths], check=True)
 
 
-def archived_sources():
-    """The documents and examples. From a working copy only tracked files, as others may be private notes."""
-    if (ROOT / ".git").exists():
-        listed = subprocess.run(["git", "ls-files", "-z", "--error-unmatch", "examples", *DOCUMENTS], cwd=ROOT, check=True,
-                                stdout=subprocess.PIPE, text=True).stdout
-        return listed.rstrip("\0").split("\0")
-    examples = (ROOT / "examples").rglob("*")
-    return [*DOCUMENTS, *(str(path.relative_to(ROOT)) for path in examples if path.is_file())]
-
-
 def headers(folder):
     """What a program in C or C++ is compiled with, without the path of the folder that it was generated in."""
     texts = {name: (folder / name).read_bytes() for name in ("Detection.h", "Detection_i.c")}
     return {f"include/{name}": text[text.index(b"\n") + 1:].lstrip() for name, text in texts.items()}
 
 
-def archive(version, dll, program, interface, target):
-    """The archive: the DLL, the program, the headers, the manifest, the documents and examples, the licences of linked
-    libraries, and the SBOM."""
+def archive(product, dll, program, interface, target):
+    """The archive: the DLL, the program, the headers, the manifest, the documents and examples, what fleet tools need, the
+    notices of linked libraries, and the SBOM."""
     content = dll.read_bytes()
     files = {"Detection.dll": content, "kel.exe": program.read_bytes(),
-             "Detection.manifest": assembly.manifest(version).encode(),
-             "Detection.cdx.json": bill.bill(version, digest(content)).encode(), **bill.licences(),
-             **headers(interface)}
-    files |= {name: (ROOT / name).read_bytes() for name in archived_sources()}
+             "Detection.manifest": assembly.manifest(product.version).encode(),
+             "Detection.cdx.json": bill.bill(product.version, digest(content)).encode(),
+             "licences.txt": bill.notices().encode(), **headers(interface), **documents.documents(),
+             **fleet.scripts(product)}
     files["SHA256SUMS"] = "".join(f"{digest(files[name])}  {name}\n" for name in sorted(files)).encode()
     date = datetime.datetime.fromtimestamp(EPOCH, datetime.timezone.utc).timetuple()[:6]
     with ZipFile(target, "w", ZIP_DEFLATED) as zipped:
@@ -99,6 +91,7 @@ def main():
     parser.add_argument("--headers", type=Path, default=ROOT / "build" / "release" / "control")
     parser.add_argument("--output", type=lambda text: Path(text).resolve(), default=ROOT / "build" / "package")
     parser.add_argument("--version", default=built_version(), help="three numbers; the DLL's otherwise")
+    parser.add_argument("--site", default=SITE, help="address of the publisher's pages, which the installers link to")
     parser.add_argument("--cab", action="store_true", help="make the cabinet, too")
     arguments = parser.parse_args()
     version, output = arguments.version, arguments.output
@@ -114,16 +107,22 @@ def main():
     shutil.copyfile(ROOT / "packaging" / "Detection.ico", icon)
     for path in (dll, program, icon):
         os.utime(path, (EPOCH, EPOCH))
-    base = output / f"Detection-{version}-x64"
-    made = [Path(f"{base}.msi"), Path(f"{base}-user.msi"), Path(f"{base}.zip")]
-    installer.build("machine", version, work, made[0])
-    installer.build("user", version, work, made[1])
-    archive(version, dll, program, arguments.headers, made[2])
+    product = read_product(dll, version, arguments.site)
+    if read_product(program, version, arguments.site) != product:
+        sys.exit(f"{arguments.program} and {arguments.dll} are for different services or from different publishers.")
+    made = []
+    for scope in ("machine", "user"):
+        made.append(output / product.package_name(scope))
+        installer.build(product, scope, work, made[-1])
     if arguments.cab:
-        made.append(Path(f"{base}.cab"))
+        made.append(output / f"Detection-{version}-x64.cab")
         cabinet(version, dll, work, made[-1])
-    sign(*(path for path in made if path.suffix != ".zip"))
-    (output / "SHA256SUMS").write_text("".join(f"{digest(path.read_bytes())}  {path.name}\n" for path in made))
+    sign(*made)
+    made.append(output / f"Detection-{version}-x64.zip")
+    archive(product, dll, program, arguments.headers, made[-1])
+    made += fleet.winget(product, output)
+    # Last of all, from the signed files.
+    (output / "SHA256SUMS").write_text("".join(f"{digest(path.read_bytes())}  {path.relative_to(output)}\n" for path in made))
     for path in made:
         print(f"{path.stat().st_size:9,d} bytes  {path}")
 
