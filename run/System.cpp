@@ -103,6 +103,16 @@ void System::Detect()
     Log::Instance().flush();
 }
 
+std::wstring System::FetchWantedGroups()
+{
+    if (wanted.IsFetchedFor(referrerID))
+        return {};
+    GroupListRequest request;
+    request.Call();
+    wanted.Assign(request.GetResult(), referrerID);
+    return request.GetResult();
+}
+
 void System::DetectLocally(std::vector<unsigned> groups)
 {
     const LogScope trace(L"kel::System::DetectLocally");
@@ -139,15 +149,6 @@ void System::StoreIdentifiers()
     values.AddValue(SessionGroup, sessionID);
     values.AddValue(ReferrerGroup, referrerID);
     values.AddValue(UserGroup, userID);
-}
-
-void System::FetchWantedGroups()
-{
-    if (wanted.IsFetchedFor(referrerID))
-        return;
-    GroupListRequest request;
-    request.Call();
-    wanted.Assign(request.GetResult(), referrerID);
 }
 
 void System::UploadReport()
