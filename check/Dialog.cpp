@@ -67,17 +67,13 @@ void Dialog::AddBar(int end, std::function<std::optional<Step>()> nextStep)
     config.dwFlags |= TDF_CALLBACK_TIMER | (end > 0 ? TDF_SHOW_PROGRESS_BAR : TDF_SHOW_MARQUEE_PROGRESS_BAR);
 }
 
-std::optional<int> Dialog::Show(HWND owner)
+void Dialog::Show(HWND owner)
 {
     config.hwndParent = owner != nullptr ? owner : MainWindow::Handle();
     config.pButtons = buttons.data();
     config.cButtons = static_cast<UINT>(buttons.size());
-    int pressed = 0;
-    if (FAILED(TaskDialogIndirect(&config, &pressed, nullptr, nullptr)))
+    if (FAILED(TaskDialogIndirect(&config, nullptr, nullptr, nullptr)))
         throw std::runtime_error("A window cannot be shown.");
-    if (isDone)
-        return std::nullopt;
-    return pressed;
 }
 
 HRESULT CALLBACK Dialog::Notify(HWND window, UINT notification, WPARAM parameter, LPARAM, LONG_PTR context)
@@ -138,6 +134,8 @@ void Dialog::OnTimer(HWND window)
 
 HRESULT Dialog::OnButton(HWND window, int id)
 {
+    if (id == IDCANCEL && cancel && !isDone)
+        cancel();
     for (std::size_t place = 0; place < buttons.size(); ++place) {
         if (buttons[place].nButtonID != id || !actions[place])
             continue;

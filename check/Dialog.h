@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "check/text/Page.h"
@@ -32,9 +33,16 @@ public:
     /// page
     void AddButton(int id, const wchar_t* label, std::function<void(HWND)> action = {});
 
-    /// Adds the system's buttons "Cancel" or "Close", which also stand for the Escape key and the window's
-    /// cross.
-    void AddCommonButton(TASKDIALOG_COMMON_BUTTON_FLAGS button) { config.dwCommonButtons |= button; }
+    /// Adds the system's button "Cancel", which also stands for the Escape key and the window's cross.
+    /// @param action called at once, while the page stands: closing a window can take a while
+    void AddCancelButton(std::function<void()> action)
+    {
+        config.dwCommonButtons |= TDCBF_CANCEL_BUTTON;
+        cancel = std::move(action);
+    }
+
+    /// Adds the system's button "Close", which stands for the same.
+    void AddCloseButton() { config.dwCommonButtons |= TDCBF_CLOSE_BUTTON; }
 
     /// Names the button that the Enter key presses, instead of the first one.
     void SetDefaultButton(int id) { config.nDefaultButton = id; }
@@ -47,9 +55,8 @@ public:
 
     /// Shows the page until it closes.
     /// @param owner the window that the page belongs to; null for the program's own
-    /// @return the id of the button that closed it, nothing when it closed by itself
     /// @throws std::runtime_error when the system cannot show it
-    std::optional<int> Show(HWND owner = nullptr);
+    void Show(HWND owner = nullptr);
 
 private:
     static HRESULT CALLBACK Notify(HWND window, UINT notification, WPARAM parameter, LPARAM,
@@ -64,6 +71,7 @@ private:
     std::vector<std::function<void(HWND)>> actions;  // of the buttons
     int barEnd = 0;
     std::function<std::optional<Step>()> watch;
+    std::function<void()> cancel;
     bool isDone = false;
     TASKDIALOGCONFIG config = {};
 };

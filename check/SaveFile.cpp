@@ -47,7 +47,7 @@ void SaveFile(HWND owner, const FileKind& kind, const std::string& name, const s
         program::WriteFile(*path, bytes);
     } catch (const program::UserError& error) {
         Dialog dialog(NotSavedPage(error.what()));
-        dialog.AddCommonButton(TDCBF_CLOSE_BUTTON);
+        dialog.AddCloseButton();
         dialog.Show(owner);
     }
 }

@@ -37,40 +37,50 @@ std::string Service()
     return ToUtf8(ServiceHost());
 }
 
+/// Ends the process without a wait for its other threads or for a window to close: no exchange goes on, and
+/// neither a driver nor an answer holds the program up.
+void End(ExitCode code)
+{
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
+}
+
+void Cancel()
+{
+    End(Cancelled);
+}
+
 ExitCode ShowProblem(const Page& page)
 {
     Dialog dialog(page);
-    dialog.AddCommonButton(TDCBF_CLOSE_BUTTON);
+    dialog.AddCloseButton();
     dialog.Show();
     return Problem;
 }
 
-/// Shows a page with a bar until the work has a result; nothing when the user cancels.
+/// Shows a page with a bar until the work has a result.
 template <typename Result>
-std::optional<Result> WaitFor(std::future<Result> result, const Page& page, int end,
-                              const std::function<Step()>& step)
+Result WaitFor(std::future<Result> result, const Page& page, int end, const std::function<Step()>& step)
 {
     Dialog dialog(page);
-    dialog.AddCommonButton(TDCBF_CANCEL_BUTTON);
+    dialog.AddCancelButton(&Cancel);
     dialog.AddBar(end, [&]() -> std::optional<Step> {
         if (IsReady(result))
             return std::nullopt;
         return step();
     });
-    if (dialog.Show())
-        return std::nullopt;
+    dialog.Show();
     return result.get();
 }
 
-std::optional<ServiceAnswer> AskForWantedValues(const CheckName& name)
+ServiceAnswer AskForWantedValues(const CheckName& name)
 {
     program::BeginCheck(name.product, name.session);
     const Page page = WaitingPage(Service());
     return WaitFor(StartWork(&program::FetchWantedGroups), page, 0, [&] { return Step{page.content}; });
 }
 
-/// Shows what will be read and sent. @return whether the user agrees
-bool AskForConsent(const CheckName& name)
+/// Shows what will be read and sent, until the user agrees.
+void AskForConsent(const CheckName& name)
 {
     const std::vector<int> values = program::ListReportedValues();
     Dialog dialog(ConsentPage(name, Service(), values));
@@ -79,11 +89,11 @@ bool AskForConsent(const CheckName& name)
         dialog.AddButton(ListButton, L"&All values\u2026", [&](HWND window) {
             SaveFile(window, PlainText, name.product + " values", ListValues(values, values.size()) + "\n");
         });
-    dialog.AddCommonButton(TDCBF_CANCEL_BUTTON);
-    return dialog.Show() == CheckButton;
+    dialog.AddCancelButton(&Cancel);
+    dialog.Show();
 }
 
-std::optional<VerdictAnswer> CheckMachine()
+VerdictAnswer CheckMachine()
 {
     static std::atomic<const char*> detector = nullptr;
     static std::atomic<int> started = 0;
@@ -106,7 +116,7 @@ ExitCode ShowVerdict(const CheckName& name, const Verdict& verdict)
     Dialog dialog(VerdictPage(verdict));
     dialog.AddButton(SaveButton, L"&Save\u2026",
                      [&](HWND window) { SaveFile(window, WebPage, name.product, RenderPage(verdict)); });
-    dialog.AddCommonButton(TDCBF_CLOSE_BUTTON);
+    dialog.AddCloseButton();
     dialog.SetDefaultButton(IDCLOSE);
     dialog.Show();
     return verdict.total == Result::Pass ? Passed : verdict.total == Result::Fail ? Failed : Unknown;
@@ -114,19 +124,14 @@ ExitCode ShowVerdict(const CheckName& name, const Verdict& verdict)
 
 ExitCode Check(const CheckName& name)
 {
-    const std::optional<ServiceAnswer> wanted = AskForWantedValues(name);
-    if (!wanted)
-        return Cancelled;
-    if (!IsGroupList(*wanted))
-        return ShowProblem(RefusedPage(*wanted, name, Service()));
-    if (!AskForConsent(name))
-        return Cancelled;
-    const std::optional<VerdictAnswer> answer = CheckMachine();
-    if (!answer)
-        return Cancelled;
-    if (!answer->verdict)
-        return ShowProblem(RefusedPage(*answer, name, Service()));
-    return ShowVerdict(name, *answer->verdict);
+    const ServiceAnswer wanted = AskForWantedValues(name);
+    if (!IsGroupList(wanted))
+        return ShowProblem(RefusedPage(wanted, name, Service()));
+    AskForConsent(name);
+    const VerdictAnswer answer = CheckMachine();
+    if (!answer.verdict)
+        return ShowProblem(RefusedPage(answer, name, Service()));
+    return ShowVerdict(name, *answer.verdict);
 }
 
 /// The name of the program's file, without its folder.
@@ -160,14 +165,12 @@ ExitCode Run()
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int)
 {
-    int code = Problem;
+    ExitCode code = Problem;
     try {
         code = Run();
     } catch (...) {
         // Nothing can be shown.
     }
-    // Ends at once, without a wait for other threads: no exchange goes on after a cancelled check, and
-    // neither a driver nor an answer holds the program up.
-    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
+    End(code);
     return code;
 }
