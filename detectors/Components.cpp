@@ -95,6 +95,8 @@ void Components::DetectAll()
                 listener(Rows[place].name);
             detectors[place]->Detect();
         }
+        if (listener)
+            listener(nullptr);
     });
 }
 

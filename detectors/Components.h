@@ -21,7 +21,8 @@ public:
     /// Builds the list and runs every detector, one after the other; once per process.
     void DetectAll();
 
-    /// What is called with the class of each detector before it runs. The control has no such function.
+    /// What is called with the class of each detector before it runs, and with null when all have run. The
+    /// control has no such function.
     using Listener = std::function<void(const char* detector)>;
     static void SetListener(Listener newListener) { listener = std::move(newListener); }
 

@@ -103,6 +103,19 @@ void System::Detect()
     Log::Instance().flush();
 }
 
+std::wstring System::FetchWantedGroups()
+{
+    const std::int64_t now = std::time(nullptr);
+    if (!wanted.IsDue(referrerID, now))
+        return {};
+    GroupListRequest request;
+    request.Call();
+    wanted.Assign(request.GetResult(), referrerID, request.IsAnswered());
+    if (request.HasBegun())
+        wanted.MarkSent(now);
+    return request.GetResult();
+}
+
 void System::DetectLocally(std::vector<unsigned> groups)
 {
     const LogScope trace(L"kel::System::DetectLocally");
@@ -142,18 +155,6 @@ void System::StoreIdentifiers()
     values.AddValue(SessionGroup, sessionID);
     values.AddValue(ReferrerGroup, referrerID);
     values.AddValue(UserGroup, userID);
-}
-
-void System::FetchWantedGroups()
-{
-    const std::int64_t now = std::time(nullptr);
-    if (!wanted.IsDue(referrerID, now))
-        return;
-    GroupListRequest request;
-    request.Call();
-    wanted.Assign(request.GetResult(), referrerID, request.IsAnswered());
-    if (request.HasBegun())
-        wanted.MarkSent(now);
 }
 
 void System::UploadReport()

@@ -36,6 +36,11 @@ public:
     /// @throws any exception of a step; the control's members catch it
     void Detect();
 
+    /// Asks the service which groups it wants for the referrer, unless that was done: the first step of
+    /// Detect.
+    /// @return the answer, whatever it is; empty without one, and when the groups are known
+    std::wstring FetchWantedGroups();
+
     /// Examines the machine (once per process) without any exchange with the service: these groups count as
     /// wanted, no identifier is stored and nothing is uploaded.
     void DetectLocally(std::vector<unsigned> groups);
@@ -61,7 +66,6 @@ public:
 
 private:
     void StoreIdentifiers();
-    void FetchWantedGroups();
     void UploadReport();
 
     std::wstring sessionID;

@@ -4,18 +4,16 @@
 
 #include <array>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <string_view>
 #include <utility>
 
 #include "BuildSettings.h"
 #include "program/machine/Progress.h"
+#include "program/machine/ServiceCheck.h"
 #include "program/text/Characters.h"
 #include "program/text/UserError.h"
 #include "run/System.h"
-#include "service/AnalysisRequest.h"
-#include "service/CallBudget.h"
 #include "service/ServiceHost.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
@@ -26,7 +24,7 @@ namespace kel::program {
 
 namespace {
 
-constexpr int ReleaseId = 73401, WindowsVersionId = 73400, HostProgramId = 73003, ExchangeStateId = 73390;
+constexpr int ReleaseId = 73401, WindowsVersionId = 73400, HostProgramId = 73003;
 constexpr std::string_view NetworkArea = "network";
 constexpr std::string_view SessionArea = "session";  // what a page sets, which this program does not
 constexpr std::size_t MaxEcho = 100;                 // bytes of an answer that an error repeats
@@ -102,28 +100,21 @@ Snapshot ReadMachine(std::vector<unsigned> groups)
 
 Snapshot CheckByService(const std::string& product)
 {
-    const CallBudget budget;  // of all exchanges together, as of a member of the control
-    System& system = System::Instance();
-    system.SetReferrerID(FromUtf8(product));
+    BeginCheck(product);
+    VerdictAnswer answer;
     {
         const Progress progress;
-        system.Detect();
+        answer = FetchVerdict();
     }
-    AnalysisRequest request;
-    request.SetItemID(L"requirements");
-    request.SetMessageFormat(L"json");
-    request.SetFormatVersion(L"1.0");
-    request.Call();
-    const std::string answer = ToUtf8(request.GetResult());
     Snapshot snapshot = TakeSnapshot();
     snapshot.product = product;
-    snapshot.verdict = ReadVerdict(nlohmann::json::parse(answer, nullptr, false));
+    snapshot.verdict = std::move(answer.verdict);
     if (!snapshot.verdict)
         throw UserError("The service at " + ToUtf8(ServiceHost()) + " gave no verdict for \"" + product +
-                        "\": " + snapshot.Text(ExchangeStateId) +
-                        (answer.empty()
+                        "\": " + answer.state +
+                        (answer.text.empty()
                              ? ". Check the product, the connection and the proxy, or use --requirements."
-                             : ": \"" + Printable(Shortened(answer, MaxEcho)) + "\"."));
+                             : ": \"" + Printable(Shortened(answer.text, MaxEcho)) + "\"."));
     return snapshot;
 }
 

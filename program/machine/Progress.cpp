@@ -13,13 +13,6 @@ namespace {
 
 constexpr std::size_t LineLength = 39;  // of the longest line, and one more
 
-std::string AreaOf(const std::string& detector)
-{
-    const auto found = std::ranges::find_if(
-        CatalogueValues, [&](const CatalogueValue& value) { return value.Detector() == detector; });
-    return found != CatalogueValues.end() ? found->Area() : detector;
-}
-
 void Show(const std::string& text)
 {
     Output::Error().Write("\r" + text + std::string(LineLength - std::min(text.size(), LineLength), ' ') +
@@ -28,10 +21,19 @@ void Show(const std::string& text)
 
 }  // namespace
 
+std::string AreaOfDetector(const std::string& detector)
+{
+    const auto found = std::ranges::find_if(
+        CatalogueValues, [&](const CatalogueValue& value) { return value.Detector() == detector; });
+    return found != CatalogueValues.end() ? found->Area() : detector;
+}
+
 Progress::Progress()
 {
     if (Output::Error().IsConsole())
-        Components::SetListener([](const char* detector) { Show("Reading: " + AreaOf(detector) + " …"); });
+        Components::SetListener([](const char* detector) {
+            Show(detector != nullptr ? "Reading: " + AreaOfDetector(detector) + " …" : "");
+        });
 }
 
 Progress::~Progress()

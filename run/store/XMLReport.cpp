@@ -1,8 +1,5 @@
 #include "run/store/XMLReport.h"
 
-#include <algorithm>
-#include <array>
-
 #include "diag/Log.h"
 #include "diag/LogScope.h"
 #include "run/store/FixedGroups.h"
@@ -13,14 +10,11 @@ namespace kel {
 
 namespace {
 
-constexpr std::array<unsigned, 3> AlwaysWritten = {MachineIdentifierGroup, Server2008Group,
-                                                   Server2008R2Group};
-
 bool IsWritten(const GroupID& group)
 {
     if (group.Number() == ExchangeStateGroup)
         return false;
-    return Session::Current().IsWanted(group) || std::ranges::count(AlwaysWritten, group.Number()) != 0;
+    return Session::Current().IsWanted(group) || IsInEveryReport(group.Number());
 }
 
 void AppendGroup(std::wstring& report, const SystemValue& value)

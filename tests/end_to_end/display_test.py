@@ -1,12 +1,9 @@
 """The graphics facts under a virtual display, as an X server and its software adapter give them."""
 
-import os
 import shutil
-import subprocess
 import unittest
-from unittest import mock
 
-from harness import ControlTest, make_prefix
+from harness import ControlTest, make_prefix, show_display
 
 EXPECTED = {72000: "Yes", 72001: "1", 72002: r"\w.*", 72004: r"[\d.]+ [GMT]B", 72008: r"1\d\.\d", 72200: "Yes",
             72202: r"12\.0", 72203: r"1\d\.\d", 72204: r"[456]\.\d", 72400: "Yes", 72401: "1", 72402: "1920x1080",
@@ -17,13 +14,7 @@ EXPECTED = {72000: "Yes", 72001: "1", 72002: r"\w.*", 72004: r"[\d.]+ [GMT]B", 7
 class Display(ControlTest):
     @classmethod
     def setUpClass(cls):
-        # A Wine server keeps the display that it saw first, so this test has a separate server.
-        server = cls.enterClassContext(subprocess.Popen(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
-            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL))
-        cls.addClassCleanup(server.terminate)
-        display = f":{server.stdout.readline().decode().strip()}"
-        cls.enterClassContext(mock.patch.dict(os.environ, {"DISPLAY": display}))
+        show_display(cls)
         make_prefix(cls)
         super().setUpClass()
 

@@ -82,6 +82,16 @@ def make_prefix(case):
     wine("wineboot", "-i")
 
 
+def show_display(case):
+    """Gives a class of tests a virtual display. A Wine server keeps the display that it saw first, so make_prefix follows."""
+    server = case.enterClassContext(subprocess.Popen(
+        ["Xvfb", "-displayfd", "1", "-screen", "0", "1920x1080x24", "-nolisten", "tcp"],
+        stdout=subprocess.PIPE, stderr=subprocess.DEVNULL))
+    case.addClassCleanup(server.terminate)
+    display = f":{server.stdout.readline().decode().strip()}"
+    case.enterClassContext(mock.patch.dict(os.environ, {"DISPLAY": display}))
+
+
 def write_requirements(folder, referrer, requirements):
     """Writes a referrer's requirements, each as an id, a label, a comparison, a needed text and an advice, or as a line."""
     names = ("id", "label", "comparison", "needed", "advice")

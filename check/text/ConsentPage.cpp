@@ -1,0 +1,116 @@
+#include "check/text/ConsentPage.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "BuildSettings.h"
+#include "program/machine/Machine.h"
+#include "service/Utf8.h"
+#include "verdict/Catalogue.h"
+
+namespace kel::check {
+
+namespace {
+
+using Areas = std::vector<std::pair<std::string, std::vector<std::string>>>;
+
+constexpr std::string_view PageArea = "session";  // what a page sets, and what identifies the check
+constexpr std::size_t MaxNames = 60;              // of values, which a page shows completely
+constexpr std::size_t MaxNamesOfArea = 5;         // when there are more
+
+/// The names by area, both in the order of the catalogue.
+Areas GroupByArea(const std::vector<int>& values)
+{
+    Areas areas;
+    for (const CatalogueValue& value : CatalogueValues) {
+        if (std::ranges::count(values, value.id) == 0 || value.Source() == NoSource ||
+            value.Area() == PageArea)
+            continue;
+        auto area = std::ranges::find(areas, value.Area(), &Areas::value_type::first);
+        if (area == areas.end())
+            area = areas.insert(areas.end(), {value.Area(), {}});
+        if (std::ranges::count(area->second, value.Name()) == 0)
+            area->second.emplace_back(value.Name());
+    }
+    return areas;
+}
+
+std::size_t CountNames(const Areas& areas)
+{
+    std::size_t count = 0;
+    for (const auto& [area, names] : areas)
+        count += names.size();
+    return count;
+}
+
+std::string Capitalised(std::string text)
+{
+    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z')
+        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+    return text;
+}
+
+std::string DescribeTransfer(const CheckName& name, const std::string& service,
+                             const std::vector<int>& values)
+{
+    std::string text =
+        "The program examines the hardware, Windows and the installed programs. It sends to " + service +
+        ", without encryption:\n• the values that are listed above\n• the product: " + name.product +
+        "\n• the identifier of this check, which the page has made: " + name.session +
+        "\nAs any server, it sees this computer's internet address. Its answer is the verdict, which the "
+        "page "
+        "can show, too.\nNo file, document or password is sent, and nothing is installed.";
+    if (std::ranges::count(values, program::BandwidthGroup) > 0)
+        text += "\nTo measure the connection, a file of 1 MB is downloaded from " + ToUtf8(KEL_CONTENT_HOST) +
+                ".";
+    return text;
+}
+
+}  // namespace
+
+Page WaitingPage(const std::string& service)
+{
+    return {"Asking which values the check needs",
+            "Nothing of this computer has been read. Waiting for " + service + " …"};
+}
+
+std::string ListValues(const std::vector<int>& values, std::size_t maxNames)
+{
+    std::string text;
+    for (const auto& [area, names] : GroupByArea(values)) {
+        text += (text.empty() ? "" : "\n") + Capitalised(area) + ": ";
+        const std::size_t shown = names.size() > maxNames + 1 ? maxNames : names.size();
+        for (std::size_t place = 0; place < shown; ++place)
+            text += (place > 0 ? "; " : "") + names[place];
+        if (shown < names.size())
+            text += "; " + std::to_string(names.size() - shown) + " more";
+    }
+    return text;
+}
+
+bool IsShortened(const std::vector<int>& values)
+{
+    return CountNames(GroupByArea(values)) > MaxNames;
+}
+
+Page ConsentPage(const CheckName& name, const std::string& service, const std::vector<int>& values)
+{
+    const std::size_t maxNames = IsShortened(values) ? MaxNamesOfArea : values.size();
+    return {"Check whether this computer meets the requirements of “" + name.product + "”?",
+            "Nothing has been read yet. These values will be read and sent to " + service + ":\n\n" +
+                ListValues(values, maxNames),
+            PageIcon::Information, "What is sent?", DescribeTransfer(name, service, values)};
+}
+
+Page ProgressPage()
+{
+    return {"Checking this computer", "Nothing has been sent yet."};
+}
+
+std::string ProgressText(const std::string& area)
+{
+    return area.empty() ? "Sending the values and waiting for the verdict …" : "Reading: " + area + " …";
+}
+
+}  // namespace kel::check

@@ -1,0 +1,67 @@
+#include "program/machine/ServiceCheck.h"
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "program/files/VerdictJson.h"
+#include "run/System.h"
+#include "run/store/FixedGroups.h"
+#include "service/AnalysisRequest.h"
+#include "service/CallBudget.h"
+#include "service/Utf8.h"
+#include "verdict/Catalogue.h"
+
+namespace kel::program {
+
+namespace {
+
+std::string ExchangeStateText()
+{
+    const SystemValue* state =
+        System::Instance().Values().TryGetValue(SystemValueID{GroupID(ExchangeStateGroup)});
+    return state != nullptr ? ToUtf8(state->Text()) : std::string();
+}
+
+}  // namespace
+
+void BeginCheck(const std::string& product, const std::string& session)
+{
+    System& system = System::Instance();
+    system.SetReferrerID(FromUtf8(product));
+    system.SetSessionID(FromUtf8(session));
+}
+
+ServiceAnswer FetchWantedGroups()
+{
+    const std::wstring answer = System::Instance().FetchWantedGroups();
+    return {ToUtf8(answer), ExchangeStateText()};
+}
+
+std::vector<int> ListReportedValues()
+{
+    std::vector<int> values;
+    for (const CatalogueValue& value : CatalogueValues) {
+        const GroupID group(static_cast<unsigned>(value.id));
+        if (System::Instance().IsWanted(group) || IsInEveryReport(group.Number()))
+            values.push_back(value.id);
+    }
+    return values;
+}
+
+VerdictAnswer FetchVerdict()
+{
+    const CallBudget budget;  // of all exchanges together, as of a member of the control
+    System::Instance().Detect();
+    AnalysisRequest request;
+    request.SetItemID(L"requirements");
+    request.SetMessageFormat(L"json");
+    request.SetFormatVersion(L"1.0");
+    request.Call();
+    VerdictAnswer answer;
+    answer.text = ToUtf8(request.GetResult());
+    answer.state = ExchangeStateText();
+    answer.verdict = ReadVerdict(nlohmann::json::parse(answer.text, nullptr, false));
+    return answer;
+}
+
+}  // namespace kel::program

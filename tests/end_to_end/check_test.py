@@ -1,0 +1,97 @@
+"""check.exe under a virtual display: its pages, and what it sends when."""
+
+import os
+import re
+import shutil
+import subprocess
+import time
+import unittest
+from uuid import uuid4
+
+from harness import DLL, NO_SERVICE, PATIENCE, PROGRAMS, ServiceTest, make_prefix, show_display, windows_path, wine
+
+CHECK, SAVE, OK, CANCEL, CLOSE = 100, 101, 1, 2, 8  # buttons
+LIST, UPLOAD, ANALYSIS = "/Data/Service.svc/Group/list", "/Data/Service.svc/upload", "/service/Analysis/demo"
+MAX_END = 2  # seconds from Cancel to the end of the process
+
+
+@unittest.skipUnless(shutil.which("Xvfb"), "there is no Xvfb")
+class Check(ServiceTest):
+    @classmethod
+    def setUpClass(cls):
+        show_display(cls)
+        make_prefix(cls)
+
+    def setUp(self):
+        super().setUp()
+        self.session = str(uuid4())
+        self.require("demo", (71063, "Plenty", "at least", "1 MB"), (71063, "Memory", "at least", "9000 TB", "Add memory."))
+
+    def run_check(self, name=None, proxy=None):
+        program = self.folder / (name or f"check.demo.{self.session} (1).exe")
+        shutil.copy(DLL.parent / "check.exe", program)
+        process = subprocess.Popen(["wine", program], env=os.environ | {"http_proxy": proxy or f"http://{self.address}"},
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.kill)
+        return process
+
+    def press(self, button, *arguments, title="Computer check"):
+        """Presses a button of the program's window, and returns the window's texts."""
+        ran = wine(PROGRAMS / "press.exe", title, button, *arguments)
+        self.assertEqual(ran.code, 0, f"no button {button} in {title}")
+        return ran.output
+
+    def asked(self):
+        """The paths that were asked for."""
+        return [re.sub(r"\?.*", "", line.split()[1]) for line in self.lines()]
+
+    def test_a_click_leads_to_the_verdict_and_to_a_file(self):
+        process = self.run_check()
+        consent = self.press(CHECK, "look")
+        self.assertIn("Memory: total physical memory", consent)
+        self.assertIn("analysis.keldane.example", consent)
+        self.assertEqual(self.asked(), [LIST])
+        self.press(CHECK)
+        verdict = self.press(SAVE)
+        self.assertIn("1 of 2 requirements is not met", verdict)
+        self.assertIn("Memory: needs at least 9000 TB; found", verdict)
+        self.assertIn("Add memory.", verdict)
+        file = self.folder / "saved.html"
+        self.press(OK, windows_path(file), title="Save As")
+        self.press(CLOSE)
+        self.assertEqual(process.wait(PATIENCE), 1)
+        self.assertIn('<th scope="row">Plenty</th>', file.read_text("utf-8"))
+        self.assertEqual(self.asked(), [LIST, UPLOAD, ANALYSIS])
+        for request in self.service.requests[1:]:
+            self.assertIn(self.session, request["body"])
+
+    def test_cancel_ends_it_in_two_seconds_and_nothing_is_sent_after(self):
+        paths = [LIST, UPLOAD, ANALYSIS]
+        for count, path in enumerate(paths, 1):
+            with self.subTest(path):
+                self.service.requests.clear()
+                self.service.faults = {path: "slow-headers"}
+                process = self.run_check()
+                if path != LIST:
+                    self.press(CHECK)
+                end = time.monotonic() + PATIENCE
+                while path not in self.asked() and time.monotonic() < end:
+                    time.sleep(0.02)
+                self.press(CANCEL)
+                start = time.monotonic()
+                self.assertEqual(process.wait(PATIENCE), 4)
+                self.assertLess(time.monotonic() - start, MAX_END)
+                self.assertEqual(self.asked(), paths[:count])
+
+    def test_a_problem_is_one_sentence(self):
+        session = self.session
+        for name, proxy, sentence in (
+                ("check.exe", None, "This file's name does not say which check to make."),
+                (f"check.unknown.{session}.exe", None, "The service does not know the product"),
+                (f"check.demo.{session}.exe", NO_SERVICE, "The service cannot be reached.")):
+            with self.subTest(name):
+                process = self.run_check(name, proxy)
+                self.assertIn(sentence, self.press(CLOSE))
+                self.assertEqual(process.wait(PATIENCE), 3)
+                self.assertNotIn(UPLOAD, self.asked())
