@@ -41,6 +41,26 @@ std::string RenderRow(const VerdictLine& line)
     return row + "</td></tr>\n";
 }
 
+ordered_json LinesAsJson(const Verdict& verdict)
+{
+    ordered_json lines = ordered_json::array();
+    for (const VerdictLine& line : verdict.lines) {
+        ordered_json entry{{"result", ToString(line.result)},
+                           {"label", line.label},
+                           {"needed", line.needed},
+                           {"found", line.found}};
+        if (!line.advice.empty())
+            entry["advice"] = line.advice;
+        if (line.recommended)
+            entry["recommended"] = true;
+        for (const VerdictPart& part : Alternatives(line))
+            entry["any of"].push_back(
+                {{"result", ToString(part.result)}, {"needed", part.needed}, {"found", part.found}});
+        lines.push_back(std::move(entry));
+    }
+    return lines;
+}
+
 }  // namespace
 
 std::string RenderXml(const Verdict& verdict, const std::string& item, const std::string& schema)
@@ -63,21 +83,17 @@ std::string RenderJson(const Verdict& verdict, const std::string& item, const st
 {
     ordered_json content{
         {"result", ToString(verdict.total)}, {"item", item}, {"schema", schema}, {"title", verdict.title}};
-    content["requirements"] = ordered_json::array();
-    for (const VerdictLine& line : verdict.lines) {
-        ordered_json entry{{"result", ToString(line.result)},
-                           {"label", line.label},
-                           {"needed", line.needed},
-                           {"found", line.found}};
-        if (!line.advice.empty())
-            entry["advice"] = line.advice;
-        if (line.recommended)
-            entry["recommended"] = true;
-        for (const VerdictPart& part : Alternatives(line))
-            entry["any of"].push_back(
-                {{"result", ToString(part.result)}, {"needed", part.needed}, {"found", part.found}});
-        content["requirements"].push_back(std::move(entry));
-    }
+    content["requirements"] = LinesAsJson(verdict);
+    return content.dump();
+}
+
+std::string RenderForPage(const Verdict& verdict, const std::string& product, const std::string& session)
+{
+    ordered_json content{{"product", product},
+                         {"session", session},
+                         {"result", ToString(verdict.total)},
+                         {"title", verdict.title}};
+    content["requirements"] = LinesAsJson(verdict);
     return content.dump();
 }
 

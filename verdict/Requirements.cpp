@@ -83,6 +83,44 @@ auto ReadEach(const json& list, const std::string& kind, Read read)
     return entries;
 }
 
+bool HasOnly(std::string_view text, std::string_view characters)
+{
+    return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
+}
+
+/// Whether the text is an origin as a browser sends it: scheme, host in lower case, and a port unless it is
+/// the scheme's.
+bool IsOrigin(std::string_view text)
+{
+    constexpr std::string_view Digits = "0123456789", Scheme = "://";
+    const std::size_t end = text.find(Scheme);
+    const std::string_view scheme = text.substr(0, end);
+    if (end == std::string_view::npos || (scheme != "https" && scheme != "http"))
+        return false;
+    std::string_view host = text.substr(end + Scheme.size());
+    const std::size_t bracket = host.find(']'), colon = host.rfind(':');
+    if (colon != std::string_view::npos && (bracket == std::string_view::npos || bracket < colon)) {
+        const std::string_view port = host.substr(colon + 1);
+        if (!HasOnly(port, Digits) || port.size() > 5 || port.front() == '0' ||
+            port == (scheme == "https" ? "443" : "80"))
+            return false;
+        host = host.substr(0, colon);
+    }
+    if (host.starts_with('['))
+        return host.ends_with(']') && HasOnly(host.substr(1, host.size() - 2), "0123456789abcdef:.");
+    return HasOnly(host, "abcdefghijklmnopqrstuvwxyz0123456789-.") && !host.starts_with('.') &&
+           !host.starts_with('-');
+}
+
+std::string ReadPage(const json& entry)
+{
+    const std::string* text = entry.get_ptr<const std::string*>();
+    if (!text || !IsOrigin(*text))
+        throw std::runtime_error((text ? Quoted(*text) : std::string("it")) +
+                                 " is not an origin, such as 'https://shop.example'");
+    return *text;
+}
+
 Condition ReadCondition(const json& entry)
 {
     Condition condition;
@@ -227,11 +265,15 @@ std::vector<int> Requirement::Groups() const
 
 Requirements Requirements::Read(std::string_view text)
 {
-    static constexpr std::string_view Names[] = {"title", "requirements"};
+    static constexpr std::string_view Names[] = {"title", "pages", "requirements"};
     const json content = Parse(text);
     CheckNames(content, Names);
-    return {ReadText(content, "title"),
-            ReadEach(ReadList(content, "requirements", 0, MaxLines), "requirement", ReadLine)};
+    Requirements requirements;
+    requirements.title = ReadText(content, "title");
+    if (content.contains("pages"))
+        requirements.pages = ReadEach(ReadList(content, "pages", 0, MaxPages), "page", ReadPage);
+    requirements.lines = ReadEach(ReadList(content, "requirements", 0, MaxLines), "requirement", ReadLine);
+    return requirements;
 }
 
 std::optional<Requirements> Requirements::ReadStored(std::string_view text)

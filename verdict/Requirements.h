@@ -53,16 +53,19 @@ struct Requirements {
     static constexpr std::size_t MaxLines = 500;
     static constexpr std::size_t MaxAlternatives = 20;  // of a line
     static constexpr std::size_t MaxConditions = 20;    // of an alternative
+    static constexpr std::size_t MaxPages = 50;
 
     std::string title;
+    std::vector<std::string> pages;  // the origins whose scripts may read verdicts
     std::vector<Requirement> lines;
 
-    /// Reads the JSON form: {"title": …, "requirements": [{"label", "id", "comparison", "needed", "of",
-    /// "advice", "recommended"}, …]}, the last four optional. Instead of id, comparison and needed a line may
-    /// have "any of", a list of alternatives: objects with "label", "of" and either these three or "all of",
-    /// a list of objects with these three. "of" is "any". Throws std::runtime_error with the fault and its
-    /// line: an unknown name, a value of the wrong kind, an exceeded bound, a line that no value could
-    /// satisfy. The message is UTF-8 and at most some hundred bytes long.
+    /// Reads the JSON form: {"title": …, "pages": […], "requirements": [{"label", "id", "comparison",
+    /// "needed", "of", "advice", "recommended"}, …]}, the pages and the last four optional. A page is an
+    /// origin as browsers send it, such as "https://shop.example". Instead of id, comparison and needed a
+    /// line may have "any of", a list of alternatives: objects with "label", "of" and either these three or
+    /// "all of", a list of objects with these three. "of" is "any". Throws std::runtime_error with the fault
+    /// and its line: an unknown name, a value of the wrong kind, an exceeded bound, a line that no value
+    /// could satisfy. The message is UTF-8 and at most some hundred bytes long.
     static Requirements Read(std::string_view json);
     /// The same for stored requirements, which an older program may have accepted; nothing when they have a
     /// fault.

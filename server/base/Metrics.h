@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "server/base/CheckSteps.h"
+
 namespace kel::server {
 
 /// A number that any thread may change.
@@ -78,6 +80,9 @@ struct Metrics {
     Count replacedCharacters = 0;  // in reports and requests, because XML does not allow them
     std::array<Count, Totals.size()> verdicts = {};
     Count verdictsNotKept = 0;  // answered, and not stored
+    Count downloads = 0;        // of the program for visitors, from its first byte
+    Count activeDownloads = 0;
+    CheckSteps checks;
     std::chrono::system_clock::time_point start = std::chrono::system_clock::now();
 };
 

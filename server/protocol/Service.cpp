@@ -90,8 +90,12 @@ Answer Service::Upload(std::string body)
         machine.size() <= MaxMachineBytes ? machine : "", body});
     reports.Add(id, report);
     ++metrics.uploads;
+    metrics.checks.Reach(session, CheckSteps::Begun);
+    // By its id: a session opens its verdict, so no line of the log has one.
     Log(Level::Info, "uploaded",
-        {{"session", session}, {"referrer", referrer}, {"values", std::to_string(report->Count())}});
+        {{"report", std::to_string(id)},
+         {"referrer", referrer},
+         {"values", std::to_string(report->Count())}});
     return Answer::Of("text/plain; charset=utf-8", "OK");
 }
 
@@ -111,20 +115,36 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
     Clean(body);
     const AnalysisRequest request = AnalysisRequest::Read(body);
     const PublishedSet set = Find(referrer);
-    const auto id = Reports(database).NewestOf(request.session);
-    if (!id)
+    const auto newest = Reports(database).NewestOf(request.session);
+    if (!newest)
         throw Fault(404, "no report of this session was uploaded");
-    const auto report = FindReport(*id);
+    const auto report = FindReport(newest->id);
     const Verdict verdict = Judge(*sets.Get(set.id), report->Lookup());
     const std::string total(ToString(verdict.total));
-    SaveVerdict(NewVerdict{*id, set.id, request.item, verdict.total, RenderLines(verdict)});
+    SaveVerdict(NewVerdict{newest->id, set.id, request.item, verdict.total, RenderLines(verdict)});
     metrics.AddVerdict(total);
+    metrics.checks.Reach(request.session, CheckSteps::Finished);
     Log(Level::Info, "judged",
-        {{"session", request.session},
+        {{"report", std::to_string(newest->id)},
          {"referrer", referrer},
          {"version", std::to_string(set.version)},
          {"total", total}});
     return Render(verdict, request);
+}
+
+std::shared_ptr<const Requirements> Service::FindRequirements(const std::string& product)
+{
+    const auto set = IsReferrer(product) ? RequirementSets(database).Newest(product) : std::nullopt;
+    return set ? sets.Get(set->id) : nullptr;
+}
+
+std::optional<Verdict> Service::FindVerdict(const std::string& product, const Requirements& requirements,
+                                            const std::string& session)
+{
+    const auto newest = Reports(database).NewestOf(session);
+    if (!newest || newest->referrer != product)
+        return std::nullopt;
+    return Judge(requirements, FindReport(newest->id)->Lookup());
 }
 
 void Service::Clean(std::string& xml)
