@@ -34,8 +34,8 @@ std::string RenderRow(const VerdictLine& line)
     std::string row =
         "<tr class=\"" + std::string(ToString(line.result)) + "\"><th scope=\"row\">" + Escape(line.label) +
         (line.recommended ? " <span class=\"kind\">Recommended</span>" : "") +
-        "</th><td data-label=\"Needed\">" + Escape(line.needed) + "</td><td data-label=\"Found\">" + found +
-        "</td><td><span class=\"mark\">" + Mark(line.result) + "</span>";
+        "</th><td data-label=\"Needed\">" + Escape(line.ShownNeeded()) + "</td><td data-label=\"Found\">" +
+        found + "</td><td><span class=\"mark\">" + Mark(line.result) + "</span>";
     if (!line.advice.empty() && line.result != Result::Pass)
         row += "<span class=\"advice\">" + Escape(line.advice) + "</span>";
     return row + "</td></tr>\n";
@@ -49,6 +49,8 @@ ordered_json LinesAsJson(const Verdict& verdict)
                            {"label", line.label},
                            {"needed", line.needed},
                            {"found", line.found}};
+        if (!line.neededText.empty())
+            entry["needed text"] = line.neededText;
         if (!line.advice.empty())
             entry["advice"] = line.advice;
         if (line.recommended)
@@ -74,7 +76,10 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
         if (!line.advice.empty())
             text += Element("advice", line.advice);
         // An element, not an attribute: pages find a requirement by its exact tag.
-        text += line.recommended ? "<recommended/></requirement>" : "</requirement>";
+        text += line.recommended ? "<recommended/>" : "";
+        if (!line.neededText.empty())
+            text += Element("neededtext", line.neededText);
+        text += "</requirement>";
     }
     return text + "</analysis>";
 }

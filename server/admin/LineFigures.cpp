@@ -66,9 +66,9 @@ Html LineTable(const std::string& caption, const std::string& kind, const Requir
     for (const std::size_t place : places) {
         const Requirement& line = requirements.lines[place];
         const Counts& count = counts[place];
-        table.Add({LineLabel(line.label, line.recommended), NamesOfValues(line), Html::Stored(line.Needed()),
-                   Grouped(count.fail), Grouped(count.unknown), Grouped(count.pass),
-                   Percentage(count.fail, count.fail + count.unknown + count.pass)});
+        table.Add({LineLabel(line.label.Default(), line.recommended), NamesOfValues(line),
+                   Html::Stored(line.Needed()), Grouped(count.fail), Grouped(count.unknown),
+                   Grouped(count.pass), Percentage(count.fail, count.fail + count.unknown + count.pass)});
     }
     return table.Done("None.");
 }

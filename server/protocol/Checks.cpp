@@ -81,7 +81,7 @@ Answer TooManyQuestions()
 /// Lets the page read the answer if its origin is one of the product's.
 void AllowOrigin(Answer& answer, const Requirements& requirements, const Request& request)
 {
-    answer.headers.emplace_back("Vary", "Origin");
+    answer.headers.emplace_back("Vary", "Origin, Accept-Language");
     const std::string* origin = request.Header("Origin");
     const auto& pages = requirements.pages;
     if (origin && std::find(pages.begin(), pages.end(), *origin) != pages.end())
@@ -157,7 +157,9 @@ Answer Checks::Verdict(const std::string& product, const std::string& session, c
     if (!requirements)
         return UnknownProduct();
     metrics.checks.Expect(session);
-    const auto verdict = service.FindVerdict(product, *requirements, session);
+    const std::string* languages = request.Header("Accept-Language");
+    const auto verdict = service.FindVerdict(product, *requirements, session,
+                                             ParseLanguages(languages ? *languages : std::string()));
     Answer answer = Problem(404, "There is no verdict yet.");
     if (verdict) {
         metrics.checks.Reach(session, CheckSteps::Shown);

@@ -18,8 +18,8 @@ struct CheckSettings {
 };
 
 /// The requests of such pages: the program for a visitor, and the verdict on its report. The session is a
-/// UUID that the page makes up; whoever knows it gets the verdict, so no answer and no log line spreads it.
-/// For any thread. Throws Fault when the database fails.
+/// UUID that the page makes up; anybody who knows it gets the verdict, so no answer and no log line spreads
+/// it. For any thread. Throws Fault when the database fails.
 class Checks {
 public:
     /// Reads the program. Throws std::runtime_error when that fails.
@@ -27,7 +27,8 @@ public:
 
     /// The program, or the part of it that the request asks for, under the name of the product and session.
     Answer Program(const std::string& product, const std::string& session, const Request& request);
-    /// The verdict on the session's newest report; 404 while there is none.
+    /// The verdict on the session's newest report, in a language that the request accepts; 404 while there is
+    /// none.
     Answer Verdict(const std::string& product, const std::string& session, const Request& request);
     /// The permissions of a page's origin.
     Answer Preflight(const std::string& product, const Request& request);

@@ -4,12 +4,13 @@
 
 namespace kel::server {
 
-bool RateLimit::Take()
+bool RateLimit::Take(Clock::time_point now)
 {
     const std::lock_guard lock(turn);
-    const Clock::time_point now = Clock::now();
-    room = std::min(perSecond, room + std::chrono::duration<double>(now - last).count() * perSecond);
-    last = now;
+    // Another thread may have been quicker.
+    const Clock::duration passed = std::max(now - last, Clock::duration());
+    room = std::min(perSecond, room + std::chrono::duration<double>(passed).count() * perSecond);
+    last = std::max(now, last);
     if (room < 1)
         return false;
     room -= 1;

@@ -13,7 +13,7 @@ public:
     explicit RateLimit(unsigned perSecond) : perSecond(perSecond), room(perSecond) {}
 
     /// False, and nothing changes, when there were too many in the last second.
-    bool Take();
+    bool Take(Clock::time_point now = Clock::now());
 
 private:
     const double perSecond;

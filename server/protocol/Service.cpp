@@ -139,12 +139,12 @@ std::shared_ptr<const Requirements> Service::FindRequirements(const std::string&
 }
 
 std::optional<Verdict> Service::FindVerdict(const std::string& product, const Requirements& requirements,
-                                            const std::string& session)
+                                            const std::string& session, const Languages& languages)
 {
     const auto newest = Reports(database).NewestOf(session);
     if (!newest || newest->referrer != product)
         return std::nullopt;
-    return Judge(requirements, FindReport(newest->id)->Lookup());
+    return Judge(requirements, FindReport(newest->id)->Lookup(), languages);
 }
 
 void Service::Clean(std::string& xml)

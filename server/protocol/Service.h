@@ -36,7 +36,7 @@ public:
     /// The verdict of a product's requirements on the session's newest report; nothing when there is none, or
     /// when it is for another product. Stores nothing.
     std::optional<Verdict> FindVerdict(const std::string& product, const Requirements& requirements,
-                                       const std::string& session);
+                                       const std::string& session, const Languages& languages);
     /// The file whose download the control times: a megabyte that cannot be compressed on the way.
     Answer TestFile() const;
 
