@@ -41,7 +41,7 @@ void WriteVerdict(Output& output, const Verdict& verdict)
     Table advice({"", ""});
     for (const VerdictLine& line : verdict.lines) {
         table.AddRow({{Label(line)},
-                      {line.needed},
+                      {line.ShownNeeded()},
                       {line.found.empty() ? "–" : line.found},
                       {std::string(ToString(line.result)), ColourOf(line.result)}});
         if (line.result != Result::Pass && !line.advice.empty())

@@ -34,11 +34,33 @@ std::string RenderRow(const VerdictLine& line)
     std::string row =
         "<tr class=\"" + std::string(ToString(line.result)) + "\"><th scope=\"row\">" + Escape(line.label) +
         (line.recommended ? " <span class=\"kind\">Recommended</span>" : "") +
-        "</th><td data-label=\"Needed\">" + Escape(line.needed) + "</td><td data-label=\"Found\">" + found +
-        "</td><td><span class=\"mark\">" + Mark(line.result) + "</span>";
+        "</th><td data-label=\"Needed\">" + Escape(line.ShownNeeded()) + "</td><td data-label=\"Found\">" +
+        found + "</td><td><span class=\"mark\">" + Mark(line.result) + "</span>";
     if (!line.advice.empty() && line.result != Result::Pass)
         row += "<span class=\"advice\">" + Escape(line.advice) + "</span>";
     return row + "</td></tr>\n";
+}
+
+ordered_json LinesAsJson(const Verdict& verdict)
+{
+    ordered_json lines = ordered_json::array();
+    for (const VerdictLine& line : verdict.lines) {
+        ordered_json entry{{"result", ToString(line.result)},
+                           {"label", line.label},
+                           {"needed", line.needed},
+                           {"found", line.found}};
+        if (!line.neededText.empty())
+            entry["needed text"] = line.neededText;
+        if (!line.advice.empty())
+            entry["advice"] = line.advice;
+        if (line.recommended)
+            entry["recommended"] = true;
+        for (const VerdictPart& part : Alternatives(line))
+            entry["any of"].push_back(
+                {{"result", ToString(part.result)}, {"needed", part.needed}, {"found", part.found}});
+        lines.push_back(std::move(entry));
+    }
+    return lines;
 }
 
 }  // namespace
@@ -54,7 +76,10 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
         if (!line.advice.empty())
             text += Element("advice", line.advice);
         // An element, not an attribute: pages find a requirement by its exact tag.
-        text += line.recommended ? "<recommended/></requirement>" : "</requirement>";
+        text += line.recommended ? "<recommended/>" : "";
+        if (!line.neededText.empty())
+            text += Element("neededtext", line.neededText);
+        text += "</requirement>";
     }
     return text + "</analysis>";
 }
@@ -63,21 +88,17 @@ std::string RenderJson(const Verdict& verdict, const std::string& item, const st
 {
     ordered_json content{
         {"result", ToString(verdict.total)}, {"item", item}, {"schema", schema}, {"title", verdict.title}};
-    content["requirements"] = ordered_json::array();
-    for (const VerdictLine& line : verdict.lines) {
-        ordered_json entry{{"result", ToString(line.result)},
-                           {"label", line.label},
-                           {"needed", line.needed},
-                           {"found", line.found}};
-        if (!line.advice.empty())
-            entry["advice"] = line.advice;
-        if (line.recommended)
-            entry["recommended"] = true;
-        for (const VerdictPart& part : Alternatives(line))
-            entry["any of"].push_back(
-                {{"result", ToString(part.result)}, {"needed", part.needed}, {"found", part.found}});
-        content["requirements"].push_back(std::move(entry));
-    }
+    content["requirements"] = LinesAsJson(verdict);
+    return content.dump();
+}
+
+std::string RenderForPage(const Verdict& verdict, const std::string& product, const std::string& session)
+{
+    ordered_json content{{"product", product},
+                         {"session", session},
+                         {"result", ToString(verdict.total)},
+                         {"title", verdict.title}};
+    content["requirements"] = LinesAsJson(verdict);
     return content.dump();
 }
 

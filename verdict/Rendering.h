@@ -14,6 +14,10 @@ std::string RenderXml(const Verdict& verdict, const std::string& item, const std
 /// The same as JSON.
 std::string RenderJson(const Verdict& verdict, const std::string& item, const std::string& schema);
 
+/// The verdict as JSON for a page that waits for it: like the one above, with the product and session that
+/// the page asked for in place of item and schema.
+std::string RenderForPage(const Verdict& verdict, const std::string& product, const std::string& session);
+
 /// The verdict as a complete page, in the style of the example page.
 /// @param note null for a page without one
 std::string RenderPage(const Verdict& verdict, const SupportNote* note = nullptr);

@@ -42,9 +42,8 @@ const json& Required(const json& entry, const std::string& name)
     return *found;
 }
 
-std::string ReadText(const json& entry, const std::string& name)
+std::string CheckText(const json& value, const std::string& name)
 {
-    const json& value = Required(entry, name);
     if (!value.is_string())
         throw std::runtime_error("its '" + name + "' is not a text");
     const auto& text = value.get_ref<const std::string&>();
@@ -53,6 +52,47 @@ std::string ReadText(const json& entry, const std::string& name)
                                  std::to_string(Requirements::MaxText) + " bytes");
     if (!IsXmlText(text))
         throw std::runtime_error("its '" + name + "' has a character that XML does not allow");
+    return text;
+}
+
+std::string ReadText(const json& entry, const std::string& name)
+{
+    return CheckText(Required(entry, name), name);
+}
+
+bool HasOnly(std::string_view text, std::string_view characters)
+{
+    return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
+}
+
+/// Whether the text is a language's tag in lower case, such as "de", "pt-br" or "zh-hant".
+bool IsLanguage(std::string_view text)
+{
+    constexpr std::string_view Letters = "abcdefghijklmnopqrstuvwxyz";
+    constexpr std::size_t MaxTag = 35;
+    const std::string_view language = text.substr(0, text.find('-'));
+    return text.size() <= MaxTag && HasOnly(language, Letters) && language.size() >= 2 &&
+           language.size() <= 3 && !text.ends_with('-') &&
+           HasOnly(text, "abcdefghijklmnopqrstuvwxyz0123456789-") &&
+           text.find("--") == std::string_view::npos;
+}
+
+/// A text, or an object with a text for each language.
+LocalText ReadLocalText(const json& entry, const std::string& name)
+{
+    const json& value = Required(entry, name);
+    if (!value.is_object())
+        return LocalText(CheckText(value, name));
+    if (value.empty() || value.size() > Requirements::MaxLanguages)
+        throw std::runtime_error("its '" + name + "' has " + std::to_string(value.size()) +
+                                 " languages, not 1 to " + std::to_string(Requirements::MaxLanguages));
+    LocalText text;
+    for (const auto& item : value.items()) {
+        if (!IsLanguage(Lower(item.key())))
+            throw std::runtime_error("its '" + name + "' has " + Quoted(item.key()) +
+                                     ", which is not a language such as 'de' or 'pt-BR'");
+        text.Add(Lower(item.key()), CheckText(item.value(), name));
+    }
     return text;
 }
 
@@ -81,6 +121,39 @@ auto ReadEach(const json& list, const std::string& kind, Read read)
         }
     }
     return entries;
+}
+
+/// Whether the text is an origin as a browser sends it: scheme, host in lower case, and a port unless it is
+/// the scheme's.
+bool IsOrigin(std::string_view text)
+{
+    constexpr std::string_view Digits = "0123456789", Scheme = "://";
+    const std::size_t end = text.find(Scheme);
+    const std::string_view scheme = text.substr(0, end);
+    if (end == std::string_view::npos || (scheme != "https" && scheme != "http"))
+        return false;
+    std::string_view host = text.substr(end + Scheme.size());
+    const std::size_t bracket = host.find(']'), colon = host.rfind(':');
+    if (colon != std::string_view::npos && (bracket == std::string_view::npos || bracket < colon)) {
+        const std::string_view port = host.substr(colon + 1);
+        if (!HasOnly(port, Digits) || port.size() > 5 || port.front() == '0' ||
+            port == (scheme == "https" ? "443" : "80"))
+            return false;
+        host = host.substr(0, colon);
+    }
+    if (host.starts_with('['))
+        return host.ends_with(']') && HasOnly(host.substr(1, host.size() - 2), "0123456789abcdef:.");
+    return HasOnly(host, "abcdefghijklmnopqrstuvwxyz0123456789-.") && !host.starts_with('.') &&
+           !host.starts_with('-');
+}
+
+std::string ReadPage(const json& entry)
+{
+    const std::string* text = entry.get_ptr<const std::string*>();
+    if (!text || !IsOrigin(*text))
+        throw std::runtime_error((text ? Quoted(*text) : std::string("it")) +
+                                 " is not an origin, such as 'https://shop.example'");
+    return *text;
 }
 
 Condition ReadCondition(const json& entry)
@@ -139,14 +212,16 @@ Alternative ReadAlternative(const json& entry)
 
 Requirement ReadLine(const json& entry)
 {
-    static constexpr std::string_view Names[] = {"label",      "advice", "recommended", "id",
-                                                 "comparison", "needed", "of",          "any of"};
-    static constexpr std::string_view NamesWithAlternatives[] = {"label", "advice", "recommended", "of",
-                                                                 "any of"};
+    static constexpr std::string_view Names[] = {"label",      "needed text", "advice", "recommended", "id",
+                                                 "comparison", "needed",      "of",     "any of"};
+    static constexpr std::string_view NamesWithAlternatives[] = {"label",       "needed text", "advice",
+                                                                 "recommended", "of",          "any of"};
     const bool hasAlternatives = entry.is_object() && entry.contains("any of");
     CheckNames(entry, hasAlternatives ? std::span<const std::string_view>(NamesWithAlternatives) : Names);
     Requirement line;
-    line.label = ReadText(entry, "label");
+    line.label = ReadLocalText(entry, "label");
+    if (entry.contains("needed text"))
+        line.neededText = ReadLocalText(entry, "needed text");
     if (hasAlternatives)
         line.anyOf = ReadEach(ReadList(entry, "any of", 1, Requirements::MaxAlternatives), "alternative",
                               ReadAlternative);
@@ -157,7 +232,7 @@ Requirement ReadLine(const json& entry)
             alternative.ofAny = true;
     }
     if (entry.contains("advice"))
-        line.advice = ReadText(entry, "advice");
+        line.advice = ReadLocalText(entry, "advice");
     if (const auto recommended = entry.find("recommended"); recommended != entry.end()) {
         if (!recommended->is_boolean())
             throw std::runtime_error("its 'recommended' is neither true nor false");
@@ -227,11 +302,15 @@ std::vector<int> Requirement::Groups() const
 
 Requirements Requirements::Read(std::string_view text)
 {
-    static constexpr std::string_view Names[] = {"title", "requirements"};
+    static constexpr std::string_view Names[] = {"title", "pages", "requirements"};
     const json content = Parse(text);
     CheckNames(content, Names);
-    return {ReadText(content, "title"),
-            ReadEach(ReadList(content, "requirements", 0, MaxLines), "requirement", ReadLine)};
+    Requirements requirements;
+    requirements.title = ReadLocalText(content, "title");
+    if (content.contains("pages"))
+        requirements.pages = ReadEach(ReadList(content, "pages", 0, MaxPages), "page", ReadPage);
+    requirements.lines = ReadEach(ReadList(content, "requirements", 0, MaxLines), "requirement", ReadLine);
+    return requirements;
 }
 
 std::optional<Requirements> Requirements::ReadStored(std::string_view text)

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "verdict/Comparison.h"
+#include "verdict/LocalText.h"
 
 namespace kel {
 
@@ -35,12 +36,13 @@ struct Alternative {
 
 /// One line of a product's requirements.
 struct Requirement {
-    std::string label;
+    LocalText label;
     std::vector<Alternative> anyOf;  // at least one; the line passes when one of them holds
-    std::string advice;              // what a visitor can do about it
+    LocalText neededText;            // shown to visitors instead of what is needed, unless it is empty
+    LocalText advice;                // what a visitor can do about it
     bool recommended = false;        // shown, but without effect on the total
 
-    /// As a visitor reads it: "at least 6 GB, or at least version 12.0".
+    /// What is needed, in words of the comparisons: "at least 6 GB, or at least version 12.0".
     std::string Needed() const;
     /// The groups that it asks for, each once.
     std::vector<int> Groups() const;
@@ -49,20 +51,26 @@ struct Requirement {
 /// What a product needs.
 struct Requirements {
     static constexpr std::size_t MaxFile = 1'048'576;  // bytes
-    static constexpr std::size_t MaxText = 1000;       // bytes; each of title, label, needed, advice
+    static constexpr std::size_t MaxText = 1000;       // bytes; each text, in each language
     static constexpr std::size_t MaxLines = 500;
     static constexpr std::size_t MaxAlternatives = 20;  // of a line
     static constexpr std::size_t MaxConditions = 20;    // of an alternative
+    static constexpr std::size_t MaxPages = 50;
+    static constexpr std::size_t MaxLanguages = 50;  // of a text
 
-    std::string title;
+    LocalText title;
+    std::vector<std::string> pages;  // origins whose scripts may read verdicts
     std::vector<Requirement> lines;
 
-    /// Reads the JSON form: {"title": …, "requirements": [{"label", "id", "comparison", "needed", "of",
-    /// "advice", "recommended"}, …]}, the last four optional. Instead of id, comparison and needed a line may
-    /// have "any of", a list of alternatives: objects with "label", "of" and either these three or "all of",
-    /// a list of objects with these three. "of" is "any". Throws std::runtime_error with the fault and its
-    /// line: an unknown name, a value of the wrong kind, an exceeded bound, a line that no value could
-    /// satisfy. The message is UTF-8 and at most some hundred bytes long.
+    /// Reads the JSON form: {"title": …, "pages": […], "requirements": [{"label", "id", "comparison",
+    /// "needed", "of", "needed text", "advice", "recommended"}, …]}, the pages and the last five optional.
+    /// Title, label, needed text and advice are texts, or objects with a text for each language ("en",
+    /// "pt-br"). A page is an origin as browsers send it, such as "https://shop.example". Instead of id,
+    /// comparison and needed a line may have "any of", a list of alternatives: objects with "label", "of" and
+    /// either these three or "all of", a list of objects with these three. "of" is "any". Throws
+    /// std::runtime_error with the fault and its line: an unknown name, a value of the wrong kind, an
+    /// exceeded bound, a line that no value could satisfy. The message is UTF-8 and at most some hundred
+    /// bytes long.
     static Requirements Read(std::string_view json);
     /// The same for stored requirements, which an older program may have accepted; nothing when they have a
     /// fault.

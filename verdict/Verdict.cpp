@@ -175,7 +175,7 @@ Finding JudgeAlternative(const Alternative& alternative, Values& values)
     return {Best(results), JoinFound(found, "; ")};
 }
 
-VerdictLine JudgeLine(const Requirement& requirement, Values& values)
+VerdictLine JudgeLine(const Requirement& requirement, Values& values, const Languages& languages)
 {
     VerdictLine line;
     std::vector<Result> results;
@@ -186,24 +186,25 @@ VerdictLine JudgeLine(const Requirement& requirement, Values& values)
                               values.Show(Shortened(finding.found, MaxShown)), finding.result});
     }
     line.group = line.parts.front().group;
-    line.label = requirement.label;
+    line.label = requirement.label.In(languages);
+    line.neededText = requirement.neededText.In(languages);
     line.needed = requirement.Needed();
     line.found = JoinFound(line.parts);
     line.result = Best(results);
-    line.advice = requirement.advice;
+    line.advice = requirement.advice.In(languages);
     line.recommended = requirement.recommended;
     return line;
 }
 
 }  // namespace
 
-Verdict Judge(const Requirements& requirements, const ValueLookup& lookup)
+Verdict Judge(const Requirements& requirements, const ValueLookup& lookup, const Languages& languages)
 {
     Verdict verdict;
     Values values(lookup);
-    verdict.title = requirements.title;
+    verdict.title = requirements.title.In(languages);
     for (const Requirement& line : requirements.lines)
-        verdict.lines.push_back(JudgeLine(line, values));
+        verdict.lines.push_back(JudgeLine(line, values, languages));
     verdict.total = JoinLines(verdict.lines);
     return verdict;
 }

@@ -34,6 +34,10 @@ struct VerdictLine {
     std::string advice;
     bool recommended = false;
     std::vector<VerdictPart> parts = {};  // the alternatives; a plain line has one
+    std::string neededText = {};          // for visitors; empty when the requirement has none
+
+    /// What is needed, as a visitor reads it.
+    const std::string& ShownNeeded() const { return neededText.empty() ? needed : neededText; }
 };
 
 /// Whether a machine meets a product's requirements.
@@ -55,6 +59,7 @@ struct Verdict {
 /// for the devices of an alternative that may hold for any device. The total fails when a line fails;
 /// otherwise it is unknown when a line is unknown. Recommendations do not affect it; without any other line
 /// it is unknown.
-Verdict Judge(const Requirements& requirements, const ValueLookup& lookup);
+/// Texts for visitors are in the first of the languages that the requirements have.
+Verdict Judge(const Requirements& requirements, const ValueLookup& lookup, const Languages& languages = {});
 
 }  // namespace kel

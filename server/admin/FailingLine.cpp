@@ -16,7 +16,7 @@ std::vector<LineOfSet> FindLines(Database& database, const std::string& referrer
         for (std::size_t i = 0; read && i < read->lines.size(); ++i) {
             if (lines.size() == ReportFilter::MaxLines)
                 return lines;
-            if (Lower(Trim(read->lines[i].label)) == wanted)
+            if (Lower(Trim(read->lines[i].label.Default())) == wanted)
                 lines.push_back({version.id, static_cast<int>(i) + 1});
         }
     }

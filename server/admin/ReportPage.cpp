@@ -198,9 +198,7 @@ Answer DeleteSession(const AdminRequest& request)
     DeletionEntry entry{request.login.account, "deleted session", Shortened(report.session, MaxValueBytes)};
     const Deletion deletion = Deletion::OfSession(request.database, report.session, &entry, MaxBatches);
     Log(Level::Info, "deleted",
-        {{"account", request.login.account},
-         {"session", report.session},
-         {"reports", std::to_string(entry.reports)}});
+        {{"account", request.login.account}, {"reports", std::to_string(entry.reports)}});
     return Redirect(deletion.isComplete ? "/reports?note=deleted"
                                         : "/reports?note=left&session=" + UrlEncode(report.session));
 }

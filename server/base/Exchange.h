@@ -30,17 +30,26 @@ struct Request {
 };
 
 /// The headers that answers can depend on. The control's requests have only the type.
-inline constexpr std::string_view KnownHeaders[] = {"Authorization", "Content-Type", "Cookie",
-                                                    "Host",          "If-Match",     "If-None-Match",
-                                                    "Origin",        "X-Form-Token", "X-Remote-User"};
+inline constexpr std::string_view KnownHeaders[] = {
+    "Accept-Language", "Authorization", "Content-Type", "Cookie", "Host",         "If-Match",
+    "If-None-Match",   "If-Range",      "Origin",       "Range",  "X-Form-Token", "X-Remote-User"};
 
 /// The answer to a request. One without a body has no content type; many answers may share a body.
 struct Answer {
+    static constexpr std::size_t Everything = std::string_view::npos;
+
     int status = 200;
     std::string contentType;
     std::shared_ptr<const std::string> body;
     Headers headers = {};
     bool isShared = false;  // whether the body exists anyway, and costs this answer no memory
+    std::size_t first = 0, length = Everything;  // the part of the body that is sent
+
+    /// The bytes to send; they last as long as the answer's body.
+    std::string_view Sent() const
+    {
+        return body ? std::string_view(*body).substr(first, length) : std::string_view();
+    }
 
     /// An answer with only a status. The text of any answer to the control reaches a visitor's script, so an
     /// error has no text.

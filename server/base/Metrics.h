@@ -9,6 +9,7 @@
 #include <string_view>
 #include <utility>
 
+#include "server/base/CheckSteps.h"
 #include "verdict/Result.h"
 
 namespace kel::server {
@@ -80,6 +81,9 @@ struct Metrics {
     Count replacedCharacters = 0;  // in reports and requests, because XML does not allow them
     std::array<Count, Totals.size()> verdicts = {};
     Count verdictsNotKept = 0;  // answered, and not stored
+    Count downloads = 0;        // of the program for visitors, from its first byte
+    Count activeDownloads = 0;
+    CheckSteps checks;
     std::chrono::system_clock::time_point start = std::chrono::system_clock::now();
 };
 

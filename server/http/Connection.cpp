@@ -3,6 +3,7 @@
 #include <array>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
+#include <boost/asio/write.hpp>
 #include <boost/beast/http/span_body.hpp>
 #include <boost/beast/http/write.hpp>
 
@@ -101,16 +102,25 @@ private:
         message.set(http::field::cache_control, "no-store");
         for (const auto& [name, value] : answer.headers)
             message.insert(name, value);
-        const std::size_t length = answer.body ? answer.body->size() : 0;
         if (answer.body)
             message.set(http::field::content_type, answer.contentType);
-        if (answer.body && !reply.isHead)
-            message.body() = {answer.body->data(), length};
+        std::string_view rest = answer.Sent();
+        if (message.result() != http::status::no_content)
+            message.content_length(rest.size());
+        if (reply.isHead)
+            rest = {};
+        // A body that exists anyway may take longer than others, but each piece of it has the time of one.
+        const std::size_t maxPiece = answer.isShared ? Limits::SentPiece : Answer::Everything;
+        std::string_view piece = rest.substr(0, maxPiece);
+        message.body() = {piece.data(), piece.size()};
         message.keep_alive(reply.keepsAlive);
-        message.prepare_payload();
-        message.content_length(length);
         stream.expires_after(endpoint.limits.answer);
         co_await http::async_write(stream, message, asio::use_awaitable);
+        for (rest.remove_prefix(piece.size()); !rest.empty(); rest.remove_prefix(piece.size())) {
+            piece = rest.substr(0, maxPiece);
+            stream.expires_after(endpoint.limits.answer);
+            co_await asio::async_write(stream, asio::buffer(piece), asio::use_awaitable);
+        }
     }
 
     /// Continues to read for a moment: closing with unread bytes would reset the connection, and a client

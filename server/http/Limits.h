@@ -9,7 +9,8 @@ namespace kel::server {
 struct Limits {
     static constexpr std::size_t Kilobyte = 1024;
     static constexpr std::size_t Megabyte = 1024 * Kilobyte;
-    static constexpr std::size_t Piece = 8 * Kilobyte;       // the bytes that one read takes
+    static constexpr std::size_t Piece = 8 * Kilobyte;  // the bytes that one read takes
+    static constexpr std::size_t SentPiece = Megabyte;  // of a shared body, within the time for an answer
     static constexpr std::size_t SmallBody = 16 * Kilobyte;  // several times a usual report
 
     std::size_t connections = 10'000;

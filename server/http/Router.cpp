@@ -5,16 +5,24 @@
 
 namespace kel::server {
 
-std::optional<std::string> MatchPath(std::string_view pattern, std::string_view path)
+std::optional<std::vector<std::string>> MatchPath(std::string_view pattern, std::string_view path)
 {
-    const std::size_t star = pattern.find('*');
-    if (star == std::string_view::npos)
-        return path == pattern ? std::optional<std::string>("") : std::nullopt;
-    const std::string_view before = pattern.substr(0, star), after = pattern.substr(star + 1);
-    if (path.size() <= before.size() + after.size() || !path.starts_with(before) || !path.ends_with(after))
-        return std::nullopt;
-    const std::string_view subject = path.substr(star, path.size() - before.size() - after.size());
-    return subject.find('/') == std::string_view::npos ? std::optional(std::string(subject)) : std::nullopt;
+    std::vector<std::string> parts;
+    for (;;) {
+        const std::size_t star = pattern.find('*');
+        const std::string_view before = pattern.substr(0, star);
+        if (star == std::string_view::npos ? path != pattern : !path.starts_with(before))
+            return std::nullopt;
+        if (star == std::string_view::npos)
+            return parts;
+        pattern.remove_prefix(star + 1);
+        path.remove_prefix(before.size());
+        const std::string_view part = path.substr(0, path.find('/'));
+        if (part.empty())
+            return std::nullopt;
+        parts.emplace_back(part);
+        path.remove_prefix(part.size());
+    }
 }
 
 void Router::Add(std::string_view method, std::string_view pattern, Handler handler)
@@ -41,13 +49,18 @@ Answer Router::Try(const Request& request, StatusCounts*& counts) const noexcept
     } catch (const Fault& fault) {
         Log(fault.Status() < 500 ? Level::Warning : Level::Error, "refused",
             {{"status", std::to_string(fault.Status())},
-             {"target", request.target},
+             {"target", WithoutSessions(request.target)},
              {"reason", fault.what()}});
-        return Answer::Empty(fault.Status());
+        return Fail(request, fault.Status());
     } catch (const std::exception& error) {
-        Log(Level::Error, "failed", {{"target", request.target}, {"reason", error.what()}});
-        return Answer::Empty(500);
+        Log(Level::Error, "failed", {{"target", WithoutSessions(request.target)}, {"reason", error.what()}});
+        return Fail(request, 500);
     }
+}
+
+Answer Router::Fail(const Request& request, int status) const
+{
+    return failure ? failure(request, status) : Answer::Empty(status);
 }
 
 Answer Router::Find(const Request& request, StatusCounts*& counts) const
@@ -55,12 +68,13 @@ Answer Router::Find(const Request& request, StatusCounts*& counts) const
     const auto target = Target::Read(request.target);
     std::string allowed;
     for (const Route& route : routes) {
-        auto subject = target ? MatchPath(route.pattern, target->path) : std::nullopt;
-        if (!subject)
+        auto parts = target ? MatchPath(route.pattern, target->path) : std::nullopt;
+        if (!parts)
             continue;
         if (route.method == request.method) {
             counts = &route.counts;
-            return route.handler({request, *target, *std::move(subject)});
+            parts->resize(2);
+            return route.handler({request, *target, std::move(parts->front()), std::move(parts->back())});
         }
         allowed.append(allowed.empty() ? "" : ", ").append(route.method);
     }

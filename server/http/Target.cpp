@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include "verdict/text/Text.h"
+#include "verdict/text/Uuid.h"
 
 namespace kel::server {
 
@@ -16,6 +17,19 @@ std::string_view WithoutHost(std::string_view text)
         return text;
     const std::size_t slash = text.find('/', Scheme.size());
     return slash == std::string_view::npos ? std::string_view() : text.substr(slash);
+}
+
+constexpr std::size_t UuidLength = 36;
+
+std::string PathWithoutSessions(std::string_view path)
+{
+    std::string shown;
+    while (!path.empty()) {
+        const bool isSession = IsUuid(path.substr(0, UuidLength));
+        shown += isSession ? '*' : path.front();
+        path.remove_prefix(isSession ? UuidLength : 1);
+    }
+    return shown;
 }
 
 }  // namespace
@@ -54,6 +68,21 @@ std::optional<Target> Target::Read(std::string_view text)
              equals == std::string_view::npos ? std::string() : DecodePercent(parameter.substr(equals + 1))});
     }
     return target;
+}
+
+std::string WithoutSessions(std::string_view target)
+{
+    constexpr std::string_view Session = "sessid=";
+    const std::size_t question = std::min(target.find('?'), target.size());
+    std::string shown = PathWithoutSessions(target.substr(0, question));
+    for (std::string_view query = target.substr(question); !query.empty();) {
+        const std::string_view part = query.substr(0, query.find('&', 1));  // with what separates it
+        const bool isSession = part.substr(1).starts_with(Session);
+        shown += isSession ? part.substr(0, Session.size() + 1) : part;
+        shown += isSession ? "*" : "";
+        query.remove_prefix(part.size());
+    }
+    return shown;
 }
 
 std::optional<std::string> Target::Only(std::string_view name) const

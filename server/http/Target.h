@@ -28,4 +28,8 @@ struct Target {
     std::optional<std::string> Only(std::string_view name) const;
 };
 
+/// A request's target as the log shows it: without the sessions in it, as a session opens its verdict. A UUID
+/// in the path and the value of the parameter "sessid" become an asterisk.
+std::string WithoutSessions(std::string_view target);
+
 }  // namespace kel::server

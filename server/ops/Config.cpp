@@ -111,6 +111,13 @@ const Setting Settings[] = {
          c.admin.singleSignOn = text == "on";
      }},
     {"admin_host", [](Config& c, const std::string& text) { c.admin.host = text; }},
+    {"check_program", [](Config& c, const std::string& text) { c.checks.program = text; }},
+    {"check_downloads",
+     [](Config& c, const std::string& text) { c.checks.downloads = ParseNumber(text, 1, 10'000); }},
+    {"check_questions",
+     [](Config& c, const std::string& text) {
+         c.checks.questions = static_cast<unsigned>(ParseNumber(text, 1, 100'000));
+     }},
     {"answer_seconds",
      [](Config& c, const std::string& text) { c.endpoints.limits.answer = ParseSeconds(text); }},
 };

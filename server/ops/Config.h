@@ -8,6 +8,7 @@
 
 #include "server/admin/login/Settings.h"
 #include "server/http/Server.h"
+#include "server/protocol/Checks.h"
 #include "server/store/OpenDatabase.h"
 
 namespace kel::server {
@@ -17,6 +18,7 @@ struct Config {
     Endpoints endpoints{"127.0.0.1", 8080, 8081, 2, {}};
     DatabaseSettings database;
     AdminSettings admin;
+    CheckSettings checks;
     std::string portFile;  // receives the public port once the service listens
     std::string adminPortFile;
     std::string logLevel = "info";

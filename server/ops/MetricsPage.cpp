@@ -129,6 +129,13 @@ Answer MetricsPage(const Metrics& metrics, const Database& database)
         page.Sample(Label("total", ToString(Metrics::Totals.at(i))), metrics.verdicts.at(i));
     page.Metric("kel_verdicts_not_kept_total", "counter", "Verdicts that were answered but not stored.");
     page.Sample("", metrics.verdictsNotKept);
+    page.Metric("kel_check_downloads_total", "counter", "Downloads of the program for visitors.");
+    page.Sample("", metrics.downloads);
+    page.Metric("kel_check_downloads_active", "gauge", "Those that are in progress.");
+    page.Sample("", metrics.activeDownloads);
+    page.Metric("kel_checks_total", "counter", "Checks of visitors whose page waits, by the step reached.");
+    for (const CheckSteps::Step step : {CheckSteps::Begun, CheckSteps::Finished, CheckSteps::Shown})
+        page.Sample(Label("step", CheckSteps::Names.at(step)), metrics.checks.Of(step));
     page.Metric("kel_room_for_reports", "gauge", "1 while there is room for reports, else 0.");
     page.Sample("", std::uint64_t{database.HasRoom()});
     if (const std::int64_t free = database.FreeBytes(); free >= 0) {

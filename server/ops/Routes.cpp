@@ -4,6 +4,7 @@
 #include "server/base/Fault.h"
 #include "server/ops/Health.h"
 #include "server/ops/MetricsPage.h"
+#include "server/protocol/Problem.h"
 
 namespace kel::server {
 
@@ -13,6 +14,15 @@ namespace {
 constexpr std::string_view ApiKey = "5B3E9A70-2C41-4F8D-A6E2-7D19C04B8E53";
 
 constexpr const char* TestFilePath = "/global/tests/test_2.bin";
+
+// Below it are the requests of pages, whose errors have a text: no control hands it to a script.
+constexpr std::string_view PagesPath = "/v1/";
+constexpr const char *ProgramPath = "/v1/check/*/*", *VerdictPath = "/v1/verdicts/*/*";
+
+bool IsForPages(const std::optional<Target>& target)
+{
+    return target && target->path.starts_with(PagesPath);
+}
 
 void CheckKey(const Target& target)
 {
@@ -34,7 +44,7 @@ std::string ReadReferrer(const Target& target)
 
 }  // namespace
 
-Router PublicRoutes(Service& service, Metrics& metrics)
+Router PublicRoutes(Service& service, Checks& checks, Metrics& metrics)
 {
     Router router(metrics.publicEndpoint);
     router.Add("GET", "/Data/Service.svc/Group/list", [&](const Call& call) {
@@ -51,6 +61,16 @@ Router PublicRoutes(Service& service, Metrics& metrics)
     router.Add("POST", "/service/Analysis/*",
                [&](const Call& call) { return service.Analysis(call.subject, call.request.body); });
     router.Add("GET", TestFilePath, [&](const Call&) { return service.TestFile(); });
+    for (const char* method : {"GET", "HEAD"})
+        router.Add(method, ProgramPath,
+                   [&](const Call& call) { return checks.Program(call.subject, call.detail, call.request); });
+    router.Add("GET", VerdictPath,
+               [&](const Call& call) { return checks.Verdict(call.subject, call.detail, call.request); });
+    router.Add("OPTIONS", VerdictPath,
+               [&](const Call& call) { return checks.Preflight(call.subject, call.request); });
+    router.SetFailure([](const Request& request, int status) {
+        return IsForPages(Target::Read(request.target)) ? Problem(status) : Answer::Empty(status);
+    });
     return router;
 }
 
@@ -75,7 +95,9 @@ Place PublicPlace(const Request& request)
     if (request.method == "POST")
         return request.body.size() > Limits::SmallBody ? Place::Bulk : Place::Workers;
     const auto target = Target::Read(request.target);
-    return target && target->path == TestFilePath ? Place::Network : Place::Readers;
+    if (target && target->path == TestFilePath)
+        return Place::Network;
+    return IsForPages(target) ? Place::Workers : Place::Readers;
 }
 
 Place AdminPlace(const Request& request)

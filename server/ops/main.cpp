@@ -29,6 +29,7 @@
 #include "server/ops/Restore.h"
 #include "server/ops/Retention.h"
 #include "server/ops/Routes.h"
+#include "server/protocol/Checks.h"
 #include "server/protocol/Service.h"
 #include "server/store/Migrations.h"
 #include "server/store/OpenDatabase.h"
@@ -84,11 +85,12 @@ void RunServe(const Config& config)
         {{"days", config.keep.count() > 0 ? std::to_string(config.keep.count()) : "all"}});
     Metrics metrics;
     Service service(*database, metrics);
+    Checks checks(service, metrics, config.checks);
     std::optional<Retention> retention;
     if (config.keep.count() > 0)
         retention.emplace(*database, config.keep);
     Site site(*database, config.admin);
-    const Router open = PublicRoutes(service, metrics);
+    const Router open = PublicRoutes(service, checks, metrics);
     Router admin = AdminRoutes(*database, metrics, config.admin);
     site.AddTo(admin);
     Serve(

@@ -74,10 +74,13 @@ Answer Service::Upload(std::string body)
 {
     Clean(body);
     const Intake intake = Intake::Check(body);
-    reports.Add(Reports(database).Add(intake.entry), intake.report);
+    const std::int64_t id = Reports(database).Add(intake.entry);
+    reports.Add(id, intake.report);
     ++metrics.uploads;
+    metrics.checks.Reach(intake.entry.session, CheckSteps::Begun);
+    // By its id: a session opens its verdict, so no line of the log has one.
     Log(Level::Info, "uploaded",
-        {{"session", intake.entry.session},
+        {{"report", std::to_string(id)},
          {"referrer", intake.report->Text(Report::Referrer)},
          {"values", std::to_string(intake.report->Count())}});
     return Answer::Of("text/plain; charset=utf-8", "OK");
@@ -99,21 +102,37 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
     Clean(body);
     const AnalysisRequest request = AnalysisRequest::Read(body);
     const PublishedSet set = Find(referrer);
-    const auto id = Reports(database).NewestOf(request.session);
-    if (!id)
+    const auto newest = Reports(database).NewestOf(request.session);
+    if (!newest)
         throw Fault(404, "no report of this session was uploaded");
-    const auto report = FindReport(*id);
+    const auto report = FindReport(newest->id);
     const Verdict verdict = Judge(*sets.Get(set.id), report->Lookup());
     const std::string version = std::to_string(set.version);
-    SaveVerdict(NewVerdict{*id, set.id, request.item, verdict.total, RenderLines(verdict)});
+    SaveVerdict(NewVerdict{newest->id, set.id, request.item, verdict.total, RenderLines(verdict)});
     metrics.AddVerdict(verdict.total);
+    metrics.checks.Reach(request.session, CheckSteps::Finished);
     Log(Level::Info, "judged",
-        {{"session", request.session},
+        {{"report", std::to_string(newest->id)},
          {"referrer", referrer},
          {"version", version},
          {"total", std::string(ToString(verdict.total))}});
     return Render(verdict, request,
                   {SessionNumber(request.session), Now(), referrer + ", version " + version});
+}
+
+std::shared_ptr<const Requirements> Service::FindRequirements(const std::string& product)
+{
+    const auto set = IsReferrer(product) ? RequirementSets(database).Newest(product) : std::nullopt;
+    return set ? sets.Get(set->id) : nullptr;
+}
+
+std::optional<Verdict> Service::FindVerdict(const std::string& product, const Requirements& requirements,
+                                            const std::string& session, const Languages& languages)
+{
+    const auto newest = Reports(database).NewestOf(session);
+    if (!newest || newest->referrer != product)
+        return std::nullopt;
+    return Judge(requirements, FindReport(newest->id)->Lookup(), languages);
 }
 
 void Service::Clean(std::string& xml)

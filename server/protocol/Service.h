@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "server/base/Exchange.h"
@@ -10,6 +11,7 @@
 #include "server/report/Report.h"
 #include "server/store/RequirementSets.h"
 #include "server/store/Verdicts.h"
+#include "verdict/Verdict.h"
 
 namespace kel::server {
 
@@ -29,6 +31,12 @@ public:
     /// Judges the newest report of the session that the request names. The answer is XML, or HTML or JSON if
     /// the request asks for it. 404 when the referrer or the session is unknown.
     Answer Analysis(const std::string& referrer, std::string body);
+    /// The newest requirements of a product; null for an unknown one.
+    std::shared_ptr<const Requirements> FindRequirements(const std::string& product);
+    /// The verdict of a product's requirements on the session's newest report; nothing when there is none, or
+    /// when it is for another product. Stores nothing.
+    std::optional<Verdict> FindVerdict(const std::string& product, const Requirements& requirements,
+                                       const std::string& session, const Languages& languages);
     /// The file whose download the control times: a megabyte that cannot be compressed on the way.
     Answer TestFile() const;
 

@@ -120,11 +120,13 @@ std::int64_t Reports::Add(const NewReport& report)
     return added.at(0).Number();
 }
 
-std::optional<std::int64_t> Reports::NewestOf(const std::string& session)
+std::optional<ReportId> Reports::NewestOf(const std::string& session)
 {
-    return First(
-        database.Read("SELECT id FROM report WHERE session = $1 ORDER BY id DESC LIMIT 1", {session}),
-        [](SqlRow& row) { return row.Number(); });
+    return First(database.Read("SELECT id, referrer FROM report WHERE session = $1 ORDER BY id DESC LIMIT 1",
+                               {session}),
+                 [](SqlRow& row) {
+                     return ReportId{row.Number(), row.Text()};
+                 });
 }
 
 std::optional<FullReport> Reports::Find(std::int64_t report)

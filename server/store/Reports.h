@@ -28,6 +28,12 @@ struct FullReport {
     std::string body;
 };
 
+/// Which report it is, and of which product.
+struct ReportId {
+    std::int64_t id = 0;
+    std::string referrer;
+};
+
 /// A report in a list.
 struct ReportLine {
     std::int64_t id = 0;
@@ -75,8 +81,8 @@ public:
 
     /// Adds a report, and returns its id. Also throws NoRoom when one of the configured bounds is exceeded.
     std::int64_t Add(const NewReport& report);
-    /// The id of a session's newest report.
-    std::optional<std::int64_t> NewestOf(const std::string& session);
+    /// A session's newest report.
+    std::optional<ReportId> NewestOf(const std::string& session);
     std::optional<FullReport> Find(std::int64_t report);
     /// The reports that match the filter, without their bodies: the newest first, or after `afterId` the
     /// oldest first.

@@ -155,12 +155,6 @@ class Bodies(DeployedTest):
             self.assertEqual(self.database.run(f"SELECT \"user\", machine FROM report WHERE session = '{size}'"),
                              [("u" * 1024 + "…" * (size > 1024), machine)])
 
-    def test_a_log_line_is_one_line(self):
-        self.ask("POST", UPLOAD, REPORT.format("s&#10;time=0 level=error event=forged &quot;\\é"))
-        [line] = [line for line in self.log_text().splitlines() if "uploaded" in line]
-        self.assertIn(r'session="s\x0atime=0 level=error event=forged \"\\\xc3\xa9" referrer="" values=2', line)
-        self.assertNotIn("\nevent=forged", self.log_text())
-
 
 class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
@@ -204,6 +198,11 @@ class Commands(DeployedTest):
         self.database = Database(folder)
         self.assertIn("with the command migrate", self.command("serve", code=1))
         self.assertEqual(list(folder.iterdir()), [])
+
+    def test_a_log_line_is_one_line(self):
+        log = self.command("import", self.folder / 'a\ntime=0 level=error event=forged "\\é', code=1)
+        self.assertIn(r'/a\x0atime=0 level=error event=forged \"\\\xc3\xa9', log)
+        self.assertEqual(len(log.splitlines()), 1)
 
     def test_an_import_is_all_or_nothing_and_repeats_nothing(self):
         self.require("r", (1, "M", "any"))

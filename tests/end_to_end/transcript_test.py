@@ -16,6 +16,8 @@ from harness import API_KEY, PATIENCE
 
 TRANSCRIPTS = sorted((Path(__file__).parent / "transcripts").glob("*.txt"))
 HEADERS = ("Content-Type", "Location", "Allow", "ETag", "WWW-Authenticate", "Retry-After", "Set-Cookie")
+PAGE_HEADERS = ("Vary", "Access-Control-Allow-Origin", "Access-Control-Allow-Methods", "Content-Disposition", "Content-Range",
+                "Accept-Ranges", "Referrer-Policy", "X-Content-Type-Options", "Cache-Control")  # shown for /v1/
 # What differs from run to run. Moments of 2025 are the transcripts' own.
 MASKS = ((r"^time=\S+ ", ""), (r"(?!2025)20\d\d-\d\d-\d\d([T ])\d\d:\d\d:\d\d", r"0000-00-00\g<1>00:00:00"),
          (r"(?!2025)20\d\d-\d\d-\d\d", "0000-00-00"),
@@ -99,7 +101,8 @@ class Transcripts(DeployedTest):
             self.cookie = "; ".join(cookie.split(";")[0] for cookie in cookies)
         if found := re.search(r'name="token" value="([^"]+)"', text):
             self.token = found[1]
-        lines = [str(answer.status)] + [f"{name}: {value}" for name in HEADERS for value in answer.headers.get_all(name, ())]
+        shown = HEADERS + PAGE_HEADERS if path.startswith("/v1/") else HEADERS
+        lines = [str(answer.status)] + [f"{name}: {value}" for name in shown for value in answer.headers.get_all(name, ())]
         if "html" in answer.headers.get("Content-Type", ""):
             text = re.sub(rf"(?<!\n)<(?!/|(?:{INLINE})\b)", "\n<", text)
         return "\n".join([*lines, *text.strip("\n").splitlines()]) + "\n"

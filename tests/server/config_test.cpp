@@ -29,6 +29,8 @@ const Row Rows[] = {
     {"max-database-mb", 0, 0, 1'000'000'000,
      [](const Config& c) { return c.database.bounds.maxStored >> 20; }},
     {"session-reports", 1000, 0, 1'000'000, [](const Config& c) { return c.database.bounds.sessionReports; }},
+    {"check-downloads", 100, 1, 10'000, [](const Config& c) { return c.checks.downloads; }},
+    {"check-questions", 1000, 1, 100'000, [](const Config& c) { return c.checks.questions; }},
     {"session-hours", 12, 1, 720, [](const Config& c) { return c.admin.sessionHours; }},
 };
 

@@ -65,6 +65,8 @@ void ShowsWhatItHas(const Verdict& verdict, const AnalysisRequest& request = {})
         expected.insert(expected.end(), {line.label, line.needed, line.found});
         expected.insert(expected.end(), line.advice.empty() ? 0 : 1, line.advice);
         expected.insert(expected.end(), line.recommended ? 1 : 0, "");
+        expected.insert(expected.end(), line.neededText.empty() ? 0 : 1, line.neededText);
+        line.neededText.resize(std::min<std::size_t>(line.neededText.size(), 1), 'x');
         line.label = line.needed = line.found = "x";
         line.advice.resize(std::min<std::size_t>(line.advice.size(), 1), 'x');
     }

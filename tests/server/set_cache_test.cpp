@@ -18,7 +18,7 @@ TEST(SetCache, KeepsTheNewestVersionsUpToItsBound)
     Database database(pool, pool, pool, "", {});
     SetCache cache(database, 2);
     for (const auto& [set, expected] : {std::pair{1, 1}, {2, 2}, {1, 2}, {3, 3}, {2, 3}, {3, 3}, {1, 4}}) {
-        EXPECT_EQ(cache.Get(set)->title, "T");
+        EXPECT_EQ(cache.Get(set)->title.Default(), "T");
         EXPECT_EQ(reads, expected) << "reads after set " << set;
     }
 }

@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "verdict/Comparison.h"
@@ -200,6 +201,25 @@ TEST(Verdict, JoinsAlternativesAndLeavesRecommendationsOut)
                 EXPECT_EQ(verdict.lines[0].found, found == "-" ? "" : found) << lines[number];
             }
         }
+    }
+}
+
+TEST(Verdict, HasTextsInTheVisitorsLanguage)
+{
+    const auto set =
+        Requirements::Read(R"({"title": {"fr": "Titre", "de": "Titel", "pt-BR": "Título"}, "requirements": [
+        {"label": {"en": "L", "de": "Zeile"}, "id": 1, "comparison": "any", "needed text": "N", "advice": {"de": "R"}}]})");
+    for (const auto& [header, title, label] : {std::tuple{"", "Titel", "L"},  // the first tag, and English
+                                               {"de-CH, fr;q=0.9", "Titel", "Zeile"},
+                                               {"de;q=0.8 , FR ;q=0.9,*;q=0.5", "Titre", "Zeile"},
+                                               {"fr;q=0", "Titel", "L"},
+                                               {"pt-br-x, en", "Título", "L"},
+                                               {"pt, ;;, en;q=0.001, de;q=0.01", "Titel", "Zeile"}}) {
+        const Verdict verdict = Judge(set, LookIn({}), ParseLanguages(header));
+        EXPECT_EQ(verdict.title, title) << header;
+        EXPECT_EQ(verdict.lines.at(0).label, label) << header;
+        EXPECT_EQ(verdict.lines[0].ShownNeeded(), "N") << header;
+        EXPECT_EQ(verdict.lines[0].advice, "R") << header;
     }
 }
 

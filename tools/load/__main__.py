@@ -25,6 +25,8 @@ import hostile  # noqa: E402
 BUILD = Path(os.environ.get("KEL_BUILD", ROOT / "build" / "server"))
 CONNECTIONS = 16
 KINDS = ("group list", "upload", "analysis")
+WAITING = 1000  # pages that ask for a verdict once in two seconds
+WAIT_SECONDS = 5  # at least, so that each of them asks more than once
 PAGES = ("/", "/reports", "/reports?verdict=fail", "/products/demo", "/products/demo/requirements")
 MEMORIES = ("3.9 GB", "7.8 GB", "15.9 GB", "31.9 GB", "63.9 GB")
 RESOLUTIONS = ("1366x768", "1920x1080", "2560x1440", "3840x2160")
@@ -79,8 +81,8 @@ def prepare(database):
     command(database, "user", "add", "reader", "load", text=PASSWORD + "\n")
 
 
-def load(seconds, *servers):
-    ran = subprocess.run([BUILD / "load" / "kel_load", str(seconds), str(CONNECTIONS), "demo", BUILD / "report.xml",
+def load(seconds, *servers, waiting=0):
+    ran = subprocess.run([BUILD / "load" / "kel_load", str(seconds), str(CONNECTIONS), str(waiting), "demo", BUILD / "report.xml",
                           *(str(server.port) for server in servers)], check=True, text=True, stdout=subprocess.PIPE)
     figures = json.loads(ran.stdout)
     if figures["failures"]:
@@ -150,6 +152,8 @@ def measure_sqlite(folder, seconds, most, rows, times):
         with service(folder, database) as server:
             rows.append((f"SQLite, {count:,} reports", load(seconds, server)))
             times[f"{count:,}"] = pages(server)
+    with service(folder, database) as server:
+        rows.append((f"{WAITING:,} pages wait beside, SQLite", load(max(seconds, WAIT_SECONDS), server, waiting=WAITING)))
 
 
 def measure_postgres(folder, seconds, rows):
@@ -169,12 +173,15 @@ def aims(rows, times):
     slowest = max(figures[kind][1] for figures in (first, *others) for kind in KINDS)
     slower = max(others[-1][kind][0] / first[kind][0] for kind in KINDS)
     page = max(max(run.values()) for run in times.values())
+    [waiting] = (figures for name, figures in rows if "wait" in name)
     lines = ["| aim, with SQLite | measured | |", "|---|---:|---|"]
     for aim, measured, unit, is_met in (
             ("2,000 runs a second, without stored reports", first["runs"], "", first["runs"] >= 2000),
             ("99 of 100 requests within 50 ms", slowest, " ms", slowest <= 50),
             ("with the most reports each kind of request 1.2 times as long as without", slower, " times", slower <= 1.2),
-            ("each page within 200 ms", page, " ms", page <= 200)):
+            ("each page within 200 ms", page, " ms", page <= 200),
+            (f"99 of 100 group lists within 50 ms while {WAITING:,} pages wait", waiting["group list"][1], " ms",
+             waiting["group list"][1] <= 50)):
         lines.append(f"| {aim} | {measured:,.{1 if measured < 10 else 0}f}{unit} | {'met' if is_met else 'missed'} |")
     return [*lines, ""]
 
@@ -205,6 +212,9 @@ def text(rows, times, seconds):
     for name, figures in rows:
         lines.append(f"| {name} | {figures['runs']:,.0f} | " + " | ".join(
             f"{figures[kind][0]:.2f}, {figures[kind][1]:.1f} ms" for kind in KINDS) + f" | {figures['memory']:.0f} MB |")
+    [question] = (figures["question"] for name, figures in rows if "wait" in name)
+    lines += ["", f"A waiting page's question takes {question[0]:.1f} ms, 99 of 100 within {question[1]:.0f} ms: reports and "
+              "verdicts of the visitors have the same threads, which keeps group lists quick."]
     lines += ["", "| page, median | " + " | ".join(f"{count} reports" for count in times) + " |", "|---|" + "---:|" * len(times)]
     for page in PAGES:
         lines.append(f"| `{page}` | " + " | ".join(f"{run[page]:.0f} ms" for run in times.values()) + " |")

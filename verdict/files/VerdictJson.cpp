@@ -16,6 +16,7 @@ VerdictLine ReadVerdictLine(const json& entry)
     line.needed = entry.at("needed").get<std::string>();
     line.found = entry.at("found").get<std::string>();
     line.result = ParseResult(entry.at("result").get<std::string>()).value();
+    line.neededText = entry.value("needed text", "");
     line.advice = entry.value("advice", "");
     line.recommended = entry.value("recommended", false);
     for (const json& part : entry.value("any of", json::array()))
