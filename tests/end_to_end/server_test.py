@@ -166,7 +166,7 @@ class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
         self.stop()
         self.assertIn("version=4", self.command("migrate"))
-        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 3"),
+        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 4"),
                                       (self.database.version % 0, ("serve",), "run the command migrate"),
                                       (self.database.foreign, ("serve", "migrate"), "another program's")):
             self.database.run(sql)
