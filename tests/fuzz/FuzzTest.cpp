@@ -131,7 +131,7 @@ Texts MonitorAnswers()
 bool IsReadOrRefused(const Text& text)
 {
     try {
-        const program::Snapshot snapshot = program::ReadSnapshot(Narrow(text));
+        const Snapshot snapshot = program::ReadSnapshot(Narrow(text));
         return program::ReadSnapshot(WriteSupportFile(snapshot)).facts.size() == snapshot.facts.size();
     } catch (const program::UserError& error) {
         const std::string reason = error.what();

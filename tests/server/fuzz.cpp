@@ -15,6 +15,7 @@
 #include "server/protocol/AnalysisRequest.h"
 #include "server/report/Characters.h"
 #include "server/report/Report.h"
+#include "server/report/ReportFile.h"
 #include "server/report/Xml.h"
 #include "verdict/PageStyle.h"
 #include "verdict/Rendering.h"
@@ -172,10 +173,23 @@ Check ReadComparison(std::string_view text)
     };
 }
 
-/// A form's fields: as shown, as exported, and as searched for the line of a fault.
-Check ReadForm(std::string_view text)
+/// A file of a machine's values: what was read is kept as a report, and read again.
+Check ReadFile(std::string_view text)
 {
-    const auto form = Form::Read(text);
+    return [snapshot = ReadReportFile(text)] {
+        const std::string report = WriteReport(snapshot);
+        const Report again = Report::ReadValues(report);
+        Expect(again.Count() <= snapshot.facts.size(), "no more values");
+        for (const auto& [key, value] : again.All()) {
+            const auto found = snapshot.Lookup()(std::stoi(key.first), static_cast<int>(key.second));
+            Expect(found && Handed(*found) == Handed(value), "a value as it was kept");
+        }
+    };
+}
+
+/// A form's fields: as shown, as exported, and as searched for the line of a fault.
+Check CheckForm(const std::optional<Form>& form)
+{
     if (!form)
         return {};
     return [form] {
@@ -191,6 +205,21 @@ Check ReadForm(std::string_view text)
             Expect(line <= 1 + std::ranges::count(value, '\n'), "a line of the text");
         }
     };
+}
+
+Check ReadForm(std::string_view text)
+{
+    return CheckForm(Form::Read(text));
+}
+
+/// The same of a body with parts, in which ~ stands for a line end.
+Check ReadMultipart(std::string_view text)
+{
+    std::string body;
+    for (const char c : text)
+        body += c == '~' ? std::string("\r\n") : std::string(1, c);
+    const std::vector<char> bytes(body.begin(), body.end());
+    return CheckForm(Form::Read({bytes.data(), bytes.size()}, "multipart/form-data; boundary=x"));
 }
 
 /// Whether all texts of a parser passed, and enough of them were accepted.
@@ -239,7 +268,7 @@ int main()
         samples[name].push_back(kel::test::Wide(text));
     return Runs("target", ReadTarget) && Runs("report", ReadReport) && Runs("request", ReadRequest) &&
                    Runs("requirements", ReadRequirements) && Runs("comparison", ReadComparison) &&
-                   Runs("form", ReadForm)
+                   Runs("form", ReadForm) && Runs("file", ReadFile) && Runs("multipart", ReadMultipart)
                ? 0
                : 1;
 }
