@@ -122,7 +122,7 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
 
 std::shared_ptr<const Requirements> Service::FindRequirements(const std::string& product)
 {
-    const auto set = IsReferrer(product) ? RequirementSets(database).Newest(product) : std::nullopt;
+    const auto set = IsReferrer(product) ? RequirementSets(database).NewestForPage(product) : std::nullopt;
     return set ? sets.Get(set->id) : nullptr;
 }
 

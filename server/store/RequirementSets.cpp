@@ -62,6 +62,11 @@ std::optional<PublishedSet> RequirementSets::Newest(const std::string& referrer)
     return First(database.BorrowQuick()->Query(SelectSets + " LIMIT 1", {referrer}), ReadSet);
 }
 
+std::optional<PublishedSet> RequirementSets::NewestForPage(const std::string& referrer)
+{
+    return First(database.Read(SelectSets + " LIMIT 1", {referrer}), ReadSet);
+}
+
 std::string RequirementSets::Text(std::int64_t set)
 {
     return SelectText(*database.BorrowQuick(), set);

@@ -44,6 +44,9 @@ public:
     std::vector<PublishedSet> Versions(const std::string& referrer);
     /// The newest requirements of a referrer; nothing for an unknown one.
     std::optional<PublishedSet> Newest(const std::string& referrer);
+    /// The same for a caller that may wait: it leaves alone the connections that are reserved for group
+    /// lists.
+    std::optional<PublishedSet> NewestForPage(const std::string& referrer);
     /// The text of published requirements; empty for an unknown id.
     std::string Text(std::int64_t set);
     /// Publishes requirements as a referrer's newest version, unless they are the newest already. Returns the
