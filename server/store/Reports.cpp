@@ -3,29 +3,12 @@
 #include <algorithm>
 #include <limits>
 
+#include "server/store/Conditions.h"
 #include "server/store/ReportRows.h"
 
 namespace kel::server {
 
 namespace {
-
-/// A statement's conditions and their values.
-class Conditions {
-public:
-    /// Adds a condition in which ? stands for the value.
-    void Add(std::string condition, SqlValue value)
-    {
-        values.push_back(value);
-        condition.replace(condition.find('?'), 1, Parameter());
-        text += (text.empty() ? " WHERE " : " AND ") + condition;
-    }
-
-    /// The placeholder of the last value.
-    std::string Parameter() const { return std::string("$").append(std::to_string(values.size())); }
-
-    std::string text;
-    std::vector<SqlValue> values;
-};
 
 /// Ids follow the time of receipt, except by the clock skew between front ends or after a clock correction
 /// (ms). Without bounds on ids a query for old reports would scan everything that is newer.
