@@ -85,7 +85,9 @@ Html ProductTable(Database& database, const Period& period)
         cells.push_back(Link(RequirementsPath(product.referrer), product.hasDraft ? "draft" : "view"));
         table.Add(cells);
     }
-    return table.Done("No product has requirements yet.");
+    return table.Done(
+        "No product has requirements yet. An editor writes them here, or the command import publishes a "
+        "folder of files.");
 }
 
 /// How many reports arrived, with those that belong to no product.
@@ -113,9 +115,11 @@ Answer ShowOverview(const AdminRequest& request)
         content += NewProductForm();
     ReportFilter filter;
     filter.count = NewestReports;
-    content += Html::Element("h2", {}, "Newest reports") +
-               ReportsTable("The last ten; all of them are under Reports",
-                            Reports(request.database).List(filter), "No reports yet.");
+    content +=
+        Html::Element("h2", {}, "Newest reports") +
+        ReportsTable(
+            "The last ten; all of them are under Reports", Reports(request.database).List(filter),
+            "No reports yet. They appear once a page with the control asks this service for an analysis.");
     return Page(request, "Overview", content);
 }
 

@@ -27,6 +27,9 @@ public:
 
     const Days& Range() const { return days; }
     bool IsAll() const { return name == All; }
+    /// The time when it begins, and the one when it ends; 0 where it is open.
+    std::int64_t FromTime() const { return days.from * DayLength; }
+    std::int64_t UntilTime() const { return isOpen ? 0 : days.until * DayLength; }
     /// Whether there is a period before with as many days: not when an end is open, or when there is no day.
     bool HasBefore() const { return days.from > 0 && !isOpen && days.until > days.from; }
     /// The same number of days before.

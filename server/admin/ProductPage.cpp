@@ -92,8 +92,8 @@ Html VersionTable(const std::vector<VersionCount>& versions, const ReportQuery& 
     return table.Done("None.");
 }
 
-Html VerdictFigures(Database& database, const std::vector<VersionCount>& versions,
-                    const ReportQuery& sessions)
+Html VerdictFigures(Database& database, const std::vector<PublishedSet>& published,
+                    const std::vector<VersionCount>& versions, const ReportQuery& sessions)
 {
     const std::string& referrer = sessions.referrer;
     const Counts totals = Sum(versions);
@@ -107,7 +107,7 @@ Html VerdictFigures(Database& database, const std::vector<VersionCount>& version
     if (versions.size() > 1)
         tables = VersionTable(versions, sessions) + tables;
     return Answered(database, referrer, totals, sessions.period) + sentence + TotalFigures(totals, sessions) +
-           curve.Show(RequirementSets(database).Versions(referrer),
+           curve.Show(published,
                       [&](std::int64_t from, std::int64_t until) {
                           return ReportQuery::SessionsOf(referrer, Period::Between(from, until)).Address();
                       }) +
@@ -142,11 +142,43 @@ Html MachineCharts(Database& database, const ReportQuery& sessions, int all)
            Html::Element("div", {{"class", "charts"}}, charts);
 }
 
+/// Throws Fault 404 for a name that nothing stored has.
+void RequireKnown(Database& database, const std::string& referrer, const std::vector<PublishedSet>& published)
+{
+    ReportFilter any;
+    any.referrer = referrer;
+    any.count = 1;
+    if (published.empty() && !RequirementSets(database).FindDraft(referrer) &&
+        Reports(database).List(any).empty())
+        throw Fault(404, "There is no such product.");
+}
+
+/// What is missing for figures, and where to go for it.
+Html NoSessions(const ReportQuery& sessions, bool isPublished)
+{
+    const std::string& referrer = sessions.referrer;
+    if (!isPublished)
+        return Html::Element("p", {{"class", "empty"}},
+                             {"Nothing is published for this product yet, so no session can be judged. ",
+                              Link(RequirementsPath(referrer), "To its requirements"), "."});
+    if (!sessions.period.IsAll())
+        return Html::Element(
+            "p", {{"class", "empty"}},
+            {fmt::format("No session was judged {}. ", sessions.period.Text()),
+             Link(ProductPath(referrer) + "?period=" + std::string(Period::All), "Show all days"), "."});
+    return Html::Element(
+        "p", {{"class", "empty"}},
+        {"No session was judged yet. Figures appear once a page with the control names the referrer ",
+         Html::Stored(referrer), " and asks for an analysis."});
+}
+
 }  // namespace
 
 Answer ShowProduct(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
+    const auto published = RequirementSets(request.database).Versions(referrer);
+    RequireKnown(request.database, referrer, published);
     const ReportQuery sessions = ReportQuery::SessionsOf(referrer, Period::Read(request, Period::Usual));
     const auto versions = DayCounts(request.database).ByVersion(referrer, sessions.period.Range());
     ReportQuery reports = sessions;
@@ -156,10 +188,9 @@ Answer ShowProduct(const AdminRequest& request)
                                   ButtonLink(reports.Address(), "Reports")}) +
                    sessions.period.Choice(ProductPath(referrer));
     if (versions.empty()) {
-        content += Html::Element("p", {{"class", "empty"}},
-                                 fmt::format("No session was judged {}.", sessions.period.Text()));
+        content += NoSessions(sessions, !published.empty());
     } else {
-        content += VerdictFigures(request.database, versions, sessions) +
+        content += VerdictFigures(request.database, published, versions, sessions) +
                    Html::Element("h2", {}, "What visitors have") +
                    MachineCharts(request.database, sessions, Sum(versions).All());
     }

@@ -102,9 +102,8 @@ ReportFilter ReportQuery::Filter() const
     filter.line = line;
     filter.lineResult = ParseResult(result);
     filter.isOnce = isOnce;
-    const Days& days = period.Range();
-    filter.from = days.from * DayLength;
-    filter.until = days.until == Days().until ? 0 : days.until * DayLength;
+    filter.from = period.FromTime();
+    filter.until = period.UntilTime();
     return filter;
 }
 

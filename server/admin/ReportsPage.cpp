@@ -108,7 +108,8 @@ Answer ShowReports(const AdminRequest& request)
     if (!query.problem.empty())
         content += Notice("bad", query.problem);
     content += FilterForm(query) + Restriction(query) +
-               ReportsTable("Reports, the newest first", lines, "No reports here.");
+               ReportsTable("Reports, the newest first", lines,
+                            Html("No reports here. ") + Link("/reports", "Show all reports"));
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);
     return Page(request, "Reports", content);

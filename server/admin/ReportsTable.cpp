@@ -12,8 +12,7 @@ constexpr std::size_t MaxSessionBytes = 60;  // that a list shows
 
 }  // namespace
 
-Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines,
-                  const std::string& whenEmpty)
+Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines, const Html& whenEmpty)
 {
     Table table(caption, {{"Report"}, {"Received (UTC)"}, {"Product"}, {"Session"}, {"Verdict"}});
     for (const ReportLine& line : lines) {

@@ -9,7 +9,6 @@
 namespace kel::server {
 
 /// A table of reports, or a sentence instead when there are none.
-Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines,
-                  const std::string& whenEmpty);
+Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines, const Html& whenEmpty);
 
 }  // namespace kel::server

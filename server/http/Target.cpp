@@ -63,9 +63,9 @@ std::optional<Target> Target::Read(std::string_view text)
         const std::string_view parameter = rest.substr(0, rest.find('&'));
         rest.remove_prefix(std::min(parameter.size() + 1, rest.size()));
         const std::size_t equals = parameter.find('=');
+        const std::string_view raw = equals == std::string_view::npos ? "" : parameter.substr(equals + 1);
         target.query.push_back(
-            {DecodePercent(parameter.substr(0, equals)),
-             equals == std::string_view::npos ? std::string() : DecodePercent(parameter.substr(equals + 1))});
+            {DecodePercent(parameter.substr(0, equals)), DecodePercent(raw), std::string(raw)});
     }
     return target;
 }
@@ -85,7 +85,7 @@ std::string WithoutSessions(std::string_view target)
     return shown;
 }
 
-std::optional<std::string> Target::Only(std::string_view name) const
+std::optional<std::string> Target::Only(std::string_view name, bool isForm) const
 {
     const Parameter* found = nullptr;
     for (const Parameter& parameter : query) {
@@ -95,7 +95,9 @@ std::optional<std::string> Target::Only(std::string_view name) const
             return std::nullopt;
         found = &parameter;
     }
-    return found ? std::optional(found->value) : std::nullopt;
+    if (!found)
+        return std::nullopt;
+    return isForm ? DecodePercent(found->raw, true) : found->value;
 }
 
 }  // namespace kel::server

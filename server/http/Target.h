@@ -16,6 +16,7 @@ std::string DecodePercent(std::string_view text, bool isForm = false);
 struct Target {
     struct Parameter {
         std::string name, value;
+        std::string raw;  // the value as it was sent
     };
 
     std::string path;              // percent-decoded, without host
@@ -24,8 +25,9 @@ struct Target {
     /// Nothing when the target has no path.
     static std::optional<Target> Read(std::string_view text);
 
-    /// The value of a parameter that the query has exactly once; nothing otherwise.
-    std::optional<std::string> Only(std::string_view name) const;
+    /// The value of a parameter that the query has exactly once; nothing otherwise. With `isForm`, a plus
+    /// sign is a blank, as in what a browser sends for a form.
+    std::optional<std::string> Only(std::string_view name, bool isForm = false) const;
 };
 
 /// A request's target as the log shows it: without the sessions in it, as a session opens its verdict. A UUID

@@ -1,5 +1,6 @@
 #include "server/store/Audit.h"
 
+#include "server/store/Conditions.h"
 #include "server/store/Rows.h"
 
 namespace kel::server {
@@ -16,15 +17,23 @@ void Audit::Add(const std::string& account, const std::string& action, const std
         [&](SqlConnection& connection) { return AddEntry(connection, account, action, subject); });
 }
 
-std::vector<AuditEntry> Audit::Entries(std::int64_t beforeId, int count)
+std::vector<AuditEntry> Audit::Entries(const AuditFilter& filter)
 {
-    const std::string before = beforeId > 0 ? "WHERE id < $2 " : "";
-    std::vector<SqlValue> values{std::int64_t{count}};
-    if (beforeId > 0)
-        values.emplace_back(beforeId);
-    return Each(database.Read("SELECT id, time, account, action, subject FROM audit " + before +
-                                  "ORDER BY id DESC LIMIT $1",
-                              values),
+    Conditions conditions;
+    if (filter.beforeId > 0)
+        conditions.Add("id < ?", filter.beforeId);
+    if (!filter.account.empty())
+        conditions.Add("account = ?", filter.account);
+    if (!filter.text.empty())  // both databases have these functions
+        conditions.Add("replace(action || ' ' || subject, ?, '') <> action || ' ' || subject", filter.text);
+    if (filter.from > 0)
+        conditions.Add("time >= ?", filter.from);
+    if (filter.until > 0)
+        conditions.Add("time < ?", filter.until);
+    conditions.values.emplace_back(std::int64_t{filter.count});
+    return Each(database.Read("SELECT id, time, account, action, subject FROM audit" + conditions.text +
+                                  " ORDER BY id DESC LIMIT " + conditions.Parameter(),
+                              conditions.values),
                 [](SqlRow& row) {
                     return AuditEntry{row.Number(), row.Number(), row.Text(), row.Text(), row.Text()};
                 });

@@ -3,23 +3,16 @@
 #include <algorithm>
 #include <limits>
 
+#include "server/store/Conditions.h"
 #include "server/store/ReportRows.h"
 
 namespace kel::server {
 
 namespace {
 
-/// A statement's conditions and their values.
-class Conditions {
+/// The conditions on reports that take several values.
+class ReportConditions : public Conditions {
 public:
-    /// Adds a condition in which ? stands for the value.
-    void Add(std::string condition, SqlValue value)
-    {
-        values.push_back(value);
-        condition.replace(condition.find('?'), 1, Parameter());
-        text += (text.empty() ? " WHERE " : " AND ") + condition;
-    }
-
     /// Adds a condition on an id of a report: its session begins with one of the texts, of which there are at
     /// most `max` and which end with an ASCII character. They and their ends have to outlive the conditions.
     void AddBeginnings(const std::string& column, const std::vector<std::string>& begins,
@@ -51,12 +44,6 @@ public:
         }
         text += " AND (" + any + ")";
     }
-
-    /// The placeholder of the last value.
-    std::string Parameter() const { return std::string("$").append(std::to_string(values.size())); }
-
-    std::string text;
-    std::vector<SqlValue> values;
 };
 
 /// Ids follow the time of receipt, except by the clock skew between front ends or after a clock correction
@@ -152,7 +139,7 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
     const std::string lineResult(filter.lineResult ? ToString(*filter.lineResult) : "");
     const std::string id = byVerdict && !isOfFew ? "verdict.report" : "report.id";
     const std::string prefix = isOfFew ? unindexed : "";
-    Conditions conditions;
+    ReportConditions conditions;
     const auto [after, before] = Span(*connection, filter);
     conditions.Add(id + " > ?", after);
     conditions.Add(id + " < ?", before);

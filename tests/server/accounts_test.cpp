@@ -13,7 +13,7 @@ TEST_F(StoreTest, LogInsNeedTheAccountsPresentPassword)
     Accounts accounts(Open());
     accounts.Save({"ann", "h1", Role::Editor}, "cli");
     accounts.Save({"Bob", "h2", Role::Reader}, "cli");
-    EXPECT_EQ(Audit(*database).Entries(0, 1).at(0).subject, "Bob, reader");
+    EXPECT_EQ(Audit(*database).Entries({.count = 1}).at(0).subject, "Bob, reader");
     const auto add = [&](const char* key, const char* name, std::int64_t ends, const char* hash) {
         return accounts.AddLogin({key, name, Role::Reader, "token", ends, LoginKind::Program, hash});
     };
@@ -32,7 +32,7 @@ TEST_F(StoreTest, LogInsNeedTheAccountsPresentPassword)
     raw->Execute("COMMIT");
     EXPECT_FALSE(late.get()) << "the password changed meanwhile";
     EXPECT_TRUE(accounts.Remove("Bob", "cli"));
-    EXPECT_EQ(Audit(*database).Entries(0, 1).at(0).action, "account removed");
+    EXPECT_EQ(Audit(*database).Entries({.count = 1}).at(0).action, "account removed");
 }
 
 TEST_F(StoreTest, TheAuditGoesBackAYear)
@@ -40,15 +40,15 @@ TEST_F(StoreTest, TheAuditGoesBackAYear)
     Audit audit(Open());
     for (const char* subject : {"1", "2", "3"})
         audit.Add("ann", "did", subject);
-    const auto newest = audit.Entries(0, 2);
+    const auto newest = audit.Entries({.count = 2});
     ASSERT_EQ(newest.size(), 2U);
     EXPECT_EQ(newest[0].subject, "3");
     EXPECT_EQ(newest[1].subject, "2");
-    EXPECT_EQ(audit.Entries(newest[1].id, 2).at(0).subject, "1");
+    EXPECT_EQ(audit.Entries({.beforeId = newest[1].id, .count = 2}).at(0).subject, "1");
     raw->Query("UPDATE audit SET time = $1 WHERE subject < '3'", {Now() - 366 * 24 * 60 * Minute});
     audit.Add("ann", "did", "4");
     EXPECT_EQ(CountRows("audit"), 2);
-    EXPECT_EQ(audit.Entries(0, 2).at(1).subject, "3");
+    EXPECT_EQ(audit.Entries({.count = 2}).at(1).subject, "3");
 }
 
 }  // namespace

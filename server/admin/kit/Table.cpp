@@ -23,7 +23,7 @@ void Table::Add(const std::vector<Html>& cells)
     rows += Html::Element("tr", {}, row);
 }
 
-Html Table::Done(const std::string& whenEmpty) const
+Html Table::Done(const Html& whenEmpty) const
 {
     if (rows.IsEmpty())
         return Html::Element("p", {{"class", "empty"}}, whenEmpty);

@@ -20,7 +20,7 @@ public:
     /// A cell for each column.
     void Add(const std::vector<Html>& cells);
     /// The table, or a sentence instead when it has no rows.
-    Html Done(const std::string& whenEmpty) const;
+    Html Done(const Html& whenEmpty) const;
 
 private:
     std::string caption;

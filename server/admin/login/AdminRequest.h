@@ -27,7 +27,7 @@ struct AdminRequest {
 
     bool IsEditor() const { return !login.account.empty() && login.role == Role::Editor; }
     /// A parameter of the query, cleaned; empty when it is missing or repeated.
-    std::string Query(std::string_view name) const { return Clean(target.Only(name).value_or("")); }
+    std::string Query(std::string_view name) const { return Clean(target.Only(name, true).value_or("")); }
     /// The subject as a referrer; throws Fault 404 when it cannot be one.
     const std::string& Referrer() const
     {
