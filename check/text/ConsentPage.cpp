@@ -6,6 +6,7 @@
 
 #include "BuildSettings.h"
 #include "program/machine/Machine.h"
+#include "service/ServiceHost.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
 
@@ -56,12 +57,13 @@ std::string DescribeTransfer(const CheckName& name, const std::string& service,
 {
     std::string text =
         "The program examines the hardware, Windows and the installed programs. It sends to " + service +
-        ", without encryption:\n• the values that are listed above\n• the product: " + name.product +
+        (IsServiceSecure() ? ", encrypted" : ", without encryption") +
+        ":\n• the values that are listed above\n• the product: " + name.product +
         "\n• the identifier of this check, which the page has made: " + name.session +
         "\nAs any server, it sees this computer's internet address. Its answer is the verdict, which the "
         "page "
         "can show, too.\nNo file, document or password is sent, and nothing is installed.";
-    if (std::ranges::count(values, program::BandwidthGroup) > 0)
+    if (std::ranges::any_of(values, &program::UsesNetwork))
         text += "\nTo measure the connection, a file of 1 MB is downloaded from " + ToUtf8(KEL_CONTENT_HOST) +
                 ".";
     return text;

@@ -26,7 +26,7 @@ std::string Quoted(const std::string& answer)
 {
     const std::string_view text = Trim(answer);
     return text.empty() ? "It gave no reason."
-                        : "It answered: “" + Shortened(program::Printable(text), MaxEcho) + "”.";
+                        : "It answered: “" + Shortened(kel::Printable(text), MaxEcho) + "”.";
 }
 
 }  // namespace
@@ -54,7 +54,7 @@ Page NotSavedPage(const std::string& reason)
 Page FailurePage(const std::string& reason)
 {
     return Problem("The check ended with an error.",
-                   program::Printable(reason) + "\nRestart Windows. " + StartAgain);
+                   kel::Printable(reason) + "\nRestart Windows. " + StartAgain);
 }
 
 Page RefusedPage(const program::ServiceAnswer& answer, const CheckName& name, const std::string& service)

@@ -40,7 +40,7 @@ constexpr Section Met[] = {
 
 std::string Shown(const std::string& text)
 {
-    return Shortened(program::Printable(text), MaxText);
+    return Shortened(kel::Printable(text), MaxText);
 }
 
 std::string Describe(const VerdictLine& line)

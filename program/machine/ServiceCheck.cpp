@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "program/files/VerdictJson.h"
 #include "run/System.h"
 #include "run/store/FixedGroups.h"
 #include "service/AnalysisRequest.h"
 #include "service/CallBudget.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
+#include "verdict/files/VerdictJson.h"
 
 namespace kel::program {
 

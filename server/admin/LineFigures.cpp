@@ -68,11 +68,12 @@ Html LineFigures::Sentence() const
     const std::size_t place = lines.front();
     const Counts& count = counts[place];
     const int line = static_cast<int>(place) + 1;
-    return Html::Element("p", {},
-                         {"What stops most of the others: ", Html::Stored(requirements->lines[place].label.Default()),
-                          ", which ", CountLink(query.WithLine(line, "fail"), count.fail), " fail and ",
-                          CountLink(query.WithLine(line, "unknown"), count.unknown),
-                          fmt::format(" leave unknown, by version {}.", version.version)});
+    return Html::Element(
+        "p", {},
+        {"What stops most of the others: ", Html::Stored(requirements->lines[place].label.Default()),
+         ", which ", CountLink(query.WithLine(line, "fail"), count.fail), " fail and ",
+         CountLink(query.WithLine(line, "unknown"), count.unknown),
+         fmt::format(" leave unknown, by version {}.", version.version)});
 }
 
 Html LineFigures::LineTable(const std::string& caption, const std::string& kind,
@@ -91,9 +92,9 @@ Html LineFigures::LineTable(const std::string& caption, const std::string& kind,
         const auto link = [&](const char* result, int number) {
             return CountLink(query.WithLine(static_cast<int>(place) + 1, result), number);
         };
-        table.Add({LineLabel(line.label.Default(), line.recommended), NamesOfValues(line), Html::Stored(line.Needed()),
-                   link("fail", count.fail), link("unknown", count.unknown), link("pass", count.pass),
-                   Percentage(Unmet(count), Unmet(count) + count.pass)});
+        table.Add({LineLabel(line.label.Default(), line.recommended), NamesOfValues(line),
+                   Html::Stored(line.Needed()), link("fail", count.fail), link("unknown", count.unknown),
+                   link("pass", count.pass), Percentage(Unmet(count), Unmet(count) + count.pass)});
     }
     return table.Done("None.");
 }

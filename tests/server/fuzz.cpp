@@ -109,8 +109,8 @@ Check ReadTarget(std::string_view text)
         return {};
     return [target] {
         std::string again = "/" + Encoded(target->path.substr(1)) + "?";
-        for (const auto& [name, value] : target->query)
-            again += Encoded(name) + "=" + Encoded(value) + "&";
+        for (const Target::Parameter& parameter : target->query)
+            again += Encoded(parameter.name) + "=" + Encoded(parameter.value) + "&";
         const auto second = Target::Read(again);
         const auto same = [&](const auto& a, const auto& b) {
             return a.name == b.name && a.value == b.value;

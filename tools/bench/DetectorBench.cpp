@@ -157,7 +157,7 @@ void Here(const Lines& names, const std::wstring& wanted)
          }},
     };
     test::TestSession session;
-    session.wanted.Assign(wanted, L"");
+    session.wanted.Assign(wanted, L"", true);
     for (const auto& [name, detect] : detectors) {
         if (!names.empty() && std::ranges::count(names, name) == 0)
             continue;

@@ -23,7 +23,7 @@ void Render()
         session.values.AddValue(id, id % 10 == 0 ? L"Text <of> a & value" : L"Text of another value");
         wanted += std::to_wstring(id) + L"|";
     }
-    session.wanted.Assign(wanted, L"");
+    session.wanted.Assign(wanted, L"", true);
     std::wstring report;
     Print("render", TimedEach(Reports, [&] {
                         XMLReport(session.values).GetReport(XMLReport::StandardOption, report);
