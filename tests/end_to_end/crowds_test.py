@@ -168,7 +168,7 @@ class Ends(DeployedTest):
                 self.connect()
             half.sendall(report[50:])
             answer = b"".join(iter(lambda: half.recv(4096), b""))
-            self.assertRegex(answer, rb"^HTTP/1.1 200 OK\r\n(.|\r\n)*Connection: close\r\n(.|\r\n)*\r\n\r\nOK$")
+            self.assertRegex(answer, rb"^HTTP/1.1 200 OK\r\n(.|\r\n)*Connection: close\r\n(.|\r\n)*\r\nOK$")
             self.assertEqual(self.process.wait(PATIENCE), 0)
             self.start()
 

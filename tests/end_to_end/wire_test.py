@@ -54,10 +54,10 @@ class Wire(ControlTest):
                     'control.Configure("<session_id>other</session_id>"); control.Detect();'
                     'control.ReferrerID = "late"; control.SessionID = "new"; control.Detect();'
                     'control.SessionID = ""; WScript.Echo(control.Analysis("i", "xml", "1"));')
-        # The service gets the later referrer; the wanted groups stay those of the first one.
-        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, UPLOAD, ANALYSIS.replace("demo", "late")])
-        for text in ('id="71424"><value>new<', 'id="71218"><value>late<', 'id="71063"'):
-            self.assertIn(text, self.service.requests[2]["body"])
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, GROUP_LIST.replace("demo", "late"), UPLOAD,
+                                        ANALYSIS.replace("demo", "late")])
+        for text in ('id="71424"><value>new<', 'id="71218"><value>late<', 'id="71094"'):
+            self.assertIn(text, self.service.requests[3]["body"])
 
     def test_uploads_only_wanted_groups_though_all_are_detected(self):
         output = self.run_as(

@@ -168,6 +168,7 @@ TEST(ProgramFiles, OtherFilesAreRefusedInOneLine)
         {R"({"kel":1,"values":[]}x)", "damaged"},
         {R"({"kel":1,"verdict":{},"values":[]})", "verdict"},
         {R"({"kel":1,"values":[{"id":5,"val)", "cut off at byte 32"},
+        {R"({"kel":1e999})", "a number that is too large"},
         {R"({"reports":[]})", "no reports"},
         {std::string(R"({"kel":)") + std::string(100000, '['), "nested"},
         {"<groups><group", "not a report"},

@@ -44,6 +44,8 @@ json ParseFile(const std::string& text)
     } catch (const json::parse_error& error) {
         throw FileError("The file is damaged or cut off at byte " + std::to_string(error.byte) +
                         ". Ask for the file again.");
+    } catch (const json::out_of_range&) {
+        throw FileError("The file has a number that is too large. Ask for the file again.");
     }
 }
 
