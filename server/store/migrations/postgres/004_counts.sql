@@ -78,18 +78,21 @@ BEGIN
     SELECT * INTO own FROM report WHERE id = NEW.report;
     -- Verdicts on one session wait for each other.
     PERFORM pg_advisory_xact_lock(hashtextextended(own.session, NEW.referrer));
+    -- The arrays keep both statements to the session's few reports, whatever the statistics say.
     FOR older IN
-        UPDATE verdict SET counted = 0 FROM report
-        WHERE report.id = verdict.report AND report.session = own.session AND verdict.referrer = NEW.referrer
-            AND verdict.counted = 1 AND (verdict.report, verdict.requirement_set) < (NEW.report, NEW.requirement_set)
+        UPDATE verdict SET counted = 0
+        WHERE verdict.report = ANY (ARRAY(SELECT id FROM report WHERE session = own.session))
+            AND verdict.referrer + 0 = NEW.referrer AND verdict.counted = 1
+            AND (verdict.report + 0, verdict.requirement_set) < (NEW.report, NEW.requirement_set)
         RETURNING verdict.*
     LOOP
         PERFORM count_verdict(older, received, -1, (NEW.report % 8)::INTEGER) FROM report WHERE id = older.report;
     END LOOP;
     IF EXISTS (
-        SELECT 1 FROM verdict AS newer JOIN report ON report.id = newer.report
-        WHERE report.session = own.session AND newer.referrer = NEW.referrer AND newer.counted = 1
-            AND (newer.report, newer.requirement_set) > (NEW.report, NEW.requirement_set))
+        SELECT 1 FROM verdict AS newer
+        WHERE newer.report = ANY (ARRAY(SELECT id FROM report WHERE session = own.session))
+            AND newer.referrer + 0 = NEW.referrer AND newer.counted = 1
+            AND (newer.report + 0, newer.requirement_set) > (NEW.report, NEW.requirement_set))
     THEN
         UPDATE verdict SET counted = 0 WHERE report = NEW.report AND requirement_set = NEW.requirement_set;
     ELSE
