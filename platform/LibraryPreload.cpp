@@ -1,5 +1,8 @@
 #include "platform/LibraryPreload.h"
 
+#include <objbase.h>
+#include <wrl/client.h>
+
 #include "platform/Library.h"
 
 namespace kel {
@@ -8,11 +11,25 @@ namespace {
 
 constexpr DWORD MaxWait = 2000;  // milliseconds
 
-DWORD WINAPI LoadAll(LPVOID names)
+void LoadClasses(std::span<const CLSID> classes)
 {
+    if (FAILED(CoInitializeEx(nullptr, COINIT_MULTITHREADED)))
+        return;
+    for (const CLSID& id : classes) {
+        Microsoft::WRL::ComPtr<IUnknown> factory;
+        static_cast<void>(CoGetClassObject(id, CLSCTX_INPROC_SERVER, nullptr, IID_IUnknown,
+                                           reinterpret_cast<void**>(factory.GetAddressOf())));
+    }
+    CoUninitialize();
+}
+
+DWORD WINAPI LoadAll(LPVOID context)
+{
+    const auto& list = *static_cast<const LibraryPreload::List*>(context);
     try {
-        for (auto name = static_cast<const wchar_t* const*>(names); *name != nullptr; ++name)
-            static_cast<void>(LoadSystemLibrary(*name).release());
+        for (const wchar_t* const name : list.libraries)
+            static_cast<void>(LoadSystemLibrary(name).release());
+        LoadClasses(list.classes);
     } catch (...) {
         // Out of memory: the rest is loaded when it is needed.
     }
@@ -21,8 +38,8 @@ DWORD WINAPI LoadAll(LPVOID names)
 
 }  // namespace
 
-LibraryPreload::LibraryPreload(const wchar_t* const* names) noexcept
-    : thread(CreateThread(nullptr, 0, &LoadAll, const_cast<const wchar_t**>(names), 0, nullptr))
+LibraryPreload::LibraryPreload(const List& list) noexcept
+    : thread(CreateThread(nullptr, 0, &LoadAll, const_cast<List*>(&list), 0, nullptr))
 {
 }
 

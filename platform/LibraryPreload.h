@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <span>
+
 #include "platform/Handles.h"
 
 namespace kel {
@@ -11,8 +13,13 @@ namespace kel {
 /// can be created, the code that needs a library loads it.
 class LibraryPreload {
 public:
-    /// @param names literals, with null behind the last one
-    explicit LibraryPreload(const wchar_t* const* names) noexcept;
+    struct List {
+        std::span<const wchar_t* const> libraries;
+        std::span<const CLSID> classes;  ///< whose libraries load others when their class is asked for
+    };
+
+    /// @param list lives as long as the process
+    explicit LibraryPreload(const List& list) noexcept;
     LibraryPreload(const LibraryPreload&) = delete;
     LibraryPreload& operator=(const LibraryPreload&) = delete;
     /// Waits until they are loaded, for two seconds at most: in a host that holds the loader's lock, they

@@ -1,5 +1,7 @@
 #include "probes/cpu/SystemCpu.h"
 
+#include <mmdeviceapi.h>
+
 #include <windows.h>
 
 #ifdef _MSC_VER
@@ -29,13 +31,17 @@ constexpr DWORD VirtualizationFeature = 21;  // PF_VIRT_FIRMWARE_ENABLED
 constexpr DWORD MaxTopologySize = 16 * 1024 * 1024;
 
 /// What the detectors after this one load, and takes a while to load.
-constexpr const wchar_t* LaterLibraries[] = {L"dxgi.dll",  L"msi.dll",     L"mmdevapi.dll", L"iphlpapi.dll",
-                                             L"winmm.dll", L"shell32.dll", nullptr};
+constexpr const wchar_t* LaterLibraries[] = {L"dxgi.dll",    L"msi.dll",      L"mmdevapi.dll",
+                                             L"propsys.dll", L"iphlpapi.dll", L"winmm.dll",
+                                             L"shell32.dll", L"powrprof.dll", L"tbs.dll"};
+/// The list of the sound endpoints.
+constexpr CLSID LaterClasses[] = {__uuidof(MMDeviceEnumerator)};
+constexpr LibraryPreload::List Later = {LaterLibraries, LaterClasses};
 
 /// The measurement takes a second, in which the libraries are loaded.
 float MeasureWhileLoading()
 {
-    const LibraryPreload libraries(LaterLibraries);
+    const LibraryPreload libraries(Later);
     return MeasureMegahertz();
 }
 

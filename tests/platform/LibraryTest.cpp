@@ -1,6 +1,7 @@
 #include "platform/Library.h"
 
 #include <gtest/gtest.h>
+#include <wbemcli.h>
 
 #include <string>
 #include <utility>
@@ -64,12 +65,16 @@ TEST(Library, WarnsOfAFunctionThatIsMissing)
 
 TEST(Library, IsLoadedAheadAndStaysLoaded)
 {
-    static constexpr const wchar_t* Names[] = {L"no library", L"wsnmp32.dll", nullptr};
+    static constexpr const wchar_t* Names[] = {L"no library", L"wsnmp32.dll"};
+    static constexpr CLSID Classes[] = {{}, __uuidof(WbemLocator)};
+    static constexpr LibraryPreload::List List = {Names, Classes};
     ASSERT_EQ(GetModuleHandleW(L"wsnmp32.dll"), nullptr);
+    ASSERT_EQ(GetModuleHandleW(L"wbemprox.dll"), nullptr);
     {
-        const LibraryPreload libraries(Names);
+        const LibraryPreload libraries(List);
     }
     EXPECT_NE(GetModuleHandleW(L"wsnmp32.dll"), nullptr);
+    EXPECT_NE(GetModuleHandleW(L"wbemprox.dll"), nullptr);
 }
 
 }  // namespace
