@@ -125,7 +125,7 @@ ExitCode ShowVerdict(const CheckName& name, const Verdict& verdict)
 ExitCode Check(const CheckName& name)
 {
     const ServiceAnswer wanted = AskForWantedValues(name);
-    if (!IsGroupList(wanted))
+    if (!program::IsGroupList(wanted))
         return ShowProblem(RefusedPage(wanted, name, Service()));
     AskForConsent(name);
     const VerdictAnswer answer = CheckMachine();

@@ -1,6 +1,7 @@
 // The check's page. Where the browser loads the control, shows its verdict. Elsewhere on Windows the visitor starts a program,
-// and the page asks the service for the verdict on what the program sends. A verdict's texts go into text nodes: they may come
-// over plain HTTP, and no part of them becomes markup. Old engines run this file, too, so it has the old syntax alone.
+// and the page asks the service for the verdict on what the program sends; or the browser's extension makes the check. A
+// verdict's texts go into text nodes: they may come over plain HTTP, and no part of them becomes markup. Old engines run this
+// file, too, so it has the old syntax alone.
 (function () {
   var PAUSE = 2000, MAX_PAUSE = 30000;  // milliseconds between questions; at most, while the service does not answer
   var TIMEOUT = 30000, PATIENCE = 10 * 60 * 1000;
@@ -21,6 +22,14 @@
     [/^cut/, "The answer of the analysis service was cut off.", "Please try again."],
     [/^/, "The analysis service gave no verdict.", "Please try again later."]
   ];
+
+  // Why the browser's extension gave no verdict, where the service is not the reason.
+  var REFUSALS = {
+    "refused": ["This page may not check the computer.", "You can change that in the options of the extension."],
+    "closed": ["The check was cancelled.", "You can start it again."],
+    "no host": ["The program of the extension is not installed.", "Please use the download."],
+    "": ["The extension could not make the check.", "Please try again, or use the download."]
+  };
 
   function byId(id) { return document.getElementById(id); }
 
@@ -136,7 +145,7 @@
 
   function isText(value) { return typeof value == "string"; }
 
-  function fromJson(text, product, session) {
+  function fromJson(text, product, session, isFromExtension) {
     var content, lines = [];
     try { content = JSON.parse(text); } catch (error) { return null; }
     if (!content || content.product !== product || content.session !== session || !isText(content.title) ||
@@ -144,10 +153,11 @@
       return null;
     for (var i = 0; i < content.requirements.length; ++i) {
       var line = content.requirements[i];
-      if (!line || !MARKS.hasOwnProperty(line.result) || !isText(line.label) || !isText(line.needed) || !isText(line.found))
+      if (!line || !MARKS.hasOwnProperty(line.result) || !isText(line.label) || !isText(line.needed) ||
+          !(isText(line.found) || line.found === undefined && isFromExtension))
         return null;
       lines.push({
-        result: line.result, label: line.label, found: line.found,
+        result: line.result, label: line.label, found: line.found || "",
         needed: isText(line["needed text"]) ? line["needed text"] : line.needed,
         advice: isText(line.advice) ? line.advice : "", recommended: line.recommended === true
       });
@@ -227,6 +237,29 @@
       say("total", "Waiting for the program\u2026", "total waiting");
       say("note", "Please open the downloaded program, and press \u201cCheck\u201d there. The answer appears here by itself.");
       stop = waitForVerdict(service, product, session);
+    }
+    function check() {
+      stop();
+      say("total", "Waiting for the extension\u2026", "total waiting");
+      say("note", "It asks whether this page may check the computer.");
+      window.kelCheck(product, session, function (area) {
+        say("note", area ? "Reading: " + area : "Sending the values, and waiting for the verdict.");
+      }).then(function (answer) {
+        var verdict = fromJson(JSON.stringify(answer), product, session, true);
+        if (!verdict) throw {};
+        byId("offer").setAttribute("hidden", "hidden");
+        byId("requirements").className = "without-found";  // which a page does not get from the extension
+        showVerdict(verdict);
+      })["catch"](function (error) {
+        var refusal = REFUSALS.hasOwnProperty(error.reason) ? REFUSALS[error.reason] : REFUSALS[""];
+        if (error.reason == "service") return showTrouble(error.state);
+        say("total", refusal[0], "total unknown");
+        say("note", refusal[1]);
+      });
+    }
+    if (typeof window.kelCheck == "function") {
+      byId("extension").onclick = check;
+      byId("extension").removeAttribute("hidden");
     }
     say("total", "This computer has not been checked yet.", "total waiting");
     byId("download").setAttribute("href", service + "/v1/check/" + product + "/" + session);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "BuildSettings.h"
+#include "program/host/Caller.h"
 #include "program/text/Output.h"
 #include "program/text/UserError.h"
 #include "verdict/text/Text.h"
@@ -109,6 +110,15 @@ void AddCompare(CLI::App& app, Options& options)
     compare->callback([&options] { options.command = Command::Compare; });
 }
 
+void AddHost(CLI::App& app, Options& options)
+{
+    CLI::App* host = app.add_subcommand("host", "Answer the browser extension; a browser starts this");
+    host->add_option("caller", options.callers, "The extension, as the browser names it");
+    host->add_option("--parent-window", options.parentWindow,
+                     "The browser's window, as it names it; not used");
+    host->callback([&options] { options.command = Command::Host; });
+}
+
 /// One line, in the words of this program.
 std::string OneLine(std::string reason)
 {
@@ -132,6 +142,9 @@ std::optional<Options> ReadCommandLine(std::vector<std::string> arguments)
     AddReport(app, options);
     AddExplain(app, options);
     AddCompare(app, options);
+    AddHost(app, options);
+    if (IsStartedByBrowser(arguments))  // which cannot add arguments of its own
+        arguments.insert(arguments.begin(), "host");
     std::reverse(arguments.begin(), arguments.end());  // as the library takes them
     try {
         app.parse(std::move(arguments));

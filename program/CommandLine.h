@@ -6,7 +6,7 @@
 
 namespace kel::program {
 
-enum class Command { Facts, Check, Report, Explain, Compare };
+enum class Command { Facts, Check, Report, Explain, Compare, Host };
 
 /// What the user asks for. Texts are UTF-8; those that were not given are empty.
 struct Options {
@@ -15,8 +15,10 @@ struct Options {
     std::string product;
     std::string requirements;  // a file, as the next two
     std::string html;
-    std::vector<std::string> files;  // those that are read, or the one that is written
-    std::string service;             // a host
+    std::vector<std::string> files;    // those that are read, or the one that is written
+    std::string service;               // a host
+    std::vector<std::string> callers;  // what a browser names as the caller of its native host
+    std::string parentWindow;          // likewise
     bool asJson = false;
     bool asCsv = false;
     bool showsReasons = false;

@@ -29,4 +29,7 @@ int WriteReport(const Options& options);
 int ExplainFile(const Options& options);
 int CompareFiles(const Options& options);
 
+/// Answers a browser's extension until the input ends, which ends the process.
+int ServeBrowser(const Options& options);
+
 }  // namespace kel::program

@@ -27,6 +27,8 @@ int Run(const Options& options)
             return ExplainFile(options);
         case Command::Compare:
             return CompareFiles(options);
+        case Command::Host:
+            return ServeBrowser(options);
         default:
             return ShowFacts(options);
     }

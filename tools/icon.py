@@ -1,10 +1,12 @@
-"""Draws the icon of the installers and the program in all sizes: tools/icon.py writes packaging/Detection.ico."""
+"""Draws the icon of the installers, the program and the browser extension in all sizes: tools/icon.py writes
+packaging/Detection.ico and extension/icon*.png."""
 
 import struct
 import zlib
 from pathlib import Path
 
 SIZES = (16, 20, 24, 32, 40, 48, 64, 256)  # from lists at 100 % to tiles at 400 %
+EXTENSION_SIZES = (16, 48, 128)
 PNG_SIZE = 256  # the size that the system expects compressed
 SAMPLES = 4  # of each pixel, in both directions
 GROUND, TICK = (0x1F, 0x5A, 0x8A), (0xFF, 0xFF, 0xFF)
@@ -76,4 +78,7 @@ def icon():
 
 
 if __name__ == "__main__":
-    (Path(__file__).resolve().parents[1] / "packaging" / "Detection.ico").write_bytes(icon())
+    root = Path(__file__).resolve().parents[1]
+    (root / "packaging" / "Detection.ico").write_bytes(icon())
+    for edge in EXTENSION_SIZES:
+        (root / "extension" / f"icon{edge}.png").write_bytes(png(draw(edge)))

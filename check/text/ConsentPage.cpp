@@ -6,38 +6,20 @@
 
 #include "BuildSettings.h"
 #include "program/machine/Machine.h"
+#include "program/machine/NamesByArea.h"
 #include "service/ServiceHost.h"
 #include "service/Utf8.h"
-#include "verdict/Catalogue.h"
 
 namespace kel::check {
 
 namespace {
 
-using Areas = std::vector<std::pair<std::string, std::vector<std::string>>>;
+using program::GroupByArea;
 
-constexpr std::string_view PageArea = "session";  // what a page sets, and what identifies the check
-constexpr std::size_t MaxNames = 60;              // of values, which a page shows completely
-constexpr std::size_t MaxNamesOfArea = 5;         // when there are more
+constexpr std::size_t MaxNames = 60;       // of values, which a page shows completely
+constexpr std::size_t MaxNamesOfArea = 5;  // when there are more
 
-/// The names by area, both in the order of the catalogue.
-Areas GroupByArea(const std::vector<int>& values)
-{
-    Areas areas;
-    for (const CatalogueValue& value : CatalogueValues) {
-        if (std::ranges::count(values, value.id) == 0 || value.Source() == NoSource ||
-            value.Area() == PageArea)
-            continue;
-        auto area = std::ranges::find(areas, value.Area(), &Areas::value_type::first);
-        if (area == areas.end())
-            area = areas.insert(areas.end(), {value.Area(), {}});
-        if (std::ranges::count(area->second, value.Name()) == 0)
-            area->second.emplace_back(value.Name());
-    }
-    return areas;
-}
-
-std::size_t CountNames(const Areas& areas)
+std::size_t CountNames(const program::NamesByArea& areas)
 {
     std::size_t count = 0;
     for (const auto& [area, names] : areas)

@@ -77,10 +77,4 @@ Page RefusedPage(const program::ServiceAnswer& answer, const CheckName& name, co
                        ". Check the internet connection and the proxy settings. " + StartAgain);
 }
 
-bool IsGroupList(const program::ServiceAnswer& answer)
-{
-    return Ended(answer, ExchangeState::Answered) &&
-           answer.text.find_first_not_of("0123456789|, \r\n") == answer.text.npos;
-}
-
 }  // namespace kel::check

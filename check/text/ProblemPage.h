@@ -26,7 +26,4 @@ Page FailurePage(const std::string& reason);
 /// @param answer to a question for the list of wanted values, or for a verdict
 Page RefusedPage(const program::ServiceAnswer& answer, const CheckName& name, const std::string& service);
 
-/// Whether the answer is a list of groups: numbers, separated by "|" or ",". An empty list is one.
-bool IsGroupList(const program::ServiceAnswer& answer);
-
 }  // namespace kel::check

@@ -7,6 +7,7 @@
 #include "run/store/FixedGroups.h"
 #include "service/AnalysisRequest.h"
 #include "service/CallBudget.h"
+#include "service/ExchangeState.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
 #include "verdict/files/VerdictJson.h"
@@ -35,6 +36,12 @@ ServiceAnswer FetchWantedGroups()
 {
     const std::wstring answer = System::Instance().FetchWantedGroups();
     return {ToUtf8(answer), ExchangeStateText()};
+}
+
+bool IsGroupList(const ServiceAnswer& answer)
+{
+    return answer.state == ToUtf8(ExchangeState::Answered) &&
+           answer.text.find_first_not_of("0123456789|, \r\n") == answer.text.npos;
 }
 
 std::vector<int> ListReportedValues()

@@ -24,6 +24,9 @@ void BeginCheck(const std::string& product, const std::string& session = {});
 /// not sent. FetchVerdict does not ask again.
 ServiceAnswer FetchWantedGroups();
 
+/// Whether the answer is a list of groups: numbers, separated by "|" or ",". An empty list is one.
+bool IsGroupList(const ServiceAnswer& answer);
+
 /// The values of the catalogue that the report will have.
 std::vector<int> ListReportedValues();
 

@@ -102,9 +102,9 @@ TEST(CheckPages, EachProblemHasItsOwnSentence)
         EXPECT_EQ(page.instruction, sentence) << state;
         EXPECT_THAT(page.content, HasSubstr(advice)) << state;
     }
-    EXPECT_TRUE(IsGroupList({"71063|71094,5", "answered"}));
-    EXPECT_FALSE(IsGroupList({"Too many", "answered"}));
-    EXPECT_FALSE(IsGroupList({"71063|71", "cut"}));
+    EXPECT_TRUE(program::IsGroupList({"71063|71094,5", "answered"}));
+    EXPECT_FALSE(program::IsGroupList({"Too many", "answered"}));
+    EXPECT_FALSE(program::IsGroupList({"71063|71", "cut"}));
 }
 
 }  // namespace

@@ -56,6 +56,8 @@ class Site(http.server.SimpleHTTPRequestHandler):
 class PageTest(DeployedTest):
     """Has a site with the page, and a browser."""
 
+    options = ()  # of the browser
+
     def setUp(self):
         super().setUp()
         self.site = ROOT / "build" / "page"
@@ -65,7 +67,7 @@ class PageTest(DeployedTest):
         self.addCleanup(server.shutdown)
         threading.Thread(target=server.serve_forever, kwargs={"poll_interval": 0.02}, daemon=True).start()
         self.origin = f"http://127.0.0.1:{server.server_address[1]}"
-        self.browser = Browser(self)
+        self.browser = Browser(self, *self.options)
 
     def show(self, name, service="", answer=None, system=WINDOWS, state="answered", **edits):
         """Opens the page under that name, with a control that answers, or without one; `edits` change the script's numbers."""
@@ -83,6 +85,10 @@ class PageTest(DeployedTest):
         self.browser.command("Emulation.setUserAgentOverride", dict(zip(("userAgent", "platform"), system)))
         self.browser.go(f"{self.origin}/{name}.html")
         self.name = name
+
+    def metric(self, name):
+        page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
+        return int(re.search(rf"^{re.escape(name)} (\d+)$", page, re.MULTILINE)[1])
 
     def shown(self, text):
         """The page's rows, and its title, total, note and offer, None where hidden, once it shows the text."""
@@ -137,10 +143,6 @@ class WithAControl(PageTest):
 
 
 class WithoutAControl(PageTest):
-    def metric(self, name):
-        page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
-        return int(re.search(rf"^{re.escape(name)} (\d+)$", page, re.MULTILINE)[1])
-
     def test_the_page_shows_the_verdict_on_what_the_program_sends(self):
         (self.folder / "check.exe").write_bytes(b"MZ" * 1_500_000)  # more than one piece
         self.stop()

@@ -133,6 +133,10 @@ class Packages(unittest.TestCase):
                 self.assertTrue(dll.endswith(place[2:].replace("\\", "/") + "/Detection.dll"), dll)
                 self.assertTrue(entry.pop("InstallLocation").endswith(place + "\\"))
                 self.assertGreater(int(entry["Size"]), 3000)  # in KB
+                manifests = self.host_manifests(root)
+                self.assertEqual(len(manifests), 4)
+                for browser, manifest in manifests.items():
+                    self.assertTrue((manifest.parent / json.loads(manifest.read_text())["path"]).exists(), browser)
                 self.assertLessEqual({"DisplayName": name, "Contact": "Keldane, https://keldane.example/detection",
                                       "HelpLink": "https://keldane.example/detection/help",
                                       "URLInfoAbout": "https://keldane.example/detection"}.items(), entry.items())
@@ -152,7 +156,18 @@ class Packages(unittest.TestCase):
                 self.assertEqual(self.installed(), (["4.6.0 analysis.another.example"], version))
                 self.assertEqual(remove(newer), 0)
                 self.check_clean()
+                self.assertEqual(self.host_manifests(root), {})
         self.assertEqual(self.registry(r"HKCU\Software\Detection"), {})
+
+    def host_manifests(self, root):
+        """Where browsers find the manifest of the extension's native host."""
+        found = {}
+        for browser in (r"Google\Chrome", "Chromium", r"Microsoft\Edge", "Mozilla"):
+            values = self.registry(rf"{root}\Software\{browser}\NativeMessagingHosts\example.keldane.check")
+            for text in (text for named in values.values() for text in named.values()):
+                drive, path = text.strip('"').replace(r"\\", "/").split(":")
+                found[browser] = self.folder / "prefix" / f"drive_{drive.lower()}" / path.lstrip("/")
+        return found
 
     def run_install_script(self, path):
         return wine(*CSCRIPT, windows_path(INSTALL_SCRIPT), windows_path(path)).code

@@ -17,15 +17,16 @@ TAB, ENTER = "\ue004", "\ue007"
 class Browser:
     """One window. It closes at the end of the test `case`, which also gives it a folder."""
 
-    def __init__(self, case):
+    def __init__(self, case, *options):
         self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         case.addCleanup(self.driver.wait)
         case.addCleanup(self.driver.stdout.close)
         case.addCleanup(self.driver.kill)
         ports = (re.search(r"successfully on port (\d+)", line) for line in self.driver.stdout)
         self.url = f"http://127.0.0.1:{next(filter(None, ports))[1]}/session"
-        arguments = [*OPTIONS, f"--user-data-dir={case.folder / 'profile'}", "--window-size=1280,900"]
-        session = self.ask("POST", "", {"capabilities": {"alwaysMatch": {"goog:chromeOptions": {"args": arguments}}}})
+        arguments = [*OPTIONS, *options, f"--user-data-dir={case.folder / 'profile'}", "--window-size=1280,900"]
+        chromium = {"args": arguments, "enableExtensionTargets": True}  # their windows count, too
+        session = self.ask("POST", "", {"capabilities": {"alwaysMatch": {"goog:chromeOptions": chromium}}})
         self.url += "/" + session["sessionId"]
         case.addCleanup(self.ask, "DELETE", "")
 
@@ -64,6 +65,15 @@ class Browser:
             if time.monotonic() > end:
                 raise AssertionError(f"{text!r} not in {shown!r}")
             time.sleep(0.05)
+
+    def await_window(self, present):
+        """Goes on with the newest window, once there are that many."""
+        end = time.monotonic() + PATIENCE
+        while len(windows := self.ask("GET", "/window/handles")) != present:
+            if time.monotonic() > end:
+                raise AssertionError(f"{len(windows)} windows instead of {present}")
+            time.sleep(0.05)
+        self.ask("POST", "/window", {"handle": windows[-1]})
 
     def run(self, script):
         return self.ask("POST", "/execute/sync", {"script": script, "args": []})

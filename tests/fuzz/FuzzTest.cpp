@@ -17,6 +17,7 @@
 #include "run/store/GroupsText.h"
 #include "service/Utf8.h"
 #include "support/Edids.h"
+#include "support/HostInput.h"
 #include "values/DeviceID.h"
 #include "values/Size.h"
 #include "verdict/files/SupportFile.h"
@@ -139,6 +140,34 @@ bool IsReadOrRefused(const Text& text)
     }
 }
 
+/// Each frame gets an answer of a known type, and only a check that was asked for gets one verdict.
+bool AnswersEachFrame(const Text& text)
+{
+    const FakeSteps steps;
+    program::Conversation conversation = steps.Start();
+    bool isAsked = false;
+    for (const std::string& frame : ReadAll(Narrow(text), 100)) {
+        const std::string answer = conversation.Answer(frame);
+        const bool isValues = answer.starts_with(R"({"type":"values",)");
+        const bool isVerdict = answer.starts_with(R"({"type":"verdict",)");
+        if (frame.size() > program::MaxFrame || (isVerdict && !isAsked) ||
+            answer.find("7.8") != answer.npos ||
+            (!isValues && !isVerdict && !answer.starts_with(R"({"type":"error",)")))
+            return false;
+        isAsked = (isAsked || isValues) && !isVerdict;
+    }
+    return true;
+}
+
+/// Frames of a check, one with lengths and contents that do not fit together.
+Texts HostInputs()
+{
+    const std::string ask = program::MakeFrame(
+        R"({"type": "ask", "product": "demo", "session": "01234567-89ab-cdef-0123-456789abcdef"})");
+    const std::string check = program::MakeFrame(R"({"type": "check"})");
+    return {Wide(ask + check), Wide(check), Wide(ask + ask.substr(0, 40) + check)};
+}
+
 /// The input of a parser, and whether its answer is allowed. Nothing may be thrown.
 const struct Target {
     const char* name;
@@ -189,6 +218,7 @@ const struct Target {
      IsReadOrRefused},
     {"Storage", nullptr, IsOfStorage, StorageAnswers()},
     {"Monitor", nullptr, IsOfMonitor, MonitorAnswers()},
+    {"Host", nullptr, AnswersEachFrame, HostInputs()},
 };
 
 class Fuzz : public testing::TestWithParam<Target> {};

@@ -2,7 +2,6 @@
 the DLL and the program in them, and the packages, when a certificate is given (scripts/sign.sh)."""
 
 import argparse
-import datetime
 import hashlib
 import os
 import re
@@ -10,16 +9,16 @@ import shutil
 import subprocess
 import sys
 from pathlib import Path
-from zipfile import ZIP_DEFLATED, ZipFile, ZipInfo
 
 import assembly
 import bill
 import documents
+import extension
 import fleet
 import installer
 import registration
 from product import read_product
-from stamp import EPOCH, faked
+from stamp import EPOCH, faked, write_zip
 
 ROOT = registration.ROOT
 SITE = "https://keldane.example/detection"
@@ -67,13 +66,7 @@ def archive(product, dll, program, interface, target):
              "licences.txt": bill.notices().encode(), **headers(interface), **documents.documents(),
              **fleet.scripts(product)}
     files["SHA256SUMS"] = "".join(f"{digest(files[name])}  {name}\n" for name in sorted(files)).encode()
-    date = datetime.datetime.fromtimestamp(EPOCH, datetime.timezone.utc).timetuple()[:6]
-    with ZipFile(target, "w", ZIP_DEFLATED) as zipped:
-        for name in sorted(files):
-            entry = ZipInfo(name, date)
-            entry.compress_type = ZIP_DEFLATED
-            entry.external_attr = 0o644 << 16
-            zipped.writestr(entry, files[name])
+    write_zip(target, files)
 
 
 def cabinet(version, dll, work, target):
@@ -121,6 +114,7 @@ def main():
     made.append(output / f"Detection-{version}-x64.zip")
     archive(product, dll, program, arguments.headers, made[-1])
     made += fleet.winget(product, output)
+    made.append(extension.build(version, output))
     # Last of all, from the signed files.
     (output / "SHA256SUMS").write_text("".join(f"{digest(path.read_bytes())}  {path.relative_to(output)}\n" for path in made))
     for path in made:

@@ -5,6 +5,7 @@ import os
 import subprocess
 from xml.sax.saxutils import quoteattr
 
+import extension
 import registration
 from stamp import EPOCH, faked
 
@@ -83,9 +84,9 @@ def source(product, scope, size):
         <File Id="KelExe" Name="kel.exe" Source="kel.exe"/>
 {marker}{_registry(wide, root)}
       </Component>
-{components}      </Directory>{closed}</Directory>
+{components}{extension.component(product, scope)}      </Directory>{closed}</Directory>
     </Directory>
-    <Feature Id="Main" Level="1"><ComponentRef Id="Control"/>{references}</Feature>
+    <Feature Id="Main" Level="1"><ComponentRef Id="Control"/>{references}<ComponentRef Id="ExtensionHost"/></Feature>
   </Product>
 </Wix>
 """
@@ -94,6 +95,9 @@ def source(product, scope, size):
 def build(product, scope, work, target):
     """Makes one package of the DLL, the program and the icon in a folder; the same inputs give the same bytes."""
     dll, program, icon = work / "Detection.dll", work / "kel.exe", work / "Detection.ico"
+    for name, text in extension.manifests(program).items():
+        (work / name).write_text(text, "ascii")
+        os.utime(work / name, (EPOCH, EPOCH))
     wxs = work / f"{scope}.wxs"
     queries = (
         # The tool writes no file version; a row without one beside a versioned file could keep the old file.
@@ -110,7 +114,8 @@ def build(product, scope, work, target):
         # The entry of "Apps" shows the folder, which is known only during the installation.
         "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
         f"('SetLocation', {SET_PROPERTY}, 'ARPINSTALLLOCATION', '[INSTALLFOLDER]')",
-        f"INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('SetLocation', {AFTER_COSTING})")
+        f"INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('SetLocation', {AFTER_COSTING})",
+        *extension.QUERIES)
     files = (dll, program, icon)
     text = source(product, scope, sum(path.stat().st_size for path in (dll, program)) // 1024)
     inputs = (text.encode(), *map(str.encode, queries), *(path.read_bytes() for path in files))
