@@ -18,6 +18,7 @@
 #include "detectors/Components.h"
 #include "program/machine/Progress.h"
 #include "program/machine/ServiceCheck.h"
+#include "run/LogStart.h"
 #include "service/ServiceHost.h"
 #include "service/Utf8.h"
 #include "verdict/Rendering.h"
@@ -41,6 +42,7 @@ std::string Service()
 /// neither a driver nor an answer holds the program up.
 void End(ExitCode code)
 {
+    FlushLogFile();
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
 }
 

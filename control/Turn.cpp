@@ -2,6 +2,8 @@
 
 #include <objbase.h>
 
+#include "run/LogStart.h"
+
 namespace kel {
 
 namespace {
@@ -51,6 +53,8 @@ Turn::~Turn()
 {
     if (!acquired)
         return;
+    if (outer == nullptr)
+        FlushLogFile();  // the host may end before the next call
     const Exclusive exclusive;
     Remove(innermost, &Turn::outer, this);
     for (const Turn* waiting = firstWaiting; waiting != nullptr; waiting = waiting->nextWaiting)

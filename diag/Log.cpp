@@ -81,6 +81,7 @@ const std::wstring& Log::Prefix(int lineLevel)
     for (int scope = 0; scope < depth; ++scope)
         text << L". ";
     prefix = text.str();
+    buffer->SetLineLevel(lineLevel);
     return prefix;
 }
 

@@ -45,8 +45,11 @@ public:
     void Exit();
 
     /// The prefix of a line: wall-clock time, seconds since the first line, level word, indentation.
-    /// The text is overwritten by the next call.
+    /// The text is overwritten by the next call. A sink receives the line with this level.
     const std::wstring& Prefix(int lineLevel);
+
+    /// Sends the later lines to a sink, too, which has to live until the process ends.
+    void SetSink(LogSink* sink) { buffer->SetSink(sink); }
 
     /// The whole log so far.
     const std::wstring& GetText() const { return buffer->Text(); }

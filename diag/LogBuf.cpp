@@ -22,6 +22,8 @@ void LogBuf::Emit(const wchar_t* line)
     const std::wstring_view characters(line);
     OutputDebugStringW(line);
     text += characters;
+    if (sink != nullptr)
+        sink->Write(lineLevel, characters);
     hasContent = hasContent || !characters.empty();
 }
 

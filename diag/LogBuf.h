@@ -3,10 +3,12 @@
 #include <sstream>
 #include <string>
 
+#include "diag/LogSink.h"
+
 namespace kel {
 
 /// Stream buffer of the log: on every flush the finished line goes to the debugger output
-/// (`OutputDebugStringW`) and to the copy kept in memory.
+/// (`OutputDebugStringW`), to the copy kept in memory, and to a sink if there is one.
 class LogBuf : public std::basic_stringbuf<wchar_t> {
 public:
     LogBuf() = default;
@@ -20,7 +22,13 @@ public:
     /// Whether any non-empty text has been emitted.
     bool HasContent() const { return hasContent; }
 
-    /// Writes a text to both; a null text is ignored.
+    /// Sends the later lines to a sink, too, which has to live as long as the buffer.
+    void SetSink(LogSink* newSink) { sink = newSink; }
+
+    /// The level of the line that is being written.
+    void SetLineLevel(int level) { lineLevel = level; }
+
+    /// Writes a text to all of them; a null text is ignored.
     void Emit(const wchar_t* line);
 
 protected:
@@ -29,6 +37,8 @@ protected:
 private:
     std::wstring text;
     bool hasContent = false;
+    LogSink* sink = nullptr;
+    int lineLevel = 0;
 };
 
 }  // namespace kel

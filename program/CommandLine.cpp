@@ -9,6 +9,8 @@
 #include "program/host/Caller.h"
 #include "program/text/Output.h"
 #include "program/text/UserError.h"
+#include "service/ServiceHost.h"
+#include "service/Utf8.h"
 #include "verdict/text/Text.h"
 
 namespace kel::program {
@@ -20,18 +22,15 @@ constexpr const char* Footer =
     "3 wrong arguments, files or answers, with one line that says what to do.\n"
     "Only \"check PRODUCT\", \"report --product\" and the value 71069 use the network.";
 
-/// A name of a host, perhaps after a scheme: no port, no path, no address of the wide form.
+/// A name of a host, perhaps after a scheme.
 std::string CheckHost(const std::string& text)
 {
     std::string_view host = text;
     for (const std::string_view scheme : {"https://", "http://"})
         host.remove_prefix(host.starts_with(scheme) ? scheme.size() : 0);
-    const bool isHost =
-        !host.empty() && host.size() <= 253 && std::all_of(host.begin(), host.end(), [](char c) {
-            return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.' ||
-                   c == '-';
-        });
-    return isHost ? "" : "\"" + text + "\" is not the name of a host; it has no port and no path";
+    return IsHostName(FromUtf8(host))
+               ? ""
+               : "\"" + text + "\" is not the name of a host; it has no port and no path";
 }
 
 std::string CheckProduct(const std::string& text)
@@ -119,6 +118,14 @@ void AddHost(CLI::App& app, Options& options)
     host->callback([&options] { options.command = Command::Host; });
 }
 
+/// The version, and the service's host with its origin; a third line on a policy that is ignored.
+std::string DescribeVersion()
+{
+    const std::string refused = ToUtf8(DescribeRefusedHost());
+    return "kel " KEL_VERSION_TEXT "\nService: " + ToUtf8(DescribeServiceHost()) +
+           (refused.empty() ? "" : "\n" + refused);
+}
+
 /// One line, in the words of this program.
 std::string OneLine(std::string reason)
 {
@@ -134,7 +141,7 @@ std::optional<Options> ReadCommandLine(std::vector<std::string> arguments)
     CLI::App app("Machine inventory: what this machine has, and whether it meets a product's requirements.",
                  "kel");
     app.footer(Footer);
-    app.set_version_flag("--version", "kel " KEL_VERSION_TEXT "\n" KEL_SERVICE_TEXT);
+    app.set_version_flag("--version", &DescribeVersion);
     app.require_subcommand(0, 1);
     app.allow_windows_style_options(false);  // a path may begin with a slash
     AddFacts(app, options);

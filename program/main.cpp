@@ -10,6 +10,7 @@
 #include "program/text/Characters.h"
 #include "program/text/Output.h"
 #include "program/text/UserError.h"
+#include "run/LogStart.h"
 #include "service/Utf8.h"
 
 namespace {
@@ -36,6 +37,7 @@ int Run(const Options& options)
 
 int Fail(const std::string& reason) noexcept
 {
+    kel::FlushLogFile();
     try {
         Output::Error().WriteLine("kel: " + kel::Printable(reason), Colour::Bad);
         Output::Error().Flush();
@@ -62,6 +64,7 @@ int wmain(int count, wchar_t** arguments)
             code = Run(*options);
         }
         Output::Standard().Flush();
+        kel::FlushLogFile();
         return code;
     } catch (const UserError& error) {
         return Fail(error.what());

@@ -52,6 +52,7 @@ System& System::Instance()
 
 System::System()
 {
+    StartLogFile();
     Initialize();
     MakeCurrent();
 }

@@ -65,7 +65,8 @@ TEST_F(Members, LogTheLevelAndTheirFailures)
                 testing::ElementsAre(
                     L"MARK Entering: CSysInfo::put_ReferrerID", L"MARK Exiting: CSysInfo::put_ReferrerID",
                     L"MARK Entering: CSysInfo::put_Logging", L"TRACE Setting level to: 3",
-                    testing::HasSubstr(L", process "), L"MARK Exiting: CSysInfo::put_Logging"));
+                    testing::HasSubstr(L", process "), L"TRACE service analysis.keldane.example (built in)",
+                    L"MARK Exiting: CSysInfo::put_Logging"));
     const _bstr_t old(L"old");
     BSTR value = old;
     EXPECT_EQ(control->get_Value(_bstr_t(L"1"), &value), S_OK);

@@ -13,9 +13,10 @@ import time
 import unittest
 from pathlib import Path
 
-from administration import report
-from deployed import UPLOAD, DeployedTest, analysis
-from harness import EXAMPLES, PATIENCE, ROOT
+from administration import AdminTest
+from check_test import CHECK, CLOSE, press, start
+from deployed import DeployedTest
+from harness import DLL, EXAMPLES, PATIENCE, ROOT, make_prefix, show_display, wine
 from webdriver import Browser
 
 WINDOWS, LINUX, IPHONE, MAC, ANDROID = (  # a browser's agent and platform on each system
@@ -142,14 +143,23 @@ class WithAControl(PageTest):
                 self.assertIn(note, shown[1])
 
 
-class WithoutAControl(PageTest):
-    def test_the_page_shows_the_verdict_on_what_the_program_sends(self):
-        (self.folder / "check.exe").write_bytes(b"MZ" * 1_500_000)  # more than one piece
+@unittest.skipUnless(shutil.which("Xvfb"), "there is no Xvfb")
+class WithTheProgram(PageTest, AdminTest):
+    """The whole way: the page, the program under Wine on a virtual display, the service, the administration."""
+
+    @classmethod
+    def setUpClass(cls):
+        show_display(cls)
+        make_prefix(cls)
+        wine("reg", "add", r"HKLM\Software\Policies\Keldane", "/v", "ServiceHost", "/d", "firm.example", "/f")
+
+    def test_two_clicks_bring_the_verdict_to_the_page_and_the_report_to_the_operator(self):
+        built = DLL.parent / "check.exe"
         self.stop()
-        self.start("--check-program", str(self.folder / "check.exe"))
-        lines = [{"label": "M", "id": 1, "comparison": "at least", "needed": "4 GB"},
-                 {"label": {"en": "System", "de": "System <b>"}, "id": 2, "comparison": "at least version", "needed": "10.0",
-                  "needed text": "Windows 10 or later", "advice": "Update."}]
+        self.start("--check-program", str(built))
+        lines = [{"label": "Memory", "id": 71063, "comparison": "at least", "needed": "1 MB"},
+                 {"label": {"en": "System", "de": "System <b>"}, "id": 73400, "comparison": "at least version", "needed": "99.0",
+                  "needed text": "Windows 99 or later", "advice": "Update."}]
         (self.folder / "demo.json").write_text(json.dumps({"title": "The <game>", "pages": [self.origin], "requirements": lines}))
         self.command("import", self.folder)
         self.browser.command("Browser.setDownloadBehavior", {"behavior": "allow", "downloadPath": str(self.folder)})
@@ -162,19 +172,26 @@ class WithoutAControl(PageTest):
         self.shown("Waiting for the program")
         program = self.folder / f"check.demo.{session}.exe"
         self.await_answer(program.exists, True)
-        self.assertEqual(program.read_bytes(), b"MZ" * 1_500_000)
-        self.assertEqual(self.ask("POST", UPLOAD, report(session, v1="8.0 GB", v2="6.1"))[0], 200)
-        self.assertEqual(self.ask("POST", "/service/Analysis/demo", analysis(session))[0], 200)
+        self.assertTrue(program.read_bytes() == built.read_bytes(), "the download is not the program")
+        process = start(self, program, f"http://{self.address}")
+        self.assertIn("firm.example", press(CHECK))  # the host of the policy
         self.name = "answer"
-        self.assertEqual(self.shown("does not meet all"), [
-            [["System", "Windows 10 or later", "6.1", "\u2717 Does not meet\nUpdate."], ["M", "at least 4 GB", "8.0 GB",
-                                                                                      "\u2713 Meets"]],
-            "The <game>", "No: this machine does not meet all requirements.", "1 of 2 is not met.", None])
+        rows, *shown = self.shown("does not meet all")
+        self.assertEqual([row[:2] for row in rows], [["System", "Windows 99 or later"], ["Memory", "at least 1 MB"]])
+        self.assertEqual([row[3] for row in rows], ["\u2717 Does not meet\nUpdate.", "\u2713 Meets"])
+        self.assertEqual(shown, ["The <game>", "No: this machine does not meet all requirements.", "1 of 2 is not met.", None])
+        self.assertIn("Windows 99 or later", press(CLOSE))
+        self.assertEqual(process.wait(PATIENCE), 1)
         self.assertEqual(self.browser.run("return document.cookie"), "")
         for name in ("downloads_total", 's_total{step="begun"}', 's_total{step="finished"}', 's_total{step="shown"}'):
             self.assertEqual(self.metric(f"kel_check{'' if name[0] == 's' else '_'}{name}"), 1, name)
         self.assertNotIn(session, self.log_text())
+        operator = self.page("/reports/1", self.log_in()).data
+        for text in (session, rows[0][2], rows[1][2]):
+            self.assertIn(text, operator)
 
+
+class WithoutAControl(PageTest):
     def test_an_answer_of_anyone_in_between_is_not_a_verdict(self):
         line = {"result": "pass", "label": "L", "needed": "n", "found": "f"}
         verdict = {"product": "demo", "session": "SESSION", "result": "pass", "title": "T", "requirements": [line]}

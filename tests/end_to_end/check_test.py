@@ -15,6 +15,22 @@ LIST, UPLOAD, ANALYSIS = "/Data/Service.svc/Group/list", "/Data/Service.svc/uplo
 MAX_END = 20  # seconds from Cancel to the end of the process; 2 on an idle machine, and the exchange goes on for minutes
 
 
+def start(case, program, proxy):
+    process = subprocess.Popen(["wine", program], env=os.environ | {"http_proxy": proxy}, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    case.addCleanup(process.wait)
+    case.addCleanup(process.kill)
+    return process
+
+
+def press(button, *arguments, title="Computer check"):
+    """Presses a button of the program's window, and returns the window's texts."""
+    ran = wine(PROGRAMS / "press.exe", title, button, *arguments)
+    if ran.code != 0:
+        raise AssertionError(f"no button {button} in {title}")
+    return ran.output
+
+
 @unittest.skipUnless(shutil.which("Xvfb"), "there is no Xvfb")
 class Check(ServiceTest):
     @classmethod
@@ -30,17 +46,7 @@ class Check(ServiceTest):
     def run_check(self, name=None, proxy=None):
         program = self.folder / (name or f"check.demo.{self.session} (1).exe")
         shutil.copy(DLL.parent / "check.exe", program)
-        process = subprocess.Popen(["wine", program], env=os.environ | {"http_proxy": proxy or f"http://{self.address}"},
-                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        self.addCleanup(process.wait)
-        self.addCleanup(process.kill)
-        return process
-
-    def press(self, button, *arguments, title="Computer check"):
-        """Presses a button of the program's window, and returns the window's texts."""
-        ran = wine(PROGRAMS / "press.exe", title, button, *arguments)
-        self.assertEqual(ran.code, 0, f"no button {button} in {title}")
-        return ran.output
+        return start(self, program, proxy or f"http://{self.address}")
 
     def asked(self):
         """The paths that were asked for."""
@@ -48,18 +54,18 @@ class Check(ServiceTest):
 
     def test_a_click_leads_to_the_verdict_and_to_a_file(self):
         process = self.run_check()
-        consent = self.press(CHECK, "look")
+        consent = press(CHECK, "look")
         self.assertIn("Memory: total physical memory", consent)
         self.assertIn("analysis.keldane.example", consent)
         self.assertEqual(self.asked(), [LIST])
-        self.press(CHECK)
-        verdict = self.press(SAVE)
+        press(CHECK)
+        verdict = press(SAVE)
         self.assertIn("1 of 2 requirements is not met", verdict)
         self.assertIn("Memory: needs at least 9000 TB; found", verdict)
         self.assertIn("Add memory.", verdict)
         file = self.folder / "saved.html"
-        self.press(OK, windows_path(file), title="Save As")
-        self.press(CLOSE)
+        press(OK, windows_path(file), title="Save As")
+        press(CLOSE)
         self.assertEqual(process.wait(PATIENCE), 1)
         self.assertIn('<th scope="row">Plenty</th>', file.read_text("utf-8"))
         self.assertEqual(self.asked(), [LIST, UPLOAD, ANALYSIS])
@@ -74,11 +80,11 @@ class Check(ServiceTest):
                 self.service.faults = {path: "slow-headers"}
                 process = self.run_check()
                 if path != LIST:
-                    self.press(CHECK)
+                    press(CHECK)
                 end = time.monotonic() + PATIENCE
                 while path not in self.asked() and time.monotonic() < end:
                     time.sleep(0.02)
-                self.press(CANCEL)
+                press(CANCEL)
                 start = time.monotonic()
                 self.assertEqual(process.wait(PATIENCE), 4)
                 self.assertLess(time.monotonic() - start, MAX_END)
@@ -92,6 +98,6 @@ class Check(ServiceTest):
                 (f"check.demo.{session}.exe", NO_SERVICE, "The service cannot be reached.")):
             with self.subTest(name):
                 process = self.run_check(name, proxy)
-                self.assertIn(sentence, self.press(CLOSE))
+                self.assertIn(sentence, press(CLOSE))
                 self.assertEqual(process.wait(PATIENCE), 3)
                 self.assertNotIn(UPLOAD, self.asked())

@@ -11,6 +11,7 @@ import tempfile
 import unittest
 import zipfile
 from pathlib import Path
+from xml.etree import ElementTree
 from unittest import mock
 
 from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
@@ -23,13 +24,16 @@ FAILED, NEWER_INSTALLED = 1603 & 0xFF, 1638 & 0xFF
 INSTALL_SCRIPT = ROOT / "packaging" / "fleet" / "install.js"
 LINK = re.compile(r"\[[^\]]*\]\(([^)#\s]*)(?:#([^)\s]*))?\)")
 UNATTENDED = ("/qn", "/norestart")
+POLICIES = ROOT / "packaging" / "policies"
+POLICY = "{http://schemas.microsoft.com/GroupPolicy/2006/07/PolicyDefinitions}"
 ARCHIVER = "Value(73226) + control.Value(73227)"  # whether it is installed, and its version
 
 
 def package(output, *arguments, folder=DLL.parent):
     """Makes the packages of the DLL and the program in a folder, and returns their paths by name."""
     subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", folder / "Detection.dll", "--program",
-                    folder / "kel.exe", "--output", output, *arguments], check=True, capture_output=True)
+                    folder / "kel.exe", "--check-program", folder / "check.exe", "--output", output, *arguments], check=True,
+                   capture_output=True)
     return {str(path.relative_to(output)): path for path in Path(output).rglob("*") if path.is_file() and
             path.parent.name != "work"}
 
@@ -68,7 +72,7 @@ class Packages(unittest.TestCase):
         cls.other_folder = cls.folder / "for another host"
         cls.other_folder.mkdir()
         hosts = [name.encode("utf-16-le") for name in ("analysis.keldane.example", "analysis.another.example")]
-        for name in ("Detection.dll", "kel.exe"):
+        for name in ("Detection.dll", "kel.exe", "check.exe"):
             (cls.other_folder / name).write_bytes((DLL.parent / name).read_bytes().replace(*hosts))
         cls.other = package(cls.folder / "other", "--version", "4.5.1", folder=cls.other_folder)
         cls.next = package(cls.folder / "next", "--version", "4.6.0", folder=cls.other_folder)
@@ -177,7 +181,13 @@ class Packages(unittest.TestCase):
         self.record()
         now = NOW["Detection-4.5.1-x64.msi"]
         self.assertEqual(install(now), 0)
-        self.assertEqual(self.added(r"C:\Program Files\Detection"), registered)
+        added = self.added(r"C:\Program Files\Detection")
+        link = {key.partition("\\classes\\")[2]: added.pop(key) for key in list(added) if r"\classes\kel-check" in key}
+        self.assertEqual({key: named for key, named in link.items() if named}, {
+            "kel-check": {"@": '"URL:Computer check"', '"URL Protocol"': '""'},
+            r"kel-check\defaulticon": {"@": '"@check.exe,0"'},
+            r"kel-check\shell\open\command": {"@": r'"\"@check.exe\" \"%1\""'}})
+        self.assertEqual(added, registered)
         self.assertEqual(remove(now), 0)
         by_hand = shutil.copyfile(DLL, self.folder / "Detection.dll")
         self.assertEqual(wine("regsvr32", "/s", windows_path(by_hand)).code, 0)
@@ -190,6 +200,54 @@ class Packages(unittest.TestCase):
         self.assertEqual(remove(now), 0)
         self.assertEqual(self.registry(ACTIVE_SETUP), {})
         self.check_clean()
+
+    def service(self):
+        return wine(DLL.parent / "kel.exe", "--version").output.splitlines()[1:]
+
+    def test_an_installer_names_the_service_for_later_versions_too(self):
+        now, newer = NOW["Detection-4.5.1-x64.msi"], self.next["Detection-4.6.0-x64.msi"]
+        for path, *options in ((now, "SERVICEHOST=firm.example"), (now, "REINSTALL=ALL", "REINSTALLMODE=amus"), (newer,)):
+            with self.subTest(options, package=path.name):
+                self.assertEqual(install(path, *options), 0)
+                self.assertEqual(self.service(), ["Service: firm.example (policy)"])
+        self.assertEqual(remove(newer), 0)
+        self.assertEqual(self.service(), ["Service: analysis.keldane.example (built in)"])
+
+    def test_every_policy_of_the_templates_is_obeyed(self):
+        log = self.folder / "log"
+        log.mkdir()
+        (log / "a.log").write_bytes(b"x" * 1_500_000)
+        texts = {"ServiceHost": "firm.example", "LogFile": r"%LOGFOLDER%\a.log", "LogLevel": "3", "LogSize": "2048", "Keep": "1"}
+        rows = {}
+        for policy in ElementTree.parse(POLICIES / "Keldane.admx").getroot().iter(POLICY + "policy"):
+            root = {"Machine": "HKLM", "User": "HKCU"}[policy.get("class")] + "\\" + policy.get("key")
+            for element in (policy, *policy.iter(POLICY + "text"), *policy.iter(POLICY + "decimal")):
+                if name := element.get("valueName"):
+                    kind = "REG_DWORD" if texts[name].isdigit() else "REG_EXPAND_SZ" if element.get("expandable") else "REG_SZ"
+                    rows[name] = (root, "/v", name, "/t", kind, "/d", texts[name], "/f")
+                    self.addCleanup(wine, "reg", "delete", root, "/f")
+        self.assertEqual(rows.keys(), texts.keys())
+        of_user = rows["ServiceHost"][0].replace("HKLM", "HKCU")
+        self.addCleanup(wine, "reg", "delete", of_user, "/f")
+        wine("reg", "add", of_user, *rows["ServiceHost"][1:])
+        self.assertEqual(self.service(), ["Service: analysis.keldane.example (built in)"])
+        for row in rows.values():
+            wine("reg", "add", *row)
+        facts = (DLL.parent / "kel.exe", "facts", "memory")
+        self.enterContext(mock.patch.dict(os.environ, {"LOGFOLDER": windows_path(log)}))
+        self.assertEqual(wine(*facts).code, 0)
+        [file] = log.iterdir()  # of less than its size
+        lines = file.read_text("utf-8").lstrip("x")
+        self.assertRegex(lines, r"(?m)^\d{4}-\d\d-\d\d \d+ [\d:]{8}  [\d.]+ +TRACE \| .*service firm\.example \(policy\)$")
+        self.assertNotIn(" MARK ", lines)  # of a higher level
+        self.assertIn('"Run"', "".join(map(str, self.registry(r"HKCU\Software\Keldane").values())))
+        wine("reg", "add", rows["LogSize"][0], "/v", "LogSize", "/t", "REG_DWORD", "/d", "1024", "/f")
+        wine("reg", "add", rows["ServiceHost"][0], "/v", "ServiceHost", "/d", "http://firm.example", "/f")
+        self.assertEqual(wine(*facts).code, 0)
+        self.assertEqual(sorted(path.name for path in log.iterdir()), ["a.log", "a.log.1"])
+        refused = 'The policy ServiceHost is not the name of a host, and is ignored: "http://firm.example"'
+        self.assertEqual(self.service(), ["Service: analysis.keldane.example (built in)", refused])
+        self.assertEqual(file.read_text("utf-8").count(refused), 1)
 
     def test_a_program_uses_it_without_registration(self):
         """The DLL is beside the program, with the archive's manifest; without the program's own manifest there is no class."""
@@ -241,8 +299,8 @@ class Files(unittest.TestCase):
     def test_the_archive_is_whole(self):
         folder = self.extract(NOW["Detection-4.5.1-x64.zip"])
         subprocess.run(["sha256sum", "--quiet", "--check", "SHA256SUMS"], cwd=folder, check=True)
-        self.assertLessEqual({"Detection.dll", "kel.exe", "Detection.manifest", "Detection.cdx.json", "fleet", "examples"},
-                             set(os.listdir(folder)))
+        self.assertLessEqual({"Detection.dll", "kel.exe", "check.exe", "Detection.manifest", "Detection.cdx.json", "fleet",
+                              "policies", "examples"}, set(os.listdir(folder)))
         notices = (folder / "licences.txt").read_text("utf-8")
         for needed in ("Runtime Library Exception", "the mingw-w64 project", "Boost Software License", "Niels Lohmann",
                        "University of Cincinnati"):
@@ -271,6 +329,15 @@ class Files(unittest.TestCase):
             self.assertIn(f"ProductCode: '{properties['ProductCode']}'", manifest)
             self.assertIn(f"InstallerSha256: {hashlib.sha256(path.read_bytes()).hexdigest().upper()}\n", manifest)
 
+    def test_the_texts_of_the_policy_templates_are_those_that_they_use(self):
+        template = (POLICIES / "Keldane.admx").read_text("utf-8")
+        texts = ElementTree.parse(POLICIES / "en-US" / "Keldane.adml").getroot()
+        for kind in ("string", "presentation"):
+            self.assertEqual(set(re.findall(rf"\$\({kind}\.(\w+)\)", template)),
+                             {text.get("id") for text in texts.iter(POLICY + kind)})
+        self.assertEqual(set(re.findall(r'<(?:text|decimal) id="(\w+)"', template)),
+                         {box.get("refId") for box in texts.iter() if box.get("refId")})
+
     def test_no_documented_command_restarts_the_machine(self):
         for page in (ROOT / "docs").glob("*.md"):
             for command in re.findall(r"msiexec [^`\n]*/qn[^`\n]*", page.read_text("utf-8")):
@@ -291,7 +358,7 @@ class Files(unittest.TestCase):
         self.assertEqual(sorted(sums.stdout.splitlines()), sorted(f"{name}: OK" for name in signed))
         archive = self.extract(signed["Detection-4.5.1-x64.zip"])
         signed = {name: path for name, path in signed.items() if path.suffix in (".msi", ".cab")}
-        signed |= {name: archive / name for name in ("Detection.dll", "kel.exe")}
+        signed |= {name: archive / name for name in ("Detection.dll", "kel.exe", "check.exe")}
         run("msiextract", "-C", self.folder / "extracted", signed["Detection-4.5.1-x64.msi"])
         [signed["the installer's DLL"]] = (self.folder / "extracted").rglob("Detection.dll")
         verify = ("osslsigncode", "verify", "-CAfile", certificate, "-in")

@@ -17,6 +17,7 @@
 #include "service/PathText.h"
 #include "service/Proxy.h"
 #include "service/RunWithin.h"
+#include "service/ServiceHost.h"
 #include "service/SystemInformationRequest.h"
 #include "service/Utf8.h"
 #include "service/WebServiceUpload.h"
@@ -54,6 +55,33 @@ struct Blocked {
         });
     }
 };
+
+TEST(ServiceHost, IsANameThatAddsNothingToARequest)
+{
+    const std::wstring label(63, L'a');
+    const std::pair<std::wstring, bool> rows[] = {
+        {L"analysis.example", true},
+        {L"localhost", true},
+        {L"127.0.0.1", true},
+        {label + L".b-1.C", true},
+        {L"", false},
+        {L"a.", false},
+        {L".a", false},
+        {L"a..b", false},
+        {label + L"a", false},
+        {label + L"." + label + L"." + label + L"." + label, false},
+        {L"http://a", false},
+        {L"a:80", false},
+        {L"a/b", false},
+        {L"a b", false},
+        {L"a\r\nX: y", false},
+        {L"u@a", false},
+        {L"[::1]", false},
+        {L"\u00E4", false},
+    };
+    for (const auto& [text, isHost] : rows)
+        EXPECT_EQ(IsHostName(text), isHost) << text;
+}
 
 TEST(Exchange, KeepsItsHandlesWhenAbandonedUntilItEnds)
 {

@@ -1,5 +1,5 @@
-"""Makes the packages from a built DLL and program: two installers, an archive, and on demand a cabinet of the DLL. Signs
-the DLL and the program in them, and the packages, when a certificate is given (scripts/sign.sh)."""
+"""Makes the packages from a built DLL and its programs: two installers, an archive, and on demand a cabinet of the DLL. Signs
+the DLL and the programs in them, and the packages, when a certificate is given (scripts/sign.sh)."""
 
 import argparse
 import hashlib
@@ -56,15 +56,21 @@ def headers(folder):
     return {f"include/{name}": text[text.index(b"\n") + 1:].lstrip() for name, text in texts.items()}
 
 
-def archive(product, dll, program, interface, target):
-    """The archive: the DLL, the program, the headers, the manifest, the documents and examples, what fleet tools need, the
-    notices of linked libraries, and the SBOM."""
+def policies():
+    """The templates of the policies."""
+    folder = ROOT / "packaging" / "policies"
+    return {f"policies/{name}": (folder / name).read_bytes() for name in ("Keldane.admx", "en-US/Keldane.adml")}
+
+
+def archive(product, dll, programs, interface, target):
+    """The archive: the DLL, the programs, the headers, the manifest, the documents and examples, what fleet tools need, the
+    templates of the policies, the notices of linked libraries, and the SBOM."""
     content = dll.read_bytes()
-    files = {"Detection.dll": content, "kel.exe": program.read_bytes(),
+    files = {"Detection.dll": content, **{program.name: program.read_bytes() for program in programs},
              "Detection.manifest": assembly.manifest(product.version).encode(),
              "Detection.cdx.json": bill.bill(product.version, digest(content)).encode(),
              "licences.txt": bill.notices().encode(), **headers(interface), **documents.documents(),
-             **fleet.scripts(product)}
+             **fleet.scripts(product), **policies()}
     files["SHA256SUMS"] = "".join(f"{digest(files[name])}  {name}\n" for name in sorted(files)).encode()
     write_zip(target, files)
 
@@ -81,6 +87,7 @@ def main():
     parser = argparse.ArgumentParser(prog="packaging", description=__doc__)
     parser.add_argument("--dll", type=Path, default=ROOT / "build" / "release" / "Detection.dll")
     parser.add_argument("--program", type=Path, default=ROOT / "build" / "release" / "kel.exe")
+    parser.add_argument("--check-program", type=Path, default=ROOT / "build" / "release" / "check.exe")
     parser.add_argument("--headers", type=Path, default=ROOT / "build" / "release" / "control")
     parser.add_argument("--output", type=lambda text: Path(text).resolve(), default=ROOT / "build" / "package")
     parser.add_argument("--version", default=built_version(), help="three numbers; the DLL's otherwise")
@@ -93,16 +100,18 @@ def main():
     work = output / "work"
     shutil.rmtree(work, ignore_errors=True)
     work.mkdir(parents=True)
-    dll, program, icon = work / "Detection.dll", work / "kel.exe", work / "Detection.ico"
+    dll, icon, programs = work / "Detection.dll", work / "Detection.ico", [work / "kel.exe", work / "check.exe"]
     shutil.copyfile(arguments.dll, dll)
-    shutil.copyfile(arguments.program, program)
-    sign(dll, program)
+    for source, program in zip((arguments.program, arguments.check_program), programs, strict=True):
+        shutil.copyfile(source, program)
+    sign(dll, *programs)
     shutil.copyfile(ROOT / "packaging" / "Detection.ico", icon)
-    for path in (dll, program, icon):
+    for path in (dll, *programs, icon):
         os.utime(path, (EPOCH, EPOCH))
     product = read_product(dll, version, arguments.site)
-    if read_product(program, version, arguments.site) != product:
-        sys.exit(f"{arguments.program} and {arguments.dll} are for different services or from different publishers.")
+    for program in programs:
+        if read_product(program, version, arguments.site) != product:
+            sys.exit(f"{program.name} and {arguments.dll} are for different services or from different publishers.")
     made = []
     for scope in ("machine", "user"):
         made.append(output / product.package_name(scope))
@@ -112,7 +121,7 @@ def main():
         cabinet(version, dll, work, made[-1])
     sign(*made)
     made.append(output / f"Detection-{version}-x64.zip")
-    archive(product, dll, program, arguments.headers, made[-1])
+    archive(product, dll, programs, arguments.headers, made[-1])
     made += fleet.winget(product, output)
     made.append(extension.build(version, output))
     # Last of all, from the signed files.

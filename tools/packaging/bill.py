@@ -73,7 +73,7 @@ def _notice(linked):
 
 def notices():
     """The text of all notices that have to accompany the binaries."""
-    parts = ["Detection.dll and kel.exe contain parts of these libraries.\n"]
+    parts = ["Detection.dll, kel.exe and check.exe contain parts of these libraries.\n"]
     for linked in LINKED:
         title = f"{linked.name} {_version(linked.package)} ({linked.licence})"
         parts.append(f"{title}\n{'=' * len(title)}\n\n{_notice(linked)}\n")

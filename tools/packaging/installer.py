@@ -9,9 +9,12 @@ import extension
 import registration
 from stamp import EPOCH, faked
 
+LINK = "kel-check"  # the scheme of a page's links, which open check.exe
+POLICIES = r"Software\Policies\Keldane"
 FOLDERS = {"machine": ("ProgramFiles64Folder", []), "user": ("LocalAppDataFolder", ["Programs"])}
 MIGRATE_FEATURES, VERSION_MAX_INCLUSIVE = 1, 512  # bits of an upgrade row's attributes
-SET_PROPERTY, AFTER_COSTING = 51, 1001  # a custom action's type, and its place
+RAW_VALUE, FOR_64_BIT = 2, 16  # a search's type
+SET_PROPERTY, AFTER_SEARCH, AFTER_COSTING = 51, 51, 1001  # a custom action's type, and its places
 
 
 def _registry(rows, root):
@@ -50,6 +53,25 @@ def _identifier(product):
     return f'      <Component Id="Identifier" Guid="{code}" Win64="yes">\n{rows}\n      </Component>\n'
 
 
+def _service_host(product):
+    """The component behind the property SERVICEHOST, the policy that names the service's host. A copy outside of the policies
+    distinguishes for an upgrade what the installer set from what a group policy did."""
+    own = f"Software\\{product.name}"
+    rows = "\n".join(f'        <RegistryValue Root="HKLM" Key="{key}" Name="ServiceHost" Type="string" Value="[SERVICEHOST]"/>'
+                     for key in (POLICIES, own))
+    search = (f'    <Property Id="KEPTHOST"><RegistrySearch Id="KeptHost" Root="HKLM" Key="{own}" Name="ServiceHost"'
+              ' Type="raw"/></Property>\n')
+    code = product.component_code("servicehost")
+    return search, f'      <Component Id="ServiceHost" Guid="{code}" Win64="yes">\n{rows}\n      </Component>\n'
+
+
+def _link_rows():
+    """The registration of links to check.exe. It takes the whole link as one argument, and refuses anything else."""
+    return [registration.Row(LINK, None, "URL:Computer check"), registration.Row(LINK, "URL Protocol", ""),
+            registration.Row(LINK + r"\DefaultIcon", None, "[#CheckExe],0"),
+            registration.Row(LINK + r"\shell\open\command", None, '"[#CheckExe]" "%1"')]
+
+
 def source(product, scope, size):
     """The installer's source in the language of the tool that builds it.
 
@@ -63,10 +85,11 @@ def source(product, scope, size):
     user = scope == "user"
     marker = (f'        <RegistryValue Root="HKCU" Key="Software\\{product.name}" Name="Installed" Type="string"'
               ' Value="1" KeyPath="yes"/>\n        <RemoveFolder Id="RemoveInstall" On="uninstall"/>\n') if user else ""
+    search, service_host = ("", "") if user else _service_host(product)
     components = "" if user else (
         f'      <Component Id="Interface32" Guid="{product.component_code("machine32")}" Win64="no">\n'
-        f'{_registry(narrow, root)}\n      </Component>\n' + _identifier(product))
-    references = "" if user else '<ComponentRef Id="Interface32"/><ComponentRef Id="Identifier"/>'
+        f'{_registry(narrow, root)}\n      </Component>\n' + _identifier(product) + service_host)
+    references = "" if user else '<ComponentRef Id="Interface32"/><ComponentRef Id="Identifier"/><ComponentRef Id="ServiceHost"/>'
     return f"""<?xml version="1.0" encoding="utf-8"?>
 <Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
   <Product Id="{product.product_code(scope)}" Name="{product.display_name(scope)}" Language="1033"
@@ -77,12 +100,13 @@ def source(product, scope, size):
     <Media Id="1" Cabinet="detection.cab" EmbedCab="yes"/>
     <Icon Id="Detection.ico" SourceFile="Detection.ico"/>
 {_properties(product, size)}
-    <Directory Id="TARGETDIR" Name="SourceDir">
+{search}    <Directory Id="TARGETDIR" Name="SourceDir">
       <Directory Id="{folder}">{opened}<Directory Id="INSTALLFOLDER" Name="{product.name}">
       <Component Id="Control" Guid="{product.component_code(scope)}" Win64="yes">
         <File Id="DetectionDll" Name="Detection.dll" Source="Detection.dll"{'' if user else ' KeyPath="yes"'}/>
         <File Id="KelExe" Name="kel.exe" Source="kel.exe"/>
-{marker}{_registry(wide, root)}
+        <File Id="CheckExe" Name="check.exe" Source="check.exe"/>
+{marker}{_registry(wide + _link_rows(), root)}
       </Component>
 {components}{extension.component(product, scope)}      </Directory>{closed}</Directory>
     </Directory>
@@ -93,16 +117,17 @@ def source(product, scope, size):
 
 
 def build(product, scope, work, target):
-    """Makes one package of the DLL, the program and the icon in a folder; the same inputs give the same bytes."""
-    dll, program, icon = work / "Detection.dll", work / "kel.exe", work / "Detection.ico"
-    for name, text in extension.manifests(program).items():
+    """Makes one package of the DLL, the programs and the icon in a folder; the same inputs give the same bytes."""
+    installed = [work / name for name in ("Detection.dll", "kel.exe", "check.exe")]
+    files = [*installed, work / "Detection.ico"]
+    for name, text in extension.manifests(work / "kel.exe").items():
         (work / name).write_text(text, "ascii")
         os.utime(work / name, (EPOCH, EPOCH))
     wxs = work / f"{scope}.wxs"
     queries = (
         # The tool writes no file version; a row without one beside a versioned file could keep the old file.
         f"UPDATE `File` SET `Version`='{product.version}.0', `Language`='1033'",
-        *(f"DELETE FROM `MsiFileHash` WHERE `File_`='{file}'" for file in ("DetectionDll", "KelExe")),
+        *(f"DELETE FROM `MsiFileHash` WHERE `File_`='{file}'" for file in ("DetectionDll", "KelExe", "CheckExe")),
         # The tool's own upgrade row replaces only lower versions.
         "DELETE FROM `Upgrade` WHERE `ActionProperty`='WIX_UPGRADE_DETECTED'",
         "INSERT INTO `Upgrade` (`UpgradeCode`, `VersionMax`, `Attributes`, `ActionProperty`) VALUES "
@@ -111,13 +136,20 @@ def build(product, scope, work, target):
         # The tool does not know conditions of components. A removal has no property, and Wine asks again then. In the package
         # for one user, this changes nothing.
         "UPDATE `Component` SET `Condition`='IDENTIFIER = 1 OR REMOVE = \"ALL\"' WHERE `Component`='Identifier'",
+        "UPDATE `Component` SET `Condition`='SERVICEHOST OR REMOVE = \"ALL\"' WHERE `Component`='ServiceHost'",
+        # The tool searches for values of 32-bit programs.
+        f"UPDATE `RegLocator` SET `Type`={RAW_VALUE | FOR_64_BIT} WHERE `Signature_`='KeptHost'",
+        # An upgrade or a repair without the property keeps the host that an installer set.
+        "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
+        f"('KeepHost', {SET_PROPERTY}, 'SERVICEHOST', '[KEPTHOST]')",
+        "INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES "
+        f"('KeepHost', 'KEPTHOST AND NOT SERVICEHOST', {AFTER_SEARCH})",
         # The entry of "Apps" shows the folder, which is known only during the installation.
         "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
         f"('SetLocation', {SET_PROPERTY}, 'ARPINSTALLLOCATION', '[INSTALLFOLDER]')",
         f"INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('SetLocation', {AFTER_COSTING})",
         *extension.QUERIES)
-    files = (dll, program, icon)
-    text = source(product, scope, sum(path.stat().st_size for path in (dll, program)) // 1024)
+    text = source(product, scope, sum(path.stat().st_size for path in installed) // 1024)
     inputs = (text.encode(), *map(str.encode, queries), *(path.read_bytes() for path in files))
     wxs.write_text(text)
     for path in (wxs, *files):

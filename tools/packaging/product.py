@@ -9,7 +9,8 @@ OWN_PUBLISHER = "Keldane"
 # Never change these: by the first, an upgrade finds the package that it replaces.
 UPGRADE_CODES = {"machine": "7E3F2C51-9A64-4F0B-8D17-51C6E2A9B3D4", "user": "C2A8D6F4-1B75-4E39-A0C8-9D3E7F615B28"}
 COMPONENTS = {"machine": "0F5B8E63-D2A7-4C1E-9B46-83E0C7A1F5D2", "user": "94D1C7B0-3E5A-4862-BF19-6A2C8E07D5F3",
-              "machine32": "B86A2E19-5C40-4D7B-A3F2-17E9D4C0685A", "identifier": "5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2"}
+              "machine32": "B86A2E19-5C40-4D7B-A3F2-17E9D4C0685A", "identifier": "5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2",
+              "servicehost": "A41B7C09-6D3E-4F52-8E71-2C95D0B3F846"}
 
 
 def resource_text(content, name):

@@ -1,0 +1,98 @@
+#include "run/LogFile.h"
+
+#include <gmock/gmock.h>
+#include <windows.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "run/LogWriter.h"
+#include "support/TestFolder.h"
+
+namespace kel {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ReadAll(const fs::path& path)
+{
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+TEST(LogFile, HasEveryLineOfSeveralWritersInAtMostFiveFiles)
+{
+    constexpr int Writers = 4, Lines = 30, MaxSize = 500, LineSize = 10;
+    const test::TestFolder folder;
+    const fs::path path = folder.Path() / L"a.log";
+    std::vector<std::thread> writers;
+    for (int writer = 1; writer <= Writers; ++writer) {
+        writers.emplace_back([&, writer] {
+            const LogFile file(path.wstring(), MaxSize);  // locks are by handle, so this is like a process
+            for (int line = 0; line < Lines; ++line)
+                EXPECT_TRUE(file.Append("line " + std::to_string(writer * 1000 + line) + "\n"));
+        });
+    }
+    for (std::thread& writer : writers)
+        writer.join();
+    std::set<std::string> lines;
+    for (const wchar_t* name : {L"a.log.2", L"a.log.1", L"a.log"}) {
+        std::istringstream text(ReadAll(folder.Path() / name));
+        for (std::string line; std::getline(text, line);)
+            lines.insert(line);
+        EXPECT_LE(text.str().size(), std::size_t{MaxSize}) << name;
+    }
+    EXPECT_EQ(lines.size(), std::size_t{Writers * Lines});
+    EXPECT_EQ(lines.begin()->size() + 1, std::size_t{LineSize});
+    for (int line = 0; line < 10; ++line)
+        EXPECT_TRUE(LogFile(path.wstring(), MaxSize).Append(std::string(MaxSize - 1, 'x') + "\n"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path()), fs::directory_iterator()),
+              LogFile::MaxFiles);
+}
+
+TEST(LogFile, LeavesLinksAndOtherThingsAlone)
+{
+    const test::TestFolder folder;
+    const fs::path target = folder.Path() / L"target", link = folder.Path() / L"link";
+    std::ofstream(target) << "kept";
+    ASSERT_TRUE(CreateHardLinkW(link.c_str(), target.c_str(), nullptr));
+    EXPECT_FALSE(LogFile(link.wstring(), 1000).Append("line\n"));
+    EXPECT_EQ(ReadAll(target), "kept");
+    EXPECT_FALSE(LogFile(folder.Path().wstring(), 1000).Append("line\n"));
+}
+
+TEST(LogWriter, NeverWaitsForAFileAndCountsWhatItLost)
+{
+    const test::TestFolder folder;
+    const fs::path path = folder.Path() / L"later" / L"a.log";
+    LogWriter& writer = *new LogWriter(LogFile(path.wstring(), 10'000'000), 3);
+    ASSERT_TRUE(writer.Start());
+    writer.Write(1, L"refused\n");
+    writer.Flush();  // the folder is not there
+    const ULONGLONG start = GetTickCount64();
+    for (int line = 0; line < 1000; ++line) {
+        writer.Write(1, std::wstring(1000, L'x'));
+        writer.Flush();
+    }
+    EXPECT_LT(GetTickCount64() - start, 1000U * 50 / 2);  // each of them would wait 50 ms
+    fs::create_directory(path.parent_path());
+    const auto holds = [&](const char* part) { return ReadAll(path).find(part) != std::string::npos; };
+    const char* const written = " a  b \xC3\xA4\r\n";
+    for (int attempt = 0; attempt < 3000 && !(holds("lines that were lost: ") && holds(written)); ++attempt) {
+        writer.Write(3, L"a\r\nb \u00E4\n");
+        writer.Write(4, L"above the level\n");
+        Sleep(100);
+    }
+    EXPECT_TRUE(holds("lines that were lost: "));
+    EXPECT_TRUE(holds(written));
+    EXPECT_FALSE(holds("above"));
+}
+
+}  // namespace
+}  // namespace kel
