@@ -30,10 +30,13 @@ cmake --install build/server --prefix "$root/usr" --strip >/dev/null
 put 644 packaging/server/kel-server.service "$root/lib/systemd/system/kel-server.service"
 put 640 packaging/server/kel.conf "$root/etc/kel/kel.conf"
 put 644 packaging/server/nginx.conf "$doc/examples/nginx.conf"
+for file in packaging/server/monitoring/*; do
+  put 644 "$file" "$doc/examples/monitoring/${file##*/}"
+done
 for set in examples/requirements/*.json; do
   put 644 "$set" "$doc/$set"
 done
-for page in service service-protocol administration value-ids integration deployment; do
+for page in service service-protocol administration value-ids integration deployment scale; do
   put 644 "docs/$page.md" "$doc/$page.md"
 done
 cat packaging/server/copyright /usr/share/doc/nlohmann-json3-dev/copyright >"$doc/copyright"

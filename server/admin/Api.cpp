@@ -8,18 +8,18 @@
 
 #include "server/admin/DraftCheck.h"
 #include "server/admin/Drafts.h"
+#include "server/admin/FailingLine.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ReportExport.h"
 #include "server/admin/ReportQuery.h"
-#include "server/admin/figures/Recent.h"
+#include "server/admin/ReportSearch.h"
 #include "server/admin/kit/Texts.h"
 #include "server/base/Log.h"
 #include "server/http/Limits.h"
-#include "server/report/Report.h"
 #include "server/store/DayCounts.h"
 #include "server/store/Reports.h"
 #include "server/store/RequirementSets.h"
 #include "server/store/Verdicts.h"
-#include "verdict/text/Csv.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
@@ -30,8 +30,7 @@ using nlohmann::ordered_json;
 
 constexpr int UsualReports = 100, MaxPageReports = 1000;
 constexpr std::size_t MaxAnswerBytes = 4 * Limits::Megabyte;  // the next answer has the rest
-constexpr std::size_t MaxCellBytes = 200;       // of each text that every row of a report repeats
-constexpr std::size_t MaxParameterBytes = 100;  // of a parameter that an error repeats
+constexpr std::size_t MaxParameterBytes = 100;                // of a parameter that an error repeats
 
 Answer JsonAnswer(const ordered_json& content, int status = 200)
 {
@@ -39,42 +38,6 @@ Answer JsonAnswer(const ordered_json& content, int status = 200)
         Answer::Of("application/json", content.dump(-1, ' ', false, ordered_json::error_handler_t::replace));
     answer.status = status;
     return answer;
-}
-
-std::string Quoted(const std::string& text)
-{
-    return ordered_json(text).dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-}
-
-/// Builds the text directly: as objects, a report of tiny values would take many times its memory.
-std::string Entry(const FullReport& report, const std::string& total)
-{
-    std::string entry =
-        "{\"id\":" + std::to_string(report.id) + ",\"received\":" + Quoted(IsoTime(report.received)) +
-        ",\"session\":" + Quoted(report.session) + ",\"referrer\":" + Quoted(report.referrer) +
-        ",\"user\":" + Quoted(report.user) + ",\"machine\":" + Quoted(report.machine) +
-        ",\"total\":" + Quoted(total) + ",\"values\":[";
-    const Report read = ReadStored(report.body).value_or(Report());
-    for (const auto& [key, value] : read.All()) {
-        entry += (entry.back() == '[' ? "{\"id\":" : ",{\"id\":") + Quoted(key.first);
-        entry += ",\"index\":" + std::to_string(key.second) + ",\"value\":" + Quoted(value) + '}';
-    }
-    return entry + "]}";
-}
-
-std::string Records(const FullReport& report, const std::string& total)
-{
-    std::string records;
-    const Report read = ReadStored(report.body).value_or(Report());
-    // Repeated for every value, they stay below the bound together.
-    const std::size_t maxBytes =
-        std::min(MaxCellBytes, MaxAnswerBytes / 4 / std::max<std::size_t>(read.Count(), 1));
-    const std::string session = Shortened(report.session, maxBytes), user = Shortened(report.user, maxBytes),
-                      machine = Shortened(report.machine, maxBytes);
-    for (const auto& [key, value] : read.All())
-        records += CsvRecord({std::to_string(report.id), IsoTime(report.received), session, report.referrer,
-                              user, machine, total, key.first, std::to_string(key.second), value});
-    return records;
 }
 
 /// The draft's revision that the request is for: If-Match: "3".
@@ -123,7 +86,7 @@ std::optional<Answer> RefuseParameters(const Target& target, std::span<const std
 Answer ListReports(const AdminRequest& request)
 {
     const std::string after = request.Query("after"), count = request.Query("count"),
-                      format = request.Query("format");
+                      format = request.Query("format"), all = request.Query("all");
     const ReportQuery query = ReportQuery::Read(request);
     if (!query.problem.empty())
         throw Fault(400, query.problem);
@@ -134,32 +97,46 @@ Answer ListReports(const AdminRequest& request)
                        : static_cast<int>(std::min<std::int64_t>(WholeNumber(count), MaxPageReports));
     if (filter.afterId < 0 || filter.count < 1 || (!format.empty() && format != "csv" && format != "json"))
         throw Fault(400, "'after' and 'count' are whole numbers, and 'format' is json or csv.");
-    const bool isCsv = format == "csv";
-    const std::string head = isCsv ? CsvRecord({"report", "received", "session", "referrer", "user",
-                                                "machine", "total", "id", "index", "value"})
-                                   : "{\"reports\":[";
-    std::string text = head;
-    std::vector<std::int64_t> ids;
-    std::map<std::int64_t, std::string> totals;
-    for (const ReportLine& line : Reports(request.database).List(filter)) {
-        ids.push_back(line.id);
-        totals[line.id] = line.total ? ToString(*line.total) : "";
-    }
-    std::int64_t last = ids.empty() ? filter.afterId : ids.back();
-    Reports(request.database).ForEach(ids, [&](const FullReport& report) {
-        const std::string& total = totals[report.id];
-        const std::string more = isCsv ? Records(report, total) : Entry(report, total);
-        const bool isFirst = text.size() == head.size();
-        if (!isFirst && text.size() + more.size() > MaxAnswerBytes) {
-            last = report.id - 1;
+    if (!all.empty() && (all != "1" || !count.empty()))
+        throw Fault(400, "'all' has to be 1, and has no 'count' beside it.");
+    if (!query.failing.empty())
+        filter.failing = FindLines(request.database, query.referrer, query.failing);
+    const ReportFormat as = format == "csv" ? ReportFormat::Csv : ReportFormat::Json;
+    if (!all.empty())
+        return AllReports(request.database, query, filter, as);
+    ReportWriter writer(as);
+    std::string text = writer.Head();
+    const std::size_t head = text.size();
+    const FoundReports found = SearchReports(request.database, query, filter);
+    std::int64_t last = !found.lines.empty() ? found.lines.back().id : filter.afterId;
+    last = std::max(last, found.reached);
+    writer.ForEach(request.database, found.lines, [&](std::int64_t report, const std::string& more) {
+        if (text.size() > head && text.size() + more.size() > MaxAnswerBytes) {
+            last = report - 1;
             return false;
         }
-        text += (isFirst || isCsv ? "" : ",") + more;
+        text += more;
         return true;
     });
-    if (isCsv)
-        return Answer::Of("text/csv; charset=utf-8; header=present", std::move(text));
-    return Answer::Of("application/json", text + "],\"last\":" + std::to_string(last) + "}");
+    Answer answer = Answer::Of(std::string(writer.ContentType()), text + writer.End(last));
+    answer.headers.emplace_back("X-Last", std::to_string(last));  // a table has no other place for it
+    return answer;
+}
+
+Answer DownloadReports(const AdminRequest& request)
+{
+    const ReportQuery query = ReportQuery::Read(request);
+    if (!query.problem.empty())
+        throw Fault(400, query.problem);
+    ReportFilter filter = query.Filter();
+    if (!query.failing.empty())
+        filter.failing = FindLines(request.database, query.referrer, query.failing);
+    const bool isCsv = request.Query("format") == "csv";
+    Answer answer =
+        AllReports(request.database, query, filter, isCsv ? ReportFormat::Csv : ReportFormat::Json);
+    answer.headers.emplace_back("Content-Disposition", fmt::format("attachment; filename=\"reports-{}.{}\"",
+                                                                   DayText(Now()), isCsv ? "csv" : "json"));
+    return answer;
 }
 
 Answer ReadReport(const AdminRequest& request)
@@ -169,7 +146,7 @@ Answer ReadReport(const AdminRequest& request)
         throw Fault(404, "There is no such report.");
     const auto verdicts = Verdicts(request.database).OnReport(report->id);
     const std::string total(verdicts.empty() ? "" : ToString(verdicts.front().total));
-    return Answer::Of("application/json", Entry(*report, total));
+    return Answer::Of("application/json", JsonEntry(*report, total));
 }
 
 Answer ListReferrers(const AdminRequest& request)

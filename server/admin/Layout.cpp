@@ -146,6 +146,19 @@ Html Moment(std::int64_t time)
     return Html::Element("time", {{"datetime", IsoTime(time)}}, TimeText(time));
 }
 
+Html Figure(const std::string& name, const Html& value)
+{
+    return Html::Element("div", {}, {Html::Element("b", {}, value), name});
+}
+
+Html ProductLink(const std::string& referrer, const std::string& title, const std::string& query)
+{
+    const Html link = Link(ProductPath(referrer) + (query.empty() ? "" : "?" + query), referrer);
+    return title.empty() || title == referrer
+               ? link
+               : link + " " + Html::Element("span", {{"class", "kind"}}, Html::Stored(title));
+}
+
 std::string ProductPath(const std::string& referrer)
 {
     return "/products/" + UrlEncode(referrer);

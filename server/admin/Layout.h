@@ -39,6 +39,12 @@ Html ButtonLink(const std::string& path, const std::string& label, const std::st
 /// A moment, in UTC.
 Html Moment(std::int64_t time);
 
+/// A large figure above its name.
+Html Figure(const std::string& name, const Html& value);
+
+/// A product's name as a link to its page, and its title beside it unless that is empty or the same.
+Html ProductLink(const std::string& referrer, const std::string& title, const std::string& query = "");
+
 std::string ProductPath(const std::string& referrer);
 std::string RequirementsPath(const std::string& referrer);
 std::string ReportPath(std::int64_t report);

@@ -1,15 +1,13 @@
 #include <fmt/format.h>
-#include <map>
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ProductList.h"
 #include "server/admin/ReportQuery.h"
 #include "server/admin/ReportsTable.h"
-#include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/DayCounts.h"
 #include "server/store/Reports.h"
-#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -28,80 +26,75 @@ Html NewProductForm()
                           Html::Element("div", {{"class", "field"}}, Button("Write requirements", "plain"))});
 }
 
-/// A product's sessions by its newest version, and how many are by earlier ones.
-struct ProductSessions {
-    Counts newest;
-    int earlier = 0;
+struct ReportCounts {
+    std::int64_t all = 0, others = 0;  // others: for no product that has requirements
 };
 
-std::vector<Html> CountCells(const Product& product, const ProductSessions& sessions, const Period& period)
+ReportCounts CountReports(Database& database, const Period& period)
 {
-    const ReportQuery query = ReportQuery::SessionsOf(product.referrer, period);
-    const ReportQuery ofNewest = query.OfVersion(product.version);
-    const Counts& newest = sessions.newest;
-    return {CountLink(ofNewest, newest.All()),
-            CountLink(ofNewest.With("pass"), newest.pass),
-            CountLink(ofNewest.With("fail"), newest.fail),
-            CountLink(ofNewest.With("unknown"), newest.unknown),
-            Percentage(newest.pass, newest.All()),
-            sessions.earlier == 0
-                ? Html("0")
-                : Link(ProductPath(product.referrer) + "?" + period.Query(), Grouped(sessions.earlier))};
+    ReportCounts counts;
+    for (const auto& [referrer, count] : DayCounts(database).Reports(period.Range())) {
+        counts.all += count;
+        counts.others += referrer.empty() ? count : 0;
+    }
+    return counts;
 }
 
-Html ProductTable(Database& database, const Period& period)
+/// How many of all visitors can run what they came for, and whether that is changing.
+Html AnswerForAll(const ProductList& products, const Period& period)
 {
-    const std::vector<Product> products = RequirementSets(database).Products();
-    std::map<std::string, int> newest;
-    for (const Product& product : products)
-        newest[product.referrer] = product.version;
-    std::map<std::string, ProductSessions> sessions;
-    for (const VersionCount& version : DayCounts(database).OfAllProducts(period.Range())) {
-        ProductSessions& of = sessions[version.referrer];
-        if (version.version == newest[version.referrer])
-            of.newest = version.sessions;
-        else
-            of.earlier += version.sessions.All();
-    }
-    Table table("Products, with the sessions that their newest version judged " + period.Text(),
-                {{"Product"},
-                 {"Version", true},
-                 {"Published (UTC)"},
-                 {"Sessions", true},
-                 {"Pass", true},
-                 {"Fail", true},
-                 {"Unknown", true},
-                 {"Passing", true},
-                 {"By earlier versions", true},
-                 {"Requirements"}});
-    for (const Product& product : products) {
-        const bool isPublished = product.version > 0;
-        std::vector<Html> cells{Link(ProductPath(product.referrer) + "?" + period.Query(), product.referrer),
-                                isPublished ? Html(std::to_string(product.version)) : Html("–"),
-                                isPublished ? Moment(product.published) : Html("–")};
-        const auto counts =
-            isPublished ? CountCells(product, sessions[product.referrer], period) : std::vector<Html>(6, "–");
-        cells.insert(cells.end(), counts.begin(), counts.end());
-        cells.push_back(Link(RequirementsPath(product.referrer), product.hasDraft ? "draft" : "view"));
-        table.Add(cells);
-    }
-    return table.Done(
-        "No product has requirements yet. An editor writes them here, or the command import publishes a "
-        "folder of files.");
+    const Counts &totals = products.Totals(), &before = products.TotalsBefore();
+    std::string text = fmt::format("{} of {} sessions {} pass", Percentage(totals.pass, totals.All()),
+                                   Grouped(totals.All()), period.Text());
+    if (period.HasBefore() && before.All() > 0)
+        text += fmt::format("; {} it was {} of {}", period.BeforeText(),
+                            Percentage(before.pass, before.All()), Grouped(before.All()));
+    return Html::Element("p", {{"class", "answer"}}, text + ".");
 }
 
 /// How many reports arrived, with those that belong to no product.
-Html Arrivals(Database& database, const Period& period)
+Html Arrivals(const ReportCounts& counts, const Period& period)
 {
-    std::int64_t all = 0, others = 0;
-    for (const auto& [referrer, count] : DayCounts(database).Reports(period.Range())) {
-        all += count;
-        others += referrer.empty() ? count : 0;
-    }
-    std::string text = fmt::format("Reports {}: {}", period.Text(), Grouped(all));
-    if (others > 0)
-        text += fmt::format(", {} of them for no product that has requirements", Grouped(others));
+    std::string text = fmt::format("Reports {}: {}", period.Text(), Grouped(counts.all));
+    if (counts.others > 0)
+        text += fmt::format(", {} of them for no product that has requirements", Grouped(counts.others));
     return Html::Element("p", {{"class", "lead"}}, text + ".");
+}
+
+const char* HealthText(Database& database)
+{
+    switch (database.State()) {
+        case DatabaseState::Ready:
+            return "takes reports";
+        case DatabaseState::ReadOnly:
+            return "database is read-only";
+        default:
+            return "no room for reports";
+    }
+}
+
+/// "3 minutes ago", so that nobody has to know the time in UTC.
+std::string Ago(std::int64_t time)
+{
+    constexpr std::int64_t Minute = 60'000, Hour = 60 * Minute;
+    const std::int64_t age = Now() - time;
+    return age < 2 * Minute      ? "just now"
+           : age < 2 * Hour      ? fmt::format("{} minutes ago", age / Minute)
+           : age < 2 * DayLength ? fmt::format("{} hours ago", age / Hour)
+                                 : fmt::format("{} days ago", Grouped(age / DayLength));
+}
+
+Html StateFigures(Database& database, const std::vector<ReportLine>& newest)
+{
+    ReportQuery reports;
+    reports.period = Period::Of("today");
+    Html last = "–";
+    if (!newest.empty())
+        last = Link(ReportPath(newest.front().id), Ago(newest.front().received));
+    return Html::Element(
+        "div", {{"class", "card figures"}},
+        {Figure("reports today", CountLink(reports, CountReports(database, reports.period).all)),
+         Figure("last report", last), Figure("service", HealthText(database))});
 }
 
 }  // namespace
@@ -109,16 +102,21 @@ Html Arrivals(Database& database, const Period& period)
 Answer ShowOverview(const AdminRequest& request)
 {
     const Period period = Period::Read(request, Period::Usual);
-    Html content =
-        period.Choice("/") + Arrivals(request.database, period) + ProductTable(request.database, period);
-    if (request.IsEditor())
-        content += NewProductForm();
+    const ProductList products(request, period);
     ReportFilter filter;
     filter.count = NewestReports;
+    const std::vector<ReportLine> newest = Reports(request.database).List(filter);
+    Html content = period.Choice("/");
+    if (products.Totals().All() > 0)
+        content += AnswerForAll(products, period);
+    content += StateFigures(request.database, newest) +
+               Arrivals(CountReports(request.database, period), period) + products.Show();
+    if (request.IsEditor())
+        content += NewProductForm();
     content +=
         Html::Element("h2", {}, "Newest reports") +
         ReportsTable(
-            "The last ten; all of them are under Reports", Reports(request.database).List(filter),
+            request.database, "The last ten; all of them are under Reports", newest,
             "No reports yet. They appear once a page with the control asks this service for an analysis.");
     return Page(request, "Overview", content);
 }

@@ -24,6 +24,8 @@ Answer ShowAudit(const AdminRequest& request);
 
 /// The list of reports, with filters, page by page.
 Answer ShowReports(const AdminRequest& request);
+/// All reports of the list with their values, as a file.
+Answer DownloadReports(const AdminRequest& request);
 /// One report: its sender, its verdicts, its values, and other reports of its machine.
 Answer ShowReport(const AdminRequest& request);
 /// A report's XML, as it arrived.

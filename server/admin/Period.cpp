@@ -104,6 +104,18 @@ std::string Period::Query() const
                            : fmt::format("from={}&until={}", From(), until);
 }
 
+Html Period::HiddenFields() const
+{
+    Html fields;
+    for (const auto& [field, value] : {std::pair{"period", name},
+                                       {"from", name.empty() ? From() : ""},
+                                       {"until", name.empty() ? Until() : ""}}) {
+        if (!value.empty())
+            fields += Hidden(field, value);
+    }
+    return fields;
+}
+
 std::string Period::From() const
 {
     return days.from == 0 ? std::string() : DayText(days.from * DayLength);

@@ -40,6 +40,8 @@ public:
     std::string BeforeText() const;
     /// The part of an address that names it: "period=7d", "from=2026-03-01&until=2026-03-31".
     std::string Query() const;
+    /// The same as hidden fields of a form.
+    Html HiddenFields() const;
     /// The day for a date field; empty where the period is open.
     std::string From() const;
     std::string Until() const;

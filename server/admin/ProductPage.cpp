@@ -3,11 +3,10 @@
 
 #include "server/admin/Layout.h"
 #include "server/admin/LineFigures.h"
+#include "server/admin/MachineCharts.h"
 #include "server/admin/Pages.h"
 #include "server/admin/ReportQuery.h"
-#include "server/admin/figures/Chart.h"
 #include "server/admin/figures/Curve.h"
-#include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/DayCounts.h"
@@ -19,18 +18,6 @@ namespace {
 
 constexpr std::size_t MaxVersions = 3;  // whose lines a page shows
 
-struct Picture {
-    int id;
-    const char* title;
-    Distribution::Kind kind;
-};
-
-constexpr Picture Pictures[] = {{71063, "Memory", Distribution::Kind::Bytes},
-                                {71254, "Logical processors", Distribution::Kind::Number},
-                                {72004, "Graphics memory", Distribution::Kind::Bytes},
-                                {72402, "Resolution of the primary display", Distribution::Kind::Text},
-                                {71060, "System", Distribution::Kind::Text}};
-
 Counts Sum(const std::vector<VersionCount>& versions)
 {
     Counts sum;
@@ -40,11 +27,6 @@ Counts Sum(const std::vector<VersionCount>& versions)
         sum.unknown += version.sessions.unknown;
     }
     return sum;
-}
-
-Html Figure(const std::string& name, const Html& value)
-{
-    return Html::Element("div", {}, {Html::Element("b", {}, value), name});
 }
 
 Html TotalFigures(const Counts& totals, const ReportQuery& sessions)
@@ -114,34 +96,6 @@ Html VerdictFigures(Database& database, const std::vector<PublishedSet>& publish
            tables;
 }
 
-/// The machines of the sessions that the other figures are of, as far as their reports are still stored.
-Html MachineCharts(Database& database, const ReportQuery& sessions, int all)
-{
-    std::vector<Distribution> distributions;
-    for (const Picture& picture : Pictures)
-        distributions.emplace_back(picture.kind);
-    const RecentSessions recent = ForEachRecentReport(database, sessions.Filter(), [&](const Report& report) {
-        for (std::size_t i = 0; i < distributions.size(); ++i)
-            distributions[i].Add(report.Value(Pictures[i].id));
-    });
-    if (recent.count == 0)
-        return Html::Element("p", {{"class", "empty"}},
-                             "The reports of these sessions are no longer stored.");
-    Html charts;
-    for (std::size_t i = 0; i < distributions.size(); ++i)
-        charts += Chart(Pictures[i].title, distributions[i].Bars());
-    const std::string of = recent.count == all
-                               ? "these sessions"
-                               : fmt::format("{} of these {} sessions, the newest with a readable report",
-                                             Grouped(recent.count), Grouped(all));
-    return Html::Element(
-               "p", {{"class", "lead"}},
-               fmt::format("The charts are of {}. A report has only the values that the requirements "
-                           "ask for; the others are not reported.",
-                           of)) +
-           Html::Element("div", {{"class", "charts"}}, charts);
-}
-
 /// Throws Fault 404 for a name that nothing stored has.
 void RequireKnown(Database& database, const std::string& referrer, const std::vector<PublishedSet>& published)
 {
@@ -183,16 +137,23 @@ Answer ShowProduct(const AdminRequest& request)
     const auto versions = DayCounts(request.database).ByVersion(referrer, sessions.period.Range());
     ReportQuery reports = sessions;
     reports.isOnce = false;
-    Html content = Html::Element("p", {{"class", "buttons"}},
-                                 {ButtonLink(RequirementsPath(referrer), "Requirements"),
-                                  ButtonLink(reports.Address(), "Reports")}) +
-                   sessions.period.Choice(ProductPath(referrer));
+    const auto titles = RequirementSets(request.database).Titles({referrer});
+    const std::string title = titles.empty() ? "" : titles.begin()->second;
+    Html content = title.empty() || title == referrer
+                       ? Html()
+                       : Html::Element("p", {{"class", "title"}}, Html::Stored(title));
+    content += Html::Element("p", {{"class", "buttons"}},
+                             {ButtonLink(RequirementsPath(referrer), "Requirements"),
+                              ButtonLink(reports.Address(), "Reports")}) +
+               sessions.period.Choice(ProductPath(referrer));
     if (versions.empty()) {
         content += NoSessions(sessions, !published.empty());
     } else {
         content += VerdictFigures(request.database, published, versions, sessions) +
-                   Html::Element("h2", {}, "What visitors have") +
-                   MachineCharts(request.database, sessions, Sum(versions).All());
+                   Html::Element("h2", {{"id", "values"}}, "What visitors have") +
+                   MachineCharts(request.database, sessions, Sum(versions).All(),
+                                 static_cast<int>(std::clamp<std::int64_t>(
+                                     WholeNumber(request.Query("value")), 0, INT32_MAX)));
     }
     return Page(request, referrer, content);
 }

@@ -30,16 +30,18 @@ constexpr int MaxReports = 20;               // of the session, and of the machi
 constexpr std::size_t MaxVerdicts = 5;       // the newest
 constexpr std::size_t MaxValues = 2000;      // that a page shows
 constexpr std::size_t MaxValueBytes = 1000;  // bytes of a value that a page shows
+constexpr int MaxCounted = 5000;             // reports of a session, before it is deleted
 constexpr int MaxBatches = 25;               // of a deletion, which take some seconds
 
-Html ReportFacts(const FullReport& report)
+Html ReportFacts(Database& database, const FullReport& report)
 {
+    auto titles = RequirementSets(database).Titles({report.referrer});
     return Html::Element(
         "dl", {{"class", "facts card"}},
         {DescriptionEntry("Received (UTC)", Moment(report.received)),
          DescriptionEntry("Product", report.referrer.empty()
                                          ? Html("–")
-                                         : Link(ProductPath(report.referrer), report.referrer)),
+                                         : ProductLink(report.referrer, titles[report.referrer])),
          DescriptionEntry("Session", TextOrDash(report.session)),
          DescriptionEntry("Session's number", TextOrDash(SessionNumber(report.session))),
          DescriptionEntry("User", TextOrDash(report.user)),
@@ -142,7 +144,7 @@ Html ReportsOfMachine(Database& database, const FullReport& report)
         lines.resize(std::min<std::size_t>(lines.size(), MaxReports));
     }
     return Html::Element("h2", {}, "Other reports of the machine") +
-           ReportsTable("Other reports of the same machine, the newest first", lines, "None.");
+           ReportsTable(database, "Other reports of the same machine, the newest first", lines, "None.");
 }
 
 }  // namespace
@@ -150,7 +152,7 @@ Html ReportsOfMachine(Database& database, const FullReport& report)
 Answer ShowReport(const AdminRequest& request)
 {
     const FullReport report = FindReport(request);
-    Html content = ReportFacts(report);
+    Html content = ReportFacts(request.database, report);
     content += Html::Element("p", {{"class", "buttons"}},
                              ButtonLink(ReportPath(report.id) + "/xml", "Download the XML"));
     content += ShowVerdicts(request, report);
@@ -158,9 +160,9 @@ Answer ShowReport(const AdminRequest& request)
     filter.session = report.session;
     filter.beforeId = report.id;
     filter.count = MaxReports;
-    content +=
-        Html::Element("h2", {}, "Earlier reports of the session") +
-        ReportsTable("Earlier reports of the same session", Reports(request.database).List(filter), "None.");
+    content += Html::Element("h2", {}, "Earlier reports of the session") +
+               ReportsTable(request.database, "Earlier reports of the same session",
+                            Reports(request.database).List(filter), "None.");
     content += ReportsOfMachine(request.database, report);
     content += Html::Element("h2", {}, "Values") + ValuesTable(ReadStored(report.body).value_or(Report()));
     if (request.IsEditor())
@@ -182,10 +184,15 @@ Answer DownloadReport(const AdminRequest& request)
 Answer AskToDeleteSession(const AdminRequest& request)
 {
     const FullReport report = FindReport(request);
+    const int count = Reports(request.database).CountOfSession(report.session, MaxCounted + 1);
+    const std::string reports = count > MaxCounted ? fmt::format("More than {} reports", Grouped(MaxCounted))
+                                : count == 1       ? "The only report"
+                                                   : fmt::format("All {} reports", Grouped(count));
     const Html content =
         Html::Element("p", {},
-                      {"All reports of the session ", Html::Stored(Shortened(report.session, MaxValueBytes)),
-                       " and their verdicts will be permanently deleted."}) +
+                      {reports + " of the session ", Html::Stored(Shortened(report.session, MaxValueBytes)),
+                       fmt::format(", with {} verdicts, will be permanently deleted. The counts by day stay.",
+                                   count == 1 ? "its" : "their")}) +
         PostForm(request, ReportPath(report.id) + "/delete",
                  Html::Element("div", {{"class", "buttons"}},
                                {Button("Delete them", "danger"), Link(ReportPath(report.id), "Keep them")}));

@@ -41,6 +41,7 @@ ReportQuery ReportQuery::Read(const AdminRequest& request)
     query.version = ReadNumber(request, "version", query.problem);
     query.line = ReadNumber(request, "line", query.problem);
     query.result = ReadResult(request, "result", query.problem);
+    query.condition = ValueCondition::Read(request, query.problem);
     const std::string once = request.Query("once");
     query.isOnce = once == "1";
     query.period = Period::Read(request, Period::All);
@@ -88,6 +89,13 @@ ReportQuery ReportQuery::WithLine(int number, std::string_view lineResult) const
     return query;
 }
 
+ReportQuery ReportQuery::WithValue(int id, const std::string& comparison, const std::string& text) const
+{
+    ReportQuery query = *this;
+    query.condition = {id, comparison, text};
+    return query;
+}
+
 ReportFilter ReportQuery::Filter() const
 {
     ReportFilter filter;
@@ -107,9 +115,9 @@ ReportFilter ReportQuery::Filter() const
     return filter;
 }
 
-std::string ReportQuery::Address() const
+std::string ReportQuery::Parameters() const
 {
-    std::string address = "/reports?" + period.Query();
+    std::string address = period.Query();
     const auto add = [&](const char* name, const std::string& value) {
         if (!value.empty())
             address.append("&").append(name).append("=").append(UrlEncode(value));
@@ -123,6 +131,11 @@ std::string ReportQuery::Address() const
     add("version", version > 0 ? std::to_string(version) : "");
     add("line", line > 0 ? std::to_string(line) : "");
     add("result", result);
+    if (condition.IsGiven()) {
+        add("value", std::to_string(condition.id));
+        add("comparison", condition.comparison);
+        add("text", condition.text);
+    }
     add("once", isOnce ? "1" : "");
     return address;
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "server/admin/Period.h"
+#include "server/admin/ValueCondition.h"
 #include "server/admin/login/AdminRequest.h"
 #include "server/store/Reports.h"
 
@@ -18,6 +19,7 @@ struct ReportQuery {
     int version = 0;           // by which the verdict is; 0: any
     int line = 0;              // of that version, from 1 on, which has the result `result`; 0: any
     std::string result = {};
+    ValueCondition condition = {};
     bool isOnce = false;  // only the report with the newest verdict of each session on each product
     Period period = Period::Of(Period::All);
     std::string problem = {};  // the first parameter that is wrong, as a sentence; empty when none is
@@ -31,10 +33,14 @@ struct ReportQuery {
     ReportQuery OfVersion(int number) const;
     ReportQuery WithLine(int number, std::string_view lineResult) const;
 
-    /// The filter but for the failing line, which needs the requirements' texts.
+    ReportQuery WithValue(int id, const std::string& comparison, const std::string& text) const;
+
+    /// The filter but for the failing line, which needs the requirements' texts, and the value's condition,
+    /// which needs the reports' (see SearchReports).
     ReportFilter Filter() const;
     /// The address of the list, "/reports?…"; further parameters can be appended.
-    std::string Address() const;
+    std::string Address() const { return "/reports?" + Parameters(); }
+    std::string Parameters() const;
 };
 
 /// A number that links to the reports that it counts; without a link when it is 0.

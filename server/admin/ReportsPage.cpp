@@ -5,6 +5,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/admin/ReportQuery.h"
+#include "server/admin/ReportSearch.h"
 #include "server/admin/ReportsTable.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/Reports.h"
@@ -15,18 +16,37 @@ namespace {
 
 constexpr int PageRows = 50;
 
-Html VerdictField(const std::string& chosen)
+/// A field to choose one of the values; "" is shown as "any".
+Html ChoiceField(const std::string& label, const std::string& name, std::initializer_list<const char*> values,
+                 const std::string& chosen)
 {
     Html options;
-    for (const char* value : {"", "pass", "fail", "unknown"}) {
+    for (const char* value : values) {
         Html::Attributes attributes{{"value", value}};
         if (chosen == value)
             attributes.emplace_back("selected", "");
         options += Html::Element("option", attributes, *value ? value : "any");
     }
     return Html::Element("div", {{"class", "field"}},
-                         {Html::Element("label", {{"for", "verdict"}}, "Verdict"),
-                          Html::Element("select", {{"id", "verdict"}, {"name", "verdict"}}, options)});
+                         {Html::Element("label", {{"for", name}}, label),
+                          Html::Element("select", {{"id", name}, {"name", name}}, options)});
+}
+
+Html ComparisonField(const std::string& chosen)
+{
+    return ChoiceField("Its comparison", "comparison",
+                       {"contains", "equals", "at least", "at most", "at least version", "at most version",
+                        "compatible version", "one of", "none of", "any", "yes", "no"},
+                       chosen);
+}
+
+Html DownloadLinks(const ReportQuery& query)
+{
+    const auto link = [&](const char* format, const char* label) {
+        return ButtonLink(fmt::format("/download?{}&format={}", query.Parameters(), format), label);
+    };
+    return Html::Element("p", {{"class", "buttons"}},
+                         {link("csv", "Download all as CSV"), link("json", "as JSON")});
 }
 
 Html FilterForm(const ReportQuery& query)
@@ -42,14 +62,20 @@ Html FilterForm(const ReportQuery& query)
         keep("line", std::to_string(query.line));
     keep("result", query.result);
     keep("once", query.isOnce ? "1" : "");
-    return Html::Element("form", {{"method", "get"}, {"action", "/reports"}, {"class", "card filter"}},
-                         {Field("Product", "referrer", query.referrer), VerdictField(query.verdict),
-                          Field("From", "from", query.period.From(), "date"),
-                          Field("Until", "until", query.period.Until(), "date"),
-                          Field("Session, or its number", "session", query.session),
-                          Field("User", "user", query.user), Field("Machine", "machine", query.machine),
-                          Field("Failing line of the product", "failing", query.failing), hidden,
-                          Html::Element("div", {{"class", "field"}}, Button("Show", "primary"))});
+    return Html::Element(
+        "form", {{"method", "get"}, {"action", "/reports"}, {"class", "card filter"}},
+        {Field("Product", "referrer", query.referrer),
+         ChoiceField("Verdict", "verdict", {"", "pass", "fail", "unknown"}, query.verdict),
+         Field("From", "from", query.period.From(), "date"),
+         Field("Until", "until", query.period.Until(), "date"),
+         Field("Session, or its number", "session", query.session), Field("User", "user", query.user),
+         Field("Machine", "machine", query.machine),
+         Field("Failing line of the product", "failing", query.failing),
+         Field("Id of a value", "value", query.condition.IsGiven() ? std::to_string(query.condition.id) : "",
+               "text", {{"inputmode", "numeric"}}),
+         ComparisonField(query.condition.comparison),
+         Field("What it is compared with", "text", query.condition.text), hidden,
+         Html::Element("div", {{"class", "field"}}, Button("Show", "primary"))});
 }
 
 /// What the form does not show of the filter, with a link to the list without it.
@@ -64,8 +90,10 @@ Html Restriction(const ReportQuery& query)
         text += std::string(text.empty() ? "" : ", and ") + "the newest verdict of their session is theirs";
     if (text.empty())
         return {};
-    ReportQuery without{query.referrer, query.session, query.verdict};
-    without.period = query.period;
+    ReportQuery without = query;
+    without.version = without.line = 0;
+    without.result.clear();
+    without.isOnce = false;
     return Html::Element("p", {{"class", "lead"}},
                          {"Only reports where " + text + ". ", Link(without.Address(), "Show all"), "."});
 }
@@ -84,14 +112,16 @@ Answer ShowReports(const AdminRequest& request)
     filter.count = PageRows + 1;
     const bool isAscending = filter.afterId >= 0;
 
-    std::vector<ReportLine> lines;
+    FoundReports found;
     if (!query.failing.empty() && query.problem.empty())
         filter.failing = FindLines(request.database, query.referrer, query.failing);
     if (query.problem.empty())
-        lines = Reports(request.database).List(filter);
+        found = SearchReports(request.database, query, filter);
+    std::vector<ReportLine>& lines = found.lines;
     const bool goesOn = lines.size() > PageRows;
     if (goesOn)
         lines.pop_back();
+    const bool isCut = !goesOn && found.reached > 0;
     if (isAscending)
         std::reverse(lines.begin(), lines.end());
     Html pages;
@@ -99,6 +129,13 @@ Answer ShowReports(const AdminRequest& request)
         pages += Link(fmt::format("{}&after={}", query.Address(), lines.front().id), "← Newer");
     if (!lines.empty() && (isAscending ? after > 0 : goesOn))
         pages += Link(fmt::format("{}&before={}", query.Address(), lines.back().id), "Older →");
+    if (isCut)
+        pages += Html::Element(
+            "span", {},
+            {fmt::format("Looked at the reports {} {} so far. ", isAscending ? "up to" : "down to",
+                         found.reached),
+             Link(fmt::format("{}&{}={}", query.Address(), isAscending ? "after" : "before", found.reached),
+                  "Search on")});
     Html content;
     if (request.Query("note") == "deleted")
         content += Notice("good", "The session's reports are deleted.");
@@ -108,10 +145,12 @@ Answer ShowReports(const AdminRequest& request)
     if (!query.problem.empty())
         content += Notice("bad", query.problem);
     content += FilterForm(query) + Restriction(query) +
-               ReportsTable("Reports, the newest first", lines,
+               ReportsTable(request.database, "Reports, the newest first", lines,
                             Html("No reports here. ") + Link("/reports", "Show all reports"));
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);
+    if (query.problem.empty() && !lines.empty())
+        content += DownloadLinks(query);
     return Page(request, "Reports", content);
 }
 

@@ -8,7 +8,8 @@
 
 namespace kel::server {
 
-/// A table of reports, or a sentence instead when there are none.
-Html ReportsTable(const std::string& caption, const std::vector<ReportLine>& lines, const Html& whenEmpty);
+/// A table of reports with the titles of their products, or a sentence instead when there are none.
+Html ReportsTable(Database& database, const std::string& caption, const std::vector<ReportLine>& lines,
+                  const Html& whenEmpty);
 
 }  // namespace kel::server

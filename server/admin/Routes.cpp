@@ -6,9 +6,9 @@ namespace kel::server {
 
 namespace {
 
-constexpr std::string_view ReportParameters[] = {"after",   "count",   "format", "referrer", "session",
-                                                 "verdict", "version", "line",   "result",   "once",
-                                                 "period",  "from",    "until"};
+constexpr std::string_view ReportParameters[] = {
+    "after",   "count", "format", "all",  "referrer", "session",    "user", "machine", "failing", "verdict",
+    "version", "line",  "result", "once", "value",    "comparison", "text", "period",  "from",    "until"};
 constexpr std::string_view PeriodParameters[] = {"period", "from", "until"};
 
 constexpr Route Rows[] = {
@@ -20,6 +20,7 @@ constexpr Route Rows[] = {
     {"GET", "/values", Access::Reader, ShowValues},
     {"GET", "/audit", Access::Editor, ShowAudit},
     {"GET", "/reports", Access::Reader, ShowReports},
+    {"GET", "/download", Access::Reader, DownloadReports},
     {"GET", "/reports/*", Access::Reader, ShowReport},
     {"GET", "/reports/*/xml", Access::Reader, DownloadReport},
     {"GET", "/reports/*/delete", Access::Editor, AskToDeleteSession},

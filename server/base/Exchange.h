@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -44,6 +46,9 @@ struct Answer {
     Headers headers = {};
     bool isShared = false;  // whether the body exists anyway, and costs this answer no memory
     std::size_t first = 0, length = Everything;  // the part of the body that is sent
+    /// Makes the next piece of the body, which may be empty, and nothing after the last one. A thread of the
+    /// request's place calls it once the piece before is sent. Without it the answer has `body`.
+    std::function<std::optional<std::string>()> next = {};
 
     /// The bytes to send; they last as long as the answer's body.
     std::string_view Sent() const
@@ -58,6 +63,13 @@ struct Answer {
     static Answer Of(std::string contentType, std::string body)
     {
         return {200, std::move(contentType), std::make_shared<const std::string>(std::move(body))};
+    }
+    /// 200 with a body that is made while it is sent.
+    static Answer InPieces(std::string contentType, std::function<std::optional<std::string>()> next)
+    {
+        Answer answer{200, std::move(contentType), nullptr};
+        answer.next = std::move(next);
+        return answer;
     }
 };
 

@@ -78,6 +78,8 @@ struct Metrics {
 
     EndpointMetrics publicEndpoint{"public"}, adminEndpoint{"admin"};
     Count uploads = 0;
+    Count uploadsWithoutSession = 0;                       // refused
+    Count unknownInGroupLists = 0, unknownInAnalyses = 0;  // requests for a product without requirements
     Count replacedCharacters = 0;  // in reports and requests, because XML does not allow them
     std::array<Count, Totals.size()> verdicts = {};
     Count verdictsNotKept = 0;  // answered, and not stored

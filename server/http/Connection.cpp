@@ -4,8 +4,11 @@
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
+#include <boost/beast/http/chunk_encode.hpp>
+#include <boost/beast/http/empty_body.hpp>
 #include <boost/beast/http/span_body.hpp>
 #include <boost/beast/http/write.hpp>
+#include <optional>
 
 #include "server/http/Dispatch.h"
 #include "server/http/OpenConnection.h"
@@ -73,6 +76,7 @@ private:
             co_return false;
         const auto start = std::chrono::steady_clock::now();
         const bool isHead = request.method == "HEAD";
+        const asio::any_io_executor threads = endpoint.place(request);
         Answer answer = co_await Dispatch(endpoint, std::move(request), stream.socket());
         endpoint.metrics.times.Add(std::chrono::steady_clock::now() - start);
         // The answer of a client that does not read stays in memory for a while. The answer to a large body
@@ -81,6 +85,10 @@ private:
             lease.GiveBack();
             answer = Answer::Empty(503);
             endpoint.Refuse(answer.status, "answers and bodies in progress exceed bodies_mb");
+        }
+        if (answer.next) {
+            co_await WriteInPieces(answer, reader.Version(), threads, lease);
+            co_return false;
         }
         const bool keep = reader.KeepsAlive() && !endpoint.isClosing;
         co_await Write(answer, {reader.Version(), keep, isHead});
@@ -121,6 +129,48 @@ private:
             stream.expires_after(endpoint.limits.answer);
             co_await asio::async_write(stream, asio::buffer(piece), asio::use_awaitable);
         }
+    }
+
+    /// Sends an answer whose length is not known before. The connection ends with it; when a piece cannot be
+    /// made, it ends without the last chunk, from which the client sees that the rest is missing.
+    asio::awaitable<void> WriteInPieces(const Answer& answer, unsigned version, asio::any_io_executor threads,
+                                        BodyLease& lease)
+    {
+        http::response<http::empty_body> message;
+        message.result(static_cast<unsigned>(answer.status));
+        message.version(version);
+        message.set(http::field::cache_control, "no-store");
+        for (const auto& [name, value] : answer.headers)
+            message.insert(name, value);
+        message.set(http::field::content_type, answer.contentType);
+        const bool isChunked = version >= 11;  // otherwise the end of the connection is the end of the answer
+        message.chunked(isChunked);
+        message.keep_alive(false);
+        http::response_serializer<http::empty_body> serializer(message);
+        stream.expires_after(endpoint.limits.answer);
+        co_await http::async_write_header(stream, serializer, asio::use_awaitable);
+        for (;;) {
+            // The threads take their time, which is not the client's.
+            stream.expires_never();
+            const std::optional<std::string> piece = co_await MakePiece(threads, answer);
+            if (!piece)
+                break;
+            if (piece->empty())
+                continue;
+            if (!lease.Resize(piece->size())) {
+                endpoint.Refuse(503, "answers and bodies in progress exceed bodies_mb");
+                co_return;
+            }
+            stream.expires_after(endpoint.limits.answer);
+            if (isChunked)
+                co_await asio::async_write(stream, http::make_chunk(asio::buffer(*piece)),
+                                           asio::use_awaitable);
+            else
+                co_await asio::async_write(stream, asio::buffer(*piece), asio::use_awaitable);
+        }
+        stream.expires_after(endpoint.limits.answer);
+        if (isChunked)
+            co_await asio::async_write(stream, http::make_chunk_last(), asio::use_awaitable);
     }
 
     /// Continues to read for a moment: closing with unread bytes would reset the connection, and a client

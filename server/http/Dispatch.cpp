@@ -7,6 +7,7 @@
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
+#include <exception>
 
 #include "server/base/Fault.h"
 #include "server/http/OpenConnection.h"
@@ -33,6 +34,13 @@ struct Task {
 
 private:
     std::atomic<bool> isClaimed = false;
+};
+
+/// A piece of an answer that is being made.
+struct PieceWork {
+    std::optional<std::string> piece;
+    std::exception_ptr failure;
+    bool isDone = false;  // only for the network thread
 };
 
 /// Whether the client has closed the connection, or at least its own side of it.
@@ -82,6 +90,31 @@ asio::awaitable<Answer> Dispatch(Endpoint& endpoint, Request request, asio::ip::
         co_return Answer::Empty(Unavailable);
     }
     co_return std::move(task->answer);
+}
+
+asio::awaitable<std::optional<std::string>> MakePiece(const asio::any_io_executor& place,
+                                                      const Answer& answer)
+{
+    const asio::any_io_executor network = co_await asio::this_coro::executor;
+    const auto work = std::make_shared<PieceWork>();
+    asio::steady_timer done(network, Clock::time_point::max());
+    asio::post(place, [&answer, &done, work, network] {
+        try {
+            work->piece = answer.next();
+        } catch (...) {
+            work->failure = std::current_exception();
+        }
+        asio::post(network, [&done, work] {
+            work->isDone = true;
+            done.cancel();
+        });
+    });
+    boost::system::error_code cancelled;
+    while (!work->isDone)
+        co_await done.async_wait(asio::redirect_error(asio::use_awaitable, cancelled));
+    if (work->failure)
+        std::rethrow_exception(work->failure);
+    co_return std::move(work->piece);
 }
 
 }  // namespace kel::server

@@ -121,6 +121,13 @@ Answer MetricsPage(const Metrics& metrics, const Database& database)
     AppendEndpoints(page, metrics);
     page.Metric("kel_uploads_total", "counter", "Reports that were kept.");
     page.Sample("", metrics.uploads);
+    page.Metric("kel_uploads_without_session_total", "counter",
+                "Reports that were refused because they name no session.");
+    page.Sample("", metrics.uploadsWithoutSession);
+    page.Metric("kel_unknown_products_total", "counter",
+                "Requests for a product that has no requirements, by the request.");
+    page.Sample(Label("request", "group list"), metrics.unknownInGroupLists);
+    page.Sample(Label("request", "analysis"), metrics.unknownInAnalyses);
     page.Metric("kel_characters_replaced_total", "counter",
                 "Characters of reports and requests that XML does not allow, replaced by U+FFFD.");
     page.Sample("", metrics.replacedCharacters);

@@ -51,18 +51,19 @@ Service::Service(Database& database, Metrics& metrics)
 {
 }
 
-PublishedSet Service::Find(const std::string& referrer)
+PublishedSet Service::Find(const std::string& referrer, Count& unknown)
 {
     auto set = IsReferrer(referrer) ? RequirementSets(database).Newest(referrer) : std::nullopt;
-    if (!set)
-        throw Fault(404, "the referrer is not known");
-    return *set;
+    if (set)
+        return *set;
+    ++unknown;
+    throw Fault(404, "the referrer is not known");
 }
 
 Answer Service::GroupList(const std::string& referrer)
 {
     std::string list;
-    for (const int group : sets.Get(Find(referrer).id)->Groups()) {
+    for (const int group : sets.Get(Find(referrer, metrics.unknownInGroupLists).id)->Groups()) {
         if (!list.empty())
             list += '|';
         list += std::to_string(group);
@@ -70,10 +71,20 @@ Answer Service::GroupList(const std::string& referrer)
     return Answer::Of("text/plain; charset=utf-8", list);
 }
 
+Intake Service::CheckUpload(const std::string& body)
+{
+    try {
+        return Intake::Check(body);
+    } catch (const NoSession&) {
+        ++metrics.uploadsWithoutSession;
+        throw;
+    }
+}
+
 Answer Service::Upload(std::string body)
 {
     Clean(body);
-    const Intake intake = Intake::Check(body);
+    const Intake intake = CheckUpload(body);
     const std::int64_t id = Reports(database).Add(intake.entry);
     reports.Add(id, intake.report);
     ++metrics.uploads;
@@ -101,7 +112,7 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
 {
     Clean(body);
     const AnalysisRequest request = AnalysisRequest::Read(body);
-    const PublishedSet set = Find(referrer);
+    const PublishedSet set = Find(referrer, metrics.unknownInAnalyses);
     const auto newest = Reports(database).NewestOf(request.session);
     if (!newest)
         throw Fault(404, "no report of this session was uploaded");

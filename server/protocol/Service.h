@@ -6,6 +6,7 @@
 
 #include "server/base/Exchange.h"
 #include "server/base/Metrics.h"
+#include "server/protocol/Intake.h"
 #include "server/protocol/ReportCache.h"
 #include "server/protocol/SetCache.h"
 #include "server/report/Report.h"
@@ -41,8 +42,10 @@ public:
     Answer TestFile() const;
 
 private:
-    PublishedSet Find(const std::string& referrer);
+    /// Throws Fault 404 for a referrer without requirements, and counts it.
+    PublishedSet Find(const std::string& referrer, Count& unknown);
     void Clean(std::string& xml);
+    Intake CheckUpload(const std::string& body);
     std::shared_ptr<const Report> FindReport(std::int64_t id);
     void SaveVerdict(const NewVerdict& verdict);
 

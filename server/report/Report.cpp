@@ -43,7 +43,7 @@ Report Report::Read(std::string_view xml)
     Report report = ReadValues(xml);
     const std::string& session = report.Text(Session);
     if (session.empty() || session.size() > MaxSession)
-        throw Fault(400, "the report names no session, or one that is too long");
+        throw NoSession();
     return report;
 }
 

@@ -5,9 +5,15 @@
 #include <string_view>
 #include <utility>
 
+#include "server/base/Fault.h"
 #include "verdict/Verdict.h"
 
 namespace kel::server {
+
+/// A report names no session, or one that is too long.
+struct NoSession : Fault {
+    NoSession() : Fault(400, "the report names no session, or one that is too long") {}
+};
 
 /// The values of a report as the control uploads it: texts by the id of their group and their index.
 class Report {

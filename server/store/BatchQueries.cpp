@@ -1,6 +1,7 @@
 // The part of Reports that reads many rows in a few statements.
 #include <algorithm>
 
+#include "server/store/Conditions.h"
 #include "server/store/ReportRows.h"
 
 namespace kel::server {
@@ -25,15 +26,6 @@ std::string TextIfItFits(const std::string& text, const std::string& maxBytes)
     return fits + text + " ELSE '' END, " + fits + "1 ELSE 0 END ";
 }
 
-/// "$2, $3, $4"
-std::string Parameters(std::size_t first, std::size_t count)
-{
-    std::string parameters;
-    for (std::size_t i = first; i < first + count; ++i)
-        parameters += (i == first ? "$" : ", $") + std::to_string(i);
-    return parameters;
-}
-
 }  // namespace
 
 void Reports::ForEach(const std::vector<std::int64_t>& ids, const std::function<bool(const FullReport&)>& use)
@@ -54,7 +46,7 @@ void Reports::ForEach(const std::vector<std::int64_t>& ids, const std::function<
                 connection->Query("SELECT id, session, referrer, \"user\", machine, received, " +
                                       TextIfItFits("body", "$1") + "FROM report JOIN (SELECT id AS found, " +
                                       SizeColumns("body", order) + " FROM report WHERE id IN (" +
-                                      Parameters(2, count) + ")) AS sized ON id = found ORDER BY " + order,
+                                      ParameterList(2, count) + ")) AS sized ON id = found ORDER BY " + order,
                                   values);
         }
         for (SqlRow& row : rows) {

@@ -8,6 +8,15 @@
 
 namespace kel::server {
 
+/// "$2, $3, $4": that many placeholders from the first one on.
+inline std::string ParameterList(std::size_t first, std::size_t count)
+{
+    std::string list;
+    for (std::size_t i = first; i < first + count; ++i)
+        list += (i == first ? "$" : ", $") + std::to_string(i);
+    return list;
+}
+
 /// A statement's conditions and their values.
 class Conditions {
 public:

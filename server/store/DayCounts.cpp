@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "server/store/Conditions.h"
 #include "server/store/ReportRows.h"
 
 namespace kel::server {
@@ -58,6 +59,35 @@ std::vector<VersionCount> DayCounts::ByVersion(const std::string& referrer, cons
 std::vector<VersionCount> DayCounts::OfAllProducts(const Days& days)
 {
     return Each(database.Read(VersionsWhere("day >= $1 AND day < $2"), {days.from, days.until}), ReadVersion);
+}
+
+std::map<std::string, std::vector<Counts>> DayCounts::Steps(const std::vector<std::string>& referrers,
+                                                            const Days& days, std::int64_t stepDays)
+{
+    std::map<std::string, std::vector<Counts>> products;
+    if (referrers.empty())
+        return products;
+    std::vector<SqlValue> values{days.from, days.until, stepDays};
+    for (std::size_t i = 0; i < MaxProducts; ++i)
+        values.emplace_back(referrers[std::min(i, referrers.size() - 1)]);
+    for (SqlRow& row : database.Read(
+             "SELECT name, (day - $1) / $3 AS step, " + Sums +
+                 "FROM day_verdicts JOIN referrer ON referrer.id = day_verdicts.referrer WHERE day >= $1 AND "
+                 "day < $2 AND name IN (" +
+                 ParameterList(4, MaxProducts) + ") GROUP BY name, step ORDER BY name, step",
+             values)) {
+        std::vector<Counts>& steps = products[row.Text()];
+        const auto step = static_cast<std::size_t>(row.Number());
+        steps.resize(std::max(steps.size(), step + 1));
+        steps[step] = ReadCounts(row);
+    }
+    return products;
+}
+
+std::optional<std::int64_t> DayCounts::FirstDay()
+{
+    return First(database.Read("SELECT day FROM day_verdicts ORDER BY day LIMIT 1"),
+                 [](SqlRow& row) { return row.Number(); });
 }
 
 std::vector<Counts> DayCounts::Lines(std::int64_t set, const Days& days)

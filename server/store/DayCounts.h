@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,6 +38,8 @@ struct VersionCount {
 /// that ever arrived; deleting reports does not change them.
 class DayCounts {
 public:
+    static constexpr std::size_t MaxProducts = 20;  // of Steps
+
     explicit DayCounts(Database& database) : database(database) {}
 
     /// The days on which a product has sessions, in their order.
@@ -45,6 +48,12 @@ public:
     std::vector<VersionCount> ByVersion(const std::string& referrer, const Days& days);
     /// The same for all products, ordered by name, then with the newest version first.
     std::vector<VersionCount> OfAllProducts(const Days& days);
+    /// The sessions of these products, at most MaxProducts, in steps of that many days, from the first day
+    /// on; products without any are left out.
+    std::map<std::string, std::vector<Counts>> Steps(const std::vector<std::string>& referrers,
+                                                     const Days& days, std::int64_t stepDays);
+    /// The first day with a session; nothing without any.
+    std::optional<std::int64_t> FirstDay();
     /// For a published set, the results of each line, in the order of the lines.
     std::vector<Counts> Lines(std::int64_t set, const Days& days);
     /// How many reports arrived: for each product, and under "" for those without one.

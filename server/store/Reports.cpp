@@ -67,6 +67,10 @@ std::pair<std::int64_t, std::int64_t> Span(SqlConnection& connection, const Repo
         const std::int64_t stable = connection.LastStableReportId();
         before = stable < before ? stable + 1 : before;
     }
+    if (filter.fromId > 0)
+        after = std::max(after, filter.fromId - 1);
+    if (filter.untilId > 0)
+        before = std::min(before, filter.untilId + 1);
     if (filter.from > 0) {
         SqlRows older =
             connection.Query("SELECT id FROM report WHERE received < $1 ORDER BY received DESC LIMIT 1",
@@ -114,6 +118,15 @@ std::optional<ReportId> Reports::NewestOf(const std::string& session)
                  [](SqlRow& row) {
                      return ReportId{row.Number(), row.Text()};
                  });
+}
+
+int Reports::CountOfSession(const std::string& session, int max)
+{
+    return database
+        .Read("SELECT count(*) FROM (SELECT 1 FROM report WHERE session = $1 LIMIT $2) AS found",
+              {session, std::int64_t{max}})
+        .at(0)
+        .Small();
 }
 
 std::optional<FullReport> Reports::Find(std::int64_t report)
@@ -189,6 +202,18 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
                               " LIMIT " + conditions.Parameter(),
                           conditions.values),
         ReadLine);
+}
+
+std::int64_t Reports::StretchEnd(const ReportFilter& filter, int verdicts)
+{
+    const auto connection = database.BorrowReader();
+    const auto [after, before] = Span(*connection, filter);
+    SqlRows rows = connection->Query(
+        std::string("SELECT report FROM verdict WHERE referrer = $1 AND report > $2 AND report < $3 ORDER BY "
+                    "report ") +
+            (filter.afterId >= 0 ? "" : "DESC ") + "LIMIT 1 OFFSET $4",
+        {ReferrerId(*connection, filter.referrer), after, before, std::int64_t{verdicts}});
+    return rows.empty() ? 0 : rows[0].Number();
 }
 
 std::int64_t Reports::NewestBefore(std::int64_t time)

@@ -60,10 +60,11 @@ struct ReportFilter {
     int line = 0;                      // of the verdict, from 1 on, which has `lineResult`
     std::optional<Result> lineResult = {};
     std::optional<std::vector<LineOfSet>> failing = {};  // one of these fails; at most MaxLines
-    bool isOnce = false;               // only the verdict that counts for its session (see DayCounts)
-    std::int64_t from = 0, until = 0;  // received from this time on, and before that
-    std::int64_t beforeId = 0;         // the page after the report with that id
-    std::int64_t afterId = -1;         // from 0 on: reports with a greater id, the oldest first
+    bool isOnce = false;                   // only the verdict that counts for its session (see DayCounts)
+    std::int64_t from = 0, until = 0;      // received from this time on, and before that
+    std::int64_t beforeId = 0;             // the page after the report with that id
+    std::int64_t afterId = -1;             // from 0 on: reports with a greater id, the oldest first
+    std::int64_t fromId = 0, untilId = 0;  // only reports with these ids and those between
     int count = 50;
 };
 
@@ -83,10 +84,15 @@ public:
     std::int64_t Add(const NewReport& report);
     /// A session's newest report.
     std::optional<ReportId> NewestOf(const std::string& session);
+    /// The number of a session's reports, counted up to `max`.
+    int CountOfSession(const std::string& session, int max);
     std::optional<FullReport> Find(std::int64_t report);
     /// The reports that match the filter, without their bodies: the newest first, or after `afterId` the
     /// oldest first.
     std::vector<ReportLine> List(const ReportFilter& filter);
+    /// The id of the verdict's report that is that far in the list if only its referrer and the bounds of its
+    /// ids count, so that a statement can look at a part of the list; 0 when the list is not that long.
+    std::int64_t StretchEnd(const ReportFilter& filter, int verdicts);
     /// Passes the reports of these ids that still exist to `use`, in the order of the ids, which ascend or
     /// descend, until it returns false. Each statement reads many reports, at most 4 MB.
     void ForEach(const std::vector<std::int64_t>& ids, const std::function<bool(const FullReport&)>& use);

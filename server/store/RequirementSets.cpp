@@ -1,13 +1,18 @@
 #include "server/store/RequirementSets.h"
 
 #include <fmt/format.h>
+#include <algorithm>
 
 #include "server/store/Audit.h"
+#include "server/store/Conditions.h"
 #include "server/store/Rows.h"
+#include "verdict/Requirements.h"
 
 namespace kel::server {
 
 namespace {
+
+constexpr std::size_t NamesAtOnce = 50;  // so that few different statements are prepared
 
 PublishedSet ReadSet(SqlRow& row)
 {
@@ -36,10 +41,12 @@ int PublishNow(SqlConnection& connection, const std::string& referrer, const std
     if (newest && SelectText(connection, newest->id) == text)
         return newest->version;
     const int version = newest ? newest->version + 1 : 1;
+    const auto read = Requirements::ReadStored(text);
+    const std::string title = read ? read->title.Default() : "";
     connection.Query(
-        "INSERT INTO requirement_set (referrer, version, published, text, author) "
-        "SELECT id, $1, $2, $3, $4 FROM referrer WHERE name = $5",
-        {std::int64_t{version}, Now(), text, author, referrer});
+        "INSERT INTO requirement_set (referrer, version, published, text, author, title) "
+        "SELECT id, $1, $2, $3, $4, $5 FROM referrer WHERE name = $6",
+        {std::int64_t{version}, Now(), text, author, title, referrer});
     Audit::AddEntry(connection, account, "published", fmt::format("{}, version {}", referrer, version));
     return version;
 }
@@ -77,15 +84,37 @@ std::vector<Product> RequirementSets::Products()
     return Each(
         database.Read(
             "SELECT names.name, coalesce(version, 0), coalesce(published, 0), "
-            "(SELECT count(*) FROM draft WHERE draft.referrer = names.name AND draft.text <> '') "
+            "(SELECT count(*) FROM draft WHERE draft.referrer = names.name AND draft.text <> ''), "
+            "coalesce(title, '') "
             "FROM (SELECT name FROM referrer UNION SELECT referrer FROM draft WHERE text <> '') AS names "
             "LEFT JOIN referrer ON referrer.name = names.name "
             "LEFT JOIN requirement_set ON requirement_set.referrer = referrer.id AND version = "
             "(SELECT max(version) FROM requirement_set AS other WHERE other.referrer = referrer.id) "
             "ORDER BY names.name"),
         [](SqlRow& row) {
-            return Product{row.Text(), row.Small(), row.Number(), row.Number() > 0};
+            return Product{row.Text(), row.Small(), row.Number(), row.Number() > 0, row.Text()};
         });
+}
+
+std::map<std::string, std::string> RequirementSets::Titles(const std::vector<std::string>& referrers)
+{
+    std::map<std::string, std::string> titles;
+    for (std::size_t next = 0; next < referrers.size(); next += NamesAtOnce) {
+        std::vector<SqlValue> names;
+        for (std::size_t i = next; i < next + NamesAtOnce; ++i)
+            names.emplace_back(referrers[std::min(i, referrers.size() - 1)]);
+        for (SqlRow& row : database.Read(
+                 "SELECT name, title FROM referrer JOIN requirement_set ON requirement_set.referrer "
+                 "= referrer.id WHERE name IN (" +
+                     ParameterList(1, NamesAtOnce) +
+                     ") AND title <> '' AND version = (SELECT max(version) FROM requirement_set AS "
+                     "other WHERE other.referrer = referrer.id)",
+                 names)) {
+            const std::string name = row.Text();
+            titles[name] = row.Text();
+        }
+    }
+    return titles;
 }
 
 std::vector<PublishedSet> RequirementSets::Versions(const std::string& referrer)

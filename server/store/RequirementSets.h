@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,6 +32,7 @@ struct Product {
     int version = 0;  // the newest; 0 when nothing is published
     std::int64_t published = 0;
     bool hasDraft = false;
+    std::string title;  // of the newest version
 };
 
 /// Published requirements and their drafts. Every change and its audit entry are one transaction.
@@ -40,6 +42,8 @@ public:
 
     /// All referrers with published requirements or a draft, by name.
     std::vector<Product> Products();
+    /// The titles of the newest versions by referrer; those without one are left out.
+    std::map<std::string, std::string> Titles(const std::vector<std::string>& referrers);
     /// The versions of a referrer's requirements, the newest first.
     std::vector<PublishedSet> Versions(const std::string& referrer);
     /// The newest requirements of a referrer; nothing for an unknown one.

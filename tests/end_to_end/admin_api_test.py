@@ -1,11 +1,16 @@
 """The administration's API for programs: reports, products, drafts."""
 
 import csv
+import http.client
 import io
 import json
+import re
 import unittest
+from pathlib import Path
 
 from administration import AdminTest, requirements
+from databases import KIND
+from harness import PATIENCE
 
 
 class Programs(AdminTest):
@@ -49,6 +54,60 @@ class Programs(AdminTest):
                           "WHERE id > 8")
         for after, form in ((7, "csv"), (8, "csv"), (8, "json")):
             self.assertLess(len(str(self.get(f"reports?after={after}&format={form}"))), 5_000_000, (after, form))
+
+    def test_filters_by_value_and_streams(self):
+        for number, memory in enumerate(("2.0 GB", "7.8 GB", "lots", "16.0 GB", "")):
+            self.upload(f"s{number}", v71063=memory, v2=f"Vendor {number}")
+            self.judged(f"s{number}")
+        for query, sessions in (
+                ("value=71063&comparison=at%20least&text=8%20GB", ["s1", "s3"]),
+                ("value=71063&comparison=any", ["s0", "s1", "s2", "s3"]),
+                ("value=2&comparison=contains&text=vendor%204", ["s4"]), ("value=7&comparison=any", []), ("session=s2", ["s2"]),
+                ("referrer=demo&version=1&line=1&result=unknown", ["s2", "s4"]), ("referrer=demo&failing=memory", ["s0"]),
+                ("referrer=demo&failing=memory&value=71063&comparison=at%20most&text=4%20GB", ["s0"]), ("user=u", [])):
+            for way in (query, query + "&all=1", query + "&count=1"):
+                found, after, last = [], -1, 0
+                while after != last:
+                    after = last
+                    answer = self.get(f"reports?{way}&after={after}")[1]
+                    found, last = found + [entry["session"] for entry in answer["reports"]], answer["last"]
+                self.assertEqual(found, sessions, way)
+        for query in ("value=x", "value=71063", "value=1&comparison=most&text=1", "value=1&comparison=at%20least&text=x",
+                      "comparison=any&text=x", "all=2", "all=1&count=5", "values=1"):
+            self.assertEqual(self.get(f"reports?{query}")[0], 400, query)
+        cookie = self.log_in()
+        listed = self.page("/reports?value=71063&comparison=at%20least&text=8%20GB", cookie)
+        self.assertEqual([row[0] for row in listed.cells(3, 4)[1:]], ["s3", "s1"])
+        for link, begin in ((link, begin) for link in listed.links if link.startswith("/download")
+                            for begin in (['"report"', '"4"', '"2"'] if "csv" in link else ['{"reports":'])):
+            answer, text = self.visit("GET", link, cookie=cookie)
+            self.assertIn("attachment", answer.headers["Content-Disposition"])
+            self.assertIn(begin, text)
+        self.assertEqual(len([link for link in listed.links if link.startswith("/download")]), 2)
+
+    def test_what_is_streamed_or_searched_has_bounds(self):
+        self.upload("s1", v1="x" * 1_900_000)
+        self.database.run('INSERT INTO report (id, session, referrer, "user", received, body) SELECT number, session, referrer, '
+                          '"user", received, body FROM report, (VALUES ' + ", ".join(f"({n})" for n in range(1001, 1041))
+                          + ") AS numbers (number)" if KIND == "postgresql" else
+                          'INSERT INTO report (id, session, referrer, "user", received, body) SELECT value, session, referrer, '
+                          f'"user", received, body FROM report, json_each(\'{list(range(1001, 1041))}\')')
+        first = self.get("reports?value=9&comparison=any&count=5")[1]
+        self.assertEqual(first["reports"], [])
+        [(newest,)] = self.database.run("SELECT max(id) FROM report")
+        self.assertLess(first["last"], newest)  # 32 MB at a time
+        self.assertIn("Search on", self.page("/reports?value=9&comparison=any", self.log_in()).data)
+        before = self.peak()
+        connection = http.client.HTTPConnection(self.admin, timeout=PATIENCE)
+        self.addCleanup(connection.close)
+        connection.request("GET", "/api/v1/reports?all=1", headers=self.bearer)
+        answer = connection.getresponse()
+        size = sum(iter(lambda: len(answer.read(1_000_000)), 0))
+        self.assertGreater(size, 76_000_000)
+        self.assertLess(self.peak() - before, 38_000_000)
+
+    def peak(self):
+        return int(re.search(r"VmHWM:\s*(\d+)", Path(f"/proc/{self.process.pid}/status").read_text("ascii"))[1]) * 1024
 
     def test_no_cell_is_computed_with_any_separator(self):
         texts = ("=1", "+1", "-1", "@a", "\uff1d1", "\uff0b1", "\uff0d1", "\uff20a", ' =1', '"=1')

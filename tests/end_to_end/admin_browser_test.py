@@ -2,7 +2,8 @@
 
 import unittest
 
-from administration import PASSWORD, AdminTest
+from administration import PASSWORD, AdminTest, requirements
+from databases import KIND
 from webdriver import ENTER, TAB, Browser
 
 
@@ -26,6 +27,31 @@ class InABrowser(AdminTest):
         browser.await_text("Rita (reader)", "header")
         browser.go(f"http://{self.admin}/products/demo/requirements")
         self.assertEqual(browser.run("return document.querySelectorAll('textarea, main button').length"), 0)
+
+    def test_an_overview_of_many_products(self):
+        for number in range(200):
+            text = requirements((71063, "M", "any"), title=f"Product number {number}")
+            (self.folder / f"product-{number}.json").write_text(text)
+        self.command("import", self.folder)
+        self.upload("s1", v71063="8.0 GB")
+        part, zero = (", part", ", 0") if KIND == "postgresql" else ("", "")
+        self.database.run(f"INSERT INTO day_verdicts (referrer, day, requirement_set, pass, fail, unknown{part}) "
+                          f"SELECT referrer, published / 86400000 - 1, id, 3, 1, 0{zero} FROM requirement_set")
+        for number in range(10):
+            self.upload(f"s{number}", f"product-{number}")
+        browser = Browser(self)
+        browser.go(f"http://{self.admin}/")
+        browser.press("Edith" + TAB + PASSWORD + ENTER, "name")
+        browser.await_text("1 to 20 of 201")
+        for width, height in ((1280, 2500), (390, 6000)):
+            browser.resize(width)
+            browser.go(f"http://{self.admin}/")
+            self.assertEqual(browser.run("return document.querySelectorAll('svg.spark').length"), 20)
+            self.assertLessEqual(browser.run("return document.documentElement.scrollHeight"), height, width)
+        browser.click("#find")
+        browser.press("NUMBER 77" + ENTER, "find")
+        browser.await_text("product-77", "tbody")
+        self.assertEqual(browser.run("return document.querySelectorAll('svg.spark').length"), 2)  # and 177
 
     def check_looks(self, browser):
         """No page scrolls sideways on a phone; each has the style, and its first tab stop skips the menu."""

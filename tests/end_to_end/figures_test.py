@@ -6,6 +6,7 @@ import html
 import json
 import random
 import re
+import time
 import unittest
 
 from administration import AdminTest, report
@@ -14,8 +15,8 @@ DAY = 24 * 3600 * 1000
 RESULTS = ("fail", "unknown", "pass")
 PERIODS = ("period=today", "period=7d", "period=30d", "period=90d", "period=all", "from=FROM&until=UNTIL", "until=UNTIL")
 # Each session's newest verdict on each product.
-COUNTED = """SELECT name, version, received / 86400000, total, lines FROM (
-    SELECT name, version, received, total, lines, row_number() OVER (
+COUNTED = """SELECT name, version, received / 86400000, total, lines, body FROM (
+    SELECT name, version, received, total, lines, body, row_number() OVER (
         PARTITION BY verdict.referrer, session ORDER BY verdict.report DESC, requirement_set DESC) AS age
     FROM verdict JOIN report ON report.id = verdict.report JOIN requirement_set ON requirement_set.id = requirement_set
     JOIN referrer ON referrer.id = verdict.referrer) AS aged WHERE age = 1"""
@@ -55,7 +56,7 @@ class Figures(AdminTest):
         for age in ages:
             session, referrer = f"s{self.random.randrange(48)}", self.random.choice(("demo", "demo", "other", "x", ""))
             values = {f"v{number}": self.random.choice(texts) for number, texts in
-                      ((71063, ("2.0 GB", "8.0 GB", "32.0 GB", "lots")), (71254, ("2", "8", "")))}
+                      ((71063, ("2.0 GB", "7.8 GB", "32.0 GB") * 6 + ("lots",)), (71254, ("2", "8", "")))}
             sessions.add(session)
             day = self.today - age
             rows.append(f"('{session}', '{referrer}', '', {day * DAY + 5}, '{report(session, referrer, **values)}')")
@@ -76,7 +77,17 @@ class Figures(AdminTest):
 
     def counted(self, days, referrer="demo"):
         return [(version, day, total, [line["result"] for line in json.loads(lines)])
-                for name, version, day, total, lines in self.database.run(COUNTED) if name == referrer and day in days]
+                for name, version, day, total, lines, _ in self.database.run(COUNTED) if name == referrer and day in days]
+
+    def within_a_day(self, check, query):
+        """Repeats a check during which midnight passed: the days of most periods end with today."""
+        self.today = int(time.time() * 1000) // DAY
+        try:
+            check(query)
+        except AssertionError:
+            if self.today == int(time.time() * 1000) // DAY:
+                raise
+            self.within_a_day(check, query)
 
     def check_product(self, query):
         days, query = self.days(query)
@@ -123,13 +134,41 @@ class Figures(AdminTest):
         self.assertRegex(page.data, rf"Reports [\w\s-]+: {arrived.total()}\b")
         if arrived[""]:
             self.assertIn(f", {arrived['']} of them for no product", page.data, query)
+        sessions = [total for referrer in ("demo", "other") for _, _, total, _ in self.counted(days, referrer)]
+        if sessions:
+            self.assertIn(f"{share(sessions.count('pass'), len(sessions))} of {len(sessions)} sessions", page.data, query)
         for referrer, newest in (("demo", 3), ("other", 1)):
             sessions = self.counted(days, referrer)
-            fail, unknown, passed = counts(total for version, _, total, _ in sessions if version == newest)
+            before = self.counted(range(days.start - len(days), days.start), referrer) if days.start > 0 else []
+            (fail, unknown, passed), old = (counts(total for version, _, total, _ in of if version == newest)
+                                            for of in (sessions, before))
             judged = fail + unknown + passed
-            [row] = [row for row in page.rows if row[0] == referrer and len(row) == 10]
-            self.assertEqual(row[3:9], [str(number) for number in (judged, passed, fail, unknown, share(passed, judged),
-                                                                   len(sessions) - judged)], (query, referrer))
+            change = "–"
+            if judged and sum(old):
+                change = f"{int(share(passed, judged)[:-2]) - int(share(old[2], sum(old))[:-2]):+}".replace("-", "−")
+            [row] = [row for row in page.rows if row[0] == f"{referrer} T" and len(row) == 10]
+            self.assertEqual(row[2:9], [str(number) for number in (judged, passed, fail, unknown, share(passed, judged),
+                                                                   change.replace("+0", "0"), len(sessions) - judged)],
+                             (query, referrer))
+
+    def check_bars(self, query):
+        """The memory of the sessions' machines: how many have at least each amount, and what is asked for."""
+        days, query = self.days(query)
+        values = [re.search('"71063"><value>([^<]*)', body)[1] for name, _, day, _, _, body in self.database.run(COUNTED)
+                  if name == "demo" and day in days]
+        sizes = [{"2.0 GB": 2, "7.8 GB": 8, "32.0 GB": 32}.get(value, 0) for value in values]
+        _, text = self.visit("GET", f"/products/demo?{query}", cookie=self.cookie)
+        [figure] = re.findall(r"<figure[^>]*><figcaption>[^<]*\(71063\).*?</figure>", text)
+        bars = re.findall(r'<li>(.*?)</li>', figure)
+        shown = [re.sub("<[^>]*>", "", bar) for bar in bars]
+        expected = [(label + asked, sum(size >= least for size in sizes)) for label, least, asked in
+                    (("2.0 GB", 2, ""), ("8 GB", 8, " – asked for"), ("16 GB", 16, " – asked for"), ("32.0 GB", 32, ""))
+                    if asked or least in sizes]
+        self.assertEqual(shown, [f"at least {label}{share(count, len(values))}, {count}" for label, count in expected], query)
+        widths = [int(width) for width in re.findall(r'width="(\d+)"', figure)]
+        self.assertEqual(widths, [max(int(share(count, len(values))[:-2]), 1) for _, count in expected], query)
+        rows = re.findall(r'<tr><th scope="row"><bdi>([^<]*)</bdi></th><td[^>]*><a[^>]*>(\d+)', figure)
+        self.assertEqual({value: int(count) for value, count in rows}, collections.Counter(values), query)
 
     def check_links(self, path):
         _, text = self.visit("GET", path, cookie=self.cookie)
@@ -142,11 +181,13 @@ class Figures(AdminTest):
 
     def test_figures_are_those_of_the_store_and_lead_to_their_reports(self):
         for query in PERIODS:
-            self.check_product(query)
-            self.check_overview(query)
+            self.within_a_day(self.check_product, query)
+            self.within_a_day(self.check_overview, query)
+        for query in ("period=90d", "period=all", "from=FROM&until=UNTIL"):
+            self.within_a_day(self.check_bars, query)
         for path in ("/products/demo?period=all", "/products/demo?period=90d", "/?period=30d"):
-            self.check_links(path)
-        queries = ("period=all", "period=90d")
+            self.within_a_day(self.check_links, path)
+        queries = ("period=all", self.days("from=FROM&until=UNTIL")[1])
         kept = [self.page(f"/products/demo?{query}", self.cookie).rows for query in queries]
         self.command("purge", "--older", "20d")
         for rows, query in zip(kept, queries):

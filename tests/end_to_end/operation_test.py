@@ -1,5 +1,6 @@
 """The deployed service as an operator uses it: its metrics, its package, and the proxy in front of it."""
 
+import json
 import re
 import shlex
 import shutil
@@ -28,21 +29,39 @@ class Metrics(DeployedTest):
     def test_what_clients_do_is_counted(self):
         self.require("r", (1, "M", "at least", "4 GB"))
         forbidden = REPORT.format("s").replace("</groups>", '<group id="2"><value>\1&#2;</value></group></groups>')
-        for verb, path, body in (("POST", UPLOAD, forbidden), ("POST", UPLOAD, "x"), ("GET", '/"no', ""),
-                                 ("POST", "/service/Analysis/r", analysis("s")), ("BREW", UPLOAD, "")):
+        for verb, path, body in (("POST", UPLOAD, forbidden), ("POST", UPLOAD, "<groups/>"), ("GET", '/"no', ""),
+                                 ("POST", "/service/Analysis/r", analysis("s")), ("BREW", UPLOAD, ""),
+                                 ("POST", "/service/Analysis/x", analysis("s")), ("GET", f"{LIST}?refid=x&apikey={API_KEY}", "")):
             self.ask(verb, path, body)
         for rest in (b"Content-Length: 3000000\r\n\r\n", b"\0\r\n\r\n", b"X: " + b"x" * 9000, b"Content-Length: 5\r\n\r\n<"):
             self.talk(HEAD + rest)
         route = 'kel_http_requests_total{endpoint="public",method="%s",route="%s",status="%d"}'
         self.assertEqual(self.metrics("requests_total"), {
             route % ("POST", "/Data/Service.svc/upload", 200): 1, route % ("POST", "/Data/Service.svc/upload", 400): 1,
-            route % ("POST", "/service/Analysis/*", 200): 1, route % ("other", "other", 404): 2})
+            route % ("POST", "/service/Analysis/*", 200): 1, route % ("POST", "/service/Analysis/*", 404): 1,
+            route % ("GET", LIST, 404): 1, route % ("other", "other", 404): 2})
         self.assertEqual(self.metrics("refusals_total"), {
             f'kel_http_refusals_total{{endpoint="public",status="{status}"}}': 1 for status in (400, 408, 413, 431)})
-        self.assertEqual([*self.metrics("verdicts_total").values(), *self.metrics("uploads").values()], [1, 0, 0, 1])
+        self.assertEqual([*self.metrics("verdicts_total").values(), *self.metrics("uploads").values()], [1, 0, 0, 1, 1])
+        self.assertEqual(self.metrics("unknown_products"), {
+            f'kel_unknown_products_total{{request="{name}"}}': 1 for name in ("group list", "analysis")})
         self.assertEqual(self.metrics("replaced"), {"kel_characters_replaced_total": 2})
         times = list(self.metrics("seconds_bucket").values())
-        self.assertEqual((times, times[-2:]), (sorted(times), [5, 5]))  # none took ten seconds
+        self.assertEqual((times, times[-2:]), (sorted(times), [7, 7]))  # none took ten seconds
+
+    def test_the_dashboard_and_the_alerts_name_its_metrics(self):
+        folder = ROOT / "packaging" / "server" / "monitoring"
+        page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
+        written = set(re.findall(r"# TYPE (\w+) ", page))
+        dashboard = json.loads((folder / "kel-dashboard.json").read_text("ascii"))
+        expressions = [target["expr"] for panel in dashboard["panels"] for target in panel["targets"]]
+        expressions += re.findall("expr: (.*)", (folder / "kel-alerts.yml").read_text("ascii"))
+        self.assertGreater(len(expressions), 25)
+        for expression in expressions:
+            for name in re.findall(r"\bkel_\w+", expression):
+                self.assertIn(name.removesuffix("_bucket"), written, expression)
+        if promtool := shutil.which("promtool"):
+            subprocess.run([promtool, "check", "rules", folder / "kel-alerts.yml"], check=True, capture_output=True)
 
     def test_in_flight_gauges_return_to_zero(self):
         crowd = [self.connect(HEAD + b"Content-Length: 100000\r\n\r\n" + b" " * 16_000) for _ in range(100)]

@@ -27,7 +27,11 @@ CONNECTIONS = 16
 KINDS = ("group list", "upload", "analysis")
 WAITING = 1000  # pages that ask for a verdict once in two seconds
 WAIT_SECONDS = 5  # at least, so that each of them asks more than once
-PAGES = ("/", "/reports", "/reports?verdict=fail", "/products/demo", "/products/demo/requirements")
+PAGES = ("/", "/?period=all&sort=change", "/reports", "/reports?verdict=fail",
+         "/reports?referrer=demo&version=1&line=1&result=unknown",  # no report has this one
+         "/reports?value=71063&comparison=at+least&text=32+GB", "/products/demo", "/products/demo?period=all&value=72402",
+         "/products/demo/requirements")
+SPREAD = 90 * 24 * 3600 * 1000  # the time in which the stored reports arrived, in milliseconds
 MEMORIES = ("3.9 GB", "7.8 GB", "15.9 GB", "31.9 GB", "63.9 GB")
 RESOLUTIONS = ("1366x768", "1920x1080", "2560x1440", "3840x2160")
 TOTALS = ("pass", "pass", "fail", "unknown")
@@ -104,13 +108,13 @@ def fill(path, most):
         body, lines = database.execute("SELECT body, lines FROM report JOIN verdict ON report = id LIMIT 1").fetchone()
         body = re.sub(r'(71424"><value>)[^<]*', r"\1SESSION", body)
         last = database.execute("SELECT max(id) FROM report").fetchone()[0]
-        now = int(time.time() * 1000)
+        now, apart = int(time.time() * 1000), SPREAD // most
         for start in range(there, most, BATCH):
             numbers = range(start, min(start + BATCH, most))
             database.executemany(
                 'INSERT INTO report (id, session, referrer, "user", machine, received, body) '
                 "VALUES (?, ?, 'demo', 'visitor', ?, ?, ?)",
-                ((last + number - there + 1, f"s-{number}", f"m-{number}", now - most + number, varied(body, number))
+                ((last + number - there + 1, f"s-{number}", f"m-{number}", now - (most - number) * apart, varied(body, number))
                  for number in numbers))
             database.executemany(
                 "INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines) "
@@ -118,6 +122,29 @@ def fill(path, most):
                 ((last + number - there + 1, now, TOTALS[number % 4], lines) for number in numbers))
             database.commit()
     database.close()
+
+
+def fill_postgres(server, name, most):
+    """The same for a database of a PostgreSQL server. A report takes a lock, of which a transaction has some thousands."""
+    def run(sql):
+        return subprocess.run(server.psql(name, sql), check=True, text=True, stdout=subprocess.PIPE).stdout.rstrip("\n")
+    there = int(run("SELECT count(*) FROM report"))
+    body = re.sub(r'(71424"><value>)[^<]*', r"\1SESSION", run("SELECT body FROM report ORDER BY id LIMIT 1"))
+    now, apart, batch = int(time.time() * 1000), SPREAD // most, BATCH // 5
+    run("CREATE TABLE filled AS SELECT lines FROM verdict LIMIT 1")
+    choice = "(ARRAY{})[number % {} + 1]".format
+    memory, resolution, total = (choice([*texts], len(texts)) for texts in (MEMORIES, RESOLUTIONS, TOTALS))
+    for start in range(there, most, batch):
+        run(f"""WITH numbers AS (SELECT generate_series({start}, {min(start + batch, most) - 1}) AS number)
+            INSERT INTO report (session, referrer, "user", machine, received, body)
+            SELECT 's-' || number, 'demo', 'visitor', 'm-' || number, {now} - ({most} - number)::BIGINT * {apart},
+                replace(replace(replace('{body}', 'SESSION', 's-' || number), '15.9 GB', {memory}), '2560x1440', {resolution})
+            FROM numbers;
+            INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines)
+            SELECT id, 1, 1, {now}, '', {total}, lines
+            FROM (SELECT id, substr(session, 3)::INTEGER AS number FROM report ORDER BY id DESC LIMIT
+                {min(batch, most - start)}) AS added, filled""")
+    run("DROP TABLE filled; ANALYZE")
 
 
 def pages(server):
@@ -151,12 +178,12 @@ def measure_sqlite(folder, seconds, most, rows, times):
             fill(database, count)
         with service(folder, database) as server:
             rows.append((f"SQLite, {count:,} reports", load(seconds, server)))
-            times[f"{count:,}"] = pages(server)
+            times[f"SQLite, {count:,}"] = pages(server)
     with service(folder, database) as server:
         rows.append((f"{WAITING:,} pages wait beside, SQLite", load(max(seconds, WAIT_SECONDS), server, waiting=WAITING)))
 
 
-def measure_postgres(folder, seconds, rows):
+def measure_postgres(folder, seconds, most, rows, times):
     """Measures with a PostgreSQL server that writes each commit to the disk."""
     server = databases.Server()
     subprocess.run(server.psql("postgres", "CREATE DATABASE load"), check=True)
@@ -165,6 +192,10 @@ def measure_postgres(folder, seconds, rows):
     with service(folder / "a", *settings) as one, service(folder / "b", *settings) as other:
         rows.append(("PostgreSQL, one front end", load(seconds, one)))
         rows.append(("PostgreSQL, two front ends", load(seconds, one, other)))
+    fill_postgres(server, "load", most)
+    with service(folder / "a", *settings) as one:
+        rows.append((f"PostgreSQL, {most:,} reports", load(seconds, one)))
+        times[f"PostgreSQL, {most:,}"] = pages(one)
 
 
 def aims(rows, times):
@@ -172,7 +203,7 @@ def aims(rows, times):
     first, *others = (figures for name, figures in rows if name.startswith("SQLite"))
     slowest = max(figures[kind][1] for figures in (first, *others) for kind in KINDS)
     slower = max(others[-1][kind][0] / first[kind][0] for kind in KINDS)
-    page = max(max(run.values()) for run in times.values())
+    page = max(max(run.values()) for store, run in times.items() if store.startswith("SQLite"))
     [waiting] = (figures for name, figures in rows if "wait" in name)
     lines = ["| aim, with SQLite | measured | |", "|---|---:|---|"]
     for aim, measured, unit, is_met in (
@@ -215,7 +246,7 @@ def text(rows, times, seconds):
     [question] = (figures["question"] for name, figures in rows if "wait" in name)
     lines += ["", f"A waiting page's question takes {question[0]:.1f} ms, 99 of 100 within {question[1]:.0f} ms: reports and "
               "verdicts of the visitors have the same threads, which keeps group lists quick."]
-    lines += ["", "| page, median | " + " | ".join(f"{count} reports" for count in times) + " |", "|---|" + "---:|" * len(times)]
+    lines += ["", "| page, median | " + " | ".join(f"{store} reports" for store in times) + " |", "|---|" + "---:|" * len(times)]
     for page in PAGES:
         lines.append(f"| `{page}` | " + " | ".join(f"{run[page]:.0f} ms" for run in times.values()) + " |")
     return "\n".join(lines) + "\n"
@@ -249,7 +280,7 @@ def measure_load(options):
         with Server(folder, BUILD / "load" / "kel_empty", folder / "port", admin=False) as empty:
             rows.append(("an empty one", load(options.seconds, empty)))
         measure_sqlite(folder, options.seconds, options.reports, rows, times)
-        measure_postgres(folder, options.seconds, rows)
+        measure_postgres(folder, options.seconds, options.reports, rows, times)
     return text(rows, times, options.seconds)
 
 

@@ -1,40 +1,13 @@
 #include "server/admin/figures/Recent.h"
 
 #include <fmt/format.h>
-#include <chrono>
 #include <set>
 
+#include "server/admin/figures/ScanBudget.h"
 #include "server/admin/kit/Texts.h"
 #include "server/base/Fault.h"
-#include "server/http/Limits.h"
 
 namespace kel::server {
-
-namespace {
-
-using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::seconds MaxTime{1};
-
-/// The bounds of reading recent reports, in time and in bytes.
-class ScanBudget {
-public:
-    /// Whether that many more bytes may be read; always true for the first ones.
-    bool Allows(std::size_t more)
-    {
-        const bool isFirst = bytes == 0;
-        bytes += more;
-        return isFirst || (bytes <= MaxBytes && Clock::now() < end);
-    }
-
-private:
-    static constexpr std::size_t MaxBytes = 32 * Limits::Megabyte;  // a usual report has some kilobytes
-
-    Clock::time_point end = Clock::now() + MaxTime;
-    std::size_t bytes = 0;
-};
-
-}  // namespace
 
 std::string RecentSessions::Text() const
 {

@@ -2,8 +2,8 @@
 
 namespace kel::server {
 
-Table::Table(std::string caption, std::vector<Column> columns)
-    : caption(std::move(caption)), columns(std::move(columns))
+Table::Table(std::string caption, std::vector<Column> columns, std::string kind)
+    : caption(std::move(caption)), kind(std::move(kind)), columns(std::move(columns))
 {
 }
 
@@ -34,8 +34,11 @@ Html Table::Done(const Html& whenEmpty) const
             attributes.emplace_back("class", "number");
         head += Html::Element("th", attributes, column.name);
     }
+    Html::Attributes attributes;
+    if (!kind.empty())
+        attributes.emplace_back("class", kind);
     return Html::Element(
-        "table", {},
+        "table", attributes,
         {Html::Element("caption", {}, caption), Html::Element("thead", {}, Html::Element("tr", {}, head)),
          Html::Element("tbody", {}, rows)});
 }

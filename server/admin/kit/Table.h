@@ -15,7 +15,8 @@ public:
         bool isNumber = false;
     };
 
-    Table(std::string caption, std::vector<Column> columns);
+    /// `kind` is a class of the style sheet: "dense" puts the cells of a card side by side.
+    Table(std::string caption, std::vector<Column> columns, std::string kind = "");
 
     /// A cell for each column.
     void Add(const std::vector<Html>& cells);
@@ -23,7 +24,7 @@ public:
     Html Done(const Html& whenEmpty) const;
 
 private:
-    std::string caption;
+    std::string caption, kind;
     std::vector<Column> columns;
     Html rows;
 };

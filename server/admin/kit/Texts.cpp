@@ -76,9 +76,14 @@ std::string Grouped(std::int64_t number)
     return text;
 }
 
+int Percent(std::int64_t part, std::int64_t whole)
+{
+    return static_cast<int>((part * 200 / whole + 1) / 2);
+}
+
 std::string Percentage(std::int64_t part, std::int64_t whole)
 {
-    return whole == 0 ? "–" : std::to_string((part * 200 / whole + 1) / 2) + " %";
+    return whole == 0 ? "–" : std::to_string(Percent(part, whole)) + " %";
 }
 
 }  // namespace kel::server

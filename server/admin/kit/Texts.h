@@ -25,6 +25,9 @@ std::string UrlEncode(std::string_view text);
 /// A number with commas between the thousands.
 std::string Grouped(std::int64_t number);
 
+/// A share in percent, rounded; `whole` is not 0.
+int Percent(std::int64_t part, std::int64_t whole);
+
 /// A share as a whole percentage: "12 %"; "–" when `whole` is 0.
 std::string Percentage(std::int64_t part, std::int64_t whole);
 

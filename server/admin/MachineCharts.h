@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "server/admin/ReportQuery.h"
+#include "server/admin/kit/Html.h"
+
+namespace kel::server {
+
+/// What the machines of a product's sessions have, as far as their reports are still stored: a chart of each
+/// value that the newest requirements ask for, of some usual ones, and first of `chosen`, an id (0: none)
+/// that a form offers among all that the reports have.
+Html MachineCharts(Database& database, const ReportQuery& sessions, int all, int chosen);
+
+}  // namespace kel::server

@@ -1,0 +1,108 @@
+#include "server/admin/ValueChart.h"
+
+#include <fmt/format.h>
+#include <algorithm>
+
+#include "server/admin/ValueNames.h"
+#include "server/admin/kit/Table.h"
+#include "server/admin/kit/Texts.h"
+#include "verdict/text/Text.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr std::size_t MaxTableRows = 100;
+constexpr std::size_t MaxLinkedBytes = 200;  // of a value; an address has a limit
+constexpr std::size_t MaxShownValueBytes = 300;
+
+Html ValueLink(const ReportQuery& query, int id, const std::string& comparison, const std::string& text,
+               int count)
+{
+    return text.size() > MaxLinkedBytes ? Html(Grouped(count))
+                                        : CountLink(query.WithValue(id, comparison, text), count);
+}
+
+/// A bar of that length in percent, without a text.
+Html BarPicture(int percent, bool isAsked)
+{
+    return Html::Element("svg",
+                         {{"class", "share"},
+                          {"aria-hidden", "true"},
+                          {"viewBox", "0 0 100 10"},
+                          {"preserveAspectRatio", "none"}},
+                         Html::Element("rect", {{"class", isAsked ? "asked" : "bar"},
+                                                {"width", std::to_string(std::max(percent, 1))},
+                                                {"height", "10"}}));
+}
+
+Html BarList(const ValueSample& sample, const std::vector<ValueSample::Step>& steps, bool isCumulative,
+             const ReportQuery& query)
+{
+    Html list;
+    for (const ValueSample::Step& step : steps) {
+        const std::string text = Shortened(step.label, MaxShownValueBytes);
+        Html name = isCumulative ? Html("at least " + text) : Html::Stored(text);
+        if (step.isAsked)
+            name += Html::Element("b", {}, " – asked for");
+        list +=
+            Html::Element("li", {},
+                          {Html::Element("span", {{"class", "name"}}, name),
+                           BarPicture(Percent(step.count, sample.Reported()), step.isAsked),
+                           Html::Element("span", {{"class", "number"}},
+                                         {Percentage(step.count, sample.Reported()) + ", ",
+                                          ValueLink(query, sample.Id(), isCumulative ? "at least" : "equals",
+                                                    step.label, step.count)})});
+    }
+    return Html::Element("ul", {{"class", "bars"}}, list);
+}
+
+Html FoldedTable(const ValueSample& sample, const ReportQuery& query)
+{
+    Table table("Values, the most frequent first", {{"Value"}, {"Sessions", true}, {"Share", true}});
+    for (const ValueSample::Step& value : sample.Values(MaxTableRows))
+        table.Add({Html::Stored(Shortened(value.label, MaxShownValueBytes)),
+                   ValueLink(query, sample.Id(), "equals", value.label, value.count),
+                   Percentage(value.count, sample.Reported())});
+    return Html::Element("details", {}, {Html::Element("summary", {}, "Figures"), table.Done("None.")});
+}
+
+/// "62 % have at least 8 GB (Memory)."
+Html Sentences(const ValueSample& sample, const std::vector<AskedValue>& asked)
+{
+    Html sentences;
+    for (const AskedValue& one : asked) {
+        const int count = sample.Meeting(one.condition);
+        sentences += Html::Element("p", {{"class", "asked"}},
+                                   {Html::Element("b", {}, Percentage(count, sample.Reported())),
+                                    " have what is asked for: ", Html::Stored(one.condition.Text()), " (",
+                                    Html::Stored(one.line), ")."});
+    }
+    return sentences;
+}
+
+}  // namespace
+
+Html ValueChart(const ValueSample& sample, const std::vector<AskedValue>& asked, const ReportQuery& query)
+{
+    const std::string id = std::to_string(sample.Id()), name = NameOfValue(id);
+    const Html title = Html::Element("figcaption", {}, name.empty() ? "Value " + id : name + " (" + id + ")");
+    if (sample.Reported() == 0)
+        return Html::Element("figure", {},
+                             {title, Html::Element("p", {{"class", "empty"}}, "No session reports it.")});
+    std::vector<std::string> needed;
+    for (const AskedValue& one : asked) {
+        if (one.condition.comparison->name == "at least")
+            needed.push_back(one.condition.needed);
+    }
+    std::string basis = fmt::format("Of {} sessions that report it", Grouped(sample.Reported()));
+    if (sample.Unreported() > 0)
+        basis += fmt::format("; {} do not", Grouped(sample.Unreported()));
+    const bool isCumulative = sample.IsOfAmounts();
+    return Html::Element(
+        "figure", {{"class", "values"}},
+        {title, Sentences(sample, asked), BarList(sample, sample.Steps(needed), isCumulative, query),
+         Html::Element("p", {{"class", "basis"}}, basis + "."), FoldedTable(sample, query)});
+}
+
+}  // namespace kel::server
