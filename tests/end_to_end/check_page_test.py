@@ -145,8 +145,8 @@ class WithoutAControl(PageTest):
         (self.folder / "check.exe").write_bytes(b"MZ" * 1_500_000)  # more than one piece
         self.stop()
         self.start("--check-program", str(self.folder / "check.exe"))
-        lines = [{"label": "M", "id": 1, "comparison": "at least", "needed": "4 GB"},
-                 {"label": {"en": "System", "de": "System <b>"}, "id": 2, "comparison": "at least version", "needed": "10.0",
+        lines = [{"label": "M", "id": 71063, "comparison": "at least", "needed": "4 GB"},
+                 {"label": {"en": "System", "de": "System <b>"}, "id": 73400, "comparison": "at least version", "needed": "10.0",
                   "needed text": "Windows 10 or later", "advice": "Update."}]
         (self.folder / "demo.json").write_text(json.dumps({"title": "The <game>", "pages": [self.origin], "requirements": lines}))
         self.command("import", self.folder)
@@ -161,7 +161,7 @@ class WithoutAControl(PageTest):
         program = self.folder / f"check.demo.{session}.exe"
         self.await_answer(program.exists, True)
         self.assertEqual(program.read_bytes(), b"MZ" * 1_500_000)
-        self.assertEqual(self.ask("POST", UPLOAD, report(session, v1="8.0 GB", v2="6.1"))[0], 200)
+        self.assertEqual(self.ask("POST", UPLOAD, report(session, v71063="8.0 GB", v73400="6.1"))[0], 200)
         self.assertEqual(self.ask("POST", "/service/Analysis/demo", analysis(session))[0], 200)
         self.name = "answer"
         self.assertEqual(self.shown("does not meet all"), [
