@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Converts the catalogue of values, catalogue/values.tsv: into the tables of docs/value-ids.md (--write writes them, --check
-compares), and into C++ for verdicts and for programs that show values (--table FILE), with the additions of
-catalogue/requirements.tsv and areas.tsv."""
+compares), into C++ for verdicts and for programs that show values (--table FILE), with the additions of
+catalogue/requirements.tsv and areas.tsv, and into what authors of requirements need to know (--kinds FILE), with those of
+kinds.tsv."""
 
 import argparse
 import csv
@@ -17,6 +18,11 @@ TABLE = re.compile(r"(<!-- values: ([\w ]+) -->\n).*?(<!-- end -->\n)", re.DOTAL
 
 
 SOLD = ("", "Memory", "GraphicsMemory", "Disk")  # as verdict/Catalogue.h names them
+# The ValueType of verdict/ValueKinds.h for each type of the control, and an example of it.
+TYPES = {"text": ("Text", ""), "Name": ("Text", ""), "DeviceID": ("Text", ""), "Exists": ("YesNo", "Yes"),
+         "Count": ("Number", "1"), "Size": ("Size", "15.8 GB"), "Speed": ("Speed", "2.4 GHz"),
+         "Bandwidth": ("Bandwidth", "94.3 Mbps"), "Resolution": ("Resolution", "1920x1080"),
+         "Version": ("Version", "10.0.19045")}
 
 
 def read_values(name="values.tsv"):
@@ -52,6 +58,37 @@ def find_wrong_advice(values, advice):
     return [row["id"] for row in advice
             if not ids.issuperset([row["id"], *re.findall(r"\b\d{5}\b", row["caution"])])
             or row["sold as"] not in SOLD or not (row["sold as"] or row["caution"])]
+
+
+def find_wrong_kinds(values, kinds):
+    """Ids of catalogue/kinds.tsv that are not values, or whose rows have an unknown word or an example that is not a choice."""
+    ids = {value["id"] for value in values}
+    return [row["id"] for row in kinds
+            if row["id"] not in ids or row["type"] not in ("", *TYPES) or row["falls short of"] not in SOLD
+            or (row["choices"] and row["example"] not in row["choices"].split(", "))]
+
+
+def make_kinds(values, kinds):
+    """In the order of the catalogue."""
+    rows = {row["id"]: row for row in kinds}
+
+    def make_row(value):
+        row = rows.get(value["id"], {"type": "", "example": "", "choices": "", "falls short of": ""})
+        kind, example = TYPES[row["type"] or value["type"]]
+        texts = ", ".join(f'R"embedded({text})embedded"' for text in (row["example"] or example, value["form"], row["choices"]))
+        return f'    {{ValueType::{kind}, SoldAs::{row["falls short of"] or "Nothing"}, {texts}}},\n'
+
+    return f"""#include "verdict/ValueKinds.h"
+
+namespace kel {{
+
+static constexpr ValueKind KindRows[] = {{
+{"".join(map(make_row, values))}}};
+
+const std::span<const ValueKind> ValueKinds = KindRows;
+
+}}  // namespace kel
+"""
 
 
 class Texts:
@@ -110,6 +147,7 @@ def main():
     action.add_argument("--write", action="store_true")
     action.add_argument("--check", action="store_true")
     action.add_argument("--table", type=Path, metavar="FILE")
+    action.add_argument("--kinds", type=Path, metavar="FILE")
     arguments = parser.parse_args()
     values, advice = read_values(), read_values("requirements.tsv")
     areas = {row["detector"]: row["area"] for row in read_values("areas.tsv")}
@@ -119,6 +157,10 @@ def main():
     if arguments.table:
         arguments.table.write_text(make_rows(values, advice, areas), "utf-8")
         return 0
+    kinds = read_values("kinds.tsv")
+    if arguments.kinds:
+        arguments.kinds.write_text(make_kinds(values, kinds), "utf-8")
+        return 0
     page = PAGE.read_text("utf-8")
     listed = [detector for match in TABLE.finditer(page) for detector in match[2].split()]
     if wrong := find_wrong_companions(values):
@@ -126,6 +168,9 @@ def main():
         return 1
     if wrong := find_wrong_advice(values, advice):
         print(f"catalogue/requirements.tsv: unknown id or word, or nothing is said of: {', '.join(wrong)}", file=sys.stderr)
+        return 1
+    if wrong := find_wrong_kinds(values, kinds):
+        print(f"catalogue/kinds.tsv: unknown id or word, or the example is not a choice: {', '.join(wrong)}", file=sys.stderr)
         return 1
     missing = sorted({value["detector"] for value in values}.difference(listed))
     if missing:

@@ -1,6 +1,7 @@
 #include "verdict/Requirements.h"
 
 #include <algorithm>
+#include <charconv>
 #include <nlohmann/json.hpp>
 #include <span>
 #include <stdexcept>
@@ -27,10 +28,10 @@ std::string Quoted(std::string_view text)
 void CheckNames(const json& entry, std::span<const std::string_view> names)
 {
     if (!entry.is_object())
-        throw std::runtime_error("it is not an object");
+        throw RequirementsError("it is not an object");
     for (const auto& item : entry.items()) {
         if (std::find(names.begin(), names.end(), item.key()) == names.end())
-            throw std::runtime_error("unknown name " + Quoted(item.key()));
+            throw RequirementsError("unknown name " + Quoted(item.key()), {item.key()});
     }
 }
 
@@ -38,20 +39,20 @@ const json& Required(const json& entry, const std::string& name)
 {
     const auto found = entry.find(name);
     if (found == entry.end())
-        throw std::runtime_error("it has no '" + name + "'");
+        throw RequirementsError("it has no '" + name + "'");
     return *found;
 }
 
 std::string CheckText(const json& value, const std::string& name)
 {
     if (!value.is_string())
-        throw std::runtime_error("its '" + name + "' is not a text");
+        throw RequirementsError("its '" + name + "' is not a text", {name});
     const auto& text = value.get_ref<const std::string&>();
     if (text.size() > Requirements::MaxText)
-        throw std::runtime_error("its '" + name + "' is longer than " +
-                                 std::to_string(Requirements::MaxText) + " bytes");
+        throw RequirementsError(
+            "its '" + name + "' is longer than " + std::to_string(Requirements::MaxText) + " bytes", {name});
     if (!IsXmlText(text))
-        throw std::runtime_error("its '" + name + "' has a character that XML does not allow");
+        throw RequirementsError("its '" + name + "' has a character that XML does not allow", {name});
     return text;
 }
 
@@ -84,13 +85,15 @@ LocalText ReadLocalText(const json& entry, const std::string& name)
     if (!value.is_object())
         return LocalText(CheckText(value, name));
     if (value.empty() || value.size() > Requirements::MaxLanguages)
-        throw std::runtime_error("its '" + name + "' has " + std::to_string(value.size()) +
-                                 " languages, not 1 to " + std::to_string(Requirements::MaxLanguages));
+        throw RequirementsError("its '" + name + "' has " + std::to_string(value.size()) +
+                                    " languages, not 1 to " + std::to_string(Requirements::MaxLanguages),
+                                {name});
     LocalText text;
     for (const auto& item : value.items()) {
         if (!IsLanguage(Lower(item.key())))
-            throw std::runtime_error("its '" + name + "' has " + Quoted(item.key()) +
-                                     ", which is not a language such as 'de' or 'pt-BR'");
+            throw RequirementsError("its '" + name + "' has " + Quoted(item.key()) +
+                                        ", which is not a language such as 'de' or 'pt-BR'",
+                                    {name, item.key()});
         text.Add(Lower(item.key()), CheckText(item.value(), name));
     }
     return text;
@@ -101,23 +104,33 @@ const json& ReadList(const json& entry, const std::string& name, std::size_t min
 {
     const json& list = Required(entry, name);
     if (!list.is_array())
-        throw std::runtime_error("its '" + name + "' is not a list");
+        throw RequirementsError("its '" + name + "' is not a list", {name});
     if (list.size() < min || list.size() > max)
-        throw std::runtime_error("its '" + name + "' has " + std::to_string(list.size()) + " entries, not " +
-                                 std::to_string(min) + " to " + std::to_string(max));
+        throw RequirementsError("its '" + name + "' has " + std::to_string(list.size()) + " entries, not " +
+                                    std::to_string(min) + " to " + std::to_string(max),
+                                {name});
     return list;
 }
 
-/// Reads each entry of a list; the reason for a wrong one begins with the kind and its number.
+/// Reads each entry of the list that is a member of that name; the reason for a wrong one begins with the
+/// kind and its number. With `errors` it is added to them, and the entry is left empty.
 template <typename Read>
-auto ReadEach(const json& list, const std::string& kind, Read read)
+auto ReadEach(const json& list, const std::string& name, const std::string& kind, Read read,
+              std::vector<RequirementsError>* errors = nullptr)
 {
     std::vector<decltype(read(list))> entries;
     for (const json& entry : list) {
         try {
             entries.push_back(read(entry));
-        } catch (const std::runtime_error& error) {
-            throw std::runtime_error(kind + " " + std::to_string(entries.size() + 1) + ": " + error.what());
+        } catch (const RequirementsError& error) {
+            JsonPath path{name, std::to_string(entries.size())};
+            path.insert(path.end(), error.path.begin(), error.path.end());
+            const RequirementsError whole(
+                kind + " " + std::to_string(entries.size() + 1) + ": " + error.what(), std::move(path));
+            if (!errors)
+                throw whole;
+            errors->push_back(whole);
+            entries.emplace_back();
         }
     }
     return entries;
@@ -151,8 +164,8 @@ std::string ReadPage(const json& entry)
 {
     const std::string* text = entry.get_ptr<const std::string*>();
     if (!text || !IsOrigin(*text))
-        throw std::runtime_error((text ? Quoted(*text) : std::string("it")) +
-                                 " is not an origin, such as 'https://shop.example'");
+        throw RequirementsError((text ? Quoted(*text) : std::string("it")) +
+                                " is not an origin, such as 'https://shop.example'");
     return *text;
 }
 
@@ -161,18 +174,18 @@ Condition ReadCondition(const json& entry)
     Condition condition;
     const json& id = Required(entry, "id");
     if (!id.is_number_integer() || id < 1 || id > MaxId)
-        throw std::runtime_error("its 'id' is not a whole number from 1 to " + std::to_string(MaxId));
+        throw RequirementsError("its 'id' is not a whole number from 1 to " + std::to_string(MaxId), {"id"});
     condition.group = id.get<int>();
     const std::string name = ReadText(entry, "comparison");
     condition.comparison = ParseComparison(name);
     if (!condition.comparison)
-        throw std::runtime_error("unknown comparison " + Quoted(name));
+        throw RequirementsError("unknown comparison " + Quoted(name), {"comparison"});
     if (const auto needed = entry.find("needed"); needed != entry.end())
         condition.needed = needed->is_number() ? needed->dump() : ReadText(entry, "needed");
     const std::string_view reason = condition.comparison->unsatisfiableReason(condition.needed);
     if (!reason.empty())
-        throw std::runtime_error("'" + name + "' " + std::string(reason) + ", not " +
-                                 Quoted(condition.needed));
+        throw RequirementsError("'" + name + "' " + std::string(reason) + ", not " + Quoted(condition.needed),
+                                {"needed"});
     return condition;
 }
 
@@ -188,7 +201,7 @@ bool ReadOf(const json& entry)
 {
     const auto of = entry.find("of");
     if (of != entry.end() && *of != "any")
-        throw std::runtime_error("its 'of' is not 'any'");
+        throw RequirementsError("its 'of' is not 'any'", {"of"});
     return of != entry.end();
 }
 
@@ -200,8 +213,8 @@ Alternative ReadAlternative(const json& entry)
     CheckNames(entry, hasConditions ? std::span<const std::string_view>(NamesWithConditions) : Names);
     Alternative alternative;
     if (hasConditions)
-        alternative.allOf = ReadEach(ReadList(entry, "all of", 1, Requirements::MaxConditions), "condition",
-                                     ReadPlainCondition);
+        alternative.allOf = ReadEach(ReadList(entry, "all of", 1, Requirements::MaxConditions), "all of",
+                                     "condition", ReadPlainCondition);
     else
         alternative.allOf.push_back(ReadCondition(entry));
     alternative.ofAny = ReadOf(entry);
@@ -223,8 +236,8 @@ Requirement ReadLine(const json& entry)
     if (entry.contains("needed text"))
         line.neededText = ReadLocalText(entry, "needed text");
     if (hasAlternatives)
-        line.anyOf = ReadEach(ReadList(entry, "any of", 1, Requirements::MaxAlternatives), "alternative",
-                              ReadAlternative);
+        line.anyOf = ReadEach(ReadList(entry, "any of", 1, Requirements::MaxAlternatives), "any of",
+                              "alternative", ReadAlternative);
     else
         line.anyOf.push_back({{ReadCondition(entry)}, false, ""});
     if (ReadOf(entry)) {
@@ -235,7 +248,7 @@ Requirement ReadLine(const json& entry)
         line.advice = ReadLocalText(entry, "advice");
     if (const auto recommended = entry.find("recommended"); recommended != entry.end()) {
         if (!recommended->is_boolean())
-            throw std::runtime_error("its 'recommended' is neither true nor false");
+            throw RequirementsError("its 'recommended' is neither true nor false", {"recommended"});
         line.recommended = recommended->get<bool>();
     }
     return line;
@@ -250,17 +263,36 @@ void AddOnce(std::vector<int>& groups, int group)
 json Parse(std::string_view text)
 {
     if (text.size() > Requirements::MaxFile)
-        throw std::runtime_error("it is longer than " + std::to_string(Requirements::MaxFile) + " bytes");
+        throw RequirementsError("it is longer than " + std::to_string(Requirements::MaxFile) + " bytes");
     if (!IsXmlText(text))
-        throw std::runtime_error("it is not UTF-8, or has a control character");
+        throw RequirementsError("it is not UTF-8, or has a control character");
     try {
         return json::parse(text);
     } catch (const json::exception& error) {
         // "[…] parse error at line 1, …; last read: '…'", which may end in the middle of a character.
-        const std::string reason = error.what();
-        const std::size_t start = reason.find("] ") + 2;
-        throw std::runtime_error(reason.substr(start, reason.find("; last read") - start));
+        std::string reason = error.what();
+        reason.erase(0, reason.find("] ") + 2);
+        reason.erase(std::min(reason.find("; last read"), reason.size()));
+        constexpr std::string_view Begin = "parse error at line ";
+        int line = 0;
+        if (reason.starts_with(Begin))
+            std::from_chars(reason.data() + Begin.size(), reason.data() + reason.size(), line);
+        throw RequirementsError(reason, {}, line);
     }
+}
+
+Requirements ReadContent(const json& content, std::vector<RequirementsError>* errors)
+{
+    static constexpr std::string_view Names[] = {"title", "pages", "requirements"};
+    CheckNames(content, Names);
+    Requirements requirements;
+    requirements.title = ReadLocalText(content, "title");
+    if (content.contains("pages"))
+        requirements.pages = ReadEach(ReadList(content, "pages", 0, Requirements::MaxPages), "pages", "page",
+                                      ReadPage, errors);
+    requirements.lines = ReadEach(ReadList(content, "requirements", 0, Requirements::MaxLines),
+                                  "requirements", "requirement", ReadLine, errors);
+    return requirements;
 }
 
 }  // namespace
@@ -302,15 +334,17 @@ std::vector<int> Requirement::Groups() const
 
 Requirements Requirements::Read(std::string_view text)
 {
-    static constexpr std::string_view Names[] = {"title", "pages", "requirements"};
-    const json content = Parse(text);
-    CheckNames(content, Names);
-    Requirements requirements;
-    requirements.title = ReadLocalText(content, "title");
-    if (content.contains("pages"))
-        requirements.pages = ReadEach(ReadList(content, "pages", 0, MaxPages), "page", ReadPage);
-    requirements.lines = ReadEach(ReadList(content, "requirements", 0, MaxLines), "requirement", ReadLine);
-    return requirements;
+    return ReadContent(Parse(text), nullptr);
+}
+
+Requirements Requirements::ReadPartly(std::string_view text, std::vector<RequirementsError>& errors)
+{
+    try {
+        return ReadContent(Parse(text), &errors);
+    } catch (const RequirementsError& error) {
+        errors.push_back(error);
+        return {};
+    }
 }
 
 std::optional<Requirements> Requirements::ReadStored(std::string_view text)

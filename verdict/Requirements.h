@@ -2,11 +2,13 @@
 
 #include <cstddef>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "verdict/Comparison.h"
+#include "verdict/JsonPlaces.h"
 #include "verdict/LocalText.h"
 
 namespace kel {
@@ -48,6 +50,18 @@ struct Requirement {
     std::vector<int> Groups() const;
 };
 
+/// What is wrong with a file of requirements: "requirement 2: unknown comparison 'about'".
+class RequirementsError : public std::runtime_error {
+public:
+    explicit RequirementsError(const std::string& reason, JsonPath path = {}, int line = 0)
+        : std::runtime_error(reason), path(std::move(path)), line(line)
+    {
+    }
+
+    JsonPath path;  ///< of the entry that is wrong; empty for the whole file
+    int line;       ///< from 1 on, of a text that is not JSON; otherwise 0
+};
+
 /// What a product needs.
 struct Requirements {
     static constexpr std::size_t MaxFile = 1'048'576;  // bytes
@@ -68,10 +82,12 @@ struct Requirements {
     /// "pt-br"). A page is an origin as browsers send it, such as "https://shop.example". Instead of id,
     /// comparison and needed a line may have "any of", a list of alternatives: objects with "label", "of" and
     /// either these three or "all of", a list of objects with these three. "of" is "any". Throws
-    /// std::runtime_error with the fault and its line: an unknown name, a value of the wrong kind, an
-    /// exceeded bound, a line that no value could satisfy. The message is UTF-8 and at most some hundred
-    /// bytes long.
+    /// RequirementsError: an unknown name, a value of the wrong kind, an exceeded bound, a text that no value
+    /// could satisfy. The message is UTF-8 and at most some hundred bytes long. What is read may still ask
+    /// for values that do not exist; CheckRequirements finds these lines before they are published.
     static Requirements Read(std::string_view json);
+    /// The same, but a line or a page that is wrong is left empty, and what is wrong is added to `errors`.
+    static Requirements ReadPartly(std::string_view json, std::vector<RequirementsError>& errors);
     /// The same for stored requirements, which an older program may have accepted; nothing when they have a
     /// fault.
     static std::optional<Requirements> ReadStored(std::string_view json);

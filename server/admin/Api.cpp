@@ -6,7 +6,6 @@
 #include <nlohmann/json.hpp>
 #include <set>
 
-#include "server/admin/DraftCheck.h"
 #include "server/admin/Drafts.h"
 #include "server/admin/FailingLine.h"
 #include "server/admin/Pages.h"
@@ -20,6 +19,7 @@
 #include "server/store/Reports.h"
 #include "server/store/RequirementSets.h"
 #include "server/store/Verdicts.h"
+#include "verdict/RequirementsCheck.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
@@ -192,7 +192,7 @@ Answer WriteDraft(const AdminRequest& request)
     const std::string* none = request.http.Header("If-None-Match");
     const bool isNew = none && *none == "*";
     const int revision = isNew ? 0 : ReadRevision(request);
-    if (const std::string reason = ValidationError(request.http.body); !reason.empty())
+    if (const std::string reason = CheckRequirements(request.http.body).ErrorText(); !reason.empty())
         throw Fault(422, reason);
     const auto written =
         revision < 0

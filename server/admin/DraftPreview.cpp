@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <algorithm>
 #include <optional>
-#include <vector>
 
 #include "server/admin/Layout.h"
 #include "server/admin/kit/Table.h"
@@ -14,34 +13,21 @@ namespace kel::server {
 
 namespace {
 
-using Lines = std::vector<LineTally>;
-
-/// For each line of the draft, the place of the published line that it replaces: the same line, or else one
-/// with the same label, preferably of the same kind, in the order of the file. Nothing for a new line.
-std::vector<std::optional<std::size_t>> Replaced(const Lines& draft, const Lines& today)
+/// The labels of the lines that decide the total of a verdict that does not pass.
+std::string LabelsNotMet(const Verdict& verdict)
 {
-    using IsPair = bool (*)(const LineTally&, const LineTally&);
-    constexpr IsPair Kinds[] = {[](const LineTally& a, const LineTally& b) {
-                                    return a.label == b.label && a.needed == b.needed &&
-                                           a.recommended == b.recommended;
-                                },
-                                [](const LineTally& a, const LineTally& b) {
-                                    return a.label == b.label && a.recommended == b.recommended;
-                                },
-                                [](const LineTally& a, const LineTally& b) { return a.label == b.label; }};
-    std::vector<std::optional<std::size_t>> replaced(draft.size());
-    std::vector<bool> isTaken(today.size());
-    for (const IsPair isPair : Kinds) {
-        for (std::size_t i = 0; i < draft.size(); ++i) {
-            for (std::size_t j = 0; j < today.size() && !replaced[i]; ++j) {
-                if (isTaken[j] || !isPair(draft[i], today[j]))
-                    continue;
-                replaced[i] = j;
-                isTaken[j] = true;
-            }
-        }
+    std::string labels;
+    for (const VerdictLine& line : verdict.lines) {
+        if (line.result != Result::Pass && !line.recommended)
+            labels += (labels.empty() ? "" : ", ") + line.label;
     }
-    return replaced;
+    return labels;
+}
+
+/// "8 to 6", or the only one of both.
+std::string FromTo(const std::optional<std::string>& from, const std::optional<std::string>& to)
+{
+    return from && to ? (*from == *to ? *to : *from + " → " + *to) : from ? *from : to.value_or("");
 }
 
 }  // namespace
@@ -50,14 +36,22 @@ DraftPreview DraftPreview::Run(Database& database, const std::string& referrer, 
 {
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
-    DraftPreview preview{{}, {}, {}, {draft, today}};
+    DraftPreview preview{draft, today.value_or(Requirements()), {}, {}, {}, {}, 0, {draft, today}};
     ReportFilter ofProduct;
     ofProduct.referrer = referrer;
-    preview.sessions = ForEachRecentReport(database, ofProduct, [&](const Report& report) {
+    preview.sessions = ForEachRecentReport(database, ofProduct, [&](const Report& report, std::int64_t id) {
         preview.values.Count(report);
-        preview.draft.Count(Judge(draft, report.Lookup()));
-        if (today)
-            preview.today.Count(Judge(*today, report.Lookup()));
+        const Verdict then = Judge(draft, report.Lookup());
+        preview.draft.Count(then);
+        if (!today)
+            return;
+        const Verdict now = Judge(*today, report.Lookup());
+        preview.today.Count(now);
+        if (now.total == then.total)
+            return;
+        if (++preview.machineCount <= static_cast<std::int64_t>(MaxMachines))
+            preview.machines.push_back(
+                {id, now.total, then.total, LabelsNotMet(then.total == Result::Pass ? now : then)});
     });
     return preview;
 }
@@ -69,40 +63,116 @@ Html DraftPreview::Show() const
                    "p", {{"class", "empty"}},
                    "No machine has been reported for this product yet, so there is nothing to try this on.") +
                ShowValues();
+    const auto changes = CompareLines(inForce, requirements);
+    return ShowShares() + ShowChangedLines(changes) + ShowMachines() + ShowLines(changes) + ShowValues();
+}
+
+Html DraftPreview::ShowShares() const
+{
     const bool hasToday = today.All() > 0;
     const auto count = [hasToday](std::int64_t sessionCount, std::string_view result,
                                   std::int64_t countToday) {
         const std::string text = fmt::format("{} would {}", Grouped(sessionCount), result);
         return hasToday ? fmt::format("{}, today {}", text, Grouped(countToday)) : text;
     };
+    const std::string share = Percentage(draft.pass, draft.All());
+    const std::string answer =
+        hasToday ? fmt::format("{} would pass; today it is {}.", share, Percentage(today.pass, today.All()))
+                 : fmt::format("{} would pass.", share);
     const std::string sentence =
         fmt::format("Of {} {}. {}; {}.", sessions.Text(), count(draft.pass, "pass", today.pass),
                     count(draft.fail, "fail", today.fail), count(draft.unknown, "be unknown", today.unknown));
+    return Html::Element("div", {{"class", "notice note"}, {"role", "status"}},
+                         {Html::Element("p", {{"class", "answer"}}, answer), sentence});
+}
+
+Html DraftPreview::ShowChangedLines(const std::vector<LineChange>& changes) const
+{
+    if (today.All() == 0)
+        return {};
+    Table table("Lines that change, and how many pass",
+                {{"Requirement"}, {"Change"}, {"Needed"}, {"Pass", true}});
+    for (const LineChange& change : changes) {
+        if (change.isSame)
+            continue;
+        const LineTally* const from = change.before ? &today.lines[*change.before] : nullptr;
+        const LineTally* const to = change.after ? &draft.lines[*change.after] : nullptr;
+        const auto needed = [](const LineTally* line) {
+            return line ? std::optional(line->needed) : std::nullopt;
+        };
+        const auto pass = [](const LineTally* line) {
+            return line ? std::optional(Grouped(line->pass)) : std::nullopt;
+        };
+        const LineTally& shown = to ? *to : *from;
+        table.Add({LineLabel(shown.label, shown.recommended), ToString(change),
+                   Html::Stored(FromTo(needed(from), needed(to))), FromTo(pass(from), pass(to))});
+    }
+    return table.Done("No line differs from the published requirements.");
+}
+
+Html DraftPreview::ShowMachines() const
+{
+    if (today.All() == 0)
+        return {};
+    Table table(fmt::format("Machines with another result: {}{}", Grouped(machineCount),
+                            machineCount > static_cast<std::int64_t>(MaxMachines)
+                                ? fmt::format(", of which the newest {} are shown", MaxMachines)
+                                : ""),
+                {{"Report"}, {"Today"}, {"By the draft"}, {"Not met"}});
+    for (const ChangedMachine& machine : machines)
+        table.Add({Link(ReportPath(machine.report), "Report " + std::to_string(machine.report)),
+                   Mark(machine.today), Mark(machine.draft), Html::Stored(machine.lines)});
+    return table.Done("No machine would have another result.");
+}
+
+Html DraftPreview::ShowLines(const std::vector<LineChange>& changes) const
+{
     Table table("Line by line, with the failures under today's requirements", {{"Requirement"},
                                                                                {"Needed"},
                                                                                {"Pass", true},
                                                                                {"Fail", true},
                                                                                {"Fail today", true},
                                                                                {"Unknown", true}});
-    const auto replaced = Replaced(draft.lines, today.lines);
-    for (std::size_t i = 0; i < draft.lines.size(); ++i) {
-        const LineTally& line = draft.lines[i];
+    Html gone;
+    for (const LineChange& change : changes) {
+        if (!change.after) {
+            const Requirement& line = inForce.lines[*change.before];
+            gone += (gone.IsEmpty() ? Html("No longer asked: ") : Html(", ")) +
+                    LineLabel(line.label.Default(), line.recommended);
+            continue;
+        }
+        const LineTally& line = draft.lines[*change.after];
         table.Add({LineLabel(line.label, line.recommended), Html::Stored(line.needed), Grouped(line.pass),
                    Grouped(line.fail),
-                   replaced[i] ? Grouped(today.lines[*replaced[i]].fail) : std::string("new"),
+                   change.before ? Grouped(today.lines[*change.before].fail) : std::string("new"),
                    Grouped(line.unknown)});
     }
-    Html gone;
-    for (std::size_t j = 0; j < today.lines.size(); ++j) {
-        if (std::find(replaced.begin(), replaced.end(), j) == replaced.end())
-            gone += (gone.IsEmpty() ? Html("No longer asked: ") : Html(", ")) +
-                    LineLabel(today.lines[j].label, today.lines[j].recommended);
-    }
-    Html figures = Html::Element("p", {{"class", "notice note"}, {"role", "status"}}, sentence) +
-                   table.Done("The draft has no line.");
+    Html lines = table.Done("The draft has no line.");
     if (!gone.IsEmpty())
-        figures += Html::Element("p", {}, gone);
-    return figures + ShowValues();
+        lines += Html::Element("p", {}, gone);
+    return lines;
+}
+
+std::vector<Finding> DraftPreview::FindUnreported(const std::string& text) const
+{
+    std::vector<Finding> findings;
+    if (sessions.count == 0)
+        return findings;
+    const std::vector<int> unreported = values.FindUnreported();
+    for (std::size_t i = 0; i < requirements.lines.size(); ++i) {
+        const std::vector<Alternative>& ways = requirements.lines[i].anyOf;
+        for (std::size_t j = 0; j < ways.size(); ++j) {
+            for (std::size_t k = 0; k < ways[j].allOf.size(); ++k) {
+                const int id = ways[j].allOf[k].group;
+                if (std::find(unreported.begin(), unreported.end(), id) != unreported.end() &&
+                    findings.size() < static_cast<std::size_t>(CheckedRequirements::MaxFindings))
+                    findings.push_back(
+                        MakeFinding(text, false, {i, j, k}, "id",
+                                    fmt::format("no machine of {} reports {}", sessions.Text(), id)));
+            }
+        }
+    }
+    return findings;
 }
 
 }  // namespace kel::server

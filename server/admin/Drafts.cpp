@@ -1,8 +1,8 @@
 #include "server/admin/Drafts.h"
 
-#include "server/admin/DraftCheck.h"
 #include "server/base/Log.h"
 #include "server/store/RequirementSets.h"
+#include "verdict/RequirementsCheck.h"
 
 namespace kel::server {
 
@@ -19,7 +19,7 @@ Drafts::Publication Drafts::Publish(const std::string& referrer, int revision)
     const auto draft = RequirementSets(database).FindDraft(referrer);
     if (!draft || draft->revision != revision)
         return {};
-    if (std::string reason = ValidationError(draft->text); !reason.empty())
+    if (std::string reason = CheckRequirements(draft->text).ErrorText(); !reason.empty())
         return {{}, std::move(reason)};
     const auto version = RequirementSets(database).PublishDraft(referrer, revision, account);
     if (!version)

@@ -1,13 +1,14 @@
-#include "server/admin/DraftCheck.h"
-
 #include <fmt/format.h>
+#include <stdexcept>
 
+#include "server/admin/AddLine.h"
 #include "server/admin/DraftEditor.h"
 #include "server/admin/DraftPreview.h"
 #include "server/admin/Drafts.h"
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
 #include "server/store/RequirementSets.h"
+#include "verdict/RequirementsCheck.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
@@ -23,11 +24,6 @@ Html Confirmation(const AdminRequest& request, const std::string& action, int re
         Hidden("revision", std::to_string(revision)) + Hidden("text", text) +
             Html::Element("div", {{"class", "buttons"}},
                           {button, Link(RequirementsPath(request.subject), "Back to the draft")}));
-}
-
-Html Wrong(const std::string& why)
-{
-    return Notice("bad", "Not valid yet: " + why);
 }
 
 Answer AskToPublish(const AdminRequest& request, int revision, const std::string& text)
@@ -50,6 +46,17 @@ Answer AskToDrop(const AdminRequest& request, int revision)
     return Page(request, "Drop the draft of " + request.subject, content);
 }
 
+/// The editor with the text and the form's new line.
+Answer ShowWithLine(const AdminRequest& request, const std::string& text, int revision)
+{
+    try {
+        return DraftEditor(request, AddLine(text, request.form), revision,
+                           Notice("good", "The line is added to the text. Save the draft to keep it."));
+    } catch (const std::runtime_error& error) {
+        return DraftEditor(request, text, revision, Notice("bad", error.what()));
+    }
+}
+
 }  // namespace
 
 Answer EditDraft(const AdminRequest& request)
@@ -62,26 +69,30 @@ Answer EditDraft(const AdminRequest& request)
     if (action == "drop")
         return AskToDrop(request, revision);
     if (Trim(text).empty())
-        return DraftEditor(request, text, revision, Wrong("there is no text"), 400);
+        return DraftEditor(request, text, revision, Notice("bad", "Not valid yet: there is no text"), 400);
     Drafts drafts(request.database, request.login.account);
     if (action == "save") {
         return drafts.Save(referrer, text, revision) ? Redirect(RequirementsPath(referrer) + "?note=saved")
                                                      : DraftConflict(request, text);
     }
-    if (const std::string why = ValidationError(text); !why.empty())
-        return DraftEditor(request, text, revision, Wrong(why));
-    if (action == "try")
-        return DraftEditor(request, text, revision,
-                           DraftPreview::Run(request.database, referrer, Requirements::Read(text)).Show());
+    if (action == "add")
+        return ShowWithLine(request, text, revision);
+    if (action == "find" || action.starts_with(ChooseAction))
+        return DraftEditor(request, text, revision, {});
+    const CheckedRequirements checked = CheckRequirements(text);
+    if (!checked.ErrorText().empty())
+        return DraftEditor(request, text, revision, {});
     if (action == "publish") {
         const auto saved = drafts.Save(referrer, text, revision);
         return saved ? AskToPublish(request, *saved, text) : DraftConflict(request, text);
     }
-    const Requirements draft = Requirements::Read(text);
-    return DraftEditor(
-        request, text, revision,
-        Notice("good", fmt::format("These requirements can be published. Lines: {}.", draft.lines.size())) +
-            DraftPreview::Run(request.database, referrer, draft).ShowValues());
+    const auto preview = DraftPreview::Run(request.database, referrer, checked.requirements);
+    const Html result = action == "try"
+                            ? preview.Show()
+                            : Notice("good", fmt::format("These requirements can be published. Lines: {}.",
+                                                         checked.requirements.lines.size())) +
+                                  preview.ShowValues();
+    return DraftEditor(request, text, revision, result, 200, preview.FindUnreported(text));
 }
 
 Answer PublishDraft(const AdminRequest& request)
@@ -94,7 +105,7 @@ Answer PublishDraft(const AdminRequest& request)
     const auto draft = RequirementSets(request.database).FindDraft(referrer);
     if (publication.reason.empty() || !draft)
         return DraftConflict(request, request.form.Text("text"));
-    return DraftEditor(request, draft->text, revision, Wrong(publication.reason), 400);
+    return DraftEditor(request, draft->text, revision, {}, 400);  // which says what is wrong
 }
 
 Answer DropDraft(const AdminRequest& request)

@@ -49,7 +49,11 @@ Answer ShowRequirements(const AdminRequest& request);
 /// The text of one version.
 Answer ShowVersion(const AdminRequest& request);
 
-/// The editor's buttons: checks, tries or saves the draft, or asks before it is published or dropped.
+/// What differs between two versions, or a version and the draft.
+Answer ShowVersionDifference(const AdminRequest& request);
+
+/// The editor's buttons: checks, tries or saves the draft, adds a line to it, or asks before it is published
+/// or dropped.
 Answer EditDraft(const AdminRequest& request);
 Answer PublishDraft(const AdminRequest& request);
 Answer DropDraft(const AdminRequest& request);

@@ -16,17 +16,6 @@ bool Contains(const std::vector<int>& groups, int group)
     return std::find(groups.begin(), groups.end(), group) != groups.end();
 }
 
-/// Whether the line asks for any index of a value that has only one.
-bool IsOfAnyInVain(const Requirement& line, int group)
-{
-    const CatalogueValue* known = FindCatalogueValue(group);
-    return known && !known->hasIndexes &&
-           std::any_of(line.anyOf.begin(), line.anyOf.end(), [&](const Alternative& alternative) {
-               return alternative.ofAny && alternative.allOf.size() == 1 &&
-                      alternative.allOf.front().group == group;
-           });
-}
-
 void Append(std::string& note, std::string_view sentence)
 {
     if (!note.empty() && !sentence.empty())
@@ -41,22 +30,26 @@ RequestedValues::RequestedValues(const Requirements& draft, const std::optional<
     const std::vector<int> asked = inForce ? inForce->Groups() : std::vector<int>();
     for (const Requirement& line : draft.lines) {
         for (const int group : line.Groups()) {
-            auto value = std::find_if(values.begin(), values.end(),
-                                      [=](const Value& listed) { return listed.id == group; });
-            if (value == values.end()) {
-                const CatalogueValue* known = FindCatalogueValue(group);
-                value = values.insert(
-                    value,
-                    {group, 0,
-                     known ? known->Caution() : "The control has no such value: only a page can set it."});
-                if (!Contains(asked, group))
-                    Append(value->note, "The published requirements do not ask for it.");
-            }
-            constexpr std::string_view InVain = "It has one value, so \"of\": \"any\" has no effect.";
-            if (IsOfAnyInVain(line, group) && value->note.find(InVain) == std::string::npos)
-                Append(value->note, InVain);
+            const auto value = std::find_if(values.begin(), values.end(),
+                                            [=](const Value& listed) { return listed.id == group; });
+            if (value != values.end())
+                continue;
+            const CatalogueValue* known = FindCatalogueValue(group);
+            values.push_back({group, 0, Contains(asked, group), known ? known->Caution() : "Unknown id."});
+            if (!values.back().isAsked)
+                Append(values.back().note, "The published requirements do not ask for it.");
         }
     }
+}
+
+std::vector<int> RequestedValues::FindUnreported() const
+{
+    std::vector<int> ids;
+    for (const Value& value : values) {
+        if (value.isAsked && value.reports == 0)
+            ids.push_back(value.id);
+    }
+    return ids;
 }
 
 void RequestedValues::Count(const Report& report)

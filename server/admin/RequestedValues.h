@@ -20,6 +20,9 @@ public:
     /// Counts what a machine reports.
     void Count(const Report& report);
 
+    /// The ids that the published requirements ask for, and no counted machine reports.
+    std::vector<int> FindUnreported() const;
+
     /// A table with a row for each value. `sessions` are the ones that were counted.
     Html Show(const RecentSessions& sessions) const;
 
@@ -27,6 +30,7 @@ private:
     struct Value {
         int id;
         int reports = 0;
+        bool isAsked = false;  // by the published requirements
         std::string note;
     };
 

@@ -1,17 +1,19 @@
 
 #include <fmt/format.h>
-#include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "server/admin/DraftEditor.h"
 #include "server/admin/Layout.h"
+#include "server/admin/LineChanges.h"
 #include "server/admin/Pages.h"
+#include "server/admin/TextDifference.h"
 #include "server/store/RequirementSets.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
 
 namespace {
+
+constexpr std::string_view DraftName = "draft";  // in addresses, in the place of a version's number
 
 constexpr const char* Template =
     "{\n"
@@ -21,15 +23,6 @@ constexpr const char* Template =
     "      \"advice\": \"Add memory.\" }\n"
     "  ]\n"
     "}\n";
-
-/// The text in lines, for editing: programs write requirements into a single line.
-std::string InLines(const std::string& text)
-{
-    if (text.empty() || std::find(text.begin(), text.end() - 1, '\n') != text.end() - 1)
-        return text;
-    const auto content = nlohmann::ordered_json::parse(text, nullptr, false);
-    return content.is_discarded() ? text : content.dump(2) + "\n";
-}
 
 Html NoteNotice(const AdminRequest& request)
 {
@@ -43,13 +36,24 @@ Html NoteNotice(const AdminRequest& request)
     return {};
 }
 
-std::string VersionText(Database& database, const std::string& referrer, std::int64_t version)
+/// The text of a version by its number, or of the draft. Throws Fault 404 when there is no such text.
+std::string VersionText(Database& database, const std::string& referrer, const std::string& version)
 {
-    for (const PublishedSet& set : RequirementSets(database).Versions(referrer)) {
-        if (set.version == version)
-            return RequirementSets(database).Text(set.id);
+    RequirementSets sets(database);
+    if (version == DraftName) {
+        if (const auto draft = sets.FindDraft(referrer))
+            return draft->text;
+    }
+    for (const PublishedSet& set : sets.Versions(referrer)) {
+        if (set.version == WholeNumber(version))
+            return sets.Text(set.id);
     }
     throw Fault(404, "There is no such version.");
+}
+
+std::string VersionName(const std::string& version)
+{
+    return version == DraftName ? "the draft" : "version " + version;
 }
 
 }  // namespace
@@ -72,7 +76,7 @@ Answer ShowRequirements(const AdminRequest& request)
     }
     Html result = NoteNotice(request);
     if (const std::string from = request.Query("from"); !from.empty()) {
-        const std::string text = VersionText(request.database, referrer, WholeNumber(from));
+        const std::string text = VersionText(request.database, referrer, from);
         return DraftEditor(
             request, text, draft ? draft->revision : 0,
             Notice(
@@ -96,13 +100,39 @@ Answer ShowVersion(const AdminRequest& request)
 {
     const std::string& referrer = request.Referrer();
     const std::string number = request.Query("number");
-    const std::string text = VersionText(request.database, referrer, WholeNumber(number));
+    const std::string text = VersionText(request.database, referrer, number);
     Html links = Link(RequirementsPath(referrer), "To the requirements");
+    const std::string difference = ProductPath(referrer) + "/difference?";
+    if (const auto version = WholeNumber(number); version > 1)
+        links += Link(difference + fmt::format("from={}&to={}", version - 1, version),
+                      "What differs from the version before");
     if (request.IsEditor())
         links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Load into the draft") + links;
     return Page(
         request, fmt::format("Version {} of {}", number, referrer),
         Html::Element("pre", {{"tabindex", "0"}}, text) + Html::Element("p", {{"class", "buttons"}}, links));
+}
+
+Answer ShowVersionDifference(const AdminRequest& request)
+{
+    const std::string& referrer = request.Referrer();
+    const std::string from = request.Query("from"), to = request.Query("to");
+    const std::string before = VersionText(request.database, referrer, from),
+                      after = VersionText(request.database, referrer, to);
+    std::vector<RequirementsError> errors;
+    const Requirements old = Requirements::ReadPartly(before, errors);
+    const Requirements now = Requirements::ReadPartly(after, errors);
+    Html content;
+    if (errors.empty())
+        content = ChangesTable(fmt::format("Requirements, from {} to {}", VersionName(from), VersionName(to)),
+                               old, now);
+    else
+        content = Notice("note", "One of the texts has errors, so that only the lines of text are compared.");
+    return Page(request, fmt::format("{}: from {} to {}", referrer, VersionName(from), VersionName(to)),
+                content + Html::Element("h2", {}, "Line by line") +
+                    ShowDifference(InLines(before), InLines(after)) +
+                    Html::Element("p", {{"class", "buttons"}},
+                                  Link(RequirementsPath(referrer), "To the requirements")));
 }
 
 Answer BeginProduct(const AdminRequest& request)

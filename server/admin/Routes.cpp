@@ -30,6 +30,7 @@ constexpr Route Rows[] = {
     {"GET", "/new", Access::Editor, BeginProduct},
     {"GET", "/products/*", Access::Reader, ShowProduct},
     {"GET", "/products/*/version", Access::Reader, ShowVersion},
+    {"GET", "/products/*/difference", Access::Reader, ShowVersionDifference},
     {"GET", "/products/*/requirements", Access::Reader, ShowRequirements},
     {"POST", "/products/*/requirements", Access::Editor, EditDraft},
     {"POST", "/products/*/publish", Access::Editor, PublishDraft},

@@ -1,13 +1,18 @@
 #include <fmt/format.h>
 #include <algorithm>
+#include <map>
+#include <set>
 #include <utility>
 #include <vector>
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ValueSearch.h"
+#include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
 #include "verdict/Catalogue.h"
+#include "verdict/ValueKinds.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
@@ -30,34 +35,61 @@ std::string Remarks(const CatalogueValue& value)
     return remarks;
 }
 
-bool Matches(const CatalogueValue& value, const std::string& words)
-{
-    const std::string text =
-        Lower(fmt::format("{} {} {} {}", value.id, value.Area(), value.Detector(), value.Name()));
-    std::string_view left = words;
-    while (!left.empty()) {
-        const std::string_view word = left.substr(0, left.find(' '));
-        if (text.find(word) == std::string::npos)
-            return false;
-        left.remove_prefix(std::min(word.size() + 1, left.size()));
-    }
-    return true;
-}
+using Area = std::pair<std::string, std::vector<const CatalogueValue*>>;
 
-/// The values that match, by area, in the catalogue's order. Those that are always empty are left out.
-std::vector<std::pair<std::string, std::vector<const CatalogueValue*>>> FindAreas(const std::string& words)
+/// The values that match, by area, in the catalogue's order.
+std::vector<Area> FindAreas(const std::string& words)
 {
-    std::vector<std::pair<std::string, std::vector<const CatalogueValue*>>> areas;
-    for (const CatalogueValue& value : CatalogueValues) {
-        if (value.Source() == NoSource || !Matches(value, words))
-            continue;
+    std::vector<Area> areas;
+    for (const CatalogueValue* value : FindValues(words)) {
         auto area = std::find_if(areas.begin(), areas.end(),
-                                 [&](const auto& one) { return one.first == value.Area(); });
+                                 [&](const Area& one) { return one.first == value->Area(); });
         if (area == areas.end())
-            area = areas.insert(areas.end(), {value.Area(), {}});
-        area->second.push_back(&value);
+            area = areas.insert(areas.end(), {value->Area(), {}});
+        area->second.push_back(value);
     }
     return areas;
+}
+
+/// How many of the newest reports, of all products, have each value.
+struct Reporting {
+    RecentSessions sessions;
+    std::map<int, int> counts;  // by id
+
+    explicit Reporting(Database& database)
+    {
+        sessions = ForEachRecentReport(database, {}, [this](const Report& report) {
+            std::set<std::string_view> ids;
+            for (const auto& [place, text] : report.All()) {
+                if (!Trim(text).empty() && ids.insert(place.first).second)
+                    ++counts[static_cast<int>(WholeNumber(place.first))];
+            }
+        });
+    }
+
+    std::string Text(int id) const
+    {
+        const auto found = counts.find(id);
+        return sessions.count == 0 ? "–" : Grouped(found == counts.end() ? 0 : found->second);
+    }
+};
+
+std::string JoinComparisons(const CatalogueValue& value)
+{
+    std::string names;
+    for (const std::string_view name : FittingComparisons(KindOf(value).type))
+        names.append(names.empty() ? "" : ", ").append(name);
+    return names;
+}
+
+/// "amount of bytes: bytes that the system can use"
+std::string TypeAndForm(const CatalogueValue& value)
+{
+    const ValueKind& kind = KindOf(value);
+    std::string text(ToString(kind.type));
+    if (kind.form[0] != 0)
+        text.append(": ").append(kind.form);
+    return text;
 }
 
 }  // namespace
@@ -66,14 +98,20 @@ Answer ShowValues(const AdminRequest& request)
 {
     const std::string words = request.Query("find");
     const std::string self = "/values" + (words.empty() ? "" : "?find=" + UrlEncode(words));
+    const Reporting reporting(request.database);
     Html list, tables;
-    for (const auto& [area, values] : FindAreas(Lower(Trim(words)))) {
+    for (const auto& [area, values] : FindAreas(words)) {
         const std::string anchor = "area-" + std::to_string(values.front()->id);
         list += Html::Element("li", {}, Html::Element("a", {{"href", self + "#" + anchor}}, area));
-        Table table(fmt::format("Values of the area {}", area), {{"Id"}, {"What"}, {"Remarks"}});
-        for (const CatalogueValue* value : values)
-            table.Add({std::to_string(value->id), std::string(value->Detector()) + ": " + value->Name(),
-                       Remarks(*value)});
+        Table table(fmt::format("Values of the area {}", area),
+                    {{"Id"}, {"What"}, {"Type and form"}, {"Example"}, {"Comparisons"}, {"Reports", true}});
+        for (const CatalogueValue* value : values) {
+            Html what = std::string(value->Detector()) + ": " + value->Name();
+            if (const std::string remarks = Remarks(*value); !remarks.empty())
+                what += Html::Element("div", {{"class", "kind"}}, remarks);
+            table.Add({std::to_string(value->id), what, TypeAndForm(*value), KindOf(*value).example,
+                       JoinComparisons(*value), reporting.Text(value->id)});
+        }
         tables += Html::Element("h2", {{"id", anchor}}, area) + table.Done("");
     }
     const Html found =
@@ -86,10 +124,14 @@ Answer ShowValues(const AdminRequest& request)
     return Page(
         request, "Values",
         Html::Element("p", {{"class", "lead"}},
-                      "What requirements can ask for, by the number that stands in them as \"id\".") +
-            Html::Element("form", {{"method", "get"}, {"action", "/values"}, {"class", "card filter"}},
-                          {Field("Words of the name or the area, or an id", "find", words, "search"),
-                           Html::Element("div", {{"class", "field"}}, Button("Find", "primary"))}) +
+                      fmt::format("What requirements can ask for, by the number that stands in them as "
+                                  "\"id\". \"Reports\" says how many have the value, of {}. A report has "
+                                  "only what the requirements of its product ask for.",
+                                  reporting.sessions.Text())) +
+            Html::Element(
+                "form", {{"method", "get"}, {"action", "/values"}, {"class", "card filter"}},
+                {Field("Words of the name, area, type, unit or example, or an id", "find", words, "search"),
+                 Html::Element("div", {{"class", "field"}}, Button("Find", "primary"))}) +
             found);
 }
 

@@ -10,22 +10,31 @@
 #include "server/base/Log.h"
 #include "server/ops/Accounts.h"
 #include "server/store/RequirementSets.h"
-#include "verdict/Requirements.h"
+#include "verdict/RequirementsCheck.h"
 #include "verdict/text/Text.h"
 
 namespace kel::server {
 
 namespace {
 
-/// Throws std::runtime_error with what is wrong, without the file's name.
-std::string ReadRequirements(const std::filesystem::path& path)
+/// Throws std::runtime_error when the file's name is not a referrer.
+std::string ReadFile(const std::filesystem::path& path)
 {
     if (!IsReferrer(path.stem().string()))
         throw std::runtime_error(
             "its name is not a referrer: 1 to 64 letters, digits, hyphens and underscores");
     std::ifstream file(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    Requirements::Read(text);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Throws std::runtime_error with what is wrong, without the file's name.
+std::string ReadRequirements(const std::filesystem::path& path, ImportCheck check)
+{
+    std::string text = ReadFile(path);
+    if (check == ImportCheck::Full)
+        ReadChecked(text);
+    else
+        Requirements::Read(text);
     return text;
 }
 
@@ -44,12 +53,12 @@ std::set<std::filesystem::path> FindFiles(const std::filesystem::path& folder)
 
 }  // namespace
 
-void Import(const std::filesystem::path& folder, Database& database)
+void Import(const std::filesystem::path& folder, Database& database, ImportCheck check)
 {
     std::map<std::string, std::string> sets;
     for (const auto& path : FindFiles(folder)) {
         try {
-            sets[path.stem().string()] = ReadRequirements(path);
+            sets[path.stem().string()] = ReadRequirements(path, check);
         } catch (const std::exception& error) {
             throw std::runtime_error(fmt::format("{}: {}", path.string(), error.what()));
         }
@@ -64,14 +73,26 @@ void CheckImport(const std::filesystem::path& folder)
 {
     std::size_t wrong = 0;
     const auto files = FindFiles(folder);
+    const auto logError = [](const std::filesystem::path& path, const std::string& reason) {
+        Log(Level::Error, "not-valid", {{"file", path.string()}, {"reason", reason}});
+    };
     for (const auto& path : files) {
         try {
-            const std::string text = ReadRequirements(path);
-            Log(Level::Info, "valid",
-                {{"file", path.string()}, {"lines", std::to_string(Requirements::Read(text).lines.size())}});
+            const CheckedRequirements checked = CheckRequirements(ReadFile(path));
+            const bool isValid = checked.ErrorText().empty();
+            for (const Finding& finding : checked.findings) {
+                if (finding.isError)
+                    logError(path, finding.text);
+                else
+                    Log(Level::Warning, "doubtful", {{"file", path.string()}, {"reason", finding.text}});
+            }
+            wrong += isValid ? 0 : 1;
+            if (isValid)
+                Log(Level::Info, "valid",
+                    {{"file", path.string()}, {"lines", std::to_string(checked.requirements.lines.size())}});
         } catch (const std::exception& error) {
             ++wrong;
-            Log(Level::Error, "not-valid", {{"file", path.string()}, {"reason", error.what()}});
+            logError(path, error.what());
         }
     }
     if (wrong > 0)

@@ -38,15 +38,17 @@ namespace {
 
 using namespace kel::server;  // NOLINT: this is the program of that namespace
 
-constexpr std::string_view CheckOption = "--check";
+constexpr std::string_view CheckOption = "--check", AsIsOption = "--as-is";
 
 constexpr const char* Usage =
     "usage: kel_server COMMAND [--config FILE] [--SETTING VALUE]...\n"
     "  serve        runs the service\n"
     "  migrate      creates the database, or upgrades it to this program's version\n"
     "  import DIR   publishes the requirements of the folder's <referrer>.json files\n"
-    "  import --check DIR\n"
-    "               says what is wrong with these files, and publishes nothing\n"
+    "  import --as-is DIR\n"
+    "               the same, with lines that never hold or always, such as an older version's export\n"
+    "  check DIR, import --check DIR\n"
+    "               says what is wrong with these files, without a database\n"
     "  export DIR   writes each referrer's newest requirements to such files\n"
     "  judge PRODUCT FILE [--json]\n"
     "               judges kel's support file, or a report's XML, by a product's newest requirements, or by\n"
@@ -139,6 +141,7 @@ int Run(std::vector<std::string> arguments)
     const bool asJson = isJudge && std::erase(arguments, "--json") > 0;
     std::vector<std::string_view> commandOptions(PurgeOptions.begin(), PurgeOptions.end());
     commandOptions.emplace_back(CheckOption);
+    commandOptions.emplace_back(AsIsOption);
     const Config config = Config::Read(arguments, commandOptions);
     SetLogLevel(config.logLevel);
     const std::string command = arguments.empty() ? "" : arguments[0];
@@ -150,8 +153,12 @@ int Run(std::vector<std::string> arguments)
         RunMigrate(config);
     } else if (command == "import" && arguments.size() == 2) {
         Import(arguments[1], *OpenDatabase(config.database));
+    } else if (command == "import" && arguments.size() == 3 && arguments[1] == AsIsOption) {
+        Import(arguments[2], *OpenDatabase(config.database), ImportCheck::Readable);
     } else if (command == "import" && arguments.size() == 3 && arguments[1] == CheckOption) {
         CheckImport(arguments[2]);
+    } else if (command == "check" && arguments.size() == 2) {
+        CheckImport(arguments[1]);
     } else if (command == "export" && arguments.size() == 2) {
         Export(arguments[1], *OpenDatabase(config.database));
     } else if (isJudge && arguments.size() == 3) {

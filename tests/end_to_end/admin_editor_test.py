@@ -52,6 +52,29 @@ class Editing(AdminTest):
             self.assertEqual(page.cells(3, 4)[1:len(draft) + 1], failing, name)
             self.assertEqual("No longer asked: M" in page.data, name == "one line less", name)
 
+    def test_a_line_is_added_to_the_text_and_tried(self):
+        def page(**fields):
+            return self.visit("POST", "/products/demo/requirements", {**self.fields, **fields}, self.cookie)[1]
+        text = requirements((71063, "Memory", "at least", "4 GB", "Add memory."))
+        self.assertIn('value="choose-73405"', page(text=text, do="find", find="architecture ARM64"))
+        chosen = page(text=text, do="choose-73405", find="architecture")
+        offered = re.findall(r'<option value="([\w ]+)"', chosen)
+        self.assertEqual(offered, ["contains", "equals", "one of", "none of", "any"])
+        line = {"chosen": "73405", "label": "Not \"ARM\"", "comparison": "equals", "needed": "x64", "recommended": "yes"}
+        longer = html.unescape(re.search("<textarea[^>]*>\n(.*?)</textarea>", page(text=text, do="add", **line), re.DOTALL)[1])
+        self.assertEqual(json.loads(longer)["requirements"][1],
+                         {"id": 73405, "label": 'Not "ARM"', "comparison": "equals", "needed": "x64", "recommended": True})
+        self.assertIn("not valid JSON with a list", page(text="{", do="add", **line))
+
+    def test_machines_with_another_result_are_listed_with_their_reports(self):
+        draft = requirements((71063, "Memory", "at least", "6 GB"), (71254, "Processors", "at least", "4"))
+        page = PageParser(self.act("try", draft)[1])
+        self.assertIn("25% would pass; today it is 50%.", page.data.replace("\u202f", "").replace(" %", "%"))
+        self.assertIn(("Memory", "changed", "at least 4 GB → at least 6 GB", "4 → 2"), page.cells(0, 1, 2, 3))
+        changed = [cells for cells in page.cells(0, 1, 2, 3) if cells[0].startswith("Report ")]
+        self.assertEqual([cells[1:] for cells in changed], [("✓ pass", "✗ fail", "Memory")] * 2)
+        self.assertTrue({"/reports/6", "/reports/7"} <= set(page.links))
+
     def test_a_long_draft_with_many_quotes_is_saved_and_one_that_is_too_long_gets_a_page(self):
         too_long = ("A draft has 1 MB at most; nothing was saved. "
                     "Go back in the browser, where the text still is, and shorten it.")
@@ -66,9 +89,9 @@ class Editing(AdminTest):
     def test_a_draft_is_checked_and_keeps_the_typed_text(self):
         begun = self.page("/products/demo/requirements", self.cookie).data
         self.assertIn('[\n    {\n      "id": 71063,\n', begun)  # what came in a single line can be edited
-        good = requirements((1, "A", "any"), (2, "B", "any"))
+        good = requirements((71063, "A", "any"), (71060, "B", "any"))
         for text, message in ((good, "can be published. Lines: 2."), (good.replace('"B"', "B"), "line 11, column"),
-                           (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 9, requirement 2: unknown comparison"),
+                           (good.replace('"any"\n  }\n ', '"odd"\n  }\n '), "line 12, requirement 2: unknown comparison"),
                            ("{", "line 1, column 2"), ("{}", "title"), (" \n", "no text"),
                            ('{"title": "]{\\"[{",\n"requirements": [{\n}, {}]}', "line 2, requirement 1"),
                            ("<b>\r\n  &amp;", "line 1, column 1"), ("[" * 100_000, "Not valid yet")):
@@ -99,15 +122,20 @@ class Editing(AdminTest):
             self.assertRegex(page, said)
 
     def test_conflicting_edits_are_not_lost(self):
-        for action, revision, path in (("save", 0, "requirements"), ("save", 7, "requirements"), ("publish", 0, "requirements"),
-                                       ("", 7, "publish"), ("", 7, "drop")):
+        for action, revision, path, author in (
+                ("save", 0, "requirements", "Edith"), ("save", 7, "requirements", "Olga"),
+                ("publish", 0, "requirements", "Olga"), ("", 7, "publish", "Edith"), ("", 7, "drop", "Olga")):
             self.database.run("DELETE FROM draft")
             self.assertEqual(self.act("save", "their <text>")[0], 303)
+            self.database.run(f"UPDATE draft SET author = '{author}'")
             status, page = self.act(action, self.stricter, revision, path)
             texts = [html.unescape(text) for text in re.findall("<textarea[^>]*>\n(.*?)</textarea>", page, re.DOTALL)]
             self.assertEqual((status, texts), (409, ["their <text>", self.stricter]))
+            self.assertIn("<del>− their &lt;text&gt;\n</del>", page)
             self.assertEqual(PageParser(page).fields["revision"], "1")
-            self.assertRegex(PageParser(page).data, r"Theirs was saved 20[\d :-]+ UTC by Edith")
+            own = author == "Edith"
+            self.assertRegex(PageParser(page).data, r"other text was saved 20[\d :-]+ UTC with your own account" if own else
+                             r"Theirs was saved 20[\d :-]+ UTC by Olga")
             self.assertEqual(self.act("save", self.stricter, 1)[0], 303)
         self.assertEqual(self.act("drop", self.stricter, 2)[0], 200)
         self.assertIn("The draft is dropped.", self.after("", "", 2, "drop"))

@@ -34,8 +34,8 @@ class DataTest(DeployedTest):
 
 class Commands(DataTest):
     def test_what_is_exported_is_what_was_imported(self):
-        self.require("r", (1, "M", "any"))
-        self.require("r", (2, "é", "any"))
+        self.require("r", (71063, "M", "any"))
+        self.require("r", (71060, "é", "any"))
         folder = self.folder / "new" / "folder"
         for _ in range(2):
             self.command("export", folder)
@@ -44,7 +44,7 @@ class Commands(DataTest):
         self.assertIn("version=2", self.command("import", folder))
 
     def test_a_purge_deletes_reports_and_verdicts_during_uploads(self):
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         for session, days, machine in (("a", 91, ""), ("b", 89, ""), ("c", 0.6, "m&apos;1"), ("d", 0, "m&apos;1"), ("e", 0, "")):
             self.upload(session, days, machine)
             self.ask("POST", "/service/Analysis/r", analysis(session))
@@ -72,7 +72,7 @@ class Commands(DataTest):
 
     @sqlite
     def test_a_backup_is_complete_while_the_service_writes(self):
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         ends = threading.Event()
         writer = threading.Thread(target=lambda: [self.upload(f"{number}") for number in range(10_000) if not ends.is_set()])
         writer.start()
@@ -109,7 +109,7 @@ class Commands(DataTest):
     @sqlite
     def test_a_restore_puts_a_copy_in_the_databases_place(self):
         copy, leftovers = self.folder / "copy.db", [self.folder / f"kel.db-{end}" for end in ("wal", "shm")]
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         self.upload("a")
         self.command("backup", copy)
         for _ in range(3):
@@ -231,7 +231,7 @@ class Faults(DataTest):
 
     @sqlite
     def test_a_read_only_file_is_served_and_written_once_writable(self):
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         self.upload("s")
         self.stop()
         with unittest.mock.patch("deployed.SERVER", self.folder / "without_privilege"):
@@ -265,7 +265,7 @@ class Faults(DataTest):
 
     @postgresql
     def test_a_restarted_server_is_used_again(self):
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         for number in (signal.SIGINT, signal.SIGQUIT):  # an end, a crash
             self.upload("s")
             Postgres.server.stop(number)

@@ -16,7 +16,7 @@ SERVER = Path(os.environ.get("KEL_SERVER", ROOT / "build" / "server" / "kel_serv
 LIST, UPLOAD = "/Data/Service.svc/Group/list", f"/Data/Service.svc/upload?apikey={API_KEY}"
 INFORMATION = "/SystemInformation/?refid=r&sessid=s"
 REPORT = ('<groups><group index="0" id="71424"><value>{0}</value></group>'
-          '<group index="0" id="1"><value>8.0 GB</value></group></groups>  ')
+          '<group index="0" id="71063"><value>8.0 GB</value></group></groups>  ')
 HEAD = f"POST {UPLOAD} HTTP/1.1\r\nHost: x\r\n".encode()
 
 

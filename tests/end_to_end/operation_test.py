@@ -27,7 +27,7 @@ class Metrics(DeployedTest):
         return {name: float(value) for name, value in samples.items() if word in name and 'endpoint="admin"' not in name}
 
     def test_what_clients_do_is_counted(self):
-        self.require("r", (1, "M", "at least", "4 GB"))
+        self.require("r", (71063, "M", "at least", "4 GB"))
         forbidden = REPORT.format("s").replace("</groups>", '<group id="2"><value>\1&#2;</value></group></groups>')
         for verb, path, body in (("POST", UPLOAD, forbidden), ("POST", UPLOAD, "<groups/>"), ("GET", '/"no', ""),
                                  ("POST", "/service/Analysis/r", analysis("s")), ("BREW", UPLOAD, ""),

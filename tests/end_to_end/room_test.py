@@ -71,7 +71,7 @@ class SmallDisk(Rooms):
             super().setUp()
         subprocess.run([SERVER, "user", "add", "editor", "ann", "--database", self.database.setting], input="a long password\n",
                        text=True, check=True)
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
 
     def free(self):
         disk = os.statvfs(self.small)

@@ -103,7 +103,7 @@ class Bodies(DeployedTest):
         self.assertEqual(connection.recv(4096)[:12], b"HTTP/1.1 200")
 
     def test_odd_targets_are_read_as_bytes(self):
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         key = API_KEY.encode()
         for target, status in (
                 (b"/service/Analysis/\xe9#&?", b"404"), (b"http://HOST", b"404"), (b"HTTP://h:80/?", b"404"), (b"*", b"404"),
@@ -118,8 +118,8 @@ class Bodies(DeployedTest):
             self.assertEqual(self.talk(garbage)[9:12], b"400", garbage)
 
     def test_alternatives_and_recommendations_show_in_each_format(self):
-        self.require("r", {"label": "P", "any of": [{"id": 1, "comparison": "any"}, {"id": 2, "comparison": "no"}]},
-                     {"label": "Q", "id": 2, "comparison": "yes", "advice": "D", "recommended": True})
+        self.require("r", {"label": "P", "any of": [{"id": 71063, "comparison": "any"}, {"id": 71094, "comparison": "no"}]},
+                     {"label": "Q", "id": 71094, "comparison": "yes", "advice": "D", "recommended": True})
         self.ask("POST", UPLOAD, REPORT.format("s"))
         xml, page, data = (self.ask("POST", "/service/Analysis/r", analysis("s", name))[1].decode() for name in
                            ("xml", "html", "json"))
@@ -132,13 +132,13 @@ class Bodies(DeployedTest):
             {"result": "pass", "label": "P", "needed": "any, or no", "found": "8.0 GB; –", "any of": shown},
             {"result": "unknown", "label": "Q", "needed": "yes", "found": "", "advice": "D", "recommended": True}])
         lines = json.loads(self.database.run("SELECT lines FROM verdict")[0][0])
-        parts = [{"id": 1, "needed": "any", "found": "8.0 GB", "result": "pass"},
-                 {"id": 2, "needed": "no", "found": "", "result": "unknown"}]
-        self.assertEqual(lines, [{"id": 1, "found": "8.0 GB; –", "result": "pass", "any of": parts},
-                                 {"id": 2, "found": "", "result": "unknown", "recommended": True}])
+        parts = [{"id": 71063, "needed": "any", "found": "8.0 GB", "result": "pass"},
+                 {"id": 71094, "needed": "no", "found": "", "result": "unknown"}]
+        self.assertEqual(lines, [{"id": 71063, "found": "8.0 GB; –", "result": "pass", "any of": parts},
+                                 {"id": 71094, "found": "", "result": "unknown", "recommended": True}])
 
     def test_a_verdict_is_quick_and_its_texts_are_bounded(self):
-        line = {"label": "M", "any of": [{"id": 1, "comparison": "contains", "needed": "x"}] * 20}
+        line = {"label": "M", "any of": [{"id": 71060, "comparison": "contains", "needed": "x"}] * 20}
         self.require("r", *[line] * 500)
         for size in (4096, 65_536):
             self.ask("POST", UPLOAD, REPORT.format("s").replace("8.0 GB", "é" * (size // 2)))
@@ -205,12 +205,12 @@ class Commands(DeployedTest):
         self.assertEqual(len(log.splitlines()), 1)
 
     def test_an_import_is_all_or_nothing_and_repeats_nothing(self):
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         self.assertIn("version=1", self.command("import", self.folder))
         (self.folder / "empty").mkdir()
         self.assertIn("no requirement files", self.command("import", self.folder / "empty", code=1))
-        self.require("r", (2, "M", "any"))
-        self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
+        self.require("r", (71060, "M", "any"))
+        self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|71060")
         for name, text, reason in (("a", "{", "parse error"), ("a", "\xff", "not UTF-8"), ("a", "[" * 1_000_000, "parse error"),
                                    ("é", '{"title": "", "requirements": []}', "name")):
             with self.subTest(text[:9]):
@@ -220,11 +220,11 @@ class Commands(DeployedTest):
                 log = self.command("import", self.folder, code=1)
                 self.assertIn(reason, log)
                 self.assertIn(".json", log)
-                self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|2")
+                self.assertEqual(self.ask("GET", WANTED)[1], b"71424|71218|71206|71060")
                 path.unlink()
 
     def test_the_database_has_at_most_the_configured_connections(self):
-        self.require("r", (1, "M", "any"))
+        self.require("r", (71063, "M", "any"))
         self.stop()
         self.start("--workers", "8", "--database-connections", "1")
         self.ask("POST", UPLOAD, REPORT.format("s"))

@@ -9,12 +9,12 @@ WANTED = f"{LIST}?refid=r&apikey={API_KEY}"
 class Service(Client, ServiceTest):
     def test_changed_requirements_apply_to_the_next_request(self):
         self.assertEqual(self.ask("GET", WANTED), (404, b""))
-        for group in 1, 2:
+        for group in 71060, 71063:
             self.require("r", (group, "M", "any"))
             self.assertEqual(self.ask("GET", WANTED), (200, b"71424|71218|71206|%d" % group))
 
     def test_requests_are_recorded_and_forwarded_unchanged(self):
-        self.require("r", (1, "M", "at least", "4 GB"))
+        self.require("r", (71063, "M", "at least", "4 GB"))
         body = REPORT.format("\u00e9")
         self.assertEqual(self.ask("POST", UPLOAD, body), (200, b"OK"))
         self.assertEqual(self.service.requests[0]["body"], body)

@@ -8,7 +8,6 @@
 #include <nlohmann/json.hpp>
 
 #include "fuzz/Generator.h"
-#include "server/admin/DraftCheck.h"
 #include "server/admin/kit/Form.h"
 #include "server/admin/kit/Html.h"
 #include "server/http/Target.h"
@@ -19,6 +18,7 @@
 #include "server/report/Xml.h"
 #include "verdict/PageStyle.h"
 #include "verdict/Rendering.h"
+#include "verdict/RequirementsCheck.h"
 #include "verdict/Tally.h"
 #include "verdict/text/Csv.h"
 #include "verdict/text/Text.h"
@@ -145,6 +145,8 @@ Check ReadRequest(std::string_view text)
 Check ReadRequirements(std::string_view text)
 {
     static const Report report = Report::Read(test::Narrow(samples["report"][1]));
+    CheckRequirements(text);
+    FindListEnd(text, "requirements");
     return [requirements = Requirements::Read(text)] { Judges(requirements, report); };
 }
 
@@ -201,8 +203,12 @@ Check CheckForm(const std::optional<Form>& form)
             const std::string cell = CsvRecord({value});
             Expect(std::ranges::count(cell, '"') % 2 == 0 && std::string_view("=+-@").find(cell[1]) > 3,
                    "a cell");
-            const int line = LineOfRequirement(value, 1);
-            Expect(line <= 1 + std::ranges::count(value, '\n'), "a line of the text");
+            const auto found = CheckRequirements(value).findings;
+            Expect(std::ranges::all_of(found,
+                                       [&](const Finding& finding) {
+                                           return finding.line <= 1 + std::ranges::count(value, '\n');
+                                       }),
+                   "lines of the text");
         }
     };
 }

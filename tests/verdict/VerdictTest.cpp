@@ -10,8 +10,11 @@
 #include <vector>
 
 #include "verdict/Comparison.h"
+#include "verdict/ConditionCheck.h"
 #include "verdict/NominalSize.h"
 #include "verdict/Requirements.h"
+#include "verdict/RequirementsCheck.h"
+#include "verdict/ValueKinds.h"
 #include "verdict/Verdict.h"
 #include "verdict/text/LowerCase.h"
 
@@ -105,6 +108,59 @@ TEST(Comparison, FollowsTheTable)
     }
 }
 
+std::string DescribeFindings(const std::string& text)
+{
+    std::string found;
+    for (const Finding& finding : CheckRequirements(text).findings)
+        found.append(found.empty() ? "" : "; ")
+            .append(finding.isError ? "error: " : "warning: ")
+            .append(finding.text);
+    return found;
+}
+
+TEST(RequirementsCheck, FindsWhatTheTableSays)
+{
+    for (const std::string& row : ReadLines("found.txt")) {
+        const Texts cells = Divide(row, " | ");
+        if (cells.size() < 2)
+            continue;
+        std::string lines = cells[0];
+        for (std::size_t end; (end = lines.find('~')) != lines.npos;)
+            lines[end] = '\n';
+        EXPECT_EQ(DescribeFindings(SetOf("\n" + lines)), cells[1]) << cells[0];
+    }
+}
+
+TEST(RequirementsCheck, FindsErrorsBehindAnyNumberOfWarnings)
+{
+    const std::string doubtful = R"({"id": 71063, "label": "L", "comparison": "any", "needed": "x"}, )";
+    const std::string wrong = R"({"id": 1, "label": "L", "comparison": "any"})";
+    EXPECT_EQ(CheckRequirements(SetOf(Repeat(doubtful, 100) + wrong)).ErrorText(),
+              "line 1, requirement 101: unknown id 1: no machine has such a value");
+}
+
+TEST(ValueKinds, HaveExamplesThatTheirComparisonsCanRead)
+{
+    for (const CatalogueValue& value : CatalogueValues) {
+        const ValueKind& kind = KindOf(value);
+        const bool isAmount = kind.type != ValueType::Text && kind.type != ValueType::Version &&
+                              kind.type != ValueType::YesNo && kind.type != ValueType::Resolution;
+        if (isAmount) {
+            EXPECT_EQ(
+                ToString(Compare(*ParseComparison("at least"), NormalizeValue(kind.example), kind.example)),
+                "pass")
+                << value.id;
+        }
+        const bool isFree = kind.type == ValueType::Text && kind.choices[0] == 0;
+        const std::string needed = isFree ? "x" : kind.example;
+        if (value.Source() != NoSource && !isFree) {
+            EXPECT_EQ(FindError({value.id, ParseComparison("equals"), needed}).reason.find("never hold"),
+                      std::string::npos)
+                << value.id << " " << needed;
+        }
+    }
+}
+
 using Values = std::map<std::pair<int, int>, std::string>;
 
 /// Values as "71063[0]=7.8 GB; 72004[1]=128.0 MB".
@@ -162,7 +218,9 @@ TEST(Examples, JudgeTheWholeMachines)
         }
         if (cells.at(2) != "-")
             ReadValues(cells[2], values);
-        const auto set = Requirements::Read(ReadFile("../../examples/requirements/" + cells[0] + ".json"));
+        const std::string text = ReadFile("../../examples/requirements/" + cells[0] + ".json");
+        EXPECT_EQ(CheckRequirements(text).ErrorText(), "") << cells[0];
+        const auto set = Requirements::Read(text);
         const Verdict verdict = Judge(set, LookIn(values));
         std::string results(ToString(verdict.total));
         for (const VerdictLine& line : verdict.lines)

@@ -55,7 +55,7 @@ class Backend:
         files = {path: (path.stat().st_mtime_ns, path.stat().st_size) for path in folder.glob("*.json")}
         with self.lock:
             if files and files != self.imported:
-                self.command("import", folder)
+                self.command("import", "--as-is", folder)
                 self.imported = files
 
     def ask(self, request_line, headers, body):

@@ -27,6 +27,13 @@ std::optional<Report> ReadStored(const std::string& body)
 RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
                                    const std::function<void(const Report&)>& use)
 {
+    return ForEachRecentReport(database, std::move(filter),
+                               [&](const Report& report, std::int64_t) { use(report); });
+}
+
+RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
+                                   const std::function<void(const Report&, std::int64_t id)>& use)
+{
     filter.count = RecentCount;
     ScanBudget budget;
     std::set<std::string> seen;
@@ -41,7 +48,7 @@ RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
         if (recent.isCut)
             return false;
         if (const auto read = ReadStored(report.body)) {
-            use(*read);
+            use(*read, report.id);
             ++recent.count;
         }
         return true;

@@ -29,5 +29,8 @@ std::optional<Report> ReadStored(const std::string& body);
 /// those that cannot be read. Stops after a second, or after 32 MB.
 RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
                                    const std::function<void(const Report&)>& use);
+/// The same, with the id of each report.
+RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
+                                   const std::function<void(const Report&, std::int64_t id)>& use);
 
 }  // namespace kel::server
