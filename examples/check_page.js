@@ -257,10 +257,12 @@
         say("note", refusal[1]);
       });
     }
-    if (typeof window.kelCheck == "function") {
+    function showExtension() {
       byId("extension").onclick = check;
       byId("extension").removeAttribute("hidden");
     }
+    if (typeof window.kelCheck == "function") showExtension();
+    else window.addEventListener("kelcheck", showExtension);  // a browser may load the extension's script late
     say("total", "This computer has not been checked yet.", "total waiting");
     byId("download").setAttribute("href", service + "/v1/check/" + product + "/" + session);
     byId("installed").setAttribute("href", "kel-check:" + product + "/" + session);

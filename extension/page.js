@@ -33,4 +33,5 @@
       waiting.set(id, { resolve, reject, progress });
       window.postMessage({ kelCheck: "ask", id, product: String(product), session: String(session) }, location.origin);
     });
+  window.dispatchEvent(new Event("kelcheck"));  // the page may be ready before
 })();
