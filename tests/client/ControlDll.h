@@ -11,13 +11,17 @@
 #include "Detection.h"
 #include "client/EdgeFaults.h"
 #include "platform/Library.h"
+#include "support/TestFiles.h"
 
 namespace kel::test {
 
 /// The built DLL, loaded from outside as the COM loader does.
 class ControlDll {
 public:
-    explicit ControlDll(const wchar_t* path = KEL_DLL_PATH) : library(LoadLibraryW(path)) {}
+    explicit ControlDll(const std::filesystem::path& path = TestFile(KEL_DLL_PATH))
+        : library(LoadLibraryW(path.c_str()))
+    {
+    }
 
     HMODULE Handle() const { return library.get(); }
 

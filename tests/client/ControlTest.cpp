@@ -8,6 +8,7 @@
 #include "client/ControlDll.h"
 #include "client/Hosts.h"
 #include "support/ScratchKey.h"
+#include "support/TestFiles.h"
 
 namespace kel {
 namespace {
@@ -42,7 +43,7 @@ TEST_F(Control, KeepsVtableSlotsAndDispatchIds)
     ComPtr<ITypeLib> library;
     ComPtr<ITypeInfo> dispatch, members;
     HREFTYPE reference = 0;
-    ASSERT_EQ(LoadTypeLibEx(KEL_DLL_PATH, REGKIND_NONE, &library), S_OK);
+    ASSERT_EQ(LoadTypeLibEx(test::TestFile(KEL_DLL_PATH).c_str(), REGKIND_NONE, &library), S_OK);
     ASSERT_EQ(library->GetTypeInfoOfGuid(IID_ISysInfo, &dispatch), S_OK);
     ASSERT_EQ(dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK);
     ASSERT_EQ(dispatch->GetRefTypeInfo(reference, &members), S_OK);

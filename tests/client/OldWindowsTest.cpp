@@ -8,6 +8,7 @@
 #include "client/ControlDll.h"
 #include "client/EdgeFaults.h"
 #include "client/Hosts.h"
+#include "support/TestFiles.h"
 #include "support/TestFolder.h"
 
 namespace kel {
@@ -35,8 +36,8 @@ TEST(OldWindows, StoresTheSameValues)
     test::EdgeFaults::Install();
     const test::TestFolder folder;
     const std::filesystem::path copy = folder.Path() / "Detection2.dll";
-    std::filesystem::copy_file(KEL_DLL_PATH, copy);
-    const std::vector<std::wstring> expected = ReadValues(test::ControlDll(copy.c_str()));
+    std::filesystem::copy_file(test::TestFile(KEL_DLL_PATH), copy);
+    const std::vector<std::wstring> expected = ReadValues(test::ControlDll(copy));
     test::EdgeFaults::refusesSystemFlag = true;
     const std::vector<std::wstring> values = ReadValues(test::ControlDll());
     EXPECT_GT(test::EdgeFaults::refusals, 0);

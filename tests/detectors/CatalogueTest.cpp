@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "detectors/Components.h"
+#include "support/TestFiles.h"
 
 namespace kel {
 namespace {
@@ -27,7 +28,7 @@ using Catalogue = std::multimap<unsigned, Entry>;
 Catalogue ReadCatalogue()
 {
     Catalogue catalogue;
-    std::ifstream file(KEL_CATALOGUE);
+    std::ifstream file(test::TestFile(KEL_CATALOGUE));
     std::string line;
     std::getline(file, line);  // the columns' names
     while (std::getline(file, line)) {

@@ -5,6 +5,7 @@
 
 #include "detectors/Components.h"
 #include "support/PlantedMachine.h"
+#include "support/TestFiles.h"
 #include "values/Text.h"
 
 namespace kel {
@@ -136,7 +137,7 @@ TEST_P(Machines, StoreTheExpectedValuesOnEveryRun)
 std::set<unsigned> ListGated()
 {
     std::set<unsigned> gated;
-    std::ifstream file(KEL_CATALOGUE);
+    std::ifstream file(test::TestFile(KEL_CATALOGUE));
     for (std::string line; std::getline(file, line);) {
         if (line.starts_with('7') && line.find("\tgated\t") != std::string::npos &&
             !line.starts_with("71069"))
@@ -184,7 +185,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "firmware.txt", "faulty_software.txt", "browsers.txt", "systems.txt", "windows.txt",
                     "processor_features.txt", "chassis.txt", "runtimes.txt", "default_browsers.txt",
                     "reader_and_office.txt", "places.txt", "real_graphics.txt", "plugged_disks.txt",
-                    "real_devices.txt", "real_displays.txt"),
+                    "real_devices.txt", "real_displays.txt", "recorded.txt"),
     [](const auto& file) {
         const std::string name = file.param;
         return name.substr(0, name.find('.'));

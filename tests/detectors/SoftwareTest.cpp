@@ -9,6 +9,7 @@
 #include "support/LogCapture.h"
 #include "support/Machines.h"
 #include "support/PlantedSoftware.h"
+#include "support/TestFiles.h"
 #include "support/TestFolder.h"
 #include "support/TestSession.h"
 #include "values/Text.h"
@@ -156,7 +157,7 @@ TEST(Software, ReadsRealKeysFilesAndVersions)
 {
     const test::PlantedSoftware planted{test::Machine()};
     const test::TestFolder folder;
-    std::filesystem::copy_file(KEL_VERSIONED, folder.Path() / "vlc.exe");
+    std::filesystem::copy_file(test::TestFile(KEL_VERSIONED), folder.Path() / "vlc.exe");
     SetEnvironmentVariableW(L"KEL_TEST", folder.Path().c_str());
     planted.userKeys.Write(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\vlc.exe", nullptr,
                            L"\"%KEL_TEST%\\vlc.exe\" --option");

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "probes/graphics/MonitorInfo.h"
+#include "support/TestFiles.h"
 
 namespace kel::test {
 
@@ -38,7 +39,7 @@ inline Bytes Summed(Bytes bytes)
 inline std::vector<Edid> ReadEdids()
 {
     std::vector<Edid> edids;
-    std::ifstream file(KEL_EDIDS);
+    std::ifstream file(TestFile(KEL_EDIDS));
     for (std::string line; std::getline(file, line);) {
         const std::size_t bar = line.find('|');
         if (line.starts_with('#'))

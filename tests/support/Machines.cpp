@@ -5,6 +5,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "support/TestFiles.h"
 #include "values/Text.h"
 
 namespace kel::test {
@@ -123,7 +124,7 @@ std::vector<Machine> ReadMachines(const char* file)
 
 Lines ReadRows(const char* file)
 {
-    std::wifstream stream(std::string(KEL_MACHINES "/") + file);
+    std::wifstream stream(TestFile(KEL_MACHINES) / file);
     Lines rows;
     for (std::wstring row; std::getline(stream, row);) {
         if (!row.empty() && !row.starts_with(L'#'))

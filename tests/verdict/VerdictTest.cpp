@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "../support/TestFiles.h"
 #include "verdict/Comparison.h"
 #include "verdict/ConditionCheck.h"
 #include "verdict/NominalSize.h"
@@ -35,7 +36,7 @@ Texts Divide(const std::string& text, const std::string& separator)
 
 Texts ReadLines(const std::string& file)
 {
-    std::ifstream stream(KEL_VERDICT_CASES "/" + file, std::ios::binary);
+    std::ifstream stream(test::TestFile(KEL_VERDICT_CASES) / file, std::ios::binary);
     Texts lines;
     for (std::string line; std::getline(stream, line);)
         lines.push_back(line);
@@ -199,7 +200,7 @@ TEST(Verdict, FollowsTheTableOfLines)
 
 std::string ReadFile(const std::string& path)
 {
-    std::ifstream stream(KEL_VERDICT_CASES "/" + path, std::ios::binary);
+    std::ifstream stream(test::TestFile(KEL_VERDICT_CASES) / path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 

@@ -1,0 +1,72 @@
+"""The kit for a real Windows machine, run under Wine to its end with some of the unit tests."""
+
+import getpass
+import json
+import socket
+import subprocess
+import unittest
+from pathlib import Path
+from tempfile import TemporaryDirectory
+
+from harness import ROOT, windows_path, wine
+
+SOME_TESTS = ("Kit.ReadsItsTables:Version.PacksItsFieldsAndKeepsItsText:Comparison.FollowsTheTable:"
+              "Control.ReportsItsSafetyOptions")  # of each of the four programs
+
+
+class Kit(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = Path(cls.enterClassContext(TemporaryDirectory()))
+        subprocess.run([ROOT / "scripts" / "windows_kit.sh", "--built", cls.folder], check=True, stdout=subprocess.DEVNULL)
+        subprocess.run(["python3", "-m", "zipfile", "-e", cls.folder / "Detection-kit.zip", cls.folder], check=True)
+        cls.ran = cls.verify("result", "--tests", SOME_TESTS)
+        cls.rows = cls.read("result")
+
+    @classmethod
+    def verify(cls, output, *arguments):
+        return wine("cmd", "/c", windows_path(cls.folder / "Detection-kit" / "verify.cmd"), "--output",
+                    windows_path(cls.folder / output), *arguments)
+
+    @classmethod
+    def read(cls, output):
+        rows = json.loads((cls.folder / output / "result.json").read_text("utf-8"))["rows"]
+        return {f"{row['part']}: {row['name']}": row for row in rows}
+
+    def test_it_runs_to_its_end_with_nothing_wrong(self):
+        self.assertEqual({name: row for name, row in self.rows.items() if row["state"] == "wrong"}, {})
+        self.assertEqual(self.ran.code, 0, self.ran.output)
+        for name in ("Steps: 64-bit script host", "Steps: the control gets a verdict from the responder",
+                     "Values beside the system's tools: 71061 processor: name, wmi", "Unit tests: Kit.ReadsItsTables",
+                     "Unit tests: Control.ReportsItsSafetyOptions", "Unit tests: Comparison.FollowsTheTable",
+                     "Recording: played by the unit tests, this machine's recording gives its values"):
+            self.assertEqual(self.rows[name]["state"], "ok", name)
+        self.assertGreater(self.rows["Times: first Detect"]["seconds"], 0)
+        self.assertGreater(self.rows["Times: detector CPU"]["seconds"], 0)
+
+    def test_it_names_what_wine_lacks(self):
+        for name, reason in (("Steps: HTML application", "needs windows"), ("Steps: PowerShell", "needs powershell"),
+                             ("Values beside the system's tools: 73452 firmware: a TPM is there, powershell", "no PowerShell")):
+            self.assertEqual(self.rows[name]["state"], "not here", name)
+            self.assertIn(reason, self.rows[name]["found"], name)
+
+    def test_a_falsified_value_is_wrong(self):
+        report = self.folder / "false.json"
+        self.assertEqual(wine(self.folder / "Detection-kit" / "kel.exe", "report", windows_path(report)).code, 0)
+        content = json.loads(report.read_text("utf-8"))
+        for value in content["values"]:
+            if value["id"] in (71061, 71063):
+                value["value"] = {71061: "Another processor", 71063: "1.0 MB"}[value["id"]]
+        report.write_text(json.dumps(content), "utf-8")
+        self.assertEqual(self.verify("false", "--facts", windows_path(report)).code, 1)
+        wrong = [name.partition(": ")[2] for name, row in self.read("false").items() if row["state"] == "wrong"]
+        self.assertEqual(wrong, ["71061 processor: name, wmi", "71061 processor: name, dxdiag",
+                                 "71063 memory: total physical memory, wmi"])
+
+    def test_nothing_that_it_leaves_names_a_person_or_the_machine(self):
+        left = sorted(path.name for path in (self.folder / "result").iterdir())
+        self.assertEqual(left, ["recording.txt", "result.html", "result.json"])
+        for name in left:
+            text = (self.folder / "result" / name).read_text("utf-8")
+            for secret in (socket.gethostname(), f"\\{getpass.getuser()}\\", "127.0.0.1"):
+                self.assertNotIn(secret, text, name)
