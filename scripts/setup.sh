@@ -14,7 +14,7 @@ server=(g++ libboost-dev libfmt-dev libsqlite3-dev libpq-dev libpugixml-dev nloh
 service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab git)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
-[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver mono-mcs postgresql
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver firefox-esr mono-mcs postgresql
   "${service_packaging[@]}" nginx openssl systemd curl iproute2 git)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --service-package ] && packages=("${service_packaging[@]}")

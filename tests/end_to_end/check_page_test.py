@@ -68,10 +68,13 @@ class PageTest(DeployedTest):
         self.addCleanup(server.shutdown)
         threading.Thread(target=server.serve_forever, kwargs={"poll_interval": 0.02}, daemon=True).start()
         self.origin = f"http://127.0.0.1:{server.server_address[1]}"
-        self.browser = Browser(self, *self.options)
+        self.browser = self.start_browser()
 
-    def show(self, name, service="", answer=None, system=WINDOWS, state="answered", **edits):
-        """Opens the page under that name, with a control that answers, or without one; `edits` change the script's numbers."""
+    def start_browser(self):
+        return Browser(self, *self.options)
+
+    def write_page(self, name, service="", answer=None, state="answered", **edits):
+        """Writes the page under that name, with a control that answers, or without one; `edits` change the script's numbers."""
         page = (EXAMPLES / "check.html").read_text("utf-8").replace("https://analysis.keldane.example", service)
         script = (EXAMPLES / "check_page.js").read_text("utf-8")
         for number, value in edits.items():
@@ -83,6 +86,10 @@ class PageTest(DeployedTest):
                 control.Value = function (id) {{ return id == "73390" ? {json.dumps(state)} : ""; }};</script>""")
         (self.site / "check_page.js").write_text(script, "utf-8")
         (self.site / f"{name}.html").write_text(page, "utf-8")
+
+    def show(self, name, service="", system=WINDOWS, **options):
+        """Writes that page, and opens it on that system."""
+        self.write_page(name, service, **options)
         self.browser.command("Emulation.setUserAgentOverride", dict(zip(("userAgent", "platform"), system)))
         self.browser.go(f"{self.origin}/{name}.html")
         self.name = name

@@ -1,4 +1,4 @@
-"""The browser extension in Chromium, with the real program behind it, and the deployed service."""
+"""The browser extension in Chromium and Firefox, with the real program behind it, and the deployed service."""
 
 import base64
 import hashlib
@@ -7,8 +7,10 @@ import os
 import struct
 import subprocess
 import unittest
+from pathlib import Path
 
-from check_page_test import PageTest
+from bidi import Firefox
+from check_page_test import WINDOWS, PageTest
 from harness import DLL, NO_SERVICE, PATIENCE, ROOT, write_requirements
 
 KEL, EXTENSION = DLL.parent / "kel.exe", ROOT / "extension"
@@ -26,21 +28,45 @@ DECISIONS = """
     return Promise.all([await read(), await read("*")]);"""
 
 
-class InChromium(PageTest):
-    options = (f"--load-extension={EXTENSION}", "--disable-features=DisableLoadExtensionCommandLineSwitch")
+class ExtensionTest(PageTest):
+    """Has requirements, and the program registered as the extension's native host."""
 
     def setUp(self):
         super().setUp()
         program = self.folder / "host.sh"
-        program.write_text(f'#!/bin/sh\nhttp_proxy=http://{self.address} exec wine "{KEL}" "$@" 2>/dev/null\n')
+        program.write_text(f'#!/bin/sh\nexport HOME="{Path.home()}" http_proxy=http://{self.address}\n'
+                           f'exec wine "{KEL}" "$@" 2>/dev/null\n')
         program.chmod(0o755)
-        hosts = self.folder / "profile" / "NativeMessagingHosts"
-        hosts.mkdir(parents=True, exist_ok=True)
-        (hosts / f"{HOST}.json").write_text(json.dumps({
-            "name": HOST, "description": "Test", "type": "stdio", "path": str(program), "allowed_origins": [ORIGIN]}))
+        for folder, callers in (("profile/NativeMessagingHosts", {"allowed_origins": [ORIGIN]}),
+                                (".mozilla/native-messaging-hosts", {"allowed_extensions": ["check@keldane.example"]})):
+            hosts = self.folder / folder
+            hosts.mkdir(parents=True, exist_ok=True)
+            (hosts / f"{HOST}.json").write_text(json.dumps({
+                "name": HOST, "description": "Test", "type": "stdio", "path": str(program), **callers}))
         write_requirements(self.folder, "demo", [(71063, "Memory", "at least", "9000 TB", "Add memory."),
                                                  (71063, "Plenty", "at least", "1 MB")])
         self.command("import", self.folder)
+
+
+class InFirefox(ExtensionTest):
+    def start_browser(self):
+        return Firefox(self, WINDOWS[0])
+
+    def test_a_page_gets_lines_and_results_once_the_visitor_agrees(self):
+        self.browser.ask("webExtension.install", extensionData={"type": "path", "path": str(EXTENSION)})
+        self.write_page("firefox", f"http://{self.address}")
+        page = self.browser.page("about:")
+        self.browser.ask("browsingContext.navigate", context=page, url=f"{self.origin}/firefox.html", wait="complete")
+        self.browser.click(page, "extension")
+        self.browser.click(self.browser.page("consent.html"), "allow")
+        self.browser.wait(lambda: "does not meet all" in self.browser.run(page, "document.querySelector('main').innerText"))
+        self.assertEqual(self.browser.run(page, "document.querySelector('tbody').innerText").split("\n"),
+                         ["Memory\tat least 9000 TB\t\u2717 Does not meet", "Add memory.", "",
+                          "Plenty\tat least 1 MB\t\u2713 Meets"])
+
+
+class InChromium(ExtensionTest):
+    options = (f"--load-extension={EXTENSION}", "--disable-features=DisableLoadExtensionCommandLineSwitch")
 
     def answer_question(self, button):
         """Answers the extension's question in its window, and returns its text."""
