@@ -45,8 +45,8 @@ std::string Shown(const std::string& text)
 
 std::string Describe(const VerdictLine& line)
 {
-    std::string text = std::string(Bullet) + Shown(line.label) + ": needs " + Shown(line.needed) + "; " +
-                       (line.found.empty() ? "not found" : "found " + Shown(line.found));
+    std::string text = std::string(Bullet) + Shown(line.label) + ": needs " + Shown(line.ShownNeeded()) +
+                       "; " + (line.found.empty() ? "not found" : "found " + Shown(line.found));
     if (line.result != Result::Pass && !line.advice.empty())
         text += "\n   " + Shown(line.advice);
     return text;

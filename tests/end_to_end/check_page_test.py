@@ -187,7 +187,7 @@ class WithTheProgram(PageTest, AdminTest):
         self.assertEqual([row[:2] for row in rows], [["System", "Windows 99 or later"], ["Memory", "at least 1 MB"]])
         self.assertEqual([row[3] for row in rows], ["\u2717 Does not meet\nUpdate.", "\u2713 Meets"])
         self.assertEqual(shown, ["The <game>", "No: this machine does not meet all requirements.", "1 of 2 is not met.", None])
-        self.assertIn("Windows 99 or later", press(CLOSE))
+        self.assertIn("System: needs Windows 99 or later", press(CLOSE))
         self.assertEqual(process.wait(PATIENCE), 1)
         self.assertEqual(self.browser.run("return document.cookie"), "")
         for name in ("downloads_total", 's_total{step="begun"}', 's_total{step="finished"}', 's_total{step="shown"}'):
