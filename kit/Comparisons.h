@@ -14,7 +14,7 @@ struct ComparedValue {
     int id = 0;
     std::string tool;
     std::string expression;
-    std::string kind;      ///< how the texts are compared, as docs/windows-checklist.md lists them
+    std::string kind;      ///< how the texts are compared; the table lists the kinds
     double tolerance = 0;  ///< percent of the tool's number
     bool needsRights = false;
     bool needsWindows = false;  ///< Wine's tool invents its answer
