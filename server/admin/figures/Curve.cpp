@@ -13,7 +13,7 @@ namespace {
 
 // In units of the picture, which is scaled to the available width.
 constexpr int PictureWidth = 600, PictureHeight = 208;
-constexpr int Left = 60, Right = 8, Top = 26, CurveHeight = 96, BarsTop = 132, BarsHeight = 44,
+constexpr int Left = 76, Right = 8, Top = 26, CurveHeight = 96, BarsTop = 132, BarsHeight = 44,
               TextLine = 200;
 constexpr int MinMarkDistance = 40;          // between the labels of two publications
 constexpr int MaxDays = 31, MaxWeeks = 104;  // that have a step each
