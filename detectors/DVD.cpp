@@ -47,7 +47,7 @@ bool DVD::Detect(OpticalDrives& optical)
         const std::vector<OpticalDrive>& drives = optical.List();
         Facts.Store(AddUp(drives));
         for (const OpticalDrive& drive : drives)
-            Facts.NoteFailures(drive.record.failure);
+            Facts.NoteFailures(drive.record.failures);
     });
 }
 

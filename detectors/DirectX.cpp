@@ -58,6 +58,8 @@ bool DirectX::Detect(GraphicsAdapters& adapters)
         merged.record.rayTracing = adapters.RayTracing();
         merged.record.works = adapters.HasDirect3D();
         DirectXFacts.Store(merged, L"DirectX");
+        if (!devices.empty())
+            DirectXFacts.NoteFailures(devices.front().record.failures);
     });
 }
 

@@ -20,6 +20,7 @@ struct SourceWords {
 constexpr SourceWords Sources[] = {
     {L"WMI", {"WMI"}},
     {L"registry", {"registry", "key", "EDID"}},
+    {L"Setup API SetupDiOpenDevRegKey", {"driver"}},
     {L"Setup API", {"Setup API", "driver", "device id", "class code"}},
     {L"disk", {"STORAGE_", "IOCTL_", "the bus", "the list of disks"}},
     {L"optical drive", {"STORAGE_", "profiles", "72300", "QueryDosDeviceW"}},
@@ -58,6 +59,12 @@ SystemValueID MakeId(unsigned id, int index = 0)
     return SystemValueID(GroupID(id), index);
 }
 
+/// Whether nobody has asked for a value that is only detected when it is asked for.
+bool IsUnasked(const CatalogueValue& value)
+{
+    return value.isGated && !Session::Current().IsWanted(GroupID(static_cast<unsigned>(value.id)));
+}
+
 /// An empty value whose reason is not noted yet.
 bool LacksReason(const SystemValueID& id)
 {
@@ -73,7 +80,7 @@ void NoteReason(const CatalogueValue& value, int index, const Failures& failures
     SystemValues& values = Session::Current().Values();
     const auto failure = std::ranges::find_if(
         failures.sources, [&value](const SourceFailure& found) { return IsFrom(value.Source(), found); });
-    if (value.isGated && !Session::Current().IsWanted(id.Group()))
+    if (IsUnasked(value))
         values.SetReason(id, {Reason::Kind::NotAskedFor, {}});
     else if (failure != failures.sources.end())
         values.SetReason(id, {Reason::Kind::NotReadable, *failure});
@@ -119,7 +126,8 @@ void NoteReasons(std::wstring_view detector, const Failures& failures) noexcept
 void NoteFailure(unsigned id, int index, const SourceFailure& failure)
 {
     const CatalogueValue* const value = FindCatalogueValue(static_cast<int>(id));
-    if (value != nullptr && IsFrom(value->Source(), failure) && LacksReason(MakeId(id, index)))
+    if (value != nullptr && !IsUnasked(*value) && IsFrom(value->Source(), failure) &&
+        LacksReason(MakeId(id, index)))
         Session::Current().Values().SetReason(MakeId(id, index), {Reason::Kind::NotReadable, failure});
 }
 

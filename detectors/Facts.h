@@ -76,10 +76,8 @@ public:
             target.record.*fact.member = source.*fact.member;
             target.sources[row] = sourceName;
         });
-        if constexpr (requires { source.failure; }) {
-            if (!target.record.failure.HasValue())
-                target.record.failure = source.failure;
-        }
+        if constexpr (requires { source.failures; })
+            AddFailures(target.record.failures, source.failures);
     }
 
     /// Merges the records of another source into the devices. A record is merged into the device that it
@@ -102,28 +100,23 @@ public:
         }
     }
 
-    /// Stores a record under an index: unknown members as an empty text, flags that are not set as "No". A
-    /// failure in the reading of the record explains what is empty.
+    /// Stores a record under an index: unknown members as an empty text, flags that are not set as "No". The
+    /// failures in the reading of the record explain what is empty.
     void Store(const Record& record, int index = 0) const
     {
         ForEach([&](const auto& fact, std::size_t) {
             if (fact.id != NotStored)
                 StoreMember(fact.id, index, record.*fact.member);
         });
-        if constexpr (requires { record.failure; })
-            NoteFailures(record.failure, index);
+        if constexpr (requires { record.failures; })
+            NoteFailures(record.failures, index);
     }
 
-    /// Notes for the facts that are empty that their source has failed, unless it has not.
-    void NoteFailures(const SourceFailure& failure, int index = 0) const
+    /// Notes for each fact that is empty the first of the failures that its sources have.
+    void NoteFailures(const std::vector<SourceFailure>& failures, int index = 0) const
     {
-        if (failure.HasValue())
-            std::apply(
-                [&](const auto&... facts) {
-                    for (const unsigned id : {facts.id...})
-                        NoteFailure(id, index, failure);
-                },
-                rows);
+        for (const SourceFailure& failure : failures)
+            ForEach([&](const auto& fact, std::size_t) { NoteFailure(fact.id, index, failure); });
     }
 
     /// The same for a merged record; the log shows the source of each fact that has a name.

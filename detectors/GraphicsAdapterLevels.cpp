@@ -4,6 +4,7 @@
 #include "detectors/DirectXFacts.h"
 #include "detectors/GpuJoin.h"
 #include "detectors/GraphicsAdapters.h"
+#include "diag/SourceFailures.h"
 #include "probes/graphics/FeatureLevel.h"
 
 namespace kel {
@@ -16,7 +17,7 @@ void GraphicsAdapters::AskForLevels(Devices& devices) const
         // Without the interface the system would answer for an adapter of its own choice, even a software
         // one.
         if (found != nullptr && lacksLevel(device))
-            AskForLevel(device, *found);
+            CollectFailures(device.record.failures, [&] { AskForLevel(device, *found); });
     }
     if (std::ranges::none_of(devices, lacksLevel) || !isNamed || !probes.directX9.IsThere())
         return;

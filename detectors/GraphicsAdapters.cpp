@@ -93,7 +93,7 @@ void GraphicsAdapters::Read()
     if (!isNamed)
         Rank(devices);
     if (!devices.empty())
-        AskForFirst(devices.front());
+        CollectFailures(devices.front().record.failures, [&] { AskForFirst(devices.front()); });
     interfaces.clear();
     listed = std::move(devices);
     failures = scope.Found();
@@ -145,7 +145,7 @@ void GraphicsAdapters::ListCheaply(Devices& devices)
         if (found == nullptr || device.record.driverVersion)
             continue;
         GpuInfo version;
-        version.driverVersion = DXGI::GetDriverVersion(*found);
+        CollectFailures(version.failures, [&] { version.driverVersion = DXGI::GetDriverVersion(*found); });
         GpuFacts.Merge(device, version, L"DXGI");
     }
 }

@@ -50,7 +50,7 @@ bool HardDrive::Detect(DiskDrives& disks)
         std::erase_if(drives, [](const DiskDrive& drive) { return IsLeftOut(drive.record); });
         Totals.Store(AddUp(drives));
         for (const DiskDrive& drive : drives)
-            Totals.NoteFailures(drive.record.failure);
+            Totals.NoteFailures(drive.record.failures);
         StoreList(DiskFacts, drives, L"HardDrive");
     });
 }

@@ -102,7 +102,7 @@ bool LogicalDrive::Detect(const VolumeFunctions& functions, DiskDrives& disks)
         const VolumeInfo* const profile = FindProfileVolume(functions, volumes);
         ProfileFacts.Store({profile != nullptr ? profile->free : std::nullopt});
         if (profile != nullptr)
-            ProfileFacts.NoteFailures(profile->failure);
+            ProfileFacts.NoteFailures(profile->failures);
     });
 }
 

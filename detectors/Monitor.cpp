@@ -76,9 +76,12 @@ Devices ListMonitors(const DisplayConfig& config)
     Devices devices;
     const DisplayList list = config.List();
     for (const MonitorInfo& monitor : list.monitors) {
-        Facts.Merge(devices.emplace_back(), monitor, list.source);
-        if (const std::optional<MonitorInfo> edid = ReadMonitorEdid(monitor.instance))
-            Facts.Merge(devices.back(), WithoutOtherSize(*edid, monitor), L"EDID");
+        auto& device = devices.emplace_back();
+        Facts.Merge(device, monitor, list.source);
+        std::optional<MonitorInfo> edid;
+        CollectFailures(device.record.failures, [&] { edid = ReadMonitorEdid(monitor.instance); });
+        if (edid)
+            Facts.Merge(device, WithoutOtherSize(*edid, monitor), L"EDID");
     }
     std::vector<MonitorInfo> present;
     if (!AreNamed(devices))

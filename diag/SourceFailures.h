@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -11,9 +12,13 @@ namespace kel {
 struct SourceFailure {
     std::wstring source;      ///< such as "WMI Win32_BIOS"; its first word says of which kind it is
     std::uint32_t error = 0;  ///< the system's error or HRESULT; 0 for a failure without one
-
-    bool HasValue() const { return !source.empty(); }
 };
+
+/// Adds the failures of another source of the same device.
+inline void AddFailures(std::vector<SourceFailure>& failures, const std::vector<SourceFailure>& others)
+{
+    failures.insert(failures.end(), others.begin(), others.end());
+}
 
 /// What went wrong in a piece of work.
 struct Failures {
@@ -47,5 +52,21 @@ private:
     FailureScope* const outer;
     Failures found;
 };
+
+/// Does a piece of work that concerns one device, and adds what could not be read to the device's failures:
+/// it explains nothing about other devices. An exception that the work caught is noted in the outer scope.
+template <std::invocable Work>
+void CollectFailures(std::vector<SourceFailure>& failures, Work work)
+{
+    Failures found;
+    {
+        const FailureScope scope;
+        work();
+        found = scope.Found();
+    }
+    AddFailures(failures, found.sources);
+    if (found.hasException)
+        FailureScope::NoteException();
+}
 
 }  // namespace kel

@@ -27,25 +27,6 @@ constexpr UINT HybridDiscrete = 1U << 4;
 constexpr UINT HybridIntegrated = 1U << 5;
 constexpr const wchar_t* Kernel = L"gdi32.dll";
 
-/// A number that the kernel reports for an adapter; 0 when it reports none.
-UINT AskKernel(LUID luid, UINT type)
-{
-    using Open = LONG WINAPI(OpenAdapter*);
-    using Query = LONG WINAPI(QueryAdapter*);
-    using Close = LONG WINAPI(const UINT*);
-    auto* const open = PermanentFunction<Open>(Kernel, "D3DKMTOpenAdapterFromLuid");
-    auto* const query = PermanentFunction<Query>(Kernel, "D3DKMTQueryAdapterInfo");
-    auto* const close = PermanentFunction<Close>(Kernel, "D3DKMTCloseAdapter");
-    OpenAdapter opened = {luid, 0};
-    if (open == nullptr || query == nullptr || close == nullptr || open(&opened) < 0)
-        return 0;
-    UINT answer = 0;
-    QueryAdapter asked = {opened.adapter, type, &answer, sizeof(answer)};
-    const bool isAnswered = query(&asked) >= 0;
-    close(&opened.adapter);
-    return isAnswered ? answer : 0;
-}
-
 // The parts of DXCore's interfaces that are called; the platform's headers do not declare them.
 constexpr IID FactoryId = {0x78ee5945, 0xc36e, 0x4b13, {0xa6, 0x69, 0x00, 0x5d, 0xd1, 0x1c, 0x0f, 0x06}};
 constexpr IID AdapterId = {0xf0db4c7f, 0xfe5a, 0x42a2, {0xbd, 0x62, 0xf2, 0xa6, 0xcf, 0x6f, 0xc8, 0x3e}};
@@ -71,9 +52,27 @@ protected:
 
 }  // namespace
 
-UINT AskDriverModel(LUID luid)
+UINT AskKernel(LUID luid, UINT type)
 {
-    return AskKernel(luid, DriverModelQuery);
+    using Open = LONG WINAPI(OpenAdapter*);
+    using Query = LONG WINAPI(QueryAdapter*);
+    using Close = LONG WINAPI(const UINT*);
+    auto* const open = PermanentFunction<Open>(Kernel, "D3DKMTOpenAdapterFromLuid");
+    auto* const query = PermanentFunction<Query>(Kernel, "D3DKMTQueryAdapterInfo");
+    auto* const close = PermanentFunction<Close>(Kernel, "D3DKMTCloseAdapter");
+    OpenAdapter opened = {luid, 0};
+    if (open == nullptr || query == nullptr || close == nullptr || open(&opened) < 0)
+        return 0;
+    UINT answer = 0;
+    QueryAdapter asked = {opened.adapter, type, &answer, sizeof(answer)};
+    const bool isAnswered = query(&asked) >= 0;
+    close(&opened.adapter);
+    return isAnswered ? answer : 0;
+}
+
+UINT AskDriverModel(const KernelQuery& askKernel, LUID luid)
+{
+    return askKernel(luid, DriverModelQuery);
 }
 
 std::optional<bool> IsIntegratedByDxCore(LUID luid)
@@ -93,9 +92,9 @@ std::optional<bool> IsIntegratedByDxCore(LUID luid)
     return isIntegrated;
 }
 
-std::optional<bool> IsIntegratedByKernel(LUID luid)
+std::optional<bool> IsIntegratedByKernel(const KernelQuery& askKernel, LUID luid)
 {
-    const UINT type = AskKernel(luid, AdapterTypeQuery);
+    const UINT type = askKernel(luid, AdapterTypeQuery);
     if ((type & (HybridDiscrete | HybridIntegrated)) == 0)
         return std::nullopt;
     return (type & HybridIntegrated) != 0;

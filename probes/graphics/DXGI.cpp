@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "diag/ProcessInstance.h"
+#include "probes/graphics/AdapterKind.h"
 #include "probes/graphics/AdapterNumbers.h"
 #include "probes/graphics/DriverCall.h"
 #include "values/Junk.h"
@@ -61,11 +62,11 @@ GpuInfo DXGI::Read(const DXGI_ADAPTER_DESC1& found) const
     info.deviceId = DeviceID::FromNumbers(found.VendorId, found.DeviceId, found.SubSysId, found.Revision);
     info.videoMemory = KnownSize(found.DedicatedVideoMemory);
     info.sharedMemory = KnownSize(found.SharedSystemMemory);
-    info.driverModel = DriverModel(functions.getDriverModel(found.AdapterLuid));
+    info.driverModel = DriverModel(AskDriverModel(functions.askKernel, found.AdapterLuid));
     info.hasDirect3D = true;
     info.isIntegrated = functions.isIntegratedByDxCore(found.AdapterLuid);
     if (!info.isIntegrated)
-        info.isIntegrated = functions.isIntegratedByKernel(found.AdapterLuid);
+        info.isIntegrated = IsIntegratedByKernel(functions.askKernel, found.AdapterLuid);
     info.isSoftware = (found.Flags & (RemoteFlag | SoftwareFlag)) != 0;
     WriteLog(LogTrace, L"DXGI: ", info.description.ToString(), L" ", info.deviceId.ToString(), L" ",
              found.DedicatedVideoMemory, L" ", found.SharedSystemMemory, L" flags ", found.Flags);

@@ -2,7 +2,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "diag/SourceFailures.h"
 #include "values/DeviceID.h"
 #include "values/Name.h"
 #include "values/Size.h"
@@ -36,8 +38,9 @@ struct GpuInfo {
     Name driverDate;              ///< such as "2024-05-01"
     std::wstring vulkanManifest;  ///< the path of a file that describes the Vulkan driver; not stored
     std::optional<Version> vulkanVersion;
-    bool hasDirect3D = false;  ///< a graphics interface lists it
-    bool isSoftware = false;   ///< a graphics interface reports it as a software or remote adapter
+    bool hasDirect3D = false;             ///< a graphics interface lists it
+    bool isSoftware = false;              ///< a graphics interface reports it as a software or remote adapter
+    std::vector<SourceFailure> failures;  ///< why its facts are incomplete
 };
 
 /// An amount of memory as a source gives it; 0 is unknown.

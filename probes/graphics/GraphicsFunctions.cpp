@@ -53,9 +53,8 @@ GraphicsFunctions GraphicsFunctions::OfSystem()
             Late(L"d3d11.dll", "D3D11CreateDevice", decltype (&D3D11CreateDevice)()),
             Late(L"d3d12.dll", "D3D12CreateDevice", decltype (&D3D12CreateDevice)()),
             Late<REFCLSID, REFIID, void**>(L"dxdiagn.dll", "DllGetClassObject"),
-            &AskDriverModel,
+            &AskKernel,
             &IsIntegratedByDxCore,
-            &IsIntegratedByKernel,
             &ReadSmallFile,
             &HasLibrary,
             &GetVersion};

@@ -22,11 +22,9 @@ struct GraphicsFunctions {
     boost::function<decltype(D3D11CreateDevice)> createDevice11;
     boost::function<decltype(D3D12CreateDevice)> createDevice12;
     boost::function<HRESULT(REFCLSID, REFIID, void**)> getDxDiagClass;  ///< dxdiagn's DllGetClassObject
-    boost::function<UINT(LUID)> getDriverModel;  ///< in thousandths, such as 3100; 0 when it is unknown
+    boost::function<UINT(LUID, UINT)> askKernel;  ///< D3DKMTQueryAdapterInfo; 0 without an answer
     /// Whether an adapter is part of the processor's chip, by DXCore; nullopt before Windows 10 2004.
     boost::function<std::optional<bool>(LUID)> isIntegratedByDxCore;
-    /// The same as reported by the kernel, which knows it only on machines with both kinds of adapters.
-    boost::function<std::optional<bool>(LUID)> isIntegratedByKernel;
     /// The first 64 KB of a file on a fixed disk; empty when it cannot be read.
     boost::function<std::string(const std::wstring& path)> readFile;
     boost::function<bool(const wchar_t*)> hasLibrary;  ///< whether the system's folder has a file of the name

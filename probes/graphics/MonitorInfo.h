@@ -2,7 +2,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "diag/SourceFailures.h"
 #include "values/Count.h"
 #include "values/DeviceID.h"
 #include "values/Name.h"
@@ -26,9 +28,10 @@ struct MonitorInfo {
     std::optional<bool> isHdr;  ///< it can show a high dynamic range
     std::optional<Count> year;  ///< in which it was made
     bool isPrimary = false;
-    std::optional<Count> highestRate;  ///< refreshes a second, of the modes with the current resolution
-    std::wstring display;              ///< that shows its picture, such as "\\\\.\\DISPLAY1"
-    bool isGeneric = false;            ///< Windows' own driver for any monitor names it
+    std::optional<Count> highestRate;     ///< refreshes a second, of the modes with the current resolution
+    std::wstring display;                 ///< that shows its picture, such as "\\\\.\\DISPLAY1"
+    bool isGeneric = false;               ///< Windows' own driver for any monitor names it
+    std::vector<SourceFailure> failures;  ///< why its facts are incomplete
 };
 
 /// A monitor's mode; empty for one below 320x200, which no monitor has: descriptors can hold filler bytes.

@@ -4,7 +4,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "diag/SourceFailures.h"
 #include "values/Bandwidth.h"
 #include "values/DeviceID.h"
 #include "values/Name.h"
@@ -36,7 +38,8 @@ struct NetworkInfo {
     std::optional<bool> hasConnector;
     std::optional<bool> isConnected;
     std::optional<Bandwidth> linkSpeed;
-    bool isDefaultRoute = false;  ///< traffic to the Internet goes through it
+    bool isDefaultRoute = false;          ///< traffic to the Internet goes through it
+    std::vector<SourceFailure> failures;  ///< why its facts are incomplete
 
     /// Sets the number and the text of the kind.
     void SetKind(MediaKind newKind)

@@ -145,7 +145,9 @@ std::wstring SetupDevice::InstanceId() const
     std::array<wchar_t, MaxInstanceIdLength> id{};
     DWORD length = 0;
     if (!entryPoints.getDeviceInstanceId(set, &device, id.data(), MaxInstanceIdLength, &length)) {
-        WriteLog(LogWarning, L"SetupDiGetDeviceInstanceId failed with error: ", GetLastError());
+        const DWORD error = GetLastError();
+        WriteLog(LogWarning, L"SetupDiGetDeviceInstanceId failed with error: ", error);
+        FailureScope::Note(L"Setup API SetupDiGetDeviceInstanceId", error);
         return {};
     }
     return ToUpper(id.data());
@@ -167,7 +169,10 @@ bool SetupDevice::OpenDeviceKeys(DeviceKeys& keys) const
     const auto open = [this](DWORD kind, const wchar_t* failure, OwnedKey& key) {
         const HKEY opened = entryPoints.openDevRegKey(set, &device, DICS_FLAG_GLOBAL, 0, kind, KEY_READ);
         if (opened == INVALID_HANDLE_VALUE || opened == nullptr) {
-            WriteLog(LogWarning, failure, GetLastError());
+            const DWORD error = GetLastError();
+            WriteLog(LogWarning, failure, error);
+            if (error != ERROR_KEY_DOES_NOT_EXIST)
+                FailureScope::Note(L"Setup API SetupDiOpenDevRegKey", error);
             return false;
         }
         key.reset(opened);

@@ -16,15 +16,17 @@ constexpr const wchar_t* IntelVendor = L"8086";
 constexpr const wchar_t* AmdVendor = L"1002";
 constexpr std::size_t MaxTextSize = 1000;  // bytes
 
-/// The amount of the first place that has one above 0.
-std::optional<Size> FirstSize(std::initializer_list<RegistryPlace> places)
+/// The first amount above 0. A driver has one of the amounts or the other, so a missing one is not worth a
+/// warning.
+std::optional<Size> DriverMemory(HKEY key)
 {
     Size size;
-    for (const RegistryPlace& place : places) {
-        if (ReadRegistrySize(place.key, place.subkey, place.name, size) && size.Bytes() != 0)
+    for (const wchar_t* name : {L"HardwareInformation.qwMemorySize", L"HardwareInformation.MemorySize"}) {
+        if (ReadValue(key, name) && ReadRegistrySize(key, nullptr, name, size) && size.Bytes() != 0)
             return size;
     }
-    return {};
+    const bool isRead = ReadRegistrySize(key, InfoSubkey, L"VideoMemory", size) && size.Bytes() != 0;
+    return isRead ? std::optional(size) : std::nullopt;
 }
 
 /// A text, or the first one of a list. Most drivers lack it, so a missing one is not worth a warning.
@@ -70,9 +72,7 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
     adapter.dacType = Name(HardwareText(software, L"DACType", L"HardwareInformation.DacType"));
     adapter.driverDescription = Name(ReadFirstText({{software, nullptr, L"DriverDesc"}}));
     WriteLog(LogTrace, L"DriverDesc: ", adapter.driverDescription.ToString());
-    adapter.driverMemory = FirstSize({{software, nullptr, L"HardwareInformation.qwMemorySize"},
-                                      {software, nullptr, L"HardwareInformation.MemorySize"},
-                                      {software, InfoSubkey, L"VideoMemory"}});
+    adapter.driverMemory = DriverMemory(software);
 
     const std::wstring id =
         ReadFirstText({{hardware, nullptr, L"MatchingDeviceID"}, {software, nullptr, L"MatchingDeviceID"}});
@@ -81,7 +81,7 @@ GpuInfo SetupLib::Gpu(const SetupDevice& device) const
     if (const DeviceID matching(id); !matching.Vendor().empty() || !adapter.deviceId.HasValue())
         adapter.deviceId = matching;
     if (adapter.deviceId.Vendor() == AmdVendor)
-        adapter.vendorVersion = KnownVersion(ReadFirstText({{software, nullptr, L"RadeonSoftwareVersion"}}));
+        adapter.vendorVersion = KnownVersion(QuietText(software, L"RadeonSoftwareVersion"));
     adapter.driverDate = Name(ReadDriverDate(QuietText(software, L"DriverDate")));
     adapter.vulkanManifest = QuietText(software, L"VulkanDriverName");
     if (adapter.deviceId.Vendor() == IntelVendor) {

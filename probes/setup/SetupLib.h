@@ -50,8 +50,9 @@ public:
     /// Changes the table, so that a test can replace single functions.
     void Change(const boost::function<void(SetupEntryPoints&)>& change) { change(entryPoints); }
 
-    /// Each lists one class, appending a record for each device in the system's order. A device that causes
-    /// an exception is logged and left out; the later ones are listed.
+    /// Each lists one class, appending a record for each device in the system's order. A record has the
+    /// failures of its own device. A device that causes an exception is logged and left out; the later ones
+    /// are listed.
     /// @return whether the device set could be opened and walked without an exception
     bool GetHardDriveInfo(std::vector<DiskInfo>& drives);
     bool GetGpuInfo(std::vector<GpuInfo>& adapters);
@@ -78,6 +79,12 @@ private:
                    const Fill& fill);
     /// The same for a class by the first number of its GUID; most classes differ only in that number.
     bool Enumerate(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure, const Fill& fill);
+
+    /// Appends the record of each device of a class, with the failures in reading it.
+    /// @param read returns a device's record; nullopt for one that does not count
+    template <typename Record, typename Read>
+    bool List(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure,
+              std::vector<Record>& records, Read read);
 
     /// Opens the set of the present devices of a class.
     bool GetDeviceSet(const GUID& deviceClass, OwnedDeviceSet& set);

@@ -3,6 +3,7 @@
 #include <span>
 #include <string_view>
 
+#include "diag/SourceFailures.h"
 #include "probes/setup/SetupLib.h"
 #include "values/TextMatch.h"
 
@@ -36,6 +37,7 @@ bool IsSwitchedOn(const SetupDevice& device)
 
 bool IsCamera(const SetupDevice& device)
 {
+    const FailureScope scope;  // a property that cannot be read does not leave the count empty
     const std::wstring service = device.Text(SPDRP_SERVICE).ToString();
     return IsSwitchedOn(device) && !BeginsWithAny(device.InstanceId(), ForeignBuses) &&
            std::ranges::none_of(StillImageServices, [&service](const wchar_t* stillImage) {
@@ -45,6 +47,7 @@ bool IsCamera(const SetupDevice& device)
 
 bool IsRadio(const SetupDevice& device)
 {
+    const FailureScope scope;  // likewise
     const std::wstring id = device.InstanceId();
     return IsSwitchedOn(device) && !BeginsWithAny(id, ForeignBuses) && !BeginsWithAny(id, PairedBuses);
 }

@@ -1,5 +1,8 @@
 // The listings of the Setup API probe: the properties and values that fill the fields of each record.
-#include "diag/Log.h"
+#include <optional>
+#include <utility>
+
+#include "diag/SourceFailures.h"
 #include "probes/setup/SetupLib.h"
 #include "values/Junk.h"
 #include "values/Text.h"
@@ -45,28 +48,44 @@ bool IsGenericMonitor(const SetupDevice& device)
 
 }  // namespace
 
+template <typename Record, typename Read>
+bool SetupLib::List(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure,
+                    std::vector<Record>& records, Read read)
+{
+    return Enumerate(operation, deviceClass, setFailure, [&](const SetupDevice& device) {
+        std::vector<SourceFailure> failures;
+        std::optional<Record> record;
+        CollectFailures(failures, [&] { record = read(device); });
+        if (!record)
+            return;
+        record->failures = std::move(failures);
+        records.push_back(std::move(*record));
+    });
+}
+
 bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
 {
-    return Enumerate(L"GetHardDriveInfo", DiskDrives, nullptr, [&](const SetupDevice& device) {
+    const auto read = [](const SetupDevice& device) -> std::optional<DiskInfo> {
         std::wstring className;
         if (!device.GetDeviceProperty(SPDRP_CLASS, className) || className != L"DiskDrive")
-            return;
+            return {};
         if (!device.IsWorking())
-            return;
+            return {};
         DiskInfo drive;
         drive.friendlyName = device.Text(SPDRP_FRIENDLYNAME);
         drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         drive.instanceId = Name(device.InstanceId());
         drive.isInternal = device.IsInternal();
-        drives.push_back(drive);
-    });
+        return drive;
+    };
+    return List(L"GetHardDriveInfo", DiskDrives, nullptr, drives, read);
 }
 
 bool SetupLib::GetScsiInfo(std::vector<ScsiInfo>& controllers)
 {
-    return Enumerate(L"GetScsiInfo", ScsiControllers, nullptr, [&](const SetupDevice& device) {
+    const auto read = [](const SetupDevice& device) -> std::optional<ScsiInfo> {
         if (!device.IsWorking())
-            return;
+            return {};
         ScsiInfo controller;
         controller.instanceId = device.InstanceId();
         controller.name = device.DeviceName();
@@ -74,67 +93,69 @@ bool SetupLib::GetScsiInfo(std::vector<ScsiInfo>& controllers)
         controller.compatibleIds = device.Texts(SPDRP_COMPATIBLEIDS);
         if (const Name version = device.DriverVersion(); version.HasValue())
             controller.driverVersion = Version(version.ToString());
-        controllers.push_back(controller);
-    });
+        return controller;
+    };
+    return List(L"GetScsiInfo", ScsiControllers, nullptr, controllers, read);
 }
 
 bool SetupLib::GetCDRomInfo(std::vector<OpticalInfo>& drives)
 {
-    return Enumerate(L"GetCDRomInfo", CDRomDrives, L"Failed call to GetDeviceSet for GetCDRomInfo",
-                     [&](const SetupDevice& device) {
-                         OpticalInfo drive;
-                         drive.name = device.DeviceName();
-                         drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
-                         drive.instanceId = Name(device.InstanceId());
-                         drive.isOff = !device.IsWorking();
-                         drives.push_back(drive);
-                     });
+    const auto read = [](const SetupDevice& device) -> std::optional<OpticalInfo> {
+        OpticalInfo drive;
+        drive.name = device.DeviceName();
+        drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
+        drive.instanceId = Name(device.InstanceId());
+        drive.isOff = !device.IsWorking();
+        return drive;
+    };
+    return List(L"GetCDRomInfo", CDRomDrives, L"Failed call to GetDeviceSet for GetCDRomInfo", drives, read);
 }
 
 bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
 {
-    return Enumerate(L"GetSoundInfo", SoundDevices, L"Failed call to GetDeviceSet for GetSoundInfo",
-                     [&](const SetupDevice& device) {
-                         SoundInfo sound;
-                         sound.instanceId = device.InstanceId();
-                         sound.isOff = !device.IsWorking();
-                         const Name name =
-                             sound.HasChosenName() ? device.Text(SPDRP_DEVICEDESC) : device.DeviceName();
-                         sound.name = Name(TidyText(name.ToString()));
-                         sound.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
-                         sound.driverVersion = KnownVersion(device.DriverVersion().ToString());
-                         devices.push_back(sound);
-                     });
+    const auto read = [](const SetupDevice& device) -> std::optional<SoundInfo> {
+        SoundInfo sound;
+        sound.instanceId = device.InstanceId();
+        sound.isOff = !device.IsWorking();
+        const Name name = sound.HasChosenName() ? device.Text(SPDRP_DEVICEDESC) : device.DeviceName();
+        sound.name = Name(TidyText(name.ToString()));
+        sound.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
+        sound.driverVersion = KnownVersion(device.DriverVersion().ToString());
+        return sound;
+    };
+    return List(L"GetSoundInfo", SoundDevices, L"Failed call to GetDeviceSet for GetSoundInfo", devices,
+                read);
 }
 
 bool SetupLib::GetNetworkDeviceInfo(std::vector<NetworkInfo>& adapters)
 {
+    const auto read = [this](const SetupDevice& device) { return std::optional(NetworkDevice(device)); };
     // The line names the sound listing; support tools search for it.
-    return Enumerate(L"GetNetworkDeviceInfo", NetworkAdapters,
-                     L"Failed call to GetDeviceSet for GetSoundInfo",
-                     [&](const SetupDevice& device) { adapters.push_back(NetworkDevice(device)); });
+    return List(L"GetNetworkDeviceInfo", NetworkAdapters, L"Failed call to GetDeviceSet for GetSoundInfo",
+                adapters, read);
 }
 
 bool SetupLib::GetGpuInfo(std::vector<GpuInfo>& adapters)
 {
-    return Enumerate(L"GetGpuInfo", DisplayAdapters, L"Failed call to GetDeviceSet for GetGpuInfo",
-                     [&](const SetupDevice& device) {
-                         if (device.IsWorking())
-                             adapters.push_back(Gpu(device));
-                     });
+    const auto read = [this](const SetupDevice& device) {
+        return device.IsWorking() ? std::optional(Gpu(device)) : std::nullopt;
+    };
+    return List(L"GetGpuInfo", DisplayAdapters, L"Failed call to GetDeviceSet for GetGpuInfo", adapters,
+                read);
 }
 
 bool SetupLib::GetMonitorInfo(std::vector<MonitorInfo>& monitors)
 {
-    return Enumerate(L"GetMonitorInfo", Monitors, nullptr, [&](const SetupDevice& device) {
+    const auto read = [](const SetupDevice& device) -> std::optional<MonitorInfo> {
         MonitorInfo monitor;
         monitor.instance = device.InstanceId();
         monitor.deviceId = DeviceID(monitor.instance);
         monitor.isGeneric = IsGenericMonitor(device);
         if (!monitor.isGeneric)
             monitor.name = Name(TidyText(device.DeviceName().ToString()));
-        monitors.push_back(monitor);
-    });
+        return monitor;
+    };
+    return List(L"GetMonitorInfo", Monitors, nullptr, monitors, read);
 }
 
 NetworkInfo SetupLib::NetworkDevice(const SetupDevice& device) const

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "diag/SourceFailures.h"
 #include "values/DeviceID.h"
@@ -27,7 +28,7 @@ struct DiskInfo {
     std::optional<bool> isVirtual;    ///< made from a file
     std::optional<bool> holdsWindows;
     std::optional<Version> firmware;
-    SourceFailure failure;  ///< why its own answers are incomplete
+    std::vector<SourceFailure> failures;  ///< why its facts are incomplete
 };
 
 }  // namespace kel

@@ -139,7 +139,7 @@ std::vector<DiskInfo> ListDisks(const StorageFunctions& functions)
             if (error != ERROR_SUCCESS)
                 WriteLog(LogWarning, L"Disk ", number, L": incomplete answer, error ", error);
             if (error != ERROR_SUCCESS || scope.Found().hasException)
-                disk.failure = {L"disk " + std::to_wstring(number), error};
+                disk.failures = {{L"disk " + std::to_wstring(number), error}};
             if (!IsGone(error))
                 disks.push_back(disk);
         }

@@ -97,7 +97,7 @@ OpticalInfo ReadOpticalDrive(const StorageFunctions& functions, const std::wstri
             target.starts_with(KernelPrefix) ? target.substr(KernelPrefix.size()) : L"";
         if (!device.starts_with(DeviceWord) || !ReadDevice(functions, OpticalPrefix + device, drive)) {
             WriteLog(LogWarning, L"An optical drive does not answer.");
-            drive.failure = {L"optical drive " + letter, 0};
+            drive.failures = {{L"optical drive " + letter, 0}};
         }
     });
     return drive;

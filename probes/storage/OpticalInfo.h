@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "diag/SourceFailures.h"
 #include "probes/storage/OpticalAbilities.h"
@@ -18,10 +19,10 @@ struct OpticalInfo {
     Name drive;          ///< drive letter, such as "D:"
     Name mediaType;      ///< as WMI describes it
     OpticalAbilities abilities;
-    const wchar_t* abilitySource = L"";  ///< their source, for the log
-    std::optional<bool> writesCds;       ///< of the abilities
-    std::optional<bool> isVirtual;       ///< shows an image instead of a medium
-    SourceFailure failure;               ///< why its own answers are missing
+    const wchar_t* abilitySource = L"";   ///< their source, for the log
+    std::optional<bool> writesCds;        ///< of the abilities
+    std::optional<bool> isVirtual;        ///< shows an image instead of a medium
+    std::vector<SourceFailure> failures;  ///< why its facts are incomplete
 };
 
 }  // namespace kel

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "diag/SourceFailures.h"
 #include "values/DeviceID.h"
 #include "values/Name.h"
 #include "values/Version.h"
@@ -18,6 +19,7 @@ struct ScsiInfo {
     std::optional<Version> driverVersion;
     std::vector<std::wstring> compatibleIds;  ///< they include the class of a PCI device
     Name kind;                                ///< "SCSI", "SAS", "RAID", "NVMe" or "virtual"
+    std::vector<SourceFailure> failures;      ///< why its facts are incomplete
 };
 
 }  // namespace kel

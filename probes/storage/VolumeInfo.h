@@ -24,8 +24,8 @@ struct VolumeInfo {
     std::optional<bool> holdsWindows;
     std::vector<std::int32_t> disks;  ///< the numbers of the disks that hold it, as far as known
     bool isVolume = true;             ///< false: the letter leads to an image, a cloud storage or the like
-    SourceFailure failure;            ///< why its answers are incomplete
-    bool isAlias = false;             ///< another name for a folder or a letter
+    std::vector<SourceFailure> failures;  ///< why its answers are incomplete
+    bool isAlias = false;                 ///< another name for a folder or a letter
 };
 
 }  // namespace kel

@@ -161,7 +161,7 @@ std::vector<VolumeInfo> ListVolumes(const VolumeFunctions& functions)
             if (error != ERROR_SUCCESS)
                 WriteLog(LogWarning, L"Volume ", letter, L": incomplete answer, error ", error);
             if (error != ERROR_SUCCESS || scope.Found().hasException)
-                volume.failure = {L"volume " + letter, error};
+                volume.failures = {{L"volume " + letter, error}};
         }
     });
     return volumes;

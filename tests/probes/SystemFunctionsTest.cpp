@@ -19,7 +19,7 @@ TEST(SystemFunctions, AreFoundByTheirNames)
     EXPECT_TRUE(system.isWow64Process);
     EXPECT_EQ(system.getUserDefaultLCID(), GetUserDefaultLCID());
     const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
-    graphics.getDriverModel({});
+    graphics.askKernel({}, 13);
     void* none = nullptr;
     IDirect3D9Ex* direct3D = nullptr;
     IMalloc* noAdapter = nullptr;  // refused, as an adapter that is null is not where there is no display

@@ -116,14 +116,14 @@ public:
             ++calls[L"DxDiag"];
             return id.Data1 == 0xA65B8071 ? diagnosisClass.Give(out) : HRESULT{CLASS_E_CLASSNOTAVAILABLE};
         };
-        functions.getDriverModel = [this](LUID luid) {
-            return luid.HighPart == 7 ? At(luid.LowPart - 1).card.driverModel : 0;
+        functions.askKernel = [this](LUID luid, UINT type) -> UINT {
+            const Card& card = At(luid.LowPart - 1).card;
+            if (type == 13 && luid.HighPart == 7)
+                return card.driverModel;
+            return type == 15 && card.isIntegratedByKernel ? 1U << (*card.isIntegratedByKernel ? 5 : 4) : 0;
         };
         functions.isIntegratedByDxCore = [this](LUID luid) {
             return At(luid.LowPart - 1).card.isIntegratedByDxCore;
-        };
-        functions.isIntegratedByKernel = [this](LUID luid) {
-            return At(luid.LowPart - 1).card.isIntegratedByKernel;
         };
         functions.readFile = [this](const std::wstring& path) {
             const std::wstring text = files[path];

@@ -30,6 +30,7 @@ namespace {
 const Machine* answering = nullptr;
 
 bool areDevicesReversed = false;
+Lines deviceFaults;
 
 /// The system's function, in the system's order or the opposite one.
 BOOL WINAPI EnumDevices(HDEVINFO set, DWORD index, SP_DEVINFO_DATA* device)
@@ -38,6 +39,47 @@ BOOL WINAPI EnumDevices(HDEVINFO set, DWORD index, SP_DEVINFO_DATA* device)
     while (areDevicesReversed && SetupDiEnumDeviceInfo(set, count, device))
         ++count;
     return SetupDiEnumDeviceInfo(set, index < count ? count - 1 - index : index, device);
+}
+
+/// The error with which a property or key of a device cannot be read; 0 for none.
+DWORD FindFault(HDEVINFO set, SP_DEVINFO_DATA* device, const std::wstring& what)
+{
+    wchar_t instance[200] = {};
+    SetupDiGetDeviceInstanceIdW(set, device, instance, std::size(instance), nullptr);
+    for (const std::wstring& line : deviceFaults) {
+        const Lines fields = FieldsOf(line, 3);
+        if (ToUpper(fields[0]) != ToUpper(instance) || fields[1] != what)
+            continue;
+        if (fields[2] == L"throws")
+            throw 1;
+        return static_cast<DWORD>(NumberOf(fields[2]));
+    }
+    return ERROR_SUCCESS;
+}
+
+BOOL WINAPI ReadProperty(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD property, DWORD* type, BYTE* data,
+                         DWORD size, DWORD* needed)
+{
+    const DWORD error = FindFault(set, device, std::to_wstring(property));
+    SetLastError(error);
+    return error == ERROR_SUCCESS &&
+           SetupDiGetDeviceRegistryPropertyW(set, device, property, type, data, size, needed);
+}
+
+BOOL WINAPI ReadInstanceId(HDEVINFO set, SP_DEVINFO_DATA* device, wchar_t* text, DWORD size, DWORD* needed)
+{
+    const DWORD error = FindFault(set, device, L"instance");
+    SetLastError(error);
+    return error == ERROR_SUCCESS && SetupDiGetDeviceInstanceIdW(set, device, text, size, needed);
+}
+
+HKEY WINAPI OpenDriver(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD scope, DWORD profile, DWORD kind,
+                       REGSAM access)
+{
+    const DWORD error = kind == DIREG_DRV ? FindFault(set, device, L"driver") : ERROR_SUCCESS;
+    SetLastError(error);
+    return error == ERROR_SUCCESS ? SetupDiOpenDevRegKey(set, device, scope, profile, kind, access)
+                                  : static_cast<HKEY>(INVALID_HANDLE_VALUE);
 }
 
 BOOL WINAPI AnswerMemory(MEMORYSTATUSEX* status)
@@ -107,7 +149,13 @@ PlantedMachine::PlantedMachine(const Machine& newMachine, FakeWmiData& newWmi)
     PlantSound();
     storage.Plant(machine, wmi);
     areDevicesReversed = !machine[L"reversed"].empty();
-    SetupLib::Instance().Change([](SetupEntryPoints& table) { table.enumDeviceInfo = &EnumDevices; });
+    deviceFaults = machine[L"device-fault"];
+    SetupLib::Instance().Change([](SetupEntryPoints& table) {
+        table.enumDeviceInfo = &EnumDevices;
+        table.getDeviceRegistryProperty = &ReadProperty;
+        table.getDeviceInstanceId = &ReadInstanceId;
+        table.openDevRegKey = &OpenDriver;
+    });
     if (areDevicesReversed)
         Reverse();
 }
