@@ -53,8 +53,8 @@ struct Requirement {
 /// What is wrong with a file of requirements: "requirement 2: unknown comparison 'about'".
 class RequirementsError : public std::runtime_error {
 public:
-    explicit RequirementsError(const std::string& reason, JsonPath path = {}, int line = 0)
-        : std::runtime_error(reason), path(std::move(path)), line(line)
+    explicit RequirementsError(const std::string& reason, JsonPath place = {}, int lineNumber = 0)
+        : std::runtime_error(reason), path(std::move(place)), line(lineNumber)
     {
     }
 

@@ -19,7 +19,7 @@ std::string WithLine(int line, const std::string& reason)
 /// Finds what is wrong with lines that could be read.
 class Checker {
 public:
-    Checker(std::string_view text, CheckedRequirements& checked) : text(text), checked(checked) {}
+    Checker(std::string_view source, CheckedRequirements& result) : text(source), checked(result) {}
 
     void CheckLines()
     {
