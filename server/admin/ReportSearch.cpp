@@ -51,8 +51,9 @@ FoundReports SearchReports(Database& database, const ReportQuery& query, ReportF
         return {reports.List(filter), 0};
     const bool isAscending = filter.afterId >= 0;
     const int count = filter.count;
-    ScanBudget budget;
-    for (bool isFirst = true;; isFirst = false) {
+    ScanBudget budget;     // of the reports that are read
+    ScanBudget stretches;  // of the statements, of which the first always runs
+    while (stretches.Allows(1)) {
         ReportFilter stretch = filter;
         std::int64_t end = 0;  // 0: everything is in the stretch
         if (isByLine) {
@@ -60,8 +61,6 @@ FoundReports SearchReports(Database& database, const ReportQuery& query, ReportF
             (isAscending ? stretch.untilId : stretch.fromId) = end;
         }
         stretch.count = isByValue ? StretchReports : count - static_cast<int>(found.lines.size());
-        if (!isFirst && !budget.Allows(0))
-            return found;
         const std::vector<ReportLine> lines = reports.List(stretch);
         const bool isWhole = static_cast<int>(lines.size()) < stretch.count;
         if (!isByValue)
@@ -79,6 +78,7 @@ FoundReports SearchReports(Database& database, const ReportQuery& query, ReportF
         found.reached = isWhole ? end : lines.back().id;
         (isAscending ? filter.afterId : filter.beforeId) = found.reached;
     }
+    return found;
 }
 
 }  // namespace kel::server
