@@ -187,7 +187,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "firmware.txt", "faulty_software.txt", "browsers.txt", "systems.txt", "windows.txt",
                     "processor_features.txt", "chassis.txt", "runtimes.txt", "default_browsers.txt",
                     "reader_and_office.txt", "places.txt", "real_graphics.txt", "plugged_disks.txt",
-                     "real_devices.txt", "real_displays.txt", "device_faults.txt", "recorded.txt"),
+                    "real_devices.txt", "real_displays.txt", "device_faults.txt", "recorded.txt"),
     [](const auto& file) {
         const std::string name = file.param;
         return name.substr(0, name.find('.'));
