@@ -13,11 +13,11 @@ namespace {
 
 using Choices = std::vector<std::string>;
 
-constexpr std::size_t MaxShown = 60;  // bytes of a text that a reason repeats
+constexpr std::size_t MaxQuoted = 60;  // bytes of a text that a reason repeats
 
 std::string Quote(std::string_view text)
 {
-    return "'" + Shortened(text, MaxShown) + "'";
+    return "'" + Shortened(text, MaxQuoted) + "'";
 }
 
 std::string NameOf(const CatalogueValue& value)

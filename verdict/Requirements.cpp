@@ -140,7 +140,7 @@ auto ReadEach(const json& list, const std::string& name, const std::string& kind
 /// the scheme's.
 bool IsOrigin(std::string_view text)
 {
-    constexpr std::string_view Digits = "0123456789", Scheme = "://";
+    constexpr std::string_view PortDigits = "0123456789", Scheme = "://";
     const std::size_t end = text.find(Scheme);
     const std::string_view scheme = text.substr(0, end);
     if (end == std::string_view::npos || (scheme != "https" && scheme != "http"))
@@ -149,7 +149,7 @@ bool IsOrigin(std::string_view text)
     const std::size_t bracket = host.find(']'), colon = host.rfind(':');
     if (colon != std::string_view::npos && (bracket == std::string_view::npos || bracket < colon)) {
         const std::string_view port = host.substr(colon + 1);
-        if (!HasOnly(port, Digits) || port.size() > 5 || port.front() == '0' ||
+        if (!HasOnly(port, PortDigits) || port.size() > 5 || port.front() == '0' ||
             port == (scheme == "https" ? "443" : "80"))
             return false;
         host = host.substr(0, colon);
