@@ -9,6 +9,7 @@
 #include "probes/storage/DiskModel.h"
 #include "probes/storage/Disks.h"
 #include "probes/wmi/WMI.h"
+#include "values/StableSort.h"
 
 namespace kel {
 
@@ -114,7 +115,7 @@ std::vector<DiskDrive> ListDiskDrives(const StorageFunctions& functions)
             drive.record.holdsWindows = std::ranges::count(windows, *drive.record.number) > 0;
         FinishDisk(drive.record);
     }
-    std::ranges::stable_sort(drives, {}, &GetRank);
+    SortStably(drives, {}, &GetRank);
     return drives;
 }
 

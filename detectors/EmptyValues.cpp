@@ -123,12 +123,15 @@ void NoteReasons(std::wstring_view detector, const Failures& failures) noexcept
     }
 }
 
-void NoteFailure(unsigned id, int index, const SourceFailure& failure)
+void NoteFailure(unsigned id, int index, const std::vector<SourceFailure>& failures)
 {
     const CatalogueValue* const value = FindCatalogueValue(static_cast<int>(id));
-    if (value != nullptr && !IsUnasked(*value) && IsFrom(value->Source(), failure) &&
-        LacksReason(MakeId(id, index)))
-        Session::Current().Values().SetReason(MakeId(id, index), {Reason::Kind::NotReadable, failure});
+    if (value == nullptr || IsUnasked(*value))
+        return;
+    for (const SourceFailure& failure : failures) {
+        if (IsFrom(value->Source(), failure) && LacksReason(MakeId(id, index)))
+            Session::Current().Values().SetReason(MakeId(id, index), {Reason::Kind::NotReadable, failure});
+    }
 }
 
 void NoteOrigin(unsigned id, unsigned origin)

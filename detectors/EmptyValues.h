@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "diag/SourceFailures.h"
 
@@ -13,8 +14,9 @@ namespace kel {
 /// @param detector its class, as the catalogue names it
 void NoteReasons(std::wstring_view detector, const Failures& failures) noexcept;
 
-/// The same for one value, such as one of several devices, each of which can fail by itself.
-void NoteFailure(unsigned id, int index, const SourceFailure& failure);
+/// The same for one value of one of several devices, each of which can fail by itself: notes the first of the
+/// device's failures that one of the value's sources has.
+void NoteFailure(unsigned id, int index, const std::vector<SourceFailure>& failures);
 
 /// Notes for an empty value that it is derived from another one, whose reason is its own.
 void NoteOrigin(unsigned id, unsigned origin);

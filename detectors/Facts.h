@@ -115,8 +115,12 @@ public:
     /// Notes for each fact that is empty the first of the failures that its sources have.
     void NoteFailures(const std::vector<SourceFailure>& failures, int index = 0) const
     {
-        for (const SourceFailure& failure : failures)
-            ForEach([&](const auto& fact, std::size_t) { NoteFailure(fact.id, index, failure); });
+        std::apply(
+            [&](const auto&... facts) {
+                for (const unsigned id : {facts.id...})
+                    NoteFailure(id, index, failures);
+            },
+            rows);
     }
 
     /// The same for a merged record; the log shows the source of each fact that has a name.

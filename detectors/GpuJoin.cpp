@@ -4,6 +4,7 @@
 
 #include "detectors/GpuRules.h"
 #include "diag/Log.h"
+#include "values/StableSort.h"
 
 namespace kel {
 
@@ -30,7 +31,7 @@ std::vector<GpuInfo> WithoutExcluded(std::vector<GpuInfo> adapters)
 
 void DropRepeated(std::vector<GpuInfo>& listed, const std::vector<GpuInfo>& present)
 {
-    std::ranges::stable_sort(listed, {}, &GpuInfo::luid);
+    SortStably(listed, {}, &GpuInfo::luid);
     std::vector<GpuInfo> kept;
     for (const GpuInfo& adapter : listed) {
         const auto isSame = [&adapter](const GpuInfo& other) {

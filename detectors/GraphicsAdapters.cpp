@@ -10,6 +10,7 @@
 #include "probes/graphics/AdapterCache.h"
 #include "probes/graphics/VulkanManifest.h"
 #include "probes/setup/SetupLib.h"
+#include "values/StableSort.h"
 
 namespace kel {
 
@@ -31,7 +32,7 @@ void Rank(std::vector<GpuDevice>& devices)
 {
     for (GpuDevice& device : devices)
         FinishGpuInfo(device.record);
-    std::ranges::stable_sort(devices, &IsBetterAdapter, &GpuDevice::record);
+    SortStably(devices, &IsBetterAdapter, &GpuDevice::record);
 }
 
 bool HasName(const GpuInfo& adapter)

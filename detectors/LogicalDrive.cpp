@@ -5,6 +5,7 @@
 #include "detectors/Facts.h"
 #include "platform/ErrorMode.h"
 #include "probes/storage/Volumes.h"
+#include "values/StableSort.h"
 
 namespace kel {
 
@@ -96,7 +97,7 @@ bool LogicalDrive::Detect(const VolumeFunctions& functions, DiskDrives& disks)
         StoreDefaults(Totals, Facts, ProfileFacts);
         std::vector<VolumeInfo> volumes = ListVolumes(functions);
         MarkLoose(volumes, ListLooseDisks(disks.List()));
-        std::ranges::stable_sort(volumes, {}, &GetRank);
+        SortStably(volumes, {}, &GetRank);
         Totals.Store(AddUp(volumes));
         StoreList(Facts, volumes, L"LogicalDrive");
         const VolumeInfo* const profile = FindProfileVolume(functions, volumes);

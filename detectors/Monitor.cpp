@@ -6,6 +6,7 @@
 #include "probes/graphics/DisplayConfig.h"
 #include "probes/graphics/Edid.h"
 #include "probes/setup/SetupLib.h"
+#include "values/StableSort.h"
 
 namespace kel {
 
@@ -100,7 +101,7 @@ Devices ListMonitors(const DisplayConfig& config)
         modes.highestRate = config.FindHighestRate(device.record.display, device.record.currentResolution);
         Facts.Merge(device, modes, L"the display's modes");
     }
-    std::ranges::stable_sort(devices, [](const auto& one, const auto& other) {
+    SortStably(devices, [](const auto& one, const auto& other) {
         const auto rank = [](const MonitorInfo& monitor) {
             return std::tuple(!monitor.isPrimary, std::wstring(monitor.deviceId.ToString()),
                               monitor.instance);

@@ -8,6 +8,7 @@
 #include "probes/setup/SetupLib.h"
 #include "service/BandwidthTest.h"
 #include "values/Count.h"
+#include "values/StableSort.h"
 
 namespace kel {
 
@@ -100,7 +101,7 @@ AdapterList ListAdapters(const NetworkFunctions& functions)
                   [](const Adapter& adapter) { return adapter.record.isOff || !IsPhysical(adapter.record); });
     for (Adapter& adapter : adapters)
         adapter.record.isOnBoard = IsOnBoard(adapter.record);
-    std::ranges::stable_sort(adapters, &ComesBefore);
+    SortStably(adapters, &ComesBefore);
     return {adapters, hasDevices || !table.empty() || !addresses.empty()};
 }
 

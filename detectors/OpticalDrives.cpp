@@ -8,6 +8,7 @@
 #include "probes/storage/DiskModel.h"
 #include "probes/storage/OpticalDevices.h"
 #include "probes/wmi/WMI.h"
+#include "values/StableSort.h"
 #include "values/Text.h"
 #include "values/VirtualNames.h"
 
@@ -133,7 +134,7 @@ std::vector<OpticalDrive> ListOpticalDrives(const StorageFunctions& functions)
         drives[place].record.abilitySource = answers[place].abilitySource;
         Finish(drives[place].record);
     }
-    std::ranges::stable_sort(drives, {}, &GetRank);
+    SortStably(drives, {}, &GetRank);
     return drives;
 }
 

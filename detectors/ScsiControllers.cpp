@@ -7,6 +7,7 @@
 #include "diag/SourceFailures.h"
 #include "probes/setup/SetupLib.h"
 #include "values/Junk.h"
+#include "values/StableSort.h"
 #include "values/Text.h"
 #include "values/VirtualNames.h"
 
@@ -78,7 +79,7 @@ std::vector<ScsiInfo> ListScsiControllers(SetupLib& library)
         controller.name = Name(TidyText(controller.name.ToString()));
         controller.kind = Name(GetControllerKind(controller));
     }
-    std::ranges::stable_sort(controllers, {}, &GetRank);
+    SortStably(controllers, {}, &GetRank);
     return controllers;
 }
 

@@ -8,6 +8,7 @@
 #include "probes/sound/SoundEndpoints.h"
 #include "probes/wmi/WMI.h"
 #include "values/Count.h"
+#include "values/StableSort.h"
 
 namespace kel {
 
@@ -92,7 +93,7 @@ std::vector<Device> ListDevices(const SoundEndpoints& endpoints)
             device.record.servesDefault = false;
     }
     std::erase_if(devices, [](const Device& device) { return device.record.isOff; });
-    std::ranges::stable_sort(devices, &ComesBefore);
+    SortStably(devices, &ComesBefore);
     return devices;
 }
 

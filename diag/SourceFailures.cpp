@@ -2,6 +2,24 @@
 
 namespace kel {
 
+void AddFailures(std::vector<SourceFailure>& failures, const std::vector<SourceFailure>& others)
+{
+    failures.insert(failures.end(), others.begin(), others.end());
+}
+
+void CollectFailures(std::vector<SourceFailure>& failures, const std::function<void()>& work)
+{
+    Failures found;
+    {
+        const FailureScope scope;
+        work();
+        found = scope.Found();
+    }
+    AddFailures(failures, found.sources);
+    if (found.hasException)
+        FailureScope::NoteException();
+}
+
 void FailureScope::Note(std::wstring_view source, std::uint32_t error) noexcept
 {
     if (current == nullptr)

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <concepts>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,10 +15,7 @@ struct SourceFailure {
 };
 
 /// Adds the failures of another source of the same device.
-inline void AddFailures(std::vector<SourceFailure>& failures, const std::vector<SourceFailure>& others)
-{
-    failures.insert(failures.end(), others.begin(), others.end());
-}
+void AddFailures(std::vector<SourceFailure>& failures, const std::vector<SourceFailure>& others);
 
 /// What went wrong in a piece of work.
 struct Failures {
@@ -55,18 +52,6 @@ private:
 
 /// Does a piece of work that concerns one device, and adds what could not be read to the device's failures:
 /// it explains nothing about other devices. An exception that the work caught is noted in the outer scope.
-template <std::invocable Work>
-void CollectFailures(std::vector<SourceFailure>& failures, Work work)
-{
-    Failures found;
-    {
-        const FailureScope scope;
-        work();
-        found = scope.Found();
-    }
-    AddFailures(failures, found.sources);
-    if (found.hasException)
-        FailureScope::NoteException();
-}
+void CollectFailures(std::vector<SourceFailure>& failures, const std::function<void()>& work);
 
 }  // namespace kel

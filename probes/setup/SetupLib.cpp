@@ -98,7 +98,11 @@ bool SetupLib::Enumerate(const wchar_t* operation, const GUID& deviceClass, cons
         bool isWhole = true;
         for (DWORD index = 0; entryPoints.enumDeviceInfo(set.get(), index, &device); ++index) {
             try {
-                fill(SetupDevice(entryPoints, set.get(), device));
+                std::vector<SourceFailure> failures;
+                std::vector<SourceFailure>* kept = nullptr;
+                CollectFailures(failures, [&] { kept = fill(SetupDevice(entryPoints, set.get(), device)); });
+                if (kept != nullptr)
+                    AddFailures(*kept, failures);
             } catch (...) {
                 isWhole = false;
                 ReportFailure(LogError, L"Error in ", operation);

@@ -70,7 +70,8 @@ public:
     std::optional<bool> HasBluetooth();
 
 private:
-    using Fill = boost::function<void(const SetupDevice&)>;
+    /// Reads a device, and returns where the failures in it are kept; null where they explain nothing.
+    using Fill = boost::function<std::vector<SourceFailure>*(const SetupDevice&)>;
 
     /// Calls a function for each device of a class.
     /// @param operation the name of the listing, for the log
@@ -81,7 +82,7 @@ private:
     bool Enumerate(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure, const Fill& fill);
 
     /// Appends the record of each device of a class, with the failures in reading it.
-    /// @param read returns a device's record; nullopt for one that does not count
+    /// @param read fills a device's record; false for one that does not count
     template <typename Record, typename Read>
     bool List(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure,
               std::vector<Record>& records, Read read);

@@ -3,7 +3,6 @@
 #include <span>
 #include <string_view>
 
-#include "diag/SourceFailures.h"
 #include "probes/setup/SetupLib.h"
 #include "values/TextMatch.h"
 
@@ -37,7 +36,6 @@ bool IsSwitchedOn(const SetupDevice& device)
 
 bool IsCamera(const SetupDevice& device)
 {
-    const FailureScope scope;  // a property that cannot be read does not leave the count empty
     const std::wstring service = device.Text(SPDRP_SERVICE).ToString();
     return IsSwitchedOn(device) && !BeginsWithAny(device.InstanceId(), ForeignBuses) &&
            std::ranges::none_of(StillImageServices, [&service](const wchar_t* stillImage) {
@@ -47,7 +45,6 @@ bool IsCamera(const SetupDevice& device)
 
 bool IsRadio(const SetupDevice& device)
 {
-    const FailureScope scope;  // likewise
     const std::wstring id = device.InstanceId();
     return IsSwitchedOn(device) && !BeginsWithAny(id, ForeignBuses) && !BeginsWithAny(id, PairedBuses);
 }
@@ -57,7 +54,10 @@ bool IsRadio(const SetupDevice& device)
 std::optional<std::int32_t> SetupLib::CountCameras()
 {
     std::int32_t count = 0;
-    const auto add = [&count](const SetupDevice& device) { count += IsCamera(device) ? 1 : 0; };
+    const auto add = [&count](const SetupDevice& device) -> std::vector<SourceFailure>* {
+        count += IsCamera(device) ? 1 : 0;
+        return nullptr;  // a property that cannot be read does not leave the count empty
+    };
     const bool isWhole =
         Enumerate(L"CountCameras", Cameras, nullptr, add) && Enumerate(L"CountCameras", Images, nullptr, add);
     return isWhole ? std::optional(count) : std::nullopt;
@@ -66,8 +66,11 @@ std::optional<std::int32_t> SetupLib::CountCameras()
 std::optional<bool> SetupLib::HasBluetooth()
 {
     bool isThere = false;
-    const bool isWhole = Enumerate(L"HasBluetooth", Bluetooth, nullptr,
-                                   [&isThere](const SetupDevice& device) { isThere |= IsRadio(device); });
+    const auto add = [&isThere](const SetupDevice& device) -> std::vector<SourceFailure>* {
+        isThere |= IsRadio(device);
+        return nullptr;
+    };
+    const bool isWhole = Enumerate(L"HasBluetooth", Bluetooth, nullptr, add);
     return isThere || isWhole ? std::optional(isThere) : std::nullopt;
 }
 

@@ -1,6 +1,5 @@
 // The listings of the Setup API probe: the properties and values that fill the fields of each record.
 #include <optional>
-#include <utility>
 
 #include "diag/SourceFailures.h"
 #include "probes/setup/SetupLib.h"
@@ -52,76 +51,76 @@ template <typename Record, typename Read>
 bool SetupLib::List(const wchar_t* operation, DWORD deviceClass, const wchar_t* setFailure,
                     std::vector<Record>& records, Read read)
 {
-    return Enumerate(operation, deviceClass, setFailure, [&](const SetupDevice& device) {
-        std::vector<SourceFailure> failures;
-        std::optional<Record> record;
-        CollectFailures(failures, [&] { record = read(device); });
-        if (!record)
-            return;
-        record->failures = std::move(failures);
-        records.push_back(std::move(*record));
-    });
+    const auto fill = [&records, read](const SetupDevice& device) -> std::vector<SourceFailure>* {
+        records.emplace_back();
+        try {
+            if (read(device, records.back()))
+                return &records.back().failures;
+        } catch (...) {
+            records.pop_back();
+            throw;
+        }
+        records.pop_back();
+        return nullptr;
+    };
+    return Enumerate(operation, deviceClass, setFailure, fill);
 }
 
 bool SetupLib::GetHardDriveInfo(std::vector<DiskInfo>& drives)
 {
-    const auto read = [](const SetupDevice& device) -> std::optional<DiskInfo> {
+    const auto read = [](const SetupDevice& device, DiskInfo& drive) {
         std::wstring className;
         if (!device.GetDeviceProperty(SPDRP_CLASS, className) || className != L"DiskDrive")
-            return {};
+            return false;
         if (!device.IsWorking())
-            return {};
-        DiskInfo drive;
+            return false;
         drive.friendlyName = device.Text(SPDRP_FRIENDLYNAME);
         drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         drive.instanceId = Name(device.InstanceId());
         drive.isInternal = device.IsInternal();
-        return drive;
+        return true;
     };
     return List(L"GetHardDriveInfo", DiskDrives, nullptr, drives, read);
 }
 
 bool SetupLib::GetScsiInfo(std::vector<ScsiInfo>& controllers)
 {
-    const auto read = [](const SetupDevice& device) -> std::optional<ScsiInfo> {
+    const auto read = [](const SetupDevice& device, ScsiInfo& controller) {
         if (!device.IsWorking())
-            return {};
-        ScsiInfo controller;
+            return false;
         controller.instanceId = device.InstanceId();
         controller.name = device.DeviceName();
         controller.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         controller.compatibleIds = device.Texts(SPDRP_COMPATIBLEIDS);
         if (const Name version = device.DriverVersion(); version.HasValue())
             controller.driverVersion = Version(version.ToString());
-        return controller;
+        return true;
     };
     return List(L"GetScsiInfo", ScsiControllers, nullptr, controllers, read);
 }
 
 bool SetupLib::GetCDRomInfo(std::vector<OpticalInfo>& drives)
 {
-    const auto read = [](const SetupDevice& device) -> std::optional<OpticalInfo> {
-        OpticalInfo drive;
+    const auto read = [](const SetupDevice& device, OpticalInfo& drive) {
         drive.name = device.DeviceName();
         drive.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         drive.instanceId = Name(device.InstanceId());
         drive.isOff = !device.IsWorking();
-        return drive;
+        return true;
     };
     return List(L"GetCDRomInfo", CDRomDrives, L"Failed call to GetDeviceSet for GetCDRomInfo", drives, read);
 }
 
 bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
 {
-    const auto read = [](const SetupDevice& device) -> std::optional<SoundInfo> {
-        SoundInfo sound;
+    const auto read = [](const SetupDevice& device, SoundInfo& sound) {
         sound.instanceId = device.InstanceId();
         sound.isOff = !device.IsWorking();
         const Name name = sound.HasChosenName() ? device.Text(SPDRP_DEVICEDESC) : device.DeviceName();
         sound.name = Name(TidyText(name.ToString()));
         sound.deviceId = DeviceID(device.Text(SPDRP_HARDWAREID).ToString());
         sound.driverVersion = KnownVersion(device.DriverVersion().ToString());
-        return sound;
+        return true;
     };
     return List(L"GetSoundInfo", SoundDevices, L"Failed call to GetDeviceSet for GetSoundInfo", devices,
                 read);
@@ -129,7 +128,10 @@ bool SetupLib::GetSoundInfo(std::vector<SoundInfo>& devices)
 
 bool SetupLib::GetNetworkDeviceInfo(std::vector<NetworkInfo>& adapters)
 {
-    const auto read = [this](const SetupDevice& device) { return std::optional(NetworkDevice(device)); };
+    const auto read = [this](const SetupDevice& device, NetworkInfo& adapter) {
+        adapter = NetworkDevice(device);
+        return true;
+    };
     // The line names the sound listing; support tools search for it.
     return List(L"GetNetworkDeviceInfo", NetworkAdapters, L"Failed call to GetDeviceSet for GetSoundInfo",
                 adapters, read);
@@ -137,8 +139,11 @@ bool SetupLib::GetNetworkDeviceInfo(std::vector<NetworkInfo>& adapters)
 
 bool SetupLib::GetGpuInfo(std::vector<GpuInfo>& adapters)
 {
-    const auto read = [this](const SetupDevice& device) {
-        return device.IsWorking() ? std::optional(Gpu(device)) : std::nullopt;
+    const auto read = [this](const SetupDevice& device, GpuInfo& adapter) {
+        if (!device.IsWorking())
+            return false;
+        adapter = Gpu(device);
+        return true;
     };
     return List(L"GetGpuInfo", DisplayAdapters, L"Failed call to GetDeviceSet for GetGpuInfo", adapters,
                 read);
@@ -146,14 +151,13 @@ bool SetupLib::GetGpuInfo(std::vector<GpuInfo>& adapters)
 
 bool SetupLib::GetMonitorInfo(std::vector<MonitorInfo>& monitors)
 {
-    const auto read = [](const SetupDevice& device) -> std::optional<MonitorInfo> {
-        MonitorInfo monitor;
+    const auto read = [](const SetupDevice& device, MonitorInfo& monitor) {
         monitor.instance = device.InstanceId();
         monitor.deviceId = DeviceID(monitor.instance);
         monitor.isGeneric = IsGenericMonitor(device);
         if (!monitor.isGeneric)
             monitor.name = Name(TidyText(device.DeviceName().ToString()));
-        return monitor;
+        return true;
     };
     return List(L"GetMonitorInfo", Monitors, nullptr, monitors, read);
 }
