@@ -13,9 +13,9 @@ import time
 import unittest
 from pathlib import Path
 
-from administration import AdminTest
+from administration import AdminTest, report
 from check_test import CHECK, CLOSE, press, start
-from deployed import DeployedTest
+from deployed import UPLOAD, DeployedTest, analysis
 from harness import DLL, EXAMPLES, PATIENCE, ROOT, make_prefix, show_display, wine
 from webdriver import Browser
 
@@ -148,6 +148,21 @@ class WithAControl(PageTest):
                 rows, _, *shown, _ = self.shown(total)
                 self.assertEqual((rows, shown[0]), ([], total))
                 self.assertIn(note, shown[1])
+
+    def test_the_verdict_of_the_service_copies_its_note_for_support(self):
+        line = {"label": "Memory", "id": 71063, "comparison": "at least", "needed": "1 MB"}
+        (self.folder / "demo.json").write_text(json.dumps({"title": "T", "requirements": [line]}))
+        self.command("import", self.folder)
+        self.assertEqual(self.ask("POST", UPLOAD, report("5f0c9a3e-1111-4111-8111-111111111111", v71063="8.0 GB"))[0], 200)
+        page = self.ask("POST", "/service/Analysis/demo", analysis("5f0c9a3e-1111-4111-8111-111111111111", "html"))[1]
+        (self.site / "note.html").write_bytes(page)
+        self.browser.command("Browser.grantPermissions", {
+            "permissions": ["clipboardReadWrite", "clipboardSanitizedWrite"], "origin": self.origin})
+        self.browser.go(f"{self.origin}/note.html")
+        self.browser.click(".support button")
+        self.browser.await_text("Copied", ".support")
+        copied = self.browser.run("return navigator.clipboard.readText()")
+        self.assertRegex(copied, r"^5F0C9A3E \u00b7 20\d\d-.* UTC \u00b7 demo, version 1$")
 
 
 @unittest.skipUnless(shutil.which("Xvfb"), "there is no Xvfb")
