@@ -4,12 +4,6 @@
 
 #include <comutil.h>
 #include <wrl/client.h>
-#ifdef _MSC_VER
-#include <intrin.h>
-#else
-#include <cpuid.h>
-#include <immintrin.h>
-#endif
 
 #include <array>
 #include <cmath>
@@ -21,6 +15,7 @@
 #include "kit/Text.h"
 #include "platform/RegistryValue.h"
 #include "probes/Variant.h"
+#include "probes/cpu/CPUID.h"
 #include "probes/cpu/SystemCpu.h"
 #include "probes/system/Battery.h"
 #include "probes/system/Firmware.h"
@@ -83,37 +78,17 @@ std::string Hex(std::uint64_t number)
     return text.data();
 }
 
-std::array<std::uint32_t, 4> AskProcessor(std::uint32_t leaf)
-{
-    std::array<std::uint32_t, 4> registers = {};
-#ifdef _MSC_VER
-    __cpuidex(reinterpret_cast<int*>(registers.data()), static_cast<int>(leaf), 0);
-#else
-    __cpuid_count(leaf, 0, registers[0], registers[1], registers[2], registers[3]);
-#endif
-    return registers;
-}
-
-#ifndef _MSC_VER
-__attribute__((target("xsave")))
-#endif
-std::uint64_t
-AskSavedState()
-{
-    return _xgetbv(0);
-}
-
 void RecordProcessor(const Snapshot& snapshot, Lines& lines)
 {
     constexpr std::uint32_t UsesSavedState = 1U << 27;  // of ECX of leaf 1
     for (const std::uint32_t leaf : Leaves) {
         std::string line = "cpuid " + Hex(leaf);
-        for (const std::uint32_t answer : AskProcessor(leaf))
+        for (const std::uint32_t answer : RunCpuid(leaf))
             line += "|" + Hex(answer);
         lines.push_back(line);
     }
-    if ((AskProcessor(1)[2] & UsesSavedState) != 0)
-        lines.push_back("xcr0 " + Hex(AskSavedState()));
+    if ((RunCpuid(1)[2] & UsesSavedState) != 0)
+        lines.push_back("xcr0 " + Hex(RunXgetbv()));
     // The measurement differs each time; its rounded value does not.
     const std::vector<std::string> clock = SplitFields(snapshot.Text(ClockId), ' ');
     if (clock.size() == 2)

@@ -48,7 +48,18 @@ constexpr std::pair<const wchar_t*, const wchar_t*> Vendors[] = {
     {L"sis sis sis ", L"Sis"},    {L"geode by nsc", L"National Semiconductor"},
 };
 
-CpuRegisters RunInstruction(std::uint32_t leaf)
+bool HasByte(std::uint32_t value, int firstByte, std::uint32_t byte)
+{
+    for (int shift = firstByte * 8; shift < 32; shift += 8) {
+        if (((value >> shift) & 0xFF) == byte)
+            return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+CpuRegisters RunCpuid(std::uint32_t leaf)
 {
     CpuRegisters registers = {};
 #ifdef _MSC_VER
@@ -63,28 +74,17 @@ CpuRegisters RunInstruction(std::uint32_t leaf)
 __attribute__((target("xsave")))
 #endif
 std::uint64_t
-RunSavedState()
+RunXgetbv()
 {
     return _xgetbv(0);
 }
-
-bool HasByte(std::uint32_t value, int firstByte, std::uint32_t byte)
-{
-    for (int shift = firstByte * 8; shift < 32; shift += 8) {
-        if (((value >> shift) & 0xFF) == byte)
-            return true;
-    }
-    return false;
-}
-
-}  // namespace
 
 CPUID& CPUID::Instance()
 {
     return ProcessInstance<CPUID>();
 }
 
-CPUID::CPUID() : CPUID(Leaves(&RunInstruction), SavedState(&RunSavedState)) {}
+CPUID::CPUID() : CPUID(Leaves(&RunCpuid), SavedState(&RunXgetbv)) {}
 
 CPUID::CPUID(const Leaves& newLeaves, const SavedState& newSavedState)
     : leaves(newLeaves),

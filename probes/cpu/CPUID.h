@@ -13,6 +13,11 @@ namespace kel {
 /// EAX, EBX, ECX and EDX.
 using CpuRegisters = std::array<std::uint32_t, 4>;
 
+/// Runs `cpuid` for a leaf, with ECX = 0.
+CpuRegisters RunCpuid(std::uint32_t leaf);
+/// Runs `xgetbv` for XCR0; only where bit 27 of ECX of leaf 1 says that the system uses it.
+std::uint64_t RunXgetbv();
+
 /// The processor signature of leaf 1, decoded.
 struct CpuSignature {
     unsigned family = 0;
