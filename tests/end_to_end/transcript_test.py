@@ -20,7 +20,7 @@ PAGE_HEADERS = ("Vary", "Access-Control-Allow-Origin", "Access-Control-Allow-Met
                 "Accept-Ranges", "Referrer-Policy", "X-Content-Type-Options", "Cache-Control")  # shown for /v1/
 # What differs from run to run. Moments of 2025 are the transcripts' own.
 MASKS = ((r"^time=\S+ ", ""), (r"(?!2025)20\d\d-\d\d-\d\d([T ])\d\d:\d\d:\d\d", r"0000-00-00\g<1>00:00:00"),
-         (r"(?!2025)20\d\d-\d\d-\d\d", "0000-00-00"),
+         (r"(?!2025)20\d\d-\d\d-\d\d", "0000-00-00"), (r"just now|[\d,]+ \w+ ago", "lately"),
          (r"(?<=00:00:00)\.\d{3}Z", ".000Z"), (r"(?<![\w-])[\w-]{43}(?![\w-])", "SECRET"), (r"\b[\da-f]{64}\b", "HASH"),
          (r"(port=|127\.0\.0\.1:)\d+", r"\1N"), (r"^(\w*(?:seconds_(?:bucket|sum)|_bytes|start_time_seconds)\b.*) \S+$", r"\1 N"),
          (r"^(kel_connections\{.*) \d+$", r"\1 N"), (r"^.*kel_database_free_bytes.*\n", ""), (API_KEY, "KEY"),
