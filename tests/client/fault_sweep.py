@@ -10,7 +10,7 @@ from pathlib import Path
 WINE = Path(__file__).resolve().parents[2] / "scripts" / "wine_run.sh"
 TESTS = os.environ.get("KEL_CLIENT_TESTS", "build/release/tests/client_tests.exe")
 STRIDE = int(os.environ.get("KEL_FAULT_STRIDE", 0))  # over the calls of each function; 0: some of each
-MAX_FAULTS = 24  # of one function, as most of the thousands of calls are those of log lines
+MAX_FAULTS = 16  # of one function, as most of the thousands of calls are those of log lines
 HANDLE = 100000  # the weight of one open handle
 REASONS = 4  # blocks of memory in which the store keeps why values are empty after a fault
 
