@@ -1,6 +1,7 @@
 #include "verdict/ConditionCheck.h"
 
 #include <algorithm>
+#include <compare>
 
 #include "verdict/NominalSize.h"
 #include "verdict/Readings.h"
@@ -255,7 +256,7 @@ bool CoverAll(const Condition& one, const Condition& other)
 {
     if (one.group != other.group)
         return false;
-    const auto covers = [](const auto& order) { return order && *order <= 0; };
+    const auto covers = [](const auto& order) { return order && std::is_lteq(*order); };
     return AreOpposites(one, other) || covers(CompareBounds(one, other)) || covers(CompareBounds(other, one));
 }
 

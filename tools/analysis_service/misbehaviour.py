@@ -135,7 +135,7 @@ MISBEHAVIOURS = {
     "redirect-host-keep": _redirect(307, "http://other.example" + REDIRECTED_PATH),
     "redirect-file": _redirect(302, "file:///C:/windows/win.ini"),
     "redirect-ftp": _redirect(302, "ftp://127.0.0.1" + REDIRECTED_PATH),
-    "gzip": _raw(OK + b"Content-Encoding: gzip\r\n\r\n" + gzip.compress(TEXT)),
+    "gzip": _raw(OK + b"Content-Encoding: gzip\r\n\r\n" + gzip.compress(TEXT, mtime=0)),
     "chunked": _chunked(b"6\r\n71063|\r\n5\r\n71094\r\n0\r\n\r\n"),
     "chunked-text": _chunked(b"6\r\n71063|\r\nmany\r\n71094\r\n0\r\n\r\n"),
     "chunked-negative": _chunked(b"6\r\n71063|\r\n-5\r\n71094\r\n0\r\n\r\n"),
