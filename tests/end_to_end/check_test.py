@@ -12,7 +12,7 @@ from harness import DLL, NO_SERVICE, PATIENCE, PROGRAMS, ServiceTest, make_prefi
 
 CHECK, SAVE, OK, CANCEL, CLOSE = 100, 101, 1, 2, 8  # buttons
 LIST, UPLOAD, ANALYSIS = "/Data/Service.svc/Group/list", "/Data/Service.svc/upload", "/service/Analysis/demo"
-MAX_END = 20  # seconds from Cancel to the end of the process; 2 on an idle machine, and the exchange goes on for minutes
+MAX_END = 20  # seconds from Cancel to the end of the process: two, and more on a busy machine; less than an exchange may take
 
 
 def start(case, program, proxy):
