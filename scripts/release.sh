@@ -19,7 +19,7 @@ git rev-parse -q --verify "refs/tags/v$version" >/dev/null && fail "The tag v$ve
 [ -z "$(git status --porcelain)" ] || fail "There are changes that are not committed."
 
 scripts/lint.sh
-scripts/test.sh --checked
+KEL_WHOLE_BUILD=1 scripts/test.sh --checked
 scripts/package.sh
 scripts/package_service.sh
 # One folder holds all that is published, and its sums.

@@ -156,8 +156,8 @@ def build(product, scope, work, target):
         os.utime(path, (EPOCH, EPOCH))
     target.unlink(missing_ok=True)
     subprocess.run([*faked(), "wixl", "-a", "x64", "-o", str(target), wxs.name], cwd=work, check=True)
-    for query in queries:
-        subprocess.run([*faked(), "msibuild", str(target), "-q", query], check=True)
+    # One run for all queries, as each run writes the whole package anew.
+    subprocess.run([*faked(), "msibuild", str(target), "-q", *queries], check=True)
     code = product.package_code(scope, hashlib.sha256(b"".join(inputs)).hexdigest())
     subprocess.run([*faked(), "msibuild", str(target), "-s", "Detection", product.publisher, "x64;1033", f"{{{code}}}"],
                    check=True)
