@@ -97,6 +97,16 @@ HRESULT CDetectionModule::Register(bool forCurrentUser) noexcept
     return result;
 }
 
+HRESULT CDetectionModule::RegisterScript() noexcept
+{
+    return CatchFailures([] { Registrar(HKEY_CLASSES_ROOT).Register(ReadScript()); });
+}
+
+HRESULT CDetectionModule::UnregisterScript() noexcept
+{
+    return CatchFailures([] { Registrar(HKEY_CLASSES_ROOT).Unregister(ReadScript()); });
+}
+
 HRESULT CDetectionModule::Unregister(bool forCurrentUser) noexcept
 {
     return CatchFailures([forCurrentUser] {

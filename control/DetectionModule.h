@@ -7,7 +7,8 @@
 
 namespace kel {
 
-/// The DLL as COM sees it: how many objects and locks keep it loaded, and its registration.
+/// The module as COM sees it: how many objects and locks keep it loaded, and its registration. The module is
+/// the DLL, or the program that serves 32-bit hosts.
 class CDetectionModule {
 public:
     static CDetectionModule& Instance();
@@ -16,8 +17,9 @@ public:
     void Lock() { ++lockCount; }
     void Unlock() { --lockCount; }
     bool CanUnload() const { return lockCount == 0; }
+    long LockCount() const { return lockCount; }
 
-    /// The full path of the DLL that holds this code.
+    /// The full path of the file that holds this code.
     /// @throws std::runtime_error when the system cannot return it
     static std::wstring Path();
 
@@ -27,6 +29,10 @@ public:
 
     /// Removes the registration.
     HRESULT Unregister(bool forCurrentUser) noexcept;
+
+    /// The same two for all users, without the type library.
+    HRESULT RegisterScript() noexcept;
+    HRESULT UnregisterScript() noexcept;
 
 private:
     std::atomic<long> lockCount = 0;

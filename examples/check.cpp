@@ -1,6 +1,6 @@
 // Uses the generated header: building the control makes Detection.h and Detection_i.c from the type library's
-// source. Build it as a 64-bit program; the thread enters a single-threaded apartment, in which the control
-// lives.
+// source. The thread enters a single-threaded apartment, in which the control lives: a 64-bit program loads
+// it; for a 32-bit one it needs the local server.
 #include <windows.h>
 
 #include <comutil.h>
@@ -16,7 +16,8 @@ int wmain(int count, wchar_t** arguments)
     if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
         return 2;
     Microsoft::WRL::ComPtr<ISysInfo> control;
-    if (FAILED(CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control)))) {
+    if (FAILED(CoCreateInstance(CLSID_SysInfo, nullptr, CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER,
+                                IID_PPV_ARGS(&control)))) {
         std::fputs("The control is not installed.\n", stderr);
         return 2;
     }

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 #include <utility>
 
@@ -20,6 +21,7 @@ namespace {
 constexpr const char* Footer =
     "Exit codes: 0 pass, or no difference; 1 fail, or a difference; 2 unknown;\n"
     "3 wrong arguments, files or answers, with one line that says what to do.\n"
+    "-RegServer and -UnregServer register this program for 32-bit programs that use the control.\n"
     "Only \"check PRODUCT\", \"report --product\" and the value 71069 use the network.";
 
 /// A name of a host, perhaps after a scheme.
@@ -118,6 +120,22 @@ void AddHost(CLI::App& app, Options& options)
     host->callback([&options] { options.command = Command::Host; });
 }
 
+/// The switch of a local server, with which COM starts it, or a setup program registers it. Nothing where the
+/// arguments are none.
+std::optional<Command> ServerSwitch(const std::vector<std::string>& arguments)
+{
+    constexpr std::pair<const char*, Command> Switches[] = {{"Embedding", Command::Embedding},
+                                                            {"RegServer", Command::RegisterServer},
+                                                            {"UnregServer", Command::UnregisterServer}};
+    if (arguments.size() != 1 || !(arguments[0].starts_with('-') || arguments[0].starts_with('/')))
+        return std::nullopt;
+    for (const auto& [name, command] : Switches) {
+        if (_stricmp(arguments[0].c_str() + 1, name) == 0)
+            return command;
+    }
+    return std::nullopt;
+}
+
 /// The version, and the service's host with its origin; a third line on a policy that is ignored.
 std::string DescribeVersion()
 {
@@ -138,6 +156,10 @@ std::string OneLine(std::string reason)
 std::optional<Options> ReadCommandLine(std::vector<std::string> arguments)
 {
     Options options;
+    if (const auto command = ServerSwitch(arguments)) {
+        options.command = *command;
+        return options;
+    }
     CLI::App app("Machine inventory: what this machine has, and whether it meets a product's requirements.",
                  "kel");
     app.footer(Footer);

@@ -6,7 +6,17 @@
 
 namespace kel::program {
 
-enum class Command { Facts, Check, Report, Explain, Compare, Host };
+enum class Command {
+    Facts,
+    Check,
+    Report,
+    Explain,
+    Compare,
+    Host,
+    Embedding,
+    RegisterServer,
+    UnregisterServer,
+};
 
 /// What the user asks for. Texts are UTF-8; those that were not given are empty.
 struct Options {

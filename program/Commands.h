@@ -32,4 +32,11 @@ int CompareFiles(const Options& options);
 /// Answers a browser's extension until the input ends, which ends the process.
 int ServeBrowser(const Options& options);
 
+/// Serves the control to programs of any width as the class's local server, until none needs it any more.
+int ServeHosts();
+
+/// Registers this program as the class's local server for all users, beside a registration of the DLL.
+int RegisterServer();
+int UnregisterServer();
+
 }  // namespace kel::program

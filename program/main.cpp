@@ -30,6 +30,12 @@ int Run(const Options& options)
             return CompareFiles(options);
         case Command::Host:
             return ServeBrowser(options);
+        case Command::Embedding:
+            return ServeHosts();
+        case Command::RegisterServer:
+            return RegisterServer();
+        case Command::UnregisterServer:
+            return UnregisterServer();
         default:
             return ShowFacts(options);
     }

@@ -65,6 +65,17 @@ def _service_host(product):
     return search, f'      <Component Id="ServiceHost" Guid="{code}" Win64="yes">\n{rows}\n      </Component>\n'
 
 
+def _local_server(product):
+    """The components behind the property LOCALSERVER=1: kel.exe serves the control to programs that cannot load the DLL."""
+    class_key = f"Software\\Classes\\CLSID\\{registration.class_id()}\\LocalServer32"
+    search = (f'    <Property Id="KEPTSERVER"><RegistrySearch Id="KeptServer" Root="HKLM" Key="{class_key}" Type="raw"/>'
+              '</Property>\n')
+    kinds = zip(("LocalServer", "LocalServer32"), ("server", "server32"), ("yes", "no"),
+                registration.server_rows("[#KelExe]"), strict=True)
+    return search, "".join(f'      <Component Id="{name}" Guid="{product.component_code(kind)}" Win64="{is_wide}">\n'
+                           f'{_registry(rows, "HKLM")}\n      </Component>\n' for name, kind, is_wide, rows in kinds)
+
+
 def _link_rows():
     """The registration of links to check.exe. It takes the whole link as one argument, and refuses anything else."""
     return [registration.Row(LINK, None, "URL:Computer check"), registration.Row(LINK, "URL Protocol", ""),
@@ -86,10 +97,13 @@ def source(product, scope, size):
     marker = (f'        <RegistryValue Root="HKCU" Key="Software\\{product.name}" Name="Installed" Type="string"'
               ' Value="1" KeyPath="yes"/>\n        <RemoveFolder Id="RemoveInstall" On="uninstall"/>\n') if user else ""
     search, service_host = ("", "") if user else _service_host(product)
+    server_search, local_server = ("", "") if user else _local_server(product)
     components = "" if user else (
         f'      <Component Id="Interface32" Guid="{product.component_code("machine32")}" Win64="no">\n'
-        f'{_registry(narrow, root)}\n      </Component>\n' + _identifier(product) + service_host)
-    references = "" if user else '<ComponentRef Id="Interface32"/><ComponentRef Id="Identifier"/><ComponentRef Id="ServiceHost"/>'
+        f'{_registry(narrow, root)}\n      </Component>\n' + _identifier(product) + service_host
+        + local_server)
+    references = "" if user else "".join(f'<ComponentRef Id="{name}"/>' for name in (
+        "Interface32", "Identifier", "ServiceHost", "LocalServer", "LocalServer32"))
     return f"""<?xml version="1.0" encoding="utf-8"?>
 <Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
   <Product Id="{product.product_code(scope)}" Name="{product.display_name(scope)}" Language="1033"
@@ -100,7 +114,7 @@ def source(product, scope, size):
     <Media Id="1" Cabinet="detection.cab" EmbedCab="yes"/>
     <Icon Id="Detection.ico" SourceFile="Detection.ico"/>
 {_properties(product, size)}
-{search}    <Directory Id="TARGETDIR" Name="SourceDir">
+{search}{server_search}    <Directory Id="TARGETDIR" Name="SourceDir">
       <Directory Id="{folder}">{opened}<Directory Id="INSTALLFOLDER" Name="{product.name}">
       <Component Id="Control" Guid="{product.component_code(scope)}" Win64="yes">
         <File Id="DetectionDll" Name="Detection.dll" Source="Detection.dll"{'' if user else ' KeyPath="yes"'}/>
@@ -114,6 +128,14 @@ def source(product, scope, size):
   </Product>
 </Wix>
 """
+
+
+def _keep(action, name, found, value):
+    """What sets a property that the command does not give, where a search has found something."""
+    return ("INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
+            f"('{action}', {SET_PROPERTY}, '{name}', '{value}')",
+            "INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES "
+            f"('{action}', '{found} AND NOT {name}', {AFTER_SEARCH})")
 
 
 def build(product, scope, work, target):
@@ -137,13 +159,13 @@ def build(product, scope, work, target):
         # for one user, this changes nothing.
         "UPDATE `Component` SET `Condition`='IDENTIFIER = 1 OR REMOVE = \"ALL\"' WHERE `Component`='Identifier'",
         "UPDATE `Component` SET `Condition`='SERVICEHOST OR REMOVE = \"ALL\"' WHERE `Component`='ServiceHost'",
+        *(f"UPDATE `Component` SET `Condition`='LOCALSERVER = 1 OR REMOVE = \"ALL\"' WHERE `Component`='{component}'"
+          for component in ("LocalServer", "LocalServer32")),
         # The tool searches for values of 32-bit programs.
-        f"UPDATE `RegLocator` SET `Type`={RAW_VALUE | FOR_64_BIT} WHERE `Signature_`='KeptHost'",
-        # An upgrade or a repair without the property keeps the host that an installer set.
-        "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
-        f"('KeepHost', {SET_PROPERTY}, 'SERVICEHOST', '[KEPTHOST]')",
-        "INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES "
-        f"('KeepHost', 'KEPTHOST AND NOT SERVICEHOST', {AFTER_SEARCH})",
+        f"UPDATE `RegLocator` SET `Type`={RAW_VALUE | FOR_64_BIT}",
+        # An upgrade or a repair without the property keeps the host that an installer set, and the local server.
+        *_keep("KeepHost", "SERVICEHOST", "KEPTHOST", "[KEPTHOST]"),
+        *_keep("KeepServer", "LOCALSERVER", "KEPTSERVER", "1"),
         # The entry of "Apps" shows the folder, which is known only during the installation.
         "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
         f"('SetLocation', {SET_PROPERTY}, 'ARPINSTALLLOCATION', '[INSTALLFOLDER]')",

@@ -6,6 +6,9 @@ from dataclasses import dataclass
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
+SCRIPT = ROOT / "control" / "dll" / "Detection.rgs"
+SERVER_SCRIPT = ROOT / "program" / "embedding" / "LocalServer.rgs"
+NARROW = "Wow6432Node\\"  # where the classes of 32-bit programs are
 MISC_STATUS = "1024"  # invisible at run time
 AUTOMATION_MARSHALLER = "{00020424-0000-0000-C000-000000000046}"
 
@@ -101,14 +104,22 @@ def type_library_rows(source, module, folder):
 
 
 def class_id():
-    script = (ROOT / "control" / "dll" / "Detection.rgs").read_text("ascii")
+    script = SCRIPT.read_text("ascii")
     return re.search(r"CLSID = s '(\{[-0-9A-F]+\})'", script)[1]
 
 
 def rows(module, folder):
     """All rows for a DLL at a path: those for 64-bit programs, and the interface's, which 32-bit programs need as well."""
-    script = (ROOT / "control" / "dll" / "Detection.rgs").read_text("ascii")
+    script = SCRIPT.read_text("ascii")
     source = (ROOT / "control" / "Detection.idl").read_text("ascii")
     library, interface = type_library_rows(source, module, folder)
     parameters = {"MODULE": module, "APPID": class_id(), "OLEMISC": MISC_STATUS}
     return script_rows(script, parameters) + library + interface, interface
+
+
+def server_rows(module):
+    """The rows of the local server in a program at a path, besides those above: for 64-bit and for 32-bit programs."""
+    found = script_rows(SERVER_SCRIPT.read_text("ascii"), {"MODULE": module, "APPID": class_id()})
+    control, _ = rows("", "")
+    wide = [row for row in found if not row.key.startswith(NARROW) and row not in control]
+    return wide, [Row(row.key.removeprefix(NARROW), row.name, row.text) for row in found if row.key.startswith(NARROW)]
