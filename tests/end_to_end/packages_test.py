@@ -52,13 +52,13 @@ def remove(path):
     return wine("msiexec", *UNATTENDED, "/x", windows_path(path)).code
 
 
-def exported(text):
-    """The values of an export of the registry, by key and name."""
+def saved(text):
+    """The values in a file of Wine's registry, by key and name. Keys without values are in it only without keys below them."""
     values = {}
     for line in text.splitlines():
         if line.startswith("["):
-            current = values.setdefault(line.strip("[]").lower(), {})
-        elif "=" in line:
+            current = values.setdefault(line[1:].rpartition("]")[0].replace(r"\\", "\\").lower(), {})
+        elif "=" in line and not line.startswith("#"):
             name, _, current[name] = line.partition("=")
     return values
 
@@ -89,12 +89,15 @@ class Packages(unittest.TestCase):
         return wine(*CSCRIPT, windows_path(script)).output.strip()
 
     def registry(self, key):
-        """All values below a key, as the system exports them, without the installer's own records."""
-        path = self.folder / "export.reg"
-        path.unlink(missing_ok=True)
-        wine("reg", "export", key, windows_path(path), "/y")
-        values = exported(path.read_text("utf-16")) if path.exists() else {}
-        return {name: named for name, named in values.items() if "\\classes\\installer" not in name}
+        """All values below a key of "Software", without the installer's own records."""
+        paths = [self.folder / name for name in ("HKLM", "HKCU")]
+        for path in paths:
+            path.unlink(missing_ok=True)
+        self.assertEqual(wine(PROGRAMS / "registry.exe", *map(windows_path, paths)).code, 0)
+        root, _, below = key.lower().partition("\\software\\")
+        return {f"{root}\\software\\{name}": values
+                for name, values in saved((self.folder / root.upper()).read_text("ascii")).items()
+                if (name + "\\").startswith(below + "\\") and "classes\\installer" not in name}
 
     def entries(self):
         """What the system lists as installed of this publisher."""
@@ -177,7 +180,7 @@ class Packages(unittest.TestCase):
         return wine(*CSCRIPT, windows_path(INSTALL_SCRIPT), windows_path(path)).code
 
     def test_an_installer_registers_it_as_a_person_does(self):
-        registered = exported((Path(__file__).parent / "registered.reg").read_text("ascii"))
+        registered = saved((Path(__file__).parent / "registered.txt").read_text("ascii"))
         self.record()
         now = NOW["Detection-4.5.1-x64.msi"]
         self.assertEqual(install(now), 0)
