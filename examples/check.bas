@@ -1,11 +1,12 @@
-' For a module of a 64-bit Office program (32-bit Office cannot load the control). Late-bound: no reference is needed.
+' For a module of an Office program. 64-bit Office loads the control; 32-bit Office gets it from kel.exe, where the package was
+' installed with LOCALSERVER=1. Late-bound: no reference is needed.
 ' Returns the verdict and one fact; call it from a button, or in the immediate window: ?CheckMachine("demo")
 Function CheckMachine(Referrer)
   Dim Control, Verdict, Start
   On Error Resume Next
   Set Control = CreateObject("KELDetection_TAMS64.SysInfo")
   If Err.Number <> 0 Then
-    CheckMachine = "The control is not installed, or this is a 32-bit program."
+    CheckMachine = "The control is not installed, or not for 32-bit programs."
     Exit Function
   End If
   On Error GoTo 0

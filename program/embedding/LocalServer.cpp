@@ -35,7 +35,8 @@ bool DispatchMessages()
 
 [[noreturn]] void Refuse(HRESULT result)
 {
-    ReportFailure(LogError, L"The local server cannot serve: ", static_cast<unsigned long>(result));
+    Log::Instance().WriteAlways(LogError, L"The local server cannot serve: ",
+                                static_cast<unsigned long>(result));
     throw UserError("COM does not take the class from this program.");
 }
 

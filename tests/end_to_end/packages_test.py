@@ -14,7 +14,7 @@ from pathlib import Path
 from xml.etree import ElementTree
 from unittest import mock
 
-from harness import CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
+from harness import CLASS_ID, CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
 ACTIVE_SETUP = r"HKLM\Software\Microsoft\Active Setup\Installed Components\{5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2}"
@@ -80,6 +80,7 @@ class Packages(unittest.TestCase):
     def record(self):
         """Records the registry, which later checks compare with."""
         self.ask("Version")  # the script host registers itself when it first runs
+        wine("reg", "add", CLASSES + r"\Wow6432Node\CLSID\Other", "/f")  # an empty key would go with ours
         self.clean = {key: self.registry(key) for key in (CLASSES, USER_CLASSES)}
 
     def ask(self, member):
@@ -180,7 +181,8 @@ class Packages(unittest.TestCase):
         return wine(*CSCRIPT, windows_path(INSTALL_SCRIPT), windows_path(path)).code
 
     def test_an_installer_registers_it_as_a_person_does(self):
-        registered = saved((Path(__file__).parent / "registered.txt").read_text("ascii"))
+        registered, served = (saved((Path(__file__).parent / name).read_text("ascii"))
+                              for name in ("registered.txt", "served.txt"))
         self.record()
         now = NOW["Detection-4.5.1-x64.msi"]
         self.assertEqual(install(now), 0)
@@ -194,9 +196,15 @@ class Packages(unittest.TestCase):
         self.assertEqual(remove(now), 0)
         by_hand = shutil.copyfile(DLL, self.folder / "Detection.dll")
         self.assertEqual(wine("regsvr32", "/s", windows_path(by_hand)).code, 0)
-        self.assertEqual(self.added(windows_path(self.folder)), registered)
+        program = shutil.copyfile(DLL.parent / "kel.exe", self.folder / "kel.exe")
+        for switch, added in ((None, registered), ("-RegServer", registered | served), ("-UnregServer", registered)):
+            with self.subTest(switch):
+                self.assertEqual(wine(program, switch).code if switch else 0, 0)
+                self.assertEqual(self.added(windows_path(self.folder)), added)
         self.assertEqual(self.registry(ACTIVE_SETUP), {})
-        self.assertEqual(install(now, "IDENTIFIER=1"), 0)  # over an earlier registration
+        self.assertEqual(install(now, "IDENTIFIER=1", "LOCALSERVER=1"), 0)  # over an earlier registration
+        added = self.added(r"C:\Program Files\Detection")
+        self.assertEqual({key: named for key, named in added.items() if "kel-check" not in key}, registered | served)
         self.assertEqual(self.ask("Version"), "4.5.1.0")
         self.assertEqual([values.get('"StubPath"') for values in self.registry(ACTIVE_SETUP).values()],
                          [r'"reg add HKCU\\Software\\Keldane /f"'])
@@ -204,16 +212,23 @@ class Packages(unittest.TestCase):
         self.assertEqual(self.registry(ACTIVE_SETUP), {})
         self.check_clean()
 
+    def servers(self):
+        """The keys of the local server."""
+        return [key for key in self.registry(CLASSES) if "localserver32" in key and CLASS_ID.lower() in key]
+
     def service(self):
         return wine(DLL.parent / "kel.exe", "--version").output.splitlines()[1:]
 
-    def test_an_installer_names_the_service_for_later_versions_too(self):
+    def test_an_installers_options_hold_for_later_versions_too(self):
         now, newer = NOW["Detection-4.5.1-x64.msi"], self.next["Detection-4.6.0-x64.msi"]
-        for path, *options in ((now, "SERVICEHOST=firm.example"), (now, "REINSTALL=ALL", "REINSTALLMODE=amus"), (newer,)):
+        for path, *options in ((now, "SERVICEHOST=firm.example", "LOCALSERVER=1"),
+                               (now, "REINSTALL=ALL", "REINSTALLMODE=amus"), (newer,)):
             with self.subTest(options, package=path.name):
                 self.assertEqual(install(path, *options), 0)
                 self.assertEqual(self.service(), ["Service: firm.example (policy)"])
+                self.assertEqual(len(self.servers()), 2)
         self.assertEqual(remove(newer), 0)
+        self.assertEqual(self.servers(), [])
         self.assertEqual(self.service(), ["Service: analysis.keldane.example (built in)"])
 
     def test_every_policy_of_the_templates_is_obeyed(self):

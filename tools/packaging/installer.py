@@ -50,30 +50,37 @@ def _identifier(product):
     values = (("StubPath", r"reg add HKCU\Software\Keldane /f"), ("Version", "1,0"))
     rows = "\n".join(f'        <RegistryValue Root="HKLM" Key="{key}" Name="{name}" Type="string" Value="{value}"/>'
                      for name, value in values)
-    return f'      <Component Id="Identifier" Guid="{code}" Win64="yes">\n{rows}\n      </Component>\n'
+    return _component("Identifier", code, rows)
+
+
+def _kept(product, name):
+    """The search for a value of the installer's own, by which an upgrade or a repair finds what an earlier installation was
+    asked for; with it the row that writes the value."""
+    own = f"Software\\{product.name}"
+    search = (f'    <Property Id="KEPT{name.upper()}"><RegistrySearch Id="Kept{name}" Root="HKLM" Key="{own}" Name="{name}"'
+              ' Type="raw"/></Property>\n')
+    return search, (f'        <RegistryValue Root="HKLM" Key="{own}" Name="{name}" Type="string"'
+                    f' Value="[{name.upper()}]"/>\n')
+
+
+def _component(name, code, rows, is_wide="yes"):
+    return f'      <Component Id="{name}" Guid="{code}" Win64="{is_wide}">\n{rows}\n      </Component>\n'
 
 
 def _service_host(product):
-    """The component behind the property SERVICEHOST, the policy that names the service's host. A copy outside of the policies
+    """The component behind the property SERVICEHOST, the policy that names the service's host. The installer's own value
     distinguishes for an upgrade what the installer set from what a group policy did."""
-    own = f"Software\\{product.name}"
-    rows = "\n".join(f'        <RegistryValue Root="HKLM" Key="{key}" Name="ServiceHost" Type="string" Value="[SERVICEHOST]"/>'
-                     for key in (POLICIES, own))
-    search = (f'    <Property Id="KEPTHOST"><RegistrySearch Id="KeptHost" Root="HKLM" Key="{own}" Name="ServiceHost"'
-              ' Type="raw"/></Property>\n')
-    code = product.component_code("servicehost")
-    return search, f'      <Component Id="ServiceHost" Guid="{code}" Win64="yes">\n{rows}\n      </Component>\n'
+    search, row = _kept(product, "ServiceHost")
+    policy = f'        <RegistryValue Root="HKLM" Key="{POLICIES}" Name="ServiceHost" Type="string" Value="[SERVICEHOST]"/>'
+    return search, _component("ServiceHost", product.component_code("servicehost"), row + policy)
 
 
 def _local_server(product):
     """The components behind the property LOCALSERVER=1: kel.exe serves the control to programs that cannot load the DLL."""
-    class_key = f"Software\\Classes\\CLSID\\{registration.class_id()}\\LocalServer32"
-    search = (f'    <Property Id="KEPTSERVER"><RegistrySearch Id="KeptServer" Root="HKLM" Key="{class_key}" Type="raw"/>'
-              '</Property>\n')
-    kinds = zip(("LocalServer", "LocalServer32"), ("server", "server32"), ("yes", "no"),
-                registration.server_rows("[#KelExe]"), strict=True)
-    return search, "".join(f'      <Component Id="{name}" Guid="{product.component_code(kind)}" Win64="{is_wide}">\n'
-                           f'{_registry(rows, "HKLM")}\n      </Component>\n' for name, kind, is_wide, rows in kinds)
+    search, row = _kept(product, "LocalServer")
+    wide, narrow = (_registry(rows, "HKLM") for rows in registration.server_rows("[#KelExe]"))
+    return search, (_component("LocalServer", product.component_code("server"), row + wide)
+                    + _component("LocalServer32", product.component_code("server32"), narrow, "no"))
 
 
 def _link_rows():
@@ -99,9 +106,8 @@ def source(product, scope, size):
     search, service_host = ("", "") if user else _service_host(product)
     server_search, local_server = ("", "") if user else _local_server(product)
     components = "" if user else (
-        f'      <Component Id="Interface32" Guid="{product.component_code("machine32")}" Win64="no">\n'
-        f'{_registry(narrow, root)}\n      </Component>\n' + _identifier(product) + service_host
-        + local_server)
+        _component("Interface32", product.component_code("machine32"), _registry(narrow, root), "no") + _identifier(product)
+        + service_host + local_server)
     references = "" if user else "".join(f'<ComponentRef Id="{name}"/>' for name in (
         "Interface32", "Identifier", "ServiceHost", "LocalServer", "LocalServer32"))
     return f"""<?xml version="1.0" encoding="utf-8"?>
@@ -130,12 +136,13 @@ def source(product, scope, size):
 """
 
 
-def _keep(action, name, found, value):
-    """What sets a property that the command does not give, where a search has found something."""
+def _keep(name):
+    """What sets a property that the command does not give to what the search has found."""
+    kept = f"KEPT{name.upper()}"
     return ("INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
-            f"('{action}', {SET_PROPERTY}, '{name}', '{value}')",
+            f"('Keep{name}', {SET_PROPERTY}, '{name.upper()}', '[{kept}]')",
             "INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES "
-            f"('{action}', '{found} AND NOT {name}', {AFTER_SEARCH})")
+            f"('Keep{name}', '{kept} AND NOT {name.upper()}', {AFTER_SEARCH})")
 
 
 def build(product, scope, work, target):
@@ -164,8 +171,8 @@ def build(product, scope, work, target):
         # The tool searches for values of 32-bit programs.
         f"UPDATE `RegLocator` SET `Type`={RAW_VALUE | FOR_64_BIT}",
         # An upgrade or a repair without the property keeps the host that an installer set, and the local server.
-        *_keep("KeepHost", "SERVICEHOST", "KEPTHOST", "[KEPTHOST]"),
-        *_keep("KeepServer", "LOCALSERVER", "KEPTSERVER", "1"),
+        *_keep("ServiceHost"),
+        *_keep("LocalServer"),
         # The entry of "Apps" shows the folder, which is known only during the installation.
         "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
         f"('SetLocation', {SET_PROPERTY}, 'ARPINSTALLLOCATION', '[INSTALLFOLDER]')",
