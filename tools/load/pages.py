@@ -97,8 +97,8 @@ def text(machine, reports, times):
              "Written by `scripts/load.sh --pages --page`. What they mean: "
              "[performance](../performance.md#the-analysis-service).", "",
              f"{machine}; {reports:,} reports, more than {PRODUCTS} products with counts of 90 days. Medians of {ROUNDS} "
-             "requests in milliseconds: the processor time of the service and its database, and the time until the answer has come, "
-             "which depends on what else runs.", ""]
+             "requests in milliseconds: the processor time of the service and its database, and the time until the answer has "
+             "come, which depends on what else runs.", ""]
     lines += [f"- {store}: each page within {AIM} ms of processor time is {'met' if most <= AIM else 'missed'}, the slowest "
               f"takes {most:.0f} ms." for store, most in slowest.items()]
     lines += ["", "| page | " + " | ".join(f"{store}: processor, answer" for store in times) + " |",
