@@ -2,6 +2,7 @@
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ProductPages.h"
 #include "server/admin/VerdictTable.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
@@ -32,7 +33,7 @@ Html ProductField(const std::vector<Product>& products, const std::string& chose
         Html::Attributes attributes{{"value", product.referrer}};
         if (product.referrer == chosen)
             attributes.emplace_back("selected", "");
-        options += Html::Element("option", attributes, product.referrer);
+        options += Html::Element("option", attributes, NameAndTitle(product.referrer, product.title));
     }
     return Html::Element("div", {{"class", "field"}},
                          {Html::Element("label", {{"for", "referrer"}}, "Product"),
@@ -179,7 +180,8 @@ Answer CheckFile(const AdminRequest& request)
             return Redirect(ReportPath(Keep(request, snapshot, set, verdict)));
         content += Html::Element("h2", {}, "The file") + FileFacts(snapshot) +
                    Html::Element("h2", {}, "Verdict") +
-                   VerdictTable(fmt::format("By version {} of {}; nothing is stored", set.version, referrer),
+                   VerdictTable(fmt::format("By version {} of {}; nothing is stored", set.version,
+                                            NameAndTitle(referrer, requirements->title.Default())),
                                 verdict) +
                    EmptyValuesTable(FindEmptyValues(*requirements, verdict, snapshot)) +
                    Html::Element("h2", {}, "Values") + FactsTable(snapshot);

@@ -7,6 +7,7 @@
 #include "server/admin/AddLine.h"
 #include "server/admin/EditorText.h"
 #include "server/admin/Layout.h"
+#include "server/admin/ProductPages.h"
 #include "server/admin/TextDifference.h"
 #include "server/admin/kit/Table.h"
 #include "server/store/RequirementSets.h"
@@ -123,7 +124,7 @@ Answer DraftEditor(const AdminRequest& request, const std::string& text, int rev
                          EditorForm(request, text, revision, checked) + Help() +
                          VersionsTable(request, referrer) +
                          Html::Element("p", {}, ButtonLink(ProductPath(referrer), "The product's figures"));
-    return Page(request, "Requirements of " + referrer, content, status);
+    return PageOfProduct(request, "Requirements of " + referrer, content, status);
 }
 
 Answer DraftConflict(const AdminRequest& request, const std::string& text)
@@ -137,7 +138,7 @@ Answer DraftConflict(const AdminRequest& request, const std::string& text)
                          FixedText(draft ? "The saved draft" : "The published text", "theirs", theirs) +
                          Html::Element("h2", {}, "Your text") +
                          EditorForm(request, text, draft ? draft->revision : 0, CheckRequirements(text));
-    return Page(request, "Edit conflict", content, 409);
+    return PageOfProduct(request, "Edit conflict", content, 409);
 }
 
 Html VersionsTable(const AdminRequest& request, const std::string& referrer)

@@ -7,6 +7,7 @@
 #include "server/admin/Drafts.h"
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ProductPages.h"
 #include "server/store/RequirementSets.h"
 #include "verdict/RequirementsCheck.h"
 #include "verdict/text/Text.h"
@@ -33,7 +34,7 @@ Answer AskToPublish(const AdminRequest& request, int revision, const std::string
                       "The draft is saved. Once it is published, every verdict uses these requirements.") +
         DraftPreview::Run(request.database, request.subject, Requirements::Read(text)).Show() +
         Confirmation(request, "publish", revision, text, Button("Publish", "primary"));
-    return Page(request, "Publish the draft of " + request.subject, content);
+    return PageOfProduct(request, "Publish the draft of " + request.subject, content);
 }
 
 Answer AskToDrop(const AdminRequest& request, int revision)
@@ -43,7 +44,7 @@ Answer AskToDrop(const AdminRequest& request, int revision)
                       "The draft will be permanently deleted. Published versions stay as they are.") +
         Confirmation(request, "drop", revision, request.form.Text("text"),
                      Button("Drop the draft", "danger"));
-    return Page(request, "Drop the draft of " + request.subject, content);
+    return PageOfProduct(request, "Drop the draft of " + request.subject, content);
 }
 
 /// The editor with the text and the form's new line.

@@ -39,7 +39,7 @@ std::map<int, std::vector<AskedValue>> FindAsked(Database& database, const std::
     for (const Requirement& line : read->lines) {
         for (const Alternative& alternative : line.anyOf) {
             for (const Condition& condition : alternative.allOf)
-                asked[condition.group].push_back({condition, line.label.Default()});
+                asked[condition.group].push_back({condition, line.label.Default(), alternative.ofAny});
         }
     }
     return asked;
@@ -111,8 +111,12 @@ Html MachineCharts(Database& database, const ReportQuery& sessions, int all, int
 {
     auto asked = FindAsked(database, sessions.referrer);
     std::vector<ValueSample> samples;
-    for (const int id : ChartedValues(asked, chosen))
-        samples.emplace_back(id);
+    for (const int id : ChartedValues(asked, chosen)) {
+        const auto lines = asked.find(id);
+        samples.emplace_back(
+            id, lines != asked.end() && std::any_of(lines->second.begin(), lines->second.end(),
+                                                    [](const AskedValue& one) { return one.ofAny; }));
+    }
     Choices choices;
     const RecentSessions recent = ForEachRecentReport(database, sessions.Filter(), [&](const Report& report) {
         choices.Count(report);

@@ -5,6 +5,7 @@
 #include "server/admin/LineFigures.h"
 #include "server/admin/MachineCharts.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ProductPages.h"
 #include "server/admin/ReportQuery.h"
 #include "server/admin/figures/Curve.h"
 #include "server/admin/kit/Table.h"
@@ -137,15 +138,10 @@ Answer ShowProduct(const AdminRequest& request)
     const auto versions = DayCounts(request.database).ByVersion(referrer, sessions.period.Range());
     ReportQuery reports = sessions;
     reports.isOnce = false;
-    const auto titles = RequirementSets(request.database).Titles({referrer});
-    const std::string title = titles.empty() ? "" : titles.begin()->second;
-    Html content = title.empty() || title == referrer
-                       ? Html()
-                       : Html::Element("p", {{"class", "title"}}, Html::Stored(title));
-    content += Html::Element("p", {{"class", "buttons"}},
-                             {ButtonLink(RequirementsPath(referrer), "Requirements"),
-                              ButtonLink(reports.Address(), "Reports")}) +
-               sessions.period.Choice(ProductPath(referrer));
+    Html content = Html::Element("p", {{"class", "buttons"}},
+                                 {ButtonLink(RequirementsPath(referrer), "Requirements"),
+                                  ButtonLink(reports.Address(), "Reports")}) +
+                   sessions.period.Choice(ProductPath(referrer));
     if (versions.empty()) {
         content += NoSessions(sessions, !published.empty());
     } else {
@@ -155,7 +151,7 @@ Answer ShowProduct(const AdminRequest& request)
                                  static_cast<int>(std::clamp<std::int64_t>(
                                      WholeNumber(request.Query("value")), 0, INT32_MAX)));
     }
-    return Page(request, referrer, content);
+    return PageOfProduct(request, referrer, content);
 }
 
 }  // namespace kel::server

@@ -29,7 +29,7 @@ std::string Quoted(const std::string& text)
 std::string CsvRecords(const FullReport& report, const std::string& total)
 {
     std::string records;
-    const Report read = ReadStored(report.body).value_or(Report());
+    const Report read = Report::ReadStored(report.body).value_or(Report());
     // Repeated for every value, they stay below the bound together.
     const std::size_t maxBytes =
         std::min(MaxCellBytes, MaxReportCells / std::max<std::size_t>(read.Count(), 1));
@@ -95,7 +95,7 @@ std::string JsonEntry(const FullReport& report, const std::string& total)
         ",\"session\":" + Quoted(report.session) + ",\"referrer\":" + Quoted(report.referrer) +
         ",\"user\":" + Quoted(report.user) + ",\"machine\":" + Quoted(report.machine) +
         ",\"total\":" + Quoted(total) + ",\"values\":[";
-    const Report read = ReadStored(report.body).value_or(Report());
+    const Report read = Report::ReadStored(report.body).value_or(Report());
     for (const auto& [key, value] : read.All()) {
         entry += (entry.back() == '[' ? "{\"id\":" : ",{\"id\":") + Quoted(key.first);
         entry += ",\"index\":" + std::to_string(key.second) + ",\"value\":" + Quoted(value) + '}';

@@ -164,7 +164,8 @@ Answer ShowReport(const AdminRequest& request)
                ReportsTable(request.database, "Earlier reports of the same session",
                             Reports(request.database).List(filter), "None.");
     content += ReportsOfMachine(request.database, report);
-    content += Html::Element("h2", {}, "Values") + ValuesTable(ReadStored(report.body).value_or(Report()));
+    content +=
+        Html::Element("h2", {}, "Values") + ValuesTable(Report::ReadStored(report.body).value_or(Report()));
     if (request.IsEditor())
         content += Html::Element(
             "p", {},
@@ -189,6 +190,7 @@ Answer AskToDeleteSession(const AdminRequest& request)
                                 : count == 1       ? "The only report"
                                                    : fmt::format("All {} reports", Grouped(count));
     const Html content =
+        ReportFacts(request.database, report) +
         Html::Element("p", {},
                       {reports + " of the session ", Html::Stored(Shortened(report.session, MaxValueBytes)),
                        fmt::format(", with {} verdicts, will be permanently deleted. The counts by day stay.",

@@ -89,10 +89,10 @@ ReportQuery ReportQuery::WithLine(int number, std::string_view lineResult) const
     return query;
 }
 
-ReportQuery ReportQuery::WithValue(int id, const std::string& comparison, const std::string& text) const
+ReportQuery ReportQuery::WithValue(const ValueCondition& value) const
 {
     ReportQuery query = *this;
-    query.condition = {id, comparison, text};
+    query.condition = value;
     return query;
 }
 
@@ -135,6 +135,7 @@ std::string ReportQuery::Parameters() const
         add("value", std::to_string(condition.id));
         add("comparison", condition.comparison);
         add("text", condition.text);
+        add("of", condition.ofAny ? "any" : "");
     }
     add("once", isOnce ? "1" : "");
     return address;

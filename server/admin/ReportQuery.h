@@ -32,8 +32,7 @@ struct ReportQuery {
     ReportQuery With(std::string_view total) const;
     ReportQuery OfVersion(int number) const;
     ReportQuery WithLine(int number, std::string_view lineResult) const;
-
-    ReportQuery WithValue(int id, const std::string& comparison, const std::string& text) const;
+    ReportQuery WithValue(const ValueCondition& value) const;
 
     /// The filter but for the failing line, which needs the requirements' texts, and the value's condition,
     /// which needs the reports' (see SearchReports).

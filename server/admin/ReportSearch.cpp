@@ -2,8 +2,9 @@
 
 #include <algorithm>
 
-#include "server/admin/figures/Recent.h"
 #include "server/admin/figures/ScanBudget.h"
+#include "server/store/DayCounts.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 
@@ -28,7 +29,7 @@ bool AddMatches(Database& database, const ReportQuery& query, const std::vector<
             return false;
         found.reached = report.id;
         line = std::find_if(line, stretch.end(), [&](const ReportLine& one) { return one.id == report.id; });
-        const auto read = ReadStored(report.body);
+        const auto read = Report::ReadStored(report.body);
         if (read && line != stretch.end() && query.condition.Holds(*read))
             found.lines.push_back(*line);
         return true;
@@ -36,49 +37,93 @@ bool AddMatches(Database& database, const ReportQuery& query, const std::vector<
     return isComplete;
 }
 
-}  // namespace
+/// The days to look at, in the order of the search. Where the counts by day are of what is searched, these
+/// are the ones that have it.
+std::vector<Days> DaysToSearch(Database& database, const ReportQuery& query, const ReportFilter& filter)
+{
+    if (filter.line == 0 || !filter.isOnce)
+        return {query.period.Range()};
+    std::vector<Days> days;
+    for (const PublishedSet& set : RequirementSets(database).Versions(filter.referrer)) {
+        if (set.version == filter.version)
+            days =
+                DayCounts(database).DaysWith(set.id, filter.line, *filter.lineResult, query.period.Range());
+    }
+    if (filter.afterId >= 0)
+        std::reverse(days.begin(), days.end());
+    return days;
+}
 
-FoundReports SearchReports(Database& database, const ReportQuery& query, ReportFilter filter)
+/// A search and what it has used up so far.
+struct Search {
+    bool isByLine = false;  // looks at the lines of verdicts
+    ScanBudget reports;     // that are read
+    ScanBudget stretches;   // statements
+    FoundReports found;
+};
+
+/// Searches the days of the filter, at least one stretch of them; false when the search ends with them:
+/// enough is found, or a budget is used up. Then `reached` is the last report that was looked at.
+bool SearchDays(Database& database, const ReportQuery& query, ReportFilter& filter, Search& search)
 {
     Reports reports(database);
-    FoundReports found;
+    FoundReports& found = search.found;
     const bool isByValue = query.condition.IsGiven();
-    // A session, a user and a machine have few reports.
-    const bool isOfFew = !filter.session.empty() || !filter.beginnings.empty() || !filter.user.empty() ||
-                         !filter.machine.empty();
-    const bool isByLine = !isOfFew && (filter.line > 0 || filter.failing);
-    if (!isByValue && !isByLine)
-        return {reports.List(filter), 0};
     const bool isAscending = filter.afterId >= 0;
-    const int count = filter.count;
-    ScanBudget budget;     // of the reports that are read
-    ScanBudget stretches;  // of the statements, of which the first always runs
-    while (stretches.Allows(1)) {
+    do {
         ReportFilter stretch = filter;
         std::int64_t end = 0;  // 0: everything is in the stretch
-        if (isByLine) {
+        if (search.isByLine) {
             end = reports.StretchEnd(filter, StretchVerdicts);
             (isAscending ? stretch.untilId : stretch.fromId) = end;
         }
-        stretch.count = isByValue ? StretchReports : count - static_cast<int>(found.lines.size());
+        stretch.count = isByValue ? StretchReports : filter.count - static_cast<int>(found.lines.size());
         const std::vector<ReportLine> lines = reports.List(stretch);
         const bool isWhole = static_cast<int>(lines.size()) < stretch.count;
         if (!isByValue)
             found.lines.insert(found.lines.end(), lines.begin(), lines.end());
-        else if (!AddMatches(database, query, lines, count, budget, found))
-            return found;
-        if (static_cast<int>(found.lines.size()) >= count) {
+        else if (!AddMatches(database, query, lines, filter.count, search.reports, found))
+            return false;
+        if (static_cast<int>(found.lines.size()) >= filter.count) {
             found.reached = found.lines.back().id;
-            return found;
+            return false;
         }
         if (isWhole && end == 0) {
             found.reached = 0;
-            return found;
+            return true;
         }
         found.reached = isWhole ? end : lines.back().id;
         (isAscending ? filter.afterId : filter.beforeId) = found.reached;
+    } while (search.stretches.Allows(1));
+    return false;
+}
+
+}  // namespace
+
+FoundReports SearchReports(Database& database, const ReportQuery& query, ReportFilter filter)
+{
+    // A session, a user and a machine have few reports.
+    const bool isOfFew = !filter.session.empty() || !filter.beginnings.empty() || !filter.user.empty() ||
+                         !filter.machine.empty();
+    Search search{!isOfFew && (filter.line > 0 || filter.failing), {}, {}, {}};
+    if (!query.condition.IsGiven() && !search.isByLine)
+        return {Reports(database).List(filter), 0};
+    // Between two ranges is a day or more, so that ids ascend from one to the next in spite of clocks.
+    for (const Days& days : DaysToSearch(database, query, filter)) {
+        if (days.from > 0)
+            filter.from = days.from * DayLength;
+        if (days.until < Days().until)
+            filter.until = days.until * DayLength;
+        if (!search.stretches.Allows(1)) {
+            const std::int64_t next = Reports(database).StretchEnd(filter, 0);
+            search.found.reached = next == 0 ? 0 : next + (filter.afterId >= 0 ? -1 : 1);
+            if (next > 0)
+                break;
+        } else if (!SearchDays(database, query, filter, search)) {
+            break;
+        }
     }
-    return found;
+    return std::move(search.found);
 }
 
 }  // namespace kel::server

@@ -16,16 +16,16 @@ namespace {
 
 constexpr int PageRows = 50;
 
-/// A field to choose one of the values; "" is shown as "any".
+/// A field to choose one of the values; "" is shown as `none`.
 Html ChoiceField(const std::string& label, const std::string& name, std::initializer_list<const char*> values,
-                 const std::string& chosen)
+                 const std::string& chosen, const char* none = "any")
 {
     Html options;
     for (const char* value : values) {
         Html::Attributes attributes{{"value", value}};
         if (chosen == value)
             attributes.emplace_back("selected", "");
-        options += Html::Element("option", attributes, *value ? value : "any");
+        options += Html::Element("option", attributes, *value ? value : none);
     }
     return Html::Element("div", {{"class", "field"}},
                          {Html::Element("label", {{"for", name}}, label),
@@ -74,8 +74,10 @@ Html FilterForm(const ReportQuery& query)
          Field("Id of a value", "value", query.condition.IsGiven() ? std::to_string(query.condition.id) : "",
                "text", {{"inputmode", "numeric"}}),
          ComparisonField(query.condition.comparison),
-         Field("What it is compared with", "text", query.condition.text), hidden,
-         Html::Element("div", {{"class", "field"}}, Button("Show", "primary"))});
+         Field("What it is compared with", "text", query.condition.text),
+         ChoiceField("Of several devices", "of", {"", "any"}, query.condition.ofAny ? "any" : "",
+                     "the first"),
+         hidden, Html::Element("div", {{"class", "field"}}, Button("Show", "primary"))});
 }
 
 /// What the form does not show of the filter, with a link to the list without it.

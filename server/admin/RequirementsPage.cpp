@@ -5,6 +5,7 @@
 #include "server/admin/Layout.h"
 #include "server/admin/LineChanges.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ProductPages.h"
 #include "server/admin/TextDifference.h"
 #include "server/store/RequirementSets.h"
 #include "verdict/text/Text.h"
@@ -72,7 +73,8 @@ Answer ShowRequirements(const AdminRequest& request)
         if (draft)
             content +=
                 Html::Element("h2", {}, "Draft") + Html::Element("pre", {{"tabindex", "0"}}, draft->text);
-        return Page(request, "Requirements of " + referrer, content + VersionsTable(request, referrer));
+        return PageOfProduct(request, "Requirements of " + referrer,
+                             content + VersionsTable(request, referrer));
     }
     Html result = NoteNotice(request);
     if (const std::string from = request.Query("from"); !from.empty()) {
@@ -108,7 +110,7 @@ Answer ShowVersion(const AdminRequest& request)
                       "What differs from the version before");
     if (request.IsEditor())
         links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Load into the draft") + links;
-    return Page(
+    return PageOfProduct(
         request, fmt::format("Version {} of {}", number, referrer),
         Html::Element("pre", {{"tabindex", "0"}}, text) + Html::Element("p", {{"class", "buttons"}}, links));
 }
@@ -128,11 +130,11 @@ Answer ShowVersionDifference(const AdminRequest& request)
                                old, now);
     else
         content = Notice("note", "One of the texts has errors, so that only the lines of text are compared.");
-    return Page(request, fmt::format("{}: from {} to {}", referrer, VersionName(from), VersionName(to)),
-                content + Html::Element("h2", {}, "Line by line") +
-                    ShowDifference(InLines(before), InLines(after)) +
-                    Html::Element("p", {{"class", "buttons"}},
-                                  Link(RequirementsPath(referrer), "To the requirements")));
+    return PageOfProduct(
+        request, fmt::format("{}: from {} to {}", referrer, VersionName(from), VersionName(to)),
+        content + Html::Element("h2", {}, "Line by line") + ShowDifference(InLines(before), InLines(after)) +
+            Html::Element("p", {{"class", "buttons"}},
+                          Link(RequirementsPath(referrer), "To the requirements")));
 }
 
 Answer BeginProduct(const AdminRequest& request)

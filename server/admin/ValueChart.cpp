@@ -16,11 +16,13 @@ constexpr std::size_t MaxTableRows = 100;
 constexpr std::size_t MaxLinkedBytes = 200;  // of a value; an address has a limit
 constexpr std::size_t MaxShownValueBytes = 300;
 
-Html ValueLink(const ReportQuery& query, int id, const std::string& comparison, const std::string& text,
-               int count)
+Html ValueLink(const ReportQuery& query, const ValueSample& sample, const std::string& comparison,
+               const ValueSample::Step& step)
 {
-    return text.size() > MaxLinkedBytes ? Html(Grouped(count))
-                                        : CountLink(query.WithValue(id, comparison, text), count);
+    return step.label.size() > MaxLinkedBytes
+               ? Html(Grouped(step.count))
+               : CountLink(query.WithValue({sample.Id(), comparison, step.label, sample.IsOfAny()}),
+                           step.count);
 }
 
 /// A bar of that length in percent, without a text.
@@ -45,14 +47,13 @@ Html BarList(const ValueSample& sample, const std::vector<ValueSample::Step>& st
         Html name = isCumulative ? Html("at least " + text) : Html::Stored(text);
         if (step.isAsked)
             name += Html::Element("b", {}, " – asked for");
-        list +=
-            Html::Element("li", {},
-                          {Html::Element("span", {{"class", "name"}}, name),
-                           BarPicture(Percent(step.count, sample.Reported()), step.isAsked),
-                           Html::Element("span", {{"class", "number"}},
-                                         {Percentage(step.count, sample.Reported()) + ", ",
-                                          ValueLink(query, sample.Id(), isCumulative ? "at least" : "equals",
-                                                    step.label, step.count)})});
+        list += Html::Element(
+            "li", {},
+            {Html::Element("span", {{"class", "name"}}, name),
+             BarPicture(Percent(step.count, sample.Reported()), step.isAsked),
+             Html::Element("span", {{"class", "number"}},
+                           {Percentage(step.count, sample.Reported()) + ", ",
+                            ValueLink(query, sample, isCumulative ? "at least" : "equals", step)})});
     }
     return Html::Element("ul", {{"class", "bars"}}, list);
 }
@@ -62,8 +63,7 @@ Html FoldedTable(const ValueSample& sample, const ReportQuery& query)
     Table table("Values, the most frequent first", {{"Value"}, {"Sessions", true}, {"Share", true}});
     for (const ValueSample::Step& value : sample.Values(MaxTableRows))
         table.Add({Html::Stored(Shortened(value.label, MaxShownValueBytes)),
-                   ValueLink(query, sample.Id(), "equals", value.label, value.count),
-                   Percentage(value.count, sample.Reported())});
+                   ValueLink(query, sample, "equals", value), Percentage(value.count, sample.Reported())});
     return Html::Element("details", {}, {Html::Element("summary", {}, "Figures"), table.Done("None.")});
 }
 
@@ -72,11 +72,11 @@ Html Sentences(const ValueSample& sample, const std::vector<AskedValue>& asked)
 {
     Html sentences;
     for (const AskedValue& one : asked) {
-        const int count = sample.Meeting(one.condition);
+        const int count = sample.Meeting(one.condition, one.ofAny);
         sentences += Html::Element("p", {{"class", "asked"}},
                                    {Html::Element("b", {}, Percentage(count, sample.Reported())),
-                                    " have what is asked for: ", Html::Stored(one.condition.Text()), " (",
-                                    Html::Stored(one.line), ")."});
+                                    " have what is asked for: ", Html::Stored(one.condition.Text()),
+                                    one.ofAny ? " on any device (" : " (", Html::Stored(one.line), ")."});
     }
     return sentences;
 }
@@ -98,6 +98,8 @@ Html ValueChart(const ValueSample& sample, const std::vector<AskedValue>& asked,
     std::string basis = fmt::format("Of {} sessions that report it", Grouped(sample.Reported()));
     if (sample.Unreported() > 0)
         basis += fmt::format("; {} do not", Grouped(sample.Unreported()));
+    if (sample.IsOfAny())
+        basis += "; of several devices each counts";
     const bool isCumulative = sample.IsOfAmounts();
     return Html::Element(
         "figure", {{"class", "values"}},

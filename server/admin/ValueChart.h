@@ -12,7 +12,8 @@ namespace kel::server {
 /// A condition of a product's newest requirements on a value.
 struct AskedValue {
     Condition condition;
-    std::string line;  // the label of its line
+    std::string line;    // the label of its line
+    bool ofAny = false;  // whether any one device may meet it
 };
 
 /// What sessions have of one value: sentences with the share that meets each condition, then for amounts how

@@ -1,12 +1,14 @@
 #include "server/admin/ValueCondition.h"
 
 #include <fmt/format.h>
+#include <algorithm>
 
 namespace kel::server {
 
 ValueCondition ValueCondition::Read(const AdminRequest& request, std::string& problem)
 {
-    ValueCondition condition{0, request.Query("comparison"), request.Query("text")};
+    const std::string of = request.Query("of");
+    ValueCondition condition{0, request.Query("comparison"), request.Query("text"), of == "any"};
     const std::string id = request.Query("value");
     if (id.empty()) {
         if (!condition.comparison.empty() && !condition.text.empty())
@@ -17,6 +19,8 @@ ValueCondition ValueCondition::Read(const AdminRequest& request, std::string& pr
     const Comparison* comparison = ParseComparison(condition.comparison);
     if (number < 1 || number > INT32_MAX)
         problem = "'value' has to be the id of a value.";
+    else if (!of.empty() && !condition.ofAny)
+        problem = "'of' has to be any.";
     else if (!comparison)
         problem = "'comparison' has to be a comparison of requirements, such as at least or contains.";
     else if (const auto reason = comparison->unsatisfiableReason(condition.text); !reason.empty())
@@ -29,11 +33,15 @@ ValueCondition ValueCondition::Read(const AdminRequest& request, std::string& pr
 bool ValueCondition::Holds(const Report& report) const
 {
     const Comparison* by = ParseComparison(comparison);
-    const std::string* value = report.Value(id);
+    if (!by)
+        return false;
     const CatalogueValue* known = FindCatalogueValue(id);
-    return by && value &&
-           Compare(*by, NormalizeValue(*value), NormalizeValue(text),
-                   known ? known->soldAs : SoldAs::Nothing) == Result::Pass;
+    const std::string needed = NormalizeValue(text);
+    const auto devices = ofAny ? report.Devices(id) : report.Devices(id, 1);
+    return std::any_of(devices.begin(), devices.end(), [&](const std::string* value) {
+        return Compare(*by, NormalizeValue(*value), needed, known ? known->soldAs : SoldAs::Nothing) ==
+               Result::Pass;
+    });
 }
 
 }  // namespace kel::server

@@ -1,5 +1,6 @@
 #include "server/report/Report.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -22,20 +23,50 @@ long ReadIndex(std::string_view text)
     return index;
 }
 
+/// A group as the document has it.
+struct Place {
+    std::string_view id;
+    long index = 0;
+    std::string_view text;
+};
+
 }  // namespace
 
-Report Report::ReadValues(std::string_view xml)
+Report Report::From(const pugi::xml_document& document)
 {
-    const pugi::xml_document document = ReadXml(xml);
     const pugi::xml_node root = document.document_element();
     if (std::string_view(root.name()) != "groups")
         throw Fault(400, "the body is not a report");
+    std::vector<Place> places;
+    for (const pugi::xml_node& group : root.children("group"))
+        places.push_back({group.attribute("id").value(), ReadIndex(group.attribute("index").as_string("0")),
+                          group.child_value("value")});
+    const auto isBefore = [](const Place& left, const Place& right) {
+        return std::pair(left.id, left.index) < std::pair(right.id, right.index);
+    };
+    std::stable_sort(places.begin(), places.end(), isBefore);
     Report report;
-    for (const pugi::xml_node& group : root.children("group")) {
-        const long index = ReadIndex(group.attribute("index").as_string("0"));
-        report.values[{group.attribute("id").value(), index}] = group.child_value("value");
+    report.values.reserve(places.size());
+    for (auto place = places.begin(); place != places.end(); ++place) {
+        if (place + 1 == places.end() || isBefore(*place, place[1]))  // of equal ones the last
+            report.values.emplace_back(std::pair(place->id, place->index), place->text);
     }
     return report;
+}
+
+Report Report::ReadValues(std::string_view xml)
+{
+    return From(ReadXml(xml));
+}
+
+std::optional<Report> Report::ReadStored(std::string_view xml)
+{
+    try {
+        Report report = From(ParseXml(xml));
+        return report.Text(Session).empty() ? std::nullopt : std::optional(std::move(report));
+    } catch (const Fault&) {
+        return std::nullopt;
+    }
 }
 
 Report Report::Read(std::string_view xml)
@@ -47,17 +78,41 @@ Report Report::Read(std::string_view xml)
     return report;
 }
 
+Report::Values::const_iterator Report::Find(int group, long index) const
+{
+    const std::string id = std::to_string(group);
+    return std::lower_bound(values.begin(), values.end(), index,
+                            [&](const Values::value_type& value, long wanted) {
+                                const int order = value.first.first.compare(id);
+                                return order < 0 || (order == 0 && value.first.second < wanted);
+                            });
+}
+
 const std::string* Report::Value(int group) const
 {
-    const auto found = values.find({std::to_string(group), 0});
-    return found == values.end() ? nullptr : &found->second;
+    const auto devices = Devices(group, 1);
+    return devices.empty() ? nullptr : devices.front();
+}
+
+std::vector<const std::string*> Report::Devices(int group, std::size_t max) const
+{
+    std::vector<const std::string*> texts;
+    const std::string id = std::to_string(group);
+    for (auto value = Find(group, 0);
+         value != values.end() && texts.size() < max &&
+         value->first.second == static_cast<long>(texts.size()) && value->first.first == id;
+         ++value)
+        texts.push_back(&value->second);
+    return texts;
 }
 
 ValueLookup Report::Lookup() const&
 {
     return [this](int group, int index) -> std::optional<std::string> {
-        const auto found = values.find({std::to_string(group), index});
-        return found == values.end() ? std::nullopt : std::optional(found->second);
+        const auto found = Find(group, index);
+        return found != values.end() && found->first == std::pair(std::to_string(group), long{index})
+                   ? std::optional(found->second)
+                   : std::nullopt;
     };
 }
 
@@ -71,7 +126,7 @@ const std::string& Report::Text(int group) const
 bool Report::Has(int group) const
 {
     const std::string id = std::to_string(group);
-    for (auto value = values.lower_bound({id, std::numeric_limits<long>::min()});
+    for (auto value = Find(group, std::numeric_limits<long>::min());
          value != values.end() && value->first.first == id; ++value) {
         if (!Trim(value->second).empty())
             return true;
@@ -81,10 +136,9 @@ bool Report::Has(int group) const
 
 std::size_t Report::Bytes() const
 {
-    constexpr std::size_t Node = sizeof(Values::value_type) + 4 * sizeof(void*);  // of the map
-    std::size_t bytes = sizeof *this;
+    std::size_t bytes = sizeof *this + values.capacity() * sizeof(Values::value_type);
     for (const auto& [key, value] : values)
-        bytes += Node + key.first.capacity() + value.capacity();
+        bytes += key.first.capacity() + value.capacity();
     return bytes;
 }
 

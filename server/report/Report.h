@@ -1,11 +1,13 @@
 #pragma once
 
-#include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "server/base/Fault.h"
+#include "server/report/Xml.h"
 #include "verdict/Verdict.h"
 
 namespace kel::server {
@@ -30,9 +32,16 @@ public:
     /// The same, also for a report that names no session.
     static Report ReadValues(std::string_view xml);
 
+    /// The same for a stored report, without the checks that it passed when it arrived; nothing when this
+    /// program's rules refuse it.
+    static std::optional<Report> ReadStored(std::string_view xml);
+
     /// The text of a group's first value; null when the report has none, which is not the same as an empty
     /// one.
     const std::string* Value(int group) const;
+    /// The texts of a group's values by index, from 0 up to the first one that is missing. By default at most
+    /// as many as a verdict judges.
+    std::vector<const std::string*> Devices(int group, std::size_t max = Verdict::MaxIndexes) const;
     /// A look-up of its values for a verdict; the report has to outlive it.
     ValueLookup Lookup() const&;
     ValueLookup Lookup() && = delete;
@@ -44,12 +53,16 @@ public:
     /// About how much memory it takes.
     std::size_t Bytes() const;
 
-    using Values = std::map<std::pair<std::string, long>, std::string>;
-    /// All of them, by id and index.
+    using Values = std::vector<std::pair<std::pair<std::string, long>, std::string>>;
+    /// All of them, ordered by id and index.
     const Values& All() const& { return values; }
     const Values& All() && = delete;  // the reference would dangle
 
 private:
+    static Report From(const pugi::xml_document& document);
+    /// The first value that is not before that place.
+    Values::const_iterator Find(int group, long index) const;
+
     Values values;
 };
 

@@ -67,6 +67,11 @@ std::size_t CountElements(std::string_view text)
 pugi::xml_document ReadXml(std::string_view text)
 {
     CheckCharacters(text);
+    return ParseXml(text);
+}
+
+pugi::xml_document ParseXml(std::string_view text)
+{
     pugi::xml_document document;
     // As a fragment, so that the parser keeps anything beside the root element, which can then be refused.
     const unsigned options = pugi::parse_default | pugi::parse_ws_pcdata | pugi::parse_fragment;

@@ -104,6 +104,23 @@ std::vector<Counts> DayCounts::Lines(std::int64_t set, const Days& days)
     return lines;
 }
 
+std::vector<Days> DayCounts::DaysWith(std::int64_t set, int line, Result result, const Days& days)
+{
+    std::vector<Days> ranges;
+    for (SqlRow& row : database.Read(
+             "SELECT day FROM day_lines WHERE requirement_set = $1 AND line = $2 AND day >= $3 AND day < $4 "
+             "GROUP BY day HAVING sum(" +
+                 std::string(ToString(result)) + ") > 0 ORDER BY day DESC",
+             {set, std::int64_t{line} - 1, days.from, days.until})) {
+        const std::int64_t day = row.Number();
+        if (!ranges.empty() && ranges.back().from == day + 1)
+            ranges.back().from = day;
+        else
+            ranges.push_back({day, day + 1});
+    }
+    return ranges;
+}
+
 std::map<std::string, std::int64_t> DayCounts::Reports(const Days& days)
 {
     std::map<std::string, std::int64_t> reports;

@@ -56,6 +56,9 @@ public:
     std::optional<std::int64_t> FirstDay();
     /// For a published set, the results of each line, in the order of the lines.
     std::vector<Counts> Lines(std::int64_t set, const Days& days);
+    /// The days on which sessions have that result of a published set's line, from 1 on, as ranges without a
+    /// gap: the newest first.
+    std::vector<Days> DaysWith(std::int64_t set, int line, Result result, const Days& days);
     /// How many reports arrived: for each product, and under "" for those without one.
     std::map<std::string, std::int64_t> Reports(const Days& days);
 

@@ -18,10 +18,10 @@ using std::chrono::steady_clock;
 // Longer than the server's statement_timeout, after which the connection stays usable.
 constexpr std::chrono::seconds MaxWait{15}, MaxMigrationWait{24 * 3600};
 constexpr std::chrono::milliseconds ProbeInterval{1000};
-// A generic plan would scan everything for a rare value.
+// A generic plan would scan everything for a rare value. Compiling a plan takes longer than these statements.
 constexpr const char* Settings =
     "SET statement_timeout = '10s'; SET idle_in_transaction_session_timeout = '30s'; "
-    "SET plan_cache_mode = force_custom_plan";
+    "SET plan_cache_mode = force_custom_plan; SET jit = off";
 constexpr const char* MigrationLock = "SELECT pg_advisory_xact_lock(1262832723)";  // "KELS"
 
 /// Waits for one of these events, for at most that time. Returns those that occurred.

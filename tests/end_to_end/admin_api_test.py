@@ -63,7 +63,9 @@ class Programs(AdminTest):
                 ("value=71063&comparison=at%20least&text=8%20GB", ["s1", "s3"]),
                 ("value=71063&comparison=any", ["s0", "s1", "s2", "s3"]),
                 ("value=2&comparison=contains&text=vendor%204", ["s4"]), ("value=7&comparison=any", []), ("session=s2", ["s2"]),
-                ("referrer=demo&version=1&line=1&result=unknown", ["s2", "s4"]), ("referrer=demo&failing=memory", ["s0"]),
+                ("referrer=demo&version=1&line=1&result=unknown", ["s2", "s4"]),
+                ("referrer=demo&version=1&line=1&result=unknown&once=1", ["s2", "s4"]),
+                ("referrer=demo&version=1&line=2&result=pass&once=1", []), ("referrer=demo&failing=memory", ["s0"]),
                 ("referrer=demo&failing=memory&value=71063&comparison=at%20most&text=4%20GB", ["s0"]), ("user=u", [])):
             for way in (query, query + "&all=1", query + "&count=1"):
                 found, after, last = [], -1, 0

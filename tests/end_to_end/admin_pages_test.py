@@ -55,6 +55,7 @@ class Pages(AdminTest):
         page = self.page("/reports/1", cookie)
         asked = self.page("/reports/2/delete", cookie)
         self.assertIn("/reports/2/delete", asked.links)
+        self.assertIn("demo T", asked.data)
         form = {"token": asked.fields["token"]}
         self.assertEqual(self.status("POST", "/reports/2/delete", form, cookie), 303)
         self.assertEqual((self.database.run("SELECT id FROM report"), self.database.run("SELECT * FROM verdict")), ([(3,)], []))

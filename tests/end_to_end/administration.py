@@ -15,10 +15,11 @@ PASSWORD = "correct horse battery"
 
 
 def report(session, referrer="demo", **values):
-    """A report; further values are named v71063 and so on."""
-    groups = {71424: session, 71218: referrer, **{name[1:]: value for name, value in values.items()}}
-    return "<groups>" + "".join(f'<group index="0" id="{number}"><value>{html.escape(value)}</value></group>'
-                                for number, value in groups.items()) + "</groups>"
+    """A report; further values are named v71063 and so on, v72004_1 with the index 1."""
+    groups = {"71424": session, "71218": referrer, **{name[1:]: value for name, value in values.items()}}
+    places = ((*name.split("_"), "0")[:2] + (html.escape(value),) for name, value in groups.items())
+    return "<groups>" + "".join('<group index="{1}" id="{0}"><value>{2}</value></group>'.format(*place)
+                                for place in places) + "</groups>"
 
 
 def requirements(*lines, title="T"):

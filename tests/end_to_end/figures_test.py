@@ -42,7 +42,9 @@ class Figures(AdminTest):
         for limit in (4, 8):
             self.publish("demo", {"id": 71063, "label": "Minimum", "comparison": "at least", "needed": f"{limit} GB"},
                          {"id": 71063, "label": "Ideal", "comparison": "at least", "needed": "16 GB", "recommended": True},
-                         {"id": 71254, "label": "Processors", "comparison": "at least", "needed": "4"})
+                         {"id": 71254, "label": "Processors", "comparison": "at least", "needed": "4"},
+                         {"id": 72004, "label": "Graphics", "comparison": "at least", "needed": "4 GB", "of": "any",
+                          "recommended": True})
             for _ in range(3):
                 self.arrive([next(ages) for _ in range(30)])
 
@@ -56,7 +58,8 @@ class Figures(AdminTest):
         for age in ages:
             session, referrer = f"s{self.random.randrange(48)}", self.random.choice(("demo", "demo", "other", "x", ""))
             values = {f"v{number}": self.random.choice(texts) for number, texts in
-                      ((71063, ("2.0 GB", "7.8 GB", "32.0 GB") * 6 + ("lots",)), (71254, ("2", "8", "")))}
+                      ((71063, ("2.0 GB", "7.8 GB", "32.0 GB") * 6 + ("lots",)), (71254, ("2", "8", "")),
+                       (72004, ("1.0 GB", "8.0 GB")), ("72004_1", ("2.0 GB", "4.0 GB", "8.0 GB")))}
             sessions.add(session)
             day = self.today - age
             rows.append(f"('{session}', '{referrer}', '', {day * DAY + 5}, '{report(session, referrer, **values)}')")
@@ -107,8 +110,8 @@ class Figures(AdminTest):
         for version in sorted({version for version, _, _, _ in sessions}, reverse=True):
             lists = [results for number, _, _, results in sessions if number == version]
             lines = [(label, counts(results[place] for results in lists))
-                     for place, label in enumerate(("Minimum", "Ideal Recommended", "Processors"))]
-            lines.sort(key=lambda line: ("Ideal" in line[0], -line[1][0] - line[1][1], -line[1][0]))
+                     for place, label in enumerate(("Minimum", "Ideal Recommended", "Processors", "Graphics Recommended"))]
+            lines.sort(key=lambda line: ("Recommended" in line[0], -line[1][0] - line[1][1], -line[1][0]))
             expected += [[label, *map(str, found), share(found[0] + found[1], len(lists))] for label, found in lines]
         versions = [row for row in rows if row[0].isdigit()]
         self.assertEqual([row for row in rows if not row[0].isdigit()], expected, query)

@@ -5,7 +5,6 @@
 
 #include "server/admin/figures/ScanBudget.h"
 #include "server/admin/kit/Texts.h"
-#include "server/base/Fault.h"
 
 namespace kel::server {
 
@@ -13,15 +12,6 @@ std::string RecentSessions::Text() const
 {
     return fmt::format("the last {} sessions{}", Grouped(count),
                        isCut ? " (older ones are left out: they would take too long)" : "");
-}
-
-std::optional<Report> ReadStored(const std::string& body)
-{
-    try {
-        return Report::Read(body);
-    } catch (const Fault&) {
-        return std::nullopt;
-    }
 }
 
 RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
@@ -47,7 +37,7 @@ RecentSessions ForEachRecentReport(Database& database, ReportFilter filter,
         recent.isCut = !budget.Allows(report.body.size());
         if (recent.isCut)
             return false;
-        if (const auto read = ReadStored(report.body)) {
+        if (const auto read = Report::ReadStored(report.body)) {
             use(*read, report.id);
             ++recent.count;
         }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "server/report/Report.h"
@@ -21,9 +20,6 @@ struct RecentSessions {
     /// "the last 12 sessions", and whether older ones were left out.
     std::string Text() const;
 };
-
-/// Reads a stored report; nothing when this program's rules refuse it.
-std::optional<Report> ReadStored(const std::string& body);
 
 /// Passes the reports of the filter to `use`, the newest of each session among the newest RecentCount, except
 /// those that cannot be read. Stops after a second, or after 32 MB.

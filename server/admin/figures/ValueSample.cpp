@@ -1,6 +1,7 @@
 #include "server/admin/figures/ValueSample.h"
 
 #include <algorithm>
+#include <set>
 
 #include "verdict/NominalSize.h"
 #include "verdict/text/Text.h"
@@ -25,7 +26,7 @@ ComparedAmount ToCompared(const Amount& amount, const std::string& text, SoldAs 
 
 }  // namespace
 
-ValueSample::ValueSample(int id) : id(id), soldAs(SoldAs::Nothing)
+ValueSample::ValueSample(int id, bool ofAny) : id(id), ofAny(ofAny), soldAs(SoldAs::Nothing)
 {
     if (const CatalogueValue* known = FindCatalogueValue(id))
         soldAs = known->soldAs;
@@ -33,50 +34,77 @@ ValueSample::ValueSample(int id) : id(id), soldAs(SoldAs::Nothing)
 
 void ValueSample::Add(const Report& report)
 {
-    const std::string* value = report.Value(id);
-    const std::string compared = value ? NormalizeValue(*value) : "";
-    if (compared.empty()) {
+    Devices devices;
+    for (const std::string* value : ofAny ? report.Devices(id) : report.Devices(id, 1)) {
+        const std::string& compared = Normalized(*value);
+        // Equal ones count once, but the first stays the first, even if it is empty.
+        if (devices.empty() ||
+            (!compared.empty() && std::find(devices.begin(), devices.end(), compared) == devices.end()))
+            devices.push_back(compared);
+    }
+    if (std::all_of(devices.begin(), devices.end(), [](const auto& text) { return text.empty(); })) {
         ++unreported;
         return;
     }
     ++reported;
-    Value& entry = values[compared];
-    if (entry.count++ == 0)
-        entry.text = std::string(Trim(*value));
+    ++sessions[devices];
+}
+
+/// The text that is compared; many sessions report the same.
+const std::string& ValueSample::Normalized(const std::string& value)
+{
+    const auto [place, isNew] = normalized.try_emplace(value);
+    if (isNew) {
+        place->second = NormalizeValue(value);
+        texts.emplace(place->second, Trim(value));
+    }
+    return place->second;
 }
 
 bool ValueSample::IsOfAmounts() const
 {
     std::map<AmountKind, int> kinds;
-    for (const auto& [text, value] : values) {
-        if (const auto amount = ParseAmount(text))
-            kinds[amount->kind] += value.count;
+    for (const auto& [devices, count] : sessions) {
+        std::set<AmountKind> own;
+        for (const std::string& text : devices) {
+            if (const auto amount = ParseAmount(text))
+                own.insert(amount->kind);
+        }
+        for (const AmountKind kind : own)
+            kinds[kind] += count;
     }
     // Some texts that cannot be read do not make the others texts.
     return std::any_of(kinds.begin(), kinds.end(),
                        [&](const auto& kind) { return kind.second * 2 > reported; });
 }
 
-int ValueSample::Meeting(const Condition& condition) const
+int ValueSample::Meeting(const Condition& condition, bool any) const
 {
-    int count = 0;
+    int meeting = 0;
     const std::string needed = NormalizeValue(condition.needed);
-    for (const auto& [text, value] : values) {
-        if (Compare(*condition.comparison, text, needed, soldAs) == Result::Pass)
-            count += value.count;
+    for (const auto& [devices, count] : sessions) {
+        const auto last = any ? devices.end() : devices.begin() + 1;
+        if (std::any_of(devices.begin(), last, [&](const std::string& text) {
+                return Compare(*condition.comparison, text, needed, soldAs) == Result::Pass;
+            }))
+            meeting += count;
     }
-    return count;
+    return meeting;
 }
 
 std::vector<ValueSample::Step> ValueSample::AtLeast(const std::vector<std::string>& asked) const
 {
     std::map<double, Step> amounts;
-    for (const auto& [text, value] : values) {
-        if (const auto amount = ParseAmount(text)) {
-            const ComparedAmount compared = ToCompared(*amount, value.text, soldAs);
+    for (const auto& [devices, count] : sessions) {
+        std::set<double> own;
+        for (const std::string& text : devices) {
+            const auto amount = ParseAmount(text);
+            if (!amount)
+                continue;
+            const ComparedAmount compared = ToCompared(*amount, texts.at(text), soldAs);
             Step& step = amounts[compared.number];
             step.label = step.label.empty() ? compared.text : step.label;
-            step.count += value.count;
+            step.count += own.insert(compared.number).second ? count : 0;
         }
     }
     while (amounts.size() > MaxSteps)
@@ -92,7 +120,7 @@ std::vector<ValueSample::Step> ValueSample::AtLeast(const std::vector<std::strin
     }
     std::vector<Step> steps;
     for (auto& [number, step] : amounts) {
-        step.count = Meeting({id, ParseComparison("at least"), step.label});
+        step.count = Meeting({id, ParseComparison("at least"), step.label}, ofAny);
         steps.push_back(step);
     }
     return steps;
@@ -106,8 +134,15 @@ std::vector<ValueSample::Step> ValueSample::Steps(const std::vector<std::string>
 std::vector<ValueSample::Step> ValueSample::Values(std::size_t max) const
 {
     std::vector<Step> steps;
-    for (const auto& [text, value] : values)
-        steps.push_back({value.text, value.count});
+    std::map<std::string, int> counts;
+    for (const auto& [devices, count] : sessions) {
+        for (const std::string& text : devices)
+            counts[text] += text.empty() ? 0 : count;
+    }
+    for (const auto& [text, count] : counts) {
+        if (count > 0)
+            steps.push_back({texts.at(text), count});
+    }
     std::stable_sort(steps.begin(), steps.end(),
                      [](const Step& left, const Step& right) { return left.count > right.count; });
     steps.resize(std::min(steps.size(), max));

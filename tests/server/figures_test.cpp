@@ -1,0 +1,86 @@
+// The figures of the administration, and searches, without pages.
+#include <gtest/gtest.h>
+
+#include "server/admin/ReportSearch.h"
+#include "server/admin/figures/ValueSample.h"
+#include "tests/server/FakeConnection.h"
+
+namespace kel::server {
+
+namespace {
+
+constexpr int GraphicsMemory = 72004;
+
+Report ReportOf(const std::vector<std::string>& devices)
+{
+    std::string groups = "<groups><group id=\"71424\"><value>s</value></group>";
+    for (std::size_t i = 0; i < devices.size(); ++i)
+        groups += "<group id=\"72004\" index=\"" + std::to_string(i) + "\"><value>" + devices[i] +
+                  "</value></group>";
+    return Report::Read(groups + "</groups>");
+}
+
+TEST(ValueSample, CountsASessionByItsFirstDeviceOrByAnyOfThem)
+{
+    struct Row {
+        const char* comparison;
+        const char* needed;
+        int first, any;
+    };
+    constexpr Row Rows[] = {{"at least", "6 GB", 1, 3},
+                            {"at most", "2 GB", 2, 2},
+                            {"equals", "12.0 GB", 1, 2},
+                            {"any", "", 3, 4},
+                            {"at least", "16 GB", 0, 0}};
+    ValueSample first(GraphicsMemory), any(GraphicsMemory, true);
+    for (const auto& devices : std::vector<std::vector<std::string>>{
+             {"2.0 GB", "12.0 GB", "12.0 GB"}, {"12.0 GB", "4.0 GB"}, {"", "8.0 GB"}, {"1.0 GB"}, {""}, {}}) {
+        first.Add(ReportOf(devices));
+        any.Add(ReportOf(devices));
+    }
+    for (const Row& row : Rows) {
+        const Condition condition{GraphicsMemory, ParseComparison(row.comparison), row.needed};
+        EXPECT_EQ(first.Meeting(condition, false), row.first) << row.comparison << " " << row.needed;
+        EXPECT_EQ(any.Meeting(condition, true), row.any) << row.comparison << " " << row.needed;
+        EXPECT_EQ(any.Meeting(condition, false), row.first) << row.comparison << " " << row.needed;
+    }
+    EXPECT_EQ(first.Reported(), 3);
+    EXPECT_EQ(any.Reported(), 4);
+    EXPECT_EQ(any.Unreported(), 2);
+    std::map<std::string, int> bars, values;
+    for (const ValueSample::Step& step : any.Steps({"6 GB"}))
+        bars[step.label] = step.count;
+    EXPECT_EQ(bars,
+              (std::map<std::string, int>{
+                  {"1.0 GB", 4}, {"2.0 GB", 3}, {"4.0 GB", 3}, {"6 GB", 3}, {"8.0 GB", 3}, {"12.0 GB", 2}}));
+    for (const ValueSample::Step& value : any.Values(10))
+        values[value.label] = value.count;
+    EXPECT_EQ(values, (std::map<std::string, int>{
+                          {"1.0 GB", 1}, {"2.0 GB", 1}, {"4.0 GB", 1}, {"8.0 GB", 1}, {"12.0 GB", 2}}));
+}
+
+/// Searches a store that never ends for a line's result that no verdict has.
+TEST(ReportSearch, ByALineEndsAfterItsSecondAndSaysHowFarItCame)
+{
+    std::int64_t last = 1'000'000'000;
+    const auto start = std::chrono::steady_clock::now();
+    const auto respond = [&](const std::string& sql) {
+        if (std::chrono::steady_clock::now() - start > std::chrono::minutes(1))
+            throw std::runtime_error("the search does not end");
+        return sql.find("OFFSET") == std::string::npos ? SqlRows()
+                                                       : SqlRows{SqlRow({std::to_string(--last)})};
+    };
+    const auto pool = std::make_shared<SqlPool>([&] { return std::make_unique<FakeConnection>(respond); }, 1);
+    Database database(pool, pool, pool, "", {});
+    ReportQuery query{"demo", {}};
+    query.version = query.line = 1;
+    query.result = "unknown";
+    const FoundReports found = SearchReports(database, query, query.Filter());
+    EXPECT_EQ(found.reached, last);
+    EXPECT_TRUE(found.lines.empty());
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(900));
+}
+
+}  // namespace
+
+}  // namespace kel::server
