@@ -27,7 +27,7 @@ namespace {
 
 using namespace kel;
 using namespace kel::check;
-using program::ServiceAnswer, program::VerdictAnswer;
+using program::CheckOffer, program::VerdictAnswer;
 
 /// The exit codes; the first three are those of kel.exe.
 enum ExitCode { Passed, Failed, Unknown, Problem, Cancelled };
@@ -74,18 +74,18 @@ Result WaitFor(std::future<Result> result, const Page& page, int end, const std:
     return result.get();
 }
 
-ServiceAnswer AskForWantedValues(const CheckName& name)
+CheckOffer AskForOffer(const CheckName& name)
 {
     program::BeginCheck(name.product, name.session);
     const Page page = WaitingPage(Service());
-    return WaitFor(StartWork(&program::FetchWantedGroups), page, 0, [&] { return Step{page.content}; });
+    return WaitFor(StartWork(&program::FetchOffer), page, 0, [&] { return Step{page.content}; });
 }
 
 /// Shows what will be read and sent, until the user agrees.
-void AskForConsent(const CheckName& name)
+void AskForConsent(const CheckName& name, const std::string& title)
 {
     const std::vector<int> values = program::ListReportedValues();
-    Dialog dialog(ConsentPage(name, Service(), values));
+    Dialog dialog(ConsentPage(name, title, Service(), values));
     dialog.AddButton(CheckButton, L"C&heck");
     if (IsShortened(values))
         dialog.AddButton(ListButton, L"&All values\u2026", [&](HWND window) {
@@ -126,10 +126,10 @@ ExitCode ShowVerdict(const CheckName& name, const Verdict& verdict)
 
 ExitCode Check(const CheckName& name)
 {
-    const ServiceAnswer wanted = AskForWantedValues(name);
-    if (!program::IsGroupList(wanted))
-        return ShowProblem(RefusedPage(wanted, name, Service()));
-    AskForConsent(name);
+    const CheckOffer offer = AskForOffer(name);
+    if (!program::IsGroupList(offer.wanted))
+        return ShowProblem(RefusedPage(offer.wanted, name, Service()));
+    AskForConsent(name, offer.title);
     const VerdictAnswer answer = CheckMachine();
     if (!answer.verdict)
         return ShowProblem(RefusedPage(answer, name, Service()));

@@ -232,10 +232,10 @@
       say("note", "Please open this page in a current browser.");
       return;
     }
-    function begin() {
+    function begin(note) {
       stop();
       say("total", "Waiting for the program\u2026", "total waiting");
-      say("note", "Please open the downloaded program, and press \u201cCheck\u201d there. The answer appears here by itself.");
+      say("note", note + " The answer appears here by itself.");
       stop = waitForVerdict(service, product, session);
     }
     function check() {
@@ -266,7 +266,12 @@
     say("total", "This computer has not been checked yet.", "total waiting");
     byId("download").setAttribute("href", service + "/v1/check/" + product + "/" + session);
     byId("installed").setAttribute("href", "kel-check:" + product + "/" + session);
-    byId("download").onclick = byId("installed").onclick = begin;
+    byId("download").onclick = function () {
+      begin("Please open the downloaded program, and press \u201cCheck\u201d there.");
+    };
+    byId("installed").onclick = function () {
+      begin("Please press \u201cCheck\u201d in the program\u2019s window. If none opens, use the download.");
+    };
     byId("offer").removeAttribute("hidden");
   }
 

@@ -10,10 +10,6 @@ const SESSION = /^[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}$/i;
 const busy = new Set();      // origins with a check under way
 const questions = new Map(); // by id: what a consent page shows, and how to answer
 
-function namesOf(areas) {
-  return areas.flatMap(({ names }) => names);
-}
-
 // Shows a window with the question. Resolves to whether the visitor agrees; to undefined when the window is closed.
 async function askVisitor(question, page) {
   if (page.isGone) return undefined;
@@ -31,9 +27,9 @@ async function askVisitor(question, page) {
 // Returns when the visitor or the firm has agreed to have these values read for the site.
 async function agree(origin, product, values, isClicked, page) {
   if (await sites.policyFor(origin) === "allowed") return;
-  const names = namesOf(values.areas);
+  const names = sites.namesOf(values.areas);
   const decision = await sites.decisionFor(origin);
-  if (decision?.isAllowed && names.every((name) => decision.names.includes(name))) return;
+  if (sites.covers(decision, names)) return;
   if (!isClicked) throw new Failure("no click");
   const { service, encrypted, areas } = values;
   const isAllowed = await askVisitor({ origin, product, service, encrypted, areas }, page);

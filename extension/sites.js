@@ -30,6 +30,16 @@ export async function decisionFor(origin) {
   return (await load())[origin];
 }
 
+// What a visitor agrees to, each value with its area: several areas have a value of the same name.
+export function namesOf(areas) {
+  return areas.flatMap(({ area, names }) => names.map((name) => `${area}: ${name}`));
+}
+
+// Whether a decision allows all these values.
+export function covers(decision, names) {
+  return decision?.isAllowed === true && names.every((name) => decision.names.includes(name));
+}
+
 export async function remember(origin, isAllowed, names) {
   const sites = await load();
   delete sites[origin];

@@ -41,6 +41,9 @@ public:
     /// @return the answer, whatever it is; empty without one, and when the groups are known
     std::wstring FetchWantedGroups();
 
+    /// Whether the service has answered the last request for the wanted groups.
+    bool HasWantedGroups() const { return wanted.AreAnswered(); }
+
     /// Examines the machine (once per process) without any exchange with the service: these groups count as
     /// wanted, no identifier is stored and nothing is uploaded.
     void DetectLocally(std::vector<unsigned> groups);

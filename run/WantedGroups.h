@@ -24,8 +24,11 @@ public:
         return fetchedFor != referrer || (!isAnswered && attempt.IsDue(now));
     }
 
+    /// Whether the service has sent the groups, which may be none.
+    bool AreAnswered() const { return isAnswered; }
+
     /// Takes the answer: group ids separated by "|" or ",".
-    /// @param answered whether it is the service's
+    /// @param answered whether it is the service's, and not an error
     void Assign(const std::wstring& answer, const std::wstring& referrer, bool answered);
 
     /// Records a request for the groups, whatever comes of it.

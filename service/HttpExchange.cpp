@@ -20,6 +20,8 @@ static_assert(ConnectFlags == 0x40000);
 constexpr DWORD RequestFlags = INTERNET_FLAG_RELOAD | INTERNET_FLAG_EXISTING_CONNECT |
                                INTERNET_FLAG_NO_CACHE_WRITE | INTERNET_FLAG_KEEP_CONNECTION;
 static_assert(RequestFlags == 0xA4400000);
+/// No redirect is followed: one could lead to plain HTTP.
+constexpr DWORD SecureFlags = INTERNET_FLAG_SECURE | INTERNET_FLAG_NO_AUTO_REDIRECT;
 constexpr DWORD PieceSize = 2000;
 
 HINTERNET Require(HINTERNET handle, const char* failure)
@@ -33,7 +35,7 @@ HINTERNET OpenRequest(const HttpRequest& request, InternetSession& internet)
 {
     const HINTERNET session = Require(internet.Open(), "Can't open Internet.");
     const INTERNET_PORT port = request.isSecure ? INTERNET_DEFAULT_HTTPS_PORT : INTERNET_DEFAULT_HTTP_PORT;
-    const DWORD flags = RequestFlags | (request.isSecure ? INTERNET_FLAG_SECURE : 0);
+    const DWORD flags = RequestFlags | (request.isSecure ? SecureFlags : 0);
     const HINTERNET connection =
         Require(internet.Keep(InternetConnectW(session, request.host.c_str(), port, L"", L"",
                                                INTERNET_SERVICE_HTTP, ConnectFlags, 0)),
@@ -94,14 +96,24 @@ void ReadBody(HINTERNET request, InternetSession& internet, HttpAnswer& answer)
 
 }  // namespace
 
+bool HttpAnswer::IsRedirect() const
+{
+    const auto code = ToInteger(status.value_or(L""));
+    return code >= 300 && code < 400;
+}
+
+bool HttpAnswer::IsError() const
+{
+    return ToInteger(status.value_or(L"")) >= 400;
+}
+
 void HttpAnswer::LogStatus() const
 {
     if (!status)
         WriteLog(LogWarning, L"Can't get status.");
     if (!statusText)
         WriteLog(LogWarning, L"Can't get data.");
-    const std::wstring code = status.value_or(L"");
-    WriteLog(ToInteger(code) >= 400 ? LogWarning : LogTrace, L"Status: ", code, L' ',
+    WriteLog(IsError() ? LogWarning : LogTrace, L"Status: ", status.value_or(L""), L' ',
              statusText.value_or(L""));
 }
 
@@ -144,6 +156,8 @@ void Perform(HttpRequest& request, InternetSession& internet, HttpAnswer& answer
     // browser would not let it read, such as a host of the local network.
     if (!IsOfHost(AnsweringAddress(opened), request.host, request.isSecure))
         answer.failure = "The answer came from another host than the service's.";
+    else if (request.isSecure && answer.IsRedirect())
+        answer.failure = "The service redirected the request.";
     answer.isOfOtherHost = answer.failure != nullptr;
     if (!answer.isOfOtherHost)
         ReadBody(opened, internet, answer);

@@ -18,7 +18,7 @@ struct HttpRequest {
     std::wstring path;
     std::wstring headers;   ///< empty for none
     std::string body;       ///< UTF-8; empty for none
-    bool isSecure = false;  ///< by HTTPS; a certificate that the system does not trust fails it
+    bool isSecure = false;  ///< by HTTPS; neither an untrusted certificate nor a redirect is accepted
 };
 
 /// The answer, as far as the exchange went.
@@ -29,12 +29,18 @@ struct HttpAnswer {
     std::optional<std::wstring> statusText;  ///< the same
     std::string body;                        ///< as received; the service sends UTF-8
     DWORD openError = ERROR_SUCCESS;         ///< why no request could be made
-    bool isOfOtherHost = false;              ///< the answer came from another host than the request's
+    bool isOfOtherHost = false;              ///< another host than the request's answered, or has to be asked
     bool isCut = false;                      ///< the body ended early, or was too long
     const char* failure = nullptr;           ///< why the body does not count
     const char* lateIn = nullptr;            ///< the stage in which a single wait ended at its limit
 
-    /// Writes the status to the log: as a warning from 400 on, with one more for each part that is missing.
+    /// Whether the status names another address.
+    bool IsRedirect() const;
+
+    /// Whether the status says that the request was refused or failed: from 400 on.
+    bool IsError() const;
+
+    /// Writes the status to the log: an error's as a warning, with one more for each part that is missing.
     void LogStatus() const;
 };
 

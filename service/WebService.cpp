@@ -93,7 +93,7 @@ void WebService::Call() noexcept
 
 bool WebService::IsAnswered() const
 {
-    return state == ExchangeState::Answered || state == ExchangeState::UnknownProduct;
+    return state == ExchangeState::UnknownProduct || (state == ExchangeState::Answered && !isError);
 }
 
 void WebService::Exchange()
@@ -154,6 +154,7 @@ std::string WebService::Ask(HttpRequest request)
         throw std::runtime_error("Can't send Internet request.");
     }
     End(ExchangeState::Of(*answer, FormOf(answer->body)));
+    isError = answer->IsError();
     WriteLog(LogTrace, L"Elapsed milliseconds: ", answer->timer.ElapsedMilliseconds());
     answer->LogStatus();
     if (answer->failure != nullptr)

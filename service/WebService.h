@@ -24,7 +24,8 @@ public:
     /// exchange could be started.
     bool HasBegun() const { return hasBegun; }
 
-    /// Whether the analysis service answered the last call, and its whole answer arrived.
+    /// Whether the analysis service answered the last call, its whole answer arrived, and it is not an error:
+    /// a busy service has not answered yet. One that does not know the product has.
     bool IsAnswered() const;
 
     /// The text of the answer, whatever its status; empty before a call and after a failed one.
@@ -61,6 +62,7 @@ private:
     std::wstring state;      ///< of the last exchange
     std::wstring errorText;  ///< of its error, after a comma; empty without one
     bool hasBegun = false;
+    bool isError = false;  ///< the answer's status says so
 };
 
 /// The key that the service requires of every client.

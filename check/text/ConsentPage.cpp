@@ -7,8 +7,10 @@
 #include "BuildSettings.h"
 #include "program/machine/Machine.h"
 #include "program/machine/NamesByArea.h"
+#include "program/text/Characters.h"
 #include "service/ServiceHost.h"
 #include "service/Utf8.h"
+#include "verdict/text/Text.h"
 
 namespace kel::check {
 
@@ -18,6 +20,7 @@ using program::GroupByArea;
 
 constexpr std::size_t MaxNames = 60;       // of values, which a page shows completely
 constexpr std::size_t MaxNamesOfArea = 5;  // when there are more
+constexpr std::size_t MaxTitle = 120;      // bytes
 
 std::size_t CountNames(const program::NamesByArea& areas)
 {
@@ -37,14 +40,15 @@ std::string Capitalised(std::string text)
 std::string DescribeTransfer(const CheckName& name, const std::string& service,
                              const std::vector<int>& values)
 {
-    std::string text =
-        "The program examines the hardware, Windows and the installed programs. It sends to " + service +
-        (IsServiceSecure() ? ", encrypted" : ", without encryption") +
-        ":\n• the values that are listed above\n• the product: " + name.product +
-        "\n• the identifier of this check, which the page has made: " + name.session +
-        "\nAs any server, it sees this computer's internet address. Its answer is the verdict, which the "
-        "page "
-        "can show, too.\nNo file, document or password is sent, and nothing is installed.";
+    std::string text = "The program examines the hardware, Windows and the installed programs. It sends to " +
+                       service + (IsServiceSecure() ? ", encrypted" : ", without encryption") +
+                       ":\n• the values that are listed above\n• the product: " + name.product +
+                       "\n• the identifier of this check, which the page has made: " + name.session +
+                       "\nAs any server, it sees this computer's internet address. Its answer is the "
+                       "verdict, with the values "
+                       "that were compared. The page can get it, too.\nNo file, document or password is "
+                       "sent, and nothing is "
+                       "installed.";
     if (std::ranges::any_of(values, &program::UsesNetwork))
         text += "\nTo measure the connection, a file of 1 MB is downloaded from " + ToUtf8(KEL_CONTENT_HOST) +
                 ".";
@@ -78,10 +82,12 @@ bool IsShortened(const std::vector<int>& values)
     return CountNames(GroupByArea(values)) > MaxNames;
 }
 
-Page ConsentPage(const CheckName& name, const std::string& service, const std::vector<int>& values)
+Page ConsentPage(const CheckName& name, const std::string& title, const std::string& service,
+                 const std::vector<int>& values)
 {
+    const std::string shown = Shortened(kel::Printable(Trim(title)), MaxTitle);
     const std::size_t maxNames = IsShortened(values) ? MaxNamesOfArea : values.size();
-    return {"Check whether this computer meets the requirements of “" + name.product + "”?",
+    return {"Check this computer for “" + (shown.empty() ? name.product : shown) + "”?",
             "Nothing has been read yet. These values will be read and sent to " + service + ":\n\n" +
                 ListValues(values, maxNames),
             PageIcon::Information, "What is sent?", DescribeTransfer(name, service, values)};

@@ -17,9 +17,12 @@ Page WaitingPage(const std::string& service);
 /// @param maxNames of each area; further ones are counted
 std::string ListValues(const std::vector<int>& values, std::size_t maxNames);
 
-/// What will be read and sent, and where it goes.
+/// Who asks, what will be read and sent, and where it goes.
+/// @param title of the product's requirements, as the service sent it; empty for none: the product's name is
+/// shown instead
 /// @param values those that the report will have
-Page ConsentPage(const CheckName& name, const std::string& service, const std::vector<int>& values);
+Page ConsentPage(const CheckName& name, const std::string& title, const std::string& service,
+                 const std::vector<int>& values);
 
 /// Whether the page has no room for all names of these values.
 bool IsShortened(const std::vector<int>& values);

@@ -48,7 +48,7 @@ Page WrongLinkPage()
 
 Page NotSavedPage(const std::string& reason)
 {
-    return Problem("The verdict is not saved.", reason);
+    return Problem("The file was not saved.", reason);
 }
 
 Page FailurePage(const std::string& reason)

@@ -16,7 +16,7 @@ Page WrongFileNamePage();
 /// The arguments are not the link of a check.
 Page WrongLinkPage();
 
-/// The file of a verdict could not be written.
+/// A file could not be written.
 Page NotSavedPage(const std::string& reason);
 
 /// An error of the program or of the system.

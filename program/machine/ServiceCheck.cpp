@@ -8,13 +8,23 @@
 #include "service/AnalysisRequest.h"
 #include "service/CallBudget.h"
 #include "service/ExchangeState.h"
+#include "service/PathText.h"
 #include "service/Utf8.h"
+#include "service/WebService.h"
 #include "verdict/Catalogue.h"
 #include "verdict/files/VerdictJson.h"
 
 namespace kel::program {
 
 namespace {
+
+/// Asks for the title of the referrer's requirements.
+class TitleRequest : public WebService {
+public:
+    TitleRequest() : WebService(L"GET", L"/service/Title/" + PathText(System::Instance().ReferrerID()), L"")
+    {
+    }
+};
 
 std::string ExchangeStateText()
 {
@@ -35,12 +45,27 @@ void BeginCheck(const std::string& product, const std::string& session)
 ServiceAnswer FetchWantedGroups()
 {
     const std::wstring answer = System::Instance().FetchWantedGroups();
-    return {ToUtf8(answer), ExchangeStateText()};
+    const std::string state = ExchangeStateText();
+    const bool isAnswered = state == ToUtf8(ExchangeState::Answered);
+    return {ToUtf8(answer), state, isAnswered && !System::Instance().HasWantedGroups()};
+}
+
+CheckOffer FetchOffer()
+{
+    const CallBudget budget;  // of both exchanges together
+    CheckOffer offer{FetchWantedGroups(), ""};
+    if (!IsGroupList(offer.wanted))
+        return offer;
+    TitleRequest request;
+    request.Call();
+    if (request.IsAnswered() && ExchangeStateText() == ToUtf8(ExchangeState::Answered))
+        offer.title = ToUtf8(request.GetResult());
+    return offer;
 }
 
 bool IsGroupList(const ServiceAnswer& answer)
 {
-    return answer.state == ToUtf8(ExchangeState::Answered) &&
+    return answer.state == ToUtf8(ExchangeState::Answered) && !answer.isRefused &&
            answer.text.find_first_not_of("0123456789|, \r\n") == answer.text.npos;
 }
 

@@ -11,14 +11,25 @@ namespace kel::program {
 
 /// What the service answered. Texts are UTF-8.
 struct ServiceAnswer {
-    std::string text;   // whatever the status; empty without an answer
-    std::string state;  // how the exchange ended: value 73390
+    std::string text;        // whatever the status; empty without an answer
+    std::string state;       // how the exchange ended: value 73390
+    bool isRefused = false;  // the service sent no list of groups, but an error such as "busy"
 };
 
 /// Names the check to the service.
 /// @param product as the service names it
 /// @param session empty for a random one
 void BeginCheck(const std::string& product, const std::string& session = {});
+
+/// What a check would do, before anything is read.
+struct CheckOffer {
+    ServiceAnswer wanted;
+    std::string title;  // of the product's requirements; empty when the service did not send it
+};
+
+/// Asks for the wanted values, and, where the service sends them, for the title. Nothing of the machine is
+/// read, and the session is not sent. FetchVerdict does not ask again.
+CheckOffer FetchOffer();
 
 /// Asks which values the service wants for the product. Nothing of the machine is read, and the session is
 /// not sent. FetchVerdict does not ask again.

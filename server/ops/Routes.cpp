@@ -58,6 +58,7 @@ Router PublicRoutes(Service& service, Checks& checks, Metrics& metrics)
     for (const char* path : {"/SystemInformation/", "/SystemInformation"})
         router.Add("POST", path,
                    [&](const Call& call) { return service.SystemInformation(call.request.body); });
+    router.Add("GET", "/service/Title/*", [&](const Call& call) { return service.Title(call.subject); });
     router.Add("POST", "/service/Analysis/*",
                [&](const Call& call) { return service.Analysis(call.subject, call.request.body); });
     router.Add("GET", TestFilePath, [&](const Call&) { return service.TestFile(); });

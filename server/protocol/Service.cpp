@@ -71,6 +71,12 @@ Answer Service::GroupList(const std::string& referrer)
     return Answer::Of("text/plain; charset=utf-8", list);
 }
 
+Answer Service::Title(const std::string& referrer)
+{
+    const PublishedSet set = Find(referrer, metrics.unknownInGroupLists);  // which it is asked after
+    return Answer::Of("text/plain; charset=utf-8", sets.Get(set.id)->title.Default());
+}
+
 Intake Service::CheckUpload(const std::string& body)
 {
     try {

@@ -25,6 +25,9 @@ public:
     /// The ids of the groups that a referrer's requirements need, separated by bars. 404 for an unknown
     /// referrer.
     Answer GroupList(const std::string& referrer);
+    /// The title of a referrer's requirements, for a program that asks the visitor before it reads anything.
+    /// 404 for an unknown referrer.
+    Answer Title(const std::string& referrer);
     /// Keeps a report. 413 when it has too many elements or values.
     Answer Upload(std::string body);
     /// Keeps a report that is sent escaped inside <SystemInformation><Data>.

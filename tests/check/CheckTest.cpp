@@ -56,7 +56,12 @@ TEST(CheckName, IsReadFromTheFileAndFromTheLinkAlone)
 
 TEST(CheckPages, ConsentNamesWhatIsReadAndWhereItGoes)
 {
-    const Page page = ConsentPage({"demo", SESSION}, "host.example", {71424, 71063, 71061, 71398, 71069});
+    const std::vector<int> values = {71424, 71063, 71061, 71398, 71069};
+    const CheckName name{"demo", SESSION};
+    const Page page = ConsentPage(name, " Title\x1B\n", "host.example", values);
+    EXPECT_EQ(page.instruction, "Check this computer for “Title\uFFFD”?");
+    EXPECT_EQ(ConsentPage(name, "", "host.example", values).instruction, "Check this computer for “demo”?");
+    EXPECT_LT(ConsentPage(name, std::string(9999, 'x'), "host.example", values).instruction.size(), 200U);
     EXPECT_THAT(page.content, HasSubstr("host.example:\n\nProcessor: name\nMemory: total physical memory\n"));
     for (const char* expected : {"host.example", "product: demo", SESSION, "a file of 1 MB is downloaded"})
         EXPECT_THAT(page.hidden, HasSubstr(expected));
@@ -105,6 +110,7 @@ TEST(CheckPages, EachProblemHasItsOwnSentence)
     EXPECT_TRUE(program::IsGroupList({"71063|71094,5", "answered"}));
     EXPECT_FALSE(program::IsGroupList({"Too many", "answered"}));
     EXPECT_FALSE(program::IsGroupList({"71063|71", "cut"}));
+    EXPECT_FALSE(program::IsGroupList({"", "answered", true})) << "a refusal without a text";
 }
 
 }  // namespace

@@ -196,7 +196,9 @@ class WithTheProgram(PageTest, AdminTest):
         self.await_answer(program.exists, True)
         self.assertTrue(program.read_bytes() == built.read_bytes(), "the download is not the program")
         process = start(self, program, f"http://{self.address}")
-        self.assertIn("firm.example", press(CHECK))  # the host of the policy
+        consent = press(CHECK)
+        self.assertIn("Check this computer for ?The <game>??", consent)
+        self.assertIn("firm.example", consent)  # the host of the policy
         self.name = "answer"
         rows, *shown = self.shown("does not meet all")
         self.assertEqual([row[:2] for row in rows], [["System", "Windows 99 or later"], ["Memory", "at least 1 MB"]])

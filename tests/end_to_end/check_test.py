@@ -11,7 +11,8 @@ from uuid import uuid4
 from harness import DLL, NO_SERVICE, PATIENCE, PROGRAMS, ServiceTest, make_prefix, show_display, windows_path, wine
 
 CHECK, SAVE, OK, CANCEL, CLOSE = 100, 101, 1, 2, 8  # buttons
-LIST, UPLOAD, ANALYSIS = "/Data/Service.svc/Group/list", "/Data/Service.svc/upload", "/service/Analysis/demo"
+LIST, TITLE = "/Data/Service.svc/Group/list", "/service/Title/demo"
+UPLOAD, ANALYSIS = "/Data/Service.svc/upload", "/service/Analysis/demo"
 MAX_END = 20  # seconds from Cancel to the end of the process: two, and more on a busy machine; less than an exchange may take
 
 
@@ -55,9 +56,10 @@ class Check(ServiceTest):
     def test_a_click_leads_to_the_verdict_and_to_a_file(self):
         process = self.run_check()
         consent = press(CHECK, "look")
+        self.assertIn("Check this computer for ?T<??", consent)
         self.assertIn("Memory: total physical memory", consent)
         self.assertIn("analysis.keldane.example", consent)
-        self.assertEqual(self.asked(), [LIST])
+        self.assertEqual(self.asked(), [LIST, TITLE])
         press(CHECK)
         verdict = press(SAVE)
         self.assertIn("1 of 2 requirements is not met", verdict)
@@ -68,18 +70,18 @@ class Check(ServiceTest):
         press(CLOSE)
         self.assertEqual(process.wait(PATIENCE), 1)
         self.assertIn('<th scope="row">Plenty</th>', file.read_text("utf-8"))
-        self.assertEqual(self.asked(), [LIST, UPLOAD, ANALYSIS])
-        for request in self.service.requests[1:]:
+        self.assertEqual(self.asked(), [LIST, TITLE, UPLOAD, ANALYSIS])
+        for request in self.service.requests[2:]:
             self.assertIn(self.session, request["body"])
 
     def test_cancel_ends_it_in_two_seconds_and_nothing_is_sent_after(self):
-        paths = [LIST, UPLOAD, ANALYSIS]
+        paths = [LIST, TITLE, UPLOAD, ANALYSIS]
         for count, path in enumerate(paths, 1):
             with self.subTest(path):
                 self.service.requests.clear()
                 self.service.faults = {path: "slow-headers"}
                 process = self.run_check()
-                if path != LIST:
+                if path in (UPLOAD, ANALYSIS):
                     press(CHECK)
                 end = time.monotonic() + PATIENCE
                 while path not in self.asked() and time.monotonic() < end:
@@ -92,11 +94,13 @@ class Check(ServiceTest):
 
     def test_a_problem_is_one_sentence(self):
         session = self.session
-        for name, proxy, sentence in (
-                ("check.exe", None, "This file's name does not say which check to make."),
-                (f"check.unknown.{session}.exe", None, "The service does not know the product"),
-                (f"check.demo.{session}.exe", NO_SERVICE, "The service cannot be reached.")):
-            with self.subTest(name):
+        for name, proxy, fault, sentence in (
+                ("check.exe", None, None, "This file's name does not say which check to make."),
+                (f"check.unknown.{session}.exe", None, None, "The service does not know the product"),
+                (f"check.demo.{session}.exe", NO_SERVICE, None, "The service cannot be reached."),
+                (f"check.demo.{session}.exe", None, "busy", "The service refused the check.")):
+            with self.subTest(sentence):
+                self.service.faults = {LIST: fault}
                 process = self.run_check(name, proxy)
                 self.assertIn(sentence, press(CLOSE))
                 self.assertEqual(process.wait(PATIENCE), 3)

@@ -19,13 +19,16 @@ ID = "".join(chr(ord("a") + int(digit, 16)) for digit in hashlib.sha256(
     base64.b64decode(json.loads((EXTENSION / "manifest.json").read_text("ascii"))["key"])).hexdigest()[:32])
 ORIGIN = f"chrome-extension://{ID}/"
 DECISIONS = """
-    const policy = {allowedSites: ["https://both", "https://allowed"], deniedSites: ["https://both", "https://denied"]};
-    const read = async (...more) => {
-        chrome.storage.managed.get = async () => ({...policy, deniedSites: [...policy.deniedSites, ...more]});
-        const {policyFor} = await import("./sites.js");
-        return Promise.all(["both", "allowed", "denied", "other"].map((name) => policyFor(`https://${name}`)));
-    };
-    return Promise.all([await read(), await read("*")]);"""
+    return import("./sites.js").then(async ({policyFor, namesOf, covers}) => {
+        const policy = {allowedSites: ["https://both", "https://allowed"], deniedSites: ["https://both", "https://denied"]};
+        const read = (...more) => {
+            chrome.storage.managed.get = async () => ({...policy, deniedSites: [...policy.deniedSites, ...more]});
+            return Promise.all(["both", "allowed", "denied", "other"].map((name) => policyFor(`https://${name}`)));
+        };
+        const agreed = namesOf([{area: "graphics", names: ["name", "memory"]}]);
+        const asked = (area, isAllowed = true) => covers({isAllowed, names: agreed}, namesOf([{area, names: ["name"]}]));
+        return [await read(), await read("*"), asked("graphics"), asked("displays"), asked("graphics", false)];
+    });"""
 
 
 class ExtensionTest(PageTest):
@@ -93,7 +96,7 @@ class InChromium(ExtensionTest):
         self.browser.click("tbody button")
         self.browser.await_text("No site has asked.")
         self.assertEqual(self.browser.run(DECISIONS), [["denied", "allowed", "denied", None],
-                                                       ["denied", "allowed", "denied", "denied"]])
+                                                       ["denied", "allowed", "denied", "denied"], True, False, False])
         self.show("extension", f"http://{self.address}")
         self.browser.click("#extension")
         self.answer_question("allow")

@@ -77,6 +77,12 @@ class Handler(http.server.BaseHTTPRequestHandler):
     def answer(self):
         self.server.lines.append(self.requestline)
         self.rfile.read(int(self.headers.get("Content-Length", 0)))
+        if self.server.redirects:
+            self.send_response(302)
+            self.send_header("Location", f"http://{HOST}/plain")
+            self.send_header("Content-Length", "0")
+            self.end_headers()
+            return
         body = b"71060" if "Group/list" in self.path else b"{}"
         self.send_response(200)
         self.send_header("Content-Length", str(len(body)))
@@ -94,11 +100,11 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
 
 class Tls(unittest.TestCase):
-    def check(self, certificate, service="https://" + HOST):
+    def check(self, certificate, redirects=False, service="https://" + HOST):
         """What kel says to a check, and the request lines that reach the proxy and the service."""
         server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
         server.daemon_threads = True
-        server.lines = []
+        server.lines, server.redirects = [], redirects
         server.tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
         server.tls.load_cert_chain(certificate)
         threading.Thread(target=server.serve_forever, daemon=True).start()
@@ -120,6 +126,10 @@ class Tls(unittest.TestCase):
                 self.assertEqual([line for line in lines if not line.startswith("CONNECT ")],
                                  ["GET /Data/Service.svc/Group/list HTTP/1.1", "POST /Data/Service.svc/upload HTTP/1.1",
                                   "POST /service/Analysis/demo HTTP/1.1"])
+            with self.subTest("a redirect to plain HTTP"):
+                error, lines = self.check(own, redirects=True)
+                self.assertEqual([line for line in lines if "/plain" in line], [])
+                self.assertIn("another host answered", error)
             with self.subTest("another name"):
                 self.refused("12038", self.check(authority.sign("other", "other.example", "-days", "10")))
             with self.subTest("out of date"):

@@ -101,6 +101,11 @@ class Wire(ControlTest):
             "guest": "another host answered"})
         self.assertNotIn("73390", self.service.requests[1]["body"])
 
+    def test_a_list_that_a_busy_service_refuses_is_asked_for_again(self):
+        self.service.faults = {"/Data/Service.svc/Group/list": "busy"}
+        self.run_as("demo", 'control.Detect(); control.ReferrerID = "demo"; control.Detect();')
+        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, GROUP_LIST])
+
     def test_facts_remain_without_a_service(self):
         self.logs = True
         self.service.shutdown()

@@ -106,6 +106,7 @@ MISBEHAVIOURS = {
     "slow": _slow,
     "404": _plain(404, "nothing here"),
     "500": _plain(500, "broken"),
+    "busy": _plain(503, ""),
     "log-in-page": _plain(200, "<html><h1>Log in to this network</h1></html>"),
     "empty": _plain(200, ""),
     "invalid-utf8": _plain(200, b"71063|\xff\xfe|71094"),
