@@ -40,15 +40,14 @@ std::string Capitalised(std::string text)
 std::string DescribeTransfer(const CheckName& name, const std::string& service,
                              const std::vector<int>& values)
 {
-    std::string text = "The program examines the hardware, Windows and the installed programs. It sends to " +
-                       service + (IsServiceSecure() ? ", encrypted" : ", without encryption") +
-                       ":\n• the values that are listed above\n• the product: " + name.product +
-                       "\n• the identifier of this check, which the page has made: " + name.session +
-                       "\nAs any server, it sees this computer's internet address. Its answer is the "
-                       "verdict, with the values "
-                       "that were compared. The page can get it, too.\nNo file, document or password is "
-                       "sent, and nothing is "
-                       "installed.";
+    std::string text =
+        "The program examines the hardware, Windows and the installed programs. It sends to " + service +
+        (IsServiceSecure() ? ", encrypted" : ", without encryption") +
+        ":\n• the values that are listed above\n• the product: " + name.product +
+        "\n• the identifier of this check, which the page has made: " + name.session +
+        "\nAs any server, it sees this computer's internet address. Its answer is the verdict, with the "
+        "values that were compared. The page can get it, too.\nNo file, document or password is sent, and "
+        "nothing is installed.";
     if (std::ranges::any_of(values, &program::UsesNetwork))
         text += "\nTo measure the connection, a file of 1 MB is downloaded from " + ToUtf8(KEL_CONTENT_HOST) +
                 ".";
