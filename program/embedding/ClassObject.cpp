@@ -35,32 +35,41 @@ HRESULT ClassObject::Register(IClassFactory* factory)
 
 void ClassObject::Revoke()
 {
-    SetEvent(end.get());
+    Step();
+}
+
+void ClassObject::Restore()
+{
+    Step();
+}
+
+void ClassObject::Step()
+{
+    SetEvent(next.get());
     WaitServing(changed.get());
 }
 
 void ClassObject::Serve(IStream* factory) noexcept
 {
     // Nobody leaves the apartment: the process ends.
-    DWORD registration = 0;
     offered = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
     if (SUCCEEDED(offered))
-        offered = Offer(factory, registration);
-    SetEvent(changed.get());
-    WaitForSingleObject(end.get(), INFINITE);
-    if (registration != 0)
-        CoRevokeClassObject(registration);
-    SetEvent(changed.get());
-    Sleep(INFINITE);
-}
-
-HRESULT ClassObject::Offer(IStream* factory, DWORD& registration) noexcept
-{
-    HRESULT result = CoGetInterfaceAndReleaseStream(factory, IID_PPV_ARGS(&inner));
-    if (SUCCEEDED(result))
-        result = CoRegisterClassObject(CLSID_SysInfo, this, CLSCTX_LOCAL_SERVER,
-                                       REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &registration);
-    return SUCCEEDED(result) ? CoResumeClassObjects() : result;
+        offered = CoGetInterfaceAndReleaseStream(factory, IID_PPV_ARGS(&inner));
+    const bool isReady = SUCCEEDED(offered);
+    while (true) {
+        DWORD registration = 0;
+        if (isReady)
+            offered = CoRegisterClassObject(CLSID_SysInfo, this, CLSCTX_LOCAL_SERVER,
+                                            REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &registration);
+        if (SUCCEEDED(offered))
+            offered = CoResumeClassObjects();
+        SetEvent(changed.get());
+        WaitForSingleObject(next.get(), INFINITE);
+        if (registration != 0)
+            CoRevokeClassObject(registration);
+        SetEvent(changed.get());
+        WaitForSingleObject(next.get(), INFINITE);
+    }
 }
 
 HRESULT ClassObject::QueryInterface(REFIID riid, void** result)

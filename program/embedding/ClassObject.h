@@ -22,8 +22,10 @@ public:
 
     /// Registers the class on a thread of its own. Calls into this thread's apartment are served meanwhile.
     HRESULT Register(IClassFactory* factory);
-    /// Ends the registration.
+    /// Ends the registration. Clients that have got the class can still call it.
     void Revoke();
+    /// Registers it again.
+    void Restore();
 
     STDMETHODIMP QueryInterface(REFIID riid, void** result) override;
     // Not counted, as the object is not destroyed.
@@ -33,16 +35,16 @@ public:
     STDMETHODIMP LockServer(BOOL lock) override;
 
 private:
-    /// Registers it, and keeps it registered until the end is asked for.
+    /// Takes the factory, and registers and revokes the class in turn.
     void Serve(IStream* factory) noexcept;
-    /// Takes the factory and puts the class into COM's table.
-    HRESULT Offer(IStream* factory, DWORD& registration) noexcept;
+    /// Has that thread take its next step.
+    void Step();
     void NoteCaller() noexcept;
 
     Clients& clients;
     Microsoft::WRL::ComPtr<IClassFactory> inner;
-    OwnedHandle changed{CreateEventW(nullptr, FALSE, FALSE, nullptr)};  // the registration is made, or ended
-    OwnedHandle end{CreateEventW(nullptr, TRUE, FALSE, nullptr)};
+    OwnedHandle changed{CreateEventW(nullptr, FALSE, FALSE, nullptr)};  // by a step
+    OwnedHandle next{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     HRESULT offered = E_FAIL;
 };
 

@@ -19,7 +19,8 @@ namespace kel::program {
 namespace {
 
 constexpr DWORD Period = 250;  // milliseconds between two looks at the clients
-constexpr long OwnLocks = 1;   // of the factory that this program holds
+constexpr std::chrono::milliseconds Farewell{500};
+constexpr long OwnLocks = 1;  // of the factory that this program holds
 
 /// @return false when the session of the user ends
 bool DispatchMessages()
@@ -45,8 +46,16 @@ bool IsInUse()
     return CDetectionModule::Instance().LockCount() > OwnLocks;
 }
 
+/// Serves until there is an object, or for a moment.
+void ServeLateClients()
+{
+    const auto end = std::chrono::steady_clock::now() + Farewell;
+    while (!IsInUse() && std::chrono::steady_clock::now() < end && DispatchMessages())
+        MsgWaitForMultipleObjectsEx(0, nullptr, Period, QS_ALLINPUT, MWMO_INPUTAVAILABLE);
+}
+
 /// Serves until nobody needs an object any more.
-void ServeUntilOver(Clients& clients)
+void ServeUntilOver(Clients& clients, ClassObject& classObject)
 {
     Lifetime lifetime(std::chrono::steady_clock::now());
     bool isOver = false;
@@ -55,14 +64,15 @@ void ServeUntilOver(Clients& clients)
         if (!DispatchMessages())
             return;
         const auto now = std::chrono::steady_clock::now();
-        const bool isAbandoned = clients.AreGone(now);
-        if (!lifetime.IsOver(now, IsInUse(), isAbandoned))
+        if (!lifetime.IsOver(now, IsInUse(), clients.AreGone(now)))
             continue;
-        // From here on the system starts another server. An object may have been asked for just before.
-        CoSuspendClassObjects();
-        isOver = !DispatchMessages() || isAbandoned || !IsInUse();
+        // From here on the system starts another server. A client that has got the class from this one may
+        // still ask it for an object.
+        classObject.Revoke();
+        ServeLateClients();
+        isOver = !IsInUse() || clients.AreGone(std::chrono::steady_clock::now());
         if (!isOver)
-            CoResumeClassObjects();
+            classObject.Restore();
     }
     if (IsInUse())
         WriteLog(LogTrace, L"The local server ends: all its clients have ended without releasing it.");
@@ -85,8 +95,7 @@ int ServeHosts()
         result = classObject.Register(factory.Get());
     if (FAILED(result))
         Refuse(result);
-    ServeUntilOver(clients);
-    classObject.Revoke();
+    ServeUntilOver(clients, classObject);
     WriteLog(LogTrace, L"The local server has ended.");
     return 0;
 }

@@ -77,7 +77,19 @@ class LocalServer(ControlTest):
                          "Verdict: pass")
         self.wait(lambda: not servers(), "the server does not end after a program")
 
-    def test_it_ends_with_its_last_client_however_that_ends(self):
+    def release(self, process):
+        """Has such a program release its object. It then waits for another line."""
+        process.stdin.write("\n")
+        process.stdin.flush()
+        self.assertEqual(process.stdout.readline(), "00000000 visitor\n")
+
+    def test_it_ends_with_the_last_object(self):
+        client = self.hold()
+        self.release(client)
+        self.wait(lambda: not servers(), "the server does not end after the last release")
+        self.assertIsNone(client.poll())
+
+    def test_it_ends_with_the_last_client(self):
         killed = self.hold()
         [server] = servers()
         left = self.hold()
@@ -85,8 +97,8 @@ class LocalServer(ControlTest):
         killed.wait()
         killed_later = self.hold()  # which takes the server many looks at its clients
         self.assertEqual(servers(), [server])
+        self.release(left)
         left.communicate("\n")
-        self.assertEqual(left.returncode, 0)
         self.assertEqual(servers(), [server])
         killed_later.kill()
         self.wait(lambda: not servers(), "the server does not end after its clients")

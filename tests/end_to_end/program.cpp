@@ -1,6 +1,6 @@
 // A program that uses the control by its members' names. One copy of the program has a manifest with which it
-// uses its own copy of the control. With "hold" it asks for the local server's, and holds that until it is
-// sent a line; with another argument it is multithreaded.
+// uses its own copy of the control. With "hold" it asks for the local server's, holds that until it is sent a
+// line, and ends after another one; with another argument it is multithreaded.
 #include <windows.h>
 
 #include <comutil.h>
@@ -30,5 +30,10 @@ int main(int count, char** arguments)
     if (SUCCEEDED(result))
         result = kel::test::Call(control.Get(), L"UserID", found);
     std::printf("%08lX %ls\n", static_cast<unsigned long>(result), found.vt == VT_BSTR ? found.bstrVal : L"");
+    if (holds) {
+        std::fflush(stdout);
+        control.Reset();
+        std::getchar();
+    }
     return FAILED(result);
 }
