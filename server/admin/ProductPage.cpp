@@ -84,7 +84,8 @@ Html VerdictFigures(Database& database, const std::vector<PublishedSet>& publish
     Html sentence, tables;
     for (std::size_t i = 0; i < std::min(versions.size(), MaxVersions); ++i) {
         const LineFigures lines(database, versions[i], sessions);
-        sentence = i == 0 ? lines.Sentence() : sentence;
+        if (sentence.IsEmpty())  // all sessions of a version may meet all of its lines
+            sentence = lines.Sentence();
         tables += lines.Tables();
     }
     if (versions.size() > 1)
@@ -138,7 +139,7 @@ Answer ShowProduct(const AdminRequest& request)
     const auto versions = DayCounts(request.database).ByVersion(referrer, sessions.period.Range());
     ReportQuery reports = sessions;
     reports.isOnce = false;
-    Html content = Html::Element("p", {{"class", "buttons"}},
+    Html content = Html::Element("p", {{"class", "buttons beside"}},
                                  {ButtonLink(RequirementsPath(referrer), "Requirements"),
                                   ButtonLink(reports.Address(), "Reports")}) +
                    sessions.period.Choice(ProductPath(referrer));

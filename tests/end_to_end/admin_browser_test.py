@@ -1,5 +1,6 @@
 """The administration in a real browser."""
 
+import json
 import unittest
 
 from administration import PASSWORD, AdminTest, requirements
@@ -19,6 +20,7 @@ class InABrowser(AdminTest):
         browser.await_text("✓ pass", "tbody")
         self.assertEqual(browser.run("return document.cookie"), "")  # no script can read it
         self.require("demo", (71063, "Memory", "at least", "6 GB"))
+        self.check_answers(browser)
         self.check_looks(browser)
         self.database.run("UPDATE login_session SET ends = 1")
         browser.click("header nav a")
@@ -30,13 +32,13 @@ class InABrowser(AdminTest):
 
     def test_an_overview_of_many_products(self):
         for number in range(200):
-            text = requirements((71063, "M", "any"), title=f"Product number {number}")
+            text = requirements((71063, "M", "any"), title=f"Requirements of the product number {number}")
             (self.folder / f"product-{number}.json").write_text(text)
         self.command("import", self.folder)
         self.upload("s1", v71063="8.0 GB")
         part, zero = (", part", ", 0") if KIND == "postgresql" else ("", "")
         self.database.run(f"INSERT INTO day_verdicts (referrer, day, requirement_set, pass, fail, unknown{part}) "
-                          f"SELECT referrer, published / 86400000 - 1, id, 3, 1, 0{zero} FROM requirement_set")
+                          f"SELECT referrer, published / 86400000 - 1, id, 7200, 2400, 480{zero} FROM requirement_set")
         for number in range(10):
             self.upload(f"s{number}", f"product-{number}")
         browser = Browser(self)
@@ -52,6 +54,34 @@ class InABrowser(AdminTest):
         browser.press("NUMBER 77" + ENTER, "find")
         browser.await_text("product-77", "tbody")
         self.assertEqual(browser.run("return document.querySelectorAll('svg.spark').length"), 2)  # and 177
+
+    def check_answers(self, browser):
+        """The answer to each question is on the first screen of its page; paper has the texts and no forms."""
+        self.upload("s0", v71063="1.0 GB", v71254="8")
+        self.assertEqual(self.judged("s0"), "fail")
+        browser.resize(1280)
+        for path, seen in (("/products/demo?period=today", (".answer", ".answer + p", ".figures", "figure.curve svg")),
+                           ("/products/demo/requirements?try", (".answer", ".notice + table"))):
+            browser.go(f"http://{self.admin}{path}")
+            if "?try" in path:
+                text = requirements((71063, "Memory", "at least", "9 GB"))
+                browser.run(f"document.querySelector('textarea').value = {json.dumps(text)}")
+                browser.click("button[value=try]")
+                browser.await_text("would pass")
+            for selector in seen:
+                bottom = browser.run(f"return document.querySelector('{selector}').getBoundingClientRect().bottom")
+                self.assertLessEqual(bottom, 800, f"{path} {selector}")
+            browser.command("Emulation.setEmulatedMedia", {"media": "print"})
+            shown = browser.run("return [...document.querySelectorAll('nav, select, button, .button, input')]"
+                                ".filter(e => e.getClientRects().length).map(e => e.outerHTML)")
+            self.assertEqual(shown, [], path)
+            browser.command("Emulation.setEmulatedMedia", {"media": ""})
+        long = "\n".join(f'"{number}": "{"x" * 200}",' for number in range(100))
+        browser.run(f"document.querySelector('textarea').value = {json.dumps(long)}")
+        browser.command("Emulation.setEmulatedMedia", {"media": "print"})
+        cut = browser.run("return ['textarea', '.numbered'].filter(s => (e => !e.clientHeight || e.scrollHeight > e.clientHeight)"
+                          "(document.querySelector(s)))")
+        self.assertEqual(cut, [], "parts of the requirements are not on paper")
 
     def check_looks(self, browser):
         """No page scrolls sideways on a phone; each has the style, and its first tab stop skips the menu."""

@@ -14,7 +14,7 @@ MEMORIES = ("3.9 GB", "7.8 GB", "15.9 GB", "31.9 GB", "63.9 GB")
 RESOLUTIONS = ("1366x768", "1920x1080", "2560x1440", "3840x2160")
 TOTALS = ("pass", "pass", "fail", "unknown")
 FAILING = 7  # the place of the line that the failing verdicts do not meet
-RARE = 100_000  # one verdict in this number leaves the last line unknown
+RARE = 100_000  # one verdict of this many leaves the last line unknown
 BATCH = 10_000
 
 
