@@ -9,7 +9,8 @@ options=(--parallel "$(nproc)")
 if [ "${1:-}" = --clang ]; then
   shift
   presets=(clang)
-  options+=(--exclude-regex '^(EndToEnd|Server)\.')
+  # lld leaves unwind data of libstdc++ out (cmake/CompilerSettings.cmake), on which the sweep of failing calls depends.
+  options+=(--exclude-regex '^(EndToEnd|Server)\.|FaultSweep')
   scripts/setup.sh --clang
 else
   if [ "${1:-}" = --checked ]; then
