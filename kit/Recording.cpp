@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <set>
+#include <string_view>
 #include <vector>
 
 #include "kit/RecordedSystem.h"
+#include "kit/RecordedVolumes.h"
 #include "masking/Masker.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
@@ -15,12 +17,15 @@ namespace kel::kit {
 
 namespace {
 
+using Names = std::vector<std::string_view>;
+
+constexpr std::string_view VolumeDetector = "LogicalDrive";
 /// In the order in which the tests run them.
-constexpr const char* Detectors[] = {"CPU", "Bios", "Chassis", "MotherBoard", "OS", "Ram"};
+const Names Detectors = {"CPU", "Bios", "Chassis", VolumeDetector, "MotherBoard", "OS", "Ram"};
 
 /// What the recording does not hold: the tests' own processors, locale and identifier, the number of
-/// processors, memory that is free at the moment, the .NET Framework, and devices.
-const std::set<int> LeftOut = {71207, 71254, 71257, 71388, 71382, 71193, 73470, 73473};
+/// processors, memory and space that is free at the moment, the .NET Framework, and devices.
+const std::set<int> LeftOut = {71207, 71254, 71257, 71388, 71382, 71193, 73470, 73473, 72606, 72612, 73500};
 
 bool IsAscii(const std::string& text)
 {
@@ -28,14 +33,14 @@ bool IsAscii(const std::string& text)
 }
 
 /// The values as "=" lines, and their ids as ranges.
-void AddValues(const Snapshot& snapshot, std::string& ids, std::string& values)
+void AddValues(const Snapshot& snapshot, const Names& detectors, std::string& ids, std::string& values)
 {
-    for (const char* const detector : Detectors) {
+    for (const std::string_view detector : detectors) {
         for (const Fact& fact : snapshot.facts) {
             const CatalogueValue* const known = FindCatalogueValue(fact.id);
             // The tests divide a line at "; ".
-            if (known == nullptr || known->Detector() != std::string_view(detector) ||
-                LeftOut.contains(fact.id) || !IsAscii(fact.text) || fact.text.find("; ") != std::string::npos)
+            if (known == nullptr || known->Detector() != detector || LeftOut.contains(fact.id) ||
+                !IsAscii(fact.text) || fact.text.find("; ") != std::string::npos)
                 continue;
             const std::string id = std::to_string(fact.id);
             ids += (ids.empty() ? "" : " ") + id + "-" + id;
@@ -48,17 +53,23 @@ void AddValues(const Snapshot& snapshot, std::string& ids, std::string& values)
 
 std::string RecordMachine(const Snapshot& snapshot)
 {
+    std::vector<std::string> lines = RecordSystem(snapshot);
+    const std::vector<std::string> volumes = RecordVolumes(snapshot);
+    lines.insert(lines.end(), volumes.begin(), volumes.end());
+    Names detectors = Detectors;
+    if (volumes.empty())
+        std::erase(detectors, VolumeDetector);
     std::string ids;
     std::string values;
-    AddValues(snapshot, ids, values);
+    AddValues(snapshot, detectors, ids, values);
     Masker masker = Masker::OfSystem();
     for (const Fact& fact : snapshot.facts)
         masker.Keep(FromUtf8(fact.text));
     std::string recorded = "machine recorded, " + snapshot.windows + "\nwanted 73404\ndetectors";
-    for (const char* const detector : Detectors)
-        recorded += std::string(" ") + detector;
+    for (const std::string_view detector : detectors)
+        recorded += " " + std::string(detector);
     recorded += "\nids " + ids + "\n";
-    for (const std::string& line : RecordSystem(snapshot))
+    for (const std::string& line : lines)
         recorded += ToUtf8(masker.Mask(FromUtf8(line))) + "\n";
     std::ranges::replace_if(
         recorded, [](char c) { return c < 0; }, '?');

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --package or
-# --test, also those of that script, and with --display those of a virtual display. With --server, only those of the
+# Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --clang,
+# --package or --test, also those of that script, and with --display those of a virtual display. With --server, only those of the
 # analysis service; with --service-package, those of its package. Does nothing when all are installed.
 set -euo pipefail
 
@@ -14,12 +14,13 @@ server=(g++ libboost-dev libfmt-dev libsqlite3-dev libpq-dev libpugixml-dev nloh
 service_packaging=("${server[@]}" dpkg-dev adduser)
 packaging=(wixl msitools faketime osslsigncode openssl gcab git)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
-[ "${1:-}" = --test ] && packages+=("${packaging[@]}" "${display[@]}" chromium chromium-driver firefox-esr mono-mcs postgresql
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" libxml2-utils "${display[@]}" chromium chromium-driver firefox-esr mono-mcs postgresql
   "${service_packaging[@]}" nginx openssl systemd curl iproute2 git)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --service-package ] && packages=("${service_packaging[@]}")
 [ "${1:-}" = --display ] && packages+=("${display[@]}")
 [ "${1:-}" = --lint ] && packages+=(clang-format clang-tidy shellcheck flake8 git)
+[ "${1:-}" = --clang ] && packages+=(clang lld)
 [ "${1:-}" = --bench ] && packages+=(gcab "${display[@]}" git)
 
 missing=()

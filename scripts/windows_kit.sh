@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Makes build/kit/Detection-kit.zip, which tries the product on a real Windows: verify.cmd in it does all of it (docs/
 # windows-checklist.md). Takes the packages of build/package/ along when they are built. Signs the DLL and the programs when a
-# certificate is given (sign.sh). With --built, takes what the preset has built; the second argument is another folder than
-# build/kit.
+# certificate is given (sign.sh). With --built, takes what the preset has built; the next arguments are other folders than
+# build/kit and build/package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,6 +13,7 @@ else
     program_tests plain_program
 fi
 output=${1:-build/kit}
+built=${2:-build/package}
 stage=$output/Detection-kit
 rm -rf "$stage" "$output/Detection-kit.zip"
 mkdir -p "$stage/files"
@@ -29,11 +30,11 @@ cp -r tests/machines tests/verdict tests/edids.txt catalogue/values.tsv "$releas
   "$stage/Detection.dll" "$stage/files/"
 mkdir "$stage/files/kit"
 cp kit/{comparisons,steps}.tsv "$stage/files/kit/"
-packages=(build/package/Detection-*-x64*.msi)
+packages=("$built"/Detection-*-x64*.msi)
 if [ -e "${packages[0]}" ]; then
   mkdir "$stage/packages"
   cp "${packages[@]}" "$stage/packages/"
-  python3 -m zipfile -e build/package/Detection-*-x64.zip "$output/archive"
+  python3 -m zipfile -e "$built"/Detection-*-x64.zip "$output/archive"
   cp -r "$output/archive/fleet" "$stage/"
   rm -rf "$output/archive"
 fi

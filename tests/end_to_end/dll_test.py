@@ -28,7 +28,7 @@ class Dll(unittest.TestCase):
             self.assertLess(len(content), 1750 * 1024)
 
     def test_the_binaries_have_the_mitigations_of_the_tool_chain(self):
-        for path in (DLL, DLL.parent / "kel.exe"):
+        for path in (DLL, *(DLL.parent / name for name in ("kel.exe", "check.exe"))):
             headers = subprocess.run(["x86_64-w64-mingw32-objdump", "-ph", path], capture_output=True, check=True, text=True)
             for protection in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"):
                 self.assertTrue(protection in headers.stdout, f"{path.name}: {protection}")

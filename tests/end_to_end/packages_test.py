@@ -8,19 +8,26 @@ import shutil
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import zipfile
 from pathlib import Path
 from xml.etree import ElementTree
 from unittest import mock
 
-from harness import CLASS_ID, CSCRIPT, DLL, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
+from harness import CLASS_ID, CSCRIPT, DLL, PATIENCE, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
 ACTIVE_SETUP = r"HKLM\Software\Microsoft\Active Setup\Installed Components\{5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2}"
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall"
 # Exit codes have one byte here.
-FAILED, NEWER_INSTALLED = 1603 & 0xFF, 1638 & 0xFF
+FAILED, NEWER_INSTALLED, RESTART_LATER = 1603 & 0xFF, 1638 & 0xFF, 3010 & 0xFF
+# Has the control until a file is there, for five minutes at most. Wine's script host cannot sleep.
+HOLD = """var control = new ActiveXObject("{}"), files = new ActiveXObject("Scripting.FileSystemObject");
+control.Version;
+files.CreateTextFile("{}").Close();
+for (var end = new Date().getTime() + 300000; !files.FileExists("{}") && new Date().getTime() < end;);
+"""
 INSTALL_SCRIPT = ROOT / "packaging" / "fleet" / "install.js"
 LINK = re.compile(r"\[[^\]]*\]\(([^)#\s]*)(?:#([^)\s]*))?\)")
 UNATTENDED = ("/qn", "/norestart")
@@ -166,6 +173,30 @@ class Packages(unittest.TestCase):
                 self.check_clean()
                 self.assertEqual(self.host_manifests(root), {})
         self.assertEqual(self.registry(r"HKCU\Software\Detection"), {})
+
+    def test_a_loaded_dll_is_replaced_at_the_next_start(self):
+        held, done = self.folder / "held", self.folder / "done"
+        script = self.folder / "hold.js"
+        script.write_text(HOLD.format(PROG_ID, *(windows_path(path).replace("\\", "\\\\") for path in (held, done))))
+        newer = self.next["Detection-4.6.0-x64.msi"]
+        self.assertEqual(install(NOW["Detection-4.5.1-x64.msi"]), 0)
+        [dll] = map(Path, self.dlls())
+        with subprocess.Popen(["wine", *CSCRIPT, windows_path(script)], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL) as host:
+            try:
+                end = time.monotonic() + PATIENCE
+                while not held.exists() and time.monotonic() < end:
+                    time.sleep(0.05)
+                self.assertEqual(install(newer), RESTART_LATER)
+                self.assertTrue(dll.read_bytes() == DLL.read_bytes(), "the loaded DLL was replaced")
+                self.assertIsNone(host.poll())
+            finally:
+                done.touch()
+        subprocess.run(["wineserver", "-k"], check=False)
+        wine("wineboot")
+        self.assertTrue(dll.read_bytes() == (self.other_folder / dll.name).read_bytes(), "the next start did not replace it")
+        self.assertEqual(remove(newer), 0)
+        self.assertEqual(self.dlls(), [])
 
     def host_manifests(self, root):
         """Where browsers find the manifest of the extension's native host."""
@@ -347,7 +378,9 @@ class Files(unittest.TestCase):
             self.assertIn(f"ProductCode: '{properties['ProductCode']}'", manifest)
             self.assertIn(f"InstallerSha256: {hashlib.sha256(path.read_bytes()).hexdigest().upper()}\n", manifest)
 
-    def test_the_texts_of_the_policy_templates_are_those_that_they_use(self):
+    def test_the_policy_templates_have_the_form_and_the_texts_that_they_use(self):
+        subprocess.run(["xmllint", "--noout", "--relaxng", POLICIES / "policies.rng", POLICIES / "Keldane.admx",
+                        POLICIES / "en-US" / "Keldane.adml"], check=True, stderr=subprocess.DEVNULL)
         template = (POLICIES / "Keldane.admx").read_text("utf-8")
         texts = ElementTree.parse(POLICIES / "en-US" / "Keldane.adml").getroot()
         for kind in ("string", "presentation"):

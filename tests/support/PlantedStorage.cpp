@@ -1,5 +1,7 @@
 #include "support/PlantedStorage.h"
 
+#include <cmath>
+
 #include "support/StorageAnswers.h"
 #include "values/Text.h"
 
@@ -31,6 +33,11 @@ void Describe(FakeDevice& drive, const Lines& fields)
     drive.openError = fields[5] == L"gone"     ? ERROR_FILE_NOT_FOUND
                       : fields[5] == L"throws" ? Throws
                                                : ERROR_SUCCESS;
+}
+
+ULONGLONG GigabytesOf(const std::wstring& text)
+{
+    return text.empty() ? 0 : static_cast<ULONGLONG>(std::llround(std::stod(text) * (1U << 30)));
 }
 
 }  // namespace
@@ -145,8 +152,8 @@ void PlantedStorage::PlantVolumes(const Machine& machine)
         FakeVolume& volume = volumes.volumes[fields[0][0]];
         volume.type = static_cast<UINT>(NumberOf(fields[1]));
         volume.fileSystem = fields[2];
-        volume.size = NumberOf(fields[3]) << 30;
-        volume.free = NumberOf(fields[4]) << 30;
+        volume.size = GigabytesOf(fields[3]);
+        volume.free = GigabytesOf(fields[4]);
         if (!fields[5].empty())
             volume.target = fields[5];
         volume.throws = fields[6] == L"throws";
