@@ -50,8 +50,7 @@ FARPROC FindProcedure(HMODULE library, const char* name) noexcept
 FARPROC FindPermanentProcedure(const wchar_t* library, const char* name)
 {
     const ErrorMode quiet;
-    const HMODULE module = LoadSystemLibrary(library).release();
-    return module != nullptr ? FindProcedure(module, name) : nullptr;
+    return FindProcedure(LoadSystemLibrary(library).release(), name);
 }
 
 HMODULE ThisModule()

@@ -33,7 +33,7 @@ Function* FindLoadedFunction(const wchar_t* library, const char* name) noexcept
 }
 
 /// Looks a function up in one of the system's libraries, which it loads and never unloads: unloading a
-/// graphics library crashes hosts. Null when either is missing.
+/// graphics library crashes hosts. Null, with a line in the log, when either is missing.
 FARPROC FindPermanentProcedure(const wchar_t* library, const char* name);
 
 /// The same for a function of a known type.

@@ -141,6 +141,9 @@ TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
     dll.emplace();
     EXPECT_EQ(install(true), S_OK);
     const std::wstring whole = classes();
+    for (const wchar_t* part :
+         {L"InprocServer32]\n=", L"ThreadingModel=", L"ToolboxBitmap32]\n=", L"TypeLib\\{"})
+        EXPECT_NE(whole.find(part), std::wstring::npos) << part << " is not in " << whole;
     EXPECT_NE(FindResourceW(dll->Handle(), MAKEINTRESOURCEW(102), MAKEINTRESOURCEW(2)), nullptr);
     // HKEY_CLASSES_ROOT stands for the classes of all users again, and not for the user's.
     EXPECT_NE(OpenKey(HKEY_CLASSES_ROOT, L"CLSID\\{4590F811-1D3A-11D0-891F-00AA004B2E24}", KEY_READ),

@@ -7,14 +7,19 @@
 
 #include <array>
 #include <chrono>
+#include <filesystem>
+#include <fstream>
 #include <functional>
 #include <future>
 #include <random>
+#include <sstream>
 #include <thread>
 
 #include "client/ControlDll.h"
 #include "client/Hosts.h"
 #include "support/FakeWmi.h"
+#include "support/ScratchKey.h"
+#include "support/TestFolder.h"
 
 namespace kel {
 namespace {
@@ -85,6 +90,25 @@ TEST(Life, KeepsALogLevelThatWasSetBeforeTheFirstSession)
         EXPECT_EQ(Get(control, &ISysInfo::get_Logging), level);
         control->put_Logging(_bstr_t(L"5"));
     }
+}
+
+TEST(Life, WritesTheLogFileOfThePolicy)
+{
+    const test::TestFolder folder;
+    const std::filesystem::path path = folder.Path() / L"a.log";
+    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
+    machine.Write(L"Software\\Policies\\Keldane", L"LogFile", path.c_str());
+    const test::Apartment apartment;
+    test::ControlDll().Create()->put_Logging(_bstr_t(L"3"));
+    std::string text;
+    for (int attempt = 0; attempt < 3000 && text.find("(built in)") == text.npos; ++attempt) {
+        Sleep(10);
+        std::ostringstream read;
+        read << std::ifstream(path).rdbuf();
+        text = read.str();
+    }
+    EXPECT_NE(text.find("TRACE | service analysis.keldane.example (built in)"), text.npos) << text;
+    EXPECT_EQ(text.find("is ignored"), text.npos) << text;
 }
 
 TEST(Life, LeavesNothingAfterTenThousandControls)

@@ -10,10 +10,12 @@
 #include <thread>
 #include <vector>
 
+#include "BuildSettings.h"
 #include "service/AnalysisRequest.h"
 #include "service/BandwidthTest.h"
 #include "service/CallBudget.h"
 #include "service/HttpExchange.h"
+#include "service/InternetError.h"
 #include "service/PathText.h"
 #include "service/Proxy.h"
 #include "service/RunWithin.h"
@@ -22,6 +24,7 @@
 #include "service/Utf8.h"
 #include "service/WebServiceUpload.h"
 #include "support/LogCapture.h"
+#include "support/Machines.h"
 #include "support/ScratchKey.h"
 #include "support/TestSession.h"
 
@@ -81,6 +84,21 @@ TEST(ServiceHost, IsANameThatAddsNothingToARequest)
     };
     for (const auto& [text, isHost] : rows)
         EXPECT_EQ(IsHostName(text), isHost) << text;
+}
+
+TEST(ServiceHost, IsReachedAsItsAddressSays)
+{
+    const std::tuple<const wchar_t*, const wchar_t*, bool> rows[] = {
+        {L"https://a.example", L"a.example", true},
+        {L"http://a.example", L"a.example", false},
+        {L"a.example", L"a.example", KEL_SERVICE_TLS != 0},
+    };
+    for (const auto& [address, host, isSecure] : rows) {
+        SetServiceHost(address);
+        EXPECT_EQ(ServiceHost(), host) << address;
+        EXPECT_EQ(IsServiceSecure(), isSecure) << address;
+        EXPECT_EQ(DescribeServiceHost(), host + std::wstring(L" (command line)"));
+    }
 }
 
 TEST(Exchange, KeepsItsHandlesWhenAbandonedUntilItEnds)
@@ -290,6 +308,15 @@ TEST(Answer, IsLoggedAsAWarningFromStatus400On)
                 testing::ElementsAre(L"TRACE Status: 200 text", L"TRACE Status: 399 text",
                                      L"WARN Status: 400 text", L"WARN Status: 500 text",
                                      L"WARN Can't get status.", L"WARN Can't get data.", L"TRACE Status:  "));
+}
+
+TEST(InternetError, NamesTheDocumentedErrors)
+{
+    const test::Lines rows = test::ReadRows("internet_errors.txt");
+    EXPECT_GE(rows.size(), 27U);
+    for (const std::wstring& row : rows)
+        EXPECT_EQ(InternetErrorText(std::stoul(row)), row.substr(row.find(L';') + 1)) << row;
+    EXPECT_EQ(InternetErrorText(ERROR_SUCCESS), L"");
 }
 
 TEST(Utf8, ReplacesMalformedBytesAndKeepsZeros)

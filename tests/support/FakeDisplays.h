@@ -33,7 +33,8 @@ struct Screen {
 struct FakeDisplays {
     std::vector<Screen> screens;
     bool hasPaths = true, hasDevices = true;
-    int shortAnswers = 0;  ///< how often a monitor is plugged in between two calls
+    int shortAnswers = 0;      ///< how often a monitor is plugged in between two calls
+    bool isUnplugged = false;  ///< a monitor, between two calls
     bool isRemote = false;
     std::wstring deviceName = L"Generic PnP Monitor";  ///< of each, by its driver
     std::optional<DWORD> session;
@@ -49,7 +50,7 @@ struct FakeDisplays {
     {
         DisplayFunctions functions;
         functions.getDisplayConfigBufferSizes = [this](UINT32, UINT32* paths, UINT32* modes) -> LONG {
-            *paths = static_cast<UINT32>(screens.size()) - (shortAnswers > 0 ? 1 : 0);
+            *paths = static_cast<UINT32>(screens.size()) - (shortAnswers > 0 ? 1 : 0) + (isUnplugged ? 1 : 0);
             *modes = static_cast<UINT32>(screens.size());
             return hasPaths ? ERROR_SUCCESS : ERROR_NOT_SUPPORTED;
         };
@@ -57,6 +58,7 @@ struct FakeDisplays {
                                               UINT32*, DISPLAYCONFIG_MODE_INFO* modes, auto) -> LONG {
             if (*pathCount < screens.size())
                 return --shortAnswers, ERROR_INSUFFICIENT_BUFFER;
+            *pathCount = static_cast<UINT32>(screens.size());
             for (UINT32 place = 0; place < screens.size(); ++place) {
                 const Screen& screen = screens[place];
                 paths[place] = {};

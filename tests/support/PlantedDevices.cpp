@@ -83,6 +83,7 @@ void PlantedMachine::PlantDisplays()
         displays.hasPaths &= what != L"without paths";
         displays.hasDevices &= what != L"without devices";
         displays.shortAnswers += what == L"one more between two calls";
+        displays.isUnplugged |= what == L"one fewer between two calls";
     }
     if (const std::wstring name = machine.First(L"device-name"); !name.empty())
         displays.deviceName = name;
