@@ -46,7 +46,7 @@ if [ ${#packages[@]} -gt 0 ]; then
     in_root env DEBIAN_FRONTEND=noninteractive "${get[@]}" install --yes --no-install-recommends "${packages[@]}"
   } >&2
   touch $place/installed
-  changed=(-cnewer $place/installed)
+  changed=(-cnewer "$place/installed")
 fi
 code=0
 # shellcheck disable=SC2016  # the inner shell expands it
