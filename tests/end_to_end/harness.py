@@ -55,7 +55,7 @@ def wine(*arguments, proxy=NO_SERVICE, log=None):
     """Runs a Windows program. Debugger output goes to the file `log`."""
     ran = run_once(arguments, proxy, log)
     # Rarely, Wine ends a process at its start without output when others start at the same time.
-    return ran if ran.code != 1 or ran.output or ran.seconds > 1 else run_once(arguments, proxy, log)
+    return ran if ran.code != 1 or ran.output or ran.seconds > 10 else run_once(arguments, proxy, log)
 
 
 def run_once(arguments, proxy, log):
