@@ -85,7 +85,7 @@ int ServeHosts()
     FreeConsole();  // the system opens one for a program of this kind
     StartLogFile();
     WriteLog(LogTrace, L"The local server begins.");
-    static Clients clients;  // these three are longer than any call
+    static Clients clients;  // these three outlive every call
     static CallerFilter filter(clients);
     static ClassObject classObject(clients);
     CoRegisterMessageFilter(&filter, nullptr);
