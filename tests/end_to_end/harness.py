@@ -4,6 +4,7 @@ import contextlib
 import json
 import os
 import re
+import signal
 import subprocess
 import sys
 import tempfile
@@ -138,12 +139,14 @@ class ControlTest(ServiceTest):
         make = f'WScript.Echo("begun");\nvar control = new ActiveXObject("{PROG_ID}");\n' if language == "js" else \
             f'WScript.Echo "begun"\nDim control\nSet control = WScript.CreateObject("{PROG_ID}")\n'
         script = self.folder / f"test.{language}"
-        script.write_text(make + text + "\nWScript.Quit(7)", encoding="utf-8")
+        script.write_text(f'{make}{text}\nWScript.Echo("ended")\nWScript.Quit(7)', encoding="utf-8")
         for _ in range(3):  # now and then Wine ends a host before its script, with any code, when others start at the same time
             with open(self.folder / "log.txt", "wb") as log:
                 self.ran = wine(*CSCRIPT, windows_path(script), proxy=f"http://{self.address}", log=log if self.logs else None)
             if self.ran.output:
                 break
         self.log = "\n".join(re.findall(r'OutputDebugStringA "(.*)\\n"', Path(log.name).read_text("cp437")))
-        self.assertEqual(self.ran.code, 7, self.ran.output)
-        return self.ran.output.splitlines()[1:]
+        self.assertTrue(self.ran.output.endswith("ended\n"), self.ran)
+        # Rarely, Wine crashes when a process ends while one of its threads does; a crash of the control has another code.
+        self.assertIn(self.ran.code, (7, -signal.SIGSEGV), self.ran.output)
+        return self.ran.output.splitlines()[1:-1]

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "BuildSettings.h"
+#include "platform/Handles.h"
 #include "service/AnalysisRequest.h"
 #include "service/BandwidthTest.h"
 #include "service/CallBudget.h"
@@ -125,7 +126,14 @@ TEST(Exchange, KeepsItsHandlesWhenAbandonedUntilItEnds)
         std::this_thread::sleep_for(1ms);
     EXPECT_TRUE(watched.expired());
     HINTERNET handle = nullptr;
-    EXPECT_EQ(RunWithin(30s, [&handle](InternetSession& internet) { handle = internet.Open(); }), nullptr);
+    OwnedHandle thread;
+    EXPECT_EQ(RunWithin(30s,
+                        [&](InternetSession& internet) {
+                            handle = internet.Open();
+                            thread.reset(OpenThread(SYNCHRONIZE, FALSE, GetCurrentThreadId()));
+                        }),
+              nullptr);
+    EXPECT_EQ(WaitForSingleObject(thread.get(), 0), WAIT_OBJECT_0);  // its thread has ended, too
     EXPECT_NE(handle, nullptr);
     EXPECT_FALSE(IsOpen(handle));
     EXPECT_THROW(RunWithin(30s, [](InternetSession&) { throw std::length_error("x"); }), std::length_error);
