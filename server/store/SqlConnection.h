@@ -77,7 +77,7 @@ public:
     /// only one connection can write.
     virtual std::string_view ShareReports() const { return {}; }
     /// How many rows with large texts one statement should read: many where each statement costs a network
-    /// round trip, few where the length of a text is only known by reading it.
+    /// round trip, 1 where it costs less than the length of a text, which is only known by reading it.
     virtual std::size_t LargeRowsAtOnce() const = 0;
     /// Removes deleted data from the write-ahead log, unless a reader still uses it; does nothing for a
     /// database that manages its log itself.
