@@ -147,7 +147,7 @@ std::int64_t Keep(const AdminRequest& request, Snapshot snapshot, const Publishe
         report.referrer = request.form.Text("referrer");
     const std::int64_t id = Reports(request.database).Add(report);
     Verdicts(request.database)
-        .Save(NewVerdict{id, set.id, "requirements", verdict.total, RenderLines(verdict)});
+        .Save({id, set.id, "requirements", verdict.total, RenderLines(verdict), ResultLetters(verdict)});
     Audit(request.database).Add(request.login.account, "kept a file", fmt::format("report {}", id));
     Log(Level::Info, "file-kept", {{"account", request.login.account}, {"report", std::to_string(id)}});
     return id;

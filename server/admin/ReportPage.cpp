@@ -197,7 +197,7 @@ Answer AskToDeleteSession(const AdminRequest& request)
                                    count == 1 ? "its" : "their")}) +
         PostForm(request, ReportPath(report.id) + "/delete",
                  Html::Element("div", {{"class", "buttons"}},
-                               {Button("Delete them", "danger"), Link(ReportPath(report.id), "Keep them")}));
+                               {Button("Delete", "danger"), Link(ReportPath(report.id), "Keep")}));
     return Page(request, "Delete a session", content);
 }
 

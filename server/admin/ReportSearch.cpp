@@ -10,7 +10,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr int StretchVerdicts = 2000;  // whose lines one statement looks at
+constexpr int StretchVerdicts = 5000;  // whose results one statement looks at
 constexpr int StretchReports = 200;    // whose values are read at once
 
 /// Adds the matching reports of a stretch; false when the budget does not allow to look at the whole stretch,

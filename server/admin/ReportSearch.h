@@ -17,8 +17,8 @@ struct FoundReports {
 };
 
 /// Lists the reports of a query, at most filter.count, where `filter` is the query's own with the page's
-/// bounds. The database cannot find a result of a line, or a value of a report, by an index: it looks at one
-/// stretch of reports after the other, for a second and 32 MB at most.
+/// bounds. The database reads an index for a result of a line, and the reports for a value of a report: one
+/// stretch of them after the other, for a second and 32 MB at most.
 FoundReports SearchReports(Database& database, const ReportQuery& query, ReportFilter filter);
 
 }  // namespace kel::server

@@ -148,7 +148,8 @@ Answer ShowReports(const AdminRequest& request)
         content += Notice("bad", query.problem);
     content += FilterForm(query) + Restriction(query) +
                ReportsTable(request.database, "Reports, the newest first", lines,
-                            Html("No reports here. ") + Link("/reports", "Show all reports"));
+                            Html(isCut ? "No reports so far. " : "No reports here. ") +
+                                Link("/reports", "Show all reports"));
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);
     if (query.problem.empty() && !lines.empty())

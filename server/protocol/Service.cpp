@@ -125,7 +125,8 @@ Answer Service::Analysis(const std::string& referrer, std::string body)
     const auto report = FindReport(newest->id);
     const Verdict verdict = Judge(*sets.Get(set.id), report->Lookup());
     const std::string version = std::to_string(set.version);
-    SaveVerdict(NewVerdict{newest->id, set.id, request.item, verdict.total, RenderLines(verdict)});
+    SaveVerdict(
+        {newest->id, set.id, request.item, verdict.total, RenderLines(verdict), ResultLetters(verdict)});
     metrics.AddVerdict(verdict.total);
     metrics.checks.Reach(request.session, CheckSteps::Finished);
     Log(Level::Info, "judged",

@@ -26,6 +26,22 @@ std::string TextIfItFits(const std::string& text, const std::string& maxBytes)
     return fits + text + " ELSE '' END, " + fits + "1 ELSE 0 END ";
 }
 
+const std::string Columns = "SELECT id, session, referrer, \"user\", machine, received, ";
+
+/// As many of at most `count` reports, from the first on, as are read at once.
+SqlRows ReadFitting(SqlConnection& connection, const std::vector<std::int64_t>& ids, std::size_t count,
+                    const std::string& order)
+{
+    std::vector<SqlValue> values{MaxBytesAtOnce};
+    // The number of parameters is always the same, so that few different statements are prepared.
+    for (std::size_t i = 0; i < count; ++i)
+        values.emplace_back(ids[std::min(i, ids.size() - 1)]);
+    return connection.Query(Columns + TextIfItFits("body", "$1") + "FROM report JOIN (SELECT id AS found, " +
+                                SizeColumns("body", order) + " FROM report WHERE id IN (" +
+                                ParameterList(2, count) + ")) AS sized ON id = found ORDER BY " + order,
+                            values);
+}
+
 }  // namespace
 
 void Reports::ForEach(const std::vector<std::int64_t>& ids, const std::function<bool(const FullReport&)>& use)
@@ -38,16 +54,11 @@ void Reports::ForEach(const std::vector<std::int64_t>& ids, const std::function<
             const auto connection = database.BorrowReader();
             const std::size_t count = connection->LargeRowsAtOnce();
             end = std::min(next + count, ids.size());
-            std::vector<SqlValue> values{MaxBytesAtOnce};
-            // The number of parameters is always the same, so that few different statements are prepared.
-            for (std::size_t i = next; i < next + count; ++i)
-                values.emplace_back(ids[std::min(i, end - 1)]);
-            rows =
-                connection->Query("SELECT id, session, referrer, \"user\", machine, received, " +
-                                      TextIfItFits("body", "$1") + "FROM report JOIN (SELECT id AS found, " +
-                                      SizeColumns("body", order) + " FROM report WHERE id IN (" +
-                                      ParameterList(2, count) + ")) AS sized ON id = found ORDER BY " + order,
-                                  values);
+            rows = count == 1 ? connection->Query(Columns + "body, 1 FROM report WHERE id = $1", {ids[next]})
+                              : ReadFitting(*connection,
+                                            {ids.begin() + static_cast<std::ptrdiff_t>(next),
+                                             ids.begin() + static_cast<std::ptrdiff_t>(end)},
+                                            count, order);
         }
         for (SqlRow& row : rows) {
             const FullReport report = ReadReport(row);

@@ -33,10 +33,6 @@ public:
     std::string_view SkipLocked() const override { return " FOR UPDATE SKIP LOCKED"; }
     std::string_view AwaitLocked() const override { return " FOR UPDATE"; }
     std::string_view ShareReports() const override { return " FOR KEY SHARE OF report"; }
-    std::string LineResult(const std::string& parameter) const override
-    {
-        return "(SELECT result FROM results_in(lines) AS found WHERE found.line = " + parameter + ")";
-    }
     std::size_t LargeRowsAtOnce() const override { return 250; }
     std::int64_t LastStableReportId() override { return Query("SELECT settled_report()").at(0).Number(); }
     std::span<const char* const> Migrations() const override;

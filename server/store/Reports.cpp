@@ -32,17 +32,31 @@ public:
     }
 
     /// Adds a condition on a verdict: one of the lines fails. The statement's text is the same for any lines.
-    void AddFailing(const SqlConnection& connection, const std::vector<LineOfSet>& lines)
+    void AddFailing(const std::vector<LineOfSet>& lines)
     {
         std::string any;
         for (std::size_t i = 0; i < ReportFilter::MaxLines; ++i) {
             const LineOfSet line = i < lines.size() ? lines[i] : LineOfSet{0, 1};  // no version has the id 0
             values.emplace_back(line.set);
             any += (i == 0 ? "(requirement_set = " : " OR (requirement_set = ") + Parameter();
-            values.emplace_back(std::int64_t{line.line} - 1);
-            any += " AND " + connection.LineResult(Parameter()) + " = 'fail')";
+            any += " AND " + LetterOf(line.line) + " = 'f')";
         }
         text += " AND (" + any + ")";
+    }
+
+    /// Adds a condition on a verdict: the line, from 1 on, has that result.
+    void AddLine(int line, Result result)
+    {
+        const std::string letter = LetterOf(line);
+        Add(letter + " = ?", ToString(result).substr(0, 1));
+    }
+
+private:
+    /// An expression: the letter of the line's result. Its index has it, so the verdict is not read.
+    std::string LetterOf(int line)
+    {
+        values.emplace_back(std::int64_t{line});
+        return "substr(results, CAST(" + Parameter() + " AS INTEGER), 1)";
     }
 };
 
@@ -149,7 +163,6 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
     const bool isGiven = filter.version > 0 || filter.isOnce;
     const bool byVerdict = filter.total || filter.line > 0 || filter.failing || isGiven;
     const std::string total(filter.total ? ToString(*filter.total) : "");
-    const std::string lineResult(filter.lineResult ? ToString(*filter.lineResult) : "");
     const std::string id = byVerdict && !isOfFew ? "verdict.report" : "report.id";
     const std::string prefix = isOfFew ? unindexed : "";
     ReportConditions conditions;
@@ -181,12 +194,10 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
         conditions.text +=
             " AND requirement_set = (SELECT max(requirement_set) FROM verdict AS other "
             "WHERE other.report = verdict.report)";
-    if (filter.line > 0) {
-        conditions.values.emplace_back(std::int64_t{filter.line} - 1);
-        conditions.Add(connection->LineResult(conditions.Parameter()) + " = ?", lineResult);
-    }
+    if (filter.line > 0)
+        conditions.AddLine(filter.line, *filter.lineResult);
     if (filter.failing)
-        conditions.AddFailing(*connection, *filter.failing);
+        conditions.AddFailing(*filter.failing);
     if (filter.from > 0)
         conditions.Add(unindexed + "received >= ?", filter.from);
     if (filter.until > 0)

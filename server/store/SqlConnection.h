@@ -76,10 +76,8 @@ public:
     /// The end of a SELECT whose rows of `report` must not be deleted before the statement's end; empty where
     /// only one connection can write.
     virtual std::string_view ShareReports() const { return {}; }
-    /// An expression: the result of the verdict's line whose place, from 0 on, is that parameter.
-    virtual std::string LineResult(const std::string& parameter) const = 0;
     /// How many rows with large texts one statement should read: many where each statement costs a network
-    /// round trip, few where the length of a text is only known by reading it.
+    /// round trip, 1 where it costs less than the length of a text, which is only known by reading it.
     virtual std::size_t LargeRowsAtOnce() const = 0;
     /// Removes deleted data from the write-ahead log, unless a reader still uses it; does nothing for a
     /// database that manages its log itself.

@@ -27,12 +27,7 @@ public:
     bool IsWritable() override;
     DatabaseSize Size() override;
     std::string_view UnindexedPrefix() const override { return "+"; }
-    std::string LineResult(const std::string& parameter) const override
-    {
-        return "CASE WHEN json_valid(lines) THEN json_extract(lines, '$[' || " + parameter +
-               " || '].result') END";
-    }
-    std::size_t LargeRowsAtOnce() const override { return 10; }
+    std::size_t LargeRowsAtOnce() const override { return 1; }
     void TruncateWriteAheadLog() override;
     std::span<const char* const> Migrations() const override;
     int Version() override;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "server/store/Database.h"
-#include "verdict/Result.h"
+#include "verdict/Verdict.h"
 
 namespace kel::server {
 
@@ -15,8 +15,12 @@ struct NewVerdict {
     std::int64_t set = 0;
     std::string item;
     Result total = Result::Unknown;
-    std::string lines;  // JSON
+    std::string lines;    // JSON
+    std::string results;  // of the lines (see ResultLetters)
 };
+
+/// The first letter of each line's result, by which reports are found.
+std::string ResultLetters(const Verdict& verdict);
 
 struct StoredVerdict {
     std::int64_t report = 0;

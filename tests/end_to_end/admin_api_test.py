@@ -98,7 +98,9 @@ class Programs(AdminTest):
         self.assertEqual(first["reports"], [])
         [(newest,)] = self.database.run("SELECT max(id) FROM report")
         self.assertLess(first["last"], newest)  # 32 MB at a time
-        self.assertIn("Search on", self.page("/reports?value=9&comparison=any", self.log_in()).data)
+        page = self.page("/reports?value=9&comparison=any", self.log_in())
+        self.assertIn("No reports so far", page.data)
+        self.assertIn("Search on", page.data)
         before = self.peak()
         connection = http.client.HTTPConnection(self.admin, timeout=PATIENCE)
         self.addCleanup(connection.close)

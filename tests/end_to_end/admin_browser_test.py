@@ -49,7 +49,12 @@ class InABrowser(AdminTest):
             browser.resize(width)
             browser.go(f"http://{self.admin}/")
             self.assertEqual(browser.run("return document.querySelectorAll('svg.spark').length"), 20)
-            self.assertLessEqual(browser.run("return document.documentElement.scrollHeight"), height, width)
+            for period in ("30d", "all"):
+                browser.go(f"http://{self.admin}/?period={period}")
+                self.assertLessEqual(browser.run("return document.documentElement.scrollHeight"), height, f"{width} {period}")
+                edges = browser.run("return ['main > table', '.figures'].map(e => "
+                                    "document.querySelector(e).getBoundingClientRect().right)")
+                self.assertLessEqual(edges[0], edges[1] + 1, f"{width} {period}: the table is wider than its page")
         browser.click("#find")
         browser.press("NUMBER 77" + ENTER, "find")
         browser.await_text("product-77", "tbody")

@@ -134,7 +134,8 @@ class Commands(DataTest):
             connection.executescript(  # an older program's
                 "DROP TRIGGER verdict_added; DROP TRIGGER verdict_changed; DROP TRIGGER report_added; DROP VIEW session_verdict;"
                 "DROP VIEW count_verdict; DROP TABLE day_reports; DROP TABLE day_verdicts; DROP TABLE day_lines;"
-                "DROP INDEX report_by_user; ALTER TABLE verdict DROP COLUMN counted;"
+                "DROP INDEX report_by_user; DROP INDEX verdict_by_referrer; ALTER TABLE verdict DROP COLUMN counted;"
+                "ALTER TABLE verdict DROP COLUMN results; CREATE INDEX verdict_by_referrer ON verdict (referrer, report);"
                 "ALTER TABLE requirement_set DROP COLUMN title; PRAGMA user_version = 2")
         os.chown(self.database.path, 9 if os.geteuid() == 0 else -1, -1)
         owner = self.database.path.stat().st_uid

@@ -23,7 +23,6 @@ public:
     void Begin() override {}
     bool IsBroken() override { return false; }
     bool IsWritable() override { return true; }
-    std::string LineResult(const std::string&) const override { return {}; }
     std::size_t LargeRowsAtOnce() const override { return 1; }
     DatabaseSize Size() override { return {}; }
     std::span<const char* const> Migrations() const override { return {}; }

@@ -48,10 +48,10 @@ protected:
 
     /// Saves a verdict on a report by a referrer's newest requirements.
     void Judge(std::int64_t report, const std::string& referrer, Result total,
-               const std::string& lines = "[]")
+               const std::string& lines = "[]", const std::string& results = "")
     {
         const std::int64_t set = RequirementSets(*database).Newest(referrer).value().id;
-        Verdicts(*database).Save({report, set, "", total, lines});
+        Verdicts(*database).Save({report, set, "", total, lines, results});
     }
 
     std::int64_t CountRows(const std::string& table)

@@ -68,6 +68,8 @@ TEST_F(StoreTest, ListsOfVerdictsUseAnIndex)
     const std::string verdicts = "SELECT report, requirement_set, total FROM verdict WHERE ";
     for (const auto& [sql, index] :
          {std::pair{"referrer = 1 ORDER BY report DESC, requirement_set DESC LIMIT 9", "verdict_by_referrer"},
+          {"referrer = 1 AND report < 9 AND substr(results, 2, 1) = 'u' ORDER BY report DESC",
+           "verdict_by_referrer"},
           {"total = 'pass' AND report < 9 ORDER BY report DESC", "verdict_by_total"},
           {"total = 'pass' AND referrer = 1 AND report < 9 ORDER BY report DESC", "verdict_by_both"}}) {
         SqlRows plan = raw->Query("EXPLAIN QUERY PLAN " + verdicts + sql);
@@ -101,6 +103,16 @@ TEST_F(StoreTest, AnOlderDatabaseComesToTheNewestVersionWithItsData)
     EXPECT_EQ(days[0].sessions.fail, 1);
     EXPECT_EQ(counts.Lines(1, {}).at(0).pass, 1);
     EXPECT_EQ(counts.Lines(1, {}).at(1).unknown, 1);
+    for (const auto& [line, result, matches] :
+         {std::tuple{1, Result::Pass, 2U}, {1, Result::Unknown, 0U}, {2, Result::Unknown, 2U}}) {
+        ReportFilter filter;
+        filter.referrer = "r";
+        filter.version = 1;
+        filter.line = line;
+        filter.lineResult = result;
+        EXPECT_EQ(Reports(*database).List(filter).size(), matches)
+            << "line " << line << " " << ToString(result);
+    }
     EXPECT_EQ(counts.Reports({1, 2})[""], 1);
     EXPECT_EQ(counts.Reports({0, 1})["r"], 1);
     EXPECT_EQ(Reports(*database).Find(1)->body, "b");

@@ -29,6 +29,7 @@ PAGES = (
     ("A line that none fails", BY_LINE.format(2, "fail")), ("Reports of a session", "/reports?session=s-77"),
     ("Reports of a user that all have", "/reports?user=visitor"), ("Reports of a machine", "/reports?machine=m-77"),
     ("A value that a fifth has", "/reports?value=71063&comparison=at+least&text=63+GB"),
+    ("A value that none has, until the search stops", "/reports?value=71063&comparison=equals&text=77+GB"),
     ("A report", "/reports/REPORT"), ("A report's XML", "/reports/REPORT/xml"),
     ("Deletion of a session", "/reports/REPORT/delete"),
     ("Values", "/values"), ("Values, some found", "/values?find=memory"), ("Check a file", "/check"), ("Audit", "/audit"),

@@ -83,8 +83,9 @@ def fill(store, most):
     now, apart, kinds = int(time.time() * 1000), SPREAD // most, variants(lines)
     received = f"{now} - ({most} - number) * CAST({apart} AS BIGINT)"
     total = f"CASE WHEN number % {RARE} = 1 THEN 'unknown' ELSE {choice(TOTALS)} END"
-    found = (f"CASE WHEN number % {RARE} = 1 THEN {literal(json.dumps(kinds['rare']))} WHEN number % 4 = 2 THEN "
-             f"{literal(json.dumps(kinds['fail']))} ELSE {literal(json.dumps(kinds['pass']))} END")
+    found, letters = (f"CASE WHEN number % {RARE} = 1 THEN {literal(stored(kinds['rare']))} WHEN number % 4 = 2 THEN "
+                      f"{literal(stored(kinds['fail']))} ELSE {literal(stored(kinds['pass']))} END"
+                      for stored in (json.dumps, lambda lines: "".join(line["result"][0] for line in lines)))
     restore = store.pause_triggers()
     for start in range(there, most, BATCH):
         end = min(start + BATCH, most)
@@ -94,8 +95,8 @@ def fill(store, most):
             SELECT {last - there + 1} + number, 's-' || number, 'demo', 'visitor', 'm-' || number, {received},
                 replace(replace(replace({literal(body)}, 'SESSION', 's-' || number), '15.9 GB', {choice(MEMORIES)}),
                         '2560x1440', {choice(RESOLUTIONS)}) FROM numbers;
-            {numbers} INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines)
-            SELECT {last - there + 1} + number, 1, 1, {now}, '', {total}, {found} FROM numbers""")
+            {numbers} INSERT INTO verdict (report, requirement_set, referrer, judged, item, total, lines, results)
+            SELECT {last - there + 1} + number, 1, 1, {now}, '', {total}, {found}, {letters} FROM numbers""")
     store.run(restore)
     count(store, Counter(((now - (most - number) * apart) // DAY, kind_of(number)) for number in range(there, most)), kinds)
 
