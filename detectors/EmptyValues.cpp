@@ -21,7 +21,7 @@ constexpr SourceWords Sources[] = {
     {L"WMI", {"WMI"}},
     {L"registry", {"registry", "key", "EDID"}},
     {L"Setup API SetupDiOpenDevRegKey", {"driver"}},
-    {L"Setup API", {"Setup API", "driver", "device id", "class code"}},
+    {L"Setup API", {"Setup API", "driver", "device id"}},
     {L"disk", {"STORAGE_", "IOCTL_", "the bus", "the list of disks"}},
     {L"optical drive", {"STORAGE_", "profiles", "72300", "QueryDosDeviceW"}},
     {L"QueryDosDeviceW", {"QueryDosDeviceW", "STORAGE_", "IOCTL_"}},

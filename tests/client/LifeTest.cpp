@@ -109,6 +109,7 @@ TEST(Life, WritesTheLogFileOfThePolicy)
     }
     EXPECT_NE(text.find("TRACE | service analysis.keldane.example (built in)"), text.npos) << text;
     EXPECT_EQ(text.find("is ignored"), text.npos) << text;
+    EXPECT_EQ(text.find('\0'), text.npos) << text;
 }
 
 TEST(Life, LeavesNothingAfterTenThousandControls)

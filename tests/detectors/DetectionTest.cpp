@@ -61,6 +61,21 @@ TEST(CpuRules, DescribeWhatIsMeasured)
     EXPECT_EQ(DescribeProcessors(64, 2345.9F).speed.Hertz(), 2345000000U);
 }
 
+TEST(SystemCpu, DoesNotTakeTwoGigabytesForATopology)
+{
+    int calls = 0;
+    CpuFunctions functions;
+    functions.getTopology = [&calls](auto, auto*, DWORD* size) -> BOOL {
+        ++calls;
+        *size = 0x7FFFFFFF;
+        return FALSE;
+    };
+    functions.firmwareVirtualizes = [] { return std::optional<bool>(); };
+    CpuInfo info;
+    GetTopology(functions, info);
+    EXPECT_EQ(calls, 1);
+}
+
 TEST(CpuRules, TidyTheNameAndRateTheSpeed)
 {
     enum { Other = 0, Amd = 1, Multi = 2 };  // Multi: a system of more than one processor

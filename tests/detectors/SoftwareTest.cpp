@@ -100,6 +100,23 @@ TEST_F(FaultySoftware, IgnoresValuesOfAWrongType)
     }
 }
 
+TEST_F(FaultySoftware, LogsTheSourceOfABrowserThatThrows)
+{
+    planted.functions.versionRecord = [](auto...) -> std::vector<BYTE> { throw 1; };
+    {
+        const test::TestSession session;
+        Browser().Detect(planted.functions);
+        EXPECT_EQ(session.Why(73014), L"the detector failed");
+    }
+    planted.functions.programId = [](auto...) -> std::wstring { throw 1; };
+    planted.functions.hostProgram = []() -> std::wstring { throw 1; };
+    const test::LogCapture log(1);
+    test::FindSoftware(planted.functions);
+    EXPECT_THAT(log.Lines(), testing::IsSupersetOf({L"ERR Error while reading the choice of a browser.",
+                                                    L"ERR Error while looking for a browser.",
+                                                    L"ERR Error while reading the host's version."}));
+}
+
 TEST_F(FaultySoftware, KeepsOtherSourcesWhenOneFails)
 {
     int refused = 0;

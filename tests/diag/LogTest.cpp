@@ -8,6 +8,7 @@
 
 #include "diag/LogScope.h"
 #include "diag/Seconds.h"
+#include "diag/SourceFailures.h"
 #include "support/LocaleWatch.h"
 #include "support/LogCapture.h"
 
@@ -110,6 +111,17 @@ TEST(Log, WritesSecondsLikeAStreamAndLeavesTheLocaleAlone)
     log.SetLevel(LogMaximum);
     for (int line = 0; line < 3000; ++line)
         log.Write(LogTrace, L"line ", line);
+}
+
+TEST(Failures, OfADeviceAreItsOwnButAnExceptionIsOfTheDetector)
+{
+    std::vector<SourceFailure> failures;
+    const FailureScope scope;
+    CollectFailures(failures, [] { FailureScope::Note(L"disk 0", 5); });
+    EXPECT_EQ(failures.size(), 1U);
+    EXPECT_TRUE(scope.Found().AreNone());
+    CollectFailures(failures, [] { FailureScope::NoteException(); });
+    EXPECT_TRUE(scope.Found().hasException);
 }
 
 }  // namespace

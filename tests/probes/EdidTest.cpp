@@ -79,6 +79,10 @@ TEST(Edid, LeavesUnreportedFactsEmpty)
         place[2] = 1;  // no text, by its first three bytes
         EXPECT_STREQ(ReadEdid(test::Summed(bytes))->name.ToString(), L"");
     }
+    Bytes later = Sample();
+    std::copy_n(later.begin() + 54, 18, later.begin() + 72);
+    std::fill_n(later.begin() + 54, 18, BYTE{1});
+    EXPECT_EQ(ReadEdid(test::Summed(later))->nativeResolution.ToString(), std::wstring(L"3840x2160"));
     // A second name counts where the first is blank.
     Bytes two = Sample();
     const char* text = "\n            ";

@@ -5,6 +5,7 @@
 #include "diag/SourceFailures.h"
 #include "platform/RegistryNames.h"
 #include "platform/RegistryValue.h"
+#include "probes/graphics/AdapterCache.h"
 #include "probes/setup/SetupDevice.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
@@ -75,6 +76,18 @@ TEST(Registry, ReadsTextsAndSizesOfEachType)
     EXPECT_FALSE(ReadRegistryValue(key.Key(), nullptr, nullptr, text));
     Log::Instance().exceptions(std::ios::goodbit);
     EXPECT_EQ(log.Lines().back(), L"WARN Error with CRegKey");
+}
+
+TEST(AdapterCache, LeavesWhatIsNotNotedEmpty)
+{
+    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
+    machine.Write(L"SOFTWARE\\Microsoft\\DirectX\\1", L"Description", L"A card");
+    std::vector<GpuInfo> adapters;
+    ReadAdapterCache(adapters);
+    ASSERT_EQ(adapters.size(), 1U);
+    EXPECT_EQ(adapters[0].description.ToString(), std::wstring(L"A card"));
+    EXPECT_EQ(adapters[0].luid, L"");
+    EXPECT_FALSE(adapters[0].deviceId.HasValue());
 }
 
 TEST(RegistryNames, AreLimitedToTheRequestedCount)

@@ -2,6 +2,7 @@
 
 #include "platform/Library.h"
 #include "probes/graphics/GraphicsFunctions.h"
+#include "probes/network/NetworkInterfaces.h"
 #include "probes/software/SoftwareFunctions.h"
 #include "probes/system/OSInfo.h"
 #include "support/LogCapture.h"
@@ -41,6 +42,8 @@ TEST(SystemFunctions, AreFoundByTheirNames)
     software.productInfo(L"none", L"VersionString", text, &size);
     software.packages(L"none");
     software.packageFolder(L"none");
+    ReadInterfaceTable(NetworkFunctions::OfSystem(), {});
+    ReadAdapterAddresses(NetworkFunctions::OfSystem(), {});
     EXPECT_THAT(log.Lines(),
                 testing::IsSubsetOf({L"TRACE The system has no function D3DKMTQueryAdapterInfo",
                                      L"TRACE The system has no function GetPackagesByPackageFamily",

@@ -99,7 +99,9 @@ TEST(WMI, KeepsEarlierFactsWhenACallOrConversionFails)
     odd.next = E_FAIL;  // what came before it counts
     const test::FakeWmi fake(odd);
     const test::LogCapture log(1);
+    const FailureScope scope;
     const Answers got;
+    EXPECT_TRUE(scope.Found().hasException);
     EXPECT_EQ(got.results, "111111");
     EXPECT_EQ(got.cpu.name + got.cpu.caption + got.bios.name, L"keptkept");
     EXPECT_THAT(log.Lines(),

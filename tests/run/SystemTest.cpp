@@ -149,6 +149,9 @@ TEST(WantedGroups, AreSplitAndRememberedForTheirReferrer)
     }
     EXPECT_FALSE(wanted.IsDue(L"r", 1000));
     EXPECT_TRUE(wanted.IsDue(L"other", 1000));
+    wanted.Assign({2, 1});
+    EXPECT_TRUE(wanted.Contains(GroupID(1)));
+    EXPECT_TRUE(wanted.IsDue(L"r", 1000)) << "a program's own groups are nobody's answer";
 }
 
 TEST(WantedGroups, AreDueAgainWithoutAnAnswer)

@@ -76,7 +76,7 @@ BOOL WINAPI ReadInstanceId(HDEVINFO set, SP_DEVINFO_DATA* device, wchar_t* text,
 HKEY WINAPI OpenDriver(HDEVINFO set, SP_DEVINFO_DATA* device, DWORD scope, DWORD profile, DWORD kind,
                        REGSAM access)
 {
-    const DWORD error = kind == DIREG_DRV ? FindFault(set, device, L"driver") : ERROR_SUCCESS;
+    const DWORD error = FindFault(set, device, kind == DIREG_DRV ? L"driver" : L"hardware");
     SetLastError(error);
     return error == ERROR_SUCCESS ? SetupDiOpenDevRegKey(set, device, scope, profile, kind, access)
                                   : static_cast<HKEY>(INVALID_HANDLE_VALUE);
@@ -97,6 +97,7 @@ BOOL WINAPI AnswerInstalled(ULONGLONG* kilobytes)
 {
     const std::wstring megabytes = FieldsOf(answering->First(L"memory"), 4)[3];
     *kilobytes = NumberOf(megabytes) << 10;
+    SetLastError(ERROR_NOT_SUPPORTED);
     return !megabytes.empty();
 }
 

@@ -167,7 +167,8 @@ TEST(Resolution, ReadsTwoEdgesAndCoversEitherOrientation)
         EXPECT_FALSE(resolution.HasValue()) << refused;
         EXPECT_STREQ(resolution.ToString(), L"");
     }
-    EXPECT_FALSE(Resolution(8, 7) == Resolution(7, 8));
+    EXPECT_FALSE(Resolution(8, 7) == Resolution(8, 6));
+    EXPECT_FALSE(Resolution(8, 7) == Resolution(9, 7));
     const Resolution required(1280, 720);
     for (const wchar_t* enough : {L"1280x720", L"1080x1920", L"1279x9999"})
         EXPECT_TRUE(Resolution(enough).Covers(required)) << enough;
@@ -237,6 +238,7 @@ TEST(DeviceID, ReadsTheIdsOfRealHardware)
         EXPECT_EQ(id.Vendor() + L"/" + id.Device() + L"/" + id.Subsystem() + L"/" + id.Revision(), fields[2]);
         EXPECT_TRUE(id.HasValue()) << row;
     }
+    EXPECT_STREQ(DeviceID(L"BTHENUM\\DEV_0211223344556\\7").ToString(), L"BTHENUM\\DEV_0211223344556");
     EXPECT_FALSE(DeviceID(L"").HasValue());
     EXPECT_FALSE(DeviceID().HasValue());
 
