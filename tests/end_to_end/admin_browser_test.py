@@ -80,6 +80,11 @@ class InABrowser(AdminTest):
             shown = browser.run("return [...document.querySelectorAll('nav, select, button, .button, input')]"
                                 ".filter(e => e.getClientRects().length).map(e => e.outerHTML)")
             self.assertEqual(shown, [], path)
+            for selector, style, value in (("tr, figure, .card, .notice", "breakInside", "avoid"),
+                                           ("pre:not(.numbers)", "whiteSpace", "pre-wrap")):
+                wrong = browser.run(f"return [...document.querySelectorAll('{selector}')]"
+                                    f".filter(e => getComputedStyle(e).{style} != '{value}').map(e => e.outerHTML)")
+                self.assertEqual(wrong, [], f"{path} on paper: {style}")
             browser.command("Emulation.setEmulatedMedia", {"media": ""})
         long = "\n".join(f'"{number}": "{"x" * 200}",' for number in range(100))
         browser.run(f"document.querySelector('textarea').value = {json.dumps(long)}")

@@ -16,16 +16,24 @@ TEST_F(StoreTest, ALaterVerdictOnAReportByTheSameRequirementsReplacesIt)
     const std::int64_t report = Upload("s", "r");
     for (const char* text : {"1", "2"}) {
         sets.Publish("r", text, "", "");
-        Judge(report, "r", Result::Fail, text);
+        Judge(report, "r", Result::Fail, text, "f");
     }
     raw->Execute("UPDATE verdict SET judged = 1");
-    Judge(report, "r", Result::Pass, "again");
+    Judge(report, "r", Result::Pass, "again", "p");
     Judge(1000, "r", Result::Pass, "its report does not exist");
     const auto verdicts = Verdicts(*database).OnReport(report);
     ASSERT_EQ(verdicts.size(), 2U);
     EXPECT_EQ(verdicts[0].lines, "again") << "an older version is first";
     EXPECT_GT(verdicts[0].judged, 1) << "the time of the first judgement stays";
     EXPECT_EQ(verdicts[1].lines, "1");
+    ReportFilter filter;
+    filter.referrer = "r";
+    filter.version = 2;
+    filter.line = 1;
+    for (const auto& [result, count] : {std::pair{Result::Pass, 1U}, {Result::Fail, 0U}}) {
+        filter.lineResult = result;
+        EXPECT_EQ(Reports(*database).List(filter).size(), count) << "a search finds the replaced result";
+    }
 }
 
 TEST_F(StoreTest, EachSessionCountsOnceWithItsNewestVerdict)
