@@ -37,6 +37,7 @@ TEST_F(Members, TraceTheStepsOfARunInOrder)
     EXPECT_EQ(std::ranges::count(lines, L"ERR Can't send Internet request."), 3);
     EXPECT_EQ(std::ranges::count(lines, L"ERR Can't send Internet request. Error: 12029"), 3);
     EXPECT_THAT(lines, testing::Contains(L"MARK Header: Content-Type = application/xml; charset=utf-8"));
+    EXPECT_THAT(lines, testing::Each(Not(testing::HasSubstr(L"apikey"))));
     // Wine lacks these; each other function is found by its name, in its library.
     const Lines lacking = {L"GetFirmwareType", L"D3DKMTQueryAdapterInfo", L"GetPackagesByPackageFamily",
                            L"GetPackagePathByFullName"};

@@ -92,5 +92,18 @@ TEST(Versions, AreReadFromTextsAndOrdered)
         EXPECT_EQ(FrameworkOfRelease(release), expected) << release;
 }
 
+TEST(Frameworks, HaveTheVersionOfTheirRelease)
+{
+    const std::pair<DWORD, const wchar_t*> lowest[] = {
+        {533320, L"4.8.1"}, {528040, L"4.8"},   {461808, L"4.7.2"}, {461308, L"4.7.1"},
+        {460798, L"4.7"},   {394802, L"4.6.2"}, {394254, L"4.6.1"}, {393295, L"4.6"},
+        {379893, L"4.5.2"}, {378675, L"4.5.1"}, {378389, L"4.5"},
+    };
+    for (const auto& [release, version] : lowest) {
+        EXPECT_EQ(FrameworkOfRelease(release), version);
+        EXPECT_NE(FrameworkOfRelease(release - 1), version);
+    }
+}
+
 }  // namespace
 }  // namespace kel
