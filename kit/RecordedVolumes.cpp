@@ -2,19 +2,16 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 
-#include "probes/storage/Volumes.h"
+#include "platform/ErrorMode.h"
 #include "service/Utf8.h"
 
 namespace kel::kit {
 
 namespace {
 
-constexpr int LetterId = 72602;
-constexpr int KindId = 72603;
 constexpr std::string_view FolderPrefix = "\\??\\";
 constexpr std::string_view DevicePrefix = "\\Device\\";
 
@@ -31,6 +28,14 @@ std::string ReadTarget(const VolumeFunctions& functions, const std::wstring& let
     return target.substr(0, target.find('\\', DevicePrefix.size()));
 }
 
+std::string ListDisks(const std::vector<std::int32_t>& disks)
+{
+    std::string numbers;
+    for (const std::int32_t disk : disks)
+        numbers += (numbers.empty() ? "" : " ") + std::to_string(disk);
+    return numbers;
+}
+
 /// Exact to the byte.
 std::string Gigabytes(const Size& size)
 {
@@ -39,35 +44,16 @@ std::string Gigabytes(const Size& size)
     return text.data();
 }
 
-/// Whether the stored kind is that of the letter's type.
-bool HasKindOfItsType(const Snapshot& snapshot, const VolumeInfo& volume)
-{
-    const std::string letter = ToUtf8(volume.letter.ToString());
-    const std::string kind = ToUtf8(GetVolumeKind(volume.type));
-    return std::ranges::all_of(snapshot.facts, [&](const Fact& fact) {
-        return fact.id != LetterId || fact.text != letter ||
-               std::ranges::any_of(snapshot.facts, [&](const Fact& other) {
-                   return other.id == KindId && other.index == fact.index && other.text == kind;
-               });
-    });
-}
-
 }  // namespace
 
-std::vector<std::string> RecordVolumes(const Snapshot& snapshot)
+std::vector<std::string> RecordVolumes(const VolumeFunctions& functions)
 {
-    const VolumeFunctions functions = VolumeFunctions::OfSystem();
+    const ErrorMode quiet;
     std::array<wchar_t, MAX_PATH> windows = {};
     functions.getSystemWindowsDirectory(windows);
     std::vector<std::string> lines = {"windows-folder " + ToUtf8(windows.data())};
-    const std::vector<std::int32_t> disks = functions.listDisks(std::wstring(windows.data()).substr(0, 2));
-    if (disks.empty())
-        return {};
-    lines.emplace_back("windows ");
-    for (const std::int32_t disk : disks)
-        lines.back() += (disk == disks.front() ? "" : "|") + std::to_string(disk);
     for (const VolumeInfo& volume : ListVolumes(functions)) {
-        if (!volume.failures.empty() || !HasKindOfItsType(snapshot, volume))
+        if (!volume.failures.empty())
             return {};
         const std::wstring letter = volume.letter.ToString();
         std::string line =
@@ -76,6 +62,8 @@ std::vector<std::string> RecordVolumes(const Snapshot& snapshot)
             line += "|system=" + system;
         if (volume.size && volume.free)
             line += "|gigabytes=" + Gigabytes(*volume.size) + "|free=" + Gigabytes(*volume.free);
+        if (volume.type == DRIVE_FIXED && !volume.disks.empty())
+            line += "|disk=" + ListDisks(volume.disks);
         if (const std::string target = ReadTarget(functions, letter); !target.empty())
             line += "|target=" + target;
         lines.push_back(line);

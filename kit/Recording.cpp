@@ -7,8 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "kit/DeviceMasks.h"
+#include "kit/RecordedDevices.h"
 #include "kit/RecordedSystem.h"
-#include "kit/RecordedVolumes.h"
 #include "masking/Masker.h"
 #include "service/Utf8.h"
 #include "verdict/Catalogue.h"
@@ -19,13 +20,18 @@ namespace {
 
 using Names = std::vector<std::string_view>;
 
-constexpr std::string_view VolumeDetector = "LogicalDrive";
-/// In the order in which the tests run them.
-const Names Detectors = {"CPU", "Bios", "Chassis", VolumeDetector, "MotherBoard", "OS", "Ram"};
+/// The detectors of processor, memory, firmware, board, chassis and system, which are always recorded.
+const Names SystemDetectors = {"CPU", "Bios", "Chassis", "MotherBoard", "OS", "Ram"};
+/// All that can be recorded, in the order in which the tests run them.
+const Names Detectors = {"CPU",       "GPU",          "Bios",        "Chassis",       "Graphics",
+                         "HardDrive", "LogicalDrive", "MotherBoard", "NetworkDevice", "OS",
+                         "Ram",       "Sound",        "Monitor"};
 
 /// What the recording does not hold: the tests' own processors, locale and identifier, the number of
-/// processors, memory and space that is free at the moment, the .NET Framework, and devices.
+/// processors, memory and space that is free at the moment, the .NET Framework, cameras and Bluetooth.
 const std::set<int> LeftOut = {71207, 71254, 71257, 71388, 71382, 71193, 73470, 73473, 72606, 72612, 73500};
+/// The one value that is only read when it is wanted, and is recorded.
+constexpr int Wanted = 73404;
 
 bool IsAscii(const std::string& text)
 {
@@ -40,7 +46,8 @@ void AddValues(const Snapshot& snapshot, const Names& detectors, std::string& id
             const CatalogueValue* const known = FindCatalogueValue(fact.id);
             // The tests divide a line at "; ".
             if (known == nullptr || known->Detector() != detector || LeftOut.contains(fact.id) ||
-                !IsAscii(fact.text) || fact.text.find("; ") != std::string::npos)
+                (known->isGated && fact.id != Wanted) || !IsAscii(fact.text) ||
+                fact.text.find("; ") != std::string::npos)
                 continue;
             const std::string id = std::to_string(fact.id);
             ids += (ids.empty() ? "" : " ") + id + "-" + id;
@@ -53,24 +60,27 @@ void AddValues(const Snapshot& snapshot, const Names& detectors, std::string& id
 
 std::string RecordMachine(const Snapshot& snapshot)
 {
-    std::vector<std::string> lines = RecordSystem(snapshot);
-    const std::vector<std::string> volumes = RecordVolumes(snapshot);
-    lines.insert(lines.end(), volumes.begin(), volumes.end());
-    Names detectors = Detectors;
-    if (volumes.empty())
-        std::erase(detectors, VolumeDetector);
-    std::string ids;
-    std::string values;
-    AddValues(snapshot, detectors, ids, values);
     Masker masker = Masker::OfSystem();
     for (const Fact& fact : snapshot.facts)
         masker.Keep(FromUtf8(fact.text));
-    std::string recorded = "machine recorded, " + snapshot.windows + "\nwanted 73404\ndetectors";
+    DeviceMasks masks(masker);
+    const DeviceRecording devices = RecordDevices(DeviceEdges::OfSystem(), masks);
+    Names detectors = Detectors;
+    std::erase_if(detectors, [&devices](std::string_view detector) {
+        return std::ranges::count(SystemDetectors, detector) == 0 && !devices.detectors.contains(detector);
+    });
+    std::string ids;
+    std::string values;
+    AddValues(snapshot, detectors, ids, values);
+    std::string recorded =
+        "machine recorded, " + snapshot.windows + "\nwanted " + std::to_string(Wanted) + "\nlog *\ndetectors";
     for (const std::string_view detector : detectors)
         recorded += " " + std::string(detector);
     recorded += "\nids " + ids + "\n";
-    for (const std::string& line : lines)
+    for (const std::string& line : RecordSystem(snapshot))
         recorded += ToUtf8(masker.Mask(FromUtf8(line))) + "\n";
+    for (const std::string& line : devices.lines)
+        recorded += line + "\n";
     std::ranges::replace_if(
         recorded, [](char c) { return c < 0; }, '?');
     return recorded + values;

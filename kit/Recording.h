@@ -7,7 +7,8 @@
 namespace kel::kit {
 
 /// This machine as a file of tests/machines: what the system answers, and the values that the product made of
-/// it. Processor, memory, firmware, board, chassis and operating system; no other device. Only ASCII.
+/// it. Optical drives, controllers, cameras, Bluetooth and software are not recorded, nor what takes loading
+/// a graphics driver. Only ASCII, without serial numbers, addresses or names of people.
 /// @param snapshot the machine's values
 std::string RecordMachine(const Snapshot& snapshot);
 

@@ -36,6 +36,15 @@ inline Bytes Summed(Bytes bytes)
     return bytes;
 }
 
+/// Hexadecimal digits as bytes.
+inline Bytes BytesOf(const std::string& digits)
+{
+    Bytes bytes;
+    for (std::size_t place = 0; place + 1 < digits.size(); place += 2)
+        bytes.push_back(static_cast<BYTE>(std::stoi(digits.substr(place, 2), nullptr, 16)));
+    return bytes;
+}
+
 inline std::vector<Edid> ReadEdids()
 {
     std::vector<Edid> edids;
@@ -47,8 +56,8 @@ inline std::vector<Edid> ReadEdids()
         if (bar != std::string::npos)
             edids.push_back(
                 {line.substr(0, bar), {line.begin() + static_cast<int>(bar) + 1, line.end()}, {}});
-        for (std::size_t place = 0; bar == std::string::npos && place + 1 < line.size(); place += 2)
-            edids.back().bytes.push_back(static_cast<BYTE>(std::stoi(line.substr(place, 2), nullptr, 16)));
+        const Bytes bytes = BytesOf(bar == std::string::npos ? line : "");
+        edids.back().bytes.insert(edids.back().bytes.end(), bytes.begin(), bytes.end());
     }
     return edids;
 }

@@ -26,8 +26,9 @@ struct Screen {
     UINT32 pixelFormat = DISPLAYCONFIG_PIXELFORMAT_32BPP;
     LUID adapter = {};  ///< sources are numbered on each from 0
     Resolution preferred = {};
-    int isHdr2 = -1;          ///< by the newer request
-    std::wstring modes = {};  ///< such as "1920x1080@144", with blanks between them
+    int isHdr2 = -1;           ///< by the newer request
+    std::wstring modes = {};   ///< such as "1920x1080@144", with blanks between them
+    std::wstring device = {};  ///< its name by its driver, where it is not that of all
 };
 
 struct FakeDisplays {
@@ -118,7 +119,7 @@ struct FakeDisplays {
             if (adapter == nullptr)
                 return TRUE;
             const Screen& screen = screens[std::stoul(adapter)];
-            wcscpy(out->DeviceString, deviceName.c_str());
+            wcscpy(out->DeviceString, (screen.device.empty() ? deviceName : screen.device).c_str());
             wcscpy(out->DeviceID, PathOf(screen).c_str());
             out->StateFlags = DISPLAY_DEVICE_ACTIVE;
             return TRUE;

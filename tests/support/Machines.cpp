@@ -14,18 +14,19 @@ namespace {
 
 /// The words whose fields have names, and the order in which they are planted.
 const std::map<std::wstring, std::wstring> FieldNames = {
-    {L"adapter", L"instance name type medium flags state speed container problem"},
+    {L"adapter", L"instance name type medium flags state speed container problem driver hardware version"},
     {L"card",
      L"key name vendor device subsystem dedicated shared flags level11 level12 shader wddm driver dxcore "
      L"kernel rays"},
-    {L"disk", L"bus vendor product revision bytes seek odd model"},
+    {L"disk", L"bus vendor product revision bytes seek odd model number"},
     {L"drive", L"number bus product profiles media odd"},
     {L"graphics",
      L"name instance version matching megabytes qword-megabytes problem date vulkan radeon chip"},
-    {L"note", L"place vendor device level11 megabytes level12 name"},
+    {L"note", L"place vendor device level11 megabytes level12 name driver"},
     {L"optical", L"instance hardware name number bus product profiles media odd problem"},
     {L"screen",
-     L"picture x y width height rate per connector name instance hdr format adapter preferred hdr2 modes"},
+     L"picture x y width height rate per connector name instance hdr format adapter preferred hdr2 modes "
+     L"device"},
     {L"system",
      L"major minor build type suite architecture edition pack pack-text r2 true native elevation "
      L"administrators"},

@@ -38,13 +38,13 @@ void PlantedMachine::PlantGraphics()
         }
     }
     for (const std::wstring& line : machine[L"note"]) {
-        const Lines fields = FieldsOf(line, 7);
+        const Lines fields = FieldsOf(line, 8);
         const auto write = [&](const wchar_t* name, DWORD type, std::uint64_t number) {
             software.machineKeys.Write(directX + L"\\{" + fields[0] + L"}", name, type, &number,
                                        type == REG_QWORD ? 8 : 4);
         };
         write(L"AdapterLuid", REG_QWORD, 7ULL << 32 | NumberOf(fields[0]));
-        write(L"DriverVersion", REG_QWORD, 0x9000800070006);
+        write(L"DriverVersion", REG_QWORD, fields[7].empty() ? 0x9000800070006 : NumberOf(fields[7], 16));
         write(L"VendorId", REG_DWORD, NumberOf(fields[1], 16));
         write(L"DeviceId", REG_DWORD, NumberOf(fields[2], 16));
         write(L"MaxD3D11FeatureLevel", REG_DWORD, NumberOf(fields[3], 16));
@@ -57,7 +57,7 @@ void PlantedMachine::PlantGraphics()
 void PlantedMachine::PlantDisplays()
 {
     for (const std::wstring& line : machine[L"screen"]) {
-        const Lines fields = FieldsOf(line, 16);
+        const Lines fields = FieldsOf(line, 17);
         const auto number = [&fields](std::size_t place, int base = 10) {
             return static_cast<UINT32>(NumberOf(fields[place], base));
         };
@@ -77,6 +77,7 @@ void PlantedMachine::PlantDisplays()
         screen.preferred.Initialize(fields[13].c_str());
         screen.isHdr2 = fields[14].empty() ? -1 : std::stoi(fields[14]);
         screen.modes = fields[15];
+        screen.device = fields[16];
     }
     for (const std::wstring& what : machine[L"displays"]) {
         displays.isRemote |= what == L"remote";
@@ -105,7 +106,8 @@ void PlantedMachine::PlantDisplays()
     static const std::vector<Edid> edids = ReadEdids();
     for (const std::wstring& line : machine[L"edid"]) {
         const Lines fields = FieldsOf(line, 2);
-        const auto& bytes = std::ranges::find(edids, Narrow(fields[1]), &Edid::source)->bytes;
+        const auto known = std::ranges::find(edids, Narrow(fields[1]), &Edid::source);
+        const Bytes bytes = known != edids.end() ? known->bytes : BytesOf(Narrow(fields[1]));
         software.machineKeys.Write(L"SYSTEM\\CurrentControlSet\\Enum\\" + fields[0] + L"\\Device Parameters",
                                    L"EDID", REG_BINARY, bytes.data(), bytes.size());
     }
@@ -113,7 +115,7 @@ void PlantedMachine::PlantDisplays()
 
 void PlantedMachine::PlantSound()
 {
-    wmi.objects[L"SELECT * FROM Win32_SoundDevice"] = soundDevices.wmi;
+    wmi.objects.try_emplace(L"SELECT * FROM Win32_SoundDevice", soundDevices.wmi);
     for (const std::wstring& output : machine[L"output*"])
         sound.endpoints.push_back({eRender, output});
     sound.defaultOutput = static_cast<int>(sound.endpoints.size()) - 1;
@@ -122,7 +124,7 @@ void PlantedMachine::PlantSound()
     for (const std::wstring& input : machine[L"input"])
         sound.endpoints.push_back({eCapture, FieldsOf(input, 2)[0], FieldsOf(input, 2)[1]});
     const auto failure = [this](const wchar_t* word, HRESULT otherwise) {
-        const std::wstring field = machine.First(word);
+        const std::wstring field = FieldsOf(machine.First(word), 1)[0];
         return field.empty() ? otherwise : static_cast<HRESULT>(NumberOf(field, 16));
     };
     sound.enumerate = failure(L"no-endpoints", S_OK);

@@ -199,7 +199,10 @@ void PlantedMachine::PlantBasics()
     }
     for (const std::wstring& line : machine[L"wmi"]) {
         const Lines fields = Split(line, L'|');
-        WmiProperties& object = wmi.objects[L"SELECT * FROM " + fields[0]].emplace_back();
+        auto& objects = wmi.objects[L"SELECT * FROM " + fields[0]];
+        if (fields.size() == 1)  // a class without objects
+            continue;
+        WmiProperties& object = objects.emplace_back();
         for (std::size_t place = 1; place < fields.size(); ++place) {
             const std::size_t equals = fields[place].find(L'=');
             object[fields[place].substr(0, equals)] = {fields[place].substr(equals + 1).c_str()};
@@ -226,6 +229,13 @@ void PlantedMachine::PlantChassis()
         if (!fields[3].empty())  // CONFIGFLAG_DISABLED
             devices.back()->With(SPDRP_CONFIGFLAGS, L"\x1");
     }
+}
+
+/// What the older function counts, where the sound service does not answer.
+UINT PlantedMachine::CountWaveOutputs() const
+{
+    const std::wstring count = FieldsOf(machine.First(L"no-endpoints"), 2)[1];
+    return count.empty() ? 7 : static_cast<UINT>(NumberOf(count));
 }
 
 void PlantedMachine::Run(const Lines& names)
@@ -263,7 +273,7 @@ void PlantedMachine::Run(const Lines& names)
          [] {
              Ram().Detect({&AnswerMemory, &AnswerInstalled});
          }},
-        {L"Sound", [] { Sound().Detect({[] { return 7U; }}); }},
+        {L"Sound", [this] { Sound().Detect({[this] { return CountWaveOutputs(); }}); }},
         {L"Software", [this] { Software().Detect(software.functions); }},
         {L"Browser", [this] { Browser().Detect(software.functions); }},
         {L"Monitor", [&] { Monitor().Detect(config); }},

@@ -4,10 +4,12 @@
 #include <vector>
 
 #include "probes/cpu/CPUID.h"
+#include "probes/storage/Disks.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeSound.h"
 #include "support/FakeWmi.h"
 #include "support/Machines.h"
+#include "support/PlantedGraphics.h"
 #include "support/PlantedNetwork.h"
 #include "support/PlantedSoftware.h"
 #include "support/PlantedStorage.h"
@@ -44,7 +46,21 @@ public:
     /// Runs the detectors with these names in the current session; all if there are no names.
     void Run(const Lines& names);
 
+    /// Shows the functions that answer for its storage, volumes, network, displays and graphics adapters, in
+    /// this order, while its sound devices answer, too.
+    template <typename Look>
+    void Show(Look look)
+    {
+        const FakeSound endpoints(sound);
+        PlantedGraphics graphics(machine);
+        const StorageFunctions disks = storage.devices.Functions();
+        VolumeFunctions volumes = storage.volumes.Functions();
+        volumes.listDisks = [&disks](const std::wstring& letter) { return ReadVolumeDisks(disks, letter); };
+        look(disks, volumes, network.functions, displays.Functions(), graphics.functions);
+    }
+
 private:
+    UINT CountWaveOutputs() const;
     void PlantBasics();
     void PlantChassis();
     void PlantGraphics();

@@ -19,13 +19,14 @@ namespace kel::test {
 
 /// Adapters, for the Setup API and in tables of functions. A line: instance id of its device (none for an
 /// interface without one), name, type and medium of the interface, flags (hardware H, connector C, filter F,
-/// default route R, no name among the addresses N, none of the device D), state, speed. Drivers are 1.0.0,
-/// 1.0.1 and so on.
+/// default route R, no name among the addresses N, none of the device D, no interface T), state, speed, then
+/// the device's container, problem, name, hardware id and driver. Drivers are 1.0.0, 1.0.1 and so on, where
+/// they have no other version.
 struct PlantedNetwork {
     explicit PlantedNetwork(const Lines& lines)
     {
         for (const std::wstring& line : lines) {
-            const Lines fields = FieldsOf(line, 9);
+            const Lines fields = FieldsOf(line, 12);
             const auto has = [&fields](wchar_t flag) { return fields[4].find(flag) != std::wstring::npos; };
             const std::wstring place = std::to_wstring(table.size());
             auto& row = table.emplace_back();
@@ -33,6 +34,7 @@ struct PlantedNetwork {
             names.push_back("{" + Narrow(Hexadecimal(row.InterfaceIndex, 8)) +
                             "-0000-0000-0000-000000000000}");
             isNameless.push_back(has(L'N'));
+            isUnlisted.push_back(has(L'T'));
             wcscpy(row.Alias, L"Anna's network");
             wcscpy(row.Description, fields[1].c_str());
             memcpy(row.PhysicalAddress, "\x02\x11\x22\x33\x44\x55", row.PhysicalAddressLength = 6);
@@ -49,16 +51,20 @@ struct PlantedNetwork {
                 continue;
             auto& device =
                 *devices.emplace_back(std::make_unique<PlantedDevice>(NetworkClass, fields[0].c_str()));
-            device.With(SPDRP_DEVICEDESC, has(L'D') ? L"" : fields[1])
-                .With(SPDRP_HARDWAREID, DeviceID(fields[0]).ToString());
-            device.Driver(L"DriverVersion", L"1.0." + place).InContainer(fields[7]).InState(fields[8]);
+            const std::wstring name = !fields[9].empty() ? fields[9] : fields[1];
+            device.With(SPDRP_DEVICEDESC, has(L'D') ? L"" : name)
+                .With(SPDRP_HARDWAREID, !fields[10].empty() ? fields[10] : DeviceID(fields[0]).ToString());
+            device.Driver(L"DriverVersion", VersionOf(fields[11], place))
+                .InContainer(fields[7])
+                .InState(fields[8]);
             device.Driver(L"NetCfgInstanceId", {names.back().begin(), names.back().end()});
         }
         functions.getTable = [this](MIB_IF_TABLE2** result) {
-            const std::size_t size = table.size() * sizeof(MIB_IF_ROW2);
+            const std::vector<MIB_IF_ROW2> rows = ListedRows();
+            const std::size_t size = rows.size() * sizeof(MIB_IF_ROW2);
             *result = static_cast<MIB_IF_TABLE2*>(malloc(offsetof(MIB_IF_TABLE2, Table) + size));
-            (*result)->NumEntries = static_cast<ULONG>(table.size());
-            memcpy(&(*result)->Table[0], table.data(), size);
+            (*result)->NumEntries = static_cast<ULONG>(rows.size());
+            memcpy(&(*result)->Table[0], rows.data(), size);
             return DWORD{NO_ERROR};
         };
         functions.freeTable = &free;
@@ -108,12 +114,28 @@ struct PlantedNetwork {
     std::vector<std::unique_ptr<PlantedDevice>> devices;
 
 private:
+    static std::wstring VersionOf(const std::wstring& field, const std::wstring& place)
+    {
+        return field.empty() ? L"1.0." + place : field == L"none" ? L"" : field;
+    }
+
+    /// The interfaces, without the devices that have none.
+    std::vector<MIB_IF_ROW2> ListedRows() const
+    {
+        std::vector<MIB_IF_ROW2> rows = table;
+        std::erase_if(rows, [this](const MIB_IF_ROW2& row) { return isUnlisted[row.InterfaceIndex]; });
+        return rows;
+    }
+
     /// The table's facts about each interface, except its medium.
     ULONG ListAddresses(ULONG family, ULONG flags, IP_ADAPTER_ADDRESSES* list, ULONG* size)
     {
         constexpr ULONG WithoutLists = 0x2F;
         isMisused |= family != AF_UNSPEC || flags != WithoutLists;
-        const ULONG needed = static_cast<ULONG>(table.size() * sizeof(*list));
+        const std::vector<MIB_IF_ROW2> rows = ListedRows();
+        if (rows.empty())
+            return ERROR_NO_DATA;
+        const ULONG needed = static_cast<ULONG>(rows.size() * sizeof(*list));
         if (growth-- > 0 || *size < needed) {
             *size += 20000;
             return ERROR_BUFFER_OVERFLOW;
@@ -121,10 +143,11 @@ private:
         static IP_ADAPTER_UNICAST_ADDRESS_LH unicast = {};
         static sockaddr_in address = {AF_INET, 0, {{{192, 0, 2, 77}}}, {}};
         unicast.Address = {reinterpret_cast<sockaddr*>(&address), sizeof(address)};
-        for (std::size_t place = 0; place < table.size(); ++place) {
-            MIB_IF_ROW2& row = table[place];
+        for (std::size_t place = 0; place < rows.size(); ++place) {
+            MIB_IF_ROW2& row =
+                *std::ranges::find(table, rows[place].InterfaceIndex, &MIB_IF_ROW2::InterfaceIndex);
             IP_ADAPTER_ADDRESSES& one = list[place] = {};
-            one.Next = place + 1 < table.size() ? &list[place + 1] : nullptr;
+            one.Next = place + 1 < rows.size() ? &list[place + 1] : nullptr;
             one.IfIndex = one.Ipv6IfIndex = row.InterfaceIndex;
             one.AdapterName = isNameless[row.InterfaceIndex] ? nullptr : names[row.InterfaceIndex].data();
             one.Description = row.Description;
@@ -144,23 +167,26 @@ private:
     DWORD routeError = NO_ERROR;
     std::wstring longRoute;  ///< the interface that long addresses are reached by
     std::vector<std::string> names;
-    std::vector<bool> isNameless;
+    std::vector<bool> isNameless, isUnlisted;
 };
 
-/// Sound devices, for the Setup API; the first one for WMI, too. A line: instance id, name, and the hardware
-/// id where it is not the instance's. Bluetooth devices have names that people chose.
+/// Sound devices, for the Setup API; the first one for WMI, too. A line: instance id, name, the hardware id
+/// where it is not the instance's, state, and the driver's version. Bluetooth devices have names that people
+/// chose.
 struct PlantedSound {
     explicit PlantedSound(const Lines& lines)
     {
         for (const std::wstring& line : lines) {
-            const Lines fields = FieldsOf(line, 4);
+            const Lines fields = FieldsOf(line, 5);
             const std::wstring place = std::to_wstring(devices.size());
             auto& device =
                 *devices.emplace_back(std::make_unique<PlantedDevice>(SoundClass, fields[0].c_str()));
             device.With(SPDRP_HARDWAREID, !fields[2].empty() ? fields[2] : DeviceID(fields[0]).ToString());
             device.With(SPDRP_DEVICEDESC, fields[1])
                 .Device(L"x", L"")
-                .Driver(L"DriverVersion", L"1.0." + place)
+                .Driver(L"DriverVersion", fields[4].empty()      ? L"1.0." + place
+                                          : fields[4] == L"none" ? L""
+                                                                 : fields[4])
                 .InState(fields[3]);
             const bool isBluetooth = fields[0].starts_with(L"BTH");
             if (isBluetooth)

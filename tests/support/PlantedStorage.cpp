@@ -69,11 +69,12 @@ void PlantedStorage::PlantDisks(const Machine& machine, FakeWmiData& wmi)
 {
     long number = -1;
     for (const std::wstring& line : machine[L"disk"]) {
-        const Lines fields = FieldsOf(line, 8);
-        const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(++number);
+        const Lines fields = FieldsOf(line, 9);
+        number = fields[8].empty() ? number + 1 : std::stol(fields[8]);
+        const std::wstring path = L"\\\\.\\PhysicalDrive" + std::to_wstring(number);
         const std::string vendor = Narrow(fields[1]), product = Narrow(fields[2]),
                           revision = Narrow(fields[3]);
-        const int bus = std::stoi(fields[0]);
+        const int bus = static_cast<int>(NumberOf(fields[0]));
         const auto is = [&fields](const wchar_t* odd) { return fields[6].find(odd) != std::wstring::npos; };
         FakeDevice& disk = devices.devices[path];
         disk.answers[DeviceProperty] = Descriptor(bus, vendor.empty() ? nullptr : vendor.c_str(),
@@ -159,9 +160,11 @@ void PlantedStorage::PlantVolumes(const Machine& machine)
         volume.throws = fields[6] == L"throws";
         if (!fields[6].empty() && !volume.throws)
             volume.error = static_cast<DWORD>(NumberOf(fields[6]));
-        if (!fields[7].empty())
-            devices.devices[L"\\\\.\\" + fields[0] + L":"].answers[ExtentsRequest] =
-                Extents({static_cast<std::uint32_t>(NumberOf(fields[7]))});
+        std::vector<std::uint32_t> disks;
+        for (const std::wstring& disk : Split(fields[7], L' '))
+            disks.push_back(static_cast<std::uint32_t>(NumberOf(disk)));
+        if (!disks.empty())
+            devices.devices[L"\\\\.\\" + fields[0] + L":"].answers[ExtentsRequest] = Extents(disks);
     }
     volumes.profile = machine.First(L"profile");
     if (const std::wstring folder = machine.First(L"windows-folder"); !folder.empty())

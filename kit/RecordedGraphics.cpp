@@ -1,0 +1,162 @@
+#include "kit/RecordedGraphics.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "platform/RegistryNames.h"
+#include "probes/graphics/DXGI.h"
+#include "probes/graphics/GpuInfo.h"
+#include "probes/graphics/VulkanManifest.h"
+#include "probes/setup/SetupLib.h"
+#include "service/Utf8.h"
+#include "values/Hexadecimal.h"
+#include "values/Text.h"
+
+namespace kel::kit {
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr UINT DriverModelRequest = 13;
+constexpr UINT KindRequest = 15;
+constexpr UINT HybridIntegrated = 1U << 5, HybridDiscrete = 1U << 4;
+constexpr DWORD MaxNotes = 256;
+constexpr std::size_t FirstFreePlace = 1000;  // of notes about adapters that DXGI does not list
+
+std::string Hex(std::uint64_t number, int digits)
+{
+    return ToUtf8(Hexadecimal(number, digits));
+}
+
+std::string Megabytes(std::uint64_t bytes)
+{
+    return std::to_string((bytes + (1U << 19)) >> 20);
+}
+
+std::uint64_t KeyOf(const LUID& luid)
+{
+    return static_cast<std::uint64_t>(static_cast<std::uint32_t>(luid.HighPart)) << 32 | luid.LowPart;
+}
+
+/// Adds a line for each adapter that DXGI lists.
+/// @return their keys, in DXGI's order
+std::vector<std::uint64_t> RecordCards(const GraphicsFunctions& functions, DeviceMasks& masks, Lines& lines)
+{
+    std::vector<std::uint64_t> keys;
+    std::string all;
+    for (const DXGI::Adapter& adapter : DXGI(functions).ListAdapters()) {
+        DXGI_ADAPTER_DESC1 found = {};
+        if (FAILED(adapter.adapter->GetDesc1(&found)))
+            continue;
+        const std::string key = "card" + std::to_string(keys.size());
+        const UINT kind = functions.askKernel(found.AdapterLuid, KindRequest);
+        const std::optional<bool> isIntegrated = functions.isIntegratedByDxCore(found.AdapterLuid);
+        lines.push_back(
+            "card key=" + key + Field("name", masks.Text(found.Description)) +
+            Field("vendor", Hex(found.VendorId, 4)) + Field("device", Hex(found.DeviceId, 4)) +
+            Field("subsystem", Hex(found.SubSysId, 8)) +
+            Field("dedicated", Megabytes(found.DedicatedVideoMemory)) +
+            Field("shared", Megabytes(found.SharedSystemMemory)) + Field("flags", Hex(found.Flags, 1)) +
+            Field("wddm", std::to_string(functions.askKernel(found.AdapterLuid, DriverModelRequest))) +
+            Field("dxcore", !isIntegrated   ? ""
+                            : *isIntegrated ? "yes"
+                                            : "no") +
+            Field("kernel", (kind & HybridIntegrated) != 0 ? "yes"
+                            : (kind & HybridDiscrete) != 0 ? "no"
+                                                           : ""));
+        all += (all.empty() ? "has " : "|") + key;
+        keys.push_back(KeyOf(found.AdapterLuid));
+    }
+    if (!all.empty())
+        lines.push_back(all);
+    return keys;
+}
+
+/// A number of the cache; 0 when it is missing.
+std::uint64_t NumberIn(HKEY key, const wchar_t* name)
+{
+    const std::optional<RegistryValue> value = ReadValue(key, name);
+    std::uint64_t number = 0;
+    if (value && value->bytes.size() <= sizeof(number) && !value->IsString())
+        std::memcpy(&number, value->bytes.data(), value->bytes.size());
+    return number;
+}
+
+/// The registry's cache of adapters. An entry gets the place of its adapter, as the adapters' keys change
+/// with each start.
+void RecordNotes(const std::vector<std::uint64_t>& cards, DeviceMasks& masks, Lines& lines)
+{
+    const OwnedKey cache =
+        OpenKey(HKEY_LOCAL_MACHINE, L"SOFTWARE\\Microsoft\\DirectX", KEY_READ | KEY_WOW64_64KEY);
+    if (!cache)
+        return;
+    std::size_t place = FirstFreePlace;
+    for (const std::wstring& name : ListSubkeys(cache.get(), MaxNotes)) {
+        const OwnedKey key = OpenKey(cache.get(), name.c_str(), KEY_READ);
+        const std::uint64_t luid = key ? NumberIn(key.get(), L"AdapterLuid") : 0;
+        if (luid == 0)
+            continue;
+        const auto card = std::ranges::find(cards, luid);
+        const auto number = [&key](const wchar_t* value) { return NumberIn(key.get(), value); };
+        lines.push_back(
+            "note place=" +
+            std::to_string(card != cards.end() ? static_cast<std::size_t>(card - cards.begin()) + 1
+                                               : ++place) +
+            Field("vendor", Hex(number(L"VendorId"), 4)) + Field("device", Hex(number(L"DeviceId"), 4)) +
+            Field("level11", Hex(number(L"MaxD3D11FeatureLevel"), 4)) +
+            Field("megabytes", Megabytes(number(L"DedicatedVideoMemory"))) +
+            Field("level12", Hex(number(L"MaxD3D12FeatureLevel"), 4)) +
+            Field("name", masks.Text(DriverText(key.get(), L"Description"))) +
+            Field("driver", Hex(number(L"DriverVersion"), 16)));
+    }
+}
+
+/// @param known what the probe made of the device: for the id, which can come from a file of the driver
+std::string DeviceLine(const SetupDevice& device, HKEY driver, const GpuInfo& known, DeviceMasks& masks)
+{
+    const auto text = [&](const wchar_t* name) { return masks.Text(DriverText(driver, name)); };
+    return "graphics instance=" + masks.Instance(device.InstanceId()) +
+           Field("name", masks.Text(device.Text(SPDRP_DEVICEDESC).ToString())) +
+           Field("version", known.driverVersion ? masks.Version(known.driverVersion->ToString()) : "") +
+           Field("matching", masks.Text(known.deviceId.ToString())) +
+           Field("qword-megabytes", known.driverMemory ? Megabytes(known.driverMemory->Bytes()) : "") +
+           Field("date", text(L"DriverDate")) + Field("vulkan", text(L"VulkanDriverName")) +
+           Field("radeon", masks.Version(DriverText(driver, L"RadeonSoftwareVersion"))) +
+           Field("chip", masks.Text(known.chipType.ToString()));
+}
+
+void RecordDevices(const GraphicsFunctions& functions, DeviceMasks& masks, Lines& lines)
+{
+    std::vector<GpuInfo> known;
+    SetupLib::Instance().GetGpuInfo(known);
+    std::vector<std::wstring> instances;
+    for (const GpuInfo& gpu : known)
+        instances.push_back(gpu.instanceId);
+    masks.Learn(instances);
+    VisitDevices(RecordedClass::Graphics, [&](const SetupDevice& device, HKEY driver) {
+        const auto gpu = std::ranges::find(known, device.InstanceId(), &GpuInfo::instanceId);
+        if (gpu == known.end())
+            return;
+        lines.push_back(DeviceLine(device, driver, *gpu, masks));
+        const std::optional<Version> vulkan = ReadVulkanVersion(functions.readFile(gpu->vulkanManifest));
+        if (vulkan)
+            lines.push_back("set file " + masks.Text(gpu->vulkanManifest) +
+                            "|{\"ICD\": {\"api_version\": \"" + ToUtf8(vulkan->ToString()) + "\"}}");
+    });
+}
+
+}  // namespace
+
+Lines RecordGraphics(const DeviceEdges& edges, DeviceMasks& masks)
+{
+    Lines lines;
+    const std::vector<std::uint64_t> cards = RecordCards(edges.graphics, masks, lines);
+    if (cards.empty())
+        return {};
+    RecordNotes(cards, masks, lines);
+    RecordDevices(edges.graphics, masks, lines);
+    return lines;
+}
+
+}  // namespace kel::kit
