@@ -30,6 +30,8 @@ struct CatalogueValue {
     const char* Source() const { return CatalogueText(sourcePlace); }
     /// Where the value misleads, and which one to use instead; empty for most.
     const char* Caution() const { return CatalogueText(cautionPlace); }
+    /// Whether reports can hold the value; a page alone reads one that they never hold.
+    bool IsReported() const { return !std::string_view(Caution()).starts_with("Never in a report"); }
 };
 
 /// The source of a value that has none.

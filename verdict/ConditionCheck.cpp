@@ -211,7 +211,7 @@ ConditionFault FindDoubt(const Condition& condition)
 {
     const CatalogueValue& value = *FindCatalogueValue(condition.group);
     const ValueKind& kind = KindOf(value);
-    if (std::string_view(value.Caution()).starts_with("Never in a report"))
+    if (!value.IsReported())
         return {NameOf(value) + " is never in a report, so that the line stays unknown", "id"};
     const bool takesNothing = Is(condition, "yes") || Is(condition, "no") || Is(condition, "any");
     if (takesNothing && !condition.needed.empty())

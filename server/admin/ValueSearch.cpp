@@ -32,7 +32,7 @@ std::vector<const CatalogueValue*> FindValues(const std::string& words)
     const std::string wanted = Lower(Trim(words));
     std::vector<const CatalogueValue*> found;
     for (const CatalogueValue& value : CatalogueValues) {
-        if (value.Source() != NoSource && HasWords(value, wanted))
+        if (value.Source() != NoSource && value.IsReported() && HasWords(value, wanted))
             found.push_back(&value);
     }
     return found;

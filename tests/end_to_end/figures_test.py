@@ -39,13 +39,13 @@ class Figures(AdminTest):
         self.random = random.Random(7)
         ages = iter(sorted((int(200 * self.random.random() ** 3) for _ in range(180)), reverse=True))
         self.publish("other", {"id": 71063, "label": "Any", "comparison": "any"})
-        for limit in (4, 8):
+        for limit in (4, 6, 8):
             self.publish("demo", {"id": 71063, "label": "Minimum", "comparison": "at least", "needed": f"{limit} GB"},
                          {"id": 71063, "label": "Ideal", "comparison": "at least", "needed": "16 GB", "recommended": True},
                          {"id": 71254, "label": "Processors", "comparison": "at least", "needed": "4"},
                          {"id": 72004, "label": "Graphics", "comparison": "at least", "needed": "4 GB", "of": "any",
                           "recommended": True})
-            for _ in range(3):
+            for _ in range(2):
                 self.arrive([next(ages) for _ in range(30)])
 
     def publish(self, referrer, *lines):
@@ -140,12 +140,14 @@ class Figures(AdminTest):
         sessions = [total for referrer in ("demo", "other") for _, _, total, _ in self.counted(days, referrer)]
         if sessions:
             self.assertIn(f"{share(sessions.count('pass'), len(sessions))} of {len(sessions)} sessions", page.data, query)
-        for referrer, newest in (("demo", 3), ("other", 1)):
+        shares = {}
+        for referrer, newest in (("demo", 4), ("other", 1)):
             sessions = self.counted(days, referrer)
             before = self.counted(range(days.start - len(days), days.start), referrer) if days.start > 0 else []
             (fail, unknown, passed), old = (counts(total for version, _, total, _ in of if version == newest)
                                             for of in (sessions, before))
             judged = fail + unknown + passed
+            shares[f"{referrer} T"] = passed / judged if judged else 2
             change = "–"
             if judged and sum(old):
                 change = f"{int(share(passed, judged)[:-2]) - int(share(old[2], sum(old))[:-2]):+}".replace("-", "−")
@@ -153,6 +155,8 @@ class Figures(AdminTest):
             self.assertEqual(row[2:9], [str(number) for number in (judged, passed, fail, unknown, share(passed, judged),
                                                                    change.replace("+0", "0"), len(sessions) - judged)],
                              (query, referrer))
+        sorted_rows = self.page(f"/?{query}&sort=passing", self.cookie).rows
+        self.assertEqual([row[0] for row in sorted_rows if row[0] in shares], sorted(shares, key=shares.get), query)
 
     def check_bars(self, query):
         """The memory of the sessions' machines: how many have at least each amount, and what is asked for."""

@@ -357,7 +357,8 @@ class Files(unittest.TestCase):
         self.assertLess(len(notices), 20_000)
         self.assertTrue((folder / "docs" / "security.md").exists())
         examples = folder / "examples"
-        [command] = re.findall(r"`(x86_64-w64-mingw32-g\+\+ [^`]* check\.cpp [^`]*)`", (examples / "README.md").read_text("utf-8"))
+        readme = (examples / "README.md").read_text("utf-8")
+        [command] = re.findall(r"`(x86_64-w64-mingw32-g\+\+ [^`]* check\.cpp [^`]*)`", readme)
         subprocess.run([*command.split(), "-o", self.folder / "check.exe"], cwd=examples, check=True)
         for page in folder.rglob("*.md"):
             for target, anchor in LINK.findall(page.read_text("utf-8")):
