@@ -103,7 +103,10 @@ Lines RecordDisks(const DeviceEdges& edges, DeviceMasks& masks)
         else
             faults.push_back("fault " + number + "|open||" + std::to_string(device.OpenError()));
         lines.push_back(line + Field("model", masks.Text(models[number])));
+        models.erase(number);
     }
+    for (const auto& [number, model] : models)  // of disks that WMI alone lists
+        lines.push_back("wmi Win32_DiskDrive|Model=" + masks.Text(model) + "|Index=" + number);
     lines.insert(lines.end(), faults.begin(), faults.end());
     std::vector<std::wstring> instances;
     VisitDevices(RecordedClass::Disks,
