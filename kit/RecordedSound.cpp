@@ -8,6 +8,7 @@
 
 #include "kit/DeviceEdges.h"
 #include "probes/Variant.h"
+#include "probes/sound/EndpointKeys.h"
 #include "probes/sound/SoundEndpoints.h"
 #include "probes/wmi/WMI.h"
 #include "service/Utf8.h"
@@ -19,12 +20,6 @@ namespace {
 
 using Lines = std::vector<std::string>;
 using Microsoft::WRL::ComPtr;
-
-constexpr PROPERTYKEY DeviceKey = {
-    {0xb3f8fa53, 0x0004, 0x438e, {0x90, 0x03, 0x51, 0xa4, 0x6e, 0x13, 0x9b, 0xfc}}, 2};
-constexpr PROPERTYKEY FormKey = {
-    {0x1da5d803, 0xd492, 0x4edd, {0x8c, 0x23, 0xe0, 0xc0, 0xff, 0xee, 0x7f, 0x0e}}, 0};
-constexpr std::wstring_view InstanceKind = L"{1}.";
 
 /// An endpoint: its device's instance id, and for an input the number of its form.
 struct Endpoint {

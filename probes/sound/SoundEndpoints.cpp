@@ -10,6 +10,7 @@
 #include "diag/SourceFailures.h"
 #include "platform/Library.h"
 #include "probes/Attempt.h"
+#include "probes/sound/EndpointKeys.h"
 #include "values/Hexadecimal.h"
 #include "values/Text.h"
 
@@ -20,14 +21,6 @@ using Microsoft::WRL::ComPtr;
 namespace {
 
 constexpr HRESULT NotFound = HRESULT_FROM_WIN32(ERROR_NOT_FOUND);
-
-/// The instance id of the device that an endpoint belongs to, after its kind: "{1}.HDAUDIO\...".
-constexpr PROPERTYKEY DeviceKey = {
-    {0xb3f8fa53, 0x0004, 0x438e, {0x90, 0x03, 0x51, 0xa4, 0x6e, 0x13, 0x9b, 0xfc}}, 2};
-/// An endpoint's EndpointFormFactor.
-constexpr PROPERTYKEY FormKey = {
-    {0x1da5d803, 0xd492, 0x4edd, {0x8c, 0x23, 0xe0, 0xc0, 0xff, 0xee, 0x7f, 0x0e}}, 0};
-constexpr std::wstring_view InstanceKind = L"{1}.";
 
 /// A property, cleared by the destructor.
 struct Property {
