@@ -11,7 +11,7 @@ scripts/format.sh --check
 python3 scripts/check_includes.py
 python3 tools/catalogue.py --check
 python3 scripts/check_words.py
-git ls-files -z '*.sh' .ci/run | xargs -0 shellcheck --external-sources
+git ls-files -z '*.sh' scripts/wine/wine .ci/run | xargs -0 shellcheck --external-sources
 git ls-files -z '*.py' | xargs -0 flake8
 checks=()
 if [ "${1:-}" = --quick ]; then

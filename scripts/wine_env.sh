@@ -5,6 +5,12 @@ export WINEDEBUG="${WINEDEBUG:--all}"
 export WINEDLLOVERRIDES="${WINEDLLOVERRIDES:-mscoree,mshtml=}"
 # Wine's Direct3D 12 ends a program when the display has no Vulkan driver, so there is no display without KEL_DISPLAY.
 [ -n "${KEL_DISPLAY:-}" ] || unset DISPLAY
+# Some containers do not permit setarch; a few of Wine's processes then end at their start, and the tests start them again.
+if [ -z "${KEL_WINE:-}" ] && setarch -R true 2>/dev/null; then
+  KEL_WINE=$(command -v wine || true)
+  PATH=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)/wine:$PATH
+  export KEL_WINE PATH
+fi
 
 # Ends programs that an interrupted run has left in the prefix, and removes the prefix.
 remove_prefix() {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs a test program under Wine. Rarely, about once in two thousand starts beside others, Wine ends a process at its start
-# without output. Such a process is started again: a program that ran has written something, so no failure of a test is
-# hidden.
+# Runs a test program under Wine. Where setarch is not permitted (see wine/wine), Wine now and then ends a process at its
+# start without output. Such a process is started again: a program that ran has written something, so no failure of a test
+# is hidden.
 set -uo pipefail
 
 written=$(mktemp)

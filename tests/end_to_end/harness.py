@@ -52,11 +52,15 @@ def peak_memory(pid):
     return 0
 
 
+def has_begun(code, output):
+    """Whether a program came to its own code: now and then, Wine ends a process at its start (see scripts/wine/wine)."""
+    return code != 1 or bool(output)
+
+
 def wine(*arguments, proxy=NO_SERVICE, log=None):
     """Runs a Windows program. Debugger output goes to the file `log`."""
     ran = run_once(arguments, proxy, log)
-    # Rarely, Wine ends a process at its start without output when others start at the same time.
-    return ran if ran.code != 1 or ran.output or ran.seconds > 10 else run_once(arguments, proxy, log)
+    return ran if has_begun(ran.code, ran.output) or ran.seconds > 10 else run_once(arguments, proxy, log)
 
 
 def run_once(arguments, proxy, log):

@@ -18,8 +18,8 @@ from html import escape
 from pathlib import Path
 
 from deployed import UPLOAD, Client, analysis
-from harness import (DLL, NO_SERVICE, PATIENCE, ROOT, ControlTest, ServiceTest, make_prefix, windows_path, wine,
-                     write_requirements)
+from harness import (DLL, NO_SERVICE, PATIENCE, ROOT, ControlTest, ServiceTest, has_begun, make_prefix, windows_path,
+                     wine, write_requirements)
 
 KEL = DLL.parent / "kel.exe"
 # What changes from one second to the next, or is the program's own.
@@ -33,13 +33,16 @@ PLAIN = (71063, "Memory", "at least", "1 MB")
 def kel(*arguments, proxy=NO_SERVICE, debug="-all", program=KEL):
     """The exit code of kel.exe, and what it writes to its output and to standard error, as pipes and files get it; without what
     Wine itself says on the latter, unless it is asked to."""
-    with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as error:
-        code = subprocess.run(["wine", program, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=output, stderr=error,
-                              env=os.environ | {"http_proxy": proxy, "WINEDEBUG": debug}, timeout=PATIENCE).returncode
-        texts = []
-        for file in (output, error):
-            file.seek(0)
-            texts.append(file.read().decode("utf-8", "replace" if debug != "-all" else "strict"))
+    for _ in range(2):
+        with tempfile.TemporaryFile() as output, tempfile.TemporaryFile() as error:
+            code = subprocess.run(["wine", program, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=output, stderr=error,
+                                  env=os.environ | {"http_proxy": proxy, "WINEDEBUG": debug}, timeout=PATIENCE).returncode
+            texts = []
+            for file in (output, error):
+                file.seek(0)
+                texts.append(file.read().decode("utf-8", "replace" if debug != "-all" else "strict"))
+        if has_begun(code, texts[0]):
+            break
     if debug == "-all":
         texts[1] = re.sub(r"(?m)^(wine: |ALSA lib ).*\n", "", texts[1])
     return code, *texts

@@ -1,6 +1,7 @@
 """A run of the tests starts from the same state, wherever an earlier run was interrupted."""
 
 import os
+import re
 import signal
 import subprocess
 import tempfile
@@ -57,6 +58,18 @@ class Interrupted(unittest.TestCase):
         self.assertIsNone(left.poll())
         self.run_script("remove_prefix; start_wine; ! wine reg query 'HKCU\\Left'")
         self.assertNotEqual(left.wait(PATIENCE), 0)
+
+    @unittest.skipIf(subprocess.run(["setarch", "-R", "true"], stderr=subprocess.DEVNULL).returncode, "setarch is not permitted")
+    def test_the_heap_keeps_clear_of_the_page_that_wine_needs(self):
+        program = self.start("start_wine; touch started; exec wine ping -n 3000 127.0.0.1")
+        self.await_file(self.folder / "started")
+        end, heap = time.monotonic() + PATIENCE, None
+        while not heap:
+            self.assertLess(time.monotonic(), end)
+            heap = re.search(r"(?s)/wine64\n.*?\n(\w+)-[^\n]*\[heap\]", Path(f"/proc/{program.pid}/maps").read_text())
+        program.kill()
+        program.wait(PATIENCE)
+        self.assertLess(int(heap[1], 16), 0x7D100000)
 
 
 if __name__ == "__main__":
