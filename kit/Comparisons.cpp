@@ -18,7 +18,7 @@ namespace kel::kit {
 
 namespace {
 
-constexpr std::size_t FieldCount = 6;
+constexpr std::size_t ComparisonFields = 6;
 constexpr std::size_t ComparedVersionParts = 2;
 constexpr double Percent = 100;
 
@@ -130,7 +130,7 @@ Row CompareRow(const ComparedValue& row, const Snapshot& snapshot, Tools& tools)
 std::vector<ComparedValue> ReadComparisons(const std::string& path)
 {
     std::vector<ComparedValue> table;
-    for (const std::vector<std::string>& fields : ReadTable(path, FieldCount)) {
+    for (const std::vector<std::string>& fields : ReadTable(path, ComparisonFields)) {
         ComparedValue row{
             0, fields[1], fields[2], fields[3], 0, fields[5] == "rights", fields[5] == "windows"};
         row.id = static_cast<int>(LeadingNumber(fields[0]).value_or(0));

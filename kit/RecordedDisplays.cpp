@@ -6,9 +6,8 @@
 #include <span>
 
 #include "kit/RecordedScreens.h"
+#include "kit/Text.h"
 #include "probes/graphics/MonitorInfo.h"
-#include "service/Utf8.h"
-#include "values/Hexadecimal.h"
 
 namespace kel::kit {
 
@@ -56,7 +55,7 @@ void RecordEdid(const std::wstring& instance, DeviceMasks& masks, Lines& lines)
             continue;
         std::string line = "edid " + masks.Instance(instance) + "|";
         for (const BYTE byte : masked)
-            line += ToUtf8(Hexadecimal(byte, 2));
+            line += Hex(byte, 2);
         lines.push_back(line);
         return;
     }

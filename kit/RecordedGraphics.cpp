@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "kit/Text.h"
 #include "platform/RegistryNames.h"
 #include "probes/graphics/DXGI.h"
 #include "probes/graphics/GpuInfo.h"
 #include "probes/graphics/VulkanManifest.h"
 #include "probes/setup/SetupLib.h"
 #include "service/Utf8.h"
-#include "values/Hexadecimal.h"
 #include "values/Text.h"
 
 namespace kel::kit {
@@ -23,11 +23,6 @@ constexpr UINT KindRequest = 15;
 constexpr UINT HybridIntegrated = 1U << 5, HybridDiscrete = 1U << 4;
 constexpr DWORD MaxNotes = 256;
 constexpr std::size_t FirstFreePlace = 1000;  // of notes about adapters that DXGI does not list
-
-std::string Hex(std::uint64_t number, int digits)
-{
-    return ToUtf8(Hexadecimal(number, digits));
-}
 
 std::string Megabytes(std::uint64_t bytes)
 {

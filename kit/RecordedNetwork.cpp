@@ -8,9 +8,9 @@
 #include <set>
 #include <span>
 
+#include "kit/Text.h"
 #include "service/Utf8.h"
 #include "values/DeviceID.h"
-#include "values/Hexadecimal.h"
 #include "values/Text.h"
 
 namespace kel::kit {
@@ -118,7 +118,7 @@ std::string RowFields(const MIB_IF_ROW2& row, bool isRoute, DeviceMasks& masks)
 /// The kind in the key of an adapter's connection; a recorded adapter's place is its interface's GUID.
 std::string KindLine(std::size_t place, DWORD mediaSubType)
 {
-    return "value " + ToUtf8(ConnectionKeys) + "{" + ToUtf8(Hexadecimal(static_cast<DWORD>(place), 8)) +
+    return "value " + ToUtf8(ConnectionKeys) + "{" + Hex(static_cast<DWORD>(place), 8) +
            "-0000-0000-0000-000000000000}\\Connection|MediaSubType|#" + std::to_string(mediaSubType);
 }
 

@@ -4,22 +4,16 @@
 #include <cstdint>
 
 #include "kit/DeviceEdges.h"
+#include "kit/Text.h"
 #include "probes/graphics/DisplayConfig.h"
 #include "probes/graphics/MonitorInfo.h"
-#include "service/Utf8.h"
-#include "values/Hexadecimal.h"
 
 namespace kel::kit {
 
 namespace {
 
 constexpr DWORD MaxModes = 4096;
-constexpr DWORD MaxAdapters = 64;
-
-std::string Hex(std::uint32_t number)
-{
-    return ToUtf8(Hexadecimal(number, 8));
-}
+constexpr DWORD MaxScreens = 64;
 
 template <typename Request>
 Request Ask(const DisplayFunctions& functions, int type, const LUID& adapter, UINT32 id, bool& isAnswered)
@@ -102,9 +96,9 @@ Screen RecordPath(const DISPLAYCONFIG_PATH_INFO& path, const std::vector<DISPLAY
     screen.fields = "|picture=" + std::to_string(path.sourceInfo.id) + SourceFields(path, modes, functions) +
                     Field("rate", std::to_string(target.refreshRate.Numerator)) +
                     Field("per", std::to_string(target.refreshRate.Denominator)) +
-                    Field("connector", Hex(static_cast<std::uint32_t>(target.outputTechnology))) +
+                    Field("connector", Hex(static_cast<std::uint32_t>(target.outputTechnology), 8)) +
                     Field("name", isAnswered ? masks.Text(name.monitorFriendlyDeviceName) : "") +
-                    Field("adapter", Hex(static_cast<std::uint32_t>(adapter))) +
+                    Field("adapter", Hex(static_cast<std::uint32_t>(adapter), 8)) +
                     ColorFields(functions, target);
     const auto mode = Ask<DISPLAYCONFIG_TARGET_PREFERRED_MODE>(
         functions, DISPLAYCONFIG_DEVICE_INFO_GET_TARGET_PREFERRED_MODE, target.adapterId, target.id,
@@ -149,7 +143,7 @@ std::vector<Screen> RecordAttached(const DisplayFunctions& functions)
     std::vector<Screen> screens;
     DISPLAY_DEVICEW adapter = {};
     adapter.cb = sizeof(adapter);
-    for (DWORD index = 0; index < MaxAdapters && functions.enumDisplayDevices(nullptr, index, &adapter, 0);
+    for (DWORD index = 0; index < MaxScreens && functions.enumDisplayDevices(nullptr, index, &adapter, 0);
          ++index) {
         constexpr DWORD States = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP | DISPLAY_DEVICE_MIRRORING_DRIVER;
         DISPLAY_DEVICEW device = {};

@@ -5,9 +5,7 @@
 #include <comutil.h>
 #include <wrl/client.h>
 
-#include <array>
 #include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
@@ -70,13 +68,6 @@ const RecordedClass Classes[] = {
     {L"Win32_Processor", {L"Name", L"Manufacturer", L"MaxClockSpeed", L"Caption"}},
     {L"Win32_BIOS", {L"name", L"Manufacturer", L"SMBIOSBIOSVersion"}},
     {L"Win32_BaseBoard", {L"Manufacturer", L"Product", L"Version"}}};
-
-std::string Hex(std::uint64_t number)
-{
-    std::array<char, 24> text = {};
-    std::snprintf(text.data(), text.size(), "%llX", static_cast<unsigned long long>(number));
-    return text.data();
-}
 
 void RecordProcessor(const Snapshot& snapshot, Lines& lines)
 {

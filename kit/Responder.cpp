@@ -15,7 +15,7 @@ namespace kel::kit {
 
 namespace {
 
-constexpr std::size_t FieldCount = 5;
+constexpr std::size_t AnswerFields = 5;
 constexpr std::size_t MaxRequest = std::size_t{16} << 20;  // bytes
 constexpr std::size_t MaxAnswer = std::size_t{1} << 20;
 constexpr DWORD MaxWait = 30000;  // ms, for a part of a request
@@ -58,7 +58,7 @@ std::string RequestPath(const std::string& line)
 
 Responder::Responder(const std::string& folder, unsigned short wantedPort)
 {
-    for (const std::vector<std::string>& row : ReadTable(folder + "\\answers.tsv", FieldCount))
+    for (const std::vector<std::string>& row : ReadTable(folder + "\\answers.tsv", AnswerFields))
         answers.push_back({row[0], row[1],
                            MakeAnswer(row[2], row[3], program::ReadFile(folder + "\\" + row[4], MaxAnswer))});
     WSADATA data;

@@ -16,9 +16,9 @@ namespace kel::kit {
 
 namespace {
 
-constexpr std::size_t FieldCount = 5;
-constexpr unsigned MaxSeconds = 300;
-constexpr std::size_t MaxShown = 500;  // bytes of a step's output
+constexpr std::size_t StepFields = 5;
+constexpr unsigned MaxStepSeconds = 300;
+constexpr std::size_t MaxOutputShown = 500;  // bytes of a step's output
 constexpr std::string_view Prints = "prints ";
 constexpr std::string_view To = " to ";
 
@@ -42,11 +42,11 @@ Row RunStep(const Step& step, const std::set<std::string>& has)
             return row;
         }
     }
-    const Ran ran = RunProgram(FromUtf8(step.command), MaxSeconds);
+    const Ran ran = RunProgram(FromUtf8(step.command), MaxStepSeconds);
     row.seconds = ran.seconds;
     row.found = !ran.isStarted ? "not started"
                 : ran.isLate   ? "does not end"
-                               : std::to_string(ran.code) + " " + Shortened(Trim(ran.output), MaxShown);
+                               : std::to_string(ran.code) + " " + Shortened(Trim(ran.output), MaxOutputShown);
     if (ran.isStarted && !ran.isLate && ran.code == NotHereCode)
         return row;
     row.state = ran.isStarted && !ran.isLate && IsExpected(step.expected, ran) ? State::Ok : State::Wrong;
@@ -58,7 +58,7 @@ Row RunStep(const Step& step, const std::set<std::string>& has)
 std::vector<Step> ReadSteps(const std::string& path)
 {
     std::vector<Step> steps;
-    for (const std::vector<std::string>& fields : ReadTable(path, FieldCount)) {
+    for (const std::vector<std::string>& fields : ReadTable(path, StepFields)) {
         if (fields[0] != "user" && fields[0] != "rights")
             throw program::UserError(path + ": a step is for \"user\" or \"rights\", not \"" + fields[0] +
                                      "\".");

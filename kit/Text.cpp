@@ -2,6 +2,8 @@
 
 #include "program/files/File.h"
 #include "program/text/UserError.h"
+#include "service/Utf8.h"
+#include "values/Hexadecimal.h"
 
 namespace kel::kit {
 
@@ -50,6 +52,11 @@ std::vector<std::vector<std::string>> ReadTable(const std::string& path, std::si
         isHead = false;
     }
     return rows;
+}
+
+std::string Hex(std::uint64_t number, int digits)
+{
+    return ToUtf8(Hexadecimal(number, digits));
 }
 
 }  // namespace kel::kit

@@ -1,6 +1,7 @@
 // The kit's tables, and texts of other programs.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,5 +18,8 @@ std::vector<std::vector<std::string>> ReadTable(const std::string& path, std::si
 
 /// The fields between separators; empty ones stay.
 std::vector<std::string> SplitFields(std::string_view line, char separator);
+
+/// The number in capital hexadecimal digits, at least as many as asked for.
+std::string Hex(std::uint64_t number, int digits = 1);
 
 }  // namespace kel::kit

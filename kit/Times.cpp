@@ -24,7 +24,7 @@ namespace kel::kit {
 namespace {
 
 constexpr const char* Part = "Times";
-constexpr unsigned MaxSeconds = 300;
+constexpr unsigned MaxTimedSeconds = 300;
 
 double SecondsSince(std::int64_t start)
 {
@@ -62,7 +62,7 @@ Rows MeasureTimes(const std::wstring& program, const std::string& answers)
         SetEnvironmentVariableW(L"http_proxy", (L"http://127.0.0.1:" + port).c_str());
         const Ran ran =
             RunProgram(Quoted(program) + L" --first-detect " + Quoted(L"%KIT%\\Detection.dll") + L" " + port,
-                       MaxSeconds);
+                       MaxTimedSeconds);
         SetEnvironmentVariableW(L"http_proxy", usual.c_str());
         AddTimes(rows, ran);
         const bool hasVerdict = ran.output.find("<analysis result=\"pass\"") != std::string::npos;
@@ -70,7 +70,7 @@ Rows MeasureTimes(const std::wstring& program, const std::string& answers)
                         hasVerdict ? State::Ok : State::Wrong, "a verdict that passes", ran.output,
                         ran.seconds});
     }
-    const Ran ran = RunProgram(Quoted(program) + L" --detectors", MaxSeconds);
+    const Ran ran = RunProgram(Quoted(program) + L" --detectors", MaxTimedSeconds);
     AddTimes(rows, ran);
     if (ran.code != 0)
         rows.push_back({Part, "detectors", State::Wrong, "0", std::to_string(ran.code), ran.seconds});

@@ -17,7 +17,7 @@ namespace kel::kit {
 
 namespace {
 
-constexpr unsigned MaxSeconds = 300;
+constexpr unsigned MaxToolSeconds = 300;
 constexpr std::size_t MaxFileSize = std::size_t{32} << 20;
 constexpr const wchar_t* PowerShell = L"powershell -NoProfile -NonInteractive -ExecutionPolicy Bypass ";
 
@@ -70,7 +70,7 @@ std::vector<std::string> CsvCells(const std::string& line)
 bool Tools::HasPowerShell()
 {
     if (!hasPowerShell)
-        hasPowerShell = RunProgram(std::wstring(PowerShell) + L"-Command \"'is ' + 'here'\"", MaxSeconds)
+        hasPowerShell = RunProgram(std::wstring(PowerShell) + L"-Command \"'is ' + 'here'\"", MaxToolSeconds)
                             .output.find("is here") != std::string::npos;
     return *hasPowerShell;
 }
@@ -88,7 +88,7 @@ void Tools::RunPowerShell(const std::vector<std::string>& expressions)
     }
     const std::wstring path = folder + L"\\compare.ps1";
     program::WriteFile(ToUtf8(path), script);
-    const Ran ran = RunProgram(PowerShell + (L"-File " + Quoted(path)), MaxSeconds);
+    const Ran ran = RunProgram(PowerShell + (L"-File " + Quoted(path)), MaxToolSeconds);
     std::filesystem::remove(path);
     for (const std::string& line : LinesOf(ran.output)) {
         const std::size_t end = line.find_first_of("=!");
@@ -112,7 +112,7 @@ const std::string& Tools::FileOf(const std::string& tool)
     std::string& content = files[tool];
     const auto& [name, command] = FileTools.at(tool);
     const std::wstring path = folder + L"\\" + name;
-    RunProgram(command + Quoted(path), MaxSeconds);
+    RunProgram(command + Quoted(path), MaxToolSeconds);
     if (std::filesystem::exists(path)) {
         content = Decoded(program::ReadFile(ToUtf8(path), MaxFileSize));
         std::filesystem::remove(path);
@@ -125,7 +125,7 @@ Answer Tools::AskSystemInfo(const std::string& column)
 {
     const auto found = files.find("systeminfo");
     if (found == files.end())
-        files["systeminfo"] = RunProgram(L"systeminfo /fo csv", MaxSeconds).output;
+        files["systeminfo"] = RunProgram(L"systeminfo /fo csv", MaxToolSeconds).output;
     const std::vector<std::string> lines = LinesOf(files["systeminfo"]);
     const std::vector<std::string> cells = lines.size() > 1 ? CsvCells(lines[1]) : std::vector<std::string>();
     const std::size_t number = std::stoul(column);

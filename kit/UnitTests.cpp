@@ -16,15 +16,15 @@ namespace {
 
 constexpr const wchar_t* Programs[] = {L"kel_tests.exe", L"client_tests.exe", L"verdict_tests.exe",
                                        L"program_tests.exe"};
-constexpr unsigned MaxSeconds = 600;
-constexpr std::size_t MaxShown = 2000;  // bytes of a failing test's output
+constexpr unsigned MaxTestSeconds = 600;
+constexpr std::size_t MaxFailureShown = 2000;  // bytes of a failing test's output
 
 Ran RunTest(const std::wstring& program, const std::string& name)
 {
     const std::wstring command = Quoted(program) + L" --gtest_filter=" + FromUtf8(name);
-    Ran ran = RunProgram(command, MaxSeconds);
+    Ran ran = RunProgram(command, MaxTestSeconds);
     // Rarely, Wine ends a process at its start without a word. A test that ran has written something.
-    return ran.code != 0 && ran.output.empty() ? RunProgram(command, MaxSeconds) : ran;
+    return ran.code != 0 && ran.output.empty() ? RunProgram(command, MaxTestSeconds) : ran;
 }
 
 Row Judge(const std::string& name, const Ran& ran)
@@ -40,7 +40,7 @@ Row Judge(const std::string& name, const Ran& ran)
         row.state = State::Ok;
         row.found = "passes";
     } else {
-        const std::size_t cut = ran.output.size() - std::min(ran.output.size(), MaxShown);
+        const std::size_t cut = ran.output.size() - std::min(ran.output.size(), MaxFailureShown);
         row.found = (ran.isLate ? "does not end; " : "ended with " + std::to_string(ran.code) + "; ") +
                     ran.output.substr(cut);
     }
@@ -73,7 +73,7 @@ Rows RunUnitTests(const std::wstring& folder, const std::wstring& filter)
             continue;
         }
         const Ran listed =
-            RunProgram(Quoted(program) + L" --gtest_list_tests --gtest_filter=" + filter, MaxSeconds);
+            RunProgram(Quoted(program) + L" --gtest_list_tests --gtest_filter=" + filter, MaxTestSeconds);
         const std::vector<std::string> names = ReadTestNames(listed.output);
         if (listed.code != 0)
             rows.push_back({"Unit tests", ToUtf8(file), State::Wrong, "lists its tests", listed.output});
