@@ -9,8 +9,8 @@ namespace kel::kit {
 
 DeviceEdges DeviceEdges::OfSystem()
 {
-    return {StorageFunctions::OfSystem(), VolumeFunctions::OfSystem(), NetworkFunctions::OfSystem(),
-            DisplayFunctions::OfSystem(), GraphicsFunctions::OfSystem()};
+    return {StorageFunctions::OfSystem(), VolumeFunctions::OfSystem(),   NetworkFunctions::OfSystem(),
+            DisplayFunctions::OfSystem(), GraphicsFunctions::OfSystem(), SoundFunctions::OfSystem()};
 }
 
 void VisitDevices(RecordedClass kind,

@@ -10,6 +10,7 @@
 #include "probes/graphics/GraphicsFunctions.h"
 #include "probes/network/NetworkInterfaces.h"
 #include "probes/setup/SetupDevice.h"
+#include "probes/sound/SoundEndpoints.h"
 #include "probes/storage/StorageFunctions.h"
 #include "probes/storage/Volumes.h"
 
@@ -22,6 +23,7 @@ struct DeviceEdges {
     NetworkFunctions network;
     DisplayFunctions displays;
     GraphicsFunctions graphics;
+    SoundFunctions sound;
 
     /// The system's own.
     static DeviceEdges OfSystem();

@@ -34,7 +34,7 @@ DeviceRecording RecordDevices(const DeviceEdges& edges, DeviceMasks& masks)
     if (devices.detectors.contains("HardDrive"))
         Add(RecordVolumes(edges.volumes), {"LogicalDrive"}, devices);
     Add(RecordNetwork(edges, masks), {"NetworkDevice"}, devices);
-    Add(RecordSound(masks), {"Sound"}, devices);
+    Add(RecordSound(edges, masks), {"Sound"}, devices);
     return devices;
 }
 

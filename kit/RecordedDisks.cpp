@@ -53,10 +53,15 @@ Models ListModels()
     return models;
 }
 
-void AddFault(const std::string& number, const char* what, const StorageAnswer& answer, Lines& lines)
+/// @param isRead whether the answer has the facts; one without them ends too early
+void AddFault(const std::string& number, const char* what, const StorageAnswer& answer, bool isRead,
+              Lines& lines)
 {
+    const std::string fault = "fault " + number + "|" + what;
     if (answer.error != ERROR_SUCCESS)
-        lines.push_back("fault " + number + "|" + what + "|refused|" + std::to_string(answer.error));
+        lines.push_back(fault + "|refused|" + std::to_string(answer.error));
+    else if (!isRead)
+        lines.push_back(fault + "|cut|" + std::to_string(answer.bytes.size()));
 }
 
 /// The answers of a disk that is open.
@@ -64,8 +69,9 @@ std::string RecordAnswers(const StorageDevice& device, const std::string& number
                           Lines& faults)
 {
     const StorageAnswer described = device.AskProperty(DeviceProperty);
-    AddFault(number, "descriptor", described, faults);
-    const StorageDescriptor descriptor = ReadStorageDescriptor(described.bytes).value_or(StorageDescriptor{});
+    const auto readDescriptor = ReadStorageDescriptor(described.bytes);
+    AddFault(number, "descriptor", described, readDescriptor.has_value(), faults);
+    const StorageDescriptor descriptor = readDescriptor.value_or(StorageDescriptor{});
     std::string line =
         Field("bus", std::to_string(descriptor.bus)) + Field("vendor", masks.Text(descriptor.vendor)) +
         Field("product", masks.Text(descriptor.product)) + Field("revision", masks.Text(descriptor.revision));
@@ -80,8 +86,9 @@ std::string RecordAnswers(const StorageDevice& device, const std::string& number
         faults.push_back("fault " + number + "|asleep");
     const StorageAnswer measured =
         device.IsAsleep() ? StorageAnswer{} : device.Ask(IOCTL_DISK_GET_DRIVE_GEOMETRY_EX);
-    AddFault(number, "geometry", measured, faults);
-    const DiskGeometry geometry = ReadDiskGeometry(measured.bytes).value_or(DiskGeometry{});
+    const auto readGeometry = ReadDiskGeometry(measured.bytes);
+    AddFault(number, "geometry", measured, readGeometry || device.IsAsleep(), faults);
+    const DiskGeometry geometry = readGeometry.value_or(DiskGeometry{});
     odd += geometry.isFloppy ? "floppy " : "";
     return line + Field("bytes", std::to_string(geometry.bytes)) + Field("odd", odd);
 }

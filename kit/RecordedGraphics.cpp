@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstring>
 
+#include "detectors/GpuJoin.h"
 #include "kit/Text.h"
 #include "platform/RegistryNames.h"
+#include "probes/graphics/AdapterCache.h"
 #include "probes/graphics/DXGI.h"
 #include "probes/graphics/GpuInfo.h"
 #include "probes/graphics/VulkanManifest.h"
@@ -34,10 +36,29 @@ std::uint64_t KeyOf(const LUID& luid)
     return static_cast<std::uint64_t>(static_cast<std::uint32_t>(luid.HighPart)) << 32 | luid.LowPart;
 }
 
-/// Adds a line for each adapter that DXGI lists.
-/// @return their keys, in DXGI's order
-std::vector<std::uint64_t> RecordCards(const GraphicsFunctions& functions, DeviceMasks& masks, Lines& lines)
+/// The driver's version of an adapter for which no other source has one, as the detectors then ask DXGI, too.
+std::string DriverOf(const DXGI::Adapter& adapter, const std::vector<GpuInfo>& devices,
+                     const std::vector<GpuInfo>& notes)
 {
+    const bool isKnown =
+        std::ranges::any_of(devices,
+                            [&](const GpuInfo& device) {
+                                return device.driverVersion && IsSameAdapter(adapter.info, device);
+                            }) ||
+        std::ranges::any_of(
+            notes, [&](const GpuInfo& note) { return note.driverVersion && IsNoteOf(adapter.info, note); });
+    const std::optional<Version> version = isKnown ? std::nullopt : DXGI::GetDriverVersion(adapter);
+    return version ? Hex(version->Quantity(), 16) : "";
+}
+
+/// Adds a line for each adapter that DXGI lists.
+/// @param devices the Setup API's adapters
+/// @return their keys, in DXGI's order
+std::vector<std::uint64_t> RecordCards(const GraphicsFunctions& functions,
+                                       const std::vector<GpuInfo>& devices, DeviceMasks& masks, Lines& lines)
+{
+    std::vector<GpuInfo> notes;
+    ReadAdapterCache(notes);
     std::vector<std::uint64_t> keys;
     std::string all;
     for (const DXGI::Adapter& adapter : DXGI(functions).ListAdapters()) {
@@ -53,6 +74,7 @@ std::vector<std::uint64_t> RecordCards(const GraphicsFunctions& functions, Devic
             Field("subsystem", Hex(found.SubSysId, 8)) +
             Field("dedicated", Megabytes(found.DedicatedVideoMemory)) +
             Field("shared", Megabytes(found.SharedSystemMemory)) + Field("flags", Hex(found.Flags, 1)) +
+            Field("driver", DriverOf(adapter, devices, notes)) +
             Field("wddm", std::to_string(functions.askKernel(found.AdapterLuid, DriverModelRequest))) +
             Field("dxcore", !isIntegrated   ? ""
                             : *isIntegrated ? "yes"
@@ -121,10 +143,9 @@ std::string DeviceLine(const SetupDevice& device, HKEY driver, const GpuInfo& kn
            Field("chip", masks.Text(known.chipType.ToString()));
 }
 
-void RecordDevices(const GraphicsFunctions& functions, DeviceMasks& masks, Lines& lines)
+void RecordDevices(const GraphicsFunctions& functions, const std::vector<GpuInfo>& known, DeviceMasks& masks,
+                   Lines& lines)
 {
-    std::vector<GpuInfo> known;
-    SetupLib::Instance().GetGpuInfo(known);
     std::vector<std::wstring> instances;
     for (const GpuInfo& gpu : known)
         instances.push_back(gpu.instanceId);
@@ -146,11 +167,13 @@ void RecordDevices(const GraphicsFunctions& functions, DeviceMasks& masks, Lines
 Lines RecordGraphics(const DeviceEdges& edges, DeviceMasks& masks)
 {
     Lines lines;
-    const std::vector<std::uint64_t> cards = RecordCards(edges.graphics, masks, lines);
+    std::vector<GpuInfo> devices;
+    SetupLib::Instance().GetGpuInfo(devices);
+    const std::vector<std::uint64_t> cards = RecordCards(edges.graphics, devices, masks, lines);
     if (cards.empty())
         return {};
     RecordNotes(cards, masks, lines);
-    RecordDevices(edges.graphics, masks, lines);
+    RecordDevices(edges.graphics, devices, masks, lines);
     return lines;
 }
 

@@ -9,7 +9,8 @@
 namespace kel::kit {
 
 /// What DXGI, the kernel, the registry's cache and the Setup API answer about graphics adapters, as lines of
-/// tests/machines, without what takes loading a driver. None when DXGI lists nothing.
+/// tests/machines. A driver may be loaded only for a version that no other source has, for which the
+/// detectors have loaded it before. None when DXGI lists nothing.
 std::vector<std::string> RecordGraphics(const DeviceEdges& edges, DeviceMasks& masks);
 
 }  // namespace kel::kit

@@ -6,10 +6,8 @@
 #include <mmdeviceapi.h>
 #include <wrl/client.h>
 
-#include "kit/DeviceEdges.h"
 #include "probes/Variant.h"
 #include "probes/sound/EndpointKeys.h"
-#include "probes/sound/SoundEndpoints.h"
 #include "probes/wmi/WMI.h"
 #include "service/Utf8.h"
 #include "values/Hexadecimal.h"
@@ -73,7 +71,7 @@ HRESULT List(IMMDeviceEnumerator& enumerator, EDataFlow direction, std::vector<E
     return result;
 }
 
-Endpoints ListEndpoints()
+Endpoints ListEndpoints(const SoundFunctions& functions)
 {
     Endpoints found;
     ComPtr<IMMDeviceEnumerator> enumerator;
@@ -85,8 +83,7 @@ Endpoints ListEndpoints()
     if (SUCCEEDED(result))
         result = List(*enumerator.Get(), eCapture, found.inputs);
     if (FAILED(result)) {
-        found.failures = {Failure("no-endpoints", result) + "|" +
-                          std::to_string(SoundFunctions::OfSystem().countOutputs())};
+        found.failures = {Failure("no-endpoints", result) + "|" + std::to_string(functions.countOutputs())};
         return found;
     }
     ComPtr<IMMDevice> output;
@@ -126,9 +123,9 @@ std::string WmiLine(DeviceMasks& masks)
 
 }  // namespace
 
-Lines RecordSound(DeviceMasks& masks)
+Lines RecordSound(const DeviceEdges& edges, DeviceMasks& masks)
 {
-    const Endpoints endpoints = ListEndpoints();
+    const Endpoints endpoints = ListEndpoints(edges.sound);
     std::vector<std::wstring> instances;
     for (const std::vector<Endpoint>* const list : {&endpoints.outputs, &endpoints.inputs}) {
         for (const Endpoint& endpoint : *list)

@@ -52,7 +52,10 @@ std::vector<std::string> RecordVolumes(const VolumeFunctions& functions)
     std::array<wchar_t, MAX_PATH> windows = {};
     functions.getSystemWindowsDirectory(windows);
     std::vector<std::string> lines = {"windows-folder " + ToUtf8(windows.data())};
-    for (const VolumeInfo& volume : ListVolumes(functions)) {
+    const std::vector<VolumeInfo> volumes = ListVolumes(functions);
+    if (const VolumeInfo* const profile = FindProfileVolume(functions, volumes))
+        lines.push_back("profile " + ToUtf8(profile->letter.ToString()) + "\\");
+    for (const VolumeInfo& volume : volumes) {
         if (!volume.failures.empty())
             return {};
         const std::wstring letter = volume.letter.ToString();

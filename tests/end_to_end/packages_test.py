@@ -355,7 +355,9 @@ class Files(unittest.TestCase):
                        "University of Cincinnati"):
             self.assertIn(needed, notices)
         self.assertLess(len(notices), 20_000)
-        self.assertTrue((folder / "docs" / "security.md").exists())
+        # A link to a page that is missing becomes plain text, so that no broken link would show it.
+        left_out = {page.name for page in (ROOT / "docs").glob("*.md")} - set(os.listdir(folder / "docs"))
+        self.assertEqual(left_out, {"architecture.md", "releasing.md"})
         examples = folder / "examples"
         readme = (examples / "README.md").read_text("utf-8")
         [command] = re.findall(r"`(x86_64-w64-mingw32-g\+\+ [^`]* check\.cpp [^`]*)`", readme)

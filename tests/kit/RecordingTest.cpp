@@ -41,9 +41,9 @@ DeviceRecording Record(const Machine& machine, test::FakeWmiData& wmi)
     DeviceRecording recording;
     test::PlantedMachine(machine, wmi)
         .Show([&recording](const auto& storage, const auto& volumes, const auto& network,
-                           const auto& displays, const auto& graphics) {
+                           const auto& displays, const auto& graphics, const auto& sound) {
             DeviceMasks masks(Masker({L"Anna"}));
-            recording = RecordDevices({storage, volumes, network, displays, graphics}, masks);
+            recording = RecordDevices({storage, volumes, network, displays, graphics, sound}, masks);
         });
     return recording;
 }
@@ -73,7 +73,8 @@ TEST_P(Recording, GivesTheValuesOfTheMachineAndNothingPrivate)
 INSTANTIATE_TEST_SUITE_P(Of, Recording,
                          testing::Values("gaming_laptop.txt", "old_desktop.txt", "virtual_machine.txt",
                                          "tablet.txt", "bare_server.txt", "networks.txt", "real_disks.txt",
-                                         "real_displays.txt"),
+                                         "real_displays.txt", "real_graphics.txt", "sound.txt", "disks.txt",
+                                         "disk_faults.txt", "real_devices.txt", "plugged_disks.txt"),
                          [](const auto& file) {
                              const std::string name = file.param;
                              return name.substr(0, name.find('.'));

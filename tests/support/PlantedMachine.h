@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "probes/cpu/CPUID.h"
+#include "probes/sound/SoundEndpoints.h"
 #include "probes/storage/Disks.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeSound.h"
@@ -46,8 +47,8 @@ public:
     /// Runs the detectors with these names in the current session; all if there are no names.
     void Run(const Lines& names);
 
-    /// Shows the functions that answer for its storage, volumes, network, displays and graphics adapters, in
-    /// this order, while its sound devices answer, too.
+    /// Shows the functions that answer for its storage, volumes, network, displays, graphics adapters and
+    /// sound, in this order, while its sound endpoints answer, too.
     template <typename Look>
     void Show(Look look)
     {
@@ -56,7 +57,8 @@ public:
         const StorageFunctions disks = storage.devices.Functions();
         VolumeFunctions volumes = storage.volumes.Functions();
         volumes.listDisks = [&disks](const std::wstring& letter) { return ReadVolumeDisks(disks, letter); };
-        look(disks, volumes, network.functions, displays.Functions(), graphics.functions);
+        look(disks, volumes, network.functions, displays.Functions(), graphics.functions,
+             SoundFunctions{[this] { return CountWaveOutputs(); }});
     }
 
 private:
