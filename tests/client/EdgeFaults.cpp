@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdio>
 #include <iostream>
+#include <mutex>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -78,7 +79,10 @@ constexpr Group Groups[] = {
      "UnRegisterTypeLibForUser QueryPathOfRegTypeLib DispInvoke"},
     {Never, 0, "OutputDebugStringW",
      [](const Word* a) {
+         static std::mutex guard;
+         const std::lock_guard lock(guard);
          const std::wstring_view line = At<wchar_t>(*a);
+         EdgeFaults::log += line;
          return Word(broken += !line.empty() && line.find(L" | ") != line.rfind(L" | "));
      }},
     // Wine's own functions look for the display device in the registry, where a scratch key is, and use it
@@ -214,6 +218,8 @@ void EdgeFaults::Arm(const char* fault)
     char sign = 0;
     std::sscanf(fault != nullptr ? fault : "", "%39[^:+]%c%ld", chosen.data(), &sign, &nth);
     isLasting = sign == '+';
+    for (Function& function : functions)
+        function.calls = 0;
     isArmed = true;
 }
 

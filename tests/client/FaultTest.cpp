@@ -111,6 +111,24 @@ TEST_F(Fault, LeavesTheIdentifier0WhenNoGuidCanBeMade)
     EXPECT_EQ(Get(dll->Create(), &ISysInfo::get_Value, L"71207"), L"0");
 }
 
+TEST_F(Fault, LogsWhichStepOfAnExchangeCannotBegin)
+{
+    dll.emplace();
+    const Control control = dll->Create();
+    control->put_Logging(_bstr_t(L"7"));
+    Get(control, &ISysInfo::get_Value, L"no such value");  // examines the machine
+    for (const auto& [fault, line] : {std::pair("CreateThread:1", L"Can't start an Internet exchange.\n"),
+                                      {"InternetOpenW:1", L"Can't open Internet.\n"},
+                                      {"InternetConnectW:1", L"Can't open Internet connection.\n"},
+                                      {"HttpOpenRequestW:1", L"Can't open Internet request.\n"}}) {
+        EdgeFaults::log.clear();
+        EdgeFaults::Arm(fault);
+        Get(control, &ISysInfo::get_Analysis, L"item", L"xml", L"1.0");
+        EXPECT_THAT(EdgeFaults::log, testing::HasSubstr(line)) << fault;
+    }
+    Recover();
+}
+
 /// With a status for all answers of the service.
 struct Answers : Fault, testing::WithParamInterface<int> {};
 

@@ -95,7 +95,9 @@ TEST(Life, KeepsALogLevelThatWasSetBeforeTheFirstSession)
 TEST(Life, WritesTheLogFileOfThePolicy)
 {
     const test::TestFolder folder;
-    const std::filesystem::path path = folder.Path() / L"a.log";
+    constexpr std::size_t MaxLength = 239;
+    std::filesystem::path path = folder.Path() / L"a.log";
+    path += std::wstring(MaxLength - path.wstring().size(), L'g');
     const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
     machine.Write(L"Software\\Policies\\Keldane", L"LogFile", path.c_str());
     const test::Apartment apartment;

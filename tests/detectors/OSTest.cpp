@@ -40,9 +40,9 @@ TEST(OSName, IsEmptyForUnknownSystems)
     info.platform = 1;
     EXPECT_FALSE(BuildDisplayName(info).isBuilt);
     const std::string line = "This sample does not support this version of Windows.\n";
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), line + line);
     info.hasVersion = false;
     EXPECT_FALSE(BuildDisplayName(info).isBuilt);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), line + line);
 }
 
 TEST(MachineIdentifier, IsKeptOnlyWhereItsKeyExists)

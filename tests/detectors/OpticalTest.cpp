@@ -20,7 +20,7 @@ TEST(OpticalAbilities, AreReadFromRealNames)
             ++names;
         }
     }
-    EXPECT_EQ(names, 63);
+    EXPECT_EQ(names, 64);
     const std::pair<int, const wchar_t*> profiles[] = {
         {0x00, L""},   {0x08, L""},   {0x09, L"C"},   {0x0A, L"C"},   {0x10, L"d"},  {0x11, L"dD"},
         {0x12, L"dD"}, {0x14, L"dD"}, {0x15, L"dD2"}, {0x17, L"dD2"}, {0x18, L"dD"}, {0x19, L""},

@@ -55,6 +55,11 @@ TEST_F(InfFiles, FindADevicesOwnIdAmongItsRelatives)
                                            L"PCI\\VEN_8086&DEV_1912"};
     SetupEntryPoints table;
     SetupEntryPoints::Load(table);
+    static DWORD style = 0;
+    table.openInfFile = [](PCWSTR file, PCWSTR ofClass, DWORD styles, UINT* line) {
+        style = styles;
+        return SetupOpenInfFileW(file, ofClass, styles, line);
+    };
     static int closed = 0;
     table.closeInfFile = [](HINF file) {
         ++closed;
@@ -65,6 +70,7 @@ TEST_F(InfFiles, FindADevicesOwnIdAmongItsRelatives)
         const std::wstring found = InfFile(table, name.c_str()).FindModel(L"ven_8086&dev_1916", ids);
         EXPECT_EQ(found, isFound ? Found : L"") << inf.substr(0, 300);
     }
+    EXPECT_EQ(style, DWORD{INF_STYLE_WIN4});
     EXPECT_GE(closed, 9);  // the malformed one need not be opened
 }
 

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "platform/Library.h"
+#include "probes/graphics/DisplayFunctions.h"
 #include "probes/graphics/GraphicsFunctions.h"
 #include "probes/network/NetworkInterfaces.h"
 #include "probes/software/SoftwareFunctions.h"
@@ -48,6 +49,15 @@ TEST(SystemFunctions, AreFoundByTheirNames)
                 testing::IsSubsetOf({L"TRACE The system has no function D3DKMTQueryAdapterInfo",
                                      L"TRACE The system has no function GetPackagesByPackageFamily",
                                      L"TRACE The system has no function GetPackagePathByFullName"}));
+}
+
+TEST(SystemFunctions, ListEachMonitorOnceWithItsPixels)
+{
+    const std::vector<MONITORINFO> monitors = DisplayFunctions::OfSystem().listMonitors();
+    ASSERT_EQ(monitors.size(), static_cast<std::size_t>(GetSystemMetrics(SM_CMONITORS)));
+    const RECT& first = monitors.front().rcMonitor;
+    EXPECT_EQ(first.right - first.left, GetSystemMetrics(SM_CXSCREEN));
+    EXPECT_EQ(first.bottom - first.top, GetSystemMetrics(SM_CYSCREEN));
 }
 
 DWORD modeWhileLoading = 0;

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <windows.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <set>
@@ -11,7 +12,10 @@
 #include <thread>
 #include <vector>
 
+#include "run/LogStart.h"
 #include "run/LogWriter.h"
+#include "support/LogCapture.h"
+#include "support/ScratchKey.h"
 #include "support/TestFolder.h"
 
 namespace kel {
@@ -92,6 +96,33 @@ TEST(LogWriter, NeverWaitsForAFileAndCountsWhatItLost)
     EXPECT_TRUE(holds("lines that were lost: "));
     EXPECT_TRUE(holds(written));
     EXPECT_FALSE(holds("above"));
+}
+
+TEST(LogWriter, ReportsASingleLostLine)
+{
+    const test::TestFolder folder;
+    const fs::path path = folder.Path() / L"a.log";
+    LogWriter& writer = *new LogWriter(LogFile(path.wstring(), 10'000'000), 3);
+    for (int line = 0; line < 16; ++line)
+        writer.Write(1, std::wstring(16384, L'x'));  // without its start, 16 of them would just fit
+    ASSERT_TRUE(writer.Start());
+    std::string text;
+    for (int attempt = 0; attempt < 3000 && (text = ReadAll(path)).empty(); ++attempt)
+        Sleep(10);
+    EXPECT_EQ(std::ranges::count(text, '\n'), 16);
+    EXPECT_THAT(text, testing::EndsWith(" lines that were lost: 1\r\n"));
+}
+
+TEST(LogStart, IgnoresALogFileWhosePathIsTooLong)
+{
+    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
+    const std::wstring drive = L"C:\\";
+    machine.Write(L"Software\\Policies\\Keldane", L"LogFile",
+                  (drive + std::wstring(240 - drive.size(), L'a')).c_str());
+    const test::LogCapture log(LogError);
+    SetLogLevel(LogError);
+    EXPECT_THAT(log.Lines(), testing::Contains(L"ERR The policy LogFile does not name a file that can be "
+                                               L"written, and is ignored."));
 }
 
 }  // namespace

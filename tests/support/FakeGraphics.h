@@ -202,7 +202,9 @@ private:
         direct3D9.Answer(
             4, +[](Object* self) { return static_cast<UINT>(self->owner->adapters.size()); });
         direct3D9.Answer(
-            5, +[](Object* self, UINT index, DWORD, D3DADAPTER_IDENTIFIER9* out) -> HRESULT {
+            5, +[](Object* self, UINT index, DWORD flags, D3DADAPTER_IDENTIFIER9* out) -> HRESULT {
+                if (flags != 0)  // would have the driver's signature checked
+                    return D3DERR_NOTAVAILABLE;
                 const Card& card = self->owner->Listed(index).card;
                 std::ranges::copy(std::string(card.name.begin(), card.name.end()), out->Description);
                 out->VendorId = card.vendor;

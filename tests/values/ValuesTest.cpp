@@ -43,15 +43,26 @@ void CheckRows(Quantity quantity, std::uint64_t (Quantity::*amount)() const, std
 TEST(Quantities, ReadAndPrintAmountsInTheirUnits)
 {
     const Row sizes[] = {
-        {L"", 0, L"0.0 B"},          {L"1048575", 1048575, L"1024.0 KB"},
-        {L"-5", 0, L"0.0 B"},        {L"  2 GB\t", 2147483648, L"2.0 GB"},
-        {L"GB", 0, L"0.0 B"},        {L"2 GB of 3 MB", 2097152, L"2.0 MB"},
-        {L"1e3", 1, L"1.0 B"},       {L"3 MB of KB", 3072, L"3.0 KB"},
-        {L"1.9", 1, L"1.0 B"},       {L"1023", 1023, L"1023.0 B"},
-        {L"1.5KB", 1536, L"1.5 KB"}, {L"9223372036854775808", 1ULL << 63, L"8388608.0 TB"},
-        {L"4 kb", 4096, L"4.0 KB"},  {L"20000000 TB", Largest, L"16777216.0 TB"},
-        {L"1024", 1024, L"1.0 KB"},  {L"1280", 1280, L"1.2 KB"},  // half way goes to the even digit
-        {L"1331", 1331, L"1.3 KB"},  {L"1792", 1792, L"1.8 KB"},
+        {L"", 0, L"0.0 B"},
+        {L"1048575", 1048575, L"1024.0 KB"},
+        {L"-5", 0, L"0.0 B"},
+        {L"  2 GB\t", 2147483648, L"2.0 GB"},
+        {L"GB", 0, L"0.0 B"},
+        {L"2 GB of 3 MB", 2097152, L"2.0 MB"},
+        {L"1e3", 1, L"1.0 B"},
+        {L"3 MB of KB", 3072, L"3.0 KB"},
+        {L"1.9", 1, L"1.0 B"},
+        {L"1023", 1023, L"1023.0 B"},
+        {L"1.5KB", 1536, L"1.5 KB"},
+        {L"9223372036854775808", 1ULL << 63, L"8388608.0 TB"},
+        {L"4 kb", 4096, L"4.0 KB"},
+        {L"20000000 TB", Largest, L"16777216.0 TB"},
+        {L"2 TB", 2ULL << 40, L"2.0 TB"},
+        {L"3mb", 3145728, L"3.0 MB"},
+        {L"1024", 1024, L"1.0 KB"},
+        {L"1280", 1280, L"1.2 KB"},  // half way goes to the even digit
+        {L"1331", 1331, L"1.3 KB"},
+        {L"1792", 1792, L"1.8 KB"},
     };
     const Row speeds[] = {
         {L"fast", 0, L"0.0 Hz"},      {L"2 GHz 3 MHz", 2000000, L"2.0 MHz"},
