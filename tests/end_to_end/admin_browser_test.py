@@ -48,7 +48,7 @@ class InABrowser(AdminTest):
         for width, height in ((1280, 2500), (390, 6000)):
             browser.resize(width)
             browser.go(f"http://{self.admin}/")
-            self.assertEqual(browser.run("return document.querySelectorAll('svg.spark').length"), 20)
+            self.assertEqual(browser.run("return document.querySelectorAll('svg.spark:has(polyline)').length"), 20)
             for period in ("30d", "all"):
                 browser.go(f"http://{self.admin}/?period={period}")
                 self.assertLessEqual(browser.run("return document.documentElement.scrollHeight"), height, f"{width} {period}")
