@@ -19,6 +19,8 @@ namespace kel::server {
 
 namespace {
 
+constexpr std::size_t MaxOpen = 50;  // found values; the areas of more are folded
+
 /// What an author should know of a value, in sentences.
 std::string Remarks(const CatalogueValue& value)
 {
@@ -97,12 +99,13 @@ std::string TypeAndForm(const CatalogueValue& value)
 Answer ShowValues(const AdminRequest& request)
 {
     const std::string words = request.Query("find");
-    const std::string self = "/values" + (words.empty() ? "" : "?find=" + UrlEncode(words));
     const Reporting reporting(request.database);
-    Html list, tables;
-    for (const auto& [area, values] : FindAreas(words)) {
-        const std::string anchor = "area-" + std::to_string(values.front()->id);
-        list += Html::Element("li", {}, Html::Element("a", {{"href", self + "#" + anchor}}, area));
+    const std::vector<Area> areas = FindAreas(words);
+    std::size_t count = 0;
+    for (const auto& [area, values] : areas)
+        count += values.size();
+    Html found;
+    for (const auto& [area, values] : areas) {
         Table table(fmt::format("Values of the area {}", area),
                     {{"Id"}, {"What"}, {"Type and form"}, {"Example"}, {"Comparisons"}, {"Reports", true}});
         for (const CatalogueValue* value : values) {
@@ -112,15 +115,17 @@ Answer ShowValues(const AdminRequest& request)
             table.Add({std::to_string(value->id), what, TypeAndForm(*value), KindOf(*value).example,
                        JoinComparisons(*value), reporting.Text(value->id)});
         }
-        tables += Html::Element("h2", {{"id", anchor}}, area) + table.Done("");
+        Html::Attributes attributes{{"class", "area"}};
+        if (count <= MaxOpen)
+            attributes.emplace_back("open", "");
+        const std::string number = fmt::format(" {} value{}", values.size(), values.size() == 1 ? "" : "s");
+        found += Html::Element(
+            "details", attributes,
+            {Html::Element("summary", {}, {Html::Element("h2", {}, area), number}), table.Done("")});
     }
-    const Html found =
-        tables.IsEmpty()
-            ? Html::Element("p", {{"class", "empty"}},
-                            {"No value has these words. ", Link("/values", "Show all values"), "."})
-            : Html::Element("nav", {{"class", "areas"}, {"aria-label", "Areas"}},
-                            Html::Element("ul", {}, list)) +
-                  tables;
+    if (areas.empty())
+        found = Html::Element("p", {{"class", "empty"}},
+                              {"No value has these words. ", Link("/values", "Show all values"), "."});
     return Page(
         request, "Values",
         Html::Element("p", {{"class", "lead"}},

@@ -67,16 +67,29 @@ std::map<std::string, std::vector<Counts>> DayCounts::Steps(const std::vector<st
     std::map<std::string, std::vector<Counts>> products;
     if (referrers.empty())
         return products;
-    std::vector<SqlValue> values{days.from, days.until, stepDays};
+    std::vector<SqlValue> wanted;
     for (std::size_t i = 0; i < MaxProducts; ++i)
-        values.emplace_back(referrers[std::min(i, referrers.size() - 1)]);
-    for (SqlRow& row : database.Read(
-             "SELECT name, (day - $1) / $3 AS step, " + Sums +
-                 "FROM day_verdicts JOIN referrer ON referrer.id = day_verdicts.referrer WHERE day >= $1 AND "
-                 "day < $2 AND name IN (" +
-                 ParameterList(4, MaxProducts) + ") GROUP BY name, step ORDER BY name, step",
-             values)) {
-        std::vector<Counts>& steps = products[row.Text()];
+        wanted.emplace_back(referrers[std::min(i, referrers.size() - 1)]);
+    const auto connection = database.BorrowReader();
+    // With names instead of ids in the next statement, PostgreSQL would read the counts of all products.
+    std::map<std::int64_t, std::string> names;
+    for (SqlRow& row : connection->Query(
+             "SELECT id, name FROM referrer WHERE name IN (" + ParameterList(1, MaxProducts) + ")", wanted)) {
+        const std::int64_t id = row.Number();
+        names[id] = row.Text();
+    }
+    if (names.empty())
+        return products;
+    std::vector<SqlValue> values{days.from, days.until, stepDays};
+    for (const auto& [id, name] : names)
+        values.emplace_back(id);
+    values.resize(3 + MaxProducts, names.begin()->first);
+    for (SqlRow& row :
+         connection->Query("SELECT referrer, (day - $1) / $3 AS step, " + Sums +
+                               "FROM day_verdicts WHERE day >= $1 AND day < $2 AND referrer IN (" +
+                               ParameterList(4, MaxProducts) + ") GROUP BY referrer, step",
+                           values)) {
+        std::vector<Counts>& steps = products[names.at(row.Number())];
         const auto step = static_cast<std::size_t>(row.Number());
         steps.resize(std::max(steps.size(), step + 1));
         steps[step] = ReadCounts(row);

@@ -48,7 +48,7 @@ class InABrowser(AdminTest):
         for width, height in ((1280, 2500), (390, 6000)):
             browser.resize(width)
             browser.go(f"http://{self.admin}/")
-            self.assertEqual(browser.run("return document.querySelectorAll('svg.spark').length"), 20)
+            self.assertEqual(browser.run("return document.querySelectorAll('svg.spark:has(polyline)').length"), 20)
             for period in ("30d", "all"):
                 browser.go(f"http://{self.admin}/?period={period}")
                 self.assertLessEqual(browser.run("return document.documentElement.scrollHeight"), height, f"{width} {period}")
@@ -108,6 +108,13 @@ class InABrowser(AdminTest):
                 self.assertEqual(colour, "rgb(18, 23, 30)" if dark else "rgb(244, 246, 249)")
             browser.press(TAB)
             self.assertEqual(browser.run("return document.activeElement.className"), "skip")
+        browser.resize(390)
+        browser.go(f"http://{self.admin}/values")
+        self.assertLessEqual(browser.run("return document.documentElement.scrollHeight"), 3000, "the areas are not folded")
+        browser.run("document.querySelectorAll('.area').forEach(area => area.open = true)")
+        self.assertLessEqual(browser.run("return document.documentElement.scrollWidth"), 390, "an unfolded area is too wide")
+        browser.go(f"http://{self.admin}/values?find=71063")
+        browser.await_text("amount of bytes", ".area")
 
 
 if __name__ == "__main__":

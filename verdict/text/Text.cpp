@@ -22,8 +22,13 @@ std::string_view Trim(std::string_view text)
 std::string Lower(std::string_view text)
 {
     std::string lower;
+    lower.reserve(text.size());
     while (!text.empty()) {
-        if (const auto codePoint = TakeCodePoint(text)) {
+        if (text.front() > 0) {  // ASCII, as nearly all values are
+            const char c = text.front();
+            lower += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+            text.remove_prefix(1);
+        } else if (const auto codePoint = TakeCodePoint(text)) {
             AppendCodePoint(lower, LowerCase(*codePoint));
         } else {
             lower += text.front();
