@@ -14,6 +14,7 @@
 #include "probes/storage/Disks.h"
 #include "probes/storage/StorageFunctions.h"
 #include "values/Junk.h"
+#include "values/Text.h"
 
 namespace kel {
 
