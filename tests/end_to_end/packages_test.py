@@ -15,7 +15,9 @@ from pathlib import Path
 from xml.etree import ElementTree
 from unittest import mock
 
-from harness import CLASS_ID, CSCRIPT, DLL, PATIENCE, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools" / "packaging"))
+import documents  # noqa: E402
+from harness import CLASS_ID, CSCRIPT, DLL, PATIENCE, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine  # noqa: E402
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
 ACTIVE_SETUP = r"HKLM\Software\Microsoft\Active Setup\Installed Components\{5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2}"
@@ -41,8 +43,7 @@ def package(output, *arguments, folder=DLL.parent):
     subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", folder / "Detection.dll", "--program",
                     folder / "kel.exe", "--check-program", folder / "check.exe", "--output", output, *arguments], check=True,
                    capture_output=True)
-    return {str(path.relative_to(output)): path for path in Path(output).rglob("*") if path.is_file() and
-            path.parent.name != "work"}
+    return {str(path.relative_to(output)): path for path in Path(output).rglob("*") if path.is_file()}
 
 
 def setUpModule():
@@ -337,9 +338,9 @@ class Files(unittest.TestCase):
 
     def test_packages_are_the_same_each_time_and_ignore_untracked_files(self):
         if (ROOT / ".git").exists():
-            note = ROOT / "examples" / "a note.txt"
-            self.addCleanup(note.unlink)
-            note.write_text("untracked")
+            for note in (ROOT / folder / "a note.txt" for folder in ("examples", "extension")):
+                self.addCleanup(note.unlink)
+                note.write_text("untracked")
         again = package(self.folder / "again", "--version", "4.5.1", "--cab")
         self.assertEqual(set(NOW), set(again))
         different = [name for name, path in NOW.items() if path.read_bytes() != again[name].read_bytes()]
@@ -370,6 +371,17 @@ class Files(unittest.TestCase):
                     headings = re.findall(r"^#+ (.*)", file.read_text("utf-8"), re.MULTILINE) if anchor else []
                     anchors = {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
                     self.assertLessEqual({anchor} - {""}, anchors, f"{page}: {target}#{anchor}")
+
+    def test_links_out_of_the_archive_become_plain_text_and_broken_ones_are_refused(self):
+        names = {"README.md", "docs/service.md"}
+        for page, text, expected in (("README.md", "[a](docs/service.md#b)", "[a](docs/service.md#b)"),
+                                     ("docs/service.md", "[a](../README.md)", "[a](../README.md)"),
+                                     ("docs/service.md", "[a](#b), [c](https://d.example)", "[a](#b), [c](https://d.example)"),
+                                     ("docs/service.md", "[a](architecture.md#b), [c](../server)", "a, c")):
+            self.assertEqual(documents.linked(page, text, names), expected)
+        for target in ("gone.md", "../docs/gone.md", "../../README.md", "service"):
+            with self.subTest(target), self.assertRaisesRegex(documents.BrokenLink, re.escape(f"docs/service.md: [a]({target})")):
+                documents.linked("docs/service.md", f"[a]({target})", names)
 
     def test_installers_never_restart_the_machine_and_have_the_published_codes(self):
         codes = json.loads((self.extract(NOW["Detection-4.5.1-x64.zip"]) / "fleet" / "codes.json").read_text())
