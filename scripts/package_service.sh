@@ -25,17 +25,21 @@ mkdir -p "$root/DEBIAN" "$staging/debian"
 put() {  # put MODE SOURCE TARGET
   install -D -m "$1" "$2" "$3"
 }
+# The files of a folder; in a working copy only tracked ones, as others may be private notes.
+files() {
+  if [ -e .git ]; then git ls-files "$1"; else find "$1" -type f; fi
+}
 
 cmake --install build/server --prefix "$root/usr" --strip >/dev/null
 put 644 packaging/server/kel-server.service "$root/lib/systemd/system/kel-server.service"
 put 640 packaging/server/kel.conf "$root/etc/kel/kel.conf"
 put 644 packaging/server/nginx.conf "$doc/examples/nginx.conf"
-for file in packaging/server/monitoring/*; do
+while read -r file; do
   put 644 "$file" "$doc/examples/monitoring/${file##*/}"
-done
-for set in examples/requirements/*.json; do
+done < <(files packaging/server/monitoring)
+while read -r set; do
   put 644 "$set" "$doc/$set"
-done
+done < <(files examples/requirements)
 for page in service service-protocol administration value-ids integration deployment scale; do
   put 644 "docs/$page.md" "$doc/$page.md"
 done

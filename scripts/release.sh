@@ -20,6 +20,7 @@ git rev-parse -q --verify "refs/tags/v$version" >/dev/null && fail "The tag v$ve
 
 scripts/lint.sh
 KEL_WHOLE_BUILD=1 scripts/test.sh --checked
+scripts/test.sh --clang
 scripts/package.sh
 scripts/package_service.sh
 # One folder holds all that is published, and its sums.

@@ -11,11 +11,11 @@ packages=(
 display=(xvfb xauth libgl1-mesa-dri mesa-vulkan-drivers)
 server=(g++ libboost-dev libfmt-dev libsqlite3-dev libpq-dev libpugixml-dev nlohmann-json3-dev libsodium-dev cmake
   ninja-build python3)
-service_packaging=("${server[@]}" dpkg-dev adduser)
+service_packaging=("${server[@]}" dpkg-dev adduser git)
 packaging=(wixl msitools faketime osslsigncode openssl gcab git)
 [ "${1:-}" = --package ] && packages+=("${packaging[@]}")
-[ "${1:-}" = --test ] && packages+=("${packaging[@]}" libxml2-utils "${display[@]}" chromium chromium-driver firefox-esr mono-mcs postgresql
-  "${service_packaging[@]}" nginx openssl systemd curl iproute2 git)
+[ "${1:-}" = --test ] && packages+=("${packaging[@]}" libxml2-utils python3-yaml "${display[@]}" chromium chromium-driver firefox-esr mono-mcs postgresql
+  "${service_packaging[@]}" nginx openssl systemd curl iproute2)
 [ "${1:-}" = --server ] && packages=("${server[@]}")
 [ "${1:-}" = --service-package ] && packages=("${service_packaging[@]}")
 [ "${1:-}" = --display ] && packages+=("${display[@]}")

@@ -5,6 +5,7 @@ import json
 import os
 import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -15,7 +16,12 @@ from pathlib import Path
 from xml.etree import ElementTree
 from unittest import mock
 
-from harness import CLASS_ID, CSCRIPT, DLL, PATIENCE, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine
+import yaml
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools" / "packaging"))
+import documents  # noqa: E402
+from product import resource_text  # noqa: E402
+from harness import CLASS_ID, CSCRIPT, DLL, PATIENCE, PROG_ID, PROGRAMS, ROOT, make_prefix, windows_path, wine  # noqa: E402
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
 ACTIVE_SETUP = r"HKLM\Software\Microsoft\Active Setup\Installed Components\{5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2}"
@@ -41,8 +47,7 @@ def package(output, *arguments, folder=DLL.parent):
     subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", folder / "Detection.dll", "--program",
                     folder / "kel.exe", "--check-program", folder / "check.exe", "--output", output, *arguments], check=True,
                    capture_output=True)
-    return {str(path.relative_to(output)): path for path in Path(output).rglob("*") if path.is_file() and
-            path.parent.name != "work"}
+    return {str(path.relative_to(output)): path for path in Path(output).rglob("*") if path.is_file()}
 
 
 def setUpModule():
@@ -57,6 +62,18 @@ def install(path, *options):
 
 def remove(path):
     return wine("msiexec", *UNATTENDED, "/x", windows_path(path)).code
+
+
+def published(archive):
+    """The codes that an archive has for fleet tools."""
+    with zipfile.ZipFile(archive) as zipped:
+        return json.loads(zipped.read("fleet/codes.json"))
+
+
+def exported(path, table):
+    """The rows of an installer's table."""
+    text = subprocess.run(["msiinfo", "export", path, table], check=True, capture_output=True, text=True).stdout
+    return [line.split("\t") for line in text.splitlines()][3:]
 
 
 def saved(text):
@@ -169,7 +186,12 @@ class Packages(unittest.TestCase):
                 self.assertEqual(install(now), FAILED)
                 self.assertEqual(self.run_install_script(now), NEWER_INSTALLED)
                 self.assertEqual(self.installed(), (["4.6.0 analysis.another.example"], version))
-                self.assertEqual(remove(newer), 0)
+                [codes] = (codes for codes in published(self.next["Detection-4.6.0-x64.zip"])["packages"]
+                           if codes["package"] == newer.name)
+                entry = codes["entry"].partition("\\")[2]  # Wine lists both for all users
+                [listed] = (values for place in ("HKLM", "HKCU") for values in self.registry(f"{place}\\{entry}").values())
+                self.assertEqual(listed['"DisplayName"'], f'"{codes["displayName"]}"')
+                self.assertEqual(wine(*codes["remove"].split()).code, 0)
                 self.check_clean()
                 self.assertEqual(self.host_manifests(root), {})
         self.assertEqual(self.registry(r"HKCU\Software\Detection"), {})
@@ -250,16 +272,27 @@ class Packages(unittest.TestCase):
     def service(self):
         return wine(DLL.parent / "kel.exe", "--version").output.splitlines()[1:]
 
+    def for_pages(self, root):
+        """What is registered for pages: the links, and the browsers that know the native host."""
+        links = [key for key in self.registry(root + r"\Software\Classes") if key.endswith(r"\kel-check\shell\open\command")]
+        return len(links), len(self.host_manifests(root))
+
     def test_an_installers_options_hold_for_later_versions_too(self):
-        now, newer = NOW["Detection-4.5.1-x64.msi"], self.next["Detection-4.6.0-x64.msi"]
-        for path, *options in ((now, "SERVICEHOST=firm.example", "LOCALSERVER=1"),
-                               (now, "REINSTALL=ALL", "REINSTALLMODE=amus"), (newer,)):
-            with self.subTest(options, package=path.name):
-                self.assertEqual(install(path, *options), 0)
-                self.assertEqual(self.service(), ["Service: firm.example (policy)"])
-                self.assertEqual(len(self.servers()), 2)
-        self.assertEqual(remove(newer), 0)
-        self.assertEqual(self.servers(), [])
+        options = ("SERVICEHOST=firm.example", "LOCALSERVER=1", "IDENTIFIER=1")
+        for kind, root, own in (("", "HKLM", options), ("-user", "HKCU", ())):
+            now, other, newer = (packages[f"Detection-{version}-x64{kind}.msi"] for packages, version in (
+                (NOW, "4.5.1"), (self.other, "4.5.1"), (self.next, "4.6.0")))
+            for path, *given in ((now, *own, "LINK=0", "EXTENSION=0"), (now, "REINSTALL=ALL", "REINSTALLMODE=amus"), (other,)):
+                with self.subTest(given, package=path.name):
+                    self.assertEqual(install(path, *given), 0)
+                    self.assertEqual(self.for_pages(root), (0, 0))
+                    if own:
+                        self.assertEqual(self.service(), ["Service: firm.example (policy)"])
+                        self.assertEqual((len(self.servers()), len(self.registry(ACTIVE_SETUP))), (2, 1))
+            self.assertEqual(install(newer, "LOCALSERVER=0", "IDENTIFIER=0", "LINK=1", "EXTENSION=1"), 0)
+            self.assertEqual((self.for_pages(root), self.servers(), self.registry(ACTIVE_SETUP)), ((1, 4), [], {}))
+            self.assertEqual(remove(newer), 0)
+            self.assertEqual(self.for_pages(root), (0, 0))
         self.assertEqual(self.service(), ["Service: analysis.keldane.example (built in)"])
 
     def test_every_policy_of_the_templates_is_obeyed(self):
@@ -337,9 +370,9 @@ class Files(unittest.TestCase):
 
     def test_packages_are_the_same_each_time_and_ignore_untracked_files(self):
         if (ROOT / ".git").exists():
-            note = ROOT / "examples" / "a note.txt"
-            self.addCleanup(note.unlink)
-            note.write_text("untracked")
+            for note in (ROOT / folder / "a note.txt" for folder in ("examples", "extension")):
+                self.addCleanup(note.unlink)
+                note.write_text("untracked")
         again = package(self.folder / "again", "--version", "4.5.1", "--cab")
         self.assertEqual(set(NOW), set(again))
         different = [name for name, path in NOW.items() if path.read_bytes() != again[name].read_bytes()]
@@ -371,18 +404,80 @@ class Files(unittest.TestCase):
                     anchors = {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-") for heading in headings}
                     self.assertLessEqual({anchor} - {""}, anchors, f"{page}: {target}#{anchor}")
 
+    def test_links_out_of_the_archive_become_plain_text_and_broken_ones_are_refused(self):
+        names = {"README.md", "docs/service.md"}
+        for page, text, expected in (("README.md", "[a](docs/service.md#b)", "[a](docs/service.md#b)"),
+                                     ("docs/service.md", "[a](../README.md)", "[a](../README.md)"),
+                                     ("docs/service.md", "[a](#b), [c](https://d.example)", "[a](#b), [c](https://d.example)"),
+                                     ("docs/service.md", "[a](architecture.md#b), [c](../server)", "a, c")):
+            self.assertEqual(documents.linked(page, text, names), expected)
+        for target in ("gone.md", "../docs/gone.md", "../../README.md", "service"):
+            with self.subTest(target), self.assertRaisesRegex(documents.BrokenLink, re.escape(f"docs/service.md: [a]({target})")):
+                documents.linked("docs/service.md", f"[a]({target})", names)
+
     def test_installers_never_restart_the_machine_and_have_the_published_codes(self):
-        codes = json.loads((self.extract(NOW["Detection-4.5.1-x64.zip"]) / "fleet" / "codes.json").read_text())
-        manifest = NOW["winget/Keldane.Detection.installer.yaml"].read_text()
-        for package_codes in codes["packages"]:
-            path = NOW[package_codes["package"]]
-            table = subprocess.run(["msiinfo", "export", path, "Property"], check=True, capture_output=True, text=True).stdout
-            properties = dict(line.split("\t") for line in table.splitlines())
-            self.assertEqual((package_codes["productCode"], package_codes["upgradeCode"]),
+        manifest = yaml.safe_load(NOW["winget/Keldane.Detection.installer.yaml"].read_text())
+        self.assertEqual(manifest["ExpectedReturnCodes"],
+                         [{"InstallerReturnCode": 3010, "ReturnResponse": "rebootRequiredToFinish"}])
+        for codes, installer in zip(published(NOW["Detection-4.5.1-x64.zip"])["packages"], manifest["Installers"], strict=True):
+            path = NOW[codes["package"]]
+            properties = dict(exported(path, "Property"))
+            self.assertEqual((codes["productCode"], codes["upgradeCode"]),
                              (properties["ProductCode"], properties["UpgradeCode"]))
             self.assertEqual(properties["REBOOT"], "ReallySuppress")
-            self.assertIn(f"ProductCode: '{properties['ProductCode']}'", manifest)
-            self.assertIn(f"InstallerSha256: {hashlib.sha256(path.read_bytes()).hexdigest().upper()}\n", manifest)
+            digest = hashlib.sha256(path.read_bytes()).hexdigest().upper()
+            self.assertEqual((codes["productCode"], path.name, digest), (
+                installer["ProductCode"], installer["InstallerUrl"].rpartition("/")[2], installer["InstallerSha256"]))
+            [entry] = installer["AppsAndFeaturesEntries"]
+            self.assertEqual((entry["UpgradeCode"], entry["DisplayName"]), (codes["upgradeCode"], codes["displayName"]))
+
+    def test_winget_manifests_name_one_package_and_the_archives_script_has_no_gaps(self):
+        manifests = [yaml.safe_load(path.read_text()) for name, path in NOW.items() if name.startswith("winget/")]
+        self.assertEqual({manifest["ManifestType"] for manifest in manifests}, {"version", "defaultLocale", "installer"})
+        self.assertEqual({(manifest["PackageIdentifier"], manifest["PackageVersion"]) for manifest in manifests},
+                         {("Keldane.Detection", "4.5.1")})
+        detect = (self.extract(NOW["Detection-4.5.1-x64.zip"]) / "fleet" / "detect.ps1").read_text()
+        self.assertNotRegex(detect, r"@\w+@")
+
+    def test_documented_options_reach_an_installation_that_a_person_consents_to(self):
+        options = re.findall(r"`… ([A-Z]+)=[^`]*`(, for all users only)?", (ROOT / "docs" / "deployment.md").read_text("utf-8"))
+        self.assertEqual(len(options), 5)
+        for kind, names in (("", [name for name, _ in options]), ("-user", [name for name, rest in options if not rest])):
+            path = NOW[f"Detection-4.5.1-x64{kind}.msi"]
+            secure = set(dict(exported(path, "Property"))["SecureCustomProperties"].split(";"))
+            kept = {name for name, _ in exported(path, "AppSearch")}  # found before the person is asked
+            self.assertEqual(kept, {"KEPT" + name for name in names})
+            upgraded = {name for row in exported(path, "Upgrade") for name in row[-1:]}
+            self.assertEqual(secure, {*names, *kept, *upgraded}, path.name)
+
+    def test_another_vendors_packages_are_products_of_their_own(self):
+        for name in ("Detection.dll", "kel.exe", "check.exe"):
+            vendor = [text.encode("utf-16-le") for text in ("Keldane", "Another")]
+            (self.folder / name).write_bytes((DLL.parent / name).read_bytes().replace(*vendor))
+        made = package(self.folder / "made", "--version", "4.5.1", "--headers", DLL.parent / "control", folder=self.folder)
+        ours, theirs = (published(packages["Detection-4.5.1-x64.zip"])["packages"] for packages in (NOW, made))
+        self.assertEqual([codes["displayName"] for codes in theirs], ["Another Detection", "Another Detection (user)"])
+        for kind in ("upgradeCode", "productCode", "file"):
+            self.assertEqual(len({codes[kind] for codes in (*ours, *theirs)}), 4, kind)
+        for codes in ours:
+            components = [{row[1] for row in exported(packages[codes["package"]], "Component")} for packages in (NOW, made)]
+            self.assertEqual(set.intersection(*components), set(), codes["package"])
+
+    def test_programs_and_installers_name_their_vendor_and_have_the_icon_in_all_sizes(self):
+        icon = (ROOT / "packaging" / "Detection.ico").read_bytes()
+        images = [struct.unpack_from("<BBBBHHII", icon, 6 + 16 * number) for number in range(icon[4])]
+        self.assertLessEqual({16, 24, 32, 48, 0}, {image[0] for image in images})  # 0 stands for 256
+        for name in ("Detection.dll", "kel.exe", "check.exe"):
+            content = (DLL.parent / name).read_bytes()
+            self.assertRegex(resource_text(content, "LegalCopyright"), r"^Copyright .*\d{4} Keldane$")
+            if name != "Detection.dll":
+                for image in images:
+                    self.assertTrue(icon[image[7]:image[7] + image[6]] in content, f"{name} has no icon of {image[0]} pixels")
+        for kind in ("", "-user"):
+            path = NOW[f"Detection-4.5.1-x64{kind}.msi"]
+            stored = subprocess.run(["msiinfo", "extract", path, "Icon." + dict(exported(path, "Property"))["ARPPRODUCTICON"]],
+                                    check=True, capture_output=True).stdout
+            self.assertTrue(stored == icon, f"{path.name}: the entry has another icon")
 
     def test_the_policy_templates_have_the_form_and_the_texts_that_they_use(self):
         subprocess.run(["xmllint", "--noout", "--relaxng", POLICIES / "policies.rng", POLICIES / "Keldane.admx",

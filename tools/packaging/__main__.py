@@ -126,6 +126,7 @@ def main():
     made.append(extension.build(version, output))
     # Last of all, from the signed files.
     (output / "SHA256SUMS").write_text("".join(f"{digest(path.read_bytes())}  {path.relative_to(output)}\n" for path in made))
+    shutil.rmtree(work)  # all that is left in the folder is published
     for path in made:
         print(f"{path.stat().st_size:9,d} bytes  {path}")
 

@@ -4,6 +4,7 @@ import json
 import re
 import uuid
 
+import sources
 from product import resource_text
 from registration import ROOT
 from stamp import write_zip
@@ -45,8 +46,7 @@ QUERIES = tuple(f"UPDATE `File` SET `Version`='', `Language`='' WHERE `File`='Ho
 
 def build(version, output):
     """Makes the extension's package, which all browsers and their stores take, and returns its path."""
-    names = [path.relative_to(FOLDER).as_posix() for path in FOLDER.rglob("*") if path.is_file()]
-    files = {name: (FOLDER / name).read_bytes() for name in names}
+    files = {name.removeprefix("extension/"): (ROOT / name).read_bytes() for name in sources.files("extension")}
     manifest = json.loads(files["manifest.json"]) | {"version": version}
     files["manifest.json"] = (json.dumps(manifest, indent=2) + "\n").encode()
     target = output / f"Detection-{version}-extension.zip"

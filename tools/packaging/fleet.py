@@ -39,8 +39,9 @@ InstallModes:
 InstallerSwitches:
   Silent: /qn /norestart
   SilentWithProgress: /qb /norestart
-InstallerSuccessCodes:
-- 3010
+ExpectedReturnCodes:
+- InstallerReturnCode: 3010
+  ReturnResponse: rebootRequiredToFinish
 UpgradeBehavior: install
 Installers:
 {installers}ManifestType: installer

@@ -3,6 +3,7 @@
 import hashlib
 import os
 import subprocess
+import uuid
 from xml.sax.saxutils import quoteattr
 
 import extension
@@ -11,6 +12,12 @@ from stamp import EPOCH, faked
 
 LINK = "kel-check"  # the scheme of a page's links, which open check.exe
 POLICIES = r"Software\Policies\Keldane"
+# The options of each package: properties of these names, in capitals, which upgrades and repairs keep.
+OPTIONS = {"machine": ("Identifier", "ServiceHost", "LocalServer", "Link", "Extension"), "user": ("Link", "Extension")}
+# Which components are installed. A removal has no property, and Wine asks again then.
+CONDITIONS = {"Identifier": "IDENTIFIER = 1", "ServiceHost": "SERVICEHOST", "LocalServer": "LOCALSERVER = 1",
+              "LocalServer32": "LOCALSERVER = 1", "Link": "NOT LINK = 0", "ExtensionHost": "NOT EXTENSION = 0"}
+ROOTS = {"machine": "HKLM", "user": "HKCU"}
 FOLDERS = {"machine": ("ProgramFiles64Folder", []), "user": ("LocalAppDataFolder", ["Programs"])}
 MIGRATE_FEATURES, VERSION_MAX_INCLUSIVE = 1, 512  # bits of an upgrade row's attributes
 RAW_VALUE, FOR_64_BIT = 2, 16  # a search's type
@@ -53,14 +60,15 @@ def _identifier(product):
     return _component("Identifier", code, rows)
 
 
-def _kept(product, name):
-    """The search for a value of the installer's own, by which an upgrade or a repair finds what an earlier installation was
-    asked for; with it the row that writes the value."""
-    own = f"Software\\{product.name}"
-    search = (f'    <Property Id="KEPT{name.upper()}"><RegistrySearch Id="Kept{name}" Root="HKLM" Key="{own}" Name="{name}"'
-              ' Type="raw"/></Property>\n')
-    return search, (f'        <RegistryValue Root="HKLM" Key="{own}" Name="{name}" Type="string"'
-                    f' Value="[{name.upper()}]"/>\n')
+def _kept(product, scope):
+    """The searches for values of the installer's own, by which an upgrade or a repair finds what an earlier installation was
+    asked for; with them the rows that write the values, empty ones for options that were not given."""
+    place = f'Root="{ROOTS[scope]}" Key="Software\\{product.name}"'
+    searches = (f'    <Property Id="KEPT{name.upper()}"><RegistrySearch Id="Kept{name}" {place} Name="{name}" Type="raw"/>'
+                '</Property>\n' for name in OPTIONS[scope])
+    rows = (f'        <RegistryValue {place} Name="{name}" Type="string" Value="[{name.upper()}]"/>\n'
+            for name in OPTIONS[scope])
+    return "".join(searches), "".join(rows)
 
 
 def _component(name, code, rows, is_wide="yes"):
@@ -70,24 +78,24 @@ def _component(name, code, rows, is_wide="yes"):
 def _service_host(product):
     """The component behind the property SERVICEHOST, the policy that names the service's host. The installer's own value
     distinguishes for an upgrade what the installer set from what a group policy did."""
-    search, row = _kept(product, "ServiceHost")
     policy = f'        <RegistryValue Root="HKLM" Key="{POLICIES}" Name="ServiceHost" Type="string" Value="[SERVICEHOST]"/>'
-    return search, _component("ServiceHost", product.component_code("servicehost"), row + policy)
+    return _component("ServiceHost", product.component_code("servicehost"), policy)
 
 
 def _local_server(product):
     """The components behind the property LOCALSERVER=1: kel.exe serves the control to programs that cannot load the DLL."""
-    search, row = _kept(product, "LocalServer")
     wide, narrow = (_registry(rows, "HKLM") for rows in registration.server_rows("[#KelExe]"))
-    return search, (_component("LocalServer", product.component_code("server"), row + wide)
-                    + _component("LocalServer32", product.component_code("server32"), narrow, "no"))
+    return (_component("LocalServer", product.component_code("server"), wide)
+            + _component("LocalServer32", product.component_code("server32"), narrow, "no"))
 
 
-def _link_rows():
+def _link(product, scope):
     """The registration of links to check.exe. It takes the whole link as one argument, and refuses anything else."""
-    return [registration.Row(LINK, None, "URL:Computer check"), registration.Row(LINK, "URL Protocol", ""),
+    rows = [registration.Row(LINK, None, "URL:Computer check"), registration.Row(LINK, "URL Protocol", ""),
             registration.Row(LINK + r"\DefaultIcon", None, "[#CheckExe],0"),
             registration.Row(LINK + r"\shell\open\command", None, '"[#CheckExe]" "%1"')]
+    code = str(uuid.uuid5(uuid.UUID(product.component_code(scope)), "link")).upper()
+    return _component("Link", code, _registry(rows, ROOTS[scope]))
 
 
 def source(product, scope, size):
@@ -96,20 +104,20 @@ def source(product, scope, size):
     @param size of the installed files, in KB
     """
     wide, narrow = registration.rows("[#DetectionDll]", "[INSTALLFOLDER]")
-    root = "HKLM" if scope == "machine" else "HKCU"
+    root = ROOTS[scope]
     folder, between = FOLDERS[scope]
     opened = "".join(f'<Directory Id="{name}Folder" Name="{name}">' for name in between)
     closed = "</Directory>" * len(between)
     user = scope == "user"
     marker = (f'        <RegistryValue Root="HKCU" Key="Software\\{product.name}" Name="Installed" Type="string"'
               ' Value="1" KeyPath="yes"/>\n        <RemoveFolder Id="RemoveInstall" On="uninstall"/>\n') if user else ""
-    search, service_host = ("", "") if user else _service_host(product)
-    server_search, local_server = ("", "") if user else _local_server(product)
+    searches, kept = _kept(product, scope)
     components = "" if user else (
         _component("Interface32", product.component_code("machine32"), _registry(narrow, root), "no") + _identifier(product)
-        + service_host + local_server)
-    references = "" if user else "".join(f'<ComponentRef Id="{name}"/>' for name in (
-        "Interface32", "Identifier", "ServiceHost", "LocalServer", "LocalServer32"))
+        + _service_host(product) + _local_server(product))
+    names = ["Control", *([] if user else ["Interface32", "Identifier", "ServiceHost", "LocalServer", "LocalServer32"]),
+             "Link", "ExtensionHost"]
+    references = "".join(f'<ComponentRef Id="{name}"/>' for name in names)
     return f"""<?xml version="1.0" encoding="utf-8"?>
 <Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
   <Product Id="{product.product_code(scope)}" Name="{product.display_name(scope)}" Language="1033"
@@ -120,17 +128,17 @@ def source(product, scope, size):
     <Media Id="1" Cabinet="detection.cab" EmbedCab="yes"/>
     <Icon Id="Detection.ico" SourceFile="Detection.ico"/>
 {_properties(product, size)}
-{search}{server_search}    <Directory Id="TARGETDIR" Name="SourceDir">
+{searches}    <Directory Id="TARGETDIR" Name="SourceDir">
       <Directory Id="{folder}">{opened}<Directory Id="INSTALLFOLDER" Name="{product.name}">
       <Component Id="Control" Guid="{product.component_code(scope)}" Win64="yes">
         <File Id="DetectionDll" Name="Detection.dll" Source="Detection.dll"{'' if user else ' KeyPath="yes"'}/>
         <File Id="KelExe" Name="kel.exe" Source="kel.exe"/>
         <File Id="CheckExe" Name="check.exe" Source="check.exe"/>
-{marker}{_registry(wide + _link_rows(), root)}
+{marker}{kept}{_registry(wide, root)}
       </Component>
-{components}{extension.component(product, scope)}      </Directory>{closed}</Directory>
+{components}{_link(product, scope)}{extension.component(product, scope)}      </Directory>{closed}</Directory>
     </Directory>
-    <Feature Id="Main" Level="1"><ComponentRef Id="Control"/>{references}<ComponentRef Id="ExtensionHost"/></Feature>
+    <Feature Id="Main" Level="1">{references}</Feature>
   </Product>
 </Wix>
 """
@@ -143,6 +151,12 @@ def _keep(name):
             f"('Keep{name}', {SET_PROPERTY}, '{name.upper()}', '[{kept}]')",
             "INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES "
             f"('Keep{name}', '{kept} AND NOT {name.upper()}', {AFTER_SEARCH})")
+
+
+def _secure(scope):
+    """The properties that reach the part of an installation that runs with rights."""
+    options = (name.upper() for name in OPTIONS[scope])
+    return ["WIX_DOWNGRADE_DETECTED", "WIX_UPGRADE_DETECTED", *(kind + name for name in options for kind in ("", "KEPT"))]
 
 
 def build(product, scope, work, target):
@@ -162,17 +176,14 @@ def build(product, scope, work, target):
         "INSERT INTO `Upgrade` (`UpgradeCode`, `VersionMax`, `Attributes`, `ActionProperty`) VALUES "
         f"('{{{product.upgrade_code(scope)}}}', '{product.version}', {MIGRATE_FEATURES | VERSION_MAX_INCLUSIVE}, "
         "'WIX_UPGRADE_DETECTED')",
-        # The tool does not know conditions of components. A removal has no property, and Wine asks again then. In the package
-        # for one user, this changes nothing.
-        "UPDATE `Component` SET `Condition`='IDENTIFIER = 1 OR REMOVE = \"ALL\"' WHERE `Component`='Identifier'",
-        "UPDATE `Component` SET `Condition`='SERVICEHOST OR REMOVE = \"ALL\"' WHERE `Component`='ServiceHost'",
-        *(f"UPDATE `Component` SET `Condition`='LOCALSERVER = 1 OR REMOVE = \"ALL\"' WHERE `Component`='{component}'"
-          for component in ("LocalServer", "LocalServer32")),
+        # The tool does not know conditions of components. In the package for one user, some change nothing.
+        *(f"UPDATE `Component` SET `Condition`='{condition} OR REMOVE = \"ALL\"' WHERE `Component`='{component}'"
+          for component, condition in CONDITIONS.items()),
         # The tool searches for values of 32-bit programs.
         f"UPDATE `RegLocator` SET `Type`={RAW_VALUE | FOR_64_BIT}",
-        # An upgrade or a repair without the property keeps the host that an installer set, and the local server.
-        *_keep("ServiceHost"),
-        *_keep("LocalServer"),
+        *(query for name in OPTIONS[scope] for query in _keep(name)),
+        # An installation with consent runs in the installer's service, which takes only these from the command.
+        f"UPDATE `Property` SET `Value`='{';'.join(_secure(scope))}' WHERE `Property`='SecureCustomProperties'",
         # The entry of "Apps" shows the folder, which is known only during the installation.
         "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
         f"('SetLocation', {SET_PROPERTY}, 'ARPINSTALLLOCATION', '[INSTALLFOLDER]')",
