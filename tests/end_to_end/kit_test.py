@@ -80,7 +80,7 @@ class Kit(unittest.TestCase):
 
     def test_a_run_that_breaks_off_leaves_nothing(self):
         ran = self.verify("broken", "--facts", "C:\\missing.json")
-        self.assertIn("missing.json", ran.output)
+        self.assertEqual(ran.code, 2, ran.output)
         self.assertEqual(list((self.folder / "broken").iterdir()), [])
 
     def test_it_is_made_of_tracked_files_alone(self):
