@@ -18,7 +18,7 @@ namespace kel::kit {
 
 namespace {
 
-constexpr std::size_t ComparisonFields = 6;
+constexpr std::size_t ComparisonFields = 7;
 constexpr std::size_t ComparedVersionParts = 2;
 constexpr double Percent = 100;
 
@@ -115,11 +115,7 @@ Row CompareRow(const ComparedValue& row, const Snapshot& snapshot, Tools& tools)
                         (answer.problem.empty() ? std::string("the tool knows none") : answer.problem);
         return result;
     }
-    const bool areSame = !found.empty() && std::ranges::all_of(found, [&](const std::string& text) {
-        return std::ranges::any_of(answer.texts,
-                                   [&](const std::string& other) { return IsSame(row, text, other); });
-    });
-    result.state = areSame ? State::Ok : State::Wrong;
+    result.state = AreSame(row, found, answer.texts) ? State::Ok : State::Wrong;
     if (found.empty())
         result.found = "(empty)";
     return result;
@@ -131,8 +127,14 @@ std::vector<ComparedValue> ReadComparisons(const std::string& path)
 {
     std::vector<ComparedValue> table;
     for (const std::vector<std::string>& fields : ReadTable(path, ComparisonFields)) {
-        ComparedValue row{
-            0, fields[1], fields[2], fields[3], 0, fields[5] == "rights", fields[5] == "windows"};
+        ComparedValue row{0,
+                          fields[1],
+                          fields[2],
+                          fields[3],
+                          0,
+                          fields[5] == "rights",
+                          fields[5] == "windows",
+                          fields[6] == "all"};
         row.id = static_cast<int>(LeadingNumber(fields[0]).value_or(0));
         row.tolerance = LeadingNumber(fields[4]).value_or(0);
         if (FindCatalogueValue(row.id) == nullptr)
@@ -159,6 +161,17 @@ bool IsSame(const ComparedValue& row, const std::string& found, const std::strin
     if (row.kind == "version")
         return IsSameVersion(mine, other);
     throw program::UserError("There is no kind of comparison \"" + row.kind + "\".");
+}
+
+bool AreSame(const ComparedValue& row, const std::vector<std::string>& found,
+             const std::vector<std::string>& answers)
+{
+    if (found.empty() || (row.needsAll && found.size() < answers.size()))
+        return false;
+    return std::ranges::all_of(found, [&](const std::string& text) {
+        return std::ranges::any_of(answers,
+                                   [&](const std::string& answer) { return IsSame(row, text, answer); });
+    });
 }
 
 Rows Compare(const std::vector<ComparedValue>& table, const Snapshot& snapshot, Tools& tools)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "kit/Row.h"
 #include "kit/Tools.h"
@@ -18,6 +19,7 @@ struct ComparedValue {
     double tolerance = 0;  ///< percent of the tool's number
     bool needsRights = false;
     bool needsWindows = false;  ///< Wine's tool invents its answer
+    bool needsAll = false;      ///< the product must not have fewer values than the tool
 };
 
 /// @param path UTF-8
@@ -27,6 +29,10 @@ std::vector<ComparedValue> ReadComparisons(const std::string& path);
 /// Whether a value of the product and a tool's answer are the same, by the kind of the row.
 /// @throws UserError for an unknown kind
 bool IsSame(const ComparedValue& row, const std::string& found, const std::string& answer);
+
+/// Whether the product's values of an id and the tool's answers are the same, as the row asks it.
+bool AreSame(const ComparedValue& row, const std::vector<std::string>& found,
+             const std::vector<std::string>& answers);
 
 /// Compares a snapshot with the tools, a row for each of the table.
 Rows Compare(const std::vector<ComparedValue>& table, const Snapshot& snapshot, Tools& tools);

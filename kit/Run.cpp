@@ -10,6 +10,7 @@
 #include "kit/Comparisons.h"
 #include "kit/Process.h"
 #include "kit/Recording.h"
+#include "kit/Removal.h"
 #include "kit/Results.h"
 #include "kit/Rights.h"
 #include "kit/Steps.h"
@@ -28,8 +29,8 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t MaxResultSize = std::size_t{64} << 20;
 constexpr unsigned MaxReportSeconds = 300;
-constexpr const wchar_t* MachineFile =
-    L"machine.json";  // removed at the end: it has the machine's identifier
+// They have the machine's identifier or other things that are not masked.
+constexpr const wchar_t* MachineFile = L"machine.json";
 constexpr const wchar_t* RightsFile = L"rights.json";
 
 fs::path ThisProgram()
@@ -72,6 +73,8 @@ std::set<std::string> ListAbilities(Tools& tools)
     std::set<std::string> has;
     if (!IsWine())
         has.insert("windows");
+    if (!HasRights())
+        has.insert("limited");
     if (tools.HasPowerShell())
         has.insert("powershell");
     if (!FindPackage(L"-x64.msi").empty())
@@ -165,9 +168,7 @@ Rows RunRightsPart(const fs::path& output, bool asks)
     const fs::path file = output / RightsFile;
     if (!fs::exists(file))
         return {{"Steps", "what needs rights", State::Wrong, "its results", "it did not end"}};
-    Rows rows = ReadRows(program::ReadFile(ToUtf8(file.wstring()), MaxResultSize));
-    fs::remove(file);
-    return rows;
+    return ReadRows(program::ReadFile(ToUtf8(file.wstring()), MaxResultSize));
 }
 
 /// Everything, part by part.
@@ -200,6 +201,8 @@ int RunKit(const Options& options)
     const fs::path output = fs::absolute(options.output);
     fs::create_directories(output);
     SetVariables(output);
+    const Removal machineFile(output / MachineFile);
+    const Removal rightsFile(output / RightsFile);
     std::puts("Reading this machine, and comparing it with the system's own tools …");
     const Snapshot machine = ReadThisMachine(output);
     Results results{KEL_VERSION_TEXT, machine.time, machine.windows, {}};
@@ -207,7 +210,6 @@ int RunKit(const Options& options)
         RunParts(options, output, machine, results.rows);
     else
         results.rows = CompareValues(output, program::ReadSnapshotFile(ToUtf8(options.facts)), false);
-    fs::remove(output / MachineFile);
 
     MaskResults(results, machine);
     program::WriteFile(ToUtf8((output / L"result.json").wstring()), WriteResults(results));

@@ -6,7 +6,6 @@
 #include <cstdlib>
 
 #include "kit/Exits.h"
-#include "kit/Process.h"
 #include "kit/Text.h"
 #include "program/text/UserError.h"
 #include "service/Utf8.h"
@@ -21,17 +20,6 @@ constexpr unsigned MaxStepSeconds = 300;
 constexpr std::size_t MaxOutputShown = 500;  // bytes of a step's output
 constexpr std::string_view Prints = "prints ";
 constexpr std::string_view To = " to ";
-
-bool IsExpected(const std::string& expected, const Ran& ran)
-{
-    if (expected.starts_with(Prints))
-        return ran.output.find(expected.substr(Prints.size())) != std::string::npos;
-    const std::size_t place = expected.find(To);
-    const unsigned long first = std::strtoul(expected.c_str(), nullptr, 10);
-    const unsigned long last =
-        place == std::string::npos ? first : std::strtoul(expected.c_str() + place + To.size(), nullptr, 10);
-    return ran.code >= first && ran.code <= last;
-}
 
 Row RunStep(const Step& step, const std::set<std::string>& has)
 {
@@ -49,11 +37,24 @@ Row RunStep(const Step& step, const std::set<std::string>& has)
                                : std::to_string(ran.code) + " " + Shortened(Trim(ran.output), MaxOutputShown);
     if (ran.isStarted && !ran.isLate && ran.code == NotHereCode)
         return row;
-    row.state = ran.isStarted && !ran.isLate && IsExpected(step.expected, ran) ? State::Ok : State::Wrong;
+    row.state = IsExpected(step.expected, ran) ? State::Ok : State::Wrong;
     return row;
 }
 
 }  // namespace
+
+bool IsExpected(const std::string& expected, const Ran& ran)
+{
+    if (!ran.isStarted || ran.isLate)
+        return false;
+    if (expected.starts_with(Prints))
+        return ran.code == 0 && ran.output.find(expected.substr(Prints.size())) != std::string::npos;
+    const std::size_t place = expected.find(To);
+    const unsigned long first = std::strtoul(expected.c_str(), nullptr, 10);
+    const unsigned long last =
+        place == std::string::npos ? first : std::strtoul(expected.c_str() + place + To.size(), nullptr, 10);
+    return ran.code >= first && ran.code <= last;
+}
 
 std::vector<Step> ReadSteps(const std::string& path)
 {

@@ -4,17 +4,22 @@
 #include <set>
 #include <string>
 
+#include "kit/Process.h"
 #include "kit/Row.h"
 
 namespace kel::kit {
 
 struct Step {
     std::string name;
-    std::string needs;     ///< words, all of which the machine has to have; empty for none
-    std::string command;   ///< with variables of the environment
-    std::string expected;  ///< an exit code, two of them as "0 to 2", or "prints " and a text
+    std::string needs;    ///< words, all of which the machine has to have; empty for none
+    std::string command;  ///< with variables of the environment
+    std::string
+        expected;  ///< an exit code, two of them as "0 to 2", or "prints " and a text, then with code 0
     bool needsRights = false;
 };
+
+/// Whether a program has ended as a step expects it.
+bool IsExpected(const std::string& expected, const Ran& ran);
 
 /// @param path UTF-8
 std::vector<Step> ReadSteps(const std::string& path);

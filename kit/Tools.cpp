@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "kit/Process.h"
+#include "kit/Removal.h"
 #include "kit/Text.h"
 #include "kit/WmiAnswers.h"
 #include "program/files/File.h"
@@ -112,11 +113,10 @@ const std::string& Tools::FileOf(const std::string& tool)
     std::string& content = files[tool];
     const auto& [name, command] = FileTools.at(tool);
     const std::wstring path = folder + L"\\" + name;
+    const Removal removal(path);  // it names the machine
     RunProgram(command + Quoted(path), MaxToolSeconds);
-    if (std::filesystem::exists(path)) {
+    if (std::filesystem::exists(path))
         content = Decoded(program::ReadFile(ToUtf8(path), MaxFileSize));
-        std::filesystem::remove(path);
-    }
     return content;
 }
 

@@ -1,6 +1,6 @@
-// Lets a macro of 64-bit Excel create the control. Ends with 77 where Excel is not there, is a 32-bit program, or does not
-// trust access to its projects.
-var NOT_HERE = 77;
+// Lets a macro of Excel create the control. Ends with 77 where Excel is not there, does not trust access to its projects, or
+// is a 32-bit program; with the argument "either", a 32-bit one is as good: it gets the control from kel.exe.
+var NOT_HERE = 77, takesEither = WScript.Arguments.length > 0 && WScript.Arguments(0) === "either";
 
 function main() {
     var excel;
@@ -11,7 +11,7 @@ function main() {
         return NOT_HERE;
     }
     try {
-        if (excel.OperatingSystem.indexOf("64-bit") < 0) {
+        if (!takesEither && excel.OperatingSystem.indexOf("64-bit") < 0) {
             WScript.Echo("Excel is a 32-bit program.");
             return NOT_HERE;
         }

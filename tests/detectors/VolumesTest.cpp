@@ -4,6 +4,7 @@
 #include "platform/ErrorMode.h"
 #include "probes/storage/Volumes.h"
 #include "support/LogCapture.h"
+#include "support/RequireWine.h"
 #include "support/TestSession.h"
 #include "values/Size.h"
 
@@ -12,6 +13,7 @@ namespace {
 
 TEST(Volumes, AgreeWithTheSystemAndRestoreTheErrorMode)
 {
+    test::RequireWine();
     ASSERT_TRUE(SetVolumeLabelW(L"C:\\", L"SERIAL-4711"));
     const test::TestSession session;
     DWORD before = 0;

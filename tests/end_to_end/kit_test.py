@@ -8,6 +8,7 @@ import sys
 import unittest
 from pathlib import Path
 from tempfile import TemporaryDirectory
+from zipfile import ZipFile
 
 from harness import DLL, ROOT, windows_path, wine
 
@@ -20,13 +21,18 @@ class Kit(unittest.TestCase):
     def setUpClass(cls):
         cls.folder = Path(cls.enterClassContext(TemporaryDirectory()))
         packages = cls.folder / "packages"
-        for command in ([sys.executable, ROOT / "tools" / "packaging", "--output", packages],
-                        [ROOT / "scripts" / "windows_kit.sh", "--built", cls.folder, packages]):
-            subprocess.run(command, check=True, stdout=subprocess.DEVNULL)
+        subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--output", packages], check=True,
+                       stdout=subprocess.DEVNULL)
+        cls.make("", packages).check_returncode()
         subprocess.run(["python3", "-m", "zipfile", "-e", cls.folder / "Detection-kit.zip", cls.folder], check=True)
         wine("regsvr32", "/u", "/s", windows_path(DLL))  # which other tests leave registered
         cls.ran = cls.verify("result", "--tests", SOME_TESTS)
         cls.rows = cls.read("result")
+
+    @classmethod
+    def make(cls, output, packages):
+        return subprocess.run([ROOT / "scripts" / "windows_kit.sh", "--built", cls.folder / output, packages], text=True,
+                              capture_output=True)
 
     @classmethod
     def verify(cls, output, *arguments):
@@ -54,6 +60,7 @@ class Kit(unittest.TestCase):
 
     def test_it_names_what_wine_lacks(self):
         for name, reason in (("Steps: HTML application", "needs windows"), ("Steps: PowerShell", "needs powershell"),
+                             ("Steps: the script host of this user creates the control", "needs limited"),
                              ("Values beside the system's tools: 73452 firmware: a TPM is there, powershell", "no PowerShell")):
             self.assertEqual(self.rows[name]["state"], "not here", name)
             self.assertIn(reason, self.rows[name]["found"], name)
@@ -70,6 +77,32 @@ class Kit(unittest.TestCase):
         wrong = [name.partition(": ")[2] for name, row in self.read("false").items() if row["state"] == "wrong"]
         self.assertEqual(wrong, ["71061 processor: name, wmi", "71061 processor: name, dxdiag",
                                  "71063 memory: total physical memory, wmi"])
+
+    def test_a_run_that_breaks_off_leaves_nothing(self):
+        ran = self.verify("broken", "--facts", "C:\\missing.json")
+        self.assertEqual(ran.code, 2, ran.output)
+        self.assertEqual(list((self.folder / "broken").iterdir()), [])
+
+    def test_it_is_made_of_tracked_files_alone(self):
+        private = ROOT / "kit" / "answers" / "private.txt"
+        self.addCleanup(private.unlink)
+        private.write_text("not tracked", "utf-8")
+        made = self.make("plain", self.folder / "none")
+        self.assertIn(f"There are no packages in {self.folder / 'none'}", made.stdout)
+        with ZipFile(self.folder / "plain" / "Detection-kit.zip") as kit:
+            names = kit.namelist()
+        self.assertIn("Detection-kit/answers/answers.tsv", names)
+        self.assertNotIn("Detection-kit/answers/private.txt", names)
+
+    def test_its_packages_have_its_dll(self):
+        changed = self.folder / "Changed.dll"
+        changed.write_bytes(DLL.read_bytes() + b"\0" * 8)
+        packages = self.folder / "old"
+        subprocess.run([sys.executable, ROOT / "tools" / "packaging", "--dll", changed, "--output", packages], check=True,
+                       stdout=subprocess.DEVNULL)
+        made = self.make("mixed", packages)
+        self.assertEqual((made.returncode, made.stderr.count("\n")), (1, 1), made.stderr)
+        self.assertIn("has another Detection.dll than the kit", made.stderr)
 
     def test_nothing_that_it_leaves_names_a_person_or_the_machine(self):
         left = sorted(path.name for path in (self.folder / "result").iterdir())

@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <set>
 #include <tuple>
 
 #include "kit/Comparisons.h"
@@ -44,10 +45,59 @@ TEST(Kit, ComparesByTheKindOfTheRow)
     EXPECT_THROW(IsSame({71061, "wmi", "", "colour", 0, false, false}, "", ""), program::UserError);
 }
 
+TEST(Kit, MissesDevicesThatTheToolLists)
+{
+    using Texts = std::vector<std::string>;
+    const std::tuple<bool, Texts, Texts, bool> rows[] = {
+        // whether the product has to list all, its values, the tool's, and whether they are the same
+        {true, {"A", "B"}, {"B", "A"}, true},
+        {true, {"A"}, {"A", "B"}, false},
+        {true, {"A"}, {"A", "A"}, false},
+        {true, {"A", "A"}, {"A"}, true},
+        {false, {"A"}, {"A", "B"}, true},
+        {false, {"A", "C"}, {"A", "B"}, false},
+        {false, {}, {"A"}, false},
+    };
+    for (const auto& [needsAll, found, answers, areSame] : rows)
+        EXPECT_EQ(AreSame({72502, "wmi", "", "text", 0, false, false, needsAll}, found, answers), areSame)
+            << needsAll << testing::PrintToString(found) << testing::PrintToString(answers);
+}
+
+TEST(Kit, JudgesStepsByTheirCodeAndOutput)
+{
+    const std::tuple<const char*, unsigned long, const char*, bool> rows[] = {
+        {"0", 0, "", true},
+        {"0", 1, "", false},
+        {"1605", 1605, "", true},
+        {"1605", 0, "", false},
+        {"0 to 2", 2, "", true},
+        {"0 to 2", 3, "", false},
+        {"1 to 2", 0, "", false},
+        {"prints version ", 0, "version 4.5.1\n", true},
+        {"prints version ", 0, "none\n", false},
+        {"prints version ", 1, "At line:1: 'version ' + (New-Object", false},
+        {"prints GB", 0, "7.8 GB\n", true},
+        {"prints GB", 0, "C:\\Build\\value.js", false},
+    };
+    for (const auto& [expected, code, output, isExpected] : rows) {
+        EXPECT_EQ(IsExpected(expected, {true, false, code, output, 0}), isExpected)
+            << expected << code << output;
+        EXPECT_FALSE(IsExpected(expected, {true, true, code, output, 0})) << expected << " too late";
+        EXPECT_FALSE(IsExpected(expected, {false, false, code, output, 0})) << expected << " not started";
+    }
+}
+
 TEST(Kit, ReadsItsTables)
 {
     const std::string folder = test::TestFile(KEL_KIT).string();
-    EXPECT_GE(ReadComparisons(folder + "/comparisons.tsv").size(), 60U);
+    const std::vector<ComparedValue> comparisons = ReadComparisons(folder + "/comparisons.tsv");
+    EXPECT_GE(comparisons.size(), 60U);
+    std::set<int> complete;
+    for (const ComparedValue& row : comparisons) {
+        if (row.needsAll)
+            complete.insert(row.id);
+    }
+    EXPECT_THAT(complete, testing::ElementsAre(72002, 72502, 72702, 72802));
     EXPECT_GE(ReadSteps(folder + "/steps.tsv").size(), 30U);
 }
 

@@ -9,6 +9,7 @@
 #include "probes/setup/SetupLib.h"
 #include "support/LogCapture.h"
 #include "support/PlantedDevice.h"
+#include "support/RequireWine.h"
 #include "support/TestFolder.h"
 
 namespace kel {
@@ -25,6 +26,8 @@ const std::string Other =
 struct InfFiles : testing::Test {
     const std::wstring name = L"kel" + test::NewName() + L".inf";
     const std::filesystem::path path = L"C:\\windows\\inf\\" + name;
+
+    InfFiles() { test::RequireWine(); }
 
     void Plant(const std::string& inf) const { std::ofstream(path, std::ios::binary) << inf; }
 

@@ -2,13 +2,12 @@
 
 #include <devpropdef.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <iterator>
 #include <string_view>
 
 #include "platform/Library.h"
 #include "platform/RegistryValue.h"
+#include "support/RequireWine.h"
 #include "support/Split.h"
 #include "support/TestFolder.h"
 
@@ -49,20 +48,7 @@ auto SetProperty()
     return FindLoadedFunction<Function>(L"setupapi.dll", "SetupDiSetDevicePropertyW");
 }
 
-/// Only Wine lets a test plant devices without changing the machine: on Windows the test ends as one that
-/// lacks what it needs.
-void RequireWine()
-{
-    constexpr int NotHereCode = 77;
-    if (FindLoadedFunction<void()>(L"ntdll.dll", "wine_get_version") != nullptr)
-        return;
-    std::puts("Planted devices need Wine.");
-    std::fflush(stdout);
-    std::_Exit(NotHereCode);
-}
-
-const bool IsClean =
-    FindLoadedFunction<void()>(L"ntdll.dll", "wine_get_version") != nullptr && RemoveLeftDevices();
+const bool IsClean = IsWine() && RemoveLeftDevices();
 
 }  // namespace
 
