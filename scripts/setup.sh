@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --clang,
 # --package or --test, also those of that script, and with --display those of a virtual display. With --server, only those of the
-# analysis service; with --service-package, those of its package. Does nothing when all are installed.
+# analysis service; with --service-package, those of its package. --test puts promtool, which reads the alert rules, into
+# /usr/local/bin. Does nothing when all are installed.
 set -euo pipefail
 
 packages=(
@@ -27,10 +28,19 @@ missing=()
 for package in "${packages[@]}"; do
   dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
 done
-[ ${#missing[@]} -eq 0 ] && exit 0
+promtool=""
+[ "${1:-}" = --test ] && ! command -v promtool >/dev/null && promtool=promtool
+[ -z "${missing[*]}$promtool" ] && exit 0
 
-echo "Installing: ${missing[*]}"
+echo "Installing: ${missing[*]} $promtool"
 as_root=(env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1)  # services in packages are not started
 [ "$(id -u)" -eq 0 ] || as_root=(sudo "${as_root[@]}")
 "${as_root[@]}" apt-get update -q
-"${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"
+[ ${#missing[@]} -eq 0 ] || "${as_root[@]}" apt-get install -q -y --no-install-recommends "${missing[@]}"
+if [ -n "$promtool" ]; then
+  folder=$(mktemp -d)
+  trap 'rm -r "$folder"' EXIT
+  (cd "$folder" && apt-get download -q prometheus)  # not installed, as the package brings a daemon
+  dpkg -x "$folder"/prometheus_*.deb "$folder"
+  "${as_root[@]}" install "$folder/usr/bin/promtool" /usr/local/bin/
+fi

@@ -75,6 +75,13 @@ class Editing(AdminTest):
         self.assertEqual([cells[1:] for cells in changed], [("✓ pass", "✗ fail", "Memory")] * 2)
         self.assertTrue({"/reports/6", "/reports/7"} <= set(page.links))
 
+    def test_a_published_id_that_no_machine_reports_is_a_warning(self):
+        self.require("demo", (71063, "Memory", "any"), (71060, "System", "any"))
+        draft = requirements((71063, "Memory", "any"), (71060, "System", "any"), (71296, "Vendor", "any"))
+        for action in ("check", "try"):
+            self.assertEqual(re.findall(r"[^<>]*no machine of[^<>]*", self.act(action, draft)[1]),
+                             ["line 10, requirement 2: no machine of the last 8 sessions reports 71060"], action)
+
     def test_a_long_draft_with_many_quotes_is_saved_and_one_that_is_too_long_gets_a_page(self):
         too_long = ("A draft has 1 MB at most; nothing was saved. "
                     "Go back in the browser, where the text still is, and shorten it.")

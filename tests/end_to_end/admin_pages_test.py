@@ -3,6 +3,7 @@
 import html
 import re
 import unittest
+from urllib.parse import quote_plus
 
 from administration import AdminTest, PageParser, report, requirements
 from deployed import UPLOAD, analysis
@@ -111,6 +112,46 @@ class Pages(AdminTest):
         self.assertIn("Of 7 sessions that report it; 13 do not.", page.data)
         _, text = self.visit("GET", "/products/demo?value=71060", cookie=cookie)
         self.assertLess(text.index("(71060)"), text.index("(71063)"))  # what was chosen is first
+
+    def test_the_overview_sorts_its_products_and_has_pages_of_twenty(self):
+        names = [f"p{number:02}" for number in range(24)]
+        for name in names:
+            (self.folder / f"{name}.json").write_text(requirements((71063, "Memory", "at least", "4 GB")))
+        self.command("import", self.folder)
+        cookie = self.log_in()
+
+        def judge(name, *sizes):
+            for size in sizes:
+                self.upload(f"{name} {size}", name, v71063=f"{size}.0 GB")
+                self.judged(f"{name} {size}", name)
+        judge("p05", 8)
+        judge("p10", 9, 8)
+        self.database.run("UPDATE day_verdicts SET day = day - 8")  # the week before
+        judge("p05", 1)
+        judge("p10", 2, 7)
+        judge("p20", 5, 6, 7)
+
+        def listed(query):
+            page = self.page(f"/?period=7d&{query}", cookie)
+            return [name.split()[0] for name, _ in page.cells(0, 9)[1:]], page
+        for order, first in (("name", ["demo", "p00", "p01"]), ("sessions", ["p20", "p10", "p05", "demo"]),
+                             ("passing", ["p05", "p10", "p20", "demo"]), ("change", ["p05", "p10", "demo", "p00"])):
+            found, page = listed(f"sort={order}")
+            self.assertEqual((found[:len(first)], len(found)), (first, 20), order)
+            following = f"/?period=7d&sort={order}&page=2"
+            self.assertEqual([link for link in page.links if "page=" in link], [following], order)
+            rest, page = listed(f"sort={order}&page=2")
+            self.assertEqual(sorted(found + rest), ["demo", *names], order)
+            self.assertIn("21 to 25 of 25", page.data)
+            self.assertIn(f"/?period=7d&sort={order}", page.links)
+            self.assertEqual(listed(f"sort={order}&page=3")[0], rest, "behind the last page")
+
+    def test_values_are_found_by_type_unit_and_example(self):
+        cookie = self.log_in()
+        for words, found, other in (("memory amount", "71063", "71062"), ("processors decimal", "71254", "71062"),
+                                    ("visitor-17", "71206", "71207")):
+            ids = [cell for cell, in self.page(f"/values?find={quote_plus(words)}", cookie).cells(0)]
+            self.assertEqual((found in ids, other in ids), (True, False), words)
 
     def test_stored_texts_never_become_markup(self):
         names = ["plain"]
