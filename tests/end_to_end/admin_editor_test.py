@@ -64,7 +64,15 @@ class Editing(AdminTest):
         longer = html.unescape(re.search("<textarea[^>]*>\n(.*?)</textarea>", page(text=text, do="add", **line), re.DOTALL)[1])
         self.assertEqual(json.loads(longer)["requirements"][1],
                          {"id": 73405, "label": 'Not "ARM"', "comparison": "equals", "needed": "x64", "recommended": True})
-        self.assertIn("not valid JSON with a list", page(text="{", do="add", **line))
+        for action, sent in (("add", "{"), ("add", text), ("check", text), ("", text), ("try", text), ("find", text),
+                             ("choose-73400", text)):
+            shown = page(text=sent, do=action, **line)
+            fields = PageParser(shown).fields
+            kept = (fields.get("label") == line["label"], fields.get("needed") == "x64", "selected" in shown, "checked" in shown)
+            isKept = action in ("", "check", "try") or sent == "{"
+            self.assertEqual(kept, (isKept,) * 4, f"{action} {sent[:1]}")
+            self.assertEqual('value="add"' in shown, isKept or action == "choose-73400", f"{action} {sent[:1]}")
+            self.assertEqual("not valid JSON with a list" in shown, sent == "{", action)
 
     def test_machines_with_another_result_are_listed_with_their_reports(self):
         draft = requirements((71063, "Memory", "at least", "6 GB"), (71254, "Processors", "at least", "4"))
