@@ -74,8 +74,10 @@ Html ComparisonField(const CatalogueValue& value, const std::string& chosen)
 Html LineFields(const CatalogueValue& value, const Form& form)
 {
     const ValueKind& kind = KindOf(value);
-    const bool isSame = form.Text("do") == "add";  // which failed, so that the fields are shown again
-    const auto kept = [&](const char* name) { return isSame ? form.Text(name) : std::string(); };
+    // Enter in a field presses the form's first button, which is not the line's own: only a new choice may
+    // empty the fields.
+    const bool isChosenNow = form.Text("do").starts_with(ChooseAction);
+    const auto kept = [&](const char* name) { return isChosenNow ? std::string() : form.Text(name); };
     Html fields =
         Hidden("chosen", std::to_string(value.id)) +
         Html::Element("p", {},
@@ -83,7 +85,7 @@ Html LineFields(const CatalogueValue& value, const Form& form)
                        std::string(value.Detector()) + ": " + value.Name(), ", ", DescribeKind(value)});
     if (value.Caution()[0] != 0)
         fields += Html::Element("p", {{"class", "kind"}}, value.Caution());
-    fields += Field("Label, which visitors read", "label", isSame ? kept("label") : value.Name()) +
+    fields += Field("Label, which visitors read", "label", isChosenNow ? value.Name() : kept("label")) +
               ComparisonField(value, kept("comparison"));
     if (kind.type != ValueType::YesNo)
         fields += Field("Needed", "needed", kept("needed"), "text", {{"placeholder", kind.example}});

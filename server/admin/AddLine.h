@@ -11,7 +11,7 @@ namespace kel::server {
 inline constexpr std::string_view ChooseAction = "choose-";
 
 /// The fields of the editor's form that add a line: a search among the values, and for the one that is
-/// chosen, what a line about it needs.
+/// chosen, what a line about it needs: as the form has it, until another value is chosen.
 Html AddLineFields(const Form& form);
 
 /// The text with the line that the form describes as its last requirement. Throws std::runtime_error with

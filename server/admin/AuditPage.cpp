@@ -38,7 +38,9 @@ Answer ShowAudit(const AdminRequest& request)
     for (const AuditEntry& entry : entries)
         table.Add({Moment(entry.time), Html::Stored(entry.account), entry.action,
                    entry.subject.empty() ? Html("–") : Html::Stored(entry.subject)});
-    content += table.Done("No entries.");
+    const bool isFiltered =
+        !filter.account.empty() || !filter.text.empty() || !period.IsAll() || filter.beforeId > 0;
+    content += table.Done(isFiltered ? "No entries. " + Link("/audit", "Show all entries") : "No entries.");
     if (static_cast<int>(entries.size()) == filter.count) {
         const std::string older =
             fmt::format("/audit?{}&account={}&text={}&before={}", period.Query(), UrlEncode(filter.account),

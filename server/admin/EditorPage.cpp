@@ -47,11 +47,15 @@ Answer AskToDrop(const AdminRequest& request, int revision)
     return PageOfProduct(request, "Drop the draft of " + request.subject, content);
 }
 
-/// The editor with the text and the form's new line.
+/// The editor with the text and the form's new line, whose fields are then gone, so that nothing adds it
+/// twice.
 Answer ShowWithLine(const AdminRequest& request, const std::string& text, int revision)
 {
     try {
-        return DraftEditor(request, AddLine(text, request.form), revision,
+        const std::string longer = AddLine(text, request.form);
+        AdminRequest added = request;
+        added.form = {};
+        return DraftEditor(added, longer, revision,
                            Notice("good", "The line is added to the text. Save the draft to keep it."));
     } catch (const std::runtime_error& error) {
         return DraftEditor(request, text, revision, Notice("bad", error.what()));

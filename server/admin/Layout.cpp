@@ -156,7 +156,8 @@ Html ProductLink(const std::string& referrer, const std::string& title, const st
     const Html link = Link(ProductPath(referrer) + (query.empty() ? "" : "?" + query), referrer);
     return title.empty() || title == referrer
                ? link
-               : link + " " + Html::Element("span", {{"class", "kind"}}, Html::Stored(title));
+               : link + " " +
+                     Html::Element("span", {{"class", "kind"}, {"title", title}}, Html::Stored(title));
 }
 
 std::string ProductPath(const std::string& referrer)

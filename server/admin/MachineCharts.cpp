@@ -20,7 +20,7 @@ namespace {
 constexpr int UsualValues[] = {71063, 71254, 72004, 72402, 71060};
 constexpr int Identifiers[] = {Report::Session, Report::Referrer, Report::User, Report::Machine};
 constexpr std::size_t MaxCharts = 8;
-constexpr std::size_t MaxChoices = 500;  // of the form
+constexpr std::size_t MaxUnknownChoices = 500;  // of the form: ids that are not in the catalogue
 
 bool IsIdentifier(int id)
 {
@@ -70,8 +70,7 @@ public:
             int id = 0;
             const char* end = key.first.data() + key.first.size();
             const auto read = std::from_chars(key.first.data(), end, id);
-            if (read.ec != std::errc() || read.ptr != end || id == last || IsIdentifier(id) ||
-                (counts.size() >= MaxChoices && !counts.contains(id)))
+            if (read.ec != std::errc() || read.ptr != end || id == last || IsIdentifier(id) || !IsOffered(id))
                 continue;
             ++counts[id];
             last = id;
@@ -102,7 +101,14 @@ public:
     }
 
 private:
+    /// A report can name thousands of ids that mean nothing, which may not displace those of the catalogue.
+    bool IsOffered(int id)
+    {
+        return counts.contains(id) || FindCatalogueValue(id) || unknown++ < MaxUnknownChoices;
+    }
+
     std::map<int, int> counts;
+    std::size_t unknown = 0;
 };
 
 }  // namespace
@@ -133,8 +139,10 @@ Html MachineCharts(Database& database, const ReportQuery& sessions, int all, int
     }
     const std::string of = recent.count == all
                                ? "these sessions"
-                               : fmt::format("{} of these {} sessions, the newest with a readable report",
-                                             Grouped(recent.count), Grouped(all));
+                               : fmt::format(
+                                     "{} of these {} sessions, the newest with a readable report; "
+                                     "their links lead to all sessions of the period",
+                                     Grouped(recent.count), Grouped(all));
     return Html::Element(
                "p", {{"class", "lead"}},
                fmt::format("The charts are of {}. A report has only the values that the requirements "

@@ -55,10 +55,14 @@ Html AnswerForAll(const ProductList& products, const Period& period)
 /// How many reports arrived, with those that belong to no product.
 Html Arrivals(const ReportCounts& counts, const Period& period)
 {
-    std::string text = fmt::format("Reports {}: {}", period.Text(), Grouped(counts.all));
+    ReportQuery reports;
+    reports.period = period;
+    std::string others;
     if (counts.others > 0)
-        text += fmt::format(", {} of them for no product that has requirements", Grouped(counts.others));
-    return Html::Element("p", {{"class", "lead"}}, text + ".");
+        others = fmt::format(", {} of them for no product that has requirements", Grouped(counts.others));
+    return Html::Element(
+        "p", {{"class", "lead"}},
+        {fmt::format("Reports {}: ", period.Text()), CountLink(reports, counts.all), others + "."});
 }
 
 const char* HealthText(Database& database)

@@ -171,7 +171,8 @@ Html ProductList::Rows() const
     const std::int64_t count = std::max<std::int64_t>(days.until - days.from, 1);
     const std::int64_t stepDays = (count + MaxSparkSteps - 1) / MaxSparkSteps;
     auto steps = DayCounts(database).Steps(names, days, stepDays);
-    Table table("Products, with the sessions that their newest version judged " + period.Text(),
+    Table table("Products, with the sessions that their newest version judged " + period.Text() +
+                    "; the trend counts all versions",
                 {{"Product"},
                  {"Trend"},
                  {"Sessions", true},

@@ -90,10 +90,18 @@ Html VerdictFigures(Database& database, const std::vector<PublishedSet>& publish
     }
     if (versions.size() > 1)
         tables = VersionTable(versions, sessions) + tables;
+    Html basis;
+    if (versions.size() > 1)
+        basis = Html::Element(
+            "p", {{"class", "basis"}},
+            fmt::format("Of all {} versions that judged them; each one is listed below.", versions.size()));
     return Answered(database, referrer, totals, sessions.period) + sentence + TotalFigures(totals, sessions) +
+           basis +
            curve.Show(published,
-                      [&](std::int64_t from, std::int64_t until) {
-                          return ReportQuery::SessionsOf(referrer, Period::Between(from, until)).Address();
+                      [&](std::int64_t from, std::int64_t until, std::string_view total) {
+                          return ReportQuery::SessionsOf(referrer, Period::Between(from, until))
+                              .With(total)
+                              .Address();
                       }) +
            tables;
 }

@@ -68,15 +68,20 @@ Html FoldedTable(const ValueSample& sample, const ReportQuery& query)
 }
 
 /// "62 % have at least 8 GB (Memory)."
-Html Sentences(const ValueSample& sample, const std::vector<AskedValue>& asked)
+Html Sentences(const ValueSample& sample, const std::vector<AskedValue>& asked, const ReportQuery& query)
 {
     Html sentences;
     for (const AskedValue& one : asked) {
         const int count = sample.Meeting(one.condition, one.ofAny);
-        sentences += Html::Element("p", {{"class", "asked"}},
-                                   {Html::Element("b", {}, Percentage(count, sample.Reported())),
-                                    " have what is asked for: ", Html::Stored(one.condition.Text()),
-                                    one.ofAny ? " on any device (" : " (", Html::Stored(one.line), ")."});
+        const std::string share = Percentage(count, sample.Reported());
+        const ReportQuery meeting = query.WithValue(
+            {sample.Id(), std::string(one.condition.comparison->name), one.condition.needed, one.ofAny});
+        const bool isLinked = count > 0 && one.condition.needed.size() <= MaxLinkedBytes;
+        sentences +=
+            Html::Element("p", {{"class", "asked"}},
+                          {Html::Element("b", {}, isLinked ? Link(meeting.Address(), share) : Html(share)),
+                           " have what is asked for: ", Html::Stored(one.condition.Text()),
+                           one.ofAny ? " on any device (" : " (", Html::Stored(one.line), ")."});
     }
     return sentences;
 }
@@ -103,7 +108,7 @@ Html ValueChart(const ValueSample& sample, const std::vector<AskedValue>& asked,
     const bool isCumulative = sample.IsOfAmounts();
     return Html::Element(
         "figure", {{"class", "values"}},
-        {title, Sentences(sample, asked), BarList(sample, sample.Steps(needed), isCumulative, query),
+        {title, Sentences(sample, asked, query), BarList(sample, sample.Steps(needed), isCumulative, query),
          Html::Element("p", {{"class", "basis"}}, basis + "."), FoldedTable(sample, query)});
 }
 

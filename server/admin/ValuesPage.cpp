@@ -7,6 +7,7 @@
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ReportQuery.h"
 #include "server/admin/ValueSearch.h"
 #include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Table.h"
@@ -69,10 +70,14 @@ struct Reporting {
         });
     }
 
-    std::string Text(int id) const
+    /// The number for a value, which leads to all reports that have it.
+    Html Link(int id) const
     {
+        if (sessions.count == 0)
+            return "–";
         const auto found = counts.find(id);
-        return sessions.count == 0 ? "–" : Grouped(found == counts.end() ? 0 : found->second);
+        return CountLink(ReportQuery().WithValue({id, "any", "", true}),
+                         found == counts.end() ? 0 : found->second);
     }
 };
 
@@ -113,7 +118,7 @@ Answer ShowValues(const AdminRequest& request)
             if (const std::string remarks = Remarks(*value); !remarks.empty())
                 what += Html::Element("div", {{"class", "kind"}}, remarks);
             table.Add({std::to_string(value->id), what, TypeAndForm(*value), KindOf(*value).example,
-                       JoinComparisons(*value), reporting.Text(value->id)});
+                       JoinComparisons(*value), reporting.Link(value->id)});
         }
         Html::Attributes attributes{{"class", "area"}};
         if (count <= MaxOpen)
@@ -130,8 +135,9 @@ Answer ShowValues(const AdminRequest& request)
         request, "Values",
         Html::Element("p", {{"class", "lead"}},
                       fmt::format("What requirements can ask for, by the number that stands in them as "
-                                  "\"id\". \"Reports\" says how many have the value, of {}. A report has "
-                                  "only what the requirements of its product ask for.",
+                                  "\"id\". \"Reports\" says how many have the value, of {}, and leads to all "
+                                  "reports that have it. A report has only what the requirements of its "
+                                  "product ask for.",
                                   reporting.sessions.Text())) +
             Html::Element(
                 "form", {{"method", "get"}, {"action", "/values"}, {"class", "card filter"}},

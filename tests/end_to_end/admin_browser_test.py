@@ -55,6 +55,9 @@ class InABrowser(AdminTest):
                 edges = browser.run("return ['main > table', '.figures'].map(e => "
                                     "document.querySelector(e).getBoundingClientRect().right)")
                 self.assertLessEqual(edges[0], edges[1] + 1, f"{width} {period}: the table is wider than its page")
+            cut = browser.run("return [...document.querySelectorAll('.kind')].filter(e => e.scrollWidth > e.clientWidth + 1 && "
+                              "e.clientWidth && (e.title != e.textContent || innerWidth < 400)).map(e => e.textContent)")
+            self.assertEqual(cut, [], f"{width}: titles are cut, and nothing shows the rest")
         browser.click("#find")
         browser.press("NUMBER 77" + ENTER, "find")
         browser.await_text("product-77", "tbody")

@@ -64,7 +64,15 @@ class Editing(AdminTest):
         longer = html.unescape(re.search("<textarea[^>]*>\n(.*?)</textarea>", page(text=text, do="add", **line), re.DOTALL)[1])
         self.assertEqual(json.loads(longer)["requirements"][1],
                          {"id": 73405, "label": 'Not "ARM"', "comparison": "equals", "needed": "x64", "recommended": True})
-        self.assertIn("not valid JSON with a list", page(text="{", do="add", **line))
+        for action, sent in (("add", "{"), ("add", text), ("check", text), ("", text), ("try", text), ("find", text),
+                             ("choose-73400", text)):
+            shown = page(text=sent, do=action, **line)
+            fields = PageParser(shown).fields
+            kept = (fields.get("label") == line["label"], fields.get("needed") == "x64", "selected" in shown, "checked" in shown)
+            isKept = action in ("", "check", "try") or sent == "{"
+            self.assertEqual(kept, (isKept,) * 4, f"{action} {sent[:1]}")
+            self.assertEqual('value="add"' in shown, isKept or action == "choose-73400", f"{action} {sent[:1]}")
+            self.assertEqual("not valid JSON with a list" in shown, sent == "{", action)
 
     def test_machines_with_another_result_are_listed_with_their_reports(self):
         draft = requirements((71063, "Memory", "at least", "6 GB"), (71254, "Processors", "at least", "4"))
@@ -122,7 +130,7 @@ class Editing(AdminTest):
         slow = requirements(*((71060, f"L{number}", "contains", f"x{number}") for number in range(10)))
         for ask, said in ((lambda: self.act("try", slow)[1], r"the last \d{1,3} sessions \(older ones are left out"),
                           (lambda: self.visit("GET", "/products/demo", cookie=self.cookie)[1],
-                           r"The charts are of \d{1,3} of these 40\d sessions, the newest")):
+                           r"are of \d{1,3} of these 40\d sessions, the newest with a readable report; their links lead to all")):
             start = time.monotonic()
             page = ask()
             self.assertLess(time.monotonic() - start, 10)

@@ -76,10 +76,14 @@ class Pages(AdminTest):
                           "(time, account, action, subject) SELECT 9999999999999, 'later', '', '' FROM n")
         older = next(link for link in self.page("/audit", cookie).links if "before=" in link)
         self.assertEqual(self.page(older, cookie).cells(1, 3)[1], ("command line", "--older 90d, 0 reports"))
-        self.upload("many", **{f"v1{number}": "x" for number in range(1_999)})
+        self.upload("many", **{f"v1{number}": "x" for number in range(1_997)}, v71060="x", v71063="x")
         [(last,)] = self.database.run("SELECT max(id) FROM report")
         page = self.page(f"/reports/{last}", cookie)
         self.assertIn("The first 2,000 of 2,001 values.", page.data)
+        self.judged("many")
+        _, product = self.visit("GET", "/products/demo?period=all", cookie=cookie)
+        offered = [int(option) for option in re.findall(r'<option value="(\d+)"', product)]
+        self.assertEqual((len(offered), offered[-2:]), (502, [71060, 71063]), "strangers' ids displace those of the catalogue")
         self.assertEqual(len(page.cells(3)), 2000 + 1)
         self.assertEqual(noted[:3], [("purged", "--older 90d, 0 reports"), ("purged", "--session, 1 reports"),
                                      ("published", "demo, version 1")])
@@ -110,6 +114,9 @@ class Pages(AdminTest):
         self.assertIn(("System 11", "1", "8 %"), page.cells(0, 1, 2))
         self.assertIn("43 % have what is asked for: at least 4 GB (Memory).", page.data)
         self.assertIn("Of 7 sessions that report it; 13 do not.", page.data)
+        _, text = self.visit("GET", "/values?find=71060", cookie=cookie)
+        [(link, count)] = re.findall(r'<a href="(/reports\?[^"]*)">(\d+)</a>', text)
+        self.assertEqual((count, len(self.page(html.unescape(link), cookie).cells(4)[1:])), ("12", 12), link)
         _, text = self.visit("GET", "/products/demo?value=71060", cookie=cookie)
         self.assertLess(text.index("(71060)"), text.index("(71063)"))  # what was chosen is first
 

@@ -104,8 +104,8 @@ Html Curve::Bars(const Address& address) const
                                          fmt::format("{}: {} sessions, {} pass", Name(step), Grouped(count),
                                                      Percentage(step.sessions.pass, count)));
         // The table has the same links for the keyboard.
-        bars +=
-            Html::Element("a", {{"href", address(step.from, step.until)}, {"tabindex", "-1"}}, {title, bar});
+        bars += Html::Element("a", {{"href", address(step.from, step.until, "")}, {"tabindex", "-1"}},
+                              {title, bar});
     }
     return bars;
 }
@@ -157,19 +157,25 @@ Html Curve::Marks(const std::vector<PublishedSet>& publications) const
 Html Curve::Figures(const Address& address) const
 {
     const std::string kind = stepDays == 1 ? "day" : stepDays == 7 ? "week" : "four weeks";
-    Table table("Sessions by " + kind + ", the newest first", {{"Days (UTC)"},
-                                                               {"Sessions", true},
-                                                               {"Pass", true},
-                                                               {"Fail", true},
-                                                               {"Unknown", true},
-                                                               {"Passing", true}});
+    Table table("Sessions by " + kind + ", of all versions, the newest first", {{"Days (UTC)"},
+                                                                                {"Sessions", true},
+                                                                                {"Pass", true},
+                                                                                {"Fail", true},
+                                                                                {"Unknown", true},
+                                                                                {"Passing", true}});
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
         const int count = step->sessions.All();
         if (count == 0)
             continue;
-        table.Add({Html::Element("a", {{"href", address(step->from, step->until)}}, Name(*step)),
-                   Grouped(count), Grouped(step->sessions.pass), Grouped(step->sessions.fail),
-                   Grouped(step->sessions.unknown), Percentage(step->sessions.pass, count)});
+        const auto link = [&](const std::string& text, std::string_view total) {
+            return Html::Element("a", {{"href", address(step->from, step->until, total)}}, text);
+        };
+        const auto number = [&](int part, std::string_view total) {
+            return part == 0 ? Html(Grouped(0)) : link(Grouped(part), total);
+        };
+        table.Add({link(Name(*step), ""), number(count, ""), number(step->sessions.pass, "pass"),
+                   number(step->sessions.fail, "fail"), number(step->sessions.unknown, "unknown"),
+                   Percentage(step->sessions.pass, count)});
     }
     return Html::Element("details", {},
                          {Html::Element("summary", {}, "Figures by " + kind), table.Done("None.")});
@@ -182,7 +188,7 @@ Html Curve::Show(const std::vector<PublishedSet>& publications, const Address& a
     const Html ends =
         Text(Left, TextLine, "start", DayText(steps.front().from * DayLength)) +
         Text(PictureWidth - Right, TextLine, "end", DayText((steps.back().until - 1) * DayLength));
-    const std::string title = "The share of sessions that pass, above their number";
+    const std::string title = "The share of sessions that pass, above their number, of all versions";
     return Html::Element("figure", {{"class", "curve"}},
                          {Html::Element("figcaption", {}, title),
                           Html::Element("svg",

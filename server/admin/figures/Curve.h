@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "server/admin/kit/Html.h"
@@ -15,8 +16,9 @@ namespace kel::server {
 /// number, by day, or by week where there are many days, with the publications of its requirements.
 class Curve {
 public:
-    /// The address of the reports of the days from the first until, and without, the second.
-    using Address = std::function<std::string(std::int64_t from, std::int64_t until)>;
+    /// The address of the reports of the days from the first until, and without, the second, with that total
+    /// ("pass", "fail", "unknown"; empty: any).
+    using Address = std::function<std::string(std::int64_t from, std::int64_t until, std::string_view total)>;
 
     /// Days outside of `range` are left out; where it is open, it ends with the counted days.
     Curve(const std::vector<DayCount>& days, const Days& range);
