@@ -13,8 +13,8 @@ struct Step {
     std::string name;
     std::string needs;    ///< words, all of which the machine has to have; empty for none
     std::string command;  ///< with variables of the environment
-    std::string
-        expected;  ///< an exit code, two of them as "0 to 2", or "prints " and a text, then with code 0
+    /// An exit code, two of them as "0 to 2", or "prints " and a text, which takes the code 0.
+    std::string expected;
     bool needsRights = false;
 };
 
