@@ -25,6 +25,7 @@ from harness import CLASS_ID, CSCRIPT, DLL, PATIENCE, PROG_ID, PROGRAMS, ROOT, m
 
 CLASSES, USER_CLASSES = r"HKLM\Software\Classes", r"HKCU\Software\Classes"
 ACTIVE_SETUP = r"HKLM\Software\Microsoft\Active Setup\Installed Components\{5E90D3A7-82F1-4C6B-9D24-F3B7061CE8A2}"
+POLICY_KEY = r"HKLM\Software\Policies\Keldane"
 UNINSTALL = r"\Software\Microsoft\Windows\CurrentVersion\Uninstall"
 # Exit codes have one byte here.
 FAILED, NEWER_INSTALLED, RESTART_LATER = 1603 & 0xFF, 1638 & 0xFF, 3010 & 0xFF
@@ -277,8 +278,14 @@ class Packages(unittest.TestCase):
         links = [key for key in self.registry(root + r"\Software\Classes") if key.endswith(r"\kel-check\shell\open\command")]
         return len(links), len(self.host_manifests(root))
 
+    def policies(self):
+        return {name.strip('"'): text for values in self.registry(POLICY_KEY).values() for name, text in values.items()}
+
     def test_an_installers_options_hold_for_later_versions_too(self):
-        options = ("SERVICEHOST=firm.example", "LOCALSERVER=1", "IDENTIFIER=1")
+        policies = {"ServiceHost": '"firm.example"', "LogFile": r'str(2):"%TEMP%\\a.log"', "LogLevel": "dword:00000005",
+                    "LogSize": "dword:00000800"}
+        options = ("SERVICEHOST=firm.example", r"LOGFILE=%TEMP%\a.log", "LOGLEVEL=5", "LOGSIZE=2048", "LOCALSERVER=1",
+                   "IDENTIFIER=1")
         for kind, root, own in (("", "HKLM", options), ("-user", "HKCU", ())):
             now, other, newer = (packages[f"Detection-{version}-x64{kind}.msi"] for packages, version in (
                 (NOW, "4.5.1"), (self.other, "4.5.1"), (self.next, "4.6.0")))
@@ -287,13 +294,24 @@ class Packages(unittest.TestCase):
                     self.assertEqual(install(path, *given), 0)
                     self.assertEqual(self.for_pages(root), (0, 0))
                     if own:
+                        self.assertEqual(self.policies(), policies)
                         self.assertEqual(self.service(), ["Service: firm.example (policy)"])
+                        self.assertEqual(self.installed()[0], ["4.5.1 firm.example"])
                         self.assertEqual((len(self.servers()), len(self.registry(ACTIVE_SETUP))), (2, 1))
-            self.assertEqual(install(newer, "LOCALSERVER=0", "IDENTIFIER=0", "LINK=1", "EXTENSION=1"), 0)
+            ends = ("LOGFILE=0", "LOCALSERVER=0", "IDENTIFIER=0") if own else ()
+            self.assertEqual(install(newer, *ends, "LINK=1", "EXTENSION=1"), 0)
             self.assertEqual((self.for_pages(root), self.servers(), self.registry(ACTIVE_SETUP)), ((1, 4), [], {}))
+            self.assertEqual(set(self.policies()), {"ServiceHost"} if own else set())
             self.assertEqual(remove(newer), 0)
-            self.assertEqual(self.for_pages(root), (0, 0))
-        self.assertEqual(self.service(), ["Service: analysis.keldane.example (built in)"])
+            self.assertEqual((self.for_pages(root), self.policies()), ((0, 0), {}))
+
+    def test_options_that_would_be_ignored_are_refused(self):
+        for kind, option in (("", "SERVICEHOST=https://firm.example"), ("", "SERVICEHOST=firm.example:8080"),
+                             ("", "LOGLEVEL=all"), ("", "LOGLEVEL=8"), ("", "LOGSIZE=1"), ("-user", "SERVICEHOST=firm.example"),
+                             ("-user", r"LOGFILE=C:\a.log"), ("-user", "IDENTIFIER=1")):
+            with self.subTest(option, kind=kind):
+                self.assertEqual(install(NOW[f"Detection-4.5.1-x64{kind}.msi"], option), FAILED)
+                self.assertEqual(self.entries(), [])
 
     def test_every_policy_of_the_templates_is_obeyed(self):
         log = self.folder / "log"
@@ -441,7 +459,7 @@ class Files(unittest.TestCase):
 
     def test_documented_options_reach_an_installation_that_a_person_consents_to(self):
         options = re.findall(r"`… ([A-Z]+)=[^`]*`(, for all users only)?", (ROOT / "docs" / "deployment.md").read_text("utf-8"))
-        self.assertEqual(len(options), 5)
+        self.assertEqual(len(options), 8)
         for kind, names in (("", [name for name, _ in options]), ("-user", [name for name, rest in options if not rest])):
             path = NOW[f"Detection-4.5.1-x64{kind}.msi"]
             secure = set(dict(exported(path, "Property"))["SecureCustomProperties"].split(";"))
@@ -452,11 +470,13 @@ class Files(unittest.TestCase):
 
     def test_another_vendors_packages_are_products_of_their_own(self):
         for name in ("Detection.dll", "kel.exe", "check.exe"):
-            vendor = [text.encode("utf-16-le") for text in ("Keldane", "Another")]
+            vendor = [text.encode("utf-16-le") for text in ("Keldane", "A&B Co.")]
             (self.folder / name).write_bytes((DLL.parent / name).read_bytes().replace(*vendor))
         made = package(self.folder / "made", "--version", "4.5.1", "--headers", DLL.parent / "control", folder=self.folder)
         ours, theirs = (published(packages["Detection-4.5.1-x64.zip"])["packages"] for packages in (NOW, made))
-        self.assertEqual([codes["displayName"] for codes in theirs], ["Another Detection", "Another Detection (user)"])
+        self.assertEqual([codes["displayName"] for codes in theirs], ["A&B Co. Detection", "A&B Co. Detection (user)"])
+        [manifest] = (yaml.safe_load(path.read_text()) for name, path in made.items() if name.endswith(".locale.en-US.yaml"))
+        self.assertEqual((manifest["PackageIdentifier"], manifest["Publisher"]), ("ABCo.Detection", "A&B Co."))
         for kind in ("upgradeCode", "productCode", "file"):
             self.assertEqual(len({codes[kind] for codes in (*ours, *theirs)}), 4, kind)
         for codes in ours:

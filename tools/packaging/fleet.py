@@ -7,6 +7,7 @@ import re
 from registration import ROOT
 
 MANIFEST_VERSION = "1.6.0"
+MAX_SEGMENT = 32  # of a package's identifier, between dots
 UNINSTALL = r"SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall"
 VERSION_MANIFEST = """PackageIdentifier: {id}
 PackageVersion: {product.version}
@@ -17,10 +18,10 @@ ManifestVersion: {form}
 LOCALE_MANIFEST = """PackageIdentifier: {id}
 PackageVersion: {product.version}
 PackageLocale: en-US
-Publisher: {product.publisher}
+Publisher: {publisher}
 PublisherUrl: {product.site}
 PublisherSupportUrl: {product.site}/help
-PackageName: {product.name}
+PackageName: {product_name}
 PackageUrl: {product.site}
 License: Proprietary
 ShortDescription: Machine inventory control for the service at {product.host}
@@ -54,7 +55,7 @@ INSTALLER = """- Architecture: x64
   ProductCode: '{{{product_code}}}'
   AppsAndFeaturesEntries:
   - DisplayName: {display_name}
-    Publisher: {product.publisher}
+    Publisher: {publisher}
     DisplayVersion: {product.version}
     ProductCode: '{{{product_code}}}'
     UpgradeCode: '{{{upgrade_code}}}'
@@ -80,21 +81,21 @@ def scripts(product):
     source = ROOT / "packaging" / "fleet"
     detect = (source / "detect.ps1").read_text("ascii")
     for name, text in (("VERSION", product.version), ("HOST", product.host), ("NAME", product.name)):
-        detect = detect.replace(f"@{name}@", text)
+        detect = detect.replace(f"@{name}@", text.replace("'", "''"))
     return {"fleet/codes.json": (json.dumps(_codes(product), indent=2) + "\n").encode(),
             "fleet/detect.ps1": detect.encode(), "fleet/install.js": (source / "install.js").read_bytes()}
 
 
 def winget(product, folder):
     """Writes winget's three manifests for the finished, signed packages in a folder; returns their paths."""
-    words = {"id": re.sub(r"[^A-Za-z0-9.-]", "", product.publisher) + ".Detection", "product": product,
-             "form": MANIFEST_VERSION}
+    words = {"id": re.sub(r"[^A-Za-z0-9-]", "", product.publisher)[:MAX_SEGMENT] + ".Detection", "product": product,
+             "publisher": json.dumps(product.publisher), "product_name": json.dumps(product.name), "form": MANIFEST_VERSION}
     installers = ""
     for scope in ("machine", "user"):
         name = product.package_name(scope)
         installers += INSTALLER.format(
-            product=product, scope=scope, name=name, product_code=product.product_code(scope),
-            upgrade_code=product.upgrade_code(scope), display_name=product.display_name(scope),
+            product=product, publisher=words["publisher"], scope=scope, name=name, product_code=product.product_code(scope),
+            upgrade_code=product.upgrade_code(scope), display_name=json.dumps(product.display_name(scope)),
             digest=hashlib.sha256((folder / name).read_bytes()).hexdigest().upper())
     target = folder / "winget"
     target.mkdir(exist_ok=True)

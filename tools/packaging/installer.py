@@ -4,7 +4,7 @@ import hashlib
 import os
 import subprocess
 import uuid
-from xml.sax.saxutils import quoteattr
+from xml.sax.saxutils import escape, quoteattr
 
 import extension
 import registration
@@ -13,15 +13,33 @@ from stamp import EPOCH, faked
 LINK = "kel-check"  # the scheme of a page's links, which open check.exe
 POLICIES = r"Software\Policies\Keldane"
 # The options of each package: properties of these names, in capitals, which upgrades and repairs keep.
-OPTIONS = {"machine": ("Identifier", "ServiceHost", "LocalServer", "Link", "Extension"), "user": ("Link", "Extension")}
+USER_OPTIONS = ("Link", "Extension")
+MACHINE_OPTIONS = ("Identifier", "ServiceHost", "LogFile", "LogLevel", "LogSize", "LocalServer")
+OPTIONS = {"machine": MACHINE_OPTIONS + USER_OPTIONS, "user": USER_OPTIONS}
+# The options that are policies, with the type of the value. Policies are the machine's: the product reads none of a user.
+POLICY_VALUES = {"ServiceHost": "string", "LogFile": "string", "LogLevel": "integer", "LogSize": "integer"}
+LOGGED = "LOGFILE AND NOT LOGFILE = 0"
 # Which components are installed. A removal has no property, and Wine asks again then.
-CONDITIONS = {"Identifier": "IDENTIFIER = 1", "ServiceHost": "SERVICEHOST", "LocalServer": "LOCALSERVER = 1",
+CONDITIONS = {"Identifier": "IDENTIFIER = 1", "ServiceHost": "SERVICEHOST", "LogFile": LOGGED,
+              "LogLevel": LOGGED + " AND LOGLEVEL", "LogSize": LOGGED + " AND LOGSIZE", "LocalServer": "LOCALSERVER = 1",
               "LocalServer32": "LOCALSERVER = 1", "Link": "NOT LINK = 0", "ExtensionHost": "NOT EXTENSION = 0"}
+# What an installation needs, and what the installer says otherwise, of each package: an option that is wrong would otherwise
+# be ignored without a word. What an earlier installation accepted does not stop an upgrade.
+NEEDS = {
+    "machine": {
+        'SERVICEHOST = KEPTSERVICEHOST OR NOT (SERVICEHOST >< "/" OR SERVICEHOST >< ":")':
+            "SERVICEHOST is the name of a host, without a scheme, a port or a path.",
+        "NOT LOGLEVEL OR (LOGLEVEL >= 1 AND LOGLEVEL <= 7)": "LOGLEVEL is a number from 1 to 7.",
+        "NOT LOGSIZE OR (LOGSIZE >= 1024 AND LOGSIZE <= 102400)": "LOGSIZE is a number of KB from 1024 to 102400."},
+    "user": {
+        f"NOT ({' OR '.join(map(str.upper, MACHINE_OPTIONS))})":
+            "This package is for one user. An option that was given is only for the package for all users."}}
 ROOTS = {"machine": "HKLM", "user": "HKCU"}
 FOLDERS = {"machine": ("ProgramFiles64Folder", []), "user": ("LocalAppDataFolder", ["Programs"])}
 MIGRATE_FEATURES, VERSION_MAX_INCLUSIVE = 1, 512  # bits of an upgrade row's attributes
 RAW_VALUE, FOR_64_BIT = 2, 16  # a search's type
 SET_PROPERTY, AFTER_SEARCH, AFTER_COSTING = 51, 51, 1001  # a custom action's type, and its places
+COMMENTS = "Machine inventory control. Service: "  # of the entry of "Apps", before the host
 
 
 def _registry(rows, root):
@@ -39,7 +57,7 @@ def _properties(product, size):
     """What the entry of "Apps" shows, and how the installer behaves without further options."""
     properties = {
         "ARPPRODUCTICON": "Detection.ico", "ARPNOMODIFY": "1",
-        "ARPCOMMENTS": f"Machine inventory control. Service: {product.host}",
+        "ARPCOMMENTS": COMMENTS + product.host,
         "ARPCONTACT": f"{product.publisher}, {product.site}",
         "ARPSIZE": str(size), "ARPHELPLINK": f"{product.site}/help", "ARPURLINFOABOUT": product.site,
         # Hosts that have the DLL loaded go on, and the machine is not restarted: the DLL is replaced at its next start.
@@ -60,10 +78,16 @@ def _identifier(product):
     return _component("Identifier", code, rows)
 
 
+def _own_key(product, scope):
+    """The place of the installer's own values."""
+    key = quoteattr("Software\\" + product.name)
+    return f'Root="{ROOTS[scope]}" Key={key}'
+
+
 def _kept(product, scope):
     """The searches for values of the installer's own, by which an upgrade or a repair finds what an earlier installation was
     asked for; with them the rows that write the values, empty ones for options that were not given."""
-    place = f'Root="{ROOTS[scope]}" Key="Software\\{product.name}"'
+    place = _own_key(product, scope)
     searches = (f'    <Property Id="KEPT{name.upper()}"><RegistrySearch Id="Kept{name}" {place} Name="{name}" Type="raw"/>'
                 '</Property>\n' for name in OPTIONS[scope])
     rows = (f'        <RegistryValue {place} Name="{name}" Type="string" Value="[{name.upper()}]"/>\n'
@@ -75,11 +99,18 @@ def _component(name, code, rows, is_wide="yes"):
     return f'      <Component Id="{name}" Guid="{code}" Win64="{is_wide}">\n{rows}\n      </Component>\n'
 
 
-def _service_host(product):
-    """The component behind the property SERVICEHOST, the policy that names the service's host. The installer's own value
-    distinguishes for an upgrade what the installer set from what a group policy did."""
-    policy = f'        <RegistryValue Root="HKLM" Key="{POLICIES}" Name="ServiceHost" Type="string" Value="[SERVICEHOST]"/>'
-    return _component("ServiceHost", product.component_code("servicehost"), policy)
+def _policies(product):
+    """The components behind the properties that are policies. The installer's own values distinguish for an upgrade what the
+    installer set from what a group policy did."""
+    return "".join(_component(name, product.component_code(name.lower()),
+                              f'        <RegistryValue Root="HKLM" Key="{POLICIES}" Name="{name}" Type="{kind}" '
+                              f'Value="[{name.upper()}]"/>') for name, kind in POLICY_VALUES.items())
+
+
+def _needs(scope):
+    """What an installation, but no removal, needs."""
+    return "".join(f"    <Condition Message={quoteattr(message)}>{escape(f'Installed OR {condition}')}</Condition>\n"
+                   for condition, message in NEEDS[scope].items())
 
 
 def _local_server(product):
@@ -109,27 +140,27 @@ def source(product, scope, size):
     opened = "".join(f'<Directory Id="{name}Folder" Name="{name}">' for name in between)
     closed = "</Directory>" * len(between)
     user = scope == "user"
-    marker = (f'        <RegistryValue Root="HKCU" Key="Software\\{product.name}" Name="Installed" Type="string"'
+    marker = (f'        <RegistryValue {_own_key(product, scope)} Name="Installed" Type="string"'
               ' Value="1" KeyPath="yes"/>\n        <RemoveFolder Id="RemoveInstall" On="uninstall"/>\n') if user else ""
     searches, kept = _kept(product, scope)
     components = "" if user else (
         _component("Interface32", product.component_code("machine32"), _registry(narrow, root), "no") + _identifier(product)
-        + _service_host(product) + _local_server(product))
-    names = ["Control", *([] if user else ["Interface32", "Identifier", "ServiceHost", "LocalServer", "LocalServer32"]),
+        + _policies(product) + _local_server(product))
+    names = ["Control", *([] if user else ["Interface32", "Identifier", *POLICY_VALUES, "LocalServer", "LocalServer32"]),
              "Link", "ExtensionHost"]
     references = "".join(f'<ComponentRef Id="{name}"/>' for name in names)
     return f"""<?xml version="1.0" encoding="utf-8"?>
 <Wix xmlns="http://schemas.microsoft.com/wix/2006/wi">
-  <Product Id="{product.product_code(scope)}" Name="{product.display_name(scope)}" Language="1033"
-           Version="{product.version}" Manufacturer="{product.publisher}" UpgradeCode="{product.upgrade_code(scope)}">
+  <Product Id="{product.product_code(scope)}" Name={quoteattr(product.display_name(scope))} Language="1033"
+           Version="{product.version}" Manufacturer={quoteattr(product.publisher)} UpgradeCode="{product.upgrade_code(scope)}">
     <Package InstallerVersion="500" Compressed="yes" InstallScope="per{scope.capitalize()}"
              Description="Machine inventory control"/>
     <MajorUpgrade DowngradeErrorMessage="A newer version of Detection is installed."/>
-    <Media Id="1" Cabinet="detection.cab" EmbedCab="yes"/>
+{_needs(scope)}    <Media Id="1" Cabinet="detection.cab" EmbedCab="yes"/>
     <Icon Id="Detection.ico" SourceFile="Detection.ico"/>
 {_properties(product, size)}
 {searches}    <Directory Id="TARGETDIR" Name="SourceDir">
-      <Directory Id="{folder}">{opened}<Directory Id="INSTALLFOLDER" Name="{product.name}">
+      <Directory Id="{folder}">{opened}<Directory Id="INSTALLFOLDER" Name={quoteattr(product.name)}>
       <Component Id="Control" Guid="{product.component_code(scope)}" Win64="yes">
         <File Id="DetectionDll" Name="Detection.dll" Source="Detection.dll"{'' if user else ' KeyPath="yes"'}/>
         <File Id="KelExe" Name="kel.exe" Source="kel.exe"/>
@@ -151,6 +182,14 @@ def _keep(name):
             f"('Keep{name}', {SET_PROPERTY}, '{name.upper()}', '[{kept}]')",
             "INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES "
             f"('Keep{name}', '{kept} AND NOT {name.upper()}', {AFTER_SEARCH})")
+
+
+def _set_after_costing(name, text, condition=""):
+    """What sets a property, after it is known what is installed and where."""
+    return ("INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
+            f"('Set{name}', {SET_PROPERTY}, '{name}', '{text}')",
+            "INSERT INTO `InstallExecuteSequence` (`Action`, `Condition`, `Sequence`) VALUES "
+            f"('Set{name}', '{condition}', {AFTER_COSTING})")
 
 
 def _secure(scope):
@@ -179,15 +218,17 @@ def build(product, scope, work, target):
         # The tool does not know conditions of components. In the package for one user, some change nothing.
         *(f"UPDATE `Component` SET `Condition`='{condition} OR REMOVE = \"ALL\"' WHERE `Component`='{component}'"
           for component, condition in CONDITIONS.items()),
+        # The tool does not know texts with variables.
+        "UPDATE `Registry` SET `Value`='#%[LOGFILE]' WHERE `Component_`='LogFile'",
         # The tool searches for values of 32-bit programs.
         f"UPDATE `RegLocator` SET `Type`={RAW_VALUE | FOR_64_BIT}",
         *(query for name in OPTIONS[scope] for query in _keep(name)),
         # An installation with consent runs in the installer's service, which takes only these from the command.
         f"UPDATE `Property` SET `Value`='{';'.join(_secure(scope))}' WHERE `Property`='SecureCustomProperties'",
-        # The entry of "Apps" shows the folder, which is known only during the installation.
-        "INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "
-        f"('SetLocation', {SET_PROPERTY}, 'ARPINSTALLLOCATION', '[INSTALLFOLDER]')",
-        f"INSERT INTO `InstallExecuteSequence` (`Action`, `Sequence`) VALUES ('SetLocation', {AFTER_COSTING})",
+        # The entry of "Apps" shows the folder, and the host that the installer sets by policy.
+        *_set_after_costing("ARPINSTALLLOCATION", "[INSTALLFOLDER]"),
+        *(_set_after_costing("ARPCOMMENTS", COMMENTS + "[SERVICEHOST]", "$ServiceHost = 3 OR ?ServiceHost = 3")
+          if scope == "machine" else ()),
         *extension.QUERIES)
     text = source(product, scope, sum(path.stat().st_size for path in installed) // 1024)
     inputs = (text.encode(), *map(str.encode, queries), *(path.read_bytes() for path in files))
