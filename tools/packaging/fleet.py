@@ -9,13 +9,15 @@ from registration import ROOT
 MANIFEST_VERSION = "1.6.0"
 MAX_SEGMENT = 32  # of a package's identifier, between dots
 UNINSTALL = r"SOFTWARE\Microsoft\Windows\CurrentVersion\Uninstall"
-VERSION_MANIFEST = """PackageIdentifier: {id}
+VERSION_MANIFEST = """# yaml-language-server: $schema=https://aka.ms/winget-manifest.version.{form}.schema.json
+PackageIdentifier: {id}
 PackageVersion: {product.version}
 DefaultLocale: en-US
 ManifestType: version
 ManifestVersion: {form}
 """
-LOCALE_MANIFEST = """PackageIdentifier: {id}
+LOCALE_MANIFEST = """# yaml-language-server: $schema=https://aka.ms/winget-manifest.defaultlocale.{form}.schema.json
+PackageIdentifier: {id}
 PackageVersion: {product.version}
 PackageLocale: en-US
 Publisher: {publisher}
@@ -28,7 +30,8 @@ ShortDescription: Machine inventory control for the service at {product.host}
 ManifestType: defaultLocale
 ManifestVersion: {form}
 """
-INSTALLER_MANIFEST = """PackageIdentifier: {id}
+INSTALLER_MANIFEST = """# yaml-language-server: $schema=https://aka.ms/winget-manifest.installer.{form}.schema.json
+PackageIdentifier: {id}
 PackageVersion: {product.version}
 Platform:
 - Windows.Desktop
