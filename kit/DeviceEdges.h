@@ -31,11 +31,13 @@ struct DeviceEdges {
 
 /// The setup classes of the devices that are recorded, by the first number of their GUIDs.
 enum class RecordedClass : DWORD {
+    Optical = 0x4D36E965,
     Disks = 0x4D36E967,
     Graphics = 0x4D36E968,
     Sound = 0x4D36E96C,
     Monitors = 0x4D36E96E,
     Network = 0x4D36E972,
+    Controllers = 0x4D36E97B,
 };
 
 /// Shows each present device of a class, through the Setup API, with its driver's key, which may be null.

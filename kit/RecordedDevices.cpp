@@ -2,10 +2,12 @@
 
 #include <initializer_list>
 
+#include "kit/RecordedControllers.h"
 #include "kit/RecordedDisks.h"
 #include "kit/RecordedDisplays.h"
 #include "kit/RecordedGraphics.h"
 #include "kit/RecordedNetwork.h"
+#include "kit/RecordedOptical.h"
 #include "kit/RecordedSound.h"
 #include "kit/RecordedVolumes.h"
 
@@ -23,6 +25,16 @@ void Add(const std::vector<std::string>& recorded, std::initializer_list<std::st
     devices.detectors.insert(of);
 }
 
+/// The same for lines of which there may be none on a machine without such devices.
+void AddWhole(const std::optional<std::vector<std::string>>& recorded,
+              std::initializer_list<std::string_view> of, DeviceRecording& devices)
+{
+    if (recorded) {
+        devices.lines.insert(devices.lines.end(), recorded->begin(), recorded->end());
+        devices.detectors.insert(of);
+    }
+}
+
 }  // namespace
 
 DeviceRecording RecordDevices(const DeviceEdges& edges, DeviceMasks& masks)
@@ -33,6 +45,8 @@ DeviceRecording RecordDevices(const DeviceEdges& edges, DeviceMasks& masks)
     Add(RecordDisks(edges, masks), {"HardDrive"}, devices);
     if (devices.detectors.contains("HardDrive"))
         Add(RecordVolumes(edges.volumes), {"LogicalDrive"}, devices);
+    AddWhole(RecordOpticalDrives(edges.storage, masks), {"CDRom", "DVD"}, devices);
+    AddWhole(RecordControllers(masks), {"SCSI"}, devices);
     Add(RecordNetwork(edges, masks), {"NetworkDevice"}, devices);
     Add(RecordSound(edges, masks), {"Sound"}, devices);
     return devices;

@@ -16,7 +16,8 @@ struct DeviceRecording {
     std::set<std::string_view> detectors;  ///< whose values follow from the lines
 };
 
-/// Records graphics adapters, displays, disks, drive letters, network adapters and sound devices.
+/// Records graphics adapters, displays, disks, drive letters, optical drives, controllers, network adapters
+/// and sound devices.
 DeviceRecording RecordDevices(const DeviceEdges& edges, DeviceMasks& masks);
 
 }  // namespace kel::kit

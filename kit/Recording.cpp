@@ -23,9 +23,9 @@ using Names = std::vector<std::string_view>;
 /// The detectors of processor, memory, firmware, board, chassis and system, which are always recorded.
 const Names SystemDetectors = {"CPU", "Bios", "Chassis", "MotherBoard", "OS", "Ram"};
 /// All that can be recorded, in the order in which the tests run them.
-const Names Detectors = {"CPU",       "GPU",          "Bios",        "Chassis",       "Graphics",
-                         "HardDrive", "LogicalDrive", "MotherBoard", "NetworkDevice", "OS",
-                         "Ram",       "Sound",        "Monitor"};
+const Names Detectors = {"CPU",      "GPU",       "Bios",         "CDRom",       "Chassis",       "DVD",
+                         "Graphics", "HardDrive", "LogicalDrive", "MotherBoard", "NetworkDevice", "OS",
+                         "Ram",      "Sound",     "Monitor",      "SCSI"};
 
 /// What the recording does not hold: the tests' own processors, locale and identifier, the number of
 /// processors, memory and space that is free at the moment, the .NET Framework, cameras and Bluetooth.
@@ -33,9 +33,11 @@ const std::set<int> LeftOut = {71207, 71254, 71257, 71388, 71382, 71193, 73470, 
 /// The one value that is only read when it is wanted, and is recorded.
 constexpr int Wanted = 73404;
 
-bool IsAscii(const std::string& text)
+/// Whether a line can hold a text: the tests divide lines at "; ".
+bool CanHold(const std::string& text)
 {
-    return std::ranges::all_of(text, [](char c) { return c >= ' ' && c <= '~'; });
+    return std::ranges::none_of(text, [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; }) &&
+           text.find("; ") == std::string::npos;
 }
 
 /// The values as "=" lines, and their ids as ranges.
@@ -44,10 +46,8 @@ void AddValues(const Snapshot& snapshot, const Names& detectors, std::string& id
     for (const std::string_view detector : detectors) {
         for (const Fact& fact : snapshot.facts) {
             const CatalogueValue* const known = FindCatalogueValue(fact.id);
-            // The tests divide a line at "; ".
             if (known == nullptr || known->Detector() != detector || LeftOut.contains(fact.id) ||
-                (known->isGated && fact.id != Wanted) || !IsAscii(fact.text) ||
-                fact.text.find("; ") != std::string::npos)
+                (known->isGated && fact.id != Wanted) || !CanHold(fact.text))
                 continue;
             const std::string id = std::to_string(fact.id);
             ids += (ids.empty() ? "" : " ") + id + "-" + id;
@@ -81,8 +81,6 @@ std::string RecordMachine(const Snapshot& snapshot)
         recorded += ToUtf8(masker.Mask(FromUtf8(line))) + "\n";
     for (const std::string& line : devices.lines)
         recorded += line + "\n";
-    std::ranges::replace_if(
-        recorded, [](char c) { return c < 0; }, '?');
     return recorded + values;
 }
 

@@ -54,9 +54,7 @@ std::wstring FindLetter(const StorageFunctions& functions, std::uint32_t number)
 void ReadAbilities(const StorageFunctions& functions, const std::wstring& path, const StorageDevice& device,
                    OpticalInfo& drive)
 {
-    const ConfigurationQuery query = {0, OneFeature, {}};
-    const StorageDevice readable(functions, path, GENERIC_READ);
-    drive.abilities = ReadProfiles(readable.Ask(GetConfiguration, std::as_bytes(std::span(&query, 1))).bytes);
+    drive.abilities = ReadProfiles(AskProfiles(functions, path).bytes);
     if (drive.abilities.HasValue()) {
         drive.abilitySource = L"the profile list";
         return;
@@ -84,12 +82,24 @@ bool ReadDevice(const StorageFunctions& functions, const std::wstring& path, Opt
 
 }  // namespace
 
+std::wstring MakeOpticalPath(const std::wstring& instanceId)
+{
+    return MakeInterfacePath(instanceId, OpticalInterface);
+}
+
+StorageAnswer AskProfiles(const StorageFunctions& functions, const std::wstring& path)
+{
+    const ConfigurationQuery query = {0, OneFeature, {}};
+    const StorageDevice readable(functions, path, GENERIC_READ);
+    return readable.Ask(GetConfiguration, std::as_bytes(std::span(&query, 1)));
+}
+
 OpticalInfo ReadOpticalDrive(const StorageFunctions& functions, const std::wstring& instanceId,
                              const std::wstring& letter)
 {
     OpticalInfo drive;
     Attempt(L"Error in an optical drive's answers.", [&] {
-        const std::wstring path = MakeInterfacePath(instanceId, OpticalInterface);
+        const std::wstring path = MakeOpticalPath(instanceId);
         if (!path.empty() && ReadDevice(functions, path, drive))
             return;
         const std::wstring target = letter.empty() ? L"" : GetTarget(functions, letter);

@@ -7,6 +7,13 @@
 
 namespace kel {
 
+/// The path by which the drive with an instance id is opened; empty without an id.
+std::wstring MakeOpticalPath(const std::wstring& instanceId);
+
+/// Asks the drive with a path for its list of profiles (IOCTL_CDROM_GET_CONFIGURATION, feature 0), which
+/// takes the right to read.
+StorageAnswer AskProfiles(const StorageFunctions& functions, const std::wstring& path);
+
 /// Asks an optical drive for its name, letter and abilities. The device is opened, never its volume; the
 /// requests work with an empty tray, and neither move it nor read a medium.
 /// @param instanceId the drive's id, as the Setup API or WMI has it

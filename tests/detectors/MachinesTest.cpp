@@ -4,6 +4,7 @@
 #include <set>
 
 #include "detectors/Components.h"
+#include "service/Utf8.h"
 #include "support/PlantedMachine.h"
 #include "support/TestFiles.h"
 #include "values/Text.h"
@@ -45,7 +46,7 @@ std::string Join(const Lines& lines)
 {
     std::string joined;
     for (const std::wstring& line : lines)
-        joined += test::Narrow(Trim(line)) + "\n";
+        joined += ToUtf8(Trim(line)) + "\n";
     return joined;
 }
 

@@ -22,7 +22,7 @@ std::string Join(const Lines& lines)
 {
     std::string joined;
     for (const std::wstring& line : lines)
-        joined += test::Narrow(Trim(line)) + "\n";
+        joined += ToUtf8(Trim(line)) + "\n";
     return joined;
 }
 
@@ -74,7 +74,8 @@ INSTANTIATE_TEST_SUITE_P(Of, Recording,
                          testing::Values("gaming_laptop.txt", "old_desktop.txt", "virtual_machine.txt",
                                          "tablet.txt", "bare_server.txt", "networks.txt", "real_disks.txt",
                                          "real_displays.txt", "real_graphics.txt", "sound.txt", "disks.txt",
-                                         "disk_faults.txt", "real_devices.txt", "plugged_disks.txt"),
+                                         "disk_faults.txt", "real_devices.txt", "plugged_disks.txt",
+                                         "optical.txt", "controllers.txt"),
                          [](const auto& file) {
                              const std::string name = file.param;
                              return name.substr(0, name.find('.'));
@@ -86,8 +87,8 @@ TEST(RecordingOfDevices, HasAllDetectorsOfDevices)
     test::FakeWmiData wmi;
     const test::FakeWmi fakeWmi(wmi);
     EXPECT_THAT(Record(test::ReadMachines("gaming_laptop.txt").front(), wmi).detectors,
-                testing::ElementsAre("GPU", "Graphics", "HardDrive", "LogicalDrive", "Monitor",
-                                     "NetworkDevice", "Sound"));
+                testing::ElementsAre("CDRom", "DVD", "GPU", "Graphics", "HardDrive", "LogicalDrive",
+                                     "Monitor", "NetworkDevice", "SCSI", "Sound"));
 }
 
 TEST(RecordingOfDevices, KeepsTheOrderOfEqualDevices)

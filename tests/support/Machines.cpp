@@ -5,6 +5,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "service/Utf8.h"
 #include "support/TestFiles.h"
 #include "values/Text.h"
 
@@ -125,11 +126,11 @@ std::vector<Machine> ReadMachines(const char* file)
 
 Lines ReadRows(const char* file)
 {
-    std::wifstream stream(TestFile(KEL_MACHINES) / file);
+    std::ifstream stream(TestFile(KEL_MACHINES) / file);
     Lines rows;
-    for (std::wstring row; std::getline(stream, row);) {
-        if (!row.empty() && !row.starts_with(L'#'))
-            rows.push_back(row);
+    for (std::string row; std::getline(stream, row);) {
+        if (!row.empty() && !row.starts_with('#'))
+            rows.push_back(FromUtf8(row));
     }
     return rows;
 }

@@ -25,8 +25,12 @@ void Describe(FakeDevice& drive, const Lines& fields)
         Descriptor(std::stoi(fields[1]), nullptr, Narrow(fields[2]).c_str(), "1", true);
     if (!fields[3].empty())
         drive.answers[ConfigurationRequest] = Profiles(numbers(fields[3]));
-    if (const std::vector<int> media = numbers(fields[4]); !media.empty())
-        drive.answers[MediaTypesRequest] = MediaTypes(media[0], {{media[1], media[2]}});
+    if (const std::vector<int> media = numbers(fields[4]); !media.empty()) {
+        std::vector<std::pair<int, int>> types;
+        for (std::size_t place = 1; place + 1 < media.size(); place += 2)
+            types.emplace_back(media[place], media[place + 1]);
+        drive.answers[MediaTypesRequest] = MediaTypes(media[0], types);
+    }
     if (fields[5] == L"cut")
         drive.answers[ConfigurationRequest].resize(16);
     drive.isReadable = fields[5] != L"locked";
