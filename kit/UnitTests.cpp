@@ -15,7 +15,7 @@ namespace kel::kit {
 namespace {
 
 constexpr const wchar_t* Programs[] = {L"kel_tests.exe", L"client_tests.exe", L"verdict_tests.exe",
-                                       L"program_tests.exe"};
+                                       L"program_tests.exe", L"fuzz_tests.exe"};
 constexpr unsigned MaxTestSeconds = 600;
 constexpr std::size_t MaxFailureShown = 2000;  // bytes of a failing test's output
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes a release: checks that the version is new everywhere, builds, tests, packages, and prints what to tag.
+# Makes a release: checks that the version is new everywhere, builds, tests, packages, tries the packages with the kit, and
+# prints what to tag.
 # Usage: scripts/release.sh VERSION, three numbers.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -22,6 +23,7 @@ scripts/lint.sh
 KEL_WHOLE_BUILD=1 scripts/test.sh --checked
 scripts/test.sh --clang
 scripts/package.sh
+scripts/windows_kit.sh --run
 scripts/package_service.sh
 # One folder holds all that is published, and its sums.
 deb=kel-server_${version}_amd64.deb

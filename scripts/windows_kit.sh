@@ -2,16 +2,24 @@
 # Makes build/kit/Detection-kit.zip, which tries the product on a real Windows: verify.cmd in it does all of it (docs/
 # windows-checklist.md). Takes the packages of build/package/ along when they are built, and stops when their DLL is not the
 # kit's. From a working copy it takes only tracked files. Signs the DLL and the programs when a
-# certificate is given (sign.sh). With --built, takes what the preset has built; the next arguments are other folders than
-# build/kit and build/package.
+# certificate is given (sign.sh). With --built, takes what the preset has built; with --run, runs the kit under Wine to its
+# end, in a prefix of its own, and ends with 0 when nothing is wrong. The next arguments are other folders than build/kit and
+# build/package.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-if [ "${1:-}" = --built ]; then
+takes_built='' runs=''
+while [[ ${1:-} == --* ]]; do
+  case $1 in
+    --built) takes_built=1 ;;
+    --run) runs=1 ;;
+    *) echo "Usage: scripts/windows_kit.sh [--built] [--run] [KIT PACKAGES]" >&2 && exit 2 ;;
+  esac
   shift
-else
+done
+if [ -z "$takes_built" ]; then
   scripts/build.sh release Detection kel_program kel_check kel_verify kel_responder kel_tests client_tests verdict_tests \
-    program_tests plain_program
+    program_tests fuzz_tests plain_program
 fi
 output=${1:-build/kit}
 built=${2:-build/package}
@@ -39,7 +47,7 @@ without_signature() {  # FILE TARGET
 release=build/release
 cp "$release"/{Detection.dll,kel.exe,check.exe,verify.exe,responder.exe} "$stage/"
 scripts/sign.sh "$stage"/*.dll "$stage"/*.exe
-cp "$release"/tests/{kel,client,verdict,program}_tests.exe "$stage/"
+cp "$release"/tests/{kel,client,verdict,program,fuzz}_tests.exe "$stage/"
 copy_files kit "$stage" verify.cmd comparisons.tsv steps.tsv answers checks
 copy_files . "$stage" examples/requirements
 # What the tests read, under its own names; the tests' DLL is the one that the kit checks.
@@ -73,3 +81,17 @@ sed -i 's/\r*$/\r/' "$stage/verify.cmd"
 (cd "$output" && python3 -m zipfile -c Detection-kit.zip Detection-kit/)
 rm -rf "$stage"
 echo "$output/Detection-kit.zip"
+
+# All unit tests and all steps.
+run_kit() (
+  source scripts/wine_env.sh
+  folder=$(realpath "$output")
+  export WINEPREFIX=$folder/wine
+  rm -rf "$folder/run" "$folder/result"
+  python3 -m zipfile -e "$folder/Detection-kit.zip" "$folder/run"
+  remove_prefix
+  start_wine
+  windows_folder=Z:${folder//\//\\}
+  wine cmd /c "$windows_folder\\run\\Detection-kit\\verify.cmd" --output "$windows_folder\\result" </dev/null
+)
+if [ -n "$runs" ]; then run_kit; fi
