@@ -33,6 +33,8 @@ const std::set<int> LeftOut = {71207, 71254, 71257, 71388, 71382, 71193, 73470, 
 /// The one value that is only read when it is wanted, and is recorded.
 constexpr int Wanted = 73404;
 
+constexpr std::size_t MaxLine = 120;  // where one more value fits
+
 /// Whether a line can hold a text: the tests divide lines at "; ".
 bool CanHold(const std::string& text)
 {
@@ -51,7 +53,12 @@ void AddValues(const Snapshot& snapshot, const Names& detectors, std::string& id
                 continue;
             const std::string id = std::to_string(fact.id);
             ids += (ids.empty() ? "" : " ") + id + "-" + id;
-            values += "= " + id + "[" + std::to_string(fact.index) + "]=" + fact.text + "\n";
+            const std::string value = id + "[" + std::to_string(fact.index) + "]=" + fact.text;
+            if (const std::size_t start = values.rfind('\n') + 1;
+                values.size() - start + value.size() < MaxLine)
+                values += (values.empty() ? "= " : "; ") + value;
+            else
+                values += "\n= " + value;
         }
     }
 }
@@ -81,7 +88,7 @@ std::string RecordMachine(const Snapshot& snapshot)
         recorded += ToUtf8(masker.Mask(FromUtf8(line))) + "\n";
     for (const std::string& line : devices.lines)
         recorded += line + "\n";
-    return recorded + values;
+    return recorded + values + "\n";
 }
 
 }  // namespace kel::kit
