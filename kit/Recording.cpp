@@ -52,7 +52,7 @@ void AddValues(const Snapshot& snapshot, const Names& detectors, std::string& id
                 (known->isGated && fact.id != Wanted) || !CanHold(fact.text))
                 continue;
             const std::string id = std::to_string(fact.id);
-            ids += (ids.empty() ? "" : " ") + id + "-" + id;
+            ids.append(ids.empty() ? "" : " ").append(id).append("-").append(id);
             const std::string value = id + "[" + std::to_string(fact.index) + "]=" + fact.text;
             if (const std::size_t start = values.rfind('\n') + 1;
                 values.size() - start + value.size() < MaxLine)
