@@ -9,8 +9,9 @@ options=(--parallel "$(nproc)")
 if [ "${1:-}" = --clang ]; then
   shift
   presets=(clang)
-  # lld leaves unwind data of libstdc++ out (cmake/CompilerSettings.cmake), on which the sweep of failing calls depends.
-  options+=(--exclude-regex '^(EndToEnd|Server)\.|FaultSweep')
+  # lld leaves unwind data of libstdc++ out (cmake/CompilerSettings.cmake), on which the tests depend in which each allocation
+  # fails in turn: linked with GNU ld, the same objects pass.
+  options+=(--exclude-regex '^(EndToEnd|Server)\.|FaultSweep|^Sources\.LogTheirLineWhenTheyThrow$')
   scripts/setup.sh --clang
 else
   if [ "${1:-}" = --checked ]; then
