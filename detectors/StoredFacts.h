@@ -28,7 +28,7 @@ using StoredFacts = std::vector<StoredFact>;
 
 /// The catalogue's name of the type of a detector's member. An option has the type that it holds.
 template <typename T>
-inline constexpr std::string_view TypeName = "";
+inline constexpr std::string_view TypeName{};
 template <>
 inline constexpr std::string_view TypeName<std::wstring> = "text";
 template <>
