@@ -15,6 +15,10 @@ struct Counts {
     {
         return result == Result::Pass ? pass : result == Result::Fail ? fail : unknown;
     }
+    int operator[](Result result) const
+    {
+        return result == Result::Pass ? pass : result == Result::Fail ? fail : unknown;
+    }
     void Add(Result result) { ++(*this)[result]; }
     int All() const { return pass + fail + unknown; }
 };
@@ -28,11 +32,12 @@ struct LineTally : Counts {
 
 /// How machines meet a product's requirements: the totals of their verdicts, and each line's results.
 struct Tally : Counts {
-    std::vector<LineTally> lines;  // none before the first verdict
+    std::vector<LineTally> lines;
 
-    /// Counts a verdict. Throws std::invalid_argument, and counts nothing, when it is not by the same
-    /// requirements as the first one.
-    void Count(const Verdict& verdict);
+    explicit Tally(const Requirements& requirements);
+
+    /// Counts a verdict by these requirements.
+    void Count(const VerdictResults& verdict);
 };
 
 }  // namespace kel

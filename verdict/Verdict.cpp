@@ -20,12 +20,15 @@ constexpr const char* NotInstalled = "not installed";
 // Bytes of an alternative's found text: the longest value and what is added to it.
 constexpr std::size_t MaxShown = Verdict::MaxFound + 50;
 
-Result JoinLines(const std::vector<VerdictLine>& lines)
+/// The total of lines with these results, of which recommendations do not count.
+Result Total(const Requirements& requirements, const std::vector<Result>& results)
 {
     const auto has = [&](Result result) {
-        return std::any_of(lines.begin(), lines.end(), [=](const VerdictLine& line) {
-            return !line.recommended && line.result == result;
-        });
+        for (std::size_t i = 0; i < results.size(); ++i) {
+            if (!requirements.lines[i].recommended && results[i] == result)
+                return true;
+        }
+        return false;
     };
     if (has(Result::Fail))
         return Result::Fail;
@@ -80,7 +83,10 @@ public:
         std::string normalized, shown;
     };
 
-    explicit Values(const ValueLookup& valueLookup) : lookup(valueLookup) {}
+    /// @param hasTexts whether the found texts are wanted, and not only the results
+    Values(const ValueLookup& valueLookup, bool hasTexts) : hasTexts(hasTexts), lookup(valueLookup) {}
+
+    const bool hasTexts;
 
     const Value& Get(int group, int index)
     {
@@ -130,7 +136,10 @@ Finding JudgeCondition(const Condition& condition, int index, Values& values)
         values.Get(known->existence, 0).normalized == "no")
         return {Result::Fail, NotInstalled};
     const SoldAs soldAs = known ? known->soldAs : SoldAs::Nothing;
-    Finding finding{Compare(*condition.comparison, value.normalized, condition.needed, soldAs), value.shown};
+    Finding finding{Compare(*condition.comparison, value.normalized, condition.needed, soldAs), {}};
+    if (!values.hasTexts)
+        return finding;
+    finding.found = value.shown;
     if (condition.comparison->comparesNominalSizes) {
         const auto figure = ParseAmount(value.normalized);
         const auto nominal = figure ? FindNominalSize(*figure, soldAs) : std::nullopt;
@@ -201,11 +210,28 @@ VerdictLine JudgeLine(const Requirement& requirement, Values& values, const Lang
 Verdict Judge(const Requirements& requirements, const ValueLookup& lookup, const Languages& languages)
 {
     Verdict verdict;
-    Values values(lookup);
+    Values values(lookup, true);
+    std::vector<Result> results;
     verdict.title = requirements.title.In(languages);
-    for (const Requirement& line : requirements.lines)
+    for (const Requirement& line : requirements.lines) {
         verdict.lines.push_back(JudgeLine(line, values, languages));
-    verdict.total = JoinLines(verdict.lines);
+        results.push_back(verdict.lines.back().result);
+    }
+    verdict.total = Total(requirements, results);
+    return verdict;
+}
+
+VerdictResults JudgeResults(const Requirements& requirements, const ValueLookup& lookup)
+{
+    VerdictResults verdict;
+    Values values(lookup, false);
+    for (const Requirement& line : requirements.lines) {
+        std::vector<Result> results;
+        for (const Alternative& alternative : line.anyOf)
+            results.push_back(JudgeAlternative(alternative, values).result);
+        verdict.lines.push_back(Best(results));
+    }
+    verdict.total = Total(requirements, verdict.lines);
     return verdict;
 }
 

@@ -62,4 +62,13 @@ struct Verdict {
 /// Texts for visitors are in the first of the languages that the requirements have.
 Verdict Judge(const Requirements& requirements, const ValueLookup& lookup, const Languages& languages = {});
 
+/// The results of a verdict without its texts.
+struct VerdictResults {
+    std::vector<Result> lines;
+    Result total = Result::Unknown;
+};
+
+/// The results that Judge gives, without the cost of the texts: for callers that judge many machines.
+VerdictResults JudgeResults(const Requirements& requirements, const ValueLookup& lookup);
+
 }  // namespace kel

@@ -14,12 +14,13 @@ namespace kel::server {
 namespace {
 
 /// The labels of the lines that decide the total of a verdict that does not pass.
-std::string LabelsNotMet(const Verdict& verdict)
+std::string LabelsNotMet(const Requirements& requirements, const VerdictResults& verdict)
 {
     std::string labels;
-    for (const VerdictLine& line : verdict.lines) {
-        if (line.result != Result::Pass && !line.recommended)
-            labels += (labels.empty() ? "" : ", ") + line.label;
+    for (std::size_t i = 0; i < verdict.lines.size(); ++i) {
+        const Requirement& line = requirements.lines[i];
+        if (verdict.lines[i] != Result::Pass && !line.recommended)
+            labels += (labels.empty() ? "" : ", ") + line.label.Default();
     }
     return labels;
 }
@@ -36,22 +37,24 @@ DraftPreview DraftPreview::Run(Database& database, const std::string& referrer, 
 {
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
-    DraftPreview preview{draft, today.value_or(Requirements()), {}, {}, {}, {}, 0, {draft, today}};
+    const Requirements inForce = today.value_or(Requirements());
+    DraftPreview preview{draft, inForce, {}, Tally(draft), Tally(inForce), {}, 0, {draft, today}};
     ReportFilter ofProduct;
     ofProduct.referrer = referrer;
     preview.sessions = ForEachRecentReport(database, ofProduct, [&](const Report& report, std::int64_t id) {
         preview.values.Count(report);
-        const Verdict then = Judge(draft, report.Lookup());
+        const VerdictResults then = JudgeResults(draft, report.Lookup());
         preview.draft.Count(then);
         if (!today)
             return;
-        const Verdict now = Judge(*today, report.Lookup());
+        const VerdictResults now = JudgeResults(inForce, report.Lookup());
         preview.today.Count(now);
         if (now.total == then.total)
             return;
         if (++preview.machineCount <= static_cast<std::int64_t>(MaxMachines))
             preview.machines.push_back(
-                {id, now.total, then.total, LabelsNotMet(then.total == Result::Pass ? now : then)});
+                {id, now.total, then.total,
+                 then.total == Result::Pass ? LabelsNotMet(inForce, now) : LabelsNotMet(draft, then)});
     });
     return preview;
 }

@@ -23,13 +23,6 @@ long ReadIndex(std::string_view text)
     return index;
 }
 
-/// A group as the document has it.
-struct Place {
-    std::string_view id;
-    long index = 0;
-    std::string_view text;
-};
-
 }  // namespace
 
 Report Report::From(const pugi::xml_document& document)
@@ -37,19 +30,24 @@ Report Report::From(const pugi::xml_document& document)
     const pugi::xml_node root = document.document_element();
     if (std::string_view(root.name()) != "groups")
         throw Fault(400, "the body is not a report");
-    std::vector<Place> places;
+    std::vector<GroupText> groups;
     for (const pugi::xml_node& group : root.children("group"))
-        places.push_back({group.attribute("id").value(), ReadIndex(group.attribute("index").as_string("0")),
+        groups.push_back({group.attribute("id").value(), ReadIndex(group.attribute("index").as_string("0")),
                           group.child_value("value")});
-    const auto isBefore = [](const Place& left, const Place& right) {
+    return From(std::move(groups));
+}
+
+Report Report::From(std::vector<GroupText> groups)
+{
+    const auto isBefore = [](const GroupText& left, const GroupText& right) {
         return std::pair(left.id, left.index) < std::pair(right.id, right.index);
     };
-    std::stable_sort(places.begin(), places.end(), isBefore);
+    std::stable_sort(groups.begin(), groups.end(), isBefore);
     Report report;
-    report.values.reserve(places.size());
-    for (auto place = places.begin(); place != places.end(); ++place) {
-        if (place + 1 == places.end() || isBefore(*place, place[1]))  // of equal ones the last
-            report.values.emplace_back(std::pair(place->id, place->index), place->text);
+    report.values.reserve(groups.size());
+    for (auto group = groups.begin(); group != groups.end(); ++group) {
+        if (group + 1 == groups.end() || isBefore(*group, group[1]))  // of equal ones the last
+            report.values.emplace_back(std::pair(group->id, group->index), group->value);
     }
     return report;
 }
@@ -59,10 +57,15 @@ Report Report::ReadValues(std::string_view xml)
     return From(ReadXml(xml));
 }
 
-std::optional<Report> Report::ReadStored(std::string_view xml)
+std::optional<Report> Report::ReadStored(std::string_view xml, int group)
 {
     try {
-        Report report = From(ParseXml(xml));
+        auto groups = FindPlainGroups(xml);
+        if (groups && group != 0)
+            std::erase_if(*groups,
+                          [wanted = std::to_string(group), session = std::to_string(Session)](
+                              const GroupText& one) { return one.id != wanted && one.id != session; });
+        Report report = groups ? From(std::move(*groups)) : From(ParseXml(xml));
         return report.Text(Session).empty() ? std::nullopt : std::optional(std::move(report));
     } catch (const Fault&) {
         return std::nullopt;

@@ -86,9 +86,9 @@ void Judges(Requirements requirements, const Report& report)
 {
     const Verdict verdict = Judge(requirements, report.Lookup());
     ShowsWhatItHas(verdict);
-    Tally tally;
-    tally.Count(verdict);
-    tally.Count(verdict);
+    Tally tally(requirements);
+    tally.Count(JudgeResults(requirements, report.Lookup()));
+    tally.Count(JudgeResults(requirements, report.Lookup()));
     const auto of = [](const Counts& counts, Result result) {
         return result == Result::Pass ? counts.pass : result == Result::Fail ? counts.fail : counts.unknown;
     };
@@ -130,7 +130,9 @@ Check ReadReport(std::string_view text)
     const bool isValue = text.size() % 3 == 0 && IsXmlText(text);
     const std::string whole = "<groups><group id='71424'><value>s</value></group><group id='1'><value>" +
                               Escape(text) + "</value></group></groups>";
-    return [report = Report::Read(isValue ? whole : clean), isValue, text] {
+    const std::string& sent = isValue ? whole : clean;
+    return [report = Report::Read(sent), stored = Report::ReadStored(sent), isValue, text] {
+        Expect(stored && stored->All() == report.All(), "the same values once it is stored");
         Expect(!report.Text(Report::Session).empty(), "a session");
         Expect(!isValue || Handed(report.Text(1)) == Handed(std::string(text)), "a value as it was sent");
         Judges(requirements, report);
