@@ -5,6 +5,7 @@
 #include "server/admin/ProductList.h"
 #include "server/admin/ReportQuery.h"
 #include "server/admin/ReportsTable.h"
+#include "server/admin/SessionTrend.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/DayCounts.h"
 #include "server/store/Reports.h"
@@ -13,7 +14,7 @@ namespace kel::server {
 
 namespace {
 
-constexpr int NewestReports = 10;
+constexpr int NewestReports = 5;
 
 Html NewProductForm()
 {
@@ -113,14 +114,18 @@ Answer ShowOverview(const AdminRequest& request)
     Html content = period.Choice("/");
     if (products.Totals().All() > 0)
         content += AnswerForAll(products, period);
-    content += StateFigures(request.database, newest) +
-               Arrivals(CountReports(request.database, period), period) + products.Show();
+    content += Html::Element("div", {{"class", "charts"}},
+                             {Html::Element("div", {},
+                                            {StateFigures(request.database, newest),
+                                             Arrivals(CountReports(request.database, period), period)}),
+                              SessionTrend(request.database, ReportQuery::SessionsOf("", period)).Show()}) +
+               products.Show();
     if (request.IsEditor())
         content += NewProductForm();
     content +=
         Html::Element("h2", {}, "Newest reports") +
         ReportsTable(
-            request.database, "The last ten; all of them are under Reports", newest,
+            request.database, "The last five; all of them are under Reports", newest,
             "No reports yet. They appear once a page with the control asks this service for an analysis.");
     return Page(request, "Overview", content);
 }

@@ -126,21 +126,25 @@ std::string Period::Until() const
     return isOpen ? std::string() : DayText((days.until - 1) * DayLength);
 }
 
-Html Period::Choice(const std::string& path) const
+Html Period::Links(const std::string& path, const std::string& others) const
 {
     Html list;
     for (const UsualPeriod& usual : UsualPeriods) {
-        Html::Attributes attributes{{"href", fmt::format("{}?period={}", path, usual.name)}};
+        Html::Attributes attributes{{"href", fmt::format("{}?period={}{}", path, usual.name, others)}};
         if (name == usual.name)
             attributes.emplace_back("aria-current", "true");
         list += Html::Element("li", {}, Html::Element("a", attributes, std::string(usual.label)));
     }
+    return Html::Element("nav", {{"aria-label", "Period"}}, Html::Element("ul", {}, list));
+}
+
+Html Period::Choice(const std::string& path) const
+{
     return Html::Element(
         "div", {{"class", "period"}},
-        {Html::Element("nav", {{"aria-label", "Period"}}, Html::Element("ul", {}, list)),
-         Html::Element("form", {{"method", "get"}, {"action", path}},
-                       {Field("From", "from", From(), "date"), Field("Until", "until", Until(), "date"),
-                        Button("Show", "plain")})});
+        {Links(path), Html::Element("form", {{"method", "get"}, {"action", path}},
+                                    {Field("From", "from", From(), "date"),
+                                     Field("Until", "until", Until(), "date"), Button("Show", "plain")})});
 }
 
 }  // namespace kel::server

@@ -46,7 +46,9 @@ public:
     std::string From() const;
     std::string Until() const;
 
-    /// Links to the usual periods of the page with that path, and a form for any other.
+    /// Links to the usual periods of the page with that path; `others` are further parameters, "&find=x".
+    Html Links(const std::string& path, const std::string& others = {}) const;
+    /// The same, and a form for any other period.
     Html Choice(const std::string& path) const;
 
 private:

@@ -7,7 +7,7 @@
 #include "server/admin/Pages.h"
 #include "server/admin/ProductPages.h"
 #include "server/admin/ReportQuery.h"
-#include "server/admin/figures/Curve.h"
+#include "server/admin/SessionTrend.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/DayCounts.h"
@@ -75,12 +75,11 @@ Html VersionTable(const std::vector<VersionCount>& versions, const ReportQuery& 
     return table.Done("None.");
 }
 
-Html VerdictFigures(Database& database, const std::vector<PublishedSet>& published,
-                    const std::vector<VersionCount>& versions, const ReportQuery& sessions)
+Html VerdictFigures(Database& database, const std::vector<VersionCount>& versions,
+                    const ReportQuery& sessions)
 {
     const std::string& referrer = sessions.referrer;
     const Counts totals = Sum(versions);
-    const Curve curve(DayCounts(database).ByDay(referrer, sessions.period.Range()), sessions.period.Range());
     Html sentence, tables;
     for (std::size_t i = 0; i < std::min(versions.size(), MaxVersions); ++i) {
         const LineFigures lines(database, versions[i], sessions);
@@ -96,14 +95,7 @@ Html VerdictFigures(Database& database, const std::vector<PublishedSet>& publish
             "p", {{"class", "basis"}},
             fmt::format("Of all {} versions that judged them; each one is listed below.", versions.size()));
     return Answered(database, referrer, totals, sessions.period) + sentence + TotalFigures(totals, sessions) +
-           basis +
-           curve.Show(published,
-                      [&](std::int64_t from, std::int64_t until, std::string_view total) {
-                          return ReportQuery::SessionsOf(referrer, Period::Between(from, until))
-                              .With(total)
-                              .Address();
-                      }) +
-           tables;
+           basis + SessionTrend(database, sessions).Show() + tables;
 }
 
 /// Throws Fault 404 for a name that nothing stored has.
@@ -154,7 +146,7 @@ Answer ShowProduct(const AdminRequest& request)
     if (versions.empty()) {
         content += NoSessions(sessions, !published.empty());
     } else {
-        content += VerdictFigures(request.database, published, versions, sessions) +
+        content += VerdictFigures(request.database, versions, sessions) +
                    Html::Element("h2", {{"id", "values"}}, "What visitors have") +
                    MachineCharts(request.database, sessions, Sum(versions).All(),
                                  static_cast<int>(std::clamp<std::int64_t>(

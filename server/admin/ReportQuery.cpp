@@ -115,9 +115,9 @@ ReportFilter ReportQuery::Filter() const
     return filter;
 }
 
-std::string ReportQuery::Parameters() const
+std::string ReportQuery::Restrictions() const
 {
-    std::string address = period.Query();
+    std::string address;
     const auto add = [&](const char* name, const std::string& value) {
         if (!value.empty())
             address.append("&").append(name).append("=").append(UrlEncode(value));

@@ -39,7 +39,9 @@ struct ReportQuery {
     ReportFilter Filter() const;
     /// The address of the list, "/reports?…"; further parameters can be appended.
     std::string Address() const { return "/reports?" + Parameters(); }
-    std::string Parameters() const;
+    std::string Parameters() const { return period.Query() + Restrictions(); }
+    /// The parameters but for the period: "&referrer=demo".
+    std::string Restrictions() const;
 };
 
 /// A number that links to the reports that it counts; without a link when it is 0.

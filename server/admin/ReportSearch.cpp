@@ -10,8 +10,9 @@ namespace kel::server {
 
 namespace {
 
-constexpr int StretchVerdicts = 5000;  // whose results one statement looks at
-constexpr int StretchReports = 200;    // whose values are read at once
+constexpr int StretchVerdicts = 20'000;  // whose results one statement looks at
+constexpr std::size_t MaxStretches = 10;
+constexpr int StretchReports = 200;  // whose values are read at once
 
 /// Adds the matching reports of a stretch; false when the budget does not allow to look at the whole stretch,
 /// and then `reached` is the last one that was looked at.
@@ -28,8 +29,9 @@ bool AddMatches(Database& database, const ReportQuery& query, const std::vector<
         if (!isComplete)
             return false;
         found.reached = report.id;
+        ++found.looked;
         line = std::find_if(line, stretch.end(), [&](const ReportLine& one) { return one.id == report.id; });
-        const auto read = Report::ReadStored(report.body);
+        const auto read = Report::ReadStored(report.body, query.condition.id);
         if (read && line != stretch.end() && query.condition.Holds(*read))
             found.lines.push_back(*line);
         return true;
@@ -57,8 +59,8 @@ std::vector<Days> DaysToSearch(Database& database, const ReportQuery& query, con
 /// A search and what it has used up so far.
 struct Search {
     bool isByLine = false;  // looks at the lines of verdicts
-    ScanBudget reports;     // that are read
-    ScanBudget stretches;   // statements
+    ScanBudget reports{MaxSearchedBytes};
+    ScanBudget stretches{MaxStretches};
     FoundReports found;
 };
 
@@ -105,9 +107,10 @@ FoundReports SearchReports(Database& database, const ReportQuery& query, ReportF
     // A session, a user and a machine have few reports.
     const bool isOfFew = !filter.session.empty() || !filter.beginnings.empty() || !filter.user.empty() ||
                          !filter.machine.empty();
-    Search search{!isOfFew && (filter.line > 0 || filter.failing), {}, {}, {}};
+    Search search;
+    search.isByLine = !isOfFew && (filter.line > 0 || filter.failing);
     if (!query.condition.IsGiven() && !search.isByLine)
-        return {Reports(database).List(filter), 0};
+        return {Reports(database).List(filter), 0, 0};
     // Between two ranges is a day or more, so that ids ascend from one to the next in spite of clocks.
     for (const Days& days : DaysToSearch(database, query, filter)) {
         if (days.from > 0)

@@ -7,6 +7,7 @@
 #include "server/admin/ReportQuery.h"
 #include "server/admin/ReportSearch.h"
 #include "server/admin/ReportsTable.h"
+#include "server/admin/SessionTrend.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/Reports.h"
 
@@ -100,6 +101,18 @@ Html Restriction(const ReportQuery& query)
                          {"Only reports where " + text + ". ", Link(without.Address(), "Show all"), "."});
 }
 
+/// The sessions of the list over time, where the counts by day know them.
+Html Trend(Database& database, const ReportQuery& query)
+{
+    if (!SessionTrend::Knows(query))
+        return Html::Element(
+            "p", {{"class", "basis"}},
+            "The counts by day know products, versions, verdicts and lines only, so this list "
+            "has no curve.");
+    const SessionTrend trend(database, query);
+    return trend.Sentence() + trend.Show();
+}
+
 }  // namespace
 
 Answer ShowReports(const AdminRequest& request)
@@ -134,11 +147,13 @@ Answer ShowReports(const AdminRequest& request)
     if (isCut)
         pages += Html::Element(
             "span", {},
-            {fmt::format("Looked at the reports {} {} so far. ", isAscending ? "up to" : "down to",
-                         found.reached),
+            {fmt::format("Looked at {} {} {} so far. ",
+                         found.looked > 0 ? Grouped(found.looked) + " reports," : std::string("the reports"),
+                         isAscending ? "up to" : "down to", found.reached),
              Link(fmt::format("{}&{}={}", query.Address(), isAscending ? "after" : "before", found.reached),
                   "Search on")});
-    Html content;
+    Html content =
+        Html::Element("div", {{"class", "period"}}, query.period.Links("/reports", query.Restrictions()));
     if (request.Query("note") == "deleted")
         content += Notice("good", "The session's reports are deleted.");
     if (request.Query("note") == "left")
@@ -146,10 +161,12 @@ Answer ShowReports(const AdminRequest& request)
                           "The session has more reports than one deletion takes. Delete again for the rest.");
     if (!query.problem.empty())
         content += Notice("bad", query.problem);
-    content += FilterForm(query) + Restriction(query) +
-               ReportsTable(request.database, "Reports, the newest first", lines,
-                            Html(isCut ? "No reports so far. " : "No reports here. ") +
-                                Link("/reports", "Show all reports"));
+    content += FilterForm(query) + Restriction(query);
+    if (query.problem.empty() && before <= 0 && !isAscending)  // on the first page
+        content += Trend(request.database, query);
+    content += ReportsTable(
+        request.database, "Reports, the newest first", lines,
+        Html(isCut ? "No reports so far. " : "No reports here. ") + Link("/reports", "Show all reports"));
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);
     if (query.problem.empty() && !lines.empty())

@@ -36,16 +36,29 @@ VersionCount ReadVersion(SqlRow& row)
 
 }  // namespace
 
-std::vector<DayCount> DayCounts::ByDay(const std::string& referrer, const Days& days)
+std::vector<DayCount> DayCounts::ByDay(const CountFilter& filter, const Days& days)
 {
     const auto connection = database.BorrowReader();
-    return Each(connection->Query("SELECT day, " + Sums +
-                                      "FROM day_verdicts WHERE day >= $1 AND day < $2 AND referrer = $3 "
-                                      "GROUP BY day HAVING sum(pass + fail + unknown) > 0 ORDER BY day",
-                                  {days.from, days.until, ReferrerId(*connection, referrer)}),
-                [](SqlRow& row) {
-                    return DayCount{row.Number(), ReadCounts(row)};
-                });
+    const bool isByLine = filter.line > 0;
+    std::string condition = " WHERE day >= $1 AND day < $2";
+    std::vector<SqlValue> values{days.from, days.until};
+    const auto add = [&](const char* column, std::int64_t value) {
+        values.emplace_back(value);
+        condition.append(" AND ").append(column).append(" = $").append(std::to_string(values.size()));
+    };
+    if (!isByLine && !filter.referrer.empty())
+        add("referrer", ReferrerId(*connection, filter.referrer));
+    if (isByLine || filter.set > 0)
+        add("requirement_set", filter.set);
+    if (isByLine)
+        add("line", std::int64_t{filter.line} - 1);
+    return Each(
+        connection->Query("SELECT day, " + Sums + "FROM " + (isByLine ? "day_lines" : "day_verdicts") +
+                              condition + " GROUP BY day HAVING sum(pass + fail + unknown) > 0 ORDER BY day",
+                          values),
+        [](SqlRow& row) {
+            return DayCount{row.Number(), ReadCounts(row)};
+        });
 }
 
 std::vector<VersionCount> DayCounts::ByVersion(const std::string& referrer, const Days& days)

@@ -34,6 +34,13 @@ struct VersionCount {
     Counts sessions;
 };
 
+/// Which sessions to count. Without a referrer, those of all products.
+struct CountFilter {
+    std::string referrer = {};
+    std::int64_t set = 0;  // judged by this published set; 0: by any
+    int line = 0;          // of that set, from 1 on: counted by the line's results; 0: by the total
+};
+
 /// The counts that uploads and verdicts keep by day (migrations/*/004_counts.sql). They cover all reports
 /// that ever arrived; deleting reports does not change them.
 class DayCounts {
@@ -42,8 +49,8 @@ public:
 
     explicit DayCounts(Database& database) : database(database) {}
 
-    /// The days on which a product has sessions, in their order.
-    std::vector<DayCount> ByDay(const std::string& referrer, const Days& days);
+    /// The days that have such sessions, in their order.
+    std::vector<DayCount> ByDay(const CountFilter& filter, const Days& days);
     /// The versions by which a product's sessions were judged, the newest first.
     std::vector<VersionCount> ByVersion(const std::string& referrer, const Days& days);
     /// The same for all products, ordered by name, then with the newest version first.

@@ -31,6 +31,12 @@ public:
     bool IsWritable() override;
     DatabaseSize Size() override;
     std::string_view SkipLocked() const override { return " FOR UPDATE SKIP LOCKED"; }
+    std::string OnlyIndexed(const std::string& table, const std::string& key,
+                            const std::string& condition) const override
+    {
+        return " AND " + table + "." + key + " = ANY (ARRAY(SELECT " + key + " FROM " + table + " WHERE " +
+               condition + "))";
+    }
     std::string_view AwaitLocked() const override { return " FOR UPDATE"; }
     std::string_view ShareReports() const override { return " FOR KEY SHARE OF report"; }
     std::size_t LargeRowsAtOnce() const override { return 250; }

@@ -37,9 +37,11 @@ public:
         std::string any;
         for (std::size_t i = 0; i < ReportFilter::MaxLines; ++i) {
             const LineOfSet line = i < lines.size() ? lines[i] : LineOfSet{0, 1};  // no version has the id 0
+            const std::string letter = LetterOf(line.line) + " = 'f'";
+            letters += (i == 0 ? "" : " OR ") + letter;
             values.emplace_back(line.set);
             any += (i == 0 ? "(requirement_set = " : " OR (requirement_set = ") + Parameter();
-            any += " AND " + LetterOf(line.line) + " = 'f')";
+            any += " AND " + letter + ")";
         }
         text += " AND (" + any + ")";
     }
@@ -49,7 +51,10 @@ public:
     {
         const std::string letter = LetterOf(line);
         Add(letter + " = ?", ToString(result).substr(0, 1));
+        letters = letter + " = " + Parameter();
     }
+
+    std::string letters;  // the part of these two conditions that the index of the verdicts has
 
 private:
     /// An expression: the letter of the line's result. Its index has it, so the verdict is not read.
@@ -184,8 +189,11 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
         conditions.Add(prefix + "report.referrer = ?", filter.referrer);
     if (filter.total)
         conditions.Add(prefix + "verdict.total = ?", total);
-    if (byVerdict && !filter.referrer.empty())
+    std::string indexed = "report > $1 AND report < $2";
+    if (byVerdict && !filter.referrer.empty()) {
         conditions.Add(prefix + "verdict.referrer = ?", ReferrerId(*connection, filter.referrer));
+        indexed += " AND referrer = " + conditions.Parameter();
+    }
     if (filter.version > 0)
         conditions.Add("requirement_set = ?", SetId(*connection, filter));
     if (filter.isOnce)
@@ -198,6 +206,9 @@ std::vector<ReportLine> Reports::List(const ReportFilter& filter)
         conditions.AddLine(filter.line, *filter.lineResult);
     if (filter.failing)
         conditions.AddFailing(*filter.failing);
+    if (!conditions.letters.empty() && !isOfFew)
+        conditions.text +=
+            connection->OnlyIndexed("verdict", "report", indexed + " AND (" + conditions.letters + ")");
     if (filter.from > 0)
         conditions.Add(unindexed + "received >= ?", filter.from);
     if (filter.until > 0)

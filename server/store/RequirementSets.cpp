@@ -79,6 +79,16 @@ std::string RequirementSets::Text(std::int64_t set)
     return SelectText(*database.BorrowQuick(), set);
 }
 
+std::vector<PublishedDay> RequirementSets::PublishedDays()
+{
+    return Each(database.Read("SELECT published / 86400000 AS day, count(*), min(name), max(version) FROM "
+                              "requirement_set JOIN referrer "
+                              "ON referrer.id = requirement_set.referrer GROUP BY day ORDER BY day"),
+                [](SqlRow& row) {
+                    return PublishedDay{row.Number(), row.Small(), row.Text(), row.Small()};
+                });
+}
+
 std::vector<Product> RequirementSets::Products()
 {
     return Each(

@@ -18,6 +18,14 @@ struct PublishedSet {
     std::string author;
 };
 
+/// The versions that all products published on one day.
+struct PublishedDay {
+    std::int64_t day = 0;  // since 1970, UTC
+    int count = 0;
+    std::string referrer;  // and `version`: of the only one, if count is 1
+    int version = 0;
+};
+
 /// Requirements that are being written; `revision` grows with each change.
 struct Draft {
     std::string text;
@@ -46,6 +54,8 @@ public:
     std::map<std::string, std::string> Titles(const std::vector<std::string>& referrers);
     /// The versions of a referrer's requirements, the newest first.
     std::vector<PublishedSet> Versions(const std::string& referrer);
+    /// The days on which versions were published, in their order.
+    std::vector<PublishedDay> PublishedDays();
     /// The newest requirements of a referrer; nothing for an unknown one.
     std::optional<PublishedSet> Newest(const std::string& referrer);
     /// The same for a caller that may wait: it leaves alone the connections that are reserved for group

@@ -68,6 +68,13 @@ public:
 
     /// A prefix that keeps the database from using a column's index; empty where it chooses well by itself.
     virtual std::string_view UnindexedPrefix() const { return {}; }
+    /// A further condition, from " AND" on, which keeps the database from reading rows of a table that an
+    /// index alone can exclude: the key is one of those rows'; empty where the database does so by itself.
+    virtual std::string OnlyIndexed(const std::string& /*table*/, const std::string& /*key*/,
+                                    const std::string& /*condition*/) const
+    {
+        return {};
+    }
     /// The end of a SELECT whose rows are about to be deleted, so that two deletions do not wait for each
     /// other; empty where only one connection can write.
     virtual std::string_view SkipLocked() const { return {}; }

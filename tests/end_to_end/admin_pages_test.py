@@ -22,7 +22,7 @@ class Pages(AdminTest):
         cookie = self.log_in()
 
         def ids(path):
-            return [int(cell) for cell, in self.page(path, cookie).cells(0)[1:]]
+            return [int(row[0]) for row in self.page(path, cookie).rows if row[0].isdigit()]
         for query, expected in (
                 ("session=s7", [67, 7]), ("verdict=fail", [n for n in range(120, 60, -1) if n % 8 < 4]),
                 ("verdict=pass&referrer=demo", [n for n in range(119, 60, -2) if n % 8 >= 4]), ("verdict=pass&referrer=x", []),
@@ -37,7 +37,7 @@ class Pages(AdminTest):
         seen, path = [], "/reports?referrer=demo"
         for _ in range(2):
             page = self.page(path, cookie)
-            seen += [int(cell) for cell, in page.cells(0)[1:]]
+            seen += [int(row[0]) for row in page.rows if row[0].isdigit()]
             self.upload("later", "demo")
             path = next((link for link in page.links if "before=" in link), None)
         self.assertEqual((seen, path), (list(range(119, 0, -2)), None))

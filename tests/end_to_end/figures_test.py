@@ -13,6 +13,10 @@ from administration import AdminTest, report
 
 DAY = 24 * 3600 * 1000
 RESULTS = ("fail", "unknown", "pass")
+# Lists of reports: their restrictions, and the product, version and line, from 1 on, whose sessions they are about.
+LISTS = (("", None, 0, 0, "pass"), ("&referrer=demo", "demo", 0, 0, "pass"), ("&verdict=unknown", None, 0, 0, "unknown"),
+         ("&referrer=demo&version=3&verdict=fail", "demo", 3, 0, "fail"),
+         ("&referrer=demo&version=2&line=4&result=unknown", "demo", 2, 4, "unknown"))
 PERIODS = ("period=today", "period=7d", "period=30d", "period=90d", "period=all", "from=FROM&until=UNTIL", "until=UNTIL")
 # Each session's newest verdict on each product.
 COUNTED = """SELECT name, version, received / 86400000, total, lines, body FROM (
@@ -120,13 +124,39 @@ class Figures(AdminTest):
         self.assertEqual([[row[0], int(row[2]), int(row[3]), int(row[1])] for row in versions],
                          by_version if len(by_version) > 1 else [], query)
         self.assertEqual(f"Of all {len(by_version)} versions" in page.data, len(by_version) > 1, query)
-        by_day = [row for row in page.rows if len(row) == 6 and row[5].endswith("%")]
-        self.assertEqual([sum(int(row[column]) for row in by_day) for column in (3, 4, 2)], [fail, unknown, passed], query)
+        by_day = self.check_by_day(page, [fail, unknown, passed], query)
         if len(by_day) > 1 and len(days) <= 31:
             first, found = by_day[0], collections.Counter(day for _, day, _, _ in sessions)
             self.assertEqual((first[0], first[1]), (str(datetime.date(1970, 1, 1) + datetime.timedelta(max(found))),
                                                     str(found[max(found)])), query)
         return page
+
+    def check_by_day(self, page, expected, query):
+        """The table below a curve; returns its rows."""
+        rows = [row for row in page.rows if len(row) == 6 and row[5].endswith("%")]
+        self.assertEqual([sum(int(row[column]) for row in rows) for column in (3, 4, 2)], expected, query)
+        return rows
+
+    def check_lists(self, query):
+        """How a list of reports compares with the period before, and its curve."""
+        days, query = self.days(query)
+        for restriction, product, version, line, result in LISTS:
+            def found(within):
+                sessions = [session for name in ((product,) if product else ("demo", "other"))
+                            for session in self.counted(within, name) if version in (0, session[0])]
+                return [results[line - 1] if line else total for _, _, total, results in sessions]
+
+            page = self.page(f"/reports?{query}{restriction}", self.cookie)
+            now = found(days)
+            self.check_by_day(page, counts(now), query + restriction)
+            if not now:
+                self.assertIn("No session was judged", page.data, query + restriction)
+                continue
+            self.assertIn(f"{share(now.count(result), len(now))} of {len(now)} sessions", page.data, query + restriction)
+            if days.start > 0:
+                old = found(range(days.start - len(days), days.start))
+                self.assertIn(f"before it was {share(old.count(result), len(old))} of {len(old)}." if old else "before had none.",
+                              page.data, query + restriction)
 
     def check_overview(self, query):
         days, query = self.days(query)
@@ -141,6 +171,7 @@ class Figures(AdminTest):
         sessions = [total for referrer in ("demo", "other") for _, _, total, _ in self.counted(days, referrer)]
         if sessions:
             self.assertIn(f"{share(sessions.count('pass'), len(sessions))} of {len(sessions)} sessions", page.data, query)
+        self.check_by_day(page, counts(sessions), query)
         shares = {}
         for referrer, newest in (("demo", 4), ("other", 1)):
             sessions = self.counted(days, referrer)
@@ -189,15 +220,18 @@ class Figures(AdminTest):
         self.assertGreater(len(links), 4, path)
         for link, number in links:
             listed = self.page(html.unescape(link), self.cookie)
-            self.assertEqual(len(listed.cells(4)[1:]), min(int(number), 50), link)  # of which a page has 50
+            reports = [row for row in listed.rows if len(row) == 5 and row[0].isdigit()]
+            self.assertEqual(len(reports), min(int(number), 50), link)  # of which a page has 50
 
     def test_figures_are_those_of_the_store_and_lead_to_their_reports(self):
         for query in PERIODS:
             self.within_a_day(self.check_product, query)
             self.within_a_day(self.check_overview, query)
+            self.within_a_day(self.check_lists, query)
         for query in ("period=90d", "period=all", "from=FROM&until=UNTIL"):
             self.within_a_day(self.check_bars, query)
-        for path in ("/products/demo?period=all", "/products/demo?period=90d", "/?period=30d"):
+        for path in ("/products/demo?period=all", "/products/demo?period=90d", "/?period=30d",
+                     f"/reports?period=90d{LISTS[-1][0]}"):
             self.within_a_day(self.check_links, path)
         queries = ("period=all", self.days("from=FROM&until=UNTIL")[1])
         kept = [self.page(f"/products/demo?{query}", self.cookie).rows for query in queries]

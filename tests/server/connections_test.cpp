@@ -97,7 +97,7 @@ TEST_F(StoreTest, AnOlderDatabaseComesToTheNewestVersionWithItsData)
     Open();
     EXPECT_EQ(Verdicts(*database).OnReport(1).at(0).total, Result::Fail);
     DayCounts counts(*database);
-    const auto days = counts.ByDay("r", {});
+    const auto days = counts.ByDay({"r"}, {});
     ASSERT_EQ(days.size(), 1U) << "a session counts twice";
     EXPECT_EQ(days[0].day, 1);
     EXPECT_EQ(days[0].sessions.fail, 1);

@@ -60,12 +60,12 @@ TEST(ValueSample, CountsASessionByItsFirstDeviceOrByAnyOfThem)
 }
 
 /// Searches a store that never ends for a line's result that no verdict has.
-TEST(ReportSearch, ByALineEndsAfterItsSecondAndSaysHowFarItCame)
+TEST(ReportSearch, ByALineEndsAfterItsStretchesAndSaysHowFarItCame)
 {
-    std::int64_t last = 1'000'000'000;
-    const auto start = std::chrono::steady_clock::now();
+    constexpr std::int64_t Newest = 1'000'000'000;
+    std::int64_t last = Newest;
     const auto respond = [&](const std::string& sql) {
-        if (std::chrono::steady_clock::now() - start > std::chrono::minutes(1))
+        if (Newest - last > 1000)
             throw std::runtime_error("the search does not end");
         return sql.find("OFFSET") == std::string::npos ? SqlRows()
                                                        : SqlRows{SqlRow({std::to_string(--last)})};
@@ -78,7 +78,7 @@ TEST(ReportSearch, ByALineEndsAfterItsSecondAndSaysHowFarItCame)
     const FoundReports found = SearchReports(database, query, query.Filter());
     EXPECT_EQ(found.reached, last);
     EXPECT_TRUE(found.lines.empty());
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(900));
+    EXPECT_EQ(Newest - last, 10) << "stretches";
 }
 
 }  // namespace

@@ -71,7 +71,7 @@ TEST_F(StoreTest, EachSessionCountsOnceWithItsNewestVerdict)
     Reports(*database).DeleteSession("s", 100, nullptr);
     EXPECT_EQ(all(), "v2 1/1/0 ") << "a deletion changes the counts";
     EXPECT_EQ(counts.Reports({})["r"], 9);
-    EXPECT_TRUE(counts.ByDay("r", {0, Now() / DayLength - 1}).empty());
+    EXPECT_TRUE(counts.ByDay({"r"}, {0, Now() / DayLength - 1}).empty());
 }
 
 }  // namespace

@@ -24,6 +24,7 @@ PAGES = (
     ("A product's requirements", "/products/demo/requirements"),
     ("A version", "/products/demo/version?number=1"), ("Reports", "/reports"), ("Reports that fail", "/reports?verdict=fail"),
     ("Sessions of a number on a page", "/reports?referrer=demo&version=1&verdict=unknown&once=1&period=90d"),
+    ("Reports of 7 days", "/reports?period=7d"), ("Failing sessions of all products", "/reports?once=1&verdict=fail&period=30d"),
     ("Reports of a day", "/reports?referrer=demo&from=DAY&until=DAY"),
     ("A line that a quarter fails", BY_LINE.format(8, "fail")), ("A line that ten leave unknown", BY_LINE.format(27, "unknown")),
     ("A line that none fails", BY_LINE.format(2, "fail")), ("Reports of a session", "/reports?session=s-77"),

@@ -15,8 +15,8 @@ namespace {
 constexpr int PictureWidth = 600, PictureHeight = 208;
 constexpr int Left = 76, Right = 8, Top = 26, CurveHeight = 96, BarsTop = 132, BarsHeight = 44,
               TextLine = 200;
-constexpr int MinMarkDistance = 40;          // between the labels of two publications
-constexpr int MaxDays = 31, MaxWeeks = 104;  // that have a step each
+constexpr int MinLabelWidth = 40, CharacterWidth = 11;  // of the label of a publication, on a narrow page
+constexpr int MaxDays = 31, MaxWeeks = 104;             // that have a step each
 
 std::string Units(double number)
 {
@@ -37,14 +37,10 @@ Html VerticalLine(const std::string& kind, double x, int from, int until)
                                   {"y2", std::to_string(until)}});
 }
 
-double Height(const Counts& sessions)
-{
-    return Top + CurveHeight * (1.0 - double{1} * sessions.pass / sessions.All());
-}
-
 }  // namespace
 
-Curve::Curve(const std::vector<DayCount>& days, const Days& range)
+Curve::Curve(const std::vector<DayCount>& days, const Days& range, Subject subject)
+    : subject(std::move(subject))
 {
     if (days.empty())
         return;
@@ -77,6 +73,11 @@ std::string Curve::Name(const Step& step) const
                : fmt::format("{} to {}", first, DayText((step.until - 1) * DayLength));
 }
 
+std::string Curve::Share(const Step& step) const
+{
+    return Percentage(step.sessions[subject.shown], step.sessions.All());
+}
+
 double Curve::Place(std::int64_t day) const
 {
     const auto count = static_cast<double>(steps.back().until - steps.front().from);
@@ -101,8 +102,8 @@ Html Curve::Bars(const Address& address) const
                                                 {"width", Units(width)},
                                                 {"height", Units(height)}});
         const Html title = Html::Element("title", {},
-                                         fmt::format("{}: {} sessions, {} pass", Name(step), Grouped(count),
-                                                     Percentage(step.sessions.pass, count)));
+                                         fmt::format("{}: {} sessions, {} {}", Name(step), Grouped(count),
+                                                     Share(step), ToString(subject.shown)));
         // The table has the same links for the keyboard.
         bars += Html::Element("a", {{"href", address(step.from, step.until, "")}, {"tabindex", "-1"}},
                               {title, bar});
@@ -127,29 +128,31 @@ Html Curve::Line() const
     for (const Step& step : steps) {
         if (step.sessions.All() == 0)
             continue;
+        const double part = double{1} * step.sessions[subject.shown] / step.sessions.All();
         const std::string x = Units((Place(step.from) + Place(step.until)) / 2),
-                          y = Units(Height(step.sessions));
+                          y = Units(Top + CurveHeight * (1.0 - part));
         points += (points.empty() ? "" : " ") + x + "," + y;
         dots += Html::Element("circle", {{"class", "point"}, {"cx", x}, {"cy", y}, {"r", "2.5"}});
     }
     return line + Html::Element("polyline", {{"class", "curve"}, {"points", points}}) + dots;
 }
 
-Html Curve::Marks(const std::vector<PublishedSet>& publications) const
+Html Curve::Marks(const std::vector<Publication>& publications) const
 {
     Html marks;
-    double last = -MinMarkDistance;
-    for (auto set = publications.rbegin(); set != publications.rend(); ++set) {
-        const std::int64_t day = set->published / DayLength;
+    double free = 0;  // from there on no label has been written
+    for (const auto& [day, label] : publications) {
         if (day < steps.front().from || day >= steps.back().until)
             continue;
         const double x = Place(day);
         marks += VerticalLine("mark", x, Top - 4, BarsTop + BarsHeight);
-        if (x - last < MinMarkDistance)
+        const int width = std::max(MinLabelWidth, CharacterWidth * static_cast<int>(label.size()));
+        const bool isAtEnd = x > PictureWidth - width;
+        const double left = isAtEnd ? x - width : x;
+        if (left < free)
             continue;
-        last = x;
-        const bool isAtEnd = x > PictureWidth - MinMarkDistance;
-        marks += Text(x, Top - 7, isAtEnd ? "end" : "start", fmt::format("v{}", set->version));
+        free = left + width;
+        marks += Text(x, Top - 7, isAtEnd ? "end" : "start", label);
     }
     return marks;
 }
@@ -157,12 +160,15 @@ Html Curve::Marks(const std::vector<PublishedSet>& publications) const
 Html Curve::Figures(const Address& address) const
 {
     const std::string kind = stepDays == 1 ? "day" : stepDays == 7 ? "week" : "four weeks";
-    Table table("Sessions by " + kind + ", of all versions, the newest first", {{"Days (UTC)"},
-                                                                                {"Sessions", true},
-                                                                                {"Pass", true},
-                                                                                {"Fail", true},
-                                                                                {"Unknown", true},
-                                                                                {"Passing", true}});
+    const std::string share = subject.shown == Result::Pass   ? "Passing"
+                              : subject.shown == Result::Fail ? "Failing"
+                                                              : "Share unknown";
+    Table table(fmt::format("Sessions by {}, {}, the newest first", kind, subject.scope), {{"Days (UTC)"},
+                                                                                           {"Sessions", true},
+                                                                                           {"Pass", true},
+                                                                                           {"Fail", true},
+                                                                                           {"Unknown", true},
+                                                                                           {share, true}});
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
         const int count = step->sessions.All();
         if (count == 0)
@@ -175,20 +181,21 @@ Html Curve::Figures(const Address& address) const
         };
         table.Add({link(Name(*step), ""), number(count, ""), number(step->sessions.pass, "pass"),
                    number(step->sessions.fail, "fail"), number(step->sessions.unknown, "unknown"),
-                   Percentage(step->sessions.pass, count)});
+                   Share(*step)});
     }
     return Html::Element("details", {},
                          {Html::Element("summary", {}, "Figures by " + kind), table.Done("None.")});
 }
 
-Html Curve::Show(const std::vector<PublishedSet>& publications, const Address& address) const
+Html Curve::Show(const std::vector<Publication>& publications, const Address& address) const
 {
     if (steps.empty())
         return {};
     const Html ends =
         Text(Left, TextLine, "start", DayText(steps.front().from * DayLength)) +
         Text(PictureWidth - Right, TextLine, "end", DayText((steps.back().until - 1) * DayLength));
-    const std::string title = "The share of sessions that pass, above their number, of all versions";
+    const std::string title =
+        fmt::format("The share of {}, above their number, {}", subject.share, subject.scope);
     return Html::Element("figure", {{"class", "curve"}},
                          {Html::Element("figcaption", {}, title),
                           Html::Element("svg",
