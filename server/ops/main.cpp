@@ -21,6 +21,7 @@
 #include "server/ops/Accounts.h"
 #include "server/ops/Backup.h"
 #include "server/ops/Config.h"
+#include "server/ops/CountMerging.h"
 #include "server/ops/Export.h"
 #include "server/ops/HeapTrimmer.h"
 #include "server/ops/Import.h"
@@ -91,6 +92,7 @@ void RunServe(const Config& config)
     std::optional<Retention> retention;
     if (config.keep.count() > 0)
         retention.emplace(*database, config.keep);
+    const CountMerging merging(*database);
     Site site(*database, config.admin);
     const Router open = PublicRoutes(service, checks, metrics);
     Router admin = AdminRoutes(*database, metrics, config.admin);

@@ -24,6 +24,40 @@ std::string VersionsWhere(const std::string& condition)
            "name, version DESC";
 }
 
+/// A table of counts with parts.
+struct PartsTable {
+    std::string name;
+    std::vector<std::string> key, counts;
+};
+
+const PartsTable PartsTables[] = {
+    {"day_reports", {"referrer", "day"}, {"reports"}},
+    {"day_verdicts", {"referrer", "day", "requirement_set"}, {"pass", "fail", "unknown"}},
+    {"day_lines", {"requirement_set", "day", "line"}, {"pass", "fail", "unknown"}}};
+
+/// A statement that moves the parts of the count with the key $1, $2 and so on to its part 0. A verdict that
+/// changes one of them meanwhile waits, or is waited for; it cannot wait for two counts' parts at a time, so
+/// that no two wait for each other.
+std::string MergeStatement(const PartsTable& table)
+{
+    std::string key, condition, sums, changes;
+    for (const std::string& column : table.key) {
+        key += (key.empty() ? "" : ", ") + column;
+        condition += column + " = $" + std::to_string(&column - table.key.data() + 1) + " AND ";
+    }
+    for (const std::string& column : table.counts) {
+        sums += ", sum(" + column + ")";
+        changes += (changes.empty() ? "" : ", ") + column + " = kept." + column + " + excluded." + column;
+    }
+    std::string columns = key + ", part";
+    for (const std::string& column : table.counts)
+        columns += ", " + column;
+    return "WITH moved AS (DELETE FROM " + table.name + " WHERE " + condition +
+           "part > 0 RETURNING *) INSERT INTO " + table.name + " AS kept (" + columns + ") SELECT " + key +
+           ", 0" + sums + " FROM moved GROUP BY " + key + " ON CONFLICT (" + key + ", part) DO UPDATE SET " +
+           changes;
+}
+
 Counts ReadCounts(SqlRow& row)
 {
     return {row.Small(), row.Small(), row.Small()};
@@ -159,6 +193,31 @@ std::map<std::string, std::int64_t> DayCounts::Reports(const Days& days)
         reports[name] = row.Number();
     }
     return reports;
+}
+
+void DayCounts::MergeParts(std::int64_t until, const std::function<bool()>& ends)
+{
+    if (!database.BorrowReader()->HasCountParts())
+        return;
+    for (const PartsTable& table : PartsTables) {
+        const std::string merge = MergeStatement(table);
+        std::string key;
+        for (const std::string& column : table.key)
+            key += (key.empty() ? "" : ", ") + column;
+        for (SqlRow& row :
+             database.Read("SELECT DISTINCT " + key + " FROM " + table.name + " WHERE part > 0 AND day < $1",
+                           {until})) {
+            if (ends())
+                return;
+            std::vector<SqlValue> values;
+            for (std::size_t i = 0; i < table.key.size(); ++i)
+                values.emplace_back(row.Number());
+            database.Change([&](SqlConnection& connection) {
+                connection.Query(merge, values);
+                return true;
+            });
+        }
+    }
 }
 
 }  // namespace kel::server

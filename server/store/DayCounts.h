@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <limits>
 #include <map>
 #include <optional>
@@ -68,6 +69,11 @@ public:
     std::vector<Days> DaysWith(std::int64_t set, int line, Result result, const Days& days);
     /// How many reports arrived: for each product, and under "" for those without one.
     std::map<std::string, std::int64_t> Reports(const Days& days);
+
+    /// Where counts have parts, makes one of those of each day before `until`, until `ends` returns true. The
+    /// counts stay the same, and may change meanwhile. Each of them is a transaction.
+    void MergeParts(
+        std::int64_t until, const std::function<bool()>& ends = [] { return false; });
 
 private:
     Database& database;

@@ -37,6 +37,7 @@ public:
         return " AND " + table + "." + key + " = ANY (ARRAY(SELECT " + key + " FROM " + table + " WHERE " +
                condition + "))";
     }
+    bool HasCountParts() const override { return true; }
     std::string_view AwaitLocked() const override { return " FOR UPDATE"; }
     std::string_view ShareReports() const override { return " FOR KEY SHARE OF report"; }
     std::size_t LargeRowsAtOnce() const override { return 250; }

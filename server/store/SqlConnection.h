@@ -75,6 +75,8 @@ public:
     {
         return {};
     }
+    /// Whether each count by day is the sum of several rows, its parts.
+    virtual bool HasCountParts() const { return false; }
     /// The end of a SELECT whose rows are about to be deleted, so that two deletions do not wait for each
     /// other; empty where only one connection can write.
     virtual std::string_view SkipLocked() const { return {}; }

@@ -159,8 +159,8 @@ class Bodies(DeployedTest):
 class Commands(DeployedTest):
     def test_only_a_database_of_this_program_and_version_is_served(self):
         self.stop()
-        self.assertIn("version=7", self.command("migrate"))
-        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 7"),
+        self.assertIn("version=8", self.command("migrate"))
+        for sql, commands, reason in ((self.database.version % 99, ("serve", "migrate"), "newer than 8"),
                                       (self.database.version % 1, ("serve",), "run the command migrate"),
                                       (self.database.foreign, ("serve", "migrate"), "another program's")):
             self.database.run(sql)

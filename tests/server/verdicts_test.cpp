@@ -74,6 +74,45 @@ TEST_F(StoreTest, EachSessionCountsOnceWithItsNewestVerdict)
     EXPECT_TRUE(counts.ByDay({"r"}, {0, Now() / DayLength - 1}).empty());
 }
 
+TEST_F(StoreTest, MergedCountsStayTheSameWhileVerdictsChangeThem)
+{
+    constexpr int Sessions = 24, Judges = 6, Rounds = 20;
+    DayCounts counts(Open());
+    RequirementSets(*database).Publish("r", "1", "", "");
+    std::vector<std::int64_t> reports;
+    for (int i = 0; i < Sessions; ++i)
+        reports.push_back(Upload(fmt::format("s{}", i), "r"));
+    const std::int64_t today = Now() / DayLength;
+    const auto judge = [&](std::int64_t report, bool passes) {
+        Judge(report, "r", passes ? Result::Pass : Result::Fail,
+              passes ? R"([{"result":"pass"}])" : R"([{"result":"unknown"}])");
+    };
+    Together(Judges + 2, [&](int i) {
+        for (int round = 0; round < Rounds; ++round) {
+            if (i >= Judges)
+                counts.MergeParts(today + 2);
+            for (int report = i; i < Judges && report < Sessions; report += Judges)
+                judge(reports[static_cast<std::size_t>(report)], round % 2 == 1);
+        }
+        return 1;
+    });
+    judge(Upload("last", "r"), true);
+    counts.MergeParts(today);
+    if (IsPostgres()) {
+        EXPECT_GT(CountRows("day_verdicts WHERE part > 0"), 0) << "the counts of the last day are merged";
+    }
+    counts.MergeParts(today + 2);
+    const auto versions = counts.ByVersion("r", {});
+    ASSERT_EQ(versions.size(), 1U);
+    EXPECT_EQ(versions[0].sessions.pass, Sessions + 1);
+    EXPECT_EQ(versions[0].sessions.All(), Sessions + 1);
+    EXPECT_EQ(counts.Lines(1, {}).at(0).pass, Sessions + 1);
+    EXPECT_EQ(counts.Lines(1, {}).at(0).All(), Sessions + 1);
+    EXPECT_EQ(counts.Reports({})["r"], Sessions + 1);
+    for (const char* table : {"day_reports", "day_verdicts", "day_lines"})
+        EXPECT_EQ(CountRows(table), counts.ByDay({"r"}, {}).size()) << table;
+}
+
 }  // namespace
 
 }  // namespace kel::server

@@ -139,7 +139,10 @@ def add_products(store):
     days = ", ".join(f"({today - ago})" for ago in range(SPREAD // DAY))
     parts = "FROM requirement_set, (VALUES {0}) AS days {1} WHERE id > 1"
     if store.part:
+        # Today's counts have parts; those of past days are merged.
         parts = parts.format(days, "(day), generate_series(0, 7) AS parts (part)")
-        store.run(f"INSERT INTO day_verdicts SELECT referrer, day, id, part, 30, 10, 2 {parts}")
+        store.run(f"INSERT INTO day_verdicts SELECT referrer, day, id, part, 30, 10, 2 {parts} AND day = {today}; "
+                  f"INSERT INTO day_verdicts SELECT referrer, day, id, part, 240, 80, 16 {parts} AND day < {today} AND part = 0; "
+                  "VACUUM ANALYZE")
     else:
         store.run(f"INSERT INTO day_verdicts SELECT referrer, column1, id, 240, 80, 16 {parts.format(days, '')}")

@@ -1,0 +1,1 @@
+-- PostgreSQL's counts change in this version; here each one is a single row.
