@@ -9,9 +9,9 @@
 
 namespace kel::server {
 
-/// Merges the parts of the counts of past days, at once and then every hour, on its own thread while it
-/// exists. Several front ends of one database may do so at the same time. Failures are logged, and tried
-/// again.
+/// Merges the parts of the counts of past days in a PostgreSQL database, at once and then every hour, on its
+/// own thread while it exists. Several front ends of one database may do so at the same time. Failures are
+/// logged, and tried again.
 class CountMerging {
 public:
     explicit CountMerging(Database& database);

@@ -34,6 +34,7 @@
 #include "server/protocol/Service.h"
 #include "server/store/Migrations.h"
 #include "server/store/OpenDatabase.h"
+#include "server/store/PostgresConnection.h"
 
 namespace {
 
@@ -92,7 +93,9 @@ void RunServe(const Config& config)
     std::optional<Retention> retention;
     if (config.keep.count() > 0)
         retention.emplace(*database, config.keep);
-    const CountMerging merging(*database);
+    std::optional<CountMerging> merging;
+    if (PostgresConnection::IsAddress(config.database.location))
+        merging.emplace(*database);
     Site site(*database, config.admin);
     const Router open = PublicRoutes(service, checks, metrics);
     Router admin = AdminRoutes(*database, metrics, config.admin);
