@@ -43,7 +43,8 @@ class Pages(AdminTest):
         self.assertEqual((seen, path), (list(range(119, 0, -2)), None))
         for length, shown in ((60, "x" * 60), (61, "x" * 60 + "…")):
             self.upload("x" * length)
-            self.assertEqual(self.page("/reports", cookie).cells(3)[1], (shown,))
+            newest = next(row for row in self.page("/reports", cookie).rows if len(row) == 5 and row[0].isdigit())
+            self.assertEqual(newest[3], shown)
         newer = next(link for link in self.page(f"/reports?referrer=demo&before={21}", cookie).links if "after=" in link)
         self.assertEqual(ids(newer), list(range(119, 20, -2)))
 
