@@ -11,6 +11,7 @@
 #include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/RequirementSets.h"
+#include "verdict/text/Text.h"
 
 namespace kel::server {
 
@@ -60,7 +61,7 @@ std::vector<int> ChartedValues(const std::map<int, std::vector<AskedValue>>& ask
     return ids;
 }
 
-/// How many sessions report each value.
+/// How many sessions report each value; an empty text is none.
 class Choices {
 public:
     void Count(const Report& report)
@@ -70,7 +71,8 @@ public:
             int id = 0;
             const char* end = key.first.data() + key.first.size();
             const auto read = std::from_chars(key.first.data(), end, id);
-            if (read.ec != std::errc() || read.ptr != end || id == last || IsIdentifier(id) || !IsOffered(id))
+            if (read.ec != std::errc() || read.ptr != end || id == last || Trim(value).empty() ||
+                IsIdentifier(id) || !IsOffered(id))
                 continue;
             ++counts[id];
             last = id;
