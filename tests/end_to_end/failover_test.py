@@ -3,6 +3,7 @@
 import http.client
 import os
 import signal
+import subprocess
 import threading
 import time
 import types
@@ -10,7 +11,8 @@ import unittest
 import unittest.mock
 
 from databases import KIND, Server
-from deployed import REPORT, UPLOAD, DeployedTest
+from deployed import REPORT, SERVER, UPLOAD, DeployedTest
+from harness import PATIENCE
 
 LIMIT = 60  # seconds, for steps that take one or two
 
@@ -109,13 +111,19 @@ class Failover(DeployedTest):
         self.standby.signal_all(signal.SIGCONT)
         self.assertEqual(kept, [False])
         self.assertTrue(self.upload("both write"))
+        subprocess.run([SERVER, "user", "add", "reader", "ann", "--database", self.database.setting], input="a long password\n",
+                       text=True, check=True)
         self.primary.ask("postgres", "ALTER SYSTEM SET default_transaction_read_only = on")
         self.primary.ask("postgres", "SELECT pg_reload_conf()")
         self.wait_for(lambda: not self.upload("read-only"))
         self.assertEqual(self.ask("GET", "/readyz", address=self.admin)[0], 503)
         several, self.database.setting = self.address, self.standby.address("kel")
-        self.start()
+        self.start("--sso-header", "on")
         self.assertFalse(self.upload("standby alone"))
+        connection = http.client.HTTPConnection(self.admin, timeout=PATIENCE)
+        self.addCleanup(connection.close)
+        connection.request("GET", "/", headers={"X-Remote-User": "ann"})
+        self.assertIn(b"<b>database is read-only</b>service", connection.getresponse().read())
         self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"the database does not accept writes\n"))
         self.standby.ask("postgres", "SELECT pg_promote()")
         for name, self.address in (("alone, promoted", self.address), ("of several, promoted", several)):

@@ -1,15 +1,19 @@
 """The deployed service as an operator uses it: its metrics, its package, and the proxy in front of it."""
 
+import contextlib
 import json
+import os
 import re
 import shlex
 import shutil
+import socket
 import subprocess
 import tempfile
+import time
 import unittest
 from pathlib import Path
 
-from deployed import LIST, REPORT, UPLOAD, DeployedTest, analysis
+from deployed import LIST, REPORT, SERVER, UPLOAD, DeployedTest, analysis
 from harness import API_KEY, PATIENCE, ROOT
 
 MONITORING = ROOT / "packaging" / "server" / "monitoring"
@@ -87,6 +91,41 @@ class Metrics(DeployedTest):
         for path, answer in (("/healthz", (200, b"ok\n")), ("/readyz", (503, b"the database does not answer\n"))):
             self.assertEqual((self.ask("GET", path, address=self.admin), self.ask("GET", path)), (answer, (404, b"")))
         self.assertEqual(self.metrics("errors"), {"kel_database_errors_total": 2})
+
+
+class FirstTry(unittest.TestCase):
+    def test_the_script_prints_what_leads_to_an_account_and_to_a_verdict(self):
+        folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        for part in ("scripts", "build/server"):
+            (folder / part).mkdir(parents=True)
+        shutil.copy(ROOT / "scripts" / "serve.sh", folder / "scripts")
+        (folder / "scripts" / "build.sh").symlink_to("/bin/true")  # built already
+        (folder / "build" / "server" / "kel_server").symlink_to(SERVER)
+        (folder / "examples").symlink_to(ROOT / "examples")
+        with contextlib.ExitStack() as sockets:
+            ports = [sockets.enter_context(socket.create_server(("127.0.0.1", 0))).getsockname()[1] for _ in range(2)]
+        output = self.enterContext(open(folder / "output", "w+", encoding="ascii"))
+        environment = {name: value for name, value in os.environ.items() if not name.startswith("KEL_")}
+        service = subprocess.Popen([folder / "scripts" / "serve.sh", "--port", str(ports[0]), "--admin-port", str(ports[1])],
+                                   stdout=output, stderr=output, env=environment)
+        self.addCleanup(service.wait)
+        self.addCleanup(service.kill)
+        end = time.monotonic() + PATIENCE
+        while "event=listening" not in (printed := Path(output.name).read_text("ascii")):
+            self.assertIsNone(service.poll(), printed)
+            self.assertLess(time.monotonic(), end, printed)
+            time.sleep(0.02)
+        service_address, admin = re.findall(r"http://127\.0\.0\.1:\d+/", printed)
+        [command] = re.findall(r"^  (KEL_DATABASE=.* user add editor) NAME$", printed, re.MULTILINE)
+        subprocess.run(["sh", "-ec", command + " Edith"], cwd=folder, input=b"a long password\n", check=True)
+        entered = subprocess.run(["curl", "-sS", "-o", os.devnull, "-w", "%{http_code}", "-d",
+                                  "name=Edith&password=a+long+password", admin + "login"], capture_output=True, text=True)
+        self.assertEqual(entered.stdout, "303", "the account cannot log in")
+        self.assertIn("docs/service.md has requests to try", printed)
+        requests = re.search(r"^key=.*?(?=^```)", (ROOT / "docs" / "service.md").read_text("utf-8"), re.DOTALL | re.MULTILINE)[0]
+        requests = requests.replace("http://127.0.0.1:8080/", service_address).replace("curl", "curl -sS")
+        answers = subprocess.run(["sh", "-ec", requests], capture_output=True, text=True, check=True).stdout
+        self.assertRegex(answers, r'(?s)71063.*OK.*<analysis result="unknown"', "the requests of docs/service.md")
 
 
 class Packaged(unittest.TestCase):

@@ -1,5 +1,6 @@
 """The deployed service when room is short: on a small file system that fills up, and at the configured bounds."""
 
+import http.client
 import os
 import subprocess
 import tempfile
@@ -11,12 +12,28 @@ import databases
 from database_test import DataTest, sqlite
 from databases import KIND
 from deployed import REPORT, SERVER, UPLOAD, analysis
+from harness import PATIENCE
 
 LARGE = " " * 200_000
 MEGABYTE = 1 << 20
 
 
 class Rooms(DataTest):
+    def setUp(self):
+        super().setUp()
+        subprocess.run([SERVER, "user", "add", "editor", "ann", "--database", self.database.setting], input="a long password\n",
+                       text=True, check=True)
+
+    def log_in(self):
+        """The status, and the first page of the administration."""
+        connection = http.client.HTTPConnection(self.admin, timeout=PATIENCE)
+        self.addCleanup(connection.close)
+        connection.request("POST", "/login", "name=ann&password=a long password")
+        answer = connection.getresponse()
+        answer.read()
+        connection.request("GET", "/", headers={"Cookie": answer.headers.get("Set-Cookie", "").split(";")[0]})
+        return answer.status, connection.getresponse().read().decode()
+
     def upload_large(self, session):
         return self.ask("POST", UPLOAD, REPORT.format(session) + LARGE)
 
@@ -34,6 +51,7 @@ class Rooms(DataTest):
         self.assertEqual(self.ask("GET", "/readyz", address=self.admin), (503, b"there is no room for reports\n"))
         metrics = self.ask("GET", "/metrics", address=self.admin)[1].decode()
         self.assertIn("\nkel_room_for_reports 0\n", metrics)
+        self.assertIn("<b>no room for reports</b>service", self.log_in()[1])
         self.assertRegex(metrics, r'route="/Data/Service.svc/upload",status="507"} [1-9]')
 
 
@@ -69,8 +87,6 @@ class SmallDisk(Rooms):
         self.addCleanup(subprocess.run, ["umount", self.small], check=True)
         with unittest.mock.patch("deployed.Database", lambda _: databases.Sqlite(self.small)):
             super().setUp()
-        subprocess.run([SERVER, "user", "add", "editor", "ann", "--database", self.database.setting], input="a long password\n",
-                       text=True, check=True)
         self.require("r", (71063, "M", "any"))
 
     def free(self):
@@ -93,15 +109,12 @@ class SmallDisk(Rooms):
         status, body = self.ask("POST", "/service/Analysis/r", analysis("large0"))
         return status, b'result="pass"' in body
 
-    def log_in(self):
-        return self.ask("POST", "/login", "name=ann&password=a long password", self.admin)[0]
-
     def test_reports_stop_while_other_data_still_have_room(self):
         count = self.upload_until_refused(400)
         self.assertGreater(count, 50)
         self.assertGreater(self.free(), 12 * MEGABYTE)  # the log takes some of it
         self.assert_no_room("less than min_free_mb is free")
-        self.assertEqual((self.verdict(), self.log_in()), ((200, True), 303))
+        self.assertEqual((self.verdict(), self.log_in()[0]), ((200, True), 303))
         self.assertEqual(self.database.run("SELECT count(*) FROM verdict"), [(1,)])
         self.command("purge", "--older", "1h")
         self.assertEqual(self.upload_large("large0"), (503, b""))  # they were not that old
@@ -119,7 +132,7 @@ class SmallDisk(Rooms):
         self.assertEqual(self.verdict(), (200, True))
         self.assertIn("event=verdict-not-kept", self.log_text())
         self.assertIn(b"\nkel_verdicts_not_kept_total 1\n", self.ask("GET", "/metrics", address=self.admin)[1])
-        self.assertEqual(self.log_in(), 303)
+        self.assertEqual(self.log_in()[0], 303)
         self.assertEqual(self.database.run("SELECT action FROM audit ORDER BY id DESC LIMIT 1"), [("logged in",)])
         os.remove(self.small / "others")
         for session, end in (("large1", lambda: None), ("large2", self.stop)):  # beside the service, and without it
