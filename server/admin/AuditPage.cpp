@@ -33,7 +33,7 @@ Answer ShowAudit(const AdminRequest& request)
     Html content = AuditForm(filter, period);
     if (const std::string problem = Period::Problem(request); !problem.empty())
         return Page(request, "Audit", Notice("bad", problem) + content);
-    Table table("Audit entries, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}});
+    Table table("Audit entries, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}}, "dense");
     const auto entries = Audit(request.database).Entries(filter);
     for (const AuditEntry& entry : entries)
         table.Add({Moment(entry.time), Html::Stored(entry.account), entry.action,

@@ -99,7 +99,8 @@ Html FileFacts(const Snapshot& snapshot)
 
 Html EmptyValuesTable(const std::vector<EmptyValue>& values)
 {
-    Table table("Empty values of the lines that do not pass", {{"Line"}, {"Value"}, {"Id"}, {"Why"}});
+    Table table("Empty values of the lines that do not pass", {{"Line"}, {"Value"}, {"Id"}, {"Why"}},
+                "dense");
     for (const EmptyValue& value : values)
         table.Add(
             {Html::Stored(value.label), value.name, std::to_string(value.group), Html::Stored(value.reason)});
@@ -114,7 +115,7 @@ std::string AreaAndName(const Fact& fact)
 
 Html FactsTable(const Snapshot& snapshot)
 {
-    Table table("Values in the file", {{"Id"}, {"What"}, {"Value"}, {"Why it is empty"}});
+    Table table("Values in the file", {{"Id"}, {"What"}, {"Value"}, {"Why it is empty"}}, "dense");
     std::size_t count = 0;
     for (const std::vector<Fact>* list : {&snapshot.facts, &snapshot.missing}) {
         for (const Fact& fact : *list) {

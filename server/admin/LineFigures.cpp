@@ -79,13 +79,10 @@ Html LineFigures::Sentence() const
 Html LineFigures::LineTable(const std::string& caption, const std::string& kind,
                             const std::vector<std::size_t>& places) const
 {
-    Table table(caption, {{kind},
-                          {"Value"},
-                          {"Needed"},
-                          {"Fail", true},
-                          {"Unknown", true},
-                          {"Pass", true},
-                          {"Not met", true}});
+    Table table(
+        caption,
+        {{kind}, {"Value"}, {"Needed"}, {"Fail", true}, {"Unknown", true}, {"Pass", true}, {"Not met", true}},
+        "dense");
     for (const std::size_t place : places) {
         const Requirement& line = requirements->lines[place];
         const Counts& count = counts[place];

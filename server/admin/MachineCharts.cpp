@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <charconv>
 #include <map>
+#include <numeric>
 
 #include "server/admin/Layout.h"
 #include "server/admin/ValueChart.h"
 #include "server/admin/ValueNames.h"
 #include "server/admin/figures/Recent.h"
 #include "server/admin/kit/Texts.h"
+#include "server/store/DayCounts.h"
 #include "server/store/RequirementSets.h"
 #include "verdict/text/Text.h"
 
@@ -28,11 +30,16 @@ bool IsIdentifier(int id)
     return std::find(std::begin(Identifiers), std::end(Identifiers), id) != std::end(Identifiers);
 }
 
-/// The conditions of the newest requirements by value.
-std::map<int, std::vector<AskedValue>> FindAsked(Database& database, const std::string& referrer)
+/// What the newest requirements ask for.
+struct Asked {
+    std::map<int, std::vector<AskedValue>> conditions;  // by value
+    std::vector<int> ids;  // first those of the lines that most sessions do not meet
+};
+
+Asked FindAsked(Database& database, const ReportQuery& sessions)
 {
-    std::map<int, std::vector<AskedValue>> asked;
-    const auto newest = RequirementSets(database).NewestForPage(referrer);
+    Asked asked;
+    const auto newest = RequirementSets(database).NewestForPage(sessions.referrer);
     const auto read =
         newest ? Requirements::ReadStored(RequirementSets(database).Text(newest->id)) : std::nullopt;
     if (!read)
@@ -40,13 +47,25 @@ std::map<int, std::vector<AskedValue>> FindAsked(Database& database, const std::
     for (const Requirement& line : read->lines) {
         for (const Alternative& alternative : line.anyOf) {
             for (const Condition& condition : alternative.allOf)
-                asked[condition.group].push_back({condition, line.label.Default(), alternative.ofAny});
+                asked.conditions[condition.group].push_back(
+                    {condition, line.label.Default(), alternative.ofAny});
         }
+    }
+    std::vector<Counts> counts = DayCounts(database).Lines(newest->id, sessions.period.Range());
+    counts.resize(read->lines.size());
+    std::vector<std::size_t> places(read->lines.size());
+    std::iota(places.begin(), places.end(), 0);
+    std::stable_sort(places.begin(), places.end(), [&](std::size_t left, std::size_t right) {
+        return counts[left].fail + counts[left].unknown > counts[right].fail + counts[right].unknown;
+    });
+    for (const std::size_t place : places) {
+        for (const int id : read->lines[place].Groups())
+            asked.ids.push_back(id);
     }
     return asked;
 }
 
-std::vector<int> ChartedValues(const std::map<int, std::vector<AskedValue>>& asked, int chosen)
+std::vector<int> ChartedValues(const std::vector<int>& asked, int chosen)
 {
     std::vector<int> ids;
     const auto add = [&](int id) {
@@ -55,8 +74,7 @@ std::vector<int> ChartedValues(const std::map<int, std::vector<AskedValue>>& ask
     };
     if (chosen > 0)
         add(chosen);
-    for (const auto& [id, conditions] : asked)
-        add(id);
+    std::for_each(asked.begin(), asked.end(), add);
     std::for_each(std::begin(UsualValues), std::end(UsualValues), add);
     return ids;
 }
@@ -117,9 +135,9 @@ private:
 
 Html MachineCharts(Database& database, const ReportQuery& sessions, int all, int chosen)
 {
-    auto asked = FindAsked(database, sessions.referrer);
+    auto [asked, ids] = FindAsked(database, sessions);
     std::vector<ValueSample> samples;
-    for (const int id : ChartedValues(asked, chosen)) {
+    for (const int id : ChartedValues(ids, chosen)) {
         const auto lines = asked.find(id);
         samples.emplace_back(
             id, lines != asked.end() && std::any_of(lines->second.begin(), lines->second.end(),

@@ -7,9 +7,10 @@
 
 namespace kel::server {
 
-/// What the machines of a product's sessions have, as far as their reports are still stored: a chart of each
-/// value that the newest requirements ask for, of some usual ones, and first of `chosen`, an id (0: none)
-/// that a form offers among all that the reports have.
+/// What the machines of a product's sessions have, as far as their reports are still stored: charts of the
+/// values that the newest requirements ask for, those first whose lines most sessions do not meet, of some
+/// usual ones, and before all of `chosen`, an id (0: none) that a form offers among all that the reports
+/// have.
 Html MachineCharts(Database& database, const ReportQuery& sessions, int all, int chosen);
 
 }  // namespace kel::server

@@ -85,7 +85,13 @@ Html VerdictFigures(Database& database, const std::vector<VersionCount>& version
         const LineFigures lines(database, versions[i], sessions);
         if (sentence.IsEmpty())  // all sessions of a version may meet all of its lines
             sentence = lines.Sentence();
-        tables += lines.Tables();
+        if (i == 0)
+            tables += lines.Tables();
+        else
+            tables += Html::Element(
+                "details", {},
+                {Html::Element("summary", {}, fmt::format("Lines of version {}", versions[i].version)),
+                 lines.Tables()});
     }
     if (versions.size() > 1)
         tables = VersionTable(versions, sessions) + tables;

@@ -50,7 +50,7 @@ Html ReportFacts(Database& database, const FullReport& report)
 
 Html ValuesTable(const Report& report)
 {
-    Table table("Reported values", {{"Id"}, {"What"}, {"Index", true}, {"Value"}});
+    Table table("Reported values", {{"Id"}, {"What"}, {"Index", true}, {"Value"}}, "dense");
     std::size_t count = 0;
     for (const auto& [key, value] : report.All()) {
         if (++count > MaxValues)

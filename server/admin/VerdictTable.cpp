@@ -15,7 +15,7 @@ constexpr std::size_t MaxShownBytes = 1000;  // of a text that a page shows
 
 Html VerdictTable(const std::string& caption, const Verdict& verdict)
 {
-    Table table(caption, {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}});
+    Table table(caption, {{"Requirement"}, {"Needed"}, {"Found"}, {"Result"}}, "dense");
     for (const VerdictLine* line : FailingFirst(verdict)) {
         Html result = Mark(line->result);
         if (line->result != Result::Pass && !line->advice.empty())

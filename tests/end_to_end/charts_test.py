@@ -87,6 +87,11 @@ class Charts(RandomStore):
         if not reports:
             return
         text = self.text(f"/products/demo?{query}")
+        newest = [results for version, _, _, results in self.counted(days) if version == 4]
+        unmet = [sum(results[place] != "pass" for results in newest) for place in range(len(LINES["demo"]))]
+        asked = [line.id for _, line in sorted(zip(unmet, LINES["demo"]), key=lambda pair: -pair[0])]
+        self.assertEqual(re.findall(r"<figcaption>[^<]*\((\d+)\)", text), [*map(str, dict.fromkeys([*asked, 71060]))],
+                         f"order of the charts, {query}")
         for number in (71063, 71254, 72004, 71060):
             where = f"{number}, {query}"
             asked = [line for line in LINES["demo"] if line.id == number]
