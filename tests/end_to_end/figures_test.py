@@ -93,6 +93,7 @@ class Figures(RandomStore):
             self.within_a_day(self.check_overview, query)
         for path in ("/products/demo?period=all", "/products/demo?period=90d", "/?period=30d"):
             self.within_a_day(self.check_links, path)
+        self.assertIn(" sessions in the last 30 days ", self.page("/?period=week", self.cookie).data, "a period of no name")
         queries = ("period=all", self.days("from=FROM&until=UNTIL")[1])
         kept = [self.page(f"/products/demo?{query}", self.cookie).rows for query in queries]
         self.command("purge", "--older", "20d")
