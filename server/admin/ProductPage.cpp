@@ -56,13 +56,15 @@ Html Answered(Database& database, const std::string& referrer, const Counts& tot
 
 Html VersionTable(const std::vector<VersionCount>& versions, const ReportQuery& sessions)
 {
-    Table table("Sessions by the version that judged them", {{"Version"},
-                                                             {"Published (UTC)"},
-                                                             {"Sessions", true},
-                                                             {"Pass", true},
-                                                             {"Fail", true},
-                                                             {"Unknown", true},
-                                                             {"Passing", true}});
+    Table table("Sessions by the version that judged them",
+                {{"Version"},
+                 {"Published (UTC)"},
+                 {"Sessions", true},
+                 {"Pass", true},
+                 {"Fail", true},
+                 {"Unknown", true},
+                 {"Passing", true}},
+                "dense");
     for (const VersionCount& version : versions) {
         const ReportQuery of = sessions.OfVersion(version.version);
         const Counts& count = version.sessions;
