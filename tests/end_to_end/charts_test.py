@@ -180,7 +180,7 @@ class Charts(RandomStore):
             if result != "pass" and not line.recommended)]
             for (number, _), before, after, old, new in zip(machines, today, draft, now, then) if before != after]
         self.assertEqual([row for row in page.rows if row[0].startswith("Report ")], changed[:20], "machines with another result")
-        self.assertLessEqual({row[0].replace("Report ", "/reports/") for row in changed}, set(page.links))
+        self.assertLessEqual({row[0].replace("Report ", "/reports/") for row in changed[:20]}, set(page.links))
         self.assertIn(f"Machines with another result: {len(changed)}", page.data)
         by_line = []
         for place, (line, old) in enumerate(zip(DRAFT, (0, 2, 3, None))):
