@@ -124,7 +124,7 @@ class Charts(RandomStore):
                 f"{share(count, len(found))} have what is asked for: at least {line.needed}{' on any device' * line.any} "
                 f"({line.label})." for line, count in zip(asked, meeting)], f"what is asked for, {where}")
             for link, part in re.findall(r'<p class="asked"><b><a href="([^"]*)">(\d+ %)', figure):
-                listed = len(self.page(html.unescape(link), self.cookie).cells(4)[1:])
+                listed = sum(len(row) == 5 and row[0].isdigit() for row in self.page(html.unescape(link), self.cookie).rows)
                 self.assertEqual(share(listed, len(found)), part, link)
             rows = re.findall(r'<tr><th scope="row"><bdi>([^<]*)</bdi></th><td[^>]*><a[^>]*>(\d+)', figure)
             self.assertEqual({value: int(count) for value, count in rows}, every, f"values, {where}")

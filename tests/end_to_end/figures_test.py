@@ -7,6 +7,11 @@ import unittest
 
 from random_store import LINES, PERIODS, RandomStore, counts, day_text, share
 
+# Lists of reports: their restrictions, and the product, version and line, from 1 on, whose sessions they are about.
+LISTS = (("", None, 0, 0, "pass"), ("&referrer=demo", "demo", 0, 0, "pass"), ("&verdict=unknown", None, 0, 0, "unknown"),
+         ("&referrer=demo&version=3&verdict=fail", "demo", 3, 0, "fail"),
+         ("&referrer=demo&version=2&line=4&result=unknown", "demo", 2, 4, "unknown"))
+
 
 class Figures(RandomStore):
     def check_product(self, referrer, query):
@@ -46,6 +51,32 @@ class Figures(RandomStore):
                          expected if len(expected) > 1 else [], f"versions, {where}")
         self.assertEqual(f"Of all {len(by_version)} versions" in page.data, len(by_version) > 1, where)
 
+    def check_by_day(self, page, expected, query):
+        """The table below a curve."""
+        rows = [row for row in page.rows if len(row) == 6 and row[5].endswith("%")]
+        self.assertEqual([sum(int(row[column]) for row in rows) for column in (3, 4, 2)], expected, query)
+
+    def check_lists(self, query):
+        """How a list of reports compares with the period before, and its curve."""
+        days, query = self.days(query)
+        for restriction, product, version, line, result in LISTS:
+            def found(within):
+                sessions = [session for name in ((product,) if product else LINES)
+                            for session in self.counted(within, name) if version in (0, session[0])]
+                return [results[line - 1] if line else total for _, _, total, results in sessions]
+
+            page = self.page(f"/reports?{query}{restriction}", self.cookie)
+            now = found(days)
+            self.check_by_day(page, counts(now), query + restriction)
+            if not now:
+                self.assertIn("No session was judged", page.data, query + restriction)
+                continue
+            self.assertIn(f"{share(now.count(result), len(now))} of {len(now)} sessions", page.data, query + restriction)
+            if days.start > 0:
+                old = found(range(days.start - len(days), days.start))
+                self.assertIn(f"before it was {share(old.count(result), len(old))} of {len(old)}." if old else "before had none.",
+                              page.data, query + restriction)
+
     def check_overview(self, query):
         days, query = self.days(query)
         arrived = collections.Counter(
@@ -59,6 +90,7 @@ class Figures(RandomStore):
         sessions = [total for referrer in ("demo", "other") for _, _, total, _ in self.counted(days, referrer)]
         if sessions:
             self.assertIn(f"{share(sessions.count('pass'), len(sessions))} of {len(sessions)} sessions", page.data, query)
+        self.check_by_day(page, counts(sessions), query)
         shares = {}
         for referrer, newest in (("demo", 4), ("other", 1)):
             sessions = self.counted(days, referrer)
@@ -84,14 +116,17 @@ class Figures(RandomStore):
         self.assertGreater(len(links), 4, path)
         for link, number in links:
             listed = self.page(html.unescape(link), self.cookie)
-            self.assertEqual(len(listed.cells(4)[1:]), min(int(number), 50), link)  # of which a page has 50
+            reports = [row for row in listed.rows if len(row) == 5 and row[0].isdigit()]
+            self.assertEqual(len(reports), min(int(number), 50), link)  # of which a page has 50
 
     def test_figures_are_those_of_the_store_and_lead_to_their_reports(self):
         for query in PERIODS:
             for referrer in LINES:
                 self.within_a_day(self.check_product, referrer, query)
             self.within_a_day(self.check_overview, query)
-        for path in ("/products/demo?period=all", "/products/demo?period=90d", "/?period=30d"):
+            self.within_a_day(self.check_lists, query)
+        for path in ("/products/demo?period=all", "/products/demo?period=90d", "/?period=30d",
+                     f"/reports?period=90d{LISTS[-1][0]}"):
             self.within_a_day(self.check_links, path)
         self.assertIn(" sessions in the last 30 days ", self.page("/?period=week", self.cookie).data, "a period of no name")
         queries = ("period=all", self.days("from=FROM&until=UNTIL")[1])
