@@ -126,7 +126,7 @@ class Figures(RandomStore):
             self.within_a_day(self.check_overview, query)
             self.within_a_day(self.check_lists, query)
         for path in ("/products/demo?period=all", "/products/demo?period=90d", "/?period=30d",
-                     f"/reports?period=90d{LISTS[-1][0]}"):
+                     f"/reports?period=all{LISTS[-1][0]}"):
             self.within_a_day(self.check_links, path)
         self.assertIn(" sessions in the last 30 days ", self.page("/?period=week", self.cookie).data, "a period of no name")
         queries = ("period=all", self.days("from=FROM&until=UNTIL")[1])
