@@ -15,6 +15,8 @@ TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
         {L"HKCR {\n a\n {\n }\n", "line 5: a name or a closing brace is expected."},
         {L"HKCR { NoRemove ForceRemove a }", "a name"},
         {L"HKCR { k { val a } }", "an equals sign is expected."},
+        {L"HKCR {\n a = 'x' }", "line 2: the type s is expected."},
+        {L"HKCR\n a { }", "line 2: an opening brace is expected."},
         {L"HKCR { a = s x }", "a text in quotes is expected."},
         {L"HKCR {\n a = s 'x }", "line 2: a closing quote is missing."},
         {L"HKCR { a = s '%MODULE' }", "a closing percent sign is missing."},

@@ -1,0 +1,179 @@
+// Functions that are looked up by name, answered for by the test.
+#include <gmock/gmock.h>
+
+#include <map>
+#include <string>
+
+#include "probes/graphics/DisplayFunctions.h"
+#include "probes/graphics/GraphicsFunctions.h"
+#include "probes/setup/SetupEntryPoints.h"
+#include "probes/software/SoftwareFunctions.h"
+#include "probes/system/OSInfo.h"
+#include "support/ReplacedImport.h"
+
+extern "C" decltype(&GetProcAddress) __imp_GetProcAddress;
+
+namespace kel {
+namespace {
+
+std::map<std::string, void*> known;  // the functions that the system has
+std::vector<std::string> calls;
+
+FARPROC WINAPI FindKnown(HMODULE, LPCSTR name)
+{
+    return reinterpret_cast<FARPROC>(known[name]);
+}
+
+struct LookedUp : testing::Test {
+    const std::shared_ptr<void> lookup = test::ReplaceImport(__imp_GetProcAddress, &FindKnown);
+};
+
+template <typename Function>
+void Add(const char* name, Function* function)
+{
+    known[name] = reinterpret_cast<void*>(function);
+}
+
+TEST_F(LookedUp, FunctionsThatAreMissingAnswerWithNothing)
+{
+    const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
+    void* none = nullptr;
+    IDirect3D9Ex* direct3D = nullptr;
+    EXPECT_EQ(graphics.createDxgiFactory(IID_NULL, &none), E_NOTIMPL);
+    EXPECT_EQ(graphics.createDirect3D9(0, &direct3D), E_NOTIMPL);
+    EXPECT_EQ(graphics.getDxDiagClass(IID_NULL, IID_NULL, &none), E_NOTIMPL);
+    EXPECT_EQ(graphics.askKernel({}, 13), 0U);
+    EXPECT_EQ(graphics.isIntegratedByDxCore({}), std::nullopt);
+    OSVERSIONINFOW version = {};
+    graphics.getVersion(version);
+    EXPECT_EQ(version.dwMajorVersion, 0U);
+    const SoftwareFunctions software = SoftwareFunctions::OfSystem();
+    wchar_t text[MAX_PATH] = {};
+    DWORD size = MAX_PATH;
+    EXPECT_TRUE(software.versionRecord(L"none").empty());
+    EXPECT_EQ(software.relatedProduct(L"none", 0, text), static_cast<UINT>(ERROR_NO_MORE_ITEMS));
+    EXPECT_EQ(software.productInfo(L"none", L"", text, &size), static_cast<UINT>(ERROR_UNKNOWN_PROPERTY));
+    EXPECT_TRUE(software.packages(L"none").empty());
+    EXPECT_EQ(software.packageFolder(L"none"), L"");
+    EXPECT_EQ(software.programId(L"http"), L"");
+    EXPECT_EQ(software.windowsBuild(), 0U);
+    const OSFunctions system = OSFunctions::OfSystem();
+    EXPECT_FALSE(system.getNativeSystemInfo || system.getProductInfo || system.isWow64Process ||
+                 system.isWow64Process2);
+    const DisplayFunctions displays = DisplayFunctions::OfSystem();
+    EXPECT_EQ(displays.getPrimaryDpi(), std::nullopt);
+    for (const MONITORINFO& monitor : displays.listMonitors())
+        EXPECT_EQ(monitor.rcMonitor.right, 0) << "would be scaled";
+}
+
+struct Packages {
+    LONG first;
+    UINT32 count, size;
+    LONG second;
+    std::size_t expected;
+} packages;
+
+LONG WINAPI GetPackages(PCWSTR, UINT32* count, PWSTR* names, UINT32* size, PWSTR text)
+{
+    *count = packages.count;
+    *size = packages.size;
+    if (names == nullptr)
+        return packages.first;
+    std::fill_n(names, *count, wcscpy(text, L"a"));
+    return packages.second;
+}
+
+LONG folderResult = 0;
+
+LONG WINAPI GetFolder(PCWSTR, UINT32* size, PWSTR text)
+{
+    wcscpy(text, *size == 32768 ? L"C:\\a" : L"size");
+    return folderResult;
+}
+
+TEST_F(LookedUp, PackagesAreThoseOfTheFamilyWithinLimits)
+{
+    constexpr LONG Small = ERROR_INSUFFICIENT_BUFFER;
+    constexpr Packages Rows[] = {
+        {Small, 1, 2, ERROR_SUCCESS, 1},         {Small, 64, 65536, ERROR_SUCCESS, 64},
+        {Small, 65, 65536, ERROR_SUCCESS, 0},    {Small, 1, 65537, ERROR_SUCCESS, 0},
+        {ERROR_SUCCESS, 1, 2, ERROR_SUCCESS, 0}, {Small, 1, 2, Small, 0},
+    };
+    Add("GetPackagesByPackageFamily", &GetPackages);
+    Add("GetPackagePathByFullName", &GetFolder);
+    const SoftwareFunctions software = SoftwareFunctions::OfSystem();
+    for (const Packages& row : Rows) {
+        packages = row;
+        EXPECT_EQ(software.packages(L"family"), std::vector<std::wstring>(row.expected, L"a"))
+            << row.count << " packages, " << row.size << " characters, " << row.first << ", " << row.second;
+    }
+    EXPECT_EQ(software.packageFolder(L"a"), L"C:\\a");
+    folderResult = ERROR_NOT_FOUND;
+    EXPECT_EQ(software.packageFolder(L"a"), L"");
+}
+
+HANDLE WINAPI SetAwareness(HANDLE awareness)
+{
+    calls.push_back("awareness " + std::to_string(reinterpret_cast<INT_PTR>(awareness)));
+    return reinterpret_cast<HANDLE>(7);
+}
+
+std::pair<HRESULT, UINT> dpi;
+
+HRESULT WINAPI GetDpi(HMONITOR monitor, int type, UINT* horizontal, UINT* vertical)
+{
+    calls.push_back("type " + std::to_string(type));
+    *horizontal = monitor == MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY) ? dpi.second : 1;
+    *vertical = 2;
+    return dpi.first;
+}
+
+TEST_F(LookedUp, DotsPerInchAreThePrimaryMonitorsOwn)
+{
+    Add("SetThreadDpiAwarenessContext", &SetAwareness);
+    Add("GetDpiForMonitor", &GetDpi);
+    const DisplayFunctions displays = DisplayFunctions::OfSystem();
+    dpi = {S_OK, 144};
+    EXPECT_EQ(displays.getPrimaryDpi(), 144U);
+    EXPECT_THAT(calls, testing::ElementsAre("awareness -3", "type 0", "awareness 7"));
+    for (const auto& refused : {std::pair<HRESULT, UINT>(E_FAIL, 144), {S_OK, 0}}) {
+        dpi = refused;
+        EXPECT_EQ(displays.getPrimaryDpi(), std::nullopt) << dpi.second;
+    }
+    for (const MONITORINFO& monitor : displays.listMonitors())
+        EXPECT_GT(monitor.rcMonitor.right, monitor.rcMonitor.left);
+    known["SetThreadDpiAwarenessContext"] = nullptr;
+    dpi = {S_OK, 144};
+    EXPECT_EQ(displays.getPrimaryDpi(), std::nullopt) << "of a scaled process";
+}
+
+TEST_F(LookedUp, TheSetupApiIsOnlyUsedWithAllOfItsFunctions)
+{
+    constexpr const char* Names[] = {"SetupDiGetClassDevsW",
+                                     "SetupDiEnumDeviceInfo",
+                                     "SetupDiGetDeviceRegistryPropertyW",
+                                     "SetupDiGetDeviceInstanceIdW",
+                                     "SetupDiGetDevicePropertyW",
+                                     "SetupFindFirstLineW",
+                                     "SetupDiDestroyDeviceInfoList",
+                                     "SetupDiOpenDevRegKey",
+                                     "SetupFindNextLine",
+                                     "SetupGetLineTextW",
+                                     "SetupOpenInfFileW",
+                                     "SetupCloseInfFile"};
+    const auto isComplete = [] {
+        SetupEntryPoints functions;
+        return SetupEntryPoints::Load(functions) && functions.IsComplete();
+    };
+    for (const char* name : Names)
+        Add(name, &GetDpi);
+    EXPECT_TRUE(isComplete());
+    for (const char* name : Names) {
+        known[name] = nullptr;
+        EXPECT_FALSE(isComplete()) << name;
+        Add(name, &GetDpi);
+    }
+}
+
+}  // namespace
+}  // namespace kel
