@@ -103,6 +103,35 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
     EXPECT_EQ(session.Text(71388), L"0C07");
 }
 
+TEST(OSName, HasTheNumberedEdition)
+{
+    constexpr std::tuple<DWORD, const wchar_t*, unsigned> Rows[] = {
+        {0x01, L"Ultimate Edition", 71275},
+        {0x02, L"Home Basic Edition", 71273},
+        {0x03, L"Home Premium Edition", 71274},
+        {0x04, L"Enterprise Edition", 71272},
+        {0x06, L"Business Edition", 71271},
+        {0x07, L"Standard Edition", 0},
+        {0x08, L"Datacenter Edition", 0},
+        {0x09, L"Small Business Server", 0},
+        {0x0A, L"Enterprise Edition", 0},
+        {0x0B, L"Starter Edition", 0},
+        {0x0C, L"Datacenter Edition (core installation)", 0},
+        {0x0D, L"Standard Edition (core installation)", 0},
+        {0x0E, L"Enterprise Edition (core installation)", 0},
+        {0x0F, L"Enterprise Edition for Itanium-based Systems", 0},
+        {0x11, L"Web Server Edition", 0},
+        {0x12, L"Cluster Server Edition", 0},
+        {0x19, L"Small Business Server Premium Edition", 0},
+    };
+    for (const auto& [number, text, flag] : Rows) {
+        const OSName name = BuildDisplayName(Info(6, 0, Workstation, X86, 0, number));
+        EXPECT_TRUE(name.text.starts_with(L"Microsoft Windows Vista " + std::wstring(text) + L" ("))
+            << name.text;
+        EXPECT_EQ(name.flags, flag != 0 ? std::vector({71251U, flag}) : std::vector({71251U})) << name.text;
+    }
+}
+
 TEST(OS, StoresItsFlagsFirstAndAnErrorLeavesThem)
 {
     OSFunctions throwing = OSFunctions::OfSystem();
