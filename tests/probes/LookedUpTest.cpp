@@ -16,12 +16,12 @@ extern "C" decltype(&GetProcAddress) __imp_GetProcAddress;
 namespace kel {
 namespace {
 
-std::map<std::string, void*> known;  // the functions that the system has
-std::vector<std::string> calls;
+std::map<std::string, void*> lookedUp;  // the functions that the system has
+std::vector<std::string> notedCalls;
 
 FARPROC WINAPI FindKnown(HMODULE, LPCSTR name)
 {
-    return reinterpret_cast<FARPROC>(known[name]);
+    return reinterpret_cast<FARPROC>(lookedUp[name]);
 }
 
 struct LookedUp : testing::Test {
@@ -31,7 +31,7 @@ struct LookedUp : testing::Test {
 template <typename Function>
 void Add(const char* name, Function* function)
 {
-    known[name] = reinterpret_cast<void*>(function);
+    lookedUp[name] = reinterpret_cast<void*>(function);
 }
 
 TEST_F(LookedUp, FunctionsThatAreMissingAnswerWithNothing)
@@ -71,16 +71,16 @@ struct Packages {
     UINT32 count, size;
     LONG second;
     std::size_t expected;
-} packages;
+} packageAnswer;
 
 LONG WINAPI GetPackages(PCWSTR, UINT32* count, PWSTR* names, UINT32* size, PWSTR text)
 {
-    *count = packages.count;
-    *size = packages.size;
+    *count = packageAnswer.count;
+    *size = packageAnswer.size;
     if (names == nullptr)
-        return packages.first;
+        return packageAnswer.first;
     std::fill_n(names, *count, wcscpy(text, L"a"));
-    return packages.second;
+    return packageAnswer.second;
 }
 
 LONG folderResult = 0;
@@ -103,7 +103,7 @@ TEST_F(LookedUp, PackagesAreThoseOfTheFamilyWithinLimits)
     Add("GetPackagePathByFullName", &GetFolder);
     const SoftwareFunctions software = SoftwareFunctions::OfSystem();
     for (const Packages& row : Rows) {
-        packages = row;
+        packageAnswer = row;
         EXPECT_EQ(software.packages(L"family"), std::vector<std::wstring>(row.expected, L"a"))
             << row.count << " packages, " << row.size << " characters, " << row.first << ", " << row.second;
     }
@@ -114,18 +114,18 @@ TEST_F(LookedUp, PackagesAreThoseOfTheFamilyWithinLimits)
 
 HANDLE WINAPI SetAwareness(HANDLE awareness)
 {
-    calls.push_back("awareness " + std::to_string(reinterpret_cast<INT_PTR>(awareness)));
+    notedCalls.push_back("awareness " + std::to_string(reinterpret_cast<INT_PTR>(awareness)));
     return reinterpret_cast<HANDLE>(7);
 }
 
-std::pair<HRESULT, UINT> dpi;
+std::pair<HRESULT, UINT> givenDpi;
 
 HRESULT WINAPI GetDpi(HMONITOR monitor, int type, UINT* horizontal, UINT* vertical)
 {
-    calls.push_back("type " + std::to_string(type));
-    *horizontal = monitor == MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY) ? dpi.second : 1;
+    notedCalls.push_back("type " + std::to_string(type));
+    *horizontal = monitor == MonitorFromPoint({0, 0}, MONITOR_DEFAULTTOPRIMARY) ? givenDpi.second : 1;
     *vertical = 2;
-    return dpi.first;
+    return givenDpi.first;
 }
 
 TEST_F(LookedUp, DotsPerInchAreThePrimaryMonitorsOwn)
@@ -133,17 +133,17 @@ TEST_F(LookedUp, DotsPerInchAreThePrimaryMonitorsOwn)
     Add("SetThreadDpiAwarenessContext", &SetAwareness);
     Add("GetDpiForMonitor", &GetDpi);
     const DisplayFunctions displays = DisplayFunctions::OfSystem();
-    dpi = {S_OK, 144};
+    givenDpi = {S_OK, 144};
     EXPECT_EQ(displays.getPrimaryDpi(), 144U);
-    EXPECT_THAT(calls, testing::ElementsAre("awareness -3", "type 0", "awareness 7"));
+    EXPECT_THAT(notedCalls, testing::ElementsAre("awareness -3", "type 0", "awareness 7"));
     for (const auto& refused : {std::pair<HRESULT, UINT>(E_FAIL, 144), {S_OK, 0}}) {
-        dpi = refused;
-        EXPECT_EQ(displays.getPrimaryDpi(), std::nullopt) << dpi.second;
+        givenDpi = refused;
+        EXPECT_EQ(displays.getPrimaryDpi(), std::nullopt) << givenDpi.second;
     }
     for (const MONITORINFO& monitor : displays.listMonitors())
         EXPECT_GT(monitor.rcMonitor.right, monitor.rcMonitor.left);
-    known["SetThreadDpiAwarenessContext"] = nullptr;
-    dpi = {S_OK, 144};
+    lookedUp["SetThreadDpiAwarenessContext"] = nullptr;
+    givenDpi = {S_OK, 144};
     EXPECT_EQ(displays.getPrimaryDpi(), std::nullopt) << "of a scaled process";
 }
 
@@ -169,7 +169,7 @@ TEST_F(LookedUp, TheSetupApiIsOnlyUsedWithAllOfItsFunctions)
         Add(name, &GetDpi);
     EXPECT_TRUE(isComplete());
     for (const char* name : Names) {
-        known[name] = nullptr;
+        lookedUp[name] = nullptr;
         EXPECT_FALSE(isComplete()) << name;
         Add(name, &GetDpi);
     }
