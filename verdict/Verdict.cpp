@@ -83,8 +83,8 @@ public:
         std::string normalized, shown;
     };
 
-    /// @param hasTexts whether the found texts are wanted, and not only the results
-    Values(const ValueLookup& valueLookup, bool hasTexts) : hasTexts(hasTexts), lookup(valueLookup) {}
+    /// @param wantsTexts whether the found texts are wanted, and not only the results
+    Values(const ValueLookup& valueLookup, bool wantsTexts) : hasTexts(wantsTexts), lookup(valueLookup) {}
 
     const bool hasTexts;
 
