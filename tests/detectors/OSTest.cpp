@@ -7,6 +7,7 @@
 #include "detectors/MachineIdentifier.h"
 #include "detectors/OSName.h"
 #include "platform/RegistryValue.h"
+#include "probes/system/WindowsRelease.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
 #include "support/TestSession.h"
@@ -103,6 +104,49 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
     EXPECT_EQ(session.Text(71388), L"0C07");
 }
 
+TEST(OSName, NamesTheReleaseAndItsEdition)
+{
+    const std::vector<unsigned> itanium = {71264, 71360, 71263}, x64 = {71264, 71361, 71263};
+    const std::tuple<OSInfo, const wchar_t*, std::vector<unsigned>> rows[] = {
+        {Info(6, 1, Workstation, Arm, 0, 5), L"Windows 7  (build 1)", {71350}},
+        {Info(6, 1, Controller, X86, 0, 7),
+         L"Windows Server 2008 R2 Standard Edition (build 1), 32-bit",
+         {71466}},
+        {Info(6, 0, Server, X86, 0, 2), L"Windows Server 2008 Home Basic Edition (build 1), 32-bit", {71465}},
+        {Info(6, 2, Workstation, X64, 0, 4), L"Enterprise Edition (build 1), 64-bit", {71264, 71361}},
+        {Info(10, 0, Workstation, X64, 0, 1), L" (build 1), 64-bit", {71264, 71361}},
+        {Info(5, 3, Workstation, X86), L" (build 1)", {}},
+        {Info(5, 2, Workstation, X86), L"Windows Server 2003,  (build 1)", {71263}},
+        {Info(5, 2, Workstation, X64),
+         L"Windows XP Professional x64 Edition (build 1)",
+         {71264, 71361, 71276}},
+        {Info(5, 2, Controller, Itanium), L"Windows Server 2003,  (build 1)", itanium},
+        {Info(5, 2, Server, X86, 0x2000), L"Windows Storage Server 2003Standard Edition (build 1)", {71263}},
+        {Info(5, 2, Server, X86, 0x4080), L"Windows Server 2003, Compute Cluster Edition (build 1)", {71263}},
+        {Info(5, 2, Server, X86, 0x480), L"Windows Server 2003, Datacenter Edition (build 1)", {71263}},
+        {Info(5, 2, Server, X86, 0x402), L"Windows Server 2003, Enterprise Edition (build 1)", {71263}},
+        {Info(5, 2, Server, X86, 0x400), L"Windows Server 2003, Web Edition (build 1)", {71263}},
+        {Info(5, 2, Server, X86), L"Windows Server 2003, Standard Edition (build 1)", {71263}},
+        {Info(5, 2, Server, Itanium, 0x82),
+         L"Windows Server 2003, Datacenter Edition for Itanium-based Systems (build 1)", itanium},
+        {Info(5, 2, Server, Itanium, 0x2),
+         L"Windows Server 2003, Enterprise Edition for Itanium-based Systems (build 1)", itanium},
+        {Info(5, 2, Server, X64, 0x82), L"Windows Server 2003, Datacenter x64 Edition (build 1)", x64},
+        {Info(5, 2, Server, X64, 0x2), L"Windows Server 2003, Enterprise x64 Edition (build 1)", x64},
+        {Info(5, 2, Server, X64), L"Windows Server 2003, Standard x64 Edition (build 1)", x64},
+        {Info(5, 1, Workstation, X86), L"Windows XP Professional (build 1)", {71276}},
+        {Info(5, 0, Workstation, X86, 0x80), L"Windows 2000 Professional (build 1)", {71262}},
+        {Info(5, 0, Server, X86, 0x82), L"Windows 2000 Datacenter Server (build 1)", {71262}},
+        {Info(5, 0, Server, X86, 0x2), L"Windows 2000 Advanced Server (build 1)", {71262}},
+        {Info(5, 0, Controller, X86), L"Windows 2000 Server (build 1)", {71262}},
+    };
+    for (const auto& [info, text, flags] : rows) {
+        const OSName name = BuildDisplayName(info);
+        EXPECT_EQ(name.text, std::wstring(L"Microsoft ") + text);
+        EXPECT_EQ(name.flags, flags) << text;
+    }
+}
+
 TEST(OSName, HasTheNumberedEdition)
 {
     constexpr std::tuple<DWORD, const wchar_t*, unsigned> Rows[] = {
@@ -129,6 +173,21 @@ TEST(OSName, HasTheNumberedEdition)
         EXPECT_TRUE(name.text.starts_with(L"Microsoft Windows Vista " + std::wstring(text) + L" ("))
             << name.text;
         EXPECT_EQ(name.flags, flag != 0 ? std::vector({71251U, flag}) : std::vector({71251U})) << name.text;
+    }
+}
+
+TEST(Windows, HasTheNameOfItsRelease)
+{
+    const std::tuple<DWORD, DWORD, DWORD, ProductType, const wchar_t*> rows[] = {
+        {10, 0, 18363, Server, L"Windows Server"},       {10, 0, 21999, Workstation, L"Windows 10"},
+        {10, 0, 22000, Workstation, L"Windows 11"},      {10, 0, 26100, Server, L"Windows Server 2025"},
+        {10, 0, 17763, Server, L"Windows Server 2019"},  {6, 3, 9600, Workstation, L"Windows 8.1"},
+        {6, 3, 9600, Server, L"Windows Server 2012 R2"}, {6, 1, 7601, Workstation, L"Windows 7"},
+    };
+    for (const auto& [major, minor, build, type, name] : rows) {
+        OSVERSIONINFOEXW version = {.dwMajorVersion = major, .dwMinorVersion = minor, .dwBuildNumber = build};
+        version.wProductType = type;
+        EXPECT_EQ(NameRelease(version), name) << build;
     }
 }
 

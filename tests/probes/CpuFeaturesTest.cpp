@@ -30,6 +30,8 @@ TEST(CpuFeatures, EndBelowTheLevelThatOneBitIsMissingFor)
         FeatureRegisters registers = whole;
         registers.*bit.part &= ~(1U << bit.number);
         EXPECT_EQ(DecodeFeatures(registers).level, bit.level) << bit.number;
+        const bool isOfAvx = bit.part == Leaf1 && (bit.number == 27 || bit.number == 28);
+        EXPECT_EQ(DecodeFeatures(registers).hasAvx, !isOfAvx) << bit.number;
     }
     for (const auto& [number, level] : {std::pair(1, 2), {2, 2}, {5, 3}, {6, 3}, {7, 3}}) {
         FeatureRegisters registers = whole;
