@@ -14,6 +14,7 @@ namespace kel {
 namespace {
 
 std::vector<std::pair<std::wstring, DWORD>> asked;  // names and flags
+DWORD modeWhileLoading = 0;
 
 /// Windows 7 without the update that brings the flag.
 HMODULE WINAPI LoadAsBefore(LPCWSTR name, HANDLE file, DWORD flags)
@@ -28,6 +29,7 @@ HMODULE WINAPI LoadAsBefore(LPCWSTR name, HANDLE file, DWORD flags)
 HMODULE WINAPI LoadNothing(LPCWSTR name, HANDLE, DWORD flags)
 {
     asked.emplace_back(name, flags);
+    modeWhileLoading = GetThreadErrorMode();
     SetLastError(ERROR_MOD_NOT_FOUND);
     return nullptr;
 }
@@ -51,6 +53,8 @@ TEST(Library, IsNotSearchedForElsewhereWhenItIsMissing)
     EXPECT_EQ(LoadSystemLibrary(L"powrprof.dll", &LoadNothing), nullptr);
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_MOD_NOT_FOUND));
     EXPECT_EQ(asked.size(), 1U);
+    EXPECT_EQ(modeWhileLoading, static_cast<DWORD>(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX))
+        << "an error box may appear";
 }
 
 TEST(Library, WarnsOfAFunctionThatIsMissing)

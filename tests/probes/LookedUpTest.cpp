@@ -2,13 +2,17 @@
 #include <gmock/gmock.h>
 
 #include <map>
+#include <set>
 #include <string>
+#include <utility>
 
 #include "probes/graphics/DisplayFunctions.h"
 #include "probes/graphics/GraphicsFunctions.h"
+#include "probes/network/NetworkInterfaces.h"
 #include "probes/setup/SetupEntryPoints.h"
 #include "probes/software/SoftwareFunctions.h"
 #include "probes/system/OSInfo.h"
+#include "support/LogCapture.h"
 #include "support/ReplacedImport.h"
 
 extern "C" decltype(&GetProcAddress) __imp_GetProcAddress;
@@ -16,11 +20,15 @@ extern "C" decltype(&GetProcAddress) __imp_GetProcAddress;
 namespace kel {
 namespace {
 
-std::map<std::string, void*> lookedUp;  // the functions that the system has
+const auto findInSystem = __imp_GetProcAddress;
+std::map<std::string, void*> lookedUp;  // the functions that are found
+std::set<std::wstring> ofSystem;        // the log's lines about others, which the system of the tests has
 std::vector<std::string> notedCalls;
 
-FARPROC WINAPI FindKnown(HMODULE, LPCSTR name)
+FARPROC WINAPI FindKnown(HMODULE library, LPCSTR name)
 {
+    if (findInSystem(library, name) != nullptr)
+        ofSystem.insert(L"TRACE The system has no function " + std::wstring(name, name + strlen(name)));
     return reinterpret_cast<FARPROC>(lookedUp[name]);
 }
 
@@ -36,11 +44,16 @@ void Add(const char* name, Function* function)
 
 TEST_F(LookedUp, FunctionsThatAreMissingAnswerWithNothing)
 {
+    const test::LogCapture log(LogTrace);
     const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
     void* none = nullptr;
     IDirect3D9Ex* direct3D = nullptr;
     EXPECT_EQ(graphics.createDxgiFactory(IID_NULL, &none), E_NOTIMPL);
     EXPECT_EQ(graphics.createDirect3D9(0, &direct3D), E_NOTIMPL);
+    EXPECT_EQ(graphics.createDevice10(nullptr, {}, nullptr, 0, {}, 0, nullptr), E_NOTIMPL);
+    EXPECT_EQ(graphics.createDevice11(nullptr, {}, nullptr, 0, nullptr, 0, 0, nullptr, nullptr, nullptr),
+              E_NOTIMPL);
+    EXPECT_EQ(graphics.createDevice12(nullptr, {}, IID_NULL, nullptr), E_NOTIMPL);
     EXPECT_EQ(graphics.getDxDiagClass(IID_NULL, IID_NULL, &none), E_NOTIMPL);
     EXPECT_EQ(graphics.askKernel({}, 13), 0U);
     EXPECT_EQ(graphics.isIntegratedByDxCore({}), std::nullopt);
@@ -60,10 +73,20 @@ TEST_F(LookedUp, FunctionsThatAreMissingAnswerWithNothing)
     const OSFunctions system = OSFunctions::OfSystem();
     EXPECT_FALSE(system.getNativeSystemInfo || system.getProductInfo || system.isWow64Process ||
                  system.isWow64Process2);
+    EXPECT_EQ(system.getUserDefaultLCID(), GetUserDefaultLCID());
+    EXPECT_FALSE(NetworkFunctions::OfSystem().getBestInterface);
     const DisplayFunctions displays = DisplayFunctions::OfSystem();
     EXPECT_EQ(displays.getPrimaryDpi(), std::nullopt);
     for (const MONITORINFO& monitor : displays.listMonitors())
         EXPECT_EQ(monitor.rcMonitor.right, 0) << "would be scaled";
+    std::vector<std::wstring> unknown = log.Lines();
+    std::erase_if(unknown, [](const std::wstring& line) {
+        return ofSystem.contains(line) || line.find(L"has no function") == line.npos;
+    });
+    EXPECT_THAT(unknown, testing::IsSubsetOf({L"TRACE The system has no function D3DKMTQueryAdapterInfo",
+                                              L"TRACE The system has no function GetPackagesByPackageFamily",
+                                              L"TRACE The system has no function GetPackagePathByFullName"}))
+        << "are not in Wine either";
 }
 
 struct Packages {
@@ -149,30 +172,29 @@ TEST_F(LookedUp, DotsPerInchAreThePrimaryMonitorsOwn)
 
 TEST_F(LookedUp, TheSetupApiIsOnlyUsedWithAllOfItsFunctions)
 {
-    constexpr const char* Names[] = {"SetupDiGetClassDevsW",
-                                     "SetupDiEnumDeviceInfo",
-                                     "SetupDiGetDeviceRegistryPropertyW",
-                                     "SetupDiGetDeviceInstanceIdW",
-                                     "SetupDiGetDevicePropertyW",
-                                     "SetupFindFirstLineW",
-                                     "SetupDiDestroyDeviceInfoList",
-                                     "SetupDiOpenDevRegKey",
-                                     "SetupFindNextLine",
-                                     "SetupGetLineTextW",
-                                     "SetupOpenInfFileW",
-                                     "SetupCloseInfFile"};
     const auto isComplete = [] {
         SetupEntryPoints functions;
         return SetupEntryPoints::Load(functions) && functions.IsComplete();
     };
-    for (const char* name : Names)
-        Add(name, &GetDpi);
+    EXPECT_FALSE(isComplete());
+    EXPECT_EQ(ofSystem.size(), 12U);
+    for (auto& [name, function] : lookedUp)
+        function = reinterpret_cast<void*>(&GetDpi);
     EXPECT_TRUE(isComplete());
-    for (const char* name : Names) {
-        lookedUp[name] = nullptr;
+    for (auto& [name, function] : lookedUp) {
+        void* const kept = std::exchange(function, nullptr);
         EXPECT_FALSE(isComplete()) << name;
-        Add(name, &GetDpi);
+        function = kept;
     }
+}
+
+TEST(SystemFunctions, ListEachMonitorOnceWithItsPixels)
+{
+    const std::vector<MONITORINFO> monitors = DisplayFunctions::OfSystem().listMonitors();
+    ASSERT_EQ(monitors.size(), static_cast<std::size_t>(GetSystemMetrics(SM_CMONITORS)));
+    const RECT& first = monitors.front().rcMonitor;
+    EXPECT_EQ(first.right - first.left, GetSystemMetrics(SM_CXSCREEN));
+    EXPECT_EQ(first.bottom - first.top, GetSystemMetrics(SM_CYSCREEN));
 }
 
 }  // namespace
