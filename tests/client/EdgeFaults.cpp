@@ -61,17 +61,7 @@ constexpr Group Groups[] = {
      "GetPhysicallyInstalledSystemMemory GlobalMemoryStatusEx GetPwrCapabilities QueryPerformanceFrequency "
      "MultiByteToWideChar "
      "WideCharToMultiByte StringFromGUID2 InternetSetOptionW InternetQueryOptionW InternetCrackUrlW "
-     "InternetSetStatusCallbackW"},
-    {0, 0, "LoadLibraryExW",
-     [](const Word* a) {
-         const auto flags = static_cast<DWORD>(a[2]);
-         if (EdgeFaults::refusesSystemFlag && flags == LOAD_LIBRARY_SEARCH_SYSTEM32) {
-             ++EdgeFaults::refusals;
-             SetLastError(ERROR_INVALID_PARAMETER);
-             return Word(0);
-         }
-         return reinterpret_cast<Word>(LoadLibraryExW(At<wchar_t>(a[0]), nullptr, flags));
-     }},
+     "InternetSetStatusCallbackW LoadLibraryExW"},
     {OutOfMemory, 0,
      "RegQueryValueExW RegEnumKeyExW RegSetValueExW RegQueryInfoKeyW RegDeleteKeyW RegDeleteTreeW "
      "RegOverridePredefKey BCryptGenRandom CoCreateInstance CoSetProxyBlanket CoCreateGuid "
@@ -96,8 +86,6 @@ constexpr Group Groups[] = {
      }},
     {0, 0, "HttpSendRequestW",
      [](const Word* a) {
-         if (a[3] != 0)
-             EdgeFaults::sent = At<char>(a[3]);
          broken += a[3] != 0 && *At<char>(a[3]) != '<';
          EdgeFaults::withLogon += !std::exchange(forbidsLogon, false);
          return unread = Answer.size();
@@ -109,7 +97,7 @@ constexpr Group Groups[] = {
      }},
     {0, 0, "InternetQueryDataAvailable", [](const Word* a) { return Word(*At<DWORD>(a[1]) = 100); }},
     {0, 0, "HttpQueryInfoW",
-     [](const Word* a) { return Word(a[1] < 100 && wcscpy(At<wchar_t>(a[2]), EdgeFaults::status.c_str())); }},
+     [](const Word* a) { return Word(a[1] < 100 && wcscpy(At<wchar_t>(a[2]), L"200")); }},
     {0, 0, "QueryPerformanceCounter", [](const Word* a) { return *At<Word>(*a) = now += 10000000; }},
 };
 

@@ -24,14 +24,9 @@ struct EdgeFaults {
     static bool FailsTexts() { return isLasting || failed == "SysAllocStringLen"; }
 
     static inline bool isArmed = false, isLasting = false;
-    static inline std::string failed;            ///< the function that failed last
-    static inline std::wstring status = L"200";  ///< of all answers of the service
-    static inline std::string sent;              ///< the body of the last request that had one
-    static inline std::wstring log;              ///< the lines that the DLL wrote
-    static inline bool refusesSystemFlag =
-        false;                        ///< like Windows 7 without the flag for the system's folder
-    static inline int refusals = 0;   ///< calls with that flag
-    static inline int withLogon = 0;  ///< connections and requests that may send the user's logon
+    static inline std::string failed;  ///< the function that failed last
+    static inline std::wstring log;    ///< the lines that the DLL wrote
+    static inline int withLogon = 0;   ///< connections and requests that may send the user's logon
 };
 
 }  // namespace kel::test

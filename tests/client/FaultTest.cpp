@@ -129,24 +129,6 @@ TEST_F(Fault, LogsWhichStepOfAnExchangeCannotBegin)
     Recover();
 }
 
-/// With a status for all answers of the service.
-struct Answers : Fault, testing::WithParamInterface<int> {};
-
-TEST_P(Answers, ReachTheScriptWhateverTheirStatusAndTheTestFileOnlyWith200)
-{
-    EdgeFaults::status = std::to_wstring(GetParam());
-    dll.emplace();
-    const Control control = dll->Create();
-    EXPECT_EQ(Get(control, &ISysInfo::get_Analysis, L"an item", L"a format", L"a schema"),
-              L"71060|71063|71069|71207");
-    EXPECT_THAT(EdgeFaults::sent, testing::HasSubstr("<ItemID>an item</ItemID>"));
-    EXPECT_THAT(EdgeFaults::sent,
-                testing::EndsWith("<Format>a format</Format><Schema>a schema</Schema></System>"));
-    EXPECT_EQ(Get(control, &ISysInfo::get_Value, L"71069"), GetParam() == 200 ? L"184.0 bps" : L"0.0 bps");
-}
-
-INSTANTIATE_TEST_SUITE_P(WithStatus, Answers, testing::Values(200, 404), testing::PrintToStringParamName());
-
 TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
 {
     for (const wchar_t* key : {L"CLSID", L"TypeLib", L"Interface"})

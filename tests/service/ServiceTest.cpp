@@ -300,24 +300,6 @@ TEST(Answer, ShowsWhoAnsweredAndWhetherItIsWhole)
     EXPECT_EQ(FormOfText(xml), AnswerForm::Foreign);
 }
 
-TEST(Answer, IsLoggedAsAWarningFromStatus400On)
-{
-    HttpAnswer answer;
-    const test::LogCapture log;
-    for (const wchar_t* status : {L"200", L"399", L"400", L"500"}) {
-        answer.status = status;
-        answer.statusText = L"text";
-        answer.LogStatus();
-    }
-    answer.statusText.reset();
-    answer.status.reset();
-    answer.LogStatus();
-    EXPECT_THAT(log.Lines(),
-                testing::ElementsAre(L"TRACE Status: 200 text", L"TRACE Status: 399 text",
-                                     L"WARN Status: 400 text", L"WARN Status: 500 text",
-                                     L"WARN Can't get status.", L"WARN Can't get data.", L"TRACE Status:  "));
-}
-
 TEST(InternetError, NamesTheDocumentedErrors)
 {
     const test::Lines rows = test::ReadRows("internet_errors.txt");

@@ -80,7 +80,6 @@ BOOL Give(const std::wstring& text, LPVOID buffer, LPDWORD size)
 
 struct WinINet : testing::Test {
     test::TestSession session;
-    const test::LogCapture log;
     const std::shared_ptr<void> replaced[11] = {
         test::ReplaceImport(__imp_InternetOpenW,
                             [](LPCWSTR agent, DWORD type, LPCWSTR proxy, LPCWSTR, DWORD flags) {
@@ -128,8 +127,9 @@ struct WinINet : testing::Test {
                             [](HINTERNET, DWORD what, LPVOID buffer, LPDWORD size, LPDWORD) {
                                 if (what == (HTTP_QUERY_CONTENT_LENGTH | HTTP_QUERY_FLAG_NUMBER))
                                     return BOOL((*static_cast<DWORD*>(buffer) = answer.announced) != 0);
-                                return Give(what == HTTP_QUERY_STATUS_CODE ? answer.status : L"text", buffer,
-                                            size);
+                                return BOOL(!answer.status.empty() &&
+                                            Give(what == HTTP_QUERY_STATUS_CODE ? answer.status : L"text",
+                                                 buffer, size));
                             }),
         test::ReplaceImport(__imp_InternetQueryDataAvailable,
                             [](HINTERNET, LPDWORD count, DWORD, DWORD_PTR) {
@@ -148,10 +148,9 @@ struct WinINet : testing::Test {
     {
         calls.clear();
         answer = std::move(newAnswer);
-        const std::size_t before = log.Lines().size();
+        const test::LogCapture log;
         request.Call();
         test::Lines lines = log.Lines();
-        lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(before));
         for (std::wstring& line : lines)
             line.erase(std::min(line.find(L"milliseconds: "), line.size()));
         lines.push_back(L"= " + request.GetResult());
@@ -161,7 +160,7 @@ struct WinINet : testing::Test {
 
 TEST_F(WinINet, IsAskedForTheGroupList)
 {
-    SetServiceHost(L"a.example");
+    SetServiceHost(L"http://a.example");
     EXPECT_EQ(Run(GroupListRequest(), {L"http://a.example/x", "71063|71094"}),
               (test::Lines{
                   L"MARK Entering: kel::WebService::Call",
@@ -179,11 +178,11 @@ TEST_F(WinINet, IsAskedForTheGroupList)
 TEST_F(WinINet, SendsReportsByHttps)
 {
     SetServiceHost(L"https://a.example");
-    EXPECT_EQ(Run(WebServiceUpload(L"\u20ac"), {L"https://a.example/", "done", L"503"}),
+    EXPECT_EQ(Run(WebServiceUpload(L"\u20ac"), {L"https://a.example/", "done", L"400"}),
               (test::Lines{L"MARK Entering: kel::WebService::Call",
                            L"TRACE Request: POST https://a.example/Data/Service.svc/upload, proxy unknown",
                            L"MARK Header: Content-Type = application/xml; charset=utf-8",
-                           L"MARK Header: Content-Length = 3", L"TRACE Elapsed ", L"WARN Status: 503 text",
+                           L"MARK Header: Content-Length = 3", L"TRACE Elapsed ", L"WARN Status: 400 text",
                            L"TRACE Result: done", L"TRACE Successfully sent data.",
                            L"TRACE Adding value: answered to 73390", L"MARK Exiting: kel::WebService::Call",
                            L"= done"}));
@@ -208,8 +207,8 @@ TEST_F(WinINet, FailuresAreLogged)
          {L"TRACE Elapsed ", L"TRACE Status: 200 text", failed + L"another host answered",
           L"ERR The answer came from another host than the service's.",
           L"TRACE Adding value: another host answered to 73390"}},
-        {{L"https://a.example/", "", L"302"},
-         {L"TRACE Elapsed ", L"TRACE Status: 302 text", failed + L"another host answered",
+        {{L"https://a.example/", "", L"399"},
+         {L"TRACE Elapsed ", L"TRACE Status: 399 text", failed + L"another host answered",
           L"ERR The service redirected the request.", L"TRACE Adding value: another host answered to 73390"}},
         {{L"https://a.example/", "", L"", ERROR_INTERNET_CANNOT_CONNECT},
          {L"ERR Can't send Internet request. Error: 12029",
@@ -223,6 +222,10 @@ TEST_F(WinINet, FailuresAreLogged)
         {{L"https://a.example/", std::string((16U << 20) + 1, 'a')},
          {L"TRACE Elapsed ", L"TRACE Status: 200 text", failed + L"cut",
           L"ERR The service's answer is too long.", L"TRACE Adding value: cut to 73390"}},
+        {{L"https://a.example/", verdict, L""},
+         {L"TRACE Elapsed ", L"WARN Can't get status.", L"WARN Can't get data.", L"TRACE Status:  ",
+          L"TRACE Result: <analysis ></analysis>", L"TRACE Successfully sent data.",
+          L"TRACE Adding value: cut to 73390"}},
         {{L"https://a.example/", verdict, L"200", ERROR_SUCCESS, 23},
          {L"TRACE Elapsed ", L"TRACE Status: 200 text", L"TRACE Result: <analysis ></analysis>",
           L"TRACE Successfully sent data.", L"TRACE Adding value: cut to 73390"}},
@@ -241,11 +244,11 @@ TEST_F(WinINet, IsAskedForTheTestFile)
         {{L"", "12345678", L"404", 0, 8}, L"WARN The bandwidth test has failed. Status: 404"},
     };
     for (const auto& [row, line] : rows) {
-        const test::LogCapture own;
+        const test::LogCapture log;
         calls.clear();
         answer = row;
         const std::wstring rate = RunBandwidthTest();
-        test::Lines lines = own.Lines();
+        test::Lines lines = log.Lines();
         lines.push_back(L"= " + rate);
         EXPECT_THAT(lines.front(), testing::StartsWith(line));
         EXPECT_EQ(rate.ends_with(L" bps"), &row == &rows[0].first) << rate;
