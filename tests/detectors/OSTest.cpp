@@ -185,9 +185,7 @@ TEST(Windows, HasTheNameOfItsRelease)
         {6, 3, 9600, Server, L"Windows Server 2012 R2"}, {6, 1, 7601, Workstation, L"Windows 7"},
     };
     for (const auto& [major, minor, build, type, name] : rows) {
-        OSVERSIONINFOEXW version = {.dwMajorVersion = major, .dwMinorVersion = minor, .dwBuildNumber = build};
-        version.wProductType = type;
-        EXPECT_EQ(NameRelease(version), name) << build;
+        EXPECT_EQ(NameRelease({0, major, minor, build, 0, L"", 0, 0, 0, type, 0}), name) << build;
     }
 }
 

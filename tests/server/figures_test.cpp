@@ -47,16 +47,6 @@ TEST(ValueSample, CountsASessionByItsFirstDeviceOrByAnyOfThem)
     EXPECT_EQ(first.Reported(), 3);
     EXPECT_EQ(any.Reported(), 4);
     EXPECT_EQ(any.Unreported(), 2);
-    std::map<std::string, int> bars, values;
-    for (const ValueSample::Step& step : any.Steps({"6 GB"}))
-        bars[step.label] = step.count;
-    EXPECT_EQ(bars,
-              (std::map<std::string, int>{
-                  {"1.0 GB", 4}, {"2.0 GB", 3}, {"4.0 GB", 3}, {"6 GB", 3}, {"8.0 GB", 3}, {"12.0 GB", 2}}));
-    for (const ValueSample::Step& value : any.Values(10))
-        values[value.label] = value.count;
-    EXPECT_EQ(values, (std::map<std::string, int>{
-                          {"1.0 GB", 1}, {"2.0 GB", 1}, {"4.0 GB", 1}, {"8.0 GB", 1}, {"12.0 GB", 2}}));
 }
 
 /// Searches a store that never ends for a line's result that no verdict has.
