@@ -84,6 +84,7 @@ TEST_F(LookedUp, FunctionsThatAreMissingAnswerWithNothing)
         return ofSystem.contains(line) || line.find(L"has no function") == line.npos;
     });
     EXPECT_THAT(unknown, testing::IsSubsetOf({L"TRACE The system has no function D3DKMTQueryAdapterInfo",
+                                              L"TRACE The system has no function DXCoreCreateAdapterFactory",
                                               L"TRACE The system has no function GetPackagesByPackageFamily",
                                               L"TRACE The system has no function GetPackagePathByFullName"}))
         << "are not in Wine either";
