@@ -17,7 +17,7 @@ class InABrowser(AdminTest):
         browser.press("Edith" + TAB + "wrong" + ENTER, "name")  # the focus is where the first word goes
         browser.await_text("Name or password is wrong.")
         browser.press(PASSWORD + ENTER, "password")
-        browser.await_text("✓ pass", "tbody")
+        browser.await_text("✓ pass", "main > table tbody")
         self.assertEqual(browser.run("return document.cookie"), "")  # no script can read it
         self.require("demo", (71063, "Memory", "at least", "6 GB"))
         self.check_answers(browser)
@@ -52,7 +52,7 @@ class InABrowser(AdminTest):
             for period in ("30d", "all"):
                 browser.go(f"http://{self.admin}/?period={period}")
                 self.assertLessEqual(browser.run("return document.documentElement.scrollHeight"), height, f"{width} {period}")
-                edges = browser.run("return ['main > table', '.figures'].map(e => "
+                edges = browser.run("return ['main > table', 'main > h1'].map(e => "
                                     "document.querySelector(e).getBoundingClientRect().right)")
                 self.assertLessEqual(edges[0], edges[1] + 1, f"{width} {period}: the table is wider than its page")
             cut = browser.run("return [...document.querySelectorAll('.kind')].filter(e => e.scrollWidth > e.clientWidth + 1 && "
@@ -60,7 +60,7 @@ class InABrowser(AdminTest):
             self.assertEqual(cut, [], f"{width}: titles are cut, and nothing shows the rest")
         browser.click("#find")
         browser.press("NUMBER 77" + ENTER, "find")
-        browser.await_text("product-77", "tbody")
+        browser.await_text("product-77", "main > table tbody")
         self.assertEqual(browser.run("return document.querySelectorAll('svg.spark').length"), 2)  # and 177
 
     def check_answers(self, browser):

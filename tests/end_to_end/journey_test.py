@@ -40,7 +40,7 @@ class Journey(AdminTest):
         self.publish(browser, "9000 TB", "Of the last 1 sessions 0 would pass, today 1.")
         self.assertRegex(self.check_machine(), '^<analysis result="fail" ')
         browser.go(f"http://{self.admin}/reports?verdict=fail")
-        browser.await_text("✗ fail", "tbody")
+        browser.await_text("✗ fail", "main > table tbody")
 
 
 if __name__ == "__main__":
