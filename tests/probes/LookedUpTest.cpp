@@ -20,14 +20,14 @@ extern "C" decltype(&GetProcAddress) __imp_GetProcAddress;
 namespace kel {
 namespace {
 
-const auto findInSystem = __imp_GetProcAddress;
+const auto FindInSystem = __imp_GetProcAddress;
 std::map<std::string, void*> lookedUp;  // the functions that are found
 std::set<std::wstring> ofSystem;        // the log's lines about others, which the system of the tests has
 std::vector<std::string> notedCalls;
 
 FARPROC WINAPI FindKnown(HMODULE library, LPCSTR name)
 {
-    if (findInSystem(library, name) != nullptr)
+    if (FindInSystem(library, name) != nullptr)
         ofSystem.insert(L"TRACE The system has no function " + std::wstring(name, name + strlen(name)));
     return reinterpret_cast<FARPROC>(lookedUp[name]);
 }
