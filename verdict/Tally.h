@@ -20,6 +20,13 @@ struct Counts {
         return result == Result::Pass ? pass : result == Result::Fail ? fail : unknown;
     }
     void Add(Result result) { ++(*this)[result]; }
+    Counts& operator+=(const Counts& more)
+    {
+        pass += more.pass;
+        fail += more.fail;
+        unknown += more.unknown;
+        return *this;
+    }
     int All() const { return pass + fail + unknown; }
 };
 

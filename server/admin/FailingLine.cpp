@@ -1,5 +1,7 @@
 #include "server/admin/FailingLine.h"
 
+#include <fmt/format.h>
+
 #include "server/store/RequirementSets.h"
 #include "verdict/Requirements.h"
 #include "verdict/text/Text.h"
@@ -21,6 +23,21 @@ std::vector<LineOfSet> FindLines(Database& database, const std::string& referrer
         }
     }
     return lines;
+}
+
+Html NameOfLine(Database& database, const std::string& referrer, int version, int line)
+{
+    Html name = fmt::format("line {} of version {}", line, version);
+    RequirementSets sets(database);
+    for (const PublishedSet& set : sets.Versions(referrer)) {
+        if (set.version != version)
+            continue;
+        const auto read = Requirements::ReadStored(sets.Text(set.id));
+        if (read && line >= 1 && line <= static_cast<int>(read->lines.size()))
+            name +=
+                " (" + Html::Stored(read->lines[static_cast<std::size_t>(line) - 1].label.Default()) + ")";
+    }
+    return name;
 }
 
 }  // namespace kel::server

@@ -41,18 +41,6 @@ ReportCounts CountReports(Database& database, const Period& period)
     return counts;
 }
 
-/// How many of all visitors can run what they came for, and whether that is changing.
-Html AnswerForAll(const ProductList& products, const Period& period)
-{
-    const Counts &totals = products.Totals(), &before = products.TotalsBefore();
-    std::string text = fmt::format("{} of {} sessions {} pass", Percentage(totals.pass, totals.All()),
-                                   Grouped(totals.All()), period.Text());
-    if (period.HasBefore() && before.All() > 0)
-        text += fmt::format("; {} it was {} of {}", period.BeforeText(),
-                            Percentage(before.pass, before.All()), Grouped(before.All()));
-    return Html::Element("p", {{"class", "answer"}}, text + ".");
-}
-
 /// How many reports arrived, with those that belong to no product.
 Html Arrivals(const ReportCounts& counts, const Period& period)
 {
@@ -107,26 +95,22 @@ Html StateFigures(Database& database, const std::vector<ReportLine>& newest)
 Answer ShowOverview(const AdminRequest& request)
 {
     const Period period = Period::Read(request, Period::Usual);
-    const ProductList products(request, period);
+    const SessionTrend trend(request.database, ReportQuery::SessionsOf("", period));
     ReportFilter filter;
     filter.count = NewestReports;
     const std::vector<ReportLine> newest = Reports(request.database).List(filter);
-    Html content = period.Choice("/");
-    if (products.Totals().All() > 0)
-        content += AnswerForAll(products, period);
+    Html content = period.Choice("/") + trend.Sentence();
     content += Html::Element("div", {{"class", "charts"}},
                              {Html::Element("div", {},
                                             {StateFigures(request.database, newest),
                                              Arrivals(CountReports(request.database, period), period)}),
-                              SessionTrend(request.database, ReportQuery::SessionsOf("", period)).Show()}) +
-               products.Show();
+                              trend.Show()}) +
+               ProductList(request, period).Show();
     if (request.IsEditor())
         content += NewProductForm();
     content +=
         Html::Element("h2", {}, "Newest reports") +
-        ReportsTable(
-            request.database, "The last five; all of them are under Reports", newest,
-            "No reports yet. They appear once a page with the control asks this service for an analysis.");
+        ReportsTable(request.database, "The last five; all of them are under Reports", newest, NoReportsYet);
     return Page(request, "Overview", content);
 }
 

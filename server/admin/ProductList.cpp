@@ -28,13 +28,6 @@ constexpr Order Orders[] = {{"name", "Name"},
                             {"passing", "Lowest share that passes"},
                             {"change", "Largest fall"}};
 
-void AddCounts(Counts& sum, const Counts& more)
-{
-    sum.pass += more.pass;
-    sum.fail += more.fail;
-    sum.unknown += more.unknown;
-}
-
 /// Whether a text has all of the words; all in lower case.
 bool HasWords(const std::string& text, std::string_view words)
 {
@@ -78,22 +71,21 @@ ProductList::ProductList(const AdminRequest& request, const Period& period)
 {
     for (Product& product : RequirementSets(database).Products())
         entries.push_back({std::move(product), {}, {}, 0});
-    Count(period.Range(), &Entry::sessions, totals);
+    Count(period.Range(), &Entry::sessions);
     if (period.HasBefore())
-        Count(period.Before().Range(), &Entry::before, totalsBefore);
+        Count(period.Before().Range(), &Entry::before);
     Find();
     Sort();
     page = std::min(page, entries.empty() ? 0 : (entries.size() - 1) / PageProducts);
 }
 
 /// Both lists are ordered by name.
-void ProductList::Count(const Days& days, Counts Entry::*own, Counts& sum)
+void ProductList::Count(const Days& days, Counts Entry::*own)
 {
     auto entry = entries.begin();
     for (const VersionCount& version : DayCounts(database).OfAllProducts(days)) {
         while (entry != entries.end() && entry->product.referrer < version.referrer)
             ++entry;
-        AddCounts(sum, version.sessions);
         if (entry == entries.end() || entry->product.referrer != version.referrer)
             continue;
         if (version.version == entry->product.version)

@@ -19,10 +19,6 @@ class ProductList {
 public:
     ProductList(const AdminRequest& request, const Period& period);
 
-    /// The sessions of all products, by all versions, and those of the period before.
-    const Counts& Totals() const { return totals; }
-    const Counts& TotalsBefore() const { return totalsBefore; }
-
     /// The form that finds and sorts, the table, and links to the other pages.
     Html Show() const;
 
@@ -36,7 +32,7 @@ private:
         std::optional<int> Change() const;
     };
 
-    void Count(const Days& days, Counts Entry::*own, Counts& sum);
+    void Count(const Days& days, Counts Entry::*own);
     void Find();
     void Sort();
     std::string Address(std::size_t number) const;
@@ -48,7 +44,6 @@ private:
     Period period;
     std::string words, order;
     std::size_t page = 0;  // from 0 on
-    Counts totals, totalsBefore;
     std::vector<Entry> entries;
 };
 

@@ -19,17 +19,6 @@ namespace {
 
 constexpr std::size_t MaxVersions = 3;  // whose lines a page shows
 
-Counts Sum(const std::vector<VersionCount>& versions)
-{
-    Counts sum;
-    for (const VersionCount& version : versions) {
-        sum.pass += version.sessions.pass;
-        sum.fail += version.sessions.fail;
-        sum.unknown += version.sessions.unknown;
-    }
-    return sum;
-}
-
 Html TotalFigures(const Counts& totals, const ReportQuery& sessions)
 {
     return Html::Element("div", {{"class", "card figures"}},
@@ -38,20 +27,6 @@ Html TotalFigures(const Counts& totals, const ReportQuery& sessions)
                           Figure("fail", CountLink(sessions.With("fail"), totals.fail)),
                           Figure("unknown", CountLink(sessions.With("unknown"), totals.unknown)),
                           Figure("passing", Percentage(totals.pass, totals.All()))});
-}
-
-/// How many of the visitors can run the product, and whether that is changing.
-Html Answered(Database& database, const std::string& referrer, const Counts& totals, const Period& period)
-{
-    std::string text = fmt::format("{} of {} sessions {} pass", Percentage(totals.pass, totals.All()),
-                                   Grouped(totals.All()), period.Text());
-    if (period.HasBefore()) {
-        const Counts before = Sum(DayCounts(database).ByVersion(referrer, period.Before().Range()));
-        text += before.All() == 0 ? fmt::format("; {} had none", period.BeforeText())
-                                  : fmt::format("; {} it was {} of {}", period.BeforeText(),
-                                                Percentage(before.pass, before.All()), Grouped(before.All()));
-    }
-    return Html::Element("p", {{"class", "answer"}}, text + ".");
 }
 
 Html VersionTable(const std::vector<VersionCount>& versions, const ReportQuery& sessions)
@@ -80,8 +55,7 @@ Html VersionTable(const std::vector<VersionCount>& versions, const ReportQuery& 
 Html VerdictFigures(Database& database, const std::vector<VersionCount>& versions,
                     const ReportQuery& sessions)
 {
-    const std::string& referrer = sessions.referrer;
-    const Counts totals = Sum(versions);
+    const SessionTrend trend(database, sessions);
     Html sentence, tables;
     for (std::size_t i = 0; i < std::min(versions.size(), MaxVersions); ++i) {
         const LineFigures lines(database, versions[i], sessions);
@@ -102,8 +76,8 @@ Html VerdictFigures(Database& database, const std::vector<VersionCount>& version
         basis = Html::Element(
             "p", {{"class", "basis"}},
             fmt::format("Of all {} versions that judged them; each one is listed below.", versions.size()));
-    return Answered(database, referrer, totals, sessions.period) + sentence + TotalFigures(totals, sessions) +
-           basis + SessionTrend(database, sessions).Show() + tables;
+    return trend.Sentence() + sentence + TotalFigures(SumSessions(versions), sessions) + basis +
+           trend.Show() + tables;
 }
 
 /// Throws Fault 404 for a name that nothing stored has.
@@ -156,7 +130,7 @@ Answer ShowProduct(const AdminRequest& request)
     } else {
         content += VerdictFigures(request.database, versions, sessions) +
                    Html::Element("h2", {{"id", "values"}}, "What visitors have") +
-                   MachineCharts(request.database, sessions, Sum(versions).All(),
+                   MachineCharts(request.database, sessions, SumSessions(versions).All(),
                                  static_cast<int>(std::clamp<std::int64_t>(
                                      WholeNumber(request.Query("value")), 0, INT32_MAX)));
     }

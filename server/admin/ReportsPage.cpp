@@ -82,23 +82,31 @@ Html FilterForm(const ReportQuery& query)
 }
 
 /// What the form does not show of the filter, with a link to the list without it.
-Html Restriction(const ReportQuery& query)
+Html Restriction(Database& database, const ReportQuery& query)
 {
-    std::string text;
+    Html text;
     if (query.line > 0)
-        text = fmt::format("line {} of version {} is {}", query.line, query.version, query.result);
+        text = NameOfLine(database, query.referrer, query.version, query.line) + " is " + query.result;
     else if (query.version > 0)
         text = fmt::format("version {} judged them", query.version);
     if (query.isOnce)
-        text += std::string(text.empty() ? "" : ", and ") + "the newest verdict of their session is theirs";
-    if (text.empty())
+        text += std::string(text.IsEmpty() ? "" : ", and ") + "the newest verdict of their session is theirs";
+    if (text.IsEmpty())
         return {};
     ReportQuery without = query;
     without.version = without.line = 0;
     without.result.clear();
     without.isOnce = false;
     return Html::Element("p", {{"class", "lead"}},
-                         {"Only reports where " + text + ". ", Link(without.Address(), "Show all"), "."});
+                         {"Only reports where ", text, ". ", Link(without.Address(), "Show all"), "."});
+}
+
+/// Why the list is empty, with a way on.
+Html NoReports(const ReportQuery& query, bool isCut)
+{
+    if (query.period.IsAll() && query.Restrictions().empty())
+        return NoReportsYet;
+    return Html(isCut ? "No reports so far. " : "No reports here. ") + Link("/reports", "Show all reports");
 }
 
 /// The sessions of the list over time, where the counts by day know them.
@@ -161,15 +169,16 @@ Answer ShowReports(const AdminRequest& request)
                           "The session has more reports than one deletion takes. Delete again for the rest.");
     if (!query.problem.empty())
         content += Notice("bad", query.problem);
-    content += FilterForm(query) + Restriction(query);
-    if (query.problem.empty() && before <= 0 && !isAscending)  // on the first page
+    content += FilterForm(query);
+    if (!query.problem.empty())
+        return Page(request, "Reports", content);
+    content += Restriction(request.database, query);
+    if (before <= 0 && !isAscending)  // on the first page
         content += Trend(request.database, query);
-    content += ReportsTable(
-        request.database, "Reports, the newest first", lines,
-        Html(isCut ? "No reports so far. " : "No reports here. ") + Link("/reports", "Show all reports"));
+    content += ReportsTable(request.database, "Reports, the newest first", lines, NoReports(query, isCut));
     if (!pages.IsEmpty())
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More reports"}}, pages);
-    if (query.problem.empty() && !lines.empty())
+    if (!lines.empty())
         content += DownloadLinks(query);
     return Page(request, "Reports", content);
 }

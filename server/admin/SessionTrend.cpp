@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "server/admin/FailingLine.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/RequirementSets.h"
 
@@ -11,26 +12,19 @@ namespace {
 
 constexpr std::size_t MaxLabel = 16;  // characters of a publication's
 
-Counts SumOf(const std::vector<DayCount>& days)
+/// What sessions with the result do: "pass", "leave line 8 of version 1 unknown".
+template <typename Text>
+Text Predicate(Result result, const Text& line)
 {
-    Counts sum;
-    for (const DayCount& day : days) {
-        sum.pass += day.sessions.pass;
-        sum.fail += day.sessions.fail;
-        sum.unknown += day.sessions.unknown;
-    }
-    return sum;
+    return result == Result::Pass   ? Text("pass ") + line
+           : result == Result::Fail ? Text("fail ") + line
+                                    : Text("leave ") + line + " unknown";
 }
 
-/// What sessions with the result do: "pass", "leave line 8 of version 1 unknown".
-std::string Predicate(const ReportQuery& query, Result result)
+/// The same for the total.
+const char* Predicate(Result result)
 {
-    if (query.line == 0)
-        return result == Result::Pass ? "pass" : result == Result::Fail ? "fail" : "are unknown";
-    const std::string line = fmt::format("line {} of version {}", query.line, query.version);
-    return result == Result::Pass   ? "pass " + line
-           : result == Result::Fail ? "fail " + line
-                                    : "leave " + line + " unknown";
+    return result == Result::Pass ? "pass" : result == Result::Fail ? "fail" : "are unknown";
 }
 
 }  // namespace
@@ -81,7 +75,7 @@ ReportQuery SessionTrend::Sessions(const Period& period, std::string_view result
 
 Html SessionTrend::Sentence() const
 {
-    const Counts now = SumOf(days);
+    const Counts now = SumSessions(days);
     if (now.All() == 0)
         return Html::Element("p", {{"class", "basis"}},
                              fmt::format("No session was judged {}.", query.period.Text()));
@@ -91,7 +85,7 @@ Html SessionTrend::Sentence() const
     };
     Html before;
     if (query.period.HasBefore()) {
-        const Counts old = SumOf(Count(query.period.Before()));
+        const Counts old = SumSessions(Count(query.period.Before()));
         before = old.All() == 0 ? Html(fmt::format("; {} had none", query.period.BeforeText()))
                                 : Html(fmt::format("; {} it was ", query.period.BeforeText())) +
                                       share(old, query.period.Before());
@@ -100,9 +94,10 @@ Html SessionTrend::Sentence() const
         query.line == 0 && query.version > 0 ? fmt::format(", judged by version {},", query.version) : "";
     return Html::Element(
         "p", {{"class", "answer"}},
-        {share(now, query.period),
-         fmt::format(" sessions {}{} {}", query.period.Text(), judges, Predicate(query, shown)), before,
-         "."});
+        {share(now, query.period), fmt::format(" sessions {}{} ", query.period.Text(), judges),
+         query.line == 0 ? Html(Predicate(shown))
+                         : Predicate(shown, NameOfLine(database, query.referrer, query.version, query.line)),
+         before, "."});
 }
 
 /// The publications to mark: those of the product, or of all.
@@ -127,7 +122,11 @@ Html SessionTrend::Show() const
     const std::string scope =
         query.version == 0 ? "of all versions" : fmt::format("of version {}", query.version);
     const std::string who = query.referrer.empty() ? "sessions of all products that " : "sessions that ";
-    const Curve curve(days, query.period.Range(), {shown, who + Predicate(query, shown), scope});
+    // Short, as it is a heading.
+    const std::string done =
+        query.line == 0 ? Predicate(shown)
+                        : Predicate(shown, fmt::format("line {} of version {}", query.line, query.version));
+    const Curve curve(days, query.period.Range(), {shown, who + done, scope});
     return curve.Show(Publications(), [&](std::int64_t from, std::int64_t until, std::string_view total) {
         return Sessions(Period::Between(from, until), total).Address();
     });

@@ -35,6 +35,16 @@ struct VersionCount {
     Counts sessions;
 };
 
+/// The sessions of all days, or of all versions.
+template <typename Part>
+Counts SumSessions(const std::vector<Part>& parts)
+{
+    Counts sum;
+    for (const Part& part : parts)
+        sum += part.sessions;
+    return sum;
+}
+
 /// Which sessions to count. Without a referrer, those of all products.
 struct CountFilter {
     std::string referrer = {};

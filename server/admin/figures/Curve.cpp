@@ -57,11 +57,8 @@ Curve::Curve(const std::vector<DayCount>& days, const Days& range, Subject subje
         const auto step = std::find_if(steps.begin(), steps.end(), [&](const Step& one) {
             return day.day >= one.from && day.day < one.until;
         });
-        if (step == steps.end())
-            continue;
-        step->sessions.pass += day.sessions.pass;
-        step->sessions.fail += day.sessions.fail;
-        step->sessions.unknown += day.sessions.unknown;
+        if (step != steps.end())
+            step->sessions += day.sessions;
     }
 }
 
