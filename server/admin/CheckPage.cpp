@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <algorithm>
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
@@ -50,9 +51,15 @@ Html KeepField()
 
 Html FileForm(const AdminRequest& request, const std::string& referrer, const std::string& version)
 {
+    const std::vector<Product> products = RequirementSets(request.database).Products();
+    if (std::all_of(products.begin(), products.end(), [](const Product& one) { return one.version == 0; }))
+        return Html::Element(
+            "p", {{"class", "empty"}},
+            {"A file is judged by a product's published requirements, and there are none yet. ",
+             Link("/", "To the overview, where products begin"), "."});
     Html fields = Hidden("token", request.login.formToken) +
                   Field("File", "file", "", "file", {{"required", ""}, {"accept", ".json,.xml"}}) +
-                  ProductField(RequirementSets(request.database).Products(), referrer) +
+                  ProductField(products, referrer) +
                   Field("Version; the newest when empty", "version", version);
     if (request.IsEditor())
         fields += KeepField();

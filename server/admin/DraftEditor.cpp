@@ -19,7 +19,7 @@ namespace {
 Html Help()
 {
     return Html::Element(
-        "details", {},
+        "details", {{"class", "help"}},
         {Html::Element("summary", {}, "How requirements are written"),
          Html::Element("p", {},
                        {"A line has the \"id\" of a value (", Link("/values", "all values"),
@@ -122,8 +122,7 @@ Answer DraftEditor(const AdminRequest& request, const std::string& text, int rev
     checked.findings.insert(checked.findings.end(), more.begin(), more.end());
     const Html content = FindingsBox(text, checked.findings) + result +
                          EditorForm(request, text, revision, checked) + Help() +
-                         VersionsTable(request, referrer) +
-                         Html::Element("p", {}, ButtonLink(ProductPath(referrer), "The product's figures"));
+                         VersionsTable(request, referrer);
     return PageOfProduct(request, "Requirements of " + referrer, content, status);
 }
 
@@ -165,7 +164,10 @@ Html VersionsTable(const AdminRequest& request, const std::string& referrer)
                    Link(ProductPath(referrer) + "/version?number=" + number, "view version " + number),
                    differences.IsEmpty() ? Html("–") : differences});
     }
-    return Html::Element("h2", {}, "Versions") + table.Done("Nothing is published yet.");
+    Html figures;  // of a product that has a page
+    if (hasDraft || !versions.empty())
+        figures = Html::Element("p", {}, ButtonLink(ProductPath(referrer), "The product's figures"));
+    return Html::Element("h2", {}, "Versions") + table.Done("Nothing is published yet.") + figures;
 }
 
 std::string NewestText(Database& database, const std::string& referrer)

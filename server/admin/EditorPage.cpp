@@ -32,8 +32,8 @@ Answer AskToPublish(const AdminRequest& request, int revision, const std::string
     const Html content =
         Html::Element("p", {{"class", "lead"}},
                       "The draft is saved. Once it is published, every verdict uses these requirements.") +
-        DraftPreview::Run(request.database, request.subject, Requirements::Read(text)).Show() +
-        Confirmation(request, "publish", revision, text, Button("Publish", "primary"));
+        Confirmation(request, "publish", revision, text, Button("Publish", "primary")) +
+        DraftPreview::Run(request.database, request.subject, Requirements::Read(text)).Show();
     return PageOfProduct(request, "Publish the draft of " + request.subject, content);
 }
 

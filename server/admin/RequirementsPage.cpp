@@ -20,8 +20,13 @@ constexpr const char* Template =
     "{\n"
     "  \"title\": \"What the product needs\",\n"
     "  \"requirements\": [\n"
-    "    { \"id\": 71063, \"label\": \"Memory\", \"comparison\": \"at least\", \"needed\": \"4 GB\",\n"
-    "      \"advice\": \"Add memory.\" }\n"
+    "    {\n"
+    "      \"id\": 71063,\n"
+    "      \"label\": \"Memory\",\n"
+    "      \"comparison\": \"at least\",\n"
+    "      \"needed\": \"4 GB\",\n"
+    "      \"advice\": \"Add memory.\"\n"
+    "    }\n"
     "  ]\n"
     "}\n";
 
@@ -112,7 +117,7 @@ Answer ShowVersion(const AdminRequest& request)
         links = ButtonLink(RequirementsPath(referrer) + "?from=" + number, "Load into the draft") + links;
     return PageOfProduct(
         request, fmt::format("Version {} of {}", number, referrer),
-        Html::Element("pre", {{"tabindex", "0"}}, text) + Html::Element("p", {{"class", "buttons"}}, links));
+        Html::Element("p", {{"class", "buttons"}}, links) + Html::Element("pre", {{"tabindex", "0"}}, text));
 }
 
 Answer ShowVersionDifference(const AdminRequest& request)

@@ -70,6 +70,17 @@ struct Reporting {
         });
     }
 
+    /// What the column of the numbers says.
+    std::string Explanation() const
+    {
+        if (sessions.count == 0)
+            return "Once there are reports, the page says how many have each value.";
+        return fmt::format(
+            "\"Reports\" says how many have the value, of {}, and leads to all reports that "
+            "have it. A report has only what the requirements of its product ask for.",
+            sessions.Text());
+    }
+
     /// The number for a value, which leads to all reports that have it.
     Html Link(int id) const
     {
@@ -134,11 +145,8 @@ Answer ShowValues(const AdminRequest& request)
     return Page(
         request, "Values",
         Html::Element("p", {{"class", "lead"}},
-                      fmt::format("What requirements can ask for, by the number that stands in them as "
-                                  "\"id\". \"Reports\" says how many have the value, of {}, and leads to all "
-                                  "reports that have it. A report has only what the requirements of its "
-                                  "product ask for.",
-                                  reporting.sessions.Text())) +
+                      "What requirements can ask for, by the number that stands in them as \"id\". " +
+                          reporting.Explanation()) +
             Html::Element(
                 "form", {{"method", "get"}, {"action", "/values"}, {"class", "card filter"}},
                 {Field("Words of the name, area, type, unit or example, or an id", "find", words, "search"),
