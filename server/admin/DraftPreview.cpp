@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "server/admin/Layout.h"
+#include "server/admin/ReportQuery.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
 #include "server/store/RequirementSets.h"
@@ -25,10 +26,12 @@ std::string LabelsNotMet(const Requirements& requirements, const VerdictResults&
     return labels;
 }
 
-/// "8 to 6", or the only one of both.
-std::string FromTo(const std::optional<std::string>& from, const std::optional<std::string>& to)
+/// "8 → 6", or the only one of both, or of two that are the same.
+Html FromTo(const std::optional<Html>& from, const std::optional<Html>& to)
 {
-    return from && to ? (*from == *to ? *to : *from + " → " + *to) : from ? *from : to.value_or("");
+    if (from && to && from->Markup() != to->Markup())
+        return *from + " → " + *to;
+    return to ? *to : from.value_or(Html());
 }
 
 }  // namespace
@@ -38,7 +41,7 @@ DraftPreview DraftPreview::Run(Database& database, const std::string& referrer, 
     const auto set = RequirementSets(database).Newest(referrer);
     const auto today = set ? Requirements::ReadStored(RequirementSets(database).Text(set->id)) : std::nullopt;
     const Requirements inForce = today.value_or(Requirements());
-    DraftPreview preview{draft, inForce, {}, Tally(draft), Tally(inForce), {}, 0, {draft, today}};
+    DraftPreview preview{referrer, draft, inForce, {}, Tally(draft), Tally(inForce), {}, 0, {draft, today}};
     ReportFilter ofProduct;
     ofProduct.referrer = referrer;
     preview.sessions = ForEachRecentReport(database, ofProduct, [&](const Report& report, std::int64_t id) {
@@ -70,6 +73,13 @@ Html DraftPreview::Show() const
     return ShowShares() + ShowChangedLines(changes) + ShowMachines() + ShowLines(changes) + ShowValues();
 }
 
+Html DraftPreview::LineCount(const Requirement& line, Result result, std::int64_t count) const
+{
+    const auto condition = ValueCondition::OfLine(line, result);
+    return condition ? CountLink(ReportQuery{referrer, {}}.WithValue(*condition), count)
+                     : Html(Grouped(count));
+}
+
 Html DraftPreview::ShowShares() const
 {
     const bool hasToday = today.All() > 0;
@@ -94,21 +104,23 @@ Html DraftPreview::ShowChangedLines(const std::vector<LineChange>& changes) cons
     if (today.All() == 0)
         return {};
     Table table("Lines that change, and how many pass",
-                {{"Requirement"}, {"Change"}, {"Needed"}, {"Pass", true}});
+                {{"Requirement"}, {"Change"}, {"Needed"}, {"Pass", true}}, "dense");
     for (const LineChange& change : changes) {
         if (change.isSame)
             continue;
         const LineTally* const from = change.before ? &today.lines[*change.before] : nullptr;
         const LineTally* const to = change.after ? &draft.lines[*change.after] : nullptr;
         const auto needed = [](const LineTally* line) {
-            return line ? std::optional(line->needed) : std::nullopt;
+            return line ? std::optional(Html::Stored(line->needed)) : std::nullopt;
         };
-        const auto pass = [](const LineTally* line) {
-            return line ? std::optional(Grouped(line->pass)) : std::nullopt;
-        };
+        std::optional<Html> passBefore, pass;
+        if (from)
+            passBefore = LineCount(inForce.lines[*change.before], Result::Pass, from->pass);
+        if (to)
+            pass = LineCount(requirements.lines[*change.after], Result::Pass, to->pass);
         const LineTally& shown = to ? *to : *from;
         table.Add({LineLabel(shown.label, shown.recommended), ToString(change),
-                   Html::Stored(FromTo(needed(from), needed(to))), FromTo(pass(from), pass(to))});
+                   FromTo(needed(from), needed(to)), FromTo(passBefore, pass)});
     }
     return table.Done("No line differs from the published requirements.");
 }
@@ -121,7 +133,7 @@ Html DraftPreview::ShowMachines() const
                             machineCount > static_cast<std::int64_t>(MaxMachines)
                                 ? fmt::format(", of which the newest {} are shown", MaxMachines)
                                 : ""),
-                {{"Report"}, {"Today"}, {"By the draft"}, {"Not met"}});
+                {{"Report"}, {"Today"}, {"By the draft"}, {"Not met"}}, "dense");
     for (const ChangedMachine& machine : machines)
         table.Add({Link(ReportPath(machine.report), "Report " + std::to_string(machine.report)),
                    Mark(machine.today), Mark(machine.draft), Html::Stored(machine.lines)});
@@ -130,12 +142,14 @@ Html DraftPreview::ShowMachines() const
 
 Html DraftPreview::ShowLines(const std::vector<LineChange>& changes) const
 {
-    Table table("Line by line, with the failures under today's requirements", {{"Requirement"},
-                                                                               {"Needed"},
-                                                                               {"Pass", true},
-                                                                               {"Fail", true},
-                                                                               {"Fail today", true},
-                                                                               {"Unknown", true}});
+    Table table("Line by line, with the failures under today's requirements",
+                {{"Requirement"},
+                 {"Needed"},
+                 {"Pass", true},
+                 {"Fail", true},
+                 {"Fail today", true},
+                 {"Unknown", true}},
+                "dense");
     Html gone;
     for (const LineChange& change : changes) {
         if (!change.after) {
@@ -145,12 +159,18 @@ Html DraftPreview::ShowLines(const std::vector<LineChange>& changes) const
             continue;
         }
         const LineTally& line = draft.lines[*change.after];
-        table.Add({LineLabel(line.label, line.recommended), Html::Stored(line.needed), Grouped(line.pass),
-                   Grouped(line.fail),
-                   change.before ? Grouped(today.lines[*change.before].fail) : std::string("new"),
-                   Grouped(line.unknown)});
+        const Requirement& asked = requirements.lines[*change.after];
+        table.Add({LineLabel(line.label, line.recommended), Html::Stored(line.needed),
+                   LineCount(asked, Result::Pass, line.pass), LineCount(asked, Result::Fail, line.fail),
+                   change.before ? LineCount(inForce.lines[*change.before], Result::Fail,
+                                             today.lines[*change.before].fail)
+                                 : Html("new"),
+                   LineCount(asked, Result::Unknown, line.unknown)});
     }
-    Html lines = table.Done("The draft has no line.");
+    Html lines = table.Done("The draft has no line.") +
+                 Html::Element("p", {{"class", "basis"}},
+                               "The numbers of lines with one condition lead to all reports of the product "
+                               "that have that result.");
     if (!gone.IsEmpty())
         lines += Html::Element("p", {}, gone);
     return lines;

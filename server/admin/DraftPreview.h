@@ -25,6 +25,7 @@ struct DraftPreview {
     };
     static constexpr std::size_t MaxMachines = 20;
 
+    std::string referrer;
     Requirements requirements, inForce;  // the latter are empty when nothing is published
     RecentSessions sessions;
     Tally draft, today;  // `today` is by the newest published version; empty when there is none
@@ -38,11 +39,13 @@ struct DraftPreview {
     /// The figures, as sentences and tables.
     Html Show() const;
     /// Only the values that the draft asks for.
-    Html ShowValues() const { return values.Show(sessions); }
+    Html ShowValues() const { return values.Show(referrer, sessions); }
     /// Warnings for ids that today's requirements ask for and no machine reports.
     std::vector<Finding> FindUnreported(const std::string& text) const;
 
 private:
+    /// A number of sessions whose line has that result.
+    Html LineCount(const Requirement& line, Result result, std::int64_t count) const;
     Html ShowShares() const;
     Html ShowChangedLines(const std::vector<LineChange>& changes) const;
     Html ShowMachines() const;

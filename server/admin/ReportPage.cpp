@@ -5,6 +5,7 @@
 
 #include "server/admin/Layout.h"
 #include "server/admin/Pages.h"
+#include "server/admin/ReportQuery.h"
 #include "server/admin/ReportsTable.h"
 #include "server/admin/ValueNames.h"
 #include "server/admin/VerdictTable.h"
@@ -33,6 +34,16 @@ constexpr std::size_t MaxValueBytes = 1000;  // bytes of a value that a page sho
 constexpr int MaxCounted = 5000;             // reports of a session, before it is deleted
 constexpr int MaxBatches = 25;               // of a deletion, which take some seconds
 
+/// The text, which leads to all reports that have it.
+Html ListLink(const std::string& text, std::string ReportQuery::*field)
+{
+    if (text.empty() || text.size() > ValueCondition::MaxLinkedBytes)
+        return TextOrDash(text);
+    ReportQuery query;
+    query.*field = text;
+    return Link(query.Address(), TextOrDash(text));
+}
+
 Html ReportFacts(Database& database, const FullReport& report)
 {
     auto titles = RequirementSets(database).Titles({report.referrer});
@@ -42,10 +53,10 @@ Html ReportFacts(Database& database, const FullReport& report)
          DescriptionEntry("Product", report.referrer.empty()
                                          ? Html("–")
                                          : ProductLink(report.referrer, titles[report.referrer])),
-         DescriptionEntry("Session", TextOrDash(report.session)),
+         DescriptionEntry("Session", ListLink(report.session, &ReportQuery::session)),
          DescriptionEntry("Session's number", TextOrDash(SessionNumber(report.session))),
-         DescriptionEntry("User", TextOrDash(report.user)),
-         DescriptionEntry("Machine", TextOrDash(report.machine))});
+         DescriptionEntry("User", ListLink(report.user, &ReportQuery::user)),
+         DescriptionEntry("Machine", ListLink(report.machine, &ReportQuery::machine))});
 }
 
 Html ValuesTable(const Report& report)

@@ -136,6 +136,7 @@ std::string ReportQuery::Restrictions() const
         add("comparison", condition.comparison);
         add("text", condition.text);
         add("of", condition.ofAny ? "any" : "");
+        add("outcome", condition.outcome == Result::Pass ? "" : std::string(ToString(condition.outcome)));
     }
     add("once", isOnce ? "1" : "");
     return address;

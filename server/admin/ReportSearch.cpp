@@ -31,7 +31,7 @@ bool AddMatches(Database& database, const ReportQuery& query, const std::vector<
         found.reached = report.id;
         ++found.looked;
         line = std::find_if(line, stretch.end(), [&](const ReportLine& one) { return one.id == report.id; });
-        const auto read = Report::ReadStored(report.body, query.condition.id);
+        const auto read = Report::ReadStored(report.body, query.condition.Group());
         if (read && line != stretch.end() && query.condition.Holds(*read))
             found.lines.push_back(*line);
         return true;

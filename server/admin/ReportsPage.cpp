@@ -50,6 +50,12 @@ Html DownloadLinks(const ReportQuery& query)
                          {link("csv", "Download all as CSV"), link("json", "as JSON")});
 }
 
+/// Whether the list is of reports that do not meet the condition on a value.
+bool HasOutcome(const ReportQuery& query)
+{
+    return query.condition.IsGiven() && query.condition.outcome != Result::Pass;
+}
+
 Html FilterForm(const ReportQuery& query)
 {
     Html hidden;
@@ -62,6 +68,8 @@ Html FilterForm(const ReportQuery& query)
     if (query.line > 0)
         keep("line", std::to_string(query.line));
     keep("result", query.result);
+    if (HasOutcome(query))
+        keep("outcome", std::string(ToString(query.condition.outcome)));
     keep("once", query.isOnce ? "1" : "");
     return Html::Element(
         "form", {{"method", "get"}, {"action", "/reports"}, {"class", "card filter"}},
@@ -89,14 +97,18 @@ Html Restriction(Database& database, const ReportQuery& query)
         text = NameOfLine(database, query.referrer, query.version, query.line) + " is " + query.result;
     else if (query.version > 0)
         text = fmt::format("version {} judged them", query.version);
+    const auto add = [&](const std::string& more) { text += (text.IsEmpty() ? "" : ", and ") + more; };
+    if (HasOutcome(query))
+        add(fmt::format("the comparison's result is {}", ToString(query.condition.outcome)));
     if (query.isOnce)
-        text += std::string(text.IsEmpty() ? "" : ", and ") + "the newest verdict of their session is theirs";
+        add("the newest verdict of their session is theirs");
     if (text.IsEmpty())
         return {};
     ReportQuery without = query;
     without.version = without.line = 0;
     without.result.clear();
     without.isOnce = false;
+    without.condition.outcome = Result::Pass;
     return Html::Element("p", {{"class", "lead"}},
                          {"Only reports where ", text, ". ", Link(without.Address(), "Show all"), "."});
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "server/admin/ReportQuery.h"
 #include "server/admin/ValueNames.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
@@ -58,14 +59,18 @@ void RequestedValues::Count(const Report& report)
         value.reports += report.Has(value.id) ? 1 : 0;
 }
 
-Html RequestedValues::Show(const RecentSessions& sessions) const
+Html RequestedValues::Show(const std::string& referrer, const RecentSessions& sessions) const
 {
-    Table table("Values that the draft asks for", {{"Id"}, {"Value"}, {"Reported by", true}, {"Note"}});
+    Table table("Values that the draft asks for", {{"Id"}, {"Value"}, {"Reported by", true}, {"Note"}},
+                "dense");
+    const ReportQuery reports{referrer, {}};
     for (const Value& value : values) {
         const std::string id = std::to_string(value.id);
         table.Add({id, NameOfValue(id),
-                   sessions.count == 0 ? std::string("–")
-                                       : Grouped(value.reports) + " of " + Grouped(sessions.count),
+                   sessions.count == 0
+                       ? Html("–")
+                       : CountLink(reports.WithValue({value.id, "any", "", true}), value.reports) + " of " +
+                             Grouped(sessions.count),
                    value.note});
     }
     return table.Done("The draft asks for no value.");

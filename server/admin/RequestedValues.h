@@ -24,7 +24,7 @@ public:
     std::vector<int> FindUnreported() const;
 
     /// A table with a row for each value. `sessions` are the ones that were counted.
-    Html Show(const RecentSessions& sessions) const;
+    Html Show(const std::string& referrer, const RecentSessions& sessions) const;
 
 private:
     struct Value {

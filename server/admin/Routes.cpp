@@ -7,9 +7,9 @@ namespace kel::server {
 namespace {
 
 constexpr std::string_view ReportParameters[] = {
-    "after",   "count",      "format",  "all",     "referrer", "session", "user",
-    "machine", "failing",    "verdict", "version", "line",     "result",  "once",
-    "value",   "comparison", "text",    "of",      "period",   "from",    "until"};
+    "after",   "count",   "format",  "all",    "referrer", "session", "user",  "machine",
+    "failing", "verdict", "version", "line",   "result",   "once",    "value", "comparison",
+    "text",    "of",      "outcome", "period", "from",     "until"};
 constexpr std::string_view PeriodParameters[] = {"period", "from", "until"};
 
 constexpr Route Rows[] = {

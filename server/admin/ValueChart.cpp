@@ -13,27 +13,34 @@ namespace kel::server {
 namespace {
 
 constexpr std::size_t MaxTableRows = 100;
-constexpr std::size_t MaxLinkedBytes = 200;  // of a value; an address has a limit
 constexpr std::size_t MaxShownValueBytes = 300;
+
+/// The list of the reports that have the value; empty when there are none, or a text is too long for it.
+std::string ValueAddress(const ReportQuery& query, const ValueSample& sample, const std::string& comparison,
+                         const ValueSample::Step& step)
+{
+    if (step.count == 0 || step.label.size() > ValueCondition::MaxLinkedBytes)
+        return {};
+    return query.WithValue({sample.Id(), comparison, step.label, sample.IsOfAny()}).Address();
+}
 
 Html ValueLink(const ReportQuery& query, const ValueSample& sample, const std::string& comparison,
                const ValueSample::Step& step)
 {
-    return step.label.size() > MaxLinkedBytes
-               ? Html(Grouped(step.count))
-               : CountLink(query.WithValue({sample.Id(), comparison, step.label, sample.IsOfAny()}),
-                           step.count);
+    const std::string address = ValueAddress(query, sample, comparison, step);
+    return address.empty() ? Html(Grouped(step.count)) : Link(address, Grouped(step.count));
 }
 
-/// A bar of that length in percent, without a text.
-Html BarPicture(int percent, bool isAsked)
+/// A bar, without a text.
+Html Bar(const ValueSample& sample, const ValueSample::Step& step)
 {
+    const int percent = Percent(step.count, sample.Reported());
     return Html::Element("svg",
                          {{"class", "share"},
                           {"aria-hidden", "true"},
                           {"viewBox", "0 0 100 10"},
                           {"preserveAspectRatio", "none"}},
-                         Html::Element("rect", {{"class", isAsked ? "asked" : "bar"},
+                         Html::Element("rect", {{"class", step.isAsked ? "asked" : "bar"},
                                                 {"width", std::to_string(std::max(percent, 1))},
                                                 {"height", "10"}}));
 }
@@ -42,18 +49,23 @@ Html BarList(const ValueSample& sample, const std::vector<ValueSample::Step>& st
              const ReportQuery& query)
 {
     Html list;
+    const std::string comparison = isCumulative ? "at least" : "equals";
     for (const ValueSample::Step& step : steps) {
         const std::string text = Shortened(step.label, MaxShownValueBytes);
         Html name = isCumulative ? Html("at least " + text) : Html::Stored(text);
         if (step.isAsked)
             name += Html::Element("b", {}, " – asked for");
+        const Html bar = Bar(sample, step);
+        const std::string address = ValueAddress(query, sample, comparison, step);
         list += Html::Element(
             "li", {},
             {Html::Element("span", {{"class", "name"}}, name),
-             BarPicture(Percent(step.count, sample.Reported()), step.isAsked),
+             address.empty()
+                 ? bar
+                 : Html::Element("a", {{"href", address}, {"tabindex", "-1"}, {"aria-hidden", "true"}}, bar),
              Html::Element("span", {{"class", "number"}},
                            {Percentage(step.count, sample.Reported()) + ", ",
-                            ValueLink(query, sample, isCumulative ? "at least" : "equals", step)})});
+                            ValueLink(query, sample, comparison, step)})});
     }
     return Html::Element("ul", {{"class", "bars"}}, list);
 }
@@ -76,7 +88,7 @@ Html Sentences(const ValueSample& sample, const std::vector<AskedValue>& asked, 
         const std::string share = Percentage(count, sample.Reported());
         const ReportQuery meeting = query.WithValue(
             {sample.Id(), std::string(one.condition.comparison->name), one.condition.needed, one.ofAny});
-        const bool isLinked = count > 0 && one.condition.needed.size() <= MaxLinkedBytes;
+        const bool isLinked = count > 0 && one.condition.needed.size() <= ValueCondition::MaxLinkedBytes;
         sentences +=
             Html::Element("p", {{"class", "asked"}},
                           {Html::Element("b", {}, isLinked ? Link(meeting.Address(), share) : Html(share)),

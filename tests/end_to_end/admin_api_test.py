@@ -57,12 +57,16 @@ class Programs(AdminTest):
 
     def test_filters_by_value_and_streams(self):
         for number, memory in enumerate(("2.0 GB", "7.8 GB", "lots", "16.0 GB", "")):
-            self.upload(f"s{number}", v71063=memory, v2=f"Vendor {number}", v3="first", v3_1=f"second {number}")
+            self.upload(f"s{number}", v71063=memory, v2=f"Vendor {number}", v3="first", v3_1=f"second {number}",
+                        v73226="No" if number == 1 else "Yes")
             self.database.run(f"UPDATE report SET received = received - {(5 - number) * 2 * 86400000} "
                               f"WHERE session = 's{number}'")  # a search by line looks at these days alone
             self.judged(f"s{number}")
         for query, sessions in (
                 ("value=71063&comparison=at%20least&text=8%20GB", ["s1", "s3"]),
+                ("value=71063&comparison=at%20least&text=8%20GB&outcome=fail", ["s0"]),
+                ("value=71063&comparison=at%20least&text=8%20GB&outcome=unknown", ["s2", "s4"]),
+                ("value=73227&comparison=at%20least%20version&text=22&outcome=fail", ["s1"]),  # not installed
                 ("value=71063&comparison=any", ["s0", "s1", "s2", "s3"]),
                 ("value=3&comparison=contains&text=second%203", []),
                 ("value=3&comparison=contains&text=second%203&of=any", ["s3"]),
@@ -79,7 +83,8 @@ class Programs(AdminTest):
                     found, last = found + [entry["session"] for entry in answer["reports"]], answer["last"]
                 self.assertEqual(found, sessions, way)
         for query in ("value=x", "value=71063", "value=1&comparison=most&text=1", "value=1&comparison=at%20least&text=x",
-                      "comparison=any&text=x", "value=1&comparison=any&of=all", "all=2", "all=1&count=5", "values=1"):
+                      "comparison=any&text=x", "value=1&comparison=any&of=all", "value=1&comparison=any&outcome=no", "all=2",
+                      "all=1&count=5", "values=1"):
             self.assertEqual(self.get(f"reports?{query}")[0], 400, query)
         cookie = self.log_in()
         listed = self.page("/reports?value=71063&comparison=at%20least&text=8%20GB", cookie)

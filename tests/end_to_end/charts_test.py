@@ -6,6 +6,7 @@ import html
 import json
 import re
 import unittest
+from urllib.parse import quote
 
 from administration import PageParser
 from random_store import AMOUNTS, LINES, PERIODS, TEXTS, Line, RandomStore, counts, day_text, judge, share, text_of, values_of
@@ -188,6 +189,14 @@ class Charts(RandomStore):
             before = "new" if old is None else [row[old] for row in now].count("fail")
             by_line.append([line.label, *map(str, (passed, fail, before, unknown))])
         self.assertEqual([row[:1] + row[2:] for row in page.rows if len(row) == 6 and row[0] != "Requirement"][:4], by_line)
+        bodies = [values_of(body) for [body] in self.database.run("SELECT body FROM report WHERE referrer = 'demo'")]
+        for line, row in zip(DRAFT[:3], by_line):
+            for result, number in zip(("pass", "fail", "unknown"), (row[1], row[2], row[4])):
+                filters = (f"referrer=demo&value={line.id}&comparison=at%20least&text={quote(line.needed)}" + "&of=any" * line.any
+                           + f"&outcome={result}" * (result != "pass"))
+                self.assertEqual(f"/reports?period=all&{filters}" in page.links, number != "0", filters)
+                listed = json.loads(self.text(f"/api/v1/reports?{filters}&all=1"))["reports"]
+                self.assertEqual(len(listed), [judge(line, values) for values in bodies].count(result), filters)
         reported = [(str(line.id), f"{sum(line.id in values for _, values in machines)} of {len(machines)}") for line in DRAFT]
         self.assertEqual([(row[0], row[2]) for row in page.rows if len(row) == 4 and row[0].isdigit()], reported)
 
