@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <utility>
 
 namespace kel::server {
 
@@ -42,12 +43,48 @@ std::optional<long> ReadNumber(std::string_view text)
     return IsNumber(text) && error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
+/// The character of a reference with a name, with which the text begins, and which is taken; 0 for any other.
+char TakeReference(std::string_view& text)
+{
+    constexpr std::pair<std::string_view, char> Known[] = {
+        {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''}};
+    for (const auto& [reference, character] : Known) {
+        if (Take(text, reference))
+            return character;
+    }
+    return 0;
+}
+
+bool HasOnlyNamedReferences(std::string_view value)
+{
+    for (std::size_t at = value.find('&'); at != value.npos; at = value.find('&')) {
+        value.remove_prefix(at);
+        if (TakeReference(value) == 0)
+            return false;
+    }
+    return true;
+}
+
 }  // namespace
+
+std::string GroupText::Value() const
+{
+    if (!hasReferences)
+        return std::string(value);
+    std::string text;
+    std::string_view rest = value;
+    for (std::size_t at = rest.find('&'); at != rest.npos; at = rest.find('&')) {
+        text += rest.substr(0, at);
+        rest.remove_prefix(at);
+        text += TakeReference(rest);
+    }
+    return text.append(rest);
+}
 
 std::optional<std::vector<GroupText>> FindPlainGroups(std::string_view xml)
 {
-    // The parser replaces references and carriage returns.
-    if (xml.find_first_of("&\r") != xml.npos || !Take(xml, "<groups>"))
+    // The parser replaces carriage returns.
+    if (xml.find('\r') != xml.npos || !Take(xml, "<groups>"))
         return std::nullopt;
     std::vector<GroupText> groups;
     groups.reserve(xml.size() / UsualGroupBytes + 1);
@@ -56,9 +93,9 @@ std::optional<std::vector<GroupText>> FindPlainGroups(std::string_view xml)
         const auto id = index ? TakeUntil(xml, "\"><value>") : std::nullopt;
         const auto value = id ? TakeUntil(xml, "</value></group>") : std::nullopt;
         const auto number = value && IsNumber(*id) ? ReadNumber(*index) : std::nullopt;
-        if (!number)
+        if (!number || !HasOnlyNamedReferences(*value))
             return std::nullopt;
-        groups.push_back({*id, *number, *value});
+        groups.push_back({*id, *number, *value, value->find('&') != value->npos});
     }
     if (!Take(xml, "</groups>") || xml.find_first_not_of(' ') != xml.npos)
         return std::nullopt;

@@ -33,7 +33,7 @@ Report Report::From(const pugi::xml_document& document)
     std::vector<GroupText> groups;
     for (const pugi::xml_node& group : root.children("group"))
         groups.push_back({group.attribute("id").value(), ReadIndex(group.attribute("index").as_string("0")),
-                          group.child_value("value")});
+                          group.child_value("value"), false});
     return From(std::move(groups));
 }
 
@@ -47,7 +47,7 @@ Report Report::From(std::vector<GroupText> groups)
     report.values.reserve(groups.size());
     for (auto group = groups.begin(); group != groups.end(); ++group) {
         if (group + 1 == groups.end() || isBefore(*group, group[1]))  // of equal ones the last
-            report.values.emplace_back(std::pair(group->id, group->index), group->value);
+            report.values.emplace_back(std::pair(group->id, group->index), group->Value());
     }
     return report;
 }
