@@ -30,7 +30,10 @@ Answer ShowAudit(const AdminRequest& request)
     filter.from = period.FromTime();
     filter.until = period.UntilTime();
     filter.beforeId = std::max(WholeNumber(request.Query("before")), std::int64_t{0});
-    Html content = AuditForm(filter, period);
+    const std::string words =
+        fmt::format("&account={}&text={}", UrlEncode(filter.account), UrlEncode(filter.text));
+    Html content = Html::Element("div", {{"class", "period"}}, period.Links("/audit", words)) +
+                   AuditForm(filter, period);
     if (const std::string problem = Period::Problem(request); !problem.empty())
         return Page(request, "Audit", Notice("bad", problem) + content);
     Table table("Audit entries, the newest first", {{"Time (UTC)"}, {"Account"}, {"Did"}, {"What"}}, "dense");
@@ -43,8 +46,7 @@ Answer ShowAudit(const AdminRequest& request)
     content += table.Done(isFiltered ? "No entries. " + Link("/audit", "Show all entries") : "No entries.");
     if (static_cast<int>(entries.size()) == filter.count) {
         const std::string older =
-            fmt::format("/audit?{}&account={}&text={}&before={}", period.Query(), UrlEncode(filter.account),
-                        UrlEncode(filter.text), entries.back().id);
+            fmt::format("/audit?{}{}&before={}", period.Query(), words, entries.back().id);
         content += Html::Element("nav", {{"class", "pages"}, {"aria-label", "More entries"}},
                                  Link(older, "Older →"));
     }
