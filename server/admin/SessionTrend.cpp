@@ -4,7 +4,6 @@
 
 #include "server/admin/FailingLine.h"
 #include "server/admin/kit/Texts.h"
-#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 

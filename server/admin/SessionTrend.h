@@ -7,6 +7,7 @@
 #include "server/admin/figures/Curve.h"
 #include "server/admin/kit/Html.h"
 #include "server/store/Database.h"
+#include "server/store/RequirementSets.h"
 
 namespace kel::server {
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <algorithm>
 
+#include "server/admin/Layout.h"
 #include "server/admin/ValueNames.h"
 #include "server/admin/kit/Table.h"
 #include "server/admin/kit/Texts.h"
