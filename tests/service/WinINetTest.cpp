@@ -39,8 +39,8 @@ struct Answer {
     std::string body = {};
     std::wstring status = L"200";
     DWORD sendError = ERROR_SUCCESS;
-    DWORD announced = 0;   // the body's length; 0 when the headers do not say it
-    INT_PTR refused = 0;   // the handle that is not opened, or Reading; with the error of sending
+    DWORD announced = 0;  // the body's length; 0 when the headers do not say it
+    INT_PTR refused = 0;  // the handle that is not opened, or Reading; with the error of sending
     std::size_t given = 0;
 } answer;
 constexpr INT_PTR Reading = 4;
@@ -206,8 +206,7 @@ TEST_F(WinINet, FailuresAreLogged)
     const std::string verdict = "<analysis ></analysis>";
     const std::wstring failed =
         L"ERR The request has failed: POST https://a.example/service/Analysis/referrer, proxy unknown: ";
-    const std::wstring offline =
-        failed + L"not reached: 12163, the machine has no connection to a network";
+    const std::wstring offline = failed + L"not reached: 12163, the machine has no connection to a network";
     const std::wstring offlineState = L"TRACE Adding value: not reached: 12163 to 73390";
     const std::pair<Answer, test::Lines> rows[] = {
         {{L"https://b.example/", verdict},
