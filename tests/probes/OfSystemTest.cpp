@@ -4,8 +4,13 @@
 
 #include <fstream>
 
+#include "platform/WindowsVersion.h"
 #include "probes/network/NetworkInterfaces.h"
+#include "probes/software/SoftwareFunctions.h"
 #include "probes/storage/StorageFunctions.h"
+#include "probes/storage/Volumes.h"
+#include "probes/system/Memory.h"
+#include "probes/system/OSInfo.h"
 #include "support/TestFolder.h"
 
 namespace kel {
@@ -43,8 +48,31 @@ TEST(OfSystem, StorageFunctionsReachDevicesThatOthersUse)
     EXPECT_NE(opened, INVALID_HANDLE_VALUE) << GetLastError();
     functions.closeDevice(opened);
     CloseHandle(user);
+    DWORD size = 0;
+    EXPECT_FALSE(functions.ioControl(INVALID_HANDLE_VALUE, 0, {}, {}, size));
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    EXPECT_TRUE(VolumeFunctions::OfSystem().listDisks(L"?:").empty());
     EXPECT_EQ(GetWindowsLetter(functions.getSystemWindowsDirectory), L"C:");
     EXPECT_THAT(functions.openDevice((path + L"x").c_str(), 0), INVALID_HANDLE_VALUE);
+}
+
+TEST(OfSystem, FunctionsAnswerAboutThisSystem)
+{
+    const std::optional<OSVERSIONINFOEXW> version = ReadWindowsVersion();
+    ASSERT_TRUE(version);
+    OSVERSIONINFOEXW reported = {};
+    reported.dwOSVersionInfoSize = sizeof(reported);
+    ASSERT_TRUE(OSFunctions::OfSystem().getVersion(reported));
+    EXPECT_EQ(version->dwMajorVersion, reported.dwMajorVersion);
+    EXPECT_TRUE(OSFunctions::OfSystem().getAdministrators());
+    const SoftwareFunctions software = SoftwareFunctions::OfSystem();
+    EXPECT_EQ(software.programMachine(), IMAGE_FILE_MACHINE_AMD64);
+    EXPECT_EQ(software.packageFolder(L"none"), L"");
+    EXPECT_EQ(software.windowsBuild(), version->dwBuildNumber);
+    MEMORYSTATUSEX status = {};
+    status.dwLength = sizeof(status);
+    EXPECT_TRUE(MemoryFunctions::OfSystem().status(&status));
+    EXPECT_GT(status.ullTotalPhys, 0U);
 }
 
 }  // namespace

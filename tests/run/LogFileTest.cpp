@@ -138,6 +138,8 @@ TEST(LogStart, WritesTheDayTheProgramsAndTheServiceToThePolicysFile)
     machine.Write(policies, L"LogFile", (folder.Path() / L"%KEL_LOG_NAME%.log").c_str());
     machine.Write(policies, L"ServiceHost", L"a b\u20ac");
     StartLogFile();
+    WriteLog(LogMark, L"of a lower level");
+    WriteLog(LogError, L"of the file's level");
     FlushLogFile();
     SYSTEMTIME today;
     GetLocalTime(&today);
@@ -149,6 +151,8 @@ TEST(LogStart, WritesTheDayTheProgramsAndTheServiceToThePolicysFile)
                                L"" KEL_VERSION_TEXT + L" " + program + L"\r\n";
     const std::string text = ReadAll(folder.Path() / L"named.log");
     EXPECT_THAT(text, testing::HasSubstr(ToUtf8(first)));
+    EXPECT_THAT(text, testing::HasSubstr("ERR   | of the file's level\r\n"));
+    EXPECT_THAT(text, testing::Not(testing::HasSubstr("of a lower level")));
     EXPECT_THAT(text, testing::HasSubstr("TRACE | service "));
     EXPECT_THAT(text, testing::HasSubstr("The policy ServiceHost is not the name of a host, and is ignored: "
                                          "\"a b?\""));
