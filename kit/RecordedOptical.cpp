@@ -63,13 +63,13 @@ std::string RecordMedia(Bytes answer)
     std::string media;
     const auto type = ReadLittleEndian(answer, 0, 4);
     const std::uint64_t count = ReadLittleEndian(answer, 4, 4).value_or(0);
+    if (type)
+        AddNumber(media, *type);
     for (std::size_t place = 0; place < count; ++place) {
         const auto medium = ReadLittleEndian(answer, Start + place * Step + Medium, 4);
         const auto characteristics = ReadLittleEndian(answer, Start + place * Step + Characteristics, 4);
         if (!medium || !characteristics)
             break;
-        if (media.empty())
-            AddNumber(media, *type);
         AddNumber(media, *medium);
         AddNumber(media, *characteristics);
     }

@@ -14,6 +14,7 @@ TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
         {L"HKCR { } }", "line 1: nothing may follow the root key."},
         {L"HKCR {\n a\n {\n }\n", "line 5: a name or a closing brace is expected."},
         {L"HKCR { NoRemove ForceRemove a }", "a name"},
+        {L"HKCR { { } }", "line 1: a name"},
         {L"HKCR { k { val a } }", "an equals sign is expected."},
         {L"HKCR {\n a = 'x' }", "line 2: the type s is expected."},
         {L"HKCR\n a { }", "line 2: an opening brace is expected."},
@@ -35,14 +36,14 @@ TEST(Registrar, WritesTheScriptAndRemovesItAgain)
     root.Write(L"Kept\\{id}\\left over", L"", L"goes");
     const std::vector<ScriptKey> keys = RegistrationScript::Parse(
         L"HKCR {\n Plain.1 = s '' { val Name = s '%NAME%' Empty }\n"
-        L" NoRemove Kept { ForceRemove {id} = s '%NAME%, 50' { 1 = s 'word' } } }",
+        L" NoRemove Kept { ForceRemove {id} = s 'at %NAME%, 50' { 1 = s 'word' } } }",
         {{L"NAME", L"C:\\it's %here%\\a.dll"}});
     const Registrar registrar(root.Key());
     registrar.Register(keys);
     registrar.Register(keys);
     const std::wstring kept = L"[]\n[Kept]\nother=stays\n",
                        plain = L"[Plain.1]\n=\nName=C:\\it's %here%\\a.dll\n";
-    EXPECT_EQ(root.Dump(), kept + L"[Kept\\{id}]\n=C:\\it's %here%\\a.dll, 50\n[Kept\\{id}\\1]\n=word\n" +
+    EXPECT_EQ(root.Dump(), kept + L"[Kept\\{id}]\n=at C:\\it's %here%\\a.dll, 50\n[Kept\\{id}\\1]\n=word\n" +
                                plain + L"[Plain.1\\Empty]\n");
     root.Make(L"Plain.1\\foreign");
     registrar.Unregister(keys);

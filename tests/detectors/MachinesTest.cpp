@@ -50,6 +50,20 @@ std::string Join(const Lines& lines)
     return joined;
 }
 
+/// Why stored values are empty: each reason once.
+Lines ReasonsOf(const Lines& stored, const Lines& reasons)
+{
+    Lines own;
+    for (const std::wstring& reason : reasons) {
+        const auto isOf = [&reason](const std::wstring& line) {
+            return line.starts_with(reason.substr(0, reason.find(L'=') + 1));
+        };
+        if (std::ranges::any_of(stored, isOf) && std::ranges::count(own, reason) == 0)
+            own.push_back(reason);
+    }
+    return own;
+}
+
 /// The errors and warnings of the log, without those about missing values of a driver's key, except values
 /// that only some drivers have.
 Lines Complaints(Lines log)
@@ -129,6 +143,7 @@ TEST_P(Machines, StoreTheExpectedValuesOnEveryRun)
         }
         if (!machine[L"says"].empty()) {
             EXPECT_EQ(Join(WithoutThisMachine(detected.log)), Join(machine[L"says"]));
+            EXPECT_EQ(Join(ReasonsOf(stored, detected.reasons)), Join(machine.Stored(L"why")));
         } else if (!machine[L"detectors"].empty() &&
                    machine.First(L"log") != L"*") {  // of all detectors, many miss what is not described
             EXPECT_EQ(Join(Complaints(detected.log)), Join(machine[L"log"]));

@@ -22,11 +22,21 @@ TEST(Masker, ReplacesWhatIdentifiesAndNothingElse)
 
 TEST(Masker, KnowsTheNamesOfThisMachineAndUser)
 {
-    std::wstring computer(256, L'\0');
-    auto size = static_cast<DWORD>(computer.size());
-    ASSERT_TRUE(GetComputerNameW(computer.data(), &size));
-    computer.resize(size);
-    EXPECT_EQ(Masker::OfSystem().Mask(L"on " + computer), L"on <name 1>");
+    SetEnvironmentVariableW(L"USERNAME", L"Loginword");
+    SetEnvironmentVariableW(L"USERDOMAIN", L"Domainword");
+    SetEnvironmentVariableW(L"USERPROFILE", L"D:\\People\\Profileword");
+    test::Lines names = {L"Loginword", L"Domainword", L"Profileword"};
+    wchar_t name[300] = {};
+    auto size = static_cast<DWORD>(std::size(name));
+    ASSERT_TRUE(GetUserNameW(name, &size));
+    names.emplace_back(name);
+    for (const COMPUTER_NAME_FORMAT format : {ComputerNameNetBIOS, ComputerNameDnsHostname}) {
+        size = static_cast<DWORD>(std::size(name));
+        ASSERT_TRUE(GetComputerNameExW(format, name, &size));
+        names.emplace_back(name);
+    }
+    for (const std::wstring& one : names)
+        EXPECT_EQ(Masker::OfSystem().Mask(L"on " + one + L"."), L"on <name 1>.") << one;
 }
 
 }  // namespace

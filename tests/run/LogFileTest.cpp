@@ -13,8 +13,10 @@
 #include <thread>
 #include <vector>
 
+#include "BuildSettings.h"
 #include "run/LogStart.h"
 #include "run/LogWriter.h"
+#include "service/Utf8.h"
 #include "support/LogCapture.h"
 #include "support/ScratchKey.h"
 #include "support/TestFolder.h"
@@ -125,6 +127,35 @@ TEST(LogStart, IgnoresALogFileWhosePathIsTooLong)
     SetLogLevel(LogError);
     EXPECT_THAT(log.Lines(), testing::Contains(L"ERR The policy LogFile does not name a file that can be "
                                                L"written, and is ignored."));
+}
+
+TEST(LogStart, WritesTheDayTheProgramsAndTheServiceToThePolicysFile)
+{
+    const test::TestFolder folder;
+    SetEnvironmentVariableW(L"KEL_LOG_NAME", L"named");
+    const test::ScratchKey machine(HKEY_LOCAL_MACHINE);
+    const wchar_t* const policies = L"Software\\Policies\\Keldane";
+    machine.Write(policies, L"LogFile", (folder.Path() / L"%KEL_LOG_NAME%.log").c_str());
+    machine.Write(policies, L"ServiceHost", L"a b\u20ac");
+    StartLogFile();
+    WriteLog(LogMark, L"of a lower level");
+    WriteLog(LogError, L"of the file's level");
+    FlushLogFile();
+    SYSTEMTIME today;
+    GetLocalTime(&today);
+    wchar_t day[20] = {}, program[1000] = {};
+    swprintf(day, std::size(day), L"%04d-%02d-%02d", today.wYear, today.wMonth, today.wDay);
+    GetModuleFileNameW(nullptr, program, std::size(program));
+    const std::wstring first = std::wstring(L"TRACE | ") + day + L", process " +
+                               std::to_wstring(GetCurrentProcessId()) + L" " + program + L", version " +
+                               L"" KEL_VERSION_TEXT + L" " + program + L"\r\n";
+    const std::string text = ReadAll(folder.Path() / L"named.log");
+    EXPECT_THAT(text, testing::HasSubstr(ToUtf8(first)));
+    EXPECT_THAT(text, testing::HasSubstr("ERR   | of the file's level\r\n"));
+    EXPECT_THAT(text, testing::Not(testing::HasSubstr("of a lower level")));
+    EXPECT_THAT(text, testing::HasSubstr("TRACE | service "));
+    EXPECT_THAT(text, testing::HasSubstr("The policy ServiceHost is not the name of a host, and is ignored: "
+                                         "\"a b?\""));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "BuildSettings.h"
+#include "diag/SourceFailures.h"
 #include "service/AnalysisRequest.h"
 #include "service/BandwidthTest.h"
 #include "service/GroupListRequest.h"
@@ -39,8 +40,10 @@ struct Answer {
     std::wstring status = L"200";
     DWORD sendError = ERROR_SUCCESS;
     DWORD announced = 0;  // the body's length; 0 when the headers do not say it
+    INT_PTR refused = 0;  // the handle that is not opened, or Reading; with the error of sending
     std::size_t given = 0;
 } answer;
+constexpr INT_PTR Reading = 4;
 Texts calls;
 
 std::string Show(std::wstring_view text)
@@ -65,7 +68,8 @@ HINTERNET Note(INT_PTR handle, const Parts&... parts)
     line << std::hex;
     ((line << show(parts) << ' '), ...);
     calls.push_back(line.str());
-    return reinterpret_cast<HINTERNET>(handle);
+    SetLastError(answer.sendError);
+    return reinterpret_cast<HINTERNET>(handle == answer.refused ? 0 : handle);
 }
 
 BOOL Give(const std::wstring& text, LPVOID buffer, LPDWORD size)
@@ -139,7 +143,7 @@ struct WinINet : testing::Test {
         test::ReplaceImport(__imp_InternetReadFile, [](HINTERNET, LPVOID buffer, DWORD size, LPDWORD count) {
             *count = static_cast<DWORD>(answer.body.copy(static_cast<char*>(buffer), size, answer.given));
             answer.given += *count;
-            return TRUE;
+            return BOOL(answer.refused != Reading);
         })};
 
     /// Runs a request to a host, and returns its log without times, its result and its state.
@@ -202,6 +206,8 @@ TEST_F(WinINet, FailuresAreLogged)
     const std::string verdict = "<analysis ></analysis>";
     const std::wstring failed =
         L"ERR The request has failed: POST https://a.example/service/Analysis/referrer, proxy unknown: ";
+    const std::wstring offline = failed + L"not reached: 12163, the machine has no connection to a network";
+    const std::wstring offlineState = L"TRACE Adding value: not reached: 12163 to 73390";
     const std::pair<Answer, test::Lines> rows[] = {
         {{L"https://b.example/", verdict},
          {L"TRACE Elapsed ", L"TRACE Status: 200 text", failed + L"another host answered",
@@ -219,6 +225,15 @@ TEST_F(WinINet, FailuresAreLogged)
           L"ERR Can't send Internet request. Error: 12002",
           failed + L"not reached: 12002, the host took too long", L"ERR Can't send Internet request.",
           L"TRACE Adding value: not reached: 12002 to 73390"}},
+        {{L"", "", L"", ERROR_INTERNET_DISCONNECTED, 0, 1},
+         {offline, L"ERR Can't open Internet.", offlineState}},
+        {{L"", "", L"", ERROR_INTERNET_DISCONNECTED, 0, 2},
+         {offline, L"ERR Can't open Internet connection.", offlineState}},
+        {{L"", "", L"", ERROR_INTERNET_DISCONNECTED, 0, 3},
+         {offline, L"ERR Can't open Internet request.", offlineState}},
+        {{L"https://a.example/", "1", L"200", 0, 0, Reading},
+         {L"TRACE Elapsed ", L"TRACE Status: 200 text", L"TRACE Result: ", L"TRACE Successfully sent data.",
+          L"TRACE Adding value: cut to 73390"}},
         {{L"https://a.example/", std::string((16U << 20) + 1, 'a')},
          {L"TRACE Elapsed ", L"TRACE Status: 200 text", failed + L"cut",
           L"ERR The service's answer is too long.", L"TRACE Adding value: cut to 73390"}},
@@ -238,20 +253,29 @@ TEST_F(WinINet, FailuresAreLogged)
 
 TEST_F(WinINet, IsAskedForTheTestFile)
 {
-    const std::pair<Answer, const wchar_t*> rows[] = {
-        {{L"", "12345678", L"200", 0, 8}, L"TRACE downloadRate"},
-        {{L"", "12345678", L"200", 0, 9}, L"= "},
-        {{L"", "12345678", L"404", 0, 8}, L"WARN The bandwidth test has failed. Status: 404"},
+    const std::tuple<Answer, const wchar_t*, std::uint32_t> rows[] = {
+        {{L"", "12345678", L"200", 0, 8}, L"TRACE downloadRate = ", 0},
+        {{L"", "12345678", L"200", 0, 9}, L"= ", 0},
+        {{L"", "12345678", L"200", 5, 8, 1}, L"= ", 0},
+        {{L"", "12345678", L"200", 5, 8, 3}, L"= ", 0},
+        {{L"", "12345678", L"200", 0, 8, Reading}, L"= ", 0},
+        {{L"", "12345678", L"", 0, 8}, L"WARN The bandwidth test has failed. Status: unknown", 0},
+        {{L"", "12345678", L"404", 0, 8}, L"WARN The bandwidth test has failed. Status: 404", 404},
     };
-    for (const auto& [row, line] : rows) {
+    for (const auto& [row, line, error] : rows) {
         const test::LogCapture log;
+        const FailureScope scope;
         calls.clear();
         answer = row;
         const std::wstring rate = RunBandwidthTest();
         test::Lines lines = log.Lines();
         lines.push_back(L"= " + rate);
         EXPECT_THAT(lines.front(), testing::StartsWith(line));
-        EXPECT_EQ(rate.ends_with(L" bps"), &row == &rows[0].first) << rate;
+        EXPECT_EQ(rate.ends_with(L" bps"), scope.Found().AreNone()) << rate;
+        for (const SourceFailure& failure : scope.Found().sources) {
+            EXPECT_EQ(failure.source, L"download of the test file");
+            EXPECT_EQ(failure.error, error) << line;
+        }
     }
     EXPECT_EQ(calls, (Texts{"open KEL 0 null 0 ", "option 1 2 2710 ", "option 1 5 2710 ", "option 1 6 2710 ",
                             "url 1 " + Show(L"http://" KEL_CONTENT_HOST L"/global/tests/test_2.bin") +

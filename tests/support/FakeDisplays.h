@@ -110,7 +110,7 @@ struct FakeDisplays {
         };
         functions.enumDisplayDevices = [this](LPCWSTR adapter, DWORD index, DISPLAY_DEVICEW* out, DWORD) {
             // An adapter for each screen, and one whose driver mirrors the first.
-            if (!hasDevices || index > (adapter == nullptr ? screens.size() : 0))
+            if (!hasDevices || out->cb != sizeof(*out) || index > (adapter == nullptr ? screens.size() : 0))
                 return FALSE;
             wcscpy(out->DeviceName, std::to_wstring(index).c_str());
             out->StateFlags = DISPLAY_DEVICE_ATTACHED_TO_DESKTOP;
@@ -126,6 +126,8 @@ struct FakeDisplays {
         };
         functions.enumDisplaySettings = [this](LPCWSTR adapter, DWORD number, DEVMODEW* mode, DWORD) {
             const Screen& screen = screens[std::stoul(adapter)];
+            if (mode->dmSize != sizeof(*mode))
+                return FALSE;
             if (number != ENUM_CURRENT_SETTINGS)
                 return GiveMode(screen, number, *mode);
             mode->dmPosition = {screen.x, screen.y};
