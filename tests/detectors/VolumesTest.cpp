@@ -3,7 +3,6 @@
 #include "detectors/Detectors.h"
 #include "platform/ErrorMode.h"
 #include "probes/storage/Volumes.h"
-#include "support/LogCapture.h"
 #include "support/RequireWine.h"
 #include "support/TestSession.h"
 #include "values/Size.h"
@@ -36,20 +35,6 @@ TEST(Volumes, AgreeWithTheSystemAndRestoreTheErrorMode)
         EXPECT_EQ(GetThreadErrorMode(), static_cast<DWORD>(SEM_NOGPFAULTERRORBOX));
     }
     SetThreadErrorMode(before, nullptr);
-}
-
-TEST(Volumes, AreEmptyAfterAnErrorInTheirList)
-{
-    VolumeFunctions functions = VolumeFunctions::OfSystem();
-    functions.getLogicalDrives = []() -> DWORD { throw 1; };
-    const test::LogCapture log(LogError);
-    EXPECT_TRUE(ListVolumes(functions).empty());
-    EXPECT_EQ(log.Lines(), std::vector<std::wstring>{L"ERR Error in the list of volumes."});
-    functions = VolumeFunctions::OfSystem();
-    functions.getDriveType = [](auto) -> UINT { throw 1; };
-    for (const VolumeInfo& volume : ListVolumes(functions))
-        EXPECT_FALSE(volume.isAlias) << volume.letter.ToString();
-    EXPECT_EQ(log.Lines().back(), L"ERR Error in a volume's answers.");
 }
 
 }  // namespace

@@ -97,6 +97,7 @@ const ThrowingSource ThrowingSources[] = {
     {L"ERR Error in a disk's answers.", [] { ListDisks(OneDisk()); }},
     {L"ERR Error in a disk's number.", [] { ReadDiskNumber(NoStorage, L"PCI\\1\\2"); }},
     {L"ERR Error in the disks of Windows.", [] { ReadWindowsDisks(NoStorage); }},
+    {L"ERR Error in the list of volumes.", [] { ListVolumes({}); }},
     {L"ERR Error in the volume of the profile.", [] { FindProfileVolume({}, {}); }},
     {L"ERR Error in DXGI detection.", [] { DXGI(GraphicsFunctions()).ListAdapters(); }},
     {L"ERR Error in the adapter cache.",
