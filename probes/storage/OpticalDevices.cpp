@@ -107,7 +107,7 @@ OpticalInfo ReadOpticalDrive(const StorageFunctions& functions, const std::wstri
             target.starts_with(KernelPrefix) ? target.substr(KernelPrefix.size()) : L"";
         if (!device.starts_with(DeviceWord) || !ReadDevice(functions, OpticalPrefix + device, drive)) {
             WriteLog(LogWarning, L"An optical drive does not answer.");
-            drive.failures = {{L"optical drive " + letter, 0}};
+            drive.failures = {{letter.empty() ? L"optical drive" : L"optical drive " + letter, 0}};
         }
     });
     return drive;

@@ -74,6 +74,7 @@ TEST(WMI, KeepsEarlierFactsWhenACallOrConversionFails)
         const test::FakeWmi fake(*data);
         const ULONG without = data->references;
         const test::LogCapture log(2);
+        const FailureScope noted;
         const bool isReached = data == &failing || data == &none;
         EXPECT_EQ(Answers().results, isReached ? "110000" : "000000");
         std::vector<std::wstring> lines;
@@ -84,6 +85,7 @@ TEST(WMI, KeepsEarlierFactsWhenACallOrConversionFails)
                 lines.push_back(L"WARN WMI refused: " + query + L": 0x80070057");
         }
         EXPECT_EQ(log.Lines(), lines);
+        EXPECT_EQ(noted.Found().sources.size(), data == &none ? 0U : 6U);
         EXPECT_EQ(data->queries.size(), isReached ? 6U : 0U);
         EXPECT_EQ(data->references, without);
     }
