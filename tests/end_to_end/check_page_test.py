@@ -94,6 +94,12 @@ class PageTest(DeployedTest):
         self.browser.go(f"{self.origin}/{name}.html")
         self.name = name
 
+    def open_installed(self):
+        """Does what a click on the link to the installed program does, once the page has prepared it."""
+        script = "return document.getElementById('installed').getAttribute('href') || ''"
+        self.browser.await_text("kel-check:", script=script)
+        self.browser.run("document.getElementById('installed').onclick()")
+
     def metric(self, name):
         page = self.ask("GET", "/metrics", address=self.admin)[1].decode("ascii")
         return int(re.search(rf"^{re.escape(name)} (\d+)$", page, re.MULTILINE)[1])
@@ -229,7 +235,7 @@ class WithoutAControl(PageTest):
             with self.subTest(name, answer=answer):
                 Site.answer = answer
                 self.show("between", PAUSE=10, MAX_PAUSE=20)
-                self.browser.run("document.getElementById('installed').onclick()")
+                self.open_installed()
                 rows, _, total, note, _ = self.shown("Another host answered")
                 self.assertEqual((rows, total), ([], "Waiting for the program\u2026"))
                 Site.answer = (200, kind, json.dumps(verdict))
@@ -240,16 +246,16 @@ class WithoutAControl(PageTest):
             with self.subTest(name):
                 Site.answer = answer
                 self.show("busy", PAUSE=10, MAX_PAUSE=20)
-                self.browser.run("document.getElementById('installed').onclick()")
+                self.open_installed()
                 self.shown("This page keeps asking.")
         Site.answer = NOT_YET
         self.show("late", PAUSE=10, MAX_PAUSE=20, PATIENCE=100)
-        self.browser.run("document.getElementById('installed').onclick()")
+        self.open_installed()
         offer = self.shown("There is no answer after ten minutes.")[-1]
         self.assertIn("Check this computer", offer)
         self.show("patient")
         Site.times.clear()
-        self.browser.run("document.getElementById('installed').onclick()")
+        self.open_installed()
         self.await_answer(lambda: len(Site.times) > 2, True)
         for earlier, later in zip(Site.times, Site.times[1:]):
             self.assertGreater(later - earlier, 1.9, "more than one question in two seconds")

@@ -60,7 +60,7 @@ class Distance(AdminTest):
         self.start()
         self.page("/", cookie)  # the statements are prepared, each once a connection
         for name, ask, found, journeys in (
-                ("figures", ("GET", "/products/demo", "", cookie), [" of 1,000 sessions in the last 30 days pass",
+                ("figures", ("GET", "/products/demo", "", cookie), ["1,000</a> sessions in the last 30 days pass",
                                                                     "The charts are of these sessions."], 60),
                 ("trial", ("POST", "/products/demo/requirements", form, cookie), ["Of the last 1,000 sessions 1,000 would"], 40),
                 ("products", ("GET", "/", "", cookie), ["product100"], 30),
