@@ -81,12 +81,13 @@ TEST(OS, KeepsTheOtherFactsWhenAFunctionIsMissing)
 {
     const OSFunctions whole = OSFunctions::OfSystem();
     OSFunctions none = whole;
-    none.getVersion = [](OSVERSIONINFOEXW&) { return FALSE; };
+    none.getVersion = [](OSVERSIONINFOEXW&) { return SetLastError(5), FALSE; };
     none.isWow64Process = [](HANDLE, BOOL* isEmulated) { return *isEmulated = TRUE, FALSE; };
     test::TestSession session;
     EXPECT_TRUE(OS().Detect(none));
     EXPECT_EQ(session.Texts({71060, 71072, 71309, 71363, 71388, 71264}),
               L"(none)|(none)|(none)|(none)|(none)|No|");
+    EXPECT_EQ(session.Why(71060), L"not readable: GetVersionExW, error 5");
     EXPECT_EQ(session.Text(71207).size(), 36U);
     none.isWow64Process.clear();
     none.isWow64Process2.clear();

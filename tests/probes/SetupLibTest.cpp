@@ -68,6 +68,7 @@ TEST(SetupLib, ReadsTheKindOfANetworkFromItsConnection)
                         type, bytes, sizeof(DWORD));
         const NetworkInfo info = List(&SetupLib::GetNetworkDeviceInfo).at(0);
         EXPECT_STREQ(info.kind.ToString(), kind);
+        EXPECT_EQ(info.hasKind, info.kind.HasValue());
         EXPECT_EQ(info.instanceId, L"{KT1}");
     }
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, (connections + L"{kt1}").c_str());

@@ -184,6 +184,7 @@ TEST(Requests, EncodeControlCharactersInIdsAndFillInPlaceholders)
     session.referrerID = std::wstring(L"a\r\nX: 1\t\x1f \x7f\0!%?#&/\u00e9", 19);
     const std::wstring encoded = L"a%0D%0AX:%201%09%1F%20%7F%00!%?#&/\u00e9";
     EXPECT_EQ(SystemInformationRequest().Path(), L"/SystemInformation/?refid=" + encoded + L"&sessid=s%20s");
+    session.userID = L"u";
     AnalysisRequest analysis;
     EXPECT_EQ(analysis.Path(), L"/service/Analysis/" + encoded);
     session.values.AddValue(71207, L"a&<b>");
@@ -193,7 +194,10 @@ TEST(Requests, EncodeControlCharactersInIdsAndFillInPlaceholders)
               L"</Data></SystemInformation>");
     analysis.SetItemID(L"item^message_format");
     analysis.SetMessageFormat(L"xml");
-    EXPECT_TRUE(analysis.Body().starts_with(L"<System><SessionID>s s</SessionID><ItemID>itemxml</ItemID>"));
+    analysis.SetFormatVersion(L"2");
+    EXPECT_EQ(analysis.Body(),
+              L"<System><SessionID>s s</SessionID><ItemID>itemxml</ItemID><UserID>u</UserID>"
+              L"<Format>xml</Format><Schema>2</Schema></System>");
 }
 
 /// The bytes that are sent for a text in a code page.
