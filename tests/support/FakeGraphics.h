@@ -82,7 +82,8 @@ public:
             return hasDxgi && !adapters.empty() ? factory.Give(out) : HRESULT{DXGI_ERROR_UNSUPPORTED};
         };
         functions.createDirect3D9 = [this](UINT, IDirect3D9Ex** out) {
-            return ++calls[L"9"], direct3D9.Give(out);
+            ++calls[L"9"];
+            return broken == L"Direct3DCreate9Ex" ? HRESULT{D3DERR_NOTAVAILABLE} : direct3D9.Give(out);
         };
         functions.createDevice10 = [this](IDXGIAdapter* adapter, auto, auto, auto, UINT level, auto,
                                           auto out) {
@@ -94,7 +95,7 @@ public:
                                           ID3D11Device** device, D3D_FEATURE_LEVEL* level, auto) -> HRESULT {
             ++calls[L"11"];
             const Card& card = Find(adapter);
-            if (isBroken)
+            if (broken == L"D3D11CreateDevice")
                 throw 11;
             if (*levels > newestLevel || type != D3D_DRIVER_TYPE_UNKNOWN || device != nullptr)
                 return E_INVALIDARG;
@@ -110,7 +111,7 @@ public:
             device12.card = Find(adapter);
             if (level > device12.card.level12)
                 return DXGI_ERROR_UNSUPPORTED;
-            return device != nullptr ? device12.Give(device) : S_FALSE;
+            return device == nullptr ? S_FALSE : broken == L"device 12" ? E_FAIL : device12.Give(device);
         };
         functions.getDxDiagClass = [this](REFCLSID id, REFIID, void** out) {
             ++calls[L"DxDiag"];
@@ -166,7 +167,9 @@ public:
         else if (key == L"reversed")
             isReversed = true;
         else if (key == L"broken")
-            isBroken = true;
+            broken = value;
+        else if (key == L"displays of each")
+            displays = static_cast<UINT>(std::stoul(value));
         else if (key.starts_with(L"file "))
             files[key.substr(5)] = value;
         else
@@ -200,12 +203,12 @@ private:
     void SetUpDirect3D9()
     {
         direct3D9.Answer(
-            4, +[](Object* self) { return static_cast<UINT>(self->owner->adapters.size()); });
+            4, +[](Object* self) { return static_cast<UINT>(self->owner->adapters.size()) * self->owner->displays; });
         direct3D9.Answer(
             5, +[](Object* self, UINT index, DWORD flags, D3DADAPTER_IDENTIFIER9* out) -> HRESULT {
                 if (flags != 0)  // would have the driver's signature checked
                     return D3DERR_NOTAVAILABLE;
-                const Card& card = self->owner->Listed(index).card;
+                const Card& card = self->owner->Listed(index / self->owner->displays).card;
                 std::ranges::copy(std::string(card.name.begin(), card.name.end()), out->Description);
                 out->VendorId = card.vendor;
                 out->DeviceId = card.device;
@@ -221,7 +224,7 @@ private:
             });
         direct3D9.Answer(
             21, +[](Object* self, UINT index, LUID* out) -> HRESULT {
-                *out = self->owner->Listed(index).luid;
+                *out = self->owner->Listed(index / self->owner->displays).luid;
                 return S_OK;
             });
     }
@@ -249,12 +252,17 @@ private:
             });
         container.Answer(
             5,
-            +[](Object* self, const wchar_t*, IDxDiagContainer** out) -> HRESULT { return self->Give(out); });
+            +[](Object* self, const wchar_t* name, IDxDiagContainer** out) -> HRESULT {
+                const std::wstring asked = name;
+                return asked == L"DxDiag_DisplayDevices" || asked == L"0" ? self->Give(out) : E_INVALIDARG;
+            });
         container.Answer(
             8, +[](Object* self, const wchar_t* name, VARIANT* value) -> HRESULT {
                 const auto found = self->owner->diagnosis.find(name);
                 if (found == self->owner->diagnosis.end())
                     return E_INVALIDARG;
+                if (found->second.empty())
+                    return S_OK;
                 value->vt = VT_BSTR;
                 value->bstrVal = SysAllocString(found->second.c_str());
                 return S_OK;
@@ -266,7 +274,8 @@ private:
     UINT newestLevel = D3D_FEATURE_LEVEL_12_1;  // that the runtime knows
     bool hasDxgi = true;
     bool isReversed = false;
-    bool isBroken = false;  // Direct3D 11's driver throws
+    UINT displays = 1;  // Direct3D 9 lists an adapter for each of them
+    std::wstring broken;
     std::map<std::wstring, std::wstring> diagnosis, files;
     ULONG held = 0;
     std::list<Object> adapters;
