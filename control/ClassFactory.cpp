@@ -10,9 +10,6 @@ namespace kel {
 
 HRESULT ClassFactory::Create(REFIID riid, void** result) noexcept
 {
-    if (result == nullptr)
-        return E_POINTER;
-    *result = nullptr;
     const Microsoft::WRL::ComPtr<ClassFactory> factory(new (std::nothrow) ClassFactory);
     return factory ? factory->QueryInterface(riid, result) : E_OUTOFMEMORY;
 }

@@ -14,6 +14,7 @@ namespace kel {
 class ClassFactory final : public IClassFactory {
 public:
     /// Creates a factory and queries it for an interface.
+    /// @param result not a null pointer, and null at first
     /// @return E_OUTOFMEMORY or E_NOINTERFACE when that fails
     static HRESULT Create(REFIID riid, void** result) noexcept;
 

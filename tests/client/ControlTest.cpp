@@ -68,9 +68,15 @@ TEST_F(Control, KeepsVtableSlotsAndDispatchIds)
 TEST_F(Control, CountsObjectsAndLocksAndSupportsAggregation)
 {
     EXPECT_EQ(dll.CanUnload(), S_FALSE);
-    dll.Factory()->LockServer(TRUE);
+    EXPECT_EQ(dll.Factory()->LockServer(TRUE), S_OK);
     EXPECT_EQ(dll.CanUnload(), S_FALSE);  // a lock adds to the objects
     dll.Factory()->LockServer(FALSE);
+    EXPECT_EQ(control->AddRef(), 2U);
+    EXPECT_EQ(control->Release(), 1U);
+    ComPtr<IClassFactory> factory = dll.Factory();
+    EXPECT_EQ(factory->AddRef(), 2U);
+    EXPECT_EQ(factory->Release(), 1U);
+    factory.Reset();
     control.Reset();
     EXPECT_EQ(dll.CanUnload(), S_OK);
     for (const auto& [lock, result] : {std::pair(TRUE, S_FALSE), {FALSE, S_OK}}) {
@@ -148,6 +154,8 @@ TEST_F(Control, LoadsPageParametersAndSavesNoSession)
     EXPECT_EQ(Get(&ISysInfo::get_SessionID), L"42");
     EXPECT_EQ(persist->Load(nullptr, nullptr), S_OK);
     EXPECT_EQ(persist->Save(nullptr, TRUE, TRUE), E_POINTER);
+    saved.written = STG_E_MEDIUMFULL;
+    EXPECT_EQ(persist->Save(&saved, TRUE, TRUE), STG_E_MEDIUMFULL);
     CLSID classId = {};
     EXPECT_EQ(As<IPersist>()->GetClassID(&classId), S_OK);
     EXPECT_EQ(classId, CLSID_SysInfo);
@@ -195,12 +203,18 @@ TEST_F(Control, AcceptsNullPointersAndHugeTexts)
     EXPECT_EQ(As<IObjectWithSite>()->GetSite(IID_IUnknown, nullptr), E_POINTER);
 }
 
-TEST_F(Control, RegistersNothingWhenANameIsLookedUp)
+TEST_F(Control, IsRegisteredForAllUsersOnRequestAlone)
 {
     const test::ScratchKey classes(HKEY_CLASSES_ROOT);
     _variant_t version;
     EXPECT_EQ(test::Call(control.Get(), L"Version", version), S_OK);
     EXPECT_EQ(classes.Dump(), L"[]\n");
+    EXPECT_EQ(dll.Entry<decltype(DllRegisterServer)>("DllRegisterServer")(), S_OK);
+    const std::wstring path = test::TestFile(KEL_DLL_PATH);
+    EXPECT_NE(classes.Dump().find(L"\\InprocServer32]\n=" + path + L"\n"), std::wstring::npos)
+        << classes.Dump();
+    EXPECT_EQ(dll.Entry<decltype(DllUnregisterServer)>("DllUnregisterServer")(), S_OK);
+    EXPECT_EQ(classes.Dump().find(L"InprocServer32"), std::wstring::npos);
 }
 
 TEST_F(Control, RejectsUnknownClassesAndInterfaces)
@@ -217,6 +231,20 @@ TEST_F(Control, RejectsUnknownClassesAndInterfaces)
     EXPECT_EQ(factory->CreateInstance(nullptr, IID_ISysInfo, nullptr), E_POINTER);
     EXPECT_EQ(factory->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
     EXPECT_EQ(control->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
+    EXPECT_EQ(As<IPersist>()->GetClassID(nullptr), E_POINTER);
+
+    ComPtr<ITypeInfo> info;
+    _bstr_t version(L"Version");
+    wchar_t* name = version;
+    DISPID id = 0;
+    DISPPARAMS none = {};
+    EXPECT_EQ(control->GetTypeInfo(0, 0, nullptr), E_POINTER);
+    EXPECT_EQ(control->GetTypeInfo(1, 0, &info), DISP_E_BADINDEX);
+    EXPECT_EQ(control->GetIDsOfNames(IID_IDispatch, &name, 1, 0, &id), DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(control->GetIDsOfNames(IID_NULL, nullptr, 1, 0, &id), E_POINTER);
+    EXPECT_EQ(control->GetIDsOfNames(IID_NULL, &name, 1, 0, nullptr), E_POINTER);
+    EXPECT_EQ(control->Invoke(7, IID_IDispatch, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
+              DISP_E_UNKNOWNINTERFACE);
 }
 
 }  // namespace

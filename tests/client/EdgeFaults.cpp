@@ -87,6 +87,8 @@ constexpr Group Groups[] = {
     {0, 0, "HttpSendRequestW",
      [](const Word* a) {
          broken += a[3] != 0 && *At<char>(a[3]) != '<';
+         if (a[3] != 0)
+             EdgeFaults::sent = At<char>(a[3]);
          EdgeFaults::withLogon += !std::exchange(forbidsLogon, false);
          return unread = Answer.size();
      }},

@@ -26,6 +26,7 @@ struct EdgeFaults {
     static inline bool isArmed = false, isLasting = false;
     static inline std::string failed;  ///< the function that failed last
     static inline std::wstring log;    ///< the lines that the DLL wrote
+    static inline std::string sent;    ///< the body of the last request that had one
     static inline int withLogon = 0;   ///< connections and requests that may send the user's logon
 };
 

@@ -84,6 +84,9 @@ void Fault::CheckControl(const wchar_t* identifier)
     if (!control)
         control = dll->Create();
     EXPECT_EQ(Use(control), L"4.5.1.0me71060|71063|71069|71207 reported");
+    EXPECT_THAT(EdgeFaults::sent,
+                testing::EndsWith("<ItemID>item</ItemID><UserID>me</UserID><Format>xml</Format>"
+                                  "<Schema>1.0</Schema></System>"));
     // For each detector, one value that no source leaves empty.
     constexpr const wchar_t* Values[] = {L"71253", L"71094", L"71437", L"71069", L"71207", L"71382"};
     const auto isLost = [&](auto id) { return Get(control, &ISysInfo::get_Value, id).empty(); };

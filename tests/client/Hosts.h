@@ -71,6 +71,7 @@ public:
 class PropertyBag final : public IPropertyBag {
 public:
     std::map<std::wstring, _variant_t> values;
+    HRESULT written = S_OK;  ///< the answer to each value that is saved
 
     STDMETHODIMP QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
     STDMETHODIMP_(ULONG) AddRef() override { return 2; }
@@ -88,7 +89,7 @@ public:
     STDMETHODIMP Write(LPCOLESTR name, VARIANT* value) override
     {
         values[name] = *value;
-        return S_OK;
+        return written;
     }
 };
 

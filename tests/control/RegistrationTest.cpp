@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "control/DetectionModule.h"
 #include "control/Registrar.h"
 #include "control/RegistrationScript.h"
 #include "support/ScratchKey.h"
@@ -16,6 +17,7 @@ TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
         {L"HKCR { NoRemove ForceRemove a }", "a name"},
         {L"HKCR { { } }", "line 1: a name"},
         {L"HKCR { k { val a } }", "an equals sign is expected."},
+        {L"HKCR { k=x }", "line 1: a name"},
         {L"HKCR {\n a = 'x' }", "line 2: the type s is expected."},
         {L"HKCR\n a { }", "line 2: an opening brace is expected."},
         {L"HKCR { a = s x }", "a text in quotes is expected."},
@@ -27,6 +29,11 @@ TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
         const auto parse = [&script = text] { RegistrationScript::Parse(script, {{L"MODULE", L"x"}}); };
         EXPECT_THAT(parse, testing::ThrowsMessage<ScriptError>(testing::HasSubstr(message))) << text;
     }
+}
+
+TEST(DetectionModule, KnowsItsPath)
+{
+    EXPECT_THAT(CDetectionModule::Path(), testing::EndsWith(L"\\kel_tests.exe"));
 }
 
 TEST(Registrar, WritesTheScriptAndRemovesItAgain)

@@ -203,7 +203,9 @@ private:
     void SetUpDirect3D9()
     {
         direct3D9.Answer(
-            4, +[](Object* self) { return static_cast<UINT>(self->owner->adapters.size()) * self->owner->displays; });
+            4, +[](Object* self) {
+                return static_cast<UINT>(self->owner->adapters.size()) * self->owner->displays;
+            });
         direct3D9.Answer(
             5, +[](Object* self, UINT index, DWORD flags, D3DADAPTER_IDENTIFIER9* out) -> HRESULT {
                 if (flags != 0)  // would have the driver's signature checked
@@ -251,8 +253,7 @@ private:
                 return index == 0 && !self->owner->diagnosis.empty() ? S_OK : E_INVALIDARG;
             });
         container.Answer(
-            5,
-            +[](Object* self, const wchar_t* name, IDxDiagContainer** out) -> HRESULT {
+            5, +[](Object* self, const wchar_t* name, IDxDiagContainer** out) -> HRESULT {
                 const std::wstring asked = name;
                 return asked == L"DxDiag_DisplayDevices" || asked == L"0" ? self->Give(out) : E_INVALIDARG;
             });
