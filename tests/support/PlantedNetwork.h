@@ -73,7 +73,8 @@ struct PlantedNetwork {
         functions.getBestInterface = [this](const sockaddr* address, DWORD* index) -> DWORD {
             // Addresses that are kept for documents lead nowhere.
             const bool isLong = address->sa_family == AF_INET6;
-            isMisused |= memcmp(address->sa_data + (isLong ? 6 : 2),
+            isMisused |= (!isLong && address->sa_family != AF_INET) ||
+                         memcmp(address->sa_data + (isLong ? 6 : 2),
                                 isLong ? "\x20\x01\x0D\xB8" : "\xC0\0\2\1", 4) != 0;
             if (isLong && !longRoute.empty())
                 return *index = static_cast<DWORD>(NumberOf(longRoute)), NO_ERROR;
@@ -82,7 +83,7 @@ struct PlantedNetwork {
     }
 
     /// Has functions fail: "table" and "route" with an error, or "missing"; "table" also "throws";
-    /// "addresses" grow between the given number of calls, or are missing.
+    /// "addresses" grow between the given number of calls, are missing, or fail with an "error".
     void Break(const Machine& machine)
     {
         const std::wstring tableFault = machine.First(L"table"), routeFault = machine.First(L"route"),
@@ -95,6 +96,9 @@ struct PlantedNetwork {
             functions.getTable = [error = NumberOf(tableFault)](auto) { return static_cast<DWORD>(error); };
         if (addressFault == L"missing")
             functions.getAddresses.clear();
+        else if (addressFault.starts_with(L"error "))
+            functions.getAddresses = [error = NumberOf(addressFault.substr(6))](
+                                         auto, auto, auto, auto, auto) { return static_cast<ULONG>(error); };
         else
             growth = static_cast<int>(NumberOf(addressFault));
         if (routeFault == L"missing")
