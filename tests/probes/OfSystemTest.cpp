@@ -3,12 +3,15 @@
 #include <winsock2.h>
 
 #include "platform/WindowsVersion.h"
+#include "probes/graphics/GraphicsFunctions.h"
 #include "probes/network/NetworkInterfaces.h"
 #include "probes/software/SoftwareFunctions.h"
 #include "probes/storage/StorageFunctions.h"
 #include "probes/storage/Volumes.h"
+#include "probes/system/Firmware.h"
 #include "probes/system/Memory.h"
 #include "probes/system/OSInfo.h"
+#include "probes/system/WindowsInfo.h"
 #include "support/TestFolder.h"
 #include "values/Text.h"
 
@@ -67,14 +70,23 @@ TEST(OfSystem, FunctionsAnswerAboutThisSystem)
     EXPECT_GE(version->dwMajorVersion, reported.dwMajorVersion);  // without a manifest, Windows reports 6.2
     EXPECT_TRUE(OSFunctions::OfSystem().getAdministrators());
     const SoftwareFunctions software = SoftwareFunctions::OfSystem();
-    EXPECT_THAT(software.programMachine(),
-                testing::AnyOf(IMAGE_FILE_MACHINE_AMD64, IMAGE_FILE_MACHINE_ARM64));
+    EXPECT_EQ(software.programMachine(), ReadNativeMachine(OSFunctions::OfSystem()));
     EXPECT_EQ(software.packageFolder(L"none"), L"");
     EXPECT_EQ(software.windowsBuild(), version->dwBuildNumber);
     MEMORYSTATUSEX status = {};
     status.dwLength = sizeof(status);
     EXPECT_TRUE(MemoryFunctions::OfSystem().status(&status));
     EXPECT_GT(status.ullTotalPhys, 0U);
+    const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
+    OSVERSIONINFOW found = {};
+    graphics.getVersion(found);
+    EXPECT_EQ(found.dwMajorVersion, version->dwMajorVersion);
+    EXPECT_TRUE(graphics.hasLibrary(L"kernel32.dll"));
+    EXPECT_FALSE(graphics.hasLibrary(L"missing.dll"));
+    const FirmwareFunctions firmware = FirmwareFunctions::OfSystem();
+    TpmInfo tpm = {1, 0, 0, 0};
+    EXPECT_NE(firmware.getVariableError(), DWORD{ERROR_SUCCESS});  // no variable has that name
+    EXPECT_NE(firmware.getTpm(tpm), std::uint32_t{ERROR_CALL_NOT_IMPLEMENTED});
 }
 
 }  // namespace

@@ -50,10 +50,10 @@ struct FakeDisplays {
     DisplayFunctions Functions()
     {
         DisplayFunctions functions;
-        functions.getDisplayConfigBufferSizes = [this](UINT32, UINT32* paths, UINT32* modes) -> LONG {
+        functions.getDisplayConfigBufferSizes = [this](UINT32 flags, UINT32* paths, UINT32* modes) -> LONG {
             *paths = static_cast<UINT32>(screens.size()) - (shortAnswers > 0 ? 1 : 0) + (isUnplugged ? 1 : 0);
             *modes = static_cast<UINT32>(screens.size());
-            return hasPaths ? ERROR_SUCCESS : ERROR_NOT_SUPPORTED;
+            return hasPaths && flags == QDC_ONLY_ACTIVE_PATHS ? ERROR_SUCCESS : ERROR_NOT_SUPPORTED;
         };
         functions.queryDisplayConfig = [this](UINT32, UINT32* pathCount, DISPLAYCONFIG_PATH_INFO* paths,
                                               UINT32*, DISPLAYCONFIG_MODE_INFO* modes, auto) -> LONG {
@@ -124,9 +124,9 @@ struct FakeDisplays {
             out->StateFlags = DISPLAY_DEVICE_ACTIVE;
             return TRUE;
         };
-        functions.enumDisplaySettings = [this](LPCWSTR adapter, DWORD number, DEVMODEW* mode, DWORD) {
+        functions.enumDisplaySettings = [this](LPCWSTR adapter, DWORD number, DEVMODEW* mode, DWORD flags) {
             const Screen& screen = screens[std::stoul(adapter)];
-            if (mode->dmSize != sizeof(*mode))
+            if (mode->dmSize != sizeof(*mode) || flags != 0)
                 return FALSE;
             if (number != ENUM_CURRENT_SETTINGS)
                 return GiveMode(screen, number, *mode);
