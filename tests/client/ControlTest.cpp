@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <objsafe.h>
 #include <ocidl.h>
+#include <shlwapi.h>
 
 #include <map>
 
@@ -211,10 +212,12 @@ TEST_F(Control, IsRegisteredForAllUsersOnRequestAlone)
     EXPECT_EQ(classes.Dump(), L"[]\n");
     EXPECT_EQ(dll.Entry<decltype(DllRegisterServer)>("DllRegisterServer")(), S_OK);
     const std::wstring path = test::TestFile(KEL_DLL_PATH);
-    EXPECT_NE(classes.Dump().find(L"\\InprocServer32]\n=" + path + L"\n"), std::wstring::npos)
-        << classes.Dump();
+    for (const std::wstring& part :
+         {L"\\InprocServer32]\n=" + path + L"\n", std::wstring(L"\n=Detection 1.0 Type Library\n")})
+        EXPECT_NE(classes.Dump().find(part), std::wstring::npos) << part;
     EXPECT_EQ(dll.Entry<decltype(DllUnregisterServer)>("DllUnregisterServer")(), S_OK);
     EXPECT_EQ(classes.Dump().find(L"InprocServer32"), std::wstring::npos);
+    EXPECT_EQ(dll.Entry<decltype(DllInstall)>("DllInstall")(TRUE, L"other"), E_INVALIDARG);
 }
 
 TEST_F(Control, RejectsUnknownClassesAndInterfaces)

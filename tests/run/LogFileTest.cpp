@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <regex>
 #include <set>
 #include <sstream>
 #include <string>
@@ -114,6 +115,10 @@ TEST(LogWriter, ReportsASingleLostLine)
     for (int attempt = 0; attempt < 3000 && !(text = ReadAll(path)).ends_with(Note); ++attempt)
         Sleep(10);
     EXPECT_EQ(std::ranges::count(text, '\n'), 16);
+    EXPECT_EQ(text.find("..."), text.npos);
+    writer.Write(1, std::wstring(16385, L'x'));
+    writer.Flush();
+    EXPECT_TRUE(ReadAll(path).ends_with("x...\r\n"));
     EXPECT_TRUE(text.ends_with(Note)) << text.substr(0, 100);
 }
 
@@ -139,24 +144,30 @@ TEST(LogStart, WritesTheDayTheProgramsAndTheServiceToThePolicysFile)
     machine.Write(policies, L"ServiceHost", L"a b\u20ac");
     wchar_t program[1000] = {};
     GetModuleFileNameW(nullptr, program, std::size(program));
-    const auto firstLine = [&program] {
-        SYSTEMTIME today;
-        GetLocalTime(&today);
-        wchar_t day[20] = {};
-        swprintf(day, std::size(day), L"%04d-%02d-%02d", today.wYear, today.wMonth, today.wDay);
-        return ToUtf8(std::wstring(L"TRACE | ") + day + L", process " +
-                      std::to_wstring(GetCurrentProcessId()) + L" " + program + L", version " +
-                      L"" KEL_VERSION_TEXT + L" " + program + L"\r\n");
+    const auto today = [] {
+        SYSTEMTIME now;
+        GetLocalTime(&now);
+        char day[20] = {};
+        snprintf(day, std::size(day), "%04d-%02d-%02d", now.wYear, now.wMonth, now.wDay);
+        return std::string(day);
     };
-    const std::string before = firstLine();
+    const std::string process = std::to_string(GetCurrentProcessId());
+    const auto firstLine = [&](const std::string& day) {
+        return "TRACE | " + day + ", process " + process + ToUtf8(std::wstring(L" ") + program) +
+               ", version " KEL_VERSION_TEXT " " + ToUtf8(program) + "\r\n";
+    };
+    const std::string before = today();
     StartLogFile();
-    const std::string after = firstLine();  // of the next day at midnight
     WriteLog(LogMark, L"of a lower level");
     WriteLog(LogError, L"of the file's level");
     FlushLogFile();
+    const std::string after = today();  // the next day at midnight
     const std::string text = ReadAll(folder.Path() / L"named.log");
-    EXPECT_THAT(text, testing::AnyOf(testing::HasSubstr(before), testing::HasSubstr(after)));
-    EXPECT_THAT(text, testing::HasSubstr("ERR   | of the file's level\r\n"));
+    EXPECT_THAT(text,
+                testing::AnyOf(testing::HasSubstr(firstLine(before)), testing::HasSubstr(firstLine(after))));
+    const std::regex line("(" + before + "|" + after + ") " + process +
+                          " \\d\\d:\\d\\d:\\d\\d  [\\d.]{6}  ERR   \\| of the file's level\r\n");
+    EXPECT_TRUE(std::regex_search(text, line)) << text;
     EXPECT_THAT(text, testing::Not(testing::HasSubstr("of a lower level")));
     EXPECT_THAT(text, testing::HasSubstr("TRACE | service "));
     EXPECT_THAT(text, testing::HasSubstr("The policy ServiceHost is not the name of a host, and is ignored: "
