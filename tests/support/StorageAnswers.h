@@ -49,13 +49,13 @@ inline std::string Descriptor(int bus, const char* vendor, const char* product, 
         offsets += Little(text != nullptr ? 40 + texts.size() : 0, 4);
         texts += text != nullptr ? std::string(text) + '\0' : "";
     }
-    return Little(40, 4) + Little(40 + texts.size(), 4) + std::string(2, '\0') + Little(isRemovable, 2) +
+    return Little(40, 4) + Little(40 + texts.size(), 4) + std::string(2, '\0') + Little(isRemovable, 1) + '\1' +
            offsets + Little(bus, 4) + std::string(8, '\0') + texts;
 }
 
 inline std::string Flag(bool flag)
 {
-    return Little(12, 4) + Little(12, 4) + Little(flag, 4);
+    return Little(12, 4) + Little(12, 4) + Little(flag, 1) + std::string(3, '\1');
 }
 
 inline std::string Geometry(std::uint64_t bytes, int media = FixedMedia)
@@ -71,7 +71,7 @@ inline std::string Number(int type, std::uint32_t number)
 
 inline std::string HotplugInfo(bool medium, bool device)
 {
-    return Little(8, 4) + Little(medium, 1) + Little(0, 1) + Little(device, 1) + Little(0, 1);
+    return Little(8, 4) + Little(medium, 1) + '\1' + Little(device, 1) + '\1';
 }
 
 inline std::string Extents(const std::vector<std::uint32_t>& disks)
