@@ -2,8 +2,10 @@
 
 #include "detectors/Components.h"
 #include "detectors/CpuRules.h"
+#include "probes/cpu/CpuTopology.h"
 #include "probes/cpu/SystemCpu.h"
 #include "support/LogCapture.h"
+#include "support/StorageAnswers.h"
 #include "support/TestSession.h"
 
 namespace kel {
@@ -74,6 +76,31 @@ TEST(SystemCpu, DoesNotTakeTwoGigabytesForATopology)
     CpuInfo info;
     GetTopology(functions, info);
     EXPECT_EQ(calls, 1);
+}
+
+TEST(CpuTopology, CountsWhatItsRecordsHold)
+{
+    using test::Little;
+    const auto record = [](int kind, const std::string& rest) {
+        return Little(kind, 4) + Little(8 + rest.size(), 4) + rest;
+    };
+    const std::string junk(20, '\x7F'), mask(8, '\0');
+    const auto core = [&](int efficiency, const std::string& masks) {
+        const std::size_t groups = masks.size() / 16;
+        return record(RelationProcessorCore,
+                      Little(0, 1) + Little(efficiency, 1) + junk + Little(groups, 2) + masks);
+    };
+    const std::string records =
+        core(0, Little(3, 8) + mask + Little(1, 8) + mask) + core(1, Little(3, 8) + mask) +
+        record(RelationProcessorCore, "") + record(RelationProcessorPackage, junk) +
+        record(RelationCache, Little(0, 4) + Little(512 << 10, 4)) + record(RelationCache, "") +
+        record(RelationNumaNode, junk) + core(0, mask + mask).substr(0, 40);  // cut
+    const CpuTopology found = DecodeTopology(std::as_bytes(std::span(records)));
+    EXPECT_EQ(found.cores, 3);
+    EXPECT_EQ(found.threads, 5);
+    EXPECT_EQ(found.packages, 1);
+    EXPECT_EQ(found.efficientCores, 2);
+    EXPECT_EQ(found.largestCache.value_or(Size()).Bytes(), 512U << 10);
 }
 
 TEST(CpuRules, TidyTheNameAndRateTheSpeed)

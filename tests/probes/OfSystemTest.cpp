@@ -3,6 +3,7 @@
 #include <winsock2.h>
 
 #include "platform/WindowsVersion.h"
+#include "probes/graphics/DisplayFunctions.h"
 #include "probes/graphics/GraphicsFunctions.h"
 #include "probes/network/NetworkInterfaces.h"
 #include "probes/software/SoftwareFunctions.h"
@@ -77,6 +78,9 @@ TEST(OfSystem, FunctionsAnswerAboutThisSystem)
     status.dwLength = sizeof(status);
     EXPECT_TRUE(MemoryFunctions::OfSystem().status(&status));
     EXPECT_GT(status.ullTotalPhys, 0U);
+    DWORD session = 0;
+    ASSERT_TRUE(ProcessIdToSessionId(GetCurrentProcessId(), &session));
+    EXPECT_EQ(DisplayFunctions::OfSystem().getSession(), session);
     const GraphicsFunctions graphics = GraphicsFunctions::OfSystem();
     OSVERSIONINFOW found = {};
     graphics.getVersion(found);

@@ -49,8 +49,8 @@ inline std::string Descriptor(int bus, const char* vendor, const char* product, 
         offsets += Little(text != nullptr ? 40 + texts.size() : 0, 4);
         texts += text != nullptr ? std::string(text) + '\0' : "";
     }
-    return Little(40, 4) + Little(40 + texts.size(), 4) + std::string(2, '\0') + Little(isRemovable, 1) + '\1' +
-           offsets + Little(bus, 4) + std::string(8, '\0') + texts;
+    return Little(40, 4) + Little(40 + texts.size(), 4) + std::string(2, '\0') + Little(isRemovable, 1) +
+           '\1' + offsets + Little(bus, 4) + std::string(8, '\0') + texts;
 }
 
 inline std::string Flag(bool flag)
