@@ -115,7 +115,9 @@ public:
         };
         functions.getDxDiagClass = [this](REFCLSID id, REFIID, void** out) {
             ++calls[L"DxDiag"];
-            return id.Data1 == 0xA65B8071 ? diagnosisClass.Give(out) : HRESULT{CLASS_E_CLASSNOTAVAILABLE};
+            return id == GUID{0xA65B8071, 0x3BFE, 0x4213, {0x9A, 0x5B, 0x49, 0x1D, 0xA4, 0x46, 0x1C, 0xA7}}
+                       ? diagnosisClass.Give(out)
+                       : HRESULT{CLASS_E_CLASSNOTAVAILABLE};
         };
         functions.askKernel = [this](LUID luid, UINT type) -> UINT {
             const Card& card = At(luid.LowPart - 1).card;
@@ -236,7 +238,12 @@ private:
     {
         diagnosisClass.Answer(
             3, +[](Object* self, IUnknown*, REFIID id, void** out) -> HRESULT {
-                return id.Data1 == 0x9C6B4CB0 ? self->owner->provider.Give(out) : HRESULT{E_NOINTERFACE};
+                return id == GUID{0x9C6B4CB0,
+                                  0x23F8,
+                                  0x49CC,
+                                  {0xA3, 0xED, 0x45, 0xA5, 0x50, 0x00, 0xA6, 0xD2}}
+                           ? self->owner->provider.Give(out)
+                           : HRESULT{E_NOINTERFACE};
             });
         provider.Answer(
             3, +[](Object* self, DXDIAG_INIT_PARAMS* parameters) {
