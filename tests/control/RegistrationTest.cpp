@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "control/DetectionModule.h"
 #include "control/Registrar.h"
 #include "control/RegistrationScript.h"
 #include "support/ScratchKey.h"
@@ -29,11 +28,6 @@ TEST(RegistrationScript, NamesTheLineOfAMalformedScript)
         const auto parse = [&script = text] { RegistrationScript::Parse(script, {{L"MODULE", L"x"}}); };
         EXPECT_THAT(parse, testing::ThrowsMessage<ScriptError>(testing::HasSubstr(message))) << text;
     }
-}
-
-TEST(DetectionModule, KnowsItsPath)
-{
-    EXPECT_THAT(CDetectionModule::Path(), testing::EndsWith(L"\\kel_tests.exe"));
 }
 
 TEST(Registrar, WritesTheScriptAndRemovesItAgain)

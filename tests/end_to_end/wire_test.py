@@ -101,22 +101,6 @@ class Wire(ControlTest):
             "guest": "another host answered"})
         self.assertNotIn("73390", self.service.requests[1]["body"])
 
-    def test_a_list_that_a_busy_service_refuses_is_asked_for_again(self):
-        self.service.faults = {"/Data/Service.svc/Group/list": "busy"}
-        self.run_as("demo", 'control.Detect(); control.ReferrerID = "demo"; control.Detect();')
-        self.assertEqual(self.lines(), [GROUP_LIST, UPLOAD, GROUP_LIST])
-
-    def test_facts_remain_without_a_service(self):
-        self.logs = True
-        self.service.shutdown()
-        self.service.server_close()
-        output = self.run_as("demo", 'WScript.Echo("[" + control.Analysis("i", "xml", "1") + "]");'
-                             'WScript.Echo(control.Value("71063") != "" && control.Value("71424") == control.SessionID);'
-                             'WScript.Echo(control.SysInfo.indexOf("<groups>")); WScript.Echo(control.Value("73390"));')
-        self.assertEqual(output, ["[]", "-1", "0", "not reached: 12029"])
-        self.assertRegex(self.log, r"ERR   \| .*The request has failed: GET analysis\.keldane\.example/Data/Service\.svc/"
-                                   r"Group/list\?refid=demo, proxy 127\.0\.0\.1:\d+: not reached: 12029, the host does not")
-
     def test_the_log_begins_with_the_process_and_has_no_key_and_few_warnings(self):
         self.logs = True
         self.run_as("demo", 'var answer = control.Analysis("i", "xml", "1");')
