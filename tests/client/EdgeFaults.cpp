@@ -213,6 +213,12 @@ void EdgeFaults::Arm(const char* fault)
     isArmed = true;
 }
 
+bool EdgeFaults::WasCalled(std::string_view function)
+{
+    return std::ranges::any_of(
+        functions, [function](const Function& one) { return one.name == function && one.isCalled; });
+}
+
 void EdgeFaults::Report()
 {
     // The thread of the last exchange releases what it has only after the work is done.

@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <string_view>
 
 namespace kel::test {
 
@@ -20,6 +21,8 @@ struct EdgeFaults {
     /// Prints what is open and what is incomplete, what failed last, and how often each function was called
     /// when it could have failed: -1 for one that was never called.
     static void Report();
+
+    static bool WasCalled(std::string_view function);
 
     static bool FailsTexts() { return isLasting || failed == "SysAllocStringLen"; }
 

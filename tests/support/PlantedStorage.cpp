@@ -102,6 +102,9 @@ void PlantedStorage::PlantDisks(const Machine& machine, FakeWmiData& wmi)
             windowsDisks.push_back(static_cast<std::uint32_t>(NumberOf(field)));
         devices.devices[L"\\\\.\\C:"].answers[ExtentsRequest] = Extents(windowsDisks);
     }
+    for (const std::wstring& line : machine[L"windows-number"])
+        devices.devices[L"\\\\.\\C:"].answers[NumberRequest] =
+            Number(FILE_DEVICE_DISK, static_cast<std::uint32_t>(NumberOf(line)));
     for (const std::wstring& line : machine[L"disk-device"]) {
         const Lines fields = FieldsOf(line, 6);
         List(DiskClass, fields[0], fields[1], fields[2]).InContainer(fields[4]).InState(fields[5]);
