@@ -11,6 +11,7 @@
 #include "probes/network/NetworkInterfaces.h"
 #include "probes/setup/SetupEntryPoints.h"
 #include "probes/software/SoftwareFunctions.h"
+#include "probes/sound/SoundEndpoints.h"
 #include "probes/system/OSInfo.h"
 #include "support/LogCapture.h"
 #include "support/ReplacedImport.h"
@@ -88,6 +89,18 @@ TEST_F(LookedUp, FunctionsThatAreMissingAnswerWithNothing)
                                               L"TRACE The system has no function GetPackagesByPackageFamily",
                                               L"TRACE The system has no function GetPackagePathByFullName"}))
         << "are not in Wine either";
+}
+
+UINT WINAPI CountThree()
+{
+    return 3;
+}
+
+TEST_F(LookedUp, SoundOutputsAreCountedByTheSystem)
+{
+    EXPECT_EQ(SoundFunctions::OfSystem().countOutputs(), 0U);
+    Add("waveOutGetNumDevs", &CountThree);
+    EXPECT_EQ(SoundFunctions::OfSystem().countOutputs(), 3U);
 }
 
 struct Packages {
