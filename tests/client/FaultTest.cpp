@@ -138,7 +138,7 @@ TEST_F(Fault, LeavesARegistrationThatIsWholeOrNone)
         user.Make(std::wstring(L"Software\\Classes\\") + key);
     const auto classes = [this] { return user.Dump(L"Software\\Classes"); };
     const auto install = [this](bool isOn) {
-        return dll->Handle() ? dll->Entry<decltype(DllInstall)>("DllInstall")(isOn, L"user") : E_FAIL;
+        return dll->Handle() ? dll->Entry<decltype(DllInstall)>("DllInstall")(isOn, L"User") : E_FAIL;
     };
     const std::wstring none = classes();
     dll.emplace();
