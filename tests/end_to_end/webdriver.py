@@ -18,12 +18,15 @@ class Browser:
     """One window. It closes at the end of the test `case`, which also gives it a folder."""
 
     def __init__(self, case, *options):
-        self.driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-        case.addCleanup(self.driver.wait)
-        case.addCleanup(self.driver.stdout.close)
-        case.addCleanup(self.driver.kill)
-        ports = (re.search(r"successfully on port (\d+)", line) for line in self.driver.stdout)
-        self.url = f"http://127.0.0.1:{next(filter(None, ports))[1]}/session"
+        for _ in range(5):  # it ends at once where another program has taken one of its ports meanwhile
+            driver = subprocess.Popen(["chromedriver", "--port=0"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+            case.addCleanup(driver.wait)
+            case.addCleanup(driver.stdout.close)
+            case.addCleanup(driver.kill)
+            ports = (re.search(r"successfully on port (\d+)", line) for line in driver.stdout)
+            if port := next(filter(None, ports), None):
+                break
+        self.url = f"http://127.0.0.1:{port[1]}/session"
         arguments = [*OPTIONS, *options, f"--user-data-dir={case.folder / 'profile'}", "--window-size=1280,900"]
         chromium = {"args": arguments, "enableExtensionTargets": True}  # their windows count, too
         session = self.ask("POST", "", {"capabilities": {"alwaysMatch": {"goog:chromeOptions": chromium}}})
