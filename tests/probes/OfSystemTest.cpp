@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <winsock2.h>
 
+#include <fstream>
+
 #include "platform/WindowsVersion.h"
 #include "probes/graphics/DisplayFunctions.h"
 #include "probes/graphics/GraphicsFunctions.h"
@@ -87,6 +89,9 @@ TEST(OfSystem, FunctionsAnswerAboutThisSystem)
     EXPECT_EQ(found.dwMajorVersion, version->dwMajorVersion);
     EXPECT_TRUE(graphics.hasLibrary(L"kernel32.dll"));
     EXPECT_FALSE(graphics.hasLibrary(L"missing.dll"));
+    const test::TestFolder folder;
+    std::ofstream(folder.Path() / L"small.json") << "{}";
+    EXPECT_EQ(graphics.readFile((folder.Path() / L"small.json").wstring()), "{}");
     const FirmwareFunctions firmware = FirmwareFunctions::OfSystem();
     TpmInfo tpm = {1, 0, 0, 0};
     EXPECT_NE(firmware.getVariableError(), DWORD{ERROR_SUCCESS});  // no variable has that name
