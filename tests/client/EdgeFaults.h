@@ -22,6 +22,7 @@ struct EdgeFaults {
     /// when it could have failed: -1 for one that was never called.
     static void Report();
 
+    /// Whether the DLL has called one of the functions that are replaced.
     static bool WasCalled(std::string_view function);
 
     static bool FailsTexts() { return isLasting || failed == "SysAllocStringLen"; }
